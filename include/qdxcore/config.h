@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Version, export macro and the build conditions that every user of the library must share.
+///
+/// Include any other header of the library instead: each one includes this.
+#ifndef QDXCORE_CONFIG_H_
+#define QDXCORE_CONFIG_H_
+
+#define QDXCORE_VERSION_MAJOR 0
+#define QDXCORE_VERSION_MINOR 1
+#define QDXCORE_VERSION_PATCH 0
+#define QDXCORE_VERSION "0.1.0"
+
+#if !defined(__linux__) || !defined(__x86_64__) || !defined(__LP64__)
+#error "libqdxcore is built for 64-bit x86 Linux only."
+#endif
+
+// Both definitions change inline code of Boost that the library and its users share. A program
+// built without them would bring its own operator-> and its own reference counts, and end in
+// abort() where the library expects an exception.
+#if !defined(BOOST_ENABLE_ASSERT_HANDLER)
+#error "Define BOOST_ENABLE_ASSERT_HANDLER: link qdxcore::qdxcore, or use `pkg-config --cflags`."
+#endif
+#if !defined(BOOST_SP_DISABLE_THREADS)
+#error "Define BOOST_SP_DISABLE_THREADS: link qdxcore::qdxcore, or use `pkg-config --cflags`."
+#endif
+
+/// Marks what the shared library offers; everything else in it is hidden.
+#define QDXCORE_EXPORT __attribute__((visibility("default")))
+
+#endif  // QDXCORE_CONFIG_H_

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/logger.h>
+#include <qdxcore/status.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <string>
+
+#include <boost/assert.hpp>
+
+namespace NVORNQDX20 {
+namespace {
+
+void ActOnFailure(const std::string& message) {
+  const char* setting = std::getenv("QDX_BOOST_ASSERT");
+  const std::string policy = setting != nullptr ? setting : "throwqdx";
+
+  LogMessage(ILogger::kLogError, {message});
+
+  if (policy == "throwboost") throw TBoostAssertException(message);
+  if (policy == "trap") {
+    std::cerr << std::endl
+              << message << std::endl
+              << std::endl
+              << "Forcing segmentation fault." << std::endl
+              << std::endl;
+    return;  // no signal here: the dereference that failed goes on, and that is what faults
+  }
+  if (policy == "exit") {
+    std::cerr << std::endl << message << std::endl;
+    std::exit(1);
+  }
+  if (policy != "throwqdx") {
+    std::cerr << "Invalid setting for QDX_BOOST_ASSERT '" << policy
+              << "'. Valid values are {throwqdx, throwboost, trap, exit}." << std::endl;
+  }
+  throw TQDXException(kQDXStatusFail);
+}
+
+}  // namespace
+}  // namespace NVORNQDX20
+
+namespace boost {
+
+void assertion_failed(char const* expr, char const* function, char const* file, long line) {
+  NVORNQDX20::ActOnFailure(std::string("Boost assertion failure! ") + file + ":" +
+                           std::to_string(line) + " [" + expr + "] func = " + function);
+}
+
+void assertion_failed_msg(char const* expr, char const* msg, char const* function, char const* file,
+                          long line) {
+  assertion_failed((std::string(expr) + " (" + msg + ")").c_str(), function, file, line);
+}
+
+}  // namespace boost
