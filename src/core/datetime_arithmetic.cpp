@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: Apache-2.0
+// Comparing, adding and subtracting date-times.
+#include <qdxcore/datetime.h>
+#include <qdxcore/status.h>
+
+#include "local_time.h"
+
+#include <ctime>
+
+namespace NVORNQDX20 {
+namespace {
+
+/// Microseconds: 64 bits do not hold the instants of far years.
+__extension__ typedef __int128 TMicroseconds;
+
+constexpr TMicroseconds kPerSecond = 1000000;
+
+[[noreturn]] void Refuse() { throw TQDXException(kQDXStatusInvalidDateTime); }
+
+template <typename T>
+T Magnitude(T number) {
+  return number < 0 ? -number : number;
+}
+
+/// The clock of a point, its minutes moved by `minutes`.
+TWallClock ClockOf(const TCIMDateTimeImpl& point, int minutes) {
+  return TWallClock(point.GetYear(), point.GetMonth(), point.GetDay(), point.GetHour(),
+                    point.GetMinute() + minutes, point.GetSecond());
+}
+
+/// The instant that the wall clock of a point shows here, whatever offset the point has.
+std::int64_t InstantOf(const TCIMDateTimeImpl& point) { return ClockOf(point, 0).Instant(); }
+
+/// Wraps at 2^32 on purpose. Held by CIMDateTimeArithmetic.WrapsTheSecondsOfIntervals.
+std::uint32_t SecondsOf(const TCIMDateTimeImpl& interval) {
+  return interval.GetDay() * 86400U + interval.GetHour() * 3600U + interval.GetMinute() * 60U +
+         interval.GetSecond();
+}
+
+TMicroseconds MicrosecondsOf(const TCIMDateTimeImpl& interval) {
+  return SecondsOf(interval) * kPerSecond + interval.GetMicroSeconds();
+}
+
+TCIMDateTime MakeInterval(TMicroseconds total) {
+  const TMicroseconds seconds = total / kPerSecond;
+  const TMicroseconds minutes = seconds / 60;
+  const TMicroseconds hours = minutes / 60;
+  return TCIMDateTime(
+      static_cast<std::uint32_t>(hours / 24), static_cast<std::uint16_t>(hours % 24),
+      static_cast<std::uint16_t>(minutes % 60), static_cast<std::uint16_t>(seconds % 60),
+      static_cast<std::uint32_t>(total % kPerSecond));
+}
+
+std::tm LocalTime(TMicroseconds seconds) {
+  const auto time = static_cast<std::time_t>(seconds);
+  std::tm local{};
+  if (time != seconds || ::localtime_r(&time, &local) == nullptr) Refuse();
+  return local;
+}
+
+/// The point whose wall clock, read without daylight saving, shows this many seconds here.
+TCIMDateTime MakePoint(TMicroseconds seconds, std::uint32_t microseconds, std::int16_t utcOffset) {
+  std::tm local = LocalTime(seconds);
+  if (local.tm_isdst != 0) local = LocalTime(seconds - 3600);
+  return TCIMDateTime(
+      static_cast<std::uint16_t>(local.tm_year + 1900),
+      static_cast<std::uint16_t>(local.tm_mon + 1), static_cast<std::uint32_t>(local.tm_mday),
+      static_cast<std::uint16_t>(local.tm_hour), static_cast<std::uint16_t>(local.tm_min),
+      static_cast<std::uint16_t>(local.tm_sec), microseconds, utcOffset);
+}
+
+TCIMDateTime AddToPoint(const TCIMDateTimeImpl& point, const TCIMDateTimeImpl& interval) {
+  const TMicroseconds total =
+      InstantOf(point) * kPerSecond + point.GetMicroSeconds() + MicrosecondsOf(interval);
+  // The microseconds are taken before the sign is dropped, so that before 1970 they come out beyond
+  // a million. Held by CIMDateTimeArithmetic.KeepsTheOddResultsBefore1970.
+  return MakePoint(Magnitude(total / kPerSecond), static_cast<std::uint32_t>(total % kPerSecond),
+                   point.GetUTCOffset());
+}
+
+/// `pointFraction` and `intervalFraction` are the microseconds that count for each.
+TCIMDateTime SubtractFromPoint(const TCIMDateTimeImpl& point, std::uint32_t pointFraction,
+                               const TCIMDateTimeImpl& interval, std::uint32_t intervalFraction) {
+  const TMicroseconds difference = Magnitude((InstantOf(point) * kPerSecond + pointFraction) -
+                                             (SecondsOf(interval) * kPerSecond + intervalFraction));
+  return MakePoint(difference / kPerSecond, static_cast<std::uint32_t>(difference % kPerSecond),
+                   point.GetUTCOffset());
+}
+
+/// The moment of a point on a scale where two points of any offset can be subtracted.
+TMicroseconds MomentOf(const TCIMDateTimeImpl& point) {
+  return (InstantOf(point) - std::int64_t{point.GetUTCOffset()} * 60) * kPerSecond +
+         point.GetMicroSeconds();
+}
+
+int CompareNumbers(std::uint32_t left, std::uint32_t right) {
+  return (left > right) - (left < right);
+}
+
+/// Less than, equal to or greater than 0; the fraction decides where the seconds are equal.
+int Compare(const TCIMDateTimeImpl& left, const TCIMDateTimeImpl& right) {
+  if (left.IsNull() || right.IsNull() || left.IsInterval() != right.IsInterval()) Refuse();
+  const int seconds =
+      left.IsInterval()
+          ? CompareNumbers(SecondsOf(left), SecondsOf(right))
+          : ClockOf(left, -left.GetUTCOffset()).Compare(ClockOf(right, -right.GetUTCOffset()));
+  return seconds != 0 ? seconds : CompareNumbers(left.GetMicroSeconds(), right.GetMicroSeconds());
+}
+
+}  // namespace
+
+bool TCIMDateTimeImpl::operator==(const TCIMDateTime& other) const {
+  return Compare(*this, *other.GetBody()) == 0;
+}
+
+bool TCIMDateTimeImpl::operator<(const TCIMDateTime& other) const {
+  return Compare(*this, *other.GetBody()) < 0;
+}
+
+TCIMDateTime TCIMDateTimeImpl::operator+(const TCIMDateTime& other) const {
+  const TCIMDateTimeImpl& right = *other.GetBody();
+  if (fNull || right.fNull || (!fInterval && !right.fInterval)) Refuse();
+  if (fInterval && right.fInterval)
+    return MakeInterval(MicrosecondsOf(*this) + MicrosecondsOf(right));
+  return fInterval ? AddToPoint(right, *this) : AddToPoint(*this, right);
+}
+
+TCIMDateTime TCIMDateTimeImpl::operator-(const TCIMDateTime& other) const {
+  const TCIMDateTimeImpl& right = *other.GetBody();
+  if (fNull || right.fNull) Refuse();
+  if (fInterval && right.fInterval) {
+    return MakeInterval(Magnitude(MicrosecondsOf(right) - MicrosecondsOf(*this)));
+  }
+  if (!fInterval && !right.fInterval) {
+    return MakeInterval(Magnitude(MomentOf(right) - MomentOf(*this)));
+  }
+  if (!fInterval) return SubtractFromPoint(*this, fMicroseconds, right, right.fMicroseconds);
+  // An interval less a point is the point moved back too, but with the two fractions exchanged on
+  // purpose. Held by CIMDateTimeArithmetic.ExchangesTheFractionsOfIntervalMinusPoint.
+  return SubtractFromPoint(right, fMicroseconds, *this, right.fMicroseconds);
+}
+
+void TCIMDateTimeImpl::GetDifference(TCIMDateTime&, TCIMDateTime&) const {
+  throw TQDXException(kQDXStatusNotImplemented);
+}
+
+}  // namespace NVORNQDX20

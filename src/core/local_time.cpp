@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "local_time.h"
+
+#include <qdxcore/status.h>
+
+#include <cstdlib>
+
+namespace NVORNQDX20 {
+namespace {
+
+constexpr std::int64_t kSecondsPerDay = 86400;
+
+/// No time zone is ever further from UTC: the widest that a zone file can say is 26 hours.
+constexpr std::int64_t kZoneReach = 4 * kSecondsPerDay;
+
+/// Days from 1970-01-01 to the first of a month of the Gregorian calendar; month 0 is January.
+std::int64_t DaysToMonth(std::int64_t year, std::int64_t month) {
+  // Years are counted from March, so that the leap day is the last of its year.
+  const std::int64_t marchYear = month < 2 ? year - 1 : year;
+  const std::int64_t monthsSinceMarch = (month + 10) % 12;
+  const std::int64_t era = (marchYear >= 0 ? marchYear : marchYear - 399) / 400;
+  const std::int64_t yearOfEra = marchYear - era * 400;
+  const std::int64_t dayOfYear = (153 * monthsSinceMarch + 2) / 5;
+  const std::int64_t dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
+  return era * 146097 + dayOfEra - 719468;
+}
+
+std::int64_t SecondsAtUTC(const std::tm& fields) {
+  std::int64_t year = std::int64_t{fields.tm_year} + 1900 + fields.tm_mon / 12;
+  std::int64_t month = fields.tm_mon % 12;
+  if (month < 0) {
+    month += 12;
+    --year;
+  }
+  const std::int64_t days = DaysToMonth(year, month) + fields.tm_mday - 1;
+  return days * kSecondsPerDay + std::int64_t{fields.tm_hour} * 3600 +
+         std::int64_t{fields.tm_min} * 60 + fields.tm_sec;
+}
+
+}  // namespace
+
+TWallClock::TWallClock(std::uint16_t year, std::uint16_t month, std::uint32_t day,
+                       std::uint16_t hour, int minute, std::uint16_t second)
+    : fFields() {
+  fFields.tm_year = year - 1900;
+  fFields.tm_mon = month - 1;
+  fFields.tm_mday = static_cast<int>(day);
+  fFields.tm_hour = hour;
+  fFields.tm_min = minute;
+  fFields.tm_sec = second;
+  fFields.tm_isdst = 0;
+  fSecondsAtUTC = SecondsAtUTC(fFields);
+}
+
+std::int64_t TWallClock::CallMktime() const {
+  std::tm fields = fFields;  // mktime() normalises what it is given
+  return std::mktime(&fields);
+}
+
+std::int64_t TWallClock::Instant() const {
+  const std::int64_t instant = CallMktime();
+  if (instant == -1) throw TQDXException(kQDXStatusInvalidDateTime);
+  return instant;
+}
+
+bool TWallClock::IsConvertible() const {
+  // mktime() is slow: it looks for a changed time zone each time. Without daylight saving the one
+  // reading that it refuses is that of the instant -1, so it is asked only where that can come out.
+  return std::abs(fSecondsAtUTC) > kZoneReach || CallMktime() != -1;
+}
+
+void TWallClock::RequireConvertible() const {
+  if (!IsConvertible()) throw TQDXException(kQDXStatusInvalidDateTime);
+}
+
+int TWallClock::Compare(const TWallClock& other) const {
+  RequireConvertible();
+  other.RequireConvertible();
+  std::int64_t difference = fSecondsAtUTC - other.fSecondsAtUTC;
+  // The zone can only change the order of readings that are close to each other.
+  if (difference != 0 && std::abs(difference) <= 2 * kZoneReach) {
+    difference = CallMktime() - other.CallMktime();
+  }
+  return (difference > 0) - (difference < 0);
+}
+
+}  // namespace NVORNQDX20
