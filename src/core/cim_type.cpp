@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/status.h>
+#include <qdxcore/value.h>
+
+#include <cctype>
+#include <iterator>
+#include <ostream>
+#include <string_view>
+
+namespace NVORNQDX20 {
+namespace {
+
+using TCIMType = TCIMValue::TCIMType;
+
+/// By type code; a type of no keyword is empty.
+constexpr std::string_view kKeywords[] = {
+    "",       "boolean", "uint8",  "sint8",  "uint16", "sint16", "uint32",   "sint32",
+    "uint64", "sint64",  "real32", "real64", "char",   "string", "datetime", "reference"};
+static_assert(std::size(kKeywords) == TCIMType::kCIMTypeReference + 1);
+
+bool IsRead(unsigned int type) {
+  // "char" is written but deliberately not read: no value can hold one.
+  // Held by CIMType.ReadsKeywordsInAnyCase.
+  return type != TCIMType::kCIMTypeNone && type != TCIMType::kCIMTypeChar;
+}
+
+}  // namespace
+
+TCIMValue::TCIMType::TCIMType(std::string keyword) : fType(kCIMTypeNone) {
+  for (char& c : keyword) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  for (unsigned int type = 0; type < std::size(kKeywords); ++type) {
+    if (IsRead(type) && keyword == kKeywords[type]) fType = static_cast<ECIMType>(type);
+  }
+}
+
+std::string TCIMValue::TCIMType::ToString() const {
+  const unsigned int element = fType & ~static_cast<unsigned int>(kCIMTypeArray);
+  if (element == kCIMTypeNone || element >= std::size(kKeywords)) {
+    throw TQDXException(kQDXStatusTypeMismatch);
+  }
+  return std::string(kKeywords[element]);
+}
+
+std::ostream& operator<<(std::ostream& stream, const TCIMValue::TCIMType& type) {
+  return stream << type.ToString();
+}
+
+}  // namespace NVORNQDX20

@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: Apache-2.0
+// Values from text. The results are those of the classic streams, with automatic base, but that
+// what cannot be read or does not fit is 0, and that a minus sign is refused for all unsigned types
+// but uint64. Held by CIMValueParsing.
+#include <qdxcore/reference.h>
+#include <qdxcore/status.h>
+#include <qdxcore/value.h>
+
+#include <charconv>
+#include <clocale>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <string_view>
+#include <system_error>
+#include <type_traits>
+
+namespace NVORNQDX20 {
+namespace {
+
+std::string_view SkipWhiteSpace(std::string_view text) {
+  const std::size_t start = text.find_first_not_of(" \t\n\v\f\r");
+  return start == std::string_view::npos ? std::string_view() : text.substr(start);
+}
+
+bool StartsWith(std::string_view text, std::string_view prefix) {
+  return text.substr(0, prefix.size()) == prefix;
+}
+
+/// Takes a sign off the text; true for a minus.
+bool TakeSign(std::string_view& text) {
+  const bool negative = StartsWith(text, "-");
+  if (negative || StartsWith(text, "+")) text.remove_prefix(1);
+  return negative;
+}
+
+/// Takes the prefix of a C integer off the text, and answers the base that it means.
+int TakeBase(std::string_view& text) {
+  if (StartsWith(text, "0x") || StartsWith(text, "0X")) {
+    text.remove_prefix(2);
+    return 16;
+  }
+  return StartsWith(text, "0") ? 8 : 10;
+}
+
+template <typename T>
+T WithSign(unsigned long magnitude, bool negative) {
+  const auto limit = static_cast<unsigned long>(std::numeric_limits<T>::max());
+  if (!negative) return magnitude > limit ? T{0} : static_cast<T>(magnitude);
+  if (std::is_signed_v<T>) {
+    return magnitude > limit + 1 ? T{0} : static_cast<T>(0 - magnitude);
+  }
+  return sizeof(T) == sizeof(magnitude) ? static_cast<T>(0 - magnitude) : T{0};
+}
+
+template <typename T>
+T ReadInteger(std::string_view text) {
+  text = SkipWhiteSpace(text);
+  const bool negative = TakeSign(text);
+  const int base = TakeBase(text);
+  unsigned long magnitude = 0;
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), magnitude, base);
+  return result.ec == std::errc() ? WithSign<T>(magnitude, negative) : T{0};
+}
+
+bool ReadBoolean(std::string_view text) { return StartsWith(SkipWhiteSpace(text), "true"); }
+
+std::size_t CountDigits(std::string_view text) {
+  const std::size_t end = text.find_first_not_of("0123456789");
+  return end == std::string_view::npos ? text.size() : end;
+}
+
+/// How much of a text without sign is a decimal number; 0 if it is none. An exponent mark without
+/// digits behind it spoils the number.
+std::size_t LengthOfReal(std::string_view text) {
+  std::size_t length = CountDigits(text);
+  std::size_t digits = length;
+  if (StartsWith(text.substr(length), ".")) {
+    const std::size_t fraction = CountDigits(text.substr(length + 1));
+    digits += fraction;
+    length += 1 + fraction;
+  }
+  if (digits == 0 || length == text.size() || (text[length] != 'e' && text[length] != 'E')) {
+    return digits == 0 ? 0 : length;
+  }
+  ++length;
+  if (length < text.size() && (text[length] == '+' || text[length] == '-')) ++length;
+  const std::size_t exponent = CountDigits(text.substr(length));
+  return exponent == 0 ? 0 : length + exponent;
+}
+
+/// For magnitudes beyond the range of T, where std::from_chars does not tell the too large, which
+/// are 0 here, from the too small.
+template <typename T>
+T ReadExtremeReal(const std::string& text) {
+  static const locale_t classic = ::newlocale(LC_ALL_MASK, "C", nullptr);
+  T number;
+  if constexpr (std::is_same_v<T, float>) {
+    number = ::strtof_l(text.c_str(), nullptr, classic);
+  } else {
+    number = ::strtod_l(text.c_str(), nullptr, classic);
+  }
+  return std::isinf(number) ? T{0} : number;
+}
+
+template <typename T>
+T ReadReal(std::string_view text) {
+  text = SkipWhiteSpace(text);
+  const bool negative = TakeSign(text);
+  const std::size_t length = LengthOfReal(text);
+  if (length == 0) return 0;
+
+  T number = 0;
+  const auto result = std::from_chars(text.data(), text.data() + length, number);
+  if (result.ec == std::errc::result_out_of_range) {
+    number = ReadExtremeReal<T>(std::string(text.substr(0, length)));
+  }
+  return negative ? -number : number;
+}
+
+}  // namespace
+
+TCIMValue::TCIMValue(TCIMType type, std::string& text, boost::shared_ptr<ICIMNamespace> ns)
+    : TCIMValue() {
+  switch (type) {
+    case TCIMType::kCIMTypeBoolean:
+      Set(ReadBoolean(text));
+      break;
+    case TCIMType::kCIMTypeUint8:
+      // Through 32 bits on purpose, as sint8 is: 256 is 0, 300 is 44.
+      Set(static_cast<unsigned char>(ReadInteger<unsigned int>(text)));
+      break;
+    case TCIMType::kCIMTypeSint8:
+      Set(static_cast<signed char>(ReadInteger<int>(text)));
+      break;
+    case TCIMType::kCIMTypeUint16:
+      Set(ReadInteger<unsigned short>(text));
+      break;
+    case TCIMType::kCIMTypeSint16:
+      Set(ReadInteger<short>(text));
+      break;
+    case TCIMType::kCIMTypeUint32:
+      Set(ReadInteger<unsigned int>(text));
+      break;
+    case TCIMType::kCIMTypeSint32:
+      Set(ReadInteger<int>(text));
+      break;
+    case TCIMType::kCIMTypeUint64:
+      Set(ReadInteger<unsigned long>(text));
+      break;
+    case TCIMType::kCIMTypeSint64:
+      Set(ReadInteger<long>(text));
+      break;
+    case TCIMType::kCIMTypeReal32:
+      Set(ReadReal<float>(text));
+      break;
+    case TCIMType::kCIMTypeReal64:
+      Set(ReadReal<double>(text));
+      break;
+    case TCIMType::kCIMTypeString:
+      Set(text);
+      break;
+    case TCIMType::kCIMTypeDateTime:
+      Set(TCIMDateTime(text));
+      break;
+    case TCIMType::kCIMTypeReference: {
+      TCIMReference reference(ns, text, TOptionsMap());
+      Set(reference);
+      break;
+    }
+    default:
+      throw TQDXException(kQDXStatusTypeMismatch);
+  }
+}
+
+}  // namespace NVORNQDX20
