@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: Apache-2.0
+// The text form of a reference.
+#include <qdxcore/interfaces.h>
+#include <qdxcore/logger.h>
+#include <qdxcore/reference.h>
+#include <qdxcore/status.h>
+
+#include <string_view>
+
+namespace NVORNQDX20 {
+namespace {
+
+/// References within references: far more than any schema has, far less than the stack holds.
+constexpr int kMaxDepth = 1000;
+
+/// Reads one text, the paths nested in it included.
+class TObjectPathParser {
+ public:
+  TObjectPathParser(boost::shared_ptr<ICIMNamespace> ns, const TOptionsMap& options,
+                    const std::string& path, std::uint64_t& position)
+      : fNamespace(ns), fOptions(options), fPath(path), fPosition(position) {}
+
+  void Parse(TCIMReferenceImpl& target) {
+    const bool nested = fPosition != 0;
+    if (nested) ++fPosition;  // over the opening quote
+    const std::size_t dot = fPath.find('.', fPosition);
+    if (dot == std::string::npos) {
+      const std::string name = fPosition < fPath.size() ? fPath.substr(fPosition) : std::string();
+      target.SetClassName(name);
+      fPosition = fPath.size();
+      return;
+    }
+    const boost::shared_ptr<ICIMClass> cimClass =
+        fNamespace->GetClass(fPath.substr(fPosition, dot - fPosition), fOptions);
+    target.SetClass(cimClass);
+    fPosition = dot;
+    while (!AtEnd(nested)) ParseBinding(target, cimClass);
+  }
+
+ private:
+  bool AtEnd(bool nested) const {
+    // A nested path that ran into the end of the text leaves the position one beyond it.
+    return fPosition >= fPath.size() || (nested && fPath[fPosition] == '"');
+  }
+
+  void ParseBinding(TCIMReferenceImpl& target, const boost::shared_ptr<ICIMClass>& cimClass) {
+    if (fPath[fPosition] != ',' && fPath[fPosition] != '.') {
+      Refuse("Reference missing '.' or ',', path=");
+    }
+    const std::size_t equals = fPath.find('=', fPosition + 1);
+    if (equals == std::string::npos) Refuse("Reference missing property value, path=");
+    const std::string name = fPath.substr(fPosition + 1, equals - fPosition - 1);
+    const boost::shared_ptr<const ICIMPropertyDecl> decl =
+        cimClass->GetPropertyDecl(name, TOptionsMap());
+
+    fPosition = equals + 1;
+    if (fPosition >= fPath.size() || fPath[fPosition] != '"') {
+      Refuse("Reference missing opening '\"', path=");
+    }
+    target.AddKeyValue(name, ParseValue(*decl));
+    ++fPosition;  // over the closing quote
+  }
+
+  TCIMValue ParseValue(const ICIMPropertyDecl& decl) {
+    if (decl.GetDefaultValue().IsReference()) return ParseNestedPath();
+    std::string text = ParseQuotedText();
+    return TCIMValue(decl.GetType(), text, fNamespace);
+  }
+
+  TCIMValue ParseNestedPath() {
+    if (fDepth == kMaxDepth) Refuse("Reference nested too deep, path=");
+    ++fDepth;
+    TCIMReference nested(fNamespace, fOptions);
+    Parse(*nested.GetBody());
+    --fDepth;
+    return TCIMValue(nested);
+  }
+
+  /// From the opening quote up to the closing one, where the position is left.
+  std::string ParseQuotedText() {
+    std::string text;
+    for (++fPosition; fPosition < fPath.size(); ++fPosition) {
+      char c = fPath[fPosition];
+      if (c == '"') return text;
+      if (c == '\\' && IsQuotable(fPosition + 1)) c = fPath[++fPosition];
+      text += c;
+    }
+    Refuse("Reference missing closing '\"', path=");
+  }
+
+  bool IsQuotable(std::size_t position) const {
+    return position < fPath.size() && (fPath[position] == '"' || fPath[position] == '\\');
+  }
+
+  [[noreturn]] void Refuse(std::string_view reason) const {
+    LogErrorAndThrow(kQDXStatusInvalidReference, {reason, fPath});
+  }
+
+  const boost::shared_ptr<ICIMNamespace> fNamespace;
+  const TOptionsMap& fOptions;
+  const std::string& fPath;
+  std::uint64_t& fPosition;
+  int fDepth = 0;
+};
+
+void AppendQuoted(std::string& path, const std::string& text) {
+  for (const char c : text) {
+    if (c == '"' || c == '\\') path += '\\';
+    path += c;
+  }
+}
+
+}  // namespace
+
+void TCIMReferenceImpl::ParsePath(TCIMReferenceImpl* target, const std::string& path,
+                                  std::uint64_t& position) {
+  TObjectPathParser(fNamespace, fOptions, path, position).Parse(*target);
+}
+
+std::string TCIMReferenceImpl::GetPath() const {
+  std::string path = fClass->GetName(TOptionsMap());
+  if (fKeyBindings.empty()) return path;
+
+  path += '.';
+  for (const auto& [name, value] : fKeyBindings) {
+    const std::string text = value.ToString(10);
+    path += name;
+    path += "=\"";
+    if (value.IsReference()) {
+      path += text;  // a nested path keeps its quotes as they are
+    } else {
+      AppendQuoted(path, text);
+    }
+    path += "\",";
+  }
+  path.pop_back();
+  return path;
+}
+
+}  // namespace NVORNQDX20

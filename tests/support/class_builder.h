@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Fills a namespace in a line or two: classes with keys, and instances.
+#ifndef TESTS_SUPPORT_CLASS_BUILDER_H_
+#define TESTS_SUPPORT_CLASS_BUILDER_H_
+
+#include <qdxcore/interfaces.h>
+#include <qdxrepository/repository.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <boost/shared_ptr.hpp>
+
+using TNamespace = boost::shared_ptr<NVORNQDX20::ICIMNamespace>;
+using TProperties = std::vector<std::pair<std::string, NVORNQDX20::TCIMValue>>;
+
+/// An empty namespace that knows the qualifiers Key, Association, Abstract and Override.
+inline TNamespace MakeNamespace() {
+  TNamespace ns = NVORNQDX20::MakeRepositoryNamespace("test");
+  using NVORNQDX20::kFlavorOverridable;
+  for (const char* name : {"Key", "Association", "Abstract"}) {
+    ns->CreateQualifierDecl(name, false, NVORNQDX20::kScopeAny, kFlavorOverridable, {})->Commit();
+  }
+  const NVORNQDX20::TCIMValue text(NVORNQDX20::TCIMValue::TCIMType::kCIMTypeString, 0);
+  ns->CreateQualifierDecl("Override", text, NVORNQDX20::kScopeAny, kFlavorOverridable, {})
+      ->Commit();
+  return ns;
+}
+
+/// A committed class; `keys` and `others` are its properties with their default values.
+inline boost::shared_ptr<NVORNQDX20::ICIMClass> AddClass(const TNamespace& ns,
+                                                         const std::string& name,
+                                                         const TProperties& keys,
+                                                         const TProperties& others = {}) {
+  const auto added = ns->CreateClass(name, nullptr, {});
+  for (const auto& [key, value] : keys) {
+    const auto decl = added->CreatePropertyDecl(key, value, {});
+    decl->AddQualifier(ns->GetQualifierDecl("Key", {}), true)->Commit();
+    decl->Commit();
+  }
+  for (const auto& [property, value] : others)
+    added->CreatePropertyDecl(property, value, {})->Commit();
+  added->Commit({});
+  return added;
+}
+
+/// A committed instance.
+inline boost::shared_ptr<NVORNQDX20::ICIMInstance> AddInstance(const TNamespace& ns,
+                                                               const std::string& className,
+                                                               const TProperties& values) {
+  const auto added = ns->GetClass(className, {})->CreateInstance({});
+  for (const auto& [name, value] : values) added->SetPropertyValue(name, value, {});
+  added->Commit({});
+  return added;
+}
+
+/// A null reference to a class.
+inline NVORNQDX20::TCIMValue NullReference(const TNamespace& ns, const std::string& className) {
+  NVORNQDX20::TCIMValue value(NVORNQDX20::TCIMValue::TCIMType::kCIMTypeReference, 0);
+  value.SetReferencedClass(ns->GetClass(className, {}));
+  return value;
+}
+
+#endif  // TESTS_SUPPORT_CLASS_BUILDER_H_
