@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/logger.h>
+#include <qdxcore/registry.h>
+#include <qdxcore/status.h>
+
+namespace NVORNQDX20 {
+
+INamespaceProviderManager::~INamespaceProviderManager() = default;
+
+boost::shared_ptr<TNamespaceProviderManager> TNamespaceProviderManager::fgInstance;
+
+boost::shared_ptr<TNamespaceProviderManager> TNamespaceProviderManager::GetInstance() {
+  if (!fgInstance) fgInstance.reset(new TNamespaceProviderManager);
+  return fgInstance;
+}
+
+TNamespaceProviderManager::TNamespaceProviderManager() = default;
+TNamespaceProviderManager::~TNamespaceProviderManager() = default;
+
+void TNamespaceProviderManager::RegisterNamespaceProvider(
+    boost::shared_ptr<INamespaceProvider> provider) {
+  // The first provider keeps its name on purpose; the newcomer is dropped in silence.
+  fProviders.emplace(provider->GetName(TOptionsMap()), provider);
+}
+
+boost::shared_ptr<INamespaceProvider> TNamespaceProviderManager::GetNamespaceProvider(
+    const std::string& name) const {
+  const auto found = fProviders.find(name);
+  if (found == fProviders.end()) {
+    LogErrorAndThrow(kQDXStatusNotFound, {"Failed to find nsp named ", name});
+  }
+  return found->second;
+}
+
+void TNamespaceProviderManager::EnumerateNamespaceProviders(
+    boost::function<bool(boost::shared_ptr<INamespaceProvider>)>& callback) const {
+  for (const auto& [name, provider] : fProviders) {
+    if (!callback(provider)) return;
+  }
+}
+
+ILogger* TRootObject::GetCoreLogger() { return TLogger::GetInstance(); }
+
+boost::shared_ptr<INamespaceProviderManager> TRootObject::GetNamespaceProviderManager() {
+  return TNamespaceProviderManager::GetInstance();
+}
+
+}  // namespace NVORNQDX20
