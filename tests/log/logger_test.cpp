@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/logger.h>
+
+#include "support/expect_status.h"
+#include "support/log_capture.h"
+#include "support/temp_dir.h"
+
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+namespace NVORNQDX20 {
+namespace {
+
+using TSeverity = ILogger::EQDXLogSeverity;
+
+const std::string kOpened = "-- QDX Log Opened ----------------------------\n";
+const std::string kClosed = "-- QDX Log Closed ----------------------------\n";
+
+class Logger : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    EXPECT_EQ(TLogger::GetInstance(), nullptr);
+    EXPECT_EQ(TLogger::Initialize(), kQDXStatusOK);
+    fLogger.reset(TLogger::GetInstance());
+  }
+
+  std::vector<std::string> History() const {
+    std::vector<std::string> messages;
+    for (const auto& entry : fLogger->GetLog()) messages.push_back(entry.fMessage);
+    return messages;
+  }
+
+  const TTempDir fDir;
+  const std::string fFile = (fDir.Path() / "log").string();
+  std::unique_ptr<TLogger> fLogger;
+};
+
+TEST_F(Logger, AdmitsByThreshold) {
+  fLogger->SetLogFilename(fFile);
+  EXPECT_EQ(fLogger->GetLogThreshold(), ILogger::kLogStatus);
+  const TSeverity all[] = {ILogger::kLogError, ILogger::kLogWarning, ILogger::kLogStatus,
+                           ILogger::kLogDebug, ILogger::kLogVerbose, ILogger::kLogRecordOnly};
+  for (const TSeverity severity : all) fLogger->OutputLogEntry(severity, std::to_string(severity));
+  EXPECT_EQ(History(), (std::vector<std::string>{"0", "1", "2", "100"}));
+
+  fLogger->ClearLog();
+  fLogger->SetLogThreshold(ILogger::kLogVerbose);
+  fLogger->OutputLogEntry(ILogger::kLogVerbose, "two\nlines");
+  fLogger->SetLogThreshold(ILogger::kLogError);
+  fLogger->OutputLogEntry(ILogger::kLogRecordOnly, "kept");
+  EXPECT_EQ(History(), std::vector<std::string>{"kept"});
+  EXPECT_EQ(ReadWholeFile(fFile), kOpened +
+                                      "PRQ_[Error] 0\nPRQ_[Warning] 1\nPRQ_[Status] 2\n"
+                                      "PRQ_[Verbose] two\nlines\n");
+}
+
+TEST_F(Logger, RefusesSeveritiesThatHaveNoLabel) {
+  fLogger->SetLogThreshold(static_cast<TSeverity>(10));
+  EXPECT_QDX_STATUS(fLogger->OutputLogEntry(static_cast<TSeverity>(7), "seven"), kQDXStatusFail);
+  EXPECT_TRUE(History().empty());
+  fLogger->OutputLogEntry(static_cast<TSeverity>(11), "not admitted");
+  EXPECT_QDX_STATUS(fLogger->OutputLogEntry(static_cast<TSeverity>(-1), "kept"), kQDXStatusFail);
+  EXPECT_EQ(History(), std::vector<std::string>{"kept"});
+  EXPECT_EQ(fLogger->GetLog().front().fSeverity, -1);
+}
+
+TEST_F(Logger, StampsTheHistoryWithTheLocalTime) {
+  fLogger->OutputLogEntry(ILogger::kLogError, "now");
+  const TCIMDateTime& time = fLogger->GetLog().front().fTime;
+  EXPECT_FALSE(time.IsNull() || time.IsInterval());
+  EXPECT_GE(time.GetYear(), 2024);
+}
+
+TEST_F(Logger, StartsAFreshFileAndClosesIt) {
+  fDir.Write("log", "of an earlier run, much longer than what comes now ........................");
+  fLogger->SetLogFilename(fFile);
+  EXPECT_EQ(ReadWholeFile(fFile), kOpened);
+  fLogger.reset();
+  EXPECT_EQ(ReadWholeFile(fFile), kOpened + kClosed);
+  EXPECT_EQ(TLogger::GetInstance(), nullptr);
+}
+
+TEST_F(Logger, LosesLinesAfterASecondFileButKeepsTheHistory) {
+  fLogger->SetLogFilename(fFile);
+  const std::string second = (fDir.Path() / "second").string();
+  EXPECT_QDX_STATUS(fLogger->SetLogFilename(second), kQDXStatusFileSystemError);
+  fLogger->OutputLogEntry(ILogger::kLogError, "lost");
+  fLogger.reset();
+  EXPECT_EQ(ReadWholeFile(fFile), kOpened);
+  EXPECT_FALSE(std::filesystem::exists(second));
+}
+
+TEST_F(Logger, SaysWhyItsFileCannotBeOpened) {
+  EXPECT_QDX_STATUS(fLogger->SetLogFilename((fDir.Path() / "none" / "log").string()),
+                    kQDXStatusFileSystemError);
+  fLogger->OutputLogEntry(ILogger::kLogError, "kept");
+  EXPECT_EQ(History(), std::vector<std::string>{"kept"});
+}
+
+TEST_F(Logger, TellsMissingPermissionFromOtherCauses) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs root, to become somebody else";
+  std::filesystem::permissions(fDir.Path(), std::filesystem::perms::owner_all);
+  ASSERT_EQ(::seteuid(65534), 0);
+  const std::string status = StatusThrownBy([&] { fLogger->SetLogFilename(fFile); });
+  ASSERT_EQ(::seteuid(0), 0);
+  EXPECT_EQ(status, "kQDXStatusAccessDenied");
+}
+
+TEST_F(Logger, AbandonsTheOneBefore) {
+  TLogger::Initialize();
+  const std::unique_ptr<TLogger> second(TLogger::GetInstance());
+  EXPECT_NE(second, fLogger);
+  fLogger.reset();  // not the one of the process: that stays
+  EXPECT_EQ(TLogger::GetInstance(), second.get());
+}
+
+TEST(LogMessage, NeedsALoggerThatAdmitsIt) {
+  LogMessage(ILogger::kLogError, {"nobody ", "reads"});
+  EXPECT_QDX_STATUS(LogErrorAndThrow(kQDXStatusNotFound, {"this"}), kQDXStatusNotFound);
+  const TLogCapture log(ILogger::kLogError);
+  LogMessage(ILogger::kLogWarning, {"not admitted"});
+  LogMessage(ILogger::kLogRecordOnly, {"a", "", "b"});
+  EXPECT_QDX_STATUS(LogErrorAndThrow(kQDXStatusFail, {"c", "d"}), kQDXStatusFail);
+  EXPECT_EQ(log.Messages(), (std::vector<std::string>{"100 ab", "0 cd"}));
+}
+
+}  // namespace
+}  // namespace NVORNQDX20
