@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+/// The services of the operating system.
+#ifndef QDXCORE_OS_SPECIFIC_H_
+#define QDXCORE_OS_SPECIFIC_H_
+
+#include <qdxcore/config.h>
+#include <qdxcore/datetime.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace NVORNQDX20 {
+
+class INamespaceConsumer;
+
+/// Everything that touches the platform, as static operations. Not synchronised: one thread only.
+/// Failures throw TQDXException; directories are listed in the order the system delivers them.
+class QDXCORE_EXPORT TOSSpecific {
+ public:
+  TOSSpecific() = delete;
+
+  /// ".so", the suffix of every loadable module.
+  static const std::string kDynamicModuleExtension;
+  /// "pi", the kind of generic plug-ins where none is named.
+  static const std::string kQDXPluginExtension;
+  /// ".pi.so"
+  static const std::string kPluginExtension;
+  /// ".properties.xml", the suffix of a plug-in's specification file.
+  static const std::string kSpecificationExtension;
+  /// "/"
+  static const std::string kFileSeparator;
+
+  // Plug-ins. Provider libraries ("lib" NAME ".nsp.so") and consumer libraries ("lib" NAME
+  // ".nsc.so") stand in the install root; NAME is the service name. What is loaded is never
+  // unloaded. A library that throws while its static objects are initialised ends the process.
+
+  /// The install root: the directory that holds this library, without a separator at the end; "."
+  /// if the loader knows the library by a bare file name.
+  /// Throws kQDXStatusFileSystemError if the loader cannot tell.
+  static std::string GetQDXRootPath();
+  /// The service names of the libraries of a kind, "nsp" or "nsc", in the install root.
+  ///
+  /// A name counts that has "." + kind anywhere; the service name is the file name less its first
+  /// three characters and its last seven, so that "libfoo.nsp.so.old" gives "foo.nsp".
+  /// Throws kQDXStatusFileSystemError if the root cannot be read, and std::out_of_range for a
+  /// matching name of fewer than three characters.
+  static std::vector<std::string> FindNSServices(std::string kind);
+  static std::vector<std::string> FindNSPs();
+  static std::vector<std::string> FindNSCs();
+  /// Loads a provider library, which registers its providers. A failure is logged and throws
+  /// kQDXStatusFileSystemError.
+  static void LoadNSPLibrary(std::string serviceName);
+  /// Loads a consumer library and calls its "NAME_CreateINamespaceConsumer"; the result, null
+  /// included, belongs to the caller. A library that cannot be loaded is logged and throws
+  /// kQDXStatusFileSystemError, one without that function kQDXStatusNotFound.
+  static INamespaceConsumer* LoadNSCLibrary(std::string serviceName);
+
+  /// The generic plug-ins of a kind, as paths: files one level below the directory whose name has
+  /// "." + kind + ".so" anywhere.
+  ///
+  /// The status of a subdirectory is asked for by its bare name, so it is only searched if the name
+  /// is a directory below the current directory too.
+  /// Throws kQDXStatusFileSystemError if a directory cannot be read.
+  static std::vector<std::string> FindPlugins(std::string directory);
+  static std::vector<std::string> FindPlugins(std::string directory, std::string kind);
+  /// The loader's handle, never null. A failure is logged and throws kQDXStatusFileSystemError.
+  static void* LoadPluginLibrary(std::string path);
+  /// The specification file of a plug-in file: without its suffix and, but for kind "cmpi", without
+  /// the first "lib" of the whole path, wherever that is.
+  /// Throws kQDXStatusFail if suffix or "lib" are missing. Whether the file exists is not asked.
+  static std::string BuildSpecificationPath(std::string pluginPath);
+  static std::string BuildSpecificationPath(std::string pluginPath, std::string kind);
+
+  // Clock and names.
+
+  /// Milliseconds, despite the name; the microseconds they make are computed modulo 2^32.
+  static void USleep(std::uint32_t milliseconds);
+  /// A point in time, to the millisecond, with the offset in force.
+  static TCIMDateTime GetLocalTime();
+  /// The host name. Throws kQDXStatusFail if it cannot be read or has 64 characters or more.
+  static std::string GetMachineName();
+  /// The host name too.
+  static std::string GetOperatingSystemName();
+  /// Does nothing on this platform: where the logger's lines go while no log file is named.
+  static void OutputLogString(std::string line);
+  /// Hands both on unchanged: the shell has expanded wildcards already.
+  static void ExpandCommandLineWildcards(std::int32_t count, char** arguments,
+                                         std::int32_t& expandedCount, char**& expandedArguments);
+};
+
+}  // namespace NVORNQDX20
+
+#endif  // QDXCORE_OS_SPECIFIC_H_

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/os_specific.h>
+#include <qdxcore/status.h>
+
+#include <cerrno>
+#include <ctime>
+
+#include <unistd.h>
+
+namespace NVORNQDX20 {
+
+void TOSSpecific::USleep(std::uint32_t milliseconds) {
+  // Computed in 32 bits on purpose: durations above 4294967 ms wrap around.
+  const std::uint32_t microseconds = milliseconds * 1000U;
+  timespec remaining{static_cast<time_t>(microseconds / 1000000U),
+                     static_cast<long>(microseconds % 1000000U) * 1000};
+  while (::nanosleep(&remaining, &remaining) != 0 && errno == EINTR) {
+    // A signal came in between: sleep for what is left.
+  }
+}
+
+TCIMDateTime TOSSpecific::GetLocalTime() {
+  timespec now{};
+  ::clock_gettime(CLOCK_REALTIME, &now);
+  ::tzset();  // localtime_r does not look for a changed TZ by itself
+  tm local{};
+  ::localtime_r(&now.tv_sec, &local);
+
+  const long milliseconds = now.tv_nsec / 1000000;
+  return TCIMDateTime(
+      static_cast<std::uint16_t>(local.tm_year + 1900),
+      static_cast<std::uint16_t>(local.tm_mon + 1), static_cast<std::uint32_t>(local.tm_mday),
+      static_cast<std::uint16_t>(local.tm_hour), static_cast<std::uint16_t>(local.tm_min),
+      static_cast<std::uint16_t>(local.tm_sec), static_cast<std::uint32_t>(milliseconds * 1000),
+      static_cast<std::int16_t>(local.tm_gmtoff / 60));
+}
+
+std::string TOSSpecific::GetMachineName() {
+  char name[64];
+  if (::gethostname(name, sizeof name) != 0) throw TQDXException(kQDXStatusFail);
+  name[sizeof name - 1] = '\0';
+  return name;
+}
+
+std::string TOSSpecific::GetOperatingSystemName() {
+  return GetMachineName();  // the host's name, not the system's, on purpose
+}
+
+void TOSSpecific::OutputLogString(std::string) {}
+
+void TOSSpecific::ExpandCommandLineWildcards(std::int32_t count, char** arguments,
+                                             std::int32_t& expandedCount,
+                                             char**& expandedArguments) {
+  expandedCount = count;
+  expandedArguments = arguments;
+}
+
+}  // namespace NVORNQDX20

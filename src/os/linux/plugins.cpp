@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: Apache-2.0
+// Finding and loading plug-ins.
+#include <qdxcore/logger.h>
+#include <qdxcore/os_specific.h>
+#include <qdxcore/status.h>
+
+#include <memory>
+
+#include <dirent.h>
+#include <dlfcn.h>
+#include <sys/stat.h>
+
+namespace NVORNQDX20 {
+
+const std::string TOSSpecific::kDynamicModuleExtension = ".so";
+const std::string TOSSpecific::kQDXPluginExtension = "pi";
+const std::string TOSSpecific::kPluginExtension =
+    "." + kQDXPluginExtension + kDynamicModuleExtension;
+const std::string TOSSpecific::kSpecificationExtension = ".properties.xml";
+const std::string TOSSpecific::kFileSeparator = "/";
+
+namespace {
+
+const std::string kNSPExtension = ".nsp.so";
+const std::string kNSCExtension = ".nsc.so";
+
+/// "lib" in front and ".nsp.so" or ".nsc.so" behind.
+constexpr std::size_t kPrefixLength = 3;
+constexpr std::size_t kAffixesLength = 10;
+
+struct TCloseDir {
+  void operator()(DIR* directory) const { ::closedir(directory); }
+};
+using TDir = std::unique_ptr<DIR, TCloseDir>;
+
+/// opendir() sets close-on-exec.
+TDir OpenDir(const std::string& path) {
+  TDir directory(::opendir(path.c_str()));
+  if (!directory) throw TQDXException(kQDXStatusFileSystemError);
+  return directory;
+}
+
+bool Contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+/// Whose address finds the file of this library. The address of an exported function would not do:
+/// it can be one in the program.
+void SomewhereInThisLibrary() {}
+
+void* Load(const std::string& path) { return ::dlopen(path.c_str(), RTLD_NOW | RTLD_GLOBAL); }
+
+std::string LoaderError() {
+  const char* const error = ::dlerror();
+  return error != nullptr ? error : "unknown error";
+}
+
+std::string PathOfService(const std::string& serviceName, const std::string& extension) {
+  return TOSSpecific::GetQDXRootPath() + TOSSpecific::kFileSeparator + "lib" + serviceName +
+         extension;
+}
+
+/// Loads the library of a service; `kind` stands in the message. The handle is not kept: a plug-in
+/// is never unloaded.
+void* LoadService(const std::string& path, const std::string& serviceName, const char* kind) {
+  void* const handle = Load(path);
+  if (handle == nullptr) {
+    LogErrorAndThrow(kQDXStatusFileSystemError,
+                     {"Couldn't load ", kind, ": ", serviceName, " (", LoaderError(), ")"});
+  }
+  return handle;
+}
+
+/// Whether a directory entry is worth a look below. The bare name, relative to the current
+/// directory, is what counts on purpose. Held by PluginSearch.AsksForTheBareName.
+bool IsSearchedForPlugins(const std::string& entry) {
+  struct stat status {};
+  return ::stat(entry.c_str(), &status) == 0 && entry != "." && entry != ".." &&
+         S_ISDIR(status.st_mode);
+}
+
+void AppendPluginsOf(const std::string& directory, const std::string& pattern,
+                     std::vector<std::string>& plugins) {
+  const TDir opened = OpenDir(directory);
+  while (const dirent* entry = ::readdir(opened.get())) {
+    const std::string name = entry->d_name;
+    if (Contains(name, pattern)) plugins.push_back(directory + TOSSpecific::kFileSeparator + name);
+  }
+}
+
+}  // namespace
+
+std::string TOSSpecific::GetQDXRootPath() {
+  Dl_info info{};
+  if (::dladdr(reinterpret_cast<void*>(&SomewhereInThisLibrary), &info) == 0 ||
+      info.dli_fname == nullptr) {
+    throw TQDXException(kQDXStatusFileSystemError);
+  }
+  const std::string file = info.dli_fname;
+  const std::size_t separator = file.rfind(kFileSeparator);
+  // An empty element of LD_LIBRARY_PATH makes the loader find the library by its bare name.
+  return separator == std::string::npos ? "." : file.substr(0, separator);
+}
+
+std::vector<std::string> TOSSpecific::FindNSServices(std::string kind) {
+  const std::string root = GetQDXRootPath();
+  const std::string pattern = "." + kind;
+  const TDir directory = OpenDir(root);
+  std::vector<std::string> services;
+  while (const dirent* entry = ::readdir(directory.get())) {
+    const std::string name = entry->d_name;
+    struct stat status {};
+    if (::stat((root + kFileSeparator + name).c_str(), &status) != 0 || S_ISDIR(status.st_mode)) {
+      continue;
+    }
+    // The pattern may stand anywhere and the cut is of fixed length, on purpose: libfoo.nsp.so.old
+    // is foo.nsp. A shorter name leaves what follows its third character: the subtraction wraps.
+    if (Contains(name, pattern)) {
+      services.push_back(name.substr(kPrefixLength, name.size() - kAffixesLength));
+    }
+  }
+  return services;
+}
+
+std::vector<std::string> TOSSpecific::FindNSPs() { return FindNSServices("nsp"); }
+std::vector<std::string> TOSSpecific::FindNSCs() { return FindNSServices("nsc"); }
+
+void TOSSpecific::LoadNSPLibrary(std::string serviceName) {
+  LoadService(PathOfService(serviceName, kNSPExtension), serviceName, "NSP");
+}
+
+INamespaceConsumer* TOSSpecific::LoadNSCLibrary(std::string serviceName) {
+  const std::string path = PathOfService(serviceName, kNSCExtension);
+  void* const handle = LoadService(path, serviceName, "NSC");
+  using TCreateConsumer = INamespaceConsumer* (*)();
+  const auto create = reinterpret_cast<TCreateConsumer>(
+      ::dlsym(handle, (serviceName + "_CreateINamespaceConsumer").c_str()));
+  if (create == nullptr) {
+    LogErrorAndThrow(kQDXStatusNotFound, {"Couldn't find 'CreateINamespaceConsumer' in ", path});
+  }
+  return create();
+}
+
+std::vector<std::string> TOSSpecific::FindPlugins(std::string directory) {
+  return FindPlugins(directory, kQDXPluginExtension);
+}
+
+std::vector<std::string> TOSSpecific::FindPlugins(std::string directory, std::string kind) {
+  const std::string pattern = "." + kind + kDynamicModuleExtension;
+  const TDir opened = OpenDir(directory);
+  std::vector<std::string> plugins;
+  while (const dirent* entry = ::readdir(opened.get())) {
+    const std::string name = entry->d_name;
+    if (IsSearchedForPlugins(name)) {
+      AppendPluginsOf(directory + kFileSeparator + name, pattern, plugins);
+    }
+  }
+  return plugins;
+}
+
+void* TOSSpecific::LoadPluginLibrary(std::string path) {
+  void* const handle = Load(path);
+  if (handle == nullptr) {
+    LogErrorAndThrow(kQDXStatusFileSystemError,
+                     {"ERROR: Failed to load plugin.  Reason: ", LoaderError()});
+  }
+  return handle;
+}
+
+std::string TOSSpecific::BuildSpecificationPath(std::string pluginPath) {
+  return BuildSpecificationPath(pluginPath, kQDXPluginExtension);
+}
+
+std::string TOSSpecific::BuildSpecificationPath(std::string pluginPath, std::string kind) {
+  const std::size_t end = pluginPath.find("." + kind + kDynamicModuleExtension);
+  if (end == std::string::npos) throw TQDXException(kQDXStatusFail);
+  std::string specification = pluginPath.substr(0, end);
+  if (kind != "cmpi") {
+    // The first "lib" of the whole path, on purpose, even if that is /usr/lib.
+    // Held by SpecificationPath.IsBuiltFromThePluginPath.
+    const std::size_t prefix = pluginPath.find("lib");
+    if (prefix >= end) throw TQDXException(kQDXStatusFail);
+    specification.erase(prefix, kPrefixLength);
+  }
+  return specification + kSpecificationExtension;
+}
+
+}  // namespace NVORNQDX20

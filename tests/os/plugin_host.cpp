@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: Apache-2.0
+// Does one thing with plug-ins and prints what came of it, sorted, then what was logged.
+#include <qdxcore/interfaces.h>
+#include <qdxcore/logger.h>
+#include <qdxcore/os_specific.h>
+#include <qdxcore/registry.h>
+#include <qdxcore/status.h>
+
+#include <algorithm>
+#include <iostream>
+#include <string>
+#include <vector>
+
+using namespace NVORNQDX20;
+
+namespace {
+
+std::vector<std::string> Registered() {
+  std::vector<std::string> names;
+  boost::function<bool(boost::shared_ptr<INamespaceProvider>)> callback =
+      [&names](boost::shared_ptr<INamespaceProvider> provider) {
+        names.push_back(provider->GetName({}));
+        return true;
+      };
+  TRootObject::GetNamespaceProviderManager()->EnumerateNamespaceProviders(callback);
+  return names;
+}
+
+std::vector<std::string> Do(const std::string& what, const std::string& name) {
+  if (what == "root") return {TOSSpecific::GetQDXRootPath()};
+  if (what == "nsps") return TOSSpecific::FindNSPs();
+  if (what == "nscs") return TOSSpecific::FindNSCs();
+  if (what == "plugins") return TOSSpecific::FindPlugins(name);
+  if (what == "load-nsp") {
+    TOSSpecific::LoadNSPLibrary(name);
+    return Registered();
+  }
+  if (what == "load-nsc") {
+    const boost::shared_ptr<INamespaceConsumer> consumer(TOSSpecific::LoadNSCLibrary(name));
+    return {consumer ? consumer->GetName({}) : "null"};
+  }
+  if (what == "load") return {TOSSpecific::LoadPluginLibrary(name) ? "loaded" : "null"};
+  return {"unknown request"};
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  TLogger::Initialize();
+  try {
+    std::vector<std::string> results = Do(argc > 1 ? argv[1] : "", argc > 2 ? argv[2] : "");
+    std::sort(results.begin(), results.end());
+    for (const std::string& result : results) std::cout << result << '\n';
+  } catch (const std::exception& e) {
+    std::cout << e.what() << '\n';
+  }
+  for (const auto& entry : TLogger::GetInstance()->GetLog()) {
+    std::cout << "log " << entry.fSeverity << ' ' << entry.fMessage << '\n';
+  }
+  return 0;
+}

@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/os_specific.h>
+
+#include "support/expect_status.h"
+#include "support/temp_dir.h"
+
+#include <array>
+#include <cstdio>
+
+#include <gtest/gtest.h>
+
+namespace NVORNQDX20 {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// An install root of the test's own, with the library in it.
+class PluginRoot : public ::testing::Test {
+ protected:
+  PluginRoot() { fs::copy_file(QDXCORE_LIBRARY, fRoot / QDXCORE_SONAME); }
+
+  /// What the host program prints when it runs in `folder`, the library found by `libraryPath`.
+  std::string Ask(const std::string& request, const fs::path& folder,
+                  const std::string& libraryPath) const {
+    const std::string command = "cd '" + folder.string() + "' && LD_LIBRARY_PATH='" + libraryPath +
+                                "' '" PLUGIN_HOST "' " + request + " 2>&1";
+    FILE* const pipe = ::popen(command.c_str(), "r");
+    std::string output;
+    std::array<char, 4096> buffer;
+    while (std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe)) {
+      output.append(buffer.data(), count);
+    }
+    EXPECT_EQ(::pclose(pipe), 0) << command;
+    return output;
+  }
+  std::string Ask(const std::string& request) const { return Ask(request, "/", fRoot.string()); }
+
+  const TTempDir fDir;
+  const fs::path& fRoot = fDir.Path();
+};
+
+TEST_F(PluginRoot, IsTheFolderOfTheLibrary) {
+  EXPECT_EQ(Ask("root"), fRoot.string() + "\n");
+  // An empty element of the path makes the loader know the library by its bare name.
+  EXPECT_EQ(Ask("root", fRoot, ":/none"), ".\n");
+}
+
+TEST_F(PluginRoot, IsSearchedForServices) {
+  EXPECT_EQ(Ask("nscs"), "");
+  for (const char* name :
+       {"libdisk.nsp.so", "libfoo.nsp.so.old", "x.nsp", "libfile.nsc.so", "lib.so"}) {
+    fDir.Write(name, "");
+  }
+  fs::create_directory(fRoot / "libfolder.nsp.so");
+  fs::create_symlink("libdisk.nsp.so", fRoot / "liblink.nsp.so");
+  fs::create_symlink("none", fRoot / "libdangling.nsp.so");
+  EXPECT_EQ(Ask("nsps"), "disk\nfoo.nsp\nlink\nsp\n");
+  EXPECT_EQ(Ask("nscs"), "file\n");
+}
+
+TEST_F(PluginRoot, GivesProvidersThatRegisterThemselves) {
+  fs::copy_file(TEST_PROVIDER, fRoot / "libany.nsp.so");
+  EXPECT_EQ(Ask("load-nsp any"), "test\n");
+  const std::string missing = Ask("load-nsp none");
+  EXPECT_EQ(missing.find("kQDXStatusFileSystemError\nlog 0 Couldn't load NSP: none (" +
+                         fRoot.string() + "/libnone.nsp.so: "),
+            0U)
+      << missing;
+}
+
+TEST_F(PluginRoot, GivesConsumersByTheirEntryPoint) {
+  for (const char* name : {"good", "nothing", "other"}) {
+    fs::copy_file(TEST_CONSUMER, fRoot / ("lib" + std::string(name) + ".nsc.so"));
+  }
+  fDir.Write("libbroken.nsc.so", "no library");
+  EXPECT_EQ(Ask("load-nsc good"), "the good consumer\n");
+  EXPECT_EQ(Ask("load-nsc nothing"), "null\n");
+  EXPECT_EQ(Ask("load-nsc other"),
+            "kQDXStatusNotFound\nlog 0 Couldn't find 'CreateINamespaceConsumer' in " +
+                fRoot.string() + "/libother.nsc.so\n");
+  const std::string broken = Ask("load-nsc broken");
+  EXPECT_EQ(broken.find("kQDXStatusFileSystemError\nlog 0 Couldn't load NSC: broken ("), 0U)
+      << broken;
+}
+
+TEST_F(PluginRoot, LoadsGenericPluginsByPath) {
+  fs::copy_file(TEST_PROVIDER, fRoot / "any.pi.so");
+  EXPECT_EQ(Ask("load " + (fRoot / "any.pi.so").string()), "loaded\n");
+  const std::string missing = Ask("load /none.pi.so");
+  EXPECT_EQ(missing.find("kQDXStatusFileSystemError\nlog 0 ERROR: Failed to load plugin.  Reason: "
+                         "/none.pi.so: "),
+            0U)
+      << missing;
+}
+
+using PluginSearch = PluginRoot;
+
+TEST_F(PluginSearch, AsksForTheBareName) {
+  for (const char* name : {"p/sub/a.pi.so", "p/sub/b.pi.so.bak", "p/sub/c.nsp.so",
+                           "p/sub/deep/d.pi.so", "p/e.pi.so", "p/hidden/f.pi.so"}) {
+    fDir.Write(name, "");
+  }
+  const std::string plugins = (fRoot / "p").string();
+  const std::string found = plugins + "/sub/a.pi.so\n" + plugins + "/sub/b.pi.so.bak\n";
+  const auto search = [&](const fs::path& folder) {
+    return Ask("plugins " + plugins, folder, fRoot.string());
+  };
+  EXPECT_EQ(search(plugins), plugins + "/hidden/f.pi.so\n" + found);  // printed sorted
+  fs::create_directories(fRoot / "other" / "sub");
+  EXPECT_EQ(search(fRoot / "other"), found);
+  fs::create_directories(fRoot / "empty");
+  EXPECT_EQ(search(fRoot / "empty"), "");
+}
+
+TEST_F(PluginSearch, FailsWhereAFolderCannotBeRead) {
+  EXPECT_QDX_STATUS(TOSSpecific::FindPlugins("/none"), kQDXStatusFileSystemError);
+}
+
+TEST(SpecificationPath, IsBuiltFromThePluginPath) {
+  const struct {
+    const char* fPath;
+    const char* fKind;
+    const char* fSpecification;
+  } rows[] = {
+      {"/opt/t/plugins/x/libdisk.pi.so", "pi", "/opt/t/plugins/x/disk.properties.xml"},
+      {"/opt/t/x/libdisk.cmpi.so", "cmpi", "/opt/t/x/libdisk.properties.xml"},
+      {"/usr/lib/x/libdisk.pi.so", "pi", "/usr//x/libdisk.properties.xml"},
+      {"libx.pi.so.pi.so", "pi", "x.properties.xml"},
+      {"libx.so", "pi", nullptr},
+      {"disk.pi.so", "pi", nullptr},
+      {"disk.pi.so.lib", "pi", nullptr},
+  };
+  for (const auto& row : rows) {
+    if (row.fSpecification == nullptr) {
+      EXPECT_QDX_STATUS(TOSSpecific::BuildSpecificationPath(row.fPath, row.fKind), kQDXStatusFail);
+    } else {
+      EXPECT_EQ(TOSSpecific::BuildSpecificationPath(row.fPath, row.fKind), row.fSpecification);
+    }
+  }
+  EXPECT_EQ(TOSSpecific::BuildSpecificationPath("liba.pi.so"), "a.properties.xml");
+}
+
+TEST(PluginConstants, Stand) {
+  EXPECT_EQ(TOSSpecific::kDynamicModuleExtension, ".so");
+  EXPECT_EQ(TOSSpecific::kQDXPluginExtension, "pi");
+  EXPECT_EQ(TOSSpecific::kPluginExtension, ".pi.so");
+  EXPECT_EQ(TOSSpecific::kSpecificationExtension, ".properties.xml");
+  EXPECT_EQ(TOSSpecific::kFileSeparator, "/");
+}
+
+}  // namespace
+}  // namespace NVORNQDX20

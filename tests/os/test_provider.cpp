@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: Apache-2.0
+// A provider library that registers itself as "test".
+#include <qdxcore/registry.h>
+
+#include <boost/make_shared.hpp>
+
+using namespace NVORNQDX20;
+
+namespace {
+
+class TTestProvider : public INamespaceProvider {
+ public:
+  const std::string& GetName(TOptionsMap) const override { return fName; }
+
+ private:
+  std::string fName = "test";
+};
+
+const bool kRegistered = [] {
+  TRootObject::GetNamespaceProviderManager()->RegisterNamespaceProvider(
+      boost::make_shared<TTestProvider>());
+  return true;
+}();
+
+}  // namespace
