@@ -1,0 +1,255 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/logger.h>
+#include <qdxcore/schema_helper.h>
+#include <qdxcore/status.h>
+
+#include <algorithm>
+#include <cctype>
+#include <string_view>
+#include <vector>
+
+namespace NVORNQDX20 {
+
+const std::string TCIMSchemaHelper::kSystemCreationClassName = "VORNSG_ComputerSystem";
+const std::string TCIMSchemaHelper::kOperatingSystemCreationClassName = "VORNSG_OperatingSystem";
+
+namespace {
+
+using TInstances = std::vector<boost::shared_ptr<ICIMInstance>>;
+
+const std::string kProductClassName = "VORNSG_QDXProduct";
+
+constexpr std::size_t kTypeLength = 4;
+constexpr std::size_t kMTMLength = 7;
+constexpr std::string_view kUnknownModel = "xxx";
+
+TInstances InstancesOf(const ICIMClass& cimClass, const TOptionsMap& options) {
+  TInstances instances;
+  cimClass.EnumerateInstances(TAddToVectorCallback<ICIMInstance>(instances), true, options);
+  return instances;
+}
+
+/// The property of the single instance of a class.
+boost::shared_ptr<ICIMProperty> ReadProperty(const boost::shared_ptr<ICIMNamespace>& ns,
+                                             const std::string& className, const std::string& name,
+                                             const TOptionsMap& options) {
+  const boost::shared_ptr<ICIMClass> cimClass = ns->GetClass(className, options);
+  const TInstances instances = InstancesOf(*cimClass, TOptionsMap());
+  if (instances.size() != 1) throw TQDXException(kQDXStatusNotFound);
+  return instances.front()->GetProperty(name, options);
+}
+
+std::string ReadText(const boost::shared_ptr<ICIMNamespace>& ns, const std::string& className,
+                     const std::string& name, const TOptionsMap& options = TOptionsMap()) {
+  return ReadProperty(ns, className, name, options)->GetValue();
+}
+
+[[noreturn]] void Missing(std::initializer_list<std::string_view> message) {
+  LogMessage(ILogger::kLogDebug, message);
+  throw TQDXException(kQDXStatusNotFound);
+}
+
+boost::shared_ptr<ICIMClass> FindSystemClass(const boost::shared_ptr<ICIMNamespace>& ns,
+                                             const TOptionsMap& options) {
+  boost::shared_ptr<ICIMClass> found;
+  try {
+    found = ns->GetClass(TCIMSchemaHelper::kSystemCreationClassName, options);
+  } catch (const TQDXException& e) {
+    if (e.GetStatusCode() != kQDXStatusNotFound) throw;
+  }
+  if (!found) Missing({"TCIMSchemaHelper: no computer system"});
+  return found;
+}
+
+boost::shared_ptr<ICIMProperty> FindProperty(const ICIMInstance& instance, const std::string& name,
+                                             const TOptionsMap& options) {
+  boost::shared_ptr<ICIMProperty> found;
+  try {
+    found = instance.GetProperty(name, options);
+  } catch (const TQDXException& e) {
+    if (e.GetStatusCode() != kQDXStatusNotFound) throw;
+  }
+  if (!found) Missing({"TCIMSchemaHelper: didn't find ", name, " property"});
+  return found;
+}
+
+/// A text of the computer system; says in the log what stands in the way of it.
+std::string ReadSystemText(const boost::shared_ptr<ICIMNamespace>& ns, const std::string& name,
+                           const TOptionsMap& lookupOptions,
+                           const TOptionsMap& enumerationOptions) {
+  const boost::shared_ptr<ICIMClass> cimClass = FindSystemClass(ns, lookupOptions);
+  const TInstances instances = InstancesOf(*cimClass, enumerationOptions);
+  if (instances.size() != 1) Missing({"TCIMSchemaHelper: computer system instances != 1"});
+
+  const boost::shared_ptr<ICIMProperty> property =
+      FindProperty(*instances.front(), name, lookupOptions);
+  const TCIMValue& value = property->GetValue();
+  if (value.IsNull()) Missing({"TCIMSchemaHelper: ", name, " is NULL"});
+  if (value.GetType() != TCIMValue::TCIMType::kCIMTypeString) {
+    Missing({"TCIMSchemaHelper: ", name, " wasn't a string"});
+  }
+  return value;
+}
+
+bool IsAlphanumeric(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0; }
+
+bool IsAlphanumericOrBlank(char c) { return c == ' ' || IsAlphanumeric(c); }
+
+void RemoveTrailingBlanks(std::string& text) { text.erase(text.find_last_not_of(' ') + 1); }
+
+[[noreturn]] void InvalidFormat() { throw TQDXException(kQDXStatusInvalidFormat); }
+
+/// "VORN Loftnode k318-[TTTTMMM]" and nothing else; empty if the name is not of that form.
+std::string FindMTMBehindFixedPrefix(const std::string& name) {
+  constexpr std::string_view prefix = "VORN Loftnode k318-[";
+  if (name.size() != prefix.size() + kMTMLength + 1 ||
+      name.compare(0, prefix.size(), prefix) != 0 || name.back() != ']') {
+    return "";
+  }
+  const std::string mtm = name.substr(prefix.size(), kMTMLength);
+  return TCIMSchemaHelper::IsValidMTM(mtm) ? mtm : "";
+}
+
+/// Whether "]-" stands at a position.
+bool IsClosedAt(const std::string& name, std::size_t position) {
+  return name.compare(position, 2, "]-") == 0;
+}
+
+/// "-[TTTTMMM]-" or "-[TTTT]-" where `mark` is the position of the "-[".
+std::string FindMTMBehindMark(const std::string& name, std::size_t mark) {
+  const std::size_t start = mark + 2;
+  const std::string mtm = name.substr(start, kMTMLength);
+  if (name.size() > start + kMTMLength && IsClosedAt(name, start + kMTMLength) &&
+      TCIMSchemaHelper::IsValidMTM(mtm)) {
+    return mtm;
+  }
+  const std::string type = mtm.substr(0, kTypeLength);
+  if (name.size() > start + kTypeLength && IsClosedAt(name, start + kTypeLength) &&
+      TCIMSchemaHelper::IsValidMachineType(type)) {
+    return type + std::string(kUnknownModel);
+  }
+  InvalidFormat();
+}
+
+std::string FindMTM(const std::string& name) {
+  const std::string fixed = FindMTMBehindFixedPrefix(name);
+  if (!fixed.empty()) return fixed;
+  const std::size_t mark = name.find("-[");
+  if (mark != std::string::npos) return FindMTMBehindMark(name, mark);
+  if (name.size() == kMTMLength && TCIMSchemaHelper::IsValidMTM(name)) return name;
+  InvalidFormat();
+}
+
+std::size_t FirstDot(const std::string& version) {
+  const std::size_t dot = version.find('.');
+  if (dot == std::string::npos) throw TQDXException(kQDXStatusNotFound);
+  return dot;
+}
+
+}  // namespace
+
+std::string TCIMSchemaHelper::GetSystemCreationClassName(boost::shared_ptr<ICIMNamespace>) {
+  return kSystemCreationClassName;
+}
+
+std::string TCIMSchemaHelper::GetSystemName(boost::shared_ptr<ICIMNamespace> ns) {
+  return ReadText(ns, kSystemCreationClassName, "Name");
+}
+
+std::string TCIMSchemaHelper::GetSystemProductName(boost::shared_ptr<ICIMNamespace> ns) {
+  return ReadText(ns, kSystemCreationClassName, "ProductName");
+}
+
+std::string TCIMSchemaHelper::GetOperatingSystemCreationClassName(
+    boost::shared_ptr<ICIMNamespace>) {
+  return kOperatingSystemCreationClassName;
+}
+
+std::string TCIMSchemaHelper::GetOperatingSystemName(boost::shared_ptr<ICIMNamespace> ns) {
+  return ReadText(ns, kOperatingSystemCreationClassName, "Name");
+}
+
+std::string TCIMSchemaHelper::GetOperatingSystemVersion(boost::shared_ptr<ICIMNamespace> ns) {
+  return ReadText(ns, kOperatingSystemCreationClassName, "Version");
+}
+
+std::uint16_t TCIMSchemaHelper::GetOperatingSystemType(boost::shared_ptr<ICIMNamespace> ns) {
+  return ReadProperty(ns, kOperatingSystemCreationClassName, "OSType", TOptionsMap())->GetValue();
+}
+
+bool TCIMSchemaHelper::IsValidMachineType(const std::string& text) {
+  return text.size() >= kTypeLength &&
+         std::all_of(text.begin(), text.begin() + kTypeLength, IsAlphanumeric);
+}
+
+bool TCIMSchemaHelper::IsValidMTM(const std::string& text) {
+  return IsValidMachineType(text) && text.size() >= kMTMLength &&
+         std::all_of(text.begin() + kTypeLength, text.begin() + kMTMLength, IsAlphanumericOrBlank);
+}
+
+std::string TCIMSchemaHelper::GetRawMTMString(boost::shared_ptr<ICIMNamespace> ns) {
+  return ReadSystemText(ns, "ProductName", TOptionsMap(), TOptionsMap());
+}
+
+std::string TCIMSchemaHelper::GetMTM(boost::shared_ptr<ICIMNamespace> ns) {
+  std::string name = GetRawMTMString(ns);
+  RemoveTrailingBlanks(name);
+  std::string mtm = FindMTM(name);
+  if (mtm.compare(kTypeLength, std::string::npos, "   ") == 0) {
+    mtm.replace(kTypeLength, std::string::npos, kUnknownModel);
+  }
+  LogMessage(ILogger::kLogDebug, {"TCIMSchemaHelper- Detected MTM ", mtm});
+  return mtm;
+}
+
+std::string TCIMSchemaHelper::GetMachineType(boost::shared_ptr<ICIMNamespace> ns) {
+  return GetMTM(ns).substr(0, kTypeLength);
+}
+
+std::string TCIMSchemaHelper::GetModelNumber(boost::shared_ptr<ICIMNamespace> ns) {
+  return GetMTM(ns).substr(kTypeLength);
+}
+
+std::string TCIMSchemaHelper::GetRawSerialNumberString(boost::shared_ptr<ICIMNamespace> ns,
+                                                       TOptionsMap options) {
+  // The one query whose options go to the enumeration as well.
+  return ReadSystemText(ns, "SerialNumber", options, options);
+}
+
+std::string TCIMSchemaHelper::GetSerialNumber(boost::shared_ptr<ICIMNamespace> ns,
+                                              TOptionsMap options) {
+  std::string serial = GetRawSerialNumberString(ns, options);
+  RemoveTrailingBlanks(serial);
+  if (serial.size() != 7 || !std::all_of(serial.begin(), serial.end(), IsAlphanumeric)) {
+    InvalidFormat();
+  }
+  return serial;
+}
+
+std::string TCIMSchemaHelper::GetDataSourceVersion(boost::shared_ptr<ICIMNamespace> ns,
+                                                   TOptionsMap options) {
+  return ReadText(ns, kProductClassName, "Version", options);
+}
+
+std::string TCIMSchemaHelper::GetDataSourceMajorVersion(boost::shared_ptr<ICIMNamespace> ns,
+                                                        TOptionsMap options) {
+  const std::string version = GetDataSourceVersion(ns, options);
+  return version.substr(0, FirstDot(version));
+}
+
+std::string TCIMSchemaHelper::GetDataSourceMinorVersion(boost::shared_ptr<ICIMNamespace> ns,
+                                                        TOptionsMap options) {
+  const std::string version = GetDataSourceVersion(ns, options);
+  const std::size_t dot = FirstDot(version);
+  // As many characters as stand up to and with the first ".", not up to the second, on purpose.
+  // Held by SchemaHelperVersion.IsSplitAtItsDots.
+  return version.substr(dot + 1, dot + 1);
+}
+
+std::string TCIMSchemaHelper::GetDataSourceBuildVersion(boost::shared_ptr<ICIMNamespace> ns) {
+  const std::string version = GetDataSourceVersion(ns, TOptionsMap());
+  FirstDot(version);
+  return version.substr(version.rfind('.') + 1);
+}
+
+}  // namespace NVORNQDX20
