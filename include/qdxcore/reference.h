@@ -112,6 +112,7 @@ class QDXCORE_EXPORT TCIMReferenceImpl {
   boost::shared_ptr<ICIMClass> GetClass() const;
   std::string GetClassName() const;
   void AddKeyValue(const std::string& name, const TCIMValue& value);
+  void AddKeyValue(const std::string& name, TCIMValue&& value);
   void EnumerateKeyBindings(const TKeyBindingCallback& callback) const;
   std::string GetPath() const;
   boost::shared_ptr<ICIMElement> GetCIMElement();
@@ -125,6 +126,8 @@ class QDXCORE_EXPORT TCIMReferenceImpl {
   void ParsePath(TCIMReferenceImpl* target, const std::string& path, std::uint64_t& position);
 
  private:
+  void RequireDeclaredType(const std::string& name, TCIMValue::TCIMType type) const;
+
   TCIMReference& fOwner;
   boost::shared_ptr<ICIMNamespace> fNamespace;
   TOptionsMap fOptions;

@@ -79,11 +79,14 @@ class TObjectPathParser {
   /// From the opening quote up to the closing one, where the position is left.
   std::string ParseQuotedText() {
     std::string text;
-    for (++fPosition; fPosition < fPath.size(); ++fPosition) {
-      char c = fPath[fPosition];
-      if (c == '"') return text;
-      if (c == '\\' && IsQuotable(fPosition + 1)) c = fPath[++fPosition];
-      text += c;
+    std::size_t start = ++fPosition;  // of what is not in the text yet
+    for (; fPosition < fPath.size(); ++fPosition) {
+      const char c = fPath[fPosition];
+      if (c == '"') return text.append(fPath, start, fPosition - start);
+      if (c == '\\' && IsQuotable(fPosition + 1)) {
+        text.append(fPath, start, fPosition - start);
+        start = ++fPosition;
+      }
     }
     Refuse("Reference missing closing '\"', path=");
   }

@@ -106,14 +106,25 @@ boost::shared_ptr<ICIMClass> TCIMReferenceImpl::GetClass() const {
 
 std::string TCIMReferenceImpl::GetClassName() const { return fClass->GetName(TOptionsMap()); }
 
-void TCIMReferenceImpl::AddKeyValue(const std::string& name, const TCIMValue& value) {
+void TCIMReferenceImpl::RequireDeclaredType(const std::string& name,
+                                            TCIMValue::TCIMType type) const {
   if (!fClass) InvalidSequence();
   const TCIMValue::TCIMType declared = fClass->GetPropertyDecl(name, TOptionsMap())->GetType();
-  if (declared != value.GetType()) {
+  if (declared != type) {
     LogErrorAndThrow(kQDXStatusTypeMismatch, {"Core: Declaration type: ", declared.ToString(),
-                                              " Value type: ", value.GetType().ToString()});
+                                              " Value type: ", type.ToString()});
   }
-  fKeyBindings.emplace(name, value);  // a name that is bound already keeps its value
+}
+
+// A name that is bound already keeps its value: emplace() does nothing then.
+void TCIMReferenceImpl::AddKeyValue(const std::string& name, const TCIMValue& value) {
+  RequireDeclaredType(name, value.GetType());
+  fKeyBindings.emplace(name, value);
+}
+
+void TCIMReferenceImpl::AddKeyValue(const std::string& name, TCIMValue&& value) {
+  RequireDeclaredType(name, value.GetType());
+  fKeyBindings.emplace(name, std::move(value));
 }
 
 void TCIMReferenceImpl::EnumerateKeyBindings(const TKeyBindingCallback& callback) const {

@@ -26,10 +26,8 @@ void TNamespaceProviderManager::RegisterNamespaceProvider(
 boost::shared_ptr<INamespaceProvider> TNamespaceProviderManager::GetNamespaceProvider(
     const std::string& name) const {
   const auto found = fProviders.find(name);
-  if (found == fProviders.end()) {
-    LogErrorAndThrow(kQDXStatusNotFound, {"Failed to find nsp named ", name});
-  }
-  return found->second;
+  if (found != fProviders.end()) return found->second;
+  LogErrorAndThrow(kQDXStatusNotFound, {"Failed to find nsp named ", name});
 }
 
 void TNamespaceProviderManager::EnumerateNamespaceProviders(

@@ -106,7 +106,7 @@ std::string FindMTMBehindFixedPrefix(const std::string& name) {
       name.compare(0, prefix.size(), prefix) != 0 || name.back() != ']') {
     return "";
   }
-  const std::string mtm = name.substr(prefix.size(), kMTMLength);
+  std::string mtm = name.substr(prefix.size(), kMTMLength);
   return TCIMSchemaHelper::IsValidMTM(mtm) ? mtm : "";
 }
 
@@ -118,7 +118,7 @@ bool IsClosedAt(const std::string& name, std::size_t position) {
 /// "-[TTTTMMM]-" or "-[TTTT]-" where `mark` is the position of the "-[".
 std::string FindMTMBehindMark(const std::string& name, std::size_t mark) {
   const std::size_t start = mark + 2;
-  const std::string mtm = name.substr(start, kMTMLength);
+  std::string mtm = name.substr(start, kMTMLength);
   if (name.size() > start + kMTMLength && IsClosedAt(name, start + kMTMLength) &&
       TCIMSchemaHelper::IsValidMTM(mtm)) {
     return mtm;
@@ -132,7 +132,7 @@ std::string FindMTMBehindMark(const std::string& name, std::size_t mark) {
 }
 
 std::string FindMTM(const std::string& name) {
-  const std::string fixed = FindMTMBehindFixedPrefix(name);
+  std::string fixed = FindMTMBehindFixedPrefix(name);
   if (!fixed.empty()) return fixed;
   const std::size_t mark = name.find("-[");
   if (mark != std::string::npos) return FindMTMBehindMark(name, mark);
