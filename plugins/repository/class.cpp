@@ -1,0 +1,245 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "class.h"
+
+#include <qdxcore/reference.h>
+#include <qdxcore/status.h>
+
+#include <algorithm>
+#include <utility>
+
+#include <boost/smart_ptr/make_shared.hpp>
+
+#include "instance.h"
+#include "namespace.h"
+#include "ownership.h"
+#include "values.h"
+
+namespace NVORNQDX20::NRepository {
+
+TClass::TClass(TNamespace& ns, const std::string& name, TClass* superclass)
+    : fNamespace(ns),
+      fName(name),
+      fSuperclass(superclass),
+      fQualifiers(*this, superclass == nullptr ? nullptr : &superclass->fQualifiers) {
+  RequireCIMName(name);
+  if (superclass != nullptr) fProperties = superclass->fProperties;
+}
+
+boost::shared_ptr<ICIMQualifier> TClass::AddQualifier(boost::shared_ptr<ICIMQualifierDecl> decl,
+                                                      const TCIMValue& value) {
+  return fQualifiers.Add(decl, value);
+}
+
+void TClass::Commit(TOptionsMap) {
+  RequireOpen();
+  std::vector<std::size_t> keySlots = FindKeySlots();
+  fNamespace.Add(shared_from_this());
+  fInstances.SetKeySlots(std::move(keySlots));
+  fCommitted = true;
+}
+
+const std::string& TClass::GetName(TOptionsMap) const { return fName; }
+
+bool TClass::IsAssociation(TOptionsMap) const {
+  const TClass* cimClass = this;
+  while (cimClass != nullptr && !cimClass->fQualifiers.IsTrue("Association")) {
+    cimClass = cimClass->fSuperclass;
+  }
+  return cimClass != nullptr;
+}
+
+bool TClass::IsAbstract(TOptionsMap) const { return fQualifiers.IsTrue("Abstract"); }
+
+bool TClass::IsRootClass(TOptionsMap) const { return fSuperclass == nullptr; }
+
+boost::shared_ptr<ICIMClass> TClass::GetSuperclass(TOptionsMap) const {
+  if (fSuperclass == nullptr) return nullptr;
+  return fSuperclass->Handle();
+}
+
+void TClass::EnumerateSubclasses(const TEnumerationCallback<ICIMClass>& callback, bool deep,
+                                 TOptionsMap) const {
+  std::vector<const TClass*> classes(fSubclasses.begin(), fSubclasses.end());
+  if (deep) {
+    classes = WithDescendants();
+    classes.erase(classes.begin());
+  }
+  for (const TClass* cimClass : classes) {
+    if (!callback(cimClass->Handle())) return;
+  }
+}
+
+boost::shared_ptr<ICIMQualifier> TClass::GetQualifier(const std::string& name) const {
+  return fQualifiers.Handle(fQualifiers.Find(name));
+}
+
+void TClass::EnumerateQualifiers(const TEnumerationCallback<ICIMQualifier>& callback) const {
+  fQualifiers.Enumerate(callback);
+}
+
+boost::shared_ptr<ICIMPropertyDecl> TClass::CreatePropertyDecl(const std::string& name,
+                                                               const TCIMValue& defaultValue,
+                                                               TOptionsMap) {
+  RequireOpen();
+  RequireDeclarable(defaultValue.GetType());
+  fOwnProperties.push_back(
+      std::make_unique<TPropertyDecl>(*this, name, defaultValue, fProperties.Find(name)));
+  return fOwnProperties.back()->Handle();
+}
+
+boost::shared_ptr<const ICIMPropertyDecl> TClass::GetPropertyDecl(const std::string& name,
+                                                                  TOptionsMap) const {
+  return DeclAt(SlotOf(name)).Handle();
+}
+
+void TClass::EnumeratePropertyDecls(const TEnumerationCallback<ICIMPropertyDecl>& callback,
+                                    TOptionsMap) const {
+  fProperties.ForEach([&](TPropertyDecl& decl) { return callback(decl.Handle()); });
+}
+
+void TClass::SetStaticPropertyValue(const std::string& name, const TCIMValue& value, TOptionsMap) {
+  const std::size_t slot = SlotOf(name);
+  TCIMValue stored = StoredValue(slot, value);
+  Replace(fStaticValues[slot], std::move(stored));
+}
+
+void TClass::EnumerateStaticProperties(const TEnumerationCallback<ICIMProperty>& callback,
+                                       TOptionsMap) const {
+  for (const auto& [slot, value] : fStaticValues) {
+    if (!callback(boost::make_shared<TProperty<TClass>>(Handle(), slot))) return;
+  }
+}
+
+boost::shared_ptr<ICIMInstance> TClass::CreateInstance(TOptionsMap) {
+  if (!fCommitted) throw TQDXException(kQDXStatusInvalidOpSequence);
+  if (IsAbstract({})) throw TQDXException(kQDXStatusInvalidClass);
+  return HoldWithNamespace(fNamespace.Handle(), boost::make_shared<TInstance>(*this));
+}
+
+boost::shared_ptr<ICIMInstance> TClass::GetInstance(const TCIMReference& path, TOptionsMap) const {
+  std::vector<TCIMValue> keys(KeySlots().size());
+  std::size_t bound = 0;
+  path.EnumerateKeyBindings([&](const std::pair<std::string, TCIMValue>& binding) {
+    ++bound;
+    const auto slot = fProperties.Position(binding.first);
+    const auto key = std::find(KeySlots().begin(), KeySlots().end(), slot);
+    if (key == KeySlots().end()) return false;
+    const auto position = static_cast<std::size_t>(key - KeySlots().begin());
+    Replace(keys[position], WeakCopy(binding.second, *this));
+    return true;
+  });
+  TInstance* const found = bound == keys.size() ? fInstances.Find(keys) : nullptr;
+  return found == nullptr ? nullptr : found->Handle();
+}
+
+void TClass::EnumerateInstances(const TEnumerationCallback<ICIMInstance>& callback, bool deep,
+                                TOptionsMap) const {
+  const std::vector<const TClass*> classes =
+      deep ? WithDescendants() : std::vector<const TClass*>{this};
+  for (const TClass* cimClass : classes) {
+    if (!cimClass->fInstances.ForEach([&](TInstance& i) { return callback(i.Handle()); })) return;
+  }
+}
+
+boost::shared_ptr<ICIMMethodDecl> TClass::CreateMethodDecl(const std::string& name,
+                                                           TCIMValue::TCIMType returnType,
+                                                           TOptionsMap) {
+  RequireOpen();
+  auto method = std::make_unique<TMethodDecl>(*this, name, returnType, FindInheritedMethod(name));
+  fMethods.Add(*method);
+  fOwnMethods.push_back(std::move(method));
+  return boost::shared_ptr<ICIMMethodDecl>(Handle(), fOwnMethods.back().get());
+}
+
+void TClass::EnumerateMethodDecls(const TEnumerationCallback<ICIMMethodDecl>& callback,
+                                  TOptionsMap) const {
+  fMethods.ForEach([&](TMethodDecl& method) {
+    return callback(boost::shared_ptr<ICIMMethodDecl>(Handle(), &method));
+  });
+}
+
+boost::shared_ptr<TClass> TClass::Handle() const {
+  boost::shared_ptr<TClass> handle = fHandle.lock();
+  if (!handle) {
+    handle = HoldWithNamespace(fNamespace.Handle(),
+                               boost::const_pointer_cast<TClass>(shared_from_this()));
+    fHandle = handle;
+  }
+  return handle;
+}
+
+void TClass::AddProperty(TPropertyDecl& decl) {
+  const auto slot = fProperties.Position(decl.Name());
+  if (!slot) {
+    fProperties.Add(decl);
+    return;
+  }
+  const TPropertyDecl& present = DeclAt(*slot);
+  if (&present.Owner() == this) throw TQDXException(kQDXStatusAlreadyExists);
+  if (present.GetType() != decl.GetType()) throw TQDXException(kQDXStatusTypeMismatch);
+  fProperties.Replace(*slot, decl);
+}
+
+std::size_t TClass::SlotOf(const std::string& name) const {
+  const auto slot = fProperties.Position(name);
+  if (!slot) throw TQDXException(kQDXStatusNotFound);
+  return *slot;
+}
+
+const TCIMValue& TClass::InitialValueAt(std::size_t slot) const {
+  const TPropertyDecl& decl = DeclAt(slot);
+  // What a class above the declaration's own says is about a declaration that is overridden.
+  for (const TClass* cimClass = this;; cimClass = cimClass->fSuperclass) {
+    const auto found = cimClass->fStaticValues.find(slot);
+    if (found != cimClass->fStaticValues.end()) return found->second;
+    if (cimClass == &decl.Owner()) return decl.StoredDefault();
+  }
+}
+
+TCIMValue TClass::StoredValue(std::size_t slot, const TCIMValue& value) const {
+  if (value.GetType() != DeclAt(slot).GetType()) throw TQDXException(kQDXStatusTypeMismatch);
+  return WeakCopy(value, *this);
+}
+
+bool TClass::IsKeySlot(std::size_t slot) const {
+  return std::find(KeySlots().begin(), KeySlots().end(), slot) != KeySlots().end();
+}
+
+void TClass::RequireOpen() const {
+  if (fCommitted) throw TQDXException(kQDXStatusInvalidOpSequence);
+}
+
+std::vector<std::size_t> TClass::FindKeySlots() const {
+  std::vector<std::size_t> keys;
+  if (fSuperclass != nullptr) keys = fSuperclass->KeySlots();
+  const bool inheritsKeys = !keys.empty();
+  for (std::size_t slot = 0; slot < SlotCount(); ++slot) {
+    const TPropertyDecl& decl = DeclAt(slot);
+    const bool isNew = &decl.Owner() == this && decl.IsKey() &&
+                       std::find(keys.begin(), keys.end(), slot) == keys.end();
+    if (!isNew) continue;
+    const bool isArray = (decl.GetType() & TCIMValue::TCIMType::kCIMTypeArray) != 0;
+    if (inheritsKeys || isArray) throw TQDXException(kQDXStatusInvalidClass);
+    keys.push_back(slot);
+  }
+  return keys;
+}
+
+const TMethodDecl* TClass::FindInheritedMethod(const std::string& name) const {
+  for (const TClass* cimClass = fSuperclass; cimClass; cimClass = cimClass->fSuperclass) {
+    const TMethodDecl* const method = cimClass->fMethods.Find(name);
+    if (method != nullptr) return method;
+  }
+  return nullptr;
+}
+
+std::vector<const TClass*> TClass::WithDescendants() const {
+  std::vector<const TClass*> classes{this};
+  for (std::size_t i = 0; i < classes.size(); ++i) {
+    const std::vector<TClass*>& subclasses = classes[i]->fSubclasses;
+    classes.insert(classes.end(), subclasses.begin(), subclasses.end());
+  }
+  return classes;
+}
+
+}  // namespace NVORNQDX20::NRepository

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "instance.h"
+
+#include <qdxcore/status.h>
+
+#include <boost/smart_ptr/make_shared.hpp>
+
+#include "class.h"
+#include "namespace.h"
+#include "ownership.h"
+#include "property.h"
+#include "values.h"
+
+namespace NVORNQDX20::NRepository {
+
+TInstance::TInstance(TClass& cimClass) : fClass(cimClass), fValues(cimClass.SlotCount()) {}
+
+void TInstance::Commit(TOptionsMap) {
+  if (fCommitted) throw TQDXException(kQDXStatusInvalidOpSequence);
+  for (const std::size_t slot : fClass.KeySlots()) {
+    if (ValueAt(slot).IsNull()) throw TQDXException(kQDXStatusInvalidInstance);
+    // A key that is a static or default value must not change with it.
+    Replace(fValues[slot], TCIMValue(ValueAt(slot)));
+  }
+  fClass.AddInstance(shared_from_this());
+  fCommitted = true;
+}
+
+boost::shared_ptr<ICIMClass> TInstance::GetClass(TOptionsMap) const { return fClass.Handle(); }
+
+boost::shared_ptr<ICIMProperty> TInstance::GetProperty(const std::string& name, TOptionsMap) const {
+  return MakeProperty(fClass.SlotOf(name));
+}
+
+void TInstance::SetPropertyValue(const std::string& name, const TCIMValue& value, TOptionsMap) {
+  const std::size_t slot = fClass.SlotOf(name);
+  if (fCommitted && fClass.IsKeySlot(slot)) throw TQDXException(kQDXStatusInvalidOpSequence);
+  Replace(fValues[slot], fClass.StoredValue(slot, value));
+}
+
+void TInstance::EnumerateProperties(const TEnumerationCallback<ICIMProperty>& callback,
+                                    TOptionsMap) const {
+  for (std::size_t slot = 0; slot < fValues.size(); ++slot) {
+    if (!callback(MakeProperty(slot))) return;
+  }
+}
+
+TNamespace& TInstance::Namespace() const { return fClass.Namespace(); }
+
+TPropertyDecl& TInstance::DeclAt(std::size_t slot) const { return fClass.DeclAt(slot); }
+
+const TCIMValue& TInstance::ValueAt(std::size_t slot) const {
+  const TCIMValue& value = fValues[slot];
+  const bool isSet = value.GetType() != TCIMValue::TCIMType::kCIMTypeNone;
+  return isSet ? value : fClass.InitialValueAt(slot);
+}
+
+boost::shared_ptr<TInstance> TInstance::Handle() const {
+  const auto self = boost::const_pointer_cast<TInstance>(shared_from_this());
+  if (!fCommitted) return HoldWithNamespace(Namespace().Handle(), self);
+  return boost::shared_ptr<TInstance>(Namespace().Handle(), self.get());
+}
+
+boost::shared_ptr<ICIMProperty> TInstance::MakeProperty(std::size_t slot) const {
+  return boost::make_shared<TProperty<TInstance>>(Handle(), slot);
+}
+
+}  // namespace NVORNQDX20::NRepository

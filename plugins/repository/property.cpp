@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "property.h"
+
+#include <qdxcore/status.h>
+
+#include <boost/smart_ptr/make_shared.hpp>
+
+#include "class.h"
+#include "names.h"
+
+namespace NVORNQDX20::NRepository {
+
+TPropertyDecl::TPropertyDecl(TClass& owner, const std::string& name, const TCIMValue& defaultValue,
+                             const TPropertyDecl* overridden)
+    : fName(name),
+      fDefaultValue(WeakCopy(defaultValue, owner)),
+      fQualifiers(owner, overridden == nullptr ? nullptr : &overridden->fQualifiers) {
+  RequireCIMName(name);
+  if (fDefaultValue.IsReference() && !fDefaultValue.GetReferencedClass()) {
+    throw TQDXException(kQDXStatusInvalidReference);
+  }
+}
+
+boost::shared_ptr<ICIMQualifier> TPropertyDecl::AddQualifier(
+    boost::shared_ptr<ICIMQualifierDecl> decl, const TCIMValue& value) {
+  return fQualifiers.Add(decl, value);
+}
+
+boost::shared_ptr<ICIMQualifier> TPropertyDecl::GetQualifier(const std::string& name) const {
+  TQualifier* const own = fQualifiers.Find(name);
+  TQualifier* const found = own != nullptr ? own : fQualifiers.FindInherited(name);
+  if (found == nullptr) throw TQDXException(kQDXStatusNotFound);
+  return fQualifiers.Handle(found);
+}
+
+void TPropertyDecl::EnumerateQualifiers(const TEnumerationCallback<ICIMQualifier>& callback) const {
+  fQualifiers.Enumerate(callback);
+}
+
+void TPropertyDecl::Commit() {
+  fQualifiers.RequireOpen();
+  fQualifiers.Owner().AddProperty(*this);
+  fQualifiers.Close();
+}
+
+const TCIMValue& TPropertyDecl::GetDefaultValue() const {
+  const boost::shared_ptr<const THold> hold = fHold.lock();
+  return hold ? hold->fDefaultValue : fDefaultValue;
+}
+
+boost::shared_ptr<TPropertyDecl> TPropertyDecl::Handle() {
+  const boost::shared_ptr<TClass> owner = fQualifiers.Owner().Handle();
+  if (!HoldsReferences(GetType())) return boost::shared_ptr<TPropertyDecl>(owner, this);
+  boost::shared_ptr<const THold> hold = fHold.lock();
+  if (!hold) {
+    const THold bound{owner, BoundCopy(fDefaultValue, owner->Namespace())};
+    hold = boost::make_shared<const THold>(bound);
+    fHold = hold;
+  }
+  return boost::shared_ptr<TPropertyDecl>(hold, this);
+}
+
+}  // namespace NVORNQDX20::NRepository

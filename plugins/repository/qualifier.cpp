@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "qualifier.h"
+
+#include <qdxcore/status.h>
+#include <qdxrepository/repository.h>
+
+#include "class.h"
+#include "namespace.h"
+
+namespace NVORNQDX20::NRepository {
+
+TQualifierDecl::TQualifierDecl(TNamespace& ns, const std::string& name,
+                               const TCIMValue& defaultValue, std::uint32_t scope,
+                               std::uint32_t flavor)
+    : fNamespace(ns), fName(name), fDefaultValue(defaultValue), fScope(scope), fFlavor(flavor) {
+  RequireCIMName(name);
+}
+
+void TQualifierDecl::Commit() { fNamespace.Add(shared_from_this()); }
+
+TQualifier::TQualifier(TQualifierSet& set, const TQualifierDecl& decl, const TCIMValue& value)
+    : fSet(set), fDecl(decl), fValue(value) {
+  if (value.GetType() != decl.GetDefaultValue().GetType()) {
+    throw TQDXException(kQDXStatusTypeMismatch);
+  }
+}
+
+void TQualifier::Commit() { fSet.Commit(*this); }
+
+boost::shared_ptr<const ICIMQualifierDecl> TQualifier::GetDecl() const {
+  return {fSet.Owner().Namespace().Handle(), &fDecl};
+}
+
+boost::shared_ptr<ICIMQualifier> TQualifierSet::Add(
+    const boost::shared_ptr<ICIMQualifierDecl>& decl, const TCIMValue& value) {
+  RequireOpen();
+  const TQualifierDecl* const own =
+      decl == nullptr ? nullptr : fOwner.Namespace().FindQualifierDecl(decl->GetName());
+  if (own == nullptr || own != decl.get()) throw TQDXException(kQDXStatusNotFound);
+  fQualifiers.push_back(std::make_unique<TQualifier>(*this, *own, value));
+  return Handle(fQualifiers.back().get());
+}
+
+void TQualifierSet::Commit(TQualifier& qualifier) {
+  RequireOpen();
+  if (Find(qualifier.Name()) == &qualifier) throw TQDXException(kQDXStatusInvalidOpSequence);
+  const TQualifier* const inherited = FindInherited(qualifier.Name());
+  if (inherited != nullptr && !inherited->Decl().HasFlavor(kFlavorOverridable) &&
+      inherited->GetValue() != qualifier.GetValue()) {
+    throw TQDXException(kQDXStatusNotOverridable);
+  }
+  fCommitted.Add(qualifier);
+}
+
+void TQualifierSet::RequireOpen() const {
+  if (fClosed || fOwner.IsCommitted()) throw TQDXException(kQDXStatusInvalidOpSequence);
+}
+
+TQualifier* TQualifierSet::FindInherited(const std::string& name) const {
+  for (const TQualifierSet* set = fOverridden; set != nullptr; set = set->fOverridden) {
+    TQualifier* const found = set->Find(name);
+    if (found != nullptr) return found->Decl().HasFlavor(kFlavorToSubclass) ? found : nullptr;
+  }
+  return nullptr;
+}
+
+bool TQualifierSet::IsTrue(const std::string& name) const {
+  const TQualifier* const qualifier = Find(name);
+  return qualifier != nullptr && qualifier->GetValue() == TCIMValue(true);
+}
+
+void TQualifierSet::Enumerate(const TEnumerationCallback<ICIMQualifier>& callback) const {
+  fCommitted.ForEach([&](TQualifier& qualifier) { return callback(Handle(&qualifier)); });
+}
+
+boost::shared_ptr<ICIMQualifier> TQualifierSet::Handle(TQualifier* qualifier) const {
+  if (qualifier == nullptr) return nullptr;
+  return boost::shared_ptr<ICIMQualifier>(fOwner.Handle(), qualifier);
+}
+
+}  // namespace NVORNQDX20::NRepository

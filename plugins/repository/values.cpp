@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "values.h"
+
+#include <qdxcore/reference.h>
+#include <qdxcore/status.h>
+
+#include <memory>
+#include <new>
+#include <utility>
+#include <vector>
+
+#include "class.h"
+#include "namespace.h"
+
+namespace NVORNQDX20::NRepository {
+namespace {
+
+using TCIMType = TCIMValue::TCIMType;
+
+constexpr unsigned int kArray = TCIMType::kCIMTypeArray;
+
+unsigned int CodeOf(TCIMType type) { return static_cast<TCIMType::ECIMType>(type); }
+
+/// One direction of the copy: what stands for the namespace, and for a class of it.
+class TRebinding {
+ public:
+  explicit TRebinding(const TNamespace& ns) : fNamespace(ns) {}
+  virtual ~TRebinding() = default;
+  virtual boost::shared_ptr<ICIMNamespace> Namespace() const = 0;
+  virtual boost::shared_ptr<ICIMClass> Class(TClass& cimClass) const = 0;
+
+  TCIMValue Copy(const TCIMValue& value) const;
+
+ private:
+  TClass* OwnClass(const boost::shared_ptr<ICIMClass>& cimClass) const;
+  TCIMValue CopyArray(const TCIMValue& value) const;
+  TCIMValue CopyNull(const TCIMValue& value) const;
+  TCIMValue CopyReference(const TCIMValue& value) const;
+
+  const TNamespace& fNamespace;
+};
+
+TCIMValue TRebinding::Copy(const TCIMValue& value) const {
+  if (!HoldsReferences(value.GetType())) return value;
+  if (value.IsArray()) return value.IsNull() ? value : CopyArray(value);
+  return value.IsNull() ? CopyNull(value) : CopyReference(value);
+}
+
+TClass* TRebinding::OwnClass(const boost::shared_ptr<ICIMClass>& cimClass) const {
+  TClass* const own = dynamic_cast<TClass*>(cimClass.get());
+  return own != nullptr && &own->Namespace() == &fNamespace ? own : nullptr;
+}
+
+TCIMValue TRebinding::CopyArray(const TCIMValue& value) const {
+  const std::vector<TCIMValue>& elements = value;
+  std::vector<TCIMValue> copies;
+  copies.reserve(elements.size());
+  for (const TCIMValue& element : elements) copies.push_back(Copy(element));
+  return TCIMValue(TCIMType::kCIMTypeReference, value.GetMaxArraySize(), copies);
+}
+
+TCIMValue TRebinding::CopyNull(const TCIMValue& value) const {
+  TClass* const own = OwnClass(value.GetReferencedClass());
+  if (own == nullptr) return value;
+  TCIMValue copy(TCIMType::kCIMTypeReference, 0);
+  copy.SetReferencedClass(Class(*own));
+  return copy;
+}
+
+TCIMValue TRebinding::CopyReference(const TCIMValue& value) const {
+  const TCIMReference reference = value;
+  TClass* const own = OwnClass(reference.GetClass());
+  if (own == nullptr) return value;
+  TCIMReference copy(reference);  // for its options: nothing else can set them
+  copy.Clear();
+  copy.SetNamespace(Namespace());
+  copy.SetClass(Class(*own));
+  reference.EnumerateKeyBindings([&](const std::pair<std::string, TCIMValue>& binding) {
+    // In the declared spelling, since references compare the names of their keys byte by byte.
+    copy.AddKeyValue(own->GetPropertyDecl(binding.first, {})->GetName(), Copy(binding.second));
+    return true;
+  });
+  return TCIMValue(copy);
+}
+
+class TWeakening final : public TRebinding {
+ public:
+  explicit TWeakening(const TClass& user) : TRebinding(user.Namespace()), fUser(user) {}
+  boost::shared_ptr<ICIMNamespace> Namespace() const override { return nullptr; }
+  boost::shared_ptr<ICIMClass> Class(TClass& cimClass) const override {
+    if (!cimClass.IsCommitted() && &cimClass != &fUser) {
+      throw TQDXException(kQDXStatusInvalidReference);  // it may go before the value does
+    }
+    return boost::shared_ptr<ICIMClass>(boost::shared_ptr<void>(), &cimClass);
+  }
+
+ private:
+  const TClass& fUser;
+};
+
+class TBinding final : public TRebinding {
+ public:
+  explicit TBinding(TNamespace& ns) : TRebinding(ns), fNamespace(ns) {}
+  boost::shared_ptr<ICIMNamespace> Namespace() const override { return fNamespace.Handle(); }
+  boost::shared_ptr<ICIMClass> Class(TClass& cimClass) const override { return cimClass.Handle(); }
+
+ private:
+  TNamespace& fNamespace;
+};
+
+}  // namespace
+
+bool HoldsReferences(TCIMType type) {
+  return (CodeOf(type) & ~kArray) == TCIMType::kCIMTypeReference;
+}
+
+void RequireDeclarable(TCIMType type) {
+  const unsigned int element = CodeOf(type) & ~kArray;
+  if (element == TCIMType::kCIMTypeNone || element > TCIMType::kCIMTypeReference ||
+      element == TCIMType::kCIMTypeChar) {
+    throw TQDXException(kQDXStatusInvalidProperty);
+  }
+}
+
+TCIMValue WeakCopy(const TCIMValue& value, const TClass& user) {
+  return TWeakening(user).Copy(value);
+}
+
+TCIMValue BoundCopy(const TCIMValue& value, TNamespace& ns) { return TBinding(ns).Copy(value); }
+
+void Replace(TCIMValue& target, TCIMValue&& source) noexcept {
+  target.~TCIMValue();
+  new (&target) TCIMValue(std::move(source));
+}
+
+}  // namespace NVORNQDX20::NRepository
