@@ -23,6 +23,9 @@
 #if !defined(BOOST_SP_DISABLE_THREADS)
 #error "Define BOOST_SP_DISABLE_THREADS: link qdxcore::qdxcore, or use `pkg-config --cflags`."
 #endif
+#if defined(BOOST_DISABLE_ASSERTS) || defined(BOOST_ENABLE_ASSERT_DEBUG_HANDLER)
+#error "BOOST_DISABLE_ASSERTS and BOOST_ENABLE_ASSERT_DEBUG_HANDLER switch the shared checks off."
+#endif
 
 /// Marks what the shared library offers; everything else in it is hidden.
 #define QDXCORE_EXPORT __attribute__((visibility("default")))

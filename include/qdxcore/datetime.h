@@ -24,9 +24,10 @@ class TCIMDateTimeImpl;
 ///   TCIMDateTime pause(1, 2, 3, 4, 5);               // 1 day 02:03:04 and 5 microseconds
 ///   TCIMDateTime later = boot + pause;               // a point, still at UTC + 1 hour
 ///
-/// A point is checked by the host's mktime() alone. That normalises: month 13, February 30 or hour
-/// 99 are accepted and kept as given, and only the instant -1 (one second before 1970, UTC) is
-/// refused. The microseconds of a point are not checked at all.
+/// A point is checked by the host's mktime() alone, its fields less the offset read as local time.
+/// That normalises: month 13, February 30 or hour 99 are accepted and kept as given. Refused are
+/// the instant -1 (one second before 1970, UTC), and what the standard time of the host's zone
+/// skips. The microseconds of a point are not checked at all.
 class QDXCORE_EXPORT TCIMDateTime {
  public:
   /// Null.

@@ -38,9 +38,9 @@ class QDXCORE_EXPORT ILogger {
   };
 
   virtual ~ILogger();
-  /// Rejected messages cost one comparison. A severity outside kLogError to kLogVerbose, but for
-  /// kLogRecordOnly, throws kQDXStatusFail if the threshold admits it; a negative one is in the
-  /// history by then.
+  /// Rejected messages cost a comparison and allocate nothing. A severity outside kLogError to
+  /// kLogVerbose, but for kLogRecordOnly, throws kQDXStatusFail if the threshold admits it; a
+  /// negative one is in the history by then.
   virtual void OutputLogEntry(EQDXLogSeverity severity, const std::string& message) = 0;
   /// The history itself, oldest first; it grows until ClearLog.
   virtual std::list<TLogEntry>& GetLog() = 0;
@@ -48,9 +48,10 @@ class QDXCORE_EXPORT ILogger {
   /// Any number is taken. kLogStatus to begin with.
   virtual void SetLogThreshold(EQDXLogSeverity threshold) = 0;
   virtual EQDXLogSeverity GetLogThreshold() = 0;
-  /// Starts a fresh log file, once for each logger.
+  /// Starts a fresh log file, one that can be positioned (no pipe), closed in child processes.
   /// Throws kQDXStatusAccessDenied if permission is missing, kQDXStatusFileSystemError for any
-  /// other cause, a second call included; what is written after such a failure is lost.
+  /// other cause; lines are lost then, but not the history. A second call, once a file is open,
+  /// fails so too.
   virtual void SetLogFilename(std::string filename) = 0;
 };
 

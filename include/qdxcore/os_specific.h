@@ -42,9 +42,9 @@ class QDXCORE_EXPORT TOSSpecific {
   /// The service names of the libraries of a kind, "nsp" or "nsc", in the install root.
   ///
   /// A name counts that has "." + kind anywhere; the service name is the file name less its first
-  /// three characters and its last seven, so that "libfoo.nsp.so.old" gives "foo.nsp".
-  /// Throws kQDXStatusFileSystemError if the root cannot be read, and std::out_of_range for a
-  /// matching name of fewer than three characters.
+  /// three characters and its last seven, so that "libfoo.nsp.so.old" gives "foo.nsp"; of fewer
+  /// than ten characters all after the third remain. Throws kQDXStatusFileSystemError if the root
+  /// cannot be read, and std::out_of_range for a matching name of fewer than three characters.
   static std::vector<std::string> FindNSServices(std::string kind);
   static std::vector<std::string> FindNSPs();
   static std::vector<std::string> FindNSCs();
@@ -64,7 +64,8 @@ class QDXCORE_EXPORT TOSSpecific {
   /// Throws kQDXStatusFileSystemError if a directory cannot be read.
   static std::vector<std::string> FindPlugins(std::string directory);
   static std::vector<std::string> FindPlugins(std::string directory, std::string kind);
-  /// The loader's handle, never null. A failure is logged and throws kQDXStatusFileSystemError.
+  /// The loader's handle, never null. A path without a separator is one in the current directory. A
+  /// failure is logged and throws kQDXStatusFileSystemError.
   static void* LoadPluginLibrary(std::string path);
   /// The specification file of a plug-in file: without its suffix and, but for kind "cmpi", without
   /// the first "lib" of the whole path, wherever that is.
@@ -76,7 +77,8 @@ class QDXCORE_EXPORT TOSSpecific {
 
   /// Milliseconds, despite the name; the microseconds they make are computed modulo 2^32.
   static void USleep(std::uint32_t milliseconds);
-  /// A point in time, to the millisecond, with the offset in force.
+  /// A point in time, to the millisecond, with the offset in force; null in the hour or so in which
+  /// the host's zone makes TCIMDateTime refuse the present.
   static TCIMDateTime GetLocalTime();
   /// The host name. Throws kQDXStatusFail if it cannot be read or has 64 characters or more.
   static std::string GetMachineName();

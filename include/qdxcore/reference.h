@@ -28,10 +28,12 @@ using TKeyBindingCallback = boost::function<bool(std::pair<std::string, TCIMValu
 
 /// Names a class, or with key bindings one instance of it, in a namespace.
 ///
-/// The class is a live object of the namespace. The order of use is enforced: a namespace first,
-/// then the class, then keys; anything else throws kQDXStatusInvalidOpSequence. A failing operation
-/// leaves the reference as it was, but for SetPath. Copies share namespace, class and the instance
-/// once fetched, and own all else. Not synchronised: one thread only.
+/// The class is a live object of the namespace. The order of use is enforced: a namespace before a
+/// class is looked up by name, the class before keys; anything else throws
+/// kQDXStatusInvalidOpSequence. Where a class or a declaration is needed and is null, the assertion
+/// handler of <qdxcore/status.h> decides. A failing operation leaves the reference as it was, but
+/// for SetPath. Copies share namespace, class and the instance once fetched, and own all else. Not
+/// synchronised: one thread only.
 ///
 ///   TCIMReference disk(cimv2, "CIM_DiskDrive.DeviceID=\"sda\",SystemName=\"host\"", {});
 ///   boost::shared_ptr<ICIMElement> found = disk.GetCIMElement();
@@ -59,7 +61,8 @@ class QDXCORE_EXPORT TCIMReference {
   /// Reads a path; the class comes from the namespace, the type of each key from the class. Needs a
   /// namespace, and neither class nor keys.
   /// Bad text is logged and throws kQDXStatusInvalidReference, and so do references nested more
-  /// than 1000 deep. Class and keys that were read before the fault stay.
+  /// than 1000 deep. What the namespace and the values throw passes out. Class and keys that were
+  /// read before the fault stay.
   void SetPath(const std::string& path);
   /// Asks the namespace for the class; what it answers is stored, null included.
   void SetClassName(const std::string& name);
@@ -76,7 +79,10 @@ class QDXCORE_EXPORT TCIMReference {
   /// In ascending bytewise order of the names. The callback must not clear or assign the reference.
   void EnumerateKeyBindings(const TKeyBindingCallback& callback) const;
 
-  /// The path as SetPath reads it, keys in ascending bytewise order.
+  /// The path as SetPath reads it, keys in ascending bytewise order. Reals have six digits, so they
+  /// may come back as another; a reference-valued key that names a class does not come back, since
+  /// the name of a class runs to the end of the text. A null key value throws
+  /// kQDXStatusValueIsNULL.
   std::string GetPath() const;
 
   /// The class when there are no keys; else the instance, fetched once and kept until Clear.

@@ -68,7 +68,8 @@ class QDXCORE_EXPORT TRootObject {
  public:
   TRootObject() = delete;
 
-  /// Null before TLogger::Initialize(); LogMessage() in <qdxcore/logger.h> takes care of that.
+  /// Null before TLogger::Initialize() and after that logger was deleted; LogMessage() in
+  /// <qdxcore/logger.h> takes care of that.
   static ILogger* GetCoreLogger();
   static boost::shared_ptr<INamespaceProviderManager> GetNamespaceProviderManager();
 };

@@ -16,10 +16,10 @@ namespace NVORNQDX20 {
 
 /// Queries for a machine's identity, as static operations without state.
 ///
-/// Each reads a property of the single instance of a class, subclasses included, and throws
-/// kQDXStatusNotFound if the number of instances is not one. A value that is null or of the wrong
-/// type throws what TCIMValue throws, a class or property that comes as null ends in the assertion
-/// handler, and what the provider throws passes out.
+/// Those that read a property take it from the single instance of a class, subclasses included, and
+/// throw kQDXStatusNotFound if the number of instances is not one. A value that is null or of the
+/// wrong type throws what TCIMValue throws, a class or property that comes as null ends in the
+/// assertion handler, and what the provider throws passes out.
 ///
 /// The MTM is the machine's type (four characters) and model (three); "xxx" is an unknown model.
 class QDXCORE_EXPORT TCIMSchemaHelper {
@@ -50,7 +50,9 @@ class QDXCORE_EXPORT TCIMSchemaHelper {
   /// log at kLogDebug what is missing, and throw kQDXStatusNotFound for it.
   static std::string GetRawMTMString(boost::shared_ptr<ICIMNamespace> ns);
   /// The seven characters that the product name carries: as "-[TTTTMMM]-" or "-[TTTT]-" within it,
-  /// or as the whole of it. Throws kQDXStatusInvalidFormat if it carries none.
+  /// or as the whole of it, or behind the fixed name "VORN Loftnode k318-[" and before a "]".
+  /// Blanks at the end of the name do not count; a model of blanks becomes "xxx". Throws
+  /// kQDXStatusInvalidFormat if it carries none.
   static std::string GetMTM(boost::shared_ptr<ICIMNamespace> ns);
   /// The first four characters of the MTM.
   static std::string GetMachineType(boost::shared_ptr<ICIMNamespace> ns);

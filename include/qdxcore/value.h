@@ -11,6 +11,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include <boost/shared_ptr.hpp>
@@ -83,6 +84,14 @@ class QDXCORE_EXPORT TCIMValue {
     ECIMType fType;
   };
 
+  /// Characters, enumerators and pointers, which would convert to one; a C string is none of them.
+  template <typename T>
+  using TMistakenForANumber =
+      std::enable_if_t<std::is_enum_v<T> || std::is_null_pointer_v<T> || std::is_same_v<T, char> ||
+                       std::is_same_v<T, wchar_t> || std::is_same_v<T, char16_t> ||
+                       std::is_same_v<T, char32_t> ||
+                       (std::is_pointer_v<T> && !std::is_convertible_v<T, const char*>)>;
+
   /// Null, of no type.
   TCIMValue();
   TCIMValue(bool value);
@@ -97,6 +106,7 @@ class QDXCORE_EXPORT TCIMValue {
   TCIMValue(float value);
   TCIMValue(double value);
   TCIMValue(const std::string& value);
+  /// A null pointer throws kQDXStatusValueIsNULL.
   TCIMValue(const char* value);
   TCIMValue(const TCIMDateTime& value);
   /// Takes the referenced class from the reference, which must have one.
@@ -109,21 +119,20 @@ class QDXCORE_EXPORT TCIMValue {
   /// A scalar from its text.
   ///
   /// Integers take a C prefix (0x, 0) and, like reals, end at the first character that does not
-  /// belong to them; what cannot be read, or does not fit, is 0 or false, but uint8 and sint8 keep
-  /// the low byte. Strings are taken as they stand, date-times in their DMTF form, references as
-  /// an object path in `ns`, which nothing else looks at.
-  /// Throws kQDXStatusTypeMismatch for arrays and for types that cannot be read, and what the
-  /// date-time and the object path throw.
+  /// belong to them; what cannot be read, or does not fit, is 0 or false. But uint8 and sint8 are
+  /// read as 32-bit numbers, of which they keep the low byte; and a minus sign makes uint64 wrap,
+  /// and the other unsigned types 0. Strings are taken as they stand, date-times in their DMTF
+  /// form, references as an object path in `ns`, which nothing else looks at. Throws
+  /// kQDXStatusTypeMismatch for arrays and for types that cannot be read, and what the date-time
+  /// and the object path throw.
   TCIMValue(TCIMType type, std::string& text, boost::shared_ptr<ICIMNamespace> ns);
 
   // These would silently make a number or a boolean of something else.
   TCIMValue(TCIMType) = delete;
-  TCIMValue(TCIMType::ECIMType) = delete;
-  TCIMValue(char) = delete;
-  TCIMValue(const void*) = delete;
+  template <typename T, typename = TMistakenForANumber<T>>
+  TCIMValue(T) = delete;
 
-  /// As Set(other) on a null value of no type. Throws kQDXStatusTypeMismatch for a null value of
-  /// type char.
+  /// As Set(other) on a null value of no type.
   TCIMValue(const TCIMValue& other);
   /// The result of a copy, without the copying; the other value is null then.
   TCIMValue(TCIMValue&& other) noexcept;
@@ -151,20 +160,21 @@ class QDXCORE_EXPORT TCIMValue {
   /// has none.
   void Set(TCIMReference& value);
   void Set(TCIMType) = delete;
-  void Set(TCIMType::ECIMType) = delete;
-  void Set(char) = delete;
-  void Set(const void*) = delete;
+  template <typename T, typename = TMistakenForANumber<T>>
+  void Set(T) = delete;
 
   /// Makes it an array. The number of elements is not held against maxArraySize. An element of
-  /// another type is logged and throws kQDXStatusInvalidProperty; the value keeps the array, that
-  /// element included.
+  /// another type is logged and throws kQDXStatusInvalidProperty, one of no type throws
+  /// kQDXStatusTypeMismatch; the value keeps the array, that element included. An element that
+  /// cannot be copied, a null of type char, throws kQDXStatusTypeMismatch and changes nothing.
   void Set(TCIMType elementType, unsigned int maxArraySize, const std::vector<TCIMValue>& elements);
 
   /// Copies. Does nothing at all if the two already compare equal. Takes the maximum size for
   /// arrays only, and the referenced class for references only.
-  /// A null value of type none or char throws kQDXStatusTypeMismatch, and leaves this one null and
-  /// of that type, unless the two compare equal. The comparison may throw too (a point in time
-  /// against an interval); this value is unchanged then.
+  /// A null value of a type that holds nothing (none, char, a code that is no type) throws
+  /// kQDXStatusTypeMismatch, and leaves this one null and of that type, unless the two compare
+  /// equal. The comparison may throw too (a point in time against an interval, a date-time that is
+  /// itself null), and so may the copy of an array's elements; this value is unchanged then.
   void Set(const TCIMValue& other);
 
   /// Makes it null, of exactly this type; the size is taken only with the array flag. The
@@ -218,7 +228,8 @@ class QDXCORE_EXPORT TCIMValue {
   ///
   /// `radix` is 10, 16 (upper case, padded to the width of the type) or 8; any other makes a
   /// number or a boolean throw kQDXStatusNotSupported, and so do 16 and 8 with signed types and
-  /// reals. A null value, or a null element, throws kQDXStatusValueIsNULL.
+  /// reals. A null value, or a null element, throws kQDXStatusValueIsNULL; what a date-time or a
+  /// reference throws for its text passes out.
   std::string ToString(unsigned char radix) const;
 
  private:

@@ -2,7 +2,6 @@
 #include <qdxcore/status.h>
 #include <qdxcore/value.h>
 
-#include <cctype>
 #include <iterator>
 #include <ostream>
 #include <string_view>
@@ -18,18 +17,17 @@ constexpr std::string_view kKeywords[] = {
     "uint64", "sint64",  "real32", "real64", "char",   "string", "datetime", "reference"};
 static_assert(std::size(kKeywords) == TCIMType::kCIMTypeReference + 1);
 
-bool IsRead(unsigned int type) {
-  // "char" is written but deliberately not read: no value can hold one.
-  // Held by CIMType.ReadsKeywordsInAnyCase.
-  return type != TCIMType::kCIMTypeNone && type != TCIMType::kCIMTypeChar;
-}
+/// ASCII only: the outcome is the same in every locale.
+char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 }  // namespace
 
 TCIMValue::TCIMType::TCIMType(std::string keyword) : fType(kCIMTypeNone) {
-  for (char& c : keyword) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  for (unsigned int type = 0; type < std::size(kKeywords); ++type) {
-    if (IsRead(type) && keyword == kKeywords[type]) fType = static_cast<ECIMType>(type);
+  for (char& c : keyword) c = Lower(c);
+  for (unsigned int type = kCIMTypeBoolean; type < std::size(kKeywords); ++type) {
+    // "char" is written but not read, on purpose: no value can hold one.
+    // Held by CIMType.ReadsKeywordsInAnyCase.
+    if (type != kCIMTypeChar && keyword == kKeywords[type]) fType = static_cast<ECIMType>(type);
   }
 }
 

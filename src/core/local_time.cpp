@@ -3,6 +3,8 @@
 
 #include <qdxcore/status.h>
 
+#include "time_zone.h"
+
 #include <cstdlib>
 
 namespace NVORNQDX20 {
@@ -64,13 +66,18 @@ std::int64_t TWallClock::Instant() const {
 }
 
 bool TWallClock::IsConvertible() const {
-  // mktime() is slow: it looks for a changed time zone each time. Without daylight saving the one
-  // reading that it refuses is that of the instant -1, so it is asked only where that can come out.
-  return std::abs(fSecondsAtUTC) > kZoneReach || CallMktime() != -1;
+  const bool isFarFrom1970 = std::abs(fSecondsAtUTC) > kZoneReach;
+  return (isFarFrom1970 && IsOffsetSteadyAround(fSecondsAtUTC)) || CallMktime() != -1;
 }
 
 void TWallClock::RequireConvertible() const {
   if (!IsConvertible()) throw TQDXException(kQDXStatusInvalidDateTime);
+}
+
+/// Around a steady offset, readings come in the order of their instants; but leap seconds, in the
+/// zones that count them, make more of seconds that carry over.
+bool TWallClock::IsOrderedLikeInstants() const {
+  return fFields.tm_sec < 60 && IsOffsetSteadyAround(fSecondsAtUTC);
 }
 
 int TWallClock::Compare(const TWallClock& other) const {
@@ -78,7 +85,8 @@ int TWallClock::Compare(const TWallClock& other) const {
   other.RequireConvertible();
   std::int64_t difference = fSecondsAtUTC - other.fSecondsAtUTC;
   // The zone can only change the order of readings that are close to each other.
-  if (difference != 0 && std::abs(difference) <= 2 * kZoneReach) {
+  const bool isClose = std::abs(difference) <= 2 * kZoneReach;
+  if (isClose && !(IsOrderedLikeInstants() && other.IsOrderedLikeInstants())) {
     difference = CallMktime() - other.CallMktime();
   }
   return (difference > 0) - (difference < 0);

@@ -10,6 +10,10 @@ namespace NVORNQDX20 {
 
 /// A reading of the local wall clock, taken as if daylight saving were never in effect. Fields out
 /// of their range carry over, as mktime() has it.
+///
+/// mktime() refuses the instant -1, and the readings that standard time skips where a zone's offset
+/// from UTC moves. It is slow, since it looks for a changed zone each time, so it is asked only
+/// where that can come out, or where it decides the order of two readings.
 class TWallClock {
  public:
   TWallClock(std::uint16_t year, std::uint16_t month, std::uint32_t day, std::uint16_t hour,
@@ -28,6 +32,7 @@ class TWallClock {
  private:
   std::int64_t CallMktime() const;
   void RequireConvertible() const;
+  bool IsOrderedLikeInstants() const;
 
   std::tm fFields;
   std::int64_t fSecondsAtUTC;  // the instant, if the local zone were UTC

@@ -6,11 +6,12 @@
 #include <qdxcore/status.h>
 
 #include <string_view>
+#include <utility>
 
 namespace NVORNQDX20 {
 namespace {
 
-/// References within references: far more than any schema has, far less than the stack holds.
+/// References within references: far more than any schema has, and what a stack of 1 MB holds.
 constexpr int kMaxDepth = 1000;
 
 /// Reads one text, the paths nested in it included.
@@ -18,7 +19,7 @@ class TObjectPathParser {
  public:
   TObjectPathParser(boost::shared_ptr<ICIMNamespace> ns, const TOptionsMap& options,
                     const std::string& path, std::uint64_t& position)
-      : fNamespace(ns), fOptions(options), fPath(path), fPosition(position) {}
+      : fNamespace(std::move(ns)), fOptions(options), fPath(path), fPosition(position) {}
 
   void Parse(TCIMReferenceImpl& target) {
     const bool nested = fPosition != 0;
@@ -82,11 +83,11 @@ class TObjectPathParser {
     std::size_t start = ++fPosition;  // of what is not in the text yet
     for (; fPosition < fPath.size(); ++fPosition) {
       const char c = fPath[fPosition];
-      if (c == '"') return text.append(fPath, start, fPosition - start);
-      if (c == '\\' && IsQuotable(fPosition + 1)) {
-        text.append(fPath, start, fPosition - start);
-        start = ++fPosition;
-      }
+      const bool isQuote = c == '\\' && IsQuotable(fPosition + 1);
+      if (c != '"' && !isQuote) continue;
+      text.append(fPath, start, fPosition - start);
+      if (!isQuote) return text;
+      start = ++fPosition;
     }
     Refuse("Reference missing closing '\"', path=");
   }

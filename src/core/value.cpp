@@ -100,7 +100,7 @@ TCIMValue::~TCIMValue() = default;
 
 template <typename T>
 void TCIMValue::SetScalar(const T& value) {
-  // The new payload first: the value may lie within the old one.
+  // The new payload first: a failure changes nothing.
   auto payload = std::make_unique<typename TMappingOf<T>::TPayload>(value);
   fType = TMappingOf<T>::kType;
   fImpl = std::move(payload);
@@ -118,7 +118,10 @@ void TCIMValue::Set(long value) { SetScalar(value); }
 void TCIMValue::Set(float value) { SetScalar(value); }
 void TCIMValue::Set(double value) { SetScalar(value); }
 void TCIMValue::Set(const std::string& value) { SetScalar(value); }
-void TCIMValue::Set(const char* value) { SetScalar(std::string(value)); }
+void TCIMValue::Set(const char* value) {
+  if (value == nullptr) throw TQDXException(kQDXStatusValueIsNULL);
+  SetScalar(std::string(value));
+}
 void TCIMValue::Set(const TCIMDateTime& value) { SetScalar(value); }
 
 void TCIMValue::Set(TCIMReference& value) {
@@ -151,14 +154,18 @@ void TCIMValue::Set(const TCIMValue& other) {
   // Identity first: a NaN, or an array with one, does not equal itself.
   if (this == &other || *this == other) return;
 
-  // The other value may be an element of this one: the old payload lives until the end.
-  const std::unique_ptr<TCIMValueImpl> old = std::move(fImpl);
-  const TCIMType type = fType = other.fType;
-  if (!IsArray() && !CanHoldContent(type)) throw TQDXException(kQDXStatusTypeMismatch);
-
+  if (!other.IsArray() && !CanHoldContent(other.fType)) {
+    fType = other.fType;
+    fImpl.reset();
+    throw TQDXException(kQDXStatusTypeMismatch);
+  }
+  // Either value may be an element of the other: the copy is whole before anything changes, and the
+  // old payload lives until the end.
+  std::unique_ptr<TCIMValueImpl> payload = other.fImpl ? other.fImpl->Clone() : nullptr;
+  const std::unique_ptr<TCIMValueImpl> old = std::exchange(fImpl, std::move(payload));
+  fType = other.fType;
   if (IsArray()) fMaxArraySize = other.fMaxArraySize;
   if (IsReference()) fReferencedClass = other.fReferencedClass;
-  if (other.fImpl) fImpl = other.fImpl->Clone();
 }
 
 void TCIMValue::SetNullValue(TCIMType::ECIMType type, unsigned int maxArraySize) {

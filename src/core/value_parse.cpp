@@ -90,17 +90,18 @@ std::size_t LengthOfReal(std::string_view text) {
 }
 
 /// For magnitudes beyond the range of T, where std::from_chars does not tell the too large, which
-/// are 0 here, from the too small.
+/// are infinite here, from the too small.
 template <typename T>
 T ReadExtremeReal(const std::string& text) {
   static const locale_t classic = ::newlocale(LC_ALL_MASK, "C", nullptr);
+  if (classic == nullptr) throw TQDXException(kQDXStatusOutOfMemory);
   T number;
   if constexpr (std::is_same_v<T, float>) {
     number = ::strtof_l(text.c_str(), nullptr, classic);
   } else {
     number = ::strtod_l(text.c_str(), nullptr, classic);
   }
-  return std::isinf(number) ? T{0} : number;
+  return number;
 }
 
 template <typename T>
@@ -115,6 +116,7 @@ T ReadReal(std::string_view text) {
   if (result.ec == std::errc::result_out_of_range) {
     number = ReadExtremeReal<T>(std::string(text.substr(0, length)));
   }
+  if (std::isinf(number)) return 0;
   return negative ? -number : number;
 }
 

@@ -78,27 +78,11 @@ bool TCIMNumericValueImpl::operator<(const TCIMValue& other) const {
   return fNumber < PayloadOf<TCIMNumericValueImpl>(other).fNumber;
 }
 
-std::unique_ptr<TCIMValueImpl> TCIMNumericValueImpl::Clone() const {
-  return std::make_unique<TCIMNumericValueImpl>(*this);
-}
-
 std::string TCIMStringValueImpl::ToString(unsigned char) const { return fContent; }
-
-std::unique_ptr<TCIMValueImpl> TCIMStringValueImpl::Clone() const {
-  return std::make_unique<TCIMStringValueImpl>(*this);
-}
 
 std::string TCIMDateTimeValueImpl::ToString(unsigned char) const { return fContent.ToString(); }
 
-std::unique_ptr<TCIMValueImpl> TCIMDateTimeValueImpl::Clone() const {
-  return std::make_unique<TCIMDateTimeValueImpl>(*this);
-}
-
 std::string TCIMReferenceValueImpl::ToString(unsigned char) const { return fContent.GetPath(); }
-
-std::unique_ptr<TCIMValueImpl> TCIMReferenceValueImpl::Clone() const {
-  return std::make_unique<TCIMReferenceValueImpl>(*this);
-}
 
 std::string TCIMArrayValueImpl::ToString(unsigned char radix) const {
   std::string text = "{ ";
@@ -117,10 +101,6 @@ bool TCIMArrayValueImpl::operator==(const TCIMValue& other) const {
 
 bool TCIMArrayValueImpl::operator<(const TCIMValue&) const {
   throw TQDXException(kQDXStatusNotImplemented);
-}
-
-std::unique_ptr<TCIMValueImpl> TCIMArrayValueImpl::Clone() const {
-  return std::make_unique<TCIMArrayValueImpl>(*this);
 }
 
 }  // namespace NVORNQDX20

@@ -54,8 +54,20 @@ class TCIMValueImpl {
   }
 };
 
+/// Copies a payload as what it is.
+template <typename TPayload, typename TBase = TCIMValueImpl>
+class TClonable : public TBase {
+ public:
+  std::unique_ptr<TCIMValueImpl> Clone() const override {
+    return std::make_unique<TPayload>(static_cast<const TPayload&>(*this));
+  }
+
+ protected:
+  using TBase::TBase;
+};
+
 /// A boolean or a number. The alternatives stand in the order of their type codes.
-class TCIMNumericValueImpl final : public TCIMValueImpl {
+class TCIMNumericValueImpl final : public TClonable<TCIMNumericValueImpl> {
  public:
   template <typename T>
   explicit TCIMNumericValueImpl(T value) : fNumber(value) {}
@@ -74,7 +86,6 @@ class TCIMNumericValueImpl final : public TCIMValueImpl {
   std::string ToString(unsigned char radix) const override;
   bool operator==(const TCIMValue& other) const override;
   bool operator<(const TCIMValue& other) const override;
-  std::unique_ptr<TCIMValueImpl> Clone() const override;
 
  private:
   using TNumber = std::variant<bool, unsigned char, signed char, unsigned short, short,
@@ -94,8 +105,8 @@ class TCIMNumericValueImpl final : public TCIMValueImpl {
 };
 
 /// A kind of content that one class of values makes up: T, of CIM type `kType`.
-template <typename T, TCIMValue::TCIMType::ECIMType kType>
-class TContentValueImpl : public TCIMValueImpl {
+template <typename TPayload, typename T, TCIMValue::TCIMType::ECIMType kType>
+class TContentValueImpl : public TClonable<TPayload> {
  public:
   explicit TContentValueImpl(const T& content) : fContent(content) {}
 
@@ -108,37 +119,36 @@ class TContentValueImpl : public TCIMValueImpl {
 
  protected:
   static const T& ContentOf(const TCIMValue& value) {
-    return PayloadOf<TContentValueImpl>(value).fContent;
+    return TCIMValueImpl::PayloadOf<TContentValueImpl>(value).fContent;
   }
 
   T fContent;
 };
 
-class TCIMStringValueImpl final
-    : public TContentValueImpl<std::string, TCIMValue::TCIMType::kCIMTypeString> {
+class TCIMStringValueImpl final : public TContentValueImpl<TCIMStringValueImpl, std::string,
+                                                           TCIMValue::TCIMType::kCIMTypeString> {
  public:
   using TContentValueImpl::TContentValueImpl;
   std::string ToString(unsigned char radix) const override;
-  std::unique_ptr<TCIMValueImpl> Clone() const override;
 };
 
 class TCIMDateTimeValueImpl final
-    : public TContentValueImpl<TCIMDateTime, TCIMValue::TCIMType::kCIMTypeDateTime> {
+    : public TContentValueImpl<TCIMDateTimeValueImpl, TCIMDateTime,
+                               TCIMValue::TCIMType::kCIMTypeDateTime> {
  public:
   using TContentValueImpl::TContentValueImpl;
   std::string ToString(unsigned char radix) const override;
-  std::unique_ptr<TCIMValueImpl> Clone() const override;
 };
 
 class TCIMReferenceValueImpl final
-    : public TContentValueImpl<TCIMReference, TCIMValue::TCIMType::kCIMTypeReference> {
+    : public TContentValueImpl<TCIMReferenceValueImpl, TCIMReference,
+                               TCIMValue::TCIMType::kCIMTypeReference> {
  public:
   using TContentValueImpl::TContentValueImpl;
   std::string ToString(unsigned char radix) const override;
-  std::unique_ptr<TCIMValueImpl> Clone() const override;
 };
 
-class TCIMArrayValueImpl final : public TCIMValueImpl {
+class TCIMArrayValueImpl final : public TClonable<TCIMArrayValueImpl> {
  public:
   explicit TCIMArrayValueImpl(const std::vector<TCIMValue>& elements) : fElements(elements) {}
 
@@ -146,7 +156,6 @@ class TCIMArrayValueImpl final : public TCIMValueImpl {
   std::string ToString(unsigned char radix) const override;
   bool operator==(const TCIMValue& other) const override;
   bool operator<(const TCIMValue& other) const override;
-  std::unique_ptr<TCIMValueImpl> Clone() const override;
 
  private:
   mutable std::vector<TCIMValue> fElements;  // callers fill arrays in place, through const values

@@ -6,6 +6,9 @@
 #include <iterator>
 #include <utility>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace NVORNQDX20 {
 namespace {
 
@@ -25,6 +28,13 @@ std::string MakeLine(ILogger::EQDXLogSeverity severity, const std::string& messa
   line += message;
   line += '\n';
   return line;
+}
+
+/// The descriptor that the next file to be opened gets: the lowest that is free.
+int NextDescriptor() {
+  const int descriptor = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+  if (descriptor >= 0) ::close(descriptor);
+  return descriptor;
 }
 
 }  // namespace
@@ -78,12 +88,15 @@ void TLogger::SetLogFilename(std::string filename) {
   // Stored whatever becomes of the file: after a failure, lines are lost rather than sent to the
   // operating system's sink.
   fLogFilename = std::move(filename);
+  const int descriptor = NextDescriptor();
   errno = 0;  // the stream leaves it alone when it is open already
   fLogFile.open(fLogFilename, std::ios::out | std::ios::ate);
   const int error = errno;
   if (!fLogFile.good()) {
     throw TQDXException(error == EACCES ? kQDXStatusAccessDenied : kQDXStatusFileSystemError);
   }
+  // Children must not inherit the log, and a stream cannot be told so.
+  ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
   WriteLine(kOpenedLine);
 }
 

@@ -10,6 +10,12 @@ INamespaceProviderManager::~INamespaceProviderManager() = default;
 boost::shared_ptr<TNamespaceProviderManager> TNamespaceProviderManager::fgInstance;
 
 boost::shared_ptr<TNamespaceProviderManager> TNamespaceProviderManager::GetInstance() {
+  // Taken out of the variable before that is destroyed: a provider that asks for the registry in
+  // its own destructor, as the process ends, gets a new one, not the one that is going.
+  struct TDropAtExit {
+    ~TDropAtExit() { boost::shared_ptr<TNamespaceProviderManager>().swap(fgInstance); }
+  };
+  static const TDropAtExit drop;
   if (!fgInstance) fgInstance.reset(new TNamespaceProviderManager);
   return fgInstance;
 }

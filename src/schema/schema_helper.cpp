@@ -4,7 +4,6 @@
 #include <qdxcore/status.h>
 
 #include <algorithm>
-#include <cctype>
 #include <string_view>
 #include <vector>
 
@@ -44,45 +43,39 @@ std::string ReadText(const boost::shared_ptr<ICIMNamespace>& ns, const std::stri
   return ReadProperty(ns, className, name, options)->GetValue();
 }
 
-[[noreturn]] void Missing(std::initializer_list<std::string_view> message) {
+using TMessage = std::initializer_list<std::string_view>;
+
+[[noreturn]] void Missing(TMessage message) {
   LogMessage(ILogger::kLogDebug, message);
   throw TQDXException(kQDXStatusNotFound);
 }
 
-boost::shared_ptr<ICIMClass> FindSystemClass(const boost::shared_ptr<ICIMNamespace>& ns,
-                                             const TOptionsMap& options) {
-  boost::shared_ptr<ICIMClass> found;
+/// What `lookUp` finds. Null, and the exception that says the same, are logged.
+template <typename TLookUp>
+auto Find(TLookUp&& lookUp, TMessage message) {
   try {
-    found = ns->GetClass(TCIMSchemaHelper::kSystemCreationClassName, options);
+    const auto found = lookUp();
+    if (found) return found;
   } catch (const TQDXException& e) {
-    if (e.GetStatusCode() != kQDXStatusNotFound) throw;
+    if (e.GetStatusCode() == kQDXStatusNotFound) LogMessage(ILogger::kLogDebug, message);
+    throw;
   }
-  if (!found) Missing({"TCIMSchemaHelper: no computer system"});
-  return found;
-}
-
-boost::shared_ptr<ICIMProperty> FindProperty(const ICIMInstance& instance, const std::string& name,
-                                             const TOptionsMap& options) {
-  boost::shared_ptr<ICIMProperty> found;
-  try {
-    found = instance.GetProperty(name, options);
-  } catch (const TQDXException& e) {
-    if (e.GetStatusCode() != kQDXStatusNotFound) throw;
-  }
-  if (!found) Missing({"TCIMSchemaHelper: didn't find ", name, " property"});
-  return found;
+  Missing(message);
 }
 
 /// A text of the computer system; says in the log what stands in the way of it.
 std::string ReadSystemText(const boost::shared_ptr<ICIMNamespace>& ns, const std::string& name,
                            const TOptionsMap& lookupOptions,
                            const TOptionsMap& enumerationOptions) {
-  const boost::shared_ptr<ICIMClass> cimClass = FindSystemClass(ns, lookupOptions);
+  const boost::shared_ptr<ICIMClass> cimClass =
+      Find([&] { return ns->GetClass(TCIMSchemaHelper::kSystemCreationClassName, lookupOptions); },
+           {"TCIMSchemaHelper: no computer system"});
   const TInstances instances = InstancesOf(*cimClass, enumerationOptions);
   if (instances.size() != 1) Missing({"TCIMSchemaHelper: computer system instances != 1"});
 
   const boost::shared_ptr<ICIMProperty> property =
-      FindProperty(*instances.front(), name, lookupOptions);
+      Find([&] { return instances.front()->GetProperty(name, lookupOptions); },
+           {"TCIMSchemaHelper: didn't find ", name, " property"});
   const TCIMValue& value = property->GetValue();
   if (value.IsNull()) Missing({"TCIMSchemaHelper: ", name, " is NULL"});
   if (value.GetType() != TCIMValue::TCIMType::kCIMTypeString) {
@@ -91,7 +84,10 @@ std::string ReadSystemText(const boost::shared_ptr<ICIMNamespace>& ns, const std
   return value;
 }
 
-bool IsAlphanumeric(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0; }
+/// ASCII only: the outcome is the same in every locale.
+bool IsAlphanumeric(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
 
 bool IsAlphanumericOrBlank(char c) { return c == ' ' || IsAlphanumeric(c); }
 

@@ -8,6 +8,18 @@
 #include <unistd.h>
 
 namespace NVORNQDX20 {
+namespace {
+
+TCIMDateTime MakePoint(const tm& local, long milliseconds, std::int16_t utcOffset) {
+  return TCIMDateTime(
+      static_cast<std::uint16_t>(local.tm_year + 1900),
+      static_cast<std::uint16_t>(local.tm_mon + 1), static_cast<std::uint32_t>(local.tm_mday),
+      static_cast<std::uint16_t>(local.tm_hour), static_cast<std::uint16_t>(local.tm_min),
+      static_cast<std::uint16_t>(local.tm_sec), static_cast<std::uint32_t>(milliseconds * 1000),
+      utcOffset);
+}
+
+}  // namespace
 
 void TOSSpecific::USleep(std::uint32_t milliseconds) {
   // Computed in 32 bits on purpose: durations above 4294967 ms wrap around.
@@ -27,12 +39,13 @@ TCIMDateTime TOSSpecific::GetLocalTime() {
   ::localtime_r(&now.tv_sec, &local);
 
   const long milliseconds = now.tv_nsec / 1000000;
-  return TCIMDateTime(
-      static_cast<std::uint16_t>(local.tm_year + 1900),
-      static_cast<std::uint16_t>(local.tm_mon + 1), static_cast<std::uint32_t>(local.tm_mday),
-      static_cast<std::uint16_t>(local.tm_hour), static_cast<std::uint16_t>(local.tm_min),
-      static_cast<std::uint16_t>(local.tm_sec), static_cast<std::uint32_t>(milliseconds * 1000),
-      static_cast<std::int16_t>(local.tm_gmtoff / 60));
+  try {
+    return MakePoint(local, milliseconds, static_cast<std::int16_t>(local.tm_gmtoff / 60));
+  } catch (const TQDXException&) {
+    // In the hour that a zone's standard time skips, mktime() refuses the present too. A logger
+    // must go on all the same.
+    return TCIMDateTime();
+  }
 }
 
 std::string TOSSpecific::GetMachineName() {

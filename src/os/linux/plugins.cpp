@@ -4,7 +4,9 @@
 #include <qdxcore/os_specific.h>
 #include <qdxcore/status.h>
 
+#include <cerrno>
 #include <memory>
+#include <optional>
 
 #include <dirent.h>
 #include <dlfcn.h>
@@ -38,6 +40,15 @@ TDir OpenDir(const std::string& path) {
   TDir directory(::opendir(path.c_str()));
   if (!directory) throw TQDXException(kQDXStatusFileSystemError);
   return directory;
+}
+
+/// The name of the next entry, in the order of the system; none at the end.
+std::optional<std::string> NextEntry(const TDir& directory) {
+  errno = 0;
+  const dirent* const entry = ::readdir(directory.get());
+  if (entry != nullptr) return entry->d_name;
+  if (errno != 0) throw TQDXException(kQDXStatusFileSystemError);
+  return std::nullopt;
 }
 
 bool Contains(const std::string& text, const std::string& part) {
@@ -82,9 +93,9 @@ bool IsSearchedForPlugins(const std::string& entry) {
 void AppendPluginsOf(const std::string& directory, const std::string& pattern,
                      std::vector<std::string>& plugins) {
   const TDir opened = OpenDir(directory);
-  while (const dirent* entry = ::readdir(opened.get())) {
-    const std::string name = entry->d_name;
-    if (Contains(name, pattern)) plugins.push_back(directory + TOSSpecific::kFileSeparator + name);
+  while (const auto name = NextEntry(opened)) {
+    if (Contains(*name, pattern))
+      plugins.push_back(directory + TOSSpecific::kFileSeparator + *name);
   }
 }
 
@@ -107,16 +118,15 @@ std::vector<std::string> TOSSpecific::FindNSServices(std::string kind) {
   const std::string pattern = "." + kind;
   const TDir directory = OpenDir(root);
   std::vector<std::string> services;
-  while (const dirent* entry = ::readdir(directory.get())) {
-    const std::string name = entry->d_name;
+  while (const auto name = NextEntry(directory)) {
     struct stat status {};
-    if (::stat((root + kFileSeparator + name).c_str(), &status) != 0 || S_ISDIR(status.st_mode)) {
+    if (::stat((root + kFileSeparator + *name).c_str(), &status) != 0 || S_ISDIR(status.st_mode)) {
       continue;
     }
     // The pattern may stand anywhere and the cut is of fixed length, on purpose: libfoo.nsp.so.old
     // is foo.nsp. A shorter name leaves what follows its third character: the subtraction wraps.
-    if (Contains(name, pattern)) {
-      services.push_back(name.substr(kPrefixLength, name.size() - kAffixesLength));
+    if (Contains(*name, pattern)) {
+      services.push_back(name->substr(kPrefixLength, name->size() - kAffixesLength));
     }
   }
   return services;
@@ -149,17 +159,18 @@ std::vector<std::string> TOSSpecific::FindPlugins(std::string directory, std::st
   const std::string pattern = "." + kind + kDynamicModuleExtension;
   const TDir opened = OpenDir(directory);
   std::vector<std::string> plugins;
-  while (const dirent* entry = ::readdir(opened.get())) {
-    const std::string name = entry->d_name;
-    if (IsSearchedForPlugins(name)) {
-      AppendPluginsOf(directory + kFileSeparator + name, pattern, plugins);
+  while (const auto name = NextEntry(opened)) {
+    if (IsSearchedForPlugins(*name)) {
+      AppendPluginsOf(directory + kFileSeparator + *name, pattern, plugins);
     }
   }
   return plugins;
 }
 
 void* TOSSpecific::LoadPluginLibrary(std::string path) {
-  void* const handle = Load(path);
+  // The loader would search its own folders for a bare name, and take none at all for the program.
+  const bool isBareName = path.find(kFileSeparator) == std::string::npos;
+  void* const handle = Load(isBareName ? "./" + path : path);
   if (handle == nullptr) {
     LogErrorAndThrow(kQDXStatusFileSystemError,
                      {"ERROR: Failed to load plugin.  Reason: ", LoaderError()});
