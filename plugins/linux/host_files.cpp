@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host_files.h"
+
+#include <qdxcore/logger.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <linux/openat2.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+
+#include "text.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+constexpr std::size_t kMaxFileSize = 64U << 10;
+
+/// The kernel asks to try again when something was renamed or mounted, anywhere, while it followed
+/// a "..".
+constexpr int kMaxAttempts = 32;
+
+std::string ErrorText(int error) { return std::generic_category().message(error); }
+
+TReading Missing(const std::string& path, const std::string& reason) {
+  return TReading::Missing(path + ": " + reason);
+}
+
+TDescriptor OpenInRoot(int root, const std::string& path, int flags) {
+  open_how how{};
+  how.flags = static_cast<decltype(how.flags)>(flags);
+  how.resolve = RESOLVE_IN_ROOT | RESOLVE_NO_MAGICLINKS;
+  for (int attempt = 1;; ++attempt) {
+    TDescriptor file(
+        static_cast<int>(::syscall(SYS_openat2, root, path.c_str(), &how, sizeof how)));
+    if (file.GetError() != EAGAIN || attempt == kMaxAttempts) return file;
+  }
+}
+
+/// For kernels and sandboxes without openat2: no symbolic link is followed, so none leads out.
+TDescriptor OpenWithoutLinks(int root, const std::string& path, int flags) {
+  const std::filesystem::path relative = std::filesystem::path(path).relative_path();
+  TDescriptor folder(::openat(root, ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+  for (const auto& component : relative.parent_path()) {
+    folder = TDescriptor(
+        ::openat(folder.Get(), component.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!folder) return folder;
+  }
+  return TDescriptor(::openat(folder.Get(), relative.filename().c_str(), flags | O_NOFOLLOW));
+}
+
+/// At most one byte more than is allowed, so that the caller sees what is too long.
+TReading ReadToEnd(int file, const std::string& path) {
+  std::string text(kMaxFileSize + 1, '\0');
+  std::size_t size = 0;
+  while (size < text.size()) {
+    const ssize_t count = ::read(file, text.data() + size, text.size() - size);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return Missing(path, ErrorText(errno));
+    if (count == 0) break;
+    size += static_cast<std::size_t>(count);
+  }
+  text.resize(size);
+  return TReading::Of(std::move(text));
+}
+
+bool IsRegularFile(int file) {
+  struct stat status {};
+  return ::fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+bool IsRootFolder(int folder) {
+  struct stat given {};
+  struct stat root {};
+  return ::fstat(folder, &given) == 0 && ::stat("/", &root) == 0 && given.st_dev == root.st_dev &&
+         given.st_ino == root.st_ino;
+}
+
+TDescriptor OpenRoot(const std::string& root) {
+  TDescriptor folder(::open(root.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+  if (!folder) {
+    LogErrorAndThrow(folder.GetError() == EACCES ? kQDXStatusAccessDenied : kQDXStatusFileNotFound,
+                     {"linux: root folder ", root, ": ", ErrorText(folder.GetError())});
+  }
+  return folder;
+}
+
+}  // namespace
+
+THostFiles::THostFiles(const std::string& root)
+    : fRoot(OpenRoot(root)), fIsThisMachine(IsRootFolder(fRoot.Get())) {}
+
+TDescriptor THostFiles::Open(const std::string& path, int flags) const {
+  flags |= O_CLOEXEC;
+  if (fIsThisMachine) return TDescriptor(::open(path.c_str(), flags));
+  TDescriptor file = OpenInRoot(fRoot.Get(), path, flags);
+  // Sandboxes of some age answer EPERM to a call that they do not know.
+  if (file.GetError() != ENOSYS && file.GetError() != EPERM) return file;
+  return OpenWithoutLinks(fRoot.Get(), path, flags);
+}
+
+TReading THostFiles::Read(const std::string& path) const {
+  const TDescriptor file = Open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+  if (!file) return Missing(path, ErrorText(file.GetError()));
+  if (!IsRegularFile(file.Get())) return Missing(path, "not a regular file");
+  TReading reading = ReadToEnd(file.Get(), path);
+  if (reading && reading.fText->size() > kMaxFileSize) return Missing(path, "more than 64 KiB");
+  return reading;
+}
+
+TReading THostFiles::ReadLine(const std::string& path) const {
+  TReading file = Read(path);
+  if (!file) return file;
+  std::string line = PrintableText(file.fText->substr(0, file.fText->find('\n')));
+  if (line.empty()) return Missing(path, "empty");
+  return TReading::Of(std::move(line));
+}
+
+bool THostFiles::IsFolder(const std::string& path) const {
+  return static_cast<bool>(Open(path, O_PATH | O_DIRECTORY));
+}
+
+std::vector<std::string> THostFiles::List(const std::string& path) const {
+  TDescriptor folder = Open(path, O_RDONLY | O_DIRECTORY | O_NONBLOCK);
+  if (!folder) return {};
+  const std::unique_ptr<DIR, int (*)(DIR*)> entries(::fdopendir(folder.Get()), ::closedir);
+  if (!entries) return {};
+  (void)folder.Release();  // closedir closes it from here on
+  std::vector<std::string> names;
+  while (const dirent* entry = ::readdir(entries.get())) {
+    if (entry->d_name[0] != '.') names.emplace_back(entry->d_name);
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+}  // namespace NVORNQDX20

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "namespace_builder.h"
+
+#include <qdxcore/logger.h>
+#include <qdxrepository/repository.h>
+
+namespace NVORNQDX20 {
+namespace {
+
+using TType = TCIMValue::TCIMType;
+
+const char* const kMissingClassName = "VORNSG_UnavailableValue";
+
+TClassSpec MissingClass() {
+  return {kMissingClassName,
+          "A value that this machine does not have, or does not tell, and why.",
+          {{"ClassName", TType::kCIMTypeString, true, "The class of the instance that lacks it."},
+           {"Instance", TType::kCIMTypeString, true,
+            "The key of that instance; empty where the class has only one."},
+           {"PropertyName", TType::kCIMTypeString, true, "The property that is null."},
+           {"Reason", TType::kCIMTypeString, false, "What stood in the way."}}};
+}
+
+}  // namespace
+
+TNamespaceBuilder::TNamespaceBuilder(const std::string& name)
+    : fNamespace(MakeRepositoryNamespace(name)),
+      fKey(DeclareQualifier("Key", TCIMValue(false), kScopeProperty | kScopeReference,
+                            kFlavorToSubclass)),
+      fDescription(DeclareQualifier("Description", TCIMValue(TType::kCIMTypeString, 0), kScopeAny,
+                                    kFlavorOverridable | kFlavorToSubclass | kFlavorTranslatable)) {
+}
+
+boost::shared_ptr<ICIMQualifierDecl> TNamespaceBuilder::DeclareQualifier(
+    const std::string& name, const TCIMValue& defaultValue, std::uint32_t scope,
+    std::uint32_t flavor) {
+  auto qualifier =
+      fNamespace->CreateQualifierDecl(name, defaultValue, scope, flavor, TOptionsMap());
+  qualifier->Commit();
+  return qualifier;
+}
+
+boost::shared_ptr<ICIMClass> TNamespaceBuilder::DeclareClass(const TClassSpec& spec) {
+  auto cimClass = fNamespace->CreateClass(spec.fName, nullptr, TOptionsMap());
+  cimClass->AddQualifier(fDescription, TCIMValue(spec.fDescription))->Commit();
+  for (const TPropertySpec& property : spec.fProperties) DeclareProperty(*cimClass, property);
+  cimClass->Commit(TOptionsMap());
+  return cimClass;
+}
+
+void TNamespaceBuilder::DeclareProperty(ICIMClass& cimClass, const TPropertySpec& spec) {
+  auto property =
+      cimClass.CreatePropertyDecl(spec.fName, TCIMValue(TType(spec.fType), 0), TOptionsMap());
+  if (spec.fKey) property->AddQualifier(fKey, TCIMValue(true))->Commit();
+  property->AddQualifier(fDescription, TCIMValue(spec.fDescription))->Commit();
+  property->Commit();
+}
+
+void TNamespaceBuilder::AddInstance(ICIMClass& cimClass,
+                                    std::initializer_list<TPropertyValue> values,
+                                    const std::string& instance) {
+  const std::string& className = cimClass.GetName(TOptionsMap());
+  auto created = cimClass.CreateInstance(TOptionsMap());
+  for (const TPropertyValue& value : values) {
+    // What is not set keeps the default of its declaration: null, of the declared type.
+    if (!value.fValue.IsNull()) created->SetPropertyValue(value.fName, value.fValue, TOptionsMap());
+    if (!value.fReason.empty()) NoteMissing({className, instance, value.fName, value.fReason});
+  }
+  created->Commit(TOptionsMap());
+}
+
+void TNamespaceBuilder::NoteMissing(const TMissingValue& missing) {
+  LogMessage(ILogger::kLogWarning,
+             {"linux: ", missing.fClass, missing.fInstance.empty() ? "" : " ", missing.fInstance,
+              ".", missing.fProperty, ": ", missing.fReason});
+  fMissing.push_back(missing);
+}
+
+boost::shared_ptr<ICIMNamespace> TNamespaceBuilder::Finish() {
+  const auto missingClass = DeclareClass(MissingClass());
+  for (const TMissingValue& missing : fMissing) {
+    AddInstance(*missingClass, {{"ClassName", missing.fClass},
+                                {"Instance", missing.fInstance},
+                                {"PropertyName", missing.fProperty},
+                                {"Reason", missing.fReason}});
+  }
+  return fNamespace;
+}
+
+}  // namespace NVORNQDX20

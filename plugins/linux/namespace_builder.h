@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Declares the provider's classes, adds their instances, and keeps account of what is missing.
+#ifndef QDXLINUX_NAMESPACE_BUILDER_H_
+#define QDXLINUX_NAMESPACE_BUILDER_H_
+
+#include <qdxcore/interfaces.h>
+
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+#include "reading.h"
+
+namespace NVORNQDX20 {
+
+struct TPropertySpec {
+  const char* fName;
+  TCIMValue::TCIMType::ECIMType fType;
+  bool fKey;
+  const char* fDescription;
+};
+
+struct TClassSpec {
+  const char* fName;
+  const char* fDescription;
+  std::vector<TPropertySpec> fProperties;
+};
+
+/// The value that an instance gets for a property; null stands beside the reason for it.
+struct TPropertyValue {
+  TPropertyValue(const char* name, const TCIMValue& value) : fName(name), fValue(value) {}
+  /// Null if there is no text.
+  TPropertyValue(const char* name, const TReading& reading)
+      : fName(name), fReason(reading.fReason) {
+    if (reading) fValue.Set(*reading.fText);
+  }
+  /// A key cannot be null: where there is no text it is empty, and the reason is kept as well.
+  static TPropertyValue Key(const char* name, const TReading& reading) {
+    TPropertyValue key(name, TCIMValue(reading.fText.value_or(std::string())));
+    key.fReason = reading.fReason;
+    return key;
+  }
+
+  const char* fName;
+  TCIMValue fValue;
+  std::string fReason;
+};
+
+/// A namespace while it is filled.
+class TNamespaceBuilder {
+ public:
+  explicit TNamespaceBuilder(const std::string& name);
+
+  boost::shared_ptr<ICIMClass> DeclareClass(const TClassSpec& spec);
+  /// Every value that comes with a reason is logged and noted. `instance` is the key that tells the
+  /// instance from its like in such a note; it is empty for the only one of its class.
+  void AddInstance(ICIMClass& cimClass, std::initializer_list<TPropertyValue> values,
+                   const std::string& instance = std::string());
+  /// Adds the class of what is missing; the last call.
+  boost::shared_ptr<ICIMNamespace> Finish();
+
+ private:
+  struct TMissingValue {
+    std::string fClass;
+    std::string fInstance;
+    std::string fProperty;
+    std::string fReason;
+  };
+
+  boost::shared_ptr<ICIMQualifierDecl> DeclareQualifier(const std::string& name,
+                                                        const TCIMValue& defaultValue,
+                                                        std::uint32_t scope, std::uint32_t flavor);
+  void DeclareProperty(ICIMClass& cimClass, const TPropertySpec& spec);
+  void NoteMissing(const TMissingValue& missing);
+
+  boost::shared_ptr<ICIMNamespace> fNamespace;
+  boost::shared_ptr<ICIMQualifierDecl> fKey;
+  boost::shared_ptr<ICIMQualifierDecl> fDescription;
+  std::vector<TMissingValue> fMissing;
+};
+
+}  // namespace NVORNQDX20
+
+#endif  // QDXLINUX_NAMESPACE_BUILDER_H_

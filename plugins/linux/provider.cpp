@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/interfaces.h>
+#include <qdxcore/registry.h>
+#include <qdxcore/status.h>
+
+#include <locale>
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/make_shared.hpp>
+
+#include "topics.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+TTopic* const kTopics[] = {AddComputerSystem, AddOperatingSystem, AddQDXProduct, AddSCSIDevices};
+
+std::string RootOf(const TOptionsMap& options) {
+  const auto root = options.find("root");
+  if (root == options.end()) return "/";
+  return root->second;
+}
+
+/// Provider "linux": one machine, described in the namespace "root/cimv2".
+///
+/// Option "root" (string, "/" if it is not given) names the folder below which all files are read:
+/// a mounted image, or a tree of files that stands in for a machine. The namespace is made anew by
+/// each call; it shows the machine as it is then.
+class TLinuxProvider : public INamespaceProvider {
+ public:
+  const std::string& GetName(TOptionsMap) const override { return fName; }
+
+  /// Also throws what THostFiles does for a root that cannot be opened.
+  boost::shared_ptr<ICIMNamespace> GetNamespace(const std::string& name,
+                                                TOptionsMap options) override {
+    if (!boost::algorithm::iequals(name, fNamespaceName, std::locale::classic())) {
+      throw TQDXException(kQDXStatusNotFound);
+    }
+    const THost host(RootOf(options));
+    TNamespaceBuilder builder(fNamespaceName);
+    for (TTopic* addTopic : kTopics) addTopic(builder, host);
+    return builder.Finish();
+  }
+
+  void EnumerateNamespaceNames(const TNamespaceNameCallback& callback, TOptionsMap) override {
+    callback(fNamespaceName);
+  }
+
+ private:
+  const std::string fName = "linux";
+  const std::string fNamespaceName = "root/cimv2";
+};
+
+bool Register() noexcept {
+  try {
+    TRootObject::GetNamespaceProviderManager()->RegisterNamespaceProvider(
+        boost::make_shared<TLinuxProvider>());
+    return true;
+  } catch (...) {
+    // This runs while the library is loaded: an exception would end the process. Who looks for the
+    // provider finds it missing.
+    return false;
+  }
+}
+
+[[maybe_unused]] const bool kRegistered = Register();
+
+}  // namespace
+}  // namespace NVORNQDX20

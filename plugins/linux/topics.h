@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+/// What the provider describes: one function, and one source file, for each class.
+#ifndef QDXLINUX_TOPICS_H_
+#define QDXLINUX_TOPICS_H_
+
+#include "host.h"
+#include "namespace_builder.h"
+
+namespace NVORNQDX20 {
+
+/// Declares a class and adds the instances that the host has of it. A value that cannot be had is
+/// no failure: it is noted as missing.
+using TTopic = void(TNamespaceBuilder& builder, const THost& host);
+
+TTopic AddComputerSystem;
+TTopic AddOperatingSystem;
+TTopic AddQDXProduct;
+TTopic AddSCSIDevices;
+
+}  // namespace NVORNQDX20
+
+#endif  // QDXLINUX_TOPICS_H_

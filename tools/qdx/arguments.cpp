@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "arguments.h"
+
+#include <algorithm>
+
+#include "failure.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+using TWords = std::vector<std::string>;
+
+[[noreturn]] void FailUsage(const std::string& line) { throw TCommandFailure(kExitUsage, line); }
+
+const TOptionSpec& FindOption(const std::vector<TOptionSpec>& options, const std::string& word) {
+  const auto found = std::find_if(
+      options.begin(), options.end(),
+      [&word](const TOptionSpec& option) { return word == std::string("--") + option.fName; });
+  if (found == options.end()) FailUsage("unknown option '" + word + "'");
+  return *found;
+}
+
+/// Takes the option that begins at `word`, and the word behind it if that is its value.
+void TakeOption(const std::vector<TOptionSpec>& options, TWords::const_iterator& word,
+                TWords::const_iterator end, TArguments& arguments) {
+  const std::size_t equals = word->find('=');
+  const TOptionSpec& option = FindOption(options, word->substr(0, equals));
+  const std::string shown = std::string("option '--") + option.fName + "'";
+  std::string value;
+  if (equals != std::string::npos) {
+    if (option.fValueName == nullptr) FailUsage(shown + " takes no value");
+    value = word->substr(equals + 1);
+  } else if (option.fValueName != nullptr && std::next(word) != end) {
+    value = *++word;
+  }
+  if (option.fValueName != nullptr && value.empty()) {
+    FailUsage(shown + " needs a value: " + option.fValueName);
+  }
+  arguments.fOptions[option.fName] = value;
+}
+
+}  // namespace
+
+std::string TArguments::Get(const std::string& option, const std::string& otherwise) const {
+  const auto found = fOptions.find(option);
+  return found == fOptions.end() ? otherwise : found->second;
+}
+
+TArguments ParseArguments(const std::vector<TOptionSpec>& options, const TWords& words) {
+  TArguments arguments;
+  for (auto word = words.begin(); word != words.end(); ++word) {
+    if (*word == "--") {
+      arguments.fOperands.insert(arguments.fOperands.end(), std::next(word), words.end());
+      break;
+    }
+    if (word->size() > 1 && word->front() == '-') {
+      TakeOption(options, word, words.end(), arguments);
+    } else {
+      arguments.fOperands.push_back(*word);
+    }
+  }
+  return arguments;
+}
+
+}  // namespace NVORNQDX20

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "failure.h"
+
+#include <qdxcore/logger.h>
+#include <qdxcore/registry.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+
+#include "terminal.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+const char* MeaningOf(EQDXStatusCode status) {
+  switch (status) {
+    case kQDXStatusNotImplemented:
+      return "it does not offer this";
+    case kQDXStatusOutOfMemory:
+      return "out of memory";
+    case kQDXStatusFileSystemError:
+      return "the file system refused";
+    case kQDXStatusTypeMismatch:
+      return "of another type than expected";
+    case kQDXStatusNotFound:
+      return "there is none";
+    case kQDXStatusFileNotFound:
+      return "no such file or folder";
+    case kQDXStatusAccessDenied:
+      return "permission denied";
+    case kQDXStatusValueIsNULL:
+      return "it has no value";
+    case kQDXStatusInvalidPlugin:
+      return "it registers or creates nothing";
+    case kQDXStatusInvalidFormat:
+      return "not of the expected form";
+    default:
+      return "it failed";
+  }
+}
+
+std::size_t LoggedSoFar() {
+  ILogger* const logger = TRootObject::GetCoreLogger();
+  return logger == nullptr ? 0 : logger->GetLog().size();
+}
+
+TFailure WithLoggedReason(EQDXStatusCode status, std::size_t loggedBefore) {
+  if (LoggedSoFar() > loggedBefore) {
+    const auto& log = TRootObject::GetCoreLogger()->GetLog();
+    const auto end = std::prev(log.rend(), static_cast<std::ptrdiff_t>(loggedBefore));
+    const auto error = std::find_if(log.rbegin(), end, [](const ILogger::TLogEntry& entry) {
+      return entry.fSeverity == ILogger::kLogError;
+    });
+    if (error != end) return {status, error->fMessage};
+  }
+  return TFailure(status);
+}
+
+}  // namespace
+
+TFailure::TFailure(EQDXStatusCode status) : TFailure(status, MeaningOf(status)) {}
+
+std::string TFailure::Text() const {
+  return fWhy + " [" + TQDXStatusCode(fStatus).TranslateStatusCode() + "]";
+}
+
+std::optional<TFailure> Try(const std::function<void()>& action) {
+  const std::size_t loggedBefore = LoggedSoFar();
+  try {
+    action();
+    return std::nullopt;
+  } catch (const TQDXException& exception) {
+    return WithLoggedReason(exception.GetStatusCode(), loggedBefore);
+  } catch (const std::exception& exception) {
+    return TFailure(kQDXStatusFail, exception.what());
+  } catch (...) {  // plug-ins may throw anything
+    return TFailure(kQDXStatusFail);
+  }
+}
+
+std::string FailureLine(const std::string& tried, const std::string& on, const TFailure& failure) {
+  return tried + ", " + on + ": " + failure.Text();
+}
+
+void PrintError(const std::string& line) {
+  std::fputs(("qdx: " + ForTerminal(line) + "\n").c_str(), stderr);
+}
+
+}  // namespace NVORNQDX20

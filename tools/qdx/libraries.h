@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Finds and loads the plug-ins.
+#ifndef QDX_LIBRARIES_H_
+#define QDX_LIBRARIES_H_
+
+#include <qdxcore/interfaces.h>
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "failure.h"
+
+namespace NVORNQDX20 {
+
+using TProviders = std::vector<boost::shared_ptr<INamespaceProvider>>;
+
+struct TLibrary {
+  std::string fService;
+  std::string fFile;
+  std::optional<TFailure> fFailure;
+};
+
+struct TProviderLibrary : TLibrary {
+  TProviders fProviders;  ///< What it registered.
+};
+
+struct TConsumerLibrary : TLibrary {
+  boost::shared_ptr<INamespaceConsumer> fConsumer;  ///< Null if it failed.
+};
+
+// Both load everything there is in ascending order of the service names, so that of two providers
+// with one name the same one wins everywhere. A library that cannot be used, or registers nothing,
+// is reported on standard error, and the others go on. Both throw a TCommandFailure if the folder
+// of the plug-ins cannot be read.
+std::vector<TProviderLibrary> LoadProviderLibraries();
+std::vector<TConsumerLibrary> LoadConsumerLibraries();
+
+/// In ascending order of their names.
+TProviders RegisteredProviders();
+
+template <typename TLibraries>
+bool AnyFailed(const TLibraries& libraries) {
+  return std::any_of(libraries.begin(), libraries.end(),
+                     [](const TLibrary& library) { return library.fFailure.has_value(); });
+}
+
+template <typename TLibraries>
+bool AnyUsable(const TLibraries& libraries) {
+  return std::any_of(libraries.begin(), libraries.end(),
+                     [](const TLibrary& library) { return !library.fFailure; });
+}
+
+}  // namespace NVORNQDX20
+
+#endif  // QDX_LIBRARIES_H_

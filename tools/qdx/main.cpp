@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/logger.h>
+
+#include <csignal>
+#include <memory>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "command.h"
+#include "failure.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+/// With a standard descriptor closed, the next file to be opened, the log perhaps, would take its
+/// place and get what is meant for it. Read-only, so that a missing standard output is noticed.
+void OccupyStandardDescriptors() {
+  int descriptor = 0;
+  while (descriptor >= 0 && descriptor <= STDERR_FILENO) {
+    descriptor = ::open("/dev/null", O_RDONLY);
+  }
+  if (descriptor > STDERR_FILENO) ::close(descriptor);
+}
+
+EExitCode GuardedMain(const std::vector<std::string>& words) {
+  try {
+    TLogger::Initialize();
+    const std::unique_ptr<TLogger> logger(TLogger::GetInstance());  // closes the log at the end
+    return RunCommand(words);
+  } catch (const TCommandFailure& failure) {
+    const std::string line = failure.what();
+    const bool usage = failure.GetExitCode() == kExitUsage;
+    if (!line.empty()) PrintError(line + (usage ? ". Try 'qdx --help'." : ""));
+    return failure.GetExitCode();
+  } catch (const std::exception& exception) {
+    PrintError(std::string("unexpected failure: ") + exception.what());
+    return kExitNothingCollected;
+  }
+}
+
+}  // namespace
+}  // namespace NVORNQDX20
+
+int main(int argc, char** argv) {
+  using namespace NVORNQDX20;
+  OccupyStandardDescriptors();
+  std::signal(SIGPIPE, SIG_IGN);  // a reader that goes away is a failed write, not a death
+  return GuardedMain({argv + (argc > 0 ? 1 : 0), argv + argc});
+}

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Standard output, where the data goes.
+#ifndef QDX_OUTPUT_H_
+#define QDX_OUTPUT_H_
+
+#include <string>
+
+#include <nlohmann/json_fwd.hpp>
+
+namespace NVORNQDX20 {
+
+/// Writes the whole text. Throws a TCommandFailure if that cannot be done, without a line if it is
+/// because nobody reads any more.
+void WriteOutput(const std::string& text);
+
+/// Writes one JSON document; bytes that are no UTF-8 become U+FFFD.
+void WriteJSON(const nlohmann::ordered_json& document);
+
+}  // namespace NVORNQDX20
+
+#endif  // QDX_OUTPUT_H_

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "terminal.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <string_view>
+
+#include <unistd.h>
+
+#include <boost/locale/utf.hpp>
+
+namespace NVORNQDX20 {
+namespace {
+
+namespace utf = boost::locale::utf;
+
+bool IsHarmless(utf::code_point character) {
+  const bool control = character < 0x20 || (character >= 0x7f && character < 0xa0);
+  return utf::is_valid_codepoint(character) && !control;
+}
+
+bool UsesColour() {
+  const char* const noColour = std::getenv("NO_COLOR");
+  const char* const terminal = std::getenv("TERM");
+  const bool refused = noColour != nullptr && *noColour != '\0';
+  const bool able = terminal != nullptr && std::string_view(terminal) != "dumb";
+  return able && !refused && ::isatty(STDOUT_FILENO) != 0;
+}
+
+std::string Styled(const std::string& line, TTableRow::EStyle style) {
+  if (style == TTableRow::kPlain) return line;
+  return (style == TTableRow::kHeading ? "\033[1m" : "\033[2m") + line + "\033[0m";
+}
+
+/// In characters; all of them are taken to be one column wide.
+std::size_t Width(const std::string& cell) {
+  return static_cast<std::size_t>(std::count_if(cell.begin(), cell.end(), [](char byte) {
+    return (static_cast<unsigned char>(byte) & 0xc0) != 0x80;
+  }));
+}
+
+std::vector<std::size_t> ColumnWidths(const std::vector<TTableRow>& rows) {
+  std::vector<std::size_t> widths;
+  for (const TTableRow& row : rows) {
+    widths.resize(std::max(widths.size(), row.fCells.size()));
+    for (std::size_t i = 0; i < row.fCells.size(); ++i) {
+      widths[i] = std::max(widths[i], Width(ForTerminal(row.fCells[i])));
+    }
+  }
+  return widths;
+}
+
+std::string FormatRow(const TTableRow& row, const std::vector<std::size_t>& widths) {
+  std::string line;
+  for (std::size_t i = 0; i < row.fCells.size(); ++i) {
+    const std::string cell = ForTerminal(row.fCells[i]);
+    line += cell;
+    if (i + 1 < row.fCells.size()) line.append(widths[i] - Width(cell) + 2, ' ');
+  }
+  return line;
+}
+
+}  // namespace
+
+std::string ForTerminal(const std::string& text) {
+  std::string harmless;
+  const char* const end = text.data() + text.size();
+  for (const char* position = text.data(); position != end;) {
+    const char* const start = position;
+    const utf::code_point character = utf::utf_traits<char>::decode(position, end);
+    // A bad sequence costs its first byte only: what follows may be good again.
+    if (!utf::is_valid_codepoint(character)) position = start + 1;
+    harmless += IsHarmless(character) ? std::string(start, position) : "?";
+  }
+  return harmless;
+}
+
+std::string FormatTable(const std::vector<TTableRow>& rows) {
+  const std::vector<std::size_t> widths = ColumnWidths(rows);
+  const bool colour = UsesColour();
+  std::string text;
+  for (const TTableRow& row : rows) {
+    const std::string line = FormatRow(row, widths);
+    text += (colour ? Styled(line, row.fStyle) : line) + "\n";
+  }
+  return text;
+}
+
+}  // namespace NVORNQDX20

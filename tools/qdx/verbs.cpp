@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "verbs.h"
+
+#include "failure.h"
+#include "terminal.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+const char* const kIndent = "";
+
+std::string FormatOptions(const std::vector<TOptionSpec>& options) {
+  std::vector<TTableRow> rows;
+  for (const TOptionSpec& option : options) {
+    const std::string value = option.fValueName ? std::string(" ") + option.fValueName : "";
+    rows.push_back({{kIndent, std::string("--") + option.fName + value, option.fHelp}});
+  }
+  return FormatTable(rows);
+}
+
+std::string FormatVerbs() {
+  std::vector<TTableRow> rows;
+  for (const TVerb& verb : AllVerbs()) rows.push_back({{kIndent, verb.fName, verb.fSummary}});
+  rows.push_back({{kIndent, "help", "Explains a verb."}});
+  return FormatTable(rows);
+}
+
+const char* const kExitCodes =
+    "Exit status:\n"
+    "  0  done\n"
+    "  2  wrong usage\n"
+    "  3  partly done: a plug-in failed, the rest was delivered\n"
+    "  4  a folder or file that was named, or standard output, cannot be used\n"
+    "  5  nothing was collected\n";
+
+}  // namespace
+
+const std::vector<TVerb>& AllVerbs() {
+  static const std::vector<TVerb> verbs = {IdentityVerb(), PluginsVerb()};
+  return verbs;
+}
+
+const TVerb& FindVerb(const std::string& name) {
+  for (const TVerb& verb : AllVerbs()) {
+    if (name == verb.fName) return verb;
+  }
+  throw TCommandFailure(kExitUsage, "unknown verb '" + name + "'");
+}
+
+const std::vector<TOptionSpec>& CommonOptions() {
+  static const std::vector<TOptionSpec> options = {
+      {"log", "FILE", "Write a fresh log to FILE."},
+      {"log-level", "LEVEL", "Log error, warning, status (the default), debug or verbose."},
+      {"help", nullptr, "Explain the verb, and end."},
+      {"version", nullptr, "Print the version, and end."}};
+  return options;
+}
+
+std::vector<TOptionSpec> OptionsOf(const TVerb& verb) {
+  std::vector<TOptionSpec> options = verb.fOptions;
+  options.insert(options.end(), CommonOptions().begin(), CommonOptions().end());
+  return options;
+}
+
+std::string GeneralHelp() {
+  return "Usage: qdx VERB [OPTION]...\n"
+         "Describes and diagnoses this machine.\n\nVerbs:\n" +
+         FormatVerbs() + "\nOptions of every verb:\n" + FormatOptions(CommonOptions()) + "\n" +
+         kExitCodes + "\n'qdx help VERB' tells more.\n";
+}
+
+std::string HelpFor(const TVerb& verb) {
+  return std::string("Usage: qdx ") + verb.fName + " [OPTION]...\n" + verb.fSummary + "\n\n" +
+         verb.fDescription + "\nOptions:\n" + FormatOptions(OptionsOf(verb));
+}
+
+}  // namespace NVORNQDX20

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+/// The verbs of the command: one function, and one source file, for each.
+#ifndef QDX_VERBS_H_
+#define QDX_VERBS_H_
+
+#include <string>
+#include <vector>
+
+#include "arguments.h"
+#include "exit_code.h"
+
+namespace NVORNQDX20 {
+
+struct TVerb {
+  const char* fName;
+  const char* fSummary;      ///< One line.
+  const char* fDescription;  ///< The lines that its help adds.
+  std::vector<TOptionSpec> fOptions;
+  EExitCode (*fRun)(const TArguments& arguments);
+};
+
+TVerb IdentityVerb();
+TVerb PluginsVerb();
+
+/// Every verb, in the order of the help.
+const std::vector<TVerb>& AllVerbs();
+/// Throws a TCommandFailure if there is none of that name.
+const TVerb& FindVerb(const std::string& name);
+/// The options that every verb has.
+const std::vector<TOptionSpec>& CommonOptions();
+
+/// Its own options, then the common ones.
+std::vector<TOptionSpec> OptionsOf(const TVerb& verb);
+
+std::string GeneralHelp();
+std::string HelpFor(const TVerb& verb);
+
+}  // namespace NVORNQDX20
+
+#endif  // QDX_VERBS_H_
