@@ -5,7 +5,10 @@
 
 #include <cstdlib>
 #include <ctime>
+#include <filesystem>
+#include <optional>
 #include <random>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -23,9 +26,19 @@ class TZone {
     ::unsetenv("TZ");
     ::tzset();
   }
+  TZone(const TZone&) = delete;
+  TZone& operator=(const TZone&) = delete;
 };
 
 TCIMDateTime Parse(const std::string& text) { return TCIMDateTime(text); }
+
+TCIMDateTime PointOf(const std::tm& fields, int offset) {
+  return TCIMDateTime(
+      static_cast<std::uint16_t>(fields.tm_year + 1900),
+      static_cast<std::uint16_t>(fields.tm_mon + 1), static_cast<std::uint32_t>(fields.tm_mday),
+      static_cast<std::uint16_t>(fields.tm_hour), static_cast<std::uint16_t>(fields.tm_min),
+      static_cast<std::uint16_t>(fields.tm_sec), 0, static_cast<std::int16_t>(offset));
+}
 
 TEST(CIMDateTime, IsNullUntilSet) {
   TCIMDateTime value;
@@ -129,59 +142,59 @@ TEST(CIMDateTime, RefusesIntervalsOutOfRange) {
   EXPECT_EQ(value.ToString(), "00000001020304.000005:000");
 }
 
-TEST(CIMDateTime, RefusesTheOneInstantThatTheHostDoes) {
-  for (const char* zone : {"UTC", "XXX-14", "XXX11"}) {
-    const TZone set(zone);
-    const std::time_t before = -1;
-    std::tm fields{};
-    ::localtime_r(&before, &fields);
-    const auto pointAt = [&fields](int shift) {
-      return TCIMDateTime(
-          static_cast<std::uint16_t>(fields.tm_year + 1900),
-          static_cast<std::uint16_t>(fields.tm_mon + 1), static_cast<std::uint32_t>(fields.tm_mday),
-          static_cast<std::uint16_t>(fields.tm_hour), static_cast<std::uint16_t>(fields.tm_min),
-          static_cast<std::uint16_t>(fields.tm_sec + shift), 0, 0);
-    };
-    EXPECT_QDX_STATUS(pointAt(0), kQDXStatusInvalidDateTime) << zone;
-    EXPECT_NO_THROW(pointAt(1)) << zone;
-  }
-}
-
-/// The shortcuts around mktime() must never show: random fields, close to 1970 and to each other,
-/// against mktime() itself.
-TEST(CIMDateTime, AgreesWithMktimeInEveryZone) {
+/// The shortcuts around mktime() must never show: points around moves of a zone's offset, or far
+/// from any, against mktime() itself.
+TEST(CIMDateTime, IsTakenAndOrderedAsMktimeHasIt) {
+  if (!std::filesystem::exists("/usr/share/zoneinfo/right")) GTEST_SKIP() << "needs tzdata";
+  const struct {
+    const char* fZone;
+    std::time_t fCentre;
+    int fSecondsAround;
+    bool fRefusesSome;
+  } rows[] = {{"UTC", -1, 30, true},
+              {"ABC-14", -1, 30, true},
+              {"ABC+24:59:59", -1, 30, true},
+              {"America/Caracas", 1462086000, 10000, true},  // standard time skips half an hour
+              {"Asia/Pyongyang", 1525446000, 1000000, true},
+              {"Pacific/Kwajalein", 745934400, 1000000, true},  // and a day
+              {"America/New_York", 1331449200, 1000000, false},
+              {"right/UTC", 1483228826, 100, false},
+              {"Asia/Kolkata", 0, 2000000000, false}};
   std::mt19937 random(1);
   const auto number = [&random](int from, int to) {
     return std::uniform_int_distribution<int>(from, to)(random);
   };
-  const auto instant = [](const TCIMDateTime& point) {
+  for (const auto& row : rows) {
+    const TZone set(row.fZone);
     std::tm fields{};
-    fields.tm_year = point.GetYear() - 1900;
-    fields.tm_mon = point.GetMonth() - 1;
-    fields.tm_mday = static_cast<int>(point.GetDay());
-    fields.tm_hour = point.GetHour();
-    fields.tm_min = point.GetMinute() - point.GetUTCOffset();
-    fields.tm_sec = point.GetSecond();
-    return std::mktime(&fields);
-  };
-  for (const char* zone : {"UTC", "America/New_York", "Pacific/Apia", "EST5EDT,M3.2.0,M11.1.0",
-                           "XXX-24:59:59", "XXX+24:59:59", "Asia/Kolkata"}) {
-    const TZone set(zone);
-    for (int i = 0; i < 2000; ++i) {
-      const auto year = static_cast<std::uint16_t>(i % 2 ? number(1969, 1970) : number(0, 65535));
-      const auto make = [&] {
-        return TCIMDateTime(
-            year, static_cast<std::uint16_t>(i % 2 ? number(11, 14) : number(0, 65535)),
-            static_cast<std::uint32_t>(i % 3 ? number(0, 40) : number(0, 2147483647)),
-            static_cast<std::uint16_t>(number(0, 30)), static_cast<std::uint16_t>(number(0, 70)),
-            static_cast<std::uint16_t>(number(0, 70)), 0,
-            static_cast<std::int16_t>(number(-1000, 1000)));
-      };
-      const TCIMDateTime left = make();
-      const TCIMDateTime right = make();
-      ASSERT_EQ(left == right, instant(left) == instant(right)) << zone << left.ToString();
-      ASSERT_EQ(left < right, instant(left) < instant(right)) << zone << left.ToString();
+    ::localtime_r(&row.fCentre, &fields);
+    const std::time_t centre = row.fCentre + fields.tm_gmtoff;
+    bool refused = false;
+    std::optional<std::pair<TCIMDateTime, std::time_t>> before;
+    for (int i = 0; i < 3000; ++i) {
+      const int offset = number(-2, 2) * 30;
+      const std::time_t shown =
+          centre + number(-row.fSecondsAround, row.fSecondsAround) + offset * 60;
+      ::gmtime_r(&shown, &fields);
+      if (i % 3 == 0 && fields.tm_min > 0) {  // a minute's worth of seconds that carry over
+        --fields.tm_min;
+        fields.tm_sec += 60;
+      }
+      std::tm converted = fields;
+      converted.tm_min -= offset;
+      const std::time_t instant = std::mktime(&converted);
+      const auto make = [&] { return PointOf(fields, offset); };
+      ASSERT_EQ(StatusThrownBy(make), instant == -1 ? "kQDXStatusInvalidDateTime" : "nothing")
+          << row.fZone << " " << shown << " " << offset;
+      refused = refused || instant == -1;
+      if (instant == -1) continue;
+      if (before) {
+        ASSERT_EQ(before->first == make(), before->second == instant) << row.fZone << " " << shown;
+        ASSERT_EQ(before->first < make(), before->second < instant) << row.fZone << " " << shown;
+      }
+      before.emplace(make(), instant);
     }
+    EXPECT_EQ(refused, row.fRefusesSome) << row.fZone;
   }
 }
 
@@ -222,6 +235,24 @@ TEST(CIMDateTimeArithmetic, AddsAndSubtracts) {
   EXPECT_QDX_STATUS(noon + later, kQDXStatusInvalidDateTime);
   TCIMDateTime first, second;
   EXPECT_QDX_STATUS(noon.GetDifference(first, second), kQDXStatusNotImplemented);
+}
+
+TEST(CIMDateTimeArithmetic, RefusesTheInstantThatMktimeDoes) {
+  const TZone utc("UTC");
+  const TCIMDateTime point = Parse("19691231235959.000000+001");  // taken: its offset moves it
+  const TCIMDateTime second(0, 0, 0, 1, 0);
+  EXPECT_QDX_STATUS(point + second, kQDXStatusInvalidDateTime);
+  EXPECT_QDX_STATUS(second - point, kQDXStatusInvalidDateTime);
+  EXPECT_QDX_STATUS(point - point, kQDXStatusInvalidDateTime);
+}
+
+TEST(CIMDateTimeComparison, NoticesThatTheZoneHasChanged) {
+  std::optional<TZone> zone("ABC-1");
+  const TCIMDateTime point = Parse("19691231235959.000000+000");
+  EXPECT_TRUE(point == point);
+  zone.emplace("UTC");
+  EXPECT_QDX_STATUS(point == point, kQDXStatusInvalidDateTime);
+  EXPECT_QDX_STATUS(point < Parse("20000101000000.000000+000"), kQDXStatusInvalidDateTime);
 }
 
 TEST(CIMDateTimeArithmetic, ExchangesTheFractionsOfIntervalMinusPoint) {

@@ -5,7 +5,9 @@
 #include "support/class_builder.h"
 #include "support/expect_status.h"
 #include "support/log_capture.h"
+#include "support/recording_namespace.h"
 
+#include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
 
 namespace NVORNQDX20 {
@@ -114,6 +116,13 @@ TEST_F(ObjectPath, KeepsWhatWasReadBeforeTheFault) {
   TCIMReference reference(fNamespace, TOptionsMap());
   EXPECT_QDX_STATUS(reference.SetPath(R"(C.a="1",b=2)"), kQDXStatusInvalidReference);
   EXPECT_EQ(reference.GetPath(), R"(C.a="1")");
+}
+
+TEST_F(ObjectPath, PassesItsOptionsToNestedLookups) {
+  const auto recorder = boost::make_shared<TRecordingNamespace>(fNamespace);
+  TCIMReference(recorder, R"(Link.From="C.a="k"")", {{"from", "x"}});
+  EXPECT_EQ(recorder->Asked(), "Link(x) C(x) ");
+  EXPECT_QDX_STATUS(TCIMReference(recorder, R"(None.a=1)", {}), kQDXStatusFail);  // an assertion
 }
 
 TEST_F(ObjectPath, IsBoundedInItsDepth) {

@@ -5,8 +5,11 @@
 
 #include "support/class_builder.h"
 #include "support/expect_status.h"
+#include "support/faulty_provider.h"
 #include "support/log_capture.h"
+#include "support/recording_namespace.h"
 
+#include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
 
 namespace NVORNQDX20 {
@@ -81,6 +84,31 @@ TEST_F(CIMReference, VisitsKeysInByteOrderUntilToldToStop) {
   EXPECT_NO_THROW(Reference().EnumerateKeyBindings(TKeyBindingCallback()));
 }
 
+TEST_F(CIMReference, PassesItsOptionsToEveryClassLookup) {
+  const auto recorder = boost::make_shared<TRecordingNamespace>(fNamespace);
+  TCIMReference reference(recorder, {{"from", "x"}});
+  reference.SetClassName("T_Disk");
+  TCIMReference copy(reference);
+  copy.Clear();
+  copy.SetNamespace(recorder);
+  copy.SetPath("T_Disk.Id=\"1\"");
+  EXPECT_EQ(recorder->Asked(), "T_Disk(x) T_Disk(x) ");
+
+  reference.SetClassName("T_None");  // what the namespace answers is stored, null included
+  EXPECT_QDX_STATUS(reference.AddKeyValue("Id", 1U), kQDXStatusInvalidOpSequence);
+  EXPECT_QDX_STATUS(reference.GetClassName(), kQDXStatusFail);
+}
+
+TEST_F(CIMReference, LeavesANullDeclarationToTheAssertionHandler) {
+  const auto faults = boost::make_shared<TFaults>();
+  faults->AnswerNull("ICIMClass::GetPropertyDecl", TFaults::kEveryCall);
+  const TNamespace faulty = MakeFaultyNamespace(fNamespace, faults);
+  TCIMReference reference(faulty, TOptionsMap());
+  EXPECT_QDX_STATUS(reference.SetPath("T_Disk.Id=1"), kQDXStatusInvalidReference);
+  EXPECT_QDX_STATUS(reference.AddKeyValue("Id", 1U), kQDXStatusFail);
+  EXPECT_QDX_STATUS(TCIMReference(faulty, "T_Disk.Id=\"1\"", {}), kQDXStatusFail);
+}
+
 TEST_F(CIMReference, CopiesShareNothingButWhatTheyName) {
   TCIMReference original = Reference({{"Id", 1U}});
   TCIMReference copy(original);
@@ -101,6 +129,10 @@ TEST_F(CIMReference, FetchesTheInstanceOnceAndKeepsIt) {
   EXPECT_EQ(found->GetProperty("Name", {})->GetValue().ToString(10), "a");
   reference.AddKeyValue("Size", 99UL);  // names no instance, but the first answer is kept
   EXPECT_EQ(reference.GetCIMElement(), TCIMReference(reference).GetCIMElement());
+  reference.Clear();
+  reference.SetNamespace(fNamespace);
+  reference.SetPath("T_Disk.Id=\"2\",Name=\"a\"");
+  EXPECT_QDX_STATUS(reference.GetCIMElement(), kQDXStatusNotFound);
   EXPECT_EQ(Reference().GetCIMElement(), fClass);
 }
 

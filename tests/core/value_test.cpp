@@ -80,8 +80,12 @@ TEST(CIMValueConversion, GivesBackWhatWasSet) {
 // What must not compile: each would make a number or a boolean of something else.
 static_assert(!std::is_constructible_v<TCIMValue, TCIMType>);
 static_assert(!std::is_constructible_v<TCIMValue, TCIMType::ECIMType>);
-static_assert(!std::is_constructible_v<TCIMValue, const int*>);
+static_assert(!std::is_constructible_v<TCIMValue, const volatile int*>);
+static_assert(!std::is_constructible_v<TCIMValue, void (*)()>);
+static_assert(!std::is_constructible_v<TCIMValue, std::nullptr_t>);
 static_assert(!std::is_constructible_v<TCIMValue, char>);
+static_assert(!std::is_constructible_v<TCIMValue, EQDXStatusCode>);
+static_assert(std::is_constructible_v<TCIMValue, char*>);
 static_assert(std::is_nothrow_move_constructible_v<TCIMValue>);
 
 TEST(CIMValue, IsTypedWhenNull) {
@@ -100,6 +104,7 @@ TEST(CIMValue, KeepsTheArraySizeThroughScalarsAndNulls) {
   value.Set(5);
   EXPECT_FALSE(value.IsArray());
   EXPECT_EQ(value.GetMaxArraySize(), 4U);
+  EXPECT_EQ(TCIMValue(value).GetMaxArraySize(), 0U);  // a copy of a scalar does not take it
   value.SetNullValue(TCIMType::kCIMTypeString, 9);
   EXPECT_EQ(value.GetMaxArraySize(), 4U);
   value.SetNullValue(TCIMType(TCIMType::kCIMTypeString | TCIMType::kCIMTypeArray), 9);
@@ -176,6 +181,9 @@ TEST(CIMValueCopy, SurvivesAliases) {
   TCIMValue array(TCIMType::kCIMTypeString, 0, {"an element that is longer than any buffer"});
   array = static_cast<TElements&>(array)[0];
   EXPECT_EQ(static_cast<std::string>(array), "an element that is longer than any buffer");
+  TCIMValue nested(TCIMType::kCIMTypeSint32, 0, {5, 6});
+  static_cast<TElements&>(nested)[0] = nested;
+  EXPECT_EQ(nested.ToString(10), "{ { 5, 6 }, 6 }");
 }
 
 TEST(CIMValueMove, GivesWhatACopyGives) {
@@ -218,10 +226,13 @@ TEST(CIMValueReferencedClass, StaysWhereCopiesLeaveIt) {
   EXPECT_EQ(moved.GetReferencedClass(), two);
   EXPECT_TRUE(static_cast<TCIMReference>(moved) == reference);
 
-  TCIMValue scalar(1);
-  scalar.SetNullValue(TCIMType::kCIMTypeSint32, 0);
+  TCIMValue scalar(TCIMType::kCIMTypeSint32, 0);
   scalar.SetReferencedClass(one);
+  scalar.Set(1);
+  scalar.SetNullValue(TCIMType::kCIMTypeSint32, 0);
+  EXPECT_EQ(scalar.GetReferencedClass(), one);
   EXPECT_EQ(TCIMValue(scalar).GetReferencedClass(), nullptr);
+  EXPECT_EQ(TCIMValue(std::move(scalar)).GetReferencedClass(), nullptr);
 }
 
 TEST(CIMValueOrder, IsTotalOverTypesAndContents) {

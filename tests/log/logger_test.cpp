@@ -7,6 +7,8 @@
 
 #include <unistd.h>
 
+#include <cstdlib>
+
 #include <gtest/gtest.h>
 
 namespace NVORNQDX20 {
@@ -76,6 +78,8 @@ TEST_F(Logger, StartsAFreshFileAndClosesIt) {
   fDir.Write("log", "of an earlier run, much longer than what comes now ........................");
   fLogger->SetLogFilename(fFile);
   EXPECT_EQ(ReadWholeFile(fFile), kOpened);
+  // A child does not inherit the file.
+  EXPECT_NE(std::system(("ls -l /proc/self/fd | grep -q '" + fFile + "'").c_str()), 0);
   fLogger.reset();
   EXPECT_EQ(ReadWholeFile(fFile), kOpened + kClosed);
   EXPECT_EQ(TLogger::GetInstance(), nullptr);
@@ -86,6 +90,7 @@ TEST_F(Logger, LosesLinesAfterASecondFileButKeepsTheHistory) {
   const std::string second = (fDir.Path() / "second").string();
   EXPECT_QDX_STATUS(fLogger->SetLogFilename(second), kQDXStatusFileSystemError);
   fLogger->OutputLogEntry(ILogger::kLogError, "lost");
+  EXPECT_EQ(History(), std::vector<std::string>{"lost"});
   fLogger.reset();
   EXPECT_EQ(ReadWholeFile(fFile), kOpened);
   EXPECT_FALSE(std::filesystem::exists(second));

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxcore/interfaces.h>
 
+#include <qdxcore/logger.h>
+#include <qdxcore/registry.h>
+
 #include "support/expect_status.h"
 
 #include <cstring>
@@ -92,6 +95,17 @@ TEST(InterfaceSlots, NeverChange) {
   EXPECT_SLOT(ICIMParameterDecl::GetName, 10);
   EXPECT_SLOT(ICIMParameterDecl::GetType, 12);
   EXPECT_SLOT(ICIMParameterDecl::EnumerateQualifiers, 14);
+
+  EXPECT_SLOT(INamespaceProviderManager::RegisterNamespaceProvider, 2);
+  EXPECT_SLOT(INamespaceProviderManager::GetNamespaceProvider, 3);
+  EXPECT_SLOT(INamespaceProviderManager::EnumerateNamespaceProviders, 4);
+
+  EXPECT_SLOT(ILogger::OutputLogEntry, 2);
+  EXPECT_SLOT(ILogger::GetLog, 3);
+  EXPECT_SLOT(ILogger::ClearLog, 4);
+  EXPECT_SLOT(ILogger::SetLogThreshold, 5);
+  EXPECT_SLOT(ILogger::GetLogThreshold, 6);
+  EXPECT_SLOT(ILogger::SetLogFilename, 7);
 
   EXPECT_SLOT(INamespaceProvider::GetName, 2);
   EXPECT_SLOT(INamespaceProvider::GetNamespace, 3);

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include <dlfcn.h>
+
 using namespace NVORNQDX20;
 
 namespace {
@@ -37,7 +39,9 @@ std::vector<std::string> Do(const std::string& what, const std::string& name) {
   }
   if (what == "load-nsc") {
     const boost::shared_ptr<INamespaceConsumer> consumer(TOSSpecific::LoadNSCLibrary(name));
-    return {consumer ? consumer->GetName({}) : "null"};
+    const bool isGlobal =
+        ::dlsym(RTLD_DEFAULT, (name + "_CreateINamespaceConsumer").c_str()) != nullptr;
+    return {consumer ? consumer->GetName({}) : "null", isGlobal ? "visible to all" : "local"};
   }
   if (what == "load") return {TOSSpecific::LoadPluginLibrary(name) ? "loaded" : "null"};
   return {"unknown request"};

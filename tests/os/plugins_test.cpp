@@ -73,8 +73,8 @@ TEST_F(PluginRoot, GivesConsumersByTheirEntryPoint) {
     fs::copy_file(TEST_CONSUMER, fRoot / ("lib" + std::string(name) + ".nsc.so"));
   }
   fDir.Write("libbroken.nsc.so", "no library");
-  EXPECT_EQ(Ask("load-nsc good"), "the good consumer\n");
-  EXPECT_EQ(Ask("load-nsc nothing"), "null\n");
+  EXPECT_EQ(Ask("load-nsc good"), "the good consumer\nvisible to all\n");
+  EXPECT_EQ(Ask("load-nsc nothing"), "null\nvisible to all\n");
   EXPECT_EQ(Ask("load-nsc other"),
             "kQDXStatusNotFound\nlog 0 Couldn't find 'CreateINamespaceConsumer' in " +
                 fRoot.string() + "/libother.nsc.so\n");
@@ -86,6 +86,10 @@ TEST_F(PluginRoot, GivesConsumersByTheirEntryPoint) {
 TEST_F(PluginRoot, LoadsGenericPluginsByPath) {
   fs::copy_file(TEST_PROVIDER, fRoot / "any.pi.so");
   EXPECT_EQ(Ask("load " + (fRoot / "any.pi.so").string()), "loaded\n");
+  EXPECT_EQ(Ask("load any.pi.so", fRoot, fRoot.string()), "loaded\n");
+  for (const char* path : {"any.pi.so", "libm.so.6", "''", TEST_UNRESOLVED}) {
+    EXPECT_EQ(Ask(std::string("load ") + path).find("kQDXStatusFileSystemError\n"), 0U) << path;
+  }
   const std::string missing = Ask("load /none.pi.so");
   EXPECT_EQ(missing.find("kQDXStatusFileSystemError\nlog 0 ERROR: Failed to load plugin.  Reason: "
                          "/none.pi.so: "),

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A provider library that registers itself as "test".
+// A provider library that registers itself as "test", and asks for the registry to the very end.
 #include <qdxcore/registry.h>
 
 #include <boost/make_shared.hpp>
@@ -10,6 +10,7 @@ namespace {
 
 class TTestProvider : public INamespaceProvider {
  public:
+  ~TTestProvider() override { TRootObject::GetNamespaceProviderManager(); }
   const std::string& GetName(TOptionsMap) const override { return fName; }
 
  private:

@@ -3,8 +3,11 @@
 
 #include "support/class_builder.h"
 #include "support/expect_status.h"
+#include "support/faulty_provider.h"
 #include "support/log_capture.h"
+#include "support/recording_namespace.h"
 
+#include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
 
 namespace NVORNQDX20 {
@@ -152,6 +155,28 @@ TEST(SchemaHelperRawTexts, SayWhatIsMissing) {
       if (mark != std::string::npos) message.replace(mark, 1, property);
       EXPECT_EQ(log.Messages(), std::vector<std::string>{message});
     }
+  }
+}
+
+TEST(SchemaHelper, PassesOptionsAndFaultsOn) {
+  const TNamespace ns = MakeSystem({{"SerialNumber", "23A1234"}, {"ProductName", "47111AB"}});
+  const auto recorder = boost::make_shared<TRecordingNamespace>(ns);
+  THelper::GetSerialNumber(recorder, {{"from", "x"}});
+  THelper::GetMTM(recorder);
+  EXPECT_QDX_STATUS(THelper::GetDataSourceVersion(recorder, {{"from", "y"}}), kQDXStatusFail);
+  EXPECT_EQ(recorder->Asked(),
+            "VORNSG_ComputerSystem(x) VORNSG_ComputerSystem() VORNSG_QDXProduct(y) ");
+
+  const TLogCapture log;
+  const auto faults = boost::make_shared<TFaults>();
+  const TNamespace faulty = MakeFaultyNamespace(ns, faults);
+  for (const char* operation : {"ICIMNamespace::GetClass", "ICIMInstance::GetProperty"}) {
+    faults->Throw(operation, kQDXStatusAccessDenied);
+    EXPECT_QDX_STATUS(THelper::GetMTM(faulty), kQDXStatusAccessDenied);
+    faults->AnswerNull(operation);
+    EXPECT_QDX_STATUS(THelper::GetSystemName(faulty), kQDXStatusFail);  // an assertion
+    faults->AnswerNull(operation);
+    EXPECT_QDX_STATUS(THelper::GetMTM(faulty), kQDXStatusNotFound);
   }
 }
 

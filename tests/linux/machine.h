@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+/// A made-up machine: a tree of files, described by the provider under test.
+#ifndef TESTS_LINUX_MACHINE_H_
+#define TESTS_LINUX_MACHINE_H_
+
+#include <qdxcore/interfaces.h>
+#include <qdxcore/os_specific.h>
+#include <qdxcore/registry.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "support/temp_dir.h"
+
+namespace NVORNQDX20 {
+
+inline boost::shared_ptr<ICIMNamespace> Describe(const TOptionsMap& options) {
+  TOSSpecific::LoadNSPLibrary("linux");
+  return TRootObject::GetNamespaceProviderManager()->GetNamespaceProvider("linux")->GetNamespace(
+      "ROOT/CIMv2", options);
+}
+
+inline std::vector<boost::shared_ptr<ICIMInstance>> InstancesOf(const ICIMNamespace& ns,
+                                                                const std::string& className) {
+  std::vector<boost::shared_ptr<ICIMInstance>> instances;
+  ns.GetClass(className, {})
+      ->EnumerateInstances(TAddToVectorCallback<ICIMInstance>(instances), false, {});
+  return instances;
+}
+
+/// "(null)" for a null value.
+inline std::string TextOf(const ICIMInstance& instance, const std::string& property) {
+  const TCIMValue& value = instance.GetProperty(property, {})->GetValue();
+  return value.IsNull() ? "(null)" : value.ToString(10);
+}
+
+/// A machine of files. What is asked about it is always read anew.
+class TMachine {
+ public:
+  const std::filesystem::path& Root() const { return fTree.Path(); }
+  void Write(const std::string& path, const std::string& contents) const {
+    fTree.Write(path, contents);
+  }
+  void WriteDMI(const std::string& name, const std::string& text) const {
+    fTree.Write("sys/class/dmi/id/" + name, text + "\n");
+  }
+
+  boost::shared_ptr<ICIMNamespace> Namespace() const {
+    return Describe({{"root", Root().string()}});
+  }
+  /// A property of its computer system.
+  std::string System(const std::string& property) const {
+    return TextOf(*InstancesOf(*Namespace(), "VORNSG_ComputerSystem").at(0), property);
+  }
+  /// A property of its operating system.
+  std::string OS(const std::string& property) const {
+    return TextOf(*InstancesOf(*Namespace(), "VORNSG_OperatingSystem").at(0), property);
+  }
+  /// Why values are null, each behind the name of its property.
+  std::map<std::string, std::string> Reasons() const {
+    std::map<std::string, std::string> reasons;
+    for (const auto& missing : InstancesOf(*Namespace(), "VORNSG_UnavailableValue")) {
+      reasons[TextOf(*missing, "Instance") + TextOf(*missing, "PropertyName")] =
+          TextOf(*missing, "Reason");
+    }
+    return reasons;
+  }
+
+ private:
+  TTempDir fTree;
+};
+
+}  // namespace NVORNQDX20
+
+#endif  // TESTS_LINUX_MACHINE_H_

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/config.h>
+#include <qdxcore/schema_helper.h>
+
+#include "linux/machine.h"
+#include "support/expect_status.h"
+#include "support/log_capture.h"
+#include "support/provider_suite.h"
+
+#include <gtest/gtest.h>
+
+namespace NVORNQDX20 {
+namespace {
+
+TEST(LinuxProvider, DescribesAServer) {
+  const TMachine machine;
+  machine.Write("proc/sys/kernel/hostname", "srv1\n");
+  machine.Write("proc/sys/kernel/ostype", "Linux\n");
+  machine.Write("etc/os-release", "NAME=\"Server OS\"\nVERSION_ID=9.3\n");
+  machine.WriteDMI("sys_vendor", "VORN");
+  machine.WriteDMI("product_name", "Loftnode 3550 -[47111AB]-");
+  machine.WriteDMI("product_serial", "23A1234  ");
+  const auto ns = machine.Namespace();
+  EXPECT_EQ(TCIMSchemaHelper::GetSystemName(ns), "srv1");
+  EXPECT_EQ(TCIMSchemaHelper::GetMTM(ns), "47111AB");
+  EXPECT_EQ(TCIMSchemaHelper::GetSerialNumber(ns, {}), "23A1234");
+  EXPECT_EQ(TCIMSchemaHelper::GetOperatingSystemVersion(ns), "9.3");
+  EXPECT_EQ(TCIMSchemaHelper::GetOperatingSystemType(ns), 36);
+  EXPECT_EQ(TCIMSchemaHelper::GetDataSourceVersion(ns, {}), QDXCORE_VERSION);
+  EXPECT_EQ(machine.System("Manufacturer"), "VORN");
+  EXPECT_TRUE(machine.Reasons().empty());
+}
+
+TEST(LinuxProvider, SaysOnceWhyAValueIsMissing) {
+  const TMachine machine;
+  machine.Write("proc/sys/kernel/ostype", "Linux\n");
+  const TLogCapture log;
+  const auto reasons = machine.Reasons();
+  const std::string noFile = ": No such file or directory";
+  const std::string noTable = "no DMI table: /sys/class/dmi/id does not exist";
+  const std::string noVersion =
+      "no VERSION_ID in os-release, and /proc/sys/kernel/osrelease" + noFile;
+  EXPECT_EQ(reasons, (decltype(reasons){{"Name", "/etc/hostname" + noFile},
+                                        {"CSName", "/etc/hostname" + noFile},
+                                        {"Manufacturer", noTable},
+                                        {"ProductName", noTable},
+                                        {"SerialNumber", noTable},
+                                        {"Version", noVersion}}));
+  const auto messages = log.Messages();
+  EXPECT_EQ(messages.size(), reasons.size());
+  EXPECT_EQ(messages.back(), "1 linux: VORNSG_OperatingSystem.Version: " + noVersion);
+  EXPECT_EQ(machine.System("Name"), "");  // a key, which is never null
+  EXPECT_EQ(machine.OS("Name"), "Linux");
+}
+
+TEST(LinuxProvider, DescribesThisMachine) {
+  const auto ns = Describe({});
+  EXPECT_EQ(TCIMSchemaHelper::GetSystemName(ns), TOSSpecific::GetMachineName());
+  EXPECT_EQ(TCIMSchemaHelper::GetOperatingSystemType(ns), 36);
+}
+
+TEST(LinuxProvider, RefusesWhatItDoesNotHave) {
+  const TMachine machine;
+  machine.Write("file", "");
+  for (const char* root : {"none", "file"}) {
+    EXPECT_QDX_STATUS(Describe({{"root", (machine.Root() / root).string()}}),
+                      kQDXStatusFileNotFound);
+  }
+  EXPECT_QDX_STATUS(Describe({{"root", 7}}), kQDXStatusTypeMismatch);
+  const auto provider = TRootObject::GetNamespaceProviderManager()->GetNamespaceProvider("linux");
+  EXPECT_QDX_STATUS(provider->GetNamespace("root/other", {}), kQDXStatusNotFound);
+}
+
+TEST(LinuxProvider, DescribesSCSIDevices) {
+  const TMachine machine;
+  const std::string folder = "sys/class/scsi_generic/";
+  machine.Write(folder + "sg0/device/type", "0\n");
+  machine.Write(folder + "sg0/device/vendor", "ATA     \n");
+  machine.Write(folder + "sg0/device/model", "Flash Disk      \n");
+  machine.Write(folder + "sg1/device/type", "31\n");
+  machine.Write(folder + "sg1/device/vendor", "        \n");
+  const auto devices = InstancesOf(*machine.Namespace(), "VORNSG_SCSIDevice");
+  ASSERT_EQ(devices.size(), 2U);
+  EXPECT_EQ(TextOf(*devices[0], "DeviceID"), "/dev/sg0");
+  EXPECT_EQ(TextOf(*devices[0], "DeviceType"), "Direct Access Device");
+  EXPECT_EQ(TextOf(*devices[0], "ProductID"), "Flash Disk");
+  EXPECT_EQ(TextOf(*devices[1], "DeviceType"), "Device Type 31");
+  EXPECT_EQ(TextOf(*devices[1], "VendorID"), "");  // blank on the device, not missing
+  EXPECT_EQ(TextOf(*devices[1], "ProductID"), "(null)");
+  EXPECT_EQ(machine.Reasons().count("/dev/sg1ProductID"), 1U);
+}
+
+boost::shared_ptr<ICIMNamespace> DescribeSomeMachine() {
+  const TMachine machine;
+  machine.Write("etc/hostname", "srv \"1\"\n");
+  machine.Write("sys/class/scsi_generic/sg0/device/type", "0\n");
+  return machine.Namespace();
+}
+
+INSTANTIATE_TEST_SUITE_P(Linux, ProvidedNamespace, ::testing::Values(&DescribeSomeMachine));
+
+}  // namespace
+}  // namespace NVORNQDX20

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "qdx/installation.h"
+
+namespace {
+
+TEST(QDXPlugins, AreListedInOrder) {
+  const TInstallation installation;
+  installation.AddPlugin(TEST_PROVIDER, "libtest.nsp.so");
+  installation.AddLinuxProvider();
+  installation.AddPlugin(TEST_CONSUMER, "libgood.nsc.so");
+  const TProgramRun run = installation.RunScript("\"$0\" plugins | sed 's| /.*/| |'");
+  EXPECT_EQ(run.fErrors, "");
+  EXPECT_EQ(run.fOutput,
+            "KIND      SERVICE  NAME               NAMESPACES  FILE\n"
+            "provider  linux    linux              root/cimv2  liblinux.nsp.so\n"
+            "provider  test     test               -           libtest.nsp.so\n"
+            "consumer  good     the good consumer  -           libgood.nsc.so\n");
+  EXPECT_EQ(installation.Run({"plugins"}).fExitCode, 0);
+}
+
+TEST(QDXPlugins, AreListedWithTheirFailures) {
+  const TInstallation installation;
+  installation.AddBrokenPlugin("liba.nsp.so");
+  installation.AddLinuxProvider();
+  installation.AddPlugin(BAD_PROVIDER, "libbad.nsp.so");
+  installation.AddPlugin(BAD_PROVIDER, "libworse.nsp.so");  // registers a name that is taken
+  installation.AddBrokenPlugin("libb.nsc.so");
+  installation.AddPlugin(TEST_CONSUMER, "libnothing.nsc.so");  // creates null
+  const TProgramRun run = installation.Run({"plugins", "--json"});
+  EXPECT_EQ(run.fExitCode, 3);
+  const auto plugins = nlohmann::json::parse(run.fOutput);
+  ASSERT_EQ(plugins["providers"].size(), 4U);
+  ASSERT_EQ(plugins["consumers"].size(), 2U);
+  EXPECT_EQ(plugins["providers"][1]["failure"], nullptr);
+  EXPECT_EQ(plugins["providers"][1]["providers"][0]["namespaces"][0], "red\x1b[31m\xef\xbf\xbd");
+  for (const auto& failed : {plugins["providers"][0], plugins["providers"][3],
+                             plugins["consumers"][0], plugins["consumers"][1]}) {
+    const std::string line = failed.value("service", "") + ": " + failed.value("failure", "");
+    EXPECT_NE(run.fErrors.find(", " + line + "\n"), std::string::npos) << run.fErrors;
+  }
+  EXPECT_NE(installation.Run({"plugins"}).fOutput.find("red?[31m?  "), std::string::npos);
+}
+
+TEST(QDXPlugins, AreMissedWhereNoneIsUsable) {
+  const TInstallation installation;
+  const TProgramRun run = installation.Run({"identity"});
+  EXPECT_EQ(run.fExitCode, 5);
+  EXPECT_EQ(run.fErrors,
+            "qdx: describing the machine, /: no provider has root/cimv2 [kQDXStatusNotFound]\n");
+  EXPECT_EQ(run.fOutput, "");
+  EXPECT_EQ(installation.Run({"plugins"}).fExitCode, 5);
+  installation.AddBrokenPlugin("liba.nsp.so");
+  EXPECT_EQ(installation.Run({"plugins"}).fExitCode, 5);
+}
+
+}  // namespace

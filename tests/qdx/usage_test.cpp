@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/config.h>
+
+#include <gtest/gtest.h>
+
+#include "qdx/installation.h"
+
+namespace {
+
+struct TUsage {
+  std::vector<std::string> fWords;
+  std::string fText;
+};
+
+TEST(QDXUsage, ExplainsAMistakeInOneLine) {
+  const TUsage rows[] = {{{}, "no verb is given"},
+                         {{"help", "frob"}, "unknown verb 'frob'"},
+                         {{"help", "identity", "x"}, "unexpected argument 'x'"},
+                         {{"identity", "--", "--json"}, "unexpected argument '--json'"},
+                         {{"identity", "--roo=/"}, "unknown option '--roo'"},
+                         {{"identity", "-j"}, "unknown option '-j'"},
+                         {{"identity", "--json=yes"}, "option '--json' takes no value"},
+                         {{"identity", "--root"}, "option '--root' needs a value: DIR"},
+                         {{"identity", "--root="}, "option '--root' needs a value: DIR"},
+                         {{"plugins", "--root", "/"}, "plugins has no option '--root'"},
+                         {{"plugins", "--log-level", "all"}, "unknown log level 'all'"}};
+  const TInstallation installation;
+  for (const TUsage& row : rows) {
+    const TProgramRun run = installation.Run(row.fWords);
+    EXPECT_EQ(run.fExitCode, 2) << row.fText;
+    EXPECT_EQ(run.fErrors, "qdx: " + row.fText + ". Try 'qdx --help'.\n");
+    EXPECT_EQ(run.fOutput, "");
+  }
+}
+
+TEST(QDXUsage, HelpsAndTellsItsVersion) {
+  const TUsage rows[] = {{{"--help"}, "  identity  Tells who"},
+                         {{"help"}, "  --log-level LEVEL  Log"},
+                         {{"help", "identity"}, "  --root DIR         Describe"},
+                         {{"--help", "plugins"}, "Usage: qdx plugins [OPTION]..."},
+                         {{"identity", "--version"}, "qdx " QDXCORE_VERSION "\n"}};
+  const TInstallation installation;
+  for (const TUsage& row : rows) {
+    const TProgramRun run = installation.Run(row.fWords);
+    EXPECT_EQ(run.fExitCode, 0) << row.fText;
+    EXPECT_NE(run.fOutput.find(row.fText), std::string::npos) << run.fOutput;
+    EXPECT_EQ(run.fErrors, "");
+  }
+}
+
+TEST(QDXOutput, IsMissedWhereItCannotBeWritten) {
+  const TInstallation installation;
+  const TProgramRun full = installation.RunScript("\"$0\" --version >/dev/full");
+  EXPECT_EQ(full.fExitCode, 4);
+  EXPECT_EQ(full.fErrors,
+            "qdx: writing, standard output: No space left on device [kQDXStatusFileSystemError]\n");
+  // The log must not take the place of a descriptor that is closed.
+  EXPECT_EQ(installation.RunScript("\"$0\" plugins --log /dev/null >&-").fExitCode, 4);
+  // A reader that has gone is told nothing.
+  const auto unread = installation.RunScript("exec 3> >(true); wait $!; \"$0\" --version >&3");
+  EXPECT_EQ(unread.fExitCode, 4);
+  EXPECT_EQ(unread.fErrors, "");
+}
+
+}  // namespace
