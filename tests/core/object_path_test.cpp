@@ -7,8 +7,8 @@
 #include "support/log_capture.h"
 #include "support/recording_namespace.h"
 
-#include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
+#include <boost/make_shared.hpp>
 
 namespace NVORNQDX20 {
 namespace {
