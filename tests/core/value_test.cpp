@@ -289,59 +289,56 @@ TEST(CIMValueEquality, ComparesTypeAndContent) {
   EXPECT_FALSE(TCIMValue("a") == TCIMValue("A"));
 }
 
-struct TText {
-  const char* fName;
-  TCIMValue fValue;
-  std::string fDecimal, fHexadecimal, fOctal;  // a status where that is thrown
-};
-class CIMValueText : public ::testing::TestWithParam<TText> {};
-TEST_P(CIMValueText, FollowsTheRadix) {
-  const auto text = [](int radix) {
-    std::string result;
-    const std::string status = StatusThrownBy(
-        [&] { result = GetParam().fValue.ToString(static_cast<unsigned char>(radix)); });
-    return status == "nothing" ? result : status;
-  };
-  EXPECT_EQ(text(10), GetParam().fDecimal);
-  EXPECT_EQ(text(16), GetParam().fHexadecimal);
-  EXPECT_EQ(text(8), GetParam().fOctal);
-}
 const char kNo[] = "kQDXStatusNotSupported";
 const char kIsNull[] = "kQDXStatusValueIsNULL";
-INSTANTIATE_TEST_SUITE_P(
-    Values, CIMValueText,
-    ::testing::Values(
-        TText{"Boolean", true, "true", "true", "true"},
-        TText{"Uint8", static_cast<unsigned char>(65), "65", "41", "101"},
-        TText{"Uint8Zero", static_cast<unsigned char>(0), "0", "00", "0"},
-        TText{"Sint8", static_cast<signed char>(65), "65", kNo, kNo},
-        TText{"Uint16", static_cast<unsigned short>(255), "255", "00FF", "377"},
-        TText{"Sint16", static_cast<short>(-5), "-5", kNo, kNo},
-        TText{"Uint32", 255U, "255", "000000FF", "377"},
-        TText{"Sint32", -2147483647 - 1, "-2147483648", kNo, kNo},
-        TText{"Uint64", 1UL, "1", "0000000000000001", "1"},
-        TText{"Uint64Largest", 18446744073709551615UL, "18446744073709551615", "FFFFFFFFFFFFFFFF",
-              "1777777777777777777777"},
-        TText{"Sint64", std::numeric_limits<long>::min(), "-9223372036854775808", kNo, kNo},
-        TText{"Real32", 0.1F, "0.1", kNo, kNo}, TText{"Real64", 3.14159265, "3.14159", kNo, kNo},
-        TText{"RealWhole", 100.0, "100", kNo, kNo},
-        TText{"RealLarge", 1234567.0, "1.23457e+06", kNo, kNo},
-        TText{"RealLimit", 999999.5, "1e+06", kNo, kNo},
-        TText{"RealSmall", 0.0001, "0.0001", kNo, kNo}, TText{"RealTiny", 1e-5, "1e-05", kNo, kNo},
-        TText{"RealHuge", 1.5e300, "1.5e+300", kNo, kNo},
-        TText{"RealMinusZero", -0.0, "-0", kNo, kNo},
-        TText{"String", "a, \"b\" }", "a, \"b\" }", "a, \"b\" }", "a, \"b\" }"},
-        TText{"Date", kDate, kDate.ToString(), kDate.ToString(), kDate.ToString()},
-        TText{"EmptyArray", TCIMValue(TCIMType::kCIMTypeUint8, 0, {}), "{  }", "{  }", "{  }"},
-        TText{"Array",
-              TCIMValue(TCIMType::kCIMTypeUint8, 0,
-                        {static_cast<unsigned char>(3), static_cast<unsigned char>(10)}),
-              "{ 3, 10 }", "{ 03, 0A }", "{ 3, 12 }"},
-        TText{"Null", TCIMValue(TCIMType::kCIMTypeString, 0), kIsNull, kIsNull, kIsNull},
-        TText{"ArrayOfNull",
-              TCIMValue(TCIMType::kCIMTypeString, 0, {TCIMValue(TCIMType::kCIMTypeString, 0)}),
-              kIsNull, kIsNull, kIsNull}),
-    [](const auto& row) { return std::string(row.param.fName); });
+
+TEST(CIMValueText, FollowsTheRadix) {
+  const struct {
+    TCIMValue fValue;
+    std::string fDecimal, fHexadecimal, fOctal;  // a status where that is thrown
+  } rows[] = {
+
+      {true, "true", "true", "true"},
+      {static_cast<unsigned char>(65), "65", "41", "101"},
+      {static_cast<unsigned char>(0), "0", "00", "0"},
+      {static_cast<signed char>(65), "65", kNo, kNo},
+      {static_cast<unsigned short>(255), "255", "00FF", "377"},
+      {static_cast<short>(-5), "-5", kNo, kNo},
+      {255U, "255", "000000FF", "377"},
+      {-2147483647 - 1, "-2147483648", kNo, kNo},
+      {1UL, "1", "0000000000000001", "1"},
+      {18446744073709551615UL, "18446744073709551615", "FFFFFFFFFFFFFFFF",
+       "1777777777777777777777"},
+      {std::numeric_limits<long>::min(), "-9223372036854775808", kNo, kNo},
+      {0.1F, "0.1", kNo, kNo},
+      {3.14159265, "3.14159", kNo, kNo},
+      {100.0, "100", kNo, kNo},
+      {1234567.0, "1.23457e+06", kNo, kNo},
+      {999999.5, "1e+06", kNo, kNo},
+      {0.0001, "0.0001", kNo, kNo},
+      {1e-5, "1e-05", kNo, kNo},
+      {1.5e300, "1.5e+300", kNo, kNo},
+      {-0.0, "-0", kNo, kNo},
+      {"a, \"b\" }", "a, \"b\" }", "a, \"b\" }", "a, \"b\" }"},
+      {kDate, kDate.ToString(), kDate.ToString(), kDate.ToString()},
+      {TCIMValue(TCIMType::kCIMTypeUint8, 0, {}), "{  }", "{  }", "{  }"},
+      {TCIMValue(TCIMType::kCIMTypeUint8, 0,
+                 {static_cast<unsigned char>(3), static_cast<unsigned char>(10)}),
+       "{ 3, 10 }", "{ 03, 0A }", "{ 3, 12 }"},
+      {TCIMValue(TCIMType::kCIMTypeString, 0), kIsNull, kIsNull, kIsNull},
+      {TCIMValue(TCIMType::kCIMTypeString, 0, {TCIMValue(TCIMType::kCIMTypeString, 0)}), kIsNull,
+       kIsNull, kIsNull}};
+  for (const auto& row : rows) {
+    const auto text = [&row](unsigned char radix) {
+      std::string result;
+      const std::string status = StatusThrownBy([&] { result = row.fValue.ToString(radix); });
+      return status == "nothing" ? result : status;
+    };
+    EXPECT_EQ(text(10), row.fDecimal);
+    EXPECT_EQ(text(16), row.fHexadecimal) << row.fDecimal;
+    EXPECT_EQ(text(8), row.fOctal) << row.fDecimal;
+  }
+}
 
 TEST(CIMValueTextRadix, MustBeOneOfThreeForNumbers) {
   for (const int number : {0, 2, 9, 11, 255}) {

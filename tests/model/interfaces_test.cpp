@@ -26,92 +26,52 @@ std::uint64_t SlotOf(TMember member) {
   return (words[0] - 1) / sizeof(void*);
 }
 
-#define EXPECT_SLOT(function, slot) EXPECT_EQ(SlotOf(&function), std::uint64_t{slot}) << #function
+#define SLOT(type, function, slot) \
+  EXPECT_EQ(SlotOf(&type::function), std::uint64_t{slot}) << #type "::" #function
 
 TEST(InterfaceSlots, NeverChange) {
-  EXPECT_SLOT(ICIMNamespace::GetName, 2);
-  EXPECT_SLOT(ICIMNamespace::CreateClass, 5);
-  EXPECT_SLOT(ICIMNamespace::GetClass, 7);
-  EXPECT_SLOT(ICIMNamespace::EnumerateClasses, 9);
-  EXPECT_SLOT(ICIMNamespace::CreateQualifierDecl, 11);
-  EXPECT_SLOT(ICIMNamespace::GetQualifierDecl, 13);
-  EXPECT_SLOT(ICIMNamespace::EnumerateQualifierDecls, 14);
-
-  EXPECT_SLOT(ICIMClass::Commit, 3);
-  EXPECT_SLOT(ICIMClass::GetName, 6);
-  EXPECT_SLOT(ICIMClass::IsAssociation, 8);
-  EXPECT_SLOT(ICIMClass::IsAbstract, 9);
-  EXPECT_SLOT(ICIMClass::IsRootClass, 10);
-  EXPECT_SLOT(ICIMClass::GetSuperclass, 11);
-  EXPECT_SLOT(ICIMClass::EnumerateSubclasses, 12);
-  EXPECT_SLOT(ICIMClass::GetQualifier, 20);
-  EXPECT_SLOT(ICIMClass::EnumerateQualifiers, 21);
-  EXPECT_SLOT(ICIMClass::CreatePropertyDecl, 22);
-  EXPECT_SLOT(ICIMClass::GetPropertyDecl, 24);
-  EXPECT_SLOT(ICIMClass::EnumeratePropertyDecls, 25);
-  EXPECT_SLOT(ICIMClass::SetStaticPropertyValue, 28);
-  EXPECT_SLOT(ICIMClass::EnumerateStaticProperties, 29);
-  EXPECT_SLOT(ICIMClass::CreateInstance, 30);
-  EXPECT_SLOT(ICIMClass::GetInstance, 32);
-  EXPECT_SLOT(ICIMClass::EnumerateInstances, 33);
-  EXPECT_SLOT(ICIMClass::CreateMethodDecl, 34);
-  EXPECT_SLOT(ICIMClass::EnumerateMethodDecls, 37);
-
-  EXPECT_SLOT(ICIMInstance::Commit, 3);
-  EXPECT_SLOT(ICIMInstance::GetClass, 7);
-  EXPECT_SLOT(ICIMInstance::GetProperty, 10);
-  EXPECT_SLOT(ICIMInstance::SetPropertyValue, 12);
-  EXPECT_SLOT(ICIMInstance::EnumerateProperties, 13);
-
-  EXPECT_SLOT(ICIMProperty::GetValue, 5);
-  EXPECT_SLOT(ICIMProperty::GetDecl, 14);
-
-  EXPECT_SLOT(ICIMPropertyDecl::GetQualifier, 6);
-  EXPECT_SLOT(ICIMPropertyDecl::EnumerateQualifiers, 7);
-  EXPECT_SLOT(ICIMPropertyDecl::Commit, 9);
-  EXPECT_SLOT(ICIMPropertyDecl::GetName, 11);
-  EXPECT_SLOT(ICIMPropertyDecl::GetType, 13);
-  EXPECT_SLOT(ICIMPropertyDecl::GetDefaultValue, 15);
-
-  EXPECT_SLOT(ICIMQualifierDecl::Commit, 3);
-  EXPECT_SLOT(ICIMQualifierDecl::GetName, 5);
-  EXPECT_SLOT(ICIMQualifierDecl::GetDefaultValue, 9);
-  EXPECT_SLOT(ICIMQualifierDecl::GetScope, 11);
-  EXPECT_SLOT(ICIMQualifierDecl::GetFlavor, 14);
-
-  EXPECT_SLOT(ICIMQualifier::Commit, 3);
-  EXPECT_SLOT(ICIMQualifier::GetDecl, 9);
-  EXPECT_SLOT(ICIMQualifier::GetValue, 10);
-
-  EXPECT_SLOT(ICIMNamedElement::AddQualifier, 3);
-
-  EXPECT_SLOT(ICIMMethodDecl::EnumerateQualifiers, 7);
-  EXPECT_SLOT(ICIMMethodDecl::GetName, 10);
-  EXPECT_SLOT(ICIMMethodDecl::GetReturnType, 12);
-  EXPECT_SLOT(ICIMMethodDecl::CreateParameterDecl, 13);
-  EXPECT_SLOT(ICIMMethodDecl::EnumerateParameterDecls, 16);
-
-  EXPECT_SLOT(ICIMParameterDecl::Commit, 9);
-  EXPECT_SLOT(ICIMParameterDecl::GetName, 10);
-  EXPECT_SLOT(ICIMParameterDecl::GetType, 12);
-  EXPECT_SLOT(ICIMParameterDecl::EnumerateQualifiers, 14);
-
-  EXPECT_SLOT(INamespaceProviderManager::RegisterNamespaceProvider, 2);
-  EXPECT_SLOT(INamespaceProviderManager::GetNamespaceProvider, 3);
-  EXPECT_SLOT(INamespaceProviderManager::EnumerateNamespaceProviders, 4);
-
-  EXPECT_SLOT(ILogger::OutputLogEntry, 2);
-  EXPECT_SLOT(ILogger::GetLog, 3);
-  EXPECT_SLOT(ILogger::ClearLog, 4);
-  EXPECT_SLOT(ILogger::SetLogThreshold, 5);
-  EXPECT_SLOT(ILogger::GetLogThreshold, 6);
-  EXPECT_SLOT(ILogger::SetLogFilename, 7);
-
-  EXPECT_SLOT(INamespaceProvider::GetName, 2);
-  EXPECT_SLOT(INamespaceProvider::GetNamespace, 3);
-  EXPECT_SLOT(INamespaceProvider::EnumerateNamespaceNames, 4);
-  EXPECT_SLOT(INamespaceConsumer::GetName, 2);
-  EXPECT_SLOT(INamespaceConsumer::Consume, 3);
+  // clang-format off
+  SLOT(ICIMNamespace, GetName, 2); SLOT(ICIMNamespace, CreateClass, 5);
+  SLOT(ICIMNamespace, GetClass, 7); SLOT(ICIMNamespace, EnumerateClasses, 9);
+  SLOT(ICIMNamespace, CreateQualifierDecl, 11); SLOT(ICIMNamespace, GetQualifierDecl, 13);
+  SLOT(ICIMNamespace, EnumerateQualifierDecls, 14);
+  SLOT(ICIMClass, Commit, 3); SLOT(ICIMClass, GetName, 6); SLOT(ICIMClass, IsAssociation, 8);
+  SLOT(ICIMClass, IsAbstract, 9); SLOT(ICIMClass, IsRootClass, 10);
+  SLOT(ICIMClass, GetSuperclass, 11); SLOT(ICIMClass, EnumerateSubclasses, 12);
+  SLOT(ICIMClass, GetQualifier, 20); SLOT(ICIMClass, EnumerateQualifiers, 21);
+  SLOT(ICIMClass, CreatePropertyDecl, 22); SLOT(ICIMClass, GetPropertyDecl, 24);
+  SLOT(ICIMClass, EnumeratePropertyDecls, 25); SLOT(ICIMClass, SetStaticPropertyValue, 28);
+  SLOT(ICIMClass, EnumerateStaticProperties, 29); SLOT(ICIMClass, CreateInstance, 30);
+  SLOT(ICIMClass, GetInstance, 32); SLOT(ICIMClass, EnumerateInstances, 33);
+  SLOT(ICIMClass, CreateMethodDecl, 34); SLOT(ICIMClass, EnumerateMethodDecls, 37);
+  SLOT(ICIMInstance, Commit, 3); SLOT(ICIMInstance, GetClass, 7);
+  SLOT(ICIMInstance, GetProperty, 10); SLOT(ICIMInstance, SetPropertyValue, 12);
+  SLOT(ICIMInstance, EnumerateProperties, 13);
+  SLOT(ICIMProperty, GetValue, 5); SLOT(ICIMProperty, GetDecl, 14);
+  SLOT(ICIMPropertyDecl, GetQualifier, 6); SLOT(ICIMPropertyDecl, EnumerateQualifiers, 7);
+  SLOT(ICIMPropertyDecl, Commit, 9); SLOT(ICIMPropertyDecl, GetName, 11);
+  SLOT(ICIMPropertyDecl, GetType, 13); SLOT(ICIMPropertyDecl, GetDefaultValue, 15);
+  SLOT(ICIMQualifierDecl, Commit, 3); SLOT(ICIMQualifierDecl, GetName, 5);
+  SLOT(ICIMQualifierDecl, GetDefaultValue, 9); SLOT(ICIMQualifierDecl, GetScope, 11);
+  SLOT(ICIMQualifierDecl, GetFlavor, 14);
+  SLOT(ICIMQualifier, Commit, 3); SLOT(ICIMQualifier, GetDecl, 9);
+  SLOT(ICIMQualifier, GetValue, 10);
+  SLOT(ICIMNamedElement, AddQualifier, 3);
+  SLOT(ICIMMethodDecl, EnumerateQualifiers, 7); SLOT(ICIMMethodDecl, GetName, 10);
+  SLOT(ICIMMethodDecl, GetReturnType, 12); SLOT(ICIMMethodDecl, CreateParameterDecl, 13);
+  SLOT(ICIMMethodDecl, EnumerateParameterDecls, 16);
+  SLOT(ICIMParameterDecl, Commit, 9); SLOT(ICIMParameterDecl, GetName, 10);
+  SLOT(ICIMParameterDecl, GetType, 12); SLOT(ICIMParameterDecl, EnumerateQualifiers, 14);
+  SLOT(INamespaceProviderManager, RegisterNamespaceProvider, 2);
+  SLOT(INamespaceProviderManager, GetNamespaceProvider, 3);
+  SLOT(INamespaceProviderManager, EnumerateNamespaceProviders, 4);
+  SLOT(ILogger, OutputLogEntry, 2); SLOT(ILogger, GetLog, 3); SLOT(ILogger, ClearLog, 4);
+  SLOT(ILogger, SetLogThreshold, 5); SLOT(ILogger, GetLogThreshold, 6);
+  SLOT(ILogger, SetLogFilename, 7);
+  SLOT(INamespaceProvider, GetName, 2); SLOT(INamespaceProvider, GetNamespace, 3);
+  SLOT(INamespaceProvider, EnumerateNamespaceNames, 4);
+  SLOT(INamespaceConsumer, GetName, 2); SLOT(INamespaceConsumer, Consume, 3);
+  // clang-format on
 }
 
 // The four that carry qualifiers convert to their base; for a class that base is not the first.
