@@ -62,8 +62,9 @@ class TStretches {
 
   void AdoptZone() {
     const char* const zone = std::getenv("TZ");
-    const bool fits = zone != nullptr && std::strlen(zone) < sizeof fZone;
-    if (fits) std::strcpy(fZone, zone);
+    const std::size_t size = zone == nullptr ? 0 : std::strlen(zone) + 1;
+    const bool fits = size <= sizeof fZone;
+    if (fits && zone != nullptr) std::memcpy(fZone, zone, size);
     // A name too long to be kept is adopted anew each time.
     fZoneState = zone == nullptr ? kUnset : fits ? kSet : kUnknown;
     for (TEntry& entry : fEntries) entry.fKnown = false;

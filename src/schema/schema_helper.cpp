@@ -54,7 +54,7 @@ using TMessage = std::initializer_list<std::string_view>;
 template <typename TLookUp>
 auto Find(TLookUp&& lookUp, TMessage message) {
   try {
-    const auto found = lookUp();
+    auto found = lookUp();
     if (found) return found;
   } catch (const TQDXException& e) {
     if (e.GetStatusCode() == kQDXStatusNotFound) LogMessage(ILogger::kLogDebug, message);
