@@ -73,6 +73,40 @@ class QDXCORE_EXPORT TOSSpecific {
   static std::string BuildSpecificationPath(std::string pluginPath);
   static std::string BuildSpecificationPath(std::string pluginPath, std::string kind);
 
+  // Files and directories. No path is normalised; links are followed.
+
+  /// Whether there is something at the path that is no directory: devices, pipes and sockets count.
+  static bool FileExists(std::string path);
+  static bool DirExists(std::string path);
+  /// In bytes. Throws kQDXStatusFileNotFound unless FileExists.
+  static std::uint64_t GetFileSize(std::string path);
+  /// One directory, open to all that the file-creation mask leaves; its parent must exist.
+  /// Throws kQDXStatusDirectoryAlreadyExists, kQDXStatusAccessDenied (also on a read-only file
+  /// system) or kQDXStatusFileSystemError.
+  static void CreateDir(std::string path);
+  /// The names of all entries but "." and "..". Throws kQDXStatusFileSystemError if the directory
+  /// cannot be read.
+  static std::vector<std::string> ListDir(std::string path);
+  /// Copies contents and permissions to a new file. Throws kQDXStatusFileSystemError if a file
+  /// cannot be opened, the destination exists, or reading or writing fails; what was written stays
+  /// then.
+  ///
+  /// A source whose status cannot be read, a missing one for example, throws nothing: the copy runs
+  /// from descriptor 0 to descriptor 0, which is closed at the end. Ask FileExists first.
+  static void FileCopy(std::string source, std::string destination);
+  /// Copies all files of a directory with FileCopy, and with `recursive` those of its directories.
+  ///
+  /// Creates no directory: the destination's must exist. Entries whose status cannot be read are
+  /// skipped. The first failure ends it with kQDXStatusFileSystemError; what was copied stays.
+  static void DirCopy(std::string source, std::string destination, bool recursive);
+  /// Throws kQDXStatusFail where the host has no limit number 4096 for paths, as Linux has none.
+  static std::string GetCurrentDir();
+  /// All bytes up to the end of an open descriptor, which stays open; logged at kLogDebug. A
+  /// failure is logged and throws kQDXStatusFileSystemError.
+  static std::string GetFileContents(std::int32_t descriptor);
+  /// `path` below `base`, unless base is empty or path begins with "/".
+  static std::string RelocateRelativePath(std::string base, std::string path);
+
   // Clock and names.
 
   /// Milliseconds, despite the name; the microseconds they make are computed modulo 2^32.

@@ -4,13 +4,10 @@
 #include <qdxcore/os_specific.h>
 #include <qdxcore/status.h>
 
-#include <cerrno>
-#include <memory>
-#include <optional>
-
-#include <dirent.h>
 #include <dlfcn.h>
 #include <sys/stat.h>
+
+#include "directory.h"
 
 namespace NVORNQDX20 {
 
@@ -29,27 +26,6 @@ const std::string kNSCExtension = ".nsc.so";
 /// "lib" in front and ".nsp.so" or ".nsc.so" behind.
 constexpr std::size_t kPrefixLength = 3;
 constexpr std::size_t kAffixesLength = 10;
-
-struct TCloseDir {
-  void operator()(DIR* directory) const { ::closedir(directory); }
-};
-using TDir = std::unique_ptr<DIR, TCloseDir>;
-
-/// opendir() sets close-on-exec.
-TDir OpenDir(const std::string& path) {
-  TDir directory(::opendir(path.c_str()));
-  if (!directory) throw TQDXException(kQDXStatusFileSystemError);
-  return directory;
-}
-
-/// The name of the next entry, in the order of the system; none at the end.
-std::optional<std::string> NextEntry(const TDir& directory) {
-  errno = 0;
-  const dirent* const entry = ::readdir(directory.get());
-  if (entry != nullptr) return entry->d_name;
-  if (errno != 0) throw TQDXException(kQDXStatusFileSystemError);
-  return std::nullopt;
-}
 
 bool Contains(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
@@ -86,8 +62,7 @@ void* LoadService(const std::string& path, const std::string& serviceName, const
 /// directory, is what counts on purpose. Held by PluginSearch.AsksForTheBareName.
 bool IsSearchedForPlugins(const std::string& entry) {
   struct stat status {};
-  return ::stat(entry.c_str(), &status) == 0 && entry != "." && entry != ".." &&
-         S_ISDIR(status.st_mode);
+  return ::stat(entry.c_str(), &status) == 0 && !IsSelfOrParent(entry) && S_ISDIR(status.st_mode);
 }
 
 void AppendPluginsOf(const std::string& directory, const std::string& pattern,

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Reading directories.
+#ifndef QDXCORE_OS_LINUX_DIRECTORY_H_
+#define QDXCORE_OS_LINUX_DIRECTORY_H_
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <dirent.h>
+
+namespace NVORNQDX20 {
+
+struct TCloseDir {
+  void operator()(DIR* directory) const { ::closedir(directory); }
+};
+using TDir = std::unique_ptr<DIR, TCloseDir>;
+
+/// Closed in child processes. Throws kQDXStatusFileSystemError if it cannot be opened.
+TDir OpenDir(const std::string& path);
+
+/// The name of the next entry, in the order of the system; none at the end. Throws
+/// kQDXStatusFileSystemError if reading fails, so that a list is never short without a word.
+std::optional<std::string> NextEntry(const TDir& directory);
+
+/// Whether an entry is "." or "..".
+bool IsSelfOrParent(const std::string& name);
+
+}  // namespace NVORNQDX20
+
+#endif  // QDXCORE_OS_LINUX_DIRECTORY_H_

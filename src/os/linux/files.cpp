@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: Apache-2.0
+// Files and directories.
+#include <qdxcore/logger.h>
+#include <qdxcore/os_specific.h>
+#include <qdxcore/status.h>
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "directory.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+constexpr std::size_t kCopyBufferSize = 32768;
+constexpr std::size_t kReadBufferSize = 4096;
+
+bool ReadStatus(const std::string& path, struct stat& status) {
+  return ::stat(path.c_str(), &status) == 0;
+}
+
+EQDXStatusCode StatusOfCreateDir(int error) {
+  switch (error) {
+    case EEXIST:
+      return kQDXStatusDirectoryAlreadyExists;
+    case EACCES:
+    case EROFS:
+      return kQDXStatusAccessDenied;
+    default:
+      return kQDXStatusFileSystemError;
+  }
+}
+
+/// The two files of a copy.
+struct TCopy {
+  int fSource = 0;
+  int fDestination = 0;
+};
+
+bool OpenBoth(const std::string& source, const std::string& destination, TCopy& copy) {
+  struct stat status {};
+  if (!ReadStatus(source, status)) return false;
+  copy.fSource = ::open(source.c_str(), O_RDONLY | O_CLOEXEC);
+  if (copy.fSource < 0) return false;
+  copy.fDestination = ::open(destination.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
+                             status.st_mode & ALLPERMS);
+  return copy.fDestination >= 0;
+}
+
+/// The result that ended it: 0 at the end of the source, negative for an error. A short write is
+/// not made up for, on purpose.
+ssize_t Transfer(const TCopy& copy) {
+  std::string buffer(kCopyBufferSize, '\0');
+  ssize_t result = 0;
+  do {
+    result = ::read(copy.fSource, buffer.data(), buffer.size());
+    if (result <= 0) break;
+    result = ::write(copy.fDestination, buffer.data(), static_cast<std::size_t>(result));
+  } while (result > 0);
+  return result;
+}
+
+std::string WithSeparator(const std::string& path) {
+  const bool hasOne = !path.empty() && path.back() == '/';
+  return hasOne ? path : path + TOSSpecific::kFileSeparator;
+}
+
+}  // namespace
+
+bool TOSSpecific::FileExists(std::string path) {
+  struct stat status {};
+  return ReadStatus(path, status) && !S_ISDIR(status.st_mode);
+}
+
+bool TOSSpecific::DirExists(std::string path) {
+  struct stat status {};
+  return ReadStatus(path, status) && S_ISDIR(status.st_mode);
+}
+
+std::uint64_t TOSSpecific::GetFileSize(std::string path) {
+  struct stat status {};
+  if (!FileExists(path) || !ReadStatus(path, status)) throw TQDXException(kQDXStatusFileNotFound);
+  return static_cast<std::uint64_t>(status.st_size);
+}
+
+void TOSSpecific::CreateDir(std::string path) {
+  if (::mkdir(path.c_str(), ACCESSPERMS) != 0) throw TQDXException(StatusOfCreateDir(errno));
+}
+
+std::vector<std::string> TOSSpecific::ListDir(std::string path) {
+  const TDir directory = OpenDir(path);
+  std::vector<std::string> names;
+  while (const auto name = NextEntry(directory)) {
+    if (!IsSelfOrParent(*name)) names.push_back(*name);
+  }
+  return names;
+}
+
+void TOSSpecific::FileCopy(std::string source, std::string destination) {
+  TCopy copy;
+  const bool isOpen = OpenBoth(source, destination, copy);
+  // Against 0, not against a negative number, on purpose: where the source has no status, both are
+  // still 0, and the copy runs on standard input. Held by
+  // FileCopy.OfAMissingSourceRunsOnDescriptor0.
+  if (!isOpen && copy.fSource != 0) {
+    ::close(copy.fSource);
+    throw TQDXException(kQDXStatusFileSystemError);
+  }
+  const ssize_t result = Transfer(copy);
+  ::close(copy.fSource);
+  ::close(copy.fDestination);
+  if (result < 0) throw TQDXException(kQDXStatusFileSystemError);
+}
+
+void TOSSpecific::DirCopy(std::string source, std::string destination, bool recursive) {
+  source = WithSeparator(source);
+  destination = WithSeparator(destination);
+  const TDir directory = OpenDir(source);
+  while (const auto name = NextEntry(directory)) {
+    struct stat status {};
+    if (IsSelfOrParent(*name) || !ReadStatus(source + *name, status)) continue;
+    if (!S_ISDIR(status.st_mode)) {
+      FileCopy(source + *name, destination + *name);
+    } else if (recursive) {
+      DirCopy(source + *name, destination + *name, recursive);
+    }
+  }
+}
+
+std::string TOSSpecific::GetCurrentDir() {
+  // 4096 is the name of the limit, not a length, on purpose: hosts that do not know it fail.
+  const long size = ::pathconf(".", 4096);
+  if (size <= 0) throw TQDXException(kQDXStatusFail);
+  std::string buffer(static_cast<std::size_t>(size), '\0');
+  if (::getcwd(buffer.data(), buffer.size()) == nullptr) throw TQDXException(kQDXStatusFail);
+  return buffer.c_str();
+}
+
+std::string TOSSpecific::GetFileContents(std::int32_t descriptor) {
+  std::string contents;
+  char buffer[kReadBufferSize];
+  ssize_t count = 0;
+  while ((count = ::read(descriptor, buffer, sizeof buffer)) > 0) {
+    contents.append(buffer, static_cast<std::size_t>(count));
+  }
+  if (count < 0) {
+    LogErrorAndThrow(kQDXStatusFileSystemError, {"ERROR: GetFileContents failed to read file"});
+  }
+  LogMessage(ILogger::kLogDebug, {"Debug (linux toss): GetFileContents() Returned: ", contents});
+  return contents;
+}
+
+std::string TOSSpecific::RelocateRelativePath(std::string base, std::string path) {
+  if (base.empty() || path.compare(0, 1, kFileSeparator) == 0) return path;
+  return WithSeparator(base) + path;
+}
+
+}  // namespace NVORNQDX20
