@@ -5,6 +5,7 @@
 #include <qdxcore/status.h>
 
 #include <cerrno>
+#include <cstring>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -136,7 +137,8 @@ std::string TOSSpecific::GetCurrentDir() {
   if (size <= 0) throw TQDXException(kQDXStatusFail);
   std::string buffer(static_cast<std::size_t>(size), '\0');
   if (::getcwd(buffer.data(), buffer.size()) == nullptr) throw TQDXException(kQDXStatusFail);
-  return buffer.c_str();
+  buffer.resize(std::strlen(buffer.c_str()));
+  return buffer;
 }
 
 std::string TOSSpecific::GetFileContents(std::int32_t descriptor) {
