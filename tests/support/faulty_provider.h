@@ -6,7 +6,6 @@
 ///   faults->Throw("ICIMClass::GetPropertyDecl", kQDXStatusAccessDenied, 2);  // the second call
 ///   faults->AnswerNull("ICIMNamespace::GetClass", TFaults::kEveryCall);
 ///
-/// What reads no more than a name or a flag, or enumerates declarations, cannot be made to fail.
 /// Namespaces, classes, instances and properties are wrapped; declarations and qualifiers are the
 /// real ones, and so are the classes that values name. A wrapped class that is stored in the real
 /// namespace, within a reference value, would own that namespace for ever: give a faulty target
@@ -20,6 +19,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 #include <boost/smart_ptr/make_shared.hpp>
@@ -36,13 +36,6 @@ class TFaults {
     Add(operation, call, status);
   }
   int Calls(const std::string& operation) { return fCalls[operation]; }
-
-  /// The result of `forward`, unless this call is to fail.
-  template <typename TForward>
-  auto Call(const std::string& operation, TForward&& forward) -> decltype(forward()) {
-    if (Strikes(operation)) return decltype(forward())();
-    return forward();
-  }
 
   /// Counts the call; throws, or says whether it answers null.
   bool Strikes(const std::string& operation) {
@@ -70,8 +63,13 @@ namespace faulty {
 using namespace NVORNQDX20;
 template <typename T>
 using TPtr = boost::shared_ptr<T>;
-
-class TClass;
+// As operations take and answer them.
+template <typename T>
+using TVisit = const TEnumerationCallback<T>&;
+using TName = const std::string&;
+using TOptions = TOptionsMap;
+using TPath = const TCIMReference&;
+using TValue = const TCIMValue&;
 
 /// What all wrappers of one namespace share. Each class has one wrapper at a time, since
 /// references compare classes by identity.
@@ -79,192 +77,120 @@ struct TContext {
   TPtr<TFaults> fFaults;
   std::map<ICIMClass*, boost::weak_ptr<ICIMClass>> fClasses;
 };
-using TContextPtr = TPtr<TContext>;
 
-inline TPtr<ICIMClass> Wrap(const TContextPtr& context, const TPtr<ICIMClass>& real);
-inline TPtr<ICIMInstance> Wrap(const TContextPtr& context, const TPtr<ICIMInstance>& real);
-inline TPtr<ICIMProperty> Wrap(const TContextPtr& context, const TPtr<ICIMProperty>& real);
-
-/// The callback that wraps each element for the caller's.
+inline TPtr<ICIMClass> Wrap(const TPtr<TContext>& context, const TPtr<ICIMClass>& real);
+inline TPtr<ICIMInstance> Wrap(const TPtr<TContext>& context, const TPtr<ICIMInstance>& real);
+inline TPtr<ICIMProperty> Wrap(const TPtr<TContext>& context, const TPtr<ICIMProperty>& real);
 template <typename T>
-TEnumerationCallback<T> Wrapping(const TContextPtr& context,
-                                 const TEnumerationCallback<T>& callback) {
-  return [context, &callback](TPtr<T> element) { return callback(Wrap(context, element)); };
+TPtr<T> Wrap(const TPtr<TContext>&, const TPtr<T>& real) {
+  return real;  // of what has no wrapper
 }
 
-class TProperty final : public ICIMProperty {
- public:
-  TProperty(const TContextPtr& context, const TPtr<ICIMProperty>& real)
+template <typename TInterface>
+struct TWrapper : public TInterface {
+  TWrapper(const TPtr<TContext>& context, const TPtr<TInterface>& real)
       : fContext(context), fReal(real) {}
-  const TCIMValue& GetValue() const override {
-    return fContext->fFaults->Strikes("ICIMProperty::GetValue") ? fNull : fReal->GetValue();
-  }
-  TPtr<const ICIMPropertyDecl> GetDecl() const override {
-    return fContext->fFaults->Call("ICIMProperty::GetDecl", [&] { return fReal->GetDecl(); });
-  }
 
- private:
-  const TContextPtr fContext;
-  const TPtr<ICIMProperty> fReal;
-  const TCIMValue fNull;
+  const TPtr<TContext> fContext;
+  const TPtr<TInterface> fReal;
+
+  /// The callback that wraps each element for the caller's.
+  template <typename T>
+  TEnumerationCallback<T> Wrap(TVisit<T> visit) const {
+    return [this, &visit](const TPtr<T>& real) { return visit(faulty::Wrap(fContext, real)); };
+  }
+  /// What `forward` answers, wrapped if there is a wrapper for it, unless this call is to fail.
+  template <typename TResult, typename TForward>
+  TResult Call(const std::string& operation, TForward&& forward) const {
+    const bool isNull = fContext->fFaults->Strikes(operation);
+    if constexpr (std::is_reference_v<TResult>) {
+      static const std::decay_t<TResult> kNull;
+      return isNull ? kNull : forward();
+    } else if constexpr (std::is_class_v<TResult>) {
+      return isNull ? nullptr : faulty::Wrap(fContext, forward());
+    } else {
+      return isNull ? TResult() : forward();
+    }
+  }
 };
 
-class TInstance final : public ICIMInstance {
- public:
-  TInstance(const TContextPtr& context, const TPtr<ICIMInstance>& real)
-      : fContext(context), fReal(real) {}
-  void Commit(TOptionsMap o) override {
-    fContext->fFaults->Call("ICIMInstance::Commit", [&] { fReal->Commit(o); });
-  }
-  TPtr<ICIMClass> GetClass(TOptionsMap o) const override {
-    return fContext->fFaults->Call("ICIMInstance::GetClass",
-                                   [&] { return Wrap(fContext, fReal->GetClass(o)); });
-  }
-  TPtr<ICIMProperty> GetProperty(const std::string& name, TOptionsMap o) const override {
-    return fContext->fFaults->Call("ICIMInstance::GetProperty",
-                                   [&] { return Wrap(fContext, fReal->GetProperty(name, o)); });
-  }
-  void SetPropertyValue(const std::string& name, const TCIMValue& value, TOptionsMap o) override {
-    fContext->fFaults->Call("ICIMInstance::SetPropertyValue",
-                            [&] { fReal->SetPropertyValue(name, value, o); });
-  }
-  void EnumerateProperties(const TEnumerationCallback<ICIMProperty>& callback,
-                           TOptionsMap o) const override {
-    fContext->fFaults->Call("ICIMInstance::EnumerateProperties",
-                            [&] { fReal->EnumerateProperties(Wrapping(fContext, callback), o); });
+/// Overrides an operation of kInterface (with options o, a callback v) with one that fails when it
+/// is to, or asks the real one.
+#define FAULTY(TResult, operation, parameters, arguments)                          \
+  TResult operation parameters override {                                          \
+    return Call<TResult>(std::string(kInterface) + "::" #operation,                \
+                         [&]() -> TResult { return fReal->operation arguments; }); \
   }
 
- private:
-  const TContextPtr fContext;
-  const TPtr<ICIMInstance> fReal;
+struct TProperty final : TWrapper<ICIMProperty> {
+  static constexpr const char* kInterface = "ICIMProperty";
+  using TWrapper::TWrapper;
+  FAULTY(TValue, GetValue, () const, ())
+  FAULTY(TPtr<const ICIMPropertyDecl>, GetDecl, () const, ())
 };
 
-class TClass final : public ICIMClass {
- public:
-  TClass(const TContextPtr& context, const TPtr<ICIMClass>& real)
-      : fContext(context), fReal(real) {}
+struct TInstance final : TWrapper<ICIMInstance> {
+  static constexpr const char* kInterface = "ICIMInstance";
+  using TWrapper::TWrapper;
+  FAULTY(void, Commit, (TOptions o), (o))
+  FAULTY(TPtr<ICIMClass>, GetClass, (TOptions o) const, (o))
+  FAULTY(TPtr<ICIMProperty>, GetProperty, (TName name, TOptions o) const, (name, o))
+  FAULTY(void, SetPropertyValue, (TName name, TValue value, TOptions o), (name, value, o))
+  FAULTY(void, EnumerateProperties, (TVisit<ICIMProperty> v, TOptions o) const, (Wrap(v), o))
+};
+
+struct TClass final : TWrapper<ICIMClass> {
+  static constexpr const char* kInterface = "ICIMClass";
+  using TWrapper::TWrapper;
   ~TClass() override { fContext->fClasses.erase(fReal.get()); }
-
-  const TPtr<ICIMClass>& Real() const { return fReal; }
-
-  TPtr<ICIMQualifier> AddQualifier(TPtr<ICIMQualifierDecl> decl, const TCIMValue& value) override {
-    return Call("AddQualifier", [&] { return fReal->AddQualifier(decl, value); });
-  }
-  void Commit(TOptionsMap o) override {
-    Call("Commit", [&] { fReal->Commit(o); });
-  }
-  const std::string& GetName(TOptionsMap o) const override { return fReal->GetName(o); }
-  bool IsAssociation(TOptionsMap o) const override { return fReal->IsAssociation(o); }
-  bool IsAbstract(TOptionsMap o) const override { return fReal->IsAbstract(o); }
-  bool IsRootClass(TOptionsMap o) const override { return fReal->IsRootClass(o); }
-  TPtr<ICIMClass> GetSuperclass(TOptionsMap o) const override {
-    return Call("GetSuperclass", [&] { return Wrap(fContext, fReal->GetSuperclass(o)); });
-  }
-  void EnumerateSubclasses(const TEnumerationCallback<ICIMClass>& callback, bool deep,
-                           TOptionsMap o) const override {
-    Call("EnumerateSubclasses",
-         [&] { fReal->EnumerateSubclasses(Wrapping(fContext, callback), deep, o); });
-  }
-  TPtr<ICIMQualifier> GetQualifier(const std::string& name) const override {
-    return Call("GetQualifier", [&] { return fReal->GetQualifier(name); });
-  }
-  void EnumerateQualifiers(const TEnumerationCallback<ICIMQualifier>& callback) const override {
-    fReal->EnumerateQualifiers(callback);
-  }
-  TPtr<ICIMPropertyDecl> CreatePropertyDecl(const std::string& name, const TCIMValue& value,
-                                            TOptionsMap o) override {
-    return Call("CreatePropertyDecl", [&] { return fReal->CreatePropertyDecl(name, value, o); });
-  }
-  TPtr<const ICIMPropertyDecl> GetPropertyDecl(const std::string& name,
-                                               TOptionsMap o) const override {
-    return Call("GetPropertyDecl", [&] { return fReal->GetPropertyDecl(name, o); });
-  }
-  void EnumeratePropertyDecls(const TEnumerationCallback<ICIMPropertyDecl>& callback,
-                              TOptionsMap o) const override {
-    fReal->EnumeratePropertyDecls(callback, o);
-  }
-  void SetStaticPropertyValue(const std::string& name, const TCIMValue& value,
-                              TOptionsMap o) override {
-    Call("SetStaticPropertyValue", [&] { fReal->SetStaticPropertyValue(name, value, o); });
-  }
-  void EnumerateStaticProperties(const TEnumerationCallback<ICIMProperty>& callback,
-                                 TOptionsMap o) const override {
-    Call("EnumerateStaticProperties",
-         [&] { fReal->EnumerateStaticProperties(Wrapping(fContext, callback), o); });
-  }
-  TPtr<ICIMInstance> CreateInstance(TOptionsMap o) override {
-    return Call("CreateInstance", [&] { return Wrap(fContext, fReal->CreateInstance(o)); });
-  }
-  TPtr<ICIMInstance> GetInstance(const TCIMReference& path, TOptionsMap o) const override {
-    return Call("GetInstance", [&] { return Wrap(fContext, fReal->GetInstance(path, o)); });
-  }
-  void EnumerateInstances(const TEnumerationCallback<ICIMInstance>& callback, bool deep,
-                          TOptionsMap o) const override {
-    Call("EnumerateInstances",
-         [&] { fReal->EnumerateInstances(Wrapping(fContext, callback), deep, o); });
-  }
-  TPtr<ICIMMethodDecl> CreateMethodDecl(const std::string& name, TCIMValue::TCIMType type,
-                                        TOptionsMap o) override {
-    return Call("CreateMethodDecl", [&] { return fReal->CreateMethodDecl(name, type, o); });
-  }
-  void EnumerateMethodDecls(const TEnumerationCallback<ICIMMethodDecl>& callback,
-                            TOptionsMap o) const override {
-    fReal->EnumerateMethodDecls(callback, o);
-  }
-
- private:
-  template <typename TForward>
-  auto Call(const char* operation, TForward&& forward) const -> decltype(forward()) {
-    return fContext->fFaults->Call(std::string("ICIMClass::") + operation, forward);
-  }
-
-  const TContextPtr fContext;
-  const TPtr<ICIMClass> fReal;
+  FAULTY(TPtr<ICIMQualifier>, AddQualifier, (TPtr<ICIMQualifierDecl> decl, TValue value),
+         (decl, value))
+  FAULTY(void, Commit, (TOptions o), (o))
+  FAULTY(TName, GetName, (TOptions o) const, (o))
+  FAULTY(bool, IsAssociation, (TOptions o) const, (o))
+  FAULTY(bool, IsAbstract, (TOptions o) const, (o))
+  FAULTY(bool, IsRootClass, (TOptions o) const, (o))
+  FAULTY(TPtr<ICIMClass>, GetSuperclass, (TOptions o) const, (o))
+  FAULTY(void, EnumerateSubclasses, (TVisit<ICIMClass> v, bool deep, TOptions o) const,
+         (Wrap(v), deep, o))
+  FAULTY(TPtr<ICIMQualifier>, GetQualifier, (TName name) const, (name))
+  FAULTY(void, EnumerateQualifiers, (TVisit<ICIMQualifier> v) const, (v))
+  FAULTY(TPtr<ICIMPropertyDecl>, CreatePropertyDecl, (TName name, TValue value, TOptions o),
+         (name, value, o))
+  FAULTY(TPtr<const ICIMPropertyDecl>, GetPropertyDecl, (TName name, TOptions o) const, (name, o))
+  FAULTY(void, EnumeratePropertyDecls, (TVisit<ICIMPropertyDecl> v, TOptions o) const, (v, o))
+  FAULTY(void, SetStaticPropertyValue, (TName name, TValue value, TOptions o), (name, value, o))
+  FAULTY(void, EnumerateStaticProperties, (TVisit<ICIMProperty> v, TOptions o) const, (Wrap(v), o))
+  FAULTY(TPtr<ICIMInstance>, CreateInstance, (TOptions o), (o))
+  FAULTY(TPtr<ICIMInstance>, GetInstance, (TPath path, TOptions o) const, (path, o))
+  FAULTY(void, EnumerateInstances, (TVisit<ICIMInstance> v, bool deep, TOptions o) const,
+         (Wrap(v), deep, o))
+  FAULTY(TPtr<ICIMMethodDecl>, CreateMethodDecl, (TName name, TCIMValue::TCIMType type, TOptions o),
+         (name, type, o))
+  FAULTY(void, EnumerateMethodDecls, (TVisit<ICIMMethodDecl> v, TOptions o) const, (v, o))
 };
 
-class TNamespace final : public ICIMNamespace {
- public:
-  TNamespace(const TContextPtr& context, const TPtr<ICIMNamespace>& real)
-      : fContext(context), fReal(real) {}
-  const std::string& GetName(TOptionsMap o) const override { return fReal->GetName(o); }
-  TPtr<ICIMClass> CreateClass(const std::string& name, TPtr<ICIMClass> superclass,
-                              TOptionsMap o) override {
-    const auto* const wrapper = dynamic_cast<const TClass*>(superclass.get());
-    const TPtr<ICIMClass> real = wrapper == nullptr ? superclass : wrapper->Real();
-    return Call("CreateClass", [&] { return Wrap(fContext, fReal->CreateClass(name, real, o)); });
+struct TNamespace final : TWrapper<ICIMNamespace> {
+  static constexpr const char* kInterface = "ICIMNamespace";
+  using TWrapper::TWrapper;
+  FAULTY(TName, GetName, (TOptions o) const, (o))
+  FAULTY(TPtr<ICIMClass>, CreateClass, (TName name, TPtr<ICIMClass> superclass, TOptions o),
+         (name, RealOf(superclass), o))
+  FAULTY(TPtr<ICIMClass>, GetClass, (TName name, TOptions o) const, (name, o))
+  FAULTY(void, EnumerateClasses, (TVisit<ICIMClass> v, TOptions o) const, (Wrap(v), o))
+  FAULTY(TPtr<ICIMQualifierDecl>, CreateQualifierDecl,
+         (TName name, TValue value, std::uint32_t scope, std::uint32_t flavor, TOptions o),
+         (name, value, scope, flavor, o))
+  FAULTY(TPtr<ICIMQualifierDecl>, GetQualifierDecl, (TName name, TOptions o) const, (name, o))
+  FAULTY(void, EnumerateQualifierDecls, (TVisit<ICIMQualifierDecl> v, TOptions o) const, (v, o))
+  static TPtr<ICIMClass> RealOf(const TPtr<ICIMClass>& cimClass) {
+    const auto* const wrapper = dynamic_cast<const TClass*>(cimClass.get());
+    return wrapper == nullptr ? cimClass : wrapper->fReal;
   }
-  TPtr<ICIMClass> GetClass(const std::string& name, TOptionsMap o) const override {
-    return Call("GetClass", [&] { return Wrap(fContext, fReal->GetClass(name, o)); });
-  }
-  void EnumerateClasses(const TEnumerationCallback<ICIMClass>& callback,
-                        TOptionsMap o) const override {
-    Call("EnumerateClasses", [&] { fReal->EnumerateClasses(Wrapping(fContext, callback), o); });
-  }
-  TPtr<ICIMQualifierDecl> CreateQualifierDecl(const std::string& name, const TCIMValue& value,
-                                              std::uint32_t scope, std::uint32_t flavor,
-                                              TOptionsMap o) override {
-    return Call("CreateQualifierDecl",
-                [&] { return fReal->CreateQualifierDecl(name, value, scope, flavor, o); });
-  }
-  TPtr<ICIMQualifierDecl> GetQualifierDecl(const std::string& name, TOptionsMap o) const override {
-    return Call("GetQualifierDecl", [&] { return fReal->GetQualifierDecl(name, o); });
-  }
-  void EnumerateQualifierDecls(const TEnumerationCallback<ICIMQualifierDecl>& callback,
-                               TOptionsMap o) const override {
-    Call("EnumerateQualifierDecls", [&] { fReal->EnumerateQualifierDecls(callback, o); });
-  }
-
- private:
-  template <typename TForward>
-  auto Call(const char* operation, TForward&& forward) const -> decltype(forward()) {
-    return fContext->fFaults->Call(std::string("ICIMNamespace::") + operation, forward);
-  }
-
-  const TContextPtr fContext;
-  const TPtr<ICIMNamespace> fReal;
 };
+#undef FAULTY
 
-inline TPtr<ICIMClass> Wrap(const TContextPtr& context, const TPtr<ICIMClass>& real) {
+inline TPtr<ICIMClass> Wrap(const TPtr<TContext>& context, const TPtr<ICIMClass>& real) {
   if (!real) return nullptr;
   boost::weak_ptr<ICIMClass>& known = context->fClasses[real.get()];
   TPtr<ICIMClass> wrapper = known.lock();
@@ -272,14 +198,12 @@ inline TPtr<ICIMClass> Wrap(const TContextPtr& context, const TPtr<ICIMClass>& r
   return wrapper;
 }
 
-inline TPtr<ICIMInstance> Wrap(const TContextPtr& context, const TPtr<ICIMInstance>& real) {
-  if (!real) return nullptr;
-  return boost::make_shared<TInstance>(context, real);
+inline TPtr<ICIMInstance> Wrap(const TPtr<TContext>& context, const TPtr<ICIMInstance>& real) {
+  return real ? boost::make_shared<TInstance>(context, real) : nullptr;
 }
 
-inline TPtr<ICIMProperty> Wrap(const TContextPtr& context, const TPtr<ICIMProperty>& real) {
-  if (!real) return nullptr;
-  return boost::make_shared<TProperty>(context, real);
+inline TPtr<ICIMProperty> Wrap(const TPtr<TContext>& context, const TPtr<ICIMProperty>& real) {
+  return real ? boost::make_shared<TProperty>(context, real) : nullptr;
 }
 
 }  // namespace faulty
@@ -287,8 +211,7 @@ inline TPtr<ICIMProperty> Wrap(const TContextPtr& context, const TPtr<ICIMProper
 inline boost::shared_ptr<NVORNQDX20::ICIMNamespace> MakeFaultyNamespace(
     const boost::shared_ptr<NVORNQDX20::ICIMNamespace>& real,
     const boost::shared_ptr<TFaults>& faults) {
-  const auto context = boost::make_shared<faulty::TContext>();
-  context->fFaults = faults;
+  const auto context = boost::make_shared<faulty::TContext>(faulty::TContext{faults, {}});
   return boost::make_shared<faulty::TNamespace>(context, real);
 }
 
