@@ -34,9 +34,9 @@ TEST(HostClock, CarriesTheOffsetInForce) {
   const struct {
     const char* fZone;
     std::int16_t fOffset;
-  } rows[] = {{"XXX5", -300},
-              {"XXX5YYY4,0/0,J365/25", -240},  // daylight saving all the year
-              {"XXX-5:30", 330},
+  } rows[] = {{"ABC5", -300},
+              {"ABC5DEF4,0/0,J365/25", -240},  // daylight saving all the year
+              {"ABC-5:30", 330},
               {"UTC", 0}};
   for (const auto& row : rows) {
     ::setenv("TZ", row.fZone, 1);

@@ -169,7 +169,7 @@ TEST(Repository, KeepsMethodsWithTheirParametersAndQualifiers) {
     return true;
   };
   const auto addMethod = [&](const auto& m) {
-    seen = m->GetReturnType().ToString() + " " + m->GetName();
+    seen += m->GetReturnType().ToString() + " " + m->GetName();
     m->EnumerateQualifiers(addQualifier);
     m->EnumerateParameterDecls(addParameter);
     return true;
@@ -178,6 +178,7 @@ TEST(Repository, KeepsMethodsWithTheirParametersAndQualifiers) {
   EXPECT_EQ(seen, "uint32 Run [Override=x]") << "the method at once, parameters when committed";
   parameter->Commit();
   a->Commit({});
+  seen.clear();
   a->EnumerateMethodDecls(addMethod, {});
   EXPECT_EQ(seen, "uint32 Run [Override=x], Names [Key=true]");
 }
