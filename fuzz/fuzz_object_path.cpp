@@ -18,9 +18,10 @@ void Require(bool holds) {
   if (!holds) std::abort();
 }
 
+/// No reals: those are written with six digits, so they come back as others.
 TNamespace MakeSchema() {
   const TNamespace ns = MakeNamespace();
-  AddClass(ns, "C", {{"a", ""}, {"b", 0U}, {"c", false}, {"d", 0.0}});
+  AddClass(ns, "C", {{"a", ""}, {"b", 0U}, {"c", false}});
   AddClass(ns, "L", {{"r", NullReference(ns, "C")}, {"s", NullReference(ns, "C")}, {"i", -1L}});
   AddClass(ns, "M", {{"l", NullReference(ns, "L")}, {"a", ""}});
   return ns;
@@ -53,7 +54,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string written = reference.GetPath();
   const TCIMReference again(ns, written, TOptionsMap());
   Require(again.GetPath() == written);
-  // Reals are written with six digits, so only their text comes back.
-  if (written.find("d=") == std::string::npos) Require(again == reference);
+  Require(again == reference);
   return 0;
 }
