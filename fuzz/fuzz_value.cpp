@@ -49,7 +49,6 @@ void CompareWithStream(const std::string& text, TCIMType type) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string text(reinterpret_cast<const char*>(data), size);
-  // A stream stops at a nought; std::string does too where it is read as a number.
   CompareWithStream<unsigned short>(text, TCIMType::kCIMTypeUint16);
   CompareWithStream<short>(text, TCIMType::kCIMTypeSint16);
   CompareWithStream<unsigned int>(text, TCIMType::kCIMTypeUint32);

@@ -11,7 +11,8 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// References within references: far more than any schema has, and what a stack of 1 MB holds.
+/// References within references: far more than any schema has, far less than a main thread's stack
+/// holds.
 constexpr int kMaxDepth = 1000;
 
 /// Reads one text, the paths nested in it included.
