@@ -107,6 +107,36 @@ class QDXCORE_EXPORT TOSSpecific {
   /// `path` below `base`, unless base is empty or path begins with "/".
   static std::string RelocateRelativePath(std::string base, std::string path);
 
+  // Child processes and the terminal.
+
+  /// Runs a program, found along the PATH, and waits for its end. Returns all that it printed to
+  /// standard output and standard error, in the order written; its standard input is closed.
+  ///
+  /// A program that cannot be started is no failure: it printed nothing and ended with 1.
+  /// Throws kQDXStatusFail, after an error is logged, if the system gives no process, or the
+  /// program is ended by a signal, and what GetFileContents throws.
+  static std::string SpawnProcess(std::string command);
+  static std::string SpawnProcess(std::string command, std::vector<std::string> arguments);
+  /// Returns the exit code, 0 to 255; `output` takes what was printed.
+  static std::int32_t SpawnProcess(std::string command, std::vector<std::string> arguments,
+                                   std::string& output);
+  /// The contents of a file, whose descriptor stays open. Throws kQDXStatusFileNotFound, after an
+  /// error is logged, if it cannot be opened, and what GetFileContents throws.
+  static std::string CaptureFile(std::string path);
+  /// Runs vi in the foreground. The file name goes unquoted into a shell command: pass trusted
+  /// names only.
+  static void LaunchTextEditor(std::string file);
+  /// Runs sh in the foreground.
+  static void LaunchCommandShell();
+  /// Whether the real user is root.
+  static bool IsAdmin();
+  /// Whether GetKeyboardChar would find a key on the terminal of standard input, or an error or the
+  /// end of the input; never waits. Keys that a GetKeyboardChar before has buffered are not seen.
+  static bool IsKeyWaiting();
+  /// Waits for a key, without echo; those that interrupt or suspend arrive as characters too.
+  /// Returns EOF (-1) at the end of the input.
+  static std::int32_t GetKeyboardChar();
+
   // Clock and names.
 
   /// Milliseconds, despite the name; the microseconds they make are computed modulo 2^32.

@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/os_specific.h>
+
+#include "support/expect_status.h"
+#include "support/log_capture.h"
+#include "support/temp_dir.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdarg>
+#include <cstdlib>
+#include <functional>
+
+#include <dlfcn.h>
+#include <sched.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+bool gFailClone = false;
+int gPipeCloses = 0;  // the close() of a pipe's end that fails, the first one as 1; none for 0
+bool gFailPipeReads = false;
+
+template <typename TFunction>
+TFunction* Next(const char* name) {
+  return reinterpret_cast<TFunction*>(::dlsym(RTLD_NEXT, name));
+}
+
+bool IsPipe(int descriptor) {
+  struct stat status {};
+  return ::fstat(descriptor, &status) == 0 && S_ISFIFO(status.st_mode);
+}
+
+int FailWith(int error) {
+  errno = error;
+  return -1;
+}
+
+}  // namespace
+
+// They stand before the C library's functions, for the library under test too.
+extern "C" QDXCORE_EXPORT int clone(int (*run)(void*), void* stack, int flags, void* argument,
+                                    ...) {
+  if (gFailClone) return FailWith(EAGAIN);
+  return Next<int(int (*)(void*), void*, int, void*, ...)>("clone")(run, stack, flags, argument);
+}
+
+extern "C" QDXCORE_EXPORT int close(int descriptor) {
+  const bool fails = gPipeCloses > 0 && IsPipe(descriptor) && --gPipeCloses == 0;
+  const int result = Next<int(int)>("close")(descriptor);
+  return fails ? FailWith(EIO) : result;
+}
+
+extern "C" QDXCORE_EXPORT ssize_t read(int descriptor, void* buffer, size_t size) {
+  if (gFailPipeReads && IsPipe(descriptor)) return FailWith(EIO);
+  return Next<ssize_t(int, void*, size_t)>("read")(descriptor, buffer, size);
+}
+
+namespace NVORNQDX20 {
+namespace {
+
+using TOS = TOSSpecific;
+using TWords = std::vector<std::string>;
+
+std::size_t OpenDescriptors() { return TOS::ListDir("/proc/self/fd").size(); }
+
+TEST(SpawnProcess, ReturnsWhatIsPrintedAndTheExitCode) {
+  const TTempDir dir;
+  const std::string script = dir.Write("script", "echo \"without a first line: $1\"\n");
+  ASSERT_EQ(::chmod(script.c_str(), 0700), 0);
+  const struct {
+    std::string fCommand;
+    TWords fArguments;
+    int fCode;
+    std::string fOutput;
+  } rows[] = {{"true", {}, 0, ""},
+              {"no-such-program", {}, 1, ""},
+              {"", {}, 1, ""},
+              {dir.Path(), {}, 1, ""},
+              {"sh", {"-c", "echo a; echo b >&2; echo c; exit 259"}, 3, "a\nb\nc\n"},
+              {"printf", {"%s|", "two words", "", "$HOME"}, 0, "two words||$HOME|"},
+              {"printf", {"\\000x"}, 0, std::string("\0x", 2)},
+              {"sh", {"-c", "read -r line 2>/dev/null || echo no input"}, 0, "no input\n"},
+              {"sh", {"-c", "test -e /proc/self/fd/0 || echo closed"}, 0, "closed\n"},
+              {"sh", {"-c", "grep -c 'SigBlk.*[1-9a-f]' /proc/$$/status"}, 1, "0\n"},
+              {"head", {"-c", "1000000", "/dev/zero"}, 0, std::string(1000000, '\0')},
+              {script, {"x"}, 0, "without a first line: x\n"}};
+  const std::size_t before = OpenDescriptors();
+  for (const auto& row : rows) {
+    std::string output = "old";
+    EXPECT_EQ(TOS::SpawnProcess(row.fCommand, row.fArguments, output), row.fCode) << row.fCommand;
+    EXPECT_EQ(output, row.fOutput) << row.fCommand;
+  }
+  EXPECT_EQ(OpenDescriptors(), before);
+  EXPECT_EQ(TOS::SpawnProcess("echo"), "\n");
+  EXPECT_EQ(TOS::SpawnProcess("echo", {"x"}), "x\n");
+}
+
+TEST(SpawnProcess, LogsTheCommandAndTheOutput) {
+  const TLogCapture log;
+  TOS::SpawnProcess("echo", {"x"});
+  EXPECT_EQ(log.Messages(), (TWords{"3 SpawnProcess: process echo",
+                                    "3 Debug (linux toss): GetFileContents() Returned: x\n"}));
+}
+
+/// Runs the action in a child process, whose exit status is the answer.
+int InChild(const std::function<int()>& action) {
+  const pid_t child = ::fork();
+  if (child == 0) ::_exit(action());
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  return WEXITSTATUS(status);
+}
+
+TEST(SpawnProcess, NeedsNoStandardStreams) {
+  for (const int last : {0, 1, 2}) {
+    const auto action = [last] {
+      for (int stream = 0; stream <= last; ++stream) ::close(stream);
+      std::string output;
+      const int code = TOS::SpawnProcess("sh", {"-c", "echo a; echo b >&2; exit 7"}, output);
+      return output == "a\nb\n" ? code : 99;
+    };
+    EXPECT_EQ(InChild(action), 7) << last;
+  }
+}
+
+TEST(SpawnProcess, LeavesTheCallersHandlersToTheCaller) {
+  static volatile std::sig_atomic_t calls = 0;
+  const auto before = std::signal(SIGUSR1, [](int) { calls = calls + 1; });
+  EXPECT_QDX_STATUS(TOS::SpawnProcess("sh", {"-c", "kill -USR1 $$"}), kQDXStatusFail);
+  EXPECT_EQ(calls, 0);
+  TOS::SpawnProcess("sh", {"-c", "kill -USR1 $PPID"});
+  EXPECT_EQ(calls, 1);
+  std::signal(SIGUSR1, before);
+}
+
+void LimitDescriptors(rlim_t limit) {
+  rlimit limits{};
+  ::getrlimit(RLIMIT_NOFILE, &limits);
+  limits.rlim_cur = limit;
+  ::setrlimit(RLIMIT_NOFILE, &limits);
+}
+
+TEST(SpawnProcess, ReportsEachFailure) {
+  const std::string prefix = "0 ERROR: SpawnProcess - ";
+  const struct {
+    std::function<void(bool)> fSet;
+    EQDXStatusCode fStatus;
+    std::string fMessage;
+    std::string fScript = "exit 0";
+  } rows[] = {
+      {[](bool on) { LimitDescriptors(on ? 3 : 1024); }, kQDXStatusFail,
+       prefix + "pipe call failed"},
+      {[](bool on) { gFailClone = on; }, kQDXStatusFail, prefix + "fork call failed"},
+      {[](bool on) { gPipeCloses = on ? 1 : 0; }, kQDXStatusFail,
+       prefix + "close pipe call failed"},
+      {[](bool on) { gPipeCloses = on ? 2 : 0; }, kQDXStatusFail,
+       prefix + "close pipe call failed"},
+      {[](bool on) { gFailPipeReads = on; }, kQDXStatusFileSystemError,
+       "0 ERROR: GetFileContents failed to read file"},
+      {[](bool on) { std::signal(SIGCHLD, on ? SIG_IGN : SIG_DFL); }, kQDXStatusFail,
+       prefix + "waitpid call failed"},
+      {[](bool) {}, kQDXStatusFail, prefix + "child terminated abnormally", "kill -KILL $$"}};
+  for (const auto& row : rows) {
+    const TLogCapture log(ILogger::kLogError);
+    const std::size_t before = OpenDescriptors();
+    row.fSet(true);
+    EXPECT_QDX_STATUS(TOS::SpawnProcess("sh", {"-c", row.fScript}), row.fStatus);
+    row.fSet(false);
+    EXPECT_EQ(log.Messages(), TWords{row.fMessage});
+    EXPECT_EQ(OpenDescriptors(), before) << row.fMessage;
+  }
+}
+
+TEST(CaptureFile, ReadsAFileAndLeavesItOpen) {
+  const TTempDir dir;
+  const std::size_t before = OpenDescriptors();
+  EXPECT_EQ(TOS::CaptureFile(dir.Write("file", "text")), "text");
+  EXPECT_EQ(OpenDescriptors(), before + 1);
+
+  const TLogCapture log;
+  EXPECT_QDX_STATUS(TOS::CaptureFile("/none"), kQDXStatusFileNotFound);
+  EXPECT_QDX_STATUS(TOS::CaptureFile("/"), kQDXStatusFileSystemError);
+  EXPECT_EQ(log.Messages(), (TWords{"0 ERROR: CaptureFile failed to open: /none",
+                                    "0 ERROR: GetFileContents failed to read file"}));
+}
+
+TEST(Launch, GivesTheLineToTheShellAsItIs) {
+  const TTempDir dir;
+  for (const char* name : {"vi", "sh"}) {
+    const std::string path = dir.Write(
+        name, "#!/bin/sh\necho \"" + std::string(name) + " $*\" >>\"$QDX_TEST_LOG\"\nexit 3\n");
+    ASSERT_EQ(::chmod(path.c_str(), 0700), 0);
+  }
+  const std::string log = dir.Path() / "log";
+  const auto action = [&dir, &log] {
+    ::setenv("PATH", (dir.Path().string() + ":/usr/bin:/bin").c_str(), 1);
+    ::setenv("QDX_TEST_LOG", log.c_str(), 1);
+    TOS::LaunchTextEditor("a  b; echo $((1 + 1)) >>\"$QDX_TEST_LOG\"");
+    TOS::LaunchCommandShell();
+    return 0;
+  };
+  EXPECT_EQ(InChild(action), 0);
+  EXPECT_EQ(ReadWholeFile(log), "vi a b\n2\nsh \n");
+}
+
+TEST(IsAdmin, AsksForTheRealUser) {
+  EXPECT_EQ(TOS::IsAdmin(), ::getuid() == 0);
+  if (::getuid() != 0) GTEST_SKIP() << "needs root, to become somebody else";
+  EXPECT_EQ(InChild([] { return ::seteuid(65534) == 0 && TOS::IsAdmin() ? 0 : 1; }), 0);
+  EXPECT_EQ(InChild([] { return ::setuid(65534) == 0 && !TOS::IsAdmin() ? 0 : 1; }), 0);
+}
+
+}  // namespace
+}  // namespace NVORNQDX20
