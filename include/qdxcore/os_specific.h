@@ -87,11 +87,13 @@ class QDXCORE_EXPORT TOSSpecific {
   /// The names of all entries but "." and "..". Throws kQDXStatusFileSystemError if the directory
   /// cannot be read.
   static std::vector<std::string> ListDir(std::string path);
-  /// Copies contents and permissions to a new file. Throws kQDXStatusFileSystemError if a file
-  /// cannot be opened, the destination exists, or reading or writing fails; what was written stays
-  /// then.
+  /// Copies contents, and the permissions that the file-creation mask leaves, to a new file. Throws
+  /// kQDXStatusFileSystemError if a file cannot be opened, the destination exists, or reading or
+  /// writing fails; what was written stays then.
   ///
-  /// A source whose status cannot be read, a missing one for example, throws nothing: the copy runs
+  /// A block of which the system takes only a part is not written again: the copy then lacks the
+  /// rest, without an exception. Compare GetFileSize where that matters.
+  /// A source whose status cannot be read, a missing one for example, is no failure: the copy runs
   /// from descriptor 0 to descriptor 0, which is closed at the end. Ask FileExists first.
   static void FileCopy(std::string source, std::string destination);
   /// Copies all files of a directory with FileCopy, and with `recursive` those of its directories.
@@ -99,22 +101,26 @@ class QDXCORE_EXPORT TOSSpecific {
   /// Creates no directory: the destination's must exist. Entries whose status cannot be read are
   /// skipped. The first failure ends it with kQDXStatusFileSystemError; what was copied stays.
   static void DirCopy(std::string source, std::string destination, bool recursive);
-  /// Throws kQDXStatusFail where the host has no limit number 4096 for paths, as Linux has none.
+  /// Throws kQDXStatusFail where the host has no limit number 4096 for paths, as Linux has none,
+  /// and if the directory is gone.
   static std::string GetCurrentDir();
   /// All bytes up to the end of an open descriptor, which stays open; logged at kLogDebug. A
-  /// failure is logged and throws kQDXStatusFileSystemError.
+  /// failure, be it a signal that interrupts the reading, is logged and throws
+  /// kQDXStatusFileSystemError.
   static std::string GetFileContents(std::int32_t descriptor);
   /// `path` below `base`, unless base is empty or path begins with "/".
   static std::string RelocateRelativePath(std::string base, std::string path);
 
   // Child processes and the terminal.
 
-  /// Runs a program, found along the PATH, and waits for its end. Returns all that it printed to
-  /// standard output and standard error, in the order written; its standard input is closed.
+  /// Runs a program, found along the PATH, until it has ended and all that it left running has
+  /// closed its output. Returns what was printed to standard output and standard error, in the
+  /// order written; standard input is closed.
   ///
   /// A program that cannot be started is no failure: it printed nothing and ended with 1.
-  /// Throws kQDXStatusFail, after an error is logged, if the system gives no process, or the
-  /// program is ended by a signal, and what GetFileContents throws.
+  /// Throws kQDXStatusFail, after an error is logged, if the system gives no process, its end
+  /// cannot be learnt, for example because SIGCHLD is ignored, or a signal ended it; and what
+  /// GetFileContents throws.
   static std::string SpawnProcess(std::string command);
   static std::string SpawnProcess(std::string command, std::vector<std::string> arguments);
   /// Returns the exit code, 0 to 255; `output` takes what was printed.

@@ -6,10 +6,12 @@
 #include "support/temp_dir.h"
 
 #include <algorithm>
+#include <csignal>
 #include <string>
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -119,7 +121,28 @@ TEST_F(FileCopy, LeavesWhatIsThere) {
   EXPECT_EQ(ReadWholeFile(At("old")), "old");
   EXPECT_QDX_STATUS(TOS::FileCopy(At("source"), At("none/new")), kQDXStatusFileSystemError);
   EXPECT_QDX_STATUS(TOS::FileCopy(At(""), At("copy of a directory")), kQDXStatusFileSystemError);
-  EXPECT_QDX_STATUS(TOS::FileCopy("/dev/full", "/dev/full"), kQDXStatusFileSystemError);
+}
+
+TEST_F(FileCopy, FailsWhereNothingMoreIsWrittenButNotInTheMiddleOfABlock) {
+  fDir.Write("source", std::string(50000, 'x'));
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  rlimit before{};
+  ::getrlimit(RLIMIT_FSIZE, &before);
+  const auto copy = [&](rlim_t limit, const char* destination) {
+    const rlimit limits{limit, before.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &limits);
+    const std::string status =
+        StatusThrownBy([&] { TOS::FileCopy(At("source"), At(destination)); });
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    return status;
+  };
+  const std::size_t descriptors = TOS::ListDir("/proc/self/fd").size();
+  EXPECT_EQ(copy(32768, "a"), "kQDXStatusFileSystemError");
+  EXPECT_EQ(copy(40000, "b"), "nothing");
+  EXPECT_EQ(TOS::GetFileSize(At("b")), 40000U);
+  EXPECT_EQ(copy(40000, "b"), "kQDXStatusFileSystemError");  // it exists
+  EXPECT_EQ(TOS::ListDir("/proc/self/fd").size(), descriptors);
+  std::signal(SIGXFSZ, handler);
 }
 
 TEST_F(FileCopy, OfAMissingSourceRunsOnDescriptor0) {

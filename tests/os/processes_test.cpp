@@ -25,6 +25,7 @@ namespace {
 bool gFailClone = false;
 int gPipeCloses = 0;  // the close() of a pipe's end that fails, the first one as 1; none for 0
 bool gFailPipeReads = false;
+bool gRaiseInChild = false;  // SIGUSR1, once the child has its output
 
 template <typename TFunction>
 TFunction* Next(const char* name) {
@@ -56,6 +57,11 @@ extern "C" QDXCORE_EXPORT int close(int descriptor) {
   return fails ? FailWith(EIO) : result;
 }
 
+extern "C" QDXCORE_EXPORT int dup2(int descriptor, int other) noexcept {
+  if (gRaiseInChild) ::kill(::getpid(), SIGUSR1);
+  return Next<int(int, int)>("dup2")(descriptor, other);
+}
+
 extern "C" QDXCORE_EXPORT ssize_t read(int descriptor, void* buffer, size_t size) {
   if (gFailPipeReads && IsPipe(descriptor)) return FailWith(EIO);
   return Next<ssize_t(int, void*, size_t)>("read")(descriptor, buffer, size);
@@ -71,7 +77,7 @@ std::size_t OpenDescriptors() { return TOS::ListDir("/proc/self/fd").size(); }
 
 TEST(SpawnProcess, ReturnsWhatIsPrintedAndTheExitCode) {
   const TTempDir dir;
-  const std::string script = dir.Write("script", "echo \"without a first line: $1\"\n");
+  const std::string script = dir.Write("script", "echo \"without a first line: $#\"\n");
   ASSERT_EQ(::chmod(script.c_str(), 0700), 0);
   const struct {
     std::string fCommand;
@@ -87,9 +93,9 @@ TEST(SpawnProcess, ReturnsWhatIsPrintedAndTheExitCode) {
               {"printf", {"\\000x"}, 0, std::string("\0x", 2)},
               {"sh", {"-c", "read -r line 2>/dev/null || echo no input"}, 0, "no input\n"},
               {"sh", {"-c", "test -e /proc/self/fd/0 || echo closed"}, 0, "closed\n"},
-              {"sh", {"-c", "grep -c 'SigBlk.*[1-9a-f]' /proc/$$/status"}, 1, "0\n"},
+              {"grep", {"-c", "SigBlk.*[1-9a-f]", "/proc/self/status"}, 1, "0\n"},
               {"head", {"-c", "1000000", "/dev/zero"}, 0, std::string(1000000, '\0')},
-              {script, {"x"}, 0, "without a first line: x\n"}};
+              {script, TWords(10000), 0, "without a first line: 10000\n"}};
   const std::size_t before = OpenDescriptors();
   for (const auto& row : rows) {
     std::string output = "old";
@@ -114,35 +120,52 @@ int InChild(const std::function<int()>& action) {
   if (child == 0) ::_exit(action());
   int status = 0;
   ::waitpid(child, &status, 0);
-  return WEXITSTATUS(status);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 TEST(SpawnProcess, NeedsNoStandardStreams) {
-  for (const int last : {0, 1, 2}) {
-    const auto action = [last] {
-      for (int stream = 0; stream <= last; ++stream) ::close(stream);
+  for (const auto& [first, last] : {std::pair{0, 0}, {0, 1}, {0, 2}, {1, 2}}) {
+    const auto action = [first = first, last = last] {
+      for (int stream = first; stream <= last; ++stream) ::close(stream);
       std::string output;
       const int code = TOS::SpawnProcess("sh", {"-c", "echo a; echo b >&2; exit 7"}, output);
       return output == "a\nb\n" ? code : 99;
     };
-    EXPECT_EQ(InChild(action), 7) << last;
+    EXPECT_EQ(InChild(action), 7) << first << last;
   }
 }
 
 TEST(SpawnProcess, LeavesTheCallersHandlersToTheCaller) {
   static volatile std::sig_atomic_t calls = 0;
+  calls = 0;
   const auto before = std::signal(SIGUSR1, [](int) { calls = calls + 1; });
   EXPECT_QDX_STATUS(TOS::SpawnProcess("sh", {"-c", "kill -USR1 $$"}), kQDXStatusFail);
   EXPECT_EQ(calls, 0);
   TOS::SpawnProcess("sh", {"-c", "kill -USR1 $PPID"});
   EXPECT_EQ(calls, 1);
+  gRaiseInChild = true;
+  EXPECT_QDX_STATUS(TOS::SpawnProcess("true"), kQDXStatusFail);
+  gRaiseInChild = false;
+  EXPECT_EQ(calls, 1);
+  std::signal(SIGUSR1, SIG_IGN);
+  EXPECT_EQ(TOS::SpawnProcess("sh", {"-c", "kill -USR1 $$; echo ignored"}), "ignored\n");
   std::signal(SIGUSR1, before);
 }
 
-void LimitDescriptors(rlim_t limit) {
-  rlimit limits{};
-  ::getrlimit(RLIMIT_NOFILE, &limits);
-  limits.rlim_cur = limit;
+TEST(SpawnProcess, WaitsThroughSignals) {
+  struct sigaction before {
+  }, action{};
+  action.sa_handler = [](int) {};  // interrupts calls
+  ::sigaction(SIGALRM, &action, &before);
+  ::ualarm(50000, 0);
+  EXPECT_EQ(TOS::SpawnProcess("sh", {"-c", "exec >/dev/null 2>&1; sleep 0.2"}), "");
+  ::sigaction(SIGALRM, &before, nullptr);
+}
+
+void LimitDescriptors(bool on) {
+  static rlimit before{};
+  if (on) ::getrlimit(RLIMIT_NOFILE, &before);
+  const rlimit limits{on ? 3 : before.rlim_cur, before.rlim_max};
   ::setrlimit(RLIMIT_NOFILE, &limits);
 }
 
@@ -154,8 +177,7 @@ TEST(SpawnProcess, ReportsEachFailure) {
     std::string fMessage;
     std::string fScript = "exit 0";
   } rows[] = {
-      {[](bool on) { LimitDescriptors(on ? 3 : 1024); }, kQDXStatusFail,
-       prefix + "pipe call failed"},
+      {LimitDescriptors, kQDXStatusFail, prefix + "pipe call failed"},
       {[](bool on) { gFailClone = on; }, kQDXStatusFail, prefix + "fork call failed"},
       {[](bool on) { gPipeCloses = on ? 1 : 0; }, kQDXStatusFail,
        prefix + "close pipe call failed"},
