@@ -46,6 +46,10 @@ std::string TArguments::Get(const std::string& option, const std::string& otherw
   return found == fOptions.end() ? otherwise : found->second;
 }
 
+std::string TArguments::Operand(std::size_t index, const std::string& otherwise) const {
+  return index < fOperands.size() ? fOperands[index] : otherwise;
+}
+
 TArguments ParseArguments(const std::vector<TOptionSpec>& options, const TWords& words) {
   TArguments arguments;
   for (auto word = words.begin(); word != words.end(); ++word) {
@@ -60,6 +64,18 @@ TArguments ParseArguments(const std::vector<TOptionSpec>& options, const TWords&
     }
   }
   return arguments;
+}
+
+void CheckOperands(const std::string& verb, const std::vector<TOperandSpec>& specs,
+                   const TWords& operands) {
+  if (operands.size() > specs.size()) {
+    FailUsage("unexpected argument '" + operands[specs.size()] + "'");
+  }
+  for (std::size_t missing = operands.size(); missing < specs.size(); ++missing) {
+    if (specs[missing].fPresence == TOperandSpec::kRequired) {
+      FailUsage(verb + " needs an argument: " + specs[missing].fName);
+    }
+  }
 }
 
 }  // namespace NVORNQDX20

@@ -15,10 +15,17 @@ struct TOptionSpec {
   const char* fHelp;
 };
 
+struct TOperandSpec {
+  const char* fName;  ///< Stands for the operand in the help.
+  enum EPresence { kRequired, kOptional } fPresence = kRequired;  ///< Optional ones stand last.
+};
+
 struct TArguments {
   bool Has(const std::string& option) const { return fOptions.count(option) != 0; }
   /// The value of an option, or what holds without it.
   std::string Get(const std::string& option, const std::string& otherwise) const;
+  /// An operand by its place, or what holds without it.
+  std::string Operand(std::size_t index, const std::string& otherwise = "") const;
 
   std::map<std::string, std::string> fOptions;
   std::vector<std::string> fOperands;
@@ -29,6 +36,11 @@ struct TArguments {
 /// unknown option, and for a value that is missing, empty or too much.
 TArguments ParseArguments(const std::vector<TOptionSpec>& options,
                           const std::vector<std::string>& words);
+
+/// Throws a TCommandFailure if a required operand is missing, or there is one too many; `verb` is
+/// who asks for them.
+void CheckOperands(const std::string& verb, const std::vector<TOperandSpec>& specs,
+                   const std::vector<std::string>& operands);
 
 }  // namespace NVORNQDX20
 

@@ -56,7 +56,7 @@ EExitCode RunHelp(const std::vector<std::string>& operands) {
   return kExitDone;
 }
 
-EExitCode RunVerb(const TVerb& verb, const TArguments& arguments) {
+EExitCode RunVerb(const TVerb& verb, TArguments arguments) {
   const std::vector<TOptionSpec> options = OptionsOf(verb);
   for (const auto& [name, value] : arguments.fOptions) {
     const auto has = [&name = name](const TOptionSpec& option) { return name == option.fName; };
@@ -65,9 +65,8 @@ EExitCode RunVerb(const TVerb& verb, const TArguments& arguments) {
                             std::string(verb.fName) + " has no option '--" + name + "'");
     }
   }
-  if (arguments.fOperands.size() > 1) {
-    throw TCommandFailure(kExitUsage, "unexpected argument '" + arguments.fOperands[1] + "'");
-  }
+  arguments.fOperands.erase(arguments.fOperands.begin());  // the verb itself
+  CheckOperands(verb.fName, verb.fOperands, arguments.fOperands);
   SetUpLog(arguments);
   return verb.fRun(arguments);
 }

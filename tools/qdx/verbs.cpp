@@ -18,6 +18,16 @@ std::string FormatOptions(const std::vector<TOptionSpec>& options) {
   return FormatTable(rows);
 }
 
+/// " NAME" for each that must be there, " [NAME]" for the others.
+std::string FormatOperands(const std::vector<TOperandSpec>& operands) {
+  std::string text;
+  for (const auto& [name, presence] : operands) {
+    const bool optional = presence == TOperandSpec::kOptional;
+    text += (optional ? " [" : " ") + std::string(name) + (optional ? "]" : "");
+  }
+  return text;
+}
+
 std::string FormatVerbs() {
   std::vector<TTableRow> rows;
   for (const TVerb& verb : AllVerbs()) rows.push_back({{kIndent, verb.fName, verb.fSummary}});
@@ -70,8 +80,9 @@ std::string GeneralHelp() {
 }
 
 std::string HelpFor(const TVerb& verb) {
-  return std::string("Usage: qdx ") + verb.fName + " [OPTION]...\n" + verb.fSummary + "\n\n" +
-         verb.fDescription + "\nOptions:\n" + FormatOptions(OptionsOf(verb));
+  return std::string("Usage: qdx ") + verb.fName + " [OPTION]..." + FormatOperands(verb.fOperands) +
+         "\n" + verb.fSummary + "\n\n" + verb.fDescription + "\nOptions:\n" +
+         FormatOptions(OptionsOf(verb));
 }
 
 }  // namespace NVORNQDX20

@@ -16,7 +16,8 @@ struct TVerb {
   const char* fSummary;      ///< One line.
   const char* fDescription;  ///< The lines that its help adds.
   std::vector<TOptionSpec> fOptions;
-  EExitCode (*fRun)(const TArguments& arguments);
+  EExitCode (*fRun)(const TArguments& arguments);  ///< Gets the operands without the verb.
+  std::vector<TOperandSpec> fOperands = {};        ///< Few verbs have any.
 };
 
 TVerb IdentityVerb();
