@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 
 #include "directory.h"
+#include "loader_error.h"
 
 namespace NVORNQDX20 {
 
@@ -36,11 +37,6 @@ bool Contains(const std::string& text, const std::string& part) {
 void SomewhereInThisLibrary() {}
 
 void* Load(const std::string& path) { return ::dlopen(path.c_str(), RTLD_NOW | RTLD_GLOBAL); }
-
-std::string LoaderError() {
-  const char* const error = ::dlerror();
-  return error != nullptr ? error : "unknown error";
-}
 
 std::string PathOfService(const std::string& serviceName, const std::string& extension) {
   return TOSSpecific::GetQDXRootPath() + TOSSpecific::kFileSeparator + "lib" + serviceName +

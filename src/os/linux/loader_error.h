@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Why the dynamic loader failed.
+#ifndef QDXCORE_OS_LINUX_LOADER_ERROR_H_
+#define QDXCORE_OS_LINUX_LOADER_ERROR_H_
+
+#include <string>
+
+#include <dlfcn.h>
+
+namespace NVORNQDX20 {
+
+/// The loader's text for the last failure, which it forgets.
+inline std::string LoaderError() {
+  const char* const error = ::dlerror();
+  return error != nullptr ? error : "unknown error";
+}
+
+}  // namespace NVORNQDX20
+
+#endif  // QDXCORE_OS_LINUX_LOADER_ERROR_H_
