@@ -6,6 +6,7 @@
 #include <qdxcore/config.h>
 #include <qdxcore/datetime.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -13,6 +14,15 @@
 namespace NVORNQDX20 {
 
 class INamespaceConsumer;
+
+/// Writes a block of a download: what FTPFileFromVORN gives the transfer library to call.
+///
+/// `context` points to a std::pair<std::string, std::FILE*>: the local file's name, and its stream,
+/// which is null before the first block and is then opened here. Returns how many of the `count`
+/// elements were written, and 4294967295, an error to the library, if the file cannot be opened or
+/// the context is null.
+QDXCORE_EXPORT std::size_t curl_fwrite(const void* data, std::size_t size, std::size_t count,
+                                       void* context) noexcept;
 
 /// Everything that touches the platform, as static operations. Not synchronised: one thread only.
 /// Failures throw TQDXException; directories are listed in the order the system delivers them.
@@ -142,6 +152,21 @@ class QDXCORE_EXPORT TOSSpecific {
   /// Waits for a key, without echo; those that interrupt or suspend arrive as characters too.
   /// Returns EOF (-1) at the end of the input.
   static std::int32_t GetKeyboardChar();
+
+  // FTP transfers, anonymous, with two servers that are a setting of the build. "libcurl.so" is
+  // loaded for each one; the link of that name beside this library leads to the file that the host
+  // has. Nothing else in the process may use that library meanwhile. No time limit is set.
+  //
+  // Failures are logged. kQDXStatusConnectionFailed stands for a server that is not known or does
+  // not answer, kQDXStatusLibCurlFailure for any other trouble with the transfer or the library.
+  // They leave the library loaded, its handle and files open, and a local file as far as it got.
+
+  /// Downloads a file. The path goes into the URL as it is. The local file is created or emptied
+  /// when the first block arrives: an empty remote file leaves it as it was.
+  static void FTPFileFromVORN(std::string localFile, std::string remotePath);
+  /// Uploads a file, a compressed XML document, as "NAME.xml.gz" to the folder for such. The name
+  /// goes into the URL as it is. Throws kQDXStatusFileSystemError if the file cannot be opened.
+  static void FTPFile(std::string localFile, std::string remoteName);
 
   // Clock and names.
 
