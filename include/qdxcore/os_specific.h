@@ -9,10 +9,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include <boost/shared_ptr.hpp>
 
 namespace NVORNQDX20 {
 
+class ICIMNamespace;
 class INamespaceConsumer;
 
 /// Writes a block of a download: what FTPFileFromVORN gives the transfer library to call.
@@ -23,6 +27,11 @@ class INamespaceConsumer;
 /// the context is null.
 QDXCORE_EXPORT std::size_t curl_fwrite(const void* data, std::size_t size, std::size_t count,
                                        void* context) noexcept;
+
+/// The "/dev/sd" block device of a SCSI generic device, as "/dev/sdb" of "/dev/sg1".
+/// Throws kQDXStatusFileSystemError, after a logged line, if the device cannot be asked or none of
+/// the first 128 block devices has its address.
+QDXCORE_EXPORT std::string MapSG2SD(std::string sgPath);
 
 /// Everything that touches the platform, as static operations. Not synchronised: one thread only.
 /// Failures throw TQDXException; directories are listed in the order the system delivers them.
@@ -167,6 +176,26 @@ class QDXCORE_EXPORT TOSSpecific {
   /// Uploads a file, a compressed XML document, as "NAME.xml.gz" to the folder for such. The name
   /// goes into the URL as it is. Throws kQDXStatusFileSystemError if the file cannot be opened.
   static void FTPFile(std::string localFile, std::string remoteName);
+
+  // Removable media. Device and mount point go unquoted into a shell command, often as root: pass
+  // trusted names only, never what a device or a file says without a check.
+
+  /// Device and description, as "/dev/sdb" and "VENDOR - PRODUCT".
+  using TRemovableMedia = std::vector<std::pair<std::string, std::string>>;
+
+  /// The USB storage among the instances of VORNSG_SCSIDevice in the namespace, and the first
+  /// floppy that can be mounted, which stays mounted.
+  ///
+  /// A direct access device counts as USB storage if the first word of its ProductID occurs in
+  /// /proc/bus/usb/devices, so one without any always does. Throws what CaptureFile throws for that
+  /// file, which current kernels do not have, what the namespace throws, and what MapSG2SD throws.
+  static TRemovableMedia EnumerateRemovableMedia(boost::shared_ptr<ICIMNamespace> ns);
+  /// Mounts the device, or its first partition, and returns the mount point: "/mnt/floppy" for
+  /// /dev/floppy, /dev/fd0 and /dev/fd1, else "/mnt/key". It must exist; if anything is mounted
+  /// there already, nothing else is. Throws kQDXStatusFileSystemError.
+  static std::string MountDevice(std::string device);
+  /// The device does not matter. Throws kQDXStatusFileSystemError.
+  static void UnmountDevice(std::string device, std::string mountPoint);
 
   // Clock and names.
 
