@@ -21,7 +21,6 @@ using THelper = TCIMSchemaHelper;
 using TNamespace = boost::shared_ptr<ICIMNamespace>;
 using TQuery = std::function<TJSON(TNamespace)>;
 
-const char* const kNamespaceName = "root/cimv2";
 const char* const kProductClassName = "VORNSG_QDXProduct";
 
 /// One line of the answer. Class and property are those whose absence the namespace may explain.
@@ -129,27 +128,6 @@ void CheckRoot(const std::string& root) {
                                                    TFailure(kQDXStatusFileNotFound, why)));
 }
 
-/// Not a failure of the provider: it has none of this name, or hands out none at all.
-bool IsWithoutNamespace(const TFailure& failure) {
-  return failure.fStatus == kQDXStatusNotFound || failure.fStatus == kQDXStatusNotImplemented;
-}
-
-/// The first provider that has the namespace answers; null if none does. A provider that fails
-/// otherwise is reported, and `failed` set.
-TNamespace FindNamespace(const TOptionsMap& options, bool& failed) {
-  TNamespace ns;
-  for (const auto& provider : RegisteredProviders()) {
-    const auto failure = Try([&] { ns = provider->GetNamespace(kNamespaceName, options); });
-    if (ns) return ns;
-    if (failure && IsWithoutNamespace(*failure)) continue;
-    failed = true;
-    PrintError(FailureLine(std::string("opening ") + kNamespaceName + " of provider",
-                           provider->GetName(TOptionsMap()),
-                           failure.value_or(TFailure(kQDXStatusFail, "it answers nothing"))));
-  }
-  return ns;
-}
-
 EExitCode FailToDescribe(const std::string& root, const std::string& why) {
   PrintError(FailureLine("describing the machine", root, {kQDXStatusNotFound, why}));
   return kExitNothingCollected;
@@ -159,8 +137,8 @@ EExitCode RunIdentity(const TArguments& arguments) {
   const std::string root = arguments.Get("root", "/");
   CheckRoot(root);
   bool failed = AnyFailed(LoadProviderLibraries());
-  const TNamespace ns = FindNamespace({{"root", TCIMValue(root)}}, failed);
-  if (!ns) return FailToDescribe(root, std::string("no provider has ") + kNamespaceName);
+  const TNamespace ns = FindMachineNamespace({{"root", TCIMValue(root)}}, failed);
+  if (!ns) return FailToDescribe(root, std::string("no provider has ") + kMachineNamespace);
 
   const TAbsenceReasons reasons = ReadAbsenceReasons(*ns);
   std::vector<TAnswer> answers;

@@ -60,6 +60,11 @@ void LoadConsumer(TConsumerLibrary& library) {
   if (!library.fConsumer) throw TQDXException(kQDXStatusInvalidPlugin);
 }
 
+/// Not a failure of the provider: it has none of this name, or hands out none at all.
+bool IsWithoutNamespace(const TFailure& failure) {
+  return failure.fStatus == kQDXStatusNotFound || failure.fStatus == kQDXStatusNotImplemented;
+}
+
 }  // namespace
 
 std::vector<TProviderLibrary> LoadProviderLibraries() {
@@ -76,6 +81,20 @@ TProviders RegisteredProviders() {
       TAddToVectorCallback<INamespaceProvider>(providers);
   TRootObject::GetNamespaceProviderManager()->EnumerateNamespaceProviders(add);
   return providers;
+}
+
+boost::shared_ptr<ICIMNamespace> FindMachineNamespace(const TOptionsMap& options, bool& failed) {
+  boost::shared_ptr<ICIMNamespace> ns;
+  for (const auto& provider : RegisteredProviders()) {
+    const auto failure = Try([&] { ns = provider->GetNamespace(kMachineNamespace, options); });
+    if (ns) return ns;
+    if (failure && IsWithoutNamespace(*failure)) continue;
+    failed = true;
+    PrintError(FailureLine(std::string("opening ") + kMachineNamespace + " of provider",
+                           provider->GetName(TOptionsMap()),
+                           failure.value_or(TFailure(kQDXStatusFail, "it answers nothing"))));
+  }
+  return ns;
 }
 
 }  // namespace NVORNQDX20

@@ -40,6 +40,13 @@ std::vector<TConsumerLibrary> LoadConsumerLibraries();
 /// In ascending order of their names.
 TProviders RegisteredProviders();
 
+/// What providers that describe a machine call its namespace.
+inline constexpr const char* kMachineNamespace = "root/cimv2";
+
+/// The machine as the first provider that has this namespace describes it; null if none has. A
+/// provider that fails otherwise is reported, and `failed` set.
+boost::shared_ptr<ICIMNamespace> FindMachineNamespace(const TOptionsMap& options, bool& failed);
+
 template <typename TLibraries>
 bool AnyFailed(const TLibraries& libraries) {
   return std::any_of(libraries.begin(), libraries.end(),
