@@ -128,7 +128,7 @@ void AppendFloppy(TOSSpecific::TRemovableMedia& media) {
 std::string MapSG2SD(std::string sgPath) {
   const sg_scsi_id generic = ReadGenericDeviceID(sgPath);
   for (int index = 0; index < kBlockDevices; ++index) {
-    const std::string name = BlockDeviceName(index);
+    std::string name = BlockDeviceName(index);
     TBlockDeviceID block{};
     if (ReadBlockDeviceID(name, block) && IsSameDevice(generic, block)) return name;
   }
@@ -148,7 +148,7 @@ TOSSpecific::TRemovableMedia TOSSpecific::EnumerateRemovableMedia(
 }
 
 std::string TOSSpecific::MountDevice(std::string device) {
-  const std::string mountPoint = IsFloppy(device) ? kFloppyMountPoint : kKeyMountPoint;
+  std::string mountPoint = IsFloppy(device) ? kFloppyMountPoint : kKeyMountPoint;
   if (Succeeds("mount | grep \"" + mountPoint + " type\" >/dev/null")) return mountPoint;
   const std::string rest = " " + mountPoint + " 2>/dev/null";
   // "1" is the device's first partition.
