@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "new_file.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "failure.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+/// What a signal removes. Before the file exists, and after it was renamed, there is none of this
+/// name.
+char gPath[PATH_MAX];
+
+extern "C" void RemoveAndEnd(int signal) {
+  ::unlink(gPath);
+  ::raise(signal);  // once more, and by now for the default action
+}
+
+/// A signal that is ignored, as under nohup, stays ignored.
+void RemoveOnSignals() {
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+    struct sigaction action = {};
+    ::sigaction(signal, nullptr, &action);
+    if (action.sa_handler == SIG_IGN) continue;
+    action.sa_handler = RemoveAndEnd;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    ::sigaction(signal, &action, nullptr);
+  }
+}
+
+[[noreturn]] void FailToWrite(const std::string& shownAs, int error) {
+  const TFailure failure(kQDXStatusFileSystemError, std::generic_category().message(error));
+  throw TCommandFailure(kExitBadInput, FailureLine("writing", shownAs, failure));
+}
+
+/// The new name in the folder must outlast a loss of power like the contents do.
+bool SyncFolderOf(const std::string& path) {
+  const std::string folder = std::filesystem::absolute(path).parent_path().string();
+  const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (descriptor < 0) return false;
+  const bool synced = ::fsync(descriptor) == 0 || errno == EINVAL;  // some file systems cannot
+  ::close(descriptor);
+  return synced;
+}
+
+}  // namespace
+
+TNewFile::TNewFile(const std::string& folder, const std::string& suffix, const std::string& shownAs)
+    : fDescriptor(-1) {
+  const std::string pattern = folder + "/.qdx-XXXXXX" + suffix;
+  if (pattern.size() >= sizeof(gPath)) FailToWrite(shownAs, ENAMETOOLONG);
+  RemoveOnSignals();
+  // The name is made in place, so that at no moment a signal leaves a file behind.
+  *std::copy(pattern.begin(), pattern.end(), gPath) = '\0';
+  fDescriptor = ::mkostemps(gPath, static_cast<int>(suffix.size()), O_CLOEXEC);
+  if (fDescriptor < 0) FailToWrite(shownAs, errno);
+  fPath = gPath;
+}
+
+TNewFile::~TNewFile() {
+  ::unlink(fPath.c_str());  // nothing is left of that name once it was published
+  ::close(fDescriptor);
+}
+
+void TNewFile::Publish(const std::string& path) {
+  if (::fsync(fDescriptor) != 0 || std::rename(fPath.c_str(), path.c_str()) != 0 ||
+      !SyncFolderOf(path)) {
+    FailToWrite(path, errno);
+  }
+}
+
+}  // namespace NVORNQDX20

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+/// A file that appears under its name as a whole, or not at all.
+#ifndef QDX_NEW_FILE_H_
+#define QDX_NEW_FILE_H_
+
+#include <string>
+
+namespace NVORNQDX20 {
+
+/// Stands under a name of its own beside the final one, readable by its owner alone, until
+/// Publish() renames it. Whatever ends the command before that removes it: an exception, or one of
+/// the signals SIGHUP, SIGINT and SIGTERM; only what cannot be caught leaves it behind. One at a
+/// time.
+class TNewFile {
+ public:
+  /// Makes the empty file in the folder, with a name that ends in `suffix`. Throws a
+  /// TCommandFailure that calls it `shownAs` if that cannot be done.
+  TNewFile(const std::string& folder, const std::string& suffix, const std::string& shownAs);
+  ~TNewFile();
+  TNewFile(const TNewFile&) = delete;
+  TNewFile& operator=(const TNewFile&) = delete;
+
+  /// Whoever fills the file opens it by this name, and closes it again.
+  const std::string& GetPath() const { return fPath; }
+
+  /// Brings the contents to the disk, then puts the file in the place of `path`, in the same
+  /// folder. Throws a TCommandFailure if that cannot be done.
+  void Publish(const std::string& path);
+
+ private:
+  std::string fPath;
+  int fDescriptor;  // kept for fsync
+};
+
+}  // namespace NVORNQDX20
+
+#endif  // QDX_NEW_FILE_H_
