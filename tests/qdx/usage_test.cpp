@@ -16,6 +16,8 @@ TEST(QDXUsage, ExplainsAMistakeInOneLine) {
   const TUsage rows[] = {{{}, "no verb is given"},
                          {{"help", "frob"}, "unknown verb 'frob'"},
                          {{"help", "identity", "x"}, "unexpected argument 'x'"},
+                         {{"upload", "file"}, "upload needs an argument: NAME"},
+                         {{"upload", "f", "n", "x"}, "unexpected argument 'x'"},
                          {{"identity", "--", "--json"}, "unexpected argument '--json'"},
                          {{"identity", "--roo=/"}, "unknown option '--roo'"},
                          {{"identity", "-j"}, "unknown option '-j'"},
@@ -37,7 +39,8 @@ TEST(QDXUsage, HelpsAndTellsItsVersion) {
   const TUsage rows[] = {{{"--help"}, "  identity  Tells who"},
                          {{"help"}, "  --log-level LEVEL  Log"},
                          {{"help", "identity"}, "  --root DIR         Describe"},
-                         {{"--help", "plugins"}, "Usage: qdx plugins [OPTION]..."},
+                         {{"--help", "plugins"}, "Usage: qdx plugins [OPTION]...\n"},
+                         {{"help", "upload"}, "Usage: qdx upload [OPTION]... FILE NAME\n"},
                          {{"identity", "--version"}, "qdx " QDXCORE_VERSION "\n"}};
   const TInstallation installation;
   for (const TUsage& row : rows) {

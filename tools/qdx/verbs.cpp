@@ -41,12 +41,14 @@ const char* const kExitCodes =
     "  2  wrong usage\n"
     "  3  partly done: a plug-in failed, the rest was delivered\n"
     "  4  a folder or file that was named, or standard output, cannot be used\n"
-    "  5  nothing was collected\n";
+    "  5  nothing was collected\n"
+    "  6  the transfer failed\n";
 
 }  // namespace
 
 const std::vector<TVerb>& AllVerbs() {
-  static const std::vector<TVerb> verbs = {IdentityVerb(), PluginsVerb()};
+  static const std::vector<TVerb> verbs = {IdentityVerb(), PluginsVerb(), MediaVerb(), UploadVerb(),
+                                           DownloadVerb()};
   return verbs;
 }
 

@@ -22,6 +22,9 @@ struct TVerb {
 
 TVerb IdentityVerb();
 TVerb PluginsVerb();
+TVerb MediaVerb();
+TVerb UploadVerb();
+TVerb DownloadVerb();
 
 /// Every verb, in the order of the help.
 const std::vector<TVerb>& AllVerbs();

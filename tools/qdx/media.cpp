@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/os_specific.h>
+
+#include <cctype>
+
+#include <nlohmann/json.hpp>
+
+#include "libraries.h"
+#include "output.h"
+#include "terminal.h"
+#include "verbs.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+using TJSON = nlohmann::ordered_json;
+using TMedia = TOSSpecific::TRemovableMedia;
+
+const char* const kUSBDeviceList = "/proc/bus/usb/devices";
+
+/// Whoever mounts what is listed does so in a shell command: a name from a provider that is more
+/// than a path to a device must not get there.
+bool IsPlainDevicePath(const std::string& path) {
+  const std::string folder = "/dev/";
+  const auto isPlain = [](unsigned char c) {
+    return std::isalnum(c) != 0 || c == '-' || c == '_' || c == '.' || c == '/';
+  };
+  return path.size() > folder.size() && path.compare(0, folder.size(), folder) == 0 &&
+         std::all_of(path.begin(), path.end(), isPlain) && path.find("..") == std::string::npos;
+}
+
+/// Takes out what cannot be mounted safely, and reports it.
+bool RefuseOddDevices(TMedia& media) {
+  const auto odd = std::stable_partition(media.begin(), media.end(), [](const auto& medium) {
+    return IsPlainDevicePath(medium.first);
+  });
+  for (auto medium = odd; medium != media.end(); ++medium) {
+    PrintError(FailureLine("listing medium", medium->first,
+                           {kQDXStatusInvalidFormat, "not a plain path below /dev"}));
+  }
+  const bool refused = odd != media.end();
+  media.erase(odd, media.end());
+  return refused;
+}
+
+EExitCode FailToList(const TFailure& failure) {
+  PrintError(FailureLine("listing removable media", kUSBDeviceList, failure));
+  return kExitNothingCollected;
+}
+
+void Write(const TMedia& media, bool asJSON) {
+  TJSON list = TJSON::array();
+  std::vector<TTableRow> rows = {{{"DEVICE", "DESCRIPTION"}, TTableRow::kHeading}};
+  for (const auto& [device, description] : media) {
+    list.push_back({{"device", device}, {"description", description}});
+    rows.push_back({{device, description}});
+  }
+  asJSON ? WriteJSON({{"media", list}}) : WriteOutput(FormatTable(rows));
+}
+
+EExitCode RunMedia(const TArguments& arguments) {
+  bool failed = AnyFailed(LoadProviderLibraries());
+  const auto ns = FindMachineNamespace(TOptionsMap(), failed);
+  if (!ns) {
+    PrintError(FailureLine("listing removable media", kMachineNamespace,
+                           {kQDXStatusNotFound, "no provider has it"}));
+    return kExitNothingCollected;
+  }
+  if (!TOSSpecific::FileExists(kUSBDeviceList)) {
+    return FailToList({kQDXStatusFileNotFound, "this kernel has no list of its USB devices"});
+  }
+  TMedia media;
+  const auto failure = Try([&] { media = TOSSpecific::EnumerateRemovableMedia(ns); });
+  if (failure) return FailToList(*failure);
+  failed = RefuseOddDevices(media) || failed;
+  Write(media, arguments.Has("json"));
+  return failed ? kExitPartlyDone : kExitDone;
+}
+
+}  // namespace
+
+TVerb MediaVerb() {
+  return {"media",
+          "Lists removable media that results can be written to; mounts a floppy.",
+          "USB storage is what the providers' list of SCSI devices and the kernel's\n"
+          "/proc/bus/usb/devices have in common; current kernels have no such file, and then\n"
+          "nothing is listed. A floppy is found by mounting it at /mnt/floppy, where it stays\n"
+          "mounted. Needs root.\n",
+          {{"json", nullptr, "Print one JSON object."}},
+          RunMedia};
+}
+
+}  // namespace NVORNQDX20
