@@ -31,7 +31,7 @@ TWallClock ClockOf(const TCIMDateTimeImpl& point, int minutes) {
 /// The instant that the wall clock of a point shows here, whatever offset the point has.
 std::int64_t InstantOf(const TCIMDateTimeImpl& point) { return ClockOf(point, 0).Instant(); }
 
-/// Wraps at 2^32 on purpose. Held by CIMDateTimeArithmetic.WrapsTheSecondsOfIntervals.
+/// Wraps at 2^32 on purpose. Held by CIMDateTimeArithmetic.AddsAndSubtracts.
 std::uint32_t SecondsOf(const TCIMDateTimeImpl& interval) {
   return interval.GetDay() * 86400U + interval.GetHour() * 3600U + interval.GetMinute() * 60U +
          interval.GetSecond();
@@ -73,7 +73,7 @@ TCIMDateTime AddToPoint(const TCIMDateTimeImpl& point, const TCIMDateTimeImpl& i
   const TMicroseconds total =
       InstantOf(point) * kPerSecond + point.GetMicroSeconds() + MicrosecondsOf(interval);
   // The microseconds are taken before the sign is dropped, so that before 1970 they come out beyond
-  // a million. Held by CIMDateTimeArithmetic.KeepsTheOddResultsBefore1970.
+  // a million. Held by CIMDateTimeArithmetic.AddsAndSubtracts.
   return MakePoint(Magnitude(total / kPerSecond), static_cast<std::uint32_t>(total % kPerSecond),
                    point.GetUTCOffset());
 }
@@ -136,7 +136,7 @@ TCIMDateTime TCIMDateTimeImpl::operator-(const TCIMDateTime& other) const {
   }
   if (!fInterval) return SubtractFromPoint(*this, fMicroseconds, right, right.fMicroseconds);
   // An interval less a point is the point moved back too, but with the two fractions exchanged on
-  // purpose. Held by CIMDateTimeArithmetic.ExchangesTheFractionsOfIntervalMinusPoint.
+  // purpose. Held by CIMDateTimeArithmetic.AddsAndSubtracts.
   return SubtractFromPoint(right, fMicroseconds, *this, right.fMicroseconds);
 }
 

@@ -18,145 +18,218 @@ namespace {
 class CIMReference : public ::testing::Test {
  protected:
   CIMReference() {
-    fClass = AddClass(fNamespace, "T_Disk", {{"Id", 0U}, {"Name", ""}}, {{"Size", 0UL}});
+    AddClass(fNamespace, "C", {{"a", ""}, {"b", 0U}},
+             {{"c", false}, {"d", TCIMDateTime(1, 2, 3, 4, 5)}});
+    AddClass(fNamespace, "Link", {{"From", NullReference(fNamespace, "C")}, {"Id", 0U}});
+    AddClass(fNamespace, "Far", {{"On", NullReference(fNamespace, "Link")}, {"z", ""}});
   }
 
   TCIMReference Reference(const TProperties& keys = {}) const {
     TCIMReference reference(fNamespace, TOptionsMap());
-    reference.SetClassName("T_Disk");
+    reference.SetClassName("C");
     for (const auto& [name, value] : keys) reference.AddKeyValue(name, value);
     return reference;
   }
 
+  std::string RoundTrip(const std::string& path) const {
+    return TCIMReference(fNamespace, path, TOptionsMap()).GetPath();
+  }
+
   const TNamespace fNamespace = MakeNamespace();
-  boost::shared_ptr<ICIMClass> fClass;
 };
 
 TEST_F(CIMReference, DemandsItsOrderOfUse) {
   TCIMReference reference(nullptr, TOptionsMap());
-  EXPECT_QDX_STATUS(reference.SetClassName("T_Disk"), kQDXStatusInvalidOpSequence);
-  EXPECT_QDX_STATUS(reference.SetPath("T_Disk"), kQDXStatusInvalidOpSequence);
-  EXPECT_QDX_STATUS(reference.AddKeyValue("Id", 1U), kQDXStatusInvalidOpSequence);
+  EXPECT_QDX_STATUS(reference.SetClassName("C"), kQDXStatusInvalidOpSequence);
+  EXPECT_QDX_STATUS(reference.SetPath("C"), kQDXStatusInvalidOpSequence);
+  EXPECT_QDX_STATUS(reference.AddKeyValue("b", 1U), kQDXStatusInvalidOpSequence);
   EXPECT_QDX_STATUS(reference.GetClass(), kQDXStatusInvalidReference);
   EXPECT_QDX_STATUS(reference.GetPath(), kQDXStatusFail);  // an assertion
   EXPECT_EQ(reference.GetCIMElement(), nullptr);
 
-  reference.SetClass(fClass);  // needs no namespace
-  EXPECT_EQ(reference.GetClassName(), "T_Disk");
+  reference.SetClass(fNamespace->GetClass("C", {}));  // needs no namespace
+  EXPECT_EQ(reference.GetClassName(), "C");
   reference.SetNamespace(fNamespace);
-  EXPECT_QDX_STATUS(reference.SetPath("T_Disk"), kQDXStatusInvalidOpSequence);
-  reference.AddKeyValue("Id", 1U);
-  EXPECT_QDX_STATUS(reference.SetClass(fClass), kQDXStatusInvalidOpSequence);
-  EXPECT_QDX_STATUS(reference.SetClassName("T_Disk"), kQDXStatusInvalidOpSequence);
+  EXPECT_QDX_STATUS(reference.SetPath("C"), kQDXStatusInvalidOpSequence);
+  reference.AddKeyValue("b", 1U);
+  EXPECT_QDX_STATUS(reference.SetClass(nullptr), kQDXStatusInvalidOpSequence);
+  EXPECT_QDX_STATUS(reference.SetClassName("C"), kQDXStatusInvalidOpSequence);
 
   reference.Clear();
   EXPECT_EQ(reference.GetNamespace(), nullptr);
-  EXPECT_QDX_STATUS(reference.SetClassName("T_Disk"), kQDXStatusInvalidOpSequence);
   reference.SetNamespace(fNamespace);
-  reference.SetPath("T_Disk.Id=\"2\"");
-  EXPECT_EQ(reference.GetPath(), "T_Disk.Id=\"2\"");
+  reference.SetPath("C.b=\"2\"");
+  EXPECT_EQ(reference.GetPath(), "C.b=\"2\"");
 }
 
-TEST_F(CIMReference, KeepsTheFirstValueOfAKey) {
-  EXPECT_EQ(Reference({{"Id", 1U}, {"Id", 2U}}).GetPath(), "T_Disk.Id=\"1\"");
-}
-
-TEST_F(CIMReference, RefusesAKeyOfAnotherType) {
+TEST_F(CIMReference, KeepsTheFirstValueOfAKeyAndRefusesOtherTypes) {
   const TLogCapture log;
-  TCIMReference reference = Reference();
-  EXPECT_QDX_STATUS(reference.AddKeyValue("Id", "1"), kQDXStatusTypeMismatch);
+  TCIMReference reference = Reference({{"b", 1U}, {"b", 2U}});
+  EXPECT_QDX_STATUS(reference.AddKeyValue("b", "1"), kQDXStatusTypeMismatch);
   EXPECT_EQ(log.Messages(),
             std::vector<std::string>{"0 Core: Declaration type: uint32 Value type: string"});
-  EXPECT_EQ(reference.GetPath(), "T_Disk");
   EXPECT_QDX_STATUS(reference.AddKeyValue("None", 1U), kQDXStatusNotFound);  // the provider's
-  reference.AddKeyValue("Size", 1UL);                                        // declared, if no key
+  reference.AddKeyValue("c", true);                                          // declared, if no key
+  EXPECT_EQ(reference.GetPath(), "C.b=\"1\",c=\"true\"");
 }
 
 TEST_F(CIMReference, VisitsKeysInByteOrderUntilToldToStop) {
-  const TCIMReference reference = Reference({{"Name", "a"}, {"Id", 1U}, {"Size", 2UL}});
   std::string visited;
-  reference.EnumerateKeyBindings([&visited](std::pair<std::string, TCIMValue> binding) {
-    visited += binding.first + "=" + binding.second.ToString(10) + " ";
-    return binding.first != "Name";
-  });
-  EXPECT_EQ(visited, "Id=1 Name=a ");
-  EXPECT_THROW(reference.EnumerateKeyBindings(TKeyBindingCallback()), boost::bad_function_call);
-  EXPECT_NO_THROW(Reference().EnumerateKeyBindings(TKeyBindingCallback()));
+  Reference({{"b", 1U}, {"a", "x"}, {"c", true}})
+      .EnumerateKeyBindings([&visited](std::pair<std::string, TCIMValue> binding) {
+        visited += binding.first + "=" + binding.second.ToString(10) + " ";
+        return binding.first != "b";
+      });
+  EXPECT_EQ(visited, "a=x b=1 ");
+  EXPECT_THROW(Reference({{"b", 1U}}).EnumerateKeyBindings({}), boost::bad_function_call);
+  EXPECT_NO_THROW(Reference().EnumerateKeyBindings({}));
 }
 
 TEST_F(CIMReference, PassesItsOptionsToEveryClassLookup) {
   const auto recorder = boost::make_shared<TRecordingNamespace>(fNamespace);
   TCIMReference reference(recorder, {{"from", "x"}});
-  reference.SetClassName("T_Disk");
+  reference.SetClassName("C");
   TCIMReference copy(reference);
   copy.Clear();
   copy.SetNamespace(recorder);
-  copy.SetPath("T_Disk.Id=\"1\"");
-  EXPECT_EQ(recorder->Asked(), "T_Disk(x) T_Disk(x) ");
+  copy.SetPath("Link.From=\"C.b=\"1\"\"");
+  EXPECT_EQ(recorder->Asked(), "C(x) Link(x) C(x) ");
 
   reference.SetClassName("T_None");  // what the namespace answers is stored, null included
-  EXPECT_QDX_STATUS(reference.AddKeyValue("Id", 1U), kQDXStatusInvalidOpSequence);
-  EXPECT_QDX_STATUS(reference.GetClassName(), kQDXStatusFail);
+  EXPECT_QDX_STATUS(reference.AddKeyValue("b", 1U), kQDXStatusInvalidOpSequence);
+  EXPECT_QDX_STATUS(reference.GetClassName(), kQDXStatusFail);  // an assertion
+  EXPECT_QDX_STATUS(TCIMReference(recorder, "T_None.b=1", {}), kQDXStatusFail);
 }
 
 TEST_F(CIMReference, LeavesANullDeclarationToTheAssertionHandler) {
   const auto faults = boost::make_shared<TFaults>();
   faults->AnswerNull("ICIMClass::GetPropertyDecl", TFaults::kEveryCall);
-  const TNamespace faulty = MakeFaultyNamespace(fNamespace, faults);
-  TCIMReference reference(faulty, TOptionsMap());
-  EXPECT_QDX_STATUS(reference.SetPath("T_Disk.Id=1"), kQDXStatusInvalidReference);
-  EXPECT_QDX_STATUS(reference.AddKeyValue("Id", 1U), kQDXStatusFail);
-  EXPECT_QDX_STATUS(TCIMReference(faulty, "T_Disk.Id=\"1\"", {}), kQDXStatusFail);
+  TCIMReference reference(MakeFaultyNamespace(fNamespace, faults), TOptionsMap());
+  EXPECT_QDX_STATUS(reference.SetPath("C.b=1"), kQDXStatusInvalidReference);
+  EXPECT_QDX_STATUS(reference.AddKeyValue("b", 1U), kQDXStatusFail);
 }
 
 TEST_F(CIMReference, CopiesShareNothingButWhatTheyName) {
-  TCIMReference original = Reference({{"Id", 1U}});
+  TCIMReference original = Reference({{"b", 1U}});
   TCIMReference copy(original);
-  copy.AddKeyValue("Name", "a");
-  EXPECT_EQ(original.GetPath(), "T_Disk.Id=\"1\"");
+  copy.AddKeyValue("a", "x");
+  EXPECT_EQ(original.GetPath(), "C.b=\"1\"");
   original = copy;
   original = *&original;
   copy.Clear();
-  EXPECT_EQ(original.GetPath(), "T_Disk.Id=\"1\",Name=\"a\"");
+  EXPECT_EQ(original.GetPath(), "C.a=\"x\",b=\"1\"");
 }
 
 TEST_F(CIMReference, FetchesTheInstanceOnceAndKeepsIt) {
-  TCIMReference reference = Reference({{"Id", 1U}, {"Name", "a"}});
+  TCIMReference reference = Reference({{"a", "x"}, {"b", 1U}});
   EXPECT_QDX_STATUS(reference.GetCIMElement(), kQDXStatusNotFound);
-  const auto instance = AddInstance(fNamespace, "T_Disk", {{"Id", 1U}, {"Name", "a"}});
+  AddInstance(fNamespace, "C", {{"a", "x"}, {"b", 1U}});
   const auto found = boost::dynamic_pointer_cast<ICIMInstance>(reference.GetCIMElement());
   ASSERT_TRUE(found);
-  EXPECT_EQ(found->GetProperty("Name", {})->GetValue().ToString(10), "a");
-  reference.AddKeyValue("Size", 99UL);  // names no instance, but the first answer is kept
+  EXPECT_EQ(found->GetProperty("a", {})->GetValue().ToString(10), "x");
+  reference.AddKeyValue("c", true);  // names no instance, but the first answer is kept
   EXPECT_EQ(reference.GetCIMElement(), TCIMReference(reference).GetCIMElement());
   reference.Clear();
   reference.SetNamespace(fNamespace);
-  reference.SetPath("T_Disk.Id=\"2\",Name=\"a\"");
+  reference.SetPath("C.a=\"x\",b=\"2\"");
   EXPECT_QDX_STATUS(reference.GetCIMElement(), kQDXStatusNotFound);
-  EXPECT_EQ(Reference().GetCIMElement(), fClass);
+  EXPECT_EQ(Reference().GetCIMElement(), fNamespace->GetClass("C", {}));
 }
 
 TEST_F(CIMReference, ComparesClassObjectsAndKeys) {
-  const TCIMReference none = Reference();
-  const TCIMReference one = Reference({{"Id", 1U}});
-  const TCIMReference oneA = Reference({{"Id", 1U}, {"Name", "a"}});
-  const TCIMReference two = Reference({{"Id", 2U}});
-  const TCIMReference named = Reference({{"Name", ""}});
-  const TCIMReference* const ascending[] = {&none, &one, &oneA, &two, &named};
+  const TCIMReference ascending[] = {Reference(), Reference({{"a", ""}}),
+                                     Reference({{"a", ""}, {"b", 1U}}), Reference({{"a", "x"}}),
+                                     Reference({{"b", 0U}})};
   for (std::size_t i = 0; i < std::size(ascending); ++i) {
     for (std::size_t j = 0; j < std::size(ascending); ++j) {
-      EXPECT_EQ(*ascending[i] < *ascending[j], i < j) << i << j;
-      EXPECT_EQ(*ascending[i] == *ascending[j], i == j) << i << j;
+      EXPECT_EQ(ascending[i] < ascending[j], i < j) << i << j;
+      EXPECT_EQ(ascending[i] == TCIMReference(ascending[j]), i == j) << i << j;
     }
   }
-  EXPECT_TRUE(one == Reference({{"Id", 1U}}));
-
-  const TNamespace otherNamespace = MakeNamespace();
-  TCIMReference other(otherNamespace, TOptionsMap());
-  other.SetClass(AddClass(otherNamespace, "T_Disk", {{"Id", 0U}}));
-  EXPECT_FALSE(other == none);
-  EXPECT_NE(other < none, none < other);
+  TCIMReference other(nullptr, TOptionsMap());
+  other.SetClass(AddClass(MakeNamespace(), "C", {}));
+  EXPECT_FALSE(other == Reference());
+  EXPECT_NE(other < Reference(), Reference() < other);
   EXPECT_TRUE(TCIMReference(nullptr, {}) == TCIMReference(fNamespace, {}));
+}
+
+using ObjectPath = CIMReference;
+
+TEST_F(ObjectPath, IsWrittenSortedAndQuoted) {
+  const std::pair<const char*, const char*> rows[] = {
+      {R"(C)", R"(C)"},
+      {R"(C.b="7",a="x")", R"(C.a="x",b="7")"},
+      {R"(C.a="1".b="2")", R"(C.a="1",b="2")"},
+      {R"(C.a="disk \"a\"")", R"(C.a="disk \"a\"")"},
+      {R"(C.a="x\y\\z\\\"")", R"(C.a="x\\y\\z\\\"")"},
+      {R"(C.a="b=.,c")", R"(C.a="b=.,c")"},
+      {R"(C.a="",c="true")", R"(C.a="",c="true")"},
+      {R"(C.b="0x10")", R"(C.b="16")"},
+      {R"(C.a="1",a="2")", R"(C.a="1")"},
+      {R"(C.d="20040315143000.000000+060")", R"(C.d="20040315143000.000000+060")"},
+      {R"(Link.Id="1",From="C.b="2",a="\""")", R"(Link.From="C.a="\"",b="2"",Id="1")"},
+      {R"(Far.On="Link.From="C.a="k"",Id="3"",z="e")",
+       R"(Far.On="Link.From="C.a="k"",Id="3"",z="e")"},
+      // A nested path that is cut short runs to the end of the text.
+      {R"(Link.From="C.a="k")", R"(Link.From="C.a="k"")"},
+      {R"(Link.From="C)", R"(Link.From="C")"},
+  };
+  for (const auto& [read, written] : rows) EXPECT_EQ(RoundTrip(read), written) << read;
+}
+
+TEST_F(ObjectPath, IsBoundToTheTypesOfTheClass) {
+  TCIMReference nested = Reference({{"b", 2U}});
+  TCIMReference wanted(fNamespace, "Link", {});
+  wanted.AddKeyValue("From", TCIMValue(nested));
+  EXPECT_TRUE(TCIMReference(fNamespace, R"(Link.From="C.b="2"")", {}) == wanted);
+}
+
+TEST_F(ObjectPath, ThatIsBadIsLoggedAndRefused) {
+  const std::pair<std::string, std::string> rows[] = {
+      {R"(C.a=1)", R"(opening '"')"},
+      {R"(C.a=)", R"(opening '"')"},
+      {R"(C.a="1)", R"(closing '"')"},
+      {R"(C.a="1\")", R"(closing '"')"},
+      {R"(C.a)", "property value"},
+      {R"(C.a="1",)", "property value"},
+      {R"(C.a="1"x="2")", "'.' or ','"},
+      {R"(Link.From="C.a="k"x")", "'.' or ','"},
+      {R"(Link.From="C.a="k"" Id="1")", "'.' or ','"},
+  };
+  for (const auto& [path, missing] : rows) {
+    const TLogCapture log;
+    EXPECT_QDX_STATUS(RoundTrip(path), kQDXStatusInvalidReference) << path;
+    EXPECT_EQ(log.Messages(),
+              std::vector<std::string>{"0 Reference missing " + missing + ", path=" + path});
+  }
+}
+
+TEST_F(ObjectPath, FailsAsItsPartsDoAndKeepsWhatWasReadBefore) {
+  EXPECT_QDX_STATUS(RoundTrip(R"(None.a="1")"), kQDXStatusNotFound);
+  EXPECT_QDX_STATUS(RoundTrip(R"(C.a,b="1")"), kQDXStatusNotFound);  // one name, up to the "="
+  TCIMReference reference(fNamespace, TOptionsMap());
+  EXPECT_QDX_STATUS(reference.SetPath(R"(C.a="1",d="never")"), kQDXStatusInvalidDateTime);
+  EXPECT_EQ(reference.GetPath(), R"(C.a="1")");
+}
+
+TEST_F(ObjectPath, IsBoundedInItsDepth) {
+  const auto chain = fNamespace->CreateClass("Chain", nullptr, {});
+  TCIMValue self(TCIMValue::TCIMType::kCIMTypeReference, 0);
+  self.SetReferencedClass(chain);
+  chain->CreatePropertyDecl("n", self, {})->Commit();
+  chain->Commit({});
+  std::string path = "Chain";
+  for (int i = 0; i < 1000; ++i) path += R"(.n="Chain)";
+  EXPECT_EQ(RoundTrip(path), path + std::string(1000, '"'));
+  EXPECT_QDX_STATUS(RoundTrip(path + R"(.n="Chain)"), kQDXStatusInvalidReference);
+}
+
+TEST_F(ObjectPath, IsParsedFromTheQuoteOfANestedOne) {
+  TCIMReference target(fNamespace, TOptionsMap());
+  std::uint64_t position = 3;
+  target.GetBody()->ParsePath(target.GetBody(), R"(xx="C.b="2"",y)", position);
+  EXPECT_EQ(position, 11U);  // on the nested path's closing quote
+  EXPECT_EQ(target.GetPath(), R"(C.b="2")");
 }
 
 }  // namespace

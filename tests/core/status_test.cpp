@@ -1,6 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxcore/status.h>
 
+#include <qdxcore/interfaces.h>
+
+#include "support/expect_status.h"
+#include "support/log_capture.h"
+
+#include <cstdlib>
+
 #include <gtest/gtest.h>
 
 namespace NVORNQDX20 {
@@ -34,9 +41,53 @@ TEST(Status, TranslatesEachCodeToItsOwnName) {
   }
 }
 
-TEST(Status, KeepsTheTextWhenTheExceptionIsGone) {
-  const char* text = TQDXException(kQDXStatusFail).what();
-  EXPECT_EQ(text, TQDXException(kQDXStatusFail).what());
+class Assertion : public ::testing::Test {
+ protected:
+  void TearDown() override { ::unsetenv("QDX_BOOST_ASSERT"); }
+  static void Choose(const char* setting) { ::setenv("QDX_BOOST_ASSERT", setting, 1); }
+  static void UseNull() {
+    const boost::shared_ptr<ICIMNamespace> null;
+    null->GetClass("A", TOptionsMap());
+  }
+};
+
+TEST_F(Assertion, ThrowsAndLogsExpressionPlaceAndFunction) {
+  EXPECT_QDX_STATUS(UseNull(), kQDXStatusFail);  // needs no logger
+  const TLogCapture log;
+  EXPECT_QDX_STATUS(boost::assertion_failed("a < b", "int f()", "x.cpp", 12), kQDXStatusFail);
+  Choose("throwboost");
+  EXPECT_THROW(UseNull(), TBoostAssertException);
+  EXPECT_EQ(StatusThrownBy([] { boost::assertion_failed_msg("a", "why", "g", "y.h", 3); }),
+            "another exception: Boost assertion failure! y.h:3 [a (why)] func = g");
+  ASSERT_EQ(log.Messages().size(), 3U);
+  EXPECT_EQ(log.Messages()[0], "0 Boost assertion failure! x.cpp:12 [a < b] func = int f()");
+}
+
+TEST_F(Assertion, ReportsASettingThatItDoesNotKnow) {
+  for (const std::string setting : {"THROWBOOST", "", " trap"}) {
+    Choose(setting.c_str());
+    ::testing::internal::CaptureStderr();
+    EXPECT_QDX_STATUS(UseNull(), kQDXStatusFail);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "Invalid setting for QDX_BOOST_ASSERT '" + setting +
+                  "'. Valid values are {throwqdx, throwboost, trap, exit}.\n");
+  }
+}
+
+TEST_F(Assertion, ReturnsFromATrap) {
+  Choose("trap");
+  ::testing::internal::CaptureStderr();
+  boost::assertion_failed("e", "f", "x", 1);
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+            "\nBoost assertion failure! x:1 [e] func = f\n\nForcing segmentation fault.\n\n");
+}
+
+using AssertionDeathTest = Assertion;
+
+TEST_F(AssertionDeathTest, EndsTheProcessOnRequest) {
+  Choose("exit");
+  EXPECT_EXIT(UseNull(), ::testing::ExitedWithCode(1),
+              "\nBoost assertion failure! .*px != 0.* func = .*\n$");
 }
 
 }  // namespace
