@@ -10,7 +10,6 @@
 #include <type_traits>
 
 #include <gtest/gtest.h>
-#include <boost/make_shared.hpp>
 
 namespace NVORNQDX20 {
 namespace {
@@ -75,39 +74,24 @@ TEST(InterfaceSlots, NeverChange) {
 }
 
 // The four that carry qualifiers convert to their base; for a class that base is not the first.
-static_assert(std::is_base_of_v<ICIMNamedElement, ICIMClass>);
-static_assert(std::is_base_of_v<ICIMNamedElement, ICIMPropertyDecl>);
-static_assert(std::is_base_of_v<ICIMNamedElement, ICIMMethodDecl>);
-static_assert(std::is_base_of_v<ICIMNamedElement, ICIMParameterDecl>);
+template <typename... T>
+constexpr bool kAreNamed = (std::is_base_of_v<ICIMNamedElement, T> && ...);
+static_assert(kAreNamed<ICIMClass, ICIMPropertyDecl, ICIMMethodDecl, ICIMParameterDecl>);
 
-/// A plug-in that knows the listed operations only.
-class TMinimalProvider : public INamespaceProvider {
- public:
+/// Plug-ins that know the listed operations only.
+struct TMinimalProvider : public INamespaceProvider {
   const std::string& GetName(TOptionsMap) const override { return fName; }
-
- private:
   std::string fName = "minimal";
 };
-
-class TMinimalConsumer : public INamespaceConsumer {};
+struct TMinimalConsumer : public INamespaceConsumer {};
 
 TEST(InterfaceDefaults, SayThatTheyAreNotImplemented) {
   TMinimalProvider provider;
   EXPECT_QDX_STATUS(provider.GetNamespace("root", {}), kQDXStatusNotImplemented);
-  EXPECT_QDX_STATUS(provider.EnumerateNamespaceNames(TNamespaceNameCallback(), {}),
-                    kQDXStatusNotImplemented);
+  EXPECT_QDX_STATUS(provider.EnumerateNamespaceNames({}, {}), kQDXStatusNotImplemented);
   TMinimalConsumer consumer;
   EXPECT_QDX_STATUS(consumer.GetName({}), kQDXStatusNotImplemented);
   EXPECT_QDX_STATUS(consumer.Consume(nullptr, {}), kQDXStatusNotImplemented);
-}
-
-TEST(AddToVectorCallback, AppendsThroughACopyOfItself) {
-  std::vector<boost::shared_ptr<int>> numbers;
-  const TEnumerationCallback<int> callback = TAddToVectorCallback<int>(numbers);
-  EXPECT_TRUE(callback(boost::make_shared<int>(1)));
-  EXPECT_TRUE(callback(boost::make_shared<int>(2)));
-  ASSERT_EQ(numbers.size(), 2U);
-  EXPECT_EQ(*numbers.back(), 2);
 }
 
 }  // namespace
