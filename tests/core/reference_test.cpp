@@ -177,13 +177,6 @@ TEST_F(ObjectPath, IsWrittenSortedAndQuoted) {
   for (const auto& [read, written] : rows) EXPECT_EQ(RoundTrip(read), written) << read;
 }
 
-TEST_F(ObjectPath, IsBoundToTheTypesOfTheClass) {
-  TCIMReference nested = Reference({{"b", 2U}});
-  TCIMReference wanted(fNamespace, "Link", {});
-  wanted.AddKeyValue("From", TCIMValue(nested));
-  EXPECT_TRUE(TCIMReference(fNamespace, R"(Link.From="C.b="2"")", {}) == wanted);
-}
-
 TEST_F(ObjectPath, ThatIsBadIsLoggedAndRefused) {
   const std::pair<std::string, std::string> rows[] = {
       {R"(C.a=1)", R"(opening '"')"},

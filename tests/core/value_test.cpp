@@ -89,15 +89,13 @@ static_assert(kNoneMakesAValue<TCIMType, TCIMType::ECIMType, const volatile int*
 static_assert(std::is_constructible_v<TCIMValue, char*>);
 static_assert(std::is_nothrow_move_constructible_v<TCIMValue>);
 
-TEST(CIMValue, IsTypedWhenNull) {
+TEST(CIMValue, IsTypedWhenNullAndKeepsTheArraySize) {
   EXPECT_EQ(TCIMValue().GetType(), TCIMType::kCIMTypeNone);
   EXPECT_EQ(Null(TCIMType::kCIMTypeUint8).GetType(), TCIMType::kCIMTypeUint8);
   EXPECT_TRUE(Null(TCIMType::kCIMTypeUint8, 4).IsArray());
   EXPECT_FALSE(Null(TCIMType::kCIMTypeReference, 4).IsReference());
   EXPECT_TRUE(Null(TCIMType::kCIMTypeReference).IsReference());
-}
 
-TEST(CIMValue, KeepsTheArraySizeThroughScalarsAndNulls) {
   TCIMValue value = Null(TCIMType::kCIMTypeUint8, 4);
   value.Set(5);
   EXPECT_FALSE(value.IsArray());

@@ -5,11 +5,13 @@
 #include <qdxcore/registry.h>
 
 #include "support/expect_status.h"
+#include "support/log_capture.h"
 
 #include <cstring>
 #include <type_traits>
 
 #include <gtest/gtest.h>
+#include <boost/make_shared.hpp>
 
 namespace NVORNQDX20 {
 namespace {
@@ -25,51 +27,41 @@ std::uint64_t SlotOf(TMember member) {
   return (words[0] - 1) / sizeof(void*);
 }
 
-#define SLOT(type, function, slot) \
-  EXPECT_EQ(SlotOf(&type::function), std::uint64_t{slot}) << #type "::" #function
+#define SLOT(function, slot) \
+  EXPECT_EQ(SlotOf(&TInterface::function), std::uint64_t{slot}) << #function
 
 TEST(InterfaceSlots, NeverChange) {
   // clang-format off
-  SLOT(ICIMNamespace, GetName, 2); SLOT(ICIMNamespace, CreateClass, 5);
-  SLOT(ICIMNamespace, GetClass, 7); SLOT(ICIMNamespace, EnumerateClasses, 9);
-  SLOT(ICIMNamespace, CreateQualifierDecl, 11); SLOT(ICIMNamespace, GetQualifierDecl, 13);
-  SLOT(ICIMNamespace, EnumerateQualifierDecls, 14);
-  SLOT(ICIMClass, Commit, 3); SLOT(ICIMClass, GetName, 6); SLOT(ICIMClass, IsAssociation, 8);
-  SLOT(ICIMClass, IsAbstract, 9); SLOT(ICIMClass, IsRootClass, 10);
-  SLOT(ICIMClass, GetSuperclass, 11); SLOT(ICIMClass, EnumerateSubclasses, 12);
-  SLOT(ICIMClass, GetQualifier, 20); SLOT(ICIMClass, EnumerateQualifiers, 21);
-  SLOT(ICIMClass, CreatePropertyDecl, 22); SLOT(ICIMClass, GetPropertyDecl, 24);
-  SLOT(ICIMClass, EnumeratePropertyDecls, 25); SLOT(ICIMClass, SetStaticPropertyValue, 28);
-  SLOT(ICIMClass, EnumerateStaticProperties, 29); SLOT(ICIMClass, CreateInstance, 30);
-  SLOT(ICIMClass, GetInstance, 32); SLOT(ICIMClass, EnumerateInstances, 33);
-  SLOT(ICIMClass, CreateMethodDecl, 34); SLOT(ICIMClass, EnumerateMethodDecls, 37);
-  SLOT(ICIMInstance, Commit, 3); SLOT(ICIMInstance, GetClass, 7);
-  SLOT(ICIMInstance, GetProperty, 10); SLOT(ICIMInstance, SetPropertyValue, 12);
-  SLOT(ICIMInstance, EnumerateProperties, 13);
-  SLOT(ICIMProperty, GetValue, 5); SLOT(ICIMProperty, GetDecl, 14);
-  SLOT(ICIMPropertyDecl, GetQualifier, 6); SLOT(ICIMPropertyDecl, EnumerateQualifiers, 7);
-  SLOT(ICIMPropertyDecl, Commit, 9); SLOT(ICIMPropertyDecl, GetName, 11);
-  SLOT(ICIMPropertyDecl, GetType, 13); SLOT(ICIMPropertyDecl, GetDefaultValue, 15);
-  SLOT(ICIMQualifierDecl, Commit, 3); SLOT(ICIMQualifierDecl, GetName, 5);
-  SLOT(ICIMQualifierDecl, GetDefaultValue, 9); SLOT(ICIMQualifierDecl, GetScope, 11);
-  SLOT(ICIMQualifierDecl, GetFlavor, 14);
-  SLOT(ICIMQualifier, Commit, 3); SLOT(ICIMQualifier, GetDecl, 9);
-  SLOT(ICIMQualifier, GetValue, 10);
-  SLOT(ICIMNamedElement, AddQualifier, 3);
-  SLOT(ICIMMethodDecl, EnumerateQualifiers, 7); SLOT(ICIMMethodDecl, GetName, 10);
-  SLOT(ICIMMethodDecl, GetReturnType, 12); SLOT(ICIMMethodDecl, CreateParameterDecl, 13);
-  SLOT(ICIMMethodDecl, EnumerateParameterDecls, 16);
-  SLOT(ICIMParameterDecl, Commit, 9); SLOT(ICIMParameterDecl, GetName, 10);
-  SLOT(ICIMParameterDecl, GetType, 12); SLOT(ICIMParameterDecl, EnumerateQualifiers, 14);
-  SLOT(INamespaceProviderManager, RegisterNamespaceProvider, 2);
-  SLOT(INamespaceProviderManager, GetNamespaceProvider, 3);
-  SLOT(INamespaceProviderManager, EnumerateNamespaceProviders, 4);
-  SLOT(ILogger, OutputLogEntry, 2); SLOT(ILogger, GetLog, 3); SLOT(ILogger, ClearLog, 4);
-  SLOT(ILogger, SetLogThreshold, 5); SLOT(ILogger, GetLogThreshold, 6);
-  SLOT(ILogger, SetLogFilename, 7);
-  SLOT(INamespaceProvider, GetName, 2); SLOT(INamespaceProvider, GetNamespace, 3);
-  SLOT(INamespaceProvider, EnumerateNamespaceNames, 4);
-  SLOT(INamespaceConsumer, GetName, 2); SLOT(INamespaceConsumer, Consume, 3);
+  { using TInterface = ICIMNamespace; SLOT(GetName, 2); SLOT(CreateClass, 5); SLOT(GetClass, 7);
+    SLOT(EnumerateClasses, 9); SLOT(CreateQualifierDecl, 11); SLOT(GetQualifierDecl, 13);
+    SLOT(EnumerateQualifierDecls, 14); }
+  { using TInterface = ICIMClass; SLOT(Commit, 3); SLOT(GetName, 6); SLOT(IsAssociation, 8);
+    SLOT(IsAbstract, 9); SLOT(IsRootClass, 10); SLOT(GetSuperclass, 11);
+    SLOT(EnumerateSubclasses, 12); SLOT(GetQualifier, 20); SLOT(EnumerateQualifiers, 21);
+    SLOT(CreatePropertyDecl, 22); SLOT(GetPropertyDecl, 24); SLOT(EnumeratePropertyDecls, 25);
+    SLOT(SetStaticPropertyValue, 28); SLOT(EnumerateStaticProperties, 29); SLOT(CreateInstance, 30);
+    SLOT(GetInstance, 32); SLOT(EnumerateInstances, 33); SLOT(CreateMethodDecl, 34);
+    SLOT(EnumerateMethodDecls, 37); }
+  { using TInterface = ICIMInstance; SLOT(Commit, 3); SLOT(GetClass, 7); SLOT(GetProperty, 10);
+    SLOT(SetPropertyValue, 12); SLOT(EnumerateProperties, 13); }
+  { using TInterface = ICIMProperty; SLOT(GetValue, 5); SLOT(GetDecl, 14); }
+  { using TInterface = ICIMPropertyDecl; SLOT(GetQualifier, 6); SLOT(EnumerateQualifiers, 7);
+    SLOT(Commit, 9); SLOT(GetName, 11); SLOT(GetType, 13); SLOT(GetDefaultValue, 15); }
+  { using TInterface = ICIMQualifierDecl; SLOT(Commit, 3); SLOT(GetName, 5);
+    SLOT(GetDefaultValue, 9); SLOT(GetScope, 11); SLOT(GetFlavor, 14); }
+  { using TInterface = ICIMQualifier; SLOT(Commit, 3); SLOT(GetDecl, 9); SLOT(GetValue, 10); }
+  { using TInterface = ICIMNamedElement; SLOT(AddQualifier, 3); }
+  { using TInterface = ICIMMethodDecl; SLOT(EnumerateQualifiers, 7); SLOT(GetName, 10);
+    SLOT(GetReturnType, 12); SLOT(CreateParameterDecl, 13); SLOT(EnumerateParameterDecls, 16); }
+  { using TInterface = ICIMParameterDecl; SLOT(Commit, 9); SLOT(GetName, 10); SLOT(GetType, 12);
+    SLOT(EnumerateQualifiers, 14); }
+  { using TInterface = INamespaceProviderManager; SLOT(RegisterNamespaceProvider, 2);
+    SLOT(GetNamespaceProvider, 3); SLOT(EnumerateNamespaceProviders, 4); }
+  { using TInterface = ILogger; SLOT(OutputLogEntry, 2); SLOT(GetLog, 3); SLOT(ClearLog, 4);
+    SLOT(SetLogThreshold, 5); SLOT(GetLogThreshold, 6); SLOT(SetLogFilename, 7); }
+  { using TInterface = INamespaceProvider; SLOT(GetName, 2); SLOT(GetNamespace, 3);
+    SLOT(EnumerateNamespaceNames, 4); }
+  { using TInterface = INamespaceConsumer; SLOT(GetName, 2); SLOT(Consume, 3); }
   // clang-format on
 }
 
@@ -92,6 +84,54 @@ TEST(InterfaceDefaults, SayThatTheyAreNotImplemented) {
   TMinimalConsumer consumer;
   EXPECT_QDX_STATUS(consumer.GetName({}), kQDXStatusNotImplemented);
   EXPECT_QDX_STATUS(consumer.Consume(nullptr, {}), kQDXStatusNotImplemented);
+}
+
+class TNamedProvider : public INamespaceProvider {
+ public:
+  explicit TNamedProvider(std::string name) : fName(std::move(name)) {}
+  const std::string& GetName(TOptionsMap options) const override {
+    if (fName.empty()) throw TQDXException(kQDXStatusAccessDenied);
+    EXPECT_TRUE(options.empty());
+    return fName;
+  }
+
+ private:
+  std::string fName;
+};
+
+boost::shared_ptr<INamespaceProvider> Register(const std::string& name) {
+  const auto provider = boost::make_shared<TNamedProvider>(name);
+  TRootObject::GetNamespaceProviderManager()->RegisterNamespaceProvider(provider);
+  return provider;
+}
+
+TEST(Registry, KeepsTheFirstOfAName) {
+  const auto registry = TRootObject::GetNamespaceProviderManager();
+  EXPECT_EQ(TNamespaceProviderManager::GetInstance(), registry);
+  const auto first = Register("first");
+  EXPECT_EQ(Register("first").use_count(), 1);
+  EXPECT_EQ(registry->GetNamespaceProvider("first"), first);
+  EXPECT_QDX_STATUS(Register(""), kQDXStatusAccessDenied);
+  EXPECT_QDX_STATUS(registry->RegisterNamespaceProvider(nullptr), kQDXStatusFail);
+  const TLogCapture log;
+  EXPECT_EQ(TRootObject::GetCoreLogger(), TLogger::GetInstance());
+  EXPECT_QDX_STATUS(registry->GetNamespaceProvider("First"), kQDXStatusNotFound);
+  EXPECT_EQ(log.Messages(), std::vector<std::string>{"0 Failed to find nsp named First"});
+}
+
+TEST(Registry, EnumeratesInByteOrderUntilToldToStop) {
+  for (const char* name : {"a", "B", "A", "C"}) Register(name);
+  std::string names;
+  boost::function<bool(boost::shared_ptr<INamespaceProvider>)> callback =
+      [&](boost::shared_ptr<INamespaceProvider> provider) {
+        names += provider->GetName({});
+        return names.back() != 'C';
+      };
+  const auto registry = TRootObject::GetNamespaceProviderManager();
+  registry->EnumerateNamespaceProviders(callback);
+  EXPECT_EQ(names, "ABC");
+  callback.clear();
+  EXPECT_THROW(registry->EnumerateNamespaceProviders(callback), boost::bad_function_call);
 }
 
 }  // namespace

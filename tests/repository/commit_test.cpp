@@ -13,13 +13,6 @@ using TCIMType = TCIMValue::TCIMType;
 using TClass = boost::shared_ptr<ICIMClass>;
 constexpr auto kUint8 = TCIMType::kCIMTypeUint8;
 
-template <typename TEnumerate>
-std::size_t Count(TEnumerate&& enumerate) {
-  std::size_t count = 0;
-  enumerate([&](const auto&) { return ++count > 0; });
-  return count;
-}
-
 /// T_Base has the key Id, T_Plain has none, T_Link is abstract; T_Sub is not committed. Qualifier
 /// Fixed cannot be changed below, Local and Free can; what Local says stays where it is said.
 struct TSample {
@@ -28,6 +21,7 @@ struct TSample {
     Qualifier("Local", 0);
     Qualifier("Free", kFlavorToSubclass | kFlavorOverridable);
     Qualify(fBase, "Fixed", "a");
+    Qualify(fBase->CreateMethodDecl("Run", kUint8, {}), "Fixed", "a");
     Property(fBase, "Id", 0U, {{"Key", true}});
     Property(fBase, "Name", "", {{"Fixed", "a"}, {"Local", "a"}, {"Free", "a"}});
     fBase->Commit({});
@@ -59,11 +53,14 @@ struct TSample {
   }
 
   /// How much the namespace holds.
-  std::vector<std::size_t> Contents() const {
-    return {Count([&](auto visit) { fNs->EnumerateClasses(visit, {}); }),
-            Count([&](auto visit) { fNs->EnumerateQualifierDecls(visit, {}); }),
-            Count([&](auto visit) { fBase->EnumerateSubclasses(visit, true, {}); }),
-            Count([&](auto visit) { fBase->EnumerateInstances(visit, true, {}); })};
+  int Contents() const {
+    int count = 0;
+    const auto visit = [&](const auto&) { return ++count > 0; };
+    fNs->EnumerateClasses(visit, {});
+    fNs->EnumerateQualifierDecls(visit, {});
+    fBase->EnumerateSubclasses(visit, true, {});
+    fBase->EnumerateInstances(visit, true, {});
+    return count;
   }
 
   const TNamespace fNs = MakeNamespace();
@@ -74,26 +71,22 @@ struct TSample {
 };
 
 TEST(RepositoryCommit, TakesEachCIMNameOnce) {
-  const struct {
-    const char* fWhat;
-    void (*fAdd)(TSample& s, const std::string& name);
-  } kElements[] = {
-      {"class", [](auto& s, auto& name) { s.Class(name)->Commit({}); }},
-      {"qualifier", [](auto& s, auto& name) { s.Qualifier(name, 0); }},
-      {"property", [](auto& s, auto& name) { s.Property(s.fSub, name, 1U); }},
-      {"method", [](auto& s, auto& name) { s.fSub->CreateMethodDecl(name, kUint8, {}); }},
-      {"parameter",
-       [](auto& s, auto& name) { s.fRun->CreateParameterDecl(name, kUint8)->Commit(); }},
+  using TAdd = void (*)(TSample & s, const std::string& name);
+  const TAdd kElements[] = {
+      [](auto& s, auto& name) { s.Class(name)->Commit({}); },
+      [](auto& s, auto& name) { s.Qualifier(name, 0); },
+      [](auto& s, auto& name) { s.Property(s.fSub, name, 1U); },
+      [](auto& s, auto& name) { s.fSub->CreateMethodDecl(name, kUint8, {}); },
+      [](auto& s, auto& name) { s.fRun->CreateParameterDecl(name, kUint8)->Commit(); },
   };
-  for (const auto& element : kElements) {
-    SCOPED_TRACE(element.fWhat);
+  for (const TAdd& add : kElements) {
     TSample s;
     for (const char* name : {"", "1A", "a.b", "a b", "a-b", " A"}) {
-      EXPECT_QDX_STATUS(element.fAdd(s, name), kQDXStatusInvalidCIMName) << name;
+      EXPECT_QDX_STATUS(add(s, name), kQDXStatusInvalidCIMName) << &add - kElements << name;
     }
-    element.fAdd(s, "_n9\xC3\xA9");
+    add(s, "_n9\xC3\xA9");
     const auto contents = s.Contents();
-    EXPECT_QDX_STATUS(element.fAdd(s, "_N9\xC3\xA9"), kQDXStatusAlreadyExists);
+    EXPECT_QDX_STATUS(add(s, "_N9\xC3\xA9"), kQDXStatusAlreadyExists) << &add - kElements;
     EXPECT_EQ(s.Contents(), contents);
   }
 }
@@ -107,23 +100,21 @@ TEST(RepositoryCommit, TakesEachCIMNameOnce) {
     EXPECT_EQ(s.Contents(), contents);    \
   } while (false)
 
-TEST(RepositoryCommit, RefusesValuesAndTypesThatDoNotFit) {
+TEST(RepositoryCommit, RefusesWhatBreaksARule) {
   const TCIMValue kChar(TCIMType::kCIMTypeChar, 0);
   const TCIMValue kToNothing(TCIMType::kCIMTypeReference, 0);
-  const TCIMType kArray = kUint8 | TCIMType::kCIMTypeArray;
+  const TCIMType kArrayType = kUint8 | TCIMType::kCIMTypeArray;
   EXPECT_REFUSED(kQDXStatusNotFound, s.fSub->SetStaticPropertyValue("Idd", 1U, {}));
   EXPECT_REFUSED(kQDXStatusInvalidProperty, s.Property(s.fSub, "New", TCIMValue()));
   EXPECT_REFUSED(kQDXStatusInvalidProperty, s.Property(s.fSub, "New", kChar));
   EXPECT_REFUSED(kQDXStatusInvalidProperty, s.Qualifier("New", 0, NullReference(s.fNs, "T_Base")));
-  EXPECT_REFUSED(kQDXStatusInvalidProperty, s.fSub->CreateMethodDecl("New", kArray, {}));
+  EXPECT_REFUSED(kQDXStatusInvalidProperty, s.fSub->CreateMethodDecl("New", kArrayType, {}));
   EXPECT_REFUSED(kQDXStatusInvalidReference, s.Property(s.fSub, "New", kToNothing));
   EXPECT_REFUSED(kQDXStatusTypeMismatch, s.Qualify(s.fSub, "Abstract", "true"));
   EXPECT_REFUSED(kQDXStatusTypeMismatch, s.fSub->SetStaticPropertyValue("Id", 1, {}));
   EXPECT_REFUSED(kQDXStatusTypeMismatch, s.Property(s.fSub, "name", 1U));
   EXPECT_REFUSED(kQDXStatusTypeMismatch, AddInstance(s.fNs, "T_Base", {{"Id", 2}}));
-}
 
-TEST(RepositoryCommit, RefusesWhatBreaksARule) {
   const TSample other;
   const TCIMValue kNull(TCIMType::kCIMTypeUint32, 0);
   const TCIMValue kArray(kUint8, 3);
@@ -141,6 +132,7 @@ TEST(RepositoryCommit, RefusesWhatBreaksARule) {
   EXPECT_REFUSED(kQDXStatusInvalidClass, s.fAbstract->CreateInstance({}));
   EXPECT_REFUSED(kQDXStatusInvalidInstance, AddInstance(s.fNs, "T_Base", {{"Id", kNull}}));
   EXPECT_REFUSED(kQDXStatusNotOverridable, s.Qualify(s.fSub, "Fixed", "b"));
+  EXPECT_REFUSED(kQDXStatusNotOverridable, s.Qualify(s.fRun, "Fixed", "b"));
   EXPECT_REFUSED(kQDXStatusNotOverridable, s.Property(s.fSub, "Name", "", {{"Fixed", "b"}}));
   EXPECT_REFUSED(kQDXStatusInvalidOpSequence, s.fBase->Commit({}));
   EXPECT_REFUSED(kQDXStatusInvalidOpSequence, s.Property(s.fBase, "New", 1U));
@@ -199,6 +191,8 @@ TEST(RepositoryCommit, KnowsAbstractClassesAndAssociations) {
   EXPECT_TRUE(s.fAbstract->IsRootClass({}) && sub->IsAssociation({}));
   EXPECT_FALSE(sub->IsAbstract({}) || sub->IsRootClass({}) || s.fBase->IsAssociation({}));
   EXPECT_EQ(sub->GetSuperclass({}), s.fAbstract);
+  s.Qualify(s.fSub, "Abstract", false);
+  EXPECT_FALSE(s.fSub->IsAbstract({}));
 }
 
 }  // namespace

@@ -12,43 +12,41 @@
 
 #include <boost/shared_ptr.hpp>
 
-using TNamespace = boost::shared_ptr<NVORNQDX20::ICIMNamespace>;
-using TProperties = std::vector<std::pair<std::string, NVORNQDX20::TCIMValue>>;
+namespace NVORNQDX20 {
+
+using TNamespace = boost::shared_ptr<ICIMNamespace>;
+using TProperties = std::vector<std::pair<std::string, TCIMValue>>;
 
 /// An empty namespace that knows the qualifiers Key, Association, Abstract and Override.
 inline TNamespace MakeNamespace() {
-  TNamespace ns = NVORNQDX20::MakeRepositoryNamespace("test");
-  using NVORNQDX20::kFlavorOverridable;
-  for (const char* name : {"Key", "Association", "Abstract"}) {
-    ns->CreateQualifierDecl(name, false, NVORNQDX20::kScopeAny, kFlavorOverridable, {})->Commit();
+  TNamespace ns = MakeRepositoryNamespace("test");
+  const TCIMValue noText(TCIMValue::TCIMType::kCIMTypeString, 0);
+  for (const std::string name : {"Key", "Association", "Abstract", "Override"}) {
+    const TCIMValue value = name == "Override" ? noText : TCIMValue(false);
+    ns->CreateQualifierDecl(name, value, kScopeAny, kFlavorOverridable, {})->Commit();
   }
-  const NVORNQDX20::TCIMValue text(NVORNQDX20::TCIMValue::TCIMType::kCIMTypeString, 0);
-  ns->CreateQualifierDecl("Override", text, NVORNQDX20::kScopeAny, kFlavorOverridable, {})
-      ->Commit();
   return ns;
 }
 
 /// A committed class; `keys` and `others` are its properties with their default values.
-inline boost::shared_ptr<NVORNQDX20::ICIMClass> AddClass(const TNamespace& ns,
-                                                         const std::string& name,
-                                                         const TProperties& keys,
-                                                         const TProperties& others = {}) {
+inline boost::shared_ptr<ICIMClass> AddClass(const TNamespace& ns, const std::string& name,
+                                             const TProperties& keys,
+                                             const TProperties& others = {}) {
   const auto added = ns->CreateClass(name, nullptr, {});
   for (const auto& [key, value] : keys) {
     const auto decl = added->CreatePropertyDecl(key, value, {});
     decl->AddQualifier(ns->GetQualifierDecl("Key", {}), true)->Commit();
     decl->Commit();
   }
-  for (const auto& [property, value] : others)
-    added->CreatePropertyDecl(property, value, {})->Commit();
+  for (const auto& [other, value] : others) added->CreatePropertyDecl(other, value, {})->Commit();
   added->Commit({});
   return added;
 }
 
 /// A committed instance.
-inline boost::shared_ptr<NVORNQDX20::ICIMInstance> AddInstance(const TNamespace& ns,
-                                                               const std::string& className,
-                                                               const TProperties& values) {
+inline boost::shared_ptr<ICIMInstance> AddInstance(const TNamespace& ns,
+                                                   const std::string& className,
+                                                   const TProperties& values) {
   const auto added = ns->GetClass(className, {})->CreateInstance({});
   for (const auto& [name, value] : values) added->SetPropertyValue(name, value, {});
   added->Commit({});
@@ -56,10 +54,12 @@ inline boost::shared_ptr<NVORNQDX20::ICIMInstance> AddInstance(const TNamespace&
 }
 
 /// A null reference to a class.
-inline NVORNQDX20::TCIMValue NullReference(const TNamespace& ns, const std::string& className) {
-  NVORNQDX20::TCIMValue value(NVORNQDX20::TCIMValue::TCIMType::kCIMTypeReference, 0);
+inline TCIMValue NullReference(const TNamespace& ns, const std::string& className) {
+  TCIMValue value(TCIMValue::TCIMType::kCIMTypeReference, 0);
   value.SetReferencedClass(ns->GetClass(className, {}));
   return value;
 }
+
+}  // namespace NVORNQDX20
 
 #endif  // TESTS_SUPPORT_CLASS_BUILDER_H_
