@@ -6,10 +6,9 @@
 ///   faults->Throw("ICIMClass::GetPropertyDecl", kQDXStatusAccessDenied, 2);  // the second call
 ///   faults->AnswerNull("ICIMNamespace::GetClass", TFaults::kEveryCall);
 ///
-/// Namespaces, classes, instances and properties are wrapped; declarations and qualifiers are the
-/// real ones, and so are the classes that values name. A wrapped class that is stored in the real
-/// namespace, within a reference value, would own that namespace for ever: give a faulty target
-/// nothing with references.
+/// All elements are wrapped but the classes that values name. A wrapped class that is stored in the
+/// real namespace, within a reference value, would own that namespace for ever: give a faulty
+/// target nothing with references.
 #ifndef TESTS_SUPPORT_FAULTY_PROVIDER_H_
 #define TESTS_SUPPORT_FAULTY_PROVIDER_H_
 
@@ -22,8 +21,15 @@
 #include <type_traits>
 #include <utility>
 
+#include <boost/core/demangle.hpp>
+#include <boost/function.hpp>
 #include <boost/smart_ptr/make_shared.hpp>
 #include <boost/weak_ptr.hpp>
+
+/// What a fault throws, so that a test can tell it from what others make of it.
+struct TInjected : NVORNQDX20::TQDXException {
+  using TQDXException::TQDXException;
+};
 
 /// What fails, and a count of the calls. Operations are named "ICIMClass::GetPropertyDecl".
 class TFaults {
@@ -36,26 +42,30 @@ class TFaults {
     Add(operation, call, status);
   }
   int Calls(const std::string& operation) { return fCalls[operation]; }
+  /// Is told of each call first, for example "ICIMClass::GetPropertyDecl(Id)".
+  void Watch(boost::function<void(const std::string&)> watch) { fWatch = std::move(watch); }
 
   /// Counts the call; throws, or says whether it answers null.
-  bool Strikes(const std::string& operation) {
+  bool Strikes(const std::string& operation, const std::string& arguments) {
+    if (fWatch) fWatch(operation + arguments);
     const int call = ++fCalls[operation];
     auto fault = fFaults.find({operation, call});
     if (fault == fFaults.end()) fault = fFaults.find({operation, kEveryCall});
     if (fault == fFaults.end()) return false;
-    if (fault->second) throw NVORNQDX20::TQDXException(*fault->second);
+    if (fault->second) throw TInjected(*fault->second);
     return true;
   }
 
  private:
-  using TFault = std::optional<NVORNQDX20::EQDXStatusCode>;  // none: answer null
+  using TStatus = std::optional<NVORNQDX20::EQDXStatusCode>;  // none: answer null
 
-  void Add(const std::string& operation, int call, TFault fault) {
+  void Add(const std::string& operation, int call, TStatus fault) {
     fFaults[{operation, call == kEveryCall ? call : fCalls[operation] + call}] = fault;
   }
 
+  boost::function<void(const std::string&)> fWatch;
   std::map<std::string, int> fCalls;
-  std::map<std::pair<std::string, int>, TFault> fFaults;
+  std::map<std::pair<std::string, int>, TStatus> fFaults;
 };
 
 namespace faulty {
@@ -78,13 +88,29 @@ struct TContext {
   std::map<ICIMClass*, boost::weak_ptr<ICIMClass>> fClasses;
 };
 
-inline TPtr<ICIMClass> Wrap(const TPtr<TContext>& context, const TPtr<ICIMClass>& real);
-inline TPtr<ICIMInstance> Wrap(const TPtr<TContext>& context, const TPtr<ICIMInstance>& real);
-inline TPtr<ICIMProperty> Wrap(const TPtr<TContext>& context, const TPtr<ICIMProperty>& real);
-template <typename T>
-TPtr<T> Wrap(const TPtr<TContext>&, const TPtr<T>& real) {
-  return real;  // of what has no wrapper
+/// "(a,b)" of all arguments but elements, callbacks and empty options.
+template <typename... TArguments>
+std::string TextOf(const TArguments&... arguments) {
+  std::string text;
+  const auto add = [&](const std::string& one) { text += (text.empty() ? "" : ",") + one; };
+  [[maybe_unused]] const auto show = [&](const auto& argument) {
+    using T = std::decay_t<decltype(argument)>;
+    if constexpr (std::is_same_v<T, std::string>) add(argument);
+    if constexpr (std::is_same_v<T, TCIMValue::TCIMType>) add(argument.ToString());
+    if constexpr (std::is_same_v<T, TCIMValue>) add(argument.IsNull() ? "" : argument.ToString(10));
+    if constexpr (std::is_arithmetic_v<T>) add(std::to_string(argument));
+    if constexpr (std::is_same_v<T, TOptions>) text += argument.empty() ? "" : "options";
+  };
+  (show(arguments), ...);
+  return "(" + text + ")";
 }
+
+/// The wrapper of each interface.
+template <typename TInterface>
+struct TFaulty;
+
+template <typename T>
+TPtr<T> Wrap(const TPtr<TContext>& context, const TPtr<T>& real);
 
 template <typename TInterface>
 struct TWrapper : public TInterface {
@@ -94,18 +120,29 @@ struct TWrapper : public TInterface {
   const TPtr<TContext> fContext;
   const TPtr<TInterface> fReal;
 
+  template <typename T>
+  static TPtr<T> RealOf(const TPtr<T>& object) {
+    const auto* const wrapper = dynamic_cast<const TWrapper<T>*>(object.get());
+    return wrapper == nullptr ? object : wrapper->fReal;
+  }
+
   /// The callback that wraps each element for the caller's.
   template <typename T>
   TEnumerationCallback<T> Wrap(TVisit<T> visit) const {
     return [this, &visit](const TPtr<T>& real) { return visit(faulty::Wrap(fContext, real)); };
   }
-  /// What `forward` answers, wrapped if there is a wrapper for it, unless this call is to fail.
+  /// What `forward` answers, wrapped if it is an element, unless this call is to fail.
   template <typename TResult, typename TForward>
-  TResult Call(const std::string& operation, TForward&& forward) const {
-    const bool isNull = fContext->fFaults->Strikes(operation);
+  TResult Call(const std::string& operation, const std::string& arguments,
+               TForward&& forward) const {
+    const std::string name = boost::core::demangle(typeid(TInterface).name());
+    const bool isNull =
+        fContext->fFaults->Strikes(name.substr(name.find("::") + 2) + operation, arguments);
     if constexpr (std::is_reference_v<TResult>) {
       static const std::decay_t<TResult> kNull;
       return isNull ? kNull : forward();
+    } else if constexpr (std::is_same_v<TResult, TCIMValue::TCIMType>) {
+      return isNull ? TResult(0U) : forward();
     } else if constexpr (std::is_class_v<TResult>) {
       return isNull ? nullptr : faulty::Wrap(fContext, forward());
     } else {
@@ -114,23 +151,79 @@ struct TWrapper : public TInterface {
   }
 };
 
-/// Overrides an operation of kInterface (with options o, a callback v) with one that fails when it
-/// is to, or asks the real one.
-#define FAULTY(TResult, operation, parameters, arguments)                          \
-  TResult operation parameters override {                                          \
-    return Call<TResult>(std::string(kInterface) + "::" #operation,                \
-                         [&]() -> TResult { return fReal->operation arguments; }); \
+/// Overrides an operation (with options o, a callback v) with one that fails when it is to, or asks
+/// the real one.
+#define FAULTY(TResult, operation, parameters, arguments)                                     \
+  TResult operation parameters override {                                                     \
+    return this->template Call<TResult>("::" #operation, TextOf arguments, [&]() -> TResult { \
+      return this->fReal->operation arguments;                                                \
+    });                                                                                       \
   }
 
-struct TProperty final : TWrapper<ICIMProperty> {
-  static constexpr const char* kInterface = "ICIMProperty";
+/// Of an element that carries qualifiers.
+template <typename TInterface>
+struct TElementWrapper : public TWrapper<TInterface> {
+  using TWrapper<TInterface>::TWrapper;
+  FAULTY(TPtr<ICIMQualifier>, AddQualifier, (TPtr<ICIMQualifierDecl> decl, TValue value),
+         (this->RealOf(decl), value))
+  FAULTY(void, EnumerateQualifiers, (TVisit<ICIMQualifier> v) const, (this->Wrap(v)))
+};
+
+template <>
+struct TFaulty<ICIMQualifierDecl> final : TWrapper<ICIMQualifierDecl> {
+  using TWrapper::TWrapper;
+  FAULTY(void, Commit, (), ())
+  FAULTY(TName, GetName, () const, ())
+  FAULTY(TValue, GetDefaultValue, () const, ())
+  FAULTY(std::uint32_t, GetScope, () const, ())
+  FAULTY(std::uint32_t, GetFlavor, () const, ())
+};
+
+template <>
+struct TFaulty<ICIMQualifier> final : TWrapper<ICIMQualifier> {
+  using TWrapper::TWrapper;
+  FAULTY(void, Commit, (), ())
+  FAULTY(TPtr<const ICIMQualifierDecl>, GetDecl, () const, ())
+  FAULTY(TValue, GetValue, () const, ())
+};
+
+template <>
+struct TFaulty<ICIMPropertyDecl> final : TElementWrapper<ICIMPropertyDecl> {
+  using TElementWrapper::TElementWrapper;
+  FAULTY(TPtr<ICIMQualifier>, GetQualifier, (TName name) const, (name))
+  FAULTY(void, Commit, (), ())
+  FAULTY(TName, GetName, () const, ())
+  FAULTY(TCIMValue::TCIMType, GetType, () const, ())
+  FAULTY(TValue, GetDefaultValue, () const, ())
+};
+
+template <>
+struct TFaulty<ICIMParameterDecl> final : TElementWrapper<ICIMParameterDecl> {
+  using TElementWrapper::TElementWrapper;
+  FAULTY(void, Commit, (), ())
+  FAULTY(TName, GetName, () const, ())
+  FAULTY(TCIMValue::TCIMType, GetType, () const, ())
+};
+
+template <>
+struct TFaulty<ICIMMethodDecl> final : TElementWrapper<ICIMMethodDecl> {
+  using TElementWrapper::TElementWrapper;
+  FAULTY(TName, GetName, () const, ())
+  FAULTY(TCIMValue::TCIMType, GetReturnType, () const, ())
+  FAULTY(TPtr<ICIMParameterDecl>, CreateParameterDecl, (TName name, TCIMValue::TCIMType type),
+         (name, type))
+  FAULTY(void, EnumerateParameterDecls, (TVisit<ICIMParameterDecl> v) const, (Wrap(v)))
+};
+
+template <>
+struct TFaulty<ICIMProperty> final : TWrapper<ICIMProperty> {
   using TWrapper::TWrapper;
   FAULTY(TValue, GetValue, () const, ())
   FAULTY(TPtr<const ICIMPropertyDecl>, GetDecl, () const, ())
 };
 
-struct TInstance final : TWrapper<ICIMInstance> {
-  static constexpr const char* kInterface = "ICIMInstance";
+template <>
+struct TFaulty<ICIMInstance> final : TWrapper<ICIMInstance> {
   using TWrapper::TWrapper;
   FAULTY(void, Commit, (TOptions o), (o))
   FAULTY(TPtr<ICIMClass>, GetClass, (TOptions o) const, (o))
@@ -139,12 +232,10 @@ struct TInstance final : TWrapper<ICIMInstance> {
   FAULTY(void, EnumerateProperties, (TVisit<ICIMProperty> v, TOptions o) const, (Wrap(v), o))
 };
 
-struct TClass final : TWrapper<ICIMClass> {
-  static constexpr const char* kInterface = "ICIMClass";
-  using TWrapper::TWrapper;
-  ~TClass() override { fContext->fClasses.erase(fReal.get()); }
-  FAULTY(TPtr<ICIMQualifier>, AddQualifier, (TPtr<ICIMQualifierDecl> decl, TValue value),
-         (decl, value))
+template <>
+struct TFaulty<ICIMClass> final : TElementWrapper<ICIMClass> {
+  using TElementWrapper::TElementWrapper;
+  ~TFaulty() override { fContext->fClasses.erase(fReal.get()); }
   FAULTY(void, Commit, (TOptions o), (o))
   FAULTY(TName, GetName, (TOptions o) const, (o))
   FAULTY(bool, IsAssociation, (TOptions o) const, (o))
@@ -154,11 +245,10 @@ struct TClass final : TWrapper<ICIMClass> {
   FAULTY(void, EnumerateSubclasses, (TVisit<ICIMClass> v, bool deep, TOptions o) const,
          (Wrap(v), deep, o))
   FAULTY(TPtr<ICIMQualifier>, GetQualifier, (TName name) const, (name))
-  FAULTY(void, EnumerateQualifiers, (TVisit<ICIMQualifier> v) const, (v))
   FAULTY(TPtr<ICIMPropertyDecl>, CreatePropertyDecl, (TName name, TValue value, TOptions o),
          (name, value, o))
   FAULTY(TPtr<const ICIMPropertyDecl>, GetPropertyDecl, (TName name, TOptions o) const, (name, o))
-  FAULTY(void, EnumeratePropertyDecls, (TVisit<ICIMPropertyDecl> v, TOptions o) const, (v, o))
+  FAULTY(void, EnumeratePropertyDecls, (TVisit<ICIMPropertyDecl> v, TOptions o) const, (Wrap(v), o))
   FAULTY(void, SetStaticPropertyValue, (TName name, TValue value, TOptions o), (name, value, o))
   FAULTY(void, EnumerateStaticProperties, (TVisit<ICIMProperty> v, TOptions o) const, (Wrap(v), o))
   FAULTY(TPtr<ICIMInstance>, CreateInstance, (TOptions o), (o))
@@ -167,11 +257,11 @@ struct TClass final : TWrapper<ICIMClass> {
          (Wrap(v), deep, o))
   FAULTY(TPtr<ICIMMethodDecl>, CreateMethodDecl, (TName name, TCIMValue::TCIMType type, TOptions o),
          (name, type, o))
-  FAULTY(void, EnumerateMethodDecls, (TVisit<ICIMMethodDecl> v, TOptions o) const, (v, o))
+  FAULTY(void, EnumerateMethodDecls, (TVisit<ICIMMethodDecl> v, TOptions o) const, (Wrap(v), o))
 };
 
-struct TNamespace final : TWrapper<ICIMNamespace> {
-  static constexpr const char* kInterface = "ICIMNamespace";
+template <>
+struct TFaulty<ICIMNamespace> final : TWrapper<ICIMNamespace> {
   using TWrapper::TWrapper;
   FAULTY(TName, GetName, (TOptions o) const, (o))
   FAULTY(TPtr<ICIMClass>, CreateClass, (TName name, TPtr<ICIMClass> superclass, TOptions o),
@@ -182,28 +272,24 @@ struct TNamespace final : TWrapper<ICIMNamespace> {
          (TName name, TValue value, std::uint32_t scope, std::uint32_t flavor, TOptions o),
          (name, value, scope, flavor, o))
   FAULTY(TPtr<ICIMQualifierDecl>, GetQualifierDecl, (TName name, TOptions o) const, (name, o))
-  FAULTY(void, EnumerateQualifierDecls, (TVisit<ICIMQualifierDecl> v, TOptions o) const, (v, o))
-  static TPtr<ICIMClass> RealOf(const TPtr<ICIMClass>& cimClass) {
-    const auto* const wrapper = dynamic_cast<const TClass*>(cimClass.get());
-    return wrapper == nullptr ? cimClass : wrapper->fReal;
-  }
+  FAULTY(void, EnumerateQualifierDecls, (TVisit<ICIMQualifierDecl> v, TOptions o) const,
+         (Wrap(v), o))
 };
 #undef FAULTY
 
-inline TPtr<ICIMClass> Wrap(const TPtr<TContext>& context, const TPtr<ICIMClass>& real) {
+template <typename T>
+TPtr<T> Wrap(const TPtr<TContext>& context, const TPtr<T>& real) {
+  using TInterface = std::remove_const_t<T>;
   if (!real) return nullptr;
-  boost::weak_ptr<ICIMClass>& known = context->fClasses[real.get()];
-  TPtr<ICIMClass> wrapper = known.lock();
-  if (!wrapper) known = wrapper = boost::make_shared<TClass>(context, real);
-  return wrapper;
-}
-
-inline TPtr<ICIMInstance> Wrap(const TPtr<TContext>& context, const TPtr<ICIMInstance>& real) {
-  return real ? boost::make_shared<TInstance>(context, real) : nullptr;
-}
-
-inline TPtr<ICIMProperty> Wrap(const TPtr<TContext>& context, const TPtr<ICIMProperty>& real) {
-  return real ? boost::make_shared<TProperty>(context, real) : nullptr;
+  const TPtr<TInterface> object = boost::const_pointer_cast<TInterface>(real);
+  if constexpr (std::is_same_v<TInterface, ICIMClass>) {
+    boost::weak_ptr<ICIMClass>& known = context->fClasses[real.get()];
+    TPtr<ICIMClass> wrapper = known.lock();
+    if (!wrapper) known = wrapper = boost::make_shared<TFaulty<ICIMClass>>(context, object);
+    return wrapper;
+  } else {
+    return boost::make_shared<TFaulty<TInterface>>(context, object);
+  }
 }
 
 }  // namespace faulty
@@ -212,7 +298,7 @@ inline boost::shared_ptr<NVORNQDX20::ICIMNamespace> MakeFaultyNamespace(
     const boost::shared_ptr<NVORNQDX20::ICIMNamespace>& real,
     const boost::shared_ptr<TFaults>& faults) {
   const auto context = boost::make_shared<faulty::TContext>(faulty::TContext{faults, {}});
-  return boost::make_shared<faulty::TNamespace>(context, real);
+  return boost::make_shared<faulty::TFaulty<NVORNQDX20::ICIMNamespace>>(context, real);
 }
 
 #endif  // TESTS_SUPPORT_FAULTY_PROVIDER_H_
