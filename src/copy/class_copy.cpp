@@ -29,7 +29,7 @@ bool HasProperty(const ICIMClass& cimClass, const std::string& name) {
   } catch (const TQDXException& e) {
     if (e.GetStatusCode() == kQDXStatusNotFound) return false;
     // Not rethrown, on purpose: the caller gets the status alone, whatever class of exception a
-    // provider derived. Held by ClassCopy.PassesOnTheStatusOfAPropertyLookup.
+    // provider derived. Held by Copy.EndsWhereANamespaceFails.
     throw TQDXException(e.GetStatusCode());
   }
 }

@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/copy.h>
+
+#include "support/class_builder.h"
+#include "support/faulty_provider.h"
+#include "support/log_capture.h"
+#include "support/provider_suite.h"
+
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+namespace NVORNQDX20 {
+namespace {
+
+using TCIMType = TCIMValue::TCIMType;
+
+const TCIMValue kNoText(TCIMType::kCIMTypeString, 0);
+
+template <typename TElement>
+TElement Qualify(const TNamespace& ns, TElement element, const char* name, const TCIMValue& value) {
+  element->AddQualifier(ns->GetQualifierDecl(name, {}), value)->Commit();
+  return element;
+}
+
+/// A class with all that a class can have, each element of it marked, and a subclass.
+TNamespace MakeSmallSource() {
+  TNamespace ns = MakeRepositoryNamespace("source");
+  ns->CreateQualifierDecl("Mark", kNoText, kScopeMethod, kFlavorTranslatable, {})->Commit();
+  const auto a = Qualify(ns, ns->CreateClass("T_A", nullptr, {}), "Mark", "class");
+  Qualify(ns, a->CreatePropertyDecl("Level", 1U, {}), "Mark", "property")->Commit();
+  a->SetStaticPropertyValue("Level", 2U, {});
+  const auto method = a->CreateMethodDecl("Reset", TCIMType::kCIMTypeSint8, {});
+  const auto parameter = method->CreateParameterDecl("Force", TCIMType::kCIMTypeBoolean);
+  Qualify(ns, parameter, "Mark", "parameter")->Commit();
+  Qualify(ns, method, "Mark", "method");
+  a->Commit({});
+  ns->CreateClass("T_B", a, {})->Commit({});
+  AddInstance(ns, "T_A", {{"Level", 3U}});
+  return ns;
+}
+
+TEST(Copy, AsksInThePromisedOrder) {
+  std::string calls;
+  const auto source = boost::make_shared<TFaults>(), target = boost::make_shared<TFaults>();
+  source->Watch([&](const std::string& call) { calls += call.substr(4) + "\n"; });
+  target->Watch([&](const std::string& call) { calls += ">" + call.substr(4) + "\n"; });
+  TCIMCopy::CopyClasses(MakeFaultyNamespace(MakeSmallSource(), source),
+                        MakeFaultyNamespace(MakeRepositoryNamespace("target"), target));
+
+  // "@" stands for the copy of a qualifier onto the target element that follows.
+  std::istringstream expected(R"(
+Namespace::EnumerateQualifierDecls() QualifierDecl::GetFlavor() QualifierDecl::GetScope()
+  QualifierDecl::GetDefaultValue() QualifierDecl::GetName()
+  >Namespace::CreateQualifierDecl(Mark,,16,8) >QualifierDecl::Commit()
+Namespace::EnumerateClasses() Class::IsAssociation()
+Class::IsRootClass() Class::GetName() >Namespace::CreateClass(T_A)
+  Class::EnumerateQualifiers() @Class::AddQualifier(class)
+  Class::EnumeratePropertyDecls() PropertyDecl::GetName() >Class::GetPropertyDecl(Level)
+    PropertyDecl::GetDefaultValue() PropertyDecl::GetName() >Class::CreatePropertyDecl(Level,1)
+    PropertyDecl::EnumerateQualifiers() @PropertyDecl::AddQualifier(property)
+    >PropertyDecl::Commit()
+  Class::EnumerateStaticProperties() Property::GetValue() Property::GetDecl()
+    PropertyDecl::GetName() >Class::SetStaticPropertyValue(Level,2)
+  Class::EnumerateMethodDecls() MethodDecl::GetName() MethodDecl::GetReturnType()
+    >Class::CreateMethodDecl(Reset,sint8)
+    MethodDecl::EnumerateParameterDecls() ParameterDecl::GetName() ParameterDecl::GetType()
+      >MethodDecl::CreateParameterDecl(Force,boolean)
+      ParameterDecl::EnumerateQualifiers() @ParameterDecl::AddQualifier(parameter)
+      >ParameterDecl::Commit()
+    MethodDecl::EnumerateQualifiers() @MethodDecl::AddQualifier(method)
+  >Class::Commit() Class::GetQualifier(PLUGINNAME) Class::IsAbstract() Class::EnumerateInstances(0)
+    Instance::GetClass() Class::GetName() >Namespace::GetClass(T_A) >Class::CreateInstance()
+    Instance::EnumerateProperties() Property::GetValue() Property::GetDecl()
+      PropertyDecl::GetName() >Instance::SetPropertyValue(Level,3) >Instance::Commit()
+Class::EnumerateSubclasses(1) Class::IsAssociation() Class::IsRootClass() Class::GetSuperclass()
+  Class::GetName() >Namespace::GetClass(T_A) Class::GetName() >Namespace::CreateClass(T_B)
+  Class::EnumerateQualifiers() Class::EnumeratePropertyDecls() PropertyDecl::GetName()
+    >Class::GetPropertyDecl(Level) PropertyDecl::GetQualifier(OVERRIDE)
+  Class::EnumerateStaticProperties() Class::EnumerateMethodDecls()
+  >Class::Commit() Class::GetQualifier(PLUGINNAME) Class::IsAbstract() Class::EnumerateInstances(0)
+Namespace::EnumerateClasses() Class::IsAssociation()
+Class::EnumerateSubclasses(1) Class::IsAssociation())");
+  std::string lines;
+  for (std::string word; expected >> word;) {
+    if (word[0] == '@') {
+      lines +=
+          "Qualifier::GetDecl()\nQualifierDecl::GetName()\n>Namespace::GetQualifierDecl(Mark)\n"
+          "Qualifier::GetValue()\n>" +
+          word.substr(1) + "\n>Qualifier::Commit()\n";
+    } else {
+      lines += word + "\n";
+    }
+  }
+  EXPECT_EQ(calls, lines);
+}
+
+TEST(Copy, EndsWhereANamespaceFails) {
+  const struct {
+    bool fInTarget;
+    std::string fOperation;
+    int fCall;
+    EQDXStatusCode fStatus;  // kQDXStatusOK answers null
+    std::string fOutcome;
+  } rows[] = {
+      {true, "ICIMNamespace::GetQualifierDecl", 1, kQDXStatusOK, "new kQDXStatusFail"},
+      {true, "ICIMClass::GetPropertyDecl", 1, kQDXStatusNotSupported, "new kQDXStatusNotSupported"},
+      {true, "ICIMNamespace::GetClass", 1, kQDXStatusOK, "new kQDXStatusFail"},  // an instance's
+      {true, "ICIMNamespace::GetClass", 2, kQDXStatusOK, "new kQDXStatusFail"},  // the superclass
+      {true, "ICIMInstance::Commit", 1, kQDXStatusAlreadyExists, "kQDXStatusAlreadyExists"},
+      {false, "ICIMClass::GetSuperclass", 1, kQDXStatusOK, "new kQDXStatusFail"},
+      {false, "ICIMClass::EnumerateInstances", 1, kQDXStatusNotFound, "kQDXStatusNotFound"},
+      {false, "ICIMPropertyDecl::GetQualifier", 1, kQDXStatusAccessDenied, "done"},
+  };
+  for (const auto& row : rows) {
+    const auto faults = boost::make_shared<TFaults>(), none = boost::make_shared<TFaults>();
+    if (row.fStatus == kQDXStatusOK) faults->AnswerNull(row.fOperation, row.fCall);
+    if (row.fStatus != kQDXStatusOK) faults->Throw(row.fOperation, row.fStatus, row.fCall);
+    const TNamespace target = MakeRepositoryNamespace("target");
+    std::string outcome = "done";
+    try {
+      TCIMCopy::CopyClasses(MakeFaultyNamespace(MakeSmallSource(), row.fInTarget ? none : faults),
+                            MakeFaultyNamespace(target, row.fInTarget ? faults : none));
+    } catch (const TInjected& e) {
+      outcome = e.what();
+    } catch (const TQDXException& e) {
+      outcome = std::string("new ") + e.what();
+    }
+    EXPECT_EQ(outcome, row.fOutcome) << row.fOperation << row.fCall;
+    EXPECT_NE(target->GetQualifierDecl("Mark", {}), nullptr);  // what was committed stays
+  }
+}
+
+TCIMValue Path(const TNamespace& ns, const std::string& path) {
+  TCIMReference reference(ns, path, {});
+  return TCIMValue(reference);
+}
+
+/// Three levels, and associations before the classes they refer to, one below an ordinary class.
+TNamespace MakeSource() {
+  TNamespace ns = MakeNamespace();
+  ns->CreateQualifierDecl("PluginName", kNoText, kScopeClass, kFlavorTranslatable, {})->Commit();
+  const auto root = AddClass(ns, "T_Root", {});
+  const auto base = AddClass(ns, "T_Base", {{"Id", 0U}}, {{"Name", kNoText}});
+  const auto link = Qualify(ns, ns->CreateClass("T_Link", root, {}), "Association", true);
+  const auto from = link->CreatePropertyDecl("From", NullReference(ns, "T_Base"), {});
+  Qualify(ns, from, "Key", true)->Commit();
+  link->CreatePropertyDecl("To", NullReference(ns, "T_Base"), {})->Commit();
+  link->Commit({});
+  const auto meta = Qualify(ns, ns->CreateClass("T_Meta", nullptr, {}), "Association", true);
+  Qualify(ns, meta->CreatePropertyDecl("Of", NullReference(ns, "T_Link"), {}), "Key", true)
+      ->Commit();
+  Qualify(ns, meta, "Abstract", true)->Commit({});
+  const auto middle = ns->CreateClass("T_Middle", base, {});
+  Qualify(ns, middle->CreatePropertyDecl("Name", "middle", {}), "Override", "Name")->Commit();
+  middle->Commit({});
+  ns->CreateClass("T_Leaf", middle, {})->Commit({});
+  Qualify(ns, ns->CreateClass("T_Plugin", base, {}), "PluginName", "p")->Commit({});
+  for (const char* name : {"T_Base", "T_Middle", "T_Leaf", "T_Plugin"}) {
+    AddInstance(ns, name, {{"Id", 7U}});
+  }
+  AddInstance(ns, "T_Link", {{"From", Path(ns, R"(T_Leaf.Id="7")")}});
+  return ns;
+}
+
+TNamespace MakeCopy() {
+  TNamespace target = MakeRepositoryNamespace("target");
+  TCIMCopy::CopyClasses(MakeSource(), target);
+  return target;
+}
+
+INSTANTIATE_TEST_SUITE_P(Copy, ProvidedNamespace, ::testing::Values(&MakeCopy));
+
+TEST(Copy, LeavesOutInstancesOfPluginsAndRepeatsInheritedOverriding) {
+  const auto faults = boost::make_shared<TFaults>();
+  const TNamespace target = MakeRepositoryNamespace("target");
+  TCIMCopy::CopyClasses(MakeFaultyNamespace(MakeSource(), faults), target);
+  EXPECT_EQ(faults->Calls("ICIMClass::EnumerateInstances"), 5);  // not of T_Plugin, T_Meta
+  const auto declared = [&](const char* name, const char* property) {
+    return target->GetClass(name, {})->GetPropertyDecl(property, {});
+  };
+  EXPECT_EQ(declared("T_Middle", "Name")->GetDefaultValue(), TCIMValue("middle"));
+  EXPECT_NE(declared("T_Leaf", "Name"), declared("T_Middle", "Name"));
+  EXPECT_EQ(declared("T_Leaf", "Id"), declared("T_Base", "Id"));
+}
+
+TEST(Copy, BindsReferencesToTheTarget) {
+  const TNamespace source = MakeSource(), target = MakeCopy();
+  for (const char* path : {"T_Leaf", R"(T_Leaf.Id="7")", R"(T_Link.From="T_Leaf.Id="7"")",
+                           R"(T_Meta.Of="T_Link.From="T_Leaf.Id="7""")"}) {
+    const TCIMValue copy = TCIMCopy::CopyValue(Path(source, path), target);
+    EXPECT_EQ(copy, Path(target, path)) << path;  // classes compare by identity, in keys as well
+    EXPECT_EQ(copy.GetReferencedClass(), Path(target, path).GetReferencedClass()) << path;
+    EXPECT_EQ(static_cast<TCIMReference>(copy).GetNamespace(), target) << path;
+  }
+  EXPECT_EQ(TCIMCopy::CopyValue(NullReference(source, "T_Link"), target),
+            NullReference(target, "T_Link"));
+  // Arrays of references stay what they are.
+  for (const TCIMValue& value :
+       {TCIMValue(TCIMType::kCIMTypeReference, 0, {Path(source, "T_Leaf")}), TCIMValue(),
+        TCIMValue(TCIMType::kCIMTypeUint8, 4), TCIMValue("text")}) {
+    EXPECT_EQ(TCIMCopy::CopyValue(value, target), value);
+  }
+}
+
+TEST(Copy, CannotReferToAClassThatTheTargetLacks) {
+  const TNamespace source = MakeNamespace(), target = MakeRepositoryNamespace("target");
+  const auto self = source->CreateClass("T_Self", nullptr, {});
+  TCIMValue toSelf(TCIMType::kCIMTypeReference, 0);
+  toSelf.SetReferencedClass(self);
+  self->CreatePropertyDecl("Parent", toSelf, {})->Commit();
+  self->Commit({});
+  EXPECT_QDX_STATUS(TCIMCopy::CopyClasses(source, target), kQDXStatusNotFound);
+  EXPECT_QDX_STATUS(target->GetClass("T_Self", {}), kQDXStatusNotFound);
+  const auto faults = boost::make_shared<TFaults>();
+  faults->AnswerNull("ICIMNamespace::GetClass");
+  const TLogCapture log;
+  EXPECT_QDX_STATUS(TCIMCopy::CopyValue(toSelf, MakeFaultyNamespace(target, faults)),
+                    kQDXStatusFail);
+  ASSERT_EQ(log.Messages().size(), 1U);
+  EXPECT_NE(log.Messages().front().find("[px != 0]"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace NVORNQDX20
