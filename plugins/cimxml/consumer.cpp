@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/config.h>
+#include <qdxcore/interfaces.h>
+#include <qdxcore/logger.h>
+#include <qdxcore/status.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "document_writer.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+using NCIMXML::TDocumentWriter;
+
+std::string FileOf(const TOptionsMap& options) {
+  const auto file = options.find("file");
+  if (file == options.end()) {
+    LogErrorAndThrow(kQDXStatusRequiredContextMissing, {"cimxml: the option \"file\" is missing"});
+  }
+  return file->second;
+}
+
+bool MoreFollows(const TOptionsMap& options) {
+  const auto more = options.find("more");
+  return more != options.end() && static_cast<bool>(more->second);
+}
+
+/// Consumer "cimxml": writes namespaces as a CIM-XML document.
+///
+/// Option "file" (string) names the file, "-" standard output; see TOutput. With option "more"
+/// (boolean) set, the document stays open, and the next call for the same file adds its namespace;
+/// a call without ends the document. A failure, a call for another file, and the end of the
+/// consumer leave an open document unfinished.
+class TCIMXMLConsumer final : public INamespaceConsumer {
+ public:
+  const std::string& GetName(TOptionsMap) const override { return fName; }
+
+  void Consume(boost::shared_ptr<ICIMNamespace> ns, TOptionsMap options) override {
+    const std::string file = FileOf(options);
+    const bool more = MoreFollows(options);
+    std::unique_ptr<TDocumentWriter> document = std::move(fOpen);
+    if (!document || document->File() != file) {
+      document.reset();  // closed before another is opened: it may be the same file
+      document = std::make_unique<TDocumentWriter>(file);
+    }
+    document->AddNamespace(*ns);
+    if (more) {
+      fOpen = std::move(document);
+    } else {
+      document->Close();
+    }
+  }
+
+ private:
+  const std::string fName = "cimxml";
+  std::unique_ptr<TDocumentWriter> fOpen;
+};
+
+}  // namespace
+
+extern "C" QDXCORE_EXPORT INamespaceConsumer* cimxml_CreateINamespaceConsumer() {
+  return new TCIMXMLConsumer;
+}
+
+}  // namespace NVORNQDX20

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+/// A CIM-XML document (DMTF DSP0201): namespaces with all that they hold.
+#ifndef QDXCIMXML_DOCUMENT_WRITER_H_
+#define QDXCIMXML_DOCUMENT_WRITER_H_
+
+#include <qdxcore/interfaces.h>
+
+#include <string>
+
+#include "output.h"
+#include "xml_writer.h"
+
+namespace NVORNQDX20::NCIMXML {
+
+/// Writes as it goes: nothing of a namespace is kept. The order is that of the names, and for the
+/// instances of a class that of the namespace, so that equal contents give equal documents.
+class TDocumentWriter {
+ public:
+  /// Opens the file and begins the document.
+  explicit TDocumentWriter(const std::string& file);
+
+  void AddNamespace(const ICIMNamespace& ns);
+  /// Ends the document and closes the file. Warns of characters that had to be replaced.
+  void Close();
+
+  const std::string& File() const { return fOutput.File(); }
+
+ private:
+  TOutput fOutput;
+  TXMLWriter fXML;
+};
+
+}  // namespace NVORNQDX20::NCIMXML
+
+#endif  // QDXCIMXML_DOCUMENT_WRITER_H_

@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "output.h"
+
+#include <qdxcore/logger.h>
+#include <qdxcore/status.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <cstring>
+#include <utility>
+
+#include <fcntl.h>
+#include <unistd.h>
+#include <zlib.h>
+
+namespace NVORNQDX20::NCIMXML {
+namespace {
+
+constexpr int kGzipFormat = 16;  // added to the size of the window
+constexpr int kUnknownSystem = 255;
+
+bool EndsWith(std::string_view text, std::string_view end) {
+  return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
+
+int OpenForWriting(const std::string& file) {
+  // A copy, so that closing it tells of errors and leaves standard output to the others.
+  if (file == "-") return ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
+  return ::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+}
+
+}  // namespace
+
+class TCompressor {
+ public:
+  TCompressor() {
+    if (deflateInit2(&fStream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, MAX_WBITS + kGzipFormat, 8,
+                     Z_DEFAULT_STRATEGY) != Z_OK) {
+      throw TQDXException(kQDXStatusOutOfMemory);
+    }
+    fHeader.os = kUnknownSystem;
+    deflateSetHeader(&fStream, &fHeader);
+  }
+  ~TCompressor() { deflateEnd(&fStream); }
+  TCompressor(const TCompressor&) = delete;
+  TCompressor& operator=(const TCompressor&) = delete;
+
+  template <typename TWrite>
+  void Compress(std::string_view bytes, bool last, TWrite&& write) {
+    // The interface of the library knows no const; it does not write there.
+    fStream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.data()));
+    fStream.avail_in = static_cast<uInt>(bytes.size());
+    do {
+      fStream.next_out = fOut;
+      fStream.avail_out = sizeof(fOut);
+      deflate(&fStream, last ? Z_FINISH : Z_NO_FLUSH);
+      write(
+          std::string_view(reinterpret_cast<const char*>(fOut), sizeof(fOut) - fStream.avail_out));
+    } while (fStream.avail_out == 0);
+  }
+
+ private:
+  z_stream fStream{};
+  gz_header fHeader{};
+  Bytef fOut[1 << 16];
+};
+
+TOutput::TOutput(const std::string& file)
+    : fFile(file),
+      fCompressor(EndsWith(file, ".gz") ? std::make_unique<TCompressor>() : nullptr),
+      fDescriptor(OpenForWriting(file)) {
+  Require(fDescriptor >= 0);
+}
+
+TOutput::~TOutput() {
+  if (fDescriptor >= 0) ::close(fDescriptor);
+}
+
+void TOutput::Close() {
+  Flush();
+  if (fCompressor) {
+    fCompressor->Compress({}, true, [this](std::string_view bytes) { WriteToFile(bytes); });
+  }
+  Require(::close(std::exchange(fDescriptor, -1)) == 0);
+}
+
+void TOutput::Flush() {
+  if (fCompressor) {
+    fCompressor->Compress(fBuffer, false, [this](std::string_view bytes) { WriteToFile(bytes); });
+  } else {
+    WriteToFile(fBuffer);
+  }
+  fBuffer.clear();
+}
+
+void TOutput::WriteToFile(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = ::write(fDescriptor, bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) continue;
+    Require(written >= 0);
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+}
+
+void TOutput::Require(bool done) const {
+  if (done) return;
+  const char* const reason = std::strerror(errno);
+  LogErrorAndThrow(kQDXStatusFileSystemError,
+                   {"cimxml: ", fFile == "-" ? "standard output" : fFile, ": ", reason});
+}
+
+}  // namespace NVORNQDX20::NCIMXML
