@@ -43,11 +43,12 @@ void ForEachOwnPropertyDecl(const ICIMClass& cimClass,
 }
 
 bool IsKey(const ICIMClass& cimClass, const std::string& property) {
-  const auto decl = FindDecl(cimClass, property);
-  if (!decl) return false;
-  if (SaysKey(*decl)) return true;
-  const auto superclass = SuperclassOf(cimClass);
-  return superclass && IsKey(*superclass, property);
+  auto decl = FindDecl(cimClass, property);
+  for (auto above = SuperclassOf(cimClass); decl && !SaysKey(*decl); above = SuperclassOf(*above)) {
+    if (!above) return false;
+    decl = FindDecl(*above, property);
+  }
+  return decl != nullptr;
 }
 
 }  // namespace NVORNQDX20::NCIMXML

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "class_synthesis.h"
+
+#include <unordered_map>
+
+#include "object_path.h"
+#include "value_reader.h"
+
+namespace NVORNQDX20::NCIMXML {
+namespace {
+
+struct TProperty {
+  std::string fName;
+  TCIMType fType;
+  /// What tells the class of a reference: a property or a VALUE.REFERENCE; null for other types.
+  const TElement* fReference;
+  bool fIsKey;
+};
+
+bool IsNumberStart(char c) { return (c >= '0' && c <= '9') || c == '-' || c == '+'; }
+
+/// Without TYPE a number is as large as it may become.
+TCIMType TypeOfKey(const TElement& value) {
+  if (value.Is("VALUE.REFERENCE")) return TCIMType::kCIMTypeReference;
+  if (value.Find("TYPE") != nullptr) return TypeAttribute(value);
+  const std::string* const valueType = value.Find("VALUETYPE");
+  if (valueType == nullptr || *valueType == "string") return TCIMType::kCIMTypeString;
+  if (*valueType == "boolean") return TCIMType::kCIMTypeBoolean;
+  const std::string& text = value.fText;
+  if (text.empty() || !IsNumberStart(text[0])) value.Refuse(Shown(text) + " is no number");
+  return text[0] == '-' ? TCIMType::kCIMTypeSint64 : TCIMType::kCIMTypeUint64;
+}
+
+class TSynthesis {
+ public:
+  /// The properties of an instance, then the keys of its name.
+  void AddUse(const TElement& use) {
+    const TElement* const instance = use.Is("INSTANCE") ? &use : use.Child("INSTANCE");
+    if (instance != nullptr) {
+      for (const TElement& child : instance->fChildren) {
+        if (!child.Is("QUALIFIER")) AddProperty(child);
+      }
+    }
+    const TElement* const name = use.Is("INSTANCENAME") ? &use : FindName(use);
+    if (name != nullptr && instance != nullptr) AddKeys(*name);
+    if (name == &use) AddKeys(use);
+  }
+
+  const std::vector<TProperty>& Properties() const { return fProperties; }
+
+ private:
+  TProperty& At(const std::string& name, TCIMType type) {
+    const auto [found, isNew] = fPositions.emplace(Folded(name), fProperties.size());
+    if (isNew) fProperties.push_back({name, type, nullptr, false});
+    return fProperties[found->second];
+  }
+
+  void AddProperty(const TElement& element) {
+    TProperty& property = At(element.Get("NAME"), TypeOfProperty(element));
+    const bool tellsClass =
+        element.Find("REFERENCECLASS") != nullptr || element.Child("VALUE.REFERENCE") != nullptr;
+    if (tellsClass && property.fReference == nullptr) property.fReference = &element;
+  }
+
+  void AddKeys(const TElement& name) {
+    for (const TKeyBinding& binding : KeyBindingsOf(name)) {
+      if (binding.fName.empty()) name.Refuse("a key without name, of a class without declaration");
+      TProperty& property = At(binding.fName, TypeOfKey(*binding.fValue));
+      property.fIsKey = true;
+      if (property.fReference == nullptr) property.fReference = binding.fValue;
+    }
+  }
+
+  std::vector<TProperty> fProperties;
+  std::unordered_map<std::string, std::size_t> fPositions;  // by folded name
+};
+
+boost::shared_ptr<ICIMClass> ReferencedClass(TNamespaceBuilder& ns, const TElement& reference) {
+  const std::string* const named = reference.Find("REFERENCECLASS");
+  if (named != nullptr) return ns.ClassNamed(*named, reference).fClass;
+  const TElement& path =
+      reference.Is("VALUE.REFERENCE") ? reference : *reference.Child("VALUE.REFERENCE");
+  return ns.ClassNamed(ClassNameOf(NameOf(path)), NameOf(path)).fClass;
+}
+
+TCIMValue NullOf(TNamespaceBuilder& ns, const TProperty& property,
+                 const boost::shared_ptr<ICIMClass>& owner) {
+  TCIMValue null(property.fType, 0);
+  if (!null.IsReference()) return null;
+  // Where nothing tells what a reference refers to, it is its own class.
+  null.SetReferencedClass(
+      property.fReference == nullptr ? owner : ReferencedClass(ns, *property.fReference));
+  return null;
+}
+
+}  // namespace
+
+boost::shared_ptr<ICIMClass> SynthesizeClass(TNamespaceBuilder& ns, const std::string& name,
+                                             const std::vector<const TElement*>& uses) {
+  TSynthesis synthesis;
+  for (const TElement* use : uses) synthesis.AddUse(*use);
+  return AsPartOf(*uses.back(), "class " + Shown(name), [&] {
+    const auto created = ns.Namespace()->CreateClass(name, nullptr, {});
+    ns.State().fDeclaring.back().fClass.fClass = created;
+    for (const TProperty& property : synthesis.Properties()) {
+      const auto decl =
+          created->CreatePropertyDecl(property.fName, NullOf(ns, property, created), {});
+      if (property.fIsKey) decl->AddQualifier(ns.KeyDecl(), true)->Commit();
+      decl->Commit();
+    }
+    created->Commit({});
+    return created;
+  });
+}
+
+}  // namespace NVORNQDX20::NCIMXML

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "document.h"
+
+#include <qdxcore/logger.h>
+
+#include <algorithm>
+#include <initializer_list>
+#include <utility>
+
+#include <boost/make_shared.hpp>
+
+#include "input.h"
+#include "object_path.h"
+
+namespace NVORNQDX20::NCIMXML {
+namespace {
+
+constexpr char kDefaultNamespace[] = "root/cimv2";
+
+bool IsOneOf(const TElement& element, std::initializer_list<std::string_view> names) {
+  return std::find(names.begin(), names.end(), element.fName) != names.end();
+}
+
+TElement* FindChild(TElement& object, std::string_view name) {
+  const auto found = std::find_if(object.fChildren.begin(), object.fChildren.end(),
+                                  [&](const TElement& child) { return child.Is(name); });
+  return found == object.fChildren.end() ? nullptr : &*found;
+}
+
+[[noreturn]] void RefuseResponse(const TElement& error) {
+  const std::string* const description = error.Find("DESCRIPTION");
+  error.Refuse("a response with error " + Shown(error.Get("CODE")) +
+               (description == nullptr ? "" : ", " + Shown(*description)));
+}
+
+}  // namespace
+
+void TDocument::BeginGroup(const TElement& group) {
+  fGroup = nullptr;
+  fObjectsHavePaths = group.Is("DECLGROUP.WITHPATH");
+}
+
+void TDocument::AddObject(TElement&& object, std::size_t nodes) {
+  if (IsOneOf(object, {"LOCALNAMESPACEPATH", "NAMESPACEPATH"})) {
+    fGroup = &List(*NamespaceNameOf(object));
+  } else if (object.Is("QUALIFIER.DECLARATION")) {
+    Group().AddQualifierDecl(object);
+  } else if (object.Is("CLASS")) {
+    Group().AddClass(std::move(object), nodes);
+  } else if (object.Is("INSTANCE")) {
+    Group().AddInstance(std::move(object), nodes);
+  } else if (IsOneOf(object, {"VALUE.NAMEDOBJECT", "VALUE.NAMEDINSTANCE", "VALUE.OBJECT",
+                              "VALUE.OBJECTWITHPATH", "VALUE.OBJECTWITHLOCALPATH",
+                              "VALUE.INSTANCEWITHPATH"})) {
+    AddNamedObject(std::move(object), nodes);
+  } else if (object.Is("ERROR")) {
+    RefuseResponse(object);
+  } else if (!object.Is("PARAMVALUE")) {  // which says how an enumeration stands
+    object.Refuse("<" + std::string(object.fName) + "> is no object of a namespace");
+  }
+}
+
+void TDocument::EndGroup() {
+  if (!fObjectsHavePaths) Group();
+}
+
+void TDocument::AddNamedObject(TElement&& object, std::size_t nodes) {
+  const auto path = NamespaceNameOf(object);
+  TNamespaceBuilder& ns = path ? List(*path) : Group();
+  TElement* const cimClass = FindChild(object, "CLASS");
+  if (cimClass != nullptr) {
+    ns.AddClass(std::move(*cimClass), nodes);
+  } else if (FindChild(object, "INSTANCE") != nullptr) {
+    ns.AddInstance(std::move(object), nodes);
+  } else {
+    object.Refuse("<" + std::string(object.fName) + "> has neither class nor instance");
+  }
+}
+
+void TDocument::Complete() {
+  fState.fIsComplete = true;
+  // By position: what refers to another namespace makes that one.
+  for (std::size_t i = 0; i < fListed.size(); ++i) fListed[i]->BuildClasses();
+  for (std::size_t i = 0; i < fListed.size(); ++i) fListed[i]->BuildInstances();
+}
+
+TNamespaceBuilder& TDocument::NamespaceNamed(const std::string& name) {
+  std::unique_ptr<TNamespaceBuilder>& ns = fNamespaces[Folded(name)];
+  if (!ns) ns = std::make_unique<TNamespaceBuilder>(*this, fState, name);
+  return *ns;
+}
+
+boost::shared_ptr<TRepositoryProvider> TDocument::Namespaces() const {
+  auto namespaces = boost::make_shared<TRepositoryProvider>("cimxml");
+  for (const TNamespaceBuilder* ns : fListed) namespaces->AddNamespace(ns->Namespace());
+  return namespaces;
+}
+
+TNamespaceBuilder& TDocument::List(const std::string& name) {
+  TNamespaceBuilder& ns = NamespaceNamed(name);
+  if (std::find(fListed.begin(), fListed.end(), &ns) == fListed.end()) fListed.push_back(&ns);
+  return ns;
+}
+
+TNamespaceBuilder& TDocument::Group() {
+  if (fGroup == nullptr) fGroup = &List(kDefaultNamespace);
+  return *fGroup;
+}
+
+boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int descriptor) {
+  TDocument document;
+  try {
+    TInput input(descriptor);
+    ParseDocument(input, document);
+    document.Complete();
+  } catch (const TDefect& defect) {
+    LogErrorAndThrow(defect.fStatus,
+                     {"cimxml: ", name, ": line ", std::to_string(defect.fPosition.fLine),
+                      ", column ", std::to_string(defect.fPosition.fColumn), ": ", defect.what()});
+  }
+  if (document.UnheldDateTimes() != 0) {
+    LogMessage(ILogger::kLogWarning,
+               {"cimxml: ", std::to_string(document.UnheldDateTimes()),
+                " date-times that cannot be held were read as null from ", name});
+  }
+  return document.Namespaces();
+}
+
+}  // namespace NVORNQDX20::NCIMXML

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+/// A document while it is read: its namespaces, and the objects on their way into them.
+#ifndef QDXCIMXML_DOCUMENT_H_
+#define QDXCIMXML_DOCUMENT_H_
+
+#include <qdxrepository/repository.h>
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "element.h"
+#include "namespace_builder.h"
+#include "parser.h"
+
+namespace NVORNQDX20::NCIMXML {
+
+/// Reads the file behind the descriptor into namespaces, one for each path that the document's
+/// groups and objects have, "root/cimv2" where they have none. `name` is for messages.
+///
+/// What the document uses but does not declare is declared after its use: a qualifier by its first
+/// one, a class at the end of the document, by its instances and the key bindings that name it. A
+/// bad document is logged, "cimxml: NAME: line L, column C: reason", and throws
+/// kQDXStatusInvalidDataCollectionDocument, or what TInput says.
+boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int descriptor);
+
+class TDocument final : public IObjectSink {
+ public:
+  void BeginGroup(const TElement& group) override;
+  void AddObject(TElement&& object, std::size_t nodes) override;
+  void EndGroup() override;
+  /// Builds what waits; nothing is added after it.
+  void Complete();
+
+  /// For what refers to it; the document need not have it.
+  TNamespaceBuilder& NamespaceNamed(const std::string& name);
+  boost::shared_ptr<TRepositoryProvider> Namespaces() const;
+  std::size_t UnheldDateTimes() const { return fState.fUnheldDateTimes; }
+
+ private:
+  TNamespaceBuilder& List(const std::string& name);
+  TNamespaceBuilder& Group();
+  void AddNamedObject(TElement&& object, std::size_t nodes);
+
+  TReadingState fState;
+  std::map<std::string, std::unique_ptr<TNamespaceBuilder>> fNamespaces;  // by folded name
+  std::vector<TNamespaceBuilder*> fListed;  // that the document has, not only refers to
+  TNamespaceBuilder* fGroup = nullptr;
+  bool fObjectsHavePaths = false;  // of the group
+};
+
+}  // namespace NVORNQDX20::NCIMXML
+
+#endif  // QDXCIMXML_DOCUMENT_H_

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "element.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace NVORNQDX20::NCIMXML {
+namespace {
+
+// In bytewise order, for the search.
+constexpr std::string_view kElements[] = {"CIM",
+                                          "CLASS",
+                                          "CLASSNAME",
+                                          "CLASSPATH",
+                                          "DECLARATION",
+                                          "DECLGROUP",
+                                          "DECLGROUP.WITHNAME",
+                                          "DECLGROUP.WITHPATH",
+                                          "ERROR",
+                                          "HOST",
+                                          "IMETHODRESPONSE",
+                                          "INSTANCE",
+                                          "INSTANCENAME",
+                                          "INSTANCEPATH",
+                                          "IRETURNVALUE",
+                                          "KEYBINDING",
+                                          "KEYVALUE",
+                                          "LOCALCLASSPATH",
+                                          "LOCALINSTANCEPATH",
+                                          "LOCALNAMESPACEPATH",
+                                          "MESSAGE",
+                                          "METHOD",
+                                          "MULTIRSP",
+                                          "NAMESPACE",
+                                          "NAMESPACEPATH",
+                                          "PARAMETER",
+                                          "PARAMETER.ARRAY",
+                                          "PARAMETER.REFARRAY",
+                                          "PARAMETER.REFERENCE",
+                                          "PARAMVALUE",
+                                          "PROPERTY",
+                                          "PROPERTY.ARRAY",
+                                          "PROPERTY.REFERENCE",
+                                          "QUALIFIER",
+                                          "QUALIFIER.DECLARATION",
+                                          "SCOPE",
+                                          "SIMPLERSP",
+                                          "VALUE",
+                                          "VALUE.ARRAY",
+                                          "VALUE.INSTANCEWITHPATH",
+                                          "VALUE.NAMEDINSTANCE",
+                                          "VALUE.NAMEDOBJECT",
+                                          "VALUE.NULL",
+                                          "VALUE.OBJECT",
+                                          "VALUE.OBJECTWITHLOCALPATH",
+                                          "VALUE.OBJECTWITHPATH",
+                                          "VALUE.REFERENCE"};
+
+constexpr std::string_view kAttributes[] = {
+    "ARRAYSIZE",  "ASSOCIATION",  "CLASS",     "CLASSNAME",      "CODE",        "DESCRIPTION",
+    "INDICATION", "ISARRAY",      "METHOD",    "NAME",           "OVERRIDABLE", "PARAMETER",
+    "PROPAGATED", "PROPERTY",     "REFERENCE", "REFERENCECLASS", "SUPERCLASS",  "TOINSTANCE",
+    "TOSUBCLASS", "TRANSLATABLE", "TYPE",      "VALUETYPE"};
+
+template <typename TNames>
+std::string_view FindIn(const TNames& names, std::string_view name) {
+  const auto* const found = std::lower_bound(std::begin(names), std::end(names), name);
+  return found != std::end(names) && *found == name ? *found : std::string_view();
+}
+
+}  // namespace
+
+std::string_view KnownElement(std::string_view name) { return FindIn(kElements, name); }
+
+std::string_view KnownAttribute(std::string_view name) { return FindIn(kAttributes, name); }
+
+const std::string* TElement::Find(std::string_view attribute) const {
+  for (const TAttribute& each : fAttributes) {
+    if (each.fName == attribute) return &each.fValue;
+  }
+  return nullptr;
+}
+
+const std::string& TElement::Get(std::string_view attribute) const {
+  const std::string* const value = Find(attribute);
+  if (value == nullptr) {
+    Refuse("<" + std::string(fName) + "> has no " + std::string(attribute));
+  }
+  return *value;
+}
+
+bool TElement::GetFlag(std::string_view attribute, bool absent) const {
+  const std::string* const value = Find(attribute);
+  if (value == nullptr) return absent;
+  if (*value != "true" && *value != "false") {
+    Refuse(std::string(attribute) + " is neither true nor false, but " + Shown(*value));
+  }
+  return *value == "true";
+}
+
+const TElement* TElement::Child(std::string_view name) const {
+  for (const TElement& child : fChildren) {
+    if (child.Is(name)) return &child;
+  }
+  return nullptr;
+}
+
+const TElement& TElement::OnlyChild() const {
+  if (fChildren.size() != 1) {
+    Refuse("<" + std::string(fName) + "> must hold exactly one element");
+  }
+  return fChildren.front();
+}
+
+void TElement::RefuseChild(const TElement& child) const {
+  child.Refuse("<" + std::string(child.fName) + "> does not belong into <" + std::string(fName) +
+               ">");
+}
+
+std::string Folded(std::string_view name) {
+  std::string folded(name);
+  for (char& c : folded) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return folded;
+}
+
+std::string Shown(std::string_view text) {
+  constexpr std::size_t kLongest = 60;
+  std::string shown = "\"";
+  for (const char c : text.substr(0, kLongest)) {
+    shown += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
+  }
+  shown += text.size() > kLongest ? "...\"" : "\"";
+  return shown;
+}
+
+}  // namespace NVORNQDX20::NCIMXML

@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "input.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <string>
+
+#include <unistd.h>
+#include <zlib.h>
+
+#include "defect.h"
+#include "document_limits.h"
+
+namespace NVORNQDX20::NCIMXML {
+namespace {
+
+constexpr unsigned char kMagic[] = {0x1F, 0x8B};
+constexpr int kGzipFormat = 16;  // added to the size of the window
+
+}  // namespace
+
+/// One gzip member after the other.
+class TDecompressor {
+ public:
+  TDecompressor() {
+    if (inflateInit2(&fStream, MAX_WBITS + kGzipFormat) != Z_OK) {
+      throw TQDXException(kQDXStatusOutOfMemory);
+    }
+    inflateGetHeader(&fStream, &fHeader);
+  }
+  ~TDecompressor() { inflateEnd(&fStream); }
+  TDecompressor(const TDecompressor&) = delete;
+  TDecompressor& operator=(const TDecompressor&) = delete;
+
+  bool IsAtEndOfMember() const { return fAtEnd; }
+
+  /// Takes from one buffer and gives to the other; advances both.
+  void Inflate(const unsigned char*& in, std::size_t inSize, char*& out, std::size_t outSize) {
+    if (fAtEnd) inflateReset(&fStream);
+    fStream.next_in = const_cast<Bytef*>(in);  // the library only reads it
+    fStream.avail_in = static_cast<uInt>(inSize);
+    fStream.next_out = reinterpret_cast<Bytef*>(out);
+    fStream.avail_out = static_cast<uInt>(outSize);
+    const int result = inflate(&fStream, Z_NO_FLUSH);
+    if (result != Z_OK && result != Z_STREAM_END && result != Z_BUF_ERROR) Refuse();
+    fAtEnd = result == Z_STREAM_END;
+    in = fStream.next_in;
+    out = reinterpret_cast<char*>(fStream.next_out);
+  }
+
+ private:
+  [[noreturn]] void Refuse() const {
+    const std::string reason = fStream.msg == nullptr ? "bad data" : fStream.msg;
+    const bool inHeader = fHeader.done != 1;
+    throw TDefect("gzip: " + reason, {},
+                  inHeader ? kQDXStatusInvalidGzipFile : kQDXStatusCorruptGzipFile);
+  }
+
+  z_stream fStream{};
+  gz_header fHeader{};  // of the first member
+  bool fAtEnd = false;
+};
+
+TInput::TInput(int descriptor) : fDescriptor(descriptor), fBuffer(new unsigned char[kBufferSize]) {}
+
+TInput::~TInput() = default;
+
+std::size_t TInput::Read(char* buffer, std::size_t size) {
+  if (!fProbed) Probe();
+  const std::size_t length = fDecompressor ? Inflate(buffer, size) : Copy(buffer, size);
+  fDelivered += length;
+  RequireWithinLimits();
+  return length;
+}
+
+void TInput::Probe() {
+  while (fEnd < sizeof(kMagic) && Fill()) {
+  }
+  if (fEnd >= sizeof(kMagic) && std::equal(kMagic, kMagic + sizeof(kMagic), fBuffer.get())) {
+    fDecompressor = std::make_unique<TDecompressor>();
+  }
+  fProbed = true;
+}
+
+bool TInput::Fill() {
+  if (fBegin == fEnd) fBegin = fEnd = 0;
+  ssize_t length = 0;
+  do {
+    length = ::read(fDescriptor, fBuffer.get() + fEnd, kBufferSize - fEnd);
+  } while (length < 0 && errno == EINTR);
+  if (length < 0) throw TDefect(std::strerror(errno), {}, kQDXStatusFileSystemError);
+  fEnd += static_cast<std::size_t>(length);
+  fConsumed += static_cast<std::size_t>(length);
+  return length > 0;
+}
+
+std::size_t TInput::Copy(char* buffer, std::size_t size) {
+  if (fBegin == fEnd && !Fill()) return 0;
+  const std::size_t length = std::min(size, fEnd - fBegin);
+  std::memcpy(buffer, fBuffer.get() + fBegin, length);
+  fBegin += length;
+  return length;
+}
+
+std::size_t TInput::Inflate(char* buffer, std::size_t size) {
+  char* out = buffer;
+  while (out == buffer) {
+    if (fBegin == fEnd && !Fill()) {
+      RequireMember();
+      return 0;
+    }
+    const unsigned char* in = fBuffer.get() + fBegin;
+    fDecompressor->Inflate(in, fEnd - fBegin, out, size);
+    fBegin = static_cast<std::size_t>(in - fBuffer.get());
+  }
+  return static_cast<std::size_t>(out - buffer);
+}
+
+void TInput::RequireMember() {
+  if (fDecompressor->IsAtEndOfMember()) return;
+  throw TDefect("gzip: the file ends too early", {}, kQDXStatusCorruptGzipFile);
+}
+
+void TInput::RequireWithinLimits() const {
+  if (fDelivered > kMaxDocumentBytes) {
+    throw TDefect("larger than " + std::to_string(kMaxDocumentBytes) + " bytes");
+  }
+  if (fDelivered > kSmallDocumentBytes && fDelivered / kMaxInflation > fConsumed) {
+    throw TDefect("more than " + std::to_string(kMaxInflation) + " times its compressed size");
+  }
+}
+
+}  // namespace NVORNQDX20::NCIMXML

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Instances from their elements.
+#ifndef QDXCIMXML_INSTANCE_READER_H_
+#define QDXCIMXML_INSTANCE_READER_H_
+
+#include "element.h"
+#include "namespace_builder.h"
+
+namespace NVORNQDX20::NCIMXML {
+
+/// The INSTANCE of an object, which may be one itself.
+const TElement& InstanceOf(const TElement& object);
+
+/// Adds the instance; keys that are not among its properties come from its name.
+void ReadInstance(TNamespaceBuilder& ns, const TElement& object);
+
+}  // namespace NVORNQDX20::NCIMXML
+
+#endif  // QDXCIMXML_INSTANCE_READER_H_

@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "namespace_builder.h"
+
+#include <qdxcore/status.h>
+#include <qdxrepository/repository.h>
+
+#include <memory>
+#include <utility>
+
+#include "class_reader.h"
+#include "class_synthesis.h"
+#include "document_limits.h"
+#include "instance_reader.h"
+
+namespace NVORNQDX20::NCIMXML {
+
+void TReadingState::AddWaiting(std::size_t nodes, const TElement& element) {
+  fWaitingNodes += nodes;
+  if (fWaitingNodes > kMaxWaitingNodes) element.Refuse("too many objects come before their class");
+}
+
+void TReadingState::AddValues(std::size_t values, const TElement& element) {
+  fValues += values;
+  if (fValues > kMaxValues) element.Refuse("too many values");
+}
+
+TNamespaceBuilder::TNamespaceBuilder(TDocument& document, TReadingState& state,
+                                     const std::string& name)
+    : fDocument(document), fState(state), fNamespace(MakeRepositoryNamespace(name)) {}
+
+void TNamespaceBuilder::AddQualifierDecl(const TElement& element) {
+  ReadQualifierDecl(*this, element)->Commit();
+}
+
+void TNamespaceBuilder::AddClass(TElement&& element, std::size_t nodes) {
+  const std::string folded = Folded(element.Get("NAME"));
+  if (fClasses.count(folded) != 0 || fSources.count(folded) != 0) {
+    element.Refuse("class " + Shown(element.Get("NAME")) + " is declared twice");
+  }
+  fState.AddWaiting(nodes, element);
+  fSourceOrder.push_back(folded);
+  fSources[folded].fElement = std::move(element);
+}
+
+void TNamespaceBuilder::AddInstance(TElement&& object, std::size_t nodes) {
+  try {
+    ReadInstance(*this, object);
+  } catch (const TNotDeclaredYet&) {
+    fState.AddWaiting(nodes, object);
+    const TElement& waiting = fWaitingInstances.emplace_back(std::move(object));
+    fWaitingByClass[Folded(InstanceOf(waiting).Get("CLASSNAME"))].push_back(&waiting);
+  }
+}
+
+void TNamespaceBuilder::BuildClasses() {
+  for (const std::string& folded : fSourceOrder) {
+    const auto source = fSources.find(folded);
+    if (source == fSources.end()) continue;
+    const TElement& element = source->second.fElement;
+    ClassNamed(element.Get("NAME"), element);
+  }
+}
+
+void TNamespaceBuilder::BuildInstances() {
+  for (const TElement& object : fWaitingInstances) ReadInstance(*this, object);
+}
+
+TReadClass TNamespaceBuilder::ClassNamed(const std::string& name, const TElement& use) {
+  const std::string folded = Folded(name);
+  const auto found = fClasses.find(folded);
+  if (found != fClasses.end()) return found->second;
+  for (const auto& declaring : fState.fDeclaring) {
+    if (declaring.fNamespace != this || declaring.fName != folded) continue;
+    const bool isItself = &declaring == &fState.fDeclaring.back() && declaring.fClass.fClass;
+    if (!isItself) use.Refuse("class " + Shown(name) + " needs itself to be declared first");
+    return declaring.fClass;
+  }
+  return Declare(name, use);
+}
+
+TReadClass TNamespaceBuilder::Declare(const std::string& name, const TElement& use) {
+  if (fState.fDeclaring.size() >= kMaxClassDepth) use.Refuse("classes nested too deep");
+  const std::string folded = Folded(name);
+  fState.fDeclaring.push_back({this, folded, {}});
+  // Ends the declaring, whatever becomes of it.
+  const std::unique_ptr<TReadingState, void (*)(TReadingState*)> end(
+      &fState, [](TReadingState* state) { state->fDeclaring.pop_back(); });
+  const bool isDeclared = fSources.count(folded) != 0;
+  if (!isDeclared && !fState.fIsComplete) throw TNotDeclaredYet();
+  const TReadClass read = Measured(isDeclared ? ReadSource(folded) : Synthesize(name, use), use);
+  fClasses.emplace(folded, read);
+  fSources.erase(folded);
+  return read;
+}
+
+boost::shared_ptr<ICIMClass> TNamespaceBuilder::ReadSource(const std::string& folded) {
+  TSource& source = fSources.at(folded);
+  if (source.fWaits && !fState.fIsComplete) throw TNotDeclaredYet();
+  source.fWaits = true;  // until the end, if it does not get through now
+  return ReadClass(*this, source.fElement);
+}
+
+boost::shared_ptr<ICIMClass> TNamespaceBuilder::Synthesize(const std::string& name,
+                                                           const TElement& use) {
+  std::vector<const TElement*> uses;
+  const auto instances = fWaitingByClass.find(Folded(name));
+  if (instances != fWaitingByClass.end()) uses = instances->second;
+  uses.push_back(&use);
+  return SynthesizeClass(*this, name, uses);
+}
+
+TReadClass TNamespaceBuilder::Measured(const boost::shared_ptr<ICIMClass>& cimClass,
+                                       const TElement& use) const {
+  TReadClass read;
+  read.fClass = cimClass;
+  cimClass->EnumeratePropertyDecls(
+      [&read](const boost::shared_ptr<ICIMPropertyDecl>&) { return ++read.fProperties != 0; }, {});
+  if (!cimClass->IsRootClass({})) {
+    const std::string superclass = Folded(cimClass->GetSuperclass({})->GetName({}));
+    read.fDepth += fClasses.at(superclass).fDepth;
+  }
+  if (read.fDepth > kMaxClassDepth) use.Refuse("too many superclasses");
+  fState.AddValues(2 * read.fProperties, use);  // a class keeps a table of them
+  return read;
+}
+
+boost::shared_ptr<ICIMQualifierDecl> TNamespaceBuilder::QualifierDeclFor(
+    const TElement& qualifier) {
+  try {
+    return fNamespace->GetQualifierDecl(qualifier.Get("NAME"), {});
+  } catch (const TQDXException& e) {
+    if (e.GetStatusCode() != kQDXStatusNotFound) throw;
+  }
+  const auto decl = ReadQualifierDecl(*this, qualifier);
+  decl->Commit();
+  return decl;
+}
+
+boost::shared_ptr<ICIMQualifierDecl> TNamespaceBuilder::KeyDecl() {
+  TElement key;
+  key.fName = "QUALIFIER";
+  key.fAttributes = {{"NAME", "Key"}, {"TYPE", "boolean"}, {"OVERRIDABLE", "false"}};
+  return QualifierDeclFor(key);
+}
+
+}  // namespace NVORNQDX20::NCIMXML

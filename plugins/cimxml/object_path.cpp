@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "object_path.h"
+
+namespace NVORNQDX20::NCIMXML {
+namespace {
+
+bool IsPath(const TElement& element) {
+  return element.Is("CLASSPATH") || element.Is("LOCALCLASSPATH") || element.Is("INSTANCEPATH") ||
+         element.Is("LOCALINSTANCEPATH");
+}
+
+std::string JoinedNames(const TElement& localPath) {
+  std::string joined;
+  for (const TElement& part : localPath.fChildren) {
+    if (!part.Is("NAMESPACE")) localPath.RefuseChild(part);
+    if (&part != &localPath.fChildren.front()) joined += '/';
+    joined += part.Get("NAME");
+  }
+  return joined;
+}
+
+bool IsKeyValue(const TElement& element) {
+  return element.Is("KEYVALUE") || element.Is("VALUE.REFERENCE");
+}
+
+}  // namespace
+
+std::optional<std::string> NamespaceNameOf(const TElement& element) {
+  if (element.Is("LOCALNAMESPACEPATH")) return JoinedNames(element);
+  for (const TElement& child : element.fChildren) {
+    if (child.Is("LOCALNAMESPACEPATH")) return JoinedNames(child);
+    if (child.Is("NAMESPACEPATH") || IsPath(child)) return NamespaceNameOf(child);
+  }
+  if (element.Is("NAMESPACEPATH")) element.Refuse("a path without namespace");
+  return std::nullopt;
+}
+
+const TElement* FindName(const TElement& element) {
+  for (const TElement& child : element.fChildren) {
+    if (child.Is("INSTANCENAME") || child.Is("CLASSNAME")) return &child;
+    if (IsPath(child)) return FindName(child);
+  }
+  return nullptr;
+}
+
+const TElement& NameOf(const TElement& reference) {
+  const TElement* const name = FindName(reference);
+  if (name == nullptr) reference.Refuse("a reference that names nothing");
+  return *name;
+}
+
+const std::string& ClassNameOf(const TElement& name) {
+  return name.Get(name.Is("CLASSNAME") ? "NAME" : "CLASSNAME");
+}
+
+std::vector<TKeyBinding> KeyBindingsOf(const TElement& name) {
+  std::vector<TKeyBinding> bindings;
+  for (const TElement& child : name.fChildren) {
+    if (IsKeyValue(child) && name.fChildren.size() == 1) {
+      bindings.push_back({std::string(), &child});
+      continue;
+    }
+    if (!child.Is("KEYBINDING")) name.RefuseChild(child);
+    const TElement& value = child.OnlyChild();
+    if (!IsKeyValue(value)) child.RefuseChild(value);
+    bindings.push_back({child.Get("NAME"), &value});
+  }
+  return bindings;
+}
+
+}  // namespace NVORNQDX20::NCIMXML

@@ -1,0 +1,226 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "parser.h"
+
+#include <algorithm>
+#include <exception>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include <expat.h>
+
+#include "document_limits.h"
+
+namespace NVORNQDX20::NCIMXML {
+namespace {
+
+struct TContainer {
+  std::string_view fName;
+  std::string_view fParent;
+  bool fIsGroup;  ///< Its namespace is its own.
+  bool fHoldsObjects;
+};
+
+/// What holds objects, or what leads there, from the root on.
+constexpr TContainer kContainers[] = {{"CIM", "", false, false},
+                                      {"DECLARATION", "CIM", false, false},
+                                      {"DECLGROUP", "DECLARATION", true, true},
+                                      {"DECLGROUP.WITHNAME", "DECLARATION", true, true},
+                                      {"DECLGROUP.WITHPATH", "DECLARATION", true, true},
+                                      {"MESSAGE", "CIM", true, false},
+                                      {"MULTIRSP", "MESSAGE", false, false},
+                                      {"SIMPLERSP", "MESSAGE", false, false},
+                                      {"SIMPLERSP", "MULTIRSP", false, false},
+                                      {"IMETHODRESPONSE", "SIMPLERSP", false, true},
+                                      {"IRETURNVALUE", "IMETHODRESPONSE", false, true}};
+
+const TContainer* FindContainer(std::string_view name, const TContainer* parent) {
+  const std::string_view parentName = parent == nullptr ? std::string_view() : parent->fName;
+  const auto* const found = std::find_if(
+      std::begin(kContainers), std::end(kContainers),
+      [&](const TContainer& each) { return each.fName == name && each.fParent == parentName; });
+  return found == std::end(kContainers) ? nullptr : found;
+}
+
+class TParser {
+ public:
+  TParser(TInput& input, IObjectSink& sink)
+      : fInput(input), fSink(sink), fParser(XML_ParserCreate(nullptr), &XML_ParserFree) {
+    if (!fParser) throw TQDXException(kQDXStatusOutOfMemory);
+    XML_SetUserData(fParser.get(), this);
+    XML_SetElementHandler(fParser.get(), &OnStart, &OnEnd);
+    XML_SetCharacterDataHandler(fParser.get(), &OnText);
+    XML_SetEntityDeclHandler(fParser.get(), &OnEntityDecl);
+    XML_SetSkippedEntityHandler(fParser.get(), &OnSkippedEntity);
+  }
+
+  void Run() {
+    try {
+      while (Feed()) {
+      }
+    } catch (TDefect& defect) {
+      if (defect.fPosition.fLine == 0) defect.fPosition = Position();
+      throw;
+    }
+  }
+
+ private:
+  static constexpr int kChunkSize = 1 << 16;
+
+  static TParser& Self(void* self) { return *static_cast<TParser*>(self); }
+  static void OnStart(void* self, const XML_Char* name, const XML_Char** attributes) {
+    Self(self).Guarded([&] { Self(self).Start(name, attributes); });
+  }
+  static void OnEnd(void* self, const XML_Char*) {
+    Self(self).Guarded([&] { Self(self).End(); });
+  }
+  static void OnText(void* self, const XML_Char* text, int length) {
+    Self(self).Guarded([&] { Self(self).Text({text, static_cast<std::size_t>(length)}); });
+  }
+  static void OnEntityDecl(void* self, const XML_Char*, int, const XML_Char*, int, const XML_Char*,
+                           const XML_Char*, const XML_Char*, const XML_Char*) {
+    Self(self).Guarded([] { throw TDefect("declares an entity"); });
+  }
+  static void OnSkippedEntity(void* self, const XML_Char* name, int) {
+    Self(self).Guarded([&] { throw TDefect("unknown entity " + Shown(name)); });
+  }
+
+  /// The library is not made for exceptions to pass through: they wait until it has returned.
+  template <typename TWork>
+  void Guarded(TWork&& work) noexcept {
+    if (fFailure) return;
+    try {
+      work();
+    } catch (TDefect& defect) {
+      if (defect.fPosition.fLine == 0) defect.fPosition = Position();
+      fFailure = std::current_exception();
+    } catch (...) {
+      fFailure = std::current_exception();
+    }
+    if (fFailure) XML_StopParser(fParser.get(), XML_FALSE);
+  }
+
+  bool Feed();
+  void Start(const XML_Char* name, const XML_Char** attributes);
+  void End();
+  void Text(std::string_view text);
+  bool StartContainer(const TElement& element);
+  void StartObject(TElement&& element);
+  TElement MakeElement(const XML_Char* name, const XML_Char** attributes);
+  void CountNodes(std::size_t nodes);
+  TPosition Position() const {
+    return {XML_GetCurrentLineNumber(fParser.get()),
+            std::size_t{XML_GetCurrentColumnNumber(fParser.get())} + 1};
+  }
+
+  TInput& fInput;
+  IObjectSink& fSink;
+  const std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(&XML_ParserFree)> fParser;
+  std::exception_ptr fFailure;
+  std::size_t fFed = 0;
+  std::vector<const TContainer*> fContainers;
+  TElement fObject;
+  std::vector<TElement*> fOpen;  // from the object down
+  std::size_t fNodes = 0;        // of the object
+};
+
+bool TParser::Feed() {
+  void* const buffer = XML_GetBuffer(fParser.get(), kChunkSize);
+  if (buffer == nullptr) throw TQDXException(kQDXStatusOutOfMemory);
+  const std::size_t length = fInput.Read(static_cast<char*>(buffer), kChunkSize);
+  const bool last = length == 0;
+  const XML_Status status = XML_ParseBuffer(fParser.get(), static_cast<int>(length), last);
+  if (fFailure) std::rethrow_exception(fFailure);
+  if (status != XML_STATUS_OK) {
+    throw TDefect(XML_ErrorString(XML_GetErrorCode(fParser.get())));
+  }
+  // The library keeps a tag or a comment until it has all of it.
+  fFed += length;
+  const auto done = static_cast<std::size_t>(XML_GetCurrentByteIndex(fParser.get()));
+  if (!last && fFed - done > kMaxTagBytes) throw TDefect("a tag or a comment is too long");
+  return !last;
+}
+
+void TParser::Start(const XML_Char* name, const XML_Char** attributes) {
+  TElement element = MakeElement(name, attributes);
+  if (fContainers.size() + fOpen.size() >= kMaxDepth) element.Refuse("elements nested too deep");
+  if (fOpen.empty()) {
+    if (!StartContainer(element)) StartObject(std::move(element));
+    return;
+  }
+  std::vector<TElement>& siblings = fOpen.back()->fChildren;
+  siblings.push_back(std::move(element));
+  fOpen.push_back(&siblings.back());
+}
+
+bool TParser::StartContainer(const TElement& element) {
+  const TContainer* const parent = fContainers.empty() ? nullptr : fContainers.back();
+  const TContainer* const container = FindContainer(element.fName, parent);
+  if (container != nullptr) {
+    fNodes = 0;
+    fContainers.push_back(container);
+    if (container->fIsGroup) fSink.BeginGroup(element);
+    return true;
+  }
+  if (parent == nullptr) element.Refuse("no CIM-XML document");
+  if (!parent->fHoldsObjects) {
+    element.Refuse("<" + std::string(element.fName) + "> holds nothing of a namespace");
+  }
+  return false;
+}
+
+void TParser::StartObject(TElement&& element) {
+  fObject = std::move(element);
+  fOpen.push_back(&fObject);
+}
+
+void TParser::End() {
+  if (fOpen.empty()) {
+    const TContainer& container = *fContainers.back();
+    fContainers.pop_back();
+    if (container.fIsGroup) fSink.EndGroup();
+    return;
+  }
+  fOpen.pop_back();
+  if (!fOpen.empty()) return;
+  fSink.AddObject(std::move(fObject), std::exchange(fNodes, 0));
+  fObject = TElement();
+}
+
+void TParser::Text(std::string_view text) {
+  if (fOpen.empty()) return;
+  std::string& target = fOpen.back()->fText;
+  if (target.size() + text.size() > kMaxTextBytes) throw TDefect("a value is too long");
+  target += text;
+}
+
+TElement TParser::MakeElement(const XML_Char* name, const XML_Char** attributes) {
+  TElement element;
+  element.fName = KnownElement(name);
+  element.fPosition = Position();
+  if (element.fName.empty()) element.Refuse("unknown element " + Shown(name));
+  std::size_t count = 0;
+  for (; *attributes != nullptr; attributes += 2) {
+    if (++count > kMaxAttributes) element.Refuse("too many attributes");
+    const std::string_view known = KnownAttribute(attributes[0]);
+    if (!known.empty()) element.fAttributes.push_back({known, attributes[1]});
+  }
+  CountNodes(1 + element.fAttributes.size());
+  return element;
+}
+
+void TParser::CountNodes(std::size_t nodes) {
+  fNodes += nodes;
+  if (fNodes > kMaxObjectNodes) throw TDefect("an object has too many elements");
+}
+
+}  // namespace
+
+IObjectSink::~IObjectSink() = default;
+
+void ParseDocument(TInput& input, IObjectSink& sink) { TParser(input, sink).Run(); }
+
+}  // namespace NVORNQDX20::NCIMXML

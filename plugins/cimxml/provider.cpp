@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/interfaces.h>
+#include <qdxcore/logger.h>
+#include <qdxcore/registry.h>
+#include <qdxcore/status.h>
+#include <qdxrepository/repository.h>
+
+#include <cerrno>
+#include <cstring>
+#include <string>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <boost/make_shared.hpp>
+
+#include "document.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+using TNamespaces = boost::shared_ptr<TRepositoryProvider>;
+
+[[noreturn]] void Refuse(EQDXStatusCode code, const std::string& file) {
+  const char* const reason = std::strerror(errno);
+  LogErrorAndThrow(code, {"cimxml: ", file == "-" ? "standard input" : file, ": ", reason});
+}
+
+/// What tells one content of a file from another.
+struct TIdentity {
+  TIdentity() = default;
+  explicit TIdentity(const std::string& file) {
+    struct stat status {};
+    const bool isThere =
+        file == "-" ? ::fstat(STDIN_FILENO, &status) == 0 : ::stat(file.c_str(), &status) == 0;
+    if (!isThere) Refuse(kQDXStatusFileNotFound, file);
+    fDevice = status.st_dev;
+    fInode = status.st_ino;
+    if (file == "-" || !S_ISREG(status.st_mode)) return;  // those are read once
+    fSize = status.st_size;
+    fTime = status.st_mtim;
+  }
+  bool operator==(const TIdentity& other) const {
+    return fDevice == other.fDevice && fInode == other.fInode && fSize == other.fSize &&
+           fTime.tv_sec == other.fTime.tv_sec && fTime.tv_nsec == other.fTime.tv_nsec;
+  }
+
+  dev_t fDevice = 0;
+  ino_t fInode = 0;
+  off_t fSize = 0;
+  timespec fTime{};
+};
+
+TNamespaces Read(const std::string& file) {
+  if (file == "-") return NCIMXML::ReadDocument("standard input", STDIN_FILENO);
+  const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) Refuse(kQDXStatusFileNotFound, file);
+  const boost::shared_ptr<void> owner(nullptr, [descriptor](void*) { ::close(descriptor); });
+  return NCIMXML::ReadDocument(file, descriptor);
+}
+
+/// Provider "cimxml": the namespaces of a CIM-XML document, plain or compressed with gzip.
+///
+/// Option "file" (string) names the document, "-" standard input; without it there are no
+/// namespaces. The last document is kept, so that asking again does not read again, unless the file
+/// has changed meanwhile; pipes are read once. A file that cannot be opened throws
+/// kQDXStatusFileNotFound, a bad one what ReadDocument() says; both are logged.
+class TCIMXMLProvider final : public INamespaceProvider {
+ public:
+  const std::string& GetName(TOptionsMap) const override { return fName; }
+
+  boost::shared_ptr<ICIMNamespace> GetNamespace(const std::string& name,
+                                                TOptionsMap options) override {
+    return NamespacesIn(options)->GetNamespace(name, {});
+  }
+
+  void EnumerateNamespaceNames(const TNamespaceNameCallback& callback,
+                               TOptionsMap options) override {
+    NamespacesIn(options)->EnumerateNamespaceNames(callback, {});
+  }
+
+ private:
+  TNamespaces NamespacesIn(const TOptionsMap& options) {
+    const auto file = options.find("file");
+    if (file == options.end()) return boost::make_shared<TRepositoryProvider>(fName);
+    const std::string name = file->second;
+    const TIdentity identity(name);
+    if (!fLast || !(identity == fLastIdentity)) {
+      fLast.reset();  // before there are two
+      fLast = Read(name);
+      fLastIdentity = identity;
+    }
+    return fLast;
+  }
+
+  const std::string fName = "cimxml";
+  TNamespaces fLast;
+  TIdentity fLastIdentity;
+};
+
+bool Register() noexcept {
+  try {
+    TRootObject::GetNamespaceProviderManager()->RegisterNamespaceProvider(
+        boost::make_shared<TCIMXMLProvider>());
+    return true;
+  } catch (...) {
+    // This runs while the library is loaded: an exception would end the process. Who looks for the
+    // provider finds it missing.
+    return false;
+  }
+}
+
+[[maybe_unused]] const bool kRegistered = Register();
+
+}  // namespace
+}  // namespace NVORNQDX20
