@@ -157,7 +157,7 @@ boost::shared_ptr<ICIMClass> ReadClass(TNamespaceBuilder& ns, const TElement& el
   return AsPartOf(element, "class " + Shown(name), [&] {
     const auto parent =
         superclass == nullptr ? nullptr : ns.ClassNamed(*superclass, element).fClass;
-    const auto created = ns.Namespace()->CreateClass(name, parent, {});
+    auto created = ns.Namespace()->CreateClass(name, parent, {});
     ns.State().fDeclaring.back().fClass.fClass = created;
     TClassReader(ns, element, *created).Read();
     created->Commit({});

@@ -3,6 +3,7 @@
 
 #include <unordered_map>
 
+#include "document.h"
 #include "object_path.h"
 #include "value_reader.h"
 
@@ -78,9 +79,10 @@ class TSynthesis {
 boost::shared_ptr<ICIMClass> ReferencedClass(TNamespaceBuilder& ns, const TElement& reference) {
   const std::string* const named = reference.Find("REFERENCECLASS");
   if (named != nullptr) return ns.ClassNamed(*named, reference).fClass;
-  const TElement& path =
-      reference.Is("VALUE.REFERENCE") ? reference : *reference.Child("VALUE.REFERENCE");
-  return ns.ClassNamed(ClassNameOf(NameOf(path)), NameOf(path)).fClass;
+  const bool isPath = reference.Is("VALUE.REFERENCE");
+  const TElement& path = isPath ? reference : *reference.Child("VALUE.REFERENCE");
+  const TElement& name = NameOf(path);
+  return ns.Document().NamespaceOf(path, ns).ClassNamed(ClassNameOf(name), name).fClass;
 }
 
 TCIMValue NullOf(TNamespaceBuilder& ns, const TProperty& property,
@@ -100,7 +102,7 @@ boost::shared_ptr<ICIMClass> SynthesizeClass(TNamespaceBuilder& ns, const std::s
   TSynthesis synthesis;
   for (const TElement* use : uses) synthesis.AddUse(*use);
   return AsPartOf(*uses.back(), "class " + Shown(name), [&] {
-    const auto created = ns.Namespace()->CreateClass(name, nullptr, {});
+    auto created = ns.Namespace()->CreateClass(name, nullptr, {});
     ns.State().fDeclaring.back().fClass.fClass = created;
     for (const TProperty& property : synthesis.Properties()) {
       const auto decl =

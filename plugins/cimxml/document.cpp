@@ -79,9 +79,14 @@ void TDocument::AddNamedObject(TElement&& object, std::size_t nodes) {
 
 void TDocument::Complete() {
   fState.fIsComplete = true;
-  // By position: what refers to another namespace makes that one.
-  for (std::size_t i = 0; i < fListed.size(); ++i) fListed[i]->BuildClasses();
-  for (std::size_t i = 0; i < fListed.size(); ++i) fListed[i]->BuildInstances();
+  for (TNamespaceBuilder* ns : fListed) ns->NoteReferences();
+  for (TNamespaceBuilder* ns : fListed) ns->BuildClasses();
+  for (TNamespaceBuilder* ns : fListed) ns->BuildInstances();
+}
+
+TNamespaceBuilder& TDocument::NamespaceOf(const TElement& reference, TNamespaceBuilder& own) {
+  const auto name = NamespaceNameOf(reference);
+  return name ? NamespaceNamed(*name) : own;
 }
 
 TNamespaceBuilder& TDocument::NamespaceNamed(const std::string& name) {

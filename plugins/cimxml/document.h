@@ -34,12 +34,13 @@ class TDocument final : public IObjectSink {
   /// Builds what waits; nothing is added after it.
   void Complete();
 
-  /// For what refers to it; the document need not have it.
-  TNamespaceBuilder& NamespaceNamed(const std::string& name);
+  /// The one that a reference names, or `own`. The document need not have it.
+  TNamespaceBuilder& NamespaceOf(const TElement& reference, TNamespaceBuilder& own);
   boost::shared_ptr<TRepositoryProvider> Namespaces() const;
   std::size_t UnheldDateTimes() const { return fState.fUnheldDateTimes; }
 
  private:
+  TNamespaceBuilder& NamespaceNamed(const std::string& name);
   TNamespaceBuilder& List(const std::string& name);
   TNamespaceBuilder& Group();
   void AddNamedObject(TElement&& object, std::size_t nodes);

@@ -9,7 +9,7 @@
 namespace NVORNQDX20::NCIMXML {
 
 /// Of XML, after decompression.
-inline constexpr std::size_t kMaxDocumentBytes = std::size_t{1} << 30;
+inline constexpr std::size_t kMaxDocumentBytes = std::size_t{2} << 30;
 /// How many times its compressed size a document may have, once it is not small any more.
 inline constexpr std::size_t kMaxInflation = 500;
 inline constexpr std::size_t kSmallDocumentBytes = std::size_t{64} << 20;

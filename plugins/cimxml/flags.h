@@ -11,21 +11,21 @@
 namespace NVORNQDX20::NCIMXML {
 
 struct TFlag {
-  std::uint32_t fBit;
   std::string_view fAttribute;
+  std::uint32_t fBit;
   bool fDefault;  ///< What an attribute that is not there means.
 };
 
-inline constexpr TFlag kFlavors[] = {{kFlavorOverridable, "OVERRIDABLE", true},
-                                     {kFlavorToSubclass, "TOSUBCLASS", true},
-                                     {kFlavorToInstance, "TOINSTANCE", false},
-                                     {kFlavorTranslatable, "TRANSLATABLE", false}};
+inline constexpr TFlag kFlavors[] = {{"OVERRIDABLE", kFlavorOverridable, true},
+                                     {"TOSUBCLASS", kFlavorToSubclass, true},
+                                     {"TOINSTANCE", kFlavorToInstance, false},
+                                     {"TRANSLATABLE", kFlavorTranslatable, false}};
 
 inline constexpr TFlag kScopes[] = {
-    {kScopeClass, "CLASS", false},          {kScopeAssociation, "ASSOCIATION", false},
-    {kScopeReference, "REFERENCE", false},  {kScopeProperty, "PROPERTY", false},
-    {kScopeMethod, "METHOD", false},        {kScopeParameter, "PARAMETER", false},
-    {kScopeIndication, "INDICATION", false}};
+    {"CLASS", kScopeClass, false},          {"ASSOCIATION", kScopeAssociation, false},
+    {"REFERENCE", kScopeReference, false},  {"PROPERTY", kScopeProperty, false},
+    {"METHOD", kScopeMethod, false},        {"PARAMETER", kScopeParameter, false},
+    {"INDICATION", kScopeIndication, false}};
 
 }  // namespace NVORNQDX20::NCIMXML
 

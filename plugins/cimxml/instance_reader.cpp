@@ -57,7 +57,7 @@ void ReadInstance(TNamespaceBuilder& ns, const TElement& object) {
   AsPartOf(instance, "instance of " + Shown(className), [&] {
     const auto created = read.fClass->CreateInstance({});
     for (const TElement& child : instance.fChildren) {
-      // Qualifiers of instances mean nothing since version 2.4 of the standard.
+      // An instance has no qualifiers of its own.
       if (!child.Is("QUALIFIER")) SetProperty(ns, *read.fClass, *created, child);
     }
     const TElement* const name = FindName(object);

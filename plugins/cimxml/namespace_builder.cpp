@@ -9,8 +9,11 @@
 
 #include "class_reader.h"
 #include "class_synthesis.h"
+#include "document.h"
 #include "document_limits.h"
 #include "instance_reader.h"
+#include "object_path.h"
+#include "value_reader.h"
 
 namespace NVORNQDX20::NCIMXML {
 
@@ -29,7 +32,8 @@ TNamespaceBuilder::TNamespaceBuilder(TDocument& document, TReadingState& state,
     : fDocument(document), fState(state), fNamespace(MakeRepositoryNamespace(name)) {}
 
 void TNamespaceBuilder::AddQualifierDecl(const TElement& element) {
-  ReadQualifierDecl(*this, element)->Commit();
+  const auto decl = ReadQualifierDecl(*this, element);
+  AsPartOf(element, "qualifier " + Shown(decl->GetName()), [&] { decl->Commit(); });
 }
 
 void TNamespaceBuilder::AddClass(TElement&& element, std::size_t nodes) {
@@ -48,7 +52,24 @@ void TNamespaceBuilder::AddInstance(TElement&& object, std::size_t nodes) {
   } catch (const TNotDeclaredYet&) {
     fState.AddWaiting(nodes, object);
     const TElement& waiting = fWaitingInstances.emplace_back(std::move(object));
-    fWaitingByClass[Folded(InstanceOf(waiting).Get("CLASSNAME"))].push_back(&waiting);
+    NoteUse(InstanceOf(waiting).Get("CLASSNAME"), waiting);
+  }
+}
+
+void TNamespaceBuilder::NoteReferences() {
+  for (const TElement& object : fWaitingInstances) NoteReferencesIn(object);
+}
+
+void TNamespaceBuilder::NoteReferencesIn(const TElement& element) {
+  for (const TElement& child : element.fChildren) {
+    if (!child.Is("VALUE.REFERENCE")) {
+      NoteReferencesIn(child);
+      continue;
+    }
+    TNamespaceBuilder& target = fDocument.NamespaceOf(child, *this);
+    const TElement& name = NameOf(child);
+    target.NoteUse(ClassNameOf(name), name);
+    target.NoteReferencesIn(name);
   }
 }
 
@@ -87,7 +108,7 @@ TReadClass TNamespaceBuilder::Declare(const std::string& name, const TElement& u
       &fState, [](TReadingState* state) { state->fDeclaring.pop_back(); });
   const bool isDeclared = fSources.count(folded) != 0;
   if (!isDeclared && !fState.fIsComplete) throw TNotDeclaredYet();
-  const TReadClass read = Measured(isDeclared ? ReadSource(folded) : Synthesize(name, use), use);
+  TReadClass read = Measured(isDeclared ? ReadSource(folded) : Synthesize(name, use), use);
   fClasses.emplace(folded, read);
   fSources.erase(folded);
   return read;
@@ -103,8 +124,8 @@ boost::shared_ptr<ICIMClass> TNamespaceBuilder::ReadSource(const std::string& fo
 boost::shared_ptr<ICIMClass> TNamespaceBuilder::Synthesize(const std::string& name,
                                                            const TElement& use) {
   std::vector<const TElement*> uses;
-  const auto instances = fWaitingByClass.find(Folded(name));
-  if (instances != fWaitingByClass.end()) uses = instances->second;
+  const auto noted = fUses.find(Folded(name));
+  if (noted != fUses.end()) uses = noted->second;
   uses.push_back(&use);
   return SynthesizeClass(*this, name, uses);
 }
@@ -113,8 +134,9 @@ TReadClass TNamespaceBuilder::Measured(const boost::shared_ptr<ICIMClass>& cimCl
                                        const TElement& use) const {
   TReadClass read;
   read.fClass = cimClass;
-  cimClass->EnumeratePropertyDecls(
-      [&read](const boost::shared_ptr<ICIMPropertyDecl>&) { return ++read.fProperties != 0; }, {});
+  std::vector<boost::shared_ptr<ICIMPropertyDecl>> decls;
+  cimClass->EnumeratePropertyDecls(TAddToVectorCallback(decls), {});
+  read.fProperties = decls.size();
   if (!cimClass->IsRootClass({})) {
     const std::string superclass = Folded(cimClass->GetSuperclass({})->GetName({}));
     read.fDepth += fClasses.at(superclass).fDepth;
@@ -131,7 +153,7 @@ boost::shared_ptr<ICIMQualifierDecl> TNamespaceBuilder::QualifierDeclFor(
   } catch (const TQDXException& e) {
     if (e.GetStatusCode() != kQDXStatusNotFound) throw;
   }
-  const auto decl = ReadQualifierDecl(*this, qualifier);
+  auto decl = ReadQualifierDecl(*this, qualifier);
   decl->Commit();
   return decl;
 }

@@ -59,6 +59,8 @@ class TNamespaceBuilder {
   void AddClass(TElement&& element, std::size_t nodes);
   /// An INSTANCE, alone or together with its name or path.
   void AddInstance(TElement&& object, std::size_t nodes);
+  // At the end of the document, each for all namespaces before the next:
+  void NoteReferences();
   void BuildClasses();
   void BuildInstances();
 
@@ -82,6 +84,10 @@ class TNamespaceBuilder {
   TReadClass Declare(const std::string& name, const TElement& use);
   boost::shared_ptr<ICIMClass> ReadSource(const std::string& folded);
   boost::shared_ptr<ICIMClass> Synthesize(const std::string& name, const TElement& use);
+  void NoteReferencesIn(const TElement& element);
+  void NoteUse(const std::string& className, const TElement& use) {
+    fUses[Folded(className)].push_back(&use);
+  }
   TReadClass Measured(const boost::shared_ptr<ICIMClass>& cimClass, const TElement& use) const;
 
   TDocument& fDocument;
@@ -92,7 +98,8 @@ class TNamespaceBuilder {
   std::unordered_map<std::string, TSource> fSources;
   std::vector<std::string> fSourceOrder;
   std::deque<TElement> fWaitingInstances;
-  std::unordered_map<std::string, std::vector<const TElement*>> fWaitingByClass;
+  // What tells of a class that is not declared, by its folded name.
+  std::unordered_map<std::string, std::vector<const TElement*>> fUses;
 };
 
 }  // namespace NVORNQDX20::NCIMXML

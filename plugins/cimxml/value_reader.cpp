@@ -46,8 +46,7 @@ TCIMValue ReadArray(TNamespaceBuilder& ns, TCIMType type, unsigned int size,
 
 TCIMValue ReadReference(TNamespaceBuilder& ns, const TElement& element) {
   const TElement& name = NameOf(element);
-  const std::optional<std::string> path = NamespaceNameOf(element);
-  TNamespaceBuilder& target = path ? ns.Document().NamespaceNamed(*path) : ns;
+  TNamespaceBuilder& target = ns.Document().NamespaceOf(element, ns);
   TCIMReference reference(target.Namespace(), {});
   const boost::shared_ptr<ICIMClass> cimClass = target.ClassNamed(ClassNameOf(name), name).fClass;
   reference.SetClass(cimClass);
