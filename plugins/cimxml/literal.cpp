@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "literal.h"
 
+#include <qdxcore/logger.h>
 #include <qdxcore/status.h>
 
 #include <charconv>
@@ -50,7 +51,10 @@ std::string NumberText(T number) {
 
 std::string DateTimeText(const TCIMDateTime& dateTime) {
   std::string text = dateTime.ToString();
-  if (text.size() != kDateTimeLength) throw TQDXException(kQDXStatusInvalidDateTime);
+  if (text.size() != kDateTimeLength) {
+    LogErrorAndThrow(kQDXStatusInvalidDateTime,
+                     {"cimxml: date-time ", text, " is longer than 25 characters"});
+  }
   return text;
 }
 

@@ -17,8 +17,8 @@ namespace NVORNQDX20::NCIMXML {
 bool IsAbsent(const TCIMValue& value);
 
 /// The text of a scalar that is not absent and is no reference. Reals have as many digits as it
-/// takes to read back the same number. Throws kQDXStatusInvalidDateTime for a date-time that has no
-/// text of 25 characters.
+/// takes to read back the same number. A date-time whose text is not 25 characters long is
+/// logged and throws kQDXStatusInvalidDateTime.
 std::string WriteLiteral(const TCIMValue& value);
 
 /// The scalar that the text spells; nothing if it spells none of that type. Null of the type for a

@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/interfaces.h>
+#include <qdxcore/status.h>
+
+#include <filesystem>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "cimxml/documents.h"
+#include "support/expect_status.h"
+#include "support/log_capture.h"
+
+#include <gtest/gtest.h>
+
+namespace NVORNQDX20 {
+namespace {
+
+namespace fs = std::filesystem;
+
+TNamespace MakeOne(const std::string& className) {
+  const TNamespace ns = MakeRepositoryNamespace("root/" + className);
+  AddClass(ns, className, {}, {{"s", ""}});
+  for (int i = 0; i < 1000; ++i) AddInstance(ns, className, {{"s", std::string(100, 'a')}});
+  return ns;
+}
+
+TEST(CIMXMLConsumer, CompressesByTheNameAndAlwaysAlike) {
+  const TTempDir folder;
+  const std::string first = (folder.Path() / "a.xml.gz").string();
+  const std::string second = (folder.Path() / "b.gz").string();
+  const TNamespace ns = MakeOne("C");
+  for (const std::string& file : {first, second}) MakeConsumer()->Consume(ns, {{"file", file}});
+  const std::string bytes = ReadWholeFile(first);
+  // No flags, no time, unknown system.
+  EXPECT_EQ(bytes.substr(0, 10), std::string("\x1F\x8B\x08\0\0\0\0\0\0\xFF", 10));
+  EXPECT_EQ(ReadWholeFile(second), bytes);
+  EXPECT_EQ(ReadAndWritten(first), Written({ns}));
+  EXPECT_LT(bytes.size(), Written({ns}).size() / 20);
+}
+
+TEST(CIMXMLConsumer, KeepsAFilesModeAndMakesNewOnesPrivate) {
+  const TTempDir folder;
+  const std::string old = folder.Write("old.xml", std::string(1 << 20, 'x')).string();
+  const std::string fresh = (folder.Path() / "fresh.xml").string();
+  ::chmod(old.c_str(), 0644);
+  const mode_t mask = ::umask(0);
+  for (const std::string& file : {old, fresh}) {
+    MakeConsumer()->Consume(MakeOne("C"), {{"file", file}});
+  }
+  ::umask(mask);
+  EXPECT_EQ(fs::status(old).permissions(), fs::perms(0644));
+  EXPECT_EQ(fs::status(fresh).permissions(), fs::perms(0600));
+  EXPECT_EQ(ReadWholeFile(old), ReadWholeFile(fresh));
+}
+
+TEST(CIMXMLConsumer, AbandonsAnOpenDocumentForAnother) {
+  const TTempDir folder;
+  const std::string left = (folder.Path() / "left.xml").string();
+  const std::string whole = (folder.Path() / "whole.xml").string();
+  const auto consumer = MakeConsumer();
+  consumer->Consume(MakeOne("A"), {{"file", left}, {"more", true}});
+  consumer->Consume(MakeOne("B"), {{"file", whole}});
+  EXPECT_QDX_STATUS(NamesIn(left), kQDXStatusInvalidDataCollectionDocument);
+  EXPECT_EQ(NamesIn(whole), TNames{"root/B"});
+  consumer->Consume(MakeOne("C"), {{"file", left}});
+  EXPECT_EQ(NamesIn(left), TNames{"root/C"});
+}
+
+TEST(CIMXMLConsumer, SaysWhyAFileCannotBeWritten) {
+  const TNamespace ns = MakeOne("C");
+  for (const auto& [file, reason] :
+       {std::pair<std::string, std::string>{"/dev/full", "No space left on device"},
+        {"/nonexistent/d.gz", "No such file or directory"}}) {
+    const TLogCapture log;
+    EXPECT_QDX_STATUS(MakeConsumer()->Consume(ns, {{"file", file}}), kQDXStatusFileSystemError);
+    EXPECT_EQ(log.Messages(), TNames{"0 cimxml: " + file + ": " + reason});
+  }
+  EXPECT_QDX_STATUS(MakeConsumer()->Consume(ns, {}), kQDXStatusRequiredContextMissing);
+}
+
+TEST(CIMXMLConsumer, RefusesWhatTheFormatHasNoElementFor) {
+  const TCIMValue references(TCIMValue::TCIMType::kCIMTypeReference, 2);
+  const TCIMDateTime tooLong(2004, 300, 1, 0, 0, 0, 0, 0);
+  for (const auto& [value, status] : {std::pair{references, kQDXStatusNotSupported},
+                                      std::pair{TCIMValue(tooLong), kQDXStatusInvalidDateTime}}) {
+    const TNamespace ns = MakeNamespace();
+    AddClass(ns, "C", {}, {{"p", value}});
+    const TLogCapture log;
+    EXPECT_QDX_STATUS(Written({ns}), status);
+    EXPECT_EQ(log.Messages().size(), 1U);
+  }
+}
+
+/// Does the work with a file in the place of a standard one.
+template <typename TWork>
+void WithStandardFile(int standard, const std::string& file, TWork&& work) {
+  const int saved = ::dup(standard);
+  const int opened = ::open(file.c_str(), O_RDWR | O_CLOEXEC);
+  ::dup2(opened, standard);
+  ::close(opened);
+  work();
+  ::dup2(saved, standard);
+  ::close(saved);
+}
+
+TEST(CIMXMLPlugins, TakeADashForTheStandardFiles) {
+  const TNamespace ns = MakeOne("C");
+  const TDocumentFile file("");
+  WithStandardFile(STDOUT_FILENO, file.Path(), [&] {
+    MakeConsumer()->Consume(ns, {{"file", "-"}});
+  });
+  EXPECT_TRUE(ReadWholeFile(file.Path()) == Written({ns}));
+  WithStandardFile(STDIN_FILENO, file.Path(), [&] {
+    EXPECT_EQ(NamesIn("-"), TNames{"root/C"});
+    EXPECT_TRUE(ReadAndWritten("-") == Written({ns}));  // though it is read to its end
+  });
+}
+
+TEST(CIMXMLProvider, ReadsAgainOnlyWhatHasChanged) {
+  const TDocumentFile file(Document({}));
+  const TNamespace first = Read(file.Path());
+  EXPECT_EQ(Read(file.Path()), first);
+  std::ofstream(file.Path()) << Document({Class("")});
+  EXPECT_EQ(Read(file.Path())->GetClass("C", {})->GetName({}), "C");
+  EXPECT_QDX_STATUS(Read(file.Path(), "root/other"), kQDXStatusNotFound);
+}
+
+TEST(CIMXMLProvider, HasNothingWithoutAFile) {
+  EXPECT_EQ(NamesIn(TOptionsMap()), TNames());
+  EXPECT_QDX_STATUS(Provider()->GetNamespace("root/cimv2", {}), kQDXStatusNotFound);
+  const TLogCapture log;
+  EXPECT_QDX_STATUS(NamesIn("/nonexistent"), kQDXStatusFileNotFound);
+  EXPECT_EQ(log.Messages(), TNames{"0 cimxml: /nonexistent: No such file or directory"});
+  EXPECT_QDX_STATUS(NamesIn("/"), kQDXStatusFileSystemError);
+}
+
+}  // namespace
+}  // namespace NVORNQDX20

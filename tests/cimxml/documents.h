@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: Apache-2.0
+/// The two plug-ins as the tool uses them, and documents for them.
+#ifndef TESTS_CIMXML_DOCUMENTS_H_
+#define TESTS_CIMXML_DOCUMENTS_H_
+
+#include <qdxcore/os_specific.h>
+#include <qdxcore/registry.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "support/class_builder.h"
+#include "support/temp_dir.h"
+
+inline std::unique_ptr<NVORNQDX20::INamespaceConsumer> MakeConsumer() {
+  using NVORNQDX20::TOSSpecific;
+  return std::unique_ptr<NVORNQDX20::INamespaceConsumer>(TOSSpecific::LoadNSCLibrary("cimxml"));
+}
+
+inline boost::shared_ptr<NVORNQDX20::INamespaceProvider> Provider() {
+  NVORNQDX20::TOSSpecific::LoadNSPLibrary("cimxml");
+  return NVORNQDX20::TRootObject::GetNamespaceProviderManager()->GetNamespaceProvider("cimxml");
+}
+
+using TNames = std::vector<std::string>;
+
+inline TNames NamesIn(const NVORNQDX20::TOptionsMap& options) {
+  TNames names;
+  const auto add = [&](const std::string& name) { return names.push_back(name), true; };
+  Provider()->EnumerateNamespaceNames(add, options);
+  return names;
+}
+inline TNames NamesIn(const std::string& file) { return NamesIn({{"file", file}}); }
+
+inline TNamespace Read(const std::string& file, const std::string& name = "root/cimv2") {
+  return Provider()->GetNamespace(name, {{"file", file}});
+}
+
+/// A document of its own in a folder of its own.
+class TDocumentFile {
+ public:
+  explicit TDocumentFile(const std::string& content) { fFolder.Write("d.xml", content); }
+  std::string Path() const { return (fFolder.Path() / "d.xml").string(); }
+
+ private:
+  TTempDir fFolder;
+};
+
+/// All namespaces in one document.
+inline std::string Written(const std::vector<TNamespace>& namespaces) {
+  const TDocumentFile file("");
+  const auto consumer = MakeConsumer();
+  for (const TNamespace& ns : namespaces) {
+    consumer->Consume(ns, {{"file", file.Path()}, {"more", ns != namespaces.back()}});
+  }
+  return ReadWholeFile(file.Path());
+}
+
+inline std::string ReadAndWritten(const std::string& file) {
+  std::vector<TNamespace> namespaces;
+  for (const std::string& name : NamesIn(file)) namespaces.push_back(Read(file, name));
+  return Written(namespaces);
+}
+
+inline std::string Tag(const std::string& name, const std::string& attributes,
+                       const std::string& content = "") {
+  return "<" + name + " " + attributes + ">" + content + "</" + name + ">";
+}
+
+/// The document around objects, each an element or two.
+inline std::string Document(const TNames& objects) {
+  std::string text = "<CIM CIMVERSION='2.0' DTDVERSION='2.4'><DECLARATION><DECLGROUP.WITHNAME>\n";
+  for (const auto& object : objects)
+    text += "<VALUE.NAMEDOBJECT>" + object + "</VALUE.NAMEDOBJECT>\n";
+  return text + "</DECLGROUP.WITHNAME></DECLARATION></CIM>";
+}
+
+inline std::string Class(const std::string& content, const std::string& attributes = "NAME='C'") {
+  return Tag("CLASS", attributes, content);
+}
+
+inline std::string Instance(const std::string& properties, const std::string& keys = "") {
+  return Tag("INSTANCENAME", "CLASSNAME='C'", keys) + Tag("INSTANCE", "CLASSNAME='C'", properties);
+}
+
+/// Of a property "p".
+inline std::string Property(const std::string& type, const std::string& value) {
+  return Tag("PROPERTY", "NAME='p' TYPE='" + type + "'", "<VALUE>" + value + "</VALUE>");
+}
+
+#endif  // TESTS_CIMXML_DOCUMENTS_H_

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: Apache-2.0
+// Documents as other tools write them.
+#include <algorithm>
+
+#include "cimxml/documents.h"
+#include "support/log_capture.h"
+
+#include <gtest/gtest.h>
+
+namespace NVORNQDX20 {
+namespace {
+
+std::string Id(const std::string& value) {
+  return "<PROPERTY NAME='Id' TYPE='uint32'><VALUE>" + value + "</VALUE></PROPERTY>";
+}
+const std::string kKey =
+    "<QUALIFIER X='' TYPE='boolean' NAME='Key'><VALUE>true</VALUE></QUALIFIER>";
+const std::string kDeclared = Class(Tag("PROPERTY", "TYPE='uint32' NAME='Id'", kKey));
+const std::string kBare = Tag("INSTANCE", "CLASSNAME='C'", Id("5"));
+
+std::string Binding(const std::string& name, const std::string& valueType,
+                    const std::string& value) {
+  return Tag("KEYBINDING", "NAME='" + name + "'", Tag("KEYVALUE", valueType, value));
+}
+const std::string kNamespace =
+    "<NAMESPACEPATH><HOST>h</HOST><LOCALNAMESPACEPATH><NAMESPACE NAME='root/cimv2'/>"
+    "</LOCALNAMESPACEPATH></NAMESPACEPATH>";
+const std::string kName =
+    Tag("INSTANCENAME", "CLASSNAME='C'", Binding("id", "VALUETYPE='numeric'", "5"));
+const std::string kPath = "<INSTANCEPATH>" + kNamespace + kName + "</INSTANCEPATH>";
+const std::string kLink = "<INSTANCE CLASSNAME='L'><PROPERTY.REFERENCE NAME='r'><VALUE.REFERENCE>" +
+                          kPath + "</VALUE.REFERENCE></PROPERTY.REFERENCE></INSTANCE>";
+
+std::string WithValue(const std::string& type, const std::string& value) {
+  return Document(
+      {Class("<PROPERTY NAME='p' TYPE='" + type + "'/>"), Instance(Property(type, value))});
+}
+std::string Response(const std::string& content) {
+  return "<CIM><MESSAGE ID='1' PROTOCOLVERSION='1.0'><SIMPLERSP><IMETHODRESPONSE NAME='X'>"
+         "<IRETURNVALUE>" +
+         content +
+         "</IRETURNVALUE><PARAMVALUE NAME='EndOfSequence'/>"
+         "</IMETHODRESPONSE></SIMPLERSP></MESSAGE></CIM>";
+}
+
+/// What a class and a key of it look like when they are written.
+std::string Begin(const std::string& attributes) { return "<CLASS " + attributes + ">\n"; }
+std::string Key(const std::string& name, const std::string& type) {
+  return "<PROPERTY NAME='" + name + "' TYPE='" + type + "'>\n<QUALIFIER NAME='Key' ";
+}
+
+const struct {
+  std::string fDocument;
+  TNames fExpected;  ///< Stand in what is written of "root/cimv2", with ' for each ".
+} kForeign[] = {
+    // Keys that only the name has: in another case, without type, without name.
+    {Document({kDeclared, Instance("", Binding("ID", "", "7"))}), {Id("7")}},
+    {Document({kDeclared, Instance("", "<KEYVALUE>7</KEYVALUE>")}), {Id("7")}},
+    // Any order.
+    {Document({Instance(Id("5")), kDeclared}), {Key("Id", "uint32"), Id("5")}},
+    {Document({Class("", "NAME='D' SUPERCLASS='c'"), kDeclared}),
+     {Begin("NAME='D' SUPERCLASS='C'")}},
+    {Document({Class("<PROPERTY.REFERENCE NAME='r' REFERENCECLASS='C'/>", "NAME='A'"), kDeclared}),
+     {"<PROPERTY.REFERENCE NAME='r' REFERENCECLASS='C'>"}},
+    // Nothing declared: a class of all its instances, of references, of a subclass.
+    {Document({Instance("<PROPERTY.ARRAY NAME='a' TYPE='uint8'/>",
+                        Binding("k", "VALUETYPE='boolean'", "TRUE")),
+               Instance(Property("string", ""), Binding("k", "VALUETYPE='boolean'", "FALSE"))}),
+     {Begin("NAME='C'") + "<PROPERTY.ARRAY NAME='a' TYPE='uint8'>\n", Key("k", "boolean"),
+      "<PROPERTY NAME='p' TYPE='string'>\n", Property("string", "")}},
+    {Document({kLink}), {Key("id", "uint64"), "REFERENCECLASS='C'>", "TYPE='uint64'>5</KEYVALUE>"}},
+    {Document({kBare, kLink}), {Key("Id", "uint32"), "TYPE='uint32'>5</KEYVALUE>"}},
+    {Document({Class("<PROPERTY NAME='p' TYPE='sint8' PROPAGATED='true' CLASSORIGIN='B'/>",
+                     "NAME='D' SUPERCLASS='B'")}),
+     {Begin("NAME='B'") + "</CLASS>",
+      Begin("NAME='D' SUPERCLASS='B'") + "<PROPERTY NAME='p' TYPE='sint8'>"}},
+    {Document({Class(
+         "<QUALIFIER NAME='Q' TYPE='string' TOSUBCLASS='false'><VALUE.ARRAY/></QUALIFIER>")}),
+     {"<QUALIFIER.DECLARATION NAME='Q' TYPE='string' ISARRAY='true' TOSUBCLASS='false'><SCOPE "
+      "CLASS='true' ",
+      "<QUALIFIER NAME='Q' TYPE='string' TOSUBCLASS='false'><VALUE.ARRAY></VALUE.ARRAY>"}},
+    // A declaration that a subclass only repeats.
+    {Document(
+         {Class(Property("sint8", "1")),
+          Class("<PROPERTY NAME='p' TYPE='sint8' PROPAGATED='true'/>", "NAME='D' SUPERCLASS='C'")}),
+     {Begin("NAME='D' SUPERCLASS='C'") + "</CLASS>"}},
+    // Other frames around the objects.
+    {Response("<VALUE.NAMEDINSTANCE>" + kName + kBare + "</VALUE.NAMEDINSTANCE>"),
+     {Key("Id", "uint32"), Id("5")}},
+    {Response("<VALUE.INSTANCEWITHPATH>" + kPath + kBare + "</VALUE.INSTANCEWITHPATH>"),
+     {Key("Id", "uint32"), Id("5")}},
+    {Response(kDeclared + kBare), {Key("Id", "uint32"), Id("5")}},
+    {"<CIM><DECLARATION><DECLGROUP.WITHPATH><VALUE.OBJECTWITHPATH>" + kPath + kBare +
+         "</VALUE.OBJECTWITHPATH></DECLGROUP.WITHPATH><DECLGROUP><LOCALNAMESPACEPATH><NAMESPACE "
+         "NAME='ROOT'/>"
+         "<NAMESPACE NAME='CIMv2'/></LOCALNAMESPACEPATH><VALUE.OBJECT><CLASS "
+         "NAME='E'/></VALUE.OBJECT>"
+         "</DECLGROUP></DECLARATION></CIM>",
+     {Key("Id", "uint32"), Id("5"), Begin("NAME='E'")}},
+    // Other spellings.
+    {"<!DOCTYPE CIM SYSTEM 'CIM.dtd' [<!-- none -->]>" +
+         WithValue("string", " <!-- c --><![CDATA[<&]]>]]&gt;&#x41;<?pi?> "),
+     {Property("string", " &lt;&amp;]]&gt;A ")}},
+    {"<?xml version='1.0' encoding='ISO-8859-1'?>" + WithValue("string", "\xE4"),
+     {Property("string", "\xC3\xA4")}},
+    {WithValue("uint16", " 0xFFff\n"), {Property("uint16", "65535")}},
+    {WithValue("sint8", "+127"), {Property("sint8", "127")}},
+    {WithValue("boolean", " true "), {Property("boolean", "TRUE")}},
+    {WithValue("real64", "+1.0E+3"), {Property("real64", "1000")}},
+    {WithValue("char16", "x"), {Property("string", "x")}}};
+
+TEST(CIMXMLDocumentOfAnotherTool, IsRead) {
+  for (const auto& foreign : kForeign) {
+    const TLogCapture log;
+    const TDocumentFile file(foreign.fDocument);
+    std::string written;
+    EXPECT_NO_THROW(written = Written({Read(file.Path())})) << foreign.fDocument;
+    std::replace(written.begin(), written.end(), '"', '\'');
+    for (const std::string& expected : foreign.fExpected) {
+      EXPECT_NE(written.find(expected), std::string::npos) << expected << " in\n" << written;
+    }
+    EXPECT_EQ(log.Messages(), TNames());
+  }
+}
+
+TEST(CIMXMLDocumentOfAnotherTool, MayHaveDateTimesThatCannotBeHeld) {
+  const TLogCapture log;
+  const TDocumentFile file(WithValue("datetime", "20040315******.******+060"));
+  EXPECT_NE(ReadAndWritten(file.Path()).find("<PROPERTY NAME=\"p\" TYPE=\"datetime\"/>"),
+            std::string::npos);
+  EXPECT_EQ(
+      log.Messages(),
+      TNames{"1 cimxml: 1 date-times that cannot be held were read as null from " + file.Path()});
+}
+
+}  // namespace
+}  // namespace NVORNQDX20

@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: Apache-2.0
+// Documents that are wrong, by accident or on purpose.
+#include <qdxcore/interfaces.h>
+#include <qdxcore/status.h>
+
+#include <output.h>
+
+#include "cimxml/documents.h"
+#include "support/expect_status.h"
+#include "support/log_capture.h"
+
+#include <gtest/gtest.h>
+
+namespace NVORNQDX20 {
+namespace {
+
+/// Reads what must be refused: "2:68 reason" where the one message is "cimxml: FILE: line 2, column
+/// 68: reason", else that message.
+std::string Refusal(const std::string& content, EQDXStatusCode status) {
+  const TDocumentFile file(content);
+  const TLogCapture log;
+  EXPECT_QDX_STATUS(NamesIn(file.Path()), status);
+  const auto messages = log.Messages();
+  EXPECT_EQ(messages.size(), 1U);
+  const std::string format = "0 cimxml: " + file.Path() + ": line %u, column %u: %n";
+  unsigned int line = 0;
+  unsigned int column = 0;
+  int end = 0;
+  std::sscanf(messages.back().c_str(), format.c_str(), &line, &column, &end);
+  return std::to_string(line) + ":" + std::to_string(column) + " " + messages.back().substr(end);
+}
+
+std::string Repeated(const std::string& text, int count) {
+  std::string repeated;
+  for (int i = 0; i < count; ++i) repeated += text;
+  return repeated;
+}
+
+TNames Chain(int length) {
+  TNames classes;
+  for (int i = 0; i < length; ++i) {
+    classes.push_back(
+        Class("", "NAME='C" + std::to_string(i) + "' SUPERCLASS='C" + std::to_string(i + 1) + "'"));
+  }
+  return classes;
+}
+
+std::string Attributes(int count) {
+  std::string text = "<CIM";
+  for (int i = 0; i < count; ++i) text += " a" + std::to_string(i) + "=''";
+  return text + "/>";
+}
+
+std::string WithProperty(const std::string& type, const std::string& value) {
+  return Document({Class(Property(type, value))});
+}
+std::string WithInstance(const std::string& properties) {
+  return Document({Class(Property("uint8", "1")), Instance(properties)});
+}
+
+const struct {
+  std::string fDocument;
+  const char* fReason;
+} kBad[] = {
+    {"", "1:1 no element found"},
+    {"<CIM>\n  <DECLARATION>", "2:16 no element found"},
+    {WithProperty("string", "\x01"), "2:76 not well-formed (invalid token)"},
+    {"<html/>", "1:1 unknown element \"html\""},
+    {"<CLASS/>", "1:1 no CIM-XML document"},
+    {"<CIM>\n<CLASS NAME='C'/></CIM>", "2:1 <CLASS> holds nothing of a namespace"},
+    {Document({"<CLASSNAME/>"}), "2:1 <VALUE.NAMEDOBJECT> has neither class nor instance"},
+    // Entities: nested ones, one from elsewhere, one that nothing declares.
+    {"<!DOCTYPE CIM [<!ENTITY a 'aa'><!ENTITY b '&a;&a;'>]><CIM>&b;</CIM>",
+     "1:27 declares an entity"},
+    {"<!DOCTYPE CIM [<!ENTITY x SYSTEM '/etc/passwd'>]><CIM>&x;</CIM>", "1:47 declares an entity"},
+    {"<!DOCTYPE CIM SYSTEM 'x.dtd'><CIM>&x;</CIM>", "1:35 unknown entity \"x\""},
+    // What grows without end.
+    {Document({Repeated("<VALUE.REFERENCE>", 300)}), "2:4304 elements nested too deep"},
+    {Document({Class("", std::string(3 << 20, 'n'))}), "2:20 a tag or a comment is too long"},
+    {Document({"<!--" + std::string(3 << 20, 'n')}), "2:20 a tag or a comment is too long"},
+    {Attributes(33), "1:1 too many attributes"},
+    {Document({Repeated("<VALUE/>", 1 << 21)}), "2:16777228 an object has too many elements"},
+    {Document(Chain(120)), "101:20 classes nested too deep"},
+    // Contents.
+    {Document({Class("<FOO/>")}), "2:36 unknown element \"FOO\""},
+    {Document({Class("<PROPERTY TYPE='uint8'/>")}), "2:36 <PROPERTY> has no NAME"},
+    {WithProperty("int", "1"), "2:36 \"int\" is no type"},
+    {Document({Class("<PROPERTY NAME='p' TYPE='uint8' PROPAGATED='yes'/>")}),
+     "2:36 PROPAGATED is neither true nor false, but \"yes\""},
+    {Document({Class("<PROPERTY.ARRAY NAME='p' TYPE='uint8' ARRAYSIZE='4294967296'/>")}),
+     "2:36 \"4294967296\" is no size of an array"},
+    {Document({Class("<PROPERTY NAME='p' TYPE='uint8'><VALUE.ARRAY/></PROPERTY>")}),
+     "2:68 <VALUE.ARRAY> does not belong into <PROPERTY>"},
+    {Document({Class("", "NAME='a b'")}), "2:20 class \"a b\": kQDXStatusInvalidCIMName"},
+    {WithProperty("uint8", "256"), "2:68 \"256\" is no uint8"},
+    {WithProperty("uint32", "-1"), "2:69 \"-1\" is no uint32"},
+    {WithProperty("sint16", "0x-1"), "2:69 \"0x-1\" is no sint16"},
+    {WithProperty("sint64", "1 2"), "2:69 \"1 2\" is no sint64"},
+    {WithProperty("uint64", ""), "2:69 \"\" is no uint64"},
+    {WithProperty("real32", "1e39"), "2:69 \"1e39\" is no real32"},
+    {WithProperty("real64", "infinity"), "2:69 \"infinity\" is no real64"},
+    {WithProperty("boolean", "1"), "2:70 \"1\" is no boolean"},
+    {WithProperty("datetime", "20040315143000,000000+060"),
+     "2:71 \"20040315143000,000000+060\" is no datetime"},
+    {Document({Class(""), Class("", "NAME='c'")}), "3:20 class \"c\" is declared twice"},
+    {Document({Class("", "NAME='C' SUPERCLASS='c'")}),
+     "2:20 class \"c\" needs itself to be declared first"},
+    {WithInstance(Tag("PROPERTY", "NAME='q' TYPE='uint8'")),
+     "3:87 class \"C\" has no property \"q\""},
+    {WithInstance(Property("sint8", "1")), "3:87 property \"p\" is declared with another type"},
+    {Document({Instance(
+         "",
+         "<KEYBINDING NAME='k'><KEYVALUE TYPE='datetime'>********000000.000000:000</KEYVALUE>"
+         "</KEYBINDING>")}),
+     "2:69 a key cannot be null"},
+    {"<CIM><MESSAGE><SIMPLERSP><IMETHODRESPONSE><ERROR CODE='6' "
+     "DESCRIPTION='no'/></IMETHODRESPONSE></SIMPLERSP>"
+     "</MESSAGE></CIM>",
+     "1:43 a response with error \"6\", \"no\""}};
+
+TEST(BadCIMXMLDocument, IsRefusedWithPlaceAndReason) {
+  for (const auto& bad : kBad) {
+    EXPECT_EQ(Refusal(bad.fDocument, kQDXStatusInvalidDataCollectionDocument), bad.fReason)
+        << bad.fDocument.substr(0, 300);
+  }
+}
+
+std::string Compressed(const std::string& text) {
+  const TTempDir folder;
+  const std::string file = (folder.Path() / "d.gz").string();
+  NCIMXML::TOutput output(file);
+  output.Write(text);
+  output.Close();
+  return ReadWholeFile(file);
+}
+
+TEST(BadGzipFile, IsRefusedWithItsStatus) {
+  const std::string whole = Compressed(Document({}));
+  const auto changed = [&](std::size_t at) {
+    std::string bytes = whole;
+    bytes[at] = static_cast<char>(bytes[at] ^ 0x55);
+    return bytes;
+  };
+  const struct {
+    std::string fBytes;
+    EQDXStatusCode fStatus;
+    const char* fReason;
+  } kCases[] = {
+      {changed(2), kQDXStatusInvalidGzipFile, "gzip: unknown compression method"},
+      {changed(3), kQDXStatusInvalidGzipFile, "gzip: unknown header flags set"},
+      {changed(whole.size() - 8), kQDXStatusCorruptGzipFile, "gzip: incorrect data check"},
+      {changed(whole.size() - 4), kQDXStatusCorruptGzipFile, "gzip: incorrect length check"},
+      {whole.substr(0, whole.size() - 1), kQDXStatusCorruptGzipFile,
+       "gzip: the file ends too early"},
+      {whole.substr(0, 2), kQDXStatusCorruptGzipFile, "gzip: the file ends too early"},
+      {whole + "xx", kQDXStatusCorruptGzipFile, "gzip: incorrect header check"},
+      {Compressed(Document({std::string(65 << 20, ' ')})), kQDXStatusInvalidDataCollectionDocument,
+       "more than 500 times its compressed size"}};
+  for (const auto& c : kCases) {
+    const std::string reason = Refusal(c.fBytes, c.fStatus);
+    EXPECT_EQ(reason.substr(reason.find(' ') + 1), c.fReason);
+  }
+}
+
+TEST(GzipFile, MayHaveSeveralMembersAndAnyName) {
+  const std::string text = Document({});
+  const TDocumentFile file(Compressed(text.substr(0, 40)) + Compressed(text.substr(40)));
+  EXPECT_EQ(NamesIn(file.Path()), TNames{"root/cimv2"});
+}
+
+}  // namespace
+}  // namespace NVORNQDX20
