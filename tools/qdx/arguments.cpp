@@ -13,9 +13,11 @@ using TWords = std::vector<std::string>;
 [[noreturn]] void FailUsage(const std::string& line) { throw TCommandFailure(kExitUsage, line); }
 
 const TOptionSpec& FindOption(const std::vector<TOptionSpec>& options, const std::string& word) {
-  const auto found = std::find_if(
-      options.begin(), options.end(),
-      [&word](const TOptionSpec& option) { return word == std::string("--") + option.fName; });
+  const auto found =
+      std::find_if(options.begin(), options.end(), [&word](const TOptionSpec& option) {
+        const bool isLetter = option.fLetter != '\0' && word == std::string("-") + option.fLetter;
+        return isLetter || word == std::string("--") + option.fName;
+      });
   if (found == options.end()) FailUsage("unknown option '" + word + "'");
   return *found;
 }
@@ -36,14 +38,19 @@ void TakeOption(const std::vector<TOptionSpec>& options, TWords::const_iterator&
   if (option.fValueName != nullptr && value.empty()) {
     FailUsage(shown + " needs a value: " + option.fValueName);
   }
-  arguments.fOptions[option.fName] = value;
+  arguments.fOptions[option.fName].push_back(value);
 }
 
 }  // namespace
 
 std::string TArguments::Get(const std::string& option, const std::string& otherwise) const {
   const auto found = fOptions.find(option);
-  return found == fOptions.end() ? otherwise : found->second;
+  return found == fOptions.end() ? otherwise : found->second.back();
+}
+
+std::vector<std::string> TArguments::GetAll(const std::string& option) const {
+  const auto found = fOptions.find(option);
+  return found == fOptions.end() ? std::vector<std::string>() : found->second;
 }
 
 std::string TArguments::Operand(std::size_t index, const std::string& otherwise) const {

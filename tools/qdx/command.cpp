@@ -58,7 +58,7 @@ EExitCode RunHelp(const std::vector<std::string>& operands) {
 
 EExitCode RunVerb(const TVerb& verb, TArguments arguments) {
   const std::vector<TOptionSpec> options = OptionsOf(verb);
-  for (const auto& [name, value] : arguments.fOptions) {
+  for (const auto& [name, values] : arguments.fOptions) {
     const auto has = [&name = name](const TOptionSpec& option) { return name == option.fName; };
     if (std::none_of(options.begin(), options.end(), has)) {
       throw TCommandFailure(kExitUsage,

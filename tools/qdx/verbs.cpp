@@ -13,7 +13,9 @@ std::string FormatOptions(const std::vector<TOptionSpec>& options) {
   std::vector<TTableRow> rows;
   for (const TOptionSpec& option : options) {
     const std::string value = option.fValueName ? std::string(" ") + option.fValueName : "";
-    rows.push_back({{kIndent, std::string("--") + option.fName + value, option.fHelp}});
+    const std::string letter =
+        option.fLetter != '\0' ? std::string("-") + option.fLetter + ", " : "";
+    rows.push_back({{kIndent, letter + "--" + option.fName + value, option.fHelp}});
   }
   return FormatTable(rows);
 }
