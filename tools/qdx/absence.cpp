@@ -20,7 +20,8 @@ TAbsenceReasons ReadAbsenceReasons(const ICIMNamespace& ns) {
     if (!absence) return;
     absence->EnumerateInstances(
         [&reasons](boost::shared_ptr<ICIMInstance> instance) {
-          reasons.emplace(std::pair(Text(*instance, "ClassName"), Text(*instance, "PropertyName")),
+          reasons.emplace(std::tuple(Text(*instance, "ClassName"), Text(*instance, "Instance"),
+                                     Text(*instance, "PropertyName")),
                           Text(*instance, "Reason"));
           return true;
         },

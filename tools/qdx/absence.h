@@ -7,12 +7,13 @@
 
 #include <map>
 #include <string>
-#include <utility>
+#include <tuple>
 
 namespace NVORNQDX20 {
 
-/// Reason by class and property.
-using TAbsenceReasons = std::map<std::pair<std::string, std::string>, std::string>;
+/// Reason by class, instance and property. The instance is one of its key values as text, the one
+/// that tells it from its like; it is empty where the class has only one.
+using TAbsenceReasons = std::map<std::tuple<std::string, std::string, std::string>, std::string>;
 
 /// Reads the instances of VORNSG_UnavailableValue. Empty if the namespace has no such class: not
 /// every provider keeps account of what is missing.

@@ -82,7 +82,7 @@ TAnswer Ask(const TItem& item, TNamespace ns, const TAbsenceReasons& reasons) {
   }
   // A key cannot be null: an empty text is one that the machine does not have.
   if (!failure && value != "") return {item, value, ""};
-  const auto reason = reasons.find({item.fClass, item.fProperty});
+  const auto reason = reasons.find({item.fClass, "", item.fProperty});
   if (reason != reasons.end()) return {item, nullptr, reason->second};
   return {item, nullptr, failure ? failure->Text() : "empty"};
 }
