@@ -2,13 +2,12 @@
 #include <qdxcore/schema_helper.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
 
 #include <nlohmann/json.hpp>
 
 #include "absence.h"
 #include "libraries.h"
+#include "live_machine.h"
 #include "output.h"
 #include "terminal.h"
 #include "verbs.h"
@@ -120,22 +119,13 @@ void WriteAsJSON(const std::vector<TAnswer>& answers) {
   WriteJSON(document);
 }
 
-void CheckRoot(const std::string& root) {
-  std::error_code error;
-  if (std::filesystem::is_directory(root, error)) return;
-  const std::string why = error ? error.message() : "not a folder";
-  throw TCommandFailure(kExitBadInput, FailureLine("reading root folder", root,
-                                                   TFailure(kQDXStatusFileNotFound, why)));
-}
-
 EExitCode FailToDescribe(const std::string& root, const std::string& why) {
   PrintError(FailureLine("describing the machine", root, {kQDXStatusNotFound, why}));
   return kExitNothingCollected;
 }
 
 EExitCode RunIdentity(const TArguments& arguments) {
-  const std::string root = arguments.Get("root", "/");
-  CheckRoot(root);
+  const std::string root = RootFolder(arguments);
   bool failed = AnyFailed(LoadProviderLibraries());
   const TNamespace ns = FindMachineNamespace({{"root", TCIMValue(root)}}, failed);
   if (!ns) return FailToDescribe(root, std::string("no provider has ") + kMachineNamespace);

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <nlohmann/json.hpp>
@@ -28,6 +29,11 @@ void WriteOutput(const std::string& text) {
     if (count < 0) FailToWrite(errno);
     written += static_cast<std::size_t>(count);
   }
+}
+
+bool OutputHasReader() {
+  pollfd output = {STDOUT_FILENO, POLLOUT, 0};
+  return ::poll(&output, 1, 0) < 0 || (output.revents & POLLERR) == 0;
 }
 
 void WriteJSON(const nlohmann::ordered_json& document) {

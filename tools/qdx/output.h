@@ -13,6 +13,9 @@ namespace NVORNQDX20 {
 /// because nobody reads any more.
 void WriteOutput(const std::string& text);
 
+/// Whether somebody could still read what is written: false once the reader of a pipe has gone.
+bool OutputHasReader();
+
 /// Writes one JSON document; bytes that are no UTF-8 become U+FFFD.
 void WriteJSON(const nlohmann::ordered_json& document);
 

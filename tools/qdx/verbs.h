@@ -20,11 +20,12 @@ struct TVerb {
   std::vector<TOperandSpec> fOperands = {};        ///< Few verbs have any.
 };
 
-TVerb IdentityVerb();
-TVerb PluginsVerb();
-TVerb MediaVerb();
-TVerb UploadVerb();
+TVerb CollectVerb();
 TVerb DownloadVerb();
+TVerb IdentityVerb();
+TVerb MediaVerb();
+TVerb PluginsVerb();
+TVerb UploadVerb();
 
 /// Every verb, in the order of the help.
 const std::vector<TVerb>& AllVerbs();

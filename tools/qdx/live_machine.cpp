@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "live_machine.h"
+
+#include <qdxcore/logger.h>
+#include <qdxcore/registry.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <locale>
+#include <set>
+#include <system_error>
+
+#include <boost/algorithm/string/case_conv.hpp>
+
+namespace NVORNQDX20 {
+namespace {
+
+boost::shared_ptr<INamespaceProvider> ProviderNamed(const std::string& name) {
+  boost::shared_ptr<INamespaceProvider> provider;
+  const auto failure = Try(
+      [&] { provider = TRootObject::GetNamespaceProviderManager()->GetNamespaceProvider(name); });
+  if (failure) {
+    throw TCommandFailure(kExitBadInput, FailureLine("asking provider", name, *failure));
+  }
+  return provider;
+}
+
+std::string LineOf(const TProviderFailure& failure) {
+  const std::string& provider = failure.fOrigin.fProvider;
+  const std::string& ns = failure.fOrigin.fNamespace;
+  return ns.empty() ? FailureLine(failure.fOperation + " provider", provider, failure.fFailure)
+                    : FailureLine(failure.fOperation + " " + ns + " of provider", provider,
+                                  failure.fFailure);
+}
+
+}  // namespace
+
+std::string RootFolder(const TArguments& arguments) {
+  std::string root = arguments.Get("root", "/");
+  std::error_code error;
+  if (std::filesystem::is_directory(root, error)) return root;
+  const std::string why = error ? error.message() : "not a folder";
+  throw TCommandFailure(kExitBadInput, FailureLine("reading root folder", root,
+                                                   TFailure(kQDXStatusFileNotFound, why)));
+}
+
+std::vector<TOptionSpec> TLiveMachine::Options() {
+  return {{"root", "DIR", "Describe the machine whose files are below DIR, not this one."},
+          {"provider", "NAME", "Ask only this provider; more than one can be named."}};
+}
+
+TLiveMachine::TLiveMachine(const TArguments& arguments) : fRoot(RootFolder(arguments)) {
+  const auto libraries = LoadProviderLibraries();
+  const auto named = arguments.GetAll("provider");
+  for (const std::string& name : std::set<std::string>(named.begin(), named.end())) {
+    fProviders.push_back(ProviderNamed(name));
+  }
+  if (!fProviders.empty()) return;  // what became of the others does not matter
+  fProviders = RegisteredProviders();
+  for (const TProviderLibrary& library : libraries) {
+    if (library.fFailure) {
+      fFailures.push_back({{library.fService, ""}, "loading", *library.fFailure});
+    }
+  }
+}
+
+void TLiveMachine::VisitNamespaces(const std::string& operation, const TVisitor& visit) {
+  for (const auto& provider : fProviders) {
+    for (const std::string& name : NamespacesOf(*provider)) {
+      const TOrigin origin{provider->GetName(TOptionsMap()), name};
+      const auto ns = Open(*provider, origin);
+      if (ns) Attempt(origin, operation, [&] { visit(origin, ns); });
+    }
+  }
+}
+
+/// None if the provider does not list them: it may serve who knows their names.
+std::vector<std::string> TLiveMachine::NamespacesOf(INamespaceProvider& provider) {
+  std::vector<std::string> names;
+  Attempt({provider.GetName(TOptionsMap()), ""}, "listing the namespaces of", [&] {
+    try {
+      provider.EnumerateNamespaceNames(
+          [&names](const std::string& name) {
+            const bool isNew = std::find(names.begin(), names.end(), name) == names.end();
+            if (isNew) names.push_back(name);
+            return true;
+          },
+          {{"root", TCIMValue(fRoot)}});
+    } catch (const TQDXException& exception) {
+      if (exception.GetStatusCode() != kQDXStatusNotImplemented) throw;
+    }
+  });
+  return names;
+}
+
+/// Null after a failure.
+boost::shared_ptr<ICIMNamespace> TLiveMachine::Open(INamespaceProvider& provider,
+                                                    const TOrigin& origin) {
+  boost::shared_ptr<ICIMNamespace> ns;
+  Attempt(origin, "opening", [&] {
+    const std::string name =
+        boost::algorithm::to_lower_copy(origin.fNamespace, std::locale::classic());
+    const auto taken = fTaken.find(name);
+    if (taken != fTaken.end()) {
+      LogErrorAndThrow(kQDXStatusAlreadyExists,
+                       {"namespace ", origin.fNamespace, " was already collected from provider ",
+                        taken->second});
+    }
+    ns = provider.GetNamespace(origin.fNamespace, {{"root", TCIMValue(fRoot)}});
+    if (!ns) LogErrorAndThrow(kQDXStatusFail, {"the provider answers nothing"});
+    fTaken[name] = origin.fProvider;
+  });
+  return ns;
+}
+
+void TLiveMachine::Attempt(const TOrigin& origin, const std::string& operation,
+                           const std::function<void()>& action) {
+  const auto failure = Try(action);
+  if (!failure) return;
+  fFailures.push_back({origin, operation, *failure});
+  PrintError(LineOf(fFailures.back()));
+}
+
+}  // namespace NVORNQDX20
