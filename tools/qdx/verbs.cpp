@@ -49,8 +49,9 @@ const char* const kExitCodes =
 }  // namespace
 
 const std::vector<TVerb>& AllVerbs() {
-  static const std::vector<TVerb> verbs = {IdentityVerb(), CollectVerb(), PluginsVerb(),
-                                           MediaVerb(),    UploadVerb(),  DownloadVerb()};
+  static const std::vector<TVerb> verbs = {IdentityVerb(), CollectVerb(), ShowVerb(),
+                                           PluginsVerb(),  MediaVerb(),   UploadVerb(),
+                                           DownloadVerb()};
   return verbs;
 }
 

@@ -25,6 +25,7 @@ TVerb DownloadVerb();
 TVerb IdentityVerb();
 TVerb MediaVerb();
 TVerb PluginsVerb();
+TVerb ShowVerb();
 TVerb UploadVerb();
 
 /// Every verb, in the order of the help.

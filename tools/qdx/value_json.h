@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: Apache-2.0
+/// CIM values as JSON, and what of that people read.
+#ifndef QDX_VALUE_JSON_H_
+#define QDX_VALUE_JSON_H_
+
+#include <qdxcore/value.h>
+
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+namespace NVORNQDX20 {
+
+using TJSON = nlohmann::ordered_json;
+
+/// Booleans and numbers are what they are; but 64-bit integers are strings, since many readers keep
+/// every number as a double, and so are the reals that JSON has no number for ("NaN", "inf",
+/// "-inf"). Date-times, and references as object paths, are strings; null is null.
+TJSON ToJSON(const TCIMValue& value);
+
+/// In one line: null as "-", strings as they are but the empty one as "\"\"", arrays as "{ a, b }".
+std::string PlainText(const TJSON& value);
+
+}  // namespace NVORNQDX20
+
+#endif  // QDX_VALUE_JSON_H_
