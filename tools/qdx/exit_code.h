@@ -5,9 +5,10 @@
 
 namespace NVORNQDX20 {
 
-/// Scripts depend on the numbers. 1 is left to verbs that compare.
+/// Scripts depend on the numbers.
 enum EExitCode : int {
-  kExitDone = 0,
+  kExitDone = 0,       ///< Also: compared, and the same.
+  kExitDifferent = 1,  ///< Of verbs that compare.
   kExitUsage = 2,
   kExitPartlyDone = 3,  ///< A plug-in failed, the rest was delivered.
   kExitBadInput = 4,    ///< A folder or file that the operator named cannot be used, or

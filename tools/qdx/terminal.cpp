@@ -28,8 +28,10 @@ bool UsesColour() {
 }
 
 std::string Styled(const std::string& line, TTableRow::EStyle style) {
+  // In the order of the styles: bold, dim, red, green.
+  static const char* const kSequences[] = {"", "\033[1m", "\033[2m", "\033[31m", "\033[32m"};
   if (style == TTableRow::kPlain) return line;
-  return (style == TTableRow::kHeading ? "\033[1m" : "\033[2m") + line + "\033[0m";
+  return kSequences[style] + line + "\033[0m";
 }
 
 /// In characters; all of them are taken to be one column wide.

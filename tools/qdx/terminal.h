@@ -13,7 +13,7 @@ namespace NVORNQDX20 {
 std::string ForTerminal(const std::string& text);
 
 struct TTableRow {
-  enum EStyle { kPlain, kHeading, kDim };
+  enum EStyle { kPlain, kHeading, kDim, kRemoved, kAdded };
 
   std::vector<std::string> fCells;
   EStyle fStyle = kPlain;

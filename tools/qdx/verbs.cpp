@@ -39,7 +39,8 @@ std::string FormatVerbs() {
 
 const char* const kExitCodes =
     "Exit status:\n"
-    "  0  done\n"
+    "  0  done, or the same\n"
+    "  1  different (diff)\n"
     "  2  wrong usage\n"
     "  3  partly done: a plug-in failed, the rest was delivered\n"
     "  4  a folder or file that was named, or standard output, cannot be used\n"
@@ -50,8 +51,8 @@ const char* const kExitCodes =
 
 const std::vector<TVerb>& AllVerbs() {
   static const std::vector<TVerb> verbs = {IdentityVerb(), CollectVerb(), ShowVerb(),
-                                           PluginsVerb(),  MediaVerb(),   UploadVerb(),
-                                           DownloadVerb()};
+                                           DiffVerb(),     PluginsVerb(), MediaVerb(),
+                                           UploadVerb(),   DownloadVerb()};
   return verbs;
 }
 

@@ -21,6 +21,7 @@ struct TVerb {
 };
 
 TVerb CollectVerb();
+TVerb DiffVerb();
 TVerb DownloadVerb();
 TVerb IdentityVerb();
 TVerb MediaVerb();

@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <utility>
+
+#include "compare.h"
+#include "document.h"
+#include "failure.h"
+#include "output.h"
+#include "terminal.h"
+#include "verbs.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+std::vector<TNamespaceSnapshot> ReadSnapshot(const std::string& file) {
+  std::vector<TNamespaceSnapshot> snapshot;
+  for (const auto& ns : ReadDocument(file)) {
+    snapshot.push_back({ns->GetName(TOptionsMap()), ReadClasses(*ns, kValues)});
+  }
+  return snapshot;
+}
+
+/// As JSON calls them, in their order.
+const char* const kElements[] = {"namespace", "class", "declaration", "instance", "value"};
+const char* const kChanges[] = {"removed", "added", "changed"};
+
+bool HasProperty(const TDifference& difference) {
+  return difference.fElement == TDifference::kDeclaration ||
+         difference.fElement == TDifference::kValue;
+}
+
+TJSON AsJSON(const TDifference& difference) {
+  TJSON json = {{"change", kChanges[difference.fChange]},
+                {"element", kElements[difference.fElement]},
+                {"namespace", difference.fNamespace}};
+  if (difference.fElement == TDifference::kNamespace) return json;
+  const bool isOfClass = difference.fElement == TDifference::kClass ||
+                         difference.fElement == TDifference::kDeclaration;
+  json[isOfClass ? "class" : "path"] = difference.fOwner;
+  if (!HasProperty(difference)) return json;
+  json["property"] = difference.fProperty;
+  json["old"] = difference.fOld;
+  json["new"] = difference.fNew;
+  return json;
+}
+
+/// The listing for people: a heading for each namespace; for each element that is not on both sides
+/// a line of its own; and for what differs within one its line, and a line for each property.
+class TListing {
+ public:
+  void Add(const TDifference& difference) {
+    if (difference.fNamespace != fNamespace) {
+      fNamespace = difference.fNamespace;
+      fOwner.clear();
+      AddLine({{fNamespace}, TTableRow::kHeading});
+    }
+    if (!HasProperty(difference)) {
+      AddLine({{MarkOf(difference) + NameOf(difference)}, StyleOf(difference)});
+      return;
+    }
+    const std::string owner = NameOf(difference);
+    if (owner != fOwner) AddLine({{"~ " + owner}});
+    fOwner = owner;
+    fRows.push_back({{"    " + MarkOf(difference) + difference.fProperty, ChangeOf(difference)}});
+  }
+
+  std::string Finish() {
+    EndTable();
+    return fText;
+  }
+
+ private:
+  static std::string MarkOf(const TDifference& difference) {
+    static const char* const kMarks[] = {"- ", "+ ", "~ "};
+    return kMarks[difference.fChange];
+  }
+  static TTableRow::EStyle StyleOf(const TDifference& difference) {
+    return difference.fChange == TDifference::kRemoved ? TTableRow::kRemoved : TTableRow::kAdded;
+  }
+  static std::string NameOf(const TDifference& difference) {
+    switch (difference.fElement) {
+      case TDifference::kNamespace:
+        return "namespace " + difference.fNamespace;
+      case TDifference::kClass:
+      case TDifference::kDeclaration:
+        return "class " + difference.fOwner;
+      default:
+        return difference.fOwner;
+    }
+  }
+  static std::string ChangeOf(const TDifference& difference) {
+    if (difference.fChange == TDifference::kRemoved) return PlainText(difference.fOld);
+    if (difference.fChange == TDifference::kAdded) return PlainText(difference.fNew);
+    return PlainText(difference.fOld) + " -> " + PlainText(difference.fNew);
+  }
+
+  void AddLine(const TTableRow& row) {
+    EndTable();
+    fText += FormatTable({row});
+  }
+  /// The properties of one element are aligned among themselves.
+  void EndTable() {
+    fText += FormatTable(fRows);
+    fRows.clear();
+  }
+
+  std::string fText;
+  std::string fNamespace;
+  std::string fOwner;
+  std::vector<TTableRow> fRows;
+};
+
+EExitCode RunDiff(const TArguments& arguments) {
+  const std::string a = arguments.Operand(0);
+  const std::string b = arguments.Operand(1);
+  if (a == "-" && b == "-") {
+    throw TCommandFailure(kExitUsage, "only one of the two can be standard input");
+  }
+  auto inA = ReadSnapshot(a);
+  auto inB = ReadSnapshot(b);
+  const auto differences = Compare(std::move(inA), std::move(inB), arguments.Has("all"));
+  if (arguments.Has("json")) {
+    TJSON list = TJSON::array();
+    for (const TDifference& difference : differences) list.push_back(AsJSON(difference));
+    WriteJSON({{"a", a}, {"b", b}, {"differences", list}});
+  } else {
+    TListing listing;
+    for (const TDifference& difference : differences) listing.Add(difference);
+    WriteOutput(listing.Finish());
+  }
+  return differences.empty() ? kExitDone : kExitDifferent;
+}
+
+}  // namespace
+
+TVerb DiffVerb() {
+  return {"diff",
+          "Compares two documents; the exit status is 1 if they differ.",
+          "A and B are CIM-XML documents, '-' is standard input. Instances are matched by their\n"
+          "object paths, wherever they stand in the document. '-' marks what only A has, '+' what\n"
+          "only B has, '~' what changed, with the old and the new value.\n"
+          "Properties that change while a machine just runs (uptime, the time, counters, free\n"
+          "memory and the like; the manual page has the list) are left out.\n",
+          {{"json", nullptr, "Print one JSON object."},
+           {"all", nullptr, "Compare the properties that always change as well."}},
+          RunDiff,
+          {{"A"}, {"B"}}};
+}
+
+}  // namespace NVORNQDX20
