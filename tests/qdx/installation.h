@@ -22,6 +22,11 @@ class TInstallation {
     std::filesystem::copy_file(file, Folder() / name);
   }
   void AddLinuxProvider() const { AddPlugin(QDX_LINUX_PROVIDER, "liblinux.nsp.so"); }
+  /// Both plug-ins "cimxml".
+  void AddDocumentPlugins() const {
+    AddPlugin(QDX_DOCUMENT_READER, "libcimxml.nsp.so");
+    AddPlugin(QDX_DOCUMENT_WRITER, "libcimxml.nsc.so");
+  }
   void AddBrokenPlugin(const std::string& name) const {
     fPrefix.Write("lib/qdx/" + name, "\177ELF, and no more");
   }

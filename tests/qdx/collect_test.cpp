@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <regex>
+
+#include <gtest/gtest.h>
+
+#include "qdx/installation.h"
+
+namespace {
+
+/// The command with the document plug-ins and the provider "linux", and a tree for a server.
+class QDXCollect : public ::testing::Test {
+ protected:
+  QDXCollect() {
+    fInstallation.AddDocumentPlugins();
+    fInstallation.AddLinuxProvider();
+    fTree.Write("proc/sys/kernel/hostname", "../srv 1\n");
+    fTree.Write("sys/class/dmi/id/product_serial", "23A1234\n");
+  }
+  std::string Path(const std::string& name) const { return (fFolder.Path() / name).string(); }
+  std::vector<std::string> Files() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(fFolder.Path())) {
+      names.push_back(entry.path().filename());
+    }
+    return names;
+  }
+  /// A script in the folder of the documents; "$1" is the tree.
+  TProgramRun RunScript(const std::string& script) const {
+    return fInstallation.RunScript("cd " + fFolder.Path().string() + "; set -- " +
+                                   fTree.Path().string() + "\n" + script);
+  }
+
+  const TInstallation fInstallation;
+  const TTempDir fTree;
+  const TTempDir fFolder;
+};
+
+TEST_F(QDXCollect, WritesWhatComparesEqualUntilTheMachineChanges) {
+  const std::string a = Path("a.xml.gz");
+  const std::string b = Path("b.xml");
+  const std::string root = fTree.Path().string();
+  EXPECT_EQ(fInstallation.Run({"collect", "--root", root, "-o", a}).fOutput, a + "\n");
+  EXPECT_EQ(ReadWholeFile(a).substr(0, 2), "\x1f\x8b");
+  ASSERT_EQ(RunScript("\"$0\" collect --root $1 -o - >b.xml").fExitCode, 0);
+  const TProgramRun same = fInstallation.Run({"diff", a, b});
+  EXPECT_EQ(same.fOutput + same.fErrors, "");
+  EXPECT_EQ(fInstallation.Run({"diff", a, b, "--all"}).fExitCode, 1);  // the time of collection
+
+  fTree.Write("sys/class/dmi/id/product_serial", "23A9999\n");
+  ASSERT_EQ(fInstallation.Run({"collect", "--root", root, "--output", b}).fExitCode, 0);
+  const TProgramRun changed = fInstallation.Run({"diff", a, b});
+  EXPECT_EQ(changed.fExitCode, 1);
+  EXPECT_NE(changed.fOutput.find("    ~ SerialNumber  23A1234 -> 23A9999\n"), std::string::npos);
+}
+
+TEST_F(QDXCollect, NamesTheDocumentAfterTheMachineForItsOwnerAlone) {
+  const TProgramRun run = RunScript("\"$0\" collect --root $1 | tee name; stat -c %a *.gz");
+  EXPECT_TRUE(std::regex_match(run.fOutput, std::regex("_.-srv-1-\\d{8}T\\d{6}\\.xml\\.gz\n600\n")))
+      << run.fOutput;
+}
+
+TEST_F(QDXCollect, GoesOnWithoutWhatFailsAndSaysSoInTheDocument) {
+  fInstallation.AddPlugin(SAMPLE_PROVIDER, "libsample.nsp.so");
+  fInstallation.AddPlugin(BAD_PROVIDER, "libbad.nsp.so");
+  fInstallation.AddBrokenPlugin("liba.nsp.so");
+  const std::string file = Path("x.xml");
+  const TProgramRun run = fInstallation.Run({"collect", "-o", file, "--log-level", "error"});
+  EXPECT_EQ(run.fExitCode, 3);
+  EXPECT_EQ(std::count(run.fErrors.begin(), run.fErrors.end(), '\n'), 5);
+  // The bad provider's namespace has a name that XML cannot hold; and the name of the file is the
+  // final one.
+  EXPECT_NE(run.fErrors.find(" characters that XML cannot hold were replaced in " + file),
+            std::string::npos)
+      << run.fErrors;
+  const std::string failures =
+      fInstallation.Run({"show", file, "VORNSG_CollectionFailure"}).fOutput;
+  for (const std::string failure :
+       {"loading\n      Provider   a\n      Reason     Couldn't load NSP: a (",
+        "opening\n      Provider   bad\n      Reason     the table is locked\n",
+        "opening\n      Provider   spoiled\n      Reason     namespace root/sample was already ",
+        "copying\n      Provider   spoiled\n      Reason     permission denied\n"}) {
+    EXPECT_NE(failures.find("      Operation  " + failure), std::string::npos) << failures;
+  }
+  // What was copied before the failure stays.
+  EXPECT_EQ(fInstallation.Run({"show", file, "root/spoiled:Sample_Many", "--depth=1"}).fOutput,
+            "root/spoiled\n  Sample_Many  (1 instance)\n");
+  EXPECT_EQ(fInstallation.Run({"collect", "--provider", "linux", "-o", file}).fExitCode, 0);
+}
+
+TEST_F(QDXCollect, CountsOnATerminalAndSaysNothingToAReaderThatHasGone) {
+  const TProgramRun seen = RunScript("script -qec \"'$0' collect --root $1 -o x.xml\" /dev/null");
+  const std::string counted = "\rcollecting linux root/cimv2: 4 classes, ";
+  const std::size_t wiped = seen.fOutput.rfind("  \rx.xml");
+  EXPECT_LT(seen.fOutput.find(counted), wiped) << seen.fOutput;
+  EXPECT_NE(wiped, std::string::npos) << seen.fOutput;
+  const TProgramRun unread =
+      RunScript("exec 3> >(true); wait $!; \"$0\" collect --root $1 -o - >&3");
+  EXPECT_EQ(unread.fExitCode, 4);
+  EXPECT_EQ(unread.fErrors, "");
+}
+
+TEST_F(QDXCollect, WritesNothingWhereNothingIsCollected) {
+  std::filesystem::remove(fInstallation.Folder() / "liblinux.nsp.so");
+  fInstallation.AddPlugin(BAD_PROVIDER, "libbad.nsp.so");
+  EXPECT_EQ(RunScript("\"$0\" collect -o x.xml").fExitCode, 5);
+  std::filesystem::remove(fInstallation.Folder() / "libcimxml.nsc.so");
+  EXPECT_EQ(RunScript("\"$0\" collect -o x.xml").fExitCode, 5);
+  EXPECT_TRUE(Files().empty());
+}
+
+TEST_F(QDXCollect, LeavesNothingWhereItCannotWrite) {
+  const std::pair<std::string, std::string> rows[] = {
+      {"\"$0\" collect -o no/x.xml", "writing, no/x.xml: No such file or directory ["},
+      {"\"$0\" collect -o .", "writing document, .: cimxml: .: Is a directory ["},
+      {"\"$0\" collect -o /dev/full", "writing document, /dev/full: "},
+      {"ulimit -f 4; \"$0\" collect -o x.xml",
+       "writing document, x.xml: cimxml: x.xml: File too large ["},
+      {"\"$0\" collect --provider none", "asking provider, none: "}};
+  for (const auto& [script, error] : rows) {
+    const TProgramRun run = RunScript(script);
+    EXPECT_EQ(run.fExitCode, 4) << script;
+    EXPECT_EQ(run.fErrors.find("qdx: " + error), 0U) << run.fErrors;
+    EXPECT_EQ(std::count(run.fErrors.begin(), run.fErrors.end(), '\n'), 1) << run.fErrors;
+    EXPECT_TRUE(Files().empty()) << script;
+  }
+}
+
+TEST_F(QDXCollect, LeavesTheOldDocumentOnAFullDisk) {
+  const TProgramRun run = RunScript(
+      "export SCRIPT='mount -t tmpfs -o size=8k qdx . && cd . && cd \"$PWD\" && echo old >x.xml "
+      "&&\n"
+      "  { \"$0\" collect -o x.xml; echo $?; cat x.xml; ls -A; }'\n"
+      "unshare -m bash -c \"$SCRIPT\" \"$0\" || exit 9");
+  if (run.fExitCode == 9) GTEST_SKIP() << "cannot mount: " << run.fErrors;
+  EXPECT_EQ(run.fOutput, "4\nold\nx.xml\n");
+  EXPECT_NE(run.fErrors.find("x.xml: No space left on device ["), std::string::npos) << run.fErrors;
+}
+
+/// Ends one run after the other, but for the last, at a random moment. No document is ever damaged.
+const char* const kKillLoop = R"sh(
+export QDX_SAMPLE_INSTANCES=3000
+killed=0
+for ((i = 0; i < 50; i++)); do
+  rm -f x.xml
+  "$0" collect --provider sample -o x.xml >/dev/null & child=$!
+  sleep 0.0$(printf %03d $((RANDOM % 1000)))
+  [ $i = 49 ] || kill -s SIGNAL $child
+  wait $child || killed=$((killed + 1))
+  [ ! -e x.xml ] || [ "$(tail -c 7 x.xml)" = "</CIM>" ] || exit 2
+done 2>/dev/null
+rm x.xml && [ $killed -gt 0 ]
+)sh";
+
+TEST_F(QDXCollect, NeverLeavesADamagedDocument) {
+  fInstallation.AddPlugin(SAMPLE_PROVIDER, "libsample.nsp.so");
+  for (const std::string signal : {"KILL", "TERM"}) {
+    const std::string script =
+        std::regex_replace(std::string(kKillLoop), std::regex("SIGNAL"), signal);
+    EXPECT_EQ(RunScript(script).fExitCode, 0) << signal;
+    EXPECT_TRUE(signal == "KILL" || Files().empty());
+    RunScript("rm -f .qdx-*");
+  }
+}
+
+}  // namespace

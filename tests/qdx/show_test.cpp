@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "qdx/installation.h"
+
+namespace {
+
+/// The command with the sample provider, and a document of what it has.
+class QDXShow : public ::testing::Test {
+ protected:
+  QDXShow() {
+    fInstallation.AddDocumentPlugins();
+    fInstallation.AddPlugin(SAMPLE_PROVIDER, "libsample.nsp.so");
+    fInstallation.Run({"collect", "--provider", "sample", "-o", fDocument});
+  }
+
+  const TInstallation fInstallation;
+  const TTempDir fFolder;
+  const std::string fDocument = (fFolder.Path() / "sample.xml").string();
+};
+
+TEST_F(QDXShow, GivesTypedValues) {
+  const auto expected = nlohmann::json::parse(R"({
+      "B": true, "U8": 255, "I8": -128, "U16": 65535, "I16": -32768, "U32": 4294967295,
+      "I32": -2147483648, "U64": "18446744073709551615", "I64": "-9223372036854775808",
+      "R32": 0.1, "R64": -0.25, "Infinite": "inf", "Text": "a\n\"b\"", "Empty": "",
+      "Time": "20040315143000.000000+060", "Link": "Sample_Many.Number=\"1\"", "Null": null,
+      "List": [1, 2], "None": [], "Key": "a/b"})");
+  const TProgramRun run =
+      fInstallation.Run({"show", fDocument, "Sample_All.Key=\"a/b\"", "--json"});
+  EXPECT_EQ(run.fExitCode, 0) << run.fErrors;
+  const auto shown = nlohmann::json::parse(run.fOutput)["namespaces"][0];
+  EXPECT_EQ(shown["classes"][0]["instances"][0]["properties"], expected);
+}
+
+TEST_F(QDXShow, CutsATreeAtTheDepth) {
+  const std::string path = "Sample_Many.Number=\"1\"";
+  const std::string levels[] = {"\n", "  Sample_Many  (1 instance)\n", "    " + path + "\n",
+                                "      Number  1\n      Text    xxx\n      UpTime  0\n"};
+  std::string tree;
+  for (int i = 0; i < 4; ++i) {
+    tree += levels[i];
+    const std::string depth = "--depth=" + std::to_string(i);
+    EXPECT_EQ(fInstallation.Run({"show", fDocument, path, depth}).fOutput, "root/sample" + tree);
+    EXPECT_EQ(fInstallation.Run({"show", "--provider=sample", depth, path}).fOutput,
+              "root/sample  (provider sample)" + tree);
+  }
+}
+
+TEST_F(QDXShow, GivesTheReasonOfTheInstanceThatLacksAValue) {
+  fInstallation.AddLinuxProvider();
+  for (const char* device : {"sg0", "sg1"}) {
+    fFolder.Write(std::string("sys/class/scsi_generic/") + device + "/device/type", "0\n");
+  }
+  fFolder.Write("sys/class/scsi_generic/sg0/device/vendor", "VORN\n");
+  const TProgramRun run = fInstallation.Run(
+      {"show", "--root", fFolder.Path().string(), "--provider=linux", "VORNSG_SCSIDevice"});
+  const std::string reason = "VendorID    -  (/sys/class/scsi_generic/sg1/device/vendor: ";
+  EXPECT_NE(run.fOutput.find(reason), std::string::npos) << run.fOutput;
+  EXPECT_EQ(run.fOutput.find("VendorID    -"), run.fOutput.find(reason)) << run.fOutput;
+}
+
+TEST_F(QDXShow, SaysWhatItCannotShow) {
+  const std::string text = fFolder.Write("text", "no document").string();
+  const std::tuple<std::vector<std::string>, int, std::string> rows[] = {
+      {{"Sample_None"}, 4, "looking for, Sample_None: no such class, instance or file ["},
+      {{fDocument, "root/qdx:Sample_All"}, 4, "looking for, root/qdx:Sample_All: no such class"},
+      {{fDocument, "Sample_All.Key=\"b\""}, 4, "looking for, Sample_All.Key=\"b\": no such class"},
+      {{fDocument, "Sample_All.Key=b"}, 4, "looking for, Sample_All.Key=b: Reference missing "},
+      {{"none.xml"}, 4, "reading document, none.xml: "},
+      {{text}, 4, "reading document, " + text + ": cimxml: " + text + ": line 1, column 1: "},
+      {{fDocument, "--depth=4"}, 2, "option '--depth' needs a number from 0 to 3"},
+      {{fDocument, "--root", "/"}, 2, "option '--root' does not go with a file"},
+      {{"--provider", "cimxml"}, 5, "showing, this machine: there is no namespace ["}};
+  for (auto [words, exitCode, error] : rows) {
+    words.insert(words.begin(), "show");
+    const TProgramRun run = fInstallation.Run(words);
+    EXPECT_EQ(run.fExitCode, exitCode) << run.fErrors;
+    EXPECT_NE(run.fErrors.find("qdx: " + error), std::string::npos) << run.fErrors << error;
+  }
+}
+
+}  // namespace
