@@ -23,6 +23,7 @@ inline boost::shared_ptr<NVORNQDX20::INamespaceProvider> Provider() {
   return NVORNQDX20::TRootObject::GetNamespaceProviderManager()->GetNamespaceProvider("cimxml");
 }
 
+using NVORNQDX20::TNamespace;
 using TNames = std::vector<std::string>;
 
 inline TNames NamesIn(const NVORNQDX20::TOptionsMap& options) {
