@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "document_limits.h"
 #include "flags.h"
 #include "value_reader.h"
 
@@ -154,6 +155,7 @@ boost::shared_ptr<ICIMQualifierDecl> ReadQualifierDecl(TNamespaceBuilder& ns,
 boost::shared_ptr<ICIMClass> ReadClass(TNamespaceBuilder& ns, const TElement& element) {
   const std::string& name = element.Get("NAME");
   const std::string* const superclass = element.Find("SUPERCLASS");
+  if (element.fChildren.size() > kMaxMembers) element.Refuse("a class has too many members");
   return AsPartOf(element, "class " + Shown(name), [&] {
     const auto parent =
         superclass == nullptr ? nullptr : ns.ClassNamed(*superclass, element).fClass;

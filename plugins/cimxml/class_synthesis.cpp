@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "document.h"
+#include "document_limits.h"
 #include "object_path.h"
 #include "value_reader.h"
 
@@ -101,6 +102,9 @@ boost::shared_ptr<ICIMClass> SynthesizeClass(TNamespaceBuilder& ns, const std::s
                                              const std::vector<const TElement*>& uses) {
   TSynthesis synthesis;
   for (const TElement* use : uses) synthesis.AddUse(*use);
+  if (synthesis.Properties().size() > kMaxMembers) {
+    uses.back()->Refuse("a class has too many members");
+  }
   return AsPartOf(*uses.back(), "class " + Shown(name), [&] {
     auto created = ns.Namespace()->CreateClass(name, nullptr, {});
     ns.State().fDeclaring.back().fClass.fClass = created;

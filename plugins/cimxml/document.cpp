@@ -9,6 +9,7 @@
 
 #include <boost/make_shared.hpp>
 
+#include "document_limits.h"
 #include "input.h"
 #include "object_path.h"
 
@@ -104,6 +105,7 @@ boost::shared_ptr<TRepositoryProvider> TDocument::Namespaces() const {
 TNamespaceBuilder& TDocument::List(const std::string& name) {
   TNamespaceBuilder& ns = NamespaceNamed(name);
   if (std::find(fListed.begin(), fListed.end(), &ns) == fListed.end()) fListed.push_back(&ns);
+  if (fListed.size() > kMaxNamespaces) throw TDefect("too many namespaces");
   return ns;
 }
 

@@ -21,7 +21,10 @@ inline constexpr std::size_t kMaxTagBytes = std::size_t{1} << 20;
 inline constexpr std::size_t kMaxTextBytes = std::size_t{256} << 20;
 /// Elements and attributes of one object, and of all objects that wait for a class.
 inline constexpr std::size_t kMaxObjectNodes = std::size_t{1} << 21;
-inline constexpr std::size_t kMaxWaitingNodes = std::size_t{1} << 24;
+inline constexpr std::size_t kMaxWaitingNodes = std::size_t{1} << 23;
+/// Properties, methods and qualifiers of one class.
+inline constexpr std::size_t kMaxMembers = 10000;
+inline constexpr std::size_t kMaxNamespaces = 1000;
 /// Superclasses above one another, and classes that need each other to be declared.
 inline constexpr std::size_t kMaxClassDepth = 100;
 /// Values of all instances, whether the document gives them or not.

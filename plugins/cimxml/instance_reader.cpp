@@ -3,21 +3,11 @@
 
 #include <qdxcore/status.h>
 
-#include <algorithm>
-
 #include "object_path.h"
 #include "value_reader.h"
 
 namespace NVORNQDX20::NCIMXML {
 namespace {
-
-bool HasProperty(const TElement& instance, const std::string& name) {
-  return std::any_of(instance.fChildren.begin(), instance.fChildren.end(),
-                     [&](const TElement& child) {
-                       const std::string* const each = child.Find("NAME");
-                       return each != nullptr && (*each == name || Folded(*each) == Folded(name));
-                     });
-}
 
 void SetProperty(TNamespaceBuilder& ns, const ICIMClass& cimClass, ICIMInstance& target,
                  const TElement& property) {
@@ -31,10 +21,9 @@ void SetProperty(TNamespaceBuilder& ns, const ICIMClass& cimClass, ICIMInstance&
 }
 
 void SetKeysFromName(TNamespaceBuilder& ns, const ICIMClass& cimClass, ICIMInstance& target,
-                     const TElement& instance, const TElement& name) {
+                     const TElement& name) {
   for (const TKeyBinding& binding : KeyBindingsOf(name)) {
     const std::string& key = binding.fName.empty() ? OnlyKeyOf(cimClass, name) : binding.fName;
-    if (HasProperty(instance, key)) continue;
     const TCIMType type = DeclOf(cimClass, key, *binding.fValue)->GetType();
     target.SetPropertyValue(key, ReadKeyValue(ns, type, *binding.fValue), {});
   }
@@ -56,12 +45,12 @@ void ReadInstance(TNamespaceBuilder& ns, const TElement& object) {
   ns.State().AddValues(read.fProperties, instance);
   AsPartOf(instance, "instance of " + Shown(className), [&] {
     const auto created = read.fClass->CreateInstance({});
+    const TElement* const name = FindName(object);
+    if (name != nullptr) SetKeysFromName(ns, *read.fClass, *created, *name);
     for (const TElement& child : instance.fChildren) {
       // An instance has no qualifiers of its own.
       if (!child.Is("QUALIFIER")) SetProperty(ns, *read.fClass, *created, child);
     }
-    const TElement* const name = FindName(object);
-    if (name != nullptr) SetKeysFromName(ns, *read.fClass, *created, instance, *name);
     created->Commit({});
   });
 }

@@ -11,7 +11,7 @@ namespace NVORNQDX20::NCIMXML {
 /// The INSTANCE of an object, which may be one itself.
 const TElement& InstanceOf(const TElement& object);
 
-/// Adds the instance; keys that are not among its properties come from its name.
+/// Adds the instance. Its keys come from its name, but for those that are among its properties.
 void ReadInstance(TNamespaceBuilder& ns, const TElement& object);
 
 }  // namespace NVORNQDX20::NCIMXML

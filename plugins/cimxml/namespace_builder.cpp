@@ -4,7 +4,6 @@
 #include <qdxcore/status.h>
 #include <qdxrepository/repository.h>
 
-#include <memory>
 #include <utility>
 
 #include "class_reader.h"
@@ -16,6 +15,24 @@
 #include "value_reader.h"
 
 namespace NVORNQDX20::NCIMXML {
+namespace {
+
+/// One more class is being declared, until the scope ends, however it ends.
+class TDeclaringScope {
+ public:
+  TDeclaringScope(TReadingState& state, const TNamespaceBuilder& ns, const std::string& folded)
+      : fState(state) {
+    fState.fDeclaring.push_back({&ns, folded, {}});
+  }
+  ~TDeclaringScope() { fState.fDeclaring.pop_back(); }
+  TDeclaringScope(const TDeclaringScope&) = delete;
+  TDeclaringScope& operator=(const TDeclaringScope&) = delete;
+
+ private:
+  TReadingState& fState;
+};
+
+}  // namespace
 
 void TReadingState::AddWaiting(std::size_t nodes, const TElement& element) {
   fWaitingNodes += nodes;
@@ -102,10 +119,7 @@ TReadClass TNamespaceBuilder::ClassNamed(const std::string& name, const TElement
 TReadClass TNamespaceBuilder::Declare(const std::string& name, const TElement& use) {
   if (fState.fDeclaring.size() >= kMaxClassDepth) use.Refuse("classes nested too deep");
   const std::string folded = Folded(name);
-  fState.fDeclaring.push_back({this, folded, {}});
-  // Ends the declaring, whatever becomes of it.
-  const std::unique_ptr<TReadingState, void (*)(TReadingState*)> end(
-      &fState, [](TReadingState* state) { state->fDeclaring.pop_back(); });
+  const TDeclaringScope scope(fState, *this, folded);
   const bool isDeclared = fSources.count(folded) != 0;
   if (!isDeclared && !fState.fIsComplete) throw TNotDeclaredYet();
   TReadClass read = Measured(isDeclared ? ReadSource(folded) : Synthesize(name, use), use);
