@@ -24,6 +24,7 @@
 #ifndef QDXCORE_INTERFACES_H_
 #define QDXCORE_INTERFACES_H_
 
+#include <qdxcore/build_stamp.h>
 #include <qdxcore/config.h>
 #include <qdxcore/reference.h>
 #include <qdxcore/value.h>

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: Apache-2.0
+/// What a library that uses the interfaces was built with, where a program can read it before it
+/// loads the library: an ELF note (owner "QDXcore", type 1) for each source file.
+///
+/// Nobody needs to do anything for it: <qdxcore/interfaces.h> includes this header. The note
+/// survives strip, --gc-sections and link-time optimisation, and has no symbol.
+#ifndef QDXCORE_BUILD_STAMP_H_
+#define QDXCORE_BUILD_STAMP_H_
+
+#include <qdxcore/config.h>
+
+#include <cstdint>
+#include <utility>
+
+#include <boost/shared_ptr.hpp>
+
+namespace NVORNQDX20 {
+
+/// The contents of the note. Its layout is the same in every version of the library.
+struct TBuildStamp {
+  std::uint32_t fMajorVersion;
+  std::uint32_t fMinorVersion;
+  std::uint32_t fPatchVersion;
+  /// Not 0 if Boost's assertions end in the handler of the library (BOOST_ENABLE_ASSERT_HANDLER).
+  std::uint32_t fHasAssertHandler;
+  /// Not 0 if reference counts are plain numbers (BOOST_SP_DISABLE_THREADS).
+  std::uint32_t fHasPlainCounts;
+};
+
+inline constexpr char kBuildStampOwner[] = "QDXcore";
+inline constexpr std::uint32_t kBuildStampType = 1;
+
+// What Boost has really done counts, not what is defined: it may have been included before the
+// definitions were made.
+inline constexpr TBuildStamp kBuildStamp = {
+    QDXCORE_VERSION_MAJOR, QDXCORE_VERSION_MINOR, QDXCORE_VERSION_PATCH,
+    // With the handler the checked operators may throw.
+    noexcept(*std::declval<const boost::shared_ptr<int>&>()) ? 0 : 1,
+#if defined(BOOST_SMART_PTR_DETAIL_SP_COUNTED_BASE_NT_HPP_INCLUDED)
+    1
+#else
+    0
+#endif
+};
+
+/// An ELF note: three numbers, the owner, the contents.
+struct TBuildStampNote {
+  std::uint32_t fOwnerSize;
+  std::uint32_t fStampSize;
+  std::uint32_t fType;
+  char fOwner[sizeof(kBuildStampOwner)];
+  TBuildStamp fStamp;
+};
+
+/// One for each source file: those of one library may have been built differently.
+static constexpr TBuildStampNote kBuildStampNote
+    [[gnu::used, gnu::section(".note.qdxcore"), gnu::aligned(4)]] = {
+        sizeof(kBuildStampOwner),
+        sizeof(TBuildStamp),
+        kBuildStampType,
+        {'Q', 'D', 'X', 'c', 'o', 'r', 'e', '\0'},
+        kBuildStamp};
+
+}  // namespace NVORNQDX20
+
+#endif  // QDXCORE_BUILD_STAMP_H_
