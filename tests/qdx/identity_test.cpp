@@ -100,16 +100,4 @@ TEST_F(QDXIdentity, WritesALog) {
             "qdx: opening log, /no/log: No such file or directory [kQDXStatusFileSystemError]\n");
 }
 
-TEST_F(QDXIdentity, GoesOnWithoutAProviderThatFails) {
-  fInstallation.AddPlugin(BAD_PROVIDER, "libbad.nsp.so");
-  fInstallation.AddBrokenPlugin("liba.nsp.so");
-  const TProgramRun run = Run({});
-  EXPECT_EQ(run.fExitCode, 3);
-  EXPECT_NE(run.fOutput.find("Serial number     23A1234\n"), std::string::npos);
-  EXPECT_EQ(run.fErrors.find("qdx: loading provider, a: Couldn't load NSP: a ("), 0U);
-  EXPECT_NE(run.fErrors.find("\nqdx: opening root/cimv2 of provider, bad: the table is locked "
-                             "[kQDXStatusAccessDenied]\n"),
-            std::string::npos);
-}
-
 }  // namespace

@@ -27,8 +27,9 @@ class TInstallation {
     AddPlugin(QDX_DOCUMENT_READER, "libcimxml.nsp.so");
     AddPlugin(QDX_DOCUMENT_WRITER, "libcimxml.nsc.so");
   }
-  void AddBrokenPlugin(const std::string& name) const {
-    fPrefix.Write("lib/qdx/" + name, "\177ELF, and no more");
+  void AddBrokenPlugin(const std::string& name,
+                       const std::string& contents = "\177ELF, and no more") const {
+    fPrefix.Write("lib/qdx/" + name, contents);
   }
   std::filesystem::path Folder() const { return fPrefix.Path() / "lib/qdx"; }
 

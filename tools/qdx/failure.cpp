@@ -31,8 +31,6 @@ const char* MeaningOf(EQDXStatusCode status) {
       return "permission denied";
     case kQDXStatusValueIsNULL:
       return "it has no value";
-    case kQDXStatusInvalidPlugin:
-      return "it registers or creates nothing";
     case kQDXStatusInvalidFormat:
       return "not of the expected form";
     default:

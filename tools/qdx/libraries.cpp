@@ -1,31 +1,50 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "libraries.h"
 
+#include <qdxcore/logger.h>
 #include <qdxcore/os_specific.h>
 #include <qdxcore/registry.h>
 
 #include <algorithm>
 #include <filesystem>
 
+#include <boost/algorithm/string/predicate.hpp>
+
+#include "plugin_file.h"
+
 namespace NVORNQDX20 {
 namespace {
 
+const std::string kPrefix = "lib";
+
+std::string SuffixOf(const std::string& kind) {
+  return "." + kind + TOSSpecific::kDynamicModuleExtension;
+}
+
+/// Every service that the folder has a name for. FindNSServices would pass over a folder or a
+/// dangling link in silence, and take libfoo.nsp.so.old, which is put aside, for a plug-in.
 std::vector<std::string> FindServices(const std::string& kind) {
-  std::vector<std::string> services;
-  const auto failure = Try([&] { services = TOSSpecific::FindNSServices(kind); });
+  std::vector<std::string> names;
+  const auto failure = Try([&] { names = TOSSpecific::ListDir(TOSSpecific::GetQDXRootPath()); });
   if (failure) {
     throw TCommandFailure(kExitNothingCollected,
                           FailureLine("looking for plug-ins", "." + kind, *failure));
+  }
+  const std::string suffix = SuffixOf(kind);
+  std::vector<std::string> services;
+  for (const std::string& name : names) {
+    if (boost::algorithm::starts_with(name, kPrefix) && boost::algorithm::ends_with(name, suffix)) {
+      services.push_back(name.substr(kPrefix.size(), name.size() - kPrefix.size() - suffix.size()));
+    }
   }
   std::sort(services.begin(), services.end());
   return services;
 }
 
 std::string FileOf(const std::string& service, const std::string& kind) {
-  const std::filesystem::path file = TOSSpecific::GetQDXRootPath() + "/lib" + service + "." + kind +
-                                     TOSSpecific::kDynamicModuleExtension;
   // The loader's name for the core has the ".." of this command's own search path in it.
-  return std::filesystem::weakly_canonical(file).string();
+  const std::filesystem::path folder = std::filesystem::canonical(TOSSpecific::GetQDXRootPath());
+  return (folder / (kPrefix + service + SuffixOf(kind))).string();
 }
 
 /// Loads every library of a kind; `load` gets one to fill, and its failure becomes the library's.
@@ -37,7 +56,10 @@ std::vector<TLoaded> LoadAll(const std::string& kind, const std::string& tried,
     TLoaded library;
     library.fService = service;
     library.fFile = FileOf(service, kind);
-    library.fFailure = Try([&] { load(library); });
+    library.fFailure = Try([&] {
+      CheckPluginFile(library.fFile);
+      load(library);
+    });
     if (library.fFailure) PrintError(FailureLine(tried, service, *library.fFailure));
     libraries.push_back(library);
   }
@@ -52,12 +74,16 @@ void LoadProviders(TProviderLibrary& library) {
       library.fProviders.push_back(provider);
     }
   }
-  if (library.fProviders.empty()) throw TQDXException(kQDXStatusInvalidPlugin);
+  if (library.fProviders.empty()) {
+    LogErrorAndThrow(kQDXStatusInvalidPlugin, {"it registers no provider under a name of its own"});
+  }
 }
 
 void LoadConsumer(TConsumerLibrary& library) {
   library.fConsumer.reset(TOSSpecific::LoadNSCLibrary(library.fService));
-  if (!library.fConsumer) throw TQDXException(kQDXStatusInvalidPlugin);
+  if (!library.fConsumer) {
+    LogErrorAndThrow(kQDXStatusInvalidPlugin, {"it creates no consumer"});
+  }
 }
 
 /// Not a failure of the provider: it has none of this name, or hands out none at all.
@@ -78,7 +104,10 @@ std::vector<TConsumerLibrary> LoadConsumerLibraries() {
 TProviders RegisteredProviders() {
   TProviders providers;
   boost::function<bool(boost::shared_ptr<INamespaceProvider>)> add =
-      TAddToVectorCallback<INamespaceProvider>(providers);
+      [&providers](boost::shared_ptr<INamespaceProvider> provider) {
+        if (!Try([&] { provider->GetName(TOptionsMap()); })) providers.push_back(provider);
+        return true;
+      };
   TRootObject::GetNamespaceProviderManager()->EnumerateNamespaceProviders(add);
   return providers;
 }

@@ -37,7 +37,7 @@ struct TConsumerLibrary : TLibrary {
 std::vector<TProviderLibrary> LoadProviderLibraries();
 std::vector<TConsumerLibrary> LoadConsumerLibraries();
 
-/// In ascending order of their names.
+/// In ascending order of their names. One that will not tell its name any more is left out.
 TProviders RegisteredProviders();
 
 /// What providers that describe a machine call its namespace.

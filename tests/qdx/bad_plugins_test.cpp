@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/config.h>
+
+#include <gtest/gtest.h>
+
+#include "qdx/installation.h"
+
+namespace {
+
+TEST(QDXBadPlugins, AreRefusedBeforeTheyAreLoaded) {
+  const std::string good = ReadWholeFile(TEST_PROVIDER);
+  const auto changed = [&good](std::size_t position, char byte) {
+    return std::string(good).replace(position, 1, 1, byte);
+  };
+  const std::vector<std::vector<std::string>> files = {
+      // service, contents, why
+      {"cut", good.substr(0, 5000), "is cut off"},
+      {"empty", "", "is cut off"},
+      {"future", ReadWholeFile(TESTS "future_provider.so"),
+       "was built against version 7.1.0 of the interfaces, another major version "
+       "than " QDXCORE_VERSION},
+      {"mips", changed(18, 8), "is built for another kind of machine"},
+      {"text", "no more than text", "is not a library"},
+      {"unstamped", changed(good.find("QDXcore"), 'P'),
+       "carries no build stamp: it was not built with these headers"},
+      {"without_handler", ReadWholeFile(TESTS "handlerless_provider.so"),
+       "was built without BOOST_ENABLE_ASSERT_HANDLER"},
+      {"without_plain_counts", ReadWholeFile(TESTS "counting_provider.so"),
+       "was built without BOOST_SP_DISABLE_THREADS"}};
+
+  const TInstallation installation;
+  installation.AddLinuxProvider();
+  std::string lines;
+  const auto expect = [&](const std::string& service, const std::string& why) {
+    const std::string name = "lib" + service + ".nsp.so";
+    lines += "qdx: loading provider, " + service + ": " + (installation.Folder() / name).string() +
+             " " + why + " [kQDXStatusInvalidPlugin]\n";
+    return name;
+  };
+  for (const auto& file : files) {
+    installation.AddBrokenPlugin(expect(file[0], file[2]), file[1]);
+  }
+  create_directory(installation.Folder() / expect("x_folder", "is not a file"));
+  create_symlink("nowhere", installation.Folder() / expect("x_link", "leads nowhere"));
+  installation.AddBrokenPlugin("libaside.nsp.so.old");
+  const TProgramRun run = installation.Run({"plugins"});
+  EXPECT_EQ(run.fErrors, lines);
+  EXPECT_EQ(run.fExitCode, 3);
+}
+
+TEST(QDXBadPlugins, MayFailOnceTheyAreLoaded) {
+  const TInstallation installation;
+  installation.AddLinuxProvider();
+  installation.AddPlugin(TESTS "incomplete_provider.so", "liba.nsp.so");
+  installation.AddPlugin(TESTS "shy_provider.so", "libb.nsp.so");
+  installation.AddPlugin(TESTS "throwing_provider.so", "libc.nsp.so");
+  for (const auto& [verb, line] : std::vector<std::pair<std::string, std::string>>{
+           {"plugins", "listing the namespaces of provider, bad: it failed [kQDXStatusFail]"},
+           {"identity",
+            "opening root/cimv2 of provider, bad: the table is locked [kQDXStatusAccessDenied]"}}) {
+    const TProgramRun run = installation.Run({verb});
+    EXPECT_NE(run.fErrors.find("NowhereToBeFound"), std::string::npos) << run.fErrors;
+    EXPECT_NE(
+        run.fErrors.find("\nqdx: loading provider, b: it registers no provider under a name of "
+                         "its own [kQDXStatusInvalidPlugin]\nqdx: " +
+                         line + "\n"),
+        std::string::npos)
+        << run.fErrors;
+    EXPECT_NE(run.fOutput, "");
+    EXPECT_EQ(run.fExitCode, 3);
+  }
+}
+
+}  // namespace

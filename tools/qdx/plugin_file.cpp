@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "plugin_file.h"
+
+#include <qdxcore/build_stamp.h>
+#include <qdxcore/logger.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string_view>
+#include <system_error>
+
+#include <elf.h>
+
+namespace NVORNQDX20 {
+namespace {
+
+/// The parts of a file, none of them beyond its end.
+class TPluginFile {
+ public:
+  explicit TPluginFile(const std::string& file) : fFile(file) {
+    std::error_code error;
+    const auto status = std::filesystem::status(file, error);
+    if (!std::filesystem::exists(status)) Refuse("leads nowhere");
+    if (!std::filesystem::is_regular_file(status)) Refuse("is not a file");
+    fSize = std::filesystem::file_size(file, error);
+    fStream.open(file, std::ios::binary);
+    if (!fStream) Refuse("cannot be read: " + std::generic_category().message(errno));
+  }
+
+  [[noreturn]] void Refuse(const std::string& why) const {
+    LogErrorAndThrow(kQDXStatusInvalidPlugin, {fFile, " ", why});
+  }
+
+  void RequirePart(std::uint64_t offset, std::uint64_t size) const {
+    if (offset > fSize || size > fSize - offset) Refuse("is cut off");
+  }
+
+  std::string ReadBytes(std::uint64_t offset, std::uint64_t size) {
+    RequirePart(offset, size);
+    std::string bytes(size, '\0');
+    fStream.seekg(static_cast<std::streamoff>(offset));
+    fStream.read(bytes.data(), static_cast<std::streamsize>(size));
+    if (!fStream) Refuse("cannot be read");
+    return bytes;
+  }
+
+  template <typename T>
+  T Read(std::uint64_t offset) {
+    T part;
+    std::memcpy(&part, ReadBytes(offset, sizeof(T)).data(), sizeof(T));
+    return part;
+  }
+
+ private:
+  const std::string fFile;
+  std::uint64_t fSize = 0;
+  std::ifstream fStream;
+};
+
+Elf64_Ehdr ReadHeader(TPluginFile& file) {
+  if (file.ReadBytes(0, SELFMAG) != ELFMAG) file.Refuse("is not a library");
+  const auto header = file.Read<Elf64_Ehdr>(0);
+  if (header.e_ident[EI_CLASS] != ELFCLASS64 || header.e_ident[EI_DATA] != ELFDATA2LSB ||
+      header.e_machine != EM_X86_64) {
+    file.Refuse("is built for another kind of machine");
+  }
+  if (header.e_phentsize != sizeof(Elf64_Phdr)) file.Refuse("is not a library");
+  return header;
+}
+
+void CheckStamp(const TPluginFile& file, const TBuildStamp& stamp) {
+  if (stamp.fMajorVersion != kBuildStamp.fMajorVersion) {
+    file.Refuse("was built against version " + std::to_string(stamp.fMajorVersion) + "." +
+                std::to_string(stamp.fMinorVersion) + "." + std::to_string(stamp.fPatchVersion) +
+                " of the interfaces, another major version than " QDXCORE_VERSION);
+  }
+  if (stamp.fHasAssertHandler == 0) file.Refuse("was built without BOOST_ENABLE_ASSERT_HANDLER");
+  if (stamp.fHasPlainCounts == 0) file.Refuse("was built without BOOST_SP_DISABLE_THREADS");
+}
+
+/// Cuts the first `size` bytes, as many as there are, off the rest.
+std::string_view Take(std::string_view& rest, std::uint64_t size) {
+  const std::string_view taken = rest.substr(0, size);
+  rest.remove_prefix(taken.size());
+  return taken;
+}
+
+/// Checks the stamps among the notes, and returns how many there are.
+int CheckNotes(const TPluginFile& file, std::string_view notes) {
+  const auto padded = [](std::uint64_t size) { return (size + 3) / 4 * 4; };
+  const std::string_view owner(kBuildStampOwner, sizeof(kBuildStampOwner));
+  int stamps = 0;
+  while (notes.size() >= sizeof(Elf64_Nhdr)) {
+    Elf64_Nhdr header;
+    std::memcpy(&header, Take(notes, sizeof(header)).data(), sizeof(header));
+    const std::string_view name = Take(notes, padded(header.n_namesz));
+    const std::string_view contents = Take(notes, padded(header.n_descsz));
+    if (name != owner || header.n_type != kBuildStampType) continue;
+    if (contents.size() < sizeof(TBuildStamp)) file.Refuse("carries a damaged build stamp");
+    TBuildStamp stamp;
+    std::memcpy(&stamp, contents.data(), sizeof(stamp));
+    CheckStamp(file, stamp);
+    ++stamps;
+  }
+  return stamps;
+}
+
+}  // namespace
+
+void CheckPluginFile(const std::string& name) {
+  TPluginFile file(name);
+  const Elf64_Ehdr header = ReadHeader(file);
+  int stamps = 0;
+  for (std::uint64_t i = 0; i < header.e_phnum; ++i) {
+    const auto segment = file.Read<Elf64_Phdr>(header.e_phoff + i * sizeof(Elf64_Phdr));
+    // The loader maps what is missing, and the first touch of it is a SIGBUS.
+    if (segment.p_type == PT_LOAD) file.RequirePart(segment.p_offset, segment.p_filesz);
+    // Notes aligned to 8 bytes are the compiler's own, and stand in a segment of their own.
+    if (segment.p_type == PT_NOTE && segment.p_align <= 4) {
+      stamps += CheckNotes(file, file.ReadBytes(segment.p_offset, segment.p_filesz));
+    }
+  }
+  if (stamps == 0) file.Refuse("carries no build stamp: it was not built with these headers");
+}
+
+}  // namespace NVORNQDX20
