@@ -1,0 +1,50 @@
+# SPDX-License-Identifier: Apache-2.0
+# Debian packages, by `cpack` in a build folder of the preset "package"; script/package does it all.
+#
+#   library  libqdxcore0     the core alone, so that another major version can stand beside it
+#   devel    libqdxcore-dev  headers, the repository, CMake package, pkg-config file
+#   tool     qdx             the command, and the plug-ins: their names have no version in them,
+#                            they bring dependencies of their own, and the command is what they serve
+set(CPACK_GENERATOR DEB)
+set(CPACK_COMPONENTS_ALL library devel tool)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
+set(CPACK_PACKAGE_CONTACT "qdxcore maintainers <maintainers@qdxcore.example>")
+set(CPACK_STRIP_FILES ON)
+set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/stage.cmake)
+set(CPACK_QDX_PACKAGING_DIR ${CMAKE_CURRENT_LIST_DIR})
+
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(same_version "(= ${PROJECT_VERSION})")
+
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libqdxcore${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_RECOMMENDS libcurl4)  # loaded when a file is to be transferred
+set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "core library that describes servers in the terms of CIM
+It holds what providers and consumers of CIM data share: typed values,
+date-times, object paths, the interfaces of the object model, the registry
+of providers, the logger, and services of the operating system.")
+
+set(CPACK_DEBIAN_DEVEL_PACKAGE_NAME libqdxcore-dev)
+set(CPACK_DEBIAN_DEVEL_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVEL_PACKAGE_DEPENDS
+  "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} ${same_version}, libboost-dev (>= 1.74)")
+set(CPACK_COMPONENT_DEVEL_DESCRIPTION "core library of qdx - development files
+Headers, the CMake package qdxcore, a pkg-config file, and the static library
+that providers of CIM data are built on.")
+
+set(CPACK_DEBIAN_TOOL_PACKAGE_NAME qdx)
+set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION admin)
+set(CPACK_DEBIAN_TOOL_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} ${same_version}")
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+set(CPACK_COMPONENT_TOOL_DESCRIPTION "describe and diagnose a Linux server
+The command qdx asks its plug-ins about the machine and shows what they tell
+in the terms of the DMTF Common Information Model (CIM). Other packages can
+add plug-ins.")
+
+include(CPack)
