@@ -70,7 +70,7 @@ TEST_F(QDXCollect, GoesOnWithoutWhatFailsAndSaysSoInTheDocument) {
   const std::string failures =
       fInstallation.Run({"show", file, "VORNSG_CollectionFailure"}).fOutput;
   for (const std::string failure :
-       {"loading\n      Provider   a\n      Reason     Couldn't load NSP: a (",
+       {"loading\n      Provider   a\n      Reason     /",
         "opening\n      Provider   bad\n      Reason     the table is locked\n",
         "opening\n      Provider   spoiled\n      Reason     namespace root/sample was already ",
         "copying\n      Provider   spoiled\n      Reason     permission denied\n"}) {
