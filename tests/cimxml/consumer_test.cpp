@@ -2,6 +2,7 @@
 #include <qdxcore/interfaces.h>
 #include <qdxcore/status.h>
 
+#include <chrono>
 #include <filesystem>
 
 #include <fcntl.h>
@@ -123,7 +124,10 @@ TEST(CIMXMLProvider, ReadsAgainOnlyWhatHasChanged) {
   const TNamespace first = Read(file.Path());
   EXPECT_EQ(Read(file.Path()), first);
   std::ofstream(file.Path()) << Document({Class("")});
-  EXPECT_EQ(Read(file.Path())->GetClass("C", {})->GetName({}), "C");
+  EXPECT_NE(Read(file.Path())->GetClass("C", {}), nullptr);
+  std::ofstream(file.Path()) << Document({Class("", "NAME='D'")});  // as long as before
+  fs::last_write_time(file.Path(), fs::file_time_type::clock::now() + std::chrono::hours(1));
+  EXPECT_NE(Read(file.Path())->GetClass("D", {}), nullptr);
   EXPECT_QDX_STATUS(Read(file.Path(), "root/other"), kQDXStatusNotFound);
 }
 

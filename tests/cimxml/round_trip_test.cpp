@@ -128,6 +128,8 @@ TEST(CIMXMLDocument, GivesBackEachDeclarationAndReference) {
   EXPECT_EQ(ns->GetQualifierDecl("Key", {})->GetFlavor(), kFlavorToSubclass);
   EXPECT_EQ(ns->GetQualifierDecl("Abstract", {})->GetFlavor(), 0U);
   const auto derived = ns->GetClass("A_Derived", {});
+  const auto list = derived->GetSuperclass({})->GetPropertyDecl("Plain", {})->GetQualifier("List");
+  EXPECT_EQ(list->GetValue().GetMaxArraySize(), 3U);  // though it is null
   EXPECT_EQ(derived->GetPropertyDecl("Own", {})->GetDefaultValue(), TCIMValue("default"));
   std::vector<boost::shared_ptr<ICIMProperty>> values;
   derived->EnumerateStaticProperties(TAddToVectorCallback(values), {});
