@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The interfaces through which CIM data is reached: providers implement them, all others call
-/// them.
+/// The interfaces through which CIM data is reached (DMTF DSP0004, the CIM meta schema): providers
+/// implement them, all others call them.
 ///
 /// Declaration order binds plug-ins that were built separately: a virtual function is only ever
 /// added after the last one of its class. The ReservedN functions keep places in that order free;
@@ -85,8 +85,8 @@ class QDXCORE_EXPORT ICIMNamedElement {
                                                         const TCIMValue& value) = 0;
 };
 
-/// The declaration of a qualifier. The bits of scope and flavor are the provider's; the library
-/// passes them on as they are.
+/// The declaration of a qualifier (DMTF DSP0004, qualifiers). The bits of scope and flavor are the
+/// provider's; the library passes them on as they are.
 class QDXCORE_EXPORT ICIMQualifierDecl {
  public:
   virtual ~ICIMQualifierDecl();

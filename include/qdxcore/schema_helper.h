@@ -38,7 +38,7 @@ class QDXCORE_EXPORT TCIMSchemaHelper {
   static std::string GetOperatingSystemCreationClassName(boost::shared_ptr<ICIMNamespace> ns);
   static std::string GetOperatingSystemName(boost::shared_ptr<ICIMNamespace> ns);
   static std::string GetOperatingSystemVersion(boost::shared_ptr<ICIMNamespace> ns);
-  /// A value of CIM_OperatingSystem.OSType; 36 is Linux.
+  /// A value of CIM_OperatingSystem.OSType in the CIM Schema of the DMTF; 36 is Linux.
   static std::uint16_t GetOperatingSystemType(boost::shared_ptr<ICIMNamespace> ns);
 
   /// Whether the first four characters are letters or digits; a text that has fewer is invalid.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A CIM namespace held in memory, for providers to fill and hand out.
+/// A CIM namespace (DMTF DSP0004) held in memory, for providers to fill and hand out.
 ///
 /// Names compare without regard to ASCII case and keep the case they were given; values always
 /// compare exactly. Enumerations follow the order in which elements became part of what is
