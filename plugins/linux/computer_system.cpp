@@ -25,13 +25,13 @@ bool IsMaker(const std::string& vendor) {
 /// theirs mean a type and model by it, so nobody else's SKU is taken for one.
 TReading ReadProductName(const THostFiles& files) {
   TReading name = ReadDMIString(files, "product_name");
-  if (!name || IsTypeAndModel(*name.fText) || name.fText->find("-[") != std::string::npos) {
+  if (!name || IsTypeAndModel(*name.fValue) || name.fValue->find("-[") != std::string::npos) {
     return name;
   }
   const TReading vendor = ReadDMIString(files, "sys_vendor");
   const TReading sku = ReadDMIString(files, "product_sku");
-  if (vendor && sku && IsMaker(*vendor.fText) && IsTypeAndModel(*sku.fText)) {
-    *name.fText += " -[" + *sku.fText + "]-";
+  if (vendor && sku && IsMaker(*vendor.fValue) && IsTypeAndModel(*sku.fValue)) {
+    *name.fValue += " -[" + *sku.fValue + "]-";
   }
   return name;
 }

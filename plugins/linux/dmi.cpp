@@ -71,8 +71,8 @@ TReading ReadDMIString(const THostFiles& files, const std::string& name) {
   }
   const std::string path = std::string(kFolder) + "/" + name;
   TReading reading = files.ReadLine(path);
-  if (reading && IsPlaceholder(*reading.fText)) {
-    return TReading::Missing(path + ": placeholder text '" + *reading.fText + "'");
+  if (reading && IsPlaceholder(*reading.fValue)) {
+    return TReading::Missing(path + ": placeholder text '" + *reading.fValue + "'");
   }
   return reading;
 }

@@ -23,7 +23,7 @@ TReading ReadConfiguredHostName(const THostFiles& files) {
   const char* const path = "/etc/hostname";
   TReading file = files.Read(path);
   if (!file) return file;
-  std::istringstream lines(*file.fText);
+  std::istringstream lines(*file.fValue);
   for (std::string line; std::getline(lines, line);) {
     std::string name = PrintableText(line);
     if (!name.empty() && name.front() != '#') return TReading::Of(std::move(name));
@@ -34,7 +34,7 @@ TReading ReadConfiguredHostName(const THostFiles& files) {
 TReading ReadHostName(const THostFiles& files) {
   TReading name = ReadKernelName(files, "hostname", &utsname::nodename);
   // A kernel that was never told a name says "(none)".
-  if (name && !name.fText->empty() && *name.fText != "(none)") return name;
+  if (name && !name.fValue->empty() && *name.fValue != "(none)") return name;
   return ReadConfiguredHostName(files);
 }
 

@@ -19,8 +19,6 @@
 namespace NVORNQDX20 {
 namespace {
 
-constexpr std::size_t kMaxFileSize = 64U << 10;
-
 /// The kernel asks to try again when something was renamed or mounted, anywhere, while it followed
 /// a "..".
 constexpr int kMaxAttempts = 32;
@@ -55,8 +53,8 @@ TDescriptor OpenWithoutLinks(int root, const std::string& path, int flags) {
 }
 
 /// At most one byte more than is allowed, so that the caller sees what is too long.
-TReading ReadToEnd(int file, const std::string& path) {
-  std::string text(kMaxFileSize + 1, '\0');
+TReading ReadToEnd(int file, const std::string& path, std::size_t maxSize) {
+  std::string text(maxSize + 1, '\0');
   std::size_t size = 0;
   while (size < text.size()) {
     const ssize_t count = ::read(file, text.data() + size, text.size() - size);
@@ -104,19 +102,21 @@ TDescriptor THostFiles::Open(const std::string& path, int flags) const {
   return OpenWithoutLinks(fRoot.Get(), path, flags);
 }
 
-TReading THostFiles::Read(const std::string& path) const {
+TReading THostFiles::Read(const std::string& path, std::size_t maxSize) const {
   const TDescriptor file = Open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
   if (!file) return Missing(path, ErrorText(file.GetError()));
   if (!IsRegularFile(file.Get())) return Missing(path, "not a regular file");
-  TReading reading = ReadToEnd(file.Get(), path);
-  if (reading && reading.fText->size() > kMaxFileSize) return Missing(path, "more than 64 KiB");
+  TReading reading = ReadToEnd(file.Get(), path, maxSize);
+  if (reading && reading.fValue->size() > maxSize) {
+    return Missing(path, "more than " + std::to_string(maxSize >> 10U) + " KiB");
+  }
   return reading;
 }
 
 TReading THostFiles::ReadLine(const std::string& path) const {
   TReading file = Read(path);
   if (!file) return file;
-  std::string line = PrintableText(file.fText->substr(0, file.fText->find('\n')));
+  std::string line = PrintableText(file.fValue->substr(0, file.fValue->find('\n')));
   if (line.empty()) return Missing(path, "empty");
   return TReading::Of(std::move(line));
 }

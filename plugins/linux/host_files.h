@@ -3,6 +3,7 @@
 #ifndef QDXLINUX_HOST_FILES_H_
 #define QDXLINUX_HOST_FILES_H_
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -14,11 +15,14 @@ namespace NVORNQDX20 {
 /// The files below a root folder: this machine's, or those of a tree that stands in for a machine.
 ///
 /// Paths are absolute below the root, for example "/etc/os-release". Nothing blocks: only regular
-/// files are read, and of those at most 64 KiB. No symbolic link of a stand-in tree leads out of
-/// it. Where a file cannot be read, the reason names it: "/etc/os-release: No such file or
-/// directory".
+/// files are read, and none above a size. No symbolic link of a stand-in tree leads out of it.
+/// Where a file cannot be read, the reason names it: "/etc/os-release: No such file or directory".
 class THostFiles {
  public:
+  static constexpr std::size_t kMaxFileSize = 64U << 10U;
+  /// For the tables that grow with the machine: one of some thousand processors fits.
+  static constexpr std::size_t kMaxTableSize = 4U << 20U;
+
   /// Logs and throws kQDXStatusAccessDenied if permission is missing, and kQDXStatusFileNotFound if
   /// the folder cannot be opened for another cause.
   explicit THostFiles(const std::string& root);
@@ -27,7 +31,7 @@ class THostFiles {
   bool IsThisMachine() const { return fIsThisMachine; }
 
   /// The whole file as it stands.
-  TReading Read(const std::string& path) const;
+  TReading Read(const std::string& path, std::size_t maxSize = kMaxFileSize) const;
   /// The printable part of the first line; an empty one counts as missing.
   TReading ReadLine(const std::string& path) const;
   bool IsFolder(const std::string& path) const;

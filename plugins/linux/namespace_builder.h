@@ -29,14 +29,15 @@ struct TClassSpec {
 /// The value that an instance gets for a property; null stands beside the reason for it.
 struct TPropertyValue {
   TPropertyValue(const char* name, const TCIMValue& value) : fName(name), fValue(value) {}
-  /// Null if there is no text.
-  TPropertyValue(const char* name, const TReading& reading)
+  /// Null if there is no value.
+  template <typename T>
+  TPropertyValue(const char* name, const TReadingOf<T>& reading)
       : fName(name), fReason(reading.fReason) {
-    if (reading) fValue.Set(*reading.fText);
+    if (reading) fValue.Set(*reading.fValue);
   }
   /// A key cannot be null: where there is no text it is empty, and the reason is kept as well.
   static TPropertyValue Key(const char* name, const TReading& reading) {
-    TPropertyValue key(name, TCIMValue(reading.fText.value_or(std::string())));
+    TPropertyValue key(name, TCIMValue(reading.fValue.value_or(std::string())));
     key.fReason = reading.fReason;
     return key;
   }

@@ -15,7 +15,7 @@ constexpr std::uint16_t kLinux = 36;
 std::map<std::string, std::string> ReadOSRelease(const THostFiles& files) {
   for (const char* path : {"/etc/os-release", "/usr/lib/os-release"}) {
     const TReading file = files.Read(path);
-    if (file) return ParseOSRelease(*file.fText);
+    if (file) return ParseOSRelease(*file.fValue);
   }
   return {};
 }
@@ -34,8 +34,8 @@ TReading Choose(const std::map<std::string, std::string>& release, const char* v
 /// os-release looks the same.
 TPropertyValue OSType(const TReading& kernelName) {
   if (!kernelName) return {"OSType", kernelName};
-  if (*kernelName.fText == "Linux") return {"OSType", TCIMValue(kLinux)};
-  return {"OSType", TReading::Missing("the kernel is '" + *kernelName.fText + "', not Linux")};
+  if (*kernelName.fValue == "Linux") return {"OSType", TCIMValue(kLinux)};
+  return {"OSType", TReading::Missing("the kernel is '" + *kernelName.fValue + "', not Linux")};
 }
 
 TClassSpec OperatingSystemClass() {

@@ -12,13 +12,6 @@ namespace {
 constexpr std::string_view kBlanks = " \t\r";
 constexpr std::size_t kNowhere = std::string_view::npos;
 
-std::string_view TakeLine(std::string_view& text) {
-  const std::size_t end = text.find('\n');
-  const std::string_view line = text.substr(0, end);
-  text.remove_prefix(end == kNowhere ? text.size() : end + 1);
-  return line;
-}
-
 /// Whether the backslash at this place quotes the next character: not between single quotes, and
 /// between double quotes only before what has a meaning there.
 bool IsEscape(std::string_view word, std::size_t position, char openQuote) {

@@ -3,22 +3,27 @@
 #ifndef QDXLINUX_READING_H_
 #define QDXLINUX_READING_H_
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>
 
 namespace NVORNQDX20 {
 
-/// A text of the machine, or the reason why it cannot be had; never both.
-struct TReading {
-  static TReading Of(std::string text) { return {std::move(text), {}}; }
-  static TReading Missing(std::string reason) { return {std::nullopt, std::move(reason)}; }
+/// A value of the machine, or the reason why it cannot be had; never both.
+template <typename T>
+struct TReadingOf {
+  static TReadingOf Of(T value) { return {std::move(value), {}}; }
+  static TReadingOf Missing(std::string reason) { return {std::nullopt, std::move(reason)}; }
 
-  explicit operator bool() const { return fText.has_value(); }
+  explicit operator bool() const { return fValue.has_value(); }
 
-  std::optional<std::string> fText;
+  std::optional<T> fValue;
   std::string fReason;
 };
+
+using TReading = TReadingOf<std::string>;
+using TNumber = TReadingOf<std::uint64_t>;
 
 }  // namespace NVORNQDX20
 

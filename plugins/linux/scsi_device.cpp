@@ -21,16 +21,16 @@ TReading ReadDeviceType(const THostFiles& files, const std::string& folder) {
   TReading type = files.ReadLine(folder + "type");
   if (!type) return type;
   for (std::size_t number = 0; number < kDeviceTypes.size(); ++number) {
-    if (*type.fText == std::to_string(number)) return TReading::Of(kDeviceTypes[number]);
+    if (*type.fValue == std::to_string(number)) return TReading::Of(kDeviceTypes[number]);
   }
-  return TReading::Of("Device Type " + *type.fText);
+  return TReading::Of("Device Type " + *type.fValue);
 }
 
 /// An inquiry field of blanks is an answer, unlike a file that is missing: the device has no such
 /// text, and the value is empty.
 TReading ReadInquiryText(const THostFiles& files, const std::string& path) {
   TReading text = files.Read(path);
-  if (text) *text.fText = PrintableText(*text.fText);
+  if (text) *text.fValue = PrintableText(*text.fValue);
   return text;
 }
 

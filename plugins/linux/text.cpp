@@ -35,4 +35,11 @@ std::string PrintableText(std::string_view text) {
   return WithoutBlanksAround(printable);
 }
 
+std::string_view TakeLine(std::string_view& text) {
+  const std::size_t end = text.find('\n');
+  const std::string_view line = text.substr(0, end);
+  text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+  return line;
+}
+
 }  // namespace NVORNQDX20

@@ -13,6 +13,9 @@ namespace NVORNQDX20 {
 /// Unicode.
 std::string PrintableText(std::string_view text);
 
+/// The first line of the text, which begins behind it afterwards.
+std::string_view TakeLine(std::string_view& text);
+
 }  // namespace NVORNQDX20
 
 #endif  // QDXLINUX_TEXT_H_
