@@ -17,7 +17,8 @@ TClassSpec MissingClass() {
           {{"ClassName", TType::kCIMTypeString, true, "The class of the instance that lacks it."},
            {"Instance", TType::kCIMTypeString, true,
             "The key of that instance; empty where the class has only one."},
-           {"PropertyName", TType::kCIMTypeString, true, "The property that is null."},
+           {"PropertyName", TType::kCIMTypeString, true,
+            "The property that is null; empty where the class lacks its instances."},
            {"Reason", TType::kCIMTypeString, false, "What stood in the way."}}};
 }
 
@@ -28,8 +29,13 @@ TNamespaceBuilder::TNamespaceBuilder(const std::string& name)
       fKey(DeclareQualifier("Key", TCIMValue(false), kScopeProperty | kScopeReference,
                             kFlavorToSubclass)),
       fDescription(DeclareQualifier("Description", TCIMValue(TType::kCIMTypeString, 0), kScopeAny,
-                                    kFlavorOverridable | kFlavorToSubclass | kFlavorTranslatable)) {
-}
+                                    kFlavorOverridable | kFlavorToSubclass | kFlavorTranslatable)),
+      fUnit(DeclareQualifier("PUnit", TCIMValue(TType::kCIMTypeString, 0), kScopeProperty,
+                             kFlavorOverridable | kFlavorToSubclass)),
+      fAbstract(DeclareQualifier("Abstract", TCIMValue(false), kScopeClass | kScopeAssociation,
+                                 kFlavorOverridable)),
+      fAssociation(DeclareQualifier("Association", TCIMValue(false), kScopeAssociation,
+                                    kFlavorToSubclass)) {}
 
 boost::shared_ptr<ICIMQualifierDecl> TNamespaceBuilder::DeclareQualifier(
     const std::string& name, const TCIMValue& defaultValue, std::uint32_t scope,
@@ -41,23 +47,35 @@ boost::shared_ptr<ICIMQualifierDecl> TNamespaceBuilder::DeclareQualifier(
 }
 
 boost::shared_ptr<ICIMClass> TNamespaceBuilder::DeclareClass(const TClassSpec& spec) {
-  auto cimClass = fNamespace->CreateClass(spec.fName, nullptr, TOptionsMap());
+  const auto superclass = spec.fSuperclass != nullptr ? GetClass(spec.fSuperclass) : nullptr;
+  auto cimClass = fNamespace->CreateClass(spec.fName, superclass, TOptionsMap());
+  if (spec.fKind == TClassSpec::kAbstract) cimClass->AddQualifier(fAbstract, true)->Commit();
+  if (spec.fKind == TClassSpec::kAssociation) cimClass->AddQualifier(fAssociation, true)->Commit();
   cimClass->AddQualifier(fDescription, TCIMValue(spec.fDescription))->Commit();
   for (const TPropertySpec& property : spec.fProperties) DeclareProperty(*cimClass, property);
   cimClass->Commit(TOptionsMap());
   return cimClass;
 }
 
+TCIMValue TNamespaceBuilder::DefaultOf(const TPropertySpec& spec) const {
+  TCIMValue null(TType(spec.fType), 0);
+  if (spec.fReferencedClass != nullptr) null.SetReferencedClass(GetClass(spec.fReferencedClass));
+  return null;
+}
+
 void TNamespaceBuilder::DeclareProperty(ICIMClass& cimClass, const TPropertySpec& spec) {
-  auto property =
-      cimClass.CreatePropertyDecl(spec.fName, TCIMValue(TType(spec.fType), 0), TOptionsMap());
+  auto property = cimClass.CreatePropertyDecl(spec.fName, DefaultOf(spec), TOptionsMap());
   if (spec.fKey) property->AddQualifier(fKey, TCIMValue(true))->Commit();
   property->AddQualifier(fDescription, TCIMValue(spec.fDescription))->Commit();
+  if (spec.fUnit != nullptr) property->AddQualifier(fUnit, TCIMValue(spec.fUnit))->Commit();
   property->Commit();
 }
 
-void TNamespaceBuilder::AddInstance(ICIMClass& cimClass,
-                                    std::initializer_list<TPropertyValue> values,
+boost::shared_ptr<ICIMClass> TNamespaceBuilder::GetClass(const std::string& name) const {
+  return fNamespace->GetClass(name, TOptionsMap());
+}
+
+void TNamespaceBuilder::AddInstance(ICIMClass& cimClass, const std::vector<TPropertyValue>& values,
                                     const std::string& instance) {
   const std::string& className = cimClass.GetName(TOptionsMap());
   auto created = cimClass.CreateInstance(TOptionsMap());
@@ -69,10 +87,22 @@ void TNamespaceBuilder::AddInstance(ICIMClass& cimClass,
   created->Commit(TOptionsMap());
 }
 
+void TNamespaceBuilder::NoteNoInstances(const ICIMClass& cimClass, const std::string& reason) {
+  NoteMissing({cimClass.GetName(TOptionsMap()), "", "", reason});
+}
+
+TCIMValue TNamespaceBuilder::ReferenceTo(const std::string& className,
+                                         const std::vector<TPropertyValue>& keys) const {
+  TCIMReference reference(fNamespace, TOptionsMap());
+  reference.SetClass(GetClass(className));
+  for (const TPropertyValue& key : keys) reference.AddKeyValue(key.fName, key.fValue);
+  return TCIMValue(reference);
+}
+
 void TNamespaceBuilder::NoteMissing(const TMissingValue& missing) {
   LogMessage(ILogger::kLogWarning,
              {"linux: ", missing.fClass, missing.fInstance.empty() ? "" : " ", missing.fInstance,
-              ".", missing.fProperty, ": ", missing.fReason});
+              missing.fProperty.empty() ? "" : ".", missing.fProperty, ": ", missing.fReason});
   fMissing.push_back(missing);
 }
 

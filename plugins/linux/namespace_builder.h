@@ -5,7 +5,6 @@
 
 #include <qdxcore/interfaces.h>
 
-#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -18,12 +17,18 @@ struct TPropertySpec {
   TCIMValue::TCIMType::ECIMType fType;
   bool fKey;
   const char* fDescription;
+  const char* fUnit = nullptr;             ///< Of a number, as DMTF DSP0004 writes a PUnit.
+  const char* fReferencedClass = nullptr;  ///< Of a reference.
 };
 
 struct TClassSpec {
+  enum EKind { kConcrete, kAbstract, kAssociation };
+
   const char* fName;
   const char* fDescription;
   std::vector<TPropertySpec> fProperties;
+  EKind fKind = kConcrete;
+  const char* fSuperclass = nullptr;
 };
 
 /// The value that an instance gets for a property; null stands beside the reason for it.
@@ -53,10 +58,16 @@ class TNamespaceBuilder {
   explicit TNamespaceBuilder(const std::string& name);
 
   boost::shared_ptr<ICIMClass> DeclareClass(const TClassSpec& spec);
+  boost::shared_ptr<ICIMClass> GetClass(const std::string& name) const;
   /// Every value that comes with a reason is logged and noted. `instance` is the key that tells the
   /// instance from its like in such a note; it is empty for the only one of its class.
-  void AddInstance(ICIMClass& cimClass, std::initializer_list<TPropertyValue> values,
+  void AddInstance(ICIMClass& cimClass, const std::vector<TPropertyValue>& values,
                    const std::string& instance = std::string());
+  /// Logs and notes why the class has no instances.
+  void NoteNoInstances(const ICIMClass& cimClass, const std::string& reason);
+  /// A reference to the instance that the keys name, which need not be there.
+  TCIMValue ReferenceTo(const std::string& className,
+                        const std::vector<TPropertyValue>& keys) const;
   /// Adds the class of what is missing; the last call.
   boost::shared_ptr<ICIMNamespace> Finish();
 
@@ -72,11 +83,15 @@ class TNamespaceBuilder {
                                                         const TCIMValue& defaultValue,
                                                         std::uint32_t scope, std::uint32_t flavor);
   void DeclareProperty(ICIMClass& cimClass, const TPropertySpec& spec);
+  TCIMValue DefaultOf(const TPropertySpec& spec) const;
   void NoteMissing(const TMissingValue& missing);
 
   boost::shared_ptr<ICIMNamespace> fNamespace;
   boost::shared_ptr<ICIMQualifierDecl> fKey;
   boost::shared_ptr<ICIMQualifierDecl> fDescription;
+  boost::shared_ptr<ICIMQualifierDecl> fUnit;
+  boost::shared_ptr<ICIMQualifierDecl> fAbstract;
+  boost::shared_ptr<ICIMQualifierDecl> fAssociation;
   std::vector<TMissingValue> fMissing;
 };
 
