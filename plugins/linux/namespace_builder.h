@@ -31,7 +31,8 @@ struct TClassSpec {
   const char* fSuperclass = nullptr;
 };
 
-/// The value that an instance gets for a property; null stands beside the reason for it.
+/// The value that an instance gets for a property; null stands beside the reason for it. Never
+/// assigned: a TCIMValue takes no null of no type.
 struct TPropertyValue {
   TPropertyValue(const char* name, const TCIMValue& value) : fName(name), fValue(value) {}
   /// Null if there is no value.
@@ -47,7 +48,7 @@ struct TPropertyValue {
     return key;
   }
 
-  const char* fName;
+  const char* const fName;
   TCIMValue fValue;
   std::string fReason;
 };

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxcore/schema_helper.h>
 
+#include <algorithm>
+#include <iterator>
+
 #include "os_release.h"
+#include "system_load.h"
 #include "topics.h"
 
 namespace NVORNQDX20 {
@@ -39,28 +43,37 @@ TPropertyValue OSType(const TReading& kernelName) {
 }
 
 TClassSpec OperatingSystemClass() {
-  return {TCIMSchemaHelper::kOperatingSystemCreationClassName.c_str(),
-          "The operating system that runs on the machine.",
-          {{"CSCreationClassName", TType::kCIMTypeString, true, "The class of the machine."},
-           {"CSName", TType::kCIMTypeString, true, "The name of the machine."},
-           {"CreationClassName", TType::kCIMTypeString, true, "The name of this class."},
-           {"Name", TType::kCIMTypeString, true, "The distribution, else the kernel."},
-           {"Version", TType::kCIMTypeString, false,
-            "The version of the distribution, else the release of the kernel."},
-           {"OSType", TType::kCIMTypeUint16, false, "The kind of system; 36 is LINUX."}}};
+  TClassSpec spec{
+      TCIMSchemaHelper::kOperatingSystemCreationClassName.c_str(),
+      "The operating system that runs on the machine.",
+      {{"CSCreationClassName", TType::kCIMTypeString, true, "The class of the machine."},
+       {"CSName", TType::kCIMTypeString, true, "The name of the machine."},
+       {"CreationClassName", TType::kCIMTypeString, true, "The name of this class."},
+       {"Name", TType::kCIMTypeString, true, "The distribution, else the kernel."},
+       {"Version", TType::kCIMTypeString, false,
+        "The version of the distribution, else the release of the kernel."},
+       {"KernelRelease", TType::kCIMTypeString, false, "The release of the kernel."},
+       {"OSType", TType::kCIMTypeUint16, false, "The kind of system; 36 is LINUX."}}};
+  const std::vector<TPropertySpec> load = SystemLoadProperties();
+  std::copy(load.begin(), load.end(), std::back_inserter(spec.fProperties));
+  return spec;
 }
 
 }  // namespace
 
 void AddOperatingSystem(TNamespaceBuilder& builder, const THost& host) {
   const auto release = ReadOSRelease(host.fFiles);
-  builder.AddInstance(*builder.DeclareClass(OperatingSystemClass()),
-                      {{"CSCreationClassName", TCIMSchemaHelper::kSystemCreationClassName},
-                       TPropertyValue::Key("CSName", host.fName),
-                       {"CreationClassName", TCIMSchemaHelper::kOperatingSystemCreationClassName},
-                       TPropertyValue::Key("Name", Choose(release, "NAME", host.fKernelName)),
-                       {"Version", Choose(release, "VERSION_ID", host.fKernelRelease)},
-                       OSType(host.fKernelName)});
+  std::vector<TPropertyValue> values = {
+      {"CSCreationClassName", TCIMSchemaHelper::kSystemCreationClassName},
+      TPropertyValue::Key("CSName", host.fName),
+      {"CreationClassName", TCIMSchemaHelper::kOperatingSystemCreationClassName},
+      TPropertyValue::Key("Name", Choose(release, "NAME", host.fKernelName)),
+      {"Version", Choose(release, "VERSION_ID", host.fKernelRelease)},
+      {"KernelRelease", host.fKernelRelease},
+      OSType(host.fKernelName)};
+  const std::vector<TPropertyValue> load = ReadSystemLoad(host.fFiles);
+  std::copy(load.begin(), load.end(), std::back_inserter(values));
+  builder.AddInstance(*builder.DeclareClass(OperatingSystemClass()), values);
 }
 
 }  // namespace NVORNQDX20
