@@ -13,7 +13,8 @@
 namespace NVORNQDX20 {
 namespace {
 
-TTopic* const kTopics[] = {AddComputerSystem, AddOperatingSystem, AddQDXProduct, AddSCSIDevices};
+TTopic* const kTopics[] = {AddComputerSystem, AddOperatingSystem, AddQDXProduct,
+                           AddSCSIDevices,    AddLogicalDevices,  AddProcessors};
 
 std::string RootOf(const TOptionsMap& options) {
   const auto root = options.find("root");

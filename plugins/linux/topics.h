@@ -16,6 +16,8 @@ TTopic AddComputerSystem;
 TTopic AddOperatingSystem;
 TTopic AddQDXProduct;
 TTopic AddSCSIDevices;
+TTopic AddLogicalDevices;  // before those below, which are some
+TTopic AddProcessors;
 
 }  // namespace NVORNQDX20
 
