@@ -13,8 +13,8 @@
 namespace NVORNQDX20 {
 namespace {
 
-TTopic* const kTopics[] = {AddComputerSystem, AddOperatingSystem, AddQDXProduct,
-                           AddSCSIDevices,    AddLogicalDevices,  AddProcessors};
+TTopic* const kTopics[] = {AddComputerSystem, AddOperatingSystem, AddQDXProduct, AddSCSIDevices,
+                           AddLogicalDevices, AddProcessors,      AddDiskDrives};
 
 std::string RootOf(const TOptionsMap& options) {
   const auto root = options.find("root");

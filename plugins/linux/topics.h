@@ -18,6 +18,7 @@ TTopic AddQDXProduct;
 TTopic AddSCSIDevices;
 TTopic AddLogicalDevices;  // before those below, which are some
 TTopic AddProcessors;
+TTopic AddDiskDrives;
 
 }  // namespace NVORNQDX20
 
