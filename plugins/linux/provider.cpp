@@ -14,7 +14,7 @@ namespace NVORNQDX20 {
 namespace {
 
 TTopic* const kTopics[] = {AddComputerSystem, AddOperatingSystem, AddQDXProduct, AddSCSIDevices,
-                           AddLogicalDevices, AddProcessors,      AddDiskDrives};
+                           AddLogicalDevices, AddProcessors,      AddDiskDrives, AddEthernetPorts};
 
 std::string RootOf(const TOptionsMap& options) {
   const auto root = options.find("root");

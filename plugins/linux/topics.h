@@ -19,6 +19,7 @@ TTopic AddSCSIDevices;
 TTopic AddLogicalDevices;  // before those below, which are some
 TTopic AddProcessors;
 TTopic AddDiskDrives;
+TTopic AddEthernetPorts;
 
 }  // namespace NVORNQDX20
 
