@@ -13,8 +13,9 @@
 namespace NVORNQDX20 {
 namespace {
 
-TTopic* const kTopics[] = {AddComputerSystem, AddOperatingSystem, AddQDXProduct, AddSCSIDevices,
-                           AddLogicalDevices, AddProcessors,      AddDiskDrives, AddEthernetPorts};
+TTopic* const kTopics[] = {AddComputerSystem, AddOperatingSystem, AddQDXProduct,
+                           AddSCSIDevices,    AddLogicalDevices,  AddProcessors,
+                           AddDiskDrives,     AddEthernetPorts,   AddPCIDevices};
 
 std::string RootOf(const TOptionsMap& options) {
   const auto root = options.find("root");

@@ -20,6 +20,7 @@ TTopic AddLogicalDevices;  // before those below, which are some
 TTopic AddProcessors;
 TTopic AddDiskDrives;
 TTopic AddEthernetPorts;
+TTopic AddPCIDevices;
 
 }  // namespace NVORNQDX20
 
