@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <linux/openat2.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <sys/syscall.h>
 
 #include "text.h"
@@ -79,6 +80,15 @@ bool IsRootFolder(int folder) {
          given.st_ino == root.st_ino;
 }
 
+/// Whether a file system is mounted there, unless the kernel is too old to tell.
+bool MayBeMountPoint(int file) {
+  struct statx status {};
+  const int flags = AT_EMPTY_PATH | AT_STATX_DONT_SYNC;
+  if (::statx(file, "", flags, 0, &status) != 0) return true;
+  return (status.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) == 0 ||
+         (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+}
+
 TDescriptor OpenRoot(const std::string& root) {
   TDescriptor folder(::open(root.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
   if (!folder) {
@@ -137,6 +147,20 @@ std::vector<std::string> THostFiles::List(const std::string& path) const {
   }
   std::sort(names.begin(), names.end());
   return names;
+}
+
+TReadingOf<TSpace> THostFiles::ReadSpace(const std::string& path) const {
+  using TResult = TReadingOf<TSpace>;
+  if (!fIsThisMachine) return TResult::Missing("not asked: not mounted on this machine");
+  const TDescriptor place = Open(path, O_PATH);
+  if (!place) return TResult::Missing(path + ": " + ErrorText(place.GetError()));
+  if (!MayBeMountPoint(place.Get())) return TResult::Missing("hidden below another mount");
+  struct statvfs status {};
+  if (::fstatvfs(place.Get(), &status) != 0) {
+    return TResult::Missing(path + ": " + ErrorText(errno));
+  }
+  return TResult::Of({status.f_blocks * status.f_frsize, status.f_bavail * status.f_frsize,
+                      status.f_files, status.f_ffree});
 }
 
 }  // namespace NVORNQDX20

@@ -4,6 +4,7 @@
 #define QDXLINUX_HOST_FILES_H_
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,14 @@
 #include "reading.h"
 
 namespace NVORNQDX20 {
+
+/// How much a file system holds; sizes in bytes.
+struct TSpace {
+  std::uint64_t fSize;
+  std::uint64_t fAvailable;  ///< To users other than root.
+  std::uint64_t fInodes;
+  std::uint64_t fFreeInodes;
+};
 
 /// The files below a root folder: this machine's, or those of a tree that stands in for a machine.
 ///
@@ -37,6 +46,10 @@ class THostFiles {
   bool IsFolder(const std::string& path) const;
   /// The names in a folder, sorted, without those that begin with a dot; none if it cannot be read.
   std::vector<std::string> List(const std::string& path) const;
+
+  /// Of the file system that is mounted there on this machine. The one call that the caller must
+  /// not make where it could wait: on the way to a network's file system, for example.
+  TReadingOf<TSpace> ReadSpace(const std::string& path) const;
 
  private:
   TDescriptor Open(const std::string& path, int flags) const;

@@ -13,9 +13,9 @@
 namespace NVORNQDX20 {
 namespace {
 
-TTopic* const kTopics[] = {AddComputerSystem, AddOperatingSystem, AddQDXProduct,
-                           AddSCSIDevices,    AddLogicalDevices,  AddProcessors,
-                           AddDiskDrives,     AddEthernetPorts,   AddPCIDevices};
+TTopic* const kTopics[] = {AddComputerSystem, AddOperatingSystem, AddQDXProduct, AddSCSIDevices,
+                           AddLogicalDevices, AddProcessors,      AddDiskDrives, AddEthernetPorts,
+                           AddPCIDevices,     AddFileSystems};
 
 std::string RootOf(const TOptionsMap& options) {
   const auto root = options.find("root");

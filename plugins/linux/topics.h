@@ -16,6 +16,7 @@ TTopic AddComputerSystem;
 TTopic AddOperatingSystem;
 TTopic AddQDXProduct;
 TTopic AddSCSIDevices;
+TTopic AddFileSystems;
 TTopic AddLogicalDevices;  // before those below, which are some
 TTopic AddProcessors;
 TTopic AddDiskDrives;
