@@ -1,0 +1,250 @@
+// SPDX-License-Identifier: Apache-2.0
+// What tells a sick server from a healthy one, on a made-up server and on this machine.
+#include "linux/machine.h"
+
+#include <algorithm>
+#include <array>
+#include <iostream>
+#include <sstream>
+
+#include <sched.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+namespace NVORNQDX20 {
+namespace {
+
+namespace fs = std::filesystem;
+using TTexts = std::map<std::string, std::string>;
+
+/// All values, each behind its instance and property: "eth0Speed", and "Version" of the one OS.
+TTexts ValuesOf(const ICIMNamespace& ns) {
+  TTexts values;
+  for (const std::string name :
+       {"OperatingSystem", "FileSystem", "Processor", "DiskDrive", "EthernetPort", "PCIDevice"}) {
+    for (const auto& instance : InstancesOf(ns, "VORNSG_" + name)) {
+      const char* const key = name == "FileSystem" ? "Name" : "DeviceID";
+      const std::string owner = name == "OperatingSystem" ? "" : TextOf(*instance, key);
+      const auto add = [&](const boost::shared_ptr<ICIMProperty>& property) {
+        const std::string& declared = property->GetDecl()->GetName();
+        values[owner + declared] = TextOf(*instance, declared);
+        return true;
+      };
+      instance->EnumerateProperties(add, {});
+    }
+  }
+  return values;
+}
+
+/// Lines of an owner, ": ", and texts of the form "name=text" with "; " between them.
+TTexts ParseTexts(const std::string& lines, const std::string& afterOwner) {
+  TTexts texts;
+  std::istringstream stream(lines);
+  for (std::string line; std::getline(stream, line);) {
+    const std::size_t colon = line.find(": ");
+    for (std::size_t at = colon; at < line.size(); at = line.find("; ", at + 1)) {
+      const std::size_t equals = line.find('=', at);
+      texts[line.substr(0, colon) + afterOwner + line.substr(at + 2, equals - at - 2)] =
+          line.substr(equals + 1, line.find("; ", equals) - equals - 1);
+    }
+  }
+  return texts;
+}
+
+std::string Processor(int number, int socket) {
+  const std::string line = "processor\t: " + std::to_string(number) + "\n";
+  return line + "vendor_id\t: GenuineIntel\nmodel name\t: Xeon 8\nstepping\t: 7\n" +
+         "microcode\t: 0x5003\ncpu MHz\t\t: 2100.500\nphysical id\t: " + std::to_string(socket) +
+         "\ncpu cores\t: 2\nflags\t\t: " + std::string(1500, 'f') + "\n\n";
+}
+
+/// The files of a server whose values are all there, by their folders.
+const char* const kServer = R"(
+sys/block/sda: device/model=PM893  ; device/state=running; size=937703088; removable=0; ro=1
+sys/block/sda: queue/rotational=0
+sys/block/cciss!c0d0: device/model=RAID; device/serial=N7; device/state=offline; size=2
+sys/block/cciss!c0d0: queue/rotational=1; removable=0; ro=0
+sys/block/nvme0c0n1: device/model=a second path; hidden=1
+sys/block/loop0: size=8
+sys/class/net/eth0: type=1; address=52:54:00:12:ab:ef; addr_assign_type=0; operstate=up; mtu=9000
+sys/class/net/eth0: speed=25000; duplex=full; carrier_changes=7
+sys/class/net/eth0/statistics: rx_errors=18446744073709551615; rx_dropped=2; rx_bytes=4
+sys/class/net/eth0/statistics: rx_packets=6; tx_errors=1; tx_dropped=3; tx_bytes=5; tx_packets=8
+sys/class/net/lo: type=772
+sys/bus/pci/devices/0000:3b:00.0: vendor=0x8086; device=0x0572; class=0x020100; revision=0x02
+sys/bus/pci/devices/0000:3b:00.0: subsystem_vendor=0x15d9; subsystem_device=0x1; uevent=DRIVER=i40e
+sys/devices/system/cpu: offline=; cpu0/cpufreq/cpuinfo_max_freq=3900000
+sys/devices/system/cpu: cpu1/cpufreq/cpuinfo_max_freq=3900000
+sys/class/dmi/id: sys_vendor=V; product_name=P; product_serial=S
+proc: stat=btime 1079361000; loadavg=0.50 12.25 3.00 2/149 28102; 1/stat=1; 77/stat=77; mounts=
+proc/sys/kernel: tainted=512; ostype=Linux; osrelease=6.1.0; hostname=srv1
+)";
+
+/// What it is like. What stands before the colon is the instance.
+const char* const kValues = R"(
+: TotalVisibleMemorySize=64; FreePhysicalMemory=16; AvailablePhysicalMemory=48; KernelTaint=512
+: SizeStoredInPagingFiles=32; FreeSpaceInPagingFiles=0; NumberOfProcesses=2; OfflineProcessors=
+: LoadAverage1=0.5; LoadAverage5=12.25; LoadAverage15=3; KernelRelease=6.1.0
+: LastBootUpTime=20040315143000.000000+000
+CPU0: Name=Xeon 8; Manufacturer=GenuineIntel; Stepping=7; Microcode=0x5003
+CPU0: MaxClockSpeed=3900; CurrentClockSpeed=2100; NumberOfEnabledCores=2
+CPU0: NumberOfLogicalProcessors=2
+CPU1: NumberOfLogicalProcessors=1
+/dev/sda: SystemName=srv1; Name=sda; Model=PM893; SerialNumber=S1234; State=running
+/dev/sda: MaxMediaSize=480103981; Removable=false; Rotational=false; ReadOnly=true
+/dev/cciss/c0d0: SerialNumber=N7; State=offline; MaxMediaSize=1; Rotational=true
+eth0: PermanentAddress=52540012ABEF; CurrentAddress=52540012ABEF; LinkState=up
+eth0: Speed=25000000000; FullDuplex=true; ActiveMaximumTransmissionUnit=9000
+eth0: ReceiveErrors=18446744073709551615; ReceiveDrops=2; BytesReceived=4
+eth0: PacketsReceived=6; TransmitErrors=1; TransmitDrops=3; BytesTransmitted=5
+eth0: PacketsTransmitted=8; CarrierChanges=7
+0000:3b:00.0: Name=8086:0572; VendorID=32902; PCIDeviceID=1394; SubsystemID=1; Driver=i40e
+0000:3b:00.0: SubsystemVendorID=5593; RevisionID=2; ClassCode=2; SubclassCode=1
+)";
+
+class LinuxServer : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    for (const auto& [file, text] : ParseTexts(kServer, "/")) fMachine.Write(file, text + "\n");
+    fMachine.Write("proc/cpuinfo", Processor(0, 0) + Processor(1, 1) + Processor(2, 0));
+    fMachine.Write("proc/meminfo",
+                   "MemTotal:   64 kB\nMemFree:  16 kB\nMemAvailable: 48 kB\n"
+                   "SwapTotal: 32 kB\nSwapFree: 0 kB\n");
+    fMachine.Write("sys/block/sda/device/vpd_pg80", {"\0\x80\0\5S1234", 9});
+  }
+  TTexts Values() const { return ValuesOf(*fMachine.Namespace()); }
+
+  const TMachine fMachine;
+};
+
+TEST_F(LinuxServer, IsDescribed) {
+  EXPECT_EQ(fMachine.Reasons(), TTexts());
+  TTexts values = Values();
+  for (const auto& [name, value] : ParseTexts(kValues, "")) EXPECT_EQ(values[name], value) << name;
+}
+
+TEST_F(LinuxServer, IsTiedToItsDevices) {
+  const auto ns = fMachine.Namespace();
+  std::vector<boost::shared_ptr<ICIMInstance>> devices;
+  ns->GetClass("VORNSG_LogicalDevice", {})
+      ->EnumerateInstances(TAddToVectorCallback(devices), true, {});
+  const auto ties = InstancesOf(*ns, "VORNSG_SystemDevice");
+  ASSERT_EQ(devices.size(), 6U);  // neither loop0 nor lo nor the second path
+  ASSERT_EQ(ties.size(), devices.size());
+  for (const auto& tie : ties) {
+    const auto end = [&tie](const char* name) {
+      const TCIMReference reference = tie->GetProperty(name, {})->GetValue();
+      return boost::dynamic_pointer_cast<ICIMInstance>(reference.GetCIMElement());
+    };
+    EXPECT_EQ(std::count(devices.begin(), devices.end(), end("PartComponent")), 1);
+    EXPECT_EQ(end("GroupComponent"), InstancesOf(*ns, "VORNSG_ComputerSystem").at(0));
+  }
+}
+
+TEST_F(LinuxServer, HasNullsForWhatItsFilesDoNotTell) {
+  const std::string eth = "sys/class/net/eth0/";
+  const std::string pci = "sys/bus/pci/devices/0000:3b:00.0/";
+  const std::string cpu = "processor: 0\nphysical id: 0\n";
+  // File, its text, what is null, why.
+  const std::vector<std::array<std::string, 4>> rows = {
+      {"proc/meminfo", "MemTotal: 64 MB", "TotalVisibleMemorySize", "not in kB"},
+      {"proc/meminfo", "MemTotal: -64 kB", "TotalVisibleMemorySize", "'-64' is no valid number"},
+      {"proc/meminfo", "MemTotal: 18446744073709551616 kB", "TotalVisibleMemorySize", "no valid"},
+      {"proc/meminfo", std::string(70000, 'x'), "FreePhysicalMemory", "more than 64 KiB"},
+      {"proc/stat", "btime 253402300800", "LastBootUpTime", "no valid date"},
+      {"proc/stat", "cpu 1 2", "LastBootUpTime", "no 'btime'"},
+      {"proc/loadavg", "nan inf 1", "LoadAverage1", "not three numbers"},
+      {"proc/loadavg", "0.5 -1.0 2", "LoadAverage5", "not three numbers"},
+      {"proc/cpuinfo", cpu + "cpu cores: 65536", "CPU0NumberOfEnabledCores", "range"},
+      {"proc/cpuinfo", cpu + "cpu MHz: ", "CPU0CurrentClockSpeed", "no 'cpu MHz'"},
+      {"sys/block/sda/removable", "1", "/dev/sdaMaxMediaSize", "on the medium"},
+      {"sys/block/sda/size", "36893488147419103", "/dev/sdaMaxMediaSize", "range"},
+      {"sys/block/sda/ro", "2", "/dev/sdaReadOnly", "neither 0 nor 1"},
+      {"sys/block/sda/device/vpd_pg80", "abc", "/dev/sdaSerialNumber", "empty"},
+      {eth + "addr_assign_type", "3", "eth0PermanentAddress", "was assigned"},
+      {eth + "address", "00:11", "eth0CurrentAddress", "no Ethernet address"},
+      {eth + "speed", "-1", "eth0Speed", "not known to the driver"},
+      {eth + "duplex", "unknown", "eth0FullDuplex", "not known to the driver"},
+      {pci + "vendor", "0x18086", "0000:3b:00.0Name", "98438 is out of range"},
+      {pci + "class", "0xzz", "0000:3b:00.0ClassCode", "'0xzz' is no valid number"},
+      {pci + "uevent", "PCI_ID=8086:1572", "0000:3b:00.0Driver", "no driver is bound"}};
+  for (const auto& [file, text, name, reason] : rows) {
+    SetUp();
+    fMachine.Write(file, text);
+    EXPECT_EQ(Values()[name], "(null)") << name;
+    const std::string told = fMachine.Reasons()[name];
+    EXPECT_NE(told.find(reason), std::string::npos) << name << ": " << told;
+  }
+}
+
+TEST_F(LinuxServer, MayBeHugeOrHaveNoProcessorsAtAll) {
+  std::string table;
+  for (int i = 0; i < 1024; ++i) table += Processor(i, i / 512);
+  fMachine.Write("proc/cpuinfo", table);
+  EXPECT_EQ(Values()["CPU1NumberOfLogicalProcessors"], "512");
+  fMachine.Write("proc/cpuinfo", table + table + table);
+  EXPECT_TRUE(InstancesOf(*fMachine.Namespace(), "VORNSG_Processor").empty());
+  EXPECT_EQ(fMachine.Reasons()[""], "/proc/cpuinfo: more than 4096 KiB");
+}
+
+TEST_F(LinuxServer, HasFileSystems) {
+  fMachine.Write(
+      "proc/mounts",
+      "sysfs /sys sysfs rw 0 0\n/dev/sda1 / ext4 rw,errors=remount-ro 0 0\n"
+      "srv:/x /mnt/my\\040nfs nfs4 ro,hard 0 0\n/dev/sdb /mnt/my\\040nfs/deep xfs rw 0 0\n"
+      "/dev/sdc /mnt/my\\040nfs2 xfs rw,ro 0 0\nshort line\n"
+      "tmpfs /tmp tmpfs rw 0 0\nnone /tmp fuse.x rw 0 0\n");
+  const std::string elsewhere = "not asked: not mounted on this machine";
+  const std::string mayHang = "not asked: may hang";
+  // Mount point, type, whether read-only, why its space is not known.
+  const std::vector<std::array<std::string, 4>> rows = {
+      {"/", "ext4", "false", elsewhere},
+      {"/mnt/my nfs", "nfs4", "true", mayHang},
+      {"/mnt/my nfs/deep", "xfs", "false", mayHang},
+      {"/mnt/my nfs2", "xfs", "true", elsewhere},
+      {"/tmp", "fuse.x", "false", mayHang}};
+  const TTexts values = Values();
+  TTexts reasons = fMachine.Reasons();
+  for (const auto& [place, type, readOnly, reason] : rows) {
+    EXPECT_EQ(values.at(place + "FileSystemType"), type);
+    EXPECT_EQ(values.at(place + "ReadOnly"), readOnly) << place;
+    EXPECT_EQ(reasons[place + "AvailableSpace"], reason) << place;
+  }
+  EXPECT_EQ(InstancesOf(*fMachine.Namespace(), "VORNSG_FileSystem").size(), rows.size());
+
+  fs::remove(fMachine.Root() / "proc/mounts");
+  fMachine.Write("etc/fstab", "# root\nUUID=1 / btrfs\tdefaults 0 0\nUUID=2 none swap sw 0 0\n");
+  EXPECT_EQ(Values().at("/Device"), "UUID=1");
+}
+
+/// Mounts a file system of 64 KiB on a folder, and one on that folder's parent, which hides it.
+void DescribeOwnMounts(const fs::path& parent) {
+  const fs::path hidden = parent / "hidden";
+  fs::create_directory(hidden);
+  const auto mount = [](const fs::path& place) {
+    return ::mount("none", place.c_str(), "tmpfs", 0, "size=64k") == 0;
+  };
+  if (!mount(hidden) || !mount(parent)) ::_exit(9);
+  fs::create_directory(hidden);
+  TTexts values = ValuesOf(*Describe({}));
+  for (const fs::path& place : {parent, hidden}) {
+    std::cerr << values[place.string() + "FileSystemSize"];
+  }
+  ::_exit(0);
+}
+
+TEST(LinuxThisMachine, KnowsTheSpaceOfWhatIsMountedAndNotHidden) {
+  const TTempDir folder;
+  const auto inOwnNamespace = [&folder] {
+    if (::unshare(CLONE_NEWNS) != 0) ::_exit(9);
+    ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr);
+    DescribeOwnMounts(folder.Path());
+  };
+  if (::geteuid() != 0) GTEST_SKIP() << "only root can mount";
+  EXPECT_EXIT(inOwnNamespace(), ::testing::ExitedWithCode(0), "^65536\\(null\\)$");
+}
+
+}  // namespace
+}  // namespace NVORNQDX20
