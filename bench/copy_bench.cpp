@@ -74,6 +74,12 @@ void PrepareHeap(std::int64_t count) {
   benchmark::DoNotOptimize(pages.data());
 }
 
+/// As the C library has them, for the benchmarks that follow.
+void RestoreHeap() {
+  mallopt(M_TRIM_THRESHOLD, 128 * 1024);
+  mallopt(M_MMAP_MAX, 65536);
+}
+
 /// Times `fill`, which fills a target from a source; making and freeing them is not timed.
 template <typename TMakeTarget, typename TFill>
 void MeasureFilling(benchmark::State& state, TMakeTarget&& makeTarget, TFill&& fill) {
@@ -86,6 +92,7 @@ void MeasureFilling(benchmark::State& state, TMakeTarget&& makeTarget, TFill&& f
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
     state.SetIterationTime(taken.count());
   }
+  RestoreHeap();
   state.counters["per_instance"] = benchmark::Counter(
       static_cast<double>(state.range(0)),
       benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);

@@ -24,17 +24,19 @@
 /// Nothing is logged, and nothing undone: whatever a namespace or a value throws ends the copy, and
 /// what was committed until then stays in the target. Only kQDXStatusNotFound from the new class's
 /// GetPropertyDecl, and any TQDXException from a source property's GetQualifier("OVERRIDE"), are
-/// answers. A null reference, for example for a class that the target does not have, ends in the
-/// assertion handler of <qdxcore/status.h>; a target that throws for it instead ends the copy with
-/// what it throws.
+/// answers; another status of that GetPropertyDecl passes in a plain TQDXException. A null
+/// reference, for example for a class that the target does not have, ends in the assertion handler
+/// of <qdxcore/status.h>; a target that throws for it instead ends the copy with what it throws.
 ///
 ///   TCIMCopy::CopyClasses(machine, collected);  // the collected namespace was empty
 class QDXCORE_EXPORT TCIMCopy {
  public:
   /// Copies a whole namespace: the qualifier declarations; the classes that are no associations,
   /// each after its superclass and followed by its instances; then the associations in the same
-  /// way. So a reference of an association finds the classes it needs, while a reference elsewhere
-  /// finds only what was copied before it, and no property can refer to its own class.
+  /// way. So a reference of an association finds every class that is no association, and the
+  /// associations copied before it; a reference elsewhere finds only what was copied before it. A
+  /// property can refer to its own class only if the target shows classes before they are
+  /// committed.
   ///
   /// Instances are left out where the class is abstract or has the qualifier "PLUGINNAME".
   static void CopyClasses(boost::shared_ptr<NVORNQDX20::ICIMNamespace> source,

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// What the copier finds in the target.
-#ifndef SRC_COPY_TARGET_H_
-#define SRC_COPY_TARGET_H_
+#ifndef QDXCORE_COPY_TARGET_H_
+#define QDXCORE_COPY_TARGET_H_
 
 #include <qdxcore/interfaces.h>
 
@@ -13,7 +13,8 @@ namespace NVORNQDX20::NCopy {
 /// it would be stored, and a class would silently become a root, a reference one to no class.
 template <typename T>
 boost::shared_ptr<T> Required(boost::shared_ptr<T> object) {
-  static_cast<void>(*object);
+  // It is read, too: an assertion handler that returns counts on the fault that follows.
+  static_cast<void>(*reinterpret_cast<const volatile char*>(object.operator->()));
   return object;
 }
 
@@ -25,4 +26,4 @@ inline boost::shared_ptr<ICIMClass> TargetClass(const boost::shared_ptr<ICIMClas
 
 }  // namespace NVORNQDX20::NCopy
 
-#endif  // SRC_COPY_TARGET_H_
+#endif  // QDXCORE_COPY_TARGET_H_

@@ -111,6 +111,7 @@ TEST(Copy, EndsWhereANamespaceFails) {
       {false, "ICIMClass::GetSuperclass", 1, kQDXStatusOK, "new kQDXStatusFail"},
       {false, "ICIMClass::EnumerateInstances", 1, kQDXStatusNotFound, "kQDXStatusNotFound"},
       {false, "ICIMPropertyDecl::GetQualifier", 1, kQDXStatusAccessDenied, "done"},
+      {false, "ICIMPropertyDecl::GetQualifier", 1, kQDXStatusOK, "done, and B has a Level"},
   };
   for (const auto& row : rows) {
     const auto faults = boost::make_shared<TFaults>(), none = boost::make_shared<TFaults>();
@@ -126,6 +127,10 @@ TEST(Copy, EndsWhereANamespaceFails) {
     } catch (const TQDXException& e) {
       outcome = std::string("new ") + e.what();
     }
+    const auto level = [&](const char* name) {
+      return target->GetClass(name, {})->GetPropertyDecl("Level", {});
+    };
+    if (outcome == "done" && level("T_A") != level("T_B")) outcome += ", and B has a Level";
     EXPECT_EQ(outcome, row.fOutcome) << row.fOperation << row.fCall;
     EXPECT_NE(target->GetQualifierDecl("Mark", {}), nullptr);  // what was committed stays
   }
@@ -187,6 +192,7 @@ TEST(Copy, LeavesOutInstancesOfPluginsAndRepeatsInheritedOverriding) {
 TEST(Copy, BindsReferencesToTheTarget) {
   const TNamespace source = MakeSource(), target = MakeCopy();
   for (const char* path : {"T_Leaf", R"(T_Leaf.Id="7")", R"(T_Link.From="T_Leaf.Id="7"")",
+                           R"(T_Link.From="T_Leaf.Id="7"",To="T_Base.Id="7"")",
                            R"(T_Meta.Of="T_Link.From="T_Leaf.Id="7""")"}) {
     const TCIMValue copy = TCIMCopy::CopyValue(Path(source, path), target);
     EXPECT_EQ(copy, Path(target, path)) << path;  // classes compare by identity, in keys as well
@@ -212,8 +218,15 @@ TEST(Copy, CannotReferToAClassThatTheTargetLacks) {
   self->Commit({});
   EXPECT_QDX_STATUS(TCIMCopy::CopyClasses(source, target), kQDXStatusNotFound);
   EXPECT_QDX_STATUS(target->GetClass("T_Self", {}), kQDXStatusNotFound);
+  const TCIMValue toNoClass(TCIMType::kCIMTypeReference, 0);
+  EXPECT_QDX_STATUS(TCIMCopy::CopyValue(toNoClass, target), kQDXStatusFail);
   const auto faults = boost::make_shared<TFaults>();
   faults->AnswerNull("ICIMNamespace::GetClass");
+  const auto trap = [&] {
+    ::setenv("QDX_BOOST_ASSERT", "trap", 1);
+    TCIMCopy::CopyValue(toSelf, MakeFaultyNamespace(target, faults));
+  };
+  EXPECT_DEATH(trap(), "Forcing segmentation fault");
   const TLogCapture log;
   EXPECT_QDX_STATUS(TCIMCopy::CopyValue(toSelf, MakeFaultyNamespace(target, faults)),
                     kQDXStatusFail);

@@ -129,7 +129,11 @@ struct TWrapper : public TInterface {
   /// The callback that wraps each element for the caller's.
   template <typename T>
   TEnumerationCallback<T> Wrap(TVisit<T> visit) const {
-    return [this, &visit](const TPtr<T>& real) { return visit(faulty::Wrap(fContext, real)); };
+    return [this, &visit](const TPtr<T>& real) {
+      const bool goesOn = visit(faulty::Wrap(fContext, real));
+      if (!goesOn) fContext->fFaults->Strikes("ICIMEnumeration::End", "()");
+      return goesOn;
+    };
   }
   /// What `forward` answers, wrapped if it is an element, unless this call is to fail.
   template <typename TResult, typename TForward>
