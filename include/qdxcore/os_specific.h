@@ -164,7 +164,8 @@ class QDXCORE_EXPORT TOSSpecific {
 
   // FTP transfers, anonymous, with two servers that are a setting of the build. "libcurl.so" is
   // loaded for each one; the link of that name beside this library leads to the file that the host
-  // has. Nothing else in the process may use that library meanwhile. No time limit is set.
+  // has. Nothing else in the process may use that library meanwhile. No time limit is set: a server
+  // that stops sending or receiving in the middle of a file holds the caller for ever.
   //
   // Failures are logged. kQDXStatusConnectionFailed stands for a server that is not known or does
   // not answer, kQDXStatusLibCurlFailure for any other trouble with the transfer or the library.
@@ -184,11 +185,13 @@ class QDXCORE_EXPORT TOSSpecific {
   using TRemovableMedia = std::vector<std::pair<std::string, std::string>>;
 
   /// The USB storage among the instances of VORNSG_SCSIDevice in the namespace, and the first
-  /// floppy that can be mounted, which stays mounted.
+  /// floppy that can be mounted, which stays mounted. Creates /mnt/floppy for it; if anything is
+  /// mounted there already, that is listed as /dev/floppy.
   ///
   /// A direct access device counts as USB storage if the first word of its ProductID occurs in
   /// /proc/bus/usb/devices, so one without any always does. Throws what CaptureFile throws for that
-  /// file, which current kernels do not have, what the namespace throws, and what MapSG2SD throws.
+  /// file, which current kernels do not have, what the namespace throws, what MapSG2SD throws, and
+  /// kQDXStatusValueIsNULL if a device lacks a value that is needed: one device ends the list.
   static TRemovableMedia EnumerateRemovableMedia(boost::shared_ptr<ICIMNamespace> ns);
   /// Mounts the device, or its first partition, and returns the mount point: "/mnt/floppy" for
   /// /dev/floppy, /dev/fd0 and /dev/fd1, else "/mnt/key". It must exist; if anything is mounted

@@ -4,6 +4,7 @@
 
 #include "support/expect_status.h"
 #include "support/log_capture.h"
+#include "support/temp_dir.h"
 
 #include <cstdarg>
 #include <cstring>
@@ -71,7 +72,10 @@ void ExpectError(bool isUpload, const std::string& file, EQDXStatusCode status,
 
 TEST(FTPTransfer, TellsTheLibraryWhatToDo) {
   const auto before = TOS::ListDir("/proc/self/fd").size();
-  TOS::FTPFileFromVORN("/dev/null", "b/c");
+  const TTempDir folder;
+  const std::string file = folder.Write("file", "longer than what comes");
+  TOS::FTPFileFromVORN(file, "b/c");
+  EXPECT_EQ(ReadWholeFile(file), "data");
   TOS::FTPFile("/dev/null", "a");
   EXPECT_EQ(gOptions[46], reinterpret_cast<void*>(1));
   EXPECT_EQ(TOS::ListDir("/proc/self/fd").size(), before);
@@ -105,19 +109,22 @@ TEST(FTPTransfer, SaysWhyItFails) {
     gResult = result;
     if (downloadText != nullptr) ExpectError(false, "/dev/null", status, downloadText);
     if (uploadText != nullptr) ExpectError(true, "/dev/null", status, uploadText);
+    EXPECT_EQ(gCalls.find("cleanup"), std::string::npos);
   }
   gResult = 0;
   for (const char* target : {"/none/x", "/dev/full"}) {
     ExpectError(false, target, library, "performing ftp get command: why");
   }
+  std::pair<std::string, std::FILE*> unwritable("/none/x", nullptr);
+  EXPECT_EQ(curl_fwrite("x", 1, 1, &unwritable), 4294967295U);
   EXPECT_EQ(curl_fwrite("x", 1, 1, nullptr), 4294967295U);
   ExpectError(true, "/none", kQDXStatusFileSystemError, "getting file size");
   EXPECT_EQ(gCalls, "");
   for (const bool isUpload : {false, true}) {
     gLibrary = "/none";
-    ExpectError(isUpload, "/dev/null", library, "opening curl library");
+    ExpectError(isUpload, "/none", library, "opening curl library");
     gLibrary = "libm.so.6";
-    ExpectError(isUpload, "/dev/null", library, "loading curl library");
+    ExpectError(isUpload, "/none", library, "loading curl library");
   }
 }
 

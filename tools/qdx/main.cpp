@@ -45,7 +45,7 @@ EExitCode GuardedMain(const std::vector<std::string>& words) {
 int main(int argc, char** argv) {
   using namespace NVORNQDX20;
   OccupyStandardDescriptors();
-  // A reader that goes away, and a file that grows too large, is a failed write, not a death.
+  // A reader that goes away, or the limit of a file's size, is a failed write, not a death.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
   return GuardedMain({argv + (argc > 0 ? 1 : 0), argv + argc});

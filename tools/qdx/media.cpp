@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxcore/os_specific.h>
 
+#include <algorithm>
 #include <cctype>
+#include <optional>
 
 #include <nlohmann/json.hpp>
 
@@ -16,7 +18,8 @@ namespace {
 using TJSON = nlohmann::ordered_json;
 using TMedia = TOSSpecific::TRemovableMedia;
 
-const char* const kUSBDeviceList = "/proc/bus/usb/devices";
+constexpr const char* kUSBDeviceList = "/proc/bus/usb/devices";
+constexpr const char* kSCSIDevice = "VORNSG_SCSIDevice";
 
 /// Whoever mounts what is listed does so in a shell command: a name from a provider that is more
 /// than a path to a device must not get there.
@@ -43,9 +46,42 @@ bool RefuseOddDevices(TMedia& media) {
   return refused;
 }
 
-EExitCode FailToList(const TFailure& failure) {
-  PrintError(FailureLine("listing removable media", kUSBDeviceList, failure));
+EExitCode FailToList(const std::string& on, const TFailure& failure) {
+  PrintError(FailureLine("listing removable media", on, failure));
   return kExitNothingCollected;
+}
+
+/// The first value that the device lacks of those that the core asks a disk for.
+std::optional<std::string> FindMissingValue(const ICIMInstance& device) {
+  std::string asked;
+  const auto read = [&](const char* property) {
+    asked = property;
+    return std::string(device.GetProperty(property, TOptionsMap())->GetValue());
+  };
+  const auto failure = Try([&] {
+    if (read("DeviceType") != "Direct Access Device") return;
+    for (const char* property : {"ProductID", "DeviceID", "VendorID"}) (void)read(property);
+  });
+  return failure ? std::optional(asked) : std::nullopt;
+}
+
+/// What made the core give up the whole list, as far as that can be told afterwards.
+std::string FindCulprit(ICIMNamespace& ns, const TFailure& failure) {
+  std::string culprit = std::string(kSCSIDevice) + " of " + kMachineNamespace;
+  if (failure.fStatus != kQDXStatusValueIsNULL) return culprit;
+  (void)Try([&] {
+    std::vector<boost::shared_ptr<ICIMInstance>> devices;
+    ns.GetClass(kSCSIDevice, TOptionsMap())
+        ->EnumerateInstances(TAddToVectorCallback(devices), false, TOptionsMap());
+    for (const auto& device : devices) {
+      const auto property = FindMissingValue(*device);
+      if (!property) continue;
+      culprit = *property + " of " + kSCSIDevice;
+      culprit += " " + std::string(device->GetProperty("DeviceID", TOptionsMap())->GetValue());
+      return;
+    }
+  });
+  return culprit;
 }
 
 void Write(const TMedia& media, bool asJSON) {
@@ -61,17 +97,14 @@ void Write(const TMedia& media, bool asJSON) {
 EExitCode RunMedia(const TArguments& arguments) {
   bool failed = AnyFailed(LoadProviderLibraries());
   const auto ns = FindMachineNamespace(TOptionsMap(), failed);
-  if (!ns) {
-    PrintError(FailureLine("listing removable media", kMachineNamespace,
-                           {kQDXStatusNotFound, "no provider has it"}));
-    return kExitNothingCollected;
-  }
+  if (!ns) return FailToList(kMachineNamespace, {kQDXStatusNotFound, "no provider has it"});
   if (!TOSSpecific::FileExists(kUSBDeviceList)) {
-    return FailToList({kQDXStatusFileNotFound, "this kernel has no list of its USB devices"});
+    return FailToList(kUSBDeviceList,
+                      {kQDXStatusFileNotFound, "this kernel has no list of its USB devices"});
   }
   TMedia media;
   const auto failure = Try([&] { media = TOSSpecific::EnumerateRemovableMedia(ns); });
-  if (failure) return FailToList(*failure);
+  if (failure) return FailToList(FindCulprit(*ns, *failure), *failure);
   failed = RefuseOddDevices(media) || failed;
   Write(media, arguments.Has("json"));
   return failed ? kExitPartlyDone : kExitDone;
@@ -84,8 +117,9 @@ TVerb MediaVerb() {
           "Lists removable media that results can be written to; mounts a floppy.",
           "USB storage is what the providers' list of SCSI devices and the kernel's\n"
           "/proc/bus/usb/devices have in common; current kernels have no such file, and then\n"
-          "nothing is listed. A floppy is found by mounting it at /mnt/floppy, where it stays\n"
-          "mounted. Needs root.\n",
+          "nothing is listed. A floppy is found by mounting it at /mnt/floppy, which is created\n"
+          "and where it stays mounted; whatever is mounted there already is listed as\n"
+          "/dev/floppy. Needs root.\n",
           {{"json", nullptr, "Print one JSON object."}},
           RunMedia};
 }

@@ -29,7 +29,7 @@ extern "C" void RemoveAndEnd(int signal) {
 
 /// A signal that is ignored, as under nohup, stays ignored.
 void RemoveOnSignals() {
-  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+  for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGALRM, SIGUSR1, SIGUSR2, SIGXCPU}) {
     struct sigaction action = {};
     ::sigaction(signal, nullptr, &action);
     if (action.sa_handler == SIG_IGN) continue;
@@ -44,14 +44,14 @@ void RemoveOnSignals() {
   throw TCommandFailure(kExitBadInput, FailureLine("writing", shownAs, failure));
 }
 
-/// The new name in the folder must outlast a loss of power like the contents do.
-bool SyncFolderOf(const std::string& path) {
+/// The new name in the folder should outlast a loss of power like the contents do. Where it cannot
+/// be had, in a folder that may be written but not read for example, the file is in place anyway.
+void SyncFolderOf(const std::string& path) {
   const std::string folder = std::filesystem::absolute(path).parent_path().string();
   const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (descriptor < 0) return false;
-  const bool synced = ::fsync(descriptor) == 0 || errno == EINVAL;  // some file systems cannot
+  if (descriptor < 0) return;
+  ::fsync(descriptor);
   ::close(descriptor);
-  return synced;
 }
 
 }  // namespace
@@ -74,10 +74,10 @@ TNewFile::~TNewFile() {
 }
 
 void TNewFile::Publish(const std::string& path) {
-  if (::fsync(fDescriptor) != 0 || std::rename(fPath.c_str(), path.c_str()) != 0 ||
-      !SyncFolderOf(path)) {
+  if (::fsync(fDescriptor) != 0 || std::rename(fPath.c_str(), path.c_str()) != 0) {
     FailToWrite(path, errno);
   }
+  SyncFolderOf(path);
 }
 
 }  // namespace NVORNQDX20

@@ -8,9 +8,9 @@
 namespace NVORNQDX20 {
 
 /// Stands under a name of its own beside the final one, readable by its owner alone, until
-/// Publish() renames it. Whatever ends the command before that removes it: an exception, or one of
-/// the signals SIGHUP, SIGINT and SIGTERM; only what cannot be caught leaves it behind. One at a
-/// time.
+/// Publish() renames it. Whatever ends the command before that removes it: an exception, or a
+/// signal that asks it to end, from a terminal, another process or a limit. SIGKILL, a crash and
+/// the exotic ones leave it behind. One at a time.
 class TNewFile {
  public:
   /// Makes the empty file in the folder, with a name that ends in `suffix`. Throws a
@@ -24,7 +24,7 @@ class TNewFile {
   const std::string& GetPath() const { return fPath; }
 
   /// Brings the contents to the disk, then puts the file in the place of `path`, in the same
-  /// folder. Throws a TCommandFailure if that cannot be done.
+  /// folder. Throws a TCommandFailure, and leaves `path` as it was, if that cannot be done.
   void Publish(const std::string& path);
 
  private:

@@ -82,7 +82,8 @@ std::string FirstWord(const std::string& text) {
   return text.substr(0, text.find_first_of(" \n\r\t"));
 }
 
-/// Whether a path is "/dev/sg" and something: a SCSI device as such, which cannot be mounted.
+/// Whether a path is like "/dev/sg0": a SCSI device as such, which cannot be mounted. Only the two
+/// letters behind the folder are looked at, and a bare "/dev/sg" is none.
 bool IsGenericDevice(const std::string& path) {
   return path.size() > 6 && path.compare(5, 2, "sg") == 0;
 }
@@ -114,7 +115,8 @@ bool IsFloppy(const std::string& device) {
   return std::find(kFloppyDevices.begin(), kFloppyDevices.end(), device) != kFloppyDevices.end();
 }
 
-/// The first floppy that can be mounted; it stays so.
+/// The first floppy that can be mounted; it stays so. Whatever is mounted in its place already
+/// passes for the first one.
 void AppendFloppy(TOSSpecific::TRemovableMedia& media) {
   (void)Try([] { TOSSpecific::CreateDir(kFloppyMountPoint); });  // most often it exists
   const auto found = std::find_if(
