@@ -57,7 +57,7 @@ TClassSpec FileSystemClass() {
 void AddFileSystems(TNamespaceBuilder& builder, const THost& host) {
   const auto fileSystem = builder.DeclareClass(FileSystemClass());
   const TReading table = ReadTable(host.fFiles);
-  if (!table) builder.NoteNoInstances(*fileSystem, table.fReason);
+  if (!table) builder.NoteMissingInstances(*fileSystem, table.fReason);
   for (const auto& [name, mount] : ParseMounts(table.fValue.value_or(std::string()))) {
     const TReadingOf<TSpace> space = ReadSpace(host.fFiles, mount);
     builder.AddInstance(*fileSystem,

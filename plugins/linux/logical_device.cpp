@@ -68,7 +68,7 @@ void AddDevice(TNamespaceBuilder& builder, const THost& host, ICIMClass& deviceC
                                             {"DeviceID", deviceID}};
   std::vector<TPropertyValue> all = keys;
   std::copy(values.begin(), values.end(), std::back_inserter(all));
-  builder.AddInstance(deviceClass, all, deviceID);
+  if (!builder.AddInstance(deviceClass, all, deviceID)) return;
   builder.AddInstance(*builder.GetClass(kSystemDeviceClassName),
                       {{"GroupComponent", builder.ReferenceTo(systemClassName, systemKeys)},
                        {"PartComponent", builder.ReferenceTo(className, keys)}});
@@ -76,7 +76,8 @@ void AddDevice(TNamespaceBuilder& builder, const THost& host, ICIMClass& deviceC
 
 std::vector<std::string> ListDevices(TNamespaceBuilder& builder, const THostFiles& files,
                                      const ICIMClass& deviceClass, const std::string& folder) {
-  if (!files.IsFolder(folder)) builder.NoteNoInstances(deviceClass, folder + ": no such folder");
+  if (!files.IsFolder(folder))
+    builder.NoteMissingInstances(deviceClass, folder + ": no such folder");
   std::vector<std::string> names = files.List(folder);
   // The kernel gives no other names, and a key must be printable.
   names.erase(std::remove_if(names.begin(), names.end(),

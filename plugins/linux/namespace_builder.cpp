@@ -11,6 +11,9 @@ using TType = TCIMValue::TCIMType;
 
 const char* const kMissingClassName = "VORNSG_UnavailableValue";
 
+/// Far above what a machine has, and far below what a file of the size that is read can list.
+constexpr std::size_t kMaxInstances = 4096;
+
 TClassSpec MissingClass() {
   return {kMissingClassName,
           "A value that this machine does not have, or does not tell, and why.",
@@ -18,7 +21,7 @@ TClassSpec MissingClass() {
            {"Instance", TType::kCIMTypeString, true,
             "The key of that instance; empty where the class has only one."},
            {"PropertyName", TType::kCIMTypeString, true,
-            "The property that is null; empty where the class lacks its instances."},
+            "The property that is null; empty where the class lacks instances."},
            {"Reason", TType::kCIMTypeString, false, "What stood in the way."}}};
 }
 
@@ -75,8 +78,21 @@ boost::shared_ptr<ICIMClass> TNamespaceBuilder::GetClass(const std::string& name
   return fNamespace->GetClass(name, TOptionsMap());
 }
 
-void TNamespaceBuilder::AddInstance(ICIMClass& cimClass, const std::vector<TPropertyValue>& values,
+bool TNamespaceBuilder::AddInstance(ICIMClass& cimClass, const std::vector<TPropertyValue>& values,
                                     const std::string& instance) {
+  const std::size_t count = ++fCounts[cimClass.GetName(TOptionsMap())];
+  if (count == kMaxInstances + 1) {
+    NoteMissingInstances(
+        cimClass, "more than " + std::to_string(kMaxInstances) + ": the others are left out");
+  }
+  if (count > kMaxInstances) return false;
+  CreateInstance(cimClass, values, instance);
+  return true;
+}
+
+void TNamespaceBuilder::CreateInstance(ICIMClass& cimClass,
+                                       const std::vector<TPropertyValue>& values,
+                                       const std::string& instance) {
   const std::string& className = cimClass.GetName(TOptionsMap());
   auto created = cimClass.CreateInstance(TOptionsMap());
   for (const TPropertyValue& value : values) {
@@ -87,7 +103,7 @@ void TNamespaceBuilder::AddInstance(ICIMClass& cimClass, const std::vector<TProp
   created->Commit(TOptionsMap());
 }
 
-void TNamespaceBuilder::NoteNoInstances(const ICIMClass& cimClass, const std::string& reason) {
+void TNamespaceBuilder::NoteMissingInstances(const ICIMClass& cimClass, const std::string& reason) {
   NoteMissing({cimClass.GetName(TOptionsMap()), "", "", reason});
 }
 
@@ -109,10 +125,12 @@ void TNamespaceBuilder::NoteMissing(const TMissingValue& missing) {
 boost::shared_ptr<ICIMNamespace> TNamespaceBuilder::Finish() {
   const auto missingClass = DeclareClass(MissingClass());
   for (const TMissingValue& missing : fMissing) {
-    AddInstance(*missingClass, {{"ClassName", missing.fClass},
-                                {"Instance", missing.fInstance},
-                                {"PropertyName", missing.fProperty},
-                                {"Reason", missing.fReason}});
+    CreateInstance(*missingClass,
+                   {{"ClassName", missing.fClass},
+                    {"Instance", missing.fInstance},
+                    {"PropertyName", missing.fProperty},
+                    {"Reason", missing.fReason}},
+                   "");
   }
   return fNamespace;
 }

@@ -5,6 +5,8 @@
 
 #include <qdxcore/interfaces.h>
 
+#include <cstddef>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -61,11 +63,12 @@ class TNamespaceBuilder {
   boost::shared_ptr<ICIMClass> DeclareClass(const TClassSpec& spec);
   boost::shared_ptr<ICIMClass> GetClass(const std::string& name) const;
   /// Every value that comes with a reason is logged and noted. `instance` is the key that tells the
-  /// instance from its like in such a note; it is empty for the only one of its class.
-  void AddInstance(ICIMClass& cimClass, const std::vector<TPropertyValue>& values,
+  /// instance from its like in such a note; it is empty for the only one of its class. False if the
+  /// class has so many already that the machine's files cannot be true; that is noted as well.
+  bool AddInstance(ICIMClass& cimClass, const std::vector<TPropertyValue>& values,
                    const std::string& instance = std::string());
-  /// Logs and notes why the class has no instances.
-  void NoteNoInstances(const ICIMClass& cimClass, const std::string& reason);
+  /// Logs and notes why the class lacks instances.
+  void NoteMissingInstances(const ICIMClass& cimClass, const std::string& reason);
   /// A reference to the instance that the keys name, which need not be there.
   TCIMValue ReferenceTo(const std::string& className,
                         const std::vector<TPropertyValue>& keys) const;
@@ -85,6 +88,8 @@ class TNamespaceBuilder {
                                                         std::uint32_t scope, std::uint32_t flavor);
   void DeclareProperty(ICIMClass& cimClass, const TPropertySpec& spec);
   TCIMValue DefaultOf(const TPropertySpec& spec) const;
+  void CreateInstance(ICIMClass& cimClass, const std::vector<TPropertyValue>& values,
+                      const std::string& instance);
   void NoteMissing(const TMissingValue& missing);
 
   boost::shared_ptr<ICIMNamespace> fNamespace;
@@ -93,6 +98,7 @@ class TNamespaceBuilder {
   boost::shared_ptr<ICIMQualifierDecl> fUnit;
   boost::shared_ptr<ICIMQualifierDecl> fAbstract;
   boost::shared_ptr<ICIMQualifierDecl> fAssociation;
+  std::map<std::string, std::size_t> fCounts;  // of the instances of each class
   std::vector<TMissingValue> fMissing;
 };
 

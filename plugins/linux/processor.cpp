@@ -76,7 +76,7 @@ void AddProcessors(TNamespaceBuilder& builder, const THost& host) {
   const auto processor = DeclareDeviceClass(
       builder, "VORNSG_Processor", "A processor: what sits in one socket.", ProcessorProperties());
   const TReading file = host.fFiles.Read(kPath, THostFiles::kMaxTableSize);
-  if (!file) builder.NoteNoInstances(*processor, file.fReason);
+  if (!file) builder.NoteMissingInstances(*processor, file.fReason);
   for (const auto& [id, socket] : ParseSockets(file.fValue.value_or(std::string()))) {
     const TFields& fields = socket.fFields;
     const TNumber cores = fields.GetNumber("cpu cores");
