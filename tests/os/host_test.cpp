@@ -3,7 +3,6 @@
 
 #include "support/expect_status.h"
 
-#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
@@ -19,10 +18,7 @@ const char* gHostName = "";
 
 /// Stands before the C library's function, for the library under test too.
 extern "C" QDXCORE_EXPORT int gethostname(char* name, std::size_t size) noexcept {
-  if (std::strlen(gHostName) >= size) {
-    errno = ENAMETOOLONG;
-    return -1;
-  }
+  if (std::strlen(gHostName) >= size) return -1;
   std::strcpy(name, gHostName);
   return 0;
 }
@@ -32,12 +28,9 @@ namespace {
 
 /// What the local clock shows, as a date-time's text begins.
 std::string ShownNow() {
-  timespec now{};
-  ::clock_gettime(CLOCK_REALTIME, &now);
-  std::tm local{};
-  ::localtime_r(&now.tv_sec, &local);
+  const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
   char text[16];
-  std::strftime(text, sizeof text, "%Y%m%d%H%M%S", &local);
+  std::strftime(text, sizeof text, "%Y%m%d%H%M%S", std::localtime(&now));
   return text;
 }
 

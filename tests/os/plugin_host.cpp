@@ -32,7 +32,7 @@ std::vector<std::string> Do(const std::string& what, const std::string& name) {
     return {consumer ? consumer->GetName({}) : "null", isGlobal ? "visible to all" : "local"};
   }
   if (what == "load") return {TOSSpecific::LoadPluginLibrary(name) ? "loaded" : "null"};
-  return {"unknown request"};
+  throw TQDXException(kQDXStatusNotSupported);
 }
 
 }  // namespace

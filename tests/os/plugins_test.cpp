@@ -5,6 +5,8 @@
 #include "support/run_program.h"
 #include "support/temp_dir.h"
 
+#include <array>
+
 #include <gtest/gtest.h>
 
 namespace NVORNQDX20 {
@@ -83,7 +85,7 @@ TEST_F(PluginRoot, LoadsGenericPluginsByPath) {
   fs::copy_file(TEST_PROVIDER, fRoot / "any.pi.so");
   EXPECT_EQ(Ask("load " + (fRoot / "any.pi.so").string()), "loaded\n");
   EXPECT_EQ(Ask("load any.pi.so", fRoot, fRoot), "loaded\n");
-  for (const char* path : {"libm.so.6", "''", TEST_UNRESOLVED}) {
+  for (const char* path : {"libm.so.6", "''"}) {
     EXPECT_EQ(Ask(std::string("load ") + path).find("kQDXStatusFileSystemError\n"), 0U) << path;
   }
   EXPECT_EQ(AskForFailure("load /none.pi.so"),
@@ -109,16 +111,14 @@ TEST_F(PluginSearch, AsksForTheBareName) {
 }
 
 TEST(SpecificationPath, IsBuiltFromThePluginPath) {
-  const struct {
-    const char *fPath, *fKind, *fSpecification;
-  } rows[] = {
+  const std::array<const char*, 3> rows[] = {
       {"/opt/t/plugins/x/libdisk.pi.so", "pi", "/opt/t/plugins/x/disk.properties.xml"},
       {"/opt/t/x/libdisk.cmpi.so", "cmpi", "/opt/t/x/libdisk.properties.xml"},
       {"/usr/lib/x/libdisk.pi.so", "pi", "/usr//x/libdisk.properties.xml"},
       {"libx.pi.so.pi.so", "pi", "x.properties.xml"},
   };
-  for (const auto& row : rows) {
-    EXPECT_EQ(TOSSpecific::BuildSpecificationPath(row.fPath, row.fKind), row.fSpecification);
+  for (const auto& [path, kind, specification] : rows) {
+    EXPECT_EQ(TOSSpecific::BuildSpecificationPath(path, kind), specification);
   }
   EXPECT_EQ(TOSSpecific::BuildSpecificationPath("liba.pi.so"), "a.properties.xml");
   for (const char* bad : {"libx.so", "disk.pi.so", "disk.pi.so.lib"}) {
