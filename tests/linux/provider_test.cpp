@@ -42,11 +42,6 @@ TEST(LinuxProvider, DescribesThisMachine) {
 }
 
 TEST(LinuxProvider, RefusesWhatItDoesNotHave) {
-  const TMachine machine;
-  machine.Write("file", "");
-  const std::string root = machine.Root().string();
-  EXPECT_QDX_STATUS(Describe({{"root", root + "/none"}}), kQDXStatusFileNotFound);
-  EXPECT_QDX_STATUS(Describe({{"root", root + "/file"}}), kQDXStatusFileNotFound);
   EXPECT_QDX_STATUS(Describe({{"root", 7}}), kQDXStatusTypeMismatch);
   const auto provider = TRootObject::GetNamespaceProviderManager()->GetNamespaceProvider("linux");
   EXPECT_QDX_STATUS(provider->GetNamespace("root/other", {}), kQDXStatusNotFound);

@@ -126,14 +126,12 @@ TEST_F(LinuxFiles, NoLinkLeadsOutOfTheTree) {
   }
 }
 
-TEST_F(LinuxFiles, OnlyRegularFilesOfReasonableSizeAreRead) {
-  const std::string path = "/sys/class/dmi/id/product_serial: ";
-  fMachine.WriteDMI("product_serial", std::string(64 * 1024, 'A'));
-  EXPECT_EQ(fMachine.Reasons()["SerialNumber"], path + "more than 64 KiB");
+TEST_F(LinuxFiles, OnlyRegularFilesAreRead) {
   fs::remove(fSerial);
   ASSERT_EQ(::mkfifo(fSerial.c_str(), 0600), 0);
   ::alarm(30);  // opening it could wait for ever
-  EXPECT_EQ(fMachine.Reasons()["SerialNumber"], path + "not a regular file");
+  EXPECT_EQ(fMachine.Reasons()["SerialNumber"],
+            "/sys/class/dmi/id/product_serial: not a regular file");
   ::alarm(0);
 }
 
