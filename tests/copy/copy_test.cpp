@@ -106,7 +106,6 @@ TEST(Copy, EndsWhereANamespaceFails) {
       {true, "ICIMNamespace::GetQualifierDecl", 1, kQDXStatusOK, "new kQDXStatusFail"},
       {true, "ICIMClass::GetPropertyDecl", 1, kQDXStatusNotSupported, "new kQDXStatusNotSupported"},
       {true, "ICIMNamespace::GetClass", 1, kQDXStatusOK, "new kQDXStatusFail"},  // an instance's
-      {true, "ICIMNamespace::GetClass", 2, kQDXStatusOK, "new kQDXStatusFail"},  // the superclass
       {true, "ICIMInstance::Commit", 1, kQDXStatusAlreadyExists, "kQDXStatusAlreadyExists"},
       {false, "ICIMClass::GetSuperclass", 1, kQDXStatusOK, "new kQDXStatusFail"},
       {false, "ICIMClass::EnumerateInstances", 1, kQDXStatusNotFound, "kQDXStatusNotFound"},
@@ -179,8 +178,10 @@ INSTANTIATE_TEST_SUITE_P(Copy, ProvidedNamespace, ::testing::Values(&MakeCopy));
 TEST(Copy, LeavesOutInstancesOfPluginsAndRepeatsInheritedOverriding) {
   const auto faults = boost::make_shared<TFaults>();
   const TNamespace target = MakeRepositoryNamespace("target");
+  int asked = 0;
+  faults->Watch([&](const std::string& c) { asked += c == "ICIMClass::EnumerateInstances(0)"; });
   TCIMCopy::CopyClasses(MakeFaultyNamespace(MakeSource(), faults), target);
-  EXPECT_EQ(faults->Calls("ICIMClass::EnumerateInstances"), 5);  // not of T_Plugin, T_Meta
+  EXPECT_EQ(asked, 5);  // not of T_Plugin, T_Meta
   const auto declared = [&](const char* name, const char* property) {
     return target->GetClass(name, {})->GetPropertyDecl(property, {});
   };

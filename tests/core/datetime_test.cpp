@@ -7,6 +7,7 @@
 #include <ctime>
 #include <filesystem>
 #include <random>
+#include <tuple>
 #include <utility>
 
 #include <gtest/gtest.h>
@@ -109,39 +110,35 @@ TEST(CIMDateTimeText, ThatIsBadIsRefusedAndChangesNothing) {
 /// from any, against mktime() itself.
 TEST(CIMDateTime, IsTakenAndOrderedAsMktimeHasIt) {
   if (!std::filesystem::exists("/usr/share/zoneinfo/right")) GTEST_SKIP() << "needs tzdata";
-  const struct {
-    const char* fZone;
-    std::time_t fCentre;
-    int fSecondsAround;
-    bool fRefusesSome;
-  } rows[] = {{"UTC", -1, 30, true},
-              {"ABC-14", -1, 30, true},
-              {"ABC+24:59:59", -1, 30, true},
-              // What was learnt of one zone, or of a year, must not serve for the next.
-              {"UTC", 1525446000, 1000000, false},
-              {"Asia/Pyongyang", 1525446000, 1000000, true},
-              {"America/Caracas", 1815980400, 10000, false},
-              {"America/Caracas", 1462086000, 10000, true},     // standard time skips half an hour
-              {"Pacific/Kwajalein", 745934400, 1000000, true},  // and a day
-              {"America/New_York", 1331449200, 1000000, false},
-              {"right/UTC", 1483228826, 100, false},
-              {"Asia/Kolkata", 0, 2000000000, false}};
+  // Zone, centre, seconds around it, whether some are refused.
+  const std::tuple<const char*, std::time_t, int, bool> rows[] = {
+      {"UTC", -1, 30, true},
+      {"ABC-14", -1, 30, true},
+      {"ABC+24:59:59", -1, 30, true},
+      // What was learnt of one zone, or of a year, must not serve for the next.
+      {"UTC", 1525446000, 1000000, false},
+      {"Asia/Pyongyang", 1525446000, 1000000, true},
+      {"America/Caracas", 1815980400, 10000, false},
+      {"America/Caracas", 1462086000, 10000, true},     // standard time skips half an hour
+      {"Pacific/Kwajalein", 745934400, 1000000, true},  // and a day
+      {"America/New_York", 1331449200, 1000000, false},
+      {"right/UTC", 1483228826, 100, false},
+      {"Asia/Kolkata", 0, 2000000000, false}};
   std::mt19937 random(1);
   const auto number = [&random](int from, int to) {
     return std::uniform_int_distribution<int>(from, to)(random);
   };
-  for (const auto& row : rows) {
-    SetZone(row.fZone);
+  for (const auto& [zone, middle, around, refusesSome] : rows) {
+    SetZone(zone);
     std::tm fields{};
-    ::localtime_r(&row.fCentre, &fields);
-    const std::time_t centre = row.fCentre + fields.tm_gmtoff;
+    ::localtime_r(&middle, &fields);
+    const std::time_t centre = middle + fields.tm_gmtoff;
     bool refused = false;
     TCIMDateTime last;
     std::time_t lastInstant = 0;
     for (int i = 0; i < 3000; ++i) {
       const int offset = number(-2, 2) * 30;
-      const std::time_t shown =
-          centre + number(-row.fSecondsAround, row.fSecondsAround) + offset * 60;
+      const std::time_t shown = centre + number(-around, around) + offset * 60;
       ::gmtime_r(&shown, &fields);
       if (i % 3 == 0 && fields.tm_min > 0) {  // a minute's worth of seconds that carry over
         --fields.tm_min;
@@ -152,17 +149,17 @@ TEST(CIMDateTime, IsTakenAndOrderedAsMktimeHasIt) {
       fields.tm_min -= offset;
       const std::time_t instant = std::mktime(&fields);
       ASSERT_EQ(status, instant == -1 ? "kQDXStatusInvalidDateTime" : "nothing")
-          << row.fZone << " " << shown << " " << offset;
+          << zone << " " << shown << " " << offset;
       refused = refused || instant == -1;
       if (instant == -1) continue;
       if (!last.IsNull()) {
-        ASSERT_EQ(last == point, lastInstant == instant) << row.fZone << " " << shown;
-        ASSERT_EQ(last < point, lastInstant < instant) << row.fZone << " " << shown;
+        ASSERT_EQ(last == point, lastInstant == instant) << zone << " " << shown;
+        ASSERT_EQ(last < point, lastInstant < instant) << zone << " " << shown;
       }
       last = point;
       lastInstant = instant;
     }
-    EXPECT_EQ(refused, row.fRefusesSome) << row.fZone;
+    EXPECT_EQ(refused, refusesSome) << zone;
   }
 }
 
@@ -180,14 +177,6 @@ TEST(CIMDateTimeComparison, HonoursOffsetsAndFractions) {
   EXPECT_TRUE(TCIMDateTime(0, 0, 0, 1, 5) < TCIMDateTime(0, 0, 0, 1, 6));
   EXPECT_QDX_STATUS(points[0] == TCIMDateTime(1, 0, 0, 0, 0), kQDXStatusInvalidDateTime);
   EXPECT_QDX_STATUS(TCIMDateTime(1, 0, 0, 0, 0) < points[0], kQDXStatusInvalidDateTime);
-}
-
-TEST(CIMDateTimeComparison, NoticesThatTheZoneHasChanged) {
-  SetZone("ABC-1");
-  const TCIMDateTime point = Parse("19691231235959.000000+000");
-  EXPECT_TRUE(point == point);
-  SetZone("UTC");
-  EXPECT_QDX_STATUS(Parse("20000101000000.000000+000") < point, kQDXStatusInvalidDateTime);
 }
 
 struct TSum {

@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
-// What becomes of the texts that firmware and system files hold.
+// What becomes of the texts that firmware and system files hold, and of files that are not right.
 #include "linux/machine.h"
 
 #include <array>
 #include <utility>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
 namespace NVORNQDX20 {
 namespace {
 
+namespace fs = std::filesystem;
 using TRows = std::vector<std::pair<std::string, std::string>>;
 
 TEST(LinuxDMI, TakesPlaceholdersForMissing) {
@@ -90,6 +94,55 @@ TEST(LinuxHostName, IsTheKernelsElseTheConfiguredOne) {
     machine.Write("proc/sys/kernel/hostname", kernel);
     EXPECT_EQ(machine.System("Name"), name);
   }
+}
+
+/// Files that are not what they should be.
+class LinuxFiles : public ::testing::Test {
+ protected:
+  LinuxFiles() { fMachine.WriteDMI("product_serial", "1234567"); }
+  /// Puts a symbolic link in the place of os-release.
+  void Link(const std::string& target) const {
+    const fs::path link = fMachine.Root() / "etc/os-release";
+    fs::create_directories(link.parent_path());
+    fs::remove(link);
+    fs::create_symlink(target, link);
+  }
+
+  const TMachine fMachine;
+  const TTempDir fFolder;
+  const std::string fOutside = fFolder.Write("os-release", "NAME=outside");
+  const fs::path fSerial = fMachine.Root() / "sys/class/dmi/id/product_serial";
+};
+
+TEST_F(LinuxFiles, NoLinkLeadsOutOfTheTree) {
+  fMachine.Write("share/release", "NAME=inside");
+  for (const auto& target : {fOutside, "../../../../../../../.." + fOutside}) {
+    Link(target);
+    EXPECT_EQ(fMachine.OS("Name"), "") << target;
+  }
+  for (const char* target : {"/share/release", "../../../share/release"}) {
+    Link(target);
+    EXPECT_EQ(fMachine.OS("Name"), "inside") << target;
+  }
+}
+
+TEST_F(LinuxFiles, OnlyRegularFilesAreRead) {
+  fs::remove(fSerial);
+  ASSERT_EQ(::mkfifo(fSerial.c_str(), 0600), 0);
+  ::alarm(30);  // opening it could wait for ever
+  EXPECT_EQ(fMachine.Reasons()["SerialNumber"],
+            "/sys/class/dmi/id/product_serial: not a regular file");
+  ::alarm(0);
+}
+
+TEST_F(LinuxFiles, AMissingPermissionIsNamed) {
+  const uid_t user = ::geteuid();
+  fs::permissions(fMachine.Root(), fs::perms::all);
+  fs::permissions(fSerial, fs::perms::none);
+  ASSERT_EQ(::seteuid(user == 0 ? 65534 : user), 0);  // root may read anything
+  const std::string reason = fMachine.Reasons()["SerialNumber"];
+  ASSERT_EQ(::seteuid(user), 0);
+  EXPECT_EQ(reason, "/sys/class/dmi/id/product_serial: Permission denied");
 }
 
 }  // namespace

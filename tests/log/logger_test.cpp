@@ -2,12 +2,12 @@
 #include <qdxcore/logger.h>
 
 #include "support/expect_status.h"
-#include "support/log_capture.h"
 #include "support/temp_dir.h"
 
 #include <unistd.h>
 
 #include <cstdlib>
+#include <memory>
 
 #include <gtest/gtest.h>
 
@@ -100,16 +100,6 @@ TEST_F(Logger, AbandonsTheOneBefore) {
   EXPECT_NE(second, fLogger);
   fLogger.reset();  // not the one of the process: that stays
   EXPECT_EQ(TLogger::GetInstance(), second.get());
-}
-
-TEST(LogMessage, NeedsALoggerThatAdmitsIt) {
-  LogMessage(ILogger::kLogError, {"nobody ", "reads"});
-  EXPECT_QDX_STATUS(LogErrorAndThrow(kQDXStatusNotFound, {"this"}), kQDXStatusNotFound);
-  const TLogCapture log(ILogger::kLogError);
-  LogMessage(ILogger::kLogWarning, {"not admitted"});
-  LogMessage(ILogger::kLogRecordOnly, {"a", "", "b"});
-  EXPECT_QDX_STATUS(LogErrorAndThrow(kQDXStatusFail, {"c", "d"}), kQDXStatusFail);
-  EXPECT_EQ(log.Messages(), (TMessages{"100 ab", "0 cd"}));
 }
 
 }  // namespace

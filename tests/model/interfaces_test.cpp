@@ -70,33 +70,14 @@ template <typename... T>
 constexpr bool kAreNamed = (std::is_base_of_v<ICIMNamedElement, T> && ...);
 static_assert(kAreNamed<ICIMClass, ICIMPropertyDecl, ICIMMethodDecl, ICIMParameterDecl>);
 
-/// Plug-ins that know the listed operations only.
-struct TMinimalProvider : public INamespaceProvider {
-  const std::string& GetName(TOptionsMap) const override { return fName; }
-  std::string fName = "minimal";
-};
-struct TMinimalConsumer : public INamespaceConsumer {};
-
-TEST(InterfaceDefaults, SayThatTheyAreNotImplemented) {
-  TMinimalProvider provider;
-  EXPECT_QDX_STATUS(provider.GetNamespace("root", {}), kQDXStatusNotImplemented);
-  EXPECT_QDX_STATUS(provider.EnumerateNamespaceNames({}, {}), kQDXStatusNotImplemented);
-  TMinimalConsumer consumer;
-  EXPECT_QDX_STATUS(consumer.GetName({}), kQDXStatusNotImplemented);
-  EXPECT_QDX_STATUS(consumer.Consume(nullptr, {}), kQDXStatusNotImplemented);
-}
-
-class TNamedProvider : public INamespaceProvider {
- public:
+struct TNamedProvider : public INamespaceProvider {
   explicit TNamedProvider(std::string name) : fName(std::move(name)) {}
   const std::string& GetName(TOptionsMap options) const override {
     if (fName.empty()) throw TQDXException(kQDXStatusAccessDenied);
     EXPECT_TRUE(options.empty());
     return fName;
   }
-
- private:
-  std::string fName;
+  const std::string fName;
 };
 
 boost::shared_ptr<INamespaceProvider> Register(const std::string& name) {

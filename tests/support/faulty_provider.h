@@ -4,7 +4,7 @@
 ///   const auto faults = boost::make_shared<TFaults>();
 ///   const auto ns = MakeFaultyNamespace(real, faults);
 ///   faults->Throw("ICIMClass::GetPropertyDecl", kQDXStatusAccessDenied, 2);  // the second call
-///   faults->AnswerNull("ICIMNamespace::GetClass", TFaults::kEveryCall);
+///   faults->AnswerNull("ICIMNamespace::GetClass");
 ///
 /// All elements are wrapped but the classes that values name. A wrapped class that is stored in the
 /// real namespace, within a reference value, would own that namespace for ever: give a faulty
@@ -31,26 +31,21 @@ struct TInjected : NVORNQDX20::TQDXException {
   using TQDXException::TQDXException;
 };
 
-/// What fails, and a count of the calls. Operations are named "ICIMClass::GetPropertyDecl".
+/// What fails. Operations are named "ICIMClass::GetPropertyDecl".
 class TFaults {
  public:
-  static constexpr int kEveryCall = 0;
-
-  /// `call` counts from now on: 1 is the next one. What has no null answers nothing, or false.
+  /// `call` counts from now on: 1 is the next one. Only what gives an element can answer null.
   void AnswerNull(const std::string& operation, int call = 1) { Add(operation, call, {}); }
   void Throw(const std::string& operation, NVORNQDX20::EQDXStatusCode status, int call = 1) {
     Add(operation, call, status);
   }
-  int Calls(const std::string& operation) { return fCalls[operation]; }
   /// Is told of each call first, for example "ICIMClass::GetPropertyDecl(Id)".
   void Watch(boost::function<void(const std::string&)> watch) { fWatch = std::move(watch); }
 
   /// Counts the call; throws, or says whether it answers null.
   bool Strikes(const std::string& operation, const std::string& arguments) {
     if (fWatch) fWatch(operation + arguments);
-    const int call = ++fCalls[operation];
-    auto fault = fFaults.find({operation, call});
-    if (fault == fFaults.end()) fault = fFaults.find({operation, kEveryCall});
+    const auto fault = fFaults.find({operation, ++fCalls[operation]});
     if (fault == fFaults.end()) return false;
     if (fault->second) throw TInjected(*fault->second);
     return true;
@@ -60,7 +55,7 @@ class TFaults {
   using TStatus = std::optional<NVORNQDX20::EQDXStatusCode>;  // none: answer null
 
   void Add(const std::string& operation, int call, TStatus fault) {
-    fFaults[{operation, call == kEveryCall ? call : fCalls[operation] + call}] = fault;
+    fFaults[{operation, fCalls[operation] + call}] = fault;
   }
 
   boost::function<void(const std::string&)> fWatch;
@@ -79,6 +74,7 @@ using TVisit = const TEnumerationCallback<T>&;
 using TName = const std::string&;
 using TOptions = TOptionsMap;
 using TPath = const TCIMReference&;
+using TType = TCIMValue::TCIMType;
 using TValue = const TCIMValue&;
 
 /// What all wrappers of one namespace share. Each class has one wrapper at a time, since
@@ -88,7 +84,7 @@ struct TContext {
   std::map<ICIMClass*, boost::weak_ptr<ICIMClass>> fClasses;
 };
 
-/// "(a,b)" of all arguments but elements, callbacks and empty options.
+/// "(a,b)" of all arguments but elements and callbacks; of options, the value of the first.
 template <typename... TArguments>
 std::string TextOf(const TArguments&... arguments) {
   std::string text;
@@ -96,10 +92,12 @@ std::string TextOf(const TArguments&... arguments) {
   [[maybe_unused]] const auto show = [&](const auto& argument) {
     using T = std::decay_t<decltype(argument)>;
     if constexpr (std::is_same_v<T, std::string>) add(argument);
-    if constexpr (std::is_same_v<T, TCIMValue::TCIMType>) add(argument.ToString());
+    if constexpr (std::is_same_v<T, TType>) add(argument.ToString());
     if constexpr (std::is_same_v<T, TCIMValue>) add(argument.IsNull() ? "" : argument.ToString(10));
     if constexpr (std::is_arithmetic_v<T>) add(std::to_string(argument));
-    if constexpr (std::is_same_v<T, TOptions>) text += argument.empty() ? "" : "options";
+    if constexpr (std::is_same_v<T, TOptions>) {
+      if (!argument.empty()) add(argument.begin()->second.ToString(10));
+    }
   };
   (show(arguments), ...);
   return "(" + text + ")";
@@ -112,28 +110,25 @@ struct TFaulty;
 template <typename T>
 TPtr<T> Wrap(const TPtr<TContext>& context, const TPtr<T>& real);
 
+template <typename T>
+constexpr bool kIsElement = false;
+template <typename T>
+constexpr bool kIsElement<TPtr<T>> = true;
+
 template <typename TInterface>
 struct TWrapper : public TInterface {
-  TWrapper(const TPtr<TContext>& context, const TPtr<TInterface>& real)
-      : fContext(context), fReal(real) {}
-
-  const TPtr<TContext> fContext;
-  const TPtr<TInterface> fReal;
+  TPtr<TContext> fContext;
+  TPtr<TInterface> fReal;
 
   template <typename T>
   static TPtr<T> RealOf(const TPtr<T>& object) {
     const auto* const wrapper = dynamic_cast<const TWrapper<T>*>(object.get());
     return wrapper == nullptr ? object : wrapper->fReal;
   }
-
   /// The callback that wraps each element for the caller's.
   template <typename T>
   TEnumerationCallback<T> Wrap(TVisit<T> visit) const {
-    return [this, &visit](const TPtr<T>& real) {
-      const bool goesOn = visit(faulty::Wrap(fContext, real));
-      if (!goesOn) fContext->fFaults->Strikes("ICIMEnumeration::End", "()");
-      return goesOn;
-    };
+    return [this, &visit](const TPtr<T>& real) { return visit(faulty::Wrap(fContext, real)); };
   }
   /// What `forward` answers, wrapped if it is an element, unless this call is to fail.
   template <typename TResult, typename TForward>
@@ -142,15 +137,10 @@ struct TWrapper : public TInterface {
     const std::string name = boost::core::demangle(typeid(TInterface).name());
     const bool isNull =
         fContext->fFaults->Strikes(name.substr(name.find("::") + 2) + operation, arguments);
-    if constexpr (std::is_reference_v<TResult>) {
-      static const std::decay_t<TResult> kNull;
-      return isNull ? kNull : forward();
-    } else if constexpr (std::is_same_v<TResult, TCIMValue::TCIMType>) {
-      return isNull ? TResult(0U) : forward();
-    } else if constexpr (std::is_class_v<TResult>) {
+    if constexpr (kIsElement<TResult>) {
       return isNull ? nullptr : faulty::Wrap(fContext, forward());
     } else {
-      return isNull ? TResult() : forward();
+      return forward();
     }
   }
 };
@@ -167,7 +157,6 @@ struct TWrapper : public TInterface {
 /// Of an element that carries qualifiers.
 template <typename TInterface>
 struct TElementWrapper : public TWrapper<TInterface> {
-  using TWrapper<TInterface>::TWrapper;
   FAULTY(TPtr<ICIMQualifier>, AddQualifier, (TPtr<ICIMQualifierDecl> decl, TValue value),
          (this->RealOf(decl), value))
   FAULTY(void, EnumerateQualifiers, (TVisit<ICIMQualifier> v) const, (this->Wrap(v)))
@@ -175,7 +164,6 @@ struct TElementWrapper : public TWrapper<TInterface> {
 
 template <>
 struct TFaulty<ICIMQualifierDecl> final : TWrapper<ICIMQualifierDecl> {
-  using TWrapper::TWrapper;
   FAULTY(void, Commit, (), ())
   FAULTY(TName, GetName, () const, ())
   FAULTY(TValue, GetDefaultValue, () const, ())
@@ -185,7 +173,6 @@ struct TFaulty<ICIMQualifierDecl> final : TWrapper<ICIMQualifierDecl> {
 
 template <>
 struct TFaulty<ICIMQualifier> final : TWrapper<ICIMQualifier> {
-  using TWrapper::TWrapper;
   FAULTY(void, Commit, (), ())
   FAULTY(TPtr<const ICIMQualifierDecl>, GetDecl, () const, ())
   FAULTY(TValue, GetValue, () const, ())
@@ -193,42 +180,36 @@ struct TFaulty<ICIMQualifier> final : TWrapper<ICIMQualifier> {
 
 template <>
 struct TFaulty<ICIMPropertyDecl> final : TElementWrapper<ICIMPropertyDecl> {
-  using TElementWrapper::TElementWrapper;
   FAULTY(TPtr<ICIMQualifier>, GetQualifier, (TName name) const, (name))
   FAULTY(void, Commit, (), ())
   FAULTY(TName, GetName, () const, ())
-  FAULTY(TCIMValue::TCIMType, GetType, () const, ())
+  FAULTY(TType, GetType, () const, ())
   FAULTY(TValue, GetDefaultValue, () const, ())
 };
 
 template <>
 struct TFaulty<ICIMParameterDecl> final : TElementWrapper<ICIMParameterDecl> {
-  using TElementWrapper::TElementWrapper;
   FAULTY(void, Commit, (), ())
   FAULTY(TName, GetName, () const, ())
-  FAULTY(TCIMValue::TCIMType, GetType, () const, ())
+  FAULTY(TType, GetType, () const, ())
 };
 
 template <>
 struct TFaulty<ICIMMethodDecl> final : TElementWrapper<ICIMMethodDecl> {
-  using TElementWrapper::TElementWrapper;
   FAULTY(TName, GetName, () const, ())
-  FAULTY(TCIMValue::TCIMType, GetReturnType, () const, ())
-  FAULTY(TPtr<ICIMParameterDecl>, CreateParameterDecl, (TName name, TCIMValue::TCIMType type),
-         (name, type))
+  FAULTY(TType, GetReturnType, () const, ())
+  FAULTY(TPtr<ICIMParameterDecl>, CreateParameterDecl, (TName name, TType type), (name, type))
   FAULTY(void, EnumerateParameterDecls, (TVisit<ICIMParameterDecl> v) const, (Wrap(v)))
 };
 
 template <>
 struct TFaulty<ICIMProperty> final : TWrapper<ICIMProperty> {
-  using TWrapper::TWrapper;
   FAULTY(TValue, GetValue, () const, ())
   FAULTY(TPtr<const ICIMPropertyDecl>, GetDecl, () const, ())
 };
 
 template <>
 struct TFaulty<ICIMInstance> final : TWrapper<ICIMInstance> {
-  using TWrapper::TWrapper;
   FAULTY(void, Commit, (TOptions o), (o))
   FAULTY(TPtr<ICIMClass>, GetClass, (TOptions o) const, (o))
   FAULTY(TPtr<ICIMProperty>, GetProperty, (TName name, TOptions o) const, (name, o))
@@ -238,7 +219,6 @@ struct TFaulty<ICIMInstance> final : TWrapper<ICIMInstance> {
 
 template <>
 struct TFaulty<ICIMClass> final : TElementWrapper<ICIMClass> {
-  using TElementWrapper::TElementWrapper;
   ~TFaulty() override { fContext->fClasses.erase(fReal.get()); }
   FAULTY(void, Commit, (TOptions o), (o))
   FAULTY(TName, GetName, (TOptions o) const, (o))
@@ -259,22 +239,21 @@ struct TFaulty<ICIMClass> final : TElementWrapper<ICIMClass> {
   FAULTY(TPtr<ICIMInstance>, GetInstance, (TPath path, TOptions o) const, (path, o))
   FAULTY(void, EnumerateInstances, (TVisit<ICIMInstance> v, bool deep, TOptions o) const,
          (Wrap(v), deep, o))
-  FAULTY(TPtr<ICIMMethodDecl>, CreateMethodDecl, (TName name, TCIMValue::TCIMType type, TOptions o),
+  FAULTY(TPtr<ICIMMethodDecl>, CreateMethodDecl, (TName name, TType type, TOptions o),
          (name, type, o))
   FAULTY(void, EnumerateMethodDecls, (TVisit<ICIMMethodDecl> v, TOptions o) const, (Wrap(v), o))
 };
 
 template <>
 struct TFaulty<ICIMNamespace> final : TWrapper<ICIMNamespace> {
-  using TWrapper::TWrapper;
   FAULTY(TName, GetName, (TOptions o) const, (o))
   FAULTY(TPtr<ICIMClass>, CreateClass, (TName name, TPtr<ICIMClass> superclass, TOptions o),
          (name, RealOf(superclass), o))
   FAULTY(TPtr<ICIMClass>, GetClass, (TName name, TOptions o) const, (name, o))
   FAULTY(void, EnumerateClasses, (TVisit<ICIMClass> v, TOptions o) const, (Wrap(v), o))
   FAULTY(TPtr<ICIMQualifierDecl>, CreateQualifierDecl,
-         (TName name, TValue value, std::uint32_t scope, std::uint32_t flavor, TOptions o),
-         (name, value, scope, flavor, o))
+         (TName name, TValue value, std::uint32_t s, std::uint32_t f, TOptions o),
+         (name, value, s, f, o))
   FAULTY(TPtr<ICIMQualifierDecl>, GetQualifierDecl, (TName name, TOptions o) const, (name, o))
   FAULTY(void, EnumerateQualifierDecls, (TVisit<ICIMQualifierDecl> v, TOptions o) const,
          (Wrap(v), o))
@@ -285,15 +264,15 @@ template <typename T>
 TPtr<T> Wrap(const TPtr<TContext>& context, const TPtr<T>& real) {
   using TInterface = std::remove_const_t<T>;
   if (!real) return nullptr;
-  const TPtr<TInterface> object = boost::const_pointer_cast<TInterface>(real);
   if constexpr (std::is_same_v<TInterface, ICIMClass>) {
-    boost::weak_ptr<ICIMClass>& known = context->fClasses[real.get()];
-    TPtr<ICIMClass> wrapper = known.lock();
-    if (!wrapper) known = wrapper = boost::make_shared<TFaulty<ICIMClass>>(context, object);
-    return wrapper;
-  } else {
-    return boost::make_shared<TFaulty<TInterface>>(context, object);
+    const TPtr<ICIMClass> known = context->fClasses[real.get()].lock();
+    if (known) return known;
   }
+  const auto wrapper = boost::make_shared<TFaulty<TInterface>>();
+  wrapper->fContext = context;
+  wrapper->fReal = boost::const_pointer_cast<TInterface>(real);
+  if constexpr (std::is_same_v<TInterface, ICIMClass>) context->fClasses[real.get()] = wrapper;
+  return wrapper;
 }
 
 }  // namespace faulty
@@ -301,8 +280,9 @@ TPtr<T> Wrap(const TPtr<TContext>& context, const TPtr<T>& real) {
 inline boost::shared_ptr<NVORNQDX20::ICIMNamespace> MakeFaultyNamespace(
     const boost::shared_ptr<NVORNQDX20::ICIMNamespace>& real,
     const boost::shared_ptr<TFaults>& faults) {
-  const auto context = boost::make_shared<faulty::TContext>(faulty::TContext{faults, {}});
-  return boost::make_shared<faulty::TFaulty<NVORNQDX20::ICIMNamespace>>(context, real);
+  const auto context = boost::make_shared<faulty::TContext>();
+  context->fFaults = faults;
+  return faulty::Wrap(context, real);
 }
 
 #endif  // TESTS_SUPPORT_FAULTY_PROVIDER_H_
