@@ -80,6 +80,16 @@ struct TNamedProvider : public INamespaceProvider {
   const std::string fName;
 };
 
+TEST(InterfaceDefaults, SayThatTheyAreNotImplemented) {
+  TNamedProvider provider("minimal");
+  EXPECT_QDX_STATUS(provider.GetNamespace("root", {}), kQDXStatusNotImplemented);
+  EXPECT_QDX_STATUS(provider.EnumerateNamespaceNames({}, {}), kQDXStatusNotImplemented);
+  struct TMinimalConsumer : public INamespaceConsumer {
+  } consumer;
+  EXPECT_QDX_STATUS(consumer.GetName({}), kQDXStatusNotImplemented);
+  EXPECT_QDX_STATUS(consumer.Consume(nullptr, {}), kQDXStatusNotImplemented);
+}
+
 boost::shared_ptr<INamespaceProvider> Register(const std::string& name) {
   const auto provider = boost::make_shared<TNamedProvider>(name);
   TRootObject::GetNamespaceProviderManager()->RegisterNamespaceProvider(provider);
