@@ -55,6 +55,10 @@ class TParser {
     XML_SetCharacterDataHandler(fParser.get(), &OnText);
     XML_SetEntityDeclHandler(fParser.get(), &OnEntityDecl);
     XML_SetSkippedEntityHandler(fParser.get(), &OnSkippedEntity);
+    XML_SetElementDeclHandler(fParser.get(), &OnElementDecl);
+    XML_SetAttlistDeclHandler(fParser.get(), &OnAttlistDecl);
+    XML_SetStartDoctypeDeclHandler(fParser.get(), &OnDoctype);
+    XML_SetDefaultHandlerExpand(fParser.get(), &OnMarkup);
   }
 
   void Run() {
@@ -88,6 +92,23 @@ class TParser {
     Self(self).Guarded([&] { throw TDefect("unknown entity " + Shown(name)); });
   }
 
+  static void OnElementDecl(void* self, const XML_Char*, XML_Content* model) {
+    XML_FreeContentModel(Self(self).fParser.get(), model);
+    Self(self).Guarded([] { throw TDefect("declares an element"); });
+  }
+  /// A default value would stand in each such element, however often that comes.
+  static void OnAttlistDecl(void* self, const XML_Char*, const XML_Char*, const XML_Char*,
+                            const XML_Char*, int) {
+    Self(self).Guarded([] { throw TDefect("declares an attribute"); });
+  }
+  static void OnDoctype(void* self, const XML_Char*, const XML_Char*, const XML_Char*, int) {
+    Self(self).fHasDoctype = true;
+  }
+  static void OnMarkup(void* self, const XML_Char* text, int length) {
+    TParser& parser = Self(self);
+    if (parser.fCollectsTag) parser.fTag.append(text, static_cast<std::size_t>(length));
+  }
+
   /// The library is not made for exceptions to pass through: they wait until it has returned.
   template <typename TWork>
   void Guarded(TWork&& work) noexcept {
@@ -110,6 +131,7 @@ class TParser {
   bool StartContainer(const TElement& element);
   void StartObject(TElement&& element);
   TElement MakeElement(const XML_Char* name, const XML_Char** attributes);
+  void RequireKnownEntities();
   void CountNodes(std::size_t nodes);
   TPosition Position() const {
     return {XML_GetCurrentLineNumber(fParser.get()),
@@ -121,6 +143,9 @@ class TParser {
   const std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(&XML_ParserFree)> fParser;
   std::exception_ptr fFailure;
   std::size_t fFed = 0;
+  bool fHasDoctype = false;
+  bool fCollectsTag = false;
+  std::string fTag;
   std::vector<const TContainer*> fContainers;
   TElement fObject;
   std::vector<TElement*> fOpen;  // from the object down
@@ -145,6 +170,7 @@ bool TParser::Feed() {
 }
 
 void TParser::Start(const XML_Char* name, const XML_Char** attributes) {
+  if (fHasDoctype) RequireKnownEntities();
   TElement element = MakeElement(name, attributes);
   if (fContainers.size() + fOpen.size() >= kMaxDepth) element.Refuse("elements nested too deep");
   if (fOpen.empty()) {
@@ -210,6 +236,21 @@ TElement TParser::MakeElement(const XML_Char* name, const XML_Char** attributes)
   }
   CountNodes(1 + element.fAttributes.size());
   return element;
+}
+
+/// With a document type that it does not read, the library takes an entity that it does not know
+/// out of an attribute without a word. Only the tag's own text still has it.
+void TParser::RequireKnownEntities() {
+  fTag.clear();
+  fCollectsTag = true;
+  XML_DefaultCurrent(fParser.get());
+  fCollectsTag = false;
+  for (std::size_t at = fTag.find('&'); at != std::string::npos; at = fTag.find('&', at + 1)) {
+    const std::string name = fTag.substr(at + 1, fTag.find(';', at) - at - 1);
+    const bool isKnown = name[0] == '#' || name == "amp" || name == "lt" || name == "gt" ||
+                         name == "quot" || name == "apos";
+    if (!isKnown) throw TDefect("unknown entity " + Shown(name));
+  }
 }
 
 void TParser::CountNodes(std::size_t nodes) {
