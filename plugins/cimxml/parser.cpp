@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <exception>
 #include <iterator>
+#include <list>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -132,7 +133,7 @@ class TParser {
   void StartObject(TElement&& element);
   TElement MakeElement(const XML_Char* name, const XML_Char** attributes);
   void RequireKnownEntities();
-  void CountNodes(std::size_t nodes);
+  void AddBytes(std::size_t bytes);
   TPosition Position() const {
     return {XML_GetCurrentLineNumber(fParser.get()),
             std::size_t{XML_GetCurrentColumnNumber(fParser.get())} + 1};
@@ -149,7 +150,7 @@ class TParser {
   std::vector<const TContainer*> fContainers;
   TElement fObject;
   std::vector<TElement*> fOpen;  // from the object down
-  std::size_t fNodes = 0;        // of the object
+  std::size_t fBytes = 0;        // of the object
 };
 
 bool TParser::Feed() {
@@ -177,7 +178,7 @@ void TParser::Start(const XML_Char* name, const XML_Char** attributes) {
     if (!StartContainer(element)) StartObject(std::move(element));
     return;
   }
-  std::vector<TElement>& siblings = fOpen.back()->fChildren;
+  std::list<TElement>& siblings = fOpen.back()->fChildren;
   siblings.push_back(std::move(element));
   fOpen.push_back(&siblings.back());
 }
@@ -186,7 +187,7 @@ bool TParser::StartContainer(const TElement& element) {
   const TContainer* const parent = fContainers.empty() ? nullptr : fContainers.back();
   const TContainer* const container = FindContainer(element.fName, parent);
   if (container != nullptr) {
-    fNodes = 0;
+    fBytes = 0;
     fContainers.push_back(container);
     if (container->fIsGroup) fSink.BeginGroup(element);
     return true;
@@ -212,7 +213,7 @@ void TParser::End() {
   }
   fOpen.pop_back();
   if (!fOpen.empty()) return;
-  fSink.AddObject(std::move(fObject), std::exchange(fNodes, 0));
+  fSink.AddObject(std::move(fObject), std::exchange(fBytes, 0));
   fObject = TElement();
 }
 
@@ -221,6 +222,7 @@ void TParser::Text(std::string_view text) {
   std::string& target = fOpen.back()->fText;
   if (target.size() + text.size() > kMaxTextBytes) throw TDefect("a value is too long");
   target += text;
+  AddBytes(text.size());
 }
 
 TElement TParser::MakeElement(const XML_Char* name, const XML_Char** attributes) {
@@ -234,7 +236,7 @@ TElement TParser::MakeElement(const XML_Char* name, const XML_Char** attributes)
     const std::string_view known = KnownAttribute(attributes[0]);
     if (!known.empty()) element.fAttributes.push_back({known, attributes[1]});
   }
-  CountNodes(1 + element.fAttributes.size());
+  AddBytes(element.Bytes());
   return element;
 }
 
@@ -253,9 +255,9 @@ void TParser::RequireKnownEntities() {
   }
 }
 
-void TParser::CountNodes(std::size_t nodes) {
-  fNodes += nodes;
-  if (fNodes > kMaxObjectNodes) throw TDefect("an object has too many elements");
+void TParser::AddBytes(std::size_t bytes) {
+  fBytes += bytes;
+  if (fBytes > kMaxObjectBytes) throw TDefect("an object is too large");
 }
 
 }  // namespace

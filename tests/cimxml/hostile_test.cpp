@@ -82,7 +82,7 @@ const struct {
     {Document({Class("", std::string(3 << 20, 'n'))}), "2:20 a tag or a comment is too long"},
     {Document({"<!--" + std::string(3 << 20, 'n')}), "2:20 a tag or a comment is too long"},
     {Attributes(33), "1:1 too many attributes"},
-    {Document({Repeated("<VALUE/>", 1 << 21)}), "2:16777228 an object has too many elements"},
+    {Document({Repeated("<VALUE/>", 1 << 22)}), "2:29826172 an object is too large"},
     {Document(Chain(120)), "101:20 classes nested too deep"},
     // Contents.
     {Document({Class("<FOO/>")}), "2:36 unknown element \"FOO\""},
