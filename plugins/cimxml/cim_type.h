@@ -15,6 +15,11 @@ TCIMType ElementType(TCIMType type);
 TCIMType ArrayOf(TCIMType type);
 inline bool IsArray(TCIMType type) { return (type & TCIMType::kCIMTypeArray) != 0; }
 
+/// Not so arrays of references, which CIM does not have.
+inline bool HasPropertyElement(TCIMType type) {
+  return type != ArrayOf(TCIMType::kCIMTypeReference);
+}
+
 /// Of the element type; "reference" for references, "" for no type.
 std::string_view KeywordOf(TCIMType type);
 

@@ -41,19 +41,19 @@ void TDocument::BeginGroup(const TElement& group) {
   fObjectsHavePaths = group.Is("DECLGROUP.WITHPATH");
 }
 
-void TDocument::AddObject(TElement&& object, std::size_t nodes) {
+void TDocument::AddObject(TElement&& object, std::size_t bytes) {
   if (IsOneOf(object, {"LOCALNAMESPACEPATH", "NAMESPACEPATH"})) {
     fGroup = &List(*NamespaceNameOf(object));
   } else if (object.Is("QUALIFIER.DECLARATION")) {
     Group().AddQualifierDecl(object);
   } else if (object.Is("CLASS")) {
-    Group().AddClass(std::move(object), nodes);
+    Group().AddClass(std::move(object), bytes);
   } else if (object.Is("INSTANCE")) {
-    Group().AddInstance(std::move(object), nodes);
+    Group().AddInstance(std::move(object), bytes);
   } else if (IsOneOf(object, {"VALUE.NAMEDOBJECT", "VALUE.NAMEDINSTANCE", "VALUE.OBJECT",
                               "VALUE.OBJECTWITHPATH", "VALUE.OBJECTWITHLOCALPATH",
                               "VALUE.INSTANCEWITHPATH"})) {
-    AddNamedObject(std::move(object), nodes);
+    AddNamedObject(std::move(object), bytes);
   } else if (object.Is("ERROR")) {
     RefuseResponse(object);
   } else if (!object.Is("PARAMVALUE")) {  // which says how an enumeration stands
@@ -65,14 +65,14 @@ void TDocument::EndGroup() {
   if (!fObjectsHavePaths) Group();
 }
 
-void TDocument::AddNamedObject(TElement&& object, std::size_t nodes) {
+void TDocument::AddNamedObject(TElement&& object, std::size_t bytes) {
   const auto path = NamespaceNameOf(object);
   TNamespaceBuilder& ns = path ? List(*path) : Group();
   TElement* const cimClass = FindChild(object, "CLASS");
   if (cimClass != nullptr) {
-    ns.AddClass(std::move(*cimClass), nodes);
+    ns.AddClass(std::move(*cimClass), bytes);
   } else if (FindChild(object, "INSTANCE") != nullptr) {
-    ns.AddInstance(std::move(object), nodes);
+    ns.AddInstance(std::move(object), bytes);
   } else {
     object.Refuse("<" + std::string(object.fName) + "> has neither class nor instance");
   }
@@ -87,13 +87,14 @@ void TDocument::Complete() {
 
 TNamespaceBuilder& TDocument::NamespaceOf(const TElement& reference, TNamespaceBuilder& own) {
   const auto name = NamespaceNameOf(reference);
-  return name ? NamespaceNamed(*name) : own;
+  return name ? *Entry(*name).fBuilder : own;
 }
 
-TNamespaceBuilder& TDocument::NamespaceNamed(const std::string& name) {
-  std::unique_ptr<TNamespaceBuilder>& ns = fNamespaces[Folded(name)];
-  if (!ns) ns = std::make_unique<TNamespaceBuilder>(*this, fState, name);
-  return *ns;
+TDocument::TEntry& TDocument::Entry(const std::string& name) {
+  TEntry& entry = fNamespaces[Folded(name)];
+  if (fNamespaces.size() > kMaxNamespaces) throw TDefect("too many namespaces");
+  if (!entry.fBuilder) entry.fBuilder = std::make_unique<TNamespaceBuilder>(*this, fState, name);
+  return entry;
 }
 
 boost::shared_ptr<TRepositoryProvider> TDocument::Namespaces() const {
@@ -103,10 +104,9 @@ boost::shared_ptr<TRepositoryProvider> TDocument::Namespaces() const {
 }
 
 TNamespaceBuilder& TDocument::List(const std::string& name) {
-  TNamespaceBuilder& ns = NamespaceNamed(name);
-  if (std::find(fListed.begin(), fListed.end(), &ns) == fListed.end()) fListed.push_back(&ns);
-  if (fListed.size() > kMaxNamespaces) throw TDefect("too many namespaces");
-  return ns;
+  TEntry& entry = Entry(name);
+  if (!std::exchange(entry.fIsListed, true)) fListed.push_back(entry.fBuilder.get());
+  return *entry.fBuilder;
 }
 
 TNamespaceBuilder& TDocument::Group() {

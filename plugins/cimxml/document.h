@@ -29,7 +29,7 @@ boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int
 class TDocument final : public IObjectSink {
  public:
   void BeginGroup(const TElement& group) override;
-  void AddObject(TElement&& object, std::size_t nodes) override;
+  void AddObject(TElement&& object, std::size_t bytes) override;
   void EndGroup() override;
   /// Builds what waits; nothing is added after it.
   void Complete();
@@ -40,14 +40,20 @@ class TDocument final : public IObjectSink {
   std::size_t UnheldDateTimes() const { return fState.fUnheldDateTimes; }
 
  private:
-  TNamespaceBuilder& NamespaceNamed(const std::string& name);
   TNamespaceBuilder& List(const std::string& name);
   TNamespaceBuilder& Group();
-  void AddNamedObject(TElement&& object, std::size_t nodes);
+  void AddNamedObject(TElement&& object, std::size_t bytes);
 
   TReadingState fState;
-  std::map<std::string, std::unique_ptr<TNamespaceBuilder>> fNamespaces;  // by folded name
-  std::vector<TNamespaceBuilder*> fListed;  // that the document has, not only refers to
+  struct TEntry {
+    std::unique_ptr<TNamespaceBuilder> fBuilder;
+    bool fIsListed = false;
+  };
+
+  TEntry& Entry(const std::string& name);
+
+  std::map<std::string, TEntry> fNamespaces;  // by folded name
+  std::vector<TNamespaceBuilder*> fListed;    // that the document has, not only refers to
   TNamespaceBuilder* fGroup = nullptr;
   bool fObjectsHavePaths = false;  // of the group
 };

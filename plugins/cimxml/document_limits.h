@@ -18,17 +18,17 @@ inline constexpr std::size_t kMaxAttributes = 32;
 /// Of one tag, with its attributes, or of one comment.
 inline constexpr std::size_t kMaxTagBytes = std::size_t{1} << 20;
 /// Of one value.
-inline constexpr std::size_t kMaxTextBytes = std::size_t{256} << 20;
-/// Elements and attributes of one object, and of all objects that wait for a class.
-inline constexpr std::size_t kMaxObjectNodes = std::size_t{1} << 21;
-inline constexpr std::size_t kMaxWaitingNodes = std::size_t{1} << 23;
+inline constexpr std::size_t kMaxTextBytes = std::size_t{128} << 20;
+/// That the elements of one object take in memory: enough for an array of three million.
+inline constexpr std::size_t kMaxObjectBytes = std::size_t{512} << 20;
 /// Properties, methods and qualifiers of one class.
 inline constexpr std::size_t kMaxMembers = 10000;
 inline constexpr std::size_t kMaxNamespaces = 1000;
 /// Superclasses above one another, and classes that need each other to be declared.
 inline constexpr std::size_t kMaxClassDepth = 100;
-/// Values of all instances, whether the document gives them or not.
-inline constexpr std::size_t kMaxValues = std::size_t{1} << 26;
+/// That all objects take which wait for a class, and all values of instances and classes, whether
+/// the document gives them or not.
+inline constexpr std::size_t kMaxHeldBytes = std::size_t{768} << 20;
 
 }  // namespace NVORNQDX20::NCIMXML
 

@@ -55,20 +55,26 @@ class TInstanceWriter {
       : fXML(xml), fValues(values), fClassName(cimClass.GetName({})) {
     cimClass.EnumeratePropertyDecls(
         [&](const boost::shared_ptr<ICIMPropertyDecl>& decl) {
-          fProperties.push_back({decl->GetName(), IsKey(cimClass, decl->GetName())});
+          if (HasPropertyElement(decl->GetDefaultValue().GetType())) {
+            fProperties.push_back({decl->GetName(), IsKey(cimClass, decl->GetName())});
+          }
           return true;
         },
         {});
+    fValues.BeginClass(fClassName);
   }
 
   void Write(const ICIMInstance& instance) {
+    if (!CanName(instance)) return;
     fXML.Markup("<VALUE.NAMEDOBJECT>");
+    const std::size_t replaced = fXML.Replaced();
     fXML.Markup("<INSTANCENAME").Attribute("CLASSNAME", fClassName).Markup(">");
     for (const TProperty& property : fProperties) {
       if (!property.fIsKey) continue;
       fValues.KeyBinding(property.fName, instance.GetProperty(property.fName, {})->GetValue());
     }
     fXML.Markup("</INSTANCENAME>\n");
+    fXML.SetReplaced(replaced);  // all of it comes again below
     fXML.Markup("<INSTANCE").Attribute("CLASSNAME", fClassName).Markup(">\n");
     for (const TProperty& property : fProperties) {
       fValues.Property(property.fName, instance.GetProperty(property.fName, {})->GetValue());
@@ -81,6 +87,18 @@ class TInstanceWriter {
     std::string fName;
     bool fIsKey;
   };
+
+  bool CanName(const ICIMInstance& instance) {
+    for (const TProperty& property : fProperties) {
+      if (!property.fIsKey) continue;
+      const auto key = instance.GetProperty(property.fName, {});
+      const char* const obstacle = TValueWriter::ObstacleToKey(key->GetValue());
+      if (obstacle == nullptr) continue;
+      fValues.LeaveOut(property.fName, obstacle);
+      return false;
+    }
+    return true;
+  }
 
   TXMLWriter& fXML;
   TValueWriter& fValues;
@@ -106,7 +124,7 @@ TDocumentWriter::TDocumentWriter(const std::string& file) : fOutput(file), fXML(
 }
 
 void TDocumentWriter::AddNamespace(const ICIMNamespace& ns) {
-  TValueWriter values(fXML, ns);
+  TValueWriter values(fXML, ns, fLeftOut);
   TSchemaWriter schema(fXML, values);
   fXML.Markup("<DECLGROUP.WITHNAME>");
   values.NamespacePath(ns.GetName({}));
@@ -125,6 +143,7 @@ void TDocumentWriter::AddNamespace(const ICIMNamespace& ns) {
 void TDocumentWriter::Close() {
   fXML.Markup("</DECLARATION>\n</CIM>\n");
   fOutput.Close();
+  fLeftOut.Report("values that CIM-XML cannot hold were left out of", fOutput.File());
   if (fXML.Replaced() == 0) return;
   LogMessage(ILogger::kLogWarning,
              {"cimxml: ", std::to_string(fXML.Replaced()),

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "output.h"
+#include "tally.h"
 #include "xml_writer.h"
 
 namespace NVORNQDX20::NCIMXML {
@@ -20,7 +21,8 @@ class TDocumentWriter {
   explicit TDocumentWriter(const std::string& file);
 
   void AddNamespace(const ICIMNamespace& ns);
-  /// Ends the document and closes the file. Warns of characters that had to be replaced.
+  /// Ends the document and closes the file. Warns of characters that had to be replaced, and of
+  /// what had to be left out.
   void Close();
 
   const std::string& File() const { return fOutput.File(); }
@@ -28,6 +30,7 @@ class TDocumentWriter {
  private:
   TOutput fOutput;
   TXMLWriter fXML;
+  TTally fLeftOut;
 };
 
 }  // namespace NVORNQDX20::NCIMXML

@@ -105,6 +105,15 @@ const TElement* TElement::Child(std::string_view name) const {
   return nullptr;
 }
 
+std::size_t TElement::Bytes() const {
+  constexpr std::size_t kLinks = 4 * sizeof(void*);  // and what the allocator takes
+  std::size_t bytes = sizeof(TElement) + kLinks;
+  for (const TAttribute& attribute : fAttributes) {
+    bytes += sizeof(TAttribute) + attribute.fValue.size();
+  }
+  return bytes;
+}
+
 const TElement& TElement::OnlyChild() const {
   if (fChildren.size() != 1) {
     Refuse("<" + std::string(fName) + "> must hold exactly one element");

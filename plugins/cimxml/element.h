@@ -3,6 +3,8 @@
 #ifndef QDXCIMXML_ELEMENT_H_
 #define QDXCIMXML_ELEMENT_H_
 
+#include <cstddef>
+#include <list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,11 +37,14 @@ struct TElement {
   [[noreturn]] void Refuse(const std::string& reason) const { throw TDefect(reason, fPosition); }
   [[noreturn]] void RefuseChild(const TElement& child) const;
 
+  /// In memory, without its children and its text.
+  std::size_t Bytes() const;
+
   std::string_view fName;  // one of KnownElement()
   TPosition fPosition;
   std::vector<TAttribute> fAttributes;  // known ones
   std::string fText;                    // its own, without that of its children
-  std::vector<TElement> fChildren;
+  std::list<TElement> fChildren;        // never moved, however many there are
 };
 
 /// The text as names compare: without regard to ASCII case.

@@ -42,6 +42,8 @@ void ReadInstance(TNamespaceBuilder& ns, const TElement& object) {
   const TElement& instance = InstanceOf(object);
   const std::string& className = instance.Get("CLASSNAME");
   const TReadClass read = ns.ClassNamed(className, object);
+  constexpr std::size_t kInstanceBytes = 128;
+  ns.State().AddHeld(kInstanceBytes, instance);
   ns.State().AddValues(read.fProperties, instance);
   AsPartOf(instance, "instance of " + Shown(className), [&] {
     const auto created = read.fClass->CreateInstance({});

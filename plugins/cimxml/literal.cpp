@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "literal.h"
 
-#include <qdxcore/logger.h>
 #include <qdxcore/status.h>
 
 #include <charconv>
@@ -47,15 +46,6 @@ std::string NumberText(T number) {
   char text[32];
   const auto end = std::to_chars(text, text + sizeof(text), number).ptr;
   return std::string(text, end);
-}
-
-std::string DateTimeText(const TCIMDateTime& dateTime) {
-  std::string text = dateTime.ToString();
-  if (text.size() != kDateTimeLength) {
-    LogErrorAndThrow(kQDXStatusInvalidDateTime,
-                     {"cimxml: date-time ", text, " is longer than 25 characters"});
-  }
-  return text;
 }
 
 /// All of the text must be the number, and the number must fit.
@@ -155,6 +145,11 @@ bool IsAbsent(const TCIMValue& value) {
   return value.GetType() == TCIMType::kCIMTypeDateTime && TCIMDateTime(value).IsNull();
 }
 
+bool CanSpell(const TCIMValue& value) {
+  return IsAbsent(value) || value.GetType() != TCIMType::kCIMTypeDateTime ||
+         TCIMDateTime(value).ToString().size() == kDateTimeLength;
+}
+
 std::string WriteLiteral(const TCIMValue& value) {
   switch (value.GetType()) {
     case TCIMType::kCIMTypeBoolean:
@@ -166,7 +161,7 @@ std::string WriteLiteral(const TCIMValue& value) {
     case TCIMType::kCIMTypeString:
       return value;
     case TCIMType::kCIMTypeDateTime:
-      return DateTimeText(value);
+      return TCIMDateTime(value).ToString();
     default:
       return value.ToString(10);
   }

@@ -16,9 +16,11 @@ namespace NVORNQDX20::NCIMXML {
 /// Whether there is something to spell: a date-time can be null within a value that is not.
 bool IsAbsent(const TCIMValue& value);
 
-/// The text of a scalar that is not absent and is no reference. Reals have as many digits as it
-/// takes to read back the same number. A date-time whose text is not 25 characters long is
-/// logged and throws kQDXStatusInvalidDateTime.
+/// Not so a date-time whose text is longer than the 25 characters that it must have.
+bool CanSpell(const TCIMValue& value);
+
+/// The text of a scalar that can be spelled, is not absent and is no reference. Reals have as many
+/// digits as it takes to read back the same number.
 std::string WriteLiteral(const TCIMValue& value);
 
 /// The scalar that the text spells; nothing if it spells none of that type. Null of the type for a

@@ -34,14 +34,9 @@ class TDeclaringScope {
 
 }  // namespace
 
-void TReadingState::AddWaiting(std::size_t nodes, const TElement& element) {
-  fWaitingNodes += nodes;
-  if (fWaitingNodes > kMaxWaitingNodes) element.Refuse("too many objects come before their class");
-}
-
-void TReadingState::AddValues(std::size_t values, const TElement& element) {
-  fValues += values;
-  if (fValues > kMaxValues) element.Refuse("too many values");
+void TReadingState::AddHeld(std::size_t bytes, const TElement& element) {
+  fHeldBytes += bytes;
+  if (fHeldBytes > kMaxHeldBytes) element.Refuse("the document holds too much");
 }
 
 TNamespaceBuilder::TNamespaceBuilder(TDocument& document, TReadingState& state,
@@ -53,21 +48,21 @@ void TNamespaceBuilder::AddQualifierDecl(const TElement& element) {
   AsPartOf(element, "qualifier " + Shown(decl->GetName()), [&] { decl->Commit(); });
 }
 
-void TNamespaceBuilder::AddClass(TElement&& element, std::size_t nodes) {
+void TNamespaceBuilder::AddClass(TElement&& element, std::size_t bytes) {
   const std::string folded = Folded(element.Get("NAME"));
   if (fClasses.count(folded) != 0 || fSources.count(folded) != 0) {
     element.Refuse("class " + Shown(element.Get("NAME")) + " is declared twice");
   }
-  fState.AddWaiting(nodes, element);
+  fState.AddHeld(bytes, element);
   fSourceOrder.push_back(folded);
   fSources[folded].fElement = std::move(element);
 }
 
-void TNamespaceBuilder::AddInstance(TElement&& object, std::size_t nodes) {
+void TNamespaceBuilder::AddInstance(TElement&& object, std::size_t bytes) {
   try {
     ReadInstance(*this, object);
   } catch (const TNotDeclaredYet&) {
-    fState.AddWaiting(nodes, object);
+    fState.AddHeld(bytes, object);
     const TElement& waiting = fWaitingInstances.emplace_back(std::move(object));
     NoteUse(InstanceOf(waiting).Get("CLASSNAME"), waiting);
   }
@@ -156,6 +151,8 @@ TReadClass TNamespaceBuilder::Measured(const boost::shared_ptr<ICIMClass>& cimCl
     read.fDepth += fClasses.at(superclass).fDepth;
   }
   if (read.fDepth > kMaxClassDepth) use.Refuse("too many superclasses");
+  constexpr std::size_t kClassBytes = 1024;
+  fState.AddHeld(kClassBytes, use);
   fState.AddValues(2 * read.fProperties, use);  // a class keeps a table of them
   return read;
 }

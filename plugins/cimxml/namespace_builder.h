@@ -37,13 +37,14 @@ struct TReadingState {
   };
 
   /// Counts against the limits.
-  void AddWaiting(std::size_t nodes, const TElement& element);
-  void AddValues(std::size_t values, const TElement& element);
+  void AddHeld(std::size_t bytes, const TElement& element);
+  void AddValues(std::size_t values, const TElement& element) {
+    AddHeld(values * sizeof(TCIMValue), element);
+  }
 
   bool fIsComplete = false;  // all of the document is known
   std::vector<TDeclaring> fDeclaring;
-  std::size_t fWaitingNodes = 0;
-  std::size_t fValues = 0;
+  std::size_t fHeldBytes = 0;
   std::size_t fUnheldDateTimes = 0;
 };
 
@@ -56,9 +57,9 @@ class TNamespaceBuilder {
   TNamespaceBuilder& operator=(const TNamespaceBuilder&) = delete;
 
   void AddQualifierDecl(const TElement& element);
-  void AddClass(TElement&& element, std::size_t nodes);
+  void AddClass(TElement&& element, std::size_t bytes);
   /// An INSTANCE, alone or together with its name or path.
-  void AddInstance(TElement&& object, std::size_t nodes);
+  void AddInstance(TElement&& object, std::size_t bytes);
   // At the end of the document, each for all namespaces before the next:
   void NoteReferences();
   void BuildClasses();

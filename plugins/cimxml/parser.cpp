@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <exception>
 #include <iterator>
+#include <list>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -55,6 +56,10 @@ class TParser {
     XML_SetCharacterDataHandler(fParser.get(), &OnText);
     XML_SetEntityDeclHandler(fParser.get(), &OnEntityDecl);
     XML_SetSkippedEntityHandler(fParser.get(), &OnSkippedEntity);
+    XML_SetElementDeclHandler(fParser.get(), &OnElementDecl);
+    XML_SetAttlistDeclHandler(fParser.get(), &OnAttlistDecl);
+    XML_SetStartDoctypeDeclHandler(fParser.get(), &OnDoctype);
+    XML_SetDefaultHandlerExpand(fParser.get(), &OnMarkup);
   }
 
   void Run() {
@@ -88,6 +93,23 @@ class TParser {
     Self(self).Guarded([&] { throw TDefect("unknown entity " + Shown(name)); });
   }
 
+  static void OnElementDecl(void* self, const XML_Char*, XML_Content* model) {
+    XML_FreeContentModel(Self(self).fParser.get(), model);
+    Self(self).Guarded([] { throw TDefect("declares an element"); });
+  }
+  /// A default value would stand in each such element, however often that comes.
+  static void OnAttlistDecl(void* self, const XML_Char*, const XML_Char*, const XML_Char*,
+                            const XML_Char*, int) {
+    Self(self).Guarded([] { throw TDefect("declares an attribute"); });
+  }
+  static void OnDoctype(void* self, const XML_Char*, const XML_Char*, const XML_Char*, int) {
+    Self(self).fHasDoctype = true;
+  }
+  static void OnMarkup(void* self, const XML_Char* text, int length) {
+    TParser& parser = Self(self);
+    if (parser.fCollectsTag) parser.fTag.append(text, static_cast<std::size_t>(length));
+  }
+
   /// The library is not made for exceptions to pass through: they wait until it has returned.
   template <typename TWork>
   void Guarded(TWork&& work) noexcept {
@@ -110,7 +132,8 @@ class TParser {
   bool StartContainer(const TElement& element);
   void StartObject(TElement&& element);
   TElement MakeElement(const XML_Char* name, const XML_Char** attributes);
-  void CountNodes(std::size_t nodes);
+  void RequireKnownEntities();
+  void AddBytes(std::size_t bytes);
   TPosition Position() const {
     return {XML_GetCurrentLineNumber(fParser.get()),
             std::size_t{XML_GetCurrentColumnNumber(fParser.get())} + 1};
@@ -121,10 +144,13 @@ class TParser {
   const std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(&XML_ParserFree)> fParser;
   std::exception_ptr fFailure;
   std::size_t fFed = 0;
+  bool fHasDoctype = false;
+  bool fCollectsTag = false;
+  std::string fTag;
   std::vector<const TContainer*> fContainers;
   TElement fObject;
   std::vector<TElement*> fOpen;  // from the object down
-  std::size_t fNodes = 0;        // of the object
+  std::size_t fBytes = 0;        // of the object
 };
 
 bool TParser::Feed() {
@@ -145,13 +171,14 @@ bool TParser::Feed() {
 }
 
 void TParser::Start(const XML_Char* name, const XML_Char** attributes) {
+  if (fHasDoctype) RequireKnownEntities();
   TElement element = MakeElement(name, attributes);
   if (fContainers.size() + fOpen.size() >= kMaxDepth) element.Refuse("elements nested too deep");
   if (fOpen.empty()) {
     if (!StartContainer(element)) StartObject(std::move(element));
     return;
   }
-  std::vector<TElement>& siblings = fOpen.back()->fChildren;
+  std::list<TElement>& siblings = fOpen.back()->fChildren;
   siblings.push_back(std::move(element));
   fOpen.push_back(&siblings.back());
 }
@@ -160,7 +187,7 @@ bool TParser::StartContainer(const TElement& element) {
   const TContainer* const parent = fContainers.empty() ? nullptr : fContainers.back();
   const TContainer* const container = FindContainer(element.fName, parent);
   if (container != nullptr) {
-    fNodes = 0;
+    fBytes = 0;
     fContainers.push_back(container);
     if (container->fIsGroup) fSink.BeginGroup(element);
     return true;
@@ -186,7 +213,7 @@ void TParser::End() {
   }
   fOpen.pop_back();
   if (!fOpen.empty()) return;
-  fSink.AddObject(std::move(fObject), std::exchange(fNodes, 0));
+  fSink.AddObject(std::move(fObject), std::exchange(fBytes, 0));
   fObject = TElement();
 }
 
@@ -195,6 +222,7 @@ void TParser::Text(std::string_view text) {
   std::string& target = fOpen.back()->fText;
   if (target.size() + text.size() > kMaxTextBytes) throw TDefect("a value is too long");
   target += text;
+  AddBytes(text.size());
 }
 
 TElement TParser::MakeElement(const XML_Char* name, const XML_Char** attributes) {
@@ -208,13 +236,28 @@ TElement TParser::MakeElement(const XML_Char* name, const XML_Char** attributes)
     const std::string_view known = KnownAttribute(attributes[0]);
     if (!known.empty()) element.fAttributes.push_back({known, attributes[1]});
   }
-  CountNodes(1 + element.fAttributes.size());
+  AddBytes(element.Bytes());
   return element;
 }
 
-void TParser::CountNodes(std::size_t nodes) {
-  fNodes += nodes;
-  if (fNodes > kMaxObjectNodes) throw TDefect("an object has too many elements");
+/// With a document type that it does not read, the library takes an entity that it does not know
+/// out of an attribute without a word. Only the tag's own text still has it.
+void TParser::RequireKnownEntities() {
+  fTag.clear();
+  fCollectsTag = true;
+  XML_DefaultCurrent(fParser.get());
+  fCollectsTag = false;
+  for (std::size_t at = fTag.find('&'); at != std::string::npos; at = fTag.find('&', at + 1)) {
+    const std::string name = fTag.substr(at + 1, fTag.find(';', at) - at - 1);
+    const bool isKnown = name[0] == '#' || name == "amp" || name == "lt" || name == "gt" ||
+                         name == "quot" || name == "apos";
+    if (!isKnown) throw TDefect("unknown entity " + Shown(name));
+  }
+}
+
+void TParser::AddBytes(std::size_t bytes) {
+  fBytes += bytes;
+  if (fBytes > kMaxObjectBytes) throw TDefect("an object is too large");
 }
 
 }  // namespace

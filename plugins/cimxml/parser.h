@@ -15,8 +15,8 @@ class IObjectSink {
  public:
   virtual ~IObjectSink();
   virtual void BeginGroup(const TElement& group) = 0;
-  /// The path of the group, or one of its objects. `nodes` says how large it is.
-  virtual void AddObject(TElement&& object, std::size_t nodes) = 0;
+  /// The path of the group, or one of its objects. `bytes` says how large it is.
+  virtual void AddObject(TElement&& object, std::size_t bytes) = 0;
   virtual void EndGroup() = 0;
 };
 

@@ -22,7 +22,8 @@ namespace {
 
 using TNamespaces = boost::shared_ptr<TRepositoryProvider>;
 
-[[noreturn]] void Refuse(EQDXStatusCode code, const std::string& file) {
+[[noreturn]] void Refuse(const std::string& file) {
+  const auto code = errno == EACCES ? kQDXStatusAccessDenied : kQDXStatusFileNotFound;
   const char* const reason = std::strerror(errno);
   LogErrorAndThrow(code, {"cimxml: ", file == "-" ? "standard input" : file, ": ", reason});
 }
@@ -34,7 +35,7 @@ struct TIdentity {
     struct stat status {};
     const bool isThere =
         file == "-" ? ::fstat(STDIN_FILENO, &status) == 0 : ::stat(file.c_str(), &status) == 0;
-    if (!isThere) Refuse(kQDXStatusFileNotFound, file);
+    if (!isThere) Refuse(file);
     fDevice = status.st_dev;
     fInode = status.st_ino;
     if (file == "-" || !S_ISREG(status.st_mode)) return;  // those are read once
@@ -55,7 +56,7 @@ struct TIdentity {
 TNamespaces Read(const std::string& file) {
   if (file == "-") return NCIMXML::ReadDocument("standard input", STDIN_FILENO);
   const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) Refuse(kQDXStatusFileNotFound, file);
+  if (descriptor < 0) Refuse(file);
   const boost::shared_ptr<void> owner(nullptr, [descriptor](void*) { ::close(descriptor); });
   return NCIMXML::ReadDocument(file, descriptor);
 }
@@ -65,7 +66,8 @@ TNamespaces Read(const std::string& file) {
 /// Option "file" (string) names the document, "-" standard input; without it there are no
 /// namespaces. The last document is kept, so that asking again does not read again, unless the file
 /// has changed meanwhile; pipes are read once. A file that cannot be opened throws
-/// kQDXStatusFileNotFound, a bad one what ReadDocument() says; both are logged.
+/// kQDXStatusFileNotFound, or kQDXStatusAccessDenied where the right is missing, a bad one what
+/// ReadDocument() says; both are logged.
 class TCIMXMLProvider final : public INamespaceProvider {
  public:
   const std::string& GetName(TOptionsMap) const override { return fName; }

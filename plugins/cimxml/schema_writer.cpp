@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "schema_writer.h"
 
-#include <qdxcore/logger.h>
-#include <qdxcore/status.h>
 #include <qdxrepository/repository.h>
 
 #include "declared.h"
@@ -30,11 +28,12 @@ void TSchemaWriter::QualifierDecl(const ICIMQualifierDecl& decl) {
   Flavor(decl.GetFlavor());
   fXML.Markup(">");
   Scope(decl.GetScope());
-  fValues.Value(value);
+  fValues.Value(decl.GetName(), value);
   fXML.Markup("</QUALIFIER.DECLARATION>\n");
 }
 
 void TSchemaWriter::Class(const ICIMClass& cimClass) {
+  fValues.BeginClass(cimClass.GetName({}));
   fXML.Markup("<CLASS").Attribute("NAME", cimClass.GetName({}));
   if (!cimClass.IsRootClass({})) {
     fXML.Attribute("SUPERCLASS", cimClass.GetSuperclass({})->GetName({}));
@@ -78,7 +77,7 @@ void TSchemaWriter::Qualifier(const ICIMQualifier& qualifier) {
   fXML.Attribute("TYPE", KeywordOf(decl->GetDefaultValue().GetType()));
   Flavor(decl->GetFlavor());
   fXML.Markup(">");
-  fValues.Value(qualifier.GetValue());
+  fValues.Value(decl->GetName(), qualifier.GetValue());
   fXML.Markup("</QUALIFIER>\n");
 }
 
@@ -92,32 +91,37 @@ void TSchemaWriter::Qualifiers(const TQualified& element) {
 
 void TSchemaWriter::PropertyDecl(const ICIMPropertyDecl& decl) {
   const TCIMValue& value = decl.GetDefaultValue();
-  const char* const element = TValueWriter::PropertyElement(decl.GetName(), value.GetType());
+  if (!HasPropertyElement(value.GetType())) {
+    fValues.LeaveOut(decl.GetName(), "an array of references");
+    return;
+  }
+  const char* const element = TValueWriter::PropertyElement(value.GetType());
   fXML.Markup("<").Markup(element);
   fValues.PropertyAttributes(decl.GetName(), value, true);
   fXML.Markup(">\n");
   Qualifiers(decl);
-  fValues.Value(value);
+  fValues.Value(decl.GetName(), value);
   fXML.Markup("</").Markup(element).Markup(">\n");
 }
 
 void TSchemaWriter::StaticProperty(const ICIMProperty& property) {
   const auto decl = property.GetDecl();
   const TCIMValue& value = property.GetValue();
-  const char* const element = TValueWriter::PropertyElement(decl->GetName(), value.GetType());
+  if (!HasPropertyElement(value.GetType())) return;
+  const char* const element = TValueWriter::PropertyElement(value.GetType());
   fXML.Markup("<").Markup(element);
   fValues.PropertyAttributes(decl->GetName(), value, true);
   fXML.Attribute("PROPAGATED", "true").Markup(">");
   fXML.Markup("<QUALIFIER NAME=\"Static\" TYPE=\"boolean\"><VALUE>TRUE</VALUE></QUALIFIER>");
-  fValues.Value(value);
+  fValues.Value(decl->GetName(), value);
   fXML.Markup("</").Markup(element).Markup(">\n");
 }
 
 void TSchemaWriter::Method(const ICIMMethodDecl& method) {
   const TCIMType type = method.GetReturnType();
   if (ElementType(type) == TCIMType::kCIMTypeReference) {
-    LogErrorAndThrow(kQDXStatusNotSupported,
-                     {"cimxml: method ", method.GetName(), " returns a reference"});
+    fValues.LeaveOut(method.GetName(), "a method that returns a reference");
+    return;
   }
   fXML.Markup("<METHOD").Attribute("NAME", method.GetName());
   if (type != TCIMType::kCIMTypeNone) fXML.Attribute("TYPE", KeywordOf(type));

@@ -10,6 +10,9 @@
 
 namespace NVORNQDX20::NCIMXML {
 
+/// What CIM-XML has no element for is left out: arrays of references as properties, and methods
+/// that return references.
+///
 /// Scopes and flavors are the bits of <qdxrepository/repository.h>.
 ///
 /// The value that a class itself has for a property stands in a property of its own, beside the

@@ -23,6 +23,8 @@ TCIMValue ReadText(TNamespaceBuilder& ns, TCIMType type, const TElement& element
   if (!value || !element.fChildren.empty()) {
     element.Refuse(Shown(element.fText) + " is no " + std::string(KeywordOf(type)));
   }
+  constexpr std::size_t kBody = 32;
+  ns.State().AddHeld(sizeof(TCIMValue) + kBody + element.fText.size(), element);
   if (value->IsNull()) ++ns.State().fUnheldDateTimes;
   return std::move(*value);
 }
@@ -34,6 +36,7 @@ TCIMValue ReadArray(TNamespaceBuilder& ns, TCIMType type, unsigned int size,
   elements.reserve(array.fChildren.size());
   for (const TElement& child : array.fChildren) {
     if (child.Is("VALUE.NULL")) {
+      ns.State().AddValues(1, child);
       elements.emplace_back(elementType, 0U);
     } else if (child.Is("VALUE")) {
       elements.push_back(ReadText(ns, elementType, child));
@@ -47,6 +50,8 @@ TCIMValue ReadArray(TNamespaceBuilder& ns, TCIMType type, unsigned int size,
 TCIMValue ReadReference(TNamespaceBuilder& ns, const TElement& element) {
   const TElement& name = NameOf(element);
   TNamespaceBuilder& target = ns.Document().NamespaceOf(element, ns);
+  constexpr std::size_t kReferenceBytes = 256;
+  ns.State().AddHeld(kReferenceBytes, element);
   TCIMReference reference(target.Namespace(), {});
   const boost::shared_ptr<ICIMClass> cimClass = target.ClassNamed(ClassNameOf(name), name).fClass;
   reference.SetClass(cimClass);

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "value_writer.h"
 
-#include <qdxcore/logger.h>
 #include <qdxcore/reference.h>
-#include <qdxcore/status.h>
 
 #include <string_view>
 #include <utility>
@@ -29,21 +27,51 @@ bool HasKeys(const TCIMReference& reference) {
   return hasKeys;
 }
 
+/// Why there is no element for the value; null if there is one. Elements of arrays stand for
+/// themselves.
+const char* Obstacle(const TCIMValue& value) {
+  if (value.IsNull() || value.IsArray()) return nullptr;
+  if (!CanSpell(value)) return "a date-time longer than 25 characters";
+  if (!value.IsReference()) return nullptr;
+  const char* obstacle = nullptr;
+  TCIMReference(value).EnumerateKeyBindings([&](const std::pair<std::string, TCIMValue>& binding) {
+    obstacle = TValueWriter::ObstacleToKey(binding.second);
+    return obstacle == nullptr;
+  });
+  return obstacle;
+}
+
 }  // namespace
 
-const char* TValueWriter::PropertyElement(const std::string& name, TCIMType type) {
+const char* TValueWriter::PropertyElement(TCIMType type) {
   if (type == TCIMType::kCIMTypeReference) return "PROPERTY.REFERENCE";
-  if (type == ArrayOf(TCIMType::kCIMTypeReference)) {
-    LogErrorAndThrow(kQDXStatusNotSupported,
-                     {"cimxml: property ", name, " is an array of references"});
-  }
   return IsArray(type) ? "PROPERTY.ARRAY" : "PROPERTY";
 }
 
-void TValueWriter::Value(const TCIMValue& value) {
-  if (IsAbsent(value)) return;
+const char* TValueWriter::ObstacleToKey(const TCIMValue& value) {
+  return IsAbsent(value) ? "a key that is null" : Obstacle(value);
+}
+
+void TValueWriter::LeaveOut(const std::string& member, const char* reason) {
+  std::string where = fNamespace.GetName({}) + ":";
+  if (!fClassName.empty()) where += fClassName + ".";
+  fLeftOut.Add(where + member + ": " + reason);
+}
+
+void TValueWriter::Value(const std::string& member, const TCIMValue& value) {
+  if (CanHold(member, value)) Element(member, value);
+}
+
+bool TValueWriter::CanHold(const std::string& member, const TCIMValue& value) {
+  if (IsAbsent(value)) return false;
+  const char* const obstacle = Obstacle(value);
+  if (obstacle != nullptr) LeaveOut(member, obstacle);
+  return obstacle == nullptr;
+}
+
+void TValueWriter::Element(const std::string& member, const TCIMValue& value) {
   if (value.IsArray()) {
-    Array(value);
+    Array(member, value);
   } else if (value.IsReference()) {
     Reference(value);
   } else {
@@ -63,16 +91,16 @@ void TValueWriter::PropertyAttributes(const std::string& name, const TCIMValue& 
 }
 
 void TValueWriter::Property(const std::string& name, const TCIMValue& value) {
-  const char* const element = PropertyElement(name, value.GetType());
+  const char* const element = PropertyElement(value.GetType());
   fXML.Markup("<").Markup(element);
   // A reference names its class itself.
   PropertyAttributes(name, value, value.IsNull());
-  if (IsAbsent(value)) {
+  if (!CanHold(name, value)) {
     fXML.Markup("/>\n");
     return;
   }
   fXML.Markup(">");
-  Value(value);
+  Element(name, value);
   fXML.Markup("</").Markup(element).Markup(">\n");
 }
 
@@ -88,9 +116,6 @@ void TValueWriter::NamespacePath(const std::string& name) {
 }
 
 void TValueWriter::KeyBinding(const std::string& name, const TCIMValue& value) {
-  if (IsAbsent(value)) {
-    LogErrorAndThrow(kQDXStatusValueIsNULL, {"cimxml: key ", name, " is null"});
-  }
   fXML.Markup("<KEYBINDING").Attribute("NAME", name).Markup(">");
   if (value.IsReference()) {
     Reference(value);
@@ -103,14 +128,14 @@ void TValueWriter::KeyBinding(const std::string& name, const TCIMValue& value) {
   fXML.Markup("</KEYBINDING>");
 }
 
-void TValueWriter::Array(const TCIMValue& value) {
+void TValueWriter::Array(const std::string& member, const TCIMValue& value) {
   fXML.Markup("<VALUE.ARRAY>");
   const std::vector<TCIMValue>& elements = value;
   for (const TCIMValue& element : elements) {
-    if (IsAbsent(element)) {
-      fXML.Markup("<VALUE.NULL/>");
+    if (CanHold(member, element)) {
+      Element(member, element);
     } else {
-      Value(element);
+      fXML.Markup("<VALUE.NULL/>");
     }
   }
   fXML.Markup("</VALUE.ARRAY>");

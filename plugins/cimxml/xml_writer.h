@@ -27,6 +27,7 @@ class TXMLWriter {
   TXMLWriter& Attribute(std::string_view name, std::string_view value);
 
   std::size_t Replaced() const { return fReplaced; }
+  void SetReplaced(std::size_t count) { fReplaced = count; }
 
  private:
   std::size_t WriteCharacter(std::string_view text);

@@ -81,17 +81,32 @@ TEST(CIMXMLConsumer, SaysWhyAFileCannotBeWritten) {
   EXPECT_QDX_STATUS(MakeConsumer()->Consume(ns, {}), kQDXStatusRequiredContextMissing);
 }
 
-TEST(CIMXMLConsumer, RefusesWhatTheFormatHasNoElementFor) {
-  const TCIMValue references(TCIMValue::TCIMType::kCIMTypeReference, 2);
-  const TCIMDateTime tooLong(2004, 300, 1, 0, 0, 0, 0, 0);
-  for (const auto& [value, status] : {std::pair{references, kQDXStatusNotSupported},
-                                      std::pair{TCIMValue(tooLong), kQDXStatusInvalidDateTime}}) {
-    const TNamespace ns = MakeNamespace();
-    AddClass(ns, "C", {}, {{"p", value}});
-    const TLogCapture log;
-    EXPECT_QDX_STATUS(Written({ns}), status);
-    EXPECT_EQ(log.Messages().size(), 1U);
-  }
+TEST(CIMXMLConsumer, LeavesOutOnlyWhatTheFormatHasNoElementFor) {
+  using TType = TCIMValue::TCIMType;
+  const TCIMValue tooLong(TCIMDateTime(4000000000U, 1, 1, 1, 1));
+  const TCIMValue noDate(TType::kCIMTypeDateTime, 0);
+  const TNamespace ns = MakeNamespace();
+  AddClass(ns, "C", {{"k", noDate}},
+           {{"a", TCIMValue(TType::kCIMTypeDateTime, 0, {tooLong, TCIMDateTime(1, 2, 3, 4, 5)})},
+            {"d", tooLong},
+            {"r", TCIMValue(TType::kCIMTypeReference, 2)}});
+  const auto method = ns->CreateClass("M", nullptr, {});
+  method->CreateMethodDecl("f", TType::kCIMTypeReference, {});
+  method->Commit({});
+  AddInstance(ns, "C", {{"k", tooLong}});
+  AddInstance(ns, "C", {{"k", TCIMDateTime(1, 2, 3, 4, 5)}});
+  const TLogCapture log;
+  const TDocumentFile file("");
+  MakeConsumer()->Consume(ns, {{"file", file.Path()}});
+  // Of the declarations four, an instance, and two values of the other.
+  EXPECT_EQ(log.Messages(),
+            TNames{"1 cimxml: 7 values that CIM-XML cannot hold were left out of " + file.Path() +
+                   ", the first: test:C.a: a date-time longer than 25 characters"});
+  const std::string written = ReadWholeFile(file.Path());
+  EXPECT_NE(written.find("<VALUE.ARRAY><VALUE.NULL/><VALUE>00000001020304.000005:000</VALUE>"),
+            std::string::npos);
+  EXPECT_EQ(written.find("\"r\""), std::string::npos);
+  EXPECT_EQ(Written({Read(file.Path(), "test")}), written);
 }
 
 /// Does the work with a file in the place of a standard one.

@@ -74,12 +74,15 @@ const struct {
      "1:27 declares an entity"},
     {"<!DOCTYPE CIM [<!ENTITY x SYSTEM '/etc/passwd'>]><CIM>&x;</CIM>", "1:47 declares an entity"},
     {"<!DOCTYPE CIM SYSTEM 'x.dtd'><CIM>&x;</CIM>", "1:35 unknown entity \"x\""},
+    {"<!DOCTYPE CIM SYSTEM 'x.dtd'><CIM CIMVERSION='&amp;&#65;&x;'/>", "1:30 unknown entity \"x\""},
+    {"<!DOCTYPE CIM [<!ATTLIST CIM CIMVERSION CDATA 'x'>]><CIM/>", "1:47 declares an attribute"},
+    {"<!DOCTYPE CIM [<!ELEMENT CIM ANY>]><CIM/>", "1:30 declares an element"},
     // What grows without end.
     {Document({Repeated("<VALUE.REFERENCE>", 300)}), "2:4304 elements nested too deep"},
     {Document({Class("", std::string(3 << 20, 'n'))}), "2:20 a tag or a comment is too long"},
     {Document({"<!--" + std::string(3 << 20, 'n')}), "2:20 a tag or a comment is too long"},
     {Attributes(33), "1:1 too many attributes"},
-    {Document({Repeated("<VALUE/>", 1 << 21)}), "2:16777228 an object has too many elements"},
+    {Document({Repeated("<VALUE/>", 1 << 22)}), "2:29826172 an object is too large"},
     {Document(Chain(120)), "101:20 classes nested too deep"},
     // Contents.
     {Document({Class("<FOO/>")}), "2:36 unknown element \"FOO\""},

@@ -161,7 +161,7 @@ TEST(CIMXMLDocument, DoesNotDependOnTheOrderOfDeclarations) {
 
 TEST(CIMXMLDocument, ReplacesAndCountsWhatXMLCannotHold) {
   const TNamespace ns = MakeNamespace();
-  AddClass(ns, "C", {}, {{"s", ""}});
+  AddClass(ns, "C", {{"s", ""}});  // a key, which stands there twice but counts once
   const std::string r = "\xEF\xBF\xBD";
   const std::pair<std::string, std::string> kCases[] = {{std::string("\0a\x1F", 3), r + "a" + r},
                                                         {"\xFFz\xC3z", r + "z" + r + "z"},
