@@ -14,7 +14,9 @@ namespace {
 std::vector<TNamespaceSnapshot> ReadSnapshot(const std::string& file) {
   std::vector<TNamespaceSnapshot> snapshot;
   for (const auto& ns : ReadDocument(file)) {
-    snapshot.push_back({ns->GetName(TOptionsMap()), ReadClasses(*ns, kValues)});
+    snapshot.push_back({ns->GetName(TOptionsMap()), {}});
+    TSnapshotReader(*ns, kValues, snapshot.back().fClasses).ReadAll();
+    SortSnapshot(snapshot.back().fClasses);
   }
   return snapshot;
 }
