@@ -10,30 +10,14 @@ namespace {
 
 /// Names of properties, in whatever class, that tell how a machine is doing just now.
 bool IsVolatile(const std::string& property) {
-  static const std::set<std::string> names = {"AvailableSpace",
-                                              "BytesReceived",
-                                              "BytesTotal",
-                                              "BytesTransmitted",
-                                              "CollectionTime",
-                                              "CurrentClockSpeed",
-                                              "CurrentReading",
-                                              "CurrentTime",
-                                              "FreePhysicalMemory",
-                                              "FreeSpaceInPagingFiles",
-                                              "FreeVirtualMemory",
-                                              "KernelModeTime",
-                                              "LoadPercentage",
-                                              "LocalDateTime",
-                                              "NumberOfProcesses",
-                                              "NumberOfUsers",
-                                              "PacketsReceived",
-                                              "PacketsTransmitted",
-                                              "PowerOnHours",
-                                              "StatisticTime",
-                                              "SystemUpTime",
-                                              "TotalPowerOnHours",
-                                              "UpTime",
-                                              "UserModeTime"};
+  static const std::set<std::string> names = {
+      "AvailableSpace",     "BytesReceived",          "BytesTotal",        "BytesTransmitted",
+      "CollectionTime",     "CurrentClockSpeed",      "CurrentReading",    "CurrentTime",
+      "FreePhysicalMemory", "FreeSpaceInPagingFiles", "FreeVirtualMemory", "KernelModeTime",
+      "LoadPercentage",     "LocalDateTime",          "NumberOfProcesses", "NumberOfUsers",
+      "PacketsReceived",    "PacketsTransmitted",     "PowerOnHours",      "RootFolder",
+      "StatisticTime",      "SystemUpTime",           "TotalPowerOnHours", "UpTime",
+      "UserModeTime"};
   return names.count(property) != 0;
 }
 
@@ -52,7 +36,19 @@ void Merge(const std::vector<T>& a, const std::vector<T>& b, TKey key, TVisit vi
   }
 }
 
+std::string Dump(const TJSON& value) {
+  return value.dump(-1, ' ', false, TJSON::error_handler_t::replace);
+}
+
 const auto kByName = [](const auto& element) -> const std::string& { return element.fName; };
+
+/// "TYPE", "TYPE key", "TYPE = DEFAULT"; null for none.
+TJSON DeclarationText(const TPropertySnapshot* property) {
+  if (property == nullptr) return nullptr;
+  std::string text = property->fType + (property->fIsKey ? " key" : "");
+  if (!property->fDefault.is_null()) text += " = " + Dump(property->fDefault);
+  return text;
+}
 
 /// An instance under what tells it from all others of its class.
 using TIdentified = std::pair<std::string, const TInstanceSnapshot*>;
@@ -129,10 +125,15 @@ void TComparison::CompareClasses(const std::string& name, const TClassSnapshot* 
 }
 
 void TComparison::CompareDeclarations(const TClassSnapshot& a, const TClassSnapshot& b) {
+  if (a.fSuperclass != b.fSuperclass) {
+    const auto name = [](const std::string& text) { return text.empty() ? TJSON() : TJSON(text); };
+    fDifferences.push_back({TDifference::kSuperclass, TDifference::kChanged, fNamespace, a.fName,
+                            "", name(a.fSuperclass), name(b.fSuperclass)});
+  }
   Merge(a.fProperties, b.fProperties, kByName,
         [&](const auto& name, const auto* inA, const auto* inB) {
-          const TJSON before = inA != nullptr ? TJSON(inA->fType) : TJSON();
-          const TJSON after = inB != nullptr ? TJSON(inB->fType) : TJSON();
+          const TJSON before = DeclarationText(inA);
+          const TJSON after = DeclarationText(inB);
           if (before == after) return;
           const auto change = inA == nullptr   ? TDifference::kAdded
                               : inB == nullptr ? TDifference::kRemoved
@@ -152,8 +153,7 @@ std::vector<TIdentified> TComparison::Identify(const TClassSnapshot& cimClass) c
     std::string identity = instance.fPath;
     for (std::size_t i = 0; i < properties.size() && !hasKeys; ++i) {
       if (!IsCompared(properties[i])) continue;
-      identity += " " + properties[i].fName + "=" +
-                  instance.fValues[i].dump(-1, ' ', false, TJSON::error_handler_t::replace);
+      identity += " " + properties[i].fName + "=" + Dump(instance.fValues[i]);
     }
     identified.emplace_back(identity, &instance);
   }
