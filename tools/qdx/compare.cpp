@@ -8,16 +8,44 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// Names of properties, in whatever class, that tell how a machine is doing just now.
+/// Names of properties, in whatever class, that tell how a machine is doing just now, or from where
+/// it was collected.
 bool IsVolatile(const std::string& property) {
-  static const std::set<std::string> names = {
-      "AvailableSpace",     "BytesReceived",          "BytesTotal",        "BytesTransmitted",
-      "CollectionTime",     "CurrentClockSpeed",      "CurrentReading",    "CurrentTime",
-      "FreePhysicalMemory", "FreeSpaceInPagingFiles", "FreeVirtualMemory", "KernelModeTime",
-      "LoadPercentage",     "LocalDateTime",          "NumberOfProcesses", "NumberOfUsers",
-      "PacketsReceived",    "PacketsTransmitted",     "PowerOnHours",      "RootFolder",
-      "StatisticTime",      "SystemUpTime",           "TotalPowerOnHours", "UpTime",
-      "UserModeTime"};
+  static const std::set<std::string> names = {"AvailablePhysicalMemory",
+                                              "AvailableSpace",
+                                              "BytesReceived",
+                                              "BytesTotal",
+                                              "BytesTransmitted",
+                                              "CarrierChanges",
+                                              "CollectionTime",
+                                              "CurrentClockSpeed",
+                                              "CurrentReading",
+                                              "CurrentTime",
+                                              "FreeInodes",
+                                              "FreePhysicalMemory",
+                                              "FreeSpaceInPagingFiles",
+                                              "FreeVirtualMemory",
+                                              "KernelModeTime",
+                                              "LoadAverage1",
+                                              "LoadAverage15",
+                                              "LoadAverage5",
+                                              "LoadPercentage",
+                                              "LocalDateTime",
+                                              "NumberOfProcesses",
+                                              "NumberOfUsers",
+                                              "PacketsReceived",
+                                              "PacketsTransmitted",
+                                              "PowerOnHours",
+                                              "ReceiveDrops",
+                                              "ReceiveErrors",
+                                              "RootFolder",
+                                              "StatisticTime",
+                                              "SystemUpTime",
+                                              "TotalPowerOnHours",
+                                              "TransmitDrops",
+                                              "TransmitErrors",
+                                              "UpTime",
+                                              "UserModeTime"};
   return names.count(property) != 0;
 }
 

@@ -156,6 +156,10 @@ bool AddLiveMachine(const TArguments& arguments, TSelection& selection) {
   const std::string& element = request.fElement.fText;
   // Lines about the providers that failed are the whole reason.
   if (element.empty() && !complete) throw TCommandFailure(kExitNothingCollected, "");
+  if (!element.empty() && !complete && why.fStatus == kQDXStatusNotFound) {
+    const TFailure failure(kQDXStatusNotFound, "not in what could be read");
+    throw TCommandFailure(kExitBadInput, FailureLine("looking for", element, failure));
+  }
   if (!element.empty()) {
     throw TCommandFailure(kExitBadInput, FailureLine("looking for", element, why));
   }

@@ -135,10 +135,11 @@ TClassSnapshot& TSnapshotReader::Add(const TClass& cimClass) {
 
 void TSnapshotReader::AddInstance(TClassSnapshot& snapshot, const TInstance& instance,
                                   const TClass& cimClass) const {
+  if (fDepth >= kInstances) {
+    snapshot.fInstances.push_back(
+        SnapshotOf(instance, cimClass, snapshot.fProperties, fHome, fDepth));
+  }
   ++snapshot.fInstanceCount;
-  if (fDepth < kInstances) return;
-  snapshot.fInstances.push_back(
-      SnapshotOf(instance, cimClass, snapshot.fProperties, fHome, fDepth));
 }
 
 void SortSnapshot(std::vector<TClassSnapshot>& classes) {
