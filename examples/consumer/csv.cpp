@@ -69,23 +69,29 @@ class TCSVConsumer : public INamespaceConsumer {
  public:
   const std::string& GetName(TOptionsMap) const override { return fName; }
 
-  /// Option "file" names the file that is written, "-" is standard output.
+  /// Option "file" names the file that is written, "-" is standard output. Where "more" is true,
+  /// another namespace follows for the same file.
   void Consume(boost::shared_ptr<ICIMNamespace> ns, TOptionsMap options) override {
     const auto option = options.find("file");
     if (option == options.end()) {
       LogErrorAndThrow(kQDXStatusRequiredContextMissing, {"csv needs the option \"file\""});
     }
     const std::string name = option->second;
+    const auto mode = fContinues ? std::ios::app : std::ios::trunc;
+    fContinues = false;  // after a failure all begins anew
     std::ofstream file;
-    if (name != "-") file.open(name, std::ios::binary);
+    if (name != "-") file.open(name, std::ios::binary | mode);
     std::ostream& output = name == "-" ? std::cout : file;
     TCSVWriter(output).WriteNamespace(*ns);
     // Buffered lines may fail as late as here.
     if (!output.flush()) LogErrorAndThrow(kQDXStatusFileSystemError, {"cannot write ", name});
+    const auto more = options.find("more");
+    fContinues = more != options.end() && static_cast<bool>(more->second);
   }
 
  private:
   const std::string fName = "csv";
+  bool fContinues = false;
 };
 
 }  // namespace

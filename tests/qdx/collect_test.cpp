@@ -110,6 +110,8 @@ TEST_F(QDXCollect, LeavesNothingWhereItCannotWrite) {
       {"\"$0\" collect -o /dev/full", "writing document, /dev/full: "},
       {"ulimit -f 4; \"$0\" collect -o x.xml",
        "writing document, x.xml: cimxml: x.xml: File too large ["},
+      {"ln -s no x; trap 'rm x' EXIT; \"$0\" collect -ox", "following link, x: No such file or "},
+      {"\"$0\" collect --consumer none -o x.xml", "loading consumer, none: "},
       {"\"$0\" collect --provider none", "asking provider, none: "}};
   for (const auto& [script, error] : rows) {
     const TProgramRun run = RunScript(script);

@@ -91,6 +91,25 @@ TEST_F(QDXDiff, NamesWhatDiffers) {
       << json;
 }
 
+TEST_F(QDXDiff, ComparesDeclarationsAndWarnsOfValuesThatAreLost) {
+  const std::string base = Class("Base", "") + Class("Other", "");
+  const auto derived = [&](const std::string& super, const std::string& declared) {
+    return base + "<VALUE.OBJECT><CLASS NAME=\"Sub\" SUPERCLASS=\"" + super +
+           "\"><PROPERTY NAME=\"P\" TYPE=\"datetime\">" + declared +
+           "</PROPERTY></CLASS></VALUE.OBJECT>";
+  };
+  const std::string time = "<VALUE>20040315143000.000000+060</VALUE>";
+  const std::string a = Write("a.xml", derived("Base", time));
+  const std::string b = Write("b.xml", derived("Other", kKey));
+  EXPECT_EQ(fInstallation.Run({"diff", a, b}).fOutput,
+            "root/cimv2\n~ class Sub\n    ~ (superclass)  Base -> Other\n"
+            "    ~ P             datetime = \"20040315143000.000000+060\" -> datetime key\n");
+  const std::string wild =
+      Write("w.xml", derived("Base", "<VALUE>200403151430**.******+060</VALUE>"));
+  const std::string warning = "qdx: cimxml: 1 date-times that cannot be held were read as null ";
+  EXPECT_EQ(fInstallation.Run({"diff", wild, wild, "--log-level=error"}).fErrors.find(warning), 0U);
+}
+
 TEST_F(QDXDiff, RefusesWhatIsNoDocument) {
   const std::string a = Write("a.xml", fDisk);
   EXPECT_EQ(fInstallation.RunScript("\"$0\" diff - " + a + " <" + a).fExitCode, 0);

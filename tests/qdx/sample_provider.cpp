@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Provider "sample": root/sample has a value of every type, and as many instances as the
-// environment asks for. Provider "spoiled": root/sample too, and root/spoiled, which fails
-// half-way.
+// environment asks for. Provider "spoiled": root/sample too, root/spoiled, which fails half-way,
+// and root/odd, which no document can hold.
 #include <qdxcore/registry.h>
 
 #include <cstdlib>
@@ -61,6 +61,7 @@ class TProvider : public INamespaceProvider {
     if (name == "root/sample") return MakeSample();
     const auto faults = boost::make_shared<TFaults>();
     faults->Throw("ICIMInstance::EnumerateProperties", kQDXStatusAccessDenied, 2);
+    faults->Throw("ICIMInstance::GetProperty", kQDXStatusAccessDenied, 2);
     return MakeFaultyNamespace(MakeSample(), faults);
   }
 

@@ -48,6 +48,14 @@ TEST_F(QDXShow, CutsATreeAtTheDepth) {
   }
 }
 
+TEST_F(QDXShow, KeepsWhatWasReadBeforeAFailure) {
+  const TProgramRun run = fInstallation.Run({"show", "root/spoiled:Sample_Many", "--depth=2"});
+  EXPECT_EQ(run.fOutput,
+            "root/spoiled  (provider spoiled)\n  Sample_Many  (1 instance)\n"
+            "    Sample_Many.Number=\"1\"\n");
+  EXPECT_EQ(run.fExitCode, 3);
+}
+
 TEST_F(QDXShow, GivesTheReasonOfTheInstanceThatLacksAValue) {
   fInstallation.AddLinuxProvider();
   for (const char* device : {"sg0", "sg1"}) {
@@ -64,7 +72,7 @@ TEST_F(QDXShow, GivesTheReasonOfTheInstanceThatLacksAValue) {
 TEST_F(QDXShow, SaysWhatItCannotShow) {
   const std::string text = fFolder.Write("text", "no document").string();
   const std::tuple<std::vector<std::string>, int, std::string> rows[] = {
-      {{"Sample_None"}, 4, "looking for, Sample_None: no such class, instance or file ["},
+      {{"Sample_None"}, 4, "looking for, Sample_None: not in what could be read ["},
       {{fDocument, "root/qdx:Sample_All"}, 4, "looking for, root/qdx:Sample_All: no such class"},
       {{fDocument, "Sample_All.Key=\"b\""}, 4, "looking for, Sample_All.Key=\"b\": no such class"},
       {{fDocument, "Sample_All.Key=b"}, 4, "looking for, Sample_All.Key=b: Reference missing "},

@@ -17,6 +17,8 @@ TEST(QDXUsage, ExplainsAMistakeInOneLine) {
                          {{"help", "frob"}, "unknown verb 'frob'"},
                          {{"help", "identity", "x"}, "unexpected argument 'x'"},
                          {{"upload", "file"}, "upload needs an argument: NAME"},
+                         {{"show", "", "x"}, "an argument is empty: FILE"},
+                         {{"collect", "-ox", "-o"}, "option '--output' needs a value: FILE"},
                          {{"upload", "f", "n", "x"}, "unexpected argument 'x'"},
                          {{"identity", "--", "--json"}, "unexpected argument '--json'"},
                          {{"identity", "--roo=/"}, "unknown option '--roo'"},

@@ -22,16 +22,21 @@ const TOptionSpec& FindOption(const std::vector<TOptionSpec>& options, const std
   return *found;
 }
 
+/// Where the name ends in "--name=value", "-nvalue" or "-n=value".
+std::size_t EndOfName(const std::string& word) {
+  return word.compare(0, 2, "--") == 0 ? std::min(word.find('='), word.size()) : 2;
+}
+
 /// Takes the option that begins at `word`, and the word behind it if that is its value.
 void TakeOption(const std::vector<TOptionSpec>& options, TWords::const_iterator& word,
                 TWords::const_iterator end, TArguments& arguments) {
-  const std::size_t equals = word->find('=');
-  const TOptionSpec& option = FindOption(options, word->substr(0, equals));
+  const std::size_t endOfName = EndOfName(*word);
+  const TOptionSpec& option = FindOption(options, word->substr(0, endOfName));
   const std::string shown = std::string("option '--") + option.fName + "'";
   std::string value;
-  if (equals != std::string::npos) {
+  if (endOfName != word->size()) {
     if (option.fValueName == nullptr) FailUsage(shown + " takes no value");
-    value = word->substr(equals + 1);
+    value = word->substr(endOfName + ((*word)[endOfName] == '=' ? 1 : 0));
   } else if (option.fValueName != nullptr && std::next(word) != end) {
     value = *++word;
   }
@@ -77,6 +82,9 @@ void CheckOperands(const std::string& verb, const std::vector<TOperandSpec>& spe
                    const TWords& operands) {
   if (operands.size() > specs.size()) {
     FailUsage("unexpected argument '" + operands[specs.size()] + "'");
+  }
+  for (std::size_t i = 0; i < operands.size(); ++i) {
+    if (operands[i].empty()) FailUsage(std::string("an argument is empty: ") + specs[i].fName);
   }
   for (std::size_t missing = operands.size(); missing < specs.size(); ++missing) {
     if (specs[missing].fPresence == TOperandSpec::kRequired) {

@@ -34,14 +34,14 @@ struct TArguments {
   std::vector<std::string> fOperands;
 };
 
-/// Options stand before, between or behind operands, up to "--"; a value follows as "--name=value"
-/// or as a word of its own. Throws a TCommandFailure for an unknown option, and for a value that is
-/// missing, empty or too much.
+/// Options stand before, between or behind operands, up to "--"; a value follows as "--name=value",
+/// as "-nvalue" or as a word of its own. Throws a TCommandFailure for an unknown option, and for a
+/// value that is missing, empty or too much.
 TArguments ParseArguments(const std::vector<TOptionSpec>& options,
                           const std::vector<std::string>& words);
 
-/// Throws a TCommandFailure if a required operand is missing, or there is one too many; `verb` is
-/// who asks for them.
+/// Throws a TCommandFailure if a required operand is missing, one is empty, or there is one too
+/// many; `verb` is who asks for them.
 void CheckOperands(const std::string& verb, const std::vector<TOperandSpec>& specs,
                    const std::vector<std::string>& operands);
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
 #include <ctime>
 #include <filesystem>
 #include <locale>
@@ -42,29 +43,36 @@ bool IsEmpty(const ICIMNamespace& ns) {
   return empty;
 }
 
+/// What a provider delivered.
+struct TCopy {
+  TOrigin fOrigin;
+  boost::shared_ptr<ICIMNamespace> fNamespace;
+};
+using TCopies = std::vector<TCopy>;
+
 /// What was copied before a failure stays.
-TNamespaces CopyNamespaces(TLiveMachine& machine) {
-  TNamespaces copies;
+TCopies CopyNamespaces(TLiveMachine& machine) {
+  TCopies copies;
   machine.VisitNamespaces("copying", [&copies](const TOrigin& origin, const auto& ns) {
     const auto copy = MakeRepositoryNamespace(origin.fNamespace);
     if (IsNamed(*copy, kRecordNamespaceName)) {
       LogErrorAndThrow(kQDXStatusAlreadyExists, {"the record of the collection has this name"});
     }
-    copies.push_back(copy);
+    copies.push_back({origin, copy});
     const std::string label = "collecting " + origin.fProvider + " " + origin.fNamespace;
     TCIMCopy::CopyClasses(ns, WithProgress(copy, label));
   });
   const auto begin = copies.begin();
-  copies.erase(std::remove_if(begin, copies.end(), [](const auto& ns) { return IsEmpty(*ns); }),
-               copies.end());
+  const auto isEmpty = [](const TCopy& copy) { return IsEmpty(*copy.fNamespace); };
+  copies.erase(std::remove_if(begin, copies.end(), isEmpty), copies.end());
   return copies;
 }
 
 /// The name that the collected machine gives itself. Empty if it is not known: that of the machine
 /// which this command runs on would be wrong for one below another root folder.
-std::string HostName(const TNamespaces& namespaces, const std::string& root) {
+std::string HostName(const TCopies& copies, const std::string& root) {
   std::string name;
-  for (const auto& ns : namespaces) {
+  for (const auto& [origin, ns] : copies) {
     if (!IsNamed(*ns, kMachineNamespace)) continue;
     (void)Try([&] { name = TCIMSchemaHelper::GetSystemName(ns); });
   }
@@ -73,7 +81,7 @@ std::string HostName(const TNamespaces& namespaces, const std::string& root) {
 }
 
 /// A host name comes from anywhere: what is not known to be harmless in a file name is replaced.
-std::string DefaultFile(const std::string& hostName) {
+std::string DefaultName(const std::string& hostName) {
   std::string file = hostName.empty() ? "unknown" : hostName.substr(0, 64);
   for (char& c : file) {
     const bool harmless = std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '.' || c == '_';
@@ -85,7 +93,7 @@ std::string DefaultFile(const std::string& hostName) {
   const std::time_t now = std::time(nullptr);
   std::tm local = {};
   std::strftime(stamp, sizeof(stamp), "-%Y%m%dT%H%M%S", ::localtime_r(&now, &local));
-  return file + stamp + ".xml.gz";
+  return file + stamp;
 }
 
 /// A device, a pipe, a folder: nothing that a file could be put in the place of.
@@ -94,43 +102,107 @@ bool IsNoFile(const std::string& path) {
   return fs::exists(path, error) && !fs::is_regular_file(path, error);
 }
 
-/// A link stays, and what it leads to is replaced.
-void WriteNewFile(TDocumentWriter& writer, const TNamespaces& namespaces, const std::string& file) {
-  std::error_code error;
-  const fs::path resolved = fs::weakly_canonical(fs::absolute(file), error);
-  const fs::path path = error ? fs::path(file) : resolved;
-  const bool compressed = boost::algorithm::ends_with(file, ".gz");
-  TNewFile newFile(path.parent_path().string(), compressed ? ".gz" : "", file);
-  writer.Write(namespaces, newFile.GetPath(), file);
-  newFile.Publish(path.string());
-  WriteOutput(file + "\n");
+[[noreturn]] void FailToCollect(const TLiveMachine& machine, const std::string& why) {
+  throw TCommandFailure(kExitNothingCollected,
+                        FailureLine("collecting", machine.GetRoot(), {kQDXStatusNotFound, why}));
 }
 
-void WriteDocument(TDocumentWriter& writer, const TNamespaces& namespaces,
-                   const std::string& file) {
-  if (file == "-") return writer.Write(namespaces, file, "standard output");
-  if (IsNoFile(file)) return writer.Write(namespaces, file, file);
-  WriteNewFile(writer, namespaces, file);
-}
+/// What goes into a document, and how it gets there.
+class TCollection {
+ public:
+  TCollection(TLiveMachine& machine, TDocumentWriter& writer)
+      : fMachine(machine),
+        fWriter(writer),
+        fCopies(CopyNamespaces(machine)),
+        fHostName(HostName(fCopies, machine.GetRoot())) {
+    if (fCopies.empty()) FailToCollect(machine, "no provider delivered anything");
+  }
+
+  /// Under a name that no file has yet.
+  void WriteByDefaultName() {
+    const std::string name = DefaultName(fHostName);
+    std::string file = name + kDefaultSuffix;
+    TNewFile newFile(".", kDefaultSuffix, file);
+    Write(newFile, file);
+    for (int number = 2; !newFile.PublishIfNew(file); ++number) {
+      file = name + "-" + std::to_string(number) + kDefaultSuffix;
+    }
+    WriteFileName(file);
+  }
+
+  void WriteTo(const std::string& file) {
+    if (file == "-") return WriteAsItStands(file, "standard output");
+    if (IsNoFile(file)) return WriteAsItStands(file, file);
+    const fs::path path = fs::absolute(FileToReplace(file));
+    // Consumers may tell the form of a file by how its name ends.
+    const std::size_t suffix = std::min(file.rfind('.'), file.size());
+    TNewFile newFile(path.parent_path().string(),
+                     file.find('/', suffix) == std::string::npos ? file.substr(suffix) : "", file);
+    Write(newFile, file);
+    newFile.Publish(path.string());
+    WriteFileName(file);
+  }
+
+ private:
+  static constexpr const char* kDefaultSuffix = ".xml.gz";
+
+  TNamespaces NamespacesAndRecord() const {
+    TNamespaces namespaces;
+    for (const TCopy& copy : fCopies) namespaces.push_back(copy.fNamespace);
+    namespaces.push_back(MakeCollectionRecord(fMachine, fHostName));
+    return namespaces;
+  }
+
+  /// What the consumer refuses is left out: the document begins anew.
+  void Write(const TNewFile& newFile, const std::string& shownAs) {
+    while (const auto refusal = fWriter.Write(NamespacesAndRecord(), newFile.GetPath(), shownAs)) {
+      LeaveOut(*refusal, shownAs);
+      if (fCopies.empty()) FailToCollect(fMachine, "the consumer takes nothing of it");
+      fs::resize_file(newFile.GetPath(), 0);
+    }
+  }
+
+  /// What is already written cannot be taken back.
+  void WriteAsItStands(const std::string& file, const std::string& shownAs) {
+    const auto refusal = fWriter.Write(NamespacesAndRecord(), file, shownAs);
+    if (!refusal) return;
+    LeaveOut(*refusal, shownAs);
+    throw TCommandFailure(kExitBadInput, "");
+  }
+
+  void LeaveOut(const TRefusal& refusal, const std::string& shownAs) {
+    if (refusal.fIndex == fCopies.size()) {  // the record
+      throw TCommandFailure(kExitBadInput,
+                            FailureLine("writing document", shownAs, refusal.fFailure));
+    }
+    const auto refused = fCopies.begin() + static_cast<std::ptrdiff_t>(refusal.fIndex);
+    fMachine.AddFailure({refused->fOrigin, "writing", refusal.fFailure});
+    fCopies.erase(refused);
+  }
+
+  TLiveMachine& fMachine;
+  TDocumentWriter& fWriter;
+  TCopies fCopies;
+  const std::string fHostName;
+};
 
 EExitCode RunCollect(const TArguments& arguments) {
-  TLiveMachine machine(arguments);
-  TDocumentWriter writer;
-  TNamespaces namespaces = CopyNamespaces(machine);
-  if (namespaces.empty()) {
-    const TFailure failure(kQDXStatusNotFound, "no provider delivered anything");
-    throw TCommandFailure(kExitNothingCollected,
-                          FailureLine("collecting", machine.GetRoot(), failure));
+  const std::string consumer = arguments.Get("consumer", TDocumentWriter::kDefaultConsumer);
+  if (consumer != TDocumentWriter::kDefaultConsumer && !arguments.Has("output")) {
+    throw TCommandFailure(kExitUsage, "option '--consumer' needs option '--output'");
   }
-  const std::string hostName = HostName(namespaces, machine.GetRoot());
-  namespaces.push_back(MakeCollectionRecord(machine, hostName));
-  WriteDocument(writer, namespaces, arguments.Get("output", DefaultFile(hostName)));
-  return machine.GetFailures().empty() ? kExitDone : kExitPartlyDone;
+  TLiveMachine machine(arguments);
+  TDocumentWriter writer(consumer);
+  TCollection collection(machine, writer);
+  arguments.Has("output") ? collection.WriteTo(arguments.Get("output", ""))
+                          : collection.WriteByDefaultName();
+  return machine.GetFailures().empty() && !writer.HasWarned() ? kExitDone : kExitPartlyDone;
 }
 
 std::vector<TOptionSpec> CollectOptions() {
   std::vector<TOptionSpec> options = {
-      {"output", "FILE", "Write this file; '-' is standard output.", 'o'}};
+      {"output", "FILE", "Write this file; '-' is standard output.", 'o'},
+      {"consumer", "NAME", "Write by this consumer plug-in, not as a CIM-XML document."}};
   const auto machine = TLiveMachine::Options();
   options.insert(options.end(), machine.begin(), machine.end());
   return options;
@@ -144,7 +216,9 @@ TVerb CollectVerb() {
       "The document appears whole or not at all, readable by its owner alone; a name that ends\n"
       "in .gz makes it a compressed one. Without --output it is\n"
       "HOSTNAME-YYYYMMDDTHHMMSS.xml.gz in the current folder. Its name is printed.\n"
-      "A provider that fails is named, on standard error and in the document.\n",
+      "Another consumer writes whatever it makes of the namespaces into that file.\n"
+      "A provider that fails, or a namespace that cannot be written, is named, on standard error "
+      "and in the document.\n",
       CollectOptions(), RunCollect};
 }
 

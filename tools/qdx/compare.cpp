@@ -8,20 +8,27 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// Names of properties, in whatever class, that tell how a machine is doing just now.
+/// Names of properties, in whatever class, that tell how a machine is doing just now, or from where
+/// it was collected.
 bool IsVolatile(const std::string& property) {
-  static const std::set<std::string> names = {"AvailableSpace",
+  static const std::set<std::string> names = {"AvailablePhysicalMemory",
+                                              "AvailableSpace",
                                               "BytesReceived",
                                               "BytesTotal",
                                               "BytesTransmitted",
+                                              "CarrierChanges",
                                               "CollectionTime",
                                               "CurrentClockSpeed",
                                               "CurrentReading",
                                               "CurrentTime",
+                                              "FreeInodes",
                                               "FreePhysicalMemory",
                                               "FreeSpaceInPagingFiles",
                                               "FreeVirtualMemory",
                                               "KernelModeTime",
+                                              "LoadAverage1",
+                                              "LoadAverage15",
+                                              "LoadAverage5",
                                               "LoadPercentage",
                                               "LocalDateTime",
                                               "NumberOfProcesses",
@@ -29,9 +36,14 @@ bool IsVolatile(const std::string& property) {
                                               "PacketsReceived",
                                               "PacketsTransmitted",
                                               "PowerOnHours",
+                                              "ReceiveDrops",
+                                              "ReceiveErrors",
+                                              "RootFolder",
                                               "StatisticTime",
                                               "SystemUpTime",
                                               "TotalPowerOnHours",
+                                              "TransmitDrops",
+                                              "TransmitErrors",
                                               "UpTime",
                                               "UserModeTime"};
   return names.count(property) != 0;
@@ -52,7 +64,19 @@ void Merge(const std::vector<T>& a, const std::vector<T>& b, TKey key, TVisit vi
   }
 }
 
+std::string Dump(const TJSON& value) {
+  return value.dump(-1, ' ', false, TJSON::error_handler_t::replace);
+}
+
 const auto kByName = [](const auto& element) -> const std::string& { return element.fName; };
+
+/// "TYPE", "TYPE key", "TYPE = DEFAULT"; null for none.
+TJSON DeclarationText(const TPropertySnapshot* property) {
+  if (property == nullptr) return nullptr;
+  std::string text = property->fType + (property->fIsKey ? " key" : "");
+  if (!property->fDefault.is_null()) text += " = " + Dump(property->fDefault);
+  return text;
+}
 
 /// An instance under what tells it from all others of its class.
 using TIdentified = std::pair<std::string, const TInstanceSnapshot*>;
@@ -129,10 +153,15 @@ void TComparison::CompareClasses(const std::string& name, const TClassSnapshot* 
 }
 
 void TComparison::CompareDeclarations(const TClassSnapshot& a, const TClassSnapshot& b) {
+  if (a.fSuperclass != b.fSuperclass) {
+    const auto name = [](const std::string& text) { return text.empty() ? TJSON() : TJSON(text); };
+    fDifferences.push_back({TDifference::kSuperclass, TDifference::kChanged, fNamespace, a.fName,
+                            "", name(a.fSuperclass), name(b.fSuperclass)});
+  }
   Merge(a.fProperties, b.fProperties, kByName,
         [&](const auto& name, const auto* inA, const auto* inB) {
-          const TJSON before = inA != nullptr ? TJSON(inA->fType) : TJSON();
-          const TJSON after = inB != nullptr ? TJSON(inB->fType) : TJSON();
+          const TJSON before = DeclarationText(inA);
+          const TJSON after = DeclarationText(inB);
           if (before == after) return;
           const auto change = inA == nullptr   ? TDifference::kAdded
                               : inB == nullptr ? TDifference::kRemoved
@@ -152,8 +181,7 @@ std::vector<TIdentified> TComparison::Identify(const TClassSnapshot& cimClass) c
     std::string identity = instance.fPath;
     for (std::size_t i = 0; i < properties.size() && !hasKeys; ++i) {
       if (!IsCompared(properties[i])) continue;
-      identity += " " + properties[i].fName + "=" +
-                  instance.fValues[i].dump(-1, ' ', false, TJSON::error_handler_t::replace);
+      identity += " " + properties[i].fName + "=" + Dump(instance.fValues[i]);
     }
     identified.emplace_back(identity, &instance);
   }

@@ -14,17 +14,28 @@ namespace {
 std::vector<TNamespaceSnapshot> ReadSnapshot(const std::string& file) {
   std::vector<TNamespaceSnapshot> snapshot;
   for (const auto& ns : ReadDocument(file)) {
-    snapshot.push_back({ns->GetName(TOptionsMap()), ReadClasses(*ns, kValues)});
+    snapshot.push_back({ns->GetName(TOptionsMap()), {}});
+    TSnapshotReader(*ns, kValues, snapshot.back().fClasses).ReadAll();
+    SortSnapshot(snapshot.back().fClasses);
   }
   return snapshot;
 }
 
 /// As JSON calls them, in their order.
-const char* const kElements[] = {"namespace", "class", "declaration", "instance", "value"};
+const char* const kElements[] = {"namespace",   "class",    "superclass",
+                                 "declaration", "instance", "value"};
 const char* const kChanges[] = {"removed", "added", "changed"};
 
-bool HasProperty(const TDifference& difference) {
-  return difference.fElement == TDifference::kDeclaration ||
+bool IsOfClass(const TDifference& difference) {
+  return difference.fElement == TDifference::kClass ||
+         difference.fElement == TDifference::kSuperclass ||
+         difference.fElement == TDifference::kDeclaration;
+}
+
+/// Whether it is one within an element that both sides have.
+bool HasOldAndNew(const TDifference& difference) {
+  return difference.fElement == TDifference::kSuperclass ||
+         difference.fElement == TDifference::kDeclaration ||
          difference.fElement == TDifference::kValue;
 }
 
@@ -33,11 +44,9 @@ TJSON AsJSON(const TDifference& difference) {
                 {"element", kElements[difference.fElement]},
                 {"namespace", difference.fNamespace}};
   if (difference.fElement == TDifference::kNamespace) return json;
-  const bool isOfClass = difference.fElement == TDifference::kClass ||
-                         difference.fElement == TDifference::kDeclaration;
-  json[isOfClass ? "class" : "path"] = difference.fOwner;
-  if (!HasProperty(difference)) return json;
-  json["property"] = difference.fProperty;
+  json[IsOfClass(difference) ? "class" : "path"] = difference.fOwner;
+  if (!HasOldAndNew(difference)) return json;
+  if (difference.fElement != TDifference::kSuperclass) json["property"] = difference.fProperty;
   json["old"] = difference.fOld;
   json["new"] = difference.fNew;
   return json;
@@ -53,14 +62,16 @@ class TListing {
       fOwner.clear();
       AddLine({{fNamespace}, TTableRow::kHeading});
     }
-    if (!HasProperty(difference)) {
+    if (!HasOldAndNew(difference)) {
       AddLine({{MarkOf(difference) + NameOf(difference)}, StyleOf(difference)});
       return;
     }
     const std::string owner = NameOf(difference);
     if (owner != fOwner) AddLine({{"~ " + owner}});
     fOwner = owner;
-    fRows.push_back({{"    " + MarkOf(difference) + difference.fProperty, ChangeOf(difference)}});
+    const bool isSuperclass = difference.fElement == TDifference::kSuperclass;
+    const std::string changed = isSuperclass ? "(superclass)" : difference.fProperty;
+    fRows.push_back({{"    " + MarkOf(difference) + changed, ChangeOf(difference)}});
   }
 
   std::string Finish() {
@@ -77,15 +88,8 @@ class TListing {
     return difference.fChange == TDifference::kRemoved ? TTableRow::kRemoved : TTableRow::kAdded;
   }
   static std::string NameOf(const TDifference& difference) {
-    switch (difference.fElement) {
-      case TDifference::kNamespace:
-        return "namespace " + difference.fNamespace;
-      case TDifference::kClass:
-      case TDifference::kDeclaration:
-        return "class " + difference.fOwner;
-      default:
-        return difference.fOwner;
-    }
+    if (difference.fElement == TDifference::kNamespace) return "namespace " + difference.fNamespace;
+    return (IsOfClass(difference) ? "class " : "") + difference.fOwner;
   }
   static std::string ChangeOf(const TDifference& difference) {
     if (difference.fChange == TDifference::kRemoved) return PlainText(difference.fOld);

@@ -6,11 +6,13 @@
 #include <qdxcore/registry.h>
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
+#include <optional>
 
+#include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/replace.hpp>
 
-#include "failure.h"
 #include "output.h"
 
 namespace NVORNQDX20 {
@@ -38,15 +40,21 @@ TNamespaces NamespacesIn(const TOptionsMap& options) {
   return namespaces;
 }
 
-/// The warnings logged since the history had this length.
-std::vector<std::string> WarningsSince(std::size_t length) {
-  const auto& log = TRootObject::GetCoreLogger()->GetLog();
-  std::vector<std::string> warnings;
-  for (auto entry = std::next(log.begin(), static_cast<std::ptrdiff_t>(length)); entry != log.end();
-       ++entry) {
+/// Like Try; and whatever the log is to hold, the operator must learn what a plug-in warned of,
+/// such as a value that was changed. The warnings become lines.
+std::optional<TFailure> TryAndListen(const std::function<void()>& action,
+                                     std::vector<std::string>& warnings) {
+  ILogger& logger = *TRootObject::GetCoreLogger();
+  const auto loggedBefore = static_cast<std::ptrdiff_t>(logger.GetLog().size());
+  const auto threshold = logger.GetLogThreshold();
+  logger.SetLogThreshold(std::max(threshold, ILogger::kLogWarning));
+  auto failure = Try(action);
+  logger.SetLogThreshold(threshold);
+  const auto& log = logger.GetLog();
+  for (auto entry = std::next(log.begin(), loggedBefore); entry != log.end(); ++entry) {
     if (entry->fSeverity == ILogger::kLogWarning) warnings.push_back(entry->fMessage);
   }
-  return warnings;
+  return failure;
 }
 
 }  // namespace
@@ -54,48 +62,62 @@ std::vector<std::string> WarningsSince(std::size_t length) {
 TNamespaces ReadDocument(const std::string& file) {
   LoadProvider();
   TNamespaces namespaces;
-  const auto failure = Try([&] { namespaces = NamespacesIn({{"file", TCIMValue(file)}}); });
+  std::vector<std::string> warnings;
+  const auto failure = TryAndListen(
+      [&] {
+        namespaces = NamespacesIn({{"file", TCIMValue(file)}});
+      },
+      warnings);
+  for (const std::string& warning : warnings) PrintError(warning);
   if (failure) {
     throw TCommandFailure(kExitBadInput, FailureLine("reading document", file, *failure));
   }
   return namespaces;
 }
 
-TDocumentWriter::TDocumentWriter() {
+const char* const TDocumentWriter::kDefaultConsumer = kService;
+
+TDocumentWriter::TDocumentWriter(const std::string& consumer) : fName(consumer) {
   const auto failure = Try([this] {
-    fConsumer.reset(TOSSpecific::LoadNSCLibrary(kService));
+    fConsumer.reset(TOSSpecific::LoadNSCLibrary(fName));
     if (!fConsumer) throw TQDXException(kQDXStatusInvalidPlugin);
   });
-  if (failure) {
-    throw TCommandFailure(kExitNothingCollected,
-                          FailureLine("loading consumer", kService, *failure));
-  }
+  if (!failure) return;
+  // Any other one was named by the operator.
+  throw TCommandFailure(consumer == kService ? kExitNothingCollected : kExitBadInput,
+                        FailureLine("loading consumer", consumer, *failure));
 }
 
-void TDocumentWriter::Write(const TNamespaces& namespaces, const std::string& file,
-                            const std::string& shownAs) {
+std::optional<TRefusal> TDocumentWriter::Write(const TNamespaces& namespaces,
+                                               const std::string& file,
+                                               const std::string& shownAs) {
   const auto shown = [&](const std::string& message) {
     return file == "-" ? message : boost::algorithm::replace_all_copy(message, file, shownAs);
   };
-  ILogger& logger = *TRootObject::GetCoreLogger();
-  const std::size_t loggedBefore = logger.GetLog().size();
-  // Whatever the log is to hold: the operator must learn that a text was changed.
-  const auto threshold = logger.GetLogThreshold();
-  logger.SetLogThreshold(std::max(threshold, ILogger::kLogWarning));
-  const auto failure = Try([&] { Consume(namespaces, file); });
-  logger.SetLogThreshold(threshold);
-  for (const std::string& warning : WarningsSince(loggedBefore)) PrintError(shown(warning));
-  if (!failure) return;
+  std::size_t index = 0;
+  std::vector<std::string> warnings;
+  auto failure = TryAndListen(
+      [&] {
+        for (; index < namespaces.size(); ++index) {
+          const bool more = index + 1 < namespaces.size();
+          fConsumer->Consume(namespaces[index],
+                             {{"file", TCIMValue(file)}, {"more", TCIMValue(more)}});
+        }
+      },
+      warnings);
+  if (failure) failure->fWhy = Blame(shown(failure->fWhy));
+  // What the file system does not take of one namespace, it will not take of another.
+  if (failure && failure->fStatus != kQDXStatusFileSystemError) return TRefusal{index, *failure};
+  fHasWarned = fHasWarned || !warnings.empty();
+  for (const std::string& warning : warnings) PrintError(shown(warning));
+  if (!failure) return std::nullopt;
   if (file == "-" && !OutputHasReader()) throw TCommandFailure(kExitBadInput, "");
-  throw TCommandFailure(kExitBadInput, FailureLine("writing document", shownAs,
-                                                   {failure->fStatus, shown(failure->fWhy)}));
+  throw TCommandFailure(kExitBadInput, FailureLine("writing document", shownAs, *failure));
 }
 
-void TDocumentWriter::Consume(const TNamespaces& namespaces, const std::string& file) {
-  for (const auto& ns : namespaces) {
-    const bool more = ns != namespaces.back();
-    fConsumer->Consume(ns, {{"file", TCIMValue(file)}, {"more", TCIMValue(more)}});
-  }
+/// Many plug-ins name themselves.
+std::string TDocumentWriter::Blame(const std::string& why) const {
+  return boost::algorithm::starts_with(why, fName + ":") ? why : "consumer " + fName + ": " + why;
 }
 
 }  // namespace NVORNQDX20

@@ -1,38 +1,59 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Documents: namespaces in a file, which the plug-ins "cimxml" read and write.
+/// Documents: namespaces in a file, which plug-ins read and write.
 #ifndef QDX_DOCUMENT_H_
 #define QDX_DOCUMENT_H_
 
 #include <qdxcore/interfaces.h>
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <boost/shared_ptr.hpp>
 
+#include "failure.h"
+
 namespace NVORNQDX20 {
 
 using TNamespaces = std::vector<boost::shared_ptr<ICIMNamespace>>;
 
-/// The namespaces of a document, in its order; "-" is standard input. Throws a TCommandFailure if
-/// it cannot be read.
+/// The namespaces of a document, in its order; "-" is standard input. What the plug-in warned
+/// of is told on standard error. Throws a TCommandFailure if it cannot be read.
 TNamespaces ReadDocument(const std::string& file);
 
-/// Writes documents.
+/// A namespace that a consumer does not take.
+struct TRefusal {
+  std::size_t fIndex;
+  TFailure fFailure;
+};
+
+/// Writes namespaces into files by a consumer plug-in.
 class TDocumentWriter {
  public:
-  /// Throws a TCommandFailure if the plug-in cannot be used.
-  TDocumentWriter();
+  static const char* const kDefaultConsumer;
 
-  /// Writes one document, compressed if the name ends in ".gz"; "-" is standard output. Messages
-  /// call the file `shownAs`; what the plug-in had to change on the way is told on standard error.
-  /// Throws a TCommandFailure if it cannot be written, without a line if the reader has gone.
-  void Write(const TNamespaces& namespaces, const std::string& file, const std::string& shownAs);
+  /// Throws a TCommandFailure if the plug-in cannot be used.
+  explicit TDocumentWriter(const std::string& consumer);
+
+  /// Writes one document; "-" is standard output. With the document writer, a name that ends in
+  /// ".gz" makes it a compressed one. Messages call the file `shownAs`; what the plug-in warned of
+  /// is told on standard error.
+  /// Answers the first namespace that was refused: then the file holds nothing of use, and may be
+  /// emptied and written anew without it. Throws a TCommandFailure if the file cannot be written,
+  /// without a line if the reader has gone.
+  std::optional<TRefusal> Write(const TNamespaces& namespaces, const std::string& file,
+                                const std::string& shownAs);
+
+  /// Whether the plug-in warned, because what it wrote is not all that it was given.
+  bool HasWarned() const { return fHasWarned; }
 
  private:
-  void Consume(const TNamespaces& namespaces, const std::string& file);
+  std::string Blame(const std::string& why) const;
 
+  const std::string fName;
   boost::shared_ptr<INamespaceConsumer> fConsumer;
+  bool fHasWarned = false;
 };
 
 }  // namespace NVORNQDX20

@@ -10,7 +10,7 @@ enum EExitCode : int {
   kExitDone = 0,       ///< Also: compared, and the same.
   kExitDifferent = 1,  ///< Of verbs that compare.
   kExitUsage = 2,
-  kExitPartlyDone = 3,  ///< A plug-in failed, the rest was delivered.
+  kExitPartlyDone = 3,  ///< A plug-in failed or warned, the rest was delivered.
   kExitBadInput = 4,    ///< A folder or file that the operator named cannot be used, or
                         ///< standard output cannot be written.
   kExitNothingCollected = 5,

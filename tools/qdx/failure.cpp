@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
+#include <new>
 
 #include "terminal.h"
 
@@ -70,6 +71,8 @@ std::optional<TFailure> Try(const std::function<void()>& action) {
     return std::nullopt;
   } catch (const TQDXException& exception) {
     return WithLoggedReason(exception.GetStatusCode(), loggedBefore);
+  } catch (const std::bad_alloc&) {
+    return TFailure(kQDXStatusOutOfMemory);
   } catch (const std::exception& exception) {
     return TFailure(kQDXStatusFail, exception.what());
   } catch (...) {  // plug-ins may throw anything

@@ -74,6 +74,11 @@ void TLiveMachine::VisitNamespaces(const std::string& operation, const TVisitor&
   }
 }
 
+void TLiveMachine::AddFailure(const TProviderFailure& failure) {
+  fFailures.push_back(failure);
+  PrintError(LineOf(failure));
+}
+
 /// None if the provider does not list them: it may serve who knows their names.
 std::vector<std::string> TLiveMachine::NamespacesOf(INamespaceProvider& provider) {
   std::vector<std::string> names;
@@ -116,9 +121,7 @@ boost::shared_ptr<ICIMNamespace> TLiveMachine::Open(INamespaceProvider& provider
 void TLiveMachine::Attempt(const TOrigin& origin, const std::string& operation,
                            const std::function<void()>& action) {
   const auto failure = Try(action);
-  if (!failure) return;
-  fFailures.push_back({origin, operation, *failure});
-  PrintError(LineOf(fFailures.back()));
+  if (failure) AddFailure({origin, operation, *failure});
 }
 
 }  // namespace NVORNQDX20

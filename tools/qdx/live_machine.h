@@ -27,7 +27,7 @@ struct TOrigin {
 /// Something that a provider did not deliver.
 struct TProviderFailure {
   TOrigin fOrigin;
-  std::string fOperation;  ///< "loading", "listing", "opening" or what a visitor does.
+  std::string fOperation;  ///< "loading", "listing", "opening", "writing" or what a visitor does.
   TFailure fFailure;
 };
 
@@ -50,6 +50,9 @@ class TLiveMachine {
   /// throws is a failure of that provider in what `operation` says. Of two namespaces with one
   /// name the second is a failure too, since nobody could tell them apart.
   void VisitNamespaces(const std::string& operation, const TVisitor& visit);
+
+  /// Prints and keeps a failure that showed later.
+  void AddFailure(const TProviderFailure& failure);
 
   const std::string& GetRoot() const { return fRoot; }
   const std::vector<TProviderFailure>& GetFailures() const { return fFailures; }

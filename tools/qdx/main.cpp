@@ -2,7 +2,11 @@
 #include <qdxcore/logger.h>
 
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <memory>
+#include <new>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -23,6 +27,18 @@ void OccupyStandardDescriptors() {
   if (descriptor > STDERR_FILENO) ::close(descriptor);
 }
 
+/// Destructors of JSON take memory too: if there is none, nobody can catch what that throws.
+[[noreturn]] void EndWithoutMemory() {
+  try {
+    if (std::current_exception()) throw;
+  } catch (const std::bad_alloc&) {
+    std::fputs("qdx: unexpected failure: out of memory [kQDXStatusOutOfMemory]\n", stderr);
+    ::_exit(kExitNothingCollected);
+  } catch (...) {  // NOLINT(bugprone-empty-catch): like any other
+  }
+  std::abort();
+}
+
 EExitCode GuardedMain(const std::vector<std::string>& words) {
   try {
     TLogger::Initialize();
@@ -33,6 +49,8 @@ EExitCode GuardedMain(const std::vector<std::string>& words) {
     const bool usage = failure.GetExitCode() == kExitUsage;
     if (!line.empty()) PrintError(line + (usage ? ". Try 'qdx --help'." : ""));
     return failure.GetExitCode();
+  } catch (const std::bad_alloc&) {
+    EndWithoutMemory();
   } catch (const std::exception& exception) {
     PrintError(std::string("unexpected failure: ") + exception.what());
     return kExitNothingCollected;
@@ -48,5 +66,6 @@ int main(int argc, char** argv) {
   // A reader that goes away, or the limit of a file's size, is a failed write, not a death.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
+  std::set_terminate(EndWithoutMemory);
   return GuardedMain({argv + (argc > 0 ? 1 : 0), argv + argc});
 }

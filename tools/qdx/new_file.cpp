@@ -56,6 +56,15 @@ void SyncFolderOf(const std::string& path) {
 
 }  // namespace
 
+std::filesystem::path FileToReplace(const std::filesystem::path& path) {
+  std::error_code error;
+  if (!std::filesystem::is_symlink(path, error)) return path;
+  auto target = std::filesystem::canonical(path, error);
+  if (!error) return target;
+  throw TCommandFailure(kExitBadInput, FailureLine("following link", path.string(),
+                                                   {kQDXStatusFileSystemError, error.message()}));
+}
+
 TNewFile::TNewFile(const std::string& folder, const std::string& suffix, const std::string& shownAs)
     : fDescriptor(-1) {
   const std::string pattern = folder + "/.qdx-XXXXXX" + suffix;
@@ -73,11 +82,21 @@ TNewFile::~TNewFile() {
   ::close(fDescriptor);
 }
 
-void TNewFile::Publish(const std::string& path) {
-  if (::fsync(fDescriptor) != 0 || std::rename(fPath.c_str(), path.c_str()) != 0) {
-    FailToWrite(path, errno);
+void TNewFile::Publish(const std::string& path) { Rename(path, 0); }
+
+bool TNewFile::PublishIfNew(const std::string& path) { return Rename(path, RENAME_NOREPLACE); }
+
+bool TNewFile::Rename(const std::string& path, unsigned int flags) {
+  const bool done = ::fsync(fDescriptor) == 0 &&
+                    ::renameat2(AT_FDCWD, fPath.c_str(), AT_FDCWD, path.c_str(), flags) == 0;
+  // Network file systems do not know the flag. There, a file of the very moment is replaced.
+  if (!done && errno == EINVAL && flags != 0) {
+    return !std::filesystem::exists(path) && Rename(path, 0);
   }
+  if (!done && errno == EEXIST && flags != 0) return false;
+  if (!done) FailToWrite(path, errno);
   SyncFolderOf(path);
+  return true;
 }
 
 }  // namespace NVORNQDX20

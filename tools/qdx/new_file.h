@@ -3,9 +3,14 @@
 #ifndef QDX_NEW_FILE_H_
 #define QDX_NEW_FILE_H_
 
+#include <filesystem>
 #include <string>
 
 namespace NVORNQDX20 {
+
+/// What a new file takes the place of: not a link, but the file that it leads to. Throws a
+/// TCommandFailure for a link that leads to nothing, or in circles.
+std::filesystem::path FileToReplace(const std::filesystem::path& path);
 
 /// Stands under a name of its own beside the final one, readable by its owner alone, until
 /// Publish() renames it. Whatever ends the command before that removes it: an exception, or a
@@ -26,8 +31,12 @@ class TNewFile {
   /// Brings the contents to the disk, then puts the file in the place of `path`, in the same
   /// folder. Throws a TCommandFailure, and leaves `path` as it was, if that cannot be done.
   void Publish(const std::string& path);
+  /// The same, but false if there is a file at `path`.
+  bool PublishIfNew(const std::string& path);
 
  private:
+  bool Rename(const std::string& path, unsigned int flags);
+
   std::string fPath;
   int fDescriptor;  // kept for fsync
 };

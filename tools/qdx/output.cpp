@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "failure.h"
+#include "terminal.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -29,6 +30,10 @@ void WriteOutput(const std::string& text) {
     if (count < 0) FailToWrite(errno);
     written += static_cast<std::size_t>(count);
   }
+}
+
+void WriteFileName(const std::string& file) {
+  WriteOutput((::isatty(STDOUT_FILENO) != 0 ? ForTerminal(file) : file) + "\n");
 }
 
 bool OutputHasReader() {

@@ -13,6 +13,9 @@ namespace NVORNQDX20 {
 /// because nobody reads any more.
 void WriteOutput(const std::string& text);
 
+/// Writes the name of a file as a line: made fit for a terminal there, as it is for anything else.
+void WriteFileName(const std::string& file);
+
 /// Whether somebody could still read what is written: false once the reader of a pipe has gone.
 bool OutputHasReader();
 

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <locale>
-#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -81,7 +80,7 @@ TRequest RequestOf(const TArguments& arguments) {
   return request;
 }
 
-/// Takes from each namespace what is asked for.
+/// Takes from each namespace what is asked for; from one that fails half-way, what was read before.
 class TSelection {
  public:
   explicit TSelection(const TRequest& request)
@@ -95,13 +94,15 @@ class TSelection {
         !boost::algorithm::iequals(wanted, origin.fNamespace, std::locale::classic())) {
       return;
     }
-    const auto classes = ClassesOf(ns);
-    if (!classes) return;
-    fFound.push_back({origin.fNamespace, origin.fProvider, *classes, ReadAbsenceReasons(*ns)});
+    const auto element = Find(ns);
+    if (!element && !fRequest.fElement.fText.empty()) return;
+    fFound.push_back({origin.fNamespace, origin.fProvider, {}, ReadAbsenceReasons(*ns)});
+    Read(*ns, element);
   }
 
   /// All that was found, by name; what was taken is gone.
   std::vector<TTreeNamespace> TakeFound() {
+    for (TTreeNamespace& ns : fFound) SortSnapshot(ns.fClasses);
     std::stable_sort(fFound.begin(), fFound.end(),
                      [](const auto& a, const auto& b) { return a.fName < b.fName; });
     return std::move(fFound);
@@ -109,23 +110,26 @@ class TSelection {
   const TFailure& WhyNot() const { return fWhyNot; }
 
  private:
-  /// None if the namespace does not have the element.
-  std::optional<std::vector<TClassSnapshot>> ClassesOf(const boost::shared_ptr<ICIMNamespace>& ns) {
-    const EDepth depth = fRequest.fDepth;
-    if (fRequest.fElement.fText.empty()) return ReadClasses(*ns, depth);
+  /// Null if the namespace does not have the element, or if none is asked for.
+  boost::shared_ptr<ICIMElement> Find(const boost::shared_ptr<ICIMNamespace>& ns) {
     boost::shared_ptr<ICIMElement> element;
+    if (fRequest.fElement.fText.empty()) return element;
     const auto failure = Try([&] {
       element = TCIMReference(ns, fRequest.fElement.fPath, TOptionsMap()).GetCIMElement();
     });
     if (failure && failure->fStatus != kQDXStatusNotFound) fWhyNot = *failure;
-    if (element && depth < kClasses) return std::vector<TClassSnapshot>();
+    return element;
+  }
+
+  /// Into the namespace that was found last; without element all of it.
+  void Read(const ICIMNamespace& ns, const boost::shared_ptr<ICIMElement>& element) {
+    TSnapshotReader reader(ns, fRequest.fDepth, fFound.back().fClasses);
+    if (!element) return reader.ReadAll();
     if (const auto cimClass = boost::dynamic_pointer_cast<ICIMClass>(element)) {
-      return ReadClassTree(cimClass, depth);
+      reader.ReadTree(cimClass);
+    } else if (const auto instance = boost::dynamic_pointer_cast<ICIMInstance>(element)) {
+      reader.ReadInstance(instance);
     }
-    if (const auto instance = boost::dynamic_pointer_cast<ICIMInstance>(element)) {
-      return std::vector<TClassSnapshot>{ReadInstance(instance, depth)};
-    }
-    return std::nullopt;
   }
 
   const TRequest& fRequest;
@@ -148,8 +152,14 @@ bool AddLiveMachine(const TArguments& arguments, TSelection& selection) {
   return machine.GetFailures().empty();
 }
 
-[[noreturn]] void FailToFind(const TRequest& request, const TFailure& why) {
+[[noreturn]] void FailToFind(const TRequest& request, bool complete, const TFailure& why) {
   const std::string& element = request.fElement.fText;
+  // Lines about the providers that failed are the whole reason.
+  if (element.empty() && !complete) throw TCommandFailure(kExitNothingCollected, "");
+  if (!element.empty() && !complete && why.fStatus == kQDXStatusNotFound) {
+    const TFailure failure(kQDXStatusNotFound, "not in what could be read");
+    throw TCommandFailure(kExitBadInput, FailureLine("looking for", element, failure));
+  }
   if (!element.empty()) {
     throw TCommandFailure(kExitBadInput, FailureLine("looking for", element, why));
   }
@@ -169,7 +179,7 @@ EExitCode RunShow(const TArguments& arguments) {
     AddDocument(request.fFile, selection);
   }
   const auto found = selection.TakeFound();
-  if (found.empty()) FailToFind(request, selection.WhyNot());
+  if (found.empty()) FailToFind(request, complete, selection.WhyNot());
   arguments.Has("json") ? WriteJSON(TreeAsJSON(found, request.fDepth))
                         : WriteOutput(FormatTree(found));
   return complete ? kExitDone : kExitPartlyDone;

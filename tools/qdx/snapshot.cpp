@@ -7,8 +7,9 @@
 #include <algorithm>
 #include <locale>
 #include <tuple>
+#include <unordered_set>
 
-#include <boost/algorithm/string/predicate.hpp>
+#include <boost/algorithm/string/case_conv.hpp>
 
 namespace NVORNQDX20 {
 namespace {
@@ -37,21 +38,28 @@ void SortByName(std::vector<T>& elements) {
             [](const T& a, const T& b) { return a.fName < b.fName; });
 }
 
+TPropertySnapshot SnapshotOf(const ICIMPropertyDecl& decl, const std::string& home) {
+  return {decl.GetName(), TypeName(decl.GetType()), IsKey(decl),
+          ToJSON(decl.GetDefaultValue(), home)};
+}
+
+TClass SuperclassOf(const ICIMClass& cimClass) {
+  return cimClass.IsRootClass(TOptionsMap()) ? nullptr : cimClass.GetSuperclass(TOptionsMap());
+}
+
 /// A class may or may not enumerate what it inherits; the declaration nearest to it counts.
-std::vector<TPropertySnapshot> PropertiesOf(const TClass& cimClass) {
+std::vector<TPropertySnapshot> PropertiesOf(const TClass& cimClass, const std::string& home) {
   std::vector<TPropertySnapshot> properties;
-  const auto add = [&properties](const boost::shared_ptr<ICIMPropertyDecl>& decl) {
-    const auto isSame = [&](const TPropertySnapshot& known) {
-      return boost::algorithm::iequals(known.fName, decl->GetName(), std::locale::classic());
-    };
-    if (std::none_of(properties.begin(), properties.end(), isSame)) {
-      properties.push_back({decl->GetName(), TypeName(decl->GetType()), IsKey(*decl)});
-    }
+  std::unordered_set<std::string> known;  // folded names
+  const auto add = [&](const boost::shared_ptr<ICIMPropertyDecl>& decl) {
+    const bool isNew =
+        known.insert(boost::algorithm::to_lower_copy(decl->GetName(), std::locale::classic()))
+            .second;
+    if (isNew) properties.push_back(SnapshotOf(*decl, home));
     return true;
   };
-  for (TClass from = cimClass; from;) {
+  for (TClass from = cimClass; from; from = SuperclassOf(*from)) {
     from->EnumeratePropertyDecls(add, TOptionsMap());
-    from = from->IsRootClass(TOptionsMap()) ? nullptr : from->GetSuperclass(TOptionsMap());
   }
   SortByName(properties);
   return properties;
@@ -70,67 +78,78 @@ std::string PathOf(const TInstance& instance, const TClass& cimClass,
 }
 
 TInstanceSnapshot SnapshotOf(const TInstance& instance, const TClass& cimClass,
-                             const std::vector<TPropertySnapshot>& properties, EDepth depth) {
+                             const std::vector<TPropertySnapshot>& properties,
+                             const std::string& home, EDepth depth) {
   TInstanceSnapshot snapshot{PathOf(instance, cimClass, properties), {}};
   if (depth < kValues) return snapshot;
   snapshot.fValues.reserve(properties.size());
   for (const TPropertySnapshot& property : properties) {
     const auto value = instance->GetProperty(property.fName, TOptionsMap());
-    snapshot.fValues.push_back(ToJSON(value->GetValue()));
+    snapshot.fValues.push_back(ToJSON(value->GetValue(), home));
   }
-  return snapshot;
-}
-
-TClassSnapshot ReadClass(const TClass& cimClass, EDepth depth) {
-  TClassSnapshot snapshot{cimClass->GetName(TOptionsMap()), PropertiesOf(cimClass), 0, {}};
-  cimClass->EnumerateInstances(
-      [&](const TInstance& instance) {
-        ++snapshot.fInstanceCount;
-        if (depth < kInstances) return true;
-        snapshot.fInstances.push_back(SnapshotOf(instance, cimClass, snapshot.fProperties, depth));
-        return true;
-      },
-      false, TOptionsMap());
-  std::sort(snapshot.fInstances.begin(), snapshot.fInstances.end(),
-            [](const TInstanceSnapshot& a, const TInstanceSnapshot& b) {
-              return std::tie(a.fPath, a.fValues) < std::tie(b.fPath, b.fValues);
-            });
   return snapshot;
 }
 
 }  // namespace
 
-std::vector<TClassSnapshot> ReadClassTree(const TClass& root, EDepth depth) {
-  std::vector<TClass> classes{root};
-  root->EnumerateSubclasses(TAddToVectorCallback<ICIMClass>(classes), true, TOptionsMap());
-  std::vector<TClassSnapshot> snapshots;
-  snapshots.reserve(classes.size());
-  for (const TClass& cimClass : classes) snapshots.push_back(ReadClass(cimClass, depth));
-  SortByName(snapshots);
-  return snapshots;
-}
-
-TClassSnapshot ReadInstance(const TInstance& instance, EDepth depth) {
-  const TClass cimClass = instance->GetClass(TOptionsMap());
-  TClassSnapshot snapshot{cimClass->GetName(TOptionsMap()), PropertiesOf(cimClass), 1, {}};
-  if (depth >= kInstances) {
-    snapshot.fInstances.push_back(SnapshotOf(instance, cimClass, snapshot.fProperties, depth));
-  }
-  return snapshot;
-}
-
-std::vector<TClassSnapshot> ReadClasses(const ICIMNamespace& ns, EDepth depth) {
-  std::vector<TClassSnapshot> classes;
-  if (depth < kClasses) return classes;
-  ns.EnumerateClasses(
-      [&](const TClass& root) {
-        std::vector<TClassSnapshot> tree = ReadClassTree(root, depth);
-        std::move(tree.begin(), tree.end(), std::back_inserter(classes));
+void TSnapshotReader::ReadAll() {
+  if (fDepth < kClasses) return;
+  fNamespace.EnumerateClasses(
+      [this](const TClass& root) {
+        ReadTree(root);
         return true;
       },
       TOptionsMap());
+}
+
+void TSnapshotReader::ReadTree(const TClass& root) {
+  if (fDepth < kClasses) return;
+  std::vector<TClass> classes{root};
+  root->EnumerateSubclasses(TAddToVectorCallback<ICIMClass>(classes), true, TOptionsMap());
+  for (const TClass& cimClass : classes) {
+    TClassSnapshot& snapshot = Add(cimClass);
+    cimClass->EnumerateInstances(
+        [&](const TInstance& instance) {
+          AddInstance(snapshot, instance, cimClass);
+          return true;
+        },
+        false, TOptionsMap());
+  }
+}
+
+void TSnapshotReader::ReadInstance(const TInstance& instance) {
+  if (fDepth < kClasses) return;
+  const TClass cimClass = instance->GetClass(TOptionsMap());
+  AddInstance(Add(cimClass), instance, cimClass);
+}
+
+TClassSnapshot& TSnapshotReader::Add(const TClass& cimClass) {
+  const TClass superclass = SuperclassOf(*cimClass);
+  fClasses.push_back({cimClass->GetName(TOptionsMap()),
+                      superclass ? superclass->GetName(TOptionsMap()) : "",
+                      PropertiesOf(cimClass, fHome),
+                      0,
+                      {}});
+  return fClasses.back();
+}
+
+void TSnapshotReader::AddInstance(TClassSnapshot& snapshot, const TInstance& instance,
+                                  const TClass& cimClass) const {
+  if (fDepth >= kInstances) {
+    snapshot.fInstances.push_back(
+        SnapshotOf(instance, cimClass, snapshot.fProperties, fHome, fDepth));
+  }
+  ++snapshot.fInstanceCount;
+}
+
+void SortSnapshot(std::vector<TClassSnapshot>& classes) {
   SortByName(classes);
-  return classes;
+  for (TClassSnapshot& cimClass : classes) {
+    std::sort(cimClass.fInstances.begin(), cimClass.fInstances.end(),
+              [](const TInstanceSnapshot& a, const TInstanceSnapshot& b) {
+                return std::tie(a.fPath, a.fValues) < std::tie(b.fPath, b.fValues);
+              });
+  }
 }
 
 }  // namespace NVORNQDX20

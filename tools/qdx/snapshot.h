@@ -19,6 +19,7 @@ struct TPropertySnapshot {
   std::string fName;
   std::string fType;  ///< As in "uint8" or "string[]".
   bool fIsKey = false;
+  TJSON fDefault;
 };
 
 struct TInstanceSnapshot {
@@ -28,6 +29,7 @@ struct TInstanceSnapshot {
 
 struct TClassSnapshot {
   std::string fName;
+  std::string fSuperclass;                     ///< Empty for a root class.
   std::vector<TPropertySnapshot> fProperties;  ///< Inherited ones too, by name.
   std::size_t fInstanceCount = 0;
   std::vector<TInstanceSnapshot> fInstances;  ///< Those of no other class, by path and values.
@@ -36,14 +38,34 @@ struct TClassSnapshot {
 /// How far down to read, and to show.
 enum EDepth { kNamespaces, kClasses, kInstances, kValues };
 
-// Classes come by name. All throw what the namespace throws.
+/// Reads from one namespace what it is asked for, and throws what that throws: what was read before
+/// stays.
+class TSnapshotReader {
+ public:
+  /// Appends to `classes`, in the order in which the namespace gives them.
+  TSnapshotReader(const ICIMNamespace& ns, EDepth depth, std::vector<TClassSnapshot>& classes)
+      : fNamespace(ns), fHome(ns.GetName(TOptionsMap())), fDepth(depth), fClasses(classes) {}
 
-/// Every class of a namespace.
-std::vector<TClassSnapshot> ReadClasses(const ICIMNamespace& ns, EDepth depth);
-/// A class and all that are derived from it.
-std::vector<TClassSnapshot> ReadClassTree(const boost::shared_ptr<ICIMClass>& root, EDepth depth);
-/// The class of the instance, with this one only.
-TClassSnapshot ReadInstance(const boost::shared_ptr<ICIMInstance>& instance, EDepth depth);
+  /// Every class.
+  void ReadAll();
+  /// A class and all that are derived from it.
+  void ReadTree(const boost::shared_ptr<ICIMClass>& root);
+  /// The class of the instance, with this one only.
+  void ReadInstance(const boost::shared_ptr<ICIMInstance>& instance);
+
+ private:
+  TClassSnapshot& Add(const boost::shared_ptr<ICIMClass>& cimClass);
+  void AddInstance(TClassSnapshot& snapshot, const boost::shared_ptr<ICIMInstance>& instance,
+                   const boost::shared_ptr<ICIMClass>& cimClass) const;
+
+  const ICIMNamespace& fNamespace;
+  const std::string fHome;  // its name
+  const EDepth fDepth;
+  std::vector<TClassSnapshot>& fClasses;
+};
+
+/// Brings classes, and the instances of each, into the order that a snapshot has.
+void SortSnapshot(std::vector<TClassSnapshot>& classes);
 
 }  // namespace NVORNQDX20
 

@@ -16,7 +16,10 @@ namespace utf = boost::locale::utf;
 
 bool IsHarmless(utf::code_point character) {
   const bool control = character < 0x20 || (character >= 0x7f && character < 0xa0);
-  return utf::is_valid_codepoint(character) && !control;
+  // These would change the order in which the rest of a line is shown.
+  const bool directs =
+      (character >= 0x202a && character <= 0x202e) || (character >= 0x2066 && character <= 0x2069);
+  return utf::is_valid_codepoint(character) && !control && !directs;
 }
 
 bool UsesColour() {

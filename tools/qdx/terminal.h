@@ -8,8 +8,9 @@
 
 namespace NVORNQDX20 {
 
-/// The text with a question mark in place of each control character and each byte that is no
-/// UTF-8: names and firmware strings come from anywhere, and must not steer the terminal.
+/// The text with a question mark in place of each control character, those for the direction
+/// of writing too, and each byte that is no UTF-8: names and firmware strings come from anywhere,
+/// and must not steer the terminal.
 std::string ForTerminal(const std::string& text);
 
 struct TTableRow {

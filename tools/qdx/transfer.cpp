@@ -182,10 +182,7 @@ std::filesystem::path TargetOf(const std::filesystem::path& local) {
   if (std::filesystem::exists(local, error) && !std::filesystem::is_regular_file(local, error)) {
     FailOnFile("writing", local, "it is no regular file");
   }
-  if (!std::filesystem::is_symlink(local, error)) return local;
-  auto target = std::filesystem::canonical(local, error);
-  if (error) FailOnFile("following link", local, error.message());
-  return target;
+  return FileToReplace(local);
 }
 
 /// Only a whole file takes the place of what was there.
@@ -200,7 +197,6 @@ void DownloadToFile(const TArguments& arguments, const std::string& local) {
 EExitCode RunDownload(const TArguments& arguments) {
   const std::string local = arguments.Operand(1);
   CheckRemotePath(arguments.Operand(0));
-  if (local.empty()) FailOnUsage("the name of the local file is empty");
   local == "-" ? DownloadToOutput(arguments) : DownloadToFile(arguments, local);
   return kExitDone;
 }

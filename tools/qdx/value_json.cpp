@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "value_json.h"
 
+#include <qdxcore/interfaces.h>
 #include <qdxcore/reference.h>
 
 #include <charconv>
 #include <cmath>
+#include <locale>
 #include <vector>
+
+#include <boost/algorithm/string/predicate.hpp>
 
 namespace NVORNQDX20 {
 namespace {
@@ -25,10 +29,17 @@ TJSON Real(T value) {
   return number;
 }
 
-TJSON Array(const std::vector<TCIMValue>& elements) {
+TJSON Array(const std::vector<TCIMValue>& elements, const std::string& home) {
   TJSON array = TJSON::array();
-  for (const TCIMValue& element : elements) array.push_back(ToJSON(element));
+  for (const TCIMValue& element : elements) array.push_back(ToJSON(element, home));
   return array;
+}
+
+TJSON Reference(const TCIMReference& reference, const std::string& home) {
+  const auto ns = reference.GetNamespace();
+  const std::string there = ns ? ns->GetName(TOptionsMap()) : home;
+  const bool leadsOut = !boost::algorithm::iequals(there, home, std::locale::classic());
+  return (leadsOut ? there + ":" : "") + reference.GetPath();
 }
 
 /// A date-time can itself be null, within a value that is not.
@@ -38,9 +49,9 @@ TJSON DateTime(const TCIMDateTime& dateTime) {
 
 }  // namespace
 
-TJSON ToJSON(const TCIMValue& value) {
+TJSON ToJSON(const TCIMValue& value, const std::string& home) {
   if (value.IsNull()) return nullptr;
-  if (value.IsArray()) return Array(value);
+  if (value.IsArray()) return Array(value, home);
   switch (value.GetType()) {
     case TType::kCIMTypeBoolean:
       return static_cast<bool>(value);
@@ -62,6 +73,8 @@ TJSON ToJSON(const TCIMValue& value) {
       return Real<double>(value);
     case TType::kCIMTypeDateTime:
       return DateTime(value);
+    case TType::kCIMTypeReference:
+      return Reference(value, home);
     default:
       return value.ToString(10);
   }
