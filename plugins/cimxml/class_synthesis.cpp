@@ -2,9 +2,11 @@
 #include "class_synthesis.h"
 
 #include <unordered_map>
+#include <utility>
 
 #include "document.h"
 #include "document_limits.h"
+#include "literal.h"
 #include "object_path.h"
 #include "value_reader.h"
 
@@ -17,20 +19,37 @@ struct TProperty {
   /// What tells the class of a reference: a property or a VALUE.REFERENCE; null for other types.
   const TElement* fReference;
   bool fIsKey;
+  bool fIsGuessed;  ///< The type is that of the numbers seen so far.
 };
 
-bool IsNumberStart(char c) { return (c >= '0' && c <= '9') || c == '-' || c == '+'; }
-
 /// Without TYPE a number is as large as it may become.
+TCIMType TypeOfNumber(const TElement& value) {
+  for (const TCIMType type :
+       {TCIMType::kCIMTypeUint64, TCIMType::kCIMTypeSint64, TCIMType::kCIMTypeReal64}) {
+    if (ReadLiteral(type, value.fText)) return type;
+  }
+  value.Refuse(Shown(value.fText) + " is no number");
+}
+
+bool IsGuessed(const TElement& value) {
+  const std::string* const valueType = value.Find("VALUETYPE");
+  return value.Find("TYPE") == nullptr && valueType != nullptr && *valueType == "numeric";
+}
+
+/// The one that both numbers fit into.
+TCIMType CommonType(TCIMType left, TCIMType right) {
+  if (left == right) return left;
+  const bool isReal = left == TCIMType::kCIMTypeReal64 || right == TCIMType::kCIMTypeReal64;
+  return isReal ? TCIMType::kCIMTypeReal64 : TCIMType::kCIMTypeSint64;
+}
+
 TCIMType TypeOfKey(const TElement& value) {
   if (value.Is("VALUE.REFERENCE")) return TCIMType::kCIMTypeReference;
   if (value.Find("TYPE") != nullptr) return TypeAttribute(value);
   const std::string* const valueType = value.Find("VALUETYPE");
   if (valueType == nullptr || *valueType == "string") return TCIMType::kCIMTypeString;
   if (*valueType == "boolean") return TCIMType::kCIMTypeBoolean;
-  const std::string& text = value.fText;
-  if (text.empty() || !IsNumberStart(text[0])) value.Refuse(Shown(text) + " is no number");
-  return text[0] == '-' ? TCIMType::kCIMTypeSint64 : TCIMType::kCIMTypeUint64;
+  return TypeOfNumber(value);
 }
 
 class TSynthesis {
@@ -53,12 +72,13 @@ class TSynthesis {
  private:
   TProperty& At(const std::string& name, TCIMType type) {
     const auto [found, isNew] = fPositions.emplace(Folded(name), fProperties.size());
-    if (isNew) fProperties.push_back({name, type, nullptr, false});
+    if (isNew) fProperties.push_back({name, type, nullptr, false, false});
     return fProperties[found->second];
   }
 
   void AddProperty(const TElement& element) {
     TProperty& property = At(element.Get("NAME"), TypeOfProperty(element));
+    if (std::exchange(property.fIsGuessed, false)) property.fType = TypeOfProperty(element);
     const bool tellsClass =
         element.Find("REFERENCECLASS") != nullptr || element.Child("VALUE.REFERENCE") != nullptr;
     if (tellsClass && property.fReference == nullptr) property.fReference = &element;
@@ -67,7 +87,11 @@ class TSynthesis {
   void AddKeys(const TElement& name) {
     for (const TKeyBinding& binding : KeyBindingsOf(name)) {
       if (binding.fName.empty()) name.Refuse("a key without name, of a class without declaration");
-      TProperty& property = At(binding.fName, TypeOfKey(*binding.fValue));
+      const std::size_t known = fProperties.size();
+      const TCIMType type = TypeOfKey(*binding.fValue);
+      TProperty& property = At(binding.fName, type);
+      if (fProperties.size() != known) property.fIsGuessed = IsGuessed(*binding.fValue);
+      if (property.fIsGuessed) property.fType = CommonType(property.fType, type);
       property.fIsKey = true;
       if (property.fReference == nullptr) property.fReference = binding.fValue;
     }

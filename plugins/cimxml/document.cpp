@@ -28,10 +28,9 @@ TElement* FindChild(TElement& object, std::string_view name) {
   return found == object.fChildren.end() ? nullptr : &*found;
 }
 
-[[noreturn]] void RefuseResponse(const TElement& error) {
-  const std::string* const description = error.Find("DESCRIPTION");
-  error.Refuse("a response with error " + Shown(error.Get("CODE")) +
-               (description == nullptr ? "" : ", " + Shown(*description)));
+std::string At(const TPosition& position) {
+  return ": line " + std::to_string(position.fLine) + ", column " +
+         std::to_string(position.fColumn);
 }
 
 }  // namespace
@@ -42,6 +41,7 @@ void TDocument::BeginGroup(const TElement& group) {
 }
 
 void TDocument::AddObject(TElement&& object, std::size_t bytes) {
+  fHasObjects = fHasObjects || !IsOneOf(object, {"ERROR", "PARAMVALUE"});
   if (IsOneOf(object, {"LOCALNAMESPACEPATH", "NAMESPACEPATH"})) {
     fGroup = &List(*NamespaceNameOf(object));
   } else if (object.Is("QUALIFIER.DECLARATION")) {
@@ -55,7 +55,7 @@ void TDocument::AddObject(TElement&& object, std::size_t bytes) {
                               "VALUE.INSTANCEWITHPATH"})) {
     AddNamedObject(std::move(object), bytes);
   } else if (object.Is("ERROR")) {
-    RefuseResponse(object);
+    AddError(object);
   } else if (!object.Is("PARAMVALUE")) {  // which says how an enumeration stands
     object.Refuse("<" + std::string(object.fName) + "> is no object of a namespace");
   }
@@ -78,7 +78,18 @@ void TDocument::AddNamedObject(TElement&& object, std::size_t bytes) {
   }
 }
 
+/// One bad response does not spoil what others have.
+void TDocument::AddError(const TElement& error) {
+  const std::string* const description = error.Find("DESCRIPTION");
+  if (fErrors.Count() == 0) fFirstError = error.fPosition;
+  fErrors.Add("error " + Shown(error.Get("CODE")) +
+              (description == nullptr ? "" : ", " + Shown(*description)));
+}
+
 void TDocument::Complete() {
+  if (fErrors.Count() != 0 && !fHasObjects) {
+    throw TDefect("a response with " + fErrors.First(), fFirstError);
+  }
   fState.fIsComplete = true;
   for (TNamespaceBuilder* ns : fListed) ns->NoteReferences();
   for (TNamespaceBuilder* ns : fListed) ns->BuildClasses();
@@ -114,6 +125,16 @@ TNamespaceBuilder& TDocument::Group() {
   return *fGroup;
 }
 
+void TDocument::Report(const std::string& name) const {
+  fErrors.Report("responses are errors in", name);
+  fState.fTaken.Report("instances with the keys of another one were left out of", name);
+  fState.fContradictions.Report("instances have other keys than their names in", name);
+  if (fState.fUnheldDateTimes == 0) return;
+  LogMessage(ILogger::kLogWarning,
+             {"cimxml: ", std::to_string(fState.fUnheldDateTimes),
+              " date-times that cannot be held were read as null from ", name});
+}
+
 boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int descriptor) {
   TDocument document;
   try {
@@ -121,15 +142,11 @@ boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int
     ParseDocument(input, document);
     document.Complete();
   } catch (const TDefect& defect) {
+    const bool isOfFile = defect.fStatus == kQDXStatusFileSystemError;
     LogErrorAndThrow(defect.fStatus,
-                     {"cimxml: ", name, ": line ", std::to_string(defect.fPosition.fLine),
-                      ", column ", std::to_string(defect.fPosition.fColumn), ": ", defect.what()});
+                     {"cimxml: ", name, isOfFile ? "" : At(defect.fPosition), ": ", defect.what()});
   }
-  if (document.UnheldDateTimes() != 0) {
-    LogMessage(ILogger::kLogWarning,
-               {"cimxml: ", std::to_string(document.UnheldDateTimes()),
-                " date-times that cannot be held were read as null from ", name});
-  }
+  document.Report(name);
   return document.Namespaces();
 }
 

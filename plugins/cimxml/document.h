@@ -37,14 +37,20 @@ class TDocument final : public IObjectSink {
   /// The one that a reference names, or `own`. The document need not have it.
   TNamespaceBuilder& NamespaceOf(const TElement& reference, TNamespaceBuilder& own);
   boost::shared_ptr<TRepositoryProvider> Namespaces() const;
-  std::size_t UnheldDateTimes() const { return fState.fUnheldDateTimes; }
+  /// Warns of what was read otherwise than it stands there.
+  void Report(const std::string& name) const;
 
  private:
   TNamespaceBuilder& List(const std::string& name);
   TNamespaceBuilder& Group();
   void AddNamedObject(TElement&& object, std::size_t bytes);
 
+  void AddError(const TElement& error);
+
   TReadingState fState;
+  TTally fErrors;  // that are responses
+  TPosition fFirstError;
+  bool fHasObjects = false;
   struct TEntry {
     std::unique_ptr<TNamespaceBuilder> fBuilder;
     bool fIsListed = false;

@@ -3,31 +3,70 @@
 
 #include <qdxcore/status.h>
 
+#include <string>
+#include <unordered_map>
+
 #include "object_path.h"
 #include "value_reader.h"
 
 namespace NVORNQDX20::NCIMXML {
 namespace {
 
-void SetProperty(TNamespaceBuilder& ns, const ICIMClass& cimClass, ICIMInstance& target,
-                 const TElement& property) {
-  const std::string& name = property.Get("NAME");
-  const TCIMType declared = DeclOf(cimClass, name, property)->GetType();
-  const TCIMType type = TypeOfProperty(property);
-  if (type != declared) {
-    property.Refuse("property " + Shown(name) + " is declared with another type");
-  }
-  target.SetPropertyValue(name, ReadPropertyValue(ns, property), {});
-}
+/// One instance on its way into the namespace.
+class TInstanceReader {
+ public:
+  TInstanceReader(TNamespaceBuilder& ns, const boost::shared_ptr<ICIMClass>& cimClass,
+                  const TElement& instance)
+      : fNamespace(ns),
+        fClass(*cimClass),
+        fElement(instance),
+        fTarget(cimClass->CreateInstance({})) {}
 
-void SetKeysFromName(TNamespaceBuilder& ns, const ICIMClass& cimClass, ICIMInstance& target,
-                     const TElement& name) {
-  for (const TKeyBinding& binding : KeyBindingsOf(name)) {
-    const std::string& key = binding.fName.empty() ? OnlyKeyOf(cimClass, name) : binding.fName;
-    const TCIMType type = DeclOf(cimClass, key, *binding.fValue)->GetType();
-    target.SetPropertyValue(key, ReadKeyValue(ns, type, *binding.fValue), {});
+  void SetKeysFromName(const TElement& name) {
+    if (Folded(ClassNameOf(name)) != Folded(fElement.Get("CLASSNAME"))) Contradict();
+    for (const TKeyBinding& binding : KeyBindingsOf(name)) {
+      const std::string& key = binding.fName.empty() ? OnlyKeyOf(fClass, name) : binding.fName;
+      const TCIMType type = DeclOf(fClass, key, *binding.fValue)->GetType();
+      const TCIMValue value = ReadKeyValue(fNamespace, type, *binding.fValue);
+      fTarget->SetPropertyValue(key, value, {});
+      fKeys.emplace(Folded(key), value);
+    }
   }
-}
+
+  void SetProperty(const TElement& property) {
+    const std::string& name = property.Get("NAME");
+    const TCIMType declared = DeclOf(fClass, name, property)->GetType();
+    if (TypeOfProperty(property) != declared) {
+      property.Refuse("property " + Shown(name) + " is declared with another type");
+    }
+    const TCIMValue value = ReadPropertyValue(fNamespace, property);
+    const auto key = fKeys.empty() ? fKeys.end() : fKeys.find(Folded(name));
+    if (key != fKeys.end()) {
+      if (value.IsNull()) return;
+      if (value != key->second) Contradict();
+    }
+    fTarget->SetPropertyValue(name, value, {});
+  }
+
+  void Commit() {
+    try {
+      fTarget->Commit({});
+    } catch (const TQDXException& e) {
+      if (e.GetStatusCode() != kQDXStatusAlreadyExists) throw;
+      fNamespace.State().fTaken.Add(Place());
+    }
+  }
+
+ private:
+  void Contradict() { fNamespace.State().fContradictions.Add(Place()); }
+  std::string Place() const { return "line " + std::to_string(fElement.fPosition.fLine); }
+
+  TNamespaceBuilder& fNamespace;
+  const ICIMClass& fClass;
+  const TElement& fElement;
+  const boost::shared_ptr<ICIMInstance> fTarget;
+  std::unordered_map<std::string, TCIMValue> fKeys;  // of its name, by folded name
+};
 
 }  // namespace
 
@@ -46,14 +85,14 @@ void ReadInstance(TNamespaceBuilder& ns, const TElement& object) {
   ns.State().AddHeld(kInstanceBytes, instance);
   ns.State().AddValues(read.fProperties, instance);
   AsPartOf(instance, "instance of " + Shown(className), [&] {
-    const auto created = read.fClass->CreateInstance({});
+    TInstanceReader reader(ns, read.fClass, instance);
     const TElement* const name = FindName(object);
-    if (name != nullptr) SetKeysFromName(ns, *read.fClass, *created, *name);
+    if (name != nullptr) reader.SetKeysFromName(*name);
     for (const TElement& child : instance.fChildren) {
       // An instance has no qualifiers of its own.
-      if (!child.Is("QUALIFIER")) SetProperty(ns, *read.fClass, *created, child);
+      if (!child.Is("QUALIFIER")) reader.SetProperty(child);
     }
-    created->Commit({});
+    reader.Commit();
   });
 }
 

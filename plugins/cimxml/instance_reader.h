@@ -11,7 +11,9 @@ namespace NVORNQDX20::NCIMXML {
 /// The INSTANCE of an object, which may be one itself.
 const TElement& InstanceOf(const TElement& object);
 
-/// Adds the instance. Its keys come from its name, but for those that are among its properties.
+/// Adds the instance. Its keys come from its name, but for those that are among its properties and
+/// not null there; a property that contradicts the name holds, and is counted. If there is an
+/// instance with these keys already, that one stays, and this one is counted.
 void ReadInstance(TNamespaceBuilder& ns, const TElement& object);
 
 }  // namespace NVORNQDX20::NCIMXML

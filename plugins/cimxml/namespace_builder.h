@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "element.h"
+#include "tally.h"
 
 namespace NVORNQDX20::NCIMXML {
 
@@ -46,6 +47,8 @@ struct TReadingState {
   std::vector<TDeclaring> fDeclaring;
   std::size_t fHeldBytes = 0;
   std::size_t fUnheldDateTimes = 0;
+  TTally fTaken;           // instances whose keys another one has
+  TTally fContradictions;  // names that say something else than their instances
 };
 
 /// Classes are declared when something needs them, and all at the end, so their order in the

@@ -18,6 +18,7 @@ class TTally {
     if (fCount++ == 0) fFirst = std::move(where);
   }
   std::size_t Count() const { return fCount; }
+  const std::string& First() const { return fFirst; }
   /// Warns "cimxml: N WHAT FILE, the first: WHERE", if it happened at all.
   void Report(const std::string& what, const std::string& file) const {
     if (fCount == 0) return;

@@ -153,6 +153,7 @@ TEST(CIMXMLProvider, HasNothingWithoutAFile) {
   EXPECT_QDX_STATUS(NamesIn("/nonexistent"), kQDXStatusFileNotFound);
   EXPECT_EQ(log.Messages(), TNames{"0 cimxml: /nonexistent: No such file or directory"});
   EXPECT_QDX_STATUS(NamesIn("/"), kQDXStatusFileSystemError);
+  EXPECT_EQ(log.Messages().back(), "0 cimxml: /: Is a directory");
 }
 
 }  // namespace

@@ -84,6 +84,13 @@ const struct {
          {Class(Property("sint8", "1")),
           Class("<PROPERTY NAME='p' TYPE='sint8' PROPAGATED='true'/>", "NAME='D' SUPERCLASS='C'")}),
      {Begin("NAME='D' SUPERCLASS='C'") + "</CLASS>"}},
+    // Keys without type: as large as it takes for all, whatever stands around them.
+    {Document({Instance("", Binding("k", "VALUETYPE='numeric'", " 5 ")),
+               Instance("", Binding("k", "VALUETYPE='numeric'", "-3"))}),
+     {Key("k", "sint64"), "TYPE='sint64'>5<", "TYPE='sint64'>-3<"}},
+    {Document({Instance("", Binding("k", "VALUETYPE='numeric'", "1.5"))}), {Key("k", "real64")}},
+    {Document({kDeclared, Instance("<PROPERTY NAME='Id' TYPE='uint32'/>", Binding("ID", "", "7"))}),
+     {Id("7")}},
     // Other frames around the objects.
     {Response("<VALUE.NAMEDINSTANCE>" + kName + kBare + "</VALUE.NAMEDINSTANCE>"),
      {Key("Id", "uint32"), Id("5")}},
@@ -121,6 +128,25 @@ TEST(CIMXMLDocumentOfAnotherTool, IsRead) {
     }
     EXPECT_EQ(log.Messages(), TNames());
   }
+}
+
+TEST(CIMXMLDocumentOfAnotherTool, MayContradictItself) {
+  const TLogCapture log;
+  const std::string named = Instance(Id("8"), Binding("id", "", "7"));
+  const TDocumentFile file(
+      "<CIM><MESSAGE><MULTIRSP><SIMPLERSP><IMETHODRESPONSE><ERROR CODE='6'/>"
+      "</IMETHODRESPONSE></SIMPLERSP><SIMPLERSP><IMETHODRESPONSE><IRETURNVALUE>" +
+      kDeclared + "<VALUE.NAMEDINSTANCE>" + named + "</VALUE.NAMEDINSTANCE>\n" +
+      Tag("INSTANCE", "CLASSNAME='C'", Id("8")) +
+      "</IRETURNVALUE></IMETHODRESPONSE></SIMPLERSP></MULTIRSP></MESSAGE></CIM>");
+  EXPECT_NE(ReadAndWritten(file.Path()).find("TYPE=\"uint32\">8<"), std::string::npos);
+  const std::string end = file.Path() + ", the first: ";
+  EXPECT_EQ(
+      log.Messages(),
+      (TNames{
+          "1 cimxml: 1 responses are errors in " + end + "error \"6\"",
+          "1 cimxml: 1 instances with the keys of another one were left out of " + end + "line 2",
+          "1 cimxml: 1 instances have other keys than their names in " + end + "line 1"}));
 }
 
 TEST(CIMXMLDocumentOfAnotherTool, MayHaveDateTimesThatCannotBeHeld) {
