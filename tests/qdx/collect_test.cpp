@@ -82,6 +82,19 @@ TEST_F(QDXCollect, GoesOnWithoutWhatFailsAndSaysSoInTheDocument) {
   EXPECT_EQ(fInstallation.Run({"collect", "--provider", "linux", "-o", file}).fExitCode, 0);
 }
 
+TEST_F(QDXCollect, BeginsAnewWithoutWhatAConsumerRefuses) {
+  fInstallation.AddPlugin(SAMPLE_PROVIDER, "libsample.nsp.so");
+  fInstallation.AddPlugin(PICKY_CONSUMER, "libpicky.nsc.so");
+  const std::string collect = "\"$0\" collect --root $1 --consumer picky --provider sample ";
+  const TProgramRun run = RunScript(collect + "--provider linux -o x; s=$?; cat x; exit $s");
+  EXPECT_EQ(run.fExitCode, 3);
+  EXPECT_EQ(run.fOutput, "x\nroot/cimv2\nroot/qdx\n");
+  EXPECT_EQ(run.fErrors,
+            "qdx: writing root/sample of provider, sample: consumer picky: not that one "
+            "[kQDXStatusNotSupported]\n");
+  EXPECT_EQ(RunScript(collect + "-o y").fExitCode, 5);
+}
+
 TEST_F(QDXCollect, CountsOnATerminalAndSaysNothingToAReaderThatHasGone) {
   const TProgramRun seen = RunScript("script -qec \"'$0' collect --root $1 -o x.xml\" /dev/null");
   const std::string counted = "\rcollecting linux root/cimv2: 4 classes, ";

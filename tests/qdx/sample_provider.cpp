@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Provider "sample": root/sample has a value of every type, and as many instances as the
-// environment asks for. Provider "spoiled": root/sample too, root/spoiled, which fails half-way,
-// and root/odd, which no document can hold.
+// environment asks for. Provider "spoiled": root/sample too, and root/spoiled, which fails
+// half-way.
 #include <qdxcore/registry.h>
 
 #include <cstdlib>
