@@ -72,9 +72,9 @@ TCopies CopyNamespaces(TLiveMachine& machine) {
 /// which this command runs on would be wrong for one below another root folder.
 std::string HostName(const TCopies& copies, const std::string& root) {
   std::string name;
-  for (const auto& [origin, ns] : copies) {
-    if (!IsNamed(*ns, kMachineNamespace)) continue;
-    (void)Try([&] { name = TCIMSchemaHelper::GetSystemName(ns); });
+  for (const TCopy& copy : copies) {
+    if (!IsNamed(*copy.fNamespace, kMachineNamespace)) continue;
+    (void)Try([&] { name = TCIMSchemaHelper::GetSystemName(copy.fNamespace); });
   }
   if (name.empty() && root == "/") (void)Try([&] { name = TOSSpecific::GetMachineName(); });
   return name;
