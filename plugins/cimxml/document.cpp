@@ -128,7 +128,8 @@ TNamespaceBuilder& TDocument::Group() {
 void TDocument::Report(const std::string& name) const {
   fErrors.Report("responses are errors in", name);
   fState.fTaken.Report("instances with the keys of another one were left out of", name);
-  fState.fContradictions.Report("instances have other keys than their names in", name);
+  fState.fContradictions.Report("instances have another class or other keys than their names in",
+                                name);
   if (fState.fUnheldDateTimes == 0) return;
   LogMessage(ILogger::kLogWarning,
              {"cimxml: ", std::to_string(fState.fUnheldDateTimes),

@@ -23,7 +23,7 @@ class TInstanceReader {
         fTarget(cimClass->CreateInstance({})) {}
 
   void SetKeysFromName(const TElement& name) {
-    if (Folded(ClassNameOf(name)) != Folded(fElement.Get("CLASSNAME"))) Contradict();
+    if (Folded(ClassNameOf(name)) != Folded(fElement.Get("CLASSNAME"))) fContradicts = true;
     for (const TKeyBinding& binding : KeyBindingsOf(name)) {
       const std::string& key = binding.fName.empty() ? OnlyKeyOf(fClass, name) : binding.fName;
       const TCIMType type = DeclOf(fClass, key, *binding.fValue)->GetType();
@@ -43,12 +43,13 @@ class TInstanceReader {
     const auto key = fKeys.empty() ? fKeys.end() : fKeys.find(Folded(name));
     if (key != fKeys.end()) {
       if (value.IsNull()) return;
-      if (value != key->second) Contradict();
+      if (value != key->second) fContradicts = true;
     }
     fTarget->SetPropertyValue(name, value, {});
   }
 
   void Commit() {
+    if (fContradicts) fNamespace.State().fContradictions.Add(Place());
     try {
       fTarget->Commit({});
     } catch (const TQDXException& e) {
@@ -58,13 +59,13 @@ class TInstanceReader {
   }
 
  private:
-  void Contradict() { fNamespace.State().fContradictions.Add(Place()); }
   std::string Place() const { return "line " + std::to_string(fElement.fPosition.fLine); }
 
   TNamespaceBuilder& fNamespace;
   const ICIMClass& fClass;
   const TElement& fElement;
   const boost::shared_ptr<ICIMInstance> fTarget;
+  bool fContradicts = false;                         // its name
   std::unordered_map<std::string, TCIMValue> fKeys;  // of its name, by folded name
 };
 
