@@ -8,10 +8,9 @@
 
 #include <benchmark/benchmark.h>
 
-namespace {
+using namespace NVORNQDX20;
 
-using NVORNQDX20::TCIMReference;
-using NVORNQDX20::TOptionsMap;
+namespace {
 
 const std::string kPath = "CIM_DiskDrive.DeviceID=\"sda\",Number=\"7\"";
 
