@@ -30,7 +30,8 @@ void OccupyStandardDescriptors() {
 /// Destructors of JSON take memory too: if there is none, nobody can catch what that throws.
 [[noreturn]] void EndWithoutMemory() {
   try {
-    if (std::current_exception()) throw;
+    if (const std::exception_ptr pending = std::current_exception())
+      std::rethrow_exception(pending);
   } catch (const std::bad_alloc&) {
     std::fputs("qdx: unexpected failure: out of memory [kQDXStatusOutOfMemory]\n", stderr);
     ::_exit(kExitNothingCollected);
