@@ -13,7 +13,6 @@
 #include <string>
 
 #include <boost/algorithm/string/predicate.hpp>
-#include <boost/make_shared.hpp>
 
 using namespace NVORNQDX20;
 
@@ -97,18 +96,6 @@ class TLoadAverageProvider : public INamespaceProvider {
   const std::string fNamespaceName = "root/loadaverage";
 };
 
-/// Runs while the library is loaded, where an exception would end the process. Whoever looks for
-/// the provider finds it missing.
-bool Register() noexcept {
-  try {
-    TRootObject::GetNamespaceProviderManager()->RegisterNamespaceProvider(
-        boost::make_shared<TLoadAverageProvider>());
-    return true;
-  } catch (...) {
-    return false;
-  }
-}
-
-[[maybe_unused]] const bool kRegistered = Register();
+[[maybe_unused]] const bool kRegistered = RegisterProvider<TLoadAverageProvider>();
 
 }  // namespace

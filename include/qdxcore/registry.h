@@ -9,6 +9,7 @@
 #include <map>
 #include <string>
 
+#include <boost/make_shared.hpp>
 #include <boost/shared_ptr.hpp>
 
 namespace NVORNQDX20 {
@@ -56,14 +57,6 @@ class QDXCORE_EXPORT TNamespaceProviderManager : public INamespaceProviderManage
 };
 
 /// The way to what a process has one of.
-///
-/// A provider plug-in registers itself when it is loaded:
-///
-///   const bool registered = [] {
-///     TRootObject::GetNamespaceProviderManager()->RegisterNamespaceProvider(
-///         boost::make_shared<TMyProvider>());
-///     return true;
-///   }();
 class QDXCORE_EXPORT TRootObject {
  public:
   TRootObject() = delete;
@@ -73,6 +66,22 @@ class QDXCORE_EXPORT TRootObject {
   static ILogger* GetCoreLogger();
   static boost::shared_ptr<INamespaceProviderManager> GetNamespaceProviderManager();
 };
+
+/// Makes a provider and registers it, for the initialiser of a global in a plug-in. That runs while
+/// the library is loaded, where an exception would end the process: so this answers false instead,
+/// and whoever looks for the provider finds it missing.
+///
+///   [[maybe_unused]] const bool kRegistered = RegisterProvider<TMyProvider>();
+template <typename TProvider>
+bool RegisterProvider() noexcept {
+  try {
+    TRootObject::GetNamespaceProviderManager()->RegisterNamespaceProvider(
+        boost::make_shared<TProvider>());
+    return true;
+  } catch (...) {
+    return false;
+  }
+}
 
 }  // namespace NVORNQDX20
 

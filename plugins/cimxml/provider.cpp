@@ -101,19 +101,7 @@ class TCIMXMLProvider final : public INamespaceProvider {
   TIdentity fLastIdentity;
 };
 
-bool Register() noexcept {
-  try {
-    TRootObject::GetNamespaceProviderManager()->RegisterNamespaceProvider(
-        boost::make_shared<TCIMXMLProvider>());
-    return true;
-  } catch (...) {
-    // This runs while the library is loaded: an exception would end the process. Who looks for the
-    // provider finds it missing.
-    return false;
-  }
-}
-
-[[maybe_unused]] const bool kRegistered = Register();
+[[maybe_unused]] const bool kRegistered = RegisterProvider<TCIMXMLProvider>();
 
 }  // namespace
 }  // namespace NVORNQDX20

@@ -6,7 +6,6 @@
 #include <locale>
 
 #include <boost/algorithm/string/predicate.hpp>
-#include <boost/make_shared.hpp>
 
 #include "topics.h"
 
@@ -53,19 +52,7 @@ class TLinuxProvider : public INamespaceProvider {
   const std::string fNamespaceName = "root/cimv2";
 };
 
-bool Register() noexcept {
-  try {
-    TRootObject::GetNamespaceProviderManager()->RegisterNamespaceProvider(
-        boost::make_shared<TLinuxProvider>());
-    return true;
-  } catch (...) {
-    // This runs while the library is loaded: an exception would end the process. Who looks for the
-    // provider finds it missing.
-    return false;
-  }
-}
-
-[[maybe_unused]] const bool kRegistered = Register();
+[[maybe_unused]] const bool kRegistered = RegisterProvider<TLinuxProvider>();
 
 }  // namespace
 }  // namespace NVORNQDX20

@@ -2,8 +2,6 @@
 // A provider library that registers itself as "test", and asks for the registry to the very end.
 #include <qdxcore/registry.h>
 
-#include <boost/make_shared.hpp>
-
 using namespace NVORNQDX20;
 
 namespace {
@@ -17,10 +15,6 @@ class TTestProvider : public INamespaceProvider {
   std::string fName = "test";
 };
 
-const bool kRegistered = [] {
-  TRootObject::GetNamespaceProviderManager()->RegisterNamespaceProvider(
-      boost::make_shared<TTestProvider>());
-  return true;
-}();
+[[maybe_unused]] const bool kRegistered = RegisterProvider<TTestProvider>();
 
 }  // namespace

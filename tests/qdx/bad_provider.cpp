@@ -4,8 +4,6 @@
 #include <qdxcore/logger.h>
 #include <qdxcore/registry.h>
 
-#include <boost/make_shared.hpp>
-
 using namespace NVORNQDX20;
 
 namespace {
@@ -29,10 +27,6 @@ class TBadProvider : public INamespaceProvider {
   mutable int fAsked = 0;
 };
 
-const bool kRegistered = [] {
-  TRootObject::GetNamespaceProviderManager()->RegisterNamespaceProvider(
-      boost::make_shared<TBadProvider>());
-  return true;
-}();
+[[maybe_unused]] const bool kRegistered = RegisterProvider<TBadProvider>();
 
 }  // namespace
