@@ -14,6 +14,10 @@
 #error "libqdxcore is built for 64-bit x86 Linux only."
 #endif
 
+#if __cplusplus < 201703L
+#error "libqdxcore needs C++17: compile with -std=c++17 or later."
+#endif
+
 // Both definitions change inline code of Boost that the library and its users share. A program
 // built without them would bring its own operator-> and its own reference counts, and end in
 // abort() where the library expects an exception.
