@@ -25,6 +25,9 @@ struct TBuildStamp {
   std::uint32_t fHasAssertHandler;
   /// Not 0 if reference counts are plain numbers (BOOST_SP_DISABLE_THREADS).
   std::uint32_t fHasPlainCounts;
+  /// Not 0 if the standard library's containers check themselves (_GLIBCXX_DEBUG) and so have a
+  /// layout of their own.
+  std::uint32_t fHasDebugContainers;
 };
 
 inline constexpr char kBuildStampOwner[] = "QDXcore";
@@ -37,6 +40,11 @@ inline constexpr TBuildStamp kBuildStamp = {
     // With the handler the checked operators may throw.
     noexcept(*std::declval<const boost::shared_ptr<int>&>()) ? 0 : 1,
 #if defined(BOOST_SMART_PTR_DETAIL_SP_COUNTED_BASE_NT_HPP_INCLUDED)
+    1,
+#else
+    0,
+#endif
+#if defined(_GLIBCXX_DEBUG)
     1
 #else
     0

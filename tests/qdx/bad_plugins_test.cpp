@@ -7,7 +7,7 @@
 
 namespace {
 
-TEST(QDXBadPlugins, AreRefusedBeforeTheyAreLoaded) {
+TEST(QDXBadPlugins, AreRefusedBeforeTheyCanDoHarm) {
   const std::string good = ReadWholeFile(TEST_PROVIDER);
   const auto changed = [&good](std::size_t position, char byte) {
     return std::string(good).replace(position, 1, 1, byte);
@@ -15,10 +15,14 @@ TEST(QDXBadPlugins, AreRefusedBeforeTheyAreLoaded) {
   const std::vector<std::vector<std::string>> files = {
       // service, contents, why
       {"cut", good.substr(0, 5000), "is cut off"},
+      {"debug", ReadWholeFile(TESTS "debug_provider.so"), "was built with _GLIBCXX_DEBUG"},
       {"empty", "", "is cut off"},
       {"future", ReadWholeFile(TESTS "future_provider.so"),
        "was built against version 7.1.0 of the interfaces, another major version "
        "than " QDXCORE_VERSION},
+      {"hasty", ReadWholeFile(TESTS "hasty_provider.so"),
+       "was tried in a process of its own and ended it with signal ABRT: terminate called after "
+       "throwing an instance of 'NVORNQDX20::TQDXException'   what():  kQDXStatusFail"},
       {"mips", changed(18, 8), "is built for another kind of machine"},
       {"text", "no more than text", "is not a library"},
       {"unstamped", changed(good.find("QDXcore"), 'P'),

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // A provider whose namespace cannot be had, and whose names would steer a terminal. With NAME_CALLS
-// it tells its name so often, and throws whatever else it is asked.
+// it tells its name so often, and throws whatever else it is asked; with THROW_AT_ONCE it does not
+// get so far.
 #include <qdxcore/logger.h>
 #include <qdxcore/registry.h>
 
@@ -27,6 +28,10 @@ class TBadProvider : public INamespaceProvider {
   mutable int fAsked = 0;
 };
 
+#if defined(THROW_AT_ONCE)
+[[maybe_unused]] const bool kRegistered = (throw TQDXException(kQDXStatusFail), true);
+#else
 [[maybe_unused]] const bool kRegistered = RegisterProvider<TBadProvider>();
+#endif
 
 }  // namespace

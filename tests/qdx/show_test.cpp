@@ -72,7 +72,7 @@ TEST_F(QDXShow, GivesTheReasonOfTheInstanceThatLacksAValue) {
 TEST_F(QDXShow, SaysWhatItCannotShow) {
   const std::string text = fFolder.Write("text", "no document").string();
   const std::tuple<std::vector<std::string>, int, std::string> rows[] = {
-      {{"Sample_None"}, 4, "looking for, Sample_None: not in what could be read ["},
+      {{"Sample_None"}, 4, "looking for, Sample_None: no provider that answered has it ["},
       {{fDocument, "root/qdx:Sample_All"}, 4, "looking for, root/qdx:Sample_All: no such class"},
       {{fDocument, "Sample_All.Key=\"b\""}, 4, "looking for, Sample_All.Key=\"b\": no such class"},
       {{fDocument, "Sample_All.Key=b"}, 4, "looking for, Sample_All.Key=b: Reference missing "},

@@ -11,6 +11,7 @@
 #include <boost/algorithm/string/predicate.hpp>
 
 #include "plugin_file.h"
+#include "plugin_trial.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -21,18 +22,26 @@ std::string SuffixOf(const std::string& kind) {
   return "." + kind + TOSSpecific::kDynamicModuleExtension;
 }
 
+std::string PluginFolder() {
+  // The loader's name for the core has the ".." of this command's own search path in it.
+  return std::filesystem::canonical(TOSSpecific::GetQDXRootPath()).string();
+}
+
 /// Every service that the folder has a name for. FindNSServices would pass over a folder or a
 /// dangling link in silence, and take libfoo.nsp.so.old, which is put aside, for a plug-in.
 std::vector<std::string> FindServices(const std::string& kind) {
-  std::vector<std::string> names;
-  const auto failure = Try([&] { names = TOSSpecific::ListDir(TOSSpecific::GetQDXRootPath()); });
-  if (failure) {
-    throw TCommandFailure(kExitNothingCollected,
-                          FailureLine("looking for plug-ins", "." + kind, *failure));
+  const std::string folder = PluginFolder();
+  std::error_code error;
+  const std::filesystem::directory_iterator entries(folder, error);
+  if (error) {
+    throw TCommandFailure(
+        kExitNothingCollected,
+        FailureLine("looking for plug-ins", folder, {kQDXStatusAccessDenied, error.message()}));
   }
   const std::string suffix = SuffixOf(kind);
   std::vector<std::string> services;
-  for (const std::string& name : names) {
+  for (const std::filesystem::directory_entry& entry : entries) {
+    const std::string name = entry.path().filename().string();
     if (boost::algorithm::starts_with(name, kPrefix) && boost::algorithm::ends_with(name, suffix)) {
       services.push_back(name.substr(kPrefix.size(), name.size() - kPrefix.size() - suffix.size()));
     }
@@ -42,9 +51,7 @@ std::vector<std::string> FindServices(const std::string& kind) {
 }
 
 std::string FileOf(const std::string& service, const std::string& kind) {
-  // The loader's name for the core has the ".." of this command's own search path in it.
-  const std::filesystem::path folder = std::filesystem::canonical(TOSSpecific::GetQDXRootPath());
-  return (folder / (kPrefix + service + SuffixOf(kind))).string();
+  return PluginFolder() + "/" + kPrefix + service + SuffixOf(kind);
 }
 
 /// Loads every library of a kind; `load` gets one to fill, and its failure becomes the library's.
@@ -58,6 +65,7 @@ std::vector<TLoaded> LoadAll(const std::string& kind, const std::string& tried,
     library.fFile = FileOf(service, kind);
     library.fFailure = Try([&] {
       CheckPluginFile(library.fFile);
+      TryPlugin(library.fFile, [&] { load(library); });
       load(library);
     });
     if (library.fFailure) PrintError(FailureLine(tried, service, *library.fFailure));

@@ -78,6 +78,10 @@ void CheckStamp(const TPluginFile& file, const TBuildStamp& stamp) {
   }
   if (stamp.fHasAssertHandler == 0) file.Refuse("was built without BOOST_ENABLE_ASSERT_HANDLER");
   if (stamp.fHasPlainCounts == 0) file.Refuse("was built without BOOST_SP_DISABLE_THREADS");
+  if (stamp.fHasDebugContainers != kBuildStamp.fHasDebugContainers) {
+    file.Refuse(stamp.fHasDebugContainers != 0 ? "was built with _GLIBCXX_DEBUG"
+                                               : "was built without _GLIBCXX_DEBUG");
+  }
 }
 
 /// Cuts the first `size` bytes, as many as there are, off the rest.

@@ -157,7 +157,7 @@ bool AddLiveMachine(const TArguments& arguments, TSelection& selection) {
   // Lines about the providers that failed are the whole reason.
   if (element.empty() && !complete) throw TCommandFailure(kExitNothingCollected, "");
   if (!element.empty() && !complete && why.fStatus == kQDXStatusNotFound) {
-    const TFailure failure(kQDXStatusNotFound, "not in what could be read");
+    const TFailure failure(kQDXStatusNotFound, "no provider that answered has it");
     throw TCommandFailure(kExitBadInput, FailureLine("looking for", element, failure));
   }
   if (!element.empty()) {
