@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxcore/config.h>
 
+#include <csignal>
+
 #include <gtest/gtest.h>
 
 #include "qdx/installation.h"
@@ -73,6 +75,14 @@ TEST(QDXBadPlugins, MayFailOnceTheyAreLoaded) {
     EXPECT_NE(run.fOutput, "");
     EXPECT_EQ(run.fExitCode, 3);
   }
+}
+
+TEST(QDXBadPlugins, AreNamedWhenTheyCrash) {
+  const TInstallation installation;
+  installation.AddPlugin(TESTS "crashing_provider.so", "liba.nsp.so");
+  const TProgramRun run = installation.Run({"identity"});
+  EXPECT_EQ(run.fErrors, "qdx: opening root/cimv2 of provider, bad: it crashed (ABRT)\n");
+  EXPECT_EQ(run.fExitCode, -SIGABRT);
 }
 
 }  // namespace

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // A provider whose namespace cannot be had, and whose names would steer a terminal. With NAME_CALLS
-// it tells its name so often, and throws whatever else it is asked; with THROW_AT_ONCE it does not
-// get so far.
+// it tells its name so often, and throws whatever else it is asked, or crashes if it is 9; with
+// THROW_AT_ONCE it does not get so far.
 #include <qdxcore/logger.h>
 #include <qdxcore/registry.h>
+
+#include <cstdlib>
 
 using namespace NVORNQDX20;
 
@@ -16,6 +18,7 @@ class TBadProvider : public INamespaceProvider {
   }
 
   boost::shared_ptr<ICIMNamespace> GetNamespace(const std::string&, TOptionsMap) override {
+    if (NAME_CALLS == 9) std::abort();
     LogErrorAndThrow(kQDXStatusAccessDenied, {"the table is locked"});
   }
 

@@ -217,8 +217,8 @@ TVerb CollectVerb() {
       "in .gz makes it a compressed one. Without --output it is\n"
       "HOSTNAME-YYYYMMDDTHHMMSS.xml.gz in the current folder. Its name is printed.\n"
       "Another consumer writes whatever it makes of the namespaces into that file.\n"
-      "A provider that fails, or a namespace that cannot be written, is named, on standard error "
-      "and in the document.\n",
+      "A provider that fails, or a namespace that cannot be written, is named, on standard\n"
+      "error and in the document.\n",
       CollectOptions(), RunCollect};
 }
 

@@ -10,6 +10,7 @@
 
 #include <boost/algorithm/string/predicate.hpp>
 
+#include "crash_note.h"
 #include "plugin_file.h"
 #include "plugin_trial.h"
 
@@ -120,16 +121,24 @@ TProviders RegisteredProviders() {
   return providers;
 }
 
+std::string NameOf(const INamespaceProvider& provider) {
+  std::string name = "?";
+  (void)Try([&] { name = provider.GetName(TOptionsMap()); });
+  return name;
+}
+
 boost::shared_ptr<ICIMNamespace> FindMachineNamespace(const TOptionsMap& options, bool& failed) {
   boost::shared_ptr<ICIMNamespace> ns;
   for (const auto& provider : RegisteredProviders()) {
+    const std::string tried = std::string("opening ") + kMachineNamespace + " of provider";
+    const std::string name = NameOf(*provider);
+    const TCrashNote note(tried, name);
     const auto failure = Try([&] { ns = provider->GetNamespace(kMachineNamespace, options); });
     if (ns) return ns;
     if (failure && IsWithoutNamespace(*failure)) continue;
     failed = true;
-    PrintError(FailureLine(std::string("opening ") + kMachineNamespace + " of provider",
-                           provider->GetName(TOptionsMap()),
-                           failure.value_or(TFailure(kQDXStatusFail, "it answers nothing"))));
+    PrintError(
+        FailureLine(tried, name, failure.value_or(TFailure(kQDXStatusFail, "it answers nothing"))));
   }
   return ns;
 }

@@ -40,6 +40,9 @@ std::vector<TConsumerLibrary> LoadConsumerLibraries();
 /// In ascending order of their names. One that will not tell its name any more is left out.
 TProviders RegisteredProviders();
 
+/// "?" if it will not tell it any more.
+std::string NameOf(const INamespaceProvider& provider);
+
 /// What providers that describe a machine call its namespace.
 inline constexpr const char* kMachineNamespace = "root/cimv2";
 

@@ -12,6 +12,8 @@
 
 #include <boost/algorithm/string/case_conv.hpp>
 
+#include "crash_note.h"
+
 namespace NVORNQDX20 {
 namespace {
 
@@ -25,12 +27,9 @@ boost::shared_ptr<INamespaceProvider> ProviderNamed(const std::string& name) {
   return provider;
 }
 
-std::string LineOf(const TProviderFailure& failure) {
-  const std::string& provider = failure.fOrigin.fProvider;
-  const std::string& ns = failure.fOrigin.fNamespace;
-  return ns.empty() ? FailureLine(failure.fOperation + " provider", provider, failure.fFailure)
-                    : FailureLine(failure.fOperation + " " + ns + " of provider", provider,
-                                  failure.fFailure);
+std::string WhatWasTried(const TOrigin& origin, const std::string& operation) {
+  const std::string& ns = origin.fNamespace;
+  return operation + (ns.empty() ? "" : " " + ns + " of") + " provider";
 }
 
 }  // namespace
@@ -67,7 +66,7 @@ TLiveMachine::TLiveMachine(const TArguments& arguments) : fRoot(RootFolder(argum
 void TLiveMachine::VisitNamespaces(const std::string& operation, const TVisitor& visit) {
   for (const auto& provider : fProviders) {
     for (const std::string& name : NamespacesOf(*provider)) {
-      const TOrigin origin{provider->GetName(TOptionsMap()), name};
+      const TOrigin origin{NameOf(*provider), name};
       const auto ns = Open(*provider, origin);
       if (ns) Attempt(origin, operation, [&] { visit(origin, ns); });
     }
@@ -76,13 +75,14 @@ void TLiveMachine::VisitNamespaces(const std::string& operation, const TVisitor&
 
 void TLiveMachine::AddFailure(const TProviderFailure& failure) {
   fFailures.push_back(failure);
-  PrintError(LineOf(failure));
+  PrintError(FailureLine(WhatWasTried(failure.fOrigin, failure.fOperation),
+                         failure.fOrigin.fProvider, failure.fFailure));
 }
 
 /// None if the provider does not list them: it may serve who knows their names.
 std::vector<std::string> TLiveMachine::NamespacesOf(INamespaceProvider& provider) {
   std::vector<std::string> names;
-  Attempt({provider.GetName(TOptionsMap()), ""}, "listing the namespaces of", [&] {
+  Attempt({NameOf(provider), ""}, "listing the namespaces of", [&] {
     try {
       provider.EnumerateNamespaceNames(
           [&names](const std::string& name) {
@@ -120,6 +120,7 @@ boost::shared_ptr<ICIMNamespace> TLiveMachine::Open(INamespaceProvider& provider
 
 void TLiveMachine::Attempt(const TOrigin& origin, const std::string& operation,
                            const std::function<void()>& action) {
+  const TCrashNote note(WhatWasTried(origin, operation), origin.fProvider);
   const auto failure = Try(action);
   if (failure) AddFailure({origin, operation, *failure});
 }

@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include "command.h"
+#include "crash_note.h"
 #include "failure.h"
 
 namespace NVORNQDX20 {
@@ -55,6 +56,9 @@ EExitCode GuardedMain(const std::vector<std::string>& words) {
   } catch (const std::exception& exception) {
     PrintError(std::string("unexpected failure: ") + exception.what());
     return kExitNothingCollected;
+  } catch (...) {  // plug-ins may throw anything
+    PrintError("unexpected failure");
+    return kExitNothingCollected;
   }
 }
 
@@ -68,5 +72,6 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
   std::set_terminate(EndWithoutMemory);
+  ReportCrashes();
   return GuardedMain({argv + (argc > 0 ? 1 : 0), argv + argc});
 }

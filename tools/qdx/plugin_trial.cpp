@@ -15,6 +15,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "crash_note.h"
 #include "failure.h"
 #include "worker.h"
 
@@ -29,6 +30,7 @@ void TurnAside(int end) {
   ::dup2(nowhere, STDOUT_FILENO);
   ::dup2(end, STDERR_FILENO);
   TRootObject::GetCoreLogger()->SetLogThreshold(static_cast<ILogger::EQDXLogSeverity>(-1));
+  LeaveCrashesToOthers();
   std::set_terminate(__gnu_cxx::__verbose_terminate_handler);
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <nlohmann/json.hpp>
 
+#include "crash_note.h"
 #include "libraries.h"
 #include "output.h"
 #include "terminal.h"
@@ -13,11 +14,14 @@ using TJSON = nlohmann::ordered_json;
 
 /// An array of names; null if the provider does not list its namespaces.
 TJSON NamespacesOf(INamespaceProvider& provider, bool& failed) {
+  const std::string tried = "listing the namespaces of provider";
+  const std::string name = NameOf(provider);
+  const TCrashNote note(tried, name);
   TJSON names = TJSON::array();
   const auto failure = Try([&] {
     provider.EnumerateNamespaceNames(
-        [&names](const std::string& name) {
-          names.push_back(name);
+        [&names](const std::string& ns) {
+          names.push_back(ns);
           return true;
         },
         TOptionsMap());
@@ -25,8 +29,7 @@ TJSON NamespacesOf(INamespaceProvider& provider, bool& failed) {
   if (!failure) return names;
   if (failure->fStatus != kQDXStatusNotImplemented) {
     failed = true;
-    PrintError(FailureLine("listing the namespaces of provider", provider.GetName(TOptionsMap()),
-                           *failure));
+    PrintError(FailureLine(tried, name, *failure));
   }
   return nullptr;
 }
@@ -35,10 +38,12 @@ TJSON NamespacesOf(INamespaceProvider& provider, bool& failed) {
 TJSON NameOf(const TConsumerLibrary& library, bool& failed) {
   TJSON name;
   if (!library.fConsumer) return name;
+  const std::string tried = "asking for the name of consumer";
+  const TCrashNote note(tried, library.fService);
   const auto failure = Try([&] { name = library.fConsumer->GetName(TOptionsMap()); });
   if (failure && failure->fStatus != kQDXStatusNotImplemented) {
     failed = true;
-    PrintError(FailureLine("asking for the name of consumer", library.fService, *failure));
+    PrintError(FailureLine(tried, library.fService, *failure));
   }
   return name;
 }
@@ -52,8 +57,8 @@ TJSON Describe(const TProviderLibrary& library, bool& failed) {
   TJSON description = Describe(library);
   description["providers"] = TJSON::array();
   for (const auto& provider : library.fProviders) {
-    description["providers"].push_back({{"name", provider->GetName(TOptionsMap())},
-                                        {"namespaces", NamespacesOf(*provider, failed)}});
+    description["providers"].push_back(
+        {{"name", NameOf(*provider)}, {"namespaces", NamespacesOf(*provider, failed)}});
   }
   return description;
 }

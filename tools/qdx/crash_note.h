@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Says whose code was running when the command crashes.
+#ifndef QDX_CRASH_NOTE_H_
+#define QDX_CRASH_NOTE_H_
+
+#include <string>
+
+namespace NVORNQDX20 {
+
+/// While it lives, a crash is reported in one line, "TRIED, ON: it crashed (SEGV)", and ends the
+/// process as it would have. Of nested ones the innermost speaks.
+class TCrashNote {
+ public:
+  TCrashNote(const std::string& tried, const std::string& on);
+  ~TCrashNote();
+  TCrashNote(const TCrashNote&) = delete;
+  TCrashNote& operator=(const TCrashNote&) = delete;
+
+ private:
+  const std::string fOuter;
+};
+
+/// To be called once, at the start.
+void ReportCrashes();
+/// For a process whose crash another one reports.
+void LeaveCrashesToOthers();
+
+}  // namespace NVORNQDX20
+
+#endif  // QDX_CRASH_NOTE_H_
