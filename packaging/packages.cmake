@@ -11,7 +11,7 @@ set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
 set(CPACK_PACKAGE_CONTACT "qdxcore maintainers <maintainers@qdxcore.example>")
-set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_DEBUGINFO_PACKAGE ON)  # strips, and makes -dbgsym packages for who has a core file
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/stage.cmake)
 set(CPACK_QDX_PACKAGING_DIR ${CMAKE_CURRENT_LIST_DIR})
 
