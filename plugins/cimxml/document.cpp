@@ -143,7 +143,7 @@ boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int
     ParseDocument(input, document);
     document.Complete();
   } catch (const TDefect& defect) {
-    const bool isOfFile = defect.fStatus == kQDXStatusFileSystemError;
+    const bool isOfFile = defect.fStatus != kQDXStatusInvalidDataCollectionDocument;
     LogErrorAndThrow(defect.fStatus,
                      {"cimxml: ", name, isOfFile ? "" : At(defect.fPosition), ": ", defect.what()});
   }
