@@ -94,7 +94,7 @@ const struct {
      "2:36 \"4294967296\" is no size of an array"},
     {Document({Class("<PROPERTY NAME='p' TYPE='uint8'><VALUE.ARRAY/></PROPERTY>")}),
      "2:68 <VALUE.ARRAY> does not belong into <PROPERTY>"},
-    {Document({Class("", "NAME='a b'")}), "2:20 class \"a b\": kQDXStatusInvalidCIMName"},
+    {Document({Class("", "NAME='a b'")}), "2:20 class \"a b\": \"a b\" is no CIM name"},
     {WithProperty("uint8", "256"), "2:68 \"256\" is no uint8"},
     {WithProperty("uint32", "-1"), "2:69 \"-1\" is no uint32"},
     {WithProperty("sint16", "0x-1"), "2:69 \"0x-1\" is no sint16"},
