@@ -54,6 +54,9 @@ std::string Attributes(int count) {
 std::string WithProperty(const std::string& type, const std::string& value) {
   return Document({Class(Property(type, value))});
 }
+std::string ReferenceTo(const std::string& className) {
+  return Tag("PROPERTY.REFERENCE", "NAME='p' REFERENCECLASS='" + className + "'");
+}
 std::string WithInstance(const std::string& properties) {
   return Document({Class(Property("uint8", "1")), Instance(properties)});
 }
@@ -108,6 +111,8 @@ const struct {
     {Document({Class(""), Class("", "NAME='c'")}), "3:20 class \"c\" is declared twice"},
     {Document({Class("", "NAME='C' SUPERCLASS='c'")}),
      "2:20 class \"c\" needs itself to be declared first"},
+    {Document({Class(ReferenceTo("D")), Class(ReferenceTo("C"), "NAME='D'")}),
+     "3:36 class \"C\" needs class \"D\", which needs it, to be declared first"},
     {WithInstance(Tag("PROPERTY", "NAME='q' TYPE='uint8'")),
      "3:87 class \"C\" has no property \"q\""},
     {WithInstance(Property("sint8", "1")), "3:87 property \"p\" is declared with another type"},
