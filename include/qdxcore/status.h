@@ -16,6 +16,7 @@
 #include <cstdint>
 #include <exception>
 #include <string>
+#include <utility>
 
 namespace NVORNQDX20 {
 
@@ -96,6 +97,27 @@ class QDXCORE_EXPORT TQDXException : public std::exception {
 
  private:
   TQDXStatusCode fCode;
+};
+
+/// One that says what it is about, where the code alone would leave its reader guessing:
+///
+///   throw TExplainedException(kQDXStatusNotFound, "class CIM_Fan has no property \"Sped\"");
+///
+/// LogErrorAndThrow() in <qdxcore/logger.h> says it to everybody. This is for who cannot know
+/// whether the failure is one, or just the answer to a question: it logs nothing.
+class QDXCORE_EXPORT TExplainedException : public TQDXException {
+ public:
+  TExplainedException(TQDXStatusCode code, std::string reason)
+      : TQDXException(code), fReason(std::move(reason)) {}
+  TExplainedException(const TExplainedException&) = default;
+  TExplainedException& operator=(const TExplainedException&) = default;
+  ~TExplainedException() override;
+
+  /// In one line; what() is the name of the code, as always.
+  const std::string& GetReason() const noexcept { return fReason; }
+
+ private:
+  std::string fReason;
 };
 
 /// Thrown for a failed assertion when QDX_BOOST_ASSERT is "throwboost"; what() is the message.

@@ -130,10 +130,7 @@ void TDocument::Report(const std::string& name) const {
   fState.fTaken.Report("instances with the keys of another one were left out of", name);
   fState.fContradictions.Report("instances have another class or other keys than their names in",
                                 name);
-  if (fState.fUnheldDateTimes == 0) return;
-  LogMessage(ILogger::kLogWarning,
-             {"cimxml: ", std::to_string(fState.fUnheldDateTimes),
-              " date-times that cannot be held were read as null from ", name});
+  fState.fUnheldDateTimes.Report("date-times that cannot be held were read as null from", name);
 }
 
 boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int descriptor) {
@@ -143,7 +140,7 @@ boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int
     ParseDocument(input, document);
     document.Complete();
   } catch (const TDefect& defect) {
-    const bool isOfFile = defect.fStatus == kQDXStatusFileSystemError;
+    const bool isOfFile = defect.fStatus != kQDXStatusInvalidDataCollectionDocument;
     LogErrorAndThrow(defect.fStatus,
                      {"cimxml: ", name, isOfFile ? "" : At(defect.fPosition), ": ", defect.what()});
   }

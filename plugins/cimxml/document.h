@@ -23,7 +23,8 @@ namespace NVORNQDX20::NCIMXML {
 /// What the document uses but does not declare is declared after its use: a qualifier by its first
 /// one, a class at the end of the document, by its instances and the key bindings that name it. A
 /// bad document is logged, "cimxml: NAME: line L, column C: reason", and throws
-/// kQDXStatusInvalidDataCollectionDocument, or what TInput says.
+/// kQDXStatusInvalidDataCollectionDocument. So is a bad file, without the place, which throws what
+/// TInput says.
 boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int descriptor);
 
 class TDocument final : public IObjectSink {

@@ -18,6 +18,11 @@ namespace {
 constexpr unsigned char kMagic[] = {0x1F, 0x8B};
 constexpr int kGzipFormat = 16;  // added to the size of the window
 
+/// What is compressed has no lines, only bytes.
+TDefect GzipDefect(const std::string& reason, std::size_t bytes, EQDXStatusCode status) {
+  return TDefect("gzip: " + reason + ", after " + std::to_string(bytes) + " bytes", {}, status);
+}
+
 }  // namespace
 
 /// One gzip member after the other.
@@ -43,6 +48,7 @@ class TDecompressor {
     fStream.next_out = reinterpret_cast<Bytef*>(out);
     fStream.avail_out = static_cast<uInt>(outSize);
     const int result = inflate(&fStream, Z_NO_FLUSH);
+    fTaken += static_cast<std::size_t>(fStream.next_in - in);
     if (result != Z_OK && result != Z_STREAM_END && result != Z_BUF_ERROR) Refuse();
     fAtEnd = result == Z_STREAM_END;
     in = fStream.next_in;
@@ -51,15 +57,15 @@ class TDecompressor {
 
  private:
   [[noreturn]] void Refuse() const {
-    const std::string reason = fStream.msg == nullptr ? "bad data" : fStream.msg;
     const bool inHeader = fHeader.done != 1;
-    throw TDefect("gzip: " + reason, {},
-                  inHeader ? kQDXStatusInvalidGzipFile : kQDXStatusCorruptGzipFile);
+    throw GzipDefect(fStream.msg == nullptr ? "bad data" : fStream.msg, fTaken,
+                     inHeader ? kQDXStatusInvalidGzipFile : kQDXStatusCorruptGzipFile);
   }
 
   z_stream fStream{};
   gz_header fHeader{};  // of the first member
   bool fAtEnd = false;
+  std::size_t fTaken = 0;  // of all members
 };
 
 TInput::TInput(int descriptor) : fDescriptor(descriptor), fBuffer(new unsigned char[kBufferSize]) {}
@@ -119,7 +125,7 @@ std::size_t TInput::Inflate(char* buffer, std::size_t size) {
 
 void TInput::RequireMember() {
   if (fDecompressor->IsAtEndOfMember()) return;
-  throw TDefect("gzip: the file ends too early", {}, kQDXStatusCorruptGzipFile);
+  throw GzipDefect("the file ends too early", fConsumed, kQDXStatusCorruptGzipFile);
 }
 
 void TInput::RequireWithinLimits() const {

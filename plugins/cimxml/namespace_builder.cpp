@@ -32,6 +32,11 @@ class TDeclaringScope {
   TReadingState& fState;
 };
 
+std::string NameOf(const TReadingState::TDeclaring& declaring) {
+  const auto& cimClass = declaring.fClass.fClass;
+  return Shown(cimClass ? cimClass->GetName({}) : declaring.fName);
+}
+
 }  // namespace
 
 void TReadingState::AddHeld(std::size_t bytes, const TElement& element) {
@@ -104,9 +109,11 @@ TReadClass TNamespaceBuilder::ClassNamed(const std::string& name, const TElement
   if (found != fClasses.end()) return found->second;
   for (const auto& declaring : fState.fDeclaring) {
     if (declaring.fNamespace != this || declaring.fName != folded) continue;
-    const bool isItself = &declaring == &fState.fDeclaring.back() && declaring.fClass.fClass;
-    if (!isItself) use.Refuse("class " + Shown(name) + " needs itself to be declared first");
-    return declaring.fClass;
+    const TReadingState::TDeclaring& user = fState.fDeclaring.back();
+    if (&declaring == &user && declaring.fClass.fClass) return declaring.fClass;
+    use.Refuse("class " + Shown(name) + " needs " +
+               (&declaring == &user ? "itself" : "class " + NameOf(user) + ", which needs it,") +
+               " to be declared first");
   }
   return Declare(name, use);
 }

@@ -46,7 +46,7 @@ struct TReadingState {
   bool fIsComplete = false;  // all of the document is known
   std::vector<TDeclaring> fDeclaring;
   std::size_t fHeldBytes = 0;
-  std::size_t fUnheldDateTimes = 0;
+  TTally fUnheldDateTimes;
   TTally fTaken;           // instances whose keys another one has
   TTally fContradictions;  // names that say something else than their instances
 };

@@ -18,19 +18,27 @@
 namespace NVORNQDX20::NCIMXML {
 namespace {
 
-TCIMValue ReadText(TNamespaceBuilder& ns, TCIMType type, const TElement& element) {
+/// Such as: line 12, PROPERTY "InstallDate".
+std::string PlaceOf(const TElement& value, const TElement& holder) {
+  const std::string* const name = holder.Find("NAME");
+  return "line " + std::to_string(value.fPosition.fLine) +
+         (name == nullptr ? "" : ", " + std::string(holder.fName) + " " + Shown(*name));
+}
+
+TCIMValue ReadText(TNamespaceBuilder& ns, TCIMType type, const TElement& element,
+                   const TElement& holder) {
   std::optional<TCIMValue> value = ReadLiteral(type, element.fText);
   if (!value || !element.fChildren.empty()) {
     element.Refuse(Shown(element.fText) + " is no " + std::string(KeywordOf(type)));
   }
   constexpr std::size_t kBody = 32;
   ns.State().AddHeld(sizeof(TCIMValue) + kBody + element.fText.size(), element);
-  if (value->IsNull()) ++ns.State().fUnheldDateTimes;
+  if (value->IsNull()) ns.State().fUnheldDateTimes.Add(PlaceOf(element, holder));
   return std::move(*value);
 }
 
-TCIMValue ReadArray(TNamespaceBuilder& ns, TCIMType type, unsigned int size,
-                    const TElement& array) {
+TCIMValue ReadArray(TNamespaceBuilder& ns, TCIMType type, unsigned int size, const TElement& array,
+                    const TElement& holder) {
   const TCIMType elementType = ElementType(type);
   std::vector<TCIMValue> elements;
   elements.reserve(array.fChildren.size());
@@ -39,7 +47,7 @@ TCIMValue ReadArray(TNamespaceBuilder& ns, TCIMType type, unsigned int size,
       ns.State().AddValues(1, child);
       elements.emplace_back(elementType, 0U);
     } else if (child.Is("VALUE")) {
-      elements.push_back(ReadText(ns, elementType, child));
+      elements.push_back(ReadText(ns, elementType, child, holder));
     } else {
       array.RefuseChild(child);
     }
@@ -106,7 +114,8 @@ TCIMValue ReadValue(TNamespaceBuilder& ns, TCIMType type, const TElement& holder
       IsArray(type) ? "VALUE.ARRAY" : (isReference ? "VALUE.REFERENCE" : "VALUE");
   if (!value->Is(expected)) holder.RefuseChild(*value);
   if (isReference) return ReadReference(ns, *value);
-  return IsArray(type) ? ReadArray(ns, type, size, *value) : ReadText(ns, type, *value);
+  return IsArray(type) ? ReadArray(ns, type, size, *value, holder)
+                       : ReadText(ns, type, *value, holder);
 }
 
 TCIMValue ReadPropertyValue(TNamespaceBuilder& ns, const TElement& property) {
@@ -124,7 +133,7 @@ TCIMValue ReadKeyValue(TNamespaceBuilder& ns, TCIMType type, const TElement& val
     value.Refuse("the key is declared as " + std::string(KeywordOf(type)));
   }
   if (isReference) return ReadReference(ns, value);
-  TCIMValue key = ReadText(ns, type, value);
+  TCIMValue key = ReadText(ns, type, value, value);
   if (key.IsNull()) value.Refuse("a key cannot be null");
   return key;
 }

@@ -39,6 +39,8 @@ template <typename TWork>
 auto AsPartOf(const TElement& element, const std::string& what, TWork&& work) {
   try {
     return work();
+  } catch (const TExplainedException& e) {
+    element.Refuse(what + ": " + e.GetReason());
   } catch (const TQDXException& e) {
     element.Refuse(what + ": " + e.what());
   }

@@ -20,7 +20,7 @@ TClass::TClass(TNamespace& ns, const std::string& name, TClass* superclass)
     : fNamespace(ns),
       fName(name),
       fSuperclass(superclass),
-      fQualifiers(*this, superclass == nullptr ? nullptr : &superclass->fQualifiers) {
+      fQualifiers(*this, *this, superclass == nullptr ? nullptr : &superclass->fQualifiers) {
   RequireCIMName(name);
   if (superclass != nullptr) fProperties = superclass->fProperties;
 }
@@ -31,7 +31,7 @@ boost::shared_ptr<ICIMQualifier> TClass::AddQualifier(boost::shared_ptr<ICIMQual
 }
 
 void TClass::Commit(TOptionsMap) {
-  RequireOpen();
+  fQualifiers.RequireOpen();
   std::vector<std::size_t> keySlots = FindKeySlots();
   fNamespace.Add(shared_from_this());
   fInstances.SetKeySlots(std::move(keySlots));
@@ -80,8 +80,9 @@ void TClass::EnumerateQualifiers(const TEnumerationCallback<ICIMQualifier>& call
 boost::shared_ptr<ICIMPropertyDecl> TClass::CreatePropertyDecl(const std::string& name,
                                                                const TCIMValue& defaultValue,
                                                                TOptionsMap) {
-  RequireOpen();
-  RequireDeclarable(defaultValue.GetType());
+  fQualifiers.RequireOpen();
+  const TCIMValue::TCIMType type = defaultValue.GetType();
+  if (!IsDeclarable(type)) throw Undeclarable("property " + name + " of " + Description(), type);
   fOwnProperties.push_back(
       std::make_unique<TPropertyDecl>(*this, name, defaultValue, fProperties.Find(name)));
   return fOwnProperties.back()->Handle();
@@ -111,8 +112,14 @@ void TClass::EnumerateStaticProperties(const TEnumerationCallback<ICIMProperty>&
 }
 
 boost::shared_ptr<ICIMInstance> TClass::CreateInstance(TOptionsMap) {
-  if (!fCommitted) throw TQDXException(kQDXStatusInvalidOpSequence);
-  if (IsAbstract({})) throw TQDXException(kQDXStatusInvalidClass);
+  if (!fCommitted) {
+    throw TExplainedException(kQDXStatusInvalidOpSequence,
+                              Description() + " is not committed: it cannot have instances yet");
+  }
+  if (IsAbstract({})) {
+    throw TExplainedException(kQDXStatusInvalidClass,
+                              Description() + " is abstract: it cannot have instances of its own");
+  }
   return HoldWithNamespace(fNamespace.Handle(), boost::make_shared<TInstance>(*this));
 }
 
@@ -144,9 +151,9 @@ void TClass::EnumerateInstances(const TEnumerationCallback<ICIMInstance>& callba
 boost::shared_ptr<ICIMMethodDecl> TClass::CreateMethodDecl(const std::string& name,
                                                            TCIMValue::TCIMType returnType,
                                                            TOptionsMap) {
-  RequireOpen();
+  fQualifiers.RequireOpen();
   auto method = std::make_unique<TMethodDecl>(*this, name, returnType, FindInheritedMethod(name));
-  fMethods.Add(*method);
+  if (!fMethods.Add(*method)) throw Taken(method->Description());
   fOwnMethods.push_back(std::move(method));
   return boost::shared_ptr<ICIMMethodDecl>(Handle(), fOwnMethods.back().get());
 }
@@ -169,20 +176,22 @@ boost::shared_ptr<TClass> TClass::Handle() const {
 }
 
 void TClass::AddProperty(TPropertyDecl& decl) {
-  const auto slot = fProperties.Position(decl.Name());
-  if (!slot) {
-    fProperties.Add(decl);
-    return;
+  if (fProperties.Add(decl)) return;
+  const std::size_t slot = SlotOf(decl.Name());
+  const TPropertyDecl& present = DeclAt(slot);
+  if (&present.Owner() == this) throw Taken(present.Description());
+  if (present.GetType() != decl.GetType()) {
+    throw TExplainedException(kQDXStatusTypeMismatch,
+                              decl.Description() + " is " + TypeText(decl.GetType()) +
+                                  ", but overrides a " + TypeText(present.GetType()) + " of " +
+                                  present.Owner().Description());
   }
-  const TPropertyDecl& present = DeclAt(*slot);
-  if (&present.Owner() == this) throw TQDXException(kQDXStatusAlreadyExists);
-  if (present.GetType() != decl.GetType()) throw TQDXException(kQDXStatusTypeMismatch);
-  fProperties.Replace(*slot, decl);
+  fProperties.Replace(slot, decl);
 }
 
 std::size_t TClass::SlotOf(const std::string& name) const {
   const auto slot = fProperties.Position(name);
-  if (!slot) throw TQDXException(kQDXStatusNotFound);
+  if (!slot) throw NotFound(*this, "property", name);
   return *slot;
 }
 
@@ -197,16 +206,13 @@ const TCIMValue& TClass::InitialValueAt(std::size_t slot) const {
 }
 
 TCIMValue TClass::StoredValue(std::size_t slot, const TCIMValue& value) const {
-  if (value.GetType() != DeclAt(slot).GetType()) throw TQDXException(kQDXStatusTypeMismatch);
+  const TPropertyDecl& decl = DeclAt(slot);
+  RequireType(value.GetType(), decl.GetType(), decl);
   return WeakCopy(value, *this);
 }
 
 bool TClass::IsKeySlot(std::size_t slot) const {
   return std::find(KeySlots().begin(), KeySlots().end(), slot) != KeySlots().end();
-}
-
-void TClass::RequireOpen() const {
-  if (fCommitted) throw TQDXException(kQDXStatusInvalidOpSequence);
 }
 
 std::vector<std::size_t> TClass::FindKeySlots() const {
@@ -219,7 +225,12 @@ std::vector<std::size_t> TClass::FindKeySlots() const {
                        std::find(keys.begin(), keys.end(), slot) == keys.end();
     if (!isNew) continue;
     const bool isArray = (decl.GetType() & TCIMValue::TCIMType::kCIMTypeArray) != 0;
-    if (inheritsKeys || isArray) throw TQDXException(kQDXStatusInvalidClass);
+    if (inheritsKeys || isArray) {
+      throw TExplainedException(
+          kQDXStatusInvalidClass,
+          decl.Description() + " cannot be a key: " +
+              (isArray ? "it is an array" : "the superclass has keys already"));
+    }
     keys.push_back(slot);
   }
   return keys;

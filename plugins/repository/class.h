@@ -28,7 +28,9 @@ class TNamespace;
 /// Each property has a slot: those of the superclass keep theirs, an overriding declaration takes
 /// that of the overridden one. A committed class is closed, so its subclasses start from a copy of
 /// the slots, and its instances keep their values in a vector.
-class TClass final : public ICIMClass, public boost::enable_shared_from_this<TClass> {
+class TClass final : public ICIMClass,
+                     public boost::enable_shared_from_this<TClass>,
+                     public IDescribed {
  public:
   /// The superclass is committed, or null.
   TClass(TNamespace& ns, const std::string& name, TClass* superclass);
@@ -67,6 +69,7 @@ class TClass final : public ICIMClass, public boost::enable_shared_from_this<TCl
   void EnumerateMethodDecls(const TEnumerationCallback<ICIMMethodDecl>& callback,
                             TOptionsMap options) const override;
 
+  std::string Description() const override { return "class " + fName; }
   const std::string& Name() const { return fName; }
   TNamespace& Namespace() const { return fNamespace; }
   TClass* Superclass() const { return fSuperclass; }
@@ -76,7 +79,10 @@ class TClass final : public ICIMClass, public boost::enable_shared_from_this<TCl
 
   void AddProperty(TPropertyDecl& decl);
   void AddSubclass(TClass& subclass) { fSubclasses.push_back(&subclass); }
-  void AddInstance(const boost::shared_ptr<TInstance>& instance) { fInstances.Add(instance); }
+  /// False if there is one with the same keys.
+  [[nodiscard]] bool AddInstance(const boost::shared_ptr<TInstance>& instance) {
+    return fInstances.Add(instance);
+  }
 
   std::size_t SlotCount() const { return fProperties.Size(); }
   /// Throws kQDXStatusNotFound if there is no property of that name.
@@ -93,7 +99,6 @@ class TClass final : public ICIMClass, public boost::enable_shared_from_this<TCl
   const std::vector<std::size_t>& KeySlots() const { return fInstances.KeySlots(); }
 
  private:
-  void RequireOpen() const;
   std::vector<std::size_t> FindKeySlots() const;
   const TMethodDecl* FindInheritedMethod(const std::string& name) const;
   std::vector<const TClass*> WithDescendants() const;

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "instance.h"
 
+#include <qdxcore/reference.h>
 #include <qdxcore/status.h>
 
 #include <boost/smart_ptr/make_shared.hpp>
 
 #include "class.h"
+#include "described.h"
 #include "namespace.h"
 #include "ownership.h"
 #include "property.h"
@@ -16,13 +18,16 @@ namespace NVORNQDX20::NRepository {
 TInstance::TInstance(TClass& cimClass) : fClass(cimClass), fValues(cimClass.SlotCount()) {}
 
 void TInstance::Commit(TOptionsMap) {
-  if (fCommitted) throw TQDXException(kQDXStatusInvalidOpSequence);
+  if (fCommitted) throw CommittedAlready(Description());
   for (const std::size_t slot : fClass.KeySlots()) {
-    if (ValueAt(slot).IsNull()) throw TQDXException(kQDXStatusInvalidInstance);
+    if (ValueAt(slot).IsNull()) {
+      throw TExplainedException(kQDXStatusInvalidInstance,
+                                "an instance lacks its key, " + DeclAt(slot).Description());
+    }
     // A key that is a static or default value must not change with it.
     Replace(fValues[slot], TCIMValue(ValueAt(slot)));
   }
-  fClass.AddInstance(shared_from_this());
+  if (!fClass.AddInstance(shared_from_this())) throw Taken(Description());
   fCommitted = true;
 }
 
@@ -34,7 +39,11 @@ boost::shared_ptr<ICIMProperty> TInstance::GetProperty(const std::string& name, 
 
 void TInstance::SetPropertyValue(const std::string& name, const TCIMValue& value, TOptionsMap) {
   const std::size_t slot = fClass.SlotOf(name);
-  if (fCommitted && fClass.IsKeySlot(slot)) throw TQDXException(kQDXStatusInvalidOpSequence);
+  if (fCommitted && fClass.IsKeySlot(slot)) {
+    throw TExplainedException(
+        kQDXStatusInvalidOpSequence,
+        Description() + " is committed already: its key " + DeclAt(slot).Name() + " cannot change");
+  }
   Replace(fValues[slot], fClass.StoredValue(slot, value));
 }
 
@@ -43,6 +52,15 @@ void TInstance::EnumerateProperties(const TEnumerationCallback<ICIMProperty>& ca
   for (std::size_t slot = 0; slot < fValues.size(); ++slot) {
     if (!callback(MakeProperty(slot))) return;
   }
+}
+
+std::string TInstance::Description() const {
+  TCIMReference path(nullptr, {});
+  path.SetClass(fClass.Handle());
+  for (const std::size_t slot : fClass.KeySlots()) {
+    path.AddKeyValue(DeclAt(slot).Name(), ValueAt(slot));
+  }
+  return "instance " + path.GetPath();
 }
 
 TNamespace& TInstance::Namespace() const { return fClass.Namespace(); }

@@ -31,6 +31,8 @@ class TInstance final : public ICIMInstance, public boost::enable_shared_from_th
   void EnumerateProperties(const TEnumerationCallback<ICIMProperty>& callback,
                            TOptionsMap options) const override;
 
+  /// Its keys must have values.
+  std::string Description() const;
   TNamespace& Namespace() const;
   TPropertyDecl& DeclAt(std::size_t slot) const;
   /// As stored, see values.h.

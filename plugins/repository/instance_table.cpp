@@ -2,7 +2,6 @@
 #include "instance_table.h"
 
 #include <qdxcore/reference.h>
-#include <qdxcore/status.h>
 
 #include <algorithm>
 #include <functional>
@@ -69,10 +68,10 @@ std::size_t HashOf(const std::vector<const TCIMValue*>& keys) {
 
 }  // namespace
 
-void TInstanceTable::Add(const boost::shared_ptr<TInstance>& instance) {
+bool TInstanceTable::Add(const boost::shared_ptr<TInstance>& instance) {
   if (fKeySlots.empty()) {
     fInstances.push_back(instance);
-    return;
+    return true;
   }
   if (fIndex.size() < 2 * (fInstances.size() + 1)) {
     Reindex(std::max(kLeastIndexSize, 2 * fIndex.size()));
@@ -80,9 +79,10 @@ void TInstanceTable::Add(const boost::shared_ptr<TInstance>& instance) {
   const TKeys keys = KeysOf(*instance);
   const std::size_t hash = HashOf(keys);
   TEntry& entry = fIndex[Probe(keys, hash)];
-  if (entry.fInstance != nullptr) throw TQDXException(kQDXStatusAlreadyExists);
+  if (entry.fInstance != nullptr) return false;
   fInstances.push_back(instance);
   entry = {hash, instance.get()};
+  return true;
 }
 
 TInstance* TInstanceTable::Find(const std::vector<TCIMValue>& keys) const {

@@ -21,9 +21,9 @@ class TInstanceTable {
   void SetKeySlots(std::vector<std::size_t> slots) { fKeySlots = std::move(slots); }
   const std::vector<std::size_t>& KeySlots() const { return fKeySlots; }
 
-  /// Throws kQDXStatusAlreadyExists if there is one with the same keys. The keys must not change
-  /// from then on.
-  void Add(const boost::shared_ptr<TInstance>& instance);
+  /// False, and nothing done, if there is one with the same keys. The keys must not change from
+  /// then on.
+  [[nodiscard]] bool Add(const boost::shared_ptr<TInstance>& instance);
 
   /// The keys in the order of the key slots; null if there is none.
   TInstance* Find(const std::vector<TCIMValue>& keys) const;

@@ -13,9 +13,10 @@ TParameterDecl::TParameterDecl(TMethodDecl& method, const std::string& name,
     : fMethod(method),
       fName(name),
       fType(type),
-      fQualifiers(method.Owner(), overridden == nullptr ? nullptr : &overridden->fQualifiers) {
+      fQualifiers(*this, method.Owner(),
+                  overridden == nullptr ? nullptr : &overridden->fQualifiers) {
   RequireCIMName(name);
-  RequireDeclarable(type);
+  if (!IsDeclarable(type)) throw Undeclarable(Description(), type);
 }
 
 boost::shared_ptr<ICIMQualifier> TParameterDecl::AddQualifier(
@@ -29,6 +30,10 @@ void TParameterDecl::Commit() {
   fQualifiers.Close();
 }
 
+std::string TParameterDecl::Description() const {
+  return "parameter " + fName + " of " + fMethod.Description();
+}
+
 void TParameterDecl::EnumerateQualifiers(
     const TEnumerationCallback<ICIMQualifier>& callback) const {
   fQualifiers.Enumerate(callback);
@@ -39,13 +44,19 @@ TMethodDecl::TMethodDecl(TClass& owner, const std::string& name, TCIMValue::TCIM
     : fName(name),
       fReturnType(returnType),
       fOverridden(overridden),
-      fQualifiers(owner, overridden == nullptr ? nullptr : &overridden->fQualifiers) {
+      fQualifiers(*this, owner, overridden == nullptr ? nullptr : &overridden->fQualifiers) {
   RequireCIMName(name);
   if (returnType == TCIMValue::TCIMType::kCIMTypeNone) return;  // it returns nothing
-  RequireDeclarable(returnType);
-  if ((returnType & TCIMValue::TCIMType::kCIMTypeArray) != 0) {
-    throw TQDXException(kQDXStatusInvalidProperty);
-  }
+  const bool isArray = (returnType & TCIMValue::TCIMType::kCIMTypeArray) != 0;
+  if (isArray || !IsDeclarable(returnType)) throw Undeclarable(Description(), returnType);
+}
+
+std::string TMethodDecl::Description() const {
+  return "method " + fName + " of " + Owner().Description();
+}
+
+void TMethodDecl::AddParameter(TParameterDecl& parameter) {
+  if (!fCommitted.Add(parameter)) throw Taken(parameter.Description());
 }
 
 boost::shared_ptr<ICIMQualifier> TMethodDecl::AddQualifier(

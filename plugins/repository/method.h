@@ -17,7 +17,7 @@ namespace NVORNQDX20::NRepository {
 class TClass;
 class TMethodDecl;
 
-class TParameterDecl final : public ICIMParameterDecl {
+class TParameterDecl final : public ICIMParameterDecl, public IDescribed {
  public:
   TParameterDecl(TMethodDecl& method, const std::string& name, TCIMValue::TCIMType type,
                  const TParameterDecl* overridden);
@@ -29,6 +29,7 @@ class TParameterDecl final : public ICIMParameterDecl {
   TCIMValue::TCIMType GetType() const override { return fType; }
   void EnumerateQualifiers(const TEnumerationCallback<ICIMQualifier>& callback) const override;
 
+  std::string Description() const override;
   const std::string& Name() const { return fName; }
 
  private:
@@ -38,7 +39,7 @@ class TParameterDecl final : public ICIMParameterDecl {
   TQualifierSet fQualifiers;
 };
 
-class TMethodDecl final : public ICIMMethodDecl {
+class TMethodDecl final : public ICIMMethodDecl, public IDescribed {
  public:
   /// `overridden` is the inherited method of that name, or null.
   TMethodDecl(TClass& owner, const std::string& name, TCIMValue::TCIMType returnType,
@@ -54,9 +55,10 @@ class TMethodDecl final : public ICIMMethodDecl {
   void EnumerateParameterDecls(
       const TEnumerationCallback<ICIMParameterDecl>& callback) const override;
 
+  std::string Description() const override;
   const std::string& Name() const { return fName; }
   TClass& Owner() const { return fQualifiers.Owner(); }
-  void AddParameter(TParameterDecl& parameter) { fCommitted.Add(parameter); }
+  void AddParameter(TParameterDecl& parameter);
 
  private:
   const std::string fName;

@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "names.h"
 
+#include <qdxcore/status.h>
+
 #include <algorithm>
 #include <cstdint>
+
+#include "described.h"
 
 namespace NVORNQDX20::NRepository {
 namespace {
@@ -24,7 +28,9 @@ bool IsCIMName(std::string_view name) {
 }
 
 void RequireCIMName(std::string_view name) {
-  if (!IsCIMName(name)) throw TQDXException(kQDXStatusInvalidCIMName);
+  if (!IsCIMName(name)) {
+    throw TExplainedException(kQDXStatusInvalidCIMName, Quoted(name) + " is no CIM name");
+  }
 }
 
 bool EqualNames(std::string_view left, std::string_view right) noexcept {

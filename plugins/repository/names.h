@@ -3,8 +3,6 @@
 #ifndef PLUGINS_REPOSITORY_NAMES_H_
 #define PLUGINS_REPOSITORY_NAMES_H_
 
-#include <qdxcore/status.h>
-
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -51,12 +49,11 @@ class TNameTable {
     return position ? fElements[*position] : nullptr;
   }
 
-  /// Throws kQDXStatusAlreadyExists if the name is taken.
-  void Add(TElement& element) {
-    if (!fPositions.emplace(element.Name(), fElements.size()).second) {
-      throw TQDXException(kQDXStatusAlreadyExists);
-    }
+  /// False, and nothing done, if the name is taken.
+  [[nodiscard]] bool Add(TElement& element) {
+    if (!fPositions.emplace(element.Name(), fElements.size()).second) return false;
     fElements.push_back(&element);
+    return true;
   }
 
   /// The name of the new element must equal that of the one it replaces.

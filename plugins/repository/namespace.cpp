@@ -18,13 +18,18 @@ boost::shared_ptr<ICIMClass> TNamespace::CreateClass(const std::string& name,
                                                      boost::shared_ptr<ICIMClass> superclass,
                                                      TOptionsMap) {
   TClass* const own = superclass ? fClasses.Find(superclass->GetName({})) : nullptr;
-  if (own != superclass.get()) throw TQDXException(kQDXStatusInvalidClass);
+  if (own != superclass.get()) {
+    throw TExplainedException(kQDXStatusInvalidClass,
+                              "class " + Quoted(name) + " cannot be derived from " +
+                                  superclass->GetName({}) + ", which is no committed class of " +
+                                  Description());
+  }
   return boost::make_shared<TClass>(*this, name, own)->Handle();
 }
 
 boost::shared_ptr<ICIMClass> TNamespace::GetClass(const std::string& name, TOptionsMap) const {
   TClass* const found = fClasses.Find(name);
-  if (found == nullptr) throw TQDXException(kQDXStatusNotFound);
+  if (found == nullptr) throw NotFound(*this, "class", name);
   return found->Handle();
 }
 
@@ -40,8 +45,10 @@ boost::shared_ptr<ICIMQualifierDecl> TNamespace::CreateQualifierDecl(const std::
                                                                      std::uint32_t scope,
                                                                      std::uint32_t flavor,
                                                                      TOptionsMap) {
-  RequireDeclarable(defaultValue.GetType());
-  if (HoldsReferences(defaultValue.GetType())) throw TQDXException(kQDXStatusInvalidProperty);
+  const TCIMValue::TCIMType type = defaultValue.GetType();
+  if (!IsDeclarable(type) || HoldsReferences(type)) {
+    throw Undeclarable("qualifier declaration " + name, type);
+  }
   return HoldWithNamespace(
       Handle(), boost::make_shared<TQualifierDecl>(*this, name, defaultValue, scope, flavor));
 }
@@ -49,7 +56,7 @@ boost::shared_ptr<ICIMQualifierDecl> TNamespace::CreateQualifierDecl(const std::
 boost::shared_ptr<ICIMQualifierDecl> TNamespace::GetQualifierDecl(const std::string& name,
                                                                   TOptionsMap) const {
   TQualifierDecl* const found = FindQualifierDecl(name);
-  if (found == nullptr) throw TQDXException(kQDXStatusNotFound);
+  if (found == nullptr) throw NotFound(*this, "declaration of qualifier", name);
   return HandleOf(*found);
 }
 
@@ -59,16 +66,14 @@ void TNamespace::EnumerateQualifierDecls(const TEnumerationCallback<ICIMQualifie
 }
 
 void TNamespace::Add(const boost::shared_ptr<TClass>& cimClass) {
-  fClasses.Add(*cimClass);
+  if (!fClasses.Add(*cimClass)) throw Taken(cimClass->Description());
   fOwnedClasses.push_back(cimClass);
   if (cimClass->Superclass() != nullptr) cimClass->Superclass()->AddSubclass(*cimClass);
 }
 
 void TNamespace::Add(const boost::shared_ptr<TQualifierDecl>& decl) {
-  if (FindQualifierDecl(decl->Name()) == decl.get()) {
-    throw TQDXException(kQDXStatusInvalidOpSequence);
-  }
-  fQualifierDecls.Add(*decl);
+  if (FindQualifierDecl(decl->Name()) == decl.get()) throw CommittedAlready(decl->Description());
+  if (!fQualifierDecls.Add(*decl)) throw Taken(decl->Description());
   fOwnedDecls.push_back(decl);
 }
 

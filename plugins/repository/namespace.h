@@ -11,12 +11,15 @@
 #include <boost/smart_ptr/enable_shared_from_this.hpp>
 
 #include "class.h"
+#include "described.h"
 #include "names.h"
 #include "qualifier.h"
 
 namespace NVORNQDX20::NRepository {
 
-class TNamespace final : public ICIMNamespace, public boost::enable_shared_from_this<TNamespace> {
+class TNamespace final : public ICIMNamespace,
+                         public boost::enable_shared_from_this<TNamespace>,
+                         public IDescribed {
  public:
   explicit TNamespace(const std::string& name) : fName(name) {}
 
@@ -38,6 +41,7 @@ class TNamespace final : public ICIMNamespace, public boost::enable_shared_from_
   void EnumerateQualifierDecls(const TEnumerationCallback<ICIMQualifierDecl>& callback,
                                TOptionsMap options) const override;
 
+  std::string Description() const override { return "namespace " + fName; }
   boost::shared_ptr<TNamespace> Handle() { return shared_from_this(); }
   /// Null if there is none of that name.
   TQualifierDecl* FindQualifierDecl(const std::string& name) const {

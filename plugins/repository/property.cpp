@@ -14,10 +14,11 @@ TPropertyDecl::TPropertyDecl(TClass& owner, const std::string& name, const TCIMV
                              const TPropertyDecl* overridden)
     : fName(name),
       fDefaultValue(WeakCopy(defaultValue, owner)),
-      fQualifiers(owner, overridden == nullptr ? nullptr : &overridden->fQualifiers) {
+      fQualifiers(*this, owner, overridden == nullptr ? nullptr : &overridden->fQualifiers) {
   RequireCIMName(name);
   if (fDefaultValue.IsReference() && !fDefaultValue.GetReferencedClass()) {
-    throw TQDXException(kQDXStatusInvalidReference);
+    throw TExplainedException(kQDXStatusInvalidReference,
+                              Description() + " does not say which class it refers to");
   }
 }
 
@@ -29,7 +30,7 @@ boost::shared_ptr<ICIMQualifier> TPropertyDecl::AddQualifier(
 boost::shared_ptr<ICIMQualifier> TPropertyDecl::GetQualifier(const std::string& name) const {
   TQualifier* const own = fQualifiers.Find(name);
   TQualifier* const found = own != nullptr ? own : fQualifiers.FindInherited(name);
-  if (found == nullptr) throw TQDXException(kQDXStatusNotFound);
+  if (found == nullptr) throw NotFound(*this, "qualifier", name);
   return fQualifiers.Handle(found);
 }
 
@@ -41,6 +42,10 @@ void TPropertyDecl::Commit() {
   fQualifiers.RequireOpen();
   fQualifiers.Owner().AddProperty(*this);
   fQualifiers.Close();
+}
+
+std::string TPropertyDecl::Description() const {
+  return "property " + fName + " of " + Owner().Description();
 }
 
 const TCIMValue& TPropertyDecl::GetDefaultValue() const {

@@ -18,7 +18,7 @@ namespace NVORNQDX20::NRepository {
 
 class TClass;
 
-class TPropertyDecl final : public ICIMPropertyDecl {
+class TPropertyDecl final : public ICIMPropertyDecl, public IDescribed {
  public:
   /// `overridden` is the inherited declaration of that name, or null.
   TPropertyDecl(TClass& owner, const std::string& name, const TCIMValue& defaultValue,
@@ -33,6 +33,7 @@ class TPropertyDecl final : public ICIMPropertyDecl {
   TCIMValue::TCIMType GetType() const override { return fDefaultValue.GetType(); }
   const TCIMValue& GetDefaultValue() const override;
 
+  std::string Description() const override;
   const std::string& Name() const { return fName; }
   /// As stored, see values.h.
   const TCIMValue& StoredDefault() const { return fDefaultValue; }

@@ -2,6 +2,7 @@
 #include <qdxcore/status.h>
 #include <qdxrepository/repository.h>
 
+#include "described.h"
 #include "names.h"
 
 namespace NVORNQDX20 {
@@ -11,7 +12,11 @@ TRepositoryProvider::TRepositoryProvider(const std::string& name) : fName(name) 
 TRepositoryProvider::~TRepositoryProvider() = default;
 
 void TRepositoryProvider::AddNamespace(boost::shared_ptr<ICIMNamespace> ns) {
-  if (Find(ns->GetName({}))) throw TQDXException(kQDXStatusAlreadyExists);
+  if (Find(ns->GetName({}))) {
+    throw TExplainedException(
+        kQDXStatusAlreadyExists,
+        "namespace " + ns->GetName({}) + " of provider " + fName + " is there already");
+  }
   fNamespaces.push_back(ns);
 }
 
@@ -20,7 +25,10 @@ const std::string& TRepositoryProvider::GetName(TOptionsMap) const { return fNam
 boost::shared_ptr<ICIMNamespace> TRepositoryProvider::GetNamespace(const std::string& name,
                                                                    TOptionsMap) {
   boost::shared_ptr<ICIMNamespace> found = Find(name);
-  if (!found) throw TQDXException(kQDXStatusNotFound);
+  if (!found) {
+    throw TExplainedException(
+        kQDXStatusNotFound, "provider " + fName + " has no namespace " + NRepository::Quoted(name));
+  }
   return found;
 }
 

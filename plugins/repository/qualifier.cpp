@@ -6,6 +6,7 @@
 
 #include "class.h"
 #include "namespace.h"
+#include "values.h"
 
 namespace NVORNQDX20::NRepository {
 
@@ -20,12 +21,14 @@ void TQualifierDecl::Commit() { fNamespace.Add(shared_from_this()); }
 
 TQualifier::TQualifier(TQualifierSet& set, const TQualifierDecl& decl, const TCIMValue& value)
     : fSet(set), fDecl(decl), fValue(value) {
-  if (value.GetType() != decl.GetDefaultValue().GetType()) {
-    throw TQDXException(kQDXStatusTypeMismatch);
-  }
+  RequireType(value.GetType(), decl.GetDefaultValue().GetType(), *this);
 }
 
 void TQualifier::Commit() { fSet.Commit(*this); }
+
+std::string TQualifier::Description() const {
+  return "qualifier " + Name() + " of " + fSet.Element().Description();
+}
 
 boost::shared_ptr<const ICIMQualifierDecl> TQualifier::GetDecl() const {
   return {fSet.Owner().Namespace().Handle(), &fDecl};
@@ -34,26 +37,34 @@ boost::shared_ptr<const ICIMQualifierDecl> TQualifier::GetDecl() const {
 boost::shared_ptr<ICIMQualifier> TQualifierSet::Add(
     const boost::shared_ptr<ICIMQualifierDecl>& decl, const TCIMValue& value) {
   RequireOpen();
-  const TQualifierDecl* const own =
-      decl == nullptr ? nullptr : fOwner.Namespace().FindQualifierDecl(decl->GetName());
-  if (own == nullptr || own != decl.get()) throw TQDXException(kQDXStatusNotFound);
+  const TNamespace& ns = fOwner.Namespace();
+  const TQualifierDecl* const own = decl ? ns.FindQualifierDecl(decl->GetName()) : nullptr;
+  if (own == nullptr || own != decl.get()) {
+    throw TExplainedException(kQDXStatusNotFound, "a qualifier of " + fElement.Description() +
+                                                      ", " + (decl ? decl->GetName() : "null") +
+                                                      ", is not one that is declared in " +
+                                                      ns.Description());
+  }
   fQualifiers.push_back(std::make_unique<TQualifier>(*this, *own, value));
   return Handle(fQualifiers.back().get());
 }
 
 void TQualifierSet::Commit(TQualifier& qualifier) {
   RequireOpen();
-  if (Find(qualifier.Name()) == &qualifier) throw TQDXException(kQDXStatusInvalidOpSequence);
+  if (Find(qualifier.Name()) == &qualifier) throw CommittedAlready(qualifier.Description());
   const TQualifier* const inherited = FindInherited(qualifier.Name());
   if (inherited != nullptr && !inherited->Decl().HasFlavor(kFlavorOverridable) &&
       inherited->GetValue() != qualifier.GetValue()) {
-    throw TQDXException(kQDXStatusNotOverridable);
+    throw TExplainedException(
+        kQDXStatusNotOverridable,
+        qualifier.Description() + " changes an inherited one that cannot be overridden");
   }
-  fCommitted.Add(qualifier);
+  if (!fCommitted.Add(qualifier)) throw Taken(qualifier.Description());
 }
 
 void TQualifierSet::RequireOpen() const {
-  if (fClosed || fOwner.IsCommitted()) throw TQDXException(kQDXStatusInvalidOpSequence);
+  if (fClosed) throw CommittedAlready(fElement.Description());
+  if (fOwner.IsCommitted()) throw CommittedAlready(fOwner.Description());
 }
 
 TQualifier* TQualifierSet::FindInherited(const std::string& name) const {

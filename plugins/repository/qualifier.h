@@ -11,6 +11,7 @@
 
 #include <boost/smart_ptr/enable_shared_from_this.hpp>
 
+#include "described.h"
 #include "names.h"
 
 namespace NVORNQDX20::NRepository {
@@ -20,7 +21,8 @@ class TNamespace;
 class TQualifierSet;
 
 class TQualifierDecl final : public ICIMQualifierDecl,
-                             public boost::enable_shared_from_this<TQualifierDecl> {
+                             public boost::enable_shared_from_this<TQualifierDecl>,
+                             public IDescribed {
  public:
   TQualifierDecl(TNamespace& ns, const std::string& name, const TCIMValue& defaultValue,
                  std::uint32_t scope, std::uint32_t flavor);
@@ -31,6 +33,7 @@ class TQualifierDecl final : public ICIMQualifierDecl,
   std::uint32_t GetScope() const override { return fScope; }
   std::uint32_t GetFlavor() const override { return fFlavor; }
 
+  std::string Description() const override { return "qualifier declaration " + fName; }
   const std::string& Name() const { return fName; }
   bool HasFlavor(std::uint32_t bit) const { return (fFlavor & bit) != 0; }
 
@@ -42,7 +45,7 @@ class TQualifierDecl final : public ICIMQualifierDecl,
   const std::uint32_t fFlavor;
 };
 
-class TQualifier final : public ICIMQualifier {
+class TQualifier final : public ICIMQualifier, public IDescribed {
  public:
   TQualifier(TQualifierSet& set, const TQualifierDecl& decl, const TCIMValue& value);
 
@@ -50,6 +53,7 @@ class TQualifier final : public ICIMQualifier {
   boost::shared_ptr<const ICIMQualifierDecl> GetDecl() const override;
   const TCIMValue& GetValue() const override { return fValue; }
 
+  std::string Description() const override;
   const std::string& Name() const { return fDecl.Name(); }
   const TQualifierDecl& Decl() const { return fDecl; }
 
@@ -63,8 +67,8 @@ class TQualifier final : public ICIMQualifier {
 class TQualifierSet {
  public:
   /// `overridden` is the set of the element that this one's overrides, or null.
-  TQualifierSet(TClass& owner, const TQualifierSet* overridden)
-      : fOwner(owner), fOverridden(overridden) {}
+  TQualifierSet(const IDescribed& element, TClass& owner, const TQualifierSet* overridden)
+      : fElement(element), fOwner(owner), fOverridden(overridden) {}
   TQualifierSet(const TQualifierSet&) = delete;
   TQualifierSet& operator=(const TQualifierSet&) = delete;
 
@@ -85,9 +89,11 @@ class TQualifierSet {
   void Enumerate(const TEnumerationCallback<ICIMQualifier>& callback) const;
   boost::shared_ptr<ICIMQualifier> Handle(TQualifier* qualifier) const;
 
+  const IDescribed& Element() const { return fElement; }
   TClass& Owner() const { return fOwner; }
 
  private:
+  const IDescribed& fElement;
   TClass& fOwner;
   const TQualifierSet* const fOverridden;
   std::vector<std::unique_ptr<TQualifier>> fQualifiers;

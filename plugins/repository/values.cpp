@@ -21,6 +21,11 @@ constexpr unsigned int kArray = TCIMType::kCIMTypeArray;
 
 unsigned int CodeOf(TCIMType type) { return static_cast<TCIMType::ECIMType>(type); }
 
+bool HasKeyword(TCIMType type) {
+  const unsigned int element = CodeOf(type) & ~kArray;
+  return element != TCIMType::kCIMTypeNone && element <= TCIMType::kCIMTypeReference;
+}
+
 /// One direction of the copy: what stands for the namespace, and for a class of it.
 class TRebinding {
  public:
@@ -88,8 +93,10 @@ class TWeakening final : public TRebinding {
   explicit TWeakening(const TClass& user) : TRebinding(user.Namespace()), fUser(user) {}
   boost::shared_ptr<ICIMNamespace> Namespace() const override { return nullptr; }
   boost::shared_ptr<ICIMClass> Class(TClass& cimClass) const override {
-    if (!cimClass.IsCommitted() && &cimClass != &fUser) {
-      throw TQDXException(kQDXStatusInvalidReference);  // it may go before the value does
+    if (!cimClass.IsCommitted() && &cimClass != &fUser) {  // it may go before the value does
+      throw TExplainedException(kQDXStatusInvalidReference,
+                                cimClass.Description() + " is not committed: " +
+                                    fUser.Description() + " cannot refer to it yet");
     }
     return boost::shared_ptr<ICIMClass>(boost::shared_ptr<void>(), &cimClass);
   }
@@ -114,12 +121,24 @@ bool HoldsReferences(TCIMType type) {
   return (CodeOf(type) & ~kArray) == TCIMType::kCIMTypeReference;
 }
 
-void RequireDeclarable(TCIMType type) {
-  const unsigned int element = CodeOf(type) & ~kArray;
-  if (element == TCIMType::kCIMTypeNone || element > TCIMType::kCIMTypeReference ||
-      element == TCIMType::kCIMTypeChar) {
-    throw TQDXException(kQDXStatusInvalidProperty);
-  }
+std::string TypeText(TCIMType type) {
+  if (!HasKeyword(type)) return "untyped";
+  return type.ToString() + ((CodeOf(type) & kArray) != 0 ? "[]" : "");
+}
+
+bool IsDeclarable(TCIMType type) {
+  return HasKeyword(type) && (CodeOf(type) & ~kArray) != TCIMType::kCIMTypeChar;
+}
+
+TExplainedException Undeclarable(const std::string& description, TCIMType type) {
+  return {kQDXStatusInvalidProperty, description + " cannot be " + TypeText(type)};
+}
+
+void RequireType(TCIMType given, TCIMType declared, const IDescribed& element) {
+  if (given == declared) return;
+  throw TExplainedException(
+      kQDXStatusTypeMismatch,
+      element.Description() + " is " + TypeText(declared) + ", not " + TypeText(given));
 }
 
 TCIMValue WeakCopy(const TCIMValue& value, const TClass& user) {

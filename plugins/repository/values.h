@@ -10,6 +10,10 @@
 
 #include <qdxcore/value.h>
 
+#include <string>
+
+#include "described.h"
+
 namespace NVORNQDX20::NRepository {
 
 class TClass;
@@ -18,9 +22,18 @@ class TNamespace;
 /// A reference or an array of references.
 bool HoldsReferences(TCIMValue::TCIMType type);
 
-/// Throws kQDXStatusInvalidProperty if no property, parameter or qualifier can be of that type: it
-/// must have a keyword, and a value must be able to hold it.
-void RequireDeclarable(TCIMValue::TCIMType type);
+/// As reasons name it: "uint8", "string[]".
+std::string TypeText(TCIMValue::TCIMType type);
+
+/// Whether properties, parameters and methods can be of that type: it must have a keyword, and a
+/// value must be able to hold it.
+bool IsDeclarable(TCIMValue::TCIMType type);
+/// kQDXStatusInvalidProperty
+TExplainedException Undeclarable(const std::string& description, TCIMValue::TCIMType type);
+
+/// Throws kQDXStatusTypeMismatch if the element, declared as one type, is given another.
+void RequireType(TCIMValue::TCIMType given, TCIMValue::TCIMType declared,
+                 const IDescribed& element);
 
 /// The value as `user` or an instance of it stores it. Throws kQDXStatusInvalidReference for a
 /// class of the same namespace that is not committed, unless it is `user` itself.

@@ -57,6 +57,8 @@ TQDXException::~TQDXException() = default;
 
 const char* TQDXException::what() const noexcept { return fCode.TranslateStatusCode().c_str(); }
 
+TExplainedException::~TExplainedException() = default;
+
 TBoostAssertException::~TBoostAssertException() = default;
 
 const char* TBoostAssertException::what() const noexcept { return fMessage.c_str(); }

@@ -154,9 +154,9 @@ TEST(CIMXMLDocumentOfAnotherTool, MayHaveDateTimesThatCannotBeHeld) {
   const TDocumentFile file(WithValue("datetime", "20040315******.******+060"));
   EXPECT_NE(ReadAndWritten(file.Path()).find("<PROPERTY NAME=\"p\" TYPE=\"datetime\"/>"),
             std::string::npos);
-  EXPECT_EQ(
-      log.Messages(),
-      TNames{"1 cimxml: 1 date-times that cannot be held were read as null from " + file.Path()});
+  EXPECT_EQ(log.Messages(),
+            TNames{"1 cimxml: 1 date-times that cannot be held were read as null from " +
+                   file.Path() + ", the first: line 3, PROPERTY \"p\""});
 }
 
 }  // namespace

@@ -15,19 +15,19 @@ namespace NVORNQDX20 {
 namespace {
 
 /// Reads what must be refused: "2:68 reason" where the one message is "cimxml: FILE: line 2, column
-/// 68: reason", else that message.
+/// 68: reason", "0:0 reason" where it names no place.
 std::string Refusal(const std::string& content, EQDXStatusCode status) {
   const TDocumentFile file(content);
   const TLogCapture log;
   EXPECT_QDX_STATUS(NamesIn(file.Path()), status);
   const auto messages = log.Messages();
   EXPECT_EQ(messages.size(), 1U);
-  const std::string format = "0 cimxml: " + file.Path() + ": line %u, column %u: %n";
+  const std::string rest = messages.back().substr(("0 cimxml: " + file.Path() + ": ").size());
   unsigned int line = 0;
   unsigned int column = 0;
   int end = 0;
-  std::sscanf(messages.back().c_str(), format.c_str(), &line, &column, &end);
-  return std::to_string(line) + ":" + std::to_string(column) + " " + messages.back().substr(end);
+  std::sscanf(rest.c_str(), "line %u, column %u: %n", &line, &column, &end);
+  return std::to_string(line) + ":" + std::to_string(column) + " " + rest.substr(end);
 }
 
 std::string Repeated(const std::string& text, int count) {
@@ -53,6 +53,9 @@ std::string Attributes(int count) {
 
 std::string WithProperty(const std::string& type, const std::string& value) {
   return Document({Class(Property(type, value))});
+}
+std::string ReferenceTo(const std::string& className) {
+  return Tag("PROPERTY.REFERENCE", "NAME='p' REFERENCECLASS='" + className + "'");
 }
 std::string WithInstance(const std::string& properties) {
   return Document({Class(Property("uint8", "1")), Instance(properties)});
@@ -94,7 +97,7 @@ const struct {
      "2:36 \"4294967296\" is no size of an array"},
     {Document({Class("<PROPERTY NAME='p' TYPE='uint8'><VALUE.ARRAY/></PROPERTY>")}),
      "2:68 <VALUE.ARRAY> does not belong into <PROPERTY>"},
-    {Document({Class("", "NAME='a b'")}), "2:20 class \"a b\": kQDXStatusInvalidCIMName"},
+    {Document({Class("", "NAME='a b'")}), "2:20 class \"a b\": \"a b\" is no CIM name"},
     {WithProperty("uint8", "256"), "2:68 \"256\" is no uint8"},
     {WithProperty("uint32", "-1"), "2:69 \"-1\" is no uint32"},
     {WithProperty("sint16", "0x-1"), "2:69 \"0x-1\" is no sint16"},
@@ -108,6 +111,8 @@ const struct {
     {Document({Class(""), Class("", "NAME='c'")}), "3:20 class \"c\" is declared twice"},
     {Document({Class("", "NAME='C' SUPERCLASS='c'")}),
      "2:20 class \"c\" needs itself to be declared first"},
+    {Document({Class(ReferenceTo("D")), Class(ReferenceTo("C"), "NAME='D'")}),
+     "3:36 class \"C\" needs class \"D\", which needs it, to be declared first"},
     {WithInstance(Tag("PROPERTY", "NAME='q' TYPE='uint8'")),
      "3:87 class \"C\" has no property \"q\""},
     {WithInstance(Property("sint8", "1")), "3:87 property \"p\" is declared with another type"},
@@ -149,19 +154,22 @@ TEST(BadGzipFile, IsRefusedWithItsStatus) {
     EQDXStatusCode fStatus;
     const char* fReason;
   } kCases[] = {
-      {changed(2), kQDXStatusInvalidGzipFile, "gzip: unknown compression method"},
-      {changed(3), kQDXStatusInvalidGzipFile, "gzip: unknown header flags set"},
-      {changed(whole.size() - 8), kQDXStatusCorruptGzipFile, "gzip: incorrect data check"},
-      {changed(whole.size() - 4), kQDXStatusCorruptGzipFile, "gzip: incorrect length check"},
+      {changed(2), kQDXStatusInvalidGzipFile,
+       "0:0 gzip: unknown compression method, after 4 bytes"},
+      {changed(3), kQDXStatusInvalidGzipFile, "0:0 gzip: unknown header flags set, after 4 bytes"},
+      {changed(whole.size() - 8), kQDXStatusCorruptGzipFile,
+       "0:0 gzip: incorrect data check, after 85 bytes"},
+      {changed(whole.size() - 4), kQDXStatusCorruptGzipFile,
+       "0:0 gzip: incorrect length check, after 89 bytes"},
       {whole.substr(0, whole.size() - 1), kQDXStatusCorruptGzipFile,
-       "gzip: the file ends too early"},
-      {whole.substr(0, 2), kQDXStatusCorruptGzipFile, "gzip: the file ends too early"},
-      {whole + "xx", kQDXStatusCorruptGzipFile, "gzip: incorrect header check"},
+       "0:0 gzip: the file ends too early, after 88 bytes"},
+      {whole.substr(0, 2), kQDXStatusCorruptGzipFile,
+       "0:0 gzip: the file ends too early, after 2 bytes"},
+      {whole + "xx", kQDXStatusCorruptGzipFile, "0:0 gzip: incorrect header check, after 91 bytes"},
       {Compressed(Document({std::string(65 << 20, ' ')})), kQDXStatusInvalidDataCollectionDocument,
-       "more than 500 times its compressed size"}};
+       "2:67108792 more than 500 times its compressed size"}};
   for (const auto& c : kCases) {
-    const std::string reason = Refusal(c.fBytes, c.fStatus);
-    EXPECT_EQ(reason.substr(reason.find(' ') + 1), c.fReason);
+    EXPECT_EQ(Refusal(c.fBytes, c.fStatus), c.fReason);
   }
 }
 

@@ -25,6 +25,9 @@ using TType = TCIMValue::TCIMType;
   for (int i = wanted != nullptr ? std::atoi(wanted) : 2; i-- > 0;) {
     AddInstance(ns, "Sample_Many", {{"Number", static_cast<unsigned>(i)}, {"Text", "xxx"}});
   }
+  if (std::getenv("QDX_SAMPLE_MISTAKE") != nullptr) {
+    AddInstance(ns, "Sample_Many", {{"Number", 9U}, {"Txet", ""}});
+  }
   TCIMReference path(ns, "Sample_Many.Number=\"1\"", {});
   const TProperties values = {
       {"B", true},

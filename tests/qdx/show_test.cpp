@@ -69,6 +69,13 @@ TEST_F(QDXShow, GivesTheReasonOfTheInstanceThatLacksAValue) {
   EXPECT_EQ(run.fOutput.find("VendorID    -"), run.fOutput.find(reason)) << run.fOutput;
 }
 
+TEST_F(QDXShow, TellsAnAuthorOfTheMistake) {
+  const auto run = fInstallation.RunScript("QDX_SAMPLE_MISTAKE=1 \"$0\" show --provider sample");
+  EXPECT_EQ(run.fErrors,
+            "qdx: opening root/sample of provider, sample: class Sample_Many has no property "
+            "\"Txet\" [kQDXStatusNotFound]\n");
+}
+
 TEST_F(QDXShow, SaysWhatItCannotShow) {
   const std::string text = fFolder.Write("text", "no document").string();
   const std::tuple<std::vector<std::string>, int, std::string> rows[] = {

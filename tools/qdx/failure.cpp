@@ -69,6 +69,8 @@ std::optional<TFailure> Try(const std::function<void()>& action) {
   try {
     action();
     return std::nullopt;
+  } catch (const TExplainedException& exception) {
+    return TFailure(exception.GetStatusCode(), exception.GetReason());
   } catch (const TQDXException& exception) {
     return WithLoggedReason(exception.GetStatusCode(), loggedBefore);
   } catch (const std::bad_alloc&) {

@@ -27,8 +27,8 @@ struct TFailure {
   std::string fWhy;
 };
 
-/// Calls into the core or a plug-in. Whatever that throws becomes the failure, and the last error
-/// that was logged meanwhile its reason.
+/// Calls into the core or a plug-in. Whatever that throws becomes the failure. Its reason is what
+/// the exception says it is about, else the last error that was logged meanwhile.
 std::optional<TFailure> Try(const std::function<void()>& action);
 
 /// "TRIED, ON: why [kQDXStatusName]", for example "loading provider, a: ...".

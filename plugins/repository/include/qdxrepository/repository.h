@@ -26,7 +26,8 @@
 ///   sda->SetPropertyValue("DeviceID", "sda", {});
 ///   sda->Commit({});
 ///
-/// What throws what:
+/// What throws what. Each is a TExplainedException that names the element it is about; nothing is
+/// logged, since a look-up that finds nothing may be all that was asked for.
 ///
 ///   kQDXStatusInvalidCIMName      a name that is no CIM identifier
 ///   kQDXStatusNotFound            GetClass, GetQualifierDecl, GetPropertyDecl, a property's
