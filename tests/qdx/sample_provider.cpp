@@ -60,8 +60,8 @@ class TProvider : public INamespaceProvider {
   boost::shared_ptr<ICIMNamespace> GetNamespace(const std::string& name, TOptionsMap) override {
     if (name == "root/sample") return MakeSample();
     const auto faults = boost::make_shared<TFaults>();
-    faults->Throw("ICIMInstance::EnumerateProperties", kQDXStatusAccessDenied, 2);
-    faults->Throw("ICIMInstance::GetProperty", kQDXStatusAccessDenied, 2);
+    faults->Fail("ICIMInstance::EnumerateProperties", kQDXStatusAccessDenied, 2);
+    faults->Fail("ICIMInstance::GetProperty", kQDXStatusAccessDenied, 2);
     return MakeFaultyNamespace(MakeSample(), faults);
   }
 
