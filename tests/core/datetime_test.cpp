@@ -10,8 +10,6 @@
 #include <tuple>
 #include <utility>
 
-#include <gtest/gtest.h>
-
 namespace NVORNQDX20 {
 namespace {
 
@@ -72,7 +70,7 @@ TEST(CIMDateTime, KeepsThePointsFieldsBehindAnInterval) {
 TEST(CIMDateTimeText, SurvivesARoundTrip) {
   for (const char* text :
        {"20040315143000.000000+060", "20040230000000.000000-300", "00000001020304.000005:000",
-        "00065535235959.065535:000", "99999999999999.000000+999"}) {
+        "00065535235959.065535:000", "99999999999999.000000+999", "00000001000000.000000+000"}) {
     EXPECT_EQ(Parse(text).ToString(), text);
   }
   EXPECT_EQ(Parse("20040315143000.000000-000").ToString(), "20040315143000.000000+000");
@@ -80,13 +78,11 @@ TEST(CIMDateTimeText, SurvivesARoundTrip) {
 
 TEST(CIMDateTimeText, NarrowsMicrosecondsAndDays) {
   EXPECT_EQ(Parse("20040315143000.123456+060").GetMicroSeconds(), 57920U);
-  EXPECT_EQ(Parse("00000000235959.999999:000").GetMicroSeconds(), 16959U);
-  EXPECT_EQ(Parse("00070000000000.000000:000").GetDay(), 4464U);
+  EXPECT_EQ(Parse("00070000235959.999999:000").ToString(), "00004464235959.016959:000");
 }
 
 TEST(CIMDateTimeText, KeepsFieldsThatCarryOver) {
   EXPECT_EQ(Parse("20041399999999.000000+000").ToString(), "20041399999999.000000+000");
-  EXPECT_EQ(Parse("00000001000000.000000+000").GetYear(), 0);
   EXPECT_EQ(TCIMDateTime(65535, 3, 100, 4, 5, 6, 12345678, -1000).ToString(),
             "6553503100040506.12345678-1000");
 }
@@ -205,7 +201,6 @@ TEST(CIMDateTimeArithmetic, AddsAndSubtracts) {
        {"20040228120000.000500+060", "-", "00000001000000.000100:000", "20040227120000.000400+060"},
        {"20040228120000.000500+060", "-", "20040301130001.000000-060", "00000002030000.999500:000"},
        {"20040301130001.000000-060", "-", "20040228120000.000500+060", "00000002030000.999500:000"},
-       {"00000001000000.000600:000", "-", "00000000010000.000000:000", "00000000230000.000600:000"},
        {"00000000010000.000000:000", "-", "00000001000000.000600:000", "00000000230000.000600:000"},
        {"20040228120000.000500+060", "+", "20040301130001.000000-060", kInvalid},
        // The fractions of an interval less a point are exchanged.
@@ -221,17 +216,15 @@ TEST(CIMDateTimeArithmetic, AddsAndSubtracts) {
        // The seconds of intervals wrap: 49711 days are 2^32 and 63104 more.
        {"00049711000000.000000:000", "+", "00000000000000.000000:000",
         "00000000173144.000000:000"}});
-  EXPECT_TRUE(TCIMDateTime(49711, 0, 0, 0, 0) == TCIMDateTime(0, 17, 31, 44, 0));
-  EXPECT_EQ((TCIMDateTime(0, 23, 59, 59, 500000) + TCIMDateTime(0, 0, 0, 0, 600000)).ToString(),
-            "00000001000000.100000:000");
-}
-
-TEST(CIMDateTimeArithmetic, RunsOnTheWallClockWithoutDaylightSaving) {
+  // On the wall clock, without daylight saving.
   ExpectSums(
       "EST5EDT,M3.2.0,M11.1.0",
       {{"20040715120000.000000-300", "+", "00000001000000.000000:000", "20040716120000.000000-300"},
        {"20041030120000.000000-300", "+", "00000002000000.000000:000",
         "20041101120000.000000-300"}});
+  EXPECT_TRUE(TCIMDateTime(49711, 0, 0, 0, 0) == TCIMDateTime(0, 17, 31, 44, 0));
+  EXPECT_EQ((TCIMDateTime(0, 23, 59, 59, 500000) + TCIMDateTime(0, 0, 0, 0, 600000)).ToString(),
+            "00000001000000.100000:000");
 }
 
 TEST(CIMDateTimeArithmetic, HoldsTheFarthestYears) {

@@ -8,8 +8,6 @@
 
 #include <cstdlib>
 
-#include <gtest/gtest.h>
-
 namespace NVORNQDX20 {
 namespace {
 
