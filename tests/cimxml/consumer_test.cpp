@@ -5,15 +5,9 @@
 #include <chrono>
 #include <filesystem>
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "cimxml/documents.h"
-#include "support/expect_status.h"
-#include "support/log_capture.h"
-
-#include <gtest/gtest.h>
 
 namespace NVORNQDX20 {
 namespace {
@@ -71,13 +65,10 @@ TEST(CIMXMLConsumer, AbandonsAnOpenDocumentForAnother) {
 
 TEST(CIMXMLConsumer, SaysWhyAFileCannotBeWritten) {
   const TNamespace ns = MakeOne("C");
-  for (const auto& [file, reason] :
-       {std::pair<std::string, std::string>{"/dev/full", "No space left on device"},
-        {"/nonexistent/d.gz", "No such file or directory"}}) {
-    const TLogCapture log;
-    EXPECT_QDX_STATUS(MakeConsumer()->Consume(ns, {{"file", file}}), kQDXStatusFileSystemError);
-    EXPECT_EQ(log.Messages(), TNames{"0 cimxml: " + file + ": " + reason});
-  }
+  const TLogCapture log;
+  const std::string file = "/nonexistent/d.gz";
+  EXPECT_QDX_STATUS(MakeConsumer()->Consume(ns, {{"file", file}}), kQDXStatusFileSystemError);
+  EXPECT_EQ(log.Messages(), TNames{"0 cimxml: " + file + ": No such file or directory"});
   EXPECT_QDX_STATUS(MakeConsumer()->Consume(ns, {}), kQDXStatusRequiredContextMissing);
 }
 
@@ -109,31 +100,6 @@ TEST(CIMXMLConsumer, LeavesOutOnlyWhatTheFormatHasNoElementFor) {
   EXPECT_EQ(Written({Read(file.Path(), "test")}), written);
 }
 
-/// Does the work with a file in the place of a standard one.
-template <typename TWork>
-void WithStandardFile(int standard, const std::string& file, TWork&& work) {
-  const int saved = ::dup(standard);
-  const int opened = ::open(file.c_str(), O_RDWR | O_CLOEXEC);
-  ::dup2(opened, standard);
-  ::close(opened);
-  work();
-  ::dup2(saved, standard);
-  ::close(saved);
-}
-
-TEST(CIMXMLPlugins, TakeADashForTheStandardFiles) {
-  const TNamespace ns = MakeOne("C");
-  const TDocumentFile file("");
-  WithStandardFile(STDOUT_FILENO, file.Path(), [&] {
-    MakeConsumer()->Consume(ns, {{"file", "-"}});
-  });
-  EXPECT_TRUE(ReadWholeFile(file.Path()) == Written({ns}));
-  WithStandardFile(STDIN_FILENO, file.Path(), [&] {
-    EXPECT_EQ(NamesIn("-"), TNames{"root/C"});
-    EXPECT_TRUE(ReadAndWritten("-") == Written({ns}));  // though it is read to its end
-  });
-}
-
 TEST(CIMXMLProvider, ReadsAgainOnlyWhatHasChanged) {
   const TDocumentFile file(Document({}));
   const TNamespace first = Read(file.Path());
@@ -147,13 +113,13 @@ TEST(CIMXMLProvider, ReadsAgainOnlyWhatHasChanged) {
 }
 
 TEST(CIMXMLProvider, HasNothingWithoutAFile) {
-  EXPECT_EQ(NamesIn(TOptionsMap()), TNames());
+  const auto called = [](const std::string&) -> bool { throw TQDXException(kQDXStatusFail); };
+  EXPECT_NO_THROW(Provider()->EnumerateNamespaceNames(called, {}));
   EXPECT_QDX_STATUS(Provider()->GetNamespace("root/cimv2", {}), kQDXStatusNotFound);
-  const TLogCapture log;
   EXPECT_QDX_STATUS(NamesIn("/nonexistent"), kQDXStatusFileNotFound);
-  EXPECT_EQ(log.Messages(), TNames{"0 cimxml: /nonexistent: No such file or directory"});
+  const TLogCapture log;
   EXPECT_QDX_STATUS(NamesIn("/"), kQDXStatusFileSystemError);
-  EXPECT_EQ(log.Messages().back(), "0 cimxml: /: Is a directory");
+  EXPECT_EQ(log.Messages(), TNames{"0 cimxml: /: Is a directory"});
 }
 
 }  // namespace

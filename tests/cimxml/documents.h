@@ -11,28 +11,29 @@
 #include <vector>
 
 #include "support/class_builder.h"
+#include "support/expect_status.h"
+#include "support/log_capture.h"
 #include "support/temp_dir.h"
 
-inline std::unique_ptr<NVORNQDX20::INamespaceConsumer> MakeConsumer() {
-  using NVORNQDX20::TOSSpecific;
-  return std::unique_ptr<NVORNQDX20::INamespaceConsumer>(TOSSpecific::LoadNSCLibrary("cimxml"));
-}
+namespace NVORNQDX20 {
 
-inline boost::shared_ptr<NVORNQDX20::INamespaceProvider> Provider() {
-  NVORNQDX20::TOSSpecific::LoadNSPLibrary("cimxml");
-  return NVORNQDX20::TRootObject::GetNamespaceProviderManager()->GetNamespaceProvider("cimxml");
-}
-
-using NVORNQDX20::TNamespace;
 using TNames = std::vector<std::string>;
 
-inline TNames NamesIn(const NVORNQDX20::TOptionsMap& options) {
+inline std::unique_ptr<INamespaceConsumer> MakeConsumer() {
+  return std::unique_ptr<INamespaceConsumer>(TOSSpecific::LoadNSCLibrary("cimxml"));
+}
+
+inline boost::shared_ptr<INamespaceProvider> Provider() {
+  TOSSpecific::LoadNSPLibrary("cimxml");
+  return TRootObject::GetNamespaceProviderManager()->GetNamespaceProvider("cimxml");
+}
+
+inline TNames NamesIn(const std::string& file) {
   TNames names;
   const auto add = [&](const std::string& name) { return names.push_back(name), true; };
-  Provider()->EnumerateNamespaceNames(add, options);
+  Provider()->EnumerateNamespaceNames(add, {{"file", file}});
   return names;
 }
-inline TNames NamesIn(const std::string& file) { return NamesIn({{"file", file}}); }
 
 inline TNamespace Read(const std::string& file, const std::string& name = "root/cimv2") {
   return Provider()->GetNamespace(name, {{"file", file}});
@@ -77,6 +78,11 @@ inline std::string Document(const TNames& objects) {
   return text + "</DECLGROUP.WITHNAME></DECLARATION></CIM>";
 }
 
+inline std::string Binding(const std::string& name, const std::string& valueType,
+                           const std::string& value) {
+  return Tag("KEYBINDING", "NAME='" + name + "'", Tag("KEYVALUE", valueType, value));
+}
+
 inline std::string Class(const std::string& content, const std::string& attributes = "NAME='C'") {
   return Tag("CLASS", attributes, content);
 }
@@ -89,5 +95,7 @@ inline std::string Instance(const std::string& properties, const std::string& ke
 inline std::string Property(const std::string& type, const std::string& value) {
   return Tag("PROPERTY", "NAME='p' TYPE='" + type + "'", "<VALUE>" + value + "</VALUE>");
 }
+
+}  // namespace NVORNQDX20
 
 #endif  // TESTS_CIMXML_DOCUMENTS_H_

@@ -6,10 +6,6 @@
 #include <output.h>
 
 #include "cimxml/documents.h"
-#include "support/expect_status.h"
-#include "support/log_capture.h"
-
-#include <gtest/gtest.h>
 
 namespace NVORNQDX20 {
 namespace {
@@ -23,8 +19,7 @@ std::string Refusal(const std::string& content, EQDXStatusCode status) {
   const auto messages = log.Messages();
   EXPECT_EQ(messages.size(), 1U);
   const std::string format = "0 cimxml: " + file.Path() + ": line %u, column %u: %n";
-  unsigned int line = 0;
-  unsigned int column = 0;
+  unsigned int line = 0, column = 0;
   int end = 0;
   std::sscanf(messages.back().c_str(), format.c_str(), &line, &column, &end);
   return std::to_string(line) + ":" + std::to_string(column) + " " + messages.back().substr(end);
@@ -80,7 +75,6 @@ const struct {
     // What grows without end.
     {Document({Repeated("<VALUE.REFERENCE>", 300)}), "2:4304 elements nested too deep"},
     {Document({Class("", std::string(3 << 20, 'n'))}), "2:20 a tag or a comment is too long"},
-    {Document({"<!--" + std::string(3 << 20, 'n')}), "2:20 a tag or a comment is too long"},
     {Attributes(33), "1:1 too many attributes"},
     {Document({Repeated("<VALUE/>", 1 << 22)}), "2:29826172 an object is too large"},
     {Document(Chain(120)), "101:20 classes nested too deep"},
@@ -96,12 +90,9 @@ const struct {
      "2:68 <VALUE.ARRAY> does not belong into <PROPERTY>"},
     {Document({Class("", "NAME='a b'")}), "2:20 class \"a b\": kQDXStatusInvalidCIMName"},
     {WithProperty("uint8", "256"), "2:68 \"256\" is no uint8"},
-    {WithProperty("uint32", "-1"), "2:69 \"-1\" is no uint32"},
     {WithProperty("sint16", "0x-1"), "2:69 \"0x-1\" is no sint16"},
     {WithProperty("sint64", "1 2"), "2:69 \"1 2\" is no sint64"},
-    {WithProperty("uint64", ""), "2:69 \"\" is no uint64"},
     {WithProperty("real32", "1e39"), "2:69 \"1e39\" is no real32"},
-    {WithProperty("real64", "infinity"), "2:69 \"infinity\" is no real64"},
     {WithProperty("boolean", "1"), "2:70 \"1\" is no boolean"},
     {WithProperty("datetime", "20040315143000,000000+060"),
      "2:71 \"20040315143000,000000+060\" is no datetime"},
@@ -111,14 +102,10 @@ const struct {
     {WithInstance(Tag("PROPERTY", "NAME='q' TYPE='uint8'")),
      "3:87 class \"C\" has no property \"q\""},
     {WithInstance(Property("sint8", "1")), "3:87 property \"p\" is declared with another type"},
-    {Document({Instance(
-         "",
-         "<KEYBINDING NAME='k'><KEYVALUE TYPE='datetime'>********000000.000000:000</KEYVALUE>"
-         "</KEYBINDING>")}),
+    {Document({Instance("", Binding("k", "TYPE='datetime'", "********000000.000000:000"))}),
      "2:69 a key cannot be null"},
-    {"<CIM><MESSAGE><SIMPLERSP><IMETHODRESPONSE><ERROR CODE='6' "
-     "DESCRIPTION='no'/></IMETHODRESPONSE></SIMPLERSP>"
-     "</MESSAGE></CIM>",
+    {"<CIM><MESSAGE><SIMPLERSP><IMETHODRESPONSE><ERROR CODE='6' DESCRIPTION='no'/>"
+     "</IMETHODRESPONSE></SIMPLERSP></MESSAGE></CIM>",
      "1:43 a response with error \"6\", \"no\""}};
 
 TEST(BadCIMXMLDocument, IsRefusedWithPlaceAndReason) {
@@ -152,10 +139,8 @@ TEST(BadGzipFile, IsRefusedWithItsStatus) {
       {changed(2), kQDXStatusInvalidGzipFile, "gzip: unknown compression method"},
       {changed(3), kQDXStatusInvalidGzipFile, "gzip: unknown header flags set"},
       {changed(whole.size() - 8), kQDXStatusCorruptGzipFile, "gzip: incorrect data check"},
-      {changed(whole.size() - 4), kQDXStatusCorruptGzipFile, "gzip: incorrect length check"},
       {whole.substr(0, whole.size() - 1), kQDXStatusCorruptGzipFile,
        "gzip: the file ends too early"},
-      {whole.substr(0, 2), kQDXStatusCorruptGzipFile, "gzip: the file ends too early"},
       {whole + "xx", kQDXStatusCorruptGzipFile, "gzip: incorrect header check"},
       {Compressed(Document({std::string(65 << 20, ' ')})), kQDXStatusInvalidDataCollectionDocument,
        "more than 500 times its compressed size"}};
