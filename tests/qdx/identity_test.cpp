@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxcore/config.h>
 
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include "qdx/installation.h"

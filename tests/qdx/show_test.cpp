@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include "qdx/installation.h"
@@ -22,11 +21,11 @@ class QDXShow : public ::testing::Test {
 
 TEST_F(QDXShow, GivesTypedValues) {
   const auto expected = nlohmann::json::parse(R"({
-      "B": true, "U8": 255, "I8": -128, "U16": 65535, "I16": -32768, "U32": 4294967295,
-      "I32": -2147483648, "U64": "18446744073709551615", "I64": "-9223372036854775808",
-      "R32": 0.1, "R64": -0.25, "Infinite": "inf", "Text": "a\n\"b\"", "Empty": "",
-      "Time": "20040315143000.000000+060", "Link": "Sample_Many.Number=\"1\"", "Null": null,
-      "List": [1, 2], "None": [], "Key": "a/b"})");
+      "Key": "a/b", "boolean": true, "uint8": 255, "sint8": -128, "uint16": 65535,
+      "sint16": -32768, "uint32": 4294967295, "sint32": -5, "uint64": "18446744073709551615",
+      "sint64": "-9", "real32": 0.1, "real64": -0.25, "string": "a\n\"b\"",
+      "datetime": "20040315143000.000000+060", "reference": "Sample_Many.Number=\"1\"",
+      "Infinite": "inf", "Null": null, "List": [1, 2], "None": []})");
   const TProgramRun run =
       fInstallation.Run({"show", fDocument, "Sample_All.Key=\"a/b\"", "--json"});
   EXPECT_EQ(run.fExitCode, 0) << run.fErrors;
