@@ -7,7 +7,6 @@
 #include "support/expect_status.h"
 #include "support/provider_suite.h"
 
-#include <gtest/gtest.h>
 #include <boost/weak_ptr.hpp>
 
 namespace NVORNQDX20 {
