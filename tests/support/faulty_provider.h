@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A namespace that stands in front of another and fails where a test wants it to.
-///
+/// A namespace that stands in front of another and fails where a test wants it to:
 ///   const auto faults = boost::make_shared<TFaults>();
 ///   const auto ns = MakeFaultyNamespace(real, faults);
 ///   faults->Fail("ICIMClass::GetPropertyDecl", kQDXStatusAccessDenied, 2);  // the second call
-///
 /// All elements are wrapped but the classes that values name. A wrapped class that is stored in the
 /// real namespace, within a reference value, would own that namespace for ever: give a faulty
 /// target nothing with references.
@@ -28,7 +26,6 @@ struct TInjected : NVORNQDX20::TQDXException {
   using TQDXException::TQDXException;
 };
 
-/// What fails. Operations are named "ICIMClass::GetPropertyDecl".
 struct TFaults {
   /// Throws the status, or answers null for kQDXStatusOK, which only what gives an element can.
   /// `call` counts from now on: 1 is the next one.
@@ -57,7 +54,7 @@ template <typename T>
 using TPtr = boost::shared_ptr<T>;
 // As operations take and answer them.
 template <typename T>
-using TVisit = const TEnumerationCallback<T>&;
+using TEach = const TEnumerationCallback<T>&;
 using TName = const std::string&;
 using TOptions = TOptionsMap;
 using TType = TCIMValue::TCIMType;
@@ -111,15 +108,14 @@ struct TWrapper : public TInterface {
   }
   /// The callback that wraps each element for the caller's.
   template <typename T>
-  TEnumerationCallback<T> Wrap(TVisit<T> visit) const {
+  TEnumerationCallback<T> Wrap(TEach<T> visit) const {
     return [this, &visit](const TPtr<T>& real) { return visit(faulty::Wrap(fFaults, real)); };
   }
   /// What `forward` answers, wrapped if it is an element, unless this call is to fail.
   template <typename TResult, typename TForward>
-  TResult Call(const std::string& operation, const std::string& arguments,
-               TForward&& forward) const {
+  TResult Call(const std::string& operation, const std::string& text, TForward&& forward) const {
     const std::string name = boost::core::demangle(typeid(TInterface).name());
-    const bool isNull = fFaults->Strikes(name.substr(name.find("::") + 2) + operation, arguments);
+    const bool isNull = fFaults->Strikes(name.substr(name.find("::") + 2) + operation, text);
     if constexpr (std::is_convertible_v<TResult, TPtr<const void>>) {
       return isNull ? nullptr : faulty::Wrap(fFaults, forward());
     } else {
@@ -142,7 +138,7 @@ template <typename TInterface>
 struct TElementWrapper : public TWrapper<TInterface> {
   FAULTY(TPtr<ICIMQualifier>, AddQualifier, (TPtr<ICIMQualifierDecl> decl, TValue value),
          (this->RealOf(decl), value))
-  FAULTY(void, EnumerateQualifiers, (TVisit<ICIMQualifier> v) const, (this->Wrap(v)))
+  FAULTY(void, EnumerateQualifiers, (TEach<ICIMQualifier> v) const, (this->Wrap(v)))
 };
 
 template <>
@@ -182,7 +178,7 @@ struct TFaulty<ICIMMethodDecl> final : TElementWrapper<ICIMMethodDecl> {
   FAULTY(TName, GetName, () const, ())
   FAULTY(TType, GetReturnType, () const, ())
   FAULTY(TPtr<ICIMParameterDecl>, CreateParameterDecl, (TName n, TType t), (n, t))
-  FAULTY(void, EnumerateParameterDecls, (TVisit<ICIMParameterDecl> v) const, (Wrap(v)))
+  FAULTY(void, EnumerateParameterDecls, (TEach<ICIMParameterDecl> v) const, (Wrap(v)))
 };
 
 template <>
@@ -197,7 +193,7 @@ struct TFaulty<ICIMInstance> final : TWrapper<ICIMInstance> {
   FAULTY(TPtr<ICIMClass>, GetClass, (TOptions o) const, (o))
   FAULTY(TPtr<ICIMProperty>, GetProperty, (TName n, TOptions o) const, (n, o))
   FAULTY(void, SetPropertyValue, (TName n, TValue v, TOptions o), (n, v, o))
-  FAULTY(void, EnumerateProperties, (TVisit<ICIMProperty> v, TOptions o) const, (Wrap(v), o))
+  FAULTY(void, EnumerateProperties, (TEach<ICIMProperty> v, TOptions o) const, (Wrap(v), o))
 };
 
 template <>
@@ -208,33 +204,31 @@ struct TFaulty<ICIMClass> final : TElementWrapper<ICIMClass> {
   FAULTY(bool, IsAbstract, (TOptions o) const, (o))
   FAULTY(bool, IsRootClass, (TOptions o) const, (o))
   FAULTY(TPtr<ICIMClass>, GetSuperclass, (TOptions o) const, (o))
-  FAULTY(void, EnumerateSubclasses, (TVisit<ICIMClass> v, bool d, TOptions o) const,
-         (Wrap(v), d, o))
+  FAULTY(void, EnumerateSubclasses, (TEach<ICIMClass> v, bool d, TOptions o) const, (Wrap(v), d, o))
   FAULTY(TPtr<ICIMQualifier>, GetQualifier, (TName n) const, (n))
   FAULTY(TPtr<ICIMPropertyDecl>, CreatePropertyDecl, (TName n, TValue v, TOptions o), (n, v, o))
   FAULTY(TPtr<const ICIMPropertyDecl>, GetPropertyDecl, (TName n, TOptions o) const, (n, o))
-  FAULTY(void, EnumeratePropertyDecls, (TVisit<ICIMPropertyDecl> v, TOptions o) const, (Wrap(v), o))
+  FAULTY(void, EnumeratePropertyDecls, (TEach<ICIMPropertyDecl> v, TOptions o) const, (Wrap(v), o))
   FAULTY(void, SetStaticPropertyValue, (TName n, TValue v, TOptions o), (n, v, o))
-  FAULTY(void, EnumerateStaticProperties, (TVisit<ICIMProperty> v, TOptions o) const, (Wrap(v), o))
+  FAULTY(void, EnumerateStaticProperties, (TEach<ICIMProperty> v, TOptions o) const, (Wrap(v), o))
   FAULTY(TPtr<ICIMInstance>, CreateInstance, (TOptions o), (o))
   FAULTY(TPtr<ICIMInstance>, GetInstance, (const TCIMReference& r, TOptions o) const, (r, o))
-  FAULTY(void, EnumerateInstances, (TVisit<ICIMInstance> v, bool d, TOptions o) const,
+  FAULTY(void, EnumerateInstances, (TEach<ICIMInstance> v, bool d, TOptions o) const,
          (Wrap(v), d, o))
   FAULTY(TPtr<ICIMMethodDecl>, CreateMethodDecl, (TName n, TType t, TOptions o), (n, t, o))
-  FAULTY(void, EnumerateMethodDecls, (TVisit<ICIMMethodDecl> v, TOptions o) const, (Wrap(v), o))
+  FAULTY(void, EnumerateMethodDecls, (TEach<ICIMMethodDecl> v, TOptions o) const, (Wrap(v), o))
 };
 
 template <>
 struct TFaulty<ICIMNamespace> final : TWrapper<ICIMNamespace> {
   FAULTY(TName, GetName, (TOptions o) const, (o))
-  FAULTY(TPtr<ICIMClass>, CreateClass, (TName n, TPtr<ICIMClass> super, TOptions o),
-         (n, RealOf(super), o))
+  FAULTY(TPtr<ICIMClass>, CreateClass, (TName n, TPtr<ICIMClass> c, TOptions o), (n, RealOf(c), o))
   FAULTY(TPtr<ICIMClass>, GetClass, (TName n, TOptions o) const, (n, o))
-  FAULTY(void, EnumerateClasses, (TVisit<ICIMClass> v, TOptions o) const, (Wrap(v), o))
+  FAULTY(void, EnumerateClasses, (TEach<ICIMClass> v, TOptions o) const, (Wrap(v), o))
   FAULTY(TPtr<ICIMQualifierDecl>, CreateQualifierDecl,
          (TName n, TValue v, std::uint32_t s, std::uint32_t f, TOptions o), (n, v, s, f, o))
   FAULTY(TPtr<ICIMQualifierDecl>, GetQualifierDecl, (TName n, TOptions o) const, (n, o))
-  FAULTY(void, EnumerateQualifierDecls, (TVisit<ICIMQualifierDecl> v, TOptions o) const,
+  FAULTY(void, EnumerateQualifierDecls, (TEach<ICIMQualifierDecl> v, TOptions o) const,
          (Wrap(v), o))
 };
 #undef FAULTY

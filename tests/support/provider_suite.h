@@ -11,8 +11,6 @@
 #include <qdxcore/reference.h>
 
 #include <set>
-#include <string>
-#include <vector>
 
 #include "support/expect_status.h"
 
