@@ -8,7 +8,6 @@
 
 #include <cstdarg>
 #include <cstring>
-#include <map>
 
 #include <dlfcn.h>
 

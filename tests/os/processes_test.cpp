@@ -5,9 +5,7 @@
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
 
-#include <cerrno>
 #include <csignal>
-#include <cstdarg>
 #include <cstdlib>
 #include <functional>
 
@@ -21,30 +19,17 @@ namespace {
 
 std::string gFailing;  // the call that fails
 
-template <typename TFunction>
-TFunction* Next(const char* name) {
-  return reinterpret_cast<TFunction*>(::dlsym(RTLD_NEXT, name));
-}
-
-int FailWith(int error) {
-  errno = error;
-  return -1;
-}
-
 }  // namespace
 
 // They stand before the C library's functions, for the library under test too.
 extern "C" {
 QDXCORE_EXPORT int clone(int (*run)(void*), void* stack, int flags, void* argument, ...) {
-  if (gFailing == "clone") return FailWith(EAGAIN);
-  return Next<int(int (*)(void*), void*, int, void*, ...)>("clone")(run, stack, flags, argument);
+  static const auto next = reinterpret_cast<decltype(&clone)>(::dlsym(RTLD_NEXT, "clone"));
+  return gFailing == "clone" ? -1 : next(run, stack, flags, argument);
 }
 QDXCORE_EXPORT int pipe2(int* ends, int flags) noexcept {
-  return gFailing == "pipe2" ? FailWith(EMFILE) : Next<int(int*, int)>("pipe2")(ends, flags);
-}
-QDXCORE_EXPORT int dup2(int descriptor, int other) noexcept {
-  if (gFailing == "child") ::kill(::getpid(), SIGUSR1);  // once it has its output
-  return Next<int(int, int)>("dup2")(descriptor, other);
+  static const auto next = reinterpret_cast<decltype(&pipe2)>(::dlsym(RTLD_NEXT, "pipe2"));
+  return gFailing == "pipe2" ? -1 : next(ends, flags);
 }
 }
 
@@ -67,13 +52,10 @@ TEST(SpawnProcess, ReturnsWhatIsPrintedAndTheExitCode) {
     int fCode;
     std::string fOutput;
   } rows[] = {{"true", {}, 0, ""},
-              {"", {}, 1, ""},
               {dir.Path(), {}, 1, ""},
               {"sh", {"-c", "echo a; echo b >&2; echo c; exit 259"}, 3, "a\nb\nc\n"},
               {"printf", {"%s|", "two words", "", "$HOME"}, 0, "two words||$HOME|"},
               {"printf", {"\\000x"}, 0, std::string("\0x", 2)},
-              {"sh", {"-c", "read -r line 2>/dev/null || echo no input"}, 0, "no input\n"},
-              {"sh", {"-c", "test -e /proc/self/fd/0 || echo closed"}, 0, "closed\n"},
               {"grep", {"-c", "SigBlk.*[1-9a-f]", "/proc/self/status"}, 1, "0\n"},
               {"head", {"-c", "1000000", "/dev/zero"}, 0, std::string(1000000, '\0')},
               {script, TWords(10000), 0, "without a first line: 10000\n"}};
@@ -120,10 +102,6 @@ TEST(SpawnProcess, LeavesTheCallersHandlersToTheCaller) {
   EXPECT_EQ(calls, 0);
   TOS::SpawnProcess("sh", {"-c", "kill -USR1 $PPID"});
   EXPECT_EQ(calls, 1);
-  gFailing = "child";
-  EXPECT_QDX_STATUS(TOS::SpawnProcess("true"), kQDXStatusFail);
-  gFailing.clear();
-  EXPECT_EQ(calls, 1);
   std::signal(SIGUSR1, SIG_IGN);
   EXPECT_EQ(TOS::SpawnProcess("sh", {"-c", "kill -USR1 $$; echo ignored"}), "ignored\n");
   std::signal(SIGUSR1, before);
@@ -140,13 +118,10 @@ TEST(SpawnProcess, WaitsThroughSignals) {
 }
 
 TEST(SpawnProcess, ReportsEachFailure) {
-  const std::string prefix = "0 ERROR: SpawnProcess - ";
-  const struct {
-    std::string fFailing, fMessage;
-  } rows[] = {{"pipe2", prefix + "pipe call failed"},
-              {"clone", prefix + "fork call failed"},
-              {"wait", prefix + "waitpid call failed"},
-              {"kill", prefix + "child terminated abnormally"}};
+  const std::pair<std::string, std::string> rows[] = {{"pipe2", "pipe call failed"},
+                                                      {"clone", "fork call failed"},
+                                                      {"wait", "waitpid call failed"},
+                                                      {"kill", "child terminated abnormally"}};
   for (const auto& [failing, message] : rows) {
     const TLogCapture log(ILogger::kLogError);
     const std::size_t before = OpenDescriptors();
@@ -156,7 +131,7 @@ TEST(SpawnProcess, ReportsEachFailure) {
     EXPECT_QDX_STATUS(TOS::SpawnProcess("sh", {"-c", script}), kQDXStatusFail);
     std::signal(SIGCHLD, SIG_DFL);
     gFailing.clear();
-    EXPECT_EQ(log.Messages(), TWords{message});
+    EXPECT_EQ(log.Messages(), TWords{"0 ERROR: SpawnProcess - " + message});
     EXPECT_EQ(OpenDescriptors(), before) << message;
   }
 }
