@@ -7,10 +7,6 @@
 #include <qdxcore/os_specific.h>
 #include <qdxcore/registry.h>
 
-#include <map>
-#include <string>
-#include <vector>
-
 #include "support/expect_status.h"
 #include "support/temp_dir.h"
 
@@ -25,8 +21,7 @@ inline boost::shared_ptr<ICIMNamespace> Describe(const TOptionsMap& options) {
 inline std::vector<boost::shared_ptr<ICIMInstance>> InstancesOf(const ICIMNamespace& ns,
                                                                 const std::string& className) {
   std::vector<boost::shared_ptr<ICIMInstance>> instances;
-  ns.GetClass(className, {})
-      ->EnumerateInstances(TAddToVectorCallback<ICIMInstance>(instances), false, {});
+  ns.GetClass(className, {})->EnumerateInstances(TAddToVectorCallback(instances), false, {});
   return instances;
 }
 
@@ -40,8 +35,8 @@ inline std::string TextOf(const ICIMInstance& instance, const std::string& prope
 inline std::map<std::string, std::string> ReasonsOf(const ICIMNamespace& ns) {
   std::map<std::string, std::string> reasons;
   for (const auto& missing : InstancesOf(ns, "VORNSG_UnavailableValue")) {
-    reasons[TextOf(*missing, "Instance") + TextOf(*missing, "PropertyName")] =
-        TextOf(*missing, "Reason");
+    const std::string name = TextOf(*missing, "Instance") + TextOf(*missing, "PropertyName");
+    reasons[name] = TextOf(*missing, "Reason");
   }
   return reasons;
 }
@@ -56,11 +51,9 @@ class TMachine : public TTempDir {
   boost::shared_ptr<ICIMNamespace> Namespace() const {
     return Describe({{"root", Path().string()}});
   }
-  /// A property of its computer system.
   std::string System(const std::string& property) const {
     return TextOf(*InstancesOf(*Namespace(), "VORNSG_ComputerSystem").at(0), property);
   }
-  /// A property of its operating system.
   std::string OS(const std::string& property) const {
     return TextOf(*InstancesOf(*Namespace(), "VORNSG_OperatingSystem").at(0), property);
   }
