@@ -7,8 +7,6 @@
 #include <qdxcore/registry.h>
 
 #include <memory>
-#include <string>
-#include <vector>
 
 #include "support/class_builder.h"
 #include "support/expect_status.h"
@@ -40,13 +38,9 @@ inline TNamespace Read(const std::string& file, const std::string& name = "root/
 }
 
 /// A document of its own in a folder of its own.
-class TDocumentFile {
- public:
-  explicit TDocumentFile(const std::string& content) { fFolder.Write("d.xml", content); }
-  std::string Path() const { return (fFolder.Path() / "d.xml").string(); }
-
- private:
-  TTempDir fFolder;
+struct TDocumentFile : public TTempDir {
+  explicit TDocumentFile(const std::string& content) { Write("d.xml", content); }
+  std::string Path() const { return (TTempDir::Path() / "d.xml").string(); }
 };
 
 /// All namespaces in one document.
@@ -73,14 +67,13 @@ inline std::string Tag(const std::string& name, const std::string& attributes,
 /// The document around objects, each an element or two.
 inline std::string Document(const TNames& objects) {
   std::string text = "<CIM CIMVERSION='2.0' DTDVERSION='2.4'><DECLARATION><DECLGROUP.WITHNAME>\n";
-  for (const auto& object : objects)
-    text += "<VALUE.NAMEDOBJECT>" + object + "</VALUE.NAMEDOBJECT>\n";
+  for (const auto& each : objects) text += "<VALUE.NAMEDOBJECT>" + each + "</VALUE.NAMEDOBJECT>\n";
   return text + "</DECLGROUP.WITHNAME></DECLARATION></CIM>";
 }
 
-inline std::string Binding(const std::string& name, const std::string& valueType,
+inline std::string Binding(const std::string& name, const std::string& type,
                            const std::string& value) {
-  return Tag("KEYBINDING", "NAME='" + name + "'", Tag("KEYVALUE", valueType, value));
+  return Tag("KEYBINDING", "NAME='" + name + "'", Tag("KEYVALUE", type, value));
 }
 
 inline std::string Class(const std::string& content, const std::string& attributes = "NAME='C'") {
@@ -94,6 +87,12 @@ inline std::string Instance(const std::string& properties, const std::string& ke
 /// Of a property "p".
 inline std::string Property(const std::string& type, const std::string& value) {
   return Tag("PROPERTY", "NAME='p' TYPE='" + type + "'", "<VALUE>" + value + "</VALUE>");
+}
+
+/// A class, and an instance whose property has the value.
+inline std::string WithValue(const std::string& type, const std::string& value) {
+  const std::string declared = "<PROPERTY NAME='p' TYPE='" + type + "'/>";
+  return Document({Class(declared), Instance(Property(type, value))});
 }
 
 }  // namespace NVORNQDX20
