@@ -62,8 +62,7 @@ TEST_F(QDXCollect, GoesOnWithoutWhatFailsAndSaysSoInTheDocument) {
   // final one.
   const std::string replaced = " characters that XML cannot hold were replaced in " + file;
   EXPECT_NE(run.fErrors.find(replaced), std::string::npos) << run.fErrors;
-  const std::string failures =
-      fInstallation.Run({"show", file, "VORNSG_CollectionFailure"}).fOutput;
+  const auto failures = fInstallation.Run({"show", file, "VORNSG_CollectionFailure"}).fOutput;
   for (const std::string failure :
        {"loading\n      Provider   a\n      Reason     /",
         "opening\n      Provider   bad\n      Reason     the table is locked\n",
@@ -89,16 +88,12 @@ TEST_F(QDXCollect, BeginsAnewWithoutWhatAConsumerRefuses) {
   EXPECT_EQ(RunScript(collect + "-o y").fExitCode, 5);
 }
 
-TEST_F(QDXCollect, CountsOnATerminalAndSaysNothingToAReaderThatHasGone) {
+TEST_F(QDXCollect, CountsOnATerminal) {
   const TProgramRun seen = RunScript("script -qec \"'$0' collect --root $1 -o x.xml\" /dev/null");
   const std::string counted = "\rcollecting linux root/cimv2: 4 classes, ";
   const std::size_t wiped = seen.fOutput.rfind("  \rx.xml");
   EXPECT_LT(seen.fOutput.find(counted), wiped) << seen.fOutput;
   EXPECT_NE(wiped, std::string::npos) << seen.fOutput;
-  const TProgramRun unread =
-      RunScript("exec 3> >(true); wait $!; \"$0\" collect --root $1 -o - >&3");
-  EXPECT_EQ(unread.fExitCode, 4);
-  EXPECT_EQ(unread.fErrors, "");
 }
 
 TEST_F(QDXCollect, WritesNothingWhereNothingIsCollected) {
