@@ -56,6 +56,7 @@ TEST(SpawnProcess, ReturnsWhatIsPrintedAndTheExitCode) {
               {"sh", {"-c", "echo a; echo b >&2; echo c; exit 259"}, 3, "a\nb\nc\n"},
               {"printf", {"%s|", "two words", "", "$HOME"}, 0, "two words||$HOME|"},
               {"printf", {"\\000x"}, 0, std::string("\0x", 2)},
+              {"sh", {"-c", "test -e /proc/self/fd/0 || echo closed"}, 0, "closed\n"},
               {"grep", {"-c", "SigBlk.*[1-9a-f]", "/proc/self/status"}, 1, "0\n"},
               {"head", {"-c", "1000000", "/dev/zero"}, 0, std::string(1000000, '\0')},
               {script, TWords(10000), 0, "without a first line: 10000\n"}};
