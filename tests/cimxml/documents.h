@@ -7,45 +7,40 @@
 #include <qdxcore/registry.h>
 
 #include <memory>
-#include <string>
-#include <vector>
 
 #include "support/class_builder.h"
+#include "support/expect_status.h"
+#include "support/log_capture.h"
 #include "support/temp_dir.h"
 
-inline std::unique_ptr<NVORNQDX20::INamespaceConsumer> MakeConsumer() {
-  using NVORNQDX20::TOSSpecific;
-  return std::unique_ptr<NVORNQDX20::INamespaceConsumer>(TOSSpecific::LoadNSCLibrary("cimxml"));
-}
+namespace NVORNQDX20 {
 
-inline boost::shared_ptr<NVORNQDX20::INamespaceProvider> Provider() {
-  NVORNQDX20::TOSSpecific::LoadNSPLibrary("cimxml");
-  return NVORNQDX20::TRootObject::GetNamespaceProviderManager()->GetNamespaceProvider("cimxml");
-}
-
-using NVORNQDX20::TNamespace;
 using TNames = std::vector<std::string>;
 
-inline TNames NamesIn(const NVORNQDX20::TOptionsMap& options) {
+inline std::unique_ptr<INamespaceConsumer> MakeConsumer() {
+  return std::unique_ptr<INamespaceConsumer>(TOSSpecific::LoadNSCLibrary("cimxml"));
+}
+
+inline boost::shared_ptr<INamespaceProvider> Provider() {
+  TOSSpecific::LoadNSPLibrary("cimxml");
+  return TRootObject::GetNamespaceProviderManager()->GetNamespaceProvider("cimxml");
+}
+
+inline TNames NamesIn(const std::string& file) {
   TNames names;
   const auto add = [&](const std::string& name) { return names.push_back(name), true; };
-  Provider()->EnumerateNamespaceNames(add, options);
+  Provider()->EnumerateNamespaceNames(add, {{"file", file}});
   return names;
 }
-inline TNames NamesIn(const std::string& file) { return NamesIn({{"file", file}}); }
 
 inline TNamespace Read(const std::string& file, const std::string& name = "root/cimv2") {
   return Provider()->GetNamespace(name, {{"file", file}});
 }
 
 /// A document of its own in a folder of its own.
-class TDocumentFile {
- public:
-  explicit TDocumentFile(const std::string& content) { fFolder.Write("d.xml", content); }
-  std::string Path() const { return (fFolder.Path() / "d.xml").string(); }
-
- private:
-  TTempDir fFolder;
+struct TDocumentFile : public TTempDir {
+  explicit TDocumentFile(const std::string& content) { Write("d.xml", content); }
+  std::string Path() const { return (TTempDir::Path() / "d.xml").string(); }
 };
 
 /// All namespaces in one document.
@@ -72,9 +67,13 @@ inline std::string Tag(const std::string& name, const std::string& attributes,
 /// The document around objects, each an element or two.
 inline std::string Document(const TNames& objects) {
   std::string text = "<CIM CIMVERSION='2.0' DTDVERSION='2.4'><DECLARATION><DECLGROUP.WITHNAME>\n";
-  for (const auto& object : objects)
-    text += "<VALUE.NAMEDOBJECT>" + object + "</VALUE.NAMEDOBJECT>\n";
+  for (const auto& each : objects) text += "<VALUE.NAMEDOBJECT>" + each + "</VALUE.NAMEDOBJECT>\n";
   return text + "</DECLGROUP.WITHNAME></DECLARATION></CIM>";
+}
+
+inline std::string Binding(const std::string& name, const std::string& type,
+                           const std::string& value) {
+  return Tag("KEYBINDING", "NAME='" + name + "'", Tag("KEYVALUE", type, value));
 }
 
 inline std::string Class(const std::string& content, const std::string& attributes = "NAME='C'") {
@@ -89,5 +88,13 @@ inline std::string Instance(const std::string& properties, const std::string& ke
 inline std::string Property(const std::string& type, const std::string& value) {
   return Tag("PROPERTY", "NAME='p' TYPE='" + type + "'", "<VALUE>" + value + "</VALUE>");
 }
+
+/// A class, and an instance whose property has the value.
+inline std::string WithValue(const std::string& type, const std::string& value) {
+  const std::string declared = "<PROPERTY NAME='p' TYPE='" + type + "'/>";
+  return Document({Class(declared), Instance(Property(type, value))});
+}
+
+}  // namespace NVORNQDX20
 
 #endif  // TESTS_CIMXML_DOCUMENTS_H_

@@ -3,9 +3,6 @@
 #include <algorithm>
 
 #include "cimxml/documents.h"
-#include "support/log_capture.h"
-
-#include <gtest/gtest.h>
 
 namespace NVORNQDX20 {
 namespace {
@@ -13,28 +10,19 @@ namespace {
 std::string Id(const std::string& value) {
   return "<PROPERTY NAME='Id' TYPE='uint32'><VALUE>" + value + "</VALUE></PROPERTY>";
 }
-const std::string kKey =
-    "<QUALIFIER X='' TYPE='boolean' NAME='Key'><VALUE>true</VALUE></QUALIFIER>";
+const std::string kKey = "<QUALIFIER TYPE='boolean' NAME='Key'><VALUE>true</VALUE></QUALIFIER>";
 const std::string kDeclared = Class(Tag("PROPERTY", "TYPE='uint32' NAME='Id'", kKey));
 const std::string kBare = Tag("INSTANCE", "CLASSNAME='C'", Id("5"));
 
-std::string Binding(const std::string& name, const std::string& valueType,
-                    const std::string& value) {
-  return Tag("KEYBINDING", "NAME='" + name + "'", Tag("KEYVALUE", valueType, value));
-}
 const std::string kNamespace =
     "<NAMESPACEPATH><HOST>h</HOST><LOCALNAMESPACEPATH><NAMESPACE NAME='root/cimv2'/>"
     "</LOCALNAMESPACEPATH></NAMESPACEPATH>";
-const std::string kName =
-    Tag("INSTANCENAME", "CLASSNAME='C'", Binding("id", "VALUETYPE='numeric'", "5"));
+const std::string kNumeric = "VALUETYPE='numeric'";
+const std::string kName = Tag("INSTANCENAME", "CLASSNAME='C'", Binding("id", kNumeric, "5"));
 const std::string kPath = "<INSTANCEPATH>" + kNamespace + kName + "</INSTANCEPATH>";
 const std::string kLink = "<INSTANCE CLASSNAME='L'><PROPERTY.REFERENCE NAME='r'><VALUE.REFERENCE>" +
                           kPath + "</VALUE.REFERENCE></PROPERTY.REFERENCE></INSTANCE>";
 
-std::string WithValue(const std::string& type, const std::string& value) {
-  return Document(
-      {Class("<PROPERTY NAME='p' TYPE='" + type + "'/>"), Instance(Property(type, value))});
-}
 std::string Response(const std::string& content) {
   return "<CIM><MESSAGE ID='1' PROTOCOLVERSION='1.0'><SIMPLERSP><IMETHODRESPONSE NAME='X'>"
          "<IRETURNVALUE>" +
@@ -57,9 +45,7 @@ const struct {
     {Document({kDeclared, Instance("", Binding("ID", "", "7"))}), {Id("7")}},
     {Document({kDeclared, Instance("", "<KEYVALUE>7</KEYVALUE>")}), {Id("7")}},
     // Any order.
-    {Document({Instance(Id("5")), kDeclared}), {Key("Id", "uint32"), Id("5")}},
-    {Document({Class("", "NAME='D' SUPERCLASS='c'"), kDeclared}),
-     {Begin("NAME='D' SUPERCLASS='C'")}},
+    {Document({Class("", "NAME='D' SUPERCLASS='c'"), kDeclared}), {"SUPERCLASS='C'>"}},
     {Document({Class("<PROPERTY.REFERENCE NAME='r' REFERENCECLASS='C'/>", "NAME='A'"), kDeclared}),
      {"<PROPERTY.REFERENCE NAME='r' REFERENCECLASS='C'>"}},
     // Nothing declared: a class of all its instances, of references, of a subclass.
@@ -69,7 +55,6 @@ const struct {
      {Begin("NAME='C'") + "<PROPERTY.ARRAY NAME='a' TYPE='uint8'>\n", Key("k", "boolean"),
       "<PROPERTY NAME='p' TYPE='string'>\n", Property("string", "")}},
     {Document({kLink}), {Key("id", "uint64"), "REFERENCECLASS='C'>", "TYPE='uint64'>5</KEYVALUE>"}},
-    {Document({kBare, kLink}), {Key("Id", "uint32"), "TYPE='uint32'>5</KEYVALUE>"}},
     {Document({Class("<PROPERTY NAME='p' TYPE='sint8' PROPAGATED='true' CLASSORIGIN='B'/>",
                      "NAME='D' SUPERCLASS='B'")}),
      {Begin("NAME='B'") + "</CLASS>",
@@ -85,18 +70,13 @@ const struct {
           Class("<PROPERTY NAME='p' TYPE='sint8' PROPAGATED='true'/>", "NAME='D' SUPERCLASS='C'")}),
      {Begin("NAME='D' SUPERCLASS='C'") + "</CLASS>"}},
     // Keys without type: as large as it takes for all, whatever stands around them.
-    {Document({Instance("", Binding("k", "VALUETYPE='numeric'", " 5 ")),
-               Instance("", Binding("k", "VALUETYPE='numeric'", "-3"))}),
+    {Document(
+         {Instance("", Binding("k", kNumeric, " 5 ")), Instance("", Binding("k", kNumeric, "-3"))}),
      {Key("k", "sint64"), "TYPE='sint64'>5<", "TYPE='sint64'>-3<"}},
-    {Document({Instance("", Binding("k", "VALUETYPE='numeric'", "1.5"))}), {Key("k", "real64")}},
-    {Document({kDeclared, Instance("<PROPERTY NAME='Id' TYPE='uint32'/>", Binding("ID", "", "7"))}),
-     {Id("7")}},
+    {Document({Instance("", Binding("k", kNumeric, "1.5"))}), {Key("k", "real64")}},
     // Other frames around the objects.
     {Response("<VALUE.NAMEDINSTANCE>" + kName + kBare + "</VALUE.NAMEDINSTANCE>"),
      {Key("Id", "uint32"), Id("5")}},
-    {Response("<VALUE.INSTANCEWITHPATH>" + kPath + kBare + "</VALUE.INSTANCEWITHPATH>"),
-     {Key("Id", "uint32"), Id("5")}},
-    {Response(kDeclared + kBare), {Key("Id", "uint32"), Id("5")}},
     {"<CIM><DECLARATION><DECLGROUP.WITHPATH><VALUE.OBJECTWITHPATH>" + kPath + kBare +
          "</VALUE.OBJECTWITHPATH></DECLGROUP.WITHPATH><DECLGROUP><LOCALNAMESPACEPATH><NAMESPACE "
          "NAME='ROOT'/>"
@@ -111,8 +91,6 @@ const struct {
     {"<?xml version='1.0' encoding='ISO-8859-1'?>" + WithValue("string", "\xE4"),
      {Property("string", "\xC3\xA4")}},
     {WithValue("uint16", " 0xFFff\n"), {Property("uint16", "65535")}},
-    {WithValue("sint8", "+127"), {Property("sint8", "127")}},
-    {WithValue("boolean", " true "), {Property("boolean", "TRUE")}},
     {WithValue("real64", "+1.0E+3"), {Property("real64", "1000")}},
     {WithValue("char16", "x"), {Property("string", "x")}}};
 
@@ -147,16 +125,6 @@ TEST(CIMXMLDocumentOfAnotherTool, MayContradictItself) {
                         "line 2",
                     "1 cimxml: 1 instances have another class or other keys than their names in " +
                         end + "line 1"}));
-}
-
-TEST(CIMXMLDocumentOfAnotherTool, MayHaveDateTimesThatCannotBeHeld) {
-  const TLogCapture log;
-  const TDocumentFile file(WithValue("datetime", "20040315******.******+060"));
-  EXPECT_NE(ReadAndWritten(file.Path()).find("<PROPERTY NAME=\"p\" TYPE=\"datetime\"/>"),
-            std::string::npos);
-  EXPECT_EQ(log.Messages(),
-            TNames{"1 cimxml: 1 date-times that cannot be held were read as null from " +
-                   file.Path() + ", the first: line 3, PROPERTY \"p\""});
 }
 
 }  // namespace

@@ -5,29 +5,22 @@
 
 #include <output.h>
 
-#include "cimxml/documents.h"
-#include "support/expect_status.h"
-#include "support/log_capture.h"
+#include <regex>
 
-#include <gtest/gtest.h>
+#include "cimxml/documents.h"
 
 namespace NVORNQDX20 {
 namespace {
 
 /// Reads what must be refused: "2:68 reason" where the one message is "cimxml: FILE: line 2, column
-/// 68: reason", "0:0 reason" where it names no place.
+/// 68: reason", "reason" where it names no place.
 std::string Refusal(const std::string& content, EQDXStatusCode status) {
   const TDocumentFile file(content);
   const TLogCapture log;
   EXPECT_QDX_STATUS(NamesIn(file.Path()), status);
-  const auto messages = log.Messages();
-  EXPECT_EQ(messages.size(), 1U);
-  const std::string rest = messages.back().substr(("0 cimxml: " + file.Path() + ": ").size());
-  unsigned int line = 0;
-  unsigned int column = 0;
-  int end = 0;
-  std::sscanf(rest.c_str(), "line %u, column %u: %n", &line, &column, &end);
-  return std::to_string(line) + ":" + std::to_string(column) + " " + rest.substr(end);
+  EXPECT_EQ(log.Messages().size(), 1U);
+  const std::string rest = log.Messages().back().substr(("0 cimxml: " + file.Path() + ": ").size());
+  return std::regex_replace(rest, std::regex("^line (\\d+), column (\\d+):"), "$1:$2");
 }
 
 std::string Repeated(const std::string& text, int count) {
@@ -45,18 +38,10 @@ TNames Chain(int length) {
   return classes;
 }
 
-std::string Attributes(int count) {
-  std::string text = "<CIM";
-  for (int i = 0; i < count; ++i) text += " a" + std::to_string(i) + "=''";
-  return text + "/>";
-}
-
-std::string WithProperty(const std::string& type, const std::string& value) {
-  return Document({Class(Property(type, value))});
-}
 std::string ReferenceTo(const std::string& className) {
   return Tag("PROPERTY.REFERENCE", "NAME='p' REFERENCECLASS='" + className + "'");
 }
+
 std::string WithInstance(const std::string& properties) {
   return Document({Class(Property("uint8", "1")), Instance(properties)});
 }
@@ -67,47 +52,36 @@ const struct {
 } kBad[] = {
     {"", "1:1 no element found"},
     {"<CIM>\n  <DECLARATION>", "2:16 no element found"},
-    {WithProperty("string", "\x01"), "2:76 not well-formed (invalid token)"},
+    {WithValue("string", "\x01"), "3:127 not well-formed (invalid token)"},
     {"<html/>", "1:1 unknown element \"html\""},
     {"<CLASS/>", "1:1 no CIM-XML document"},
     {"<CIM>\n<CLASS NAME='C'/></CIM>", "2:1 <CLASS> holds nothing of a namespace"},
     {Document({"<CLASSNAME/>"}), "2:1 <VALUE.NAMEDOBJECT> has neither class nor instance"},
     // Entities: nested ones, one from elsewhere, one that nothing declares.
-    {"<!DOCTYPE CIM [<!ENTITY a 'aa'><!ENTITY b '&a;&a;'>]><CIM>&b;</CIM>",
-     "1:27 declares an entity"},
+    {"<!DOCTYPE CIM [<!ENTITY a 'a'><!ENTITY b '&a;'>]><CIM>&b;</CIM>", "1:27 declares an entity"},
     {"<!DOCTYPE CIM [<!ENTITY x SYSTEM '/etc/passwd'>]><CIM>&x;</CIM>", "1:47 declares an entity"},
     {"<!DOCTYPE CIM SYSTEM 'x.dtd'><CIM>&x;</CIM>", "1:35 unknown entity \"x\""},
     {"<!DOCTYPE CIM SYSTEM 'x.dtd'><CIM CIMVERSION='&amp;&#65;&x;'/>", "1:30 unknown entity \"x\""},
     {"<!DOCTYPE CIM [<!ATTLIST CIM CIMVERSION CDATA 'x'>]><CIM/>", "1:47 declares an attribute"},
-    {"<!DOCTYPE CIM [<!ELEMENT CIM ANY>]><CIM/>", "1:30 declares an element"},
     // What grows without end.
     {Document({Repeated("<VALUE.REFERENCE>", 300)}), "2:4304 elements nested too deep"},
     {Document({Class("", std::string(3 << 20, 'n'))}), "2:20 a tag or a comment is too long"},
-    {Document({"<!--" + std::string(3 << 20, 'n')}), "2:20 a tag or a comment is too long"},
-    {Attributes(33), "1:1 too many attributes"},
     {Document({Repeated("<VALUE/>", 1 << 22)}), "2:29826172 an object is too large"},
     {Document(Chain(120)), "101:20 classes nested too deep"},
     // Contents.
     {Document({Class("<FOO/>")}), "2:36 unknown element \"FOO\""},
     {Document({Class("<PROPERTY TYPE='uint8'/>")}), "2:36 <PROPERTY> has no NAME"},
-    {WithProperty("int", "1"), "2:36 \"int\" is no type"},
-    {Document({Class("<PROPERTY NAME='p' TYPE='uint8' PROPAGATED='yes'/>")}),
-     "2:36 PROPAGATED is neither true nor false, but \"yes\""},
+    {WithValue("int", "1"), "2:36 \"int\" is no type"},
     {Document({Class("<PROPERTY.ARRAY NAME='p' TYPE='uint8' ARRAYSIZE='4294967296'/>")}),
      "2:36 \"4294967296\" is no size of an array"},
-    {Document({Class("<PROPERTY NAME='p' TYPE='uint8'><VALUE.ARRAY/></PROPERTY>")}),
-     "2:68 <VALUE.ARRAY> does not belong into <PROPERTY>"},
     {Document({Class("", "NAME='a b'")}), "2:20 class \"a b\": \"a b\" is no CIM name"},
-    {WithProperty("uint8", "256"), "2:68 \"256\" is no uint8"},
-    {WithProperty("uint32", "-1"), "2:69 \"-1\" is no uint32"},
-    {WithProperty("sint16", "0x-1"), "2:69 \"0x-1\" is no sint16"},
-    {WithProperty("sint64", "1 2"), "2:69 \"1 2\" is no sint64"},
-    {WithProperty("uint64", ""), "2:69 \"\" is no uint64"},
-    {WithProperty("real32", "1e39"), "2:69 \"1e39\" is no real32"},
-    {WithProperty("real64", "infinity"), "2:69 \"infinity\" is no real64"},
-    {WithProperty("boolean", "1"), "2:70 \"1\" is no boolean"},
-    {WithProperty("datetime", "20040315143000,000000+060"),
-     "2:71 \"20040315143000,000000+060\" is no datetime"},
+    {WithValue("uint8", "256"), "3:119 \"256\" is no uint8"},
+    {WithValue("sint16", "0x-1"), "3:120 \"0x-1\" is no sint16"},
+    {WithValue("sint64", "1 2"), "3:120 \"1 2\" is no sint64"},
+    {WithValue("real32", "1e39"), "3:120 \"1e39\" is no real32"},
+    {WithValue("boolean", "1"), "3:121 \"1\" is no boolean"},
+    {WithValue("datetime", "20040315143000,000000+060"),
+     "3:122 \"20040315143000,000000+060\" is no datetime"},
     {Document({Class(""), Class("", "NAME='c'")}), "3:20 class \"c\" is declared twice"},
     {Document({Class("", "NAME='C' SUPERCLASS='c'")}),
      "2:20 class \"c\" needs itself to be declared first"},
@@ -116,14 +90,10 @@ const struct {
     {WithInstance(Tag("PROPERTY", "NAME='q' TYPE='uint8'")),
      "3:87 class \"C\" has no property \"q\""},
     {WithInstance(Property("sint8", "1")), "3:87 property \"p\" is declared with another type"},
-    {Document({Instance(
-         "",
-         "<KEYBINDING NAME='k'><KEYVALUE TYPE='datetime'>********000000.000000:000</KEYVALUE>"
-         "</KEYBINDING>")}),
+    {Document({Instance("", Binding("k", "TYPE='datetime'", "********000000.000000:000"))}),
      "2:69 a key cannot be null"},
-    {"<CIM><MESSAGE><SIMPLERSP><IMETHODRESPONSE><ERROR CODE='6' "
-     "DESCRIPTION='no'/></IMETHODRESPONSE></SIMPLERSP>"
-     "</MESSAGE></CIM>",
+    {"<CIM><MESSAGE><SIMPLERSP><IMETHODRESPONSE><ERROR CODE='6' DESCRIPTION='no'/>"
+     "</IMETHODRESPONSE></SIMPLERSP></MESSAGE></CIM>",
      "1:43 a response with error \"6\", \"no\""}};
 
 TEST(BadCIMXMLDocument, IsRefusedWithPlaceAndReason) {
@@ -154,18 +124,12 @@ TEST(BadGzipFile, IsRefusedWithItsStatus) {
     EQDXStatusCode fStatus;
     const char* fReason;
   } kCases[] = {
-      {changed(2), kQDXStatusInvalidGzipFile,
-       "0:0 gzip: unknown compression method, after 4 bytes"},
-      {changed(3), kQDXStatusInvalidGzipFile, "0:0 gzip: unknown header flags set, after 4 bytes"},
+      {changed(2), kQDXStatusInvalidGzipFile, "gzip: unknown compression method, after 4 bytes"},
       {changed(whole.size() - 8), kQDXStatusCorruptGzipFile,
-       "0:0 gzip: incorrect data check, after 85 bytes"},
-      {changed(whole.size() - 4), kQDXStatusCorruptGzipFile,
-       "0:0 gzip: incorrect length check, after 89 bytes"},
-      {whole.substr(0, whole.size() - 1), kQDXStatusCorruptGzipFile,
-       "0:0 gzip: the file ends too early, after 88 bytes"},
-      {whole.substr(0, 2), kQDXStatusCorruptGzipFile,
-       "0:0 gzip: the file ends too early, after 2 bytes"},
-      {whole + "xx", kQDXStatusCorruptGzipFile, "0:0 gzip: incorrect header check, after 91 bytes"},
+       "gzip: incorrect data check, after 85 bytes"},
+      {whole.substr(0, 9), kQDXStatusCorruptGzipFile,
+       "gzip: the file ends too early, after 9 bytes"},
+      {whole + "xx", kQDXStatusCorruptGzipFile, "gzip: incorrect header check, after 91 bytes"},
       {Compressed(Document({std::string(65 << 20, ' ')})), kQDXStatusInvalidDataCollectionDocument,
        "2:67108792 more than 500 times its compressed size"}};
   for (const auto& c : kCases) {

@@ -8,9 +8,6 @@
 #include <filesystem>
 #include <random>
 #include <tuple>
-#include <utility>
-
-#include <gtest/gtest.h>
 
 namespace NVORNQDX20 {
 namespace {
@@ -23,14 +20,6 @@ void SetZone(const char* name) {
 
 TCIMDateTime Parse(const std::string& text) { return TCIMDateTime(text); }
 
-TCIMDateTime PointOf(const std::tm& fields, int offset) {
-  return TCIMDateTime(
-      static_cast<std::uint16_t>(fields.tm_year + 1900),
-      static_cast<std::uint16_t>(fields.tm_mon + 1), static_cast<std::uint32_t>(fields.tm_mday),
-      static_cast<std::uint16_t>(fields.tm_hour), static_cast<std::uint16_t>(fields.tm_min),
-      static_cast<std::uint16_t>(fields.tm_sec), 0, static_cast<std::int16_t>(offset));
-}
-
 TEST(CIMDateTime, IsNullUntilSet) {
   TCIMDateTime value;
   EXPECT_TRUE(value.IsNull());
@@ -41,7 +30,6 @@ TEST(CIMDateTime, IsNullUntilSet) {
   EXPECT_EQ(value.GetYear(), 2004);
   EXPECT_QDX_STATUS(value.ToString(), kQDXStatusInvalidDateTime);
   EXPECT_QDX_STATUS(value == value, kQDXStatusInvalidDateTime);
-  EXPECT_QDX_STATUS(value - Parse("00000001000000.000000:000"), kQDXStatusInvalidDateTime);
 }
 
 TEST(CIMDateTime, CopiesAllButThePrecisionFlag) {
@@ -72,7 +60,7 @@ TEST(CIMDateTime, KeepsThePointsFieldsBehindAnInterval) {
 TEST(CIMDateTimeText, SurvivesARoundTrip) {
   for (const char* text :
        {"20040315143000.000000+060", "20040230000000.000000-300", "00000001020304.000005:000",
-        "00065535235959.065535:000", "99999999999999.000000+999"}) {
+        "00065535235959.065535:000", "99999999999999.000000+999", "00000001000000.000000+000"}) {
     EXPECT_EQ(Parse(text).ToString(), text);
   }
   EXPECT_EQ(Parse("20040315143000.000000-000").ToString(), "20040315143000.000000+000");
@@ -80,13 +68,11 @@ TEST(CIMDateTimeText, SurvivesARoundTrip) {
 
 TEST(CIMDateTimeText, NarrowsMicrosecondsAndDays) {
   EXPECT_EQ(Parse("20040315143000.123456+060").GetMicroSeconds(), 57920U);
-  EXPECT_EQ(Parse("00000000235959.999999:000").GetMicroSeconds(), 16959U);
-  EXPECT_EQ(Parse("00070000000000.000000:000").GetDay(), 4464U);
+  EXPECT_EQ(Parse("00070000235959.999999:000").ToString(), "00004464235959.016959:000");
 }
 
 TEST(CIMDateTimeText, KeepsFieldsThatCarryOver) {
   EXPECT_EQ(Parse("20041399999999.000000+000").ToString(), "20041399999999.000000+000");
-  EXPECT_EQ(Parse("00000001000000.000000+000").GetYear(), 0);
   EXPECT_EQ(TCIMDateTime(65535, 3, 100, 4, 5, 6, 12345678, -1000).ToString(),
             "6553503100040506.12345678-1000");
 }
@@ -113,7 +99,6 @@ TEST(CIMDateTime, IsTakenAndOrderedAsMktimeHasIt) {
   // Zone, centre, seconds around it, whether some are refused.
   const std::tuple<const char*, std::time_t, int, bool> rows[] = {
       {"UTC", -1, 30, true},
-      {"ABC-14", -1, 30, true},
       {"ABC+24:59:59", -1, 30, true},
       // What was learnt of one zone, or of a year, must not serve for the next.
       {"UTC", 1525446000, 1000000, false},
@@ -137,15 +122,19 @@ TEST(CIMDateTime, IsTakenAndOrderedAsMktimeHasIt) {
     TCIMDateTime last;
     std::time_t lastInstant = 0;
     for (int i = 0; i < 3000; ++i) {
-      const int offset = number(-2, 2) * 30;
+      const int which = number(0, 4), offset = which * 30 - 60;
       const std::time_t shown = centre + number(-around, around) + offset * 60;
       ::gmtime_r(&shown, &fields);
-      if (i % 3 == 0 && fields.tm_min > 0) {  // a minute's worth of seconds that carry over
+      if (i % 3 == 0 && fields.tm_min > 0 && fields.tm_sec < 40) {  // seconds that carry over
         --fields.tm_min;
         fields.tm_sec += 60;
       }
+      char text[32];
+      std::strftime(text, sizeof text, "%Y%m%d%H%M%S.000000", &fields);
+      const char* const offsets[] = {"-060", "-030", "+000", "+030", "+060"};
       TCIMDateTime point;
-      const std::string status = StatusThrownBy([&] { point = PointOf(fields, offset); });
+      const std::string status =
+          StatusThrownBy([&] { point.Set(std::string(text) + offsets[which]); });
       fields.tm_min -= offset;
       const std::time_t instant = std::mktime(&fields);
       ASSERT_EQ(status, instant == -1 ? "kQDXStatusInvalidDateTime" : "nothing")
@@ -179,59 +168,46 @@ TEST(CIMDateTimeComparison, HonoursOffsetsAndFractions) {
   EXPECT_QDX_STATUS(TCIMDateTime(1, 0, 0, 0, 0) < points[0], kQDXStatusInvalidDateTime);
 }
 
-struct TSum {
-  const char *fLeft, *fSign, *fRight;
-  std::string fResult;  // a status where that is thrown
-};
-
-void ExpectSums(const char* zone, std::initializer_list<TSum> sums) {
+/// Each is "left + right = result" or "left - right = result", or a status where that is thrown.
+void ExpectSums(const char* zone, std::initializer_list<std::string> sums) {
   SetZone(zone);
-  for (const TSum& sum : sums) {
-    const TCIMDateTime left(sum.fLeft), right(sum.fRight);
+  for (const std::string& sum : sums) {
+    const TCIMDateTime left(sum.substr(0, 25)), right(sum.substr(28, 25));
     std::string result;
-    const std::string status = StatusThrownBy(
-        [&] { result = (*sum.fSign == '+' ? left + right : left - right).ToString(); });
-    EXPECT_EQ(result.empty() ? status : result, sum.fResult)
-        << sum.fLeft << ' ' << sum.fSign << ' ' << sum.fRight;
+    const std::string status =
+        StatusThrownBy([&] { result = (sum[26] == '+' ? left + right : left - right).ToString(); });
+    EXPECT_EQ(result.empty() ? status : result, sum.substr(56)) << sum;
   }
 }
 
 TEST(CIMDateTimeArithmetic, AddsAndSubtracts) {
-  const std::string kInvalid = "kQDXStatusInvalidDateTime";
   ExpectSums(
       "UTC",
-      {{"20040228120000.000500+060", "+", "00000001000000.000600:000", "20040229120000.001100+060"},
-       {"00000001000000.000600:000", "+", "20040228120000.000500+060", "20040229120000.001100+060"},
-       {"20040228120000.000500+060", "-", "00000001000000.000100:000", "20040227120000.000400+060"},
-       {"20040228120000.000500+060", "-", "20040301130001.000000-060", "00000002030000.999500:000"},
-       {"20040301130001.000000-060", "-", "20040228120000.000500+060", "00000002030000.999500:000"},
-       {"00000001000000.000600:000", "-", "00000000010000.000000:000", "00000000230000.000600:000"},
-       {"00000000010000.000000:000", "-", "00000001000000.000600:000", "00000000230000.000600:000"},
-       {"20040228120000.000500+060", "+", "20040301130001.000000-060", kInvalid},
+      {"20040228120000.000500+060 + 00000001000000.000600:000 = 20040229120000.001100+060",
+       "00000001000000.000600:000 + 20040228120000.000500+060 = 20040229120000.001100+060",
+       "20040228120000.000500+060 - 00000001000000.000100:000 = 20040227120000.000400+060",
+       "20040228120000.000500+060 - 20040301130001.000000-060 = 00000002030000.999500:000",
+       "20040301130001.000000-060 - 20040228120000.000500+060 = 00000002030000.999500:000",
+       "00000000010000.000000:000 - 00000001000000.000600:000 = 00000000230000.000600:000",
+       "20040228120000.000500+060 + 20040301130001.000000-060 = kQDXStatusInvalidDateTime",
        // The fractions of an interval less a point are exchanged.
-       {"00000001000000.000600:000", "-", "20040229120000.000500+060", "20040228120000.000100+060"},
+       "00000001000000.000600:000 - 20040229120000.000500+060 = 20040228120000.000100+060",
        // Odd results before 1970.
-       {"19691231235000.000001+000", "+", "00000000000001.000000:000",
-        "19700101000958.4293967297+000"},
-       {"19691231235000.000001+000", "-", "00000000000001.000000:000", "19700101001000.999999+000"},
+       "19691231235000.000001+000 + 00000000000001.000000:000 = 19700101000958.4293967297+000",
+       "19691231235000.000001+000 - 00000000000001.000000:000 = 19700101001000.999999+000",
        // The point is taken, since its offset moves it, but not the instant of its wall clock.
-       {"19691231235959.000000+001", "+", "00000000000001.000000:000", kInvalid},
-       {"00000000000001.000000:000", "-", "19691231235959.000000+001", kInvalid},
-       {"19691231235959.000000+001", "-", "19691231235959.000000+001", kInvalid},
+       "19691231235959.000000+001 + 00000000000001.000000:000 = kQDXStatusInvalidDateTime",
+       "00000000000001.000000:000 - 19691231235959.000000+001 = kQDXStatusInvalidDateTime",
+       "19691231235959.000000+001 - 19691231235959.000000+001 = kQDXStatusInvalidDateTime",
        // The seconds of intervals wrap: 49711 days are 2^32 and 63104 more.
-       {"00049711000000.000000:000", "+", "00000000000000.000000:000",
-        "00000000173144.000000:000"}});
+       "00049711000000.000000:000 + 00000000000000.000000:000 = 00000000173144.000000:000"});
+  // On the wall clock, without daylight saving.
+  ExpectSums("EST5EDT,M3.2.0,M11.1.0",
+             {"20040715120000.000000-300 + 00000001000000.000000:000 = 20040716120000.000000-300",
+              "20041030120000.000000-300 + 00000002000000.000000:000 = 20041101120000.000000-300"});
   EXPECT_TRUE(TCIMDateTime(49711, 0, 0, 0, 0) == TCIMDateTime(0, 17, 31, 44, 0));
   EXPECT_EQ((TCIMDateTime(0, 23, 59, 59, 500000) + TCIMDateTime(0, 0, 0, 0, 600000)).ToString(),
             "00000001000000.100000:000");
-}
-
-TEST(CIMDateTimeArithmetic, RunsOnTheWallClockWithoutDaylightSaving) {
-  ExpectSums(
-      "EST5EDT,M3.2.0,M11.1.0",
-      {{"20040715120000.000000-300", "+", "00000001000000.000000:000", "20040716120000.000000-300"},
-       {"20041030120000.000000-300", "+", "00000002000000.000000:000",
-        "20041101120000.000000-300"}});
 }
 
 TEST(CIMDateTimeArithmetic, HoldsTheFarthestYears) {

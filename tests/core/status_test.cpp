@@ -8,12 +8,10 @@
 
 #include <cstdlib>
 
-#include <gtest/gtest.h>
-
 namespace NVORNQDX20 {
 namespace {
 
-// In the order of their values. The text is the enumerator's own, as the compiler spells it.
+// In the order of their values, with the enumerator's own text.
 // clang-format off
 #define CODE(name) {kQDXStatus##name, "kQDXStatus" #name}
 const struct {

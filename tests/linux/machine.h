@@ -7,10 +7,7 @@
 #include <qdxcore/os_specific.h>
 #include <qdxcore/registry.h>
 
-#include <map>
-#include <string>
-#include <vector>
-
+#include "support/expect_status.h"
 #include "support/temp_dir.h"
 
 namespace NVORNQDX20 {
@@ -24,8 +21,7 @@ inline boost::shared_ptr<ICIMNamespace> Describe(const TOptionsMap& options) {
 inline std::vector<boost::shared_ptr<ICIMInstance>> InstancesOf(const ICIMNamespace& ns,
                                                                 const std::string& className) {
   std::vector<boost::shared_ptr<ICIMInstance>> instances;
-  ns.GetClass(className, {})
-      ->EnumerateInstances(TAddToVectorCallback<ICIMInstance>(instances), false, {});
+  ns.GetClass(className, {})->EnumerateInstances(TAddToVectorCallback(instances), false, {});
   return instances;
 }
 
@@ -35,40 +31,33 @@ inline std::string TextOf(const ICIMInstance& instance, const std::string& prope
   return value.IsNull() ? "(null)" : value.ToString(10);
 }
 
-/// A machine of files. What is asked about it is always read anew.
-class TMachine {
- public:
-  const std::filesystem::path& Root() const { return fTree.Path(); }
-  void Write(const std::string& path, const std::string& contents) const {
-    fTree.Write(path, contents);
+/// Why values are null, each behind its instance and property.
+inline std::map<std::string, std::string> ReasonsOf(const ICIMNamespace& ns) {
+  std::map<std::string, std::string> reasons;
+  for (const auto& missing : InstancesOf(ns, "VORNSG_UnavailableValue")) {
+    const std::string name = TextOf(*missing, "Instance") + TextOf(*missing, "PropertyName");
+    reasons[name] = TextOf(*missing, "Reason");
   }
+  return reasons;
+}
+
+/// A machine of files. What is asked about it is always read anew.
+class TMachine : public TTempDir {
+ public:
   void WriteDMI(const std::string& name, const std::string& text) const {
-    fTree.Write("sys/class/dmi/id/" + name, text + "\n");
+    Write("sys/class/dmi/id/" + name, text + "\n");
   }
 
   boost::shared_ptr<ICIMNamespace> Namespace() const {
-    return Describe({{"root", Root().string()}});
+    return Describe({{"root", Path().string()}});
   }
-  /// A property of its computer system.
   std::string System(const std::string& property) const {
     return TextOf(*InstancesOf(*Namespace(), "VORNSG_ComputerSystem").at(0), property);
   }
-  /// A property of its operating system.
   std::string OS(const std::string& property) const {
     return TextOf(*InstancesOf(*Namespace(), "VORNSG_OperatingSystem").at(0), property);
   }
-  /// Why values are null, each behind the name of its property.
-  std::map<std::string, std::string> Reasons() const {
-    std::map<std::string, std::string> reasons;
-    for (const auto& missing : InstancesOf(*Namespace(), "VORNSG_UnavailableValue")) {
-      reasons[TextOf(*missing, "Instance") + TextOf(*missing, "PropertyName")] =
-          TextOf(*missing, "Reason");
-    }
-    return reasons;
-  }
-
- private:
-  TTempDir fTree;
+  std::map<std::string, std::string> Reasons() const { return ReasonsOf(*Namespace()); }
 };
 
 }  // namespace NVORNQDX20

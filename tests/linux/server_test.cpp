@@ -4,14 +4,7 @@
 
 #include <algorithm>
 #include <array>
-#include <iostream>
 #include <sstream>
-
-#include <sched.h>
-#include <sys/mount.h>
-#include <unistd.h>
-
-#include <gtest/gtest.h>
 
 namespace NVORNQDX20 {
 namespace {
@@ -28,7 +21,7 @@ TTexts ValuesOf(const ICIMNamespace& ns) {
     for (const auto& instance : InstancesOf(ns, "VORNSG_" + name)) {
       const char* const key = name == "FileSystem" ? "Name" : "DeviceID";
       const std::string owner = name == "OperatingSystem" ? "" : TextOf(*instance, key);
-      const auto add = [&](const boost::shared_ptr<ICIMProperty>& property) {
+      const auto add = [&](const auto& property) {
         const std::string& declared = property->GetDecl()->GetName();
         values[owner + declared] = TextOf(*instance, declared);
         return true;
@@ -36,9 +29,9 @@ TTexts ValuesOf(const ICIMNamespace& ns) {
       instance->EnumerateProperties(add, {});
     }
   }
-  for (const auto& missing : InstancesOf(ns, "VORNSG_UnavailableValue")) {
-    std::string& value = values[TextOf(*missing, "Instance") + TextOf(*missing, "PropertyName")];
-    if (value.empty() || value == "(null)") value = TextOf(*missing, "Reason");
+  for (const auto& [name, reason] : ReasonsOf(ns)) {
+    std::string& value = values[name];
+    if (value.empty() || value == "(null)") value = reason;
   }
   return values;
 }
@@ -127,17 +120,17 @@ TEST_F(LinuxServer, IsDescribed) {
   EXPECT_EQ(fMachine.Reasons(), TTexts());
   TTexts values = Values();
   for (const auto& [name, value] : ParseTexts(kValues, "")) EXPECT_EQ(values[name], value) << name;
-  const auto size =
-      fMachine.Namespace()->GetClass("VORNSG_DiskDrive", {})->GetPropertyDecl("MaxMediaSize", {});
-  EXPECT_EQ(size->GetQualifier("PUnit")->GetValue(), TCIMValue("byte * 10^3"));
+  const auto drive = fMachine.Namespace()->GetClass("VORNSG_DiskDrive", {});
+  const auto unit = drive->GetPropertyDecl("MaxMediaSize", {})->GetQualifier("PUnit");
+  EXPECT_EQ(unit->GetValue(), TCIMValue("byte * 10^3"));
 }
 
 TEST_F(LinuxServer, IsTiedToItsDevices) {
   const auto ns = fMachine.Namespace();
   std::vector<boost::shared_ptr<ICIMInstance>> devices;
-  ns->GetClass("VORNSG_LogicalDevice", {})
-      ->EnumerateInstances(TAddToVectorCallback(devices), true, {});
-  EXPECT_TRUE(ns->GetClass("VORNSG_LogicalDevice", {})->IsAbstract({}));
+  const auto device = ns->GetClass("VORNSG_LogicalDevice", {});
+  device->EnumerateInstances(TAddToVectorCallback(devices), true, {});
+  EXPECT_TRUE(device->IsAbstract({}));
   EXPECT_TRUE(ns->GetClass("VORNSG_SystemDevice", {})->IsAssociation({}));
   const auto ties = InstancesOf(*ns, "VORNSG_SystemDevice");
   ASSERT_EQ(devices.size(), 6U);  // not loop0, lo, the second path, and what cannot be printed
@@ -155,18 +148,13 @@ TEST_F(LinuxServer, IsTiedToItsDevices) {
 TEST_F(LinuxServer, HasNullsForWhatItsFilesDoNotTell) {
   const std::string eth = "sys/class/net/eth0/";
   const std::string pci = "sys/bus/pci/devices/0000:3b:00.0/";
-  const std::string cpu = "processor: 0\nphysical id: 0\n";
   // File, its text, what is null, why.
   const std::vector<std::array<std::string, 4>> rows = {
       {"proc/meminfo", "MemTotal: 64 MB", "TotalVisibleMemorySize", "not in kB"},
       {"proc/meminfo", "MemTotal: 18446744073709551616 kB", "TotalVisibleMemorySize", "no valid"},
       {"proc/meminfo", std::string(70000, 'x'), "FreePhysicalMemory", "more than 64 KiB"},
       {"proc/stat", "btime 253402300800", "LastBootUpTime", "no valid date"},
-      {"proc/loadavg", "0.5,1.0 2", "LoadAverage1", "not three numbers"},
-      {"proc/loadavg", "nan inf 1", "LoadAverage1", "not three numbers"},
       {"proc/loadavg", "0.5 -1.0 2", "LoadAverage5", "not three numbers"},
-      {"proc/cpuinfo", cpu + "cpu cores: 65536", "CPU0NumberOfEnabledCores", "range"},
-      {"proc/cpuinfo", cpu + "cpu MHz: ", "CPU0CurrentClockSpeed", "no 'cpu MHz'"},
       {"sys/block/sda/removable", "1", "/dev/sdaMaxMediaSize", "on the medium"},
       {"sys/block/sda/size", "36893488147419103", "/dev/sdaMaxMediaSize", "range"},
       {"sys/block/sda/ro", "2", "/dev/sdaReadOnly", "neither 0 nor 1"},
@@ -176,7 +164,6 @@ TEST_F(LinuxServer, HasNullsForWhatItsFilesDoNotTell) {
       {eth + "speed", "-1", "eth0Speed", "not known to the driver"},
       {eth + "duplex", "unknown", "eth0FullDuplex", "not known to the driver"},
       {pci + "vendor", "0x18086", "0000:3b:00.0Name", "98438 is out of range"},
-      {pci + "class", "0x2zz", "0000:3b:00.0ClassCode", "'0x2zz' is no valid number"},
       {pci + "uevent", "PCI_ID=8086:1572", "0000:3b:00.0Driver", "no driver is bound"}};
   for (const auto& [file, text, name, reason] : rows) {
     SetUp();
@@ -186,22 +173,16 @@ TEST_F(LinuxServer, HasNullsForWhatItsFilesDoNotTell) {
   }
 }
 
-TEST_F(LinuxServer, MayBeHugeOrHaveNoProcessorsAtAll) {
-  std::string table;
-  for (int i = 0; i < 1024; ++i) table += Processor(i, i / 512);
-  fMachine.Write("proc/cpuinfo", table);
-  EXPECT_EQ(Values()["CPU1NumberOfLogicalProcessors"], "512");
-  fMachine.Write("proc/cpuinfo", table + table + table);
-  EXPECT_EQ(Values()[""], "/proc/cpuinfo: more than 4096 KiB");
-}
-
-TEST_F(LinuxServer, HasSoManyFileSystemsAtMost) {
-  std::string table;
-  for (int i = 0; i < 5000; ++i) table += "x /" + std::to_string(i) + " ext4 rw 0 0\n";
-  fMachine.Write("proc/mounts", table);
-  const auto ns = fMachine.Namespace();
-  EXPECT_EQ(InstancesOf(*ns, "VORNSG_FileSystem").size(), 4096U);
-  EXPECT_EQ(ValuesOf(*ns)[""], "more than 4096: the others are left out");
+TEST_F(LinuxServer, MayHaveManyProcessorsAndNotTooManyFileSystems) {
+  std::string processors, mounts;
+  for (int i = 0; i < 1024; ++i) processors += Processor(i, i / 512);
+  for (int i = 0; i < 5000; ++i) mounts += "x /" + std::to_string(i) + " ext4 rw 0 0\n";
+  fMachine.Write("proc/cpuinfo", processors);
+  fMachine.Write("proc/mounts", mounts);
+  TTexts values = Values();
+  EXPECT_EQ(values["CPU1NumberOfLogicalProcessors"], "512");
+  EXPECT_EQ(InstancesOf(*fMachine.Namespace(), "VORNSG_FileSystem").size(), 4096U);
+  EXPECT_EQ(values[""], "more than 4096: the others are left out");
 }
 
 TEST(LinuxImage, SaysWhichClassesItHasNothingFor) {
@@ -209,7 +190,6 @@ TEST(LinuxImage, SaysWhichClassesItHasNothingFor) {
   const auto missing = InstancesOf(*image.Namespace(), "VORNSG_UnavailableValue");
   const auto ofClass = [](const auto& one) { return TextOf(*one, "PropertyName").empty(); };
   EXPECT_EQ(std::count_if(missing.begin(), missing.end(), ofClass), 5);
-  EXPECT_EQ(image.OS("NumberOfProcesses"), "(null)");
 }
 
 const char* const kMounts = R"(
@@ -231,38 +211,15 @@ TEST_F(LinuxServer, HasFileSystems) {
   for (const auto& [name, value] : ParseTexts(kMounts, "")) EXPECT_EQ(values[name], value) << name;
   EXPECT_EQ(InstancesOf(*fMachine.Namespace(), "VORNSG_FileSystem").size(), 5U);
 
-  fs::remove(fMachine.Root() / "proc/mounts");
-  fMachine.Write("etc/fstab",
-                 "# /old ext4 sw\nUUID=1 / btrfs\tdefaults 0 0\nUUID=2 none swap sw 0 0\n");
+  fs::remove(fMachine.Path() / "proc/mounts");
+  fMachine.Write("etc/fstab", "# /old ext4 sw\nUUID=1 / btrfs\tx 0 0\nUUID=2 none swap sw 0 0\n");
   EXPECT_EQ(Values().at("/Device"), "UUID=1");
   EXPECT_EQ(InstancesOf(*fMachine.Namespace(), "VORNSG_FileSystem").size(), 1U);
 }
 
-/// Mounts 64 KiB on a folder, and the same on that folder's parent, which hides it.
-void DescribeOwnMounts(const fs::path& parent) {
-  const fs::path hidden = parent / "hidden";
-  const auto mount = [](const fs::path& place) {
-    return ::mount("none", place.c_str(), "tmpfs", 0, "size=64k,nr_inodes=0") == 0;
-  };
-  if (::unshare(CLONE_NEWNS) != 0) ::_exit(9);
-  ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr);
-  fs::create_directory(hidden);
-  if (!mount(hidden) || !mount(parent)) ::_exit(9);
-  fs::create_directory(hidden);
+TEST(LinuxThisMachine, KnowsTheSpaceOfWhatIsMounted) {
   TTexts values = ValuesOf(*Describe({}));
-  for (const char* property : {"FileSystemSize", "AvailableSpace", "TotalInodes"}) {
-    std::cerr << values[parent.string() + property] << " " << values[hidden.string() + property]
-              << ";";
-  }
-  ::_exit(0);
-}
-
-TEST(LinuxThisMachine, KnowsTheSpaceOfWhatIsMountedAndNotHidden) {
-  if (::geteuid() != 0) GTEST_SKIP() << "only root can mount";
-  const TTempDir folder;
-  EXPECT_EXIT(DescribeOwnMounts(folder.Path()), ::testing::ExitedWithCode(0),
-              "^65536 hidden below another mount;65536 hidden below another mount;"
-              "has no fixed number of inodes hidden below another mount;$");
+  EXPECT_EQ(values["/FileSystemSize"], std::to_string(fs::space("/").capacity));
 }
 
 }  // namespace

@@ -3,12 +3,15 @@
 #include "linux/machine.h"
 
 #include <array>
-#include <utility>
+#include <cerrno>
+#include <iostream>
 
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
-
-#include <gtest/gtest.h>
 
 namespace NVORNQDX20 {
 namespace {
@@ -24,8 +27,6 @@ TEST(LinuxDMI, TakesPlaceholdersForMissing) {
     EXPECT_EQ(machine.System("SerialNumber"), "(null)") << text;
     EXPECT_NE(machine.Reasons()["SerialNumber"].find("placeholder text '"), std::string::npos);
   }
-  machine.WriteDMI("product_serial", " \t ");
-  EXPECT_EQ(machine.Reasons()["SerialNumber"], "/sys/class/dmi/id/product_serial: empty");
 }
 
 TEST(LinuxDMI, KeepsWhatCanBePrintedAndIsNoPlaceholder) {
@@ -49,7 +50,6 @@ TEST(LinuxDMI, AddsTypeAndModelOnlyWhereTheMakerGivesThem) {
       {"Loftnode -[8888222]-", "VORN", "47111AB", "Loftnode -[8888222]-"},
       {"8888222", "VORN", "47111AB", "8888222"},
       {"Loftnode", "VORN", "4711-AB", "Loftnode"},
-      {"Loftnode", "VORN", "47111ABC", "Loftnode"},
       {"Loftnode", "Someone else", "47111AB", "Loftnode"},
       {"None", "VORN", "47111AB", "(null)"}};
   const TMachine machine;
@@ -65,7 +65,6 @@ TEST(LinuxOperatingSystem, IsReadAsAShellReadsIt) {
   const TRows rows = {{"NAME=\"Two words\"\r", "Two words"},
                       {"NAME='Single \\$x \"'", "Single \\$x \""},
                       {R"(NAME="a \"b\" \$c \`d \\ \n")", R"(a "b" $c `d \ \n)"},
-                      {"NAME=a\\ b", "a b"},
                       {"  NAME=Two words", "Two"},
                       {"#NAME=Comment\nXNAME=Other\nNAME=Right", "Right"},
                       {"NAME=First\nNAME=Last\nNAME=\"Unterminated", "Last"},
@@ -80,9 +79,7 @@ TEST(LinuxOperatingSystem, IsReadAsAShellReadsIt) {
 
 TEST(LinuxOperatingSystem, IsOfTheTypeThatTheKernelSays) {
   const TMachine machine;
-  machine.Write("usr/lib/os-release", "NAME=Debian\n");
   machine.Write("proc/sys/kernel/ostype", "GNU/kFreeBSD\n");
-  EXPECT_EQ(machine.OS("Name") + machine.OS("OSType"), "Debian(null)");
   EXPECT_EQ(machine.Reasons()["OSType"], "the kernel is 'GNU/kFreeBSD', not Linux");
 }
 
@@ -90,7 +87,6 @@ TEST(LinuxHostName, IsTheKernelsElseTheConfiguredOne) {
   const TMachine machine;
   machine.Write("etc/hostname", "# the name\n\n  configured  \nsecond\n");
   for (const auto& [kernel, name] : TRows{{"(none)\n", "configured"}, {"running\n", "running"}}) {
-    EXPECT_EQ(machine.System("Name"), "configured");
     machine.Write("proc/sys/kernel/hostname", kernel);
     EXPECT_EQ(machine.System("Name"), name);
   }
@@ -102,47 +98,64 @@ class LinuxFiles : public ::testing::Test {
   LinuxFiles() { fMachine.WriteDMI("product_serial", "1234567"); }
   /// Puts a symbolic link in the place of os-release.
   void Link(const std::string& target) const {
-    const fs::path link = fMachine.Root() / "etc/os-release";
-    fs::create_directories(link.parent_path());
-    fs::remove(link);
-    fs::create_symlink(target, link);
+    fMachine.Write("etc/os-release", "");
+    fs::remove(fMachine.Path() / "etc/os-release");
+    fs::create_symlink(target, fMachine.Path() / "etc/os-release");
   }
 
   const TMachine fMachine;
   const TTempDir fFolder;
   const std::string fOutside = fFolder.Write("os-release", "NAME=outside");
-  const fs::path fSerial = fMachine.Root() / "sys/class/dmi/id/product_serial";
+  const fs::path fSerial = fMachine.Path() / "sys/class/dmi/id/product_serial";
 };
 
 TEST_F(LinuxFiles, NoLinkLeadsOutOfTheTree) {
   fMachine.Write("share/release", "NAME=inside");
-  for (const auto& target : {fOutside, "../../../../../../../.." + fOutside}) {
+  for (const auto& [target, name] : TRows{{fOutside, ""},
+                                          {"../../../../../../../.." + fOutside, ""},
+                                          {"/share/release", "inside"},
+                                          {"../../../share/release", "inside"}}) {
     Link(target);
-    EXPECT_EQ(fMachine.OS("Name"), "") << target;
-  }
-  for (const char* target : {"/share/release", "../../../share/release"}) {
-    Link(target);
-    EXPECT_EQ(fMachine.OS("Name"), "inside") << target;
+    EXPECT_EQ(fMachine.OS("Name"), name) << target;
   }
 }
 
-TEST_F(LinuxFiles, OnlyRegularFilesAreRead) {
-  fs::remove(fSerial);
-  ASSERT_EQ(::mkfifo(fSerial.c_str(), 0600), 0);
-  ::alarm(30);  // opening it could wait for ever
-  EXPECT_EQ(fMachine.Reasons()["SerialNumber"],
-            "/sys/class/dmi/id/product_serial: not a regular file");
-  ::alarm(0);
+/// Makes the kernel answer ENOSYS to openat2, for the rest of the process.
+bool ForbidOpenat2() {
+  sock_filter filter[] = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+                          BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_openat2, 0, 1),
+                          BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),
+                          BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)};
+  const sock_fprog program{std::size(filter), filter};
+  return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+         ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
 }
 
-TEST_F(LinuxFiles, AMissingPermissionIsNamed) {
+TEST_F(LinuxFiles, WithoutOpenat2NoLinkIsFollowed) {
+  fMachine.Write("usr/lib/os-release", "NAME=inside");
+  Link(fOutside);
+  const auto describe = [this] {
+    if (!ForbidOpenat2()) ::_exit(9);
+    std::cerr << fMachine.OS("Name") << fMachine.System("SerialNumber");
+    ::_exit(0);
+  };
+  EXPECT_EXIT(describe(), ::testing::ExitedWithCode(0), "^inside1234567$");
+}
+
+TEST_F(LinuxFiles, AreReadIfTheyAreRegularAndMayBeRead) {
+  const std::string path = "/sys/class/dmi/id/product_serial: ";
   const uid_t user = ::geteuid();
-  fs::permissions(fMachine.Root(), fs::perms::all);
+  fs::permissions(fMachine.Path(), fs::perms::all);
   fs::permissions(fSerial, fs::perms::none);
   ASSERT_EQ(::seteuid(user == 0 ? 65534 : user), 0);  // root may read anything
   const std::string reason = fMachine.Reasons()["SerialNumber"];
   ASSERT_EQ(::seteuid(user), 0);
-  EXPECT_EQ(reason, "/sys/class/dmi/id/product_serial: Permission denied");
+  EXPECT_EQ(reason, path + "Permission denied");
+  fs::remove(fSerial);
+  ASSERT_EQ(::mkfifo(fSerial.c_str(), 0600), 0);
+  ::alarm(30);  // opening it could wait for ever
+  EXPECT_EQ(fMachine.Reasons()["SerialNumber"], path + "not a regular file");
+  ::alarm(0);
 }
 
 }  // namespace

@@ -9,8 +9,6 @@
 #include <cstdlib>
 #include <memory>
 
-#include <gtest/gtest.h>
-
 namespace NVORNQDX20 {
 namespace {
 

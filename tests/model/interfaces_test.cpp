@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxcore/interfaces.h>
 
-#include <qdxcore/logger.h>
 #include <qdxcore/registry.h>
 
 #include "support/expect_status.h"
@@ -9,9 +8,6 @@
 
 #include <cstring>
 #include <type_traits>
-
-#include <gtest/gtest.h>
-#include <boost/make_shared.hpp>
 
 namespace NVORNQDX20 {
 namespace {
@@ -113,11 +109,10 @@ TEST(Registry, KeepsTheFirstOfAName) {
 TEST(Registry, EnumeratesInByteOrderUntilToldToStop) {
   for (const char* name : {"a", "B", "A", "C"}) Register(name);
   std::string names;
-  boost::function<bool(boost::shared_ptr<INamespaceProvider>)> callback =
-      [&](boost::shared_ptr<INamespaceProvider> provider) {
-        names += provider->GetName({});
-        return names.back() != 'C';
-      };
+  boost::function<bool(boost::shared_ptr<INamespaceProvider>)> callback = [&](const auto& each) {
+    names += each->GetName({});
+    return names.back() != 'C';
+  };
   const auto registry = TRootObject::GetNamespaceProviderManager();
   registry->EnumerateNamespaceProviders(callback);
   EXPECT_EQ(names, "ABC");

@@ -1,37 +1,55 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/interfaces.h>
 #include <qdxcore/os_specific.h>
+#include <qdxcore/registry.h>
 
 #include "support/expect_status.h"
-#include "support/run_program.h"
+#include "support/log_capture.h"
 #include "support/temp_dir.h"
 
-#include <gtest/gtest.h>
+#include <algorithm>
+#include <array>
+
+#include <dlfcn.h>
+
+namespace {
+
+std::string gLibrary;  // where the library says that it is; where it is if empty
+
+}  // namespace
+
+/// Stands before the C library's function, for the library under test too.
+extern "C" QDXCORE_EXPORT int dladdr(const void* address, Dl_info* info) noexcept {
+  static const auto next = reinterpret_cast<decltype(&dladdr)>(::dlsym(RTLD_NEXT, "dladdr"));
+  const int result = next(address, info);
+  if (!gLibrary.empty()) info->dli_fname = gLibrary.c_str();
+  return result;
+}
 
 namespace NVORNQDX20 {
 namespace {
 
 namespace fs = std::filesystem;
+using TOS = TOSSpecific;
+using TNames = std::vector<std::string>;
 
-/// An install root of the test's own, with the library in it.
+/// An install root of the test's own.
 class PluginRoot : public ::testing::Test {
  protected:
-  PluginRoot() { fs::copy_file(QDXCORE_LIBRARY, fRoot / QDXCORE_SONAME); }
+  PluginRoot() { gLibrary = fRoot / "libqdxcore.so"; }
+  ~PluginRoot() override { gLibrary.clear(); }
 
-  /// What the host program prints when it runs in `folder`, the library found by `libraryPath`.
-  std::string Ask(const std::string& request, const fs::path& folder,
-                  const std::string& libraryPath) const {
-    const TProgramRun run = RunProgram({"/bin/sh", "-c",
-                                        "cd '" + folder.string() + "' && LD_LIBRARY_PATH='" +
-                                            libraryPath + "' '" PLUGIN_HOST "' " + request});
-    EXPECT_EQ(run.fExitCode, 0) << run.fErrors;
-    return run.fOutput;
+  static TNames Sorted(TNames names) {
+    std::sort(names.begin(), names.end());
+    return names;
   }
-  std::string Ask(const std::string& request) const { return Ask(request, "/", fRoot); }
-
-  /// The same, without what the loader says in the words of its own.
-  std::string AskForFailure(const std::string& request) const {
-    const std::string answer = Ask(request);
-    return answer.substr(0, answer.find("so: "));
+  /// What is thrown and logged, up to where the loader's own words begin.
+  template <typename TLoad>
+  static std::string Refusal(TLoad&& load) {
+    const TLogCapture log;
+    const std::string status = StatusThrownBy(load);
+    const std::string message = log.Messages().at(0);
+    return status + " " + message.substr(0, message.find("so: "));
   }
 
   const TTempDir fDir;
@@ -39,13 +57,15 @@ class PluginRoot : public ::testing::Test {
 };
 
 TEST_F(PluginRoot, IsTheFolderOfTheLibrary) {
-  EXPECT_EQ(Ask("root"), fRoot.string() + "\n");
-  // An empty element of the path makes the loader know the library by its bare name.
-  EXPECT_EQ(Ask("root", fRoot, ":/none"), ".\n");
+  EXPECT_EQ(TOS::GetQDXRootPath(), fRoot);
+  gLibrary.clear();
+  EXPECT_TRUE(fs::equivalent(TOS::GetQDXRootPath(), fs::path(QDXCORE_LIBRARY).parent_path()));
+  gLibrary = "libqdxcore.so";
+  EXPECT_EQ(TOS::GetQDXRootPath(), ".");
 }
 
 TEST_F(PluginRoot, IsSearchedForServices) {
-  EXPECT_EQ(Ask("nscs"), "");
+  EXPECT_EQ(TOS::FindNSCs(), TNames());
   for (const char* name :
        {"libdisk.nsp.so", "libfoo.nsp.so.old", "x.nsp", "libfile.nsc.so", "lib.so"}) {
     fDir.Write(name, "");
@@ -53,41 +73,46 @@ TEST_F(PluginRoot, IsSearchedForServices) {
   fs::create_directory(fRoot / "libfolder.nsp.so");
   fs::create_symlink("libdisk.nsp.so", fRoot / "liblink.nsp.so");
   fs::create_symlink("none", fRoot / "libdangling.nsp.so");
-  EXPECT_EQ(Ask("nsps"), "disk\nfoo.nsp\nlink\nsp\n");
-  EXPECT_EQ(Ask("nscs"), "file\n");
+  EXPECT_EQ(Sorted(TOS::FindNSPs()), (TNames{"disk", "foo.nsp", "link", "sp"}));
+  EXPECT_EQ(TOS::FindNSCs(), TNames{"file"});
 }
 
 TEST_F(PluginRoot, GivesProvidersThatRegisterThemselves) {
   fs::copy_file(TEST_PROVIDER, fRoot / "libany.nsp.so");
-  EXPECT_EQ(Ask("load-nsp any"), "test\n");
-  EXPECT_EQ(AskForFailure("load-nsp none"),
-            "kQDXStatusFileSystemError\nlog 0 Couldn't load NSP: none (" + fRoot.string() +
-                "/libnone.nsp.");
+  TOS::LoadNSPLibrary("any");
+  const auto registry = TRootObject::GetNamespaceProviderManager();
+  EXPECT_EQ(registry->GetNamespaceProvider("test")->GetName({}), "test");
+  EXPECT_EQ(
+      Refusal([] { TOS::LoadNSPLibrary("none"); }),
+      "kQDXStatusFileSystemError 0 Couldn't load NSP: none (" + fRoot.string() + "/libnone.nsp.");
 }
 
 TEST_F(PluginRoot, GivesConsumersByTheirEntryPoint) {
   for (const std::string name : {"good", "nothing", "other"}) {
     fs::copy_file(TEST_CONSUMER, fRoot / ("lib" + name + ".nsc.so"));
   }
-  EXPECT_EQ(Ask("load-nsc good"), "the good consumer\nvisible to all\n");
-  EXPECT_EQ(Ask("load-nsc nothing"), "null\nvisible to all\n");
-  EXPECT_EQ(Ask("load-nsc other"),
-            "kQDXStatusNotFound\nlog 0 Couldn't find 'CreateINamespaceConsumer' in " +
-                fRoot.string() + "/libother.nsc.so\n");
-  EXPECT_EQ(AskForFailure("load-nsc none"),
-            "kQDXStatusFileSystemError\nlog 0 Couldn't load NSC: none (" + fRoot.string() +
-                "/libnone.nsc.");
+  const boost::shared_ptr<INamespaceConsumer> consumer(TOS::LoadNSCLibrary("good"));
+  EXPECT_EQ(consumer->GetName({}), "the good consumer");
+  EXPECT_NE(::dlsym(RTLD_DEFAULT, "good_CreateINamespaceConsumer"), nullptr) << "visible to all";
+  EXPECT_EQ(TOS::LoadNSCLibrary("nothing"), nullptr);
+  EXPECT_EQ(Refusal([] { TOS::LoadNSCLibrary("other"); }),
+            "kQDXStatusNotFound 0 Couldn't find 'CreateINamespaceConsumer' in " + fRoot.string() +
+                "/libother.nsc.so");
+  EXPECT_EQ(
+      Refusal([] { TOS::LoadNSCLibrary("none"); }),
+      "kQDXStatusFileSystemError 0 Couldn't load NSC: none (" + fRoot.string() + "/libnone.nsc.");
 }
 
 TEST_F(PluginRoot, LoadsGenericPluginsByPath) {
-  fs::copy_file(TEST_PROVIDER, fRoot / "any.pi.so");
-  EXPECT_EQ(Ask("load " + (fRoot / "any.pi.so").string()), "loaded\n");
-  EXPECT_EQ(Ask("load any.pi.so", fRoot, fRoot), "loaded\n");
-  for (const char* path : {"libm.so.6", "''", TEST_UNRESOLVED}) {
-    EXPECT_EQ(Ask(std::string("load ") + path).find("kQDXStatusFileSystemError\n"), 0U) << path;
+  fs::copy_file(TEST_CONSUMER, fRoot / "any.pi.so");
+  EXPECT_NE(TOS::LoadPluginLibrary(fRoot / "any.pi.so"), nullptr);
+  fs::current_path(fRoot);
+  EXPECT_NE(TOS::LoadPluginLibrary("any.pi.so"), nullptr);
+  for (const char* path : {"libm.so.6", ""}) {
+    EXPECT_QDX_STATUS(TOS::LoadPluginLibrary(path), kQDXStatusFileSystemError);
   }
-  EXPECT_EQ(AskForFailure("load /none.pi.so"),
-            "kQDXStatusFileSystemError\nlog 0 ERROR: Failed to load plugin.  Reason: /none.pi.");
+  EXPECT_EQ(Refusal([] { TOS::LoadPluginLibrary("/none.pi.so"); }),
+            "kQDXStatusFileSystemError 0 ERROR: Failed to load plugin.  Reason: /none.pi.");
 }
 
 using PluginSearch = PluginRoot;
@@ -97,32 +122,31 @@ TEST_F(PluginSearch, AsksForTheBareName) {
                            "p/sub/deep/d.pi.so", "p/e.pi.so", "p/hidden/f.pi.so", "other/sub/x"}) {
     fDir.Write(name, "");
   }
-  const std::string plugins = (fRoot / "p").string();
-  const std::string found = plugins + "/sub/a.pi.so\n" + plugins + "/sub/b.pi.so.bak\n";
+  const std::string plugins = fRoot / "p";
   const auto search = [&](const fs::path& folder) {
-    return Ask("plugins " + plugins, folder, fRoot);
+    fs::current_path(folder);
+    return Sorted(TOS::FindPlugins(plugins));
   };
-  EXPECT_EQ(search(plugins), plugins + "/hidden/f.pi.so\n" + found);  // printed sorted
-  EXPECT_EQ(search(fRoot / "other"), found);
-  EXPECT_EQ(search(fRoot / "other/sub"), "");
-  EXPECT_QDX_STATUS(TOSSpecific::FindPlugins("/none"), kQDXStatusFileSystemError);
+  const std::string a = plugins + "/sub/a.pi.so", b = plugins + "/sub/b.pi.so.bak";
+  EXPECT_EQ(search(plugins), (TNames{plugins + "/hidden/f.pi.so", a, b}));
+  EXPECT_EQ(search(fRoot / "other"), (TNames{a, b}));
+  EXPECT_EQ(search(fRoot / "other/sub"), TNames());
 }
 
 TEST(SpecificationPath, IsBuiltFromThePluginPath) {
-  const struct {
-    const char *fPath, *fKind, *fSpecification;
-  } rows[] = {
+  const std::array<const char*, 3> rows[] = {
+      // path, kind, specification
       {"/opt/t/plugins/x/libdisk.pi.so", "pi", "/opt/t/plugins/x/disk.properties.xml"},
       {"/opt/t/x/libdisk.cmpi.so", "cmpi", "/opt/t/x/libdisk.properties.xml"},
       {"/usr/lib/x/libdisk.pi.so", "pi", "/usr//x/libdisk.properties.xml"},
       {"libx.pi.so.pi.so", "pi", "x.properties.xml"},
   };
-  for (const auto& row : rows) {
-    EXPECT_EQ(TOSSpecific::BuildSpecificationPath(row.fPath, row.fKind), row.fSpecification);
+  for (const auto& [path, kind, specification] : rows) {
+    EXPECT_EQ(TOS::BuildSpecificationPath(path, kind), specification);
   }
-  EXPECT_EQ(TOSSpecific::BuildSpecificationPath("liba.pi.so"), "a.properties.xml");
+  EXPECT_EQ(TOS::BuildSpecificationPath("liba.pi.so"), "a.properties.xml");
   for (const char* bad : {"libx.so", "disk.pi.so", "disk.pi.so.lib"}) {
-    EXPECT_QDX_STATUS(TOSSpecific::BuildSpecificationPath(bad), kQDXStatusFail);
+    EXPECT_QDX_STATUS(TOS::BuildSpecificationPath(bad), kQDXStatusFail);
   }
 }
 

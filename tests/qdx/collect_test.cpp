@@ -2,8 +2,6 @@
 #include <algorithm>
 #include <regex>
 
-#include <gtest/gtest.h>
-
 #include "qdx/installation.h"
 
 namespace {
@@ -31,9 +29,7 @@ class QDXCollect : public ::testing::Test {
 };
 
 TEST_F(QDXCollect, WritesWhatComparesEqualUntilTheMachineChanges) {
-  const std::string a = Path("a.xml.gz");
-  const std::string b = Path("b.xml");
-  const std::string root = fTree.Path().string();
+  const std::string a = Path("a.xml.gz"), b = Path("b.xml"), root = fTree.Path().string();
   EXPECT_EQ(fInstallation.Run({"collect", "--root", root, "-o", a}).fOutput, a + "\n");
   EXPECT_EQ(ReadWholeFile(a).substr(0, 2), "\x1f\x8b");
   ASSERT_EQ(RunScript("\"$0\" collect --root $1 -o - >b.xml").fExitCode, 0);
@@ -64,11 +60,9 @@ TEST_F(QDXCollect, GoesOnWithoutWhatFailsAndSaysSoInTheDocument) {
   EXPECT_EQ(std::count(run.fErrors.begin(), run.fErrors.end(), '\n'), 5);
   // The bad provider's namespace has a name that XML cannot hold; and the name of the file is the
   // final one.
-  EXPECT_NE(run.fErrors.find(" characters that XML cannot hold were replaced in " + file),
-            std::string::npos)
-      << run.fErrors;
-  const std::string failures =
-      fInstallation.Run({"show", file, "VORNSG_CollectionFailure"}).fOutput;
+  const std::string replaced = " characters that XML cannot hold were replaced in " + file;
+  EXPECT_NE(run.fErrors.find(replaced), std::string::npos) << run.fErrors;
+  const auto failures = fInstallation.Run({"show", file, "VORNSG_CollectionFailure"}).fOutput;
   for (const std::string failure :
        {"loading\n      Provider   a\n      Reason     /",
         "opening\n      Provider   bad\n      Reason     the table is locked\n",
@@ -79,7 +73,6 @@ TEST_F(QDXCollect, GoesOnWithoutWhatFailsAndSaysSoInTheDocument) {
   // What was copied before the failure stays.
   EXPECT_EQ(fInstallation.Run({"show", file, "root/spoiled:Sample_Many", "--depth=1"}).fOutput,
             "root/spoiled\n  Sample_Many  (1 instance)\n");
-  EXPECT_EQ(fInstallation.Run({"collect", "--provider", "linux", "-o", file}).fExitCode, 0);
 }
 
 TEST_F(QDXCollect, BeginsAnewWithoutWhatAConsumerRefuses) {
@@ -95,16 +88,12 @@ TEST_F(QDXCollect, BeginsAnewWithoutWhatAConsumerRefuses) {
   EXPECT_EQ(RunScript(collect + "-o y").fExitCode, 5);
 }
 
-TEST_F(QDXCollect, CountsOnATerminalAndSaysNothingToAReaderThatHasGone) {
+TEST_F(QDXCollect, CountsOnATerminal) {
   const TProgramRun seen = RunScript("script -qec \"'$0' collect --root $1 -o x.xml\" /dev/null");
   const std::string counted = "\rcollecting linux root/cimv2: 4 classes, ";
   const std::size_t wiped = seen.fOutput.rfind("  \rx.xml");
   EXPECT_LT(seen.fOutput.find(counted), wiped) << seen.fOutput;
   EXPECT_NE(wiped, std::string::npos) << seen.fOutput;
-  const TProgramRun unread =
-      RunScript("exec 3> >(true); wait $!; \"$0\" collect --root $1 -o - >&3");
-  EXPECT_EQ(unread.fExitCode, 4);
-  EXPECT_EQ(unread.fErrors, "");
 }
 
 TEST_F(QDXCollect, WritesNothingWhereNothingIsCollected) {
@@ -116,12 +105,11 @@ TEST_F(QDXCollect, WritesNothingWhereNothingIsCollected) {
   EXPECT_TRUE(LeftNothing());
 }
 
-TEST_F(QDXCollect, LeavesNothingWhereItCannotWrite) {
+TEST_F(QDXCollect, LeavesWhatWasThereWhereItCannotWrite) {
   const std::pair<std::string, std::string> rows[] = {
       {"\"$0\" collect -o no/x.xml", "writing, no/x.xml: No such file or directory ["},
-      {"\"$0\" collect -o .", "writing document, .: cimxml: .: Is a directory ["},
       {"\"$0\" collect -o /dev/full", "writing document, /dev/full: "},
-      {"ulimit -f 4; \"$0\" collect -o x.xml",
+      {"echo old >x.xml; ulimit -f 4; \"$0\" collect -o x.xml; s=$?; grep -q old *; rm *; exit $s",
        "writing document, x.xml: cimxml: x.xml: File too large ["},
       {"ln -s no x; trap 'rm x' EXIT; \"$0\" collect -ox", "following link, x: No such file or "},
       {"\"$0\" collect --consumer none -o x.xml", "loading consumer, none: "},
@@ -135,40 +123,17 @@ TEST_F(QDXCollect, LeavesNothingWhereItCannotWrite) {
   }
 }
 
-TEST_F(QDXCollect, LeavesTheOldDocumentOnAFullDisk) {
-  const TProgramRun run = RunScript(
-      "export SCRIPT='mount -t tmpfs -o size=8k qdx . && cd . && cd \"$PWD\" && echo old >x.xml "
-      "&&\n"
-      "  { \"$0\" collect -o x.xml; echo $?; cat x.xml; ls -A; }'\n"
-      "unshare -m bash -c \"$SCRIPT\" \"$0\" || exit 9");
-  if (run.fExitCode == 9) GTEST_SKIP() << "cannot mount: " << run.fErrors;
-  EXPECT_EQ(run.fOutput, "4\nold\nx.xml\n");
-  EXPECT_NE(run.fErrors.find("x.xml: No space left on device ["), std::string::npos) << run.fErrors;
-}
-
-/// Ends one run after the other, but for the last, at a random moment. No document is ever damaged.
-const char* const kKillLoop = R"sh(
-export QDX_SAMPLE_INSTANCES=3000
-killed=0
-for ((i = 0; i < 50; i++)); do
-  rm -f x.xml
-  "$0" collect --provider sample -o x.xml >/dev/null & child=$!
-  sleep 0.0$(printf %03d $((RANDOM % 1000)))
-  [ $i = 49 ] || kill -s SIGNAL $child
-  wait $child || killed=$((killed + 1))
-  [ ! -e x.xml ] || [ "$(tail -c 7 x.xml)" = "</CIM>" ] || exit 2
-done 2>/dev/null
-rm x.xml && [ $killed -gt 0 ]
-)sh";
-
-TEST_F(QDXCollect, NeverLeavesADamagedDocument) {
+TEST_F(QDXCollect, LeavesNoDocumentWhereItIsEnded) {
   fInstallation.AddPlugin(SAMPLE_PROVIDER, "libsample.nsp.so");
-  for (const std::string signal : {"KILL", "TERM"}) {
-    const std::string script =
-        std::regex_replace(std::string(kKillLoop), std::regex("SIGNAL"), signal);
-    EXPECT_EQ(RunScript(script).fExitCode, 0) << signal;
-    EXPECT_TRUE(signal == "KILL" || LeftNothing());
-    RunScript("rm -f .qdx-*");
+  for (const std::string signal : {"KILL", "TERM"}) {  // once it has begun to write
+    const TProgramRun run = RunScript(
+        "QDX_SAMPLE_INSTANCES=30000 \"$0\" collect --provider sample -o x.xml &\n"
+        "until [ -s .qdx-* ] || ! kill -0 $!; do :; done 2>/dev/null\n"
+        "kill -s " +
+        signal + " $! && ! wait $! && ls -A && rm -f .qdx-*");
+    EXPECT_EQ(run.fExitCode, 0) << run.fErrors;
+    EXPECT_EQ(run.fOutput.substr(0, 5), signal == "KILL" ? ".qdx-" : "");
+    EXPECT_TRUE(LeftNothing());
   }
 }
 

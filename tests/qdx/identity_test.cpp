@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxcore/config.h>
 
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include "qdx/installation.h"
@@ -26,8 +25,6 @@ class QDXIdentity : public ::testing::Test {
     options.insert(options.end(), {"identity", "--root", fTree.Path().string()});
     return fInstallation.Run(options);
   }
-  nlohmann::json RunForJSON() const { return nlohmann::json::parse(Run({"--json"}).fOutput); }
-
   const TInstallation fInstallation;
   const TTempDir fTree;
 };
@@ -51,37 +48,27 @@ TEST_F(QDXIdentity, IsPrintedForPeople) {
 
 TEST_F(QDXIdentity, IsPrintedAsJSON) {
   WriteDMI("product_name", "Loftnode -[4711]-");
+  WriteDMI("product_serial", "AB-123456");
   nlohmann::json expected = nlohmann::json::parse(R"({
       "systemName": "srv1", "productName": "Loftnode -[4711]-", "machineType": "4711",
-      "model": null, "serialNumber": "23A1234", "operatingSystem": "Server OS", "version": "9.3",
-      "osType": 36, "notes": {},
+      "model": null, "serialNumber": "AB-123456", "operatingSystem": "Server OS",
+      "version": "9.3", "osType": 36, "notes": {"serialNumber": "not seven letters or digits"},
       "absent": {"model": "the product name carries none [kQDXStatusInvalidFormat]"}})");
   expected["qdxVersion"] = QDXCORE_VERSION;
-  EXPECT_EQ(RunForJSON(), expected);
+  EXPECT_EQ(nlohmann::json::parse(Run({"--json"}).fOutput), expected);
 }
 
-TEST_F(QDXIdentity, ShowsASerialNumberOfAnotherForm) {
-  WriteDMI("product_serial", "AB-123456");
-  EXPECT_EQ(RunForJSON()["notes"]["serialNumber"], "not seven letters or digits");
-  EXPECT_NE(Run({}).fOutput.find("AB-123456  (not seven letters or digits)\n"), std::string::npos);
-}
-
-TEST_F(QDXIdentity, SaysThatNothingIsKnown) {
+TEST_F(QDXIdentity, NeedsARootOfWhichSomethingIsKnown) {
   const TTempDir empty;
-  const TProgramRun run = fInstallation.Run({"identity", "--root=" + empty.Path().string()});
-  EXPECT_EQ(run.fExitCode, 5);
-  EXPECT_EQ(run.fErrors, "qdx: describing the machine, " + empty.Path().string() +
-                             ": nothing is known of it [kQDXStatusNotFound]\n");
-}
-
-TEST_F(QDXIdentity, RefusesARootThatIsNoFolder) {
-  const std::string file = fTree.Write("file", "").string();
-  for (const auto& [root, why] : std::vector<std::pair<std::string, std::string>>{
-           {file, file + ": not a folder"},
-           {"/no\033[31m\xff\xc2\x9b", "/no?[31m??: No such file or directory"}}) {
+  const std::string folder = empty.Path().string(), file = fTree.Write("file", "").string();
+  const std::tuple<std::string, int, std::string> rows[] = {
+      {folder, 5, "describing the machine, " + folder + ": nothing is known of it [kQDXStatusNotF"},
+      {file, 4, "reading root folder, " + file + ": not a folder [kQDXStatusFileNotFound]\n"},
+      {"/no\033[31m\xff\xc2\x9b", 4, "reading root folder, /no?[31m??: No such file or directory"}};
+  for (const auto& [root, exitCode, error] : rows) {
     const TProgramRun run = fInstallation.Run({"identity", "--root", root});
-    EXPECT_EQ(run.fExitCode, 4);
-    EXPECT_EQ(run.fErrors, "qdx: reading root folder, " + why + " [kQDXStatusFileNotFound]\n");
+    EXPECT_EQ(run.fExitCode, exitCode);
+    EXPECT_EQ(run.fErrors.find("qdx: " + error), 0U) << run.fErrors;
   }
 }
 
@@ -94,10 +81,7 @@ TEST_F(QDXIdentity, WritesALog) {
   EXPECT_NE(ReadWholeFile(log).find(line), std::string::npos);
   EXPECT_NE(ReadWholeFile(log).find("-- QDX Log Closed"), std::string::npos);
 
-  const TProgramRun refused = Run({"--log", "/no/log"});
-  EXPECT_EQ(refused.fExitCode, 4);
-  EXPECT_EQ(refused.fErrors,
-            "qdx: opening log, /no/log: No such file or directory [kQDXStatusFileSystemError]\n");
+  EXPECT_EQ(Run({"--log", "/no/log"}).fExitCode, 4);
 }
 
 }  // namespace

@@ -9,6 +9,8 @@
 #include "support/run_program.h"
 #include "support/temp_dir.h"
 
+#include <gtest/gtest.h>
+
 class TInstallation {
  public:
   TInstallation() {

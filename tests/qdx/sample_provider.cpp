@@ -4,10 +4,8 @@
 // half-way.
 #include <qdxcore/registry.h>
 
+#include <cmath>
 #include <cstdlib>
-#include <limits>
-
-#include <boost/make_shared.hpp>
 
 #include "support/class_builder.h"
 #include "support/faulty_provider.h"
@@ -29,26 +27,17 @@ using TType = TCIMValue::TCIMType;
     AddInstance(ns, "Sample_Many", {{"Number", 9U}, {"Txet", ""}});
   }
   TCIMReference path(ns, "Sample_Many.Number=\"1\"", {});
-  const TProperties values = {
-      {"B", true},
-      {"U8", std::uint8_t{255}},
-      {"I8", std::int8_t{-128}},
-      {"U16", std::uint16_t{65535}},
-      {"I16", std::int16_t{-32768}},
-      {"U32", 4294967295U},
-      {"I32", std::numeric_limits<int>::min()},
-      {"U64", std::numeric_limits<unsigned long>::max()},
-      {"I64", std::numeric_limits<long>::min()},
-      {"R32", 0.1F},
-      {"R64", -0.25},
-      {"Infinite", std::numeric_limits<double>::infinity()},
-      {"Text", "a\n\"b\""},
-      {"Empty", ""},
-      {"Time", TCIMDateTime("20040315143000.000000+060")},
-      {"Link", path},
-      {"Null", TCIMValue(TType::kCIMTypeUint8, 0)},
-      {"List", TCIMValue(TType::kCIMTypeUint8, 0, {std::uint8_t{1}, std::uint8_t{2}})},
-      {"None", TCIMValue(TType::kCIMTypeString, 0, {})}};
+  const TCIMValue null(TType::kCIMTypeUint8, 0), none(TType::kCIMTypeString, 0, {});
+  const TCIMValue list(TType::kCIMTypeUint8, 0, {std::uint8_t(1), std::uint8_t(2)});
+  TProperties values = {{"Infinite", HUGE_VAL}, {"Null", null}, {"List", list}, {"None", none}};
+  const TCIMDateTime time("20040315143000.000000+060");
+  const std::uint8_t u8 = 255;
+  const std::int8_t i8 = -128;
+  const std::uint16_t u16 = 65535;
+  const std::int16_t i16 = -32768;
+  const TCIMValue typed[] = {true, u8,  i8,   u16,   i16,        ~0U,  -5,
+                             ~0UL, -9L, 0.1F, -0.25, "a\n\"b\"", time, path};
+  for (const TCIMValue& value : typed) values.emplace_back(value.GetType().ToString(), value);
   AddClass(ns, "Sample_All", {{"Key", ""}}, values);
   AddInstance(ns, "Sample_All", {{"Key", "a/b"}});
   return ns;
@@ -63,8 +52,8 @@ class TProvider : public INamespaceProvider {
   boost::shared_ptr<ICIMNamespace> GetNamespace(const std::string& name, TOptionsMap) override {
     if (name == "root/sample") return MakeSample();
     const auto faults = boost::make_shared<TFaults>();
-    faults->Throw("ICIMInstance::EnumerateProperties", kQDXStatusAccessDenied, 2);
-    faults->Throw("ICIMInstance::GetProperty", kQDXStatusAccessDenied, 2);
+    faults->Fail("ICIMInstance::EnumerateProperties", kQDXStatusAccessDenied, 2);
+    faults->Fail("ICIMInstance::GetProperty", kQDXStatusAccessDenied, 2);
     return MakeFaultyNamespace(MakeSample(), faults);
   }
 

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include "qdx/installation.h"
@@ -22,13 +21,12 @@ class QDXShow : public ::testing::Test {
 
 TEST_F(QDXShow, GivesTypedValues) {
   const auto expected = nlohmann::json::parse(R"({
-      "B": true, "U8": 255, "I8": -128, "U16": 65535, "I16": -32768, "U32": 4294967295,
-      "I32": -2147483648, "U64": "18446744073709551615", "I64": "-9223372036854775808",
-      "R32": 0.1, "R64": -0.25, "Infinite": "inf", "Text": "a\n\"b\"", "Empty": "",
-      "Time": "20040315143000.000000+060", "Link": "Sample_Many.Number=\"1\"", "Null": null,
-      "List": [1, 2], "None": [], "Key": "a/b"})");
-  const TProgramRun run =
-      fInstallation.Run({"show", fDocument, "Sample_All.Key=\"a/b\"", "--json"});
+      "Key": "a/b", "boolean": true, "uint8": 255, "sint8": -128, "uint16": 65535,
+      "sint16": -32768, "uint32": 4294967295, "sint32": -5, "uint64": "18446744073709551615",
+      "sint64": "-9", "real32": 0.1, "real64": -0.25, "string": "a\n\"b\"",
+      "datetime": "20040315143000.000000+060", "reference": "Sample_Many.Number=\"1\"",
+      "Infinite": "inf", "Null": null, "List": [1, 2], "None": []})");
+  const auto run = fInstallation.Run({"show", fDocument, "Sample_All.Key=\"a/b\"", "--json"});
   EXPECT_EQ(run.fExitCode, 0) << run.fErrors;
   const auto shown = nlohmann::json::parse(run.fOutput)["namespaces"][0];
   EXPECT_EQ(shown["classes"][0]["instances"][0]["properties"], expected);
@@ -62,11 +60,11 @@ TEST_F(QDXShow, GivesTheReasonOfTheInstanceThatLacksAValue) {
     fFolder.Write(std::string("sys/class/scsi_generic/") + device + "/device/type", "0\n");
   }
   fFolder.Write("sys/class/scsi_generic/sg0/device/vendor", "VORN\n");
-  const TProgramRun run = fInstallation.Run(
-      {"show", "--root", fFolder.Path().string(), "--provider=linux", "VORNSG_SCSIDevice"});
+  const std::string shown =
+      fInstallation.Run({"show", "--root", fFolder.Path().string(), "VORNSG_SCSIDevice"}).fOutput;
   const std::string reason = "VendorID    -  (/sys/class/scsi_generic/sg1/device/vendor: ";
-  EXPECT_NE(run.fOutput.find(reason), std::string::npos) << run.fOutput;
-  EXPECT_EQ(run.fOutput.find("VendorID    -"), run.fOutput.find(reason)) << run.fOutput;
+  EXPECT_NE(shown.find(reason), std::string::npos) << shown;
+  EXPECT_EQ(shown.find("VendorID    -"), shown.find(reason)) << shown;
 }
 
 TEST_F(QDXShow, TellsAnAuthorOfTheMistake) {
@@ -81,7 +79,6 @@ TEST_F(QDXShow, SaysWhatItCannotShow) {
   const std::tuple<std::vector<std::string>, int, std::string> rows[] = {
       {{"Sample_None"}, 4, "looking for, Sample_None: no provider that answered has it ["},
       {{fDocument, "root/qdx:Sample_All"}, 4, "looking for, root/qdx:Sample_All: no such class"},
-      {{fDocument, "Sample_All.Key=\"b\""}, 4, "looking for, Sample_All.Key=\"b\": no such class"},
       {{fDocument, "Sample_All.Key=b"}, 4, "looking for, Sample_All.Key=b: Reference missing "},
       {{"none.xml"}, 4, "reading document, none.xml: "},
       {{text}, 4, "reading document, " + text + ": cimxml: " + text + ": line 1, column 1: "},

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxcore/config.h>
 
-#include <gtest/gtest.h>
-
 #include "qdx/installation.h"
 
 namespace {
@@ -19,12 +17,9 @@ TEST(QDXUsage, ExplainsAMistakeInOneLine) {
                          {{"upload", "file"}, "upload needs an argument: NAME"},
                          {{"show", "", "x"}, "an argument is empty: FILE"},
                          {{"collect", "-ox", "-o"}, "option '--output' needs a value: FILE"},
-                         {{"upload", "f", "n", "x"}, "unexpected argument 'x'"},
                          {{"identity", "--", "--json"}, "unexpected argument '--json'"},
-                         {{"identity", "--roo=/"}, "unknown option '--roo'"},
                          {{"identity", "-j"}, "unknown option '-j'"},
                          {{"identity", "--json=yes"}, "option '--json' takes no value"},
-                         {{"identity", "--root"}, "option '--root' needs a value: DIR"},
                          {{"identity", "--root="}, "option '--root' needs a value: DIR"},
                          {{"plugins", "--root", "/"}, "plugins has no option '--root'"},
                          {{"plugins", "--log-level", "all"}, "unknown log level 'all'"}};
@@ -39,10 +34,8 @@ TEST(QDXUsage, ExplainsAMistakeInOneLine) {
 
 TEST(QDXUsage, HelpsAndTellsItsVersion) {
   const TUsage rows[] = {{{"--help"}, "  identity  Tells who"},
-                         {{"help"}, "  --log-level LEVEL  Log"},
                          {{"help", "identity"}, "  --root DIR         Describe"},
                          {{"--help", "plugins"}, "Usage: qdx plugins [OPTION]...\n"},
-                         {{"help", "upload"}, "Usage: qdx upload [OPTION]... FILE NAME\n"},
                          {{"identity", "--version"}, "qdx " QDXCORE_VERSION "\n"}};
   const TInstallation installation;
   for (const TUsage& row : rows) {

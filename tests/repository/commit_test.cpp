@@ -4,8 +4,6 @@
 #include "support/class_builder.h"
 #include "support/expect_status.h"
 
-#include <gtest/gtest.h>
-
 namespace NVORNQDX20 {
 namespace {
 

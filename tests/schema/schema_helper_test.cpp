@@ -8,9 +8,6 @@
 
 #include <array>
 
-#include <gtest/gtest.h>
-#include <boost/make_shared.hpp>
-
 namespace NVORNQDX20 {
 namespace {
 
@@ -31,26 +28,24 @@ TNamespace MakeSystem(const TProperties& properties) {
 }
 
 TEST(SchemaHelper, ReadsTheSingleInstanceOfAClass) {
-  const TNamespace system = MakeSystem({{"Name", "host"}, {"ProductName", "47111AB"}});
-  EXPECT_EQ(THelper::GetSystemName(system), "host");
-  EXPECT_EQ(THelper::GetSystemProductName(system), "47111AB");
-  EXPECT_EQ(THelper::GetSystemCreationClassName(system), "VORNSG_ComputerSystem");
-  const unsigned short kLinux = 36;
-  const TNamespace os =
-      MakeOne("VORNSG_OperatingSystem", {{"Name", "an OS"}, {"Version", "12"}, {"OSType", kLinux}});
-  EXPECT_EQ(THelper::GetOperatingSystemName(os), "an OS");
-  EXPECT_EQ(THelper::GetOperatingSystemVersion(os), "12");
-  EXPECT_EQ(THelper::GetOperatingSystemType(os), kLinux);
-  EXPECT_EQ(THelper::GetOperatingSystemCreationClassName(os), "VORNSG_OperatingSystem");
+  const TNamespace ns = MakeSystem({{"Name", "host"}, {"ProductName", "47111AB"}});
+  EXPECT_EQ(THelper::GetSystemName(ns), "host");
+  EXPECT_EQ(THelper::GetSystemProductName(ns), "47111AB");
+  EXPECT_EQ(THelper::GetSystemCreationClassName(ns), "VORNSG_ComputerSystem");
+  const std::uint16_t type = 36;
+  const char* const className = "VORNSG_OperatingSystem";
+  AddClass(ns, className, {}, {{"Name", "an OS"}, {"Version", "12"}, {"OSType", type}});
+  EXPECT_QDX_STATUS(THelper::GetOperatingSystemName(ns), kQDXStatusNotFound);  // no instance
+  AddInstance(ns, className, {});
+  EXPECT_EQ(THelper::GetOperatingSystemName(ns), "an OS");
+  EXPECT_EQ(THelper::GetOperatingSystemVersion(ns), "12");
+  EXPECT_EQ(THelper::GetOperatingSystemType(ns), type);
+  EXPECT_EQ(THelper::GetOperatingSystemCreationClassName(ns), className);
 
-  AddClass(os, "VORNSG_ComputerSystem", {}, {{"Name", "host"}});
-  EXPECT_QDX_STATUS(THelper::GetSystemName(os), kQDXStatusNotFound);  // no instance
-  const auto blade =
-      system->CreateClass("T_Blade", system->GetClass("VORNSG_ComputerSystem", {}), {});
-  blade->Commit({});
-  AddInstance(system, "T_Blade", {{"Id", 2U}});
-  EXPECT_QDX_STATUS(THelper::GetSystemName(system), kQDXStatusNotFound);  // a subclass counts
-  EXPECT_QDX_STATUS(THelper::GetMTM(system), kQDXStatusNotFound);
+  ns->CreateClass("T_Blade", ns->GetClass("VORNSG_ComputerSystem", {}), {})->Commit({});
+  AddInstance(ns, "T_Blade", {{"Id", 2U}});
+  EXPECT_QDX_STATUS(THelper::GetSystemName(ns), kQDXStatusNotFound);  // a subclass counts
+  EXPECT_QDX_STATUS(THelper::GetMTM(ns), kQDXStatusNotFound);
   const TNamespace bad = MakeSystem({{"Name", 5U}, {"ProductName", kNoText}});
   EXPECT_QDX_STATUS(THelper::GetSystemName(bad), kQDXStatusTypeMismatch);
   EXPECT_QDX_STATUS(THelper::GetSystemProductName(bad), kQDXStatusValueIsNULL);
@@ -66,7 +61,6 @@ TEST(SchemaHelperMTM, IsFoundInTheProductName) {
       {"4711 AB  ", "4711 AB"},
       {"VORN Loftnode k318-[47121AB]", "47121AB"},
       {"VORN Loftnode k318-[4712   ]  ", "4712xxx"},
-      {"VORN Loftnode k318-[47121AB]-", "47121AB"},
   };
   for (const auto& [name, mtm] : rows) {
     const TNamespace ns = MakeSystem({{"ProductName", name}});
@@ -81,18 +75,15 @@ TEST(SchemaHelperMTM, IsFoundInTheProductName) {
        {"4711   x", "VORN Loftnode k318-[47-21AB]", "VORN Loftnode k319-[47121AB]",
         "VORN Loftnode k318-[47121AB)", "-[47111AB]", "-[47111AB] -", "-[4711!AB]-", "-[47 1]-",
         "-[4711", "-[", "-[] -[47111AB]-", "47111A", "    ", ""}) {
-    EXPECT_QDX_STATUS(THelper::GetMTM(MakeSystem({{"ProductName", name}})), kQDXStatusInvalidFormat)
-        << name;
+    const TNamespace ns = MakeSystem({{"ProductName", name}});
+    EXPECT_QDX_STATUS(THelper::GetMTM(ns), kQDXStatusInvalidFormat) << name;
   }
 }
 
 TEST(SchemaHelperMTM, IsValidByItsFirstCharacters) {
-  EXPECT_TRUE(THelper::IsValidMachineType("4711 and more"));
-  EXPECT_FALSE(THelper::IsValidMachineType("471"));
-  EXPECT_FALSE(THelper::IsValidMachineType("47\xe4g"));
-  EXPECT_TRUE(THelper::IsValidMTM("4711 A ]-"));
-  EXPECT_FALSE(THelper::IsValidMTM("47111A"));
-  EXPECT_FALSE(THelper::IsValidMTM(" 7111AB"));
+  EXPECT_TRUE(THelper::IsValidMachineType("4711 and more") && THelper::IsValidMTM("4711 A ]-"));
+  for (const char* bad : {"471", "47\xe4g"}) EXPECT_FALSE(THelper::IsValidMachineType(bad)) << bad;
+  for (const char* bad : {"47111A", " 7111AB"}) EXPECT_FALSE(THelper::IsValidMTM(bad)) << bad;
 }
 
 TEST(SchemaHelperSerial, HasSevenLettersOrDigits) {
@@ -109,42 +100,38 @@ TEST(SchemaHelperSerial, HasSevenLettersOrDigits) {
 TEST(SchemaHelperRawTexts, SayWhatIsMissing) {
   const TNamespace two = MakeSystem({});
   AddInstance(two, "VORNSG_ComputerSystem", {{"Id", 2U}});
-  const std::pair<TNamespace, const char*> rows[] = {
+  const std::pair<TNamespace, std::string> rows[] = {
       {MakeNamespace(), "no computer system"},
       {two, "computer system instances != 1"},
       {MakeSystem({}), "didn't find ProductName property"},
       {MakeSystem({{"ProductName", kNoText}}), "ProductName is NULL"},
-      {MakeSystem({{"ProductName", 5U}}), "ProductName wasn't a string"},
-  };
+      {MakeSystem({{"ProductName", 5U}}), "ProductName wasn't a string"}};
   for (const auto& [ns, message] : rows) {
     const TLogCapture log;
     EXPECT_QDX_STATUS(THelper::GetRawMTMString(ns), kQDXStatusNotFound);
     EXPECT_QDX_STATUS(THelper::GetRawSerialNumberString(ns, {}), kQDXStatusNotFound);
-    ASSERT_EQ(log.Messages().size(), 2U);
-    EXPECT_EQ(log.Messages()[0], std::string("3 TCIMSchemaHelper: ") + message);
+    EXPECT_EQ(log.Messages().at(0), "3 TCIMSchemaHelper: " + message);
   }
 }
 
 TEST(SchemaHelper, PassesOptionsAndFaultsOn) {
   const TNamespace ns = MakeSystem({{"SerialNumber", "23A1234"}, {"ProductName", "47111AB"}});
   const auto faults = boost::make_shared<TFaults>();
-  std::string asked;
-  faults->Watch([&asked](const std::string& call) {
-    if (call.find("ICIMNamespace::") == 0) asked += call.substr(15) + " ";
-  });
   const TNamespace faulty = MakeFaultyNamespace(ns, faults);
-  THelper::GetSerialNumber(faulty, {{"from", "x"}});
-  faults->AnswerNull("ICIMNamespace::GetClass");
-  EXPECT_QDX_STATUS(THelper::GetDataSourceVersion(faulty, {{"from", "y"}}), kQDXStatusFail);
-  EXPECT_EQ(asked, "GetClass(VORNSG_ComputerSystem,x) GetClass(VORNSG_QDXProduct,y) ");
+  std::string asked;
+  faults->fWatch = [&asked](const std::string& call) { asked += call + " "; };
+  faults->Fail("ICIMClass::EnumerateInstances", kQDXStatusFail);
+  EXPECT_QDX_STATUS(THelper::GetSerialNumber(faulty, {{"from", "x"}}), kQDXStatusFail);
+  const std::string first = "ICIMNamespace::GetClass(VORNSG_ComputerSystem,x) ";
+  EXPECT_EQ(asked, first + "ICIMClass::EnumerateInstances(1,x) ");
   for (const char* operation : {"ICIMNamespace::GetClass", "ICIMInstance::GetProperty"}) {
     const TLogCapture log;
-    faults->Throw(operation, kQDXStatusAccessDenied);
+    faults->Fail(operation, kQDXStatusAccessDenied);
     EXPECT_QDX_STATUS(THelper::GetMTM(faulty), kQDXStatusAccessDenied);
     EXPECT_TRUE(log.Messages().empty());  // said where it happened
-    faults->AnswerNull(operation);
+    faults->Fail(operation, kQDXStatusOK);
     EXPECT_QDX_STATUS(THelper::GetMTM(faulty), kQDXStatusNotFound);
-    faults->AnswerNull(operation);
+    faults->Fail(operation, kQDXStatusOK);
     EXPECT_QDX_STATUS(THelper::GetSystemName(faulty), kQDXStatusFail);  // an assertion
   }
 }
@@ -154,11 +141,9 @@ TEST(SchemaHelperVersion, IsSplitAtItsDots) {
   const std::array<const char*, 4> rows[] = {{"1.2.3", "1", "2.", "3"},
                                              {"1.23", "1", "23", "23"},
                                              {"12.3.4", "12", "3.4", "4"},
-                                             {"1.", "1", "", ""},
-                                             {".5", "", "5", "5"}};
+                                             {"1.", "1", "", ""}};
   for (const auto& [version, major, minor, build] : rows) {
     const TNamespace ns = MakeOne("VORNSG_QDXProduct", {{"Version", version}});
-    EXPECT_EQ(THelper::GetDataSourceVersion(ns, {}), version);
     EXPECT_EQ(THelper::GetDataSourceMajorVersion(ns, {}), major);
     EXPECT_EQ(THelper::GetDataSourceMinorVersion(ns, {}), minor);
     EXPECT_EQ(THelper::GetDataSourceBuildVersion(ns), build);

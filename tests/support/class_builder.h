@@ -6,12 +6,6 @@
 #include <qdxcore/interfaces.h>
 #include <qdxrepository/repository.h>
 
-#include <string>
-#include <utility>
-#include <vector>
-
-#include <boost/shared_ptr.hpp>
-
 namespace NVORNQDX20 {
 
 using TNamespace = boost::shared_ptr<ICIMNamespace>;
@@ -51,6 +45,12 @@ inline boost::shared_ptr<ICIMInstance> AddInstance(const TNamespace& ns,
   for (const auto& [name, value] : values) added->SetPropertyValue(name, value, {});
   added->Commit({});
   return added;
+}
+
+/// A reference to what stands at the path.
+inline TCIMValue ReferenceTo(const TNamespace& ns, const std::string& path) {
+  TCIMReference reference(ns, path, {});
+  return TCIMValue(reference);
 }
 
 /// A null reference to a class.

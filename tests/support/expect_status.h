@@ -5,8 +5,6 @@
 
 #include <qdxcore/status.h>
 
-#include <string>
-
 #include <gtest/gtest.h>
 
 /// The text of the code that `operation` throws, "nothing", or what else it throws.

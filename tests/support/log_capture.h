@@ -6,8 +6,6 @@
 #include <qdxcore/logger.h>
 
 #include <memory>
-#include <string>
-#include <vector>
 
 class TLogCapture {
  public:
