@@ -123,6 +123,43 @@ TEST_F(QDXCollect, LeavesWhatWasThereWhereItCannotWrite) {
   }
 }
 
+TEST_F(QDXCollect, LeavesTheOldDocumentOnAFullDisk) {
+  const TProgramRun run = RunScript(
+      "export SCRIPT='mount -t tmpfs -o size=8k qdx . && cd . && cd \"$PWD\" && echo old >x.xml "
+      "&&\n"
+      "  { \"$0\" collect -o x.xml; echo $?; cat x.xml; ls -A; }'\n"
+      "unshare -m bash -c \"$SCRIPT\" \"$0\" || exit 9");
+  if (run.fExitCode == 9) GTEST_SKIP() << "cannot mount: " << run.fErrors;
+  EXPECT_EQ(run.fOutput, "4\nold\nx.xml\n");
+  EXPECT_NE(run.fErrors.find("x.xml: No space left on device ["), std::string::npos) << run.fErrors;
+}
+
+/// Ends one run after the other, but for the last, at a random moment. No document is ever damaged.
+const char* const kKillLoop = R"sh(
+export QDX_SAMPLE_INSTANCES=3000
+killed=0
+for ((i = 0; i < 50; i++)); do
+  rm -f x.xml
+  "$0" collect --provider sample -o x.xml >/dev/null & child=$!
+  sleep 0.0$(printf %03d $((RANDOM % 1000)))
+  [ $i = 49 ] || kill -s SIGNAL $child
+  wait $child || killed=$((killed + 1))
+  [ ! -e x.xml ] || [ "$(tail -c 7 x.xml)" = "</CIM>" ] || exit 2
+done 2>/dev/null
+rm x.xml && [ $killed -gt 0 ]
+)sh";
+
+TEST_F(QDXCollect, NeverLeavesADamagedDocument) {
+  fInstallation.AddPlugin(SAMPLE_PROVIDER, "libsample.nsp.so");
+  for (const std::string signal : {"KILL", "TERM"}) {
+    const std::string script =
+        std::regex_replace(std::string(kKillLoop), std::regex("SIGNAL"), signal);
+    EXPECT_EQ(RunScript(script).fExitCode, 0) << signal;
+    EXPECT_TRUE(signal == "KILL" || LeftNothing());
+    RunScript("rm -f .qdx-*");
+  }
+}
+
 TEST_F(QDXCollect, LeavesNoDocumentWhereItIsEnded) {
   fInstallation.AddPlugin(SAMPLE_PROVIDER, "libsample.nsp.so");
   for (const std::string signal : {"KILL", "TERM"}) {  // once it has begun to write
