@@ -67,6 +67,9 @@ class QDXCORE_EXPORT TRootObject {
   static boost::shared_ptr<INamespaceProviderManager> GetNamespaceProviderManager();
 };
 
+/// Registers what `make` answers. False if that failed; the reason is logged.
+QDXCORE_EXPORT bool RegisterProvider(boost::shared_ptr<INamespaceProvider> (*make)()) noexcept;
+
 /// Makes a provider and registers it, for the initialiser of a global in a plug-in. That runs while
 /// the library is loaded, where an exception would end the process: so this answers false instead,
 /// and whoever looks for the provider finds it missing.
@@ -74,13 +77,8 @@ class QDXCORE_EXPORT TRootObject {
 ///   [[maybe_unused]] const bool kRegistered = RegisterProvider<TMyProvider>();
 template <typename TProvider>
 bool RegisterProvider() noexcept {
-  try {
-    TRootObject::GetNamespaceProviderManager()->RegisterNamespaceProvider(
-        boost::make_shared<TProvider>());
-    return true;
-  } catch (...) {
-    return false;
-  }
+  return RegisterProvider(
+      []() -> boost::shared_ptr<INamespaceProvider> { return boost::make_shared<TProvider>(); });
 }
 
 }  // namespace NVORNQDX20

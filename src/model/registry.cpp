@@ -49,4 +49,19 @@ boost::shared_ptr<INamespaceProviderManager> TRootObject::GetNamespaceProviderMa
   return TNamespaceProviderManager::GetInstance();
 }
 
+bool RegisterProvider(boost::shared_ptr<INamespaceProvider> (*make)()) noexcept try {
+  try {
+    TRootObject::GetNamespaceProviderManager()->RegisterNamespaceProvider(make());
+    return true;
+  } catch (const TExplainedException& exception) {
+    LogMessage(ILogger::kLogError, {exception.GetReason()});
+  } catch (const TQDXException&) {  // who throws it logs why
+  } catch (const std::exception& exception) {
+    LogMessage(ILogger::kLogError, {exception.what()});
+  }
+  return false;
+} catch (...) {
+  return false;
+}
+
 }  // namespace NVORNQDX20

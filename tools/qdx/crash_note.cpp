@@ -2,10 +2,12 @@
 #include "crash_note.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 
 #include <unistd.h>
 
+#include "exit_code.h"
 #include "terminal.h"
 
 namespace NVORNQDX20 {
@@ -30,6 +32,16 @@ extern "C" void ReportAndEnd(int signal) {
   ::raise(signal);  // once more, and by now for the default action
 }
 
+/// Whose end is reported; a child that a plug-in makes may end.
+pid_t gProcess = 0;
+
+void ReportEnd() {
+  if (gProcess != ::getpid()) return;
+  Write(gNote);
+  Write("it ended the command\n");
+  ::_exit(kExitNothingCollected);
+}
+
 }  // namespace
 
 TCrashNote::TCrashNote(const std::string& tried, const std::string& on) : fOuter(gNote) {
@@ -46,6 +58,9 @@ void ReportCrashes() {
   alternative.ss_size = sizeof(stack);
   ::sigaltstack(&alternative, nullptr);
   SetNote("qdx: ");
+  gProcess = ::getpid();
+  std::atexit(ReportEnd);
+  std::at_quick_exit(ReportEnd);
   for (const int signal : kCrashes) {
     struct sigaction action = {};
     ::sigaction(signal, nullptr, &action);
@@ -54,6 +69,11 @@ void ReportCrashes() {
     action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_ONSTACK | SA_NODEFER;
     ::sigaction(signal, &action, nullptr);
   }
+}
+
+void ReportNoEnd() {
+  SetNote("qdx: all done, then: ");
+  gProcess = 0;
 }
 
 void LeaveCrashesToOthers() {

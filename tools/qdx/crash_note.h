@@ -20,8 +20,11 @@ class TCrashNote {
   const std::string fOuter;
 };
 
-/// To be called once, at the start.
+/// To be called once, at the start. A plug-in that calls exit is reported as well: "it ended the
+/// command", with kExitNothingCollected.
 void ReportCrashes();
+/// The work is done: to end is no fault any more.
+void ReportNoEnd();
 /// For a process whose crash another one reports.
 void LeaveCrashesToOthers();
 

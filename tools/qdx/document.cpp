@@ -2,7 +2,6 @@
 #include "document.h"
 
 #include <qdxcore/logger.h>
-#include <qdxcore/os_specific.h>
 #include <qdxcore/registry.h>
 
 #include <algorithm>
@@ -13,6 +12,8 @@
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/replace.hpp>
 
+#include "crash_note.h"
+#include "libraries.h"
 #include "output.h"
 
 namespace NVORNQDX20 {
@@ -20,11 +21,15 @@ namespace {
 
 const char* const kService = "cimxml";
 
-void LoadProvider() {
-  const auto failure = Try([] { TOSSpecific::LoadNSPLibrary(kService); });
-  if (failure) {
+/// Unless it is there already.
+void LoadReader() {
+  for (const auto& provider : RegisteredProviders()) {
+    if (NameOf(*provider) == kService) return;
+  }
+  const TProviderLibrary library = LoadProviderLibrary(kService);
+  if (library.fFailure) {
     throw TCommandFailure(kExitNothingCollected,
-                          FailureLine("loading provider", kService, *failure));
+                          FailureLine("loading provider", kService, *library.fFailure));
   }
 }
 
@@ -60,7 +65,8 @@ std::optional<TFailure> TryAndListen(const std::function<void()>& action,
 }  // namespace
 
 TNamespaces ReadDocument(const std::string& file) {
-  LoadProvider();
+  LoadReader();
+  const TCrashNote note("reading document", file);
   TNamespaces namespaces;
   std::vector<std::string> warnings;
   const auto failure = TryAndListen(
@@ -78,14 +84,12 @@ TNamespaces ReadDocument(const std::string& file) {
 const char* const TDocumentWriter::kDefaultConsumer = kService;
 
 TDocumentWriter::TDocumentWriter(const std::string& consumer) : fName(consumer) {
-  const auto failure = Try([this] {
-    fConsumer.reset(TOSSpecific::LoadNSCLibrary(fName));
-    if (!fConsumer) throw TQDXException(kQDXStatusInvalidPlugin);
-  });
-  if (!failure) return;
+  const TConsumerLibrary library = LoadConsumerLibrary(consumer);
+  fConsumer = library.fConsumer;
+  if (!library.fFailure) return;
   // Any other one was named by the operator.
   throw TCommandFailure(consumer == kService ? kExitNothingCollected : kExitBadInput,
-                        FailureLine("loading consumer", consumer, *failure));
+                        FailureLine("loading consumer", consumer, *library.fFailure));
 }
 
 std::optional<TRefusal> TDocumentWriter::Write(const TNamespaces& namespaces,
@@ -94,6 +98,7 @@ std::optional<TRefusal> TDocumentWriter::Write(const TNamespaces& namespaces,
   const auto shown = [&](const std::string& message) {
     return file == "-" ? message : boost::algorithm::replace_all_copy(message, file, shownAs);
   };
+  const TCrashNote note("writing document", shownAs);
   std::size_t index = 0;
   std::vector<std::string> warnings;
   auto failure = TryAndListen(

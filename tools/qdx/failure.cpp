@@ -39,26 +39,24 @@ const char* MeaningOf(EQDXStatusCode status) {
   }
 }
 
+}  // namespace
+
+TFailure::TFailure(EQDXStatusCode status) : TFailure(status, MeaningOf(status)) {}
+
 std::size_t LoggedSoFar() {
   ILogger* const logger = TRootObject::GetCoreLogger();
   return logger == nullptr ? 0 : logger->GetLog().size();
 }
 
-TFailure WithLoggedReason(EQDXStatusCode status, std::size_t loggedBefore) {
-  if (LoggedSoFar() > loggedBefore) {
-    const auto& log = TRootObject::GetCoreLogger()->GetLog();
-    const auto end = std::prev(log.rend(), static_cast<std::ptrdiff_t>(loggedBefore));
-    const auto error = std::find_if(log.rbegin(), end, [](const ILogger::TLogEntry& entry) {
-      return entry.fSeverity == ILogger::kLogError;
-    });
-    if (error != end) return {status, error->fMessage};
-  }
-  return TFailure(status);
+std::string ErrorLoggedSince(std::size_t loggedBefore) {
+  if (LoggedSoFar() <= loggedBefore) return "";
+  const auto& log = TRootObject::GetCoreLogger()->GetLog();
+  const auto end = std::prev(log.rend(), static_cast<std::ptrdiff_t>(loggedBefore));
+  const auto error = std::find_if(log.rbegin(), end, [](const ILogger::TLogEntry& entry) {
+    return entry.fSeverity == ILogger::kLogError;
+  });
+  return error == end ? "" : error->fMessage;
 }
-
-}  // namespace
-
-TFailure::TFailure(EQDXStatusCode status) : TFailure(status, MeaningOf(status)) {}
 
 std::string TFailure::Text() const {
   return fWhy + " [" + TQDXStatusCode(fStatus).TranslateStatusCode() + "]";
@@ -72,7 +70,9 @@ std::optional<TFailure> Try(const std::function<void()>& action) {
   } catch (const TExplainedException& exception) {
     return TFailure(exception.GetStatusCode(), exception.GetReason());
   } catch (const TQDXException& exception) {
-    return WithLoggedReason(exception.GetStatusCode(), loggedBefore);
+    const std::string reason = ErrorLoggedSince(loggedBefore);
+    return reason.empty() ? TFailure(exception.GetStatusCode())
+                          : TFailure(exception.GetStatusCode(), reason);
   } catch (const std::bad_alloc&) {
     return TFailure(kQDXStatusOutOfMemory);
   } catch (const std::exception& exception) {

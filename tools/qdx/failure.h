@@ -5,6 +5,7 @@
 
 #include <qdxcore/status.h>
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <stdexcept>
@@ -30,6 +31,12 @@ struct TFailure {
 /// Calls into the core or a plug-in. Whatever that throws becomes the failure. Its reason is what
 /// the exception says it is about, else the last error that was logged meanwhile.
 std::optional<TFailure> Try(const std::function<void()>& action);
+
+/// How many entries the log's history has.
+std::size_t LoggedSoFar();
+
+/// The last error that was logged after the first `loggedBefore` entries; empty if there is none.
+std::string ErrorLoggedSince(std::size_t loggedBefore);
 
 /// "TRIED, ON: why [kQDXStatusName]", for example "loading provider, a: ...".
 std::string FailureLine(const std::string& tried, const std::string& on, const TFailure& failure);

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "absence.h"
+#include "crash_note.h"
 #include "libraries.h"
 #include "live_machine.h"
 #include "output.h"
@@ -73,6 +74,7 @@ std::vector<TItem> Items() {
 }
 
 TAnswer Ask(const TItem& item, TNamespace ns, const TAbsenceReasons& reasons) {
+  const TCrashNote note("asking for", item.fLabel);
   TJSON value;
   auto failure = Try([&] { value = item.fQuery(ns); });
   if (failure && failure->fStatus == kQDXStatusInvalidFormat && item.fMisfit != nullptr) {

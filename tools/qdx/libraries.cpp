@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <map>
+#include <memory>
 
 #include <boost/algorithm/string/predicate.hpp>
 
@@ -55,44 +57,100 @@ std::string FileOf(const std::string& service, const std::string& kind) {
   return PluginFolder() + "/" + kPrefix + service + SuffixOf(kind);
 }
 
-/// Loads every library of a kind; `load` gets one to fill, and its failure becomes the library's.
-template <typename TLoaded>
-std::vector<TLoaded> LoadAll(const std::string& kind, const std::string& tried,
-                             const std::function<void(TLoaded&)>& load) {
-  std::vector<TLoaded> libraries;
-  for (const std::string& service : FindServices(kind)) {
-    TLoaded library;
-    library.fService = service;
-    library.fFile = FileOf(service, kind);
-    library.fFailure = Try([&] {
-      CheckPluginFile(library.fFile);
-      TryPlugin(library.fFile, [&] { load(library); });
-      load(library);
-    });
-    if (library.fFailure) PrintError(FailureLine(tried, service, *library.fFailure));
-    libraries.push_back(library);
-  }
-  return libraries;
+/// As each provider told it when it was loaded; it may not tell it again.
+std::map<const INamespaceProvider*, std::string>& NamesTold() {
+  static std::map<const INamespaceProvider*, std::string> names;
+  return names;
 }
 
-void LoadProviders(TProviderLibrary& library) {
-  const TProviders before = RegisteredProviders();
+/// Registered, and not known yet.
+TProviders NewProviders() {
+  TProviders providers;
+  boost::function<bool(boost::shared_ptr<INamespaceProvider>)> add =
+      [&providers](boost::shared_ptr<INamespaceProvider> provider) {
+        const bool isNew = NamesTold().count(provider.get()) == 0;
+        if (isNew) providers.push_back(provider);
+        return true;
+      };
+  TRootObject::GetNamespaceProviderManager()->EnumerateNamespaceProviders(add);
+  return providers;
+}
+
+void Load(TProviderLibrary& library) {
+  const std::size_t loggedBefore = LoggedSoFar();
   TOSSpecific::LoadNSPLibrary(library.fService);
-  for (const auto& provider : RegisteredProviders()) {
-    if (std::find(before.begin(), before.end(), provider) == before.end()) {
-      library.fProviders.push_back(provider);
-    }
+  for (const auto& provider : NewProviders()) {
+    const bool told = !Try([&] { NamesTold()[provider.get()] = provider->GetName(TOptionsMap()); });
+    if (told) library.fProviders.push_back(provider);
   }
-  if (library.fProviders.empty()) {
-    LogErrorAndThrow(kQDXStatusInvalidPlugin, {"it registers no provider under a name of its own"});
-  }
+  if (!library.fProviders.empty()) return;
+  // It may have said itself what went wrong.
+  if (!ErrorLoggedSince(loggedBefore).empty()) throw TQDXException(kQDXStatusInvalidPlugin);
+  LogErrorAndThrow(kQDXStatusInvalidPlugin, {"it registers no provider under a name of its own"});
 }
 
-void LoadConsumer(TConsumerLibrary& library) {
+void Load(TConsumerLibrary& library) {
   library.fConsumer.reset(TOSSpecific::LoadNSCLibrary(library.fService));
   if (!library.fConsumer) {
     LogErrorAndThrow(kQDXStatusInvalidPlugin, {"it creates no consumer"});
   }
+}
+
+template <typename TLoaded>
+constexpr const char* kKind = "nsp";
+template <>
+constexpr const char* kKind<TConsumerLibrary> = "nsc";
+template <typename TLoaded>
+constexpr const char* kLoading = "loading provider";
+template <>
+constexpr const char* kLoading<TConsumerLibrary> = "loading consumer";
+
+/// Loads them, once each has been tried. The trials run side by side and before anything is loaded
+/// for good, so that none suffers from another plug-in, or waits for it.
+template <typename TLoaded>
+void LoadBatch(std::vector<TLoaded>& libraries, std::size_t begin, std::size_t end) {
+  std::vector<std::unique_ptr<TPluginTrial>> trials(libraries.size());
+  for (std::size_t i = begin; i < end; ++i) {
+    libraries[i].fFailure = Try([&, &library = libraries[i]] {
+      CheckPluginFile(library.fFile);
+      trials[i] = std::make_unique<TPluginTrial>(library.fFile, [&library] { Load(library); });
+    });
+  }
+  for (std::size_t i = begin; i < end; ++i) {
+    if (trials[i]) libraries[i].fFailure = Try([&] { trials[i]->RequireSuccess(); });
+  }
+  for (std::size_t i = begin; i < end; ++i) {
+    TLoaded& library = libraries[i];
+    if (library.fFailure) continue;
+    const TCrashNote note(kLoading<TLoaded>, library.fService);
+    const TKeptSurroundings kept;
+    library.fFailure = Try([&library] { Load(library); });
+  }
+}
+
+template <typename TLoaded>
+std::vector<TLoaded> LoadServices(const std::vector<std::string>& services) {
+  constexpr std::size_t kBatch = 32;
+  std::vector<TLoaded> libraries(services.size());
+  for (std::size_t i = 0; i < libraries.size(); ++i) {
+    libraries[i].fService = services[i];
+    libraries[i].fFile = FileOf(services[i], kKind<TLoaded>);
+  }
+  for (std::size_t i = 0; i < libraries.size(); i += kBatch) {
+    LoadBatch(libraries, i, std::min(i + kBatch, libraries.size()));
+  }
+  return libraries;
+}
+
+template <typename TLoaded>
+std::vector<TLoaded> LoadAll() {
+  auto libraries = LoadServices<TLoaded>(FindServices(kKind<TLoaded>));
+  for (const TLoaded& library : libraries) {
+    if (library.fFailure) {
+      PrintError(FailureLine(kLoading<TLoaded>, library.fService, *library.fFailure));
+    }
+  }
+  return libraries;
 }
 
 /// Not a failure of the provider: it has none of this name, or hands out none at all.
@@ -102,19 +160,24 @@ bool IsWithoutNamespace(const TFailure& failure) {
 
 }  // namespace
 
-std::vector<TProviderLibrary> LoadProviderLibraries() {
-  return LoadAll<TProviderLibrary>("nsp", "loading provider", LoadProviders);
+std::vector<TProviderLibrary> LoadProviderLibraries() { return LoadAll<TProviderLibrary>(); }
+
+std::vector<TConsumerLibrary> LoadConsumerLibraries() { return LoadAll<TConsumerLibrary>(); }
+
+TProviderLibrary LoadProviderLibrary(const std::string& service) {
+  return LoadServices<TProviderLibrary>({service}).front();
 }
 
-std::vector<TConsumerLibrary> LoadConsumerLibraries() {
-  return LoadAll<TConsumerLibrary>("nsc", "loading consumer", LoadConsumer);
+TConsumerLibrary LoadConsumerLibrary(const std::string& service) {
+  return LoadServices<TConsumerLibrary>({service}).front();
 }
 
 TProviders RegisteredProviders() {
   TProviders providers;
   boost::function<bool(boost::shared_ptr<INamespaceProvider>)> add =
       [&providers](boost::shared_ptr<INamespaceProvider> provider) {
-        if (!Try([&] { provider->GetName(TOptionsMap()); })) providers.push_back(provider);
+        const bool isUsable = NamesTold().count(provider.get()) != 0;
+        if (isUsable) providers.push_back(provider);
         return true;
       };
   TRootObject::GetNamespaceProviderManager()->EnumerateNamespaceProviders(add);
@@ -122,9 +185,8 @@ TProviders RegisteredProviders() {
 }
 
 std::string NameOf(const INamespaceProvider& provider) {
-  std::string name = "?";
-  (void)Try([&] { name = provider.GetName(TOptionsMap()); });
-  return name;
+  const auto told = NamesTold().find(&provider);
+  return told == NamesTold().end() ? "?" : told->second;
 }
 
 boost::shared_ptr<ICIMNamespace> FindMachineNamespace(const TOptionsMap& options, bool& failed) {

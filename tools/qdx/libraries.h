@@ -30,6 +30,9 @@ struct TConsumerLibrary : TLibrary {
   boost::shared_ptr<INamespaceConsumer> fConsumer;  ///< Null if it failed.
 };
 
+// Each library is looked at and tried before it is loaded, so that none can end this process by
+// being loaded.
+
 // Both load everything there is in ascending order of the service names, so that of two providers
 // with one name the same one wins everywhere. A library that cannot be used, or registers nothing,
 // is reported on standard error, and the others go on. Both throw a TCommandFailure if the folder
@@ -37,10 +40,15 @@ struct TConsumerLibrary : TLibrary {
 std::vector<TProviderLibrary> LoadProviderLibraries();
 std::vector<TConsumerLibrary> LoadConsumerLibraries();
 
-/// In ascending order of their names. One that will not tell its name any more is left out.
+// The one of that service. If it cannot be used, its failure is not reported yet.
+TProviderLibrary LoadProviderLibrary(const std::string& service);
+TConsumerLibrary LoadConsumerLibrary(const std::string& service);
+
+/// In ascending order of their names. One that did not tell its name when it was loaded is left
+/// out.
 TProviders RegisteredProviders();
 
-/// "?" if it will not tell it any more.
+/// As it told it when it was loaded.
 std::string NameOf(const INamespaceProvider& provider);
 
 /// What providers that describe a machine call its namespace.

@@ -8,25 +8,15 @@
 #include <memory>
 #include <new>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include "command.h"
 #include "crash_note.h"
 #include "failure.h"
+#include "plugin_trial.h"
 
 namespace NVORNQDX20 {
 namespace {
-
-/// With a standard descriptor closed, the next file to be opened, the log perhaps, would take its
-/// place and get what is meant for it. Read-only, so that a missing standard output is noticed.
-void OccupyStandardDescriptors() {
-  int descriptor = 0;
-  while (descriptor >= 0 && descriptor <= STDERR_FILENO) {
-    descriptor = ::open("/dev/null", O_RDONLY);
-  }
-  if (descriptor > STDERR_FILENO) ::close(descriptor);
-}
 
 /// Destructors of JSON take memory too: if there is none, nobody can catch what that throws.
 [[noreturn]] void EndWithoutMemory() {
@@ -73,5 +63,7 @@ int main(int argc, char** argv) {
   std::signal(SIGXFSZ, SIG_IGN);
   std::set_terminate(EndWithoutMemory);
   ReportCrashes();
-  return GuardedMain({argv + (argc > 0 ? 1 : 0), argv + argc});
+  const EExitCode code = GuardedMain({argv + (argc > 0 ? 1 : 0), argv + argc});
+  ReportNoEnd();
+  return code;
 }

@@ -22,7 +22,9 @@ class TPluginFile {
   explicit TPluginFile(const std::string& file) : fFile(file) {
     std::error_code error;
     const auto status = std::filesystem::status(file, error);
-    if (!std::filesystem::exists(status)) Refuse("leads nowhere");
+    if (!std::filesystem::exists(status)) {
+      Refuse(std::filesystem::is_symlink(file, error) ? "leads nowhere" : "is not there");
+    }
     if (!std::filesystem::is_regular_file(status)) Refuse("is not a file");
     fSize = std::filesystem::file_size(file, error);
     fStream.open(file, std::ios::binary);
@@ -71,10 +73,12 @@ Elf64_Ehdr ReadHeader(TPluginFile& file) {
 }
 
 void CheckStamp(const TPluginFile& file, const TBuildStamp& stamp) {
-  if (stamp.fMajorVersion != kBuildStamp.fMajorVersion) {
+  const bool isOtherMajor = stamp.fMajorVersion != kBuildStamp.fMajorVersion;
+  if (isOtherMajor || stamp.fMinorVersion > kBuildStamp.fMinorVersion) {
     file.Refuse("was built against version " + std::to_string(stamp.fMajorVersion) + "." +
                 std::to_string(stamp.fMinorVersion) + "." + std::to_string(stamp.fPatchVersion) +
-                " of the interfaces, another major version than " QDXCORE_VERSION);
+                " of the interfaces, " + (isOtherMajor ? "another major version" : "a newer one") +
+                " than " QDXCORE_VERSION);
   }
   if (stamp.fHasAssertHandler == 0) file.Refuse("was built without BOOST_ENABLE_ASSERT_HANDLER");
   if (stamp.fHasPlainCounts == 0) file.Refuse("was built without BOOST_SP_DISABLE_THREADS");

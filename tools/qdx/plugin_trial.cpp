@@ -5,33 +5,43 @@
 #include <qdxcore/registry.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
+#include <cstdio>
 #include <cstring>
 #include <exception>
-#include <system_error>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "crash_note.h"
 #include "failure.h"
-#include "worker.h"
 
 namespace NVORNQDX20 {
 namespace {
 
 constexpr std::chrono::seconds kPatience{10};
+constexpr std::size_t kLongestText = 300;
 
-/// What is written to the terminal or logged will be again when the library is loaded for good.
+/// An odd one: a plug-in that ends the process itself hardly chooses it.
+constexpr int kCameBack = 113;
+
+[[noreturn]] void SayWhyAndAbort() {
+  const std::string reason = ErrorLoggedSince(0);
+  if (reason.empty()) __gnu_cxx::__verbose_terminate_handler();
+  std::fputs(reason.c_str(), stderr);
+  std::abort();
+}
+
+/// What is printed or logged will be again when the library is loaded for good.
 void TurnAside(int end) {
   const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
   ::dup2(nowhere, STDOUT_FILENO);
   ::dup2(end, STDERR_FILENO);
-  TRootObject::GetCoreLogger()->SetLogThreshold(static_cast<ILogger::EQDXLogSeverity>(-1));
+  TLogger::Initialize();  // writes no file
   LeaveCrashesToOthers();
-  std::set_terminate(__gnu_cxx::__verbose_terminate_handler);
+  std::set_terminate(SayWhyAndAbort);
 }
 
 std::string HowItEnded(int status) {
@@ -40,31 +50,57 @@ std::string HowItEnded(int status) {
 }
 
 std::string OnOneLine(std::string text) {
-  text.erase(std::find_if_not(text.rbegin(), text.rend(), [](char c) { return c == '\n'; }).base(),
-             text.end());
+  while (!text.empty() && text.back() == '\n') text.pop_back();
   std::replace(text.begin(), text.end(), '\n', ' ');
+  if (text.size() > kLongestText) text = text.substr(0, kLongestText) + "...";
   return text.empty() ? text : ": " + text;
 }
 
 }  // namespace
 
-void TryPlugin(const std::string& file, const std::function<void()>& load) {
-  const auto refuse = [&file](const std::string& why) {
-    LogErrorAndThrow(kQDXStatusInvalidPlugin,
-                     {file, " was tried in a process of its own and ", why});
-  };
-  TWorker worker([&load](int end) {
-    TurnAside(end);
-    Try(load);
-    return 0;
-  });
-  if (!worker.IsRunning()) {
-    LogErrorAndThrow(kQDXStatusFail,
-                     {"no process to try ", file, " in: ", std::generic_category().message(errno)});
+TPluginTrial::TPluginTrial(const std::string& file, const std::function<void()>& load)
+    : fFile(file), fWorker([&load](int end) {
+        TurnAside(end);
+        (void)Try(load);
+        return kCameBack;
+      }) {}
+
+void TPluginTrial::RequireSuccess() {
+  if (!fWorker.IsRunning()) return;
+  const bool ended = fWorker.EndsWithin(kPatience);
+  const int status = fWorker.Status();
+  if (ended && WIFEXITED(status) && WEXITSTATUS(status) == kCameBack) return;
+  const std::string how =
+      ended ? HowItEnded(status) + OnOneLine(fWorker.Text()) : "did not come back";
+  LogErrorAndThrow(kQDXStatusInvalidPlugin,
+                   {fFile, " was tried in a process of its own and ", how});
+}
+
+TKeptSurroundings::TKeptSurroundings()
+    : fFolder(::open(".", O_PATH | O_DIRECTORY | O_CLOEXEC)), fMask(::umask(0)) {
+  ::umask(fMask);
+  std::fflush(stdout);
+  for (int i = 0; i < 3; ++i) fDescriptors[i] = ::fcntl(i, F_DUPFD_CLOEXEC, 3);
+  if (fDescriptors[STDOUT_FILENO] >= 0) ::dup2(STDERR_FILENO, STDOUT_FILENO);
+}
+
+TKeptSurroundings::~TKeptSurroundings() {
+  std::fflush(stdout);
+  for (int i = 0; i < 3; ++i) {
+    ::dup2(fDescriptors[i], i);
+    ::close(fDescriptors[i]);
   }
-  if (!worker.EndsWithin(kPatience)) refuse("did not come back");
-  const int status = worker.TakeStatus();
-  if (status != 0) refuse(HowItEnded(status) + OnOneLine(worker.Text()));
+  OccupyStandardDescriptors();
+  if (fFolder >= 0 && ::fchdir(fFolder) == 0) ::close(fFolder);
+  ::umask(fMask);
+}
+
+void OccupyStandardDescriptors() {
+  int descriptor = 0;
+  while (descriptor >= 0 && descriptor <= STDERR_FILENO) {
+    descriptor = ::open("/dev/null", O_RDONLY);
+  }
+  if (descriptor > STDERR_FILENO) ::close(descriptor);
 }
 
 }  // namespace NVORNQDX20

@@ -6,13 +6,45 @@
 #include <functional>
 #include <string>
 
+#include "worker.h"
+
 namespace NVORNQDX20 {
 
-/// Runs `load` in a process of its own first: what an initialiser of the library throws, or breaks,
-/// would end this one. Logs kQDXStatusInvalidPlugin with the file's name and throws it if that
-/// process dies or takes longer than ten seconds; what `load` throws does not count, since it can
-/// be caught.
-void TryPlugin(const std::string& file, const std::function<void()>& load);
+/// Loads a plug-in in a process of its own first: what an initialiser of the library throws, breaks
+/// or ends would end this one. What `load` throws does not count, since it can be caught.
+class TPluginTrial {
+ public:
+  TPluginTrial(const std::string& file, const std::function<void()>& load);
+
+  /// Logs kQDXStatusInvalidPlugin with the file's name and throws it if that process died, or is
+  /// not back after ten seconds. Where no process could be made, all is well: a plug-in that cannot
+  /// be tried may be the only one that tells what this machine suffers from.
+  void RequireSuccess();
+
+ private:
+  const std::string fFile;
+  TWorker fWorker;
+};
+
+/// Gives back, when a plug-in was loaded, what it may have changed for the whole process: the
+/// working directory, the umask and the standard descriptors. Meanwhile what it prints goes to
+/// standard error, since standard output is for programs to read.
+class TKeptSurroundings {
+ public:
+  TKeptSurroundings();
+  ~TKeptSurroundings();
+  TKeptSurroundings(const TKeptSurroundings&) = delete;
+  TKeptSurroundings& operator=(const TKeptSurroundings&) = delete;
+
+ private:
+  int fDescriptors[3];
+  int fFolder;
+  mode_t fMask;
+};
+
+/// With a standard descriptor closed, the next file to be opened, the log perhaps, would take its
+/// place and get what is meant for it. Read-only, so that a missing standard output is noticed.
+void OccupyStandardDescriptors();
 
 }  // namespace NVORNQDX20
 

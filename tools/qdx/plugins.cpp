@@ -12,40 +12,30 @@ namespace {
 
 using TJSON = nlohmann::ordered_json;
 
+/// A library that failed at this is not useless; its row says so all the same.
+bool Ask(const std::string& tried, const std::string& on, TJSON& description,
+         const std::function<void()>& action) {
+  const TCrashNote note(tried, on);
+  const auto failure = Try(action);
+  if (failure && failure->fStatus != kQDXStatusNotImplemented) {
+    description["failure"] = failure->Text();
+    PrintError(FailureLine(tried, on, *failure));
+  }
+  return !failure;
+}
+
 /// An array of names; null if the provider does not list its namespaces.
-TJSON NamespacesOf(INamespaceProvider& provider, bool& failed) {
-  const std::string tried = "listing the namespaces of provider";
-  const std::string name = NameOf(provider);
-  const TCrashNote note(tried, name);
+TJSON NamespacesOf(INamespaceProvider& provider, TJSON& description) {
   TJSON names = TJSON::array();
-  const auto failure = Try([&] {
+  const bool told = Ask("listing the namespaces of provider", NameOf(provider), description, [&] {
     provider.EnumerateNamespaceNames(
-        [&names](const std::string& ns) {
-          names.push_back(ns);
+        [&names](const std::string& name) {
+          names.push_back(name);
           return true;
         },
         TOptionsMap());
   });
-  if (!failure) return names;
-  if (failure->fStatus != kQDXStatusNotImplemented) {
-    failed = true;
-    PrintError(FailureLine(tried, name, *failure));
-  }
-  return nullptr;
-}
-
-/// Null if the consumer does not name itself.
-TJSON NameOf(const TConsumerLibrary& library, bool& failed) {
-  TJSON name;
-  if (!library.fConsumer) return name;
-  const std::string tried = "asking for the name of consumer";
-  const TCrashNote note(tried, library.fService);
-  const auto failure = Try([&] { name = library.fConsumer->GetName(TOptionsMap()); });
-  if (failure && failure->fStatus != kQDXStatusNotImplemented) {
-    failed = true;
-    PrintError(FailureLine(tried, library.fService, *failure));
-  }
-  return name;
+  return told ? names : TJSON();
 }
 
 TJSON Describe(const TLibrary& library) {
@@ -53,26 +43,36 @@ TJSON Describe(const TLibrary& library) {
   return {{"service", library.fService}, {"file", library.fFile}, {"failure", failure}};
 }
 
-TJSON Describe(const TProviderLibrary& library, bool& failed) {
-  TJSON description = Describe(library);
-  description["providers"] = TJSON::array();
+TJSON Describe(const TProviderLibrary& library) {
+  TJSON description = Describe(static_cast<const TLibrary&>(library));
+  TJSON providers = TJSON::array();
   for (const auto& provider : library.fProviders) {
-    description["providers"].push_back(
-        {{"name", NameOf(*provider)}, {"namespaces", NamespacesOf(*provider, failed)}});
+    const TJSON namespaces = NamespacesOf(*provider, description);
+    providers.push_back({{"name", NameOf(*provider)}, {"namespaces", namespaces}});
   }
+  description["providers"] = providers;
   return description;
 }
 
-TJSON Describe(const TConsumerLibrary& library, bool& failed) {
-  TJSON description = Describe(library);
-  description["name"] = NameOf(library, failed);
+/// The name is null if the consumer does not name itself.
+TJSON Describe(const TConsumerLibrary& library) {
+  TJSON description = Describe(static_cast<const TLibrary&>(library));
+  TJSON name;
+  if (library.fConsumer) {
+    Ask("asking for the name of consumer", library.fService, description,
+        [&] { name = library.fConsumer->GetName(TOptionsMap()); });
+  }
+  description["name"] = name;
   return description;
 }
 
 template <typename TLibraries>
 TJSON DescribeAll(const TLibraries& libraries, bool& failed) {
   TJSON all = TJSON::array();
-  for (const auto& library : libraries) all.push_back(Describe(library, failed));
+  for (const auto& library : libraries) {
+    all.push_back(Describe(library));
+    failed = failed || !all.back()["failure"].is_null();
+  }
   return all;
 }
 
@@ -84,15 +84,19 @@ std::string JoinedNames(const TJSON& names) {
   return joined.empty() ? "-" : joined;
 }
 
+std::string FileOf(const TJSON& library) {
+  return TextOf(library["file"]) + (library["failure"].is_null() ? "" : "  (failed)");
+}
+
 void AddProviderRows(const TJSON& library, std::vector<TTableRow>& rows) {
   const std::string service = TextOf(library["service"]);
-  const std::string file = TextOf(library["file"]);
+  const std::string file = FileOf(library);
   for (const TJSON& provider : library["providers"]) {
     rows.push_back({{"provider", service, TextOf(provider["name"]),
                      JoinedNames(provider["namespaces"]), file}});
   }
   if (library["providers"].empty()) {
-    rows.push_back({{"provider", service, "-", "-", file + "  (failed)"}, TTableRow::kDim});
+    rows.push_back({{"provider", service, "-", "-", file}, TTableRow::kDim});
   }
 }
 
@@ -101,10 +105,9 @@ void WriteForPeople(const TJSON& plugins) {
       {{"KIND", "SERVICE", "NAME", "NAMESPACES", "FILE"}, TTableRow::kHeading}};
   for (const TJSON& library : plugins["providers"]) AddProviderRows(library, rows);
   for (const TJSON& library : plugins["consumers"]) {
-    const bool failed = !library["failure"].is_null();
-    rows.push_back({{"consumer", TextOf(library["service"]), TextOf(library["name"]), "-",
-                     TextOf(library["file"]) + (failed ? "  (failed)" : "")},
-                    failed ? TTableRow::kDim : TTableRow::kPlain});
+    rows.push_back(
+        {{"consumer", TextOf(library["service"]), TextOf(library["name"]), "-", FileOf(library)},
+         library["failure"].is_null() ? TTableRow::kPlain : TTableRow::kDim});
   }
   WriteOutput(FormatTable(rows));
 }
@@ -112,7 +115,7 @@ void WriteForPeople(const TJSON& plugins) {
 EExitCode RunPlugins(const TArguments& arguments) {
   const auto providers = LoadProviderLibraries();
   const auto consumers = LoadConsumerLibraries();
-  bool failed = AnyFailed(providers) || AnyFailed(consumers);
+  bool failed = false;
   const TJSON plugins = {{"providers", DescribeAll(providers, failed)},
                          {"consumers", DescribeAll(consumers, failed)}};
   arguments.Has("json") ? WriteJSON(plugins) : WriteForPeople(plugins);

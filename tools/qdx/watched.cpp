@@ -53,7 +53,7 @@ void RunWatched(const std::string& tried, const std::string& on, std::chrono::se
     fail(kQDXStatusConnectionFailed,
          "nothing moved for " + std::to_string(patience.count()) + " seconds");
   }
-  const int status = worker.TakeStatus();
+  const int status = worker.Status();
   if (!WIFEXITED(status)) fail(kQDXStatusFail, "a signal ended it");
   const auto code = static_cast<EExitCode>(WEXITSTATUS(status));
   if (code != kExitDone) throw TCommandFailure(code, "");

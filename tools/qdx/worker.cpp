@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "worker.h"
 
+#include <algorithm>
 #include <csignal>
 #include <fstream>
 #include <iterator>
@@ -17,6 +18,7 @@ namespace {
 using TClock = std::chrono::steady_clock;
 
 constexpr std::size_t kLongestText = 4096;
+constexpr std::chrono::milliseconds kGlance{10};
 
 [[noreturn]] void RunAndExit(const std::function<int(int)>& action, int end) noexcept {
   ::_exit(action(end));  // what exit would clean up is the parent's
@@ -32,51 +34,52 @@ TWorker::TWorker(const std::function<int(int)>& action) {
   fProcess = ::fork();
   if (fProcess == 0) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    ::setpgid(0, 0);
     if (::getppid() != parent) ::_exit(1);
     RunAndExit(action, ends[1]);
   }
-  ::close(ends[1]);  // now only the process has it open: the pipe ends when that does
+  if (fProcess > 0) ::setpgid(fProcess, fProcess);  // whoever of the two comes first
+  ::close(ends[1]);
   fEnd = ends[0];
+  ::fcntl(fEnd, F_SETFL, O_NONBLOCK);
 }
 
 TWorker::~TWorker() {
-  if (fProcess > 0) ::kill(fProcess, SIGKILL);
-  if (fProcess > 0) ::waitpid(fProcess, nullptr, 0);
+  if (fProcess > 0) ::kill(-fProcess, SIGKILL);
+  if (fProcess > 0 && !fEnded) ::waitpid(fProcess, nullptr, 0);
   if (fEnd >= 0) ::close(fEnd);
 }
 
 bool TWorker::EndsWithin(std::chrono::milliseconds time) {
   const auto deadline = TClock::now() + time;
-  while (true) {
-    const auto left =
-        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - TClock::now());
+  while (!HasEnded()) {
+    if (TClock::now() >= deadline) return false;
+    // The end of the pipe is no proof: the process may have closed it, or passed it on.
     pollfd end = {fEnd, POLLIN, 0};
-    const int ready = ::poll(&end, 1, left.count() > 0 ? static_cast<int>(left.count()) : 0);
-    if (ready == 0) return false;
-    if (ready > 0 && HasEnded()) return true;  // less than 0: interrupted
+    if (::poll(&end, 1, static_cast<int>(kGlance.count())) > 0 && (end.revents & POLLIN) == 0) {
+      ::usleep(1000);
+    }
+    ReadWhatIsThere();
   }
+  ReadWhatIsThere();
+  return true;
 }
 
-/// Reads what is there; at the end of it the process is gone.
 bool TWorker::HasEnded() {
+  fEnded = fEnded || ::waitpid(fProcess, &fStatus, WNOHANG) == fProcess;
+  return fEnded;
+}
+
+void TWorker::ReadWhatIsThere() {
   char buffer[1024];
   const ssize_t size = ::read(fEnd, buffer, sizeof(buffer));
-  if (size <= 0) return true;
-  fText.append(buffer, static_cast<std::size_t>(size));
-  if (fText.size() > kLongestText) fText.resize(kLongestText);
-  return false;
+  if (size <= 0) return;
+  fText.append(buffer, std::min(static_cast<std::size_t>(size), kLongestText - fText.size()));
 }
 
 std::string TWorker::CountOfBytes() const {
   std::ifstream file("/proc/" + std::to_string(fProcess) + "/io");
   return {std::istreambuf_iterator<char>(file), {}};
-}
-
-int TWorker::TakeStatus() {
-  int status = 0;
-  ::waitpid(fProcess, &status, 0);
-  fProcess = -1;
-  return status;
 }
 
 }  // namespace NVORNQDX20

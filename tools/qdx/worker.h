@@ -11,8 +11,8 @@
 
 namespace NVORNQDX20 {
 
-/// A copy of this process that runs an action; it never outlasts this object. Objects here stay as
-/// they are, whatever it does.
+/// A copy of this process that runs an action. Neither it nor what it has started outlasts this
+/// object. Objects here stay as they are, whatever it does.
 class TWorker {
  public:
   /// The action gets a descriptor whose other end is read here, and answers the exit status.
@@ -24,18 +24,21 @@ class TWorker {
   /// False if it could not be started; errno says why.
   bool IsRunning() const { return fProcess > 0; }
   bool EndsWithin(std::chrono::milliseconds time);
+  /// What waitpid said, once it has ended.
+  int Status() const { return fStatus; }
   /// What it has written so far to the descriptor, up to a few kilobytes.
   const std::string& Text() const { return fText; }
   /// Changes with every byte that it reads from or writes to a file; empty if the system does not
   /// tell.
   std::string CountOfBytes() const;
-  /// What waitpid says, once it has ended.
-  int TakeStatus();
 
  private:
   bool HasEnded();
+  void ReadWhatIsThere();
 
   pid_t fProcess = -1;
+  bool fEnded = false;
+  int fStatus = 0;
   int fEnd = -1;
   std::string fText;
 };
