@@ -5,7 +5,7 @@
 
 #include <output.h>
 
-#include <regex>
+#include <cstdio>
 
 #include "cimxml/documents.h"
 
@@ -19,8 +19,12 @@ std::string Refusal(const std::string& content, EQDXStatusCode status) {
   const TLogCapture log;
   EXPECT_QDX_STATUS(NamesIn(file.Path()), status);
   EXPECT_EQ(log.Messages().size(), 1U);
-  const std::string rest = log.Messages().back().substr(("0 cimxml: " + file.Path() + ": ").size());
-  return std::regex_replace(rest, std::regex("^line (\\d+), column (\\d+):"), "$1:$2");
+  std::string rest = log.Messages().back().substr(("0 cimxml: " + file.Path() + ": ").size());
+  unsigned int line = 0, column = 0;
+  int end = 0;
+  std::sscanf(rest.c_str(), "line %u, column %u:%n", &line, &column, &end);
+  if (end == 0) return rest;
+  return std::to_string(line) + ":" + std::to_string(column) + rest.substr(end);
 }
 
 std::string Repeated(const std::string& text, int count) {
