@@ -60,7 +60,7 @@ void ReportCrashes() {
   SetNote("qdx: ");
   gProcess = ::getpid();
   std::atexit(ReportEnd);
-  std::at_quick_exit(ReportEnd);
+  (void)std::at_quick_exit(ReportEnd);
   for (const int signal : kCrashes) {
     struct sigaction action = {};
     ::sigaction(signal, nullptr, &action);
