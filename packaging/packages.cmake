@@ -1,7 +1,9 @@
 # SPDX-License-Identifier: Apache-2.0
 # Debian packages, by `cpack` in a build folder of the preset "package"; script/package does it all.
 #
-#   library  libqdxcore0     the core alone, so that another major version can stand beside it
+#   library  libqdxcore0     the core alone. The major version in the name tells what fits: a package
+#                            of plug-ins names the one it was built with. Only one can be installed,
+#                            since the name of libcurl.so beside the core has no version.
 #   devel    libqdxcore-dev  headers, the repository, CMake package, pkg-config file
 #   tool     qdx             the command, and the plug-ins: their names have no version in them,
 #                            they bring dependencies of their own, and the command is what they serve
