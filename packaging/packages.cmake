@@ -1,8 +1,11 @@
 # SPDX-License-Identifier: Apache-2.0
 # Debian packages, by `cpack` in a build folder of the preset "package"; script/package does it all.
 #
-#   library  libqdxcore0     the core alone, so that another major version can stand beside it
-#   devel    libqdxcore-dev  headers, the repository, CMake package, pkg-config file
+#   library  libqdxcore0     the core alone. The major version in the name tells what fits: a package
+#                            of plug-ins names the one it was built with. Only one can be installed,
+#                            since the name of libcurl.so beside the core has no version.
+#   devel    libqdxcore-dev  headers, the repository, CMake package, pkg-config files, pages and
+#                            examples for authors
 #   tool     qdx             the command, and the plug-ins: their names have no version in them,
 #                            they bring dependencies of their own, and the command is what they serve
 set(CPACK_GENERATOR DEB)
@@ -34,8 +37,9 @@ set(CPACK_DEBIAN_DEVEL_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVEL_PACKAGE_DEPENDS
   "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} ${same_version}, libboost-dev (>= 1.74)")
 set(CPACK_COMPONENT_DEVEL_DESCRIPTION "core library of qdx - development files
-Headers, the CMake package qdxcore, a pkg-config file, and the static library
-that providers of CIM data are built on.")
+Headers, the CMake package qdxcore, pkg-config files, and the static library
+that providers of CIM data are built on. How to write a provider or a consumer
+stands in /usr/share/doc/libqdxcore-dev, with examples.")
 
 set(CPACK_DEBIAN_TOOL_PACKAGE_NAME qdx)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION admin)

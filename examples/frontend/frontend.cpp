@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A front-end of a stranger's own: takes what provider "loadaverage" tells to consumer "csv", and
+// A front-end: takes what provider "loadaverage" tells to consumer "csv", and
 // sees the exception of a misuse cross the library's boundary by its type.
 #include <qdxcore/os_specific.h>
 #include <qdxcore/registry.h>
