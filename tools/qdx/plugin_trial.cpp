@@ -52,7 +52,7 @@ std::string HowItEnded(int status) {
 std::string OnOneLine(std::string text) {
   while (!text.empty() && text.back() == '\n') text.pop_back();
   std::replace(text.begin(), text.end(), '\n', ' ');
-  if (text.size() > kLongestText) text = text.substr(0, kLongestText) + "...";
+  if (text.size() > kLongestText) text.replace(kLongestText, std::string::npos, "...");
   return text.empty() ? text : ": " + text;
 }
 
