@@ -18,6 +18,7 @@
 namespace {
 
 std::string gFailing;  // the call that fails
+int gPipeCloses = 0;   // the close() of a pipe's end that fails, the first one as 1
 
 }  // namespace
 
@@ -30,6 +31,18 @@ QDXCORE_EXPORT int clone(int (*run)(void*), void* stack, int flags, void* argume
 QDXCORE_EXPORT int pipe2(int* ends, int flags) noexcept {
   static const auto next = reinterpret_cast<decltype(&pipe2)>(::dlsym(RTLD_NEXT, "pipe2"));
   return gFailing == "pipe2" ? -1 : next(ends, flags);
+}
+QDXCORE_EXPORT int close(int descriptor) {
+  static const auto next = reinterpret_cast<decltype(&close)>(::dlsym(RTLD_NEXT, "close"));
+  struct stat status {};
+  const bool isPipe = ::fstat(descriptor, &status) == 0 && S_ISFIFO(status.st_mode);
+  const bool fails = isPipe && gPipeCloses > 0 && --gPipeCloses == 0;
+  return next(descriptor) == 0 && !fails ? 0 : -1;
+}
+QDXCORE_EXPORT int dup2(int descriptor, int other) noexcept {
+  static const auto next = reinterpret_cast<decltype(&dup2)>(::dlsym(RTLD_NEXT, "dup2"));
+  if (gFailing == "child") ::kill(::getpid(), SIGUSR1);
+  return next(descriptor, other);
 }
 }
 
@@ -103,6 +116,10 @@ TEST(SpawnProcess, LeavesTheCallersHandlersToTheCaller) {
   EXPECT_EQ(calls, 0);
   TOS::SpawnProcess("sh", {"-c", "kill -USR1 $PPID"});
   EXPECT_EQ(calls, 1);
+  gFailing = "child";  // by the signal, before it runs its program
+  EXPECT_QDX_STATUS(TOS::SpawnProcess("true"), kQDXStatusFail);
+  gFailing.clear();
+  EXPECT_EQ(calls, 1);
   std::signal(SIGUSR1, SIG_IGN);
   EXPECT_EQ(TOS::SpawnProcess("sh", {"-c", "kill -USR1 $$; echo ignored"}), "ignored\n");
   std::signal(SIGUSR1, before);
@@ -119,14 +136,15 @@ TEST(SpawnProcess, WaitsThroughSignals) {
 }
 
 TEST(SpawnProcess, ReportsEachFailure) {
-  const std::pair<std::string, std::string> rows[] = {{"pipe2", "pipe call failed"},
-                                                      {"clone", "fork call failed"},
-                                                      {"wait", "waitpid call failed"},
-                                                      {"kill", "child terminated abnormally"}};
+  const std::pair<std::string, std::string> rows[] = {
+      {"pipe2", "pipe call failed"},         {"clone", "fork call failed"},
+      {"close 1", "close pipe call failed"}, {"close 2", "close pipe call failed"},
+      {"wait", "waitpid call failed"},       {"kill", "child terminated abnormally"}};
   for (const auto& [failing, message] : rows) {
     const TLogCapture log(ILogger::kLogError);
     const std::size_t before = OpenDescriptors();
     gFailing = failing;
+    gPipeCloses = failing.find("close") == 0 ? failing.back() - '0' : 0;
     std::signal(SIGCHLD, failing == "wait" ? SIG_IGN : SIG_DFL);
     const char* const script = failing == "kill" ? "kill -KILL $$" : "exit 0";
     EXPECT_QDX_STATUS(TOS::SpawnProcess("sh", {"-c", script}), kQDXStatusFail);
