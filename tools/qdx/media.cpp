@@ -116,10 +116,10 @@ TVerb MediaVerb() {
   return {"media",
           "Lists removable media that results can be written to; mounts a floppy.",
           "USB storage is what the providers' list of SCSI devices and the kernel's\n"
-          "/proc/bus/usb/devices have in common; current kernels have no such file, and then\n"
-          "nothing is listed. A floppy is found by mounting it at /mnt/floppy, which is created\n"
-          "and where it stays mounted; whatever is mounted there already is listed as\n"
-          "/dev/floppy. Needs root.\n",
+          "/proc/bus/usb/devices have in common; current kernels have no such file, which is an\n"
+          "error. A floppy is found by mounting it at /mnt/floppy, which is created and where it\n"
+          "stays mounted; whatever is mounted there already is listed as /dev/floppy. Needs\n"
+          "root.\n",
           {{"json", nullptr, "Print one JSON object."}},
           RunMedia};
 }
