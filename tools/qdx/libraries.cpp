@@ -63,13 +63,13 @@ std::map<const INamespaceProvider*, std::string>& NamesTold() {
   return names;
 }
 
-/// Registered, and not known yet.
-TProviders NewProviders() {
+/// The registered ones that have, or have not, told their names.
+TProviders Providers(bool told) {
   TProviders providers;
   boost::function<bool(boost::shared_ptr<INamespaceProvider>)> add =
-      [&providers](boost::shared_ptr<INamespaceProvider> provider) {
-        const bool isNew = NamesTold().count(provider.get()) == 0;
-        if (isNew) providers.push_back(provider);
+      [&](boost::shared_ptr<INamespaceProvider> provider) {
+        const bool fits = (NamesTold().count(provider.get()) != 0) == told;
+        if (fits) providers.push_back(provider);
         return true;
       };
   TRootObject::GetNamespaceProviderManager()->EnumerateNamespaceProviders(add);
@@ -79,7 +79,7 @@ TProviders NewProviders() {
 void Load(TProviderLibrary& library) {
   const std::size_t loggedBefore = LoggedSoFar();
   TOSSpecific::LoadNSPLibrary(library.fService);
-  for (const auto& provider : NewProviders()) {
+  for (const auto& provider : Providers(false)) {
     const bool told = !Try([&] { NamesTold()[provider.get()] = provider->GetName(TOptionsMap()); });
     if (told) library.fProviders.push_back(provider);
   }
@@ -172,17 +172,7 @@ TConsumerLibrary LoadConsumerLibrary(const std::string& service) {
   return LoadServices<TConsumerLibrary>({service}).front();
 }
 
-TProviders RegisteredProviders() {
-  TProviders providers;
-  boost::function<bool(boost::shared_ptr<INamespaceProvider>)> add =
-      [&providers](boost::shared_ptr<INamespaceProvider> provider) {
-        const bool isUsable = NamesTold().count(provider.get()) != 0;
-        if (isUsable) providers.push_back(provider);
-        return true;
-      };
-  TRootObject::GetNamespaceProviderManager()->EnumerateNamespaceProviders(add);
-  return providers;
-}
+TProviders RegisteredProviders() { return Providers(true); }
 
 std::string NameOf(const INamespaceProvider& provider) {
   const auto told = NamesTold().find(&provider);
