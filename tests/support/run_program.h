@@ -31,7 +31,7 @@ inline TProgramRun RunProgram(const std::vector<std::string>& argv) {
     words.push_back(nullptr);
     ::dup2(::open(output.c_str(), O_WRONLY | O_CLOEXEC), STDOUT_FILENO);
     ::dup2(::open(errors.c_str(), O_WRONLY | O_CLOEXEC), STDERR_FILENO);
-    ::alarm(30);
+    ::alarm(120);
     ::execv(words[0], words.data());
     ::_exit(127);
   }
