@@ -15,6 +15,7 @@
 #include "crash_note.h"
 #include "plugin_file.h"
 #include "plugin_trial.h"
+#include "surroundings.h"
 
 namespace NVORNQDX20 {
 namespace {

@@ -13,7 +13,7 @@
 #include "command.h"
 #include "crash_note.h"
 #include "failure.h"
-#include "plugin_trial.h"
+#include "surroundings.h"
 
 namespace NVORNQDX20 {
 namespace {

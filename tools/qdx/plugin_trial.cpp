@@ -2,7 +2,6 @@
 #include "plugin_trial.h"
 
 #include <qdxcore/logger.h>
-#include <qdxcore/registry.h>
 
 #include <algorithm>
 #include <chrono>
@@ -11,7 +10,6 @@
 #include <exception>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -74,33 +72,6 @@ void TPluginTrial::RequireSuccess() {
       ended ? HowItEnded(status) + OnOneLine(fWorker.Text()) : "did not come back";
   LogErrorAndThrow(kQDXStatusInvalidPlugin,
                    {fFile, " was tried in a process of its own and ", how});
-}
-
-TKeptSurroundings::TKeptSurroundings()
-    : fFolder(::open(".", O_PATH | O_DIRECTORY | O_CLOEXEC)), fMask(::umask(0)) {
-  ::umask(fMask);
-  std::fflush(stdout);
-  for (int i = 0; i < 3; ++i) fDescriptors[i] = ::fcntl(i, F_DUPFD_CLOEXEC, 3);
-  if (fDescriptors[STDOUT_FILENO] >= 0) ::dup2(STDERR_FILENO, STDOUT_FILENO);
-}
-
-TKeptSurroundings::~TKeptSurroundings() {
-  std::fflush(stdout);
-  for (int i = 0; i < 3; ++i) {
-    ::dup2(fDescriptors[i], i);
-    ::close(fDescriptors[i]);
-  }
-  OccupyStandardDescriptors();
-  if (fFolder >= 0 && ::fchdir(fFolder) == 0) ::close(fFolder);
-  ::umask(fMask);
-}
-
-void OccupyStandardDescriptors() {
-  int descriptor = 0;
-  while (descriptor >= 0 && descriptor <= STDERR_FILENO) {
-    descriptor = ::open("/dev/null", O_RDONLY);
-  }
-  if (descriptor > STDERR_FILENO) ::close(descriptor);
 }
 
 }  // namespace NVORNQDX20
