@@ -27,6 +27,8 @@ TEST(QDXBadPlugins, AreRefusedBeforeTheyCanDoHarm) {
       {"hasty", ReadWholeFile(TESTS "hasty_provider.so"),
        "was tried in a process of its own and ended it with signal ABRT: terminate called after "
        "throwing an instance of 'int'"},
+      {"killed", ReadWholeFile(TESTS "killed_provider.so"),
+       "was tried in a process of its own and ended it with signal 40"},
       {"mips", changed(18, 8), "is built for another kind of machine"},
       {"text", "no more than text", "is not a library"},
       {"unstamped", changed(good.find("QDXcore"), 'P'),

@@ -5,6 +5,7 @@
 #include <qdxcore/logger.h>
 #include <qdxcore/registry.h>
 
+#include <csignal>
 #include <cstdlib>
 
 using namespace NVORNQDX20;

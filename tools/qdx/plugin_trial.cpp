@@ -44,7 +44,8 @@ void TurnAside(int end) {
 
 std::string HowItEnded(int status) {
   if (WIFEXITED(status)) return "ended it with status " + std::to_string(WEXITSTATUS(status));
-  return std::string("ended it with signal ") + ::sigabbrev_np(WTERMSIG(status));
+  const char* const name = ::sigabbrev_np(WTERMSIG(status));  // real-time signals have none
+  return "ended it with signal " + (name == nullptr ? std::to_string(WTERMSIG(status)) : name);
 }
 
 std::string OnOneLine(std::string text) {
@@ -57,7 +58,9 @@ std::string OnOneLine(std::string text) {
 }  // namespace
 
 TPluginTrial::TPluginTrial(const std::string& file, const std::function<void()>& load)
-    : fFile(file), fWorker([&load](int end) {
+    : fFile(file),
+      fDeadline(std::chrono::steady_clock::now() + kPatience),
+      fWorker([&load](int end) {
         TurnAside(end);
         (void)Try(load);
         return kCameBack;
@@ -65,7 +68,7 @@ TPluginTrial::TPluginTrial(const std::string& file, const std::function<void()>&
 
 void TPluginTrial::RequireSuccess() {
   if (!fWorker.IsRunning()) return;
-  const bool ended = fWorker.EndsWithin(kPatience);
+  const bool ended = fWorker.EndsBy(fDeadline);
   const int status = fWorker.Status();
   if (ended && WIFEXITED(status) && WEXITSTATUS(status) == kCameBack) return;
   const std::string how =

@@ -3,6 +3,7 @@
 #ifndef QDX_PLUGIN_TRIAL_H_
 #define QDX_PLUGIN_TRIAL_H_
 
+#include <chrono>
 #include <functional>
 #include <string>
 
@@ -17,12 +18,13 @@ class TPluginTrial {
   TPluginTrial(const std::string& file, const std::function<void()>& load);
 
   /// Logs kQDXStatusInvalidPlugin with the file's name and throws it if that process died, or is
-  /// not back after ten seconds. Where no process could be made, all is well: a plug-in that cannot
-  /// be tried may be the only one that tells what this machine suffers from.
+  /// not back ten seconds after it was made. Where no process could be made, all is well: a plug-in
+  /// that cannot be tried may be the only one that tells what this machine suffers from.
   void RequireSuccess();
 
  private:
   const std::string fFile;
+  const std::chrono::steady_clock::time_point fDeadline;
   TWorker fWorker;
 };
 

@@ -2,6 +2,8 @@
 #include "watched.h"
 
 #include <cerrno>
+#include <cstdio>
+#include <new>
 #include <system_error>
 
 #include <sys/wait.h>
@@ -21,6 +23,9 @@ int ExitCodeOf(const std::function<void()>& action) {
   } catch (const TCommandFailure& failure) {
     PrintError(failure.what());
     return failure.GetExitCode();
+  } catch (const std::bad_alloc&) {
+    std::fputs("qdx: out of memory [kQDXStatusOutOfMemory]\n", stderr);
+    return kExitTransferFailed;
   }
 }
 
@@ -28,7 +33,7 @@ int ExitCodeOf(const std::function<void()>& action) {
 bool EndsByItself(TWorker& worker, std::chrono::seconds patience) {
   std::string count;
   auto moved = TClock::now();
-  while (!worker.EndsWithin(std::chrono::milliseconds(500))) {
+  while (!worker.EndsBy(TClock::now() + std::chrono::milliseconds(500))) {
     std::string now = worker.CountOfBytes();
     if (now.empty() || now != count) {
       count.swap(now);

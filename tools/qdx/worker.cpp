@@ -15,8 +15,6 @@
 namespace NVORNQDX20 {
 namespace {
 
-using TClock = std::chrono::steady_clock;
-
 constexpr std::size_t kLongestText = 4096;
 constexpr std::chrono::milliseconds kGlance{10};
 
@@ -45,15 +43,13 @@ TWorker::TWorker(const std::function<int(int)>& action) {
 }
 
 TWorker::~TWorker() {
-  if (fProcess > 0) ::kill(-fProcess, SIGKILL);
-  if (fProcess > 0 && !fEnded) ::waitpid(fProcess, nullptr, 0);
+  if (fProcess > 0 && !fEnded) EndGroup();
   if (fEnd >= 0) ::close(fEnd);
 }
 
-bool TWorker::EndsWithin(std::chrono::milliseconds time) {
-  const auto deadline = TClock::now() + time;
+bool TWorker::EndsBy(std::chrono::steady_clock::time_point deadline) {
   while (!HasEnded()) {
-    if (TClock::now() >= deadline) return false;
+    if (std::chrono::steady_clock::now() >= deadline) return false;
     // The end of the pipe is no proof: the process may have closed it, or passed it on.
     pollfd end = {fEnd, POLLIN, 0};
     if (::poll(&end, 1, static_cast<int>(kGlance.count())) > 0 && (end.revents & POLLIN) == 0) {
@@ -66,8 +62,18 @@ bool TWorker::EndsWithin(std::chrono::milliseconds time) {
 }
 
 bool TWorker::HasEnded() {
-  fEnded = fEnded || ::waitpid(fProcess, &fStatus, WNOHANG) == fProcess;
+  if (fEnded) return true;
+  siginfo_t end = {};
+  ::waitid(P_PID, static_cast<id_t>(fProcess), &end, WEXITED | WNOHANG | WNOWAIT);
+  if (end.si_pid == fProcess) EndGroup();
   return fEnded;
+}
+
+/// Once the process has been waited for, a group of strangers may get its number.
+void TWorker::EndGroup() {
+  ::kill(-fProcess, SIGKILL);
+  ::waitpid(fProcess, &fStatus, 0);
+  fEnded = true;
 }
 
 void TWorker::ReadWhatIsThere() {

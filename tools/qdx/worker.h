@@ -11,8 +11,8 @@
 
 namespace NVORNQDX20 {
 
-/// A copy of this process that runs an action. Neither it nor what it has started outlasts this
-/// object. Objects here stay as they are, whatever it does.
+/// A copy of this process that runs an action. Its process group, it and what it has started, ends
+/// with it or with this object. Objects here stay as they are, whatever it does.
 class TWorker {
  public:
   /// The action gets a descriptor whose other end is read here, and answers the exit status.
@@ -23,7 +23,7 @@ class TWorker {
 
   /// False if it could not be started; errno says why.
   bool IsRunning() const { return fProcess > 0; }
-  bool EndsWithin(std::chrono::milliseconds time);
+  bool EndsBy(std::chrono::steady_clock::time_point deadline);
   /// What waitpid said, once it has ended.
   int Status() const { return fStatus; }
   /// What it has written so far to the descriptor, up to a few kilobytes.
@@ -34,6 +34,7 @@ class TWorker {
 
  private:
   bool HasEnded();
+  void EndGroup();
   void ReadWhatIsThere();
 
   pid_t fProcess = -1;
