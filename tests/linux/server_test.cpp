@@ -220,8 +220,11 @@ TEST_F(LinuxServer, HasFileSystems) {
 TEST(LinuxThisMachine, KnowsTheSpaceOfWhatIsMounted) {
   const std::string mounts = ReadWholeFile("/proc/self/mounts");
   if (mounts.find(" / ") == std::string::npos) GTEST_SKIP() << "nothing is mounted at /: a chroot";
-  TTexts values = ValuesOf(*Describe({}));
-  EXPECT_EQ(values["/FileSystemSize"], std::to_string(fs::space("/").capacity));
+  const std::string before = std::to_string(fs::space("/").capacity);
+  const std::string size = ValuesOf(*Describe({}))["/FileSystemSize"];
+  if (size == "not asked: may hang") GTEST_SKIP() << "/ is of no kind that is local for sure";
+  if (size == before) return;
+  EXPECT_EQ(size, std::to_string(fs::space("/").capacity));  // it may have grown meanwhile
 }
 
 }  // namespace

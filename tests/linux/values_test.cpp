@@ -145,9 +145,12 @@ TEST_F(LinuxFiles, WithoutOpenat2NoLinkIsFollowed) {
 TEST_F(LinuxFiles, AreReadIfTheyAreRegularAndMayBeRead) {
   const std::string path = "/sys/class/dmi/id/product_serial: ";
   const uid_t user = ::geteuid();
-  fs::permissions(fMachine.Path(), fs::perms::all);
   fs::permissions(fSerial, fs::perms::none);
-  ASSERT_EQ(::seteuid(user == 0 ? 65534 : user), 0);  // root may read anything
+  for (fs::path above = fSerial; above != fMachine.Path();) {
+    above = above.parent_path();
+    fs::permissions(above, fs::perms::all);
+  }
+  if (::seteuid(user == 0 ? 65534 : user) != 0) GTEST_SKIP() << "root may read anything";
   const std::string reason = fMachine.Reasons()["SerialNumber"];
   ASSERT_EQ(::seteuid(user), 0);
   EXPECT_EQ(reason, path + "Permission denied");

@@ -42,8 +42,8 @@ TEST(HostClock, CarriesTheOffsetInForce) {
     const std::time_t before = Now();
     const TCIMDateTime now = TOSSpecific::GetLocalTime();
     EXPECT_EQ(now.GetUTCOffset(), offset) << zone;
-    std::string shown;  // of the clock, before or after
-    for (const std::time_t each : {before, Now()}) {
+    std::string shown;  // by the clock meanwhile
+    for (std::time_t each = before; each <= Now(); ++each) {
       char text[16];
       std::strftime(text, sizeof text, "%Y%m%d%H%M%S ", std::localtime(&each));
       shown += text;
@@ -71,7 +71,7 @@ TEST(HostSleep, TakesMillisecondsAndWraps) {
     return std::chrono::steady_clock::now() - start;
   };
   EXPECT_GE(measure(30), std::chrono::milliseconds(30));
-  EXPECT_LT(measure(4294968), std::chrono::seconds(1));  // 704 microseconds beyond 2^32
+  EXPECT_LT(measure(4294968), std::chrono::minutes(1));  // 704 microseconds beyond 2^32
 }
 
 TEST(HostWildcards, AreHandedOn) {

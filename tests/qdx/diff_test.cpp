@@ -105,7 +105,7 @@ TEST_F(QDXDiff, ComparesDeclarationsAndWarnsOfValuesThatAreLost) {
 
 TEST_F(QDXDiff, RefusesWhatIsNoDocument) {
   const std::string a = Write("a.xml", fDisk);
-  EXPECT_EQ(fInstallation.RunScript("\"$0\" diff - " + a + " <" + a).fExitCode, 0);
+  EXPECT_EQ(fInstallation.RunScript("\"$0\" diff - '" + a + "' <'" + a + "'").fExitCode, 0);
   EXPECT_EQ(fInstallation.Run({"diff", a, "none.xml"}).fExitCode, 4);
   EXPECT_EQ(fInstallation.Run({"diff", "-", "-"}).fExitCode, 2);
 }

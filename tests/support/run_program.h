@@ -19,7 +19,7 @@ struct TProgramRun {
   std::string fErrors;
 };
 
-/// Runs the program at argv[0]. One that takes longer than half a minute is ended by SIGALRM.
+/// Runs the program at argv[0]. One that takes longer than two minutes is ended by SIGALRM.
 inline TProgramRun RunProgram(const std::vector<std::string>& argv) {
   const TTempDir folder;
   const std::filesystem::path output = folder.Write("out", "");
