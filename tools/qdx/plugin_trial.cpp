@@ -34,6 +34,7 @@ constexpr int kCameBack = 113;
 
 /// What is printed or logged will be again when the library is loaded for good.
 void TurnAside(int end) {
+  ::fcntl(end, F_SETFL, O_NONBLOCK);  // its text must not wait until another trial is done
   const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
   ::dup2(nowhere, STDOUT_FILENO);
   ::dup2(end, STDERR_FILENO);

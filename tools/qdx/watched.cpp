@@ -2,7 +2,6 @@
 #include "watched.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <new>
 #include <system_error>
 
@@ -16,6 +15,9 @@ namespace {
 
 using TClock = std::chrono::steady_clock;
 
+/// No EExitCode: the only failure that the action has not reported itself.
+constexpr int kOutOfMemory = 113;
+
 int ExitCodeOf(const std::function<void()>& action) {
   try {
     action();
@@ -24,8 +26,7 @@ int ExitCodeOf(const std::function<void()>& action) {
     PrintError(failure.what());
     return failure.GetExitCode();
   } catch (const std::bad_alloc&) {
-    std::fputs("qdx: out of memory [kQDXStatusOutOfMemory]\n", stderr);
-    return kExitTransferFailed;
+    return kOutOfMemory;
   }
 }
 
@@ -60,6 +61,7 @@ void RunWatched(const std::string& tried, const std::string& on, std::chrono::se
   }
   const int status = worker.Status();
   if (!WIFEXITED(status)) fail(kQDXStatusFail, "a signal ended it");
+  if (WEXITSTATUS(status) == kOutOfMemory) fail(kQDXStatusOutOfMemory, "out of memory");
   const auto code = static_cast<EExitCode>(WEXITSTATUS(status));
   if (code != kExitDone) throw TCommandFailure(code, "");
 }
