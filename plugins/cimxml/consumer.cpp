@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-#include "document_writer.h"
+#include "writing/document_writer.h"
 
 namespace NVORNQDX20 {
 namespace {

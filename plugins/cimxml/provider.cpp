@@ -15,7 +15,7 @@
 
 #include <boost/make_shared.hpp>
 
-#include "document.h"
+#include "reading/document.h"
 
 namespace NVORNQDX20 {
 namespace {

@@ -7,7 +7,7 @@
 
 #include <boost/algorithm/string/predicate.hpp>
 
-#include "topics.h"
+#include "classes/topics.h"
 
 namespace NVORNQDX20 {
 namespace {

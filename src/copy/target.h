@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// What the copier finds in the target.
-#ifndef QDXCORE_COPY_TARGET_H_
-#define QDXCORE_COPY_TARGET_H_
+#ifndef SRC_COPY_TARGET_H_
+#define SRC_COPY_TARGET_H_
 
 #include <qdxcore/interfaces.h>
 
@@ -26,4 +26,4 @@ inline boost::shared_ptr<ICIMClass> TargetClass(const boost::shared_ptr<ICIMClas
 
 }  // namespace NVORNQDX20::NCopy
 
-#endif  // QDXCORE_COPY_TARGET_H_
+#endif  // SRC_COPY_TARGET_H_

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Wall clock readings, and the instants that the host's time zone makes of them.
-#ifndef QDXCORE_CORE_LOCAL_TIME_H_
-#define QDXCORE_CORE_LOCAL_TIME_H_
+#ifndef SRC_CORE_LOCAL_TIME_H_
+#define SRC_CORE_LOCAL_TIME_H_
 
 #include <cstdint>
 #include <ctime>
@@ -40,4 +40,4 @@ class TWallClock {
 
 }  // namespace NVORNQDX20
 
-#endif  // QDXCORE_CORE_LOCAL_TIME_H_
+#endif  // SRC_CORE_LOCAL_TIME_H_

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// What the host's time zone does around a reading of the wall clock.
-#ifndef QDXCORE_CORE_TIME_ZONE_H_
-#define QDXCORE_CORE_TIME_ZONE_H_
+#ifndef SRC_CORE_TIME_ZONE_H_
+#define SRC_CORE_TIME_ZONE_H_
 
 #include <cstdint>
 
@@ -17,4 +17,4 @@ bool IsOffsetSteadyAround(std::int64_t reading);
 
 }  // namespace NVORNQDX20
 
-#endif  // QDXCORE_CORE_TIME_ZONE_H_
+#endif  // SRC_CORE_TIME_ZONE_H_

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// What a value that is not null holds: one class for each kind of content.
-#ifndef QDXCORE_CORE_VALUE_PAYLOAD_H_
-#define QDXCORE_CORE_VALUE_PAYLOAD_H_
+#ifndef SRC_CORE_VALUE_PAYLOAD_H_
+#define SRC_CORE_VALUE_PAYLOAD_H_
 
 #include <qdxcore/reference.h>
 #include <qdxcore/value.h>
@@ -163,4 +163,4 @@ class TCIMArrayValueImpl final : public TClonable<TCIMArrayValueImpl> {
 
 }  // namespace NVORNQDX20
 
-#endif  // QDXCORE_CORE_VALUE_PAYLOAD_H_
+#endif  // SRC_CORE_VALUE_PAYLOAD_H_

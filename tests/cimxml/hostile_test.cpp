@@ -3,7 +3,7 @@
 #include <qdxcore/interfaces.h>
 #include <qdxcore/status.h>
 
-#include <output.h>
+#include <xml/output.h>
 
 #include <cstdio>
 

@@ -10,10 +10,10 @@
 
 #include <unistd.h>
 
-#include "command.h"
-#include "crash_note.h"
-#include "failure.h"
-#include "surroundings.h"
+#include "cli/failure.h"
+#include "plugin_host/crash_note.h"
+#include "plugin_host/surroundings.h"
+#include "verbs/command.h"
 
 namespace NVORNQDX20 {
 namespace {

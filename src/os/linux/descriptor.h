@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// An owned file descriptor.
-#ifndef QDXCORE_OS_LINUX_DESCRIPTOR_H_
-#define QDXCORE_OS_LINUX_DESCRIPTOR_H_
+#ifndef SRC_OS_LINUX_DESCRIPTOR_H_
+#define SRC_OS_LINUX_DESCRIPTOR_H_
 
 #include <utility>
 
@@ -31,4 +31,4 @@ class TDescriptor {
 
 }  // namespace NVORNQDX20
 
-#endif  // QDXCORE_OS_LINUX_DESCRIPTOR_H_
+#endif  // SRC_OS_LINUX_DESCRIPTOR_H_

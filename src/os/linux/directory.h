@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Reading directories.
-#ifndef QDXCORE_OS_LINUX_DIRECTORY_H_
-#define QDXCORE_OS_LINUX_DIRECTORY_H_
+#ifndef SRC_OS_LINUX_DIRECTORY_H_
+#define SRC_OS_LINUX_DIRECTORY_H_
 
 #include <memory>
 #include <optional>
@@ -28,4 +28,4 @@ bool IsSelfOrParent(const std::string& name);
 
 }  // namespace NVORNQDX20
 
-#endif  // QDXCORE_OS_LINUX_DIRECTORY_H_
+#endif  // SRC_OS_LINUX_DIRECTORY_H_

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Why the dynamic loader failed.
-#ifndef QDXCORE_OS_LINUX_LOADER_ERROR_H_
-#define QDXCORE_OS_LINUX_LOADER_ERROR_H_
+#ifndef SRC_OS_LINUX_LOADER_ERROR_H_
+#define SRC_OS_LINUX_LOADER_ERROR_H_
 
 #include <string>
 
@@ -17,4 +17,4 @@ inline std::string LoaderError() {
 
 }  // namespace NVORNQDX20
 
-#endif  // QDXCORE_OS_LINUX_LOADER_ERROR_H_
+#endif  // SRC_OS_LINUX_LOADER_ERROR_H_

@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "namespace_builder.h"
+
+#include <qdxcore/status.h>
+#include <qdxrepository/repository.h>
+
+#include <utility>
+
+#include "class_reader.h"
+#include "class_synthesis.h"
+#include "document.h"
+#include "instance_reader.h"
+#include "object_path.h"
+#include "value_reader.h"
+#include "xml/document_limits.h"
+
+namespace NVORNQDX20::NCIMXML {
+namespace {
+
+/// One more class is being declared, until the scope ends, however it ends.
+class TDeclaringScope {
+ public:
+  TDeclaringScope(TReadingState& state, const TNamespaceBuilder& ns, const std::string& folded)
+      : fState(state) {
+    fState.fDeclaring.push_back({&ns, folded, {}});
+  }
+  ~TDeclaringScope() { fState.fDeclaring.pop_back(); }
+  TDeclaringScope(const TDeclaringScope&) = delete;
+  TDeclaringScope& operator=(const TDeclaringScope&) = delete;
+
+ private:
+  TReadingState& fState;
+};
+
+std::string NameOf(const TReadingState::TDeclaring& declaring) {
+  const auto& cimClass = declaring.fClass.fClass;
+  return Shown(cimClass ? cimClass->GetName({}) : declaring.fName);
+}
+
+}  // namespace
+
+void TReadingState::AddHeld(std::size_t bytes, const TElement& element) {
+  fHeldBytes += bytes;
+  if (fHeldBytes > kMaxHeldBytes) element.Refuse("the document holds too much");
+}
+
+TNamespaceBuilder::TNamespaceBuilder(TDocument& document, TReadingState& state,
+                                     const std::string& name)
+    : fDocument(document), fState(state), fNamespace(MakeRepositoryNamespace(name)) {}
+
+void TNamespaceBuilder::AddQualifierDecl(const TElement& element) {
+  const auto decl = ReadQualifierDecl(*this, element);
+  AsPartOf(element, "qualifier " + Shown(decl->GetName()), [&] { decl->Commit(); });
+}
+
+void TNamespaceBuilder::AddClass(TElement&& element, std::size_t bytes) {
+  const std::string folded = Folded(element.Get("NAME"));
+  if (fClasses.count(folded) != 0 || fSources.count(folded) != 0) {
+    element.Refuse("class " + Shown(element.Get("NAME")) + " is declared twice");
+  }
+  fState.AddHeld(bytes, element);
+  fSourceOrder.push_back(folded);
+  fSources[folded].fElement = std::move(element);
+}
+
+void TNamespaceBuilder::AddInstance(TElement&& object, std::size_t bytes) {
+  try {
+    ReadInstance(*this, object);
+  } catch (const TNotDeclaredYet&) {
+    fState.AddHeld(bytes, object);
+    const TElement& waiting = fWaitingInstances.emplace_back(std::move(object));
+    NoteUse(InstanceOf(waiting).Get("CLASSNAME"), waiting);
+  }
+}
+
+void TNamespaceBuilder::NoteReferences() {
+  for (const TElement& object : fWaitingInstances) NoteReferencesIn(object);
+}
+
+void TNamespaceBuilder::NoteReferencesIn(const TElement& element) {
+  for (const TElement& child : element.fChildren) {
+    if (!child.Is("VALUE.REFERENCE")) {
+      NoteReferencesIn(child);
+      continue;
+    }
+    TNamespaceBuilder& target = fDocument.NamespaceOf(child, *this);
+    const TElement& name = NameOf(child);
+    target.NoteUse(ClassNameOf(name), name);
+    target.NoteReferencesIn(name);
+  }
+}
+
+void TNamespaceBuilder::BuildClasses() {
+  for (const std::string& folded : fSourceOrder) {
+    const auto source = fSources.find(folded);
+    if (source == fSources.end()) continue;
+    const TElement& element = source->second.fElement;
+    ClassNamed(element.Get("NAME"), element);
+  }
+}
+
+void TNamespaceBuilder::BuildInstances() {
+  for (const TElement& object : fWaitingInstances) ReadInstance(*this, object);
+}
+
+TReadClass TNamespaceBuilder::ClassNamed(const std::string& name, const TElement& use) {
+  const std::string folded = Folded(name);
+  const auto found = fClasses.find(folded);
+  if (found != fClasses.end()) return found->second;
+  for (const auto& declaring : fState.fDeclaring) {
+    if (declaring.fNamespace != this || declaring.fName != folded) continue;
+    const TReadingState::TDeclaring& user = fState.fDeclaring.back();
+    if (&declaring == &user && declaring.fClass.fClass) return declaring.fClass;
+    use.Refuse("class " + Shown(name) + " needs " +
+               (&declaring == &user ? "itself" : "class " + NameOf(user) + ", which needs it,") +
+               " to be declared first");
+  }
+  return Declare(name, use);
+}
+
+TReadClass TNamespaceBuilder::Declare(const std::string& name, const TElement& use) {
+  if (fState.fDeclaring.size() >= kMaxClassDepth) use.Refuse("classes nested too deep");
+  const std::string folded = Folded(name);
+  const TDeclaringScope scope(fState, *this, folded);
+  const bool isDeclared = fSources.count(folded) != 0;
+  if (!isDeclared && !fState.fIsComplete) throw TNotDeclaredYet();
+  TReadClass read = Measured(isDeclared ? ReadSource(folded) : Synthesize(name, use), use);
+  fClasses.emplace(folded, read);
+  fSources.erase(folded);
+  return read;
+}
+
+boost::shared_ptr<ICIMClass> TNamespaceBuilder::ReadSource(const std::string& folded) {
+  TSource& source = fSources.at(folded);
+  if (source.fWaits && !fState.fIsComplete) throw TNotDeclaredYet();
+  source.fWaits = true;  // until the end, if it does not get through now
+  return ReadClass(*this, source.fElement);
+}
+
+boost::shared_ptr<ICIMClass> TNamespaceBuilder::Synthesize(const std::string& name,
+                                                           const TElement& use) {
+  std::vector<const TElement*> uses;
+  const auto noted = fUses.find(Folded(name));
+  if (noted != fUses.end()) uses = noted->second;
+  uses.push_back(&use);
+  return SynthesizeClass(*this, name, uses);
+}
+
+TReadClass TNamespaceBuilder::Measured(const boost::shared_ptr<ICIMClass>& cimClass,
+                                       const TElement& use) const {
+  TReadClass read;
+  read.fClass = cimClass;
+  std::vector<boost::shared_ptr<ICIMPropertyDecl>> decls;
+  cimClass->EnumeratePropertyDecls(TAddToVectorCallback(decls), {});
+  read.fProperties = decls.size();
+  if (!cimClass->IsRootClass({})) {
+    const std::string superclass = Folded(cimClass->GetSuperclass({})->GetName({}));
+    read.fDepth += fClasses.at(superclass).fDepth;
+  }
+  if (read.fDepth > kMaxClassDepth) use.Refuse("too many superclasses");
+  constexpr std::size_t kClassBytes = 1024;
+  fState.AddHeld(kClassBytes, use);
+  fState.AddValues(2 * read.fProperties, use);  // a class keeps a table of them
+  return read;
+}
+
+boost::shared_ptr<ICIMQualifierDecl> TNamespaceBuilder::QualifierDeclFor(
+    const TElement& qualifier) {
+  try {
+    return fNamespace->GetQualifierDecl(qualifier.Get("NAME"), {});
+  } catch (const TQDXException& e) {
+    if (e.GetStatusCode() != kQDXStatusNotFound) throw;
+  }
+  auto decl = ReadQualifierDecl(*this, qualifier);
+  decl->Commit();
+  return decl;
+}
+
+boost::shared_ptr<ICIMQualifierDecl> TNamespaceBuilder::KeyDecl() {
+  TElement key;
+  key.fName = "QUALIFIER";
+  key.fAttributes = {{"NAME", "Key"}, {"TYPE", "boolean"}, {"OVERRIDABLE", "false"}};
+  return QualifierDeclFor(key);
+}
+
+}  // namespace NVORNQDX20::NCIMXML

@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "document_writer.h"
+
+#include <qdxcore/logger.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "schema_writer.h"
+#include "value_writer.h"
+#include "xml/declared.h"
+
+namespace NVORNQDX20::NCIMXML {
+namespace {
+
+using TQualifierDecls = std::vector<boost::shared_ptr<ICIMQualifierDecl>>;
+using TClasses = std::vector<boost::shared_ptr<ICIMClass>>;
+
+TQualifierDecls SortedQualifierDecls(const ICIMNamespace& ns) {
+  TQualifierDecls decls;
+  ns.EnumerateQualifierDecls(TAddToVectorCallback(decls), {});
+  std::sort(decls.begin(), decls.end(),
+            [](const auto& left, const auto& right) { return left->GetName() < right->GetName(); });
+  return decls;
+}
+
+/// For a stack: what comes first in the document stands last.
+void SortForStack(TClasses& classes) {
+  std::sort(classes.begin(), classes.end(), [](const auto& left, const auto& right) {
+    return left->GetName({}) > right->GetName({});
+  });
+}
+
+/// Each class before those that derive from it, and siblings by name.
+TClasses SortedClasses(const ICIMNamespace& ns) {
+  TClasses sorted;
+  TClasses open;
+  ns.EnumerateClasses(TAddToVectorCallback(open), {});
+  SortForStack(open);
+  while (!open.empty()) {
+    sorted.push_back(open.back());
+    open.pop_back();
+    TClasses derived;
+    sorted.back()->EnumerateSubclasses(TAddToVectorCallback(derived), false, {});
+    SortForStack(derived);
+    open.insert(open.end(), derived.begin(), derived.end());
+  }
+  return sorted;
+}
+
+/// The instances of one class.
+class TInstanceWriter {
+ public:
+  TInstanceWriter(TXMLWriter& xml, TValueWriter& values, const ICIMClass& cimClass)
+      : fXML(xml), fValues(values), fClassName(cimClass.GetName({})) {
+    cimClass.EnumeratePropertyDecls(
+        [&](const boost::shared_ptr<ICIMPropertyDecl>& decl) {
+          if (HasPropertyElement(decl->GetDefaultValue().GetType())) {
+            fProperties.push_back({decl->GetName(), IsKey(cimClass, decl->GetName())});
+          }
+          return true;
+        },
+        {});
+    fValues.BeginClass(fClassName);
+  }
+
+  void Write(const ICIMInstance& instance) {
+    if (!CanName(instance)) return;
+    fXML.Markup("<VALUE.NAMEDOBJECT>");
+    const std::size_t replaced = fXML.Replaced();
+    fXML.Markup("<INSTANCENAME").Attribute("CLASSNAME", fClassName).Markup(">");
+    for (const TProperty& property : fProperties) {
+      if (!property.fIsKey) continue;
+      fValues.KeyBinding(property.fName, instance.GetProperty(property.fName, {})->GetValue());
+    }
+    fXML.Markup("</INSTANCENAME>\n");
+    fXML.SetReplaced(replaced);  // all of it comes again below
+    fXML.Markup("<INSTANCE").Attribute("CLASSNAME", fClassName).Markup(">\n");
+    for (const TProperty& property : fProperties) {
+      fValues.Property(property.fName, instance.GetProperty(property.fName, {})->GetValue());
+    }
+    fXML.Markup("</INSTANCE></VALUE.NAMEDOBJECT>\n");
+  }
+
+ private:
+  struct TProperty {
+    std::string fName;
+    bool fIsKey;
+  };
+
+  bool CanName(const ICIMInstance& instance) {
+    for (const TProperty& property : fProperties) {
+      if (!property.fIsKey) continue;
+      const auto key = instance.GetProperty(property.fName, {});
+      const char* const obstacle = TValueWriter::ObstacleToKey(key->GetValue());
+      if (obstacle == nullptr) continue;
+      fValues.LeaveOut(property.fName, obstacle);
+      return false;
+    }
+    return true;
+  }
+
+  TXMLWriter& fXML;
+  TValueWriter& fValues;
+  const std::string fClassName;
+  std::vector<TProperty> fProperties;
+};
+
+void WriteInstances(TXMLWriter& xml, TValueWriter& values, const ICIMClass& cimClass) {
+  TInstanceWriter writer(xml, values, cimClass);
+  cimClass.EnumerateInstances(
+      [&writer](const boost::shared_ptr<ICIMInstance>& instance) {
+        writer.Write(*instance);
+        return true;
+      },
+      false, {});
+}
+
+}  // namespace
+
+TDocumentWriter::TDocumentWriter(const std::string& file) : fOutput(file), fXML(fOutput) {
+  fXML.Markup("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n");
+  fXML.Markup("<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.4\">\n<DECLARATION>\n");
+}
+
+void TDocumentWriter::AddNamespace(const ICIMNamespace& ns) {
+  TValueWriter values(fXML, ns, fLeftOut);
+  TSchemaWriter schema(fXML, values);
+  fXML.Markup("<DECLGROUP.WITHNAME>");
+  values.NamespacePath(ns.GetName({}));
+  fXML.Markup("\n");
+  for (const auto& decl : SortedQualifierDecls(ns)) schema.QualifierDecl(*decl);
+  const TClasses classes = SortedClasses(ns);
+  for (const auto& cimClass : classes) {
+    fXML.Markup("<VALUE.NAMEDOBJECT>");
+    schema.Class(*cimClass);
+    fXML.Markup("</VALUE.NAMEDOBJECT>\n");
+  }
+  for (const auto& cimClass : classes) WriteInstances(fXML, values, *cimClass);
+  fXML.Markup("</DECLGROUP.WITHNAME>\n");
+}
+
+void TDocumentWriter::Close() {
+  fXML.Markup("</DECLARATION>\n</CIM>\n");
+  fOutput.Close();
+  fLeftOut.Report("values that CIM-XML cannot hold were left out of", fOutput.File());
+  if (fXML.Replaced() == 0) return;
+  LogMessage(ILogger::kLogWarning,
+             {"cimxml: ", std::to_string(fXML.Replaced()),
+              " characters that XML cannot hold were replaced in ", fOutput.File()});
+}
+
+}  // namespace NVORNQDX20::NCIMXML

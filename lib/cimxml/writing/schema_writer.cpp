@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "schema_writer.h"
+
+#include <qdxrepository/repository.h>
+
+#include "xml/declared.h"
+#include "xml/flags.h"
+
+namespace NVORNQDX20::NCIMXML {
+namespace {
+
+const char* ParameterElement(TCIMType type) {
+  const bool isReference = ElementType(type) == TCIMType::kCIMTypeReference;
+  if (IsArray(type)) return isReference ? "PARAMETER.REFARRAY" : "PARAMETER.ARRAY";
+  return isReference ? "PARAMETER.REFERENCE" : "PARAMETER";
+}
+
+}  // namespace
+
+void TSchemaWriter::QualifierDecl(const ICIMQualifierDecl& decl) {
+  const TCIMValue& value = decl.GetDefaultValue();
+  fXML.Markup("<QUALIFIER.DECLARATION").Attribute("NAME", decl.GetName());
+  fXML.Attribute("TYPE", KeywordOf(value.GetType()));
+  if (value.IsArray()) fXML.Attribute("ISARRAY", "true");
+  if (value.GetMaxArraySize() != 0) {
+    fXML.Attribute("ARRAYSIZE", std::to_string(value.GetMaxArraySize()));
+  }
+  Flavor(decl.GetFlavor());
+  fXML.Markup(">");
+  Scope(decl.GetScope());
+  fValues.Value(decl.GetName(), value);
+  fXML.Markup("</QUALIFIER.DECLARATION>\n");
+}
+
+void TSchemaWriter::Class(const ICIMClass& cimClass) {
+  fValues.BeginClass(cimClass.GetName({}));
+  fXML.Markup("<CLASS").Attribute("NAME", cimClass.GetName({}));
+  if (!cimClass.IsRootClass({})) {
+    fXML.Attribute("SUPERCLASS", cimClass.GetSuperclass({})->GetName({}));
+  }
+  fXML.Markup(">\n");
+  Qualifiers(cimClass);
+  ForEachOwnPropertyDecl(cimClass, [this](const ICIMPropertyDecl& decl) { PropertyDecl(decl); });
+  cimClass.EnumerateStaticProperties(
+      [this](const boost::shared_ptr<ICIMProperty>& property) {
+        StaticProperty(*property);
+        return true;
+      },
+      {});
+  cimClass.EnumerateMethodDecls(
+      [this](const boost::shared_ptr<ICIMMethodDecl>& method) {
+        Method(*method);
+        return true;
+      },
+      {});
+  fXML.Markup("</CLASS>");
+}
+
+void TSchemaWriter::Flavor(std::uint32_t flavor) {
+  for (const TFlag& flag : kFlavors) {
+    const bool isSet = (flavor & flag.fBit) != 0;
+    if (isSet != flag.fDefault) fXML.Attribute(flag.fAttribute, isSet ? "true" : "false");
+  }
+}
+
+void TSchemaWriter::Scope(std::uint32_t scope) {
+  fXML.Markup("<SCOPE");
+  for (const TFlag& flag : kScopes) {
+    if ((scope & flag.fBit) != 0) fXML.Attribute(flag.fAttribute, "true");
+  }
+  fXML.Markup("/>");
+}
+
+void TSchemaWriter::Qualifier(const ICIMQualifier& qualifier) {
+  const auto decl = qualifier.GetDecl();
+  fXML.Markup("<QUALIFIER").Attribute("NAME", decl->GetName());
+  fXML.Attribute("TYPE", KeywordOf(decl->GetDefaultValue().GetType()));
+  Flavor(decl->GetFlavor());
+  fXML.Markup(">");
+  fValues.Value(decl->GetName(), qualifier.GetValue());
+  fXML.Markup("</QUALIFIER>\n");
+}
+
+template <typename TQualified>
+void TSchemaWriter::Qualifiers(const TQualified& element) {
+  element.EnumerateQualifiers([this](const boost::shared_ptr<ICIMQualifier>& qualifier) {
+    Qualifier(*qualifier);
+    return true;
+  });
+}
+
+void TSchemaWriter::PropertyDecl(const ICIMPropertyDecl& decl) {
+  const TCIMValue& value = decl.GetDefaultValue();
+  if (!HasPropertyElement(value.GetType())) {
+    fValues.LeaveOut(decl.GetName(), "an array of references");
+    return;
+  }
+  const char* const element = TValueWriter::PropertyElement(value.GetType());
+  fXML.Markup("<").Markup(element);
+  fValues.PropertyAttributes(decl.GetName(), value, true);
+  fXML.Markup(">\n");
+  Qualifiers(decl);
+  fValues.Value(decl.GetName(), value);
+  fXML.Markup("</").Markup(element).Markup(">\n");
+}
+
+void TSchemaWriter::StaticProperty(const ICIMProperty& property) {
+  const auto decl = property.GetDecl();
+  const TCIMValue& value = property.GetValue();
+  if (!HasPropertyElement(value.GetType())) return;
+  const char* const element = TValueWriter::PropertyElement(value.GetType());
+  fXML.Markup("<").Markup(element);
+  fValues.PropertyAttributes(decl->GetName(), value, true);
+  fXML.Attribute("PROPAGATED", "true").Markup(">");
+  fXML.Markup("<QUALIFIER NAME=\"Static\" TYPE=\"boolean\"><VALUE>TRUE</VALUE></QUALIFIER>");
+  fValues.Value(decl->GetName(), value);
+  fXML.Markup("</").Markup(element).Markup(">\n");
+}
+
+void TSchemaWriter::Method(const ICIMMethodDecl& method) {
+  const TCIMType type = method.GetReturnType();
+  if (ElementType(type) == TCIMType::kCIMTypeReference) {
+    fValues.LeaveOut(method.GetName(), "a method that returns a reference");
+    return;
+  }
+  fXML.Markup("<METHOD").Attribute("NAME", method.GetName());
+  if (type != TCIMType::kCIMTypeNone) fXML.Attribute("TYPE", KeywordOf(type));
+  fXML.Markup(">\n");
+  Qualifiers(method);
+  method.EnumerateParameterDecls([this](const boost::shared_ptr<ICIMParameterDecl>& parameter) {
+    Parameter(*parameter);
+    return true;
+  });
+  fXML.Markup("</METHOD>\n");
+}
+
+void TSchemaWriter::Parameter(const ICIMParameterDecl& parameter) {
+  const TCIMType type = parameter.GetType();
+  const char* const element = ParameterElement(type);
+  fXML.Markup("<").Markup(element).Attribute("NAME", parameter.GetName());
+  if (ElementType(type) != TCIMType::kCIMTypeReference) {
+    fXML.Attribute("TYPE", KeywordOf(type));
+  }
+  fXML.Markup(">\n");
+  Qualifiers(parameter);
+  fXML.Markup("</").Markup(element).Markup(">\n");
+}
+
+}  // namespace NVORNQDX20::NCIMXML

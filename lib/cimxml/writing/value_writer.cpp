@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "value_writer.h"
+
+#include <qdxcore/reference.h>
+
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "xml/literal.h"
+
+namespace NVORNQDX20::NCIMXML {
+namespace {
+
+std::string_view ValueTypeOf(TCIMType type) {
+  if (type == TCIMType::kCIMTypeBoolean) return "boolean";
+  const bool isText = type == TCIMType::kCIMTypeString || type == TCIMType::kCIMTypeDateTime;
+  return isText ? "string" : "numeric";
+}
+
+bool HasKeys(const TCIMReference& reference) {
+  bool hasKeys = false;
+  reference.EnumerateKeyBindings([&](const std::pair<std::string, TCIMValue>&) {
+    hasKeys = true;
+    return false;
+  });
+  return hasKeys;
+}
+
+/// Why there is no element for the value; null if there is one. Elements of arrays stand for
+/// themselves.
+const char* Obstacle(const TCIMValue& value) {
+  if (value.IsNull() || value.IsArray()) return nullptr;
+  if (!CanSpell(value)) return "a date-time longer than 25 characters";
+  if (!value.IsReference()) return nullptr;
+  const char* obstacle = nullptr;
+  TCIMReference(value).EnumerateKeyBindings([&](const std::pair<std::string, TCIMValue>& binding) {
+    obstacle = TValueWriter::ObstacleToKey(binding.second);
+    return obstacle == nullptr;
+  });
+  return obstacle;
+}
+
+}  // namespace
+
+const char* TValueWriter::PropertyElement(TCIMType type) {
+  if (type == TCIMType::kCIMTypeReference) return "PROPERTY.REFERENCE";
+  return IsArray(type) ? "PROPERTY.ARRAY" : "PROPERTY";
+}
+
+const char* TValueWriter::ObstacleToKey(const TCIMValue& value) {
+  return IsAbsent(value) ? "a key that is null" : Obstacle(value);
+}
+
+void TValueWriter::LeaveOut(const std::string& member, const char* reason) {
+  std::string where = fNamespace.GetName({}) + ":";
+  if (!fClassName.empty()) where += fClassName + ".";
+  fLeftOut.Add(where + member + ": " + reason);
+}
+
+void TValueWriter::Value(const std::string& member, const TCIMValue& value) {
+  if (CanHold(member, value)) Element(member, value);
+}
+
+bool TValueWriter::CanHold(const std::string& member, const TCIMValue& value) {
+  if (IsAbsent(value)) return false;
+  const char* const obstacle = Obstacle(value);
+  if (obstacle != nullptr) LeaveOut(member, obstacle);
+  return obstacle == nullptr;
+}
+
+void TValueWriter::Element(const std::string& member, const TCIMValue& value) {
+  if (value.IsArray()) {
+    Array(member, value);
+  } else if (value.IsReference()) {
+    Reference(value);
+  } else {
+    fXML.Markup("<VALUE>").Text(WriteLiteral(value)).Markup("</VALUE>");
+  }
+}
+
+void TValueWriter::PropertyAttributes(const std::string& name, const TCIMValue& value,
+                                      bool withClass) {
+  fXML.Attribute("NAME", name);
+  if (!value.IsReference()) fXML.Attribute("TYPE", KeywordOf(value.GetType()));
+  if (value.IsArray() && value.GetMaxArraySize() != 0) {
+    fXML.Attribute("ARRAYSIZE", std::to_string(value.GetMaxArraySize()));
+  }
+  const auto referenced = withClass ? value.GetReferencedClass() : nullptr;
+  if (referenced) fXML.Attribute("REFERENCECLASS", referenced->GetName({}));
+}
+
+void TValueWriter::Property(const std::string& name, const TCIMValue& value) {
+  const char* const element = PropertyElement(value.GetType());
+  fXML.Markup("<").Markup(element);
+  // A reference names its class itself.
+  PropertyAttributes(name, value, value.IsNull());
+  if (!CanHold(name, value)) {
+    fXML.Markup("/>\n");
+    return;
+  }
+  fXML.Markup(">");
+  Element(name, value);
+  fXML.Markup("</").Markup(element).Markup(">\n");
+}
+
+void TValueWriter::NamespacePath(const std::string& name) {
+  fXML.Markup("<LOCALNAMESPACEPATH>");
+  std::string_view rest = name;
+  for (std::size_t slash = 0; slash != std::string_view::npos; rest.remove_prefix(slash + 1)) {
+    slash = rest.find('/');
+    fXML.Markup("<NAMESPACE").Attribute("NAME", rest.substr(0, slash)).Markup("/>");
+    if (slash == std::string_view::npos) break;
+  }
+  fXML.Markup("</LOCALNAMESPACEPATH>");
+}
+
+void TValueWriter::KeyBinding(const std::string& name, const TCIMValue& value) {
+  fXML.Markup("<KEYBINDING").Attribute("NAME", name).Markup(">");
+  if (value.IsReference()) {
+    Reference(value);
+  } else {
+    const TCIMType type = value.GetType();
+    fXML.Markup("<KEYVALUE").Attribute("VALUETYPE", ValueTypeOf(type));
+    fXML.Attribute("TYPE", KeywordOf(type)).Markup(">");
+    fXML.Text(WriteLiteral(value)).Markup("</KEYVALUE>");
+  }
+  fXML.Markup("</KEYBINDING>");
+}
+
+void TValueWriter::Array(const std::string& member, const TCIMValue& value) {
+  fXML.Markup("<VALUE.ARRAY>");
+  const std::vector<TCIMValue>& elements = value;
+  for (const TCIMValue& element : elements) {
+    if (CanHold(member, element)) {
+      Element(member, element);
+    } else {
+      fXML.Markup("<VALUE.NULL/>");
+    }
+  }
+  fXML.Markup("</VALUE.ARRAY>");
+}
+
+void TValueWriter::Reference(const TCIMReference& reference) {
+  const bool hasKeys = HasKeys(reference);
+  const bool isOwn = IsOwnNamespace(reference);
+  const char* const path = hasKeys ? "LOCALINSTANCEPATH" : "LOCALCLASSPATH";
+  fXML.Markup("<VALUE.REFERENCE>");
+  if (!isOwn) {
+    fXML.Markup("<").Markup(path).Markup(">");
+    NamespacePath(reference.GetNamespace()->GetName({}));
+  }
+  ClassOrInstanceName(reference, hasKeys);
+  if (!isOwn) fXML.Markup("</").Markup(path).Markup(">");
+  fXML.Markup("</VALUE.REFERENCE>");
+}
+
+void TValueWriter::ClassOrInstanceName(const TCIMReference& reference, bool hasKeys) {
+  if (!hasKeys) {
+    fXML.Markup("<CLASSNAME").Attribute("NAME", reference.GetClassName()).Markup("/>");
+    return;
+  }
+  fXML.Markup("<INSTANCENAME").Attribute("CLASSNAME", reference.GetClassName()).Markup(">");
+  reference.EnumerateKeyBindings([this](const std::pair<std::string, TCIMValue>& binding) {
+    KeyBinding(binding.first, binding.second);
+    return true;
+  });
+  fXML.Markup("</INSTANCENAME>");
+}
+
+bool TValueWriter::IsOwnNamespace(const TCIMReference& reference) const {
+  const auto ns = reference.GetNamespace();
+  return !ns || ns.get() == &fNamespace || ns->GetName({}) == fNamespace.GetName({});
+}
+
+}  // namespace NVORNQDX20::NCIMXML

@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: Apache-2.0
+/// A class: its declarations, its static values and its instances.
+#ifndef LIB_REPOSITORY_CLASS_H_
+#define LIB_REPOSITORY_CLASS_H_
+
+#include <qdxcore/interfaces.h>
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <boost/smart_ptr/enable_shared_from_this.hpp>
+#include <boost/weak_ptr.hpp>
+
+#include "instance_table.h"
+#include "method.h"
+#include "names.h"
+#include "property.h"
+#include "qualifier.h"
+
+namespace NVORNQDX20::NRepository {
+
+class TInstance;
+class TNamespace;
+
+/// Each property has a slot: those of the superclass keep theirs, an overriding declaration takes
+/// that of the overridden one. A committed class is closed, so its subclasses start from a copy of
+/// the slots, and its instances keep their values in a vector.
+class TClass final : public ICIMClass,
+                     public boost::enable_shared_from_this<TClass>,
+                     public IDescribed {
+ public:
+  /// The superclass is committed, or null.
+  TClass(TNamespace& ns, const std::string& name, TClass* superclass);
+
+  boost::shared_ptr<ICIMQualifier> AddQualifier(boost::shared_ptr<ICIMQualifierDecl> decl,
+                                                const TCIMValue& value) override;
+  void Commit(TOptionsMap options) override;
+  const std::string& GetName(TOptionsMap options) const override;
+  bool IsAssociation(TOptionsMap options) const override;
+  bool IsAbstract(TOptionsMap options) const override;
+  bool IsRootClass(TOptionsMap options) const override;
+  boost::shared_ptr<ICIMClass> GetSuperclass(TOptionsMap options) const override;
+  void EnumerateSubclasses(const TEnumerationCallback<ICIMClass>& callback, bool deep,
+                           TOptionsMap options) const override;
+  boost::shared_ptr<ICIMQualifier> GetQualifier(const std::string& name) const override;
+  void EnumerateQualifiers(const TEnumerationCallback<ICIMQualifier>& callback) const override;
+  boost::shared_ptr<ICIMPropertyDecl> CreatePropertyDecl(const std::string& name,
+                                                         const TCIMValue& defaultValue,
+                                                         TOptionsMap options) override;
+  boost::shared_ptr<const ICIMPropertyDecl> GetPropertyDecl(const std::string& name,
+                                                            TOptionsMap options) const override;
+  void EnumeratePropertyDecls(const TEnumerationCallback<ICIMPropertyDecl>& callback,
+                              TOptionsMap options) const override;
+  void SetStaticPropertyValue(const std::string& name, const TCIMValue& value,
+                              TOptionsMap options) override;
+  void EnumerateStaticProperties(const TEnumerationCallback<ICIMProperty>& callback,
+                                 TOptionsMap options) const override;
+  boost::shared_ptr<ICIMInstance> CreateInstance(TOptionsMap options) override;
+  boost::shared_ptr<ICIMInstance> GetInstance(const TCIMReference& path,
+                                              TOptionsMap options) const override;
+  void EnumerateInstances(const TEnumerationCallback<ICIMInstance>& callback, bool deep,
+                          TOptionsMap options) const override;
+  boost::shared_ptr<ICIMMethodDecl> CreateMethodDecl(const std::string& name,
+                                                     TCIMValue::TCIMType returnType,
+                                                     TOptionsMap options) override;
+  void EnumerateMethodDecls(const TEnumerationCallback<ICIMMethodDecl>& callback,
+                            TOptionsMap options) const override;
+
+  std::string Description() const override { return "class " + fName; }
+  const std::string& Name() const { return fName; }
+  TNamespace& Namespace() const { return fNamespace; }
+  TClass* Superclass() const { return fSuperclass; }
+  bool IsCommitted() const { return fCommitted; }
+  /// One owner for all who hold the class at a time: references order classes by it.
+  boost::shared_ptr<TClass> Handle() const;
+
+  void AddProperty(TPropertyDecl& decl);
+  void AddSubclass(TClass& subclass) { fSubclasses.push_back(&subclass); }
+  /// False if there is one with the same keys.
+  [[nodiscard]] bool AddInstance(const boost::shared_ptr<TInstance>& instance) {
+    return fInstances.Add(instance);
+  }
+
+  std::size_t SlotCount() const { return fProperties.Size(); }
+  /// Throws kQDXStatusNotFound if there is no property of that name.
+  std::size_t SlotOf(const std::string& name) const;
+  TPropertyDecl& DeclAt(std::size_t slot) const { return fProperties.At(slot); }
+  /// The static value of this class, which must have one.
+  const TCIMValue& ValueAt(std::size_t slot) const { return fStaticValues.at(slot); }
+  /// What an instance has that was given no value of its own.
+  const TCIMValue& InitialValueAt(std::size_t slot) const;
+  /// A value as it is stored for that property; throws kQDXStatusTypeMismatch if it is of another
+  /// type.
+  TCIMValue StoredValue(std::size_t slot, const TCIMValue& value) const;
+  bool IsKeySlot(std::size_t slot) const;
+  const std::vector<std::size_t>& KeySlots() const { return fInstances.KeySlots(); }
+
+ private:
+  std::vector<std::size_t> FindKeySlots() const;
+  const TMethodDecl* FindInheritedMethod(const std::string& name) const;
+  std::vector<const TClass*> WithDescendants() const;
+
+  TNamespace& fNamespace;
+  const std::string fName;
+  TClass* const fSuperclass;
+  std::vector<TClass*> fSubclasses;
+  TQualifierSet fQualifiers;
+  std::vector<std::unique_ptr<TPropertyDecl>> fOwnProperties;
+  TNameTable<TPropertyDecl> fProperties;  // by slot
+  std::map<std::size_t, TCIMValue> fStaticValues;
+  std::vector<std::unique_ptr<TMethodDecl>> fOwnMethods;
+  TNameTable<TMethodDecl> fMethods;
+  TInstanceTable fInstances;
+  bool fCommitted = false;
+  mutable boost::weak_ptr<TClass> fHandle;
+};
+
+}  // namespace NVORNQDX20::NRepository
+
+#endif  // LIB_REPOSITORY_CLASS_H_

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Qualifier declarations, and the qualifiers of one element.
+#ifndef LIB_REPOSITORY_QUALIFIER_H_
+#define LIB_REPOSITORY_QUALIFIER_H_
+
+#include <qdxcore/interfaces.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <boost/smart_ptr/enable_shared_from_this.hpp>
+
+#include "described.h"
+#include "names.h"
+
+namespace NVORNQDX20::NRepository {
+
+class TClass;
+class TNamespace;
+class TQualifierSet;
+
+class TQualifierDecl final : public ICIMQualifierDecl,
+                             public boost::enable_shared_from_this<TQualifierDecl>,
+                             public IDescribed {
+ public:
+  TQualifierDecl(TNamespace& ns, const std::string& name, const TCIMValue& defaultValue,
+                 std::uint32_t scope, std::uint32_t flavor);
+
+  void Commit() override;
+  const std::string& GetName() const override { return fName; }
+  const TCIMValue& GetDefaultValue() const override { return fDefaultValue; }
+  std::uint32_t GetScope() const override { return fScope; }
+  std::uint32_t GetFlavor() const override { return fFlavor; }
+
+  std::string Description() const override { return "qualifier declaration " + fName; }
+  const std::string& Name() const { return fName; }
+  bool HasFlavor(std::uint32_t bit) const { return (fFlavor & bit) != 0; }
+
+ private:
+  TNamespace& fNamespace;
+  const std::string fName;
+  const TCIMValue fDefaultValue;
+  const std::uint32_t fScope;
+  const std::uint32_t fFlavor;
+};
+
+class TQualifier final : public ICIMQualifier, public IDescribed {
+ public:
+  TQualifier(TQualifierSet& set, const TQualifierDecl& decl, const TCIMValue& value);
+
+  void Commit() override;
+  boost::shared_ptr<const ICIMQualifierDecl> GetDecl() const override;
+  const TCIMValue& GetValue() const override { return fValue; }
+
+  std::string Description() const override;
+  const std::string& Name() const { return fDecl.Name(); }
+  const TQualifierDecl& Decl() const { return fDecl; }
+
+ private:
+  TQualifierSet& fSet;
+  const TQualifierDecl& fDecl;
+  const TCIMValue fValue;
+};
+
+/// The qualifiers of a class, or of an element of it. Only committed ones are found and visited.
+class TQualifierSet {
+ public:
+  /// `overridden` is the set of the element that this one's overrides, or null.
+  TQualifierSet(const IDescribed& element, TClass& owner, const TQualifierSet* overridden)
+      : fElement(element), fOwner(owner), fOverridden(overridden) {}
+  TQualifierSet(const TQualifierSet&) = delete;
+  TQualifierSet& operator=(const TQualifierSet&) = delete;
+
+  boost::shared_ptr<ICIMQualifier> Add(const boost::shared_ptr<ICIMQualifierDecl>& decl,
+                                       const TCIMValue& value);
+  void Commit(TQualifier& qualifier);
+  /// Nothing is added or committed any more, as is the case once the class is committed.
+  void Close() { fClosed = true; }
+  /// Throws kQDXStatusInvalidOpSequence if it is closed.
+  void RequireOpen() const;
+
+  /// Null if there is none.
+  TQualifier* Find(const std::string& name) const { return fCommitted.Find(name); }
+  /// The one of the closest overridden element that has it, if its flavor lets it come down.
+  TQualifier* FindInherited(const std::string& name) const;
+  /// Whether a boolean qualifier stands here and is true.
+  bool IsTrue(const std::string& name) const;
+  void Enumerate(const TEnumerationCallback<ICIMQualifier>& callback) const;
+  boost::shared_ptr<ICIMQualifier> Handle(TQualifier* qualifier) const;
+
+  const IDescribed& Element() const { return fElement; }
+  TClass& Owner() const { return fOwner; }
+
+ private:
+  const IDescribed& fElement;
+  TClass& fOwner;
+  const TQualifierSet* const fOverridden;
+  std::vector<std::unique_ptr<TQualifier>> fQualifiers;
+  TNameTable<TQualifier> fCommitted;
+  bool fClosed = false;
+};
+
+}  // namespace NVORNQDX20::NRepository
+
+#endif  // LIB_REPOSITORY_QUALIFIER_H_

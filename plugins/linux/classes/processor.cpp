@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <map>
+#include <string_view>
+#include <utility>
+
+#include "logical_device.h"
+#include "machine/fields.h"
+#include "machine/numbers.h"
+#include "topics.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+using TType = TCIMValue::TCIMType;
+
+const char* const kPath = "/proc/cpuinfo";
+
+struct TSocket {
+  TFields fFields;       ///< Of its first logical processor.
+  std::uint64_t fFirst;  ///< The number of that one.
+  std::uint16_t fLogicalProcessors = 0;
+};
+
+/// A block of lines is one logical processor.
+std::string_view TakeBlock(std::string_view& text) {
+  const std::size_t end = text.find("\n\n");
+  const std::string_view block = text.substr(0, end);
+  text.remove_prefix(end == std::string_view::npos ? text.size() : end + 2);
+  return block;
+}
+
+/// By their numbers. Kernels without topology name no socket, and then there is one.
+std::map<std::uint64_t, TSocket> ParseSockets(std::string_view text) {
+  std::map<std::uint64_t, TSocket> sockets;
+  while (!text.empty()) {
+    TFields fields(kPath, TakeBlock(text), ':');
+    const TNumber number = fields.GetNumber("processor");
+    if (!number) continue;  // some architectures end with a block about the board
+    const std::uint64_t id = fields.GetNumber("physical id").fValue.value_or(0);
+    const auto added = sockets.try_emplace(id, TSocket{std::move(fields), *number.fValue});
+    ++added.first->second.fLogicalProcessors;
+  }
+  return sockets;
+}
+
+/// The kernel gives "2596.096".
+TNumber CurrentClockSpeed(const TFields& fields) {
+  TReading speed = fields.Get("cpu MHz");
+  if (speed) speed.fValue->resize(std::min(speed.fValue->find('.'), speed.fValue->size()));
+  return ToNumber(speed, std::string(kPath) + ": cpu MHz");
+}
+
+TNumber ReadMaxClockSpeed(const THostFiles& files, const TSocket& socket) {
+  return Scaled(ReadNumber(files, "/sys/devices/system/cpu/cpu" + std::to_string(socket.fFirst) +
+                                      "/cpufreq/cpuinfo_max_freq"),
+                1, 1000);
+}
+
+std::vector<TPropertySpec> ProcessorProperties() {
+  const char* const megahertz = "hertz * 10^6";
+  return {{"Manufacturer", TType::kCIMTypeString, false, "The maker, as the processor says."},
+          {"Stepping", TType::kCIMTypeString, false, "The revision within its model."},
+          {"Microcode", TType::kCIMTypeString, false, "The revision of the loaded microcode."},
+          {"MaxClockSpeed", TType::kCIMTypeUint32, false, "The highest clock speed.", megahertz},
+          {"CurrentClockSpeed", TType::kCIMTypeUint32, false,
+           "The clock speed of its first logical processor just now.", megahertz},
+          {"NumberOfEnabledCores", TType::kCIMTypeUint16, false, "The cores that are online."},
+          {"NumberOfLogicalProcessors", TType::kCIMTypeUint16, false,
+           "The threads of these cores that are online."}};
+}
+
+}  // namespace
+
+void AddProcessors(TNamespaceBuilder& builder, const THost& host) {
+  const auto processor = DeclareDeviceClass(
+      builder, "VORNSG_Processor", "A processor: what sits in one socket.", ProcessorProperties());
+  const TReading file = host.fFiles.Read(kPath, THostFiles::kMaxTableSize);
+  if (!file) builder.NoteMissingInstances(*processor, file.fReason);
+  for (const auto& [id, socket] : ParseSockets(file.fValue.value_or(std::string()))) {
+    const TFields& fields = socket.fFields;
+    const TNumber cores = fields.GetNumber("cpu cores");
+    AddDevice(builder, host, *processor, "CPU" + std::to_string(id),
+              {{"Name", fields.Get("model name")},
+               {"Manufacturer", fields.Get("vendor_id")},
+               {"Stepping", fields.Get("stepping")},
+               {"Microcode", fields.Get("microcode")},
+               {"MaxClockSpeed", NumberAs<std::uint32_t>(ReadMaxClockSpeed(host.fFiles, socket))},
+               {"CurrentClockSpeed", NumberAs<std::uint32_t>(CurrentClockSpeed(fields))},
+               {"NumberOfEnabledCores", NumberAs<std::uint16_t>(cores)},
+               {"NumberOfLogicalProcessors", socket.fLogicalProcessors}});
+  }
+}
+
+}  // namespace NVORNQDX20

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+/// How the command ends.
+#ifndef TOOLS_QDX_CLI_EXIT_CODE_H_
+#define TOOLS_QDX_CLI_EXIT_CODE_H_
+
+namespace NVORNQDX20 {
+
+/// Scripts depend on the numbers.
+enum EExitCode : int {
+  kExitDone = 0,       ///< Also: compared, and the same.
+  kExitDifferent = 1,  ///< Of verbs that compare.
+  kExitUsage = 2,
+  kExitPartlyDone = 3,  ///< A plug-in failed or warned, the rest was delivered.
+  kExitBadInput = 4,    ///< A folder or file that the operator named cannot be used, or
+                        ///< standard output cannot be written.
+  kExitNothingCollected = 5,
+  kExitTransferFailed = 6
+};
+
+}  // namespace NVORNQDX20
+
+#endif  // TOOLS_QDX_CLI_EXIT_CODE_H_

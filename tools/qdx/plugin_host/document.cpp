@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "document.h"
+
+#include <qdxcore/logger.h>
+#include <qdxcore/registry.h>
+
+#include <algorithm>
+#include <functional>
+#include <iterator>
+#include <optional>
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/algorithm/string/replace.hpp>
+
+#include "cli/output.h"
+#include "crash_note.h"
+#include "libraries.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+const char* const kService = "cimxml";
+
+/// Unless it is there already.
+void LoadReader() {
+  for (const auto& provider : RegisteredProviders()) {
+    if (NameOf(*provider) == kService) return;
+  }
+  const TProviderLibrary library = LoadProviderLibrary(kService);
+  if (library.fFailure) {
+    throw TCommandFailure(kExitNothingCollected,
+                          FailureLine("loading provider", kService, *library.fFailure));
+  }
+}
+
+TNamespaces NamespacesIn(const TOptionsMap& options) {
+  const auto provider = TRootObject::GetNamespaceProviderManager()->GetNamespaceProvider(kService);
+  TNamespaces namespaces;
+  provider->EnumerateNamespaceNames(
+      [&](const std::string& name) {
+        namespaces.push_back(provider->GetNamespace(name, options));
+        return true;
+      },
+      options);
+  return namespaces;
+}
+
+/// Like Try; and whatever the log is to hold, the operator must learn what a plug-in warned of,
+/// such as a value that was changed. The warnings become lines.
+std::optional<TFailure> TryAndListen(const std::function<void()>& action,
+                                     std::vector<std::string>& warnings) {
+  ILogger& logger = *TRootObject::GetCoreLogger();
+  const auto loggedBefore = static_cast<std::ptrdiff_t>(logger.GetLog().size());
+  const auto threshold = logger.GetLogThreshold();
+  logger.SetLogThreshold(std::max(threshold, ILogger::kLogWarning));
+  auto failure = Try(action);
+  logger.SetLogThreshold(threshold);
+  const auto& log = logger.GetLog();
+  for (auto entry = std::next(log.begin(), loggedBefore); entry != log.end(); ++entry) {
+    if (entry->fSeverity == ILogger::kLogWarning) warnings.push_back(entry->fMessage);
+  }
+  return failure;
+}
+
+}  // namespace
+
+TNamespaces ReadDocument(const std::string& file) {
+  LoadReader();
+  const TCrashNote note("reading document", file);
+  TNamespaces namespaces;
+  std::vector<std::string> warnings;
+  const auto failure = TryAndListen(
+      [&] {
+        namespaces = NamespacesIn({{"file", TCIMValue(file)}});
+      },
+      warnings);
+  for (const std::string& warning : warnings) PrintError(warning);
+  if (failure) {
+    throw TCommandFailure(kExitBadInput, FailureLine("reading document", file, *failure));
+  }
+  return namespaces;
+}
+
+const char* const TDocumentWriter::kDefaultConsumer = kService;
+
+TDocumentWriter::TDocumentWriter(const std::string& consumer) : fName(consumer) {
+  const TConsumerLibrary library = LoadConsumerLibrary(consumer);
+  fConsumer = library.fConsumer;
+  if (!library.fFailure) return;
+  // Any other one was named by the operator.
+  throw TCommandFailure(consumer == kService ? kExitNothingCollected : kExitBadInput,
+                        FailureLine("loading consumer", consumer, *library.fFailure));
+}
+
+std::optional<TRefusal> TDocumentWriter::Write(const TNamespaces& namespaces,
+                                               const std::string& file,
+                                               const std::string& shownAs) {
+  const auto shown = [&](const std::string& message) {
+    return file == "-" ? message : boost::algorithm::replace_all_copy(message, file, shownAs);
+  };
+  const TCrashNote note("writing document", shownAs);
+  std::size_t index = 0;
+  std::vector<std::string> warnings;
+  auto failure = TryAndListen(
+      [&] {
+        for (; index < namespaces.size(); ++index) {
+          const bool more = index + 1 < namespaces.size();
+          fConsumer->Consume(namespaces[index],
+                             {{"file", TCIMValue(file)}, {"more", TCIMValue(more)}});
+        }
+      },
+      warnings);
+  if (failure) failure->fWhy = Blame(shown(failure->fWhy));
+  // What the file system does not take of one namespace, it will not take of another.
+  if (failure && failure->fStatus != kQDXStatusFileSystemError) return TRefusal{index, *failure};
+  fHasWarned = fHasWarned || !warnings.empty();
+  for (const std::string& warning : warnings) PrintError(shown(warning));
+  if (!failure) return std::nullopt;
+  if (file == "-" && !OutputHasReader()) throw TCommandFailure(kExitBadInput, "");
+  throw TCommandFailure(kExitBadInput, FailureLine("writing document", shownAs, *failure));
+}
+
+/// Many plug-ins name themselves.
+std::string TDocumentWriter::Blame(const std::string& why) const {
+  return boost::algorithm::starts_with(why, fName + ":") ? why : "consumer " + fName + ": " + why;
+}
+
+}  // namespace NVORNQDX20

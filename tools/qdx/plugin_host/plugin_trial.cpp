@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "plugin_trial.h"
+
+#include <qdxcore/logger.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "cli/failure.h"
+#include "crash_note.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+constexpr std::chrono::seconds kPatience{10};
+constexpr std::size_t kLongestText = 300;
+
+/// An odd one: a plug-in that ends the process itself hardly chooses it.
+constexpr int kCameBack = 113;
+
+[[noreturn]] void SayWhyAndAbort() {
+  const std::string reason = ErrorLoggedSince(0);
+  if (reason.empty()) __gnu_cxx::__verbose_terminate_handler();
+  std::fputs(reason.c_str(), stderr);
+  std::abort();
+}
+
+/// What is printed or logged will be again when the library is loaded for good.
+void TurnAside(int end) {
+  ::fcntl(end, F_SETFL, O_NONBLOCK);  // its text must not wait until another trial is done
+  const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+  ::dup2(nowhere, STDOUT_FILENO);
+  ::dup2(end, STDERR_FILENO);
+  TLogger::Initialize();  // writes no file
+  LeaveCrashesToOthers();
+  std::set_terminate(SayWhyAndAbort);
+}
+
+std::string HowItEnded(int status) {
+  if (WIFEXITED(status)) return "ended it with status " + std::to_string(WEXITSTATUS(status));
+  const char* const name = ::sigabbrev_np(WTERMSIG(status));  // real-time signals have none
+  return "ended it with signal " + (name == nullptr ? std::to_string(WTERMSIG(status)) : name);
+}
+
+std::string OnOneLine(std::string text) {
+  while (!text.empty() && text.back() == '\n') text.pop_back();
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  if (text.size() > kLongestText) text.replace(kLongestText, std::string::npos, "...");
+  return text.empty() ? text : ": " + text;
+}
+
+}  // namespace
+
+TPluginTrial::TPluginTrial(const std::string& file, const std::function<void()>& load)
+    : fFile(file),
+      fDeadline(std::chrono::steady_clock::now() + kPatience),
+      fWorker([&load](int end) {
+        TurnAside(end);
+        (void)Try(load);
+        return kCameBack;
+      }) {}
+
+void TPluginTrial::RequireSuccess() {
+  if (!fWorker.IsRunning()) return;
+  const bool ended = fWorker.EndsBy(fDeadline);
+  const int status = fWorker.Status();
+  if (ended && WIFEXITED(status) && WEXITSTATUS(status) == kCameBack) return;
+  const std::string how =
+      ended ? HowItEnded(status) + OnOneLine(fWorker.Text()) : "did not come back";
+  LogErrorAndThrow(kQDXStatusInvalidPlugin,
+                   {fFile, " was tried in a process of its own and ", how});
+}
+
+}  // namespace NVORNQDX20

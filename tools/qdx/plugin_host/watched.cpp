@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "watched.h"
+
+#include <cerrno>
+#include <new>
+#include <system_error>
+
+#include <sys/wait.h>
+
+#include "cli/failure.h"
+#include "worker.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+using TClock = std::chrono::steady_clock;
+
+/// No EExitCode: the only failure that the action has not reported itself.
+constexpr int kOutOfMemory = 113;
+
+int ExitCodeOf(const std::function<void()>& action) {
+  try {
+    action();
+    return kExitDone;
+  } catch (const TCommandFailure& failure) {
+    PrintError(failure.what());
+    return failure.GetExitCode();
+  } catch (const std::bad_alloc&) {
+    return kOutOfMemory;
+  }
+}
+
+/// Whether it ended by itself. Where nothing tells how far it is, it has all the time it wants.
+bool EndsByItself(TWorker& worker, std::chrono::seconds patience) {
+  std::string count;
+  auto moved = TClock::now();
+  while (!worker.EndsBy(TClock::now() + std::chrono::milliseconds(500))) {
+    std::string now = worker.CountOfBytes();
+    if (now.empty() || now != count) {
+      count.swap(now);
+      moved = TClock::now();
+    } else if (TClock::now() - moved >= patience) {
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+void RunWatched(const std::string& tried, const std::string& on, std::chrono::seconds patience,
+                const std::function<void()>& action) {
+  const auto fail = [&](EQDXStatusCode status, const std::string& why) {
+    throw TCommandFailure(kExitTransferFailed, FailureLine(tried, on, {status, why}));
+  };
+  TWorker worker([&action](int) { return ExitCodeOf(action); });
+  if (!worker.IsRunning()) fail(kQDXStatusFail, std::generic_category().message(errno));
+  if (!EndsByItself(worker, patience)) {
+    fail(kQDXStatusConnectionFailed,
+         "nothing moved for " + std::to_string(patience.count()) + " seconds");
+  }
+  const int status = worker.Status();
+  if (!WIFEXITED(status)) fail(kQDXStatusFail, "a signal ended it");
+  if (WEXITSTATUS(status) == kOutOfMemory) fail(kQDXStatusOutOfMemory, "out of memory");
+  const auto code = static_cast<EExitCode>(WEXITSTATUS(status));
+  if (code != kExitDone) throw TCommandFailure(code, "");
+}
+
+}  // namespace NVORNQDX20

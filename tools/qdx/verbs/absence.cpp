@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "absence.h"
+
+#include "cli/failure.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+std::string Text(const ICIMInstance& instance, const char* property) {
+  return instance.GetProperty(property, TOptionsMap())->GetValue();
+}
+
+}  // namespace
+
+TAbsenceReasons ReadAbsenceReasons(const ICIMNamespace& ns) {
+  TAbsenceReasons reasons;
+  // A reason that cannot be read is only a reason less: the status of the value itself is shown.
+  (void)Try([&] {
+    const auto absence = ns.GetClass("VORNSG_UnavailableValue", TOptionsMap());
+    if (!absence) return;
+    absence->EnumerateInstances(
+        [&reasons](boost::shared_ptr<ICIMInstance> instance) {
+          reasons.emplace(std::tuple(Text(*instance, "ClassName"), Text(*instance, "Instance"),
+                                     Text(*instance, "PropertyName")),
+                          Text(*instance, "Reason"));
+          return true;
+        },
+        false, TOptionsMap());
+  });
+  return reasons;
+}
+
+}  // namespace NVORNQDX20

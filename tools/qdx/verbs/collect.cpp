@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/copy.h>
+#include <qdxcore/logger.h>
+#include <qdxcore/os_specific.h>
+#include <qdxcore/schema_helper.h>
+#include <qdxrepository/repository.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstddef>
+#include <ctime>
+#include <filesystem>
+#include <locale>
+#include <system_error>
+
+#include <boost/algorithm/string/predicate.hpp>
+
+#include "cli/new_file.h"
+#include "cli/output.h"
+#include "cli/progress.h"
+#include "collection_record.h"
+#include "plugin_host/document.h"
+#include "plugin_host/libraries.h"
+#include "plugin_host/live_machine.h"
+#include "verbs.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool IsNamed(const ICIMNamespace& ns, const std::string& name) {
+  return boost::algorithm::iequals(ns.GetName(TOptionsMap()), name, std::locale::classic());
+}
+
+bool IsEmpty(const ICIMNamespace& ns) {
+  bool empty = true;
+  const auto visit = [&empty](const boost::shared_ptr<ICIMClass>&) {
+    empty = false;
+    return false;
+  };
+  ns.EnumerateClasses(visit, TOptionsMap());
+  return empty;
+}
+
+/// What a provider delivered.
+struct TCopy {
+  TOrigin fOrigin;
+  boost::shared_ptr<ICIMNamespace> fNamespace;
+};
+using TCopies = std::vector<TCopy>;
+
+/// What was copied before a failure stays.
+TCopies CopyNamespaces(TLiveMachine& machine) {
+  TCopies copies;
+  machine.VisitNamespaces("copying", [&copies](const TOrigin& origin, const auto& ns) {
+    const auto copy = MakeRepositoryNamespace(origin.fNamespace);
+    if (IsNamed(*copy, kRecordNamespaceName)) {
+      LogErrorAndThrow(kQDXStatusAlreadyExists, {"the record of the collection has this name"});
+    }
+    copies.push_back({origin, copy});
+    const std::string label = "collecting " + origin.fProvider + " " + origin.fNamespace;
+    TCIMCopy::CopyClasses(ns, WithProgress(copy, label));
+  });
+  const auto begin = copies.begin();
+  const auto isEmpty = [](const TCopy& copy) { return IsEmpty(*copy.fNamespace); };
+  copies.erase(std::remove_if(begin, copies.end(), isEmpty), copies.end());
+  return copies;
+}
+
+/// The name that the collected machine gives itself. Empty if it is not known: that of the machine
+/// which this command runs on would be wrong for one below another root folder.
+std::string HostName(const TCopies& copies, const std::string& root) {
+  std::string name;
+  for (const TCopy& copy : copies) {
+    if (!IsNamed(*copy.fNamespace, kMachineNamespace)) continue;
+    (void)Try([&] { name = TCIMSchemaHelper::GetSystemName(copy.fNamespace); });
+  }
+  if (name.empty() && root == "/") (void)Try([&] { name = TOSSpecific::GetMachineName(); });
+  return name;
+}
+
+/// A host name comes from anywhere: what is not known to be harmless in a file name is replaced.
+std::string DefaultName(const std::string& hostName) {
+  std::string file = hostName.empty() ? "unknown" : hostName.substr(0, 64);
+  for (char& c : file) {
+    const bool harmless = std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '.' || c == '_';
+    if (!harmless) c = '-';
+  }
+  // Neither hidden nor taken for an option.
+  if (file[0] == '.' || file[0] == '-') file[0] = '_';
+  char stamp[sizeof("-YYYYMMDDTHHMMSS")];
+  const std::time_t now = std::time(nullptr);
+  std::tm local = {};
+  std::strftime(stamp, sizeof(stamp), "-%Y%m%dT%H%M%S", ::localtime_r(&now, &local));
+  return file + stamp;
+}
+
+/// A device, a pipe, a folder: nothing that a file could be put in the place of.
+bool IsNoFile(const std::string& path) {
+  std::error_code error;
+  return fs::exists(path, error) && !fs::is_regular_file(path, error);
+}
+
+[[noreturn]] void FailToCollect(const TLiveMachine& machine, const std::string& why) {
+  throw TCommandFailure(kExitNothingCollected,
+                        FailureLine("collecting", machine.GetRoot(), {kQDXStatusNotFound, why}));
+}
+
+/// What goes into a document, and how it gets there.
+class TCollection {
+ public:
+  TCollection(TLiveMachine& machine, TDocumentWriter& writer)
+      : fMachine(machine),
+        fWriter(writer),
+        fCopies(CopyNamespaces(machine)),
+        fHostName(HostName(fCopies, machine.GetRoot())) {
+    if (fCopies.empty()) FailToCollect(machine, "no provider delivered anything");
+  }
+
+  /// Under a name that no file has yet.
+  void WriteByDefaultName() {
+    const std::string name = DefaultName(fHostName);
+    std::string file = name + kDefaultSuffix;
+    TNewFile newFile(".", kDefaultSuffix, file);
+    Write(newFile, file);
+    for (int number = 2; !newFile.PublishIfNew(file); ++number) {
+      file = name + "-" + std::to_string(number) + kDefaultSuffix;
+    }
+    WriteFileName(file);
+  }
+
+  void WriteTo(const std::string& file) {
+    if (file == "-") return WriteAsItStands(file, "standard output");
+    if (IsNoFile(file)) return WriteAsItStands(file, file);
+    const fs::path path = fs::absolute(FileToReplace(file));
+    // Consumers may tell the form of a file by how its name ends.
+    const std::size_t suffix = std::min(file.rfind('.'), file.size());
+    TNewFile newFile(path.parent_path().string(),
+                     file.find('/', suffix) == std::string::npos ? file.substr(suffix) : "", file);
+    Write(newFile, file);
+    newFile.Publish(path.string());
+    WriteFileName(file);
+  }
+
+ private:
+  static constexpr const char* kDefaultSuffix = ".xml.gz";
+
+  TNamespaces NamespacesAndRecord() const {
+    TNamespaces namespaces;
+    for (const TCopy& copy : fCopies) namespaces.push_back(copy.fNamespace);
+    namespaces.push_back(MakeCollectionRecord(fMachine, fHostName));
+    return namespaces;
+  }
+
+  /// What the consumer refuses is left out: the document begins anew.
+  void Write(const TNewFile& newFile, const std::string& shownAs) {
+    while (const auto refusal = fWriter.Write(NamespacesAndRecord(), newFile.GetPath(), shownAs)) {
+      LeaveOut(*refusal, shownAs);
+      if (fCopies.empty()) FailToCollect(fMachine, "the consumer takes nothing of it");
+      fs::resize_file(newFile.GetPath(), 0);
+    }
+  }
+
+  /// What is already written cannot be taken back.
+  void WriteAsItStands(const std::string& file, const std::string& shownAs) {
+    const auto refusal = fWriter.Write(NamespacesAndRecord(), file, shownAs);
+    if (!refusal) return;
+    LeaveOut(*refusal, shownAs);
+    throw TCommandFailure(kExitBadInput, "");
+  }
+
+  void LeaveOut(const TRefusal& refusal, const std::string& shownAs) {
+    if (refusal.fIndex == fCopies.size()) {  // the record
+      throw TCommandFailure(kExitBadInput,
+                            FailureLine("writing document", shownAs, refusal.fFailure));
+    }
+    const auto refused = fCopies.begin() + static_cast<std::ptrdiff_t>(refusal.fIndex);
+    fMachine.AddFailure({refused->fOrigin, "writing", refusal.fFailure});
+    fCopies.erase(refused);
+  }
+
+  TLiveMachine& fMachine;
+  TDocumentWriter& fWriter;
+  TCopies fCopies;
+  const std::string fHostName;
+};
+
+EExitCode RunCollect(const TArguments& arguments) {
+  const std::string consumer = arguments.Get("consumer", TDocumentWriter::kDefaultConsumer);
+  if (consumer != TDocumentWriter::kDefaultConsumer && !arguments.Has("output")) {
+    throw TCommandFailure(kExitUsage, "option '--consumer' needs option '--output'");
+  }
+  TLiveMachine machine(arguments);
+  TDocumentWriter writer(consumer);
+  TCollection collection(machine, writer);
+  arguments.Has("output") ? collection.WriteTo(arguments.Get("output", ""))
+                          : collection.WriteByDefaultName();
+  return machine.GetFailures().empty() && !writer.HasWarned() ? kExitDone : kExitPartlyDone;
+}
+
+std::vector<TOptionSpec> CollectOptions() {
+  std::vector<TOptionSpec> options = {
+      {"output", "FILE", "Write this file; '-' is standard output.", 'o'},
+      {"consumer", "NAME", "Write by this consumer plug-in, not as a CIM-XML document."}};
+  const auto machine = TLiveMachine::Options();
+  options.insert(options.end(), machine.begin(), machine.end());
+  return options;
+}
+
+}  // namespace
+
+TVerb CollectVerb() {
+  return {
+      "collect", "Writes all that the providers know of this machine into a CIM-XML document.",
+      "The document appears whole or not at all, readable by its owner alone; a name that ends\n"
+      "in .gz makes it a compressed one. Without --output it is\n"
+      "HOSTNAME-YYYYMMDDTHHMMSS.xml.gz in the current folder. Its name is printed.\n"
+      "Another consumer writes whatever it makes of the namespaces into that file.\n"
+      "A provider that fails, or a namespace that cannot be written, is named, on standard\n"
+      "error and in the document.\n",
+      CollectOptions(), RunCollect};
+}
+
+}  // namespace NVORNQDX20

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "command.h"
+
+#include <qdxcore/config.h>
+#include <qdxcore/logger.h>
+#include <qdxcore/registry.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+
+#include "cli/arguments.h"
+#include "cli/failure.h"
+#include "cli/output.h"
+#include "verbs.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+/// Options may stand before the verb: one parse with the options of all verbs finds it, since an
+/// option that two verbs have takes a value in both or in neither.
+TArguments ParseAll(const std::vector<std::string>& words) {
+  std::vector<TOptionSpec> options = CommonOptions();
+  for (const TVerb& verb : AllVerbs()) {
+    options.insert(options.end(), verb.fOptions.begin(), verb.fOptions.end());
+  }
+  return ParseArguments(options, words);
+}
+
+ILogger::EQDXLogSeverity SeverityNamed(const std::string& name) {
+  // In the order of the severities.
+  const std::vector<std::string> names = {"error", "warning", "status", "debug", "verbose"};
+  const auto found = std::find(names.begin(), names.end(), name);
+  if (found == names.end()) throw TCommandFailure(kExitUsage, "unknown log level '" + name + "'");
+  return static_cast<ILogger::EQDXLogSeverity>(found - names.begin());
+}
+
+void SetUpLog(const TArguments& arguments) {
+  ILogger& logger = *TRootObject::GetCoreLogger();
+  logger.SetLogThreshold(SeverityNamed(arguments.Get("log-level", "status")));
+  if (!arguments.Has("log")) return;
+  const std::string file = arguments.Get("log", "");
+  errno = 0;
+  auto failure = Try([&] { logger.SetLogFilename(file); });
+  // The status does not tell a missing folder from a full disk; the system's own word does.
+  if (failure && errno != 0) failure->fWhy = std::generic_category().message(errno);
+  if (failure) throw TCommandFailure(kExitBadInput, FailureLine("opening log", file, *failure));
+}
+
+/// "qdx help" and "qdx help VERB".
+EExitCode RunHelp(const std::vector<std::string>& operands) {
+  if (operands.size() > 2) {
+    throw TCommandFailure(kExitUsage, "unexpected argument '" + operands[2] + "'");
+  }
+  WriteOutput(operands.size() < 2 ? GeneralHelp() : HelpFor(FindVerb(operands[1])));
+  return kExitDone;
+}
+
+EExitCode RunVerb(const TVerb& verb, TArguments arguments) {
+  const std::vector<TOptionSpec> options = OptionsOf(verb);
+  for (const auto& [name, values] : arguments.fOptions) {
+    const auto has = [&name = name](const TOptionSpec& option) { return name == option.fName; };
+    if (std::none_of(options.begin(), options.end(), has)) {
+      throw TCommandFailure(kExitUsage,
+                            std::string(verb.fName) + " has no option '--" + name + "'");
+    }
+  }
+  arguments.fOperands.erase(arguments.fOperands.begin());  // the verb itself
+  CheckOperands(verb.fName, verb.fOperands, arguments.fOperands);
+  SetUpLog(arguments);
+  return verb.fRun(arguments);
+}
+
+}  // namespace
+
+EExitCode RunCommand(const std::vector<std::string>& words) {
+  const TArguments arguments = ParseAll(words);
+  const std::vector<std::string>& operands = arguments.fOperands;
+  if (arguments.Has("version")) {
+    WriteOutput("qdx " QDXCORE_VERSION "\n");
+    return kExitDone;
+  }
+  if (!operands.empty() && operands[0] == "help") return RunHelp(operands);
+  if (arguments.Has("help")) {
+    WriteOutput(operands.empty() ? GeneralHelp() : HelpFor(FindVerb(operands[0])));
+    return kExitDone;
+  }
+  if (operands.empty()) throw TCommandFailure(kExitUsage, "no verb is given");
+  return RunVerb(FindVerb(operands[0]), arguments);
+}
+
+}  // namespace NVORNQDX20

@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <utility>
+
+#include <qdxsnapshot/compare.h>
+#include "cli/failure.h"
+#include "cli/output.h"
+#include "cli/terminal.h"
+#include "plugin_host/document.h"
+#include "verbs.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+std::vector<TNamespaceSnapshot> ReadSnapshot(const std::string& file) {
+  std::vector<TNamespaceSnapshot> snapshot;
+  for (const auto& ns : ReadDocument(file)) {
+    snapshot.push_back({ns->GetName(TOptionsMap()), {}});
+    TSnapshotReader(*ns, kValues, snapshot.back().fClasses).ReadAll();
+    SortSnapshot(snapshot.back().fClasses);
+  }
+  return snapshot;
+}
+
+/// As JSON calls them, in their order.
+const char* const kElements[] = {"namespace",   "class",    "superclass",
+                                 "declaration", "instance", "value"};
+const char* const kChanges[] = {"removed", "added", "changed"};
+
+bool IsOfClass(const TDifference& difference) {
+  return difference.fElement == TDifference::kClass ||
+         difference.fElement == TDifference::kSuperclass ||
+         difference.fElement == TDifference::kDeclaration;
+}
+
+/// Whether it is one within an element that both sides have.
+bool HasOldAndNew(const TDifference& difference) {
+  return difference.fElement == TDifference::kSuperclass ||
+         difference.fElement == TDifference::kDeclaration ||
+         difference.fElement == TDifference::kValue;
+}
+
+TJSON AsJSON(const TDifference& difference) {
+  TJSON json = {{"change", kChanges[difference.fChange]},
+                {"element", kElements[difference.fElement]},
+                {"namespace", difference.fNamespace}};
+  if (difference.fElement == TDifference::kNamespace) return json;
+  json[IsOfClass(difference) ? "class" : "path"] = difference.fOwner;
+  if (!HasOldAndNew(difference)) return json;
+  if (difference.fElement != TDifference::kSuperclass) json["property"] = difference.fProperty;
+  json["old"] = difference.fOld;
+  json["new"] = difference.fNew;
+  return json;
+}
+
+/// The listing for people: a heading for each namespace; for each element that is not on both sides
+/// a line of its own; and for what differs within one its line, and a line for each property.
+class TListing {
+ public:
+  void Add(const TDifference& difference) {
+    if (difference.fNamespace != fNamespace) {
+      fNamespace = difference.fNamespace;
+      fOwner.clear();
+      AddLine({{fNamespace}, TTableRow::kHeading});
+    }
+    if (!HasOldAndNew(difference)) {
+      AddLine({{MarkOf(difference) + NameOf(difference)}, StyleOf(difference)});
+      return;
+    }
+    const std::string owner = NameOf(difference);
+    if (owner != fOwner) AddLine({{"~ " + owner}});
+    fOwner = owner;
+    const bool isSuperclass = difference.fElement == TDifference::kSuperclass;
+    const std::string changed = isSuperclass ? "(superclass)" : difference.fProperty;
+    fRows.push_back({{"    " + MarkOf(difference) + changed, ChangeOf(difference)}});
+  }
+
+  std::string Finish() {
+    EndTable();
+    return fText;
+  }
+
+ private:
+  static std::string MarkOf(const TDifference& difference) {
+    static const char* const kMarks[] = {"- ", "+ ", "~ "};
+    return kMarks[difference.fChange];
+  }
+  static TTableRow::EStyle StyleOf(const TDifference& difference) {
+    return difference.fChange == TDifference::kRemoved ? TTableRow::kRemoved : TTableRow::kAdded;
+  }
+  static std::string NameOf(const TDifference& difference) {
+    if (difference.fElement == TDifference::kNamespace) return "namespace " + difference.fNamespace;
+    return (IsOfClass(difference) ? "class " : "") + difference.fOwner;
+  }
+  static std::string ChangeOf(const TDifference& difference) {
+    if (difference.fChange == TDifference::kRemoved) return PlainText(difference.fOld);
+    if (difference.fChange == TDifference::kAdded) return PlainText(difference.fNew);
+    return PlainText(difference.fOld) + " -> " + PlainText(difference.fNew);
+  }
+
+  void AddLine(const TTableRow& row) {
+    EndTable();
+    fText += FormatTable({row});
+  }
+  /// The properties of one element are aligned among themselves.
+  void EndTable() {
+    fText += FormatTable(fRows);
+    fRows.clear();
+  }
+
+  std::string fText;
+  std::string fNamespace;
+  std::string fOwner;
+  std::vector<TTableRow> fRows;
+};
+
+EExitCode RunDiff(const TArguments& arguments) {
+  const std::string a = arguments.Operand(0);
+  const std::string b = arguments.Operand(1);
+  if (a == "-" && b == "-") {
+    throw TCommandFailure(kExitUsage, "only one of the two can be standard input");
+  }
+  auto inA = ReadSnapshot(a);
+  auto inB = ReadSnapshot(b);
+  const auto differences = Compare(std::move(inA), std::move(inB), arguments.Has("all"));
+  if (arguments.Has("json")) {
+    TJSON list = TJSON::array();
+    for (const TDifference& difference : differences) list.push_back(AsJSON(difference));
+    WriteJSON({{"a", a}, {"b", b}, {"differences", list}});
+  } else {
+    TListing listing;
+    for (const TDifference& difference : differences) listing.Add(difference);
+    WriteOutput(listing.Finish());
+  }
+  return differences.empty() ? kExitDone : kExitDifferent;
+}
+
+}  // namespace
+
+TVerb DiffVerb() {
+  return {"diff",
+          "Compares two documents; the exit status is 1 if they differ.",
+          "A and B are CIM-XML documents, '-' is standard input. Instances are matched by their\n"
+          "object paths, wherever they stand in the document. '-' marks what only A has, '+' what\n"
+          "only B has, '~' what changed, with the old and the new value.\n"
+          "Properties that change while a machine just runs (uptime, the time, counters, free\n"
+          "memory and the like; the manual page has the list) are left out.\n",
+          {{"json", nullptr, "Print one JSON object."},
+           {"all", nullptr, "Compare the properties that always change as well."}},
+          RunDiff,
+          {{"A"}, {"B"}}};
+}
+
+}  // namespace NVORNQDX20

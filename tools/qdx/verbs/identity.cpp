@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/schema_helper.h>
+
+#include <algorithm>
+
+#include <nlohmann/json.hpp>
+
+#include "absence.h"
+#include "cli/output.h"
+#include "cli/terminal.h"
+#include "plugin_host/crash_note.h"
+#include "plugin_host/libraries.h"
+#include "plugin_host/live_machine.h"
+#include "verbs.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+using TJSON = nlohmann::ordered_json;
+using THelper = TCIMSchemaHelper;
+using TNamespace = boost::shared_ptr<ICIMNamespace>;
+using TQuery = std::function<TJSON(TNamespace)>;
+
+const char* const kProductClassName = "VORNSG_QDXProduct";
+
+/// One line of the answer. Class and property are those whose absence the namespace may explain.
+struct TItem {
+  const char* fKey;
+  const char* fLabel;
+  std::string fClass;
+  const char* fProperty;
+  TQuery fQuery;
+  const char* fMisfit = nullptr;  ///< What kQDXStatusInvalidFormat means here.
+  TQuery fRawQuery = nullptr;     ///< Answers instead then, with that remark.
+};
+
+struct TAnswer {
+  TItem fItem;
+  TJSON fValue;         ///< Null if it is absent.
+  std::string fRemark;  ///< Why it is absent, or what is odd about it.
+};
+
+/// "xxx" stands for a model that the product name leaves open: that is none to show.
+std::string QueryModel(TNamespace ns) {
+  std::string model = THelper::GetModelNumber(ns);
+  if (model == "xxx") throw TQDXException(kQDXStatusInvalidFormat);
+  return model;
+}
+
+std::string QuerySerialNumber(TNamespace ns) { return THelper::GetSerialNumber(ns, TOptionsMap()); }
+
+std::string QueryRawSerialNumber(TNamespace ns) {
+  return THelper::GetRawSerialNumberString(ns, TOptionsMap());
+}
+
+std::string QueryVersion(TNamespace ns) { return THelper::GetDataSourceVersion(ns, TOptionsMap()); }
+
+std::vector<TItem> Items() {
+  const std::string& system = THelper::kSystemCreationClassName;
+  const std::string& os = THelper::kOperatingSystemCreationClassName;
+  const char* const noMTM = "the product name carries none";
+  return {
+      {"systemName", "System name", system, "Name", THelper::GetSystemName},
+      {"productName", "Product name", system, "ProductName", THelper::GetSystemProductName},
+      {"machineType", "Machine type", system, "ProductName", THelper::GetMachineType, noMTM},
+      {"model", "Model", system, "ProductName", QueryModel, noMTM},
+      {"serialNumber", "Serial number", system, "SerialNumber", QuerySerialNumber,
+       "not seven letters or digits", QueryRawSerialNumber},
+      {"operatingSystem", "Operating system", os, "Name", THelper::GetOperatingSystemName},
+      {"version", "Version", os, "Version", THelper::GetOperatingSystemVersion},
+      {"osType", "OS type", os, "OSType", THelper::GetOperatingSystemType},
+      {"qdxVersion", "QDX version", kProductClassName, "Version", QueryVersion},
+  };
+}
+
+TAnswer Ask(const TItem& item, TNamespace ns, const TAbsenceReasons& reasons) {
+  const TCrashNote note("asking for", item.fLabel);
+  TJSON value;
+  auto failure = Try([&] { value = item.fQuery(ns); });
+  if (failure && failure->fStatus == kQDXStatusInvalidFormat && item.fMisfit != nullptr) {
+    failure->fWhy = item.fMisfit;
+    if (item.fRawQuery) return {item, item.fRawQuery(ns), item.fMisfit};
+  }
+  // A key cannot be null: an empty text is one that the machine does not have.
+  if (!failure && value != "") return {item, value, ""};
+  const auto reason = reasons.find({item.fClass, "", item.fProperty});
+  if (reason != reasons.end()) return {item, nullptr, reason->second};
+  return {item, nullptr, failure ? failure->Text() : "empty"};
+}
+
+/// The version of this program is always known and tells nothing about the machine.
+bool TellsOfTheMachine(const TAnswer& answer) {
+  return !answer.fValue.is_null() && answer.fItem.fClass != kProductClassName;
+}
+
+std::string TextOf(const TJSON& value) {
+  if (value.is_null()) return "-";
+  if (value.is_string()) return value.get<std::string>();
+  return value == 36 ? "36 (LINUX)" : value.dump();  // the only number is the OS type
+}
+
+void WriteForPeople(const std::vector<TAnswer>& answers) {
+  std::vector<TTableRow> rows;
+  for (const auto& [item, value, remark] : answers) {
+    const std::string text = TextOf(value) + (remark.empty() ? "" : "  (" + remark + ")");
+    rows.push_back({{item.fLabel, text}, value.is_null() ? TTableRow::kDim : TTableRow::kPlain});
+  }
+  WriteOutput(FormatTable(rows));
+}
+
+void WriteAsJSON(const std::vector<TAnswer>& answers) {
+  TJSON document;
+  TJSON absent = TJSON::object();
+  TJSON notes = TJSON::object();
+  for (const auto& [item, value, remark] : answers) {
+    document[item.fKey] = value;
+    if (!remark.empty()) (value.is_null() ? absent : notes)[item.fKey] = remark;
+  }
+  document["absent"] = absent;
+  document["notes"] = notes;
+  WriteJSON(document);
+}
+
+EExitCode FailToDescribe(const std::string& root, const std::string& why) {
+  PrintError(FailureLine("describing the machine", root, {kQDXStatusNotFound, why}));
+  return kExitNothingCollected;
+}
+
+EExitCode RunIdentity(const TArguments& arguments) {
+  const std::string root = RootFolder(arguments);
+  bool failed = AnyFailed(LoadProviderLibraries());
+  const TNamespace ns = FindMachineNamespace({{"root", TCIMValue(root)}}, failed);
+  if (!ns) return FailToDescribe(root, std::string("no provider has ") + kMachineNamespace);
+
+  const TAbsenceReasons reasons = ReadAbsenceReasons(*ns);
+  std::vector<TAnswer> answers;
+  for (const TItem& item : Items()) answers.push_back(Ask(item, ns, reasons));
+  arguments.Has("json") ? WriteAsJSON(answers) : WriteForPeople(answers);
+  if (std::none_of(answers.begin(), answers.end(), TellsOfTheMachine)) {
+    return FailToDescribe(root, "nothing is known of it");
+  }
+  return failed ? kExitPartlyDone : kExitDone;
+}
+
+}  // namespace
+
+TVerb IdentityVerb() {
+  return {"identity",
+          "Tells who this machine is.",
+          "Asks the provider plug-ins for the namespace root/cimv2; the first one that has it\n"
+          "answers. What the machine does not tell stands as '-', with the reason behind it.\n"
+          "A serial number that is not seven letters or digits is shown as it is, with a note.\n",
+          {{"root", "DIR", "Describe the machine whose files are below DIR, not this one."},
+           {"json", nullptr, "Print one JSON object; what is absent is null."}},
+          RunIdentity};
+}
+
+}  // namespace NVORNQDX20

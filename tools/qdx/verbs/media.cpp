@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/os_specific.h>
+
+#include <algorithm>
+#include <cctype>
+#include <optional>
+
+#include <nlohmann/json.hpp>
+
+#include "cli/output.h"
+#include "cli/terminal.h"
+#include "plugin_host/libraries.h"
+#include "verbs.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+using TJSON = nlohmann::ordered_json;
+using TMedia = TOSSpecific::TRemovableMedia;
+
+constexpr const char* kUSBDeviceList = "/proc/bus/usb/devices";
+constexpr const char* kSCSIDevice = "VORNSG_SCSIDevice";
+
+/// Whoever mounts what is listed does so in a shell command: a name from a provider that is more
+/// than a path to a device must not get there.
+bool IsPlainDevicePath(const std::string& path) {
+  const std::string folder = "/dev/";
+  const auto isPlain = [](unsigned char c) {
+    return std::isalnum(c) != 0 || c == '-' || c == '_' || c == '.' || c == '/';
+  };
+  return path.size() > folder.size() && path.compare(0, folder.size(), folder) == 0 &&
+         std::all_of(path.begin(), path.end(), isPlain) && path.find("..") == std::string::npos;
+}
+
+/// Takes out what cannot be mounted safely, and reports it.
+bool RefuseOddDevices(TMedia& media) {
+  const auto odd = std::stable_partition(media.begin(), media.end(), [](const auto& medium) {
+    return IsPlainDevicePath(medium.first);
+  });
+  for (auto medium = odd; medium != media.end(); ++medium) {
+    PrintError(FailureLine("listing medium", medium->first,
+                           {kQDXStatusInvalidFormat, "not a plain path below /dev"}));
+  }
+  const bool refused = odd != media.end();
+  media.erase(odd, media.end());
+  return refused;
+}
+
+EExitCode FailToList(const std::string& on, const TFailure& failure) {
+  PrintError(FailureLine("listing removable media", on, failure));
+  return kExitNothingCollected;
+}
+
+/// The first value that the device lacks of those that the core asks a disk for.
+std::optional<std::string> FindMissingValue(const ICIMInstance& device) {
+  std::string asked;
+  const auto read = [&](const char* property) {
+    asked = property;
+    return std::string(device.GetProperty(property, TOptionsMap())->GetValue());
+  };
+  const auto failure = Try([&] {
+    if (read("DeviceType") != "Direct Access Device") return;
+    for (const char* property : {"ProductID", "DeviceID", "VendorID"}) (void)read(property);
+  });
+  return failure ? std::optional(asked) : std::nullopt;
+}
+
+/// What made the core give up the whole list, as far as that can be told afterwards.
+std::string FindCulprit(ICIMNamespace& ns, const TFailure& failure) {
+  std::string culprit = std::string(kSCSIDevice) + " of " + kMachineNamespace;
+  if (failure.fStatus != kQDXStatusValueIsNULL) return culprit;
+  (void)Try([&] {
+    std::vector<boost::shared_ptr<ICIMInstance>> devices;
+    ns.GetClass(kSCSIDevice, TOptionsMap())
+        ->EnumerateInstances(TAddToVectorCallback(devices), false, TOptionsMap());
+    for (const auto& device : devices) {
+      const auto property = FindMissingValue(*device);
+      if (!property) continue;
+      culprit = *property + " of " + kSCSIDevice;
+      culprit += " " + std::string(device->GetProperty("DeviceID", TOptionsMap())->GetValue());
+      return;
+    }
+  });
+  return culprit;
+}
+
+void Write(const TMedia& media, bool asJSON) {
+  TJSON list = TJSON::array();
+  std::vector<TTableRow> rows = {{{"DEVICE", "DESCRIPTION"}, TTableRow::kHeading}};
+  for (const auto& [device, description] : media) {
+    list.push_back({{"device", device}, {"description", description}});
+    rows.push_back({{device, description}});
+  }
+  asJSON ? WriteJSON({{"media", list}}) : WriteOutput(FormatTable(rows));
+}
+
+EExitCode RunMedia(const TArguments& arguments) {
+  bool failed = AnyFailed(LoadProviderLibraries());
+  const auto ns = FindMachineNamespace(TOptionsMap(), failed);
+  if (!ns) return FailToList(kMachineNamespace, {kQDXStatusNotFound, "no provider has it"});
+  if (!TOSSpecific::FileExists(kUSBDeviceList)) {
+    return FailToList(kUSBDeviceList,
+                      {kQDXStatusFileNotFound, "this kernel has no list of its USB devices"});
+  }
+  TMedia media;
+  const auto failure = Try([&] { media = TOSSpecific::EnumerateRemovableMedia(ns); });
+  if (failure) return FailToList(FindCulprit(*ns, *failure), *failure);
+  failed = RefuseOddDevices(media) || failed;
+  Write(media, arguments.Has("json"));
+  return failed ? kExitPartlyDone : kExitDone;
+}
+
+}  // namespace
+
+TVerb MediaVerb() {
+  return {"media",
+          "Lists removable media that results can be written to; mounts a floppy.",
+          "USB storage is what the providers' list of SCSI devices and the kernel's\n"
+          "/proc/bus/usb/devices have in common; current kernels have no such file, which is an\n"
+          "error. A floppy is found by mounting it at /mnt/floppy, which is created and where it\n"
+          "stays mounted; whatever is mounted there already is listed as /dev/floppy. Needs\n"
+          "root.\n",
+          {{"json", nullptr, "Print one JSON object."}},
+          RunMedia};
+}
+
+}  // namespace NVORNQDX20

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <nlohmann/json.hpp>
+
+#include "cli/output.h"
+#include "cli/terminal.h"
+#include "plugin_host/crash_note.h"
+#include "plugin_host/libraries.h"
+#include "verbs.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+using TJSON = nlohmann::ordered_json;
+
+/// A library that failed at this is not useless; its row says so all the same.
+bool Ask(const std::string& tried, const std::string& on, TJSON& description,
+         const std::function<void()>& action) {
+  const TCrashNote note(tried, on);
+  const auto failure = Try(action);
+  if (failure && failure->fStatus != kQDXStatusNotImplemented) {
+    description["failure"] = failure->Text();
+    PrintError(FailureLine(tried, on, *failure));
+  }
+  return !failure;
+}
+
+/// An array of names; null if the provider does not list its namespaces.
+TJSON NamespacesOf(INamespaceProvider& provider, TJSON& description) {
+  TJSON names = TJSON::array();
+  const bool told = Ask("listing the namespaces of provider", NameOf(provider), description, [&] {
+    provider.EnumerateNamespaceNames(
+        [&names](const std::string& name) {
+          names.push_back(name);
+          return true;
+        },
+        TOptionsMap());
+  });
+  return told ? names : TJSON();
+}
+
+TJSON Describe(const TLibrary& library) {
+  const TJSON failure = library.fFailure ? TJSON(library.fFailure->Text()) : TJSON();
+  return {{"service", library.fService}, {"file", library.fFile}, {"failure", failure}};
+}
+
+TJSON Describe(const TProviderLibrary& library) {
+  TJSON description = Describe(static_cast<const TLibrary&>(library));
+  TJSON providers = TJSON::array();
+  for (const auto& provider : library.fProviders) {
+    const TJSON namespaces = NamespacesOf(*provider, description);
+    providers.push_back({{"name", NameOf(*provider)}, {"namespaces", namespaces}});
+  }
+  description["providers"] = providers;
+  return description;
+}
+
+/// The name is null if the consumer does not name itself.
+TJSON Describe(const TConsumerLibrary& library) {
+  TJSON description = Describe(static_cast<const TLibrary&>(library));
+  TJSON name;
+  if (library.fConsumer) {
+    Ask("asking for the name of consumer", library.fService, description,
+        [&] { name = library.fConsumer->GetName(TOptionsMap()); });
+  }
+  description["name"] = name;
+  return description;
+}
+
+template <typename TLibraries>
+TJSON DescribeAll(const TLibraries& libraries, bool& failed) {
+  TJSON all = TJSON::array();
+  for (const auto& library : libraries) {
+    all.push_back(Describe(library));
+    failed = failed || !all.back()["failure"].is_null();
+  }
+  return all;
+}
+
+std::string TextOf(const TJSON& value) { return value.is_null() ? "-" : value.get<std::string>(); }
+
+std::string JoinedNames(const TJSON& names) {
+  std::string joined;
+  for (const TJSON& name : names) joined += (joined.empty() ? "" : ", ") + TextOf(name);
+  return joined.empty() ? "-" : joined;
+}
+
+std::string FileOf(const TJSON& library) {
+  return TextOf(library["file"]) + (library["failure"].is_null() ? "" : "  (failed)");
+}
+
+void AddProviderRows(const TJSON& library, std::vector<TTableRow>& rows) {
+  const std::string service = TextOf(library["service"]);
+  const std::string file = FileOf(library);
+  for (const TJSON& provider : library["providers"]) {
+    rows.push_back({{"provider", service, TextOf(provider["name"]),
+                     JoinedNames(provider["namespaces"]), file}});
+  }
+  if (library["providers"].empty()) {
+    rows.push_back({{"provider", service, "-", "-", file}, TTableRow::kDim});
+  }
+}
+
+void WriteForPeople(const TJSON& plugins) {
+  std::vector<TTableRow> rows = {
+      {{"KIND", "SERVICE", "NAME", "NAMESPACES", "FILE"}, TTableRow::kHeading}};
+  for (const TJSON& library : plugins["providers"]) AddProviderRows(library, rows);
+  for (const TJSON& library : plugins["consumers"]) {
+    rows.push_back(
+        {{"consumer", TextOf(library["service"]), TextOf(library["name"]), "-", FileOf(library)},
+         library["failure"].is_null() ? TTableRow::kPlain : TTableRow::kDim});
+  }
+  WriteOutput(FormatTable(rows));
+}
+
+EExitCode RunPlugins(const TArguments& arguments) {
+  const auto providers = LoadProviderLibraries();
+  const auto consumers = LoadConsumerLibraries();
+  bool failed = false;
+  const TJSON plugins = {{"providers", DescribeAll(providers, failed)},
+                         {"consumers", DescribeAll(consumers, failed)}};
+  arguments.Has("json") ? WriteJSON(plugins) : WriteForPeople(plugins);
+  if (!AnyUsable(providers) && !AnyUsable(consumers)) return kExitNothingCollected;
+  return failed ? kExitPartlyDone : kExitDone;
+}
+
+}  // namespace
+
+TVerb PluginsVerb() {
+  return {"plugins",
+          "Lists the plug-ins that are installed, and loads each one to see that it works.",
+          "Plug-ins stand beside the core library: lib*.nsp.so are providers, which describe a\n"
+          "machine, lib*.nsc.so are consumers, which take such a description.\n",
+          {{"json", nullptr, "Print one JSON object."}},
+          RunPlugins};
+}
+
+}  // namespace NVORNQDX20

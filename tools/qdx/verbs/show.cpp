@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxcore/reference.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <locale>
+#include <system_error>
+#include <utility>
+
+#include <boost/algorithm/string/predicate.hpp>
+
+#include "cli/output.h"
+#include "plugin_host/document.h"
+#include "plugin_host/live_machine.h"
+#include "tree.h"
+#include "verbs.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+/// A class, or an instance by its object path; of any namespace unless one is named.
+struct TElementName {
+  explicit TElementName(const std::string& text) : fText(text), fPath(text) {
+    const std::size_t colon = text.find_first_of(":\"");
+    if (colon == std::string::npos || text[colon] != ':') return;
+    fNamespace = text.substr(0, colon);
+    fPath = text.substr(colon + 1);
+  }
+
+  std::string fText;  ///< As it was given; empty for everything.
+  std::string fNamespace;
+  std::string fPath;
+};
+
+/// What the command line asks for.
+struct TRequest {
+  std::string fFile;  ///< Empty for the live machine.
+  TElementName fElement{""};
+  EDepth fDepth = kValues;
+};
+
+/// A name, or a name, a dot and something that is set equal: what a file's name hardly is.
+bool CanNameElement(const std::string& text) {
+  const std::string path = TElementName(text).fPath;
+  const std::size_t end =
+      path.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_");
+  if (end == 0 || path.empty()) return false;
+  return end == std::string::npos || (path[end] == '.' && path.find('=', end) != std::string::npos);
+}
+
+bool NamesFile(const std::string& operand) {
+  std::error_code ignored;
+  return operand == "-" || std::filesystem::exists(operand, ignored) || !CanNameElement(operand);
+}
+
+EDepth DepthOf(const std::string& text) {
+  if (text.size() != 1 || text[0] < '0' || text[0] > '3') {
+    throw TCommandFailure(kExitUsage, "option '--depth' needs a number from 0 to 3");
+  }
+  return static_cast<EDepth>(text[0] - '0');
+}
+
+TRequest RequestOf(const TArguments& arguments) {
+  const std::string first = arguments.Operand(0);
+  const std::string second = arguments.Operand(1);
+  TRequest request;
+  request.fDepth = DepthOf(arguments.Get("depth", "3"));
+  if (!second.empty() || (!first.empty() && NamesFile(first))) {
+    request.fFile = first;
+    request.fElement = TElementName(second);
+  } else {
+    request.fElement = TElementName(first);
+  }
+  for (const TOptionSpec& option : TLiveMachine::Options()) {
+    if (!request.fFile.empty() && arguments.Has(option.fName)) {
+      throw TCommandFailure(kExitUsage,
+                            std::string("option '--") + option.fName + "' does not go with a file");
+    }
+  }
+  return request;
+}
+
+/// Takes from each namespace what is asked for; from one that fails half-way, what was read before.
+class TSelection {
+ public:
+  explicit TSelection(const TRequest& request)
+      : fRequest(request),
+        fWhyNot(kQDXStatusNotFound, request.fFile.empty() ? "no such class, instance or file"
+                                                          : "no such class or instance") {}
+
+  void Add(const TOrigin& origin, const boost::shared_ptr<ICIMNamespace>& ns) {
+    const std::string& wanted = fRequest.fElement.fNamespace;
+    if (!wanted.empty() &&
+        !boost::algorithm::iequals(wanted, origin.fNamespace, std::locale::classic())) {
+      return;
+    }
+    const auto element = Find(ns);
+    if (!element && !fRequest.fElement.fText.empty()) return;
+    fFound.push_back({origin.fNamespace, origin.fProvider, {}, ReadAbsenceReasons(*ns)});
+    Read(*ns, element);
+  }
+
+  /// All that was found, by name; what was taken is gone.
+  std::vector<TTreeNamespace> TakeFound() {
+    for (TTreeNamespace& ns : fFound) SortSnapshot(ns.fClasses);
+    std::stable_sort(fFound.begin(), fFound.end(),
+                     [](const auto& a, const auto& b) { return a.fName < b.fName; });
+    return std::move(fFound);
+  }
+  const TFailure& WhyNot() const { return fWhyNot; }
+
+ private:
+  /// Null if the namespace does not have the element, or if none is asked for.
+  boost::shared_ptr<ICIMElement> Find(const boost::shared_ptr<ICIMNamespace>& ns) {
+    boost::shared_ptr<ICIMElement> element;
+    if (fRequest.fElement.fText.empty()) return element;
+    const auto failure = Try([&] {
+      element = TCIMReference(ns, fRequest.fElement.fPath, TOptionsMap()).GetCIMElement();
+    });
+    if (failure && failure->fStatus != kQDXStatusNotFound) fWhyNot = *failure;
+    return element;
+  }
+
+  /// Into the namespace that was found last; without element all of it.
+  void Read(const ICIMNamespace& ns, const boost::shared_ptr<ICIMElement>& element) {
+    TSnapshotReader reader(ns, fRequest.fDepth, fFound.back().fClasses);
+    if (!element) return reader.ReadAll();
+    if (const auto cimClass = boost::dynamic_pointer_cast<ICIMClass>(element)) {
+      reader.ReadTree(cimClass);
+    } else if (const auto instance = boost::dynamic_pointer_cast<ICIMInstance>(element)) {
+      reader.ReadInstance(instance);
+    }
+  }
+
+  const TRequest& fRequest;
+  std::vector<TTreeNamespace> fFound;
+  TFailure fWhyNot;
+};
+
+void AddDocument(const std::string& file, TSelection& selection) {
+  for (const auto& ns : ReadDocument(file)) {
+    selection.Add({"", ns->GetName(TOptionsMap())}, ns);
+  }
+}
+
+/// Whether every provider delivered.
+bool AddLiveMachine(const TArguments& arguments, TSelection& selection) {
+  TLiveMachine machine(arguments);
+  machine.VisitNamespaces("reading", [&selection](const TOrigin& origin, const auto& ns) {
+    selection.Add(origin, ns);
+  });
+  return machine.GetFailures().empty();
+}
+
+[[noreturn]] void FailToFind(const TRequest& request, bool complete, const TFailure& why) {
+  const std::string& element = request.fElement.fText;
+  // Lines about the providers that failed are the whole reason.
+  if (element.empty() && !complete) throw TCommandFailure(kExitNothingCollected, "");
+  if (!element.empty() && !complete && why.fStatus == kQDXStatusNotFound) {
+    const TFailure failure(kQDXStatusNotFound, "no provider that answered has it");
+    throw TCommandFailure(kExitBadInput, FailureLine("looking for", element, failure));
+  }
+  if (!element.empty()) {
+    throw TCommandFailure(kExitBadInput, FailureLine("looking for", element, why));
+  }
+  const TFailure failure(kQDXStatusNotFound, "there is no namespace");
+  throw TCommandFailure(
+      kExitNothingCollected,
+      FailureLine("showing", request.fFile.empty() ? "this machine" : request.fFile, failure));
+}
+
+EExitCode RunShow(const TArguments& arguments) {
+  const TRequest request = RequestOf(arguments);
+  TSelection selection(request);
+  bool complete = true;
+  if (request.fFile.empty()) {
+    complete = AddLiveMachine(arguments, selection);
+  } else {
+    AddDocument(request.fFile, selection);
+  }
+  const auto found = selection.TakeFound();
+  if (found.empty()) FailToFind(request, complete, selection.WhyNot());
+  arguments.Has("json") ? WriteJSON(TreeAsJSON(found, request.fDepth))
+                        : WriteOutput(FormatTree(found));
+  return complete ? kExitDone : kExitPartlyDone;
+}
+
+std::vector<TOptionSpec> ShowOptions() {
+  std::vector<TOptionSpec> options = TLiveMachine::Options();
+  options.push_back({"depth", "N", "Show 0 namespaces, 1 classes, 2 instances, 3 values as well."});
+  options.push_back({"json", nullptr, "Print one JSON object."});
+  return options;
+}
+
+}  // namespace
+
+TVerb ShowVerb() {
+  return {
+      "show",
+      "Shows a document, or this machine, as a tree of CIM classes and instances.",
+      "FILE is a CIM-XML document, '-' standard input; without it the providers of this\n"
+      "machine are asked. ELEMENT is a class, shown with all derived from it, or an object\n"
+      "path such as 'VORNSG_SCSIDevice.DeviceID=\"/dev/sg0\"'; 'root/cimv2:' before it looks in\n"
+      "that namespace only. A single argument is the file if one of that name exists or if it\n"
+      "cannot be an element.\n",
+      ShowOptions(),
+      RunShow,
+      {{"FILE", TOperandSpec::kOptional}, {"ELEMENT", TOperandSpec::kOptional}}};
+}
+
+}  // namespace NVORNQDX20

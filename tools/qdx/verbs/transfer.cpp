@@ -1,0 +1,228 @@
+// SPDX-License-Identifier: Apache-2.0
+// The verbs upload and download.
+#include <qdxcore/os_specific.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <charconv>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <system_error>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "cli/failure.h"
+#include "cli/new_file.h"
+#include "cli/output.h"
+#include "plugin_host/watched.h"
+#include "verbs.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+/// Longer than the transfer library and the system wait for answers: they know better what failed.
+constexpr const char* kPatience = "180";
+
+const TOptionSpec kTimeoutOption = {"timeout", "SECONDS",
+                                    "Give up when for so long nothing moves, 180 if not given."};
+
+using TStream = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+std::string Reason(int error) { return std::generic_category().message(error); }
+
+[[noreturn]] void FailOnFile(const std::string& tried, const std::string& file,
+                             const std::string& why) {
+  throw TCommandFailure(kExitBadInput, FailureLine(tried, file, {kQDXStatusFileSystemError, why}));
+}
+
+[[noreturn]] void FailOnUsage(const std::string& line) { throw TCommandFailure(kExitUsage, line); }
+
+std::chrono::seconds PatienceOf(const TArguments& arguments) {
+  const std::string text = arguments.Get(kTimeoutOption.fName, kPatience);
+  std::uint16_t seconds = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
+  if (error != std::errc() || end != text.data() + text.size() || seconds == 0) {
+    FailOnUsage("'" + text + "' is no number of seconds from 1 to 65535");
+  }
+  return std::chrono::seconds(seconds);
+}
+
+/// The core's messages name the operation that they come from, which tells an operator nothing, and
+/// end where the transfer library says nothing more.
+std::string Polished(const std::string& message) {
+  const std::string origin = "TOSSpecific|FTPFile: ";
+  const bool hasOrigin = message.compare(0, origin.size(), origin) == 0;
+  const std::string text = hasOrigin ? message.substr(origin.size()) : message;
+  const bool isOpen = text.size() > 2 && text.compare(text.size() - 2, 2, ": ") == 0;
+  return isOpen ? text + "no reason given" : text;
+}
+
+[[noreturn]] void FailToTransfer(const std::string& tried, const std::string& on,
+                                 TFailure failure) {
+  failure.fWhy = Polished(failure.fWhy);
+  throw TCommandFailure(kExitTransferFailed, FailureLine(tried, on, failure));
+}
+
+/// The name becomes part of a URL, in which other characters have a meaning of their own.
+void CheckRemoteName(const std::string& name) {
+  const auto isPlain = [](unsigned char c) {
+    return std::isalnum(c) != 0 || c == '.' || c == '_' || c == '-';
+  };
+  if (name.empty() || !std::all_of(name.begin(), name.end(), isPlain) ||
+      name.find("..") != std::string::npos) {
+    FailOnUsage("the name '" + name +
+                "' is not of letters, digits, '.', '_' and '-', or has '..' in it");
+  }
+}
+
+/// A path may have what a URL may have, and must lead to a file: a folder would arrive as a list.
+void CheckRemotePath(const std::string& path) {
+  const auto isOdd = [](unsigned char c) { return c <= ' ' || c == 0x7f || c == '#' || c == '?'; };
+  if (path.empty() || path.back() == '/' || std::any_of(path.begin(), path.end(), isOdd)) {
+    FailOnUsage("the path '" + path +
+                "' is empty, ends in '/', or has a blank, '#', '?' or control character in it");
+  }
+}
+
+TStream OpenTemporaryFile() {
+  TStream file(std::tmpfile(), std::fclose);
+  if (!file) FailOnFile("opening", "temporary file", Reason(errno));
+  return file;
+}
+
+/// A name for a file that has none.
+std::string PathOf(std::FILE* file) { return "/proc/self/fd/" + std::to_string(::fileno(file)); }
+
+void ReadAll(std::FILE* file, const std::string& shownAs,
+             const std::function<void(const std::string&)>& take) {
+  char buffer[65536];
+  std::size_t count = 0;
+  while ((count = std::fread(buffer, 1, sizeof buffer, file)) > 0) {
+    take(std::string(buffer, count));
+  }
+  if (std::ferror(file) != 0) FailOnFile("reading", shownAs, Reason(errno));
+}
+
+TStream OpenSource(const std::string& operand, const std::string& shownAs) {
+  // Standard input from where it stands, which no name for it would do.
+  std::FILE* const file = operand == "-" ? ::fdopen(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0), "rb")
+                                         : std::fopen(operand.c_str(), "rbe");
+  if (file == nullptr) FailOnFile("reading", shownAs, Reason(errno));
+  return {file, std::fclose};
+}
+
+/// A nameless copy of what is to be sent. The transfer library takes a read error for the end, and
+/// must have a name to open.
+TStream CopyOfSource(const std::string& operand) {
+  const std::string shownAs = operand == "-" ? "standard input" : operand;
+  const TStream source = OpenSource(operand, shownAs);
+  TStream copy = OpenTemporaryFile();
+  std::setvbuf(copy.get(), nullptr, _IONBF, 0);
+  ReadAll(source.get(), shownAs, [&](const std::string& block) {
+    if (std::fwrite(block.data(), 1, block.size(), copy.get()) != block.size()) {
+      FailOnFile("copying to a temporary file", shownAs, Reason(errno));
+    }
+  });
+  if (std::ftell(copy.get()) == 0) FailOnFile("reading", shownAs, "it is empty");
+  return copy;
+}
+
+EExitCode RunUpload(const TArguments& arguments) {
+  const std::string operand = arguments.Operand(0);
+  const std::string name = arguments.Operand(1);
+  const auto patience = PatienceOf(arguments);
+  CheckRemoteName(name);
+  const TStream copy = CopyOfSource(operand);
+  const std::string tried = "uploading " + operand + " to " QDX_FTP_UPLOAD_HOST;
+  const std::string remote = name + ".xml.gz";
+  RunWatched(tried, remote, patience, [&] {
+    const auto failure = Try([&] { TOSSpecific::FTPFile(PathOf(copy.get()), name); });
+    if (failure) FailToTransfer(tried, remote, *failure);
+  });
+  return kExitDone;
+}
+
+/// Throws if the file cannot take another byte: only this tells a full disk from a failed transfer.
+void CheckForRoom(const std::string& file, const std::string& shownAs) {
+  const int descriptor = ::open(file.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+  const bool hasRoom = descriptor >= 0 && ::write(descriptor, "", 1) == 1;
+  const int error = errno;
+  if (descriptor >= 0) ::close(descriptor);
+  if (!hasRoom) FailOnFile("writing", shownAs, Reason(error));
+}
+
+/// After a failure the file may hold anything.
+void Download(const TArguments& arguments, const std::string& file, const std::string& shownAs) {
+  const std::string remote = arguments.Operand(0);
+  const std::string tried = "downloading from " QDX_FTP_DOWNLOAD_HOST;
+  RunWatched(tried, remote, PatienceOf(arguments), [&] {
+    const auto failure = Try([&] { TOSSpecific::FTPFileFromVORN(file, remote); });
+    if (!failure) return;
+    CheckForRoom(file, shownAs);
+    FailToTransfer(tried, remote, *failure);
+  });
+}
+
+/// By way of a nameless file, so that a failed download writes nothing.
+void DownloadToOutput(const TArguments& arguments) {
+  const TStream file = OpenTemporaryFile();
+  Download(arguments, PathOf(file.get()), "temporary file");
+  ReadAll(file.get(), "temporary file", WriteOutput);
+}
+
+/// What is to be replaced: not a link, but the file that it leads to, and never a device.
+std::filesystem::path TargetOf(const std::filesystem::path& local) {
+  std::error_code error;
+  if (std::filesystem::exists(local, error) && !std::filesystem::is_regular_file(local, error)) {
+    FailOnFile("writing", local, "it is no regular file");
+  }
+  return FileToReplace(local);
+}
+
+/// Only a whole file takes the place of what was there.
+void DownloadToFile(const TArguments& arguments, const std::string& local) {
+  const std::filesystem::path target = TargetOf(local);
+  const std::string folder = target.has_parent_path() ? target.parent_path().string() : ".";
+  TNewFile file(folder, ".part", local);
+  Download(arguments, file.GetPath(), local);
+  file.Publish(target);
+}
+
+EExitCode RunDownload(const TArguments& arguments) {
+  const std::string local = arguments.Operand(1);
+  CheckRemotePath(arguments.Operand(0));
+  local == "-" ? DownloadToOutput(arguments) : DownloadToFile(arguments, local);
+  return kExitDone;
+}
+
+}  // namespace
+
+TVerb UploadVerb() {
+  return {"upload",
+          "Sends collected data to the maker's service.",
+          "FILE, an .xml.gz document or '-' for standard input, is sent by anonymous FTP and\n"
+          "becomes NAME.xml.gz there. NAME is of letters, digits, '.', '_' and '-'. What is\n"
+          "sent is copied to a temporary file first, and must not be empty.\n",
+          {kTimeoutOption},
+          RunUpload,
+          {{"FILE"}, {"NAME"}}};
+}
+
+TVerb DownloadVerb() {
+  return {"download",
+          "Fetches a file from the maker's service.",
+          "REMOTE is a path there, fetched by anonymous FTP and written as it would stand in a\n"
+          "URL: a blank is '%20'. LOCAL, or what it is a link to, is replaced when all has\n"
+          "arrived, or '-' for standard output; after a failure it is what it was.\n",
+          {kTimeoutOption},
+          RunDownload,
+          {{"REMOTE"}, {"LOCAL"}}};
+}
+
+}  // namespace NVORNQDX20

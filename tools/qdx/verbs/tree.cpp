@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tree.h"
+
+#include "cli/terminal.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+/// Why a value is absent; empty if it is not, or if nobody says. A key cannot be null: there an
+/// empty text is one that the machine does not have.
+std::string ReasonFor(const TTreeNamespace& ns, const TClassSnapshot& cimClass,
+                      const TInstanceSnapshot& instance, std::size_t property) {
+  const TJSON& value = instance.fValues[property];
+  if (!value.is_null() && value != "") return "";
+  const std::string& name = cimClass.fProperties[property].fName;
+  auto reason = ns.fReasons.find({cimClass.fName, "", name});
+  for (std::size_t i = 0; i < instance.fValues.size() && reason == ns.fReasons.end(); ++i) {
+    if (!cimClass.fProperties[i].fIsKey) continue;
+    reason = ns.fReasons.find({cimClass.fName, PlainText(instance.fValues[i]), name});
+  }
+  return reason == ns.fReasons.end() ? "" : reason->second;
+}
+
+std::string Line(std::size_t indent, const std::string& text,
+                 TTableRow::EStyle style = TTableRow::kPlain) {
+  return FormatTable({{{std::string(indent, ' ') + text}, style}});
+}
+
+std::string FormatValues(const TTreeNamespace& ns, const TClassSnapshot& cimClass,
+                         const TInstanceSnapshot& instance) {
+  std::vector<TTableRow> rows;
+  for (std::size_t i = 0; i < instance.fValues.size(); ++i) {
+    const std::string reason = ReasonFor(ns, cimClass, instance, i);
+    const bool absent = instance.fValues[i].is_null() || !reason.empty();
+    const std::string text = absent ? "-" : PlainText(instance.fValues[i]);
+    rows.push_back({{"      " + cimClass.fProperties[i].fName,
+                     text + (reason.empty() ? "" : "  (" + reason + ")")},
+                    absent ? TTableRow::kDim : TTableRow::kPlain});
+  }
+  return FormatTable(rows);
+}
+
+std::string FormatClass(const TTreeNamespace& ns, const TClassSnapshot& cimClass) {
+  const std::size_t count = cimClass.fInstanceCount;
+  const std::string instances = count == 1 ? " instance)" : " instances)";
+  std::string text = Line(2, cimClass.fName + "  (" + std::to_string(count) + instances);
+  for (const TInstanceSnapshot& instance : cimClass.fInstances) {
+    text += Line(4, instance.fPath) + FormatValues(ns, cimClass, instance);
+  }
+  return text;
+}
+
+TJSON InstanceAsJSON(const TTreeNamespace& ns, const TClassSnapshot& cimClass,
+                     const TInstanceSnapshot& instance, EDepth depth) {
+  TJSON json = {{"path", instance.fPath}};
+  if (depth < kValues) return json;
+  TJSON values = TJSON::object();
+  TJSON absent = TJSON::object();
+  for (std::size_t i = 0; i < instance.fValues.size(); ++i) {
+    const std::string& name = cimClass.fProperties[i].fName;
+    values[name] = instance.fValues[i];
+    const std::string reason = ReasonFor(ns, cimClass, instance, i);
+    if (!reason.empty()) absent[name] = reason;
+  }
+  json["properties"] = std::move(values);
+  json["absent"] = std::move(absent);
+  return json;
+}
+
+TJSON ClassAsJSON(const TTreeNamespace& ns, const TClassSnapshot& cimClass, EDepth depth) {
+  TJSON json = {{"class", cimClass.fName}, {"instanceCount", cimClass.fInstanceCount}};
+  if (depth < kInstances) return json;
+  TJSON& instances = json["instances"] = TJSON::array();
+  for (const TInstanceSnapshot& instance : cimClass.fInstances) {
+    instances.push_back(InstanceAsJSON(ns, cimClass, instance, depth));
+  }
+  return json;
+}
+
+TJSON NamespaceAsJSON(const TTreeNamespace& ns, EDepth depth) {
+  const TJSON provider = ns.fProvider.empty() ? TJSON() : TJSON(ns.fProvider);
+  TJSON json = {{"namespace", ns.fName}, {"provider", provider}};
+  if (depth < kClasses) return json;
+  TJSON& classes = json["classes"] = TJSON::array();
+  for (const TClassSnapshot& cimClass : ns.fClasses) {
+    classes.push_back(ClassAsJSON(ns, cimClass, depth));
+  }
+  return json;
+}
+
+}  // namespace
+
+std::string FormatTree(const std::vector<TTreeNamespace>& namespaces) {
+  std::string text;
+  for (const TTreeNamespace& ns : namespaces) {
+    const std::string provider = ns.fProvider.empty() ? "" : "  (provider " + ns.fProvider + ")";
+    text += Line(0, ns.fName + provider, TTableRow::kHeading);
+    for (const TClassSnapshot& cimClass : ns.fClasses) text += FormatClass(ns, cimClass);
+  }
+  return text;
+}
+
+TJSON TreeAsJSON(const std::vector<TTreeNamespace>& namespaces, EDepth depth) {
+  TJSON all = TJSON::array();
+  for (const TTreeNamespace& ns : namespaces) all.push_back(NamespaceAsJSON(ns, depth));
+  return {{"namespaces", all}};
+}
+
+}  // namespace NVORNQDX20

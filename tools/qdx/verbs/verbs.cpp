@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "verbs.h"
+
+#include "cli/failure.h"
+#include "cli/terminal.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+const char* const kIndent = "";
+
+std::string FormatOptions(const std::vector<TOptionSpec>& options) {
+  std::vector<TTableRow> rows;
+  for (const TOptionSpec& option : options) {
+    const std::string value = option.fValueName ? std::string(" ") + option.fValueName : "";
+    const std::string letter =
+        option.fLetter != '\0' ? std::string("-") + option.fLetter + ", " : "";
+    rows.push_back({{kIndent, letter + "--" + option.fName + value, option.fHelp}});
+  }
+  return FormatTable(rows);
+}
+
+/// " NAME" for each that must be there, " [NAME]" for the others.
+std::string FormatOperands(const std::vector<TOperandSpec>& operands) {
+  std::string text;
+  for (const auto& [name, presence] : operands) {
+    const bool optional = presence == TOperandSpec::kOptional;
+    text += (optional ? " [" : " ") + std::string(name) + (optional ? "]" : "");
+  }
+  return text;
+}
+
+std::string FormatVerbs() {
+  std::vector<TTableRow> rows;
+  for (const TVerb& verb : AllVerbs()) rows.push_back({{kIndent, verb.fName, verb.fSummary}});
+  rows.push_back({{kIndent, "help", "Explains a verb."}});
+  return FormatTable(rows);
+}
+
+const char* const kExitCodes =
+    "Exit status:\n"
+    "  0  done, or the same\n"
+    "  1  different (diff)\n"
+    "  2  wrong usage\n"
+    "  3  partly done: a plug-in failed or warned, the rest was delivered\n"
+    "  4  a folder or file that was named, or standard output, cannot be used\n"
+    "  5  nothing was collected\n"
+    "  6  the transfer failed\n";
+
+}  // namespace
+
+const std::vector<TVerb>& AllVerbs() {
+  static const std::vector<TVerb> verbs = {IdentityVerb(), CollectVerb(), ShowVerb(),
+                                           DiffVerb(),     PluginsVerb(), MediaVerb(),
+                                           UploadVerb(),   DownloadVerb()};
+  return verbs;
+}
+
+const TVerb& FindVerb(const std::string& name) {
+  for (const TVerb& verb : AllVerbs()) {
+    if (name == verb.fName) return verb;
+  }
+  throw TCommandFailure(kExitUsage, "unknown verb '" + name + "'");
+}
+
+const std::vector<TOptionSpec>& CommonOptions() {
+  static const std::vector<TOptionSpec> options = {
+      {"log", "FILE", "Write a fresh log to FILE."},
+      {"log-level", "LEVEL", "Log error, warning, status (the default), debug or verbose."},
+      {"help", nullptr, "Explain the verb, and end."},
+      {"version", nullptr, "Print the version, and end."}};
+  return options;
+}
+
+std::vector<TOptionSpec> OptionsOf(const TVerb& verb) {
+  std::vector<TOptionSpec> options = verb.fOptions;
+  options.insert(options.end(), CommonOptions().begin(), CommonOptions().end());
+  return options;
+}
+
+std::string GeneralHelp() {
+  return "Usage: qdx VERB [OPTION]...\n"
+         "Describes and diagnoses this machine.\n\nVerbs:\n" +
+         FormatVerbs() + "\nOptions of every verb:\n" + FormatOptions(CommonOptions()) + "\n" +
+         kExitCodes + "\n'qdx help VERB' tells more.\n";
+}
+
+std::string HelpFor(const TVerb& verb) {
+  return std::string("Usage: qdx ") + verb.fName + " [OPTION]..." + FormatOperands(verb.fOperands) +
+         "\n" + verb.fSummary + "\n\n" + verb.fDescription + "\nOptions:\n" +
+         FormatOptions(OptionsOf(verb));
+}
+
+}  // namespace NVORNQDX20

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+/// The verbs of the command: one function, and one source file, for each.
+#ifndef TOOLS_QDX_VERBS_VERBS_H_
+#define TOOLS_QDX_VERBS_VERBS_H_
+
+#include <string>
+#include <vector>
+
+#include "cli/arguments.h"
+#include "cli/exit_code.h"
+
+namespace NVORNQDX20 {
+
+struct TVerb {
+  const char* fName;
+  const char* fSummary;      ///< One line.
+  const char* fDescription;  ///< The lines that its help adds.
+  std::vector<TOptionSpec> fOptions;
+  EExitCode (*fRun)(const TArguments& arguments);  ///< Gets the operands without the verb.
+  std::vector<TOperandSpec> fOperands = {};        ///< Few verbs have any.
+};
+
+TVerb CollectVerb();
+TVerb DiffVerb();
+TVerb DownloadVerb();
+TVerb IdentityVerb();
+TVerb MediaVerb();
+TVerb PluginsVerb();
+TVerb ShowVerb();
+TVerb UploadVerb();
+
+/// Every verb, in the order of the help.
+const std::vector<TVerb>& AllVerbs();
+/// Throws a TCommandFailure if there is none of that name.
+const TVerb& FindVerb(const std::string& name);
+/// The options that every verb has.
+const std::vector<TOptionSpec>& CommonOptions();
+
+/// Its own options, then the common ones.
+std::vector<TOptionSpec> OptionsOf(const TVerb& verb);
+
+std::string GeneralHelp();
+std::string HelpFor(const TVerb& verb);
+
+}  // namespace NVORNQDX20
+
+#endif  // TOOLS_QDX_VERBS_VERBS_H_
