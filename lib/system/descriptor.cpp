@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+// File descriptors with an owner.
+#include <qdxsystem/descriptor.h>
+
+#include <cerrno>
+#include <utility>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace NVORNQDX20 {
+namespace {
+
+bool MoveAboveStandardStreams(TDescriptor& end) {
+  if (end.Get() <= STDERR_FILENO) {
+    end = TDescriptor(::fcntl(end.Get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+  }
+  return end.IsOpen();
+}
+
+}  // namespace
+
+TDescriptor::TDescriptor(int number) : fNumber(number), fError(number < 0 ? errno : 0) {}
+
+TDescriptor::TDescriptor(TDescriptor&& other) noexcept
+    : fNumber(other.Release()), fError(other.fError) {}
+
+TDescriptor& TDescriptor::operator=(TDescriptor&& other) noexcept {
+  TDescriptor taken(std::move(other));
+  std::swap(fNumber, taken.fNumber);
+  std::swap(fError, taken.fError);
+  return *this;
+}
+
+TDescriptor::~TDescriptor() {
+  const int error = errno;
+  Close();
+  errno = error;
+}
+
+int TDescriptor::Release() { return std::exchange(fNumber, -1); }
+
+bool TDescriptor::Close() { return !IsOpen() || ::close(Release()) == 0; }
+
+TPipe OpenPipe() {
+  int ends[2];
+  if (::pipe2(ends, O_CLOEXEC) != 0) return {};
+  TPipe pipe{TDescriptor(ends[0]), TDescriptor(ends[1])};
+  if (!MoveAboveStandardStreams(pipe.fReadEnd) || !MoveAboveStandardStreams(pipe.fWriteEnd)) {
+    return {};
+  }
+  return pipe;
+}
+
+}  // namespace NVORNQDX20
