@@ -67,7 +67,8 @@ class QDXCORE_EXPORT TRootObject {
   static boost::shared_ptr<INamespaceProviderManager> GetNamespaceProviderManager();
 };
 
-/// Registers what `make` answers. False if that failed; the reason is logged.
+/// Registers what `make` returns. False if that failed, whatever was thrown; "Failed to register a
+/// provider: " and the reason are logged as an error.
 QDXCORE_EXPORT bool RegisterProvider(boost::shared_ptr<INamespaceProvider> (*make)()) noexcept;
 
 /// Makes a provider and registers it, for the initialiser of a global in a plug-in. That runs while

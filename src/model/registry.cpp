@@ -4,6 +4,22 @@
 #include <qdxcore/status.h>
 
 namespace NVORNQDX20 {
+namespace {
+
+/// The reason of the exception that is being handled.
+std::string ReasonOfFailure() {
+  try {
+    throw;
+  } catch (const TExplainedException& exception) {
+    return exception.GetReason();
+  } catch (const std::exception& exception) {
+    return exception.what();
+  } catch (...) {
+    return "an exception that is no std::exception";
+  }
+}
+
+}  // namespace
 
 INamespaceProviderManager::~INamespaceProviderManager() = default;
 
@@ -53,14 +69,11 @@ bool RegisterProvider(boost::shared_ptr<INamespaceProvider> (*make)()) noexcept 
   try {
     TRootObject::GetNamespaceProviderManager()->RegisterNamespaceProvider(make());
     return true;
-  } catch (const TExplainedException& exception) {
-    LogMessage(ILogger::kLogError, {exception.GetReason()});
-  } catch (const TQDXException&) {  // who throws it logs why
-  } catch (const std::exception& exception) {
-    LogMessage(ILogger::kLogError, {exception.what()});
+  } catch (...) {
+    LogMessage(ILogger::kLogError, {"Failed to register a provider: ", ReasonOfFailure()});
   }
   return false;
-} catch (...) {
+} catch (...) {  // no memory for the message
   return false;
 }
 

@@ -120,5 +120,23 @@ TEST(Registry, EnumeratesInByteOrderUntilToldToStop) {
   EXPECT_THROW(registry->EnumerateNamespaceProviders(callback), boost::bad_function_call);
 }
 
+using TProvider = boost::shared_ptr<INamespaceProvider>;
+
+TEST(RegisterProvider, LogsTheReasonWhateverWasThrown) {
+  const std::pair<TProvider (*)(), std::string> rows[] = {
+      {[]() -> TProvider { throw TExplainedException(kQDXStatusFail, "no table"); }, "no table"},
+      {[]() -> TProvider { throw TQDXException(kQDXStatusFail); }, "kQDXStatusFail"},
+      {[]() -> TProvider { throw std::out_of_range("x[3]"); }, "x[3]"},
+      {[]() -> TProvider { throw 5; }, "an exception that is no std::exception"},
+      {[]() -> TProvider { return boost::make_shared<TNamedProvider>(""); },
+       "kQDXStatusAccessDenied"}};
+  for (const auto& [make, reason] : rows) {
+    const TLogCapture log;
+    EXPECT_FALSE(RegisterProvider(make));
+    EXPECT_EQ(log.Messages(),
+              std::vector<std::string>{"0 Failed to register a provider: " + reason});
+  }
+}
+
 }  // namespace
 }  // namespace NVORNQDX20
