@@ -33,8 +33,8 @@ struct TBuildStamp {
 inline constexpr char kBuildStampOwner[] = "QDXcore";
 inline constexpr std::uint32_t kBuildStampType = 1;
 
-// What Boost has really done counts, not what is defined: it may have been included before the
-// definitions were made.
+// What Boost has really done, not what is defined. <qdxcore/config.h> refuses anything but 1, so a
+// 0 comes from a library that was built around that header.
 inline constexpr TBuildStamp kBuildStamp = {
     QDXCORE_VERSION_MAJOR, QDXCORE_VERSION_MINOR, QDXCORE_VERSION_PATCH,
     // With the handler the checked operators may throw.

@@ -31,6 +31,18 @@
 #error "BOOST_DISABLE_ASSERTS and BOOST_ENABLE_ASSERT_DEBUG_HANDLER switch the shared checks off."
 #endif
 
+#include <utility>
+
+#include <boost/shared_ptr.hpp>
+
+// Boost reads each definition once, in the first of its headers that depends on it. Its plain
+// counters have a header of their own; with the handler, its checked operators may throw.
+#if !defined(BOOST_SMART_PTR_DETAIL_SP_COUNTED_BASE_NT_HPP_INCLUDED)
+#error "Define BOOST_SP_DISABLE_THREADS before any header of Boost is included."
+#endif
+static_assert(!noexcept(*std::declval<const boost::shared_ptr<int>&>()),
+              "Define BOOST_ENABLE_ASSERT_HANDLER before any header of Boost is included.");
+
 /// Marks what the shared library offers; everything else in it is hidden.
 #define QDXCORE_EXPORT __attribute__((visibility("default")))
 
