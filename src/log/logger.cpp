@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxcore/logger.h>
 #include <qdxcore/os_specific.h>
+#include <qdxsystem/descriptor.h>
 
 #include <cerrno>
 #include <iterator>
 #include <utility>
 
 #include <fcntl.h>
-#include <unistd.h>
 
 namespace NVORNQDX20 {
 namespace {
@@ -31,11 +31,7 @@ std::string MakeLine(ILogger::EQDXLogSeverity severity, const std::string& messa
 }
 
 /// The descriptor that the next file to be opened gets: the lowest that is free.
-int NextDescriptor() {
-  const int descriptor = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
-  if (descriptor >= 0) ::close(descriptor);
-  return descriptor;
-}
+int NextDescriptor() { return TDescriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC)).Get(); }
 
 }  // namespace
 

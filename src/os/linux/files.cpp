@@ -3,6 +3,7 @@
 #include <qdxcore/logger.h>
 #include <qdxcore/os_specific.h>
 #include <qdxcore/status.h>
+#include <qdxsystem/descriptor.h>
 
 #include <cerrno>
 #include <cstring>
@@ -35,31 +36,19 @@ EQDXStatusCode StatusOfCreateDir(int error) {
   }
 }
 
-/// The two files of a copy.
-struct TCopy {
-  int fSource = 0;
-  int fDestination = 0;
-};
-
-bool OpenBoth(const std::string& source, const std::string& destination, TCopy& copy) {
-  struct stat status {};
-  if (!ReadStatus(source, status)) return false;
-  copy.fSource = ::open(source.c_str(), O_RDONLY | O_CLOEXEC);
-  if (copy.fSource < 0) return false;
-  copy.fDestination = ::open(destination.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
-                             status.st_mode & ALLPERMS);
-  return copy.fDestination >= 0;
+TDescriptor OpenNew(const std::string& path, mode_t mode) {
+  return TDescriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
 }
 
 /// The result that ended it: 0 at the end of the source, negative for an error. A short write is
 /// not made up for, on purpose.
-ssize_t Transfer(const TCopy& copy) {
+ssize_t Transfer(const TDescriptor& source, const TDescriptor& destination) {
   std::string buffer(kCopyBufferSize, '\0');
   ssize_t result = 0;
   do {
-    result = ::read(copy.fSource, buffer.data(), buffer.size());
+    result = ::read(source.Get(), buffer.data(), buffer.size());
     if (result <= 0) break;
-    result = ::write(copy.fDestination, buffer.data(), static_cast<std::size_t>(result));
+    result = ::write(destination.Get(), buffer.data(), static_cast<std::size_t>(result));
   } while (result > 0);
   return result;
 }
@@ -101,18 +90,18 @@ std::vector<std::string> TOSSpecific::ListDir(std::string path) {
 }
 
 void TOSSpecific::FileCopy(std::string source, std::string destination) {
-  TCopy copy;
-  const bool isOpen = OpenBoth(source, destination, copy);
-  // Against 0, not against a negative number, on purpose: where the source has no status, both are
-  // still 0, and the copy runs on standard input. Held by
+  struct stat status {};
+  // Where the source has no status, the copy runs on descriptor 0, both ways, on purpose. Held by
   // FileCopy.OfAMissingSourceRunsOnDescriptor0.
-  if (!isOpen && copy.fSource != 0) {
-    ::close(copy.fSource);
-    throw TQDXException(kQDXStatusFileSystemError);
-  }
-  const ssize_t result = Transfer(copy);
-  ::close(copy.fSource);
-  ::close(copy.fDestination);
+  const bool isThere = ReadStatus(source, status);
+  TDescriptor from(isThere ? ::open(source.c_str(), O_RDONLY | O_CLOEXEC) : 0);
+  if (!from.IsOpen()) throw TQDXException(kQDXStatusFileSystemError);
+  TDescriptor to = isThere ? OpenNew(destination, status.st_mode & ALLPERMS) : TDescriptor(0);
+  // Against 0, on purpose: a source of that number is read without a destination.
+  if (!to.IsOpen() && from.Get() != 0) throw TQDXException(kQDXStatusFileSystemError);
+  const ssize_t result = Transfer(from, to);
+  from.Close();
+  to.Close();
   if (result < 0) throw TQDXException(kQDXStatusFileSystemError);
 }
 

@@ -3,6 +3,7 @@
 #include <qdxcore/logger.h>
 #include <qdxcore/os_specific.h>
 #include <qdxcore/status.h>
+#include <qdxsystem/descriptor.h>
 
 #include <cerrno>
 #include <csignal>
@@ -15,8 +16,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "descriptor.h"
-
 namespace NVORNQDX20 {
 namespace {
 
@@ -27,29 +26,6 @@ constexpr int kNotStarted = 1;
 
 [[noreturn]] void Fail(std::string_view what) {
   LogErrorAndThrow(kQDXStatusFail, {"ERROR: SpawnProcess - ", what});
-}
-
-struct TPipe {
-  TDescriptor fReadEnd;
-  TDescriptor fWriteEnd;
-};
-
-/// A caller without standard streams gets their numbers from pipe(): the child's dup2 and close
-/// would then hit the pipe itself.
-bool MoveAboveStandardStreams(TDescriptor& end) {
-  if (end.Get() > STDERR_FILENO) return true;
-  end = TDescriptor(::fcntl(end.Get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
-  return end.IsOpen();
-}
-
-TPipe OpenPipe() {
-  int ends[2];
-  if (::pipe2(ends, O_CLOEXEC) != 0) Fail("pipe call failed");
-  TPipe pipe{TDescriptor(ends[0]), TDescriptor(ends[1])};
-  if (!MoveAboveStandardStreams(pipe.fReadEnd) || !MoveAboveStandardStreams(pipe.fWriteEnd)) {
-    Fail("pipe call failed");
-  }
-  return pipe;
 }
 
 /// Keeps every signal from the calling thread while it lives.
@@ -179,6 +155,7 @@ std::int32_t TOSSpecific::SpawnProcess(std::string command, std::vector<std::str
   LogMessage(ILogger::kLogDebug, {"SpawnProcess: process ", command});
   const TArgv argv = MakeArgv(command, arguments);
   TPipe pipe = OpenPipe();
+  if (!pipe.fReadEnd.IsOpen()) Fail("pipe call failed");
   const pid_t child = StartChild(argv, pipe);
   if (child < 0) Fail("fork call failed");
 
@@ -190,12 +167,12 @@ std::int32_t TOSSpecific::SpawnProcess(std::string command, std::vector<std::str
 }
 
 std::string TOSSpecific::CaptureFile(std::string path) {
-  const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) {
+  TDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file.IsOpen()) {
     LogErrorAndThrow(kQDXStatusFileNotFound, {"ERROR: CaptureFile failed to open: ", path});
   }
   // Stays open, on purpose: that is what this operation promises.
-  return GetFileContents(descriptor);
+  return GetFileContents(file.Release());
 }
 
 void TOSSpecific::LaunchTextEditor(std::string file) { RunInShell("vi " + file); }

@@ -4,6 +4,7 @@
 #include <qdxcore/logger.h>
 #include <qdxcore/os_specific.h>
 #include <qdxcore/status.h>
+#include <qdxsystem/descriptor.h>
 
 #include <algorithm>
 #include <array>
@@ -14,8 +15,6 @@
 #include <scsi/scsi.h>
 #include <scsi/sg.h>
 #include <sys/ioctl.h>
-
-#include "descriptor.h"
 
 namespace NVORNQDX20 {
 namespace {
