@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The process-wide logger, and the two functions through which everybody logs.
+/// The process-wide logger, the two functions through which everybody logs, and a listener.
 #ifndef QDXCORE_LOGGER_H_
 #define QDXCORE_LOGGER_H_
 
@@ -13,6 +13,8 @@
 #include <list>
 #include <string>
 #include <string_view>
+
+#include <boost/function.hpp>
 
 namespace NVORNQDX20 {
 
@@ -96,6 +98,44 @@ QDXCORE_EXPORT void LogMessage(ILogger::EQDXLogSeverity severity,
 /// Logs the joined parts as an error, then throws.
 [[noreturn]] QDXCORE_EXPORT void LogErrorAndThrow(EQDXStatusCode code,
                                                   std::initializer_list<std::string_view> parts);
+
+/// Calls back for each message that is logged while the listener lives, whether or not the log's
+/// threshold admits it. The log itself is the same with and without listeners.
+///
+///   std::vector<std::string> warnings;
+///   {
+///     const TLogListener listener(ILogger::kLogWarning, [&](auto severity, const auto& message) {
+///       if (severity == ILogger::kLogWarning) warnings.push_back(message);
+///     });
+///     consumer->Consume(ns, options);
+///   }
+///
+/// Listeners may be nested, and then hear the same. Without a logger there is nothing to hear.
+class TLogListener {
+ public:
+  using TCallback = boost::function<void(ILogger::EQDXLogSeverity, const std::string&)>;
+
+  /// Hears `level` and what is more severe. The callback must not log; what it throws reaches
+  /// whoever logs.
+  QDXCORE_EXPORT TLogListener(ILogger::EQDXLogSeverity level, const TCallback& callback);
+  QDXCORE_EXPORT ~TLogListener();
+  TLogListener(const TLogListener&) = delete;
+  TLogListener& operator=(const TLogListener&) = delete;
+
+ private:
+  friend class TLogger;
+  friend void LogMessage(ILogger::EQDXLogSeverity severity,
+                         std::initializer_list<std::string_view> parts);
+
+  static bool AnyHears(ILogger::EQDXLogSeverity severity);
+  static void TellAll(ILogger::EQDXLogSeverity severity, const std::string& message);
+
+  static TLogListener* fgNewest;
+
+  const ILogger::EQDXLogSeverity fLevel;
+  const TCallback fCallback;
+  TLogListener* fOlder;
+};
 
 }  // namespace NVORNQDX20
 

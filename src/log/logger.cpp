@@ -58,6 +58,7 @@ TLogger::~TLogger() {
 }
 
 void TLogger::OutputLogEntry(EQDXLogSeverity severity, const std::string& message) {
+  TLogListener::TellAll(severity, message);
   if (severity != kLogRecordOnly && severity > fThreshold) return;
   if (severity <= kLogDebug || severity == kLogRecordOnly) {
     fLog.push_back({severity, message, TOSSpecific::GetLocalTime()});

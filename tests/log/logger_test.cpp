@@ -93,6 +93,26 @@ TEST_F(Logger, SaysWhyItsFileCannotBeOpened) {
   EXPECT_EQ(status, "kQDXStatusAccessDenied");
 }
 
+TEST_F(Logger, TellsListenersWhateverTheThreshold) {
+  fLogger->SetLogThreshold(ILogger::kLogError);
+  TMessages outer, inner;
+  const auto into = [](TMessages& messages) {
+    return [&messages](TSeverity, const std::string& message) { messages.push_back(message); };
+  };
+  const TLogListener outerListener(ILogger::kLogError, into(outer));
+  {
+    const TLogListener innerListener(ILogger::kLogWarning, into(inner));
+    fLogger->OutputLogEntry(ILogger::kLogWarning, "called");
+    LogMessage(ILogger::kLogWarning, {"jo", "ined"});
+    LogMessage(ILogger::kLogStatus, {"status"});
+    LogMessage(ILogger::kLogError, {"a ", "reason"});
+  }
+  LogMessage(ILogger::kLogError, {"last"});
+  EXPECT_EQ(inner, (TMessages{"called", "joined", "a reason"}));
+  EXPECT_EQ(outer, (TMessages{"a reason", "last"}));
+  EXPECT_EQ(History(), outer);  // what was rejected is not kept
+}
+
 TEST_F(Logger, AbandonsTheOneBefore) {
   TLogger::Initialize();
   const std::unique_ptr<TLogger> second(TLogger::GetInstance());
