@@ -95,7 +95,7 @@ class QDXCORE_EXPORT TLogger : public ILogger {
 QDXCORE_EXPORT void LogMessage(ILogger::EQDXLogSeverity severity,
                                std::initializer_list<std::string_view> parts);
 
-/// Logs the joined parts as an error, then throws.
+/// Logs the joined parts as an error, then throws a TExplainedException with them as its reason.
 [[noreturn]] QDXCORE_EXPORT void LogErrorAndThrow(EQDXStatusCode code,
                                                   std::initializer_list<std::string_view> parts);
 

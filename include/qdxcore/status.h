@@ -103,8 +103,8 @@ class QDXCORE_EXPORT TQDXException : public std::exception {
 ///
 ///   throw TExplainedException(kQDXStatusNotFound, "class CIM_Fan has no property \"Sped\"");
 ///
-/// LogErrorAndThrow() in <qdxcore/logger.h> says it to everybody. This is for who cannot know
-/// whether the failure is one, or just the answer to a question: it logs nothing.
+/// LogErrorAndThrow() in <qdxcore/logger.h> logs the reason as well. A plain throw, which logs
+/// nothing, is for who cannot know whether it is a failure or just the answer to a question.
 class QDXCORE_EXPORT TExplainedException : public TQDXException {
  public:
   TExplainedException(TQDXStatusCode code, std::string reason)

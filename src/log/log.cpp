@@ -28,7 +28,7 @@ void LogMessage(ILogger::EQDXLogSeverity severity, std::initializer_list<std::st
 
 void LogErrorAndThrow(EQDXStatusCode code, std::initializer_list<std::string_view> parts) {
   LogMessage(ILogger::kLogError, parts);
-  throw TQDXException(code);
+  throw TExplainedException(code, Joined(parts));
 }
 
 TLogListener* TLogListener::fgNewest = nullptr;

@@ -6,12 +6,15 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// The reason of the exception that is being handled.
-std::string ReasonOfFailure() {
+/// The reason of the exception that is being handled. A bare status says less than the last error
+/// that was logged before it, if there is one.
+std::string ReasonOfFailure(const std::string& lastError) {
   try {
     throw;
   } catch (const TExplainedException& exception) {
     return exception.GetReason();
+  } catch (const TQDXException& exception) {
+    return lastError.empty() ? exception.what() : lastError;
   } catch (const std::exception& exception) {
     return exception.what();
   } catch (...) {
@@ -66,11 +69,14 @@ boost::shared_ptr<INamespaceProviderManager> TRootObject::GetNamespaceProviderMa
 }
 
 bool RegisterProvider(boost::shared_ptr<INamespaceProvider> (*make)()) noexcept try {
+  std::string lastError;
+  const TLogListener listener(ILogger::kLogError,
+                              [&lastError](auto, const auto& message) { lastError = message; });
   try {
     TRootObject::GetNamespaceProviderManager()->RegisterNamespaceProvider(make());
     return true;
   } catch (...) {
-    LogMessage(ILogger::kLogError, {"Failed to register a provider: ", ReasonOfFailure()});
+    LogMessage(ILogger::kLogError, {"Failed to register a provider: ", ReasonOfFailure(lastError)});
   }
   return false;
 } catch (...) {  // no memory for the message

@@ -105,7 +105,12 @@ TEST_F(Logger, TellsListenersWhateverTheThreshold) {
     fLogger->OutputLogEntry(ILogger::kLogWarning, "called");
     LogMessage(ILogger::kLogWarning, {"jo", "ined"});
     LogMessage(ILogger::kLogStatus, {"status"});
-    LogMessage(ILogger::kLogError, {"a ", "reason"});
+    try {
+      LogErrorAndThrow(kQDXStatusNotFound, {"a ", "reason"});
+    } catch (const TExplainedException& e) {
+      EXPECT_EQ(e.GetReason(), "a reason");
+      EXPECT_STREQ(e.what(), "kQDXStatusNotFound");
+    }
   }
   LogMessage(ILogger::kLogError, {"last"});
   EXPECT_EQ(inner, (TMessages{"called", "joined", "a reason"}));

@@ -126,6 +126,11 @@ TEST(RegisterProvider, LogsTheReasonWhateverWasThrown) {
   const std::pair<TProvider (*)(), std::string> rows[] = {
       {[]() -> TProvider { throw TExplainedException(kQDXStatusFail, "no table"); }, "no table"},
       {[]() -> TProvider { throw TQDXException(kQDXStatusFail); }, "kQDXStatusFail"},
+      {[]() -> TProvider {
+         LogMessage(ILogger::kLogError, {"a line before"});
+         throw TQDXException(kQDXStatusFail);
+       },
+       "a line before"},
       {[]() -> TProvider { throw std::out_of_range("x[3]"); }, "x[3]"},
       {[]() -> TProvider { throw 5; }, "an exception that is no std::exception"},
       {[]() -> TProvider { return boost::make_shared<TNamedProvider>(""); },
@@ -133,8 +138,7 @@ TEST(RegisterProvider, LogsTheReasonWhateverWasThrown) {
   for (const auto& [make, reason] : rows) {
     const TLogCapture log;
     EXPECT_FALSE(RegisterProvider(make));
-    EXPECT_EQ(log.Messages(),
-              std::vector<std::string>{"0 Failed to register a provider: " + reason});
+    EXPECT_EQ(log.Messages().back(), "0 Failed to register a provider: " + reason);
   }
 }
 
