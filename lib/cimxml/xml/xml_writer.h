@@ -10,8 +10,8 @@
 
 namespace NVORNQDX20::NCIMXML {
 
-/// Characters that XML cannot hold, and bytes that are no UTF-8, become U+FFFD each and are
-/// counted. All others come back from a reader as they are, whatever it normalises.
+/// The bytes of characters that XML cannot hold, and those that are not UTF-8, become U+FFFD each
+/// and are counted. All others come back from a reader as they are, whatever it normalises.
 class TXMLWriter {
  public:
   explicit TXMLWriter(TOutput& output) : fOutput(output) {}
@@ -30,7 +30,7 @@ class TXMLWriter {
   void SetReplaced(std::size_t count) { fReplaced = count; }
 
  private:
-  std::size_t WriteCharacter(std::string_view text);
+  void WriteCharacter(std::string_view& text);
 
   TOutput& fOutput;
   std::size_t fReplaced = 0;

@@ -1,18 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "text.h"
 
-#include <boost/locale/utf.hpp>
+#include <qdxsystem/utf8.h>
 
 namespace NVORNQDX20 {
 namespace {
-
-using TUTF8 = boost::locale::utf::utf_traits<char>;
-
-bool IsPrintable(boost::locale::utf::code_point character) {
-  const bool c0 = character < 0x20;
-  const bool c1 = character >= 0x7f && character < 0xa0;
-  return boost::locale::utf::is_valid_codepoint(character) && !c0 && !c1;
-}
 
 std::string WithoutBlanksAround(const std::string& text) {
   const std::size_t first = text.find_first_not_of(' ');
@@ -24,13 +16,9 @@ std::string WithoutBlanksAround(const std::string& text) {
 
 std::string PrintableText(std::string_view text) {
   std::string printable;
-  const char* const end = text.data() + text.size();
-  for (const char* position = text.data(); position != end;) {
-    const char* const start = position;
-    const auto character = TUTF8::decode(position, end);
-    // A bad sequence costs its first byte only: what follows may be good again.
-    if (!boost::locale::utf::is_valid_codepoint(character)) position = start + 1;
-    if (IsPrintable(character)) printable.append(start, position);
+  while (!text.empty()) {
+    const TUTF8Character character = TakeCharacter(text);
+    if (character.fCodePoint && !IsControl(*character.fCodePoint)) printable += character.fBytes;
   }
   return WithoutBlanksAround(printable);
 }

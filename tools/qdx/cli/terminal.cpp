@@ -1,25 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "terminal.h"
 
+#include <qdxsystem/utf8.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <string_view>
 
 #include <unistd.h>
 
-#include <boost/locale/utf.hpp>
-
 namespace NVORNQDX20 {
 namespace {
 
-namespace utf = boost::locale::utf;
-
-bool IsHarmless(utf::code_point character) {
-  const bool control = character < 0x20 || (character >= 0x7f && character < 0xa0);
+bool IsHarmless(char32_t character) {
   // These would change the order in which the rest of a line is shown.
   const bool directs =
       (character >= 0x202a && character <= 0x202e) || (character >= 0x2066 && character <= 0x2069);
-  return utf::is_valid_codepoint(character) && !control && !directs;
+  return !IsControl(character) && !directs;
 }
 
 bool UsesColour() {
@@ -69,13 +66,10 @@ std::string FormatRow(const TTableRow& row, const std::vector<std::size_t>& widt
 
 std::string ForTerminal(const std::string& text) {
   std::string harmless;
-  const char* const end = text.data() + text.size();
-  for (const char* position = text.data(); position != end;) {
-    const char* const start = position;
-    const utf::code_point character = utf::utf_traits<char>::decode(position, end);
-    // A bad sequence costs its first byte only: what follows may be good again.
-    if (!utf::is_valid_codepoint(character)) position = start + 1;
-    harmless += IsHarmless(character) ? std::string(start, position) : "?";
+  for (std::string_view rest = text; !rest.empty();) {
+    const TUTF8Character character = TakeCharacter(rest);
+    const bool isHarmless = character.fCodePoint && IsHarmless(*character.fCodePoint);
+    harmless += isHarmless ? character.fBytes : "?";
   }
   return harmless;
 }
