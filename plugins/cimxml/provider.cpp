@@ -4,9 +4,10 @@
 #include <qdxcore/registry.h>
 #include <qdxcore/status.h>
 #include <qdxrepository/repository.h>
+#include <qdxsystem/descriptor.h>
+#include <qdxsystem/error_text.h>
 
 #include <cerrno>
-#include <cstring>
 #include <string>
 
 #include <fcntl.h>
@@ -24,7 +25,7 @@ using TNamespaces = boost::shared_ptr<TRepositoryProvider>;
 
 [[noreturn]] void Refuse(const std::string& file) {
   const auto code = errno == EACCES ? kQDXStatusAccessDenied : kQDXStatusFileNotFound;
-  const char* const reason = std::strerror(errno);
+  const std::string reason = ErrorText(errno);
   LogErrorAndThrow(code, {"cimxml: ", file == "-" ? "standard input" : file, ": ", reason});
 }
 
@@ -55,10 +56,9 @@ struct TIdentity {
 
 TNamespaces Read(const std::string& file) {
   if (file == "-") return NCIMXML::ReadDocument("standard input", STDIN_FILENO);
-  const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) Refuse(file);
-  const boost::shared_ptr<void> owner(nullptr, [descriptor](void*) { ::close(descriptor); });
-  return NCIMXML::ReadDocument(file, descriptor);
+  const TDescriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!descriptor.IsOpen()) Refuse(file);
+  return NCIMXML::ReadDocument(file, descriptor.Get());
 }
 
 /// Provider "cimxml": the namespaces of a CIM-XML document, plain or compressed with gzip.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "input.h"
 
+#include <qdxsystem/error_text.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -95,7 +97,7 @@ bool TInput::Fill() {
   do {
     length = ::read(fDescriptor, fBuffer.get() + fEnd, kBufferSize - fEnd);
   } while (length < 0 && errno == EINTR);
-  if (length < 0) throw TDefect(std::strerror(errno), {}, kQDXStatusFileSystemError);
+  if (length < 0) throw TDefect(ErrorText(errno), {}, kQDXStatusFileSystemError);
   fEnd += static_cast<std::size_t>(length);
   fConsumed += static_cast<std::size_t>(length);
   return length > 0;

@@ -3,11 +3,11 @@
 
 #include <qdxcore/logger.h>
 #include <qdxcore/status.h>
+#include <qdxsystem/error_text.h>
+#include <qdxsystem/write.h>
 
 #include <cerrno>
 #include <cstddef>
-#include <cstring>
-#include <utility>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -23,10 +23,10 @@ bool EndsWith(std::string_view text, std::string_view end) {
   return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
-int OpenForWriting(const std::string& file) {
+TDescriptor OpenForWriting(const std::string& file) {
   // A copy, so that closing it tells of errors and leaves standard output to the others.
-  if (file == "-") return ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
-  return ::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+  if (file == "-") return TDescriptor(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0));
+  return TDescriptor(::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
 }
 
 }  // namespace
@@ -69,19 +69,17 @@ TOutput::TOutput(const std::string& file)
     : fFile(file),
       fCompressor(EndsWith(file, ".gz") ? std::make_unique<TCompressor>() : nullptr),
       fDescriptor(OpenForWriting(file)) {
-  Require(fDescriptor >= 0);
+  Require(fDescriptor.IsOpen());
 }
 
-TOutput::~TOutput() {
-  if (fDescriptor >= 0) ::close(fDescriptor);
-}
+TOutput::~TOutput() = default;
 
 void TOutput::Close() {
   Flush();
   if (fCompressor) {
     fCompressor->Compress({}, true, [this](std::string_view bytes) { WriteToFile(bytes); });
   }
-  Require(::close(std::exchange(fDescriptor, -1)) == 0);
+  Require(fDescriptor.Close());
 }
 
 void TOutput::Flush() {
@@ -93,18 +91,11 @@ void TOutput::Flush() {
   fBuffer.clear();
 }
 
-void TOutput::WriteToFile(std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(fDescriptor, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    Require(written >= 0);
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-}
+void TOutput::WriteToFile(std::string_view bytes) { Require(WriteAll(fDescriptor.Get(), bytes)); }
 
 void TOutput::Require(bool done) const {
   if (done) return;
-  const char* const reason = std::strerror(errno);
+  const std::string reason = ErrorText(errno);
   LogErrorAndThrow(kQDXStatusFileSystemError,
                    {"cimxml: ", fFile == "-" ? "standard output" : fFile, ": ", reason});
 }

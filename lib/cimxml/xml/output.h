@@ -3,6 +3,8 @@
 #ifndef LIB_CIMXML_XML_OUTPUT_H_
 #define LIB_CIMXML_XML_OUTPUT_H_
 
+#include <qdxsystem/descriptor.h>
+
 #include <memory>
 #include <string>
 #include <string_view>
@@ -40,7 +42,7 @@ class TOutput {
   const std::string fFile;
   std::string fBuffer;
   const std::unique_ptr<TCompressor> fCompressor;
-  int fDescriptor;
+  TDescriptor fDescriptor;
 };
 
 }  // namespace NVORNQDX20::NCIMXML
