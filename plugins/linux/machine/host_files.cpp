@@ -2,11 +2,12 @@
 #include "host_files.h"
 
 #include <qdxcore/logger.h>
+#include <qdxsystem/error_text.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <memory>
-#include <system_error>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -14,6 +15,7 @@
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/syscall.h>
+#include <unistd.h>
 
 #include "text.h"
 
@@ -23,8 +25,6 @@ namespace {
 /// The kernel asks to try again when something was renamed or mounted, anywhere, while it followed
 /// a "..".
 constexpr int kMaxAttempts = 32;
-
-std::string ErrorText(int error) { return std::generic_category().message(error); }
 
 TReading Missing(const std::string& path, const std::string& reason) {
   return TReading::Missing(path + ": " + reason);
@@ -48,7 +48,7 @@ TDescriptor OpenWithoutLinks(int root, const std::string& path, int flags) {
   for (const auto& component : relative.parent_path()) {
     folder = TDescriptor(
         ::openat(folder.Get(), component.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    if (!folder) return folder;
+    if (!folder.IsOpen()) return folder;
   }
   return TDescriptor(::openat(folder.Get(), relative.filename().c_str(), flags | O_NOFOLLOW));
 }
@@ -91,7 +91,7 @@ bool MayBeMountPoint(int file) {
 
 TDescriptor OpenRoot(const std::string& root) {
   TDescriptor folder(::open(root.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-  if (!folder) {
+  if (!folder.IsOpen()) {
     LogErrorAndThrow(folder.GetError() == EACCES ? kQDXStatusAccessDenied : kQDXStatusFileNotFound,
                      {"linux: root folder ", root, ": ", ErrorText(folder.GetError())});
   }
@@ -114,7 +114,7 @@ TDescriptor THostFiles::Open(const std::string& path, int flags) const {
 
 TReading THostFiles::Read(const std::string& path, std::size_t maxSize) const {
   const TDescriptor file = Open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
-  if (!file) return Missing(path, ErrorText(file.GetError()));
+  if (!file.IsOpen()) return Missing(path, ErrorText(file.GetError()));
   if (!IsRegularFile(file.Get())) return Missing(path, "not a regular file");
   TReading reading = ReadToEnd(file.Get(), path, maxSize);
   if (reading && reading.fValue->size() > maxSize) {
@@ -132,12 +132,12 @@ TReading THostFiles::ReadLine(const std::string& path) const {
 }
 
 bool THostFiles::IsFolder(const std::string& path) const {
-  return static_cast<bool>(Open(path, O_PATH | O_DIRECTORY));
+  return Open(path, O_PATH | O_DIRECTORY).IsOpen();
 }
 
 std::vector<std::string> THostFiles::List(const std::string& path) const {
   TDescriptor folder = Open(path, O_RDONLY | O_DIRECTORY | O_NONBLOCK);
-  if (!folder) return {};
+  if (!folder.IsOpen()) return {};
   const std::unique_ptr<DIR, int (*)(DIR*)> entries(::fdopendir(folder.Get()), ::closedir);
   if (!entries) return {};
   (void)folder.Release();  // closedir closes it from here on
@@ -153,7 +153,7 @@ TReadingOf<TSpace> THostFiles::ReadSpace(const std::string& path) const {
   using TResult = TReadingOf<TSpace>;
   if (!fIsThisMachine) return TResult::Missing("not asked: not mounted on this machine");
   const TDescriptor place = Open(path, O_PATH);
-  if (!place) return TResult::Missing(path + ": " + ErrorText(place.GetError()));
+  if (!place.IsOpen()) return TResult::Missing(path + ": " + ErrorText(place.GetError()));
   if (!MayBeMountPoint(place.Get())) return TResult::Missing("hidden below another mount");
   struct statvfs status {};
   if (::fstatvfs(place.Get(), &status) != 0) {

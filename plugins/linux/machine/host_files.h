@@ -3,12 +3,13 @@
 #ifndef PLUGINS_LINUX_MACHINE_HOST_FILES_H_
 #define PLUGINS_LINUX_MACHINE_HOST_FILES_H_
 
+#include <qdxsystem/descriptor.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "descriptor.h"
 #include "reading.h"
 
 namespace NVORNQDX20 {
