@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "new_file.h"
 
+#include <qdxsystem/error_text.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -40,7 +42,7 @@ void RemoveOnSignals() {
 }
 
 [[noreturn]] void FailToWrite(const std::string& shownAs, int error) {
-  const TFailure failure(kQDXStatusFileSystemError, std::generic_category().message(error));
+  const TFailure failure(kQDXStatusFileSystemError, ErrorText(error));
   throw TCommandFailure(kExitBadInput, FailureLine("writing", shownAs, failure));
 }
 
@@ -48,10 +50,8 @@ void RemoveOnSignals() {
 /// be had, in a folder that may be written but not read for example, the file is in place anyway.
 void SyncFolderOf(const std::string& path) {
   const std::string folder = std::filesystem::absolute(path).parent_path().string();
-  const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (descriptor < 0) return;
-  ::fsync(descriptor);
-  ::close(descriptor);
+  const TDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (descriptor.IsOpen()) ::fsync(descriptor.Get());
 }
 
 }  // namespace
@@ -65,21 +65,20 @@ std::filesystem::path FileToReplace(const std::filesystem::path& path) {
                                                    {kQDXStatusFileSystemError, error.message()}));
 }
 
-TNewFile::TNewFile(const std::string& folder, const std::string& suffix, const std::string& shownAs)
-    : fDescriptor(-1) {
+TNewFile::TNewFile(const std::string& folder, const std::string& suffix,
+                   const std::string& shownAs) {
   const std::string pattern = folder + "/.qdx-XXXXXX" + suffix;
   if (pattern.size() >= sizeof(gPath)) FailToWrite(shownAs, ENAMETOOLONG);
   RemoveOnSignals();
   // The name is made in place, so that at no moment a signal leaves a file behind.
   *std::copy(pattern.begin(), pattern.end(), gPath) = '\0';
-  fDescriptor = ::mkostemps(gPath, static_cast<int>(suffix.size()), O_CLOEXEC);
-  if (fDescriptor < 0) FailToWrite(shownAs, errno);
+  fDescriptor = TDescriptor(::mkostemps(gPath, static_cast<int>(suffix.size()), O_CLOEXEC));
+  if (!fDescriptor.IsOpen()) FailToWrite(shownAs, fDescriptor.GetError());
   fPath = gPath;
 }
 
 TNewFile::~TNewFile() {
   ::unlink(fPath.c_str());  // nothing is left of that name once it was published
-  ::close(fDescriptor);
 }
 
 void TNewFile::Publish(const std::string& path) { Rename(path, 0); }
@@ -87,7 +86,7 @@ void TNewFile::Publish(const std::string& path) { Rename(path, 0); }
 bool TNewFile::PublishIfNew(const std::string& path) { return Rename(path, RENAME_NOREPLACE); }
 
 bool TNewFile::Rename(const std::string& path, unsigned int flags) {
-  const bool done = ::fsync(fDescriptor) == 0 &&
+  const bool done = ::fsync(fDescriptor.Get()) == 0 &&
                     ::renameat2(AT_FDCWD, fPath.c_str(), AT_FDCWD, path.c_str(), flags) == 0;
   // Network file systems do not know the flag. There, a file of the very moment is replaced.
   if (!done && errno == EINVAL && flags != 0) {

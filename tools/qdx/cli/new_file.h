@@ -3,6 +3,8 @@
 #ifndef TOOLS_QDX_CLI_NEW_FILE_H_
 #define TOOLS_QDX_CLI_NEW_FILE_H_
 
+#include <qdxsystem/descriptor.h>
+
 #include <filesystem>
 #include <string>
 
@@ -38,7 +40,7 @@ class TNewFile {
   bool Rename(const std::string& path, unsigned int flags);
 
   std::string fPath;
-  int fDescriptor;  // kept for fsync
+  TDescriptor fDescriptor;  // kept for fsync
 };
 
 }  // namespace NVORNQDX20

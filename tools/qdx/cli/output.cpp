@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "output.h"
 
+#include <qdxsystem/error_text.h>
+#include <qdxsystem/write.h>
+
 #include <cerrno>
-#include <system_error>
 
 #include <poll.h>
 #include <unistd.h>
@@ -17,19 +19,14 @@ namespace {
 
 [[noreturn]] void FailToWrite(int error) {
   if (error == EPIPE) throw TCommandFailure(kExitBadInput, "");
-  const TFailure failure(kQDXStatusFileSystemError, std::generic_category().message(error));
+  const TFailure failure(kQDXStatusFileSystemError, ErrorText(error));
   throw TCommandFailure(kExitBadInput, FailureLine("writing", "standard output", failure));
 }
 
 }  // namespace
 
 void WriteOutput(const std::string& text) {
-  for (std::size_t written = 0; written < text.size();) {
-    const ssize_t count = ::write(STDOUT_FILENO, text.data() + written, text.size() - written);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) FailToWrite(errno);
-    written += static_cast<std::size_t>(count);
-  }
+  if (!WriteAll(STDOUT_FILENO, text)) FailToWrite(errno);
 }
 
 void WriteFileName(const std::string& file) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "crash_note.h"
 
+#include <qdxsystem/write.h>
+
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -21,7 +23,7 @@ char gNote[512];
 void SetNote(const std::string& note) { gNote[note.copy(gNote, sizeof(gNote) - 1)] = '\0'; }
 
 void Write(const char* text) {
-  (void)!::write(STDERR_FILENO, text, std::strlen(text));  // there is nobody else to tell
+  (void)WriteAll(STDERR_FILENO, text);  // there is nobody else to tell
 }
 
 extern "C" void ReportAndEnd(int signal) {

@@ -3,6 +3,7 @@
 
 #include <qdxcore/build_stamp.h>
 #include <qdxcore/logger.h>
+#include <qdxsystem/error_text.h>
 
 #include <cerrno>
 #include <cstring>
@@ -28,7 +29,7 @@ class TPluginFile {
     if (!std::filesystem::is_regular_file(status)) Refuse("is not a file");
     fSize = std::filesystem::file_size(file, error);
     fStream.open(file, std::ios::binary);
-    if (!fStream) Refuse("cannot be read: " + std::generic_category().message(errno));
+    if (!fStream) Refuse("cannot be read: " + ErrorText(errno));
   }
 
   [[noreturn]] void Refuse(const std::string& why) const {

@@ -2,6 +2,7 @@
 #include "plugin_trial.h"
 
 #include <qdxcore/logger.h>
+#include <qdxsystem/descriptor.h>
 
 #include <algorithm>
 #include <chrono>
@@ -35,8 +36,8 @@ constexpr int kCameBack = 113;
 /// What is printed or logged will be again when the library is loaded for good.
 void TurnAside(int end) {
   ::fcntl(end, F_SETFL, O_NONBLOCK);  // its text must not wait until another trial is done
-  const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
-  ::dup2(nowhere, STDOUT_FILENO);
+  const TDescriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
+  ::dup2(nowhere.Get(), STDOUT_FILENO);
   ::dup2(end, STDERR_FILENO);
   TLogger::Initialize();  // writes no file
   LeaveCrashesToOthers();

@@ -13,30 +13,25 @@ TKeptSurroundings::TKeptSurroundings()
     : fFolder(::open(".", O_PATH | O_DIRECTORY | O_CLOEXEC)), fMask(::umask(0)) {
   ::umask(fMask);
   std::fflush(stdout);
-  for (int i = 0; i < 3; ++i) fDescriptors[i] = ::fcntl(i, F_DUPFD_CLOEXEC, 3);
-  if (fDescriptors[STDOUT_FILENO] >= 0) ::dup2(STDERR_FILENO, STDOUT_FILENO);
+  for (int i = 0; i < 3; ++i) fDescriptors[i] = TDescriptor(::fcntl(i, F_DUPFD_CLOEXEC, 3));
+  if (fDescriptors[STDOUT_FILENO].IsOpen()) ::dup2(STDERR_FILENO, STDOUT_FILENO);
 }
 
 TKeptSurroundings::~TKeptSurroundings() {
   std::fflush(stdout);
-  for (int i = 0; i < 3; ++i) {
-    ::dup2(fDescriptors[i], i);
-    ::close(fDescriptors[i]);
-  }
+  for (int i = 0; i < 3; ++i) ::dup2(fDescriptors[i].Get(), i);
   OccupyStandardDescriptors();
-  if (fFolder >= 0) {
-    (void)!::fchdir(fFolder);  // where the folder may no longer be entered, this one has to do
-    ::close(fFolder);
-  }
+  (void)!::fchdir(fFolder.Get());  // where the folder may no longer be entered, this one has to do
   ::umask(fMask);
 }
 
 void OccupyStandardDescriptors() {
-  int descriptor = 0;
-  while (descriptor >= 0 && descriptor <= STDERR_FILENO) {
-    descriptor = ::open("/dev/null", O_RDONLY);
+  int number = STDIN_FILENO;
+  while (number >= 0 && number <= STDERR_FILENO) {
+    TDescriptor file(::open("/dev/null", O_RDONLY));
+    number = file.Get();
+    if (number <= STDERR_FILENO) (void)file.Release();
   }
-  if (descriptor > STDERR_FILENO) ::close(descriptor);
 }
 
 }  // namespace NVORNQDX20

@@ -3,6 +3,8 @@
 #ifndef TOOLS_QDX_PLUGIN_HOST_SURROUNDINGS_H_
 #define TOOLS_QDX_PLUGIN_HOST_SURROUNDINGS_H_
 
+#include <qdxsystem/descriptor.h>
+
 #include <sys/types.h>
 
 namespace NVORNQDX20 {
@@ -18,8 +20,8 @@ class TKeptSurroundings {
   TKeptSurroundings& operator=(const TKeptSurroundings&) = delete;
 
  private:
-  int fDescriptors[3];
-  int fFolder;
+  TDescriptor fDescriptors[3];
+  TDescriptor fFolder;
   mode_t fMask;
 };
 

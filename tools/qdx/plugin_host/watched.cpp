@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "watched.h"
 
+#include <qdxsystem/error_text.h>
+
 #include <cerrno>
 #include <new>
-#include <system_error>
 
 #include <sys/wait.h>
 
@@ -54,7 +55,7 @@ void RunWatched(const std::string& tried, const std::string& on, std::chrono::se
     throw TCommandFailure(kExitTransferFailed, FailureLine(tried, on, {status, why}));
   };
   TWorker worker([&action](int) { return ExitCodeOf(action); });
-  if (!worker.IsRunning()) fail(kQDXStatusFail, std::generic_category().message(errno));
+  if (!worker.IsRunning()) fail(kQDXStatusFail, ErrorText(errno));
   if (!EndsByItself(worker, patience)) {
     fail(kQDXStatusConnectionFailed,
          "nothing moved for " + std::to_string(patience.count()) + " seconds");

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <fstream>
 #include <iterator>
+#include <utility>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -26,32 +27,30 @@ constexpr std::chrono::milliseconds kGlance{10};
 
 TWorker::TWorker(const std::function<int(int)>& action) {
   std::signal(SIGCHLD, SIG_DFL);  // ignored, it would hide how the process ended
-  int ends[2];
-  if (::pipe2(ends, O_CLOEXEC) != 0) return;
+  TPipe pipe = OpenPipe();
+  if (!pipe.fReadEnd.IsOpen()) return;
   const pid_t parent = ::getpid();
   fProcess = ::fork();
   if (fProcess == 0) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     ::setpgid(0, 0);
     if (::getppid() != parent) ::_exit(1);
-    RunAndExit(action, ends[1]);
+    RunAndExit(action, pipe.fWriteEnd.Get());
   }
   if (fProcess > 0) ::setpgid(fProcess, fProcess);  // whoever of the two comes first
-  ::close(ends[1]);
-  fEnd = ends[0];
-  ::fcntl(fEnd, F_SETFL, O_NONBLOCK);
+  fEnd = std::move(pipe.fReadEnd);
+  ::fcntl(fEnd.Get(), F_SETFL, O_NONBLOCK);
 }
 
 TWorker::~TWorker() {
   if (fProcess > 0 && !fEnded) EndGroup();
-  if (fEnd >= 0) ::close(fEnd);
 }
 
 bool TWorker::EndsBy(std::chrono::steady_clock::time_point deadline) {
   while (!HasEnded()) {
     if (std::chrono::steady_clock::now() >= deadline) return false;
     // The end of the pipe is no proof: the process may have closed it, or passed it on.
-    pollfd end = {fEnd, POLLIN, 0};
+    pollfd end = {fEnd.Get(), POLLIN, 0};
     if (::poll(&end, 1, static_cast<int>(kGlance.count())) > 0 && (end.revents & POLLIN) == 0) {
       ::usleep(1000);
     }
@@ -78,7 +77,7 @@ void TWorker::EndGroup() {
 
 void TWorker::ReadWhatIsThere() {
   char buffer[1024];
-  const ssize_t size = ::read(fEnd, buffer, sizeof(buffer));
+  const ssize_t size = ::read(fEnd.Get(), buffer, sizeof(buffer));
   if (size <= 0) return;
   fText.append(buffer, std::min(static_cast<std::size_t>(size), kLongestText - fText.size()));
 }

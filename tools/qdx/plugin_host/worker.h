@@ -3,6 +3,8 @@
 #ifndef TOOLS_QDX_PLUGIN_HOST_WORKER_H_
 #define TOOLS_QDX_PLUGIN_HOST_WORKER_H_
 
+#include <qdxsystem/descriptor.h>
+
 #include <sys/types.h>
 
 #include <chrono>
@@ -40,7 +42,7 @@ class TWorker {
   pid_t fProcess = -1;
   bool fEnded = false;
   int fStatus = 0;
-  int fEnd = -1;
+  TDescriptor fEnd;
   std::string fText;
 };
 

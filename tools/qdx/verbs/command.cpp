@@ -4,10 +4,10 @@
 #include <qdxcore/config.h>
 #include <qdxcore/logger.h>
 #include <qdxcore/registry.h>
+#include <qdxsystem/error_text.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <system_error>
 
 #include "cli/arguments.h"
 #include "cli/failure.h"
@@ -43,7 +43,7 @@ void SetUpLog(const TArguments& arguments) {
   errno = 0;
   auto failure = Try([&] { logger.SetLogFilename(file); });
   // The status does not tell a missing folder from a full disk; the system's own word does.
-  if (failure && errno != 0) failure->fWhy = std::generic_category().message(errno);
+  if (failure && errno != 0) failure->fWhy = ErrorText(errno);
   if (failure) throw TCommandFailure(kExitBadInput, FailureLine("opening log", file, *failure));
 }
 

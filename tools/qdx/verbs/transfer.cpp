@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // The verbs upload and download.
 #include <qdxcore/os_specific.h>
+#include <qdxsystem/descriptor.h>
+#include <qdxsystem/error_text.h>
+#include <qdxsystem/write.h>
 
 #include <algorithm>
 #include <cctype>
@@ -12,6 +15,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <string_view>
 #include <system_error>
 
 #include <fcntl.h>
@@ -33,8 +37,6 @@ const TOptionSpec kTimeoutOption = {"timeout", "SECONDS",
                                     "Give up when for so long nothing moves, 180 if not given."};
 
 using TStream = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-
-std::string Reason(int error) { return std::generic_category().message(error); }
 
 [[noreturn]] void FailOnFile(const std::string& tried, const std::string& file,
                              const std::string& why) {
@@ -92,7 +94,7 @@ void CheckRemotePath(const std::string& path) {
 
 TStream OpenTemporaryFile() {
   TStream file(std::tmpfile(), std::fclose);
-  if (!file) FailOnFile("opening", "temporary file", Reason(errno));
+  if (!file) FailOnFile("opening", "temporary file", ErrorText(errno));
   return file;
 }
 
@@ -106,14 +108,14 @@ void ReadAll(std::FILE* file, const std::string& shownAs,
   while ((count = std::fread(buffer, 1, sizeof buffer, file)) > 0) {
     take(std::string(buffer, count));
   }
-  if (std::ferror(file) != 0) FailOnFile("reading", shownAs, Reason(errno));
+  if (std::ferror(file) != 0) FailOnFile("reading", shownAs, ErrorText(errno));
 }
 
 TStream OpenSource(const std::string& operand, const std::string& shownAs) {
   // Standard input from where it stands, which no name for it would do.
   std::FILE* const file = operand == "-" ? ::fdopen(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0), "rb")
                                          : std::fopen(operand.c_str(), "rbe");
-  if (file == nullptr) FailOnFile("reading", shownAs, Reason(errno));
+  if (file == nullptr) FailOnFile("reading", shownAs, ErrorText(errno));
   return {file, std::fclose};
 }
 
@@ -126,7 +128,7 @@ TStream CopyOfSource(const std::string& operand) {
   std::setvbuf(copy.get(), nullptr, _IONBF, 0);
   ReadAll(source.get(), shownAs, [&](const std::string& block) {
     if (std::fwrite(block.data(), 1, block.size(), copy.get()) != block.size()) {
-      FailOnFile("copying to a temporary file", shownAs, Reason(errno));
+      FailOnFile("copying to a temporary file", shownAs, ErrorText(errno));
     }
   });
   if (std::ftell(copy.get()) == 0) FailOnFile("reading", shownAs, "it is empty");
@@ -150,11 +152,10 @@ EExitCode RunUpload(const TArguments& arguments) {
 
 /// Throws if the file cannot take another byte: only this tells a full disk from a failed transfer.
 void CheckForRoom(const std::string& file, const std::string& shownAs) {
-  const int descriptor = ::open(file.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
-  const bool hasRoom = descriptor >= 0 && ::write(descriptor, "", 1) == 1;
-  const int error = errno;
-  if (descriptor >= 0) ::close(descriptor);
-  if (!hasRoom) FailOnFile("writing", shownAs, Reason(error));
+  const TDescriptor descriptor(::open(file.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
+  const std::string_view byte("", 1);
+  const bool hasRoom = descriptor.IsOpen() && WriteAll(descriptor.Get(), byte);
+  if (!hasRoom) FailOnFile("writing", shownAs, ErrorText(errno));
 }
 
 /// After a failure the file may hold anything.
