@@ -37,6 +37,17 @@ inline boost::shared_ptr<ICIMClass> AddClass(const TNamespace& ns, const std::st
   return added;
 }
 
+/// A committed class below another one, which has these properties, without qualifiers, too.
+inline boost::shared_ptr<ICIMClass> AddDerived(const TNamespace& ns, const std::string& name,
+                                               const boost::shared_ptr<ICIMClass>& superclass,
+                                               const TProperties& own) {
+  const auto added = ns->CreateClass(name, superclass, {});
+  for (const auto& [property, value] : own)
+    added->CreatePropertyDecl(property, value, {})->Commit();
+  added->Commit({});
+  return added;
+}
+
 /// A committed instance.
 inline boost::shared_ptr<ICIMInstance> AddInstance(const TNamespace& ns,
                                                    const std::string& className,

@@ -13,6 +13,7 @@
 #include <qdxcore/status.h>
 
 #include <map>
+#include <set>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -43,6 +44,8 @@ struct TFaults {
 
   /// Is told of each call first, for example "ICIMClass::GetPropertyDecl(Id)".
   boost::function<void(const std::string&)> fWatch;
+  /// Classes then enumerate only the declarations that they do not inherit, as they may.
+  bool fHidesInherited = false;
   std::map<std::string, int> fCalls;
   std::map<std::pair<std::string, int>, NVORNQDX20::EQDXStatusCode> fFaults;
 };
@@ -208,7 +211,8 @@ struct TFaulty<ICIMClass> final : TElementWrapper<ICIMClass> {
   FAULTY(TPtr<ICIMQualifier>, GetQualifier, (TName n) const, (n))
   FAULTY(TPtr<ICIMPropertyDecl>, CreatePropertyDecl, (TName n, TValue v, TOptions o), (n, v, o))
   FAULTY(TPtr<const ICIMPropertyDecl>, GetPropertyDecl, (TName n, TOptions o) const, (n, o))
-  FAULTY(void, EnumeratePropertyDecls, (TEach<ICIMPropertyDecl> v, TOptions o) const, (Wrap(v), o))
+  FAULTY(void, EnumeratePropertyDecls, (TEach<ICIMPropertyDecl> v, TOptions o) const,
+         (ButInherited(Wrap(v)), o))
   FAULTY(void, SetStaticPropertyValue, (TName n, TValue v, TOptions o), (n, v, o))
   FAULTY(void, EnumerateStaticProperties, (TEach<ICIMProperty> v, TOptions o) const, (Wrap(v), o))
   FAULTY(TPtr<ICIMInstance>, CreateInstance, (TOptions o), (o))
@@ -217,6 +221,16 @@ struct TFaulty<ICIMClass> final : TElementWrapper<ICIMClass> {
          (Wrap(v), d, o))
   FAULTY(TPtr<ICIMMethodDecl>, CreateMethodDecl, (TName n, TType t, TOptions o), (n, t, o))
   FAULTY(void, EnumerateMethodDecls, (TEach<ICIMMethodDecl> v, TOptions o) const, (Wrap(v), o))
+
+  TEnumerationCallback<ICIMPropertyDecl> ButInherited(
+      const TEnumerationCallback<ICIMPropertyDecl>& visit) const {
+    std::set<TPtr<ICIMPropertyDecl>> hidden;
+    if (fFaults->fHidesInherited && !fReal->IsRootClass({})) {
+      const auto add = [&](const auto& real) { return hidden.insert(real).second; };
+      fReal->GetSuperclass({})->EnumeratePropertyDecls(add, {});
+    }
+    return [visit, hidden](const auto& real) { return hidden.count(real) != 0 || visit(real); };
+  }
 };
 
 template <>

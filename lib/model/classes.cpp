@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Superclasses, subclasses, instances and properties of a class, through the interfaces alone.
+#include <qdxmodel/classes.h>
+
+#include <qdxcore/status.h>
+#include <qdxmodel/names.h>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace NVORNQDX20::NModel {
+namespace {
+
+using TDecl = boost::shared_ptr<ICIMPropertyDecl>;
+
+bool Declares(const ICIMClass& cimClass, const TDecl& decl) {
+  try {
+    return cimClass.GetPropertyDecl(decl->GetName(), {}) == decl;
+  } catch (const TQDXException& e) {
+    if (e.GetStatusCode() != kQDXStatusNotFound) throw;
+    return false;
+  }
+}
+
+bool HasKeyQualifier(const ICIMPropertyDecl& decl) {
+  try {
+    return decl.GetQualifier("Key")->GetValue() == TCIMValue(true);
+  } catch (const TQDXException&) {
+    return false;  // any exception means that there is none
+  }
+}
+
+/// Collects declarations from the class upwards.
+class TPropertyCollector {
+ public:
+  void Add(const TDecl& decl) {
+    const auto [found, isNew] = fPositions.emplace(decl->GetName(), fProperties.size());
+    if (isNew) fProperties.push_back({decl, false});
+    TClassProperty& property = fProperties[found->second];
+    // A superclass repeats what the class has enumerated as inherited: asked once.
+    const bool isAsked = !isNew && property.fDecl == decl;
+    if (!isAsked && !property.fIsKey) property.fIsKey = HasKeyQualifier(*decl);
+  }
+
+  std::vector<TClassProperty> fProperties;
+
+ private:
+  // Views of names that the declarations in fProperties own.
+  std::unordered_map<std::string_view, std::size_t, TNameHash, TNameEqual> fPositions;
+};
+
+}  // namespace
+
+boost::shared_ptr<ICIMClass> SuperclassOf(const ICIMClass& cimClass) {
+  return cimClass.IsRootClass({}) ? nullptr : cimClass.GetSuperclass({});
+}
+
+std::vector<boost::shared_ptr<ICIMClass>> WithSubclasses(
+    const boost::shared_ptr<ICIMClass>& cimClass) {
+  std::vector<boost::shared_ptr<ICIMClass>> classes{cimClass};
+  cimClass->EnumerateSubclasses(TAddToVectorCallback(classes), true, {});
+  return classes;
+}
+
+std::vector<boost::shared_ptr<ICIMInstance>> InstancesOf(const ICIMClass& cimClass) {
+  std::vector<boost::shared_ptr<ICIMInstance>> instances;
+  cimClass.EnumerateInstances(TAddToVectorCallback(instances), false, {});
+  return instances;
+}
+
+std::vector<TDecl> OwnPropertyDeclsOf(const ICIMClass& cimClass) {
+  const auto superclass = SuperclassOf(cimClass);
+  std::vector<TDecl> own;
+  cimClass.EnumeratePropertyDecls(
+      [&](const TDecl& decl) {
+        if (!superclass || !Declares(*superclass, decl)) own.push_back(decl);
+        return true;
+      },
+      {});
+  return own;
+}
+
+std::vector<TClassProperty> PropertiesOf(const ICIMClass& cimClass) {
+  TPropertyCollector collector;
+  const auto add = [&collector](const TDecl& decl) {
+    collector.Add(decl);
+    return true;
+  };
+  cimClass.EnumeratePropertyDecls(add, {});
+  for (auto above = SuperclassOf(cimClass); above; above = SuperclassOf(*above)) {
+    above->EnumeratePropertyDecls(add, {});
+  }
+  return collector.fProperties;
+}
+
+}  // namespace NVORNQDX20::NModel

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+/// How names compare: without regard to ASCII case, and to no other (DMTF DSP0004, naming).
+///
+/// No locale has a say, so the outcome is the same on every machine. The words of machines that are
+/// written in whatever case, such as "TRUE", compare the same way.
+///
+/// Inline throughout: name tables hash and compare once for each property of each instance.
+#ifndef QDXMODEL_NAMES_H_
+#define QDXMODEL_NAMES_H_
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace NVORNQDX20::NModel {
+
+constexpr char Lower(char c) noexcept {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+inline bool EqualIgnoringCase(std::string_view left, std::string_view right) noexcept {
+  // Most callers spell a name as it was declared.
+  return left == right || std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                                     [](char l, char r) { return Lower(l) == Lower(r); });
+}
+
+/// In lower case: equal for names that compare equal, and different for all others.
+inline std::string Folded(std::string_view name) {
+  std::string folded(name);
+  std::transform(folded.begin(), folded.end(), folded.begin(), Lower);
+  return folded;
+}
+
+/// For hashed containers whose keys are names, or views of names.
+struct TNameHash {
+  std::size_t operator()(std::string_view name) const noexcept {
+    std::uint64_t hash = 14695981039346656037U;  // FNV-1a
+    for (const char c : name) {
+      hash = (hash ^ static_cast<unsigned char>(Lower(c))) * 1099511628211U;
+    }
+    return hash;
+  }
+};
+
+struct TNameEqual {
+  bool operator()(std::string_view left, std::string_view right) const noexcept {
+    return EqualIgnoringCase(left, right);
+  }
+};
+
+}  // namespace NVORNQDX20::NModel
+
+#endif  // QDXMODEL_NAMES_H_

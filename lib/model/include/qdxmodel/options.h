@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: Apache-2.0
+/// The options that this project's plug-ins, and those who call them, agree on.
+///
+/// An option of another type than its reader expects throws kQDXStatusTypeMismatch; one that is
+/// null throws kQDXStatusValueIsNULL.
+#ifndef QDXMODEL_OPTIONS_H_
+#define QDXMODEL_OPTIONS_H_
+
+#include <qdxcore/value.h>
+
+#include <optional>
+#include <string>
+
+namespace NVORNQDX20::NModel {
+
+/// For a provider: the folder below which it reads all files (string).
+inline constexpr const char* kRootOption = "root";
+/// For a provider or a consumer: the document, "-" for standard input or output (string).
+inline constexpr const char* kFileOption = "file";
+/// For a consumer: whether another namespace for the same file follows (boolean).
+inline constexpr const char* kMoreOption = "more";
+
+/// "/" if the option is missing.
+std::string RootOf(const TOptionsMap& options);
+/// Nothing if the option is missing.
+std::optional<std::string> FileOf(const TOptionsMap& options);
+/// False if the option is missing.
+bool HasMore(const TOptionsMap& options);
+
+}  // namespace NVORNQDX20::NModel
+
+#endif  // QDXMODEL_OPTIONS_H_

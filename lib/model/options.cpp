@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Reads options, and knows what holds for one that is missing.
+#include <qdxmodel/options.h>
+
+namespace NVORNQDX20::NModel {
+namespace {
+
+template <typename T>
+std::optional<T> Find(const TOptionsMap& options, const char* name) {
+  const auto found = options.find(name);
+  if (found == options.end()) return std::nullopt;
+  return static_cast<T>(found->second);
+}
+
+}  // namespace
+
+std::string RootOf(const TOptionsMap& options) {
+  return Find<std::string>(options, kRootOption).value_or("/");
+}
+
+std::optional<std::string> FileOf(const TOptionsMap& options) {
+  return Find<std::string>(options, kFileOption);
+}
+
+bool HasMore(const TOptionsMap& options) {
+  return Find<bool>(options, kMoreOption).value_or(false);
+}
+
+}  // namespace NVORNQDX20::NModel
