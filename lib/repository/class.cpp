@@ -3,6 +3,7 @@
 
 #include <qdxcore/reference.h>
 #include <qdxcore/status.h>
+#include <qdxmodel/type.h>
 
 #include <algorithm>
 #include <utility>
@@ -182,9 +183,9 @@ void TClass::AddProperty(TPropertyDecl& decl) {
   if (&present.Owner() == this) throw Taken(present.Description());
   if (present.GetType() != decl.GetType()) {
     throw TExplainedException(kQDXStatusTypeMismatch,
-                              decl.Description() + " is " + TypeText(decl.GetType()) +
-                                  ", but overrides a " + TypeText(present.GetType()) + " of " +
-                                  present.Owner().Description());
+                              decl.Description() + " is " + NModel::TypeText(decl.GetType()) +
+                                  ", but overrides a " + NModel::TypeText(present.GetType()) +
+                                  " of " + present.Owner().Description());
   }
   fProperties.Replace(slot, decl);
 }
@@ -224,7 +225,7 @@ std::vector<std::size_t> TClass::FindKeySlots() const {
     const bool isNew = &decl.Owner() == this && decl.IsKey() &&
                        std::find(keys.begin(), keys.end(), slot) == keys.end();
     if (!isNew) continue;
-    const bool isArray = (decl.GetType() & TCIMValue::TCIMType::kCIMTypeArray) != 0;
+    const bool isArray = NModel::IsArray(decl.GetType());
     if (inheritsKeys || isArray) {
       throw TExplainedException(
           kQDXStatusInvalidClass,

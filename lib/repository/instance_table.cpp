@@ -2,6 +2,7 @@
 #include "instance_table.h"
 
 #include <qdxcore/reference.h>
+#include <qdxmodel/visit.h>
 
 #include <algorithm>
 #include <functional>
@@ -12,8 +13,6 @@
 namespace NVORNQDX20::NRepository {
 namespace {
 
-using TCIMType = TCIMValue::TCIMType;
-
 constexpr std::size_t kLeastIndexSize = 16;
 
 std::size_t Combined(std::size_t left, std::size_t right) {
@@ -22,7 +21,7 @@ std::size_t Combined(std::size_t left, std::size_t right) {
 }
 
 template <typename T>
-std::size_t StandardHash(const T& value) {
+std::size_t HashOf(const T& value) {
   return std::hash<T>()(value);
 }
 
@@ -30,34 +29,23 @@ std::size_t StandardHash(const T& value) {
 std::size_t HashOf(const TCIMDateTime& value) {
   const TCIMDateTime origin =
       value.IsInterval() ? TCIMDateTime(0, 0, 0, 0, 0) : TCIMDateTime(2000, 1, 1, 0, 0, 0, 0, 0);
-  return Combined(value.IsInterval(), StandardHash((value - origin).ToString()));
+  return Combined(value.IsInterval(), HashOf((value - origin).ToString()));
 }
 
 std::size_t HashOf(const TCIMValue& value);
 
 std::size_t HashOf(const TCIMReference& value) {
-  std::size_t hash = StandardHash(value.GetClass().get());
+  std::size_t hash = HashOf(value.GetClass().get());
   value.EnumerateKeyBindings([&](const std::pair<std::string, TCIMValue>& binding) {
-    hash = Combined(Combined(hash, StandardHash(binding.first)), HashOf(binding.second));
+    hash = Combined(Combined(hash, HashOf(binding.first)), HashOf(binding.second));
     return true;
   });
   return hash;
 }
 
-/// Values that TCIMValue takes for equal hash alike; text serves where equal values have one text.
+/// Values that TCIMValue takes for equal hash alike.
 std::size_t HashOf(const TCIMValue& value) {
-  switch (value.GetType()) {
-    case TCIMType::kCIMTypeReal32:
-      return StandardHash<float>(value);
-    case TCIMType::kCIMTypeReal64:
-      return StandardHash<double>(value);
-    case TCIMType::kCIMTypeDateTime:
-      return HashOf(static_cast<TCIMDateTime>(value));
-    case TCIMType::kCIMTypeReference:
-      return HashOf(static_cast<TCIMReference>(value));
-    default:
-      return StandardHash(value.ToString(10));
-  }
+  return NModel::VisitScalar(value, [](const auto& native) { return HashOf(native); });
 }
 
 std::size_t HashOf(const std::vector<const TCIMValue*>& keys) {

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// CIM names: their syntax, their comparison, and a table of what bears them.
+/// CIM names: their syntax, and a table of what bears them.
 #ifndef LIB_REPOSITORY_NAMES_H_
 #define LIB_REPOSITORY_NAMES_H_
+
+#include <qdxmodel/names.h>
 
 #include <cstddef>
 #include <optional>
@@ -17,17 +19,6 @@ namespace NVORNQDX20::NRepository {
 bool IsCIMName(std::string_view name);
 /// Throws kQDXStatusInvalidCIMName if it is none.
 void RequireCIMName(std::string_view name);
-
-bool EqualNames(std::string_view left, std::string_view right) noexcept;
-
-struct TNameHash {
-  std::size_t operator()(std::string_view name) const noexcept;
-};
-struct TNameEqual {
-  bool operator()(std::string_view left, std::string_view right) const noexcept {
-    return EqualNames(left, right);
-  }
-};
 
 /// Elements in the order they were added, each found by its Name(). Owns none of them; they must
 /// outlive the table, whose keys are views of their names.
@@ -70,7 +61,8 @@ class TNameTable {
 
  private:
   std::vector<TElement*> fElements;
-  std::unordered_map<std::string_view, std::size_t, TNameHash, TNameEqual> fPositions;
+  std::unordered_map<std::string_view, std::size_t, NModel::TNameHash, NModel::TNameEqual>
+      fPositions;
 };
 
 }  // namespace NVORNQDX20::NRepository

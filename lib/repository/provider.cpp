@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxcore/status.h>
+#include <qdxmodel/names.h>
 #include <qdxrepository/repository.h>
 
 #include "described.h"
-#include "names.h"
 
 namespace NVORNQDX20 {
 
@@ -41,7 +41,7 @@ void TRepositoryProvider::EnumerateNamespaceNames(const TNamespaceNameCallback& 
 
 boost::shared_ptr<ICIMNamespace> TRepositoryProvider::Find(const std::string& name) const {
   for (const auto& ns : fNamespaces) {
-    if (NRepository::EqualNames(ns->GetName({}), name)) return ns;
+    if (NModel::EqualIgnoringCase(ns->GetName({}), name)) return ns;
   }
   return nullptr;
 }

@@ -3,6 +3,7 @@
 
 #include <qdxcore/reference.h>
 #include <qdxcore/status.h>
+#include <qdxmodel/type.h>
 
 #include <memory>
 #include <new>
@@ -16,15 +17,6 @@ namespace NVORNQDX20::NRepository {
 namespace {
 
 using TCIMType = TCIMValue::TCIMType;
-
-constexpr unsigned int kArray = TCIMType::kCIMTypeArray;
-
-unsigned int CodeOf(TCIMType type) { return static_cast<TCIMType::ECIMType>(type); }
-
-bool HasKeyword(TCIMType type) {
-  const unsigned int element = CodeOf(type) & ~kArray;
-  return element != TCIMType::kCIMTypeNone && element <= TCIMType::kCIMTypeReference;
-}
 
 /// One direction of the copy: what stands for the namespace, and for a class of it.
 class TRebinding {
@@ -118,27 +110,22 @@ class TBinding final : public TRebinding {
 }  // namespace
 
 bool HoldsReferences(TCIMType type) {
-  return (CodeOf(type) & ~kArray) == TCIMType::kCIMTypeReference;
-}
-
-std::string TypeText(TCIMType type) {
-  if (!HasKeyword(type)) return "untyped";
-  return type.ToString() + ((CodeOf(type) & kArray) != 0 ? "[]" : "");
+  return NModel::ElementType(type) == TCIMType::kCIMTypeReference;
 }
 
 bool IsDeclarable(TCIMType type) {
-  return HasKeyword(type) && (CodeOf(type) & ~kArray) != TCIMType::kCIMTypeChar;
+  return NModel::HasKeyword(type) && NModel::ElementType(type) != TCIMType::kCIMTypeChar;
 }
 
 TExplainedException Undeclarable(const std::string& description, TCIMType type) {
-  return {kQDXStatusInvalidProperty, description + " cannot be " + TypeText(type)};
+  return {kQDXStatusInvalidProperty, description + " cannot be " + NModel::TypeText(type)};
 }
 
 void RequireType(TCIMType given, TCIMType declared, const IDescribed& element) {
   if (given == declared) return;
-  throw TExplainedException(
-      kQDXStatusTypeMismatch,
-      element.Description() + " is " + TypeText(declared) + ", not " + TypeText(given));
+  throw TExplainedException(kQDXStatusTypeMismatch, element.Description() + " is " +
+                                                        NModel::TypeText(declared) + ", not " +
+                                                        NModel::TypeText(given));
 }
 
 TCIMValue WeakCopy(const TCIMValue& value, const TClass& user) {

@@ -22,9 +22,6 @@ class TNamespace;
 /// A reference or an array of references.
 bool HoldsReferences(TCIMValue::TCIMType type);
 
-/// As reasons name it: "uint8", "string[]".
-std::string TypeText(TCIMValue::TCIMType type);
-
 /// Whether properties, parameters and methods can be of that type: it must have a keyword, and a
 /// value must be able to hold it.
 bool IsDeclarable(TCIMValue::TCIMType type);
