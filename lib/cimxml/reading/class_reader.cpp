@@ -2,6 +2,7 @@
 #include "class_reader.h"
 
 #include <qdxcore/status.h>
+#include <qdxmodel/names.h>
 #include <qdxrepository/repository.h>
 
 #include <algorithm>
@@ -84,11 +85,12 @@ class TClassReader {
   }
 
   static bool IsStatic(const TElement& property) {
-    return std::any_of(
-        property.fChildren.begin(), property.fChildren.end(), [](const TElement& child) {
-          return child.Is("QUALIFIER") && child.Get("NAME") == "Static" &&
-                 child.Child("VALUE") != nullptr && Folded(child.Child("VALUE")->fText) == "true";
-        });
+    return std::any_of(property.fChildren.begin(), property.fChildren.end(),
+                       [](const TElement& child) {
+                         return child.Is("QUALIFIER") && child.Get("NAME") == "Static" &&
+                                child.Child("VALUE") != nullptr &&
+                                NModel::EqualIgnoringCase(child.Child("VALUE")->fText, "true");
+                       });
   }
 
   void ReadProperty(const TElement& property) {

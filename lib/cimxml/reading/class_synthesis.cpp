@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "class_synthesis.h"
 
-#include <unordered_map>
+#include <qdxmodel/names.h>
+
 #include <utility>
 
 #include "document.h"
@@ -71,7 +72,7 @@ class TSynthesis {
 
  private:
   TProperty& At(const std::string& name, TCIMType type) {
-    const auto [found, isNew] = fPositions.emplace(Folded(name), fProperties.size());
+    const auto [found, isNew] = fPositions.emplace(name, fProperties.size());
     if (isNew) fProperties.push_back({name, type, nullptr, false, false});
     return fProperties[found->second];
   }
@@ -98,7 +99,7 @@ class TSynthesis {
   }
 
   std::vector<TProperty> fProperties;
-  std::unordered_map<std::string, std::size_t> fPositions;  // by folded name
+  NModel::TNameMap<std::size_t> fPositions;
 };
 
 boost::shared_ptr<ICIMClass> ReferencedClass(TNamespaceBuilder& ns, const TElement& reference) {

@@ -102,7 +102,7 @@ TNamespaceBuilder& TDocument::NamespaceOf(const TElement& reference, TNamespaceB
 }
 
 TDocument::TEntry& TDocument::Entry(const std::string& name) {
-  TEntry& entry = fNamespaces[Folded(name)];
+  TEntry& entry = fNamespaces[NModel::Folded(name)];
   if (fNamespaces.size() > kMaxNamespaces) throw TDefect("too many namespaces");
   if (!entry.fBuilder) entry.fBuilder = std::make_unique<TNamespaceBuilder>(*this, fState, name);
   return entry;

@@ -2,9 +2,9 @@
 #include "instance_reader.h"
 
 #include <qdxcore/status.h>
+#include <qdxmodel/names.h>
 
 #include <string>
-#include <unordered_map>
 
 #include "object_path.h"
 #include "value_reader.h"
@@ -23,13 +23,15 @@ class TInstanceReader {
         fTarget(cimClass->CreateInstance({})) {}
 
   void SetKeysFromName(const TElement& name) {
-    if (Folded(ClassNameOf(name)) != Folded(fElement.Get("CLASSNAME"))) fContradicts = true;
+    if (!NModel::EqualIgnoringCase(ClassNameOf(name), fElement.Get("CLASSNAME"))) {
+      fContradicts = true;
+    }
     for (const TKeyBinding& binding : KeyBindingsOf(name)) {
       const std::string& key = binding.fName.empty() ? OnlyKeyOf(fClass, name) : binding.fName;
       const TCIMType type = DeclOf(fClass, key, *binding.fValue)->GetType();
       const TCIMValue value = ReadKeyValue(fNamespace, type, *binding.fValue);
       fTarget->SetPropertyValue(key, value, {});
-      fKeys.emplace(Folded(key), value);
+      fKeys.emplace(key, value);
     }
   }
 
@@ -40,7 +42,7 @@ class TInstanceReader {
       property.Refuse("property " + Shown(name) + " is declared with another type");
     }
     const TCIMValue value = ReadPropertyValue(fNamespace, property);
-    const auto key = fKeys.empty() ? fKeys.end() : fKeys.find(Folded(name));
+    const auto key = fKeys.empty() ? fKeys.end() : fKeys.find(name);
     if (key != fKeys.end()) {
       if (value.IsNull()) return;
       if (value != key->second) fContradicts = true;
@@ -65,8 +67,8 @@ class TInstanceReader {
   const ICIMClass& fClass;
   const TElement& fElement;
   const boost::shared_ptr<ICIMInstance> fTarget;
-  bool fContradicts = false;                         // its name
-  std::unordered_map<std::string, TCIMValue> fKeys;  // of its name, by folded name
+  bool fContradicts = false;          // its name
+  NModel::TNameMap<TCIMValue> fKeys;  // of its name
 };
 
 }  // namespace

@@ -54,7 +54,7 @@ void TNamespaceBuilder::AddQualifierDecl(const TElement& element) {
 }
 
 void TNamespaceBuilder::AddClass(TElement&& element, std::size_t bytes) {
-  const std::string folded = Folded(element.Get("NAME"));
+  const std::string folded = NModel::Folded(element.Get("NAME"));
   if (fClasses.count(folded) != 0 || fSources.count(folded) != 0) {
     element.Refuse("class " + Shown(element.Get("NAME")) + " is declared twice");
   }
@@ -104,7 +104,7 @@ void TNamespaceBuilder::BuildInstances() {
 }
 
 TReadClass TNamespaceBuilder::ClassNamed(const std::string& name, const TElement& use) {
-  const std::string folded = Folded(name);
+  const std::string folded = NModel::Folded(name);
   const auto found = fClasses.find(folded);
   if (found != fClasses.end()) return found->second;
   for (const auto& declaring : fState.fDeclaring) {
@@ -120,7 +120,7 @@ TReadClass TNamespaceBuilder::ClassNamed(const std::string& name, const TElement
 
 TReadClass TNamespaceBuilder::Declare(const std::string& name, const TElement& use) {
   if (fState.fDeclaring.size() >= kMaxClassDepth) use.Refuse("classes nested too deep");
-  const std::string folded = Folded(name);
+  const std::string folded = NModel::Folded(name);
   const TDeclaringScope scope(fState, *this, folded);
   const bool isDeclared = fSources.count(folded) != 0;
   if (!isDeclared && !fState.fIsComplete) throw TNotDeclaredYet();
@@ -140,7 +140,7 @@ boost::shared_ptr<ICIMClass> TNamespaceBuilder::ReadSource(const std::string& fo
 boost::shared_ptr<ICIMClass> TNamespaceBuilder::Synthesize(const std::string& name,
                                                            const TElement& use) {
   std::vector<const TElement*> uses;
-  const auto noted = fUses.find(Folded(name));
+  const auto noted = fUses.find(NModel::Folded(name));
   if (noted != fUses.end()) uses = noted->second;
   uses.push_back(&use);
   return SynthesizeClass(*this, name, uses);
@@ -154,7 +154,7 @@ TReadClass TNamespaceBuilder::Measured(const boost::shared_ptr<ICIMClass>& cimCl
   cimClass->EnumeratePropertyDecls(TAddToVectorCallback(decls), {});
   read.fProperties = decls.size();
   if (!cimClass->IsRootClass({})) {
-    const std::string superclass = Folded(cimClass->GetSuperclass({})->GetName({}));
+    const std::string superclass = NModel::Folded(cimClass->GetSuperclass({})->GetName({}));
     read.fDepth += fClasses.at(superclass).fDepth;
   }
   if (read.fDepth > kMaxClassDepth) use.Refuse("too many superclasses");

@@ -4,6 +4,7 @@
 #define LIB_CIMXML_READING_NAMESPACE_BUILDER_H_
 
 #include <qdxcore/interfaces.h>
+#include <qdxmodel/names.h>
 
 #include <cstddef>
 #include <deque>
@@ -90,7 +91,7 @@ class TNamespaceBuilder {
   boost::shared_ptr<ICIMClass> Synthesize(const std::string& name, const TElement& use);
   void NoteReferencesIn(const TElement& element);
   void NoteUse(const std::string& className, const TElement& use) {
-    fUses[Folded(className)].push_back(&use);
+    fUses[NModel::Folded(className)].push_back(&use);
   }
   TReadClass Measured(const boost::shared_ptr<ICIMClass>& cimClass, const TElement& use) const;
 

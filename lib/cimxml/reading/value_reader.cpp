@@ -3,6 +3,7 @@
 
 #include <qdxcore/reference.h>
 #include <qdxcore/status.h>
+#include <qdxmodel/classes.h>
 
 #include <charconv>
 #include <optional>
@@ -12,7 +13,6 @@
 
 #include "document.h"
 #include "object_path.h"
-#include "xml/declared.h"
 #include "xml/literal.h"
 
 namespace NVORNQDX20::NCIMXML {
@@ -149,12 +149,9 @@ boost::shared_ptr<const ICIMPropertyDecl> DeclOf(const ICIMClass& cimClass, cons
 
 std::string OnlyKeyOf(const ICIMClass& cimClass, const TElement& use) {
   std::vector<std::string> keys;
-  cimClass.EnumeratePropertyDecls(
-      [&](const boost::shared_ptr<ICIMPropertyDecl>& decl) {
-        if (IsKey(cimClass, decl->GetName())) keys.push_back(decl->GetName());
-        return true;
-      },
-      {});
+  for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
+    if (isKey) keys.push_back(decl->GetName());
+  }
   if (keys.size() != 1) use.Refuse("a key without name");
   return keys.front();
 }

@@ -2,13 +2,13 @@
 #include "document_writer.h"
 
 #include <qdxcore/logger.h>
+#include <qdxmodel/classes.h>
 
 #include <algorithm>
 #include <vector>
 
 #include "schema_writer.h"
 #include "value_writer.h"
-#include "xml/declared.h"
 
 namespace NVORNQDX20::NCIMXML {
 namespace {
@@ -53,14 +53,11 @@ class TInstanceWriter {
  public:
   TInstanceWriter(TXMLWriter& xml, TValueWriter& values, const ICIMClass& cimClass)
       : fXML(xml), fValues(values), fClassName(cimClass.GetName({})) {
-    cimClass.EnumeratePropertyDecls(
-        [&](const boost::shared_ptr<ICIMPropertyDecl>& decl) {
-          if (HasPropertyElement(decl->GetDefaultValue().GetType())) {
-            fProperties.push_back({decl->GetName(), IsKey(cimClass, decl->GetName())});
-          }
-          return true;
-        },
-        {});
+    for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
+      if (HasPropertyElement(decl->GetDefaultValue().GetType())) {
+        fProperties.push_back({decl->GetName(), isKey});
+      }
+    }
     fValues.BeginClass(fClassName);
   }
 

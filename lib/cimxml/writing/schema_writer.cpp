@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "schema_writer.h"
 
+#include <qdxmodel/classes.h>
 #include <qdxrepository/repository.h>
 
-#include "xml/declared.h"
 #include "xml/flags.h"
 
 namespace NVORNQDX20::NCIMXML {
@@ -40,7 +40,7 @@ void TSchemaWriter::Class(const ICIMClass& cimClass) {
   }
   fXML.Markup(">\n");
   Qualifiers(cimClass);
-  ForEachOwnPropertyDecl(cimClass, [this](const ICIMPropertyDecl& decl) { PropertyDecl(decl); });
+  for (const auto& decl : NModel::OwnPropertyDeclsOf(cimClass)) PropertyDecl(*decl);
   cimClass.EnumerateStaticProperties(
       [this](const boost::shared_ptr<ICIMProperty>& property) {
         StaticProperty(*property);

@@ -13,12 +13,6 @@ static_assert(std::size(kKeywords) == TCIMType::kCIMTypeReference + 1);
 
 }  // namespace
 
-TCIMType ElementType(TCIMType type) {
-  return TCIMType(type & ~static_cast<unsigned int>(TCIMType::kCIMTypeArray));
-}
-
-TCIMType ArrayOf(TCIMType type) { return TCIMType(type | TCIMType::kCIMTypeArray); }
-
 std::string_view KeywordOf(TCIMType type) {
   const auto element = static_cast<std::size_t>(ElementType(type));
   return element < std::size(kKeywords) ? kKeywords[element] : std::string_view();

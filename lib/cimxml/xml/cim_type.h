@@ -4,6 +4,7 @@
 #define LIB_CIMXML_XML_CIM_TYPE_H_
 
 #include <qdxcore/value.h>
+#include <qdxmodel/type.h>
 
 #include <string_view>
 
@@ -11,9 +12,9 @@ namespace NVORNQDX20::NCIMXML {
 
 using TCIMType = TCIMValue::TCIMType;
 
-TCIMType ElementType(TCIMType type);
-TCIMType ArrayOf(TCIMType type);
-inline bool IsArray(TCIMType type) { return (type & TCIMType::kCIMTypeArray) != 0; }
+using NModel::ArrayOf;
+using NModel::ElementType;
+using NModel::IsArray;
 
 /// Not so arrays of references, which CIM does not have.
 inline bool HasPropertyElement(TCIMType type) {

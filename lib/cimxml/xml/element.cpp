@@ -126,14 +126,6 @@ void TElement::RefuseChild(const TElement& child) const {
                ">");
 }
 
-std::string Folded(std::string_view name) {
-  std::string folded(name);
-  for (char& c : folded) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return folded;
-}
-
 std::string Shown(std::string_view text) {
   constexpr std::size_t kLongest = 60;
   std::string shown = "\"";

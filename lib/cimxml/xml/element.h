@@ -47,9 +47,6 @@ struct TElement {
   std::list<TElement> fChildren;        // never moved, however many there are
 };
 
-/// The text as names compare: without regard to ASCII case.
-std::string Folded(std::string_view name);
-
 }  // namespace NVORNQDX20::NCIMXML
 
 #endif  // LIB_CIMXML_XML_ELEMENT_H_

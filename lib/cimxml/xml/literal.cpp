@@ -2,6 +2,8 @@
 #include "literal.h"
 
 #include <qdxcore/status.h>
+#include <qdxmodel/names.h>
+#include <qdxmodel/visit.h>
 
 #include <charconv>
 #include <cmath>
@@ -10,6 +12,7 @@
 #include <limits>
 #include <system_error>
 #include <type_traits>
+#include <utility>
 
 namespace NVORNQDX20::NCIMXML {
 namespace {
@@ -29,16 +32,13 @@ bool StartsWith(std::string_view text, std::string_view start) {
   return text.substr(0, start.size()) == start;
 }
 
-bool EqualsIgnoringCase(std::string_view text, std::string_view lower) {
-  if (text.size() != lower.size()) return false;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if ((text[i] | ' ') != lower[i]) return false;
-  }
-  return true;
-}
+std::string Write(bool value) { return value ? "TRUE" : "FALSE"; }
+std::string Write(std::string value) { return value; }
+std::string Write(const TCIMDateTime& value) { return value.ToString(); }
+std::string Write(const TCIMReference& value) { return value.GetPath(); }
 
 template <typename T>
-std::string NumberText(T number) {
+std::string Write(T number) {
   if constexpr (std::is_floating_point_v<T>) {
     if (std::isnan(number)) return "NaN";
     if (std::isinf(number)) return number < 0 ? "-INF" : "INF";
@@ -87,8 +87,8 @@ std::optional<TCIMValue> ReadReal(std::string_view text) {
 
 std::optional<TCIMValue> ReadBoolean(std::string_view text) {
   text = Trimmed(text);
-  if (EqualsIgnoringCase(text, "true")) return TCIMValue(true);
-  if (EqualsIgnoringCase(text, "false")) return TCIMValue(false);
+  if (NModel::EqualIgnoringCase(text, "true")) return TCIMValue(true);
+  if (NModel::EqualIgnoringCase(text, "false")) return TCIMValue(false);
   return std::nullopt;
 }
 
@@ -151,53 +151,27 @@ bool CanSpell(const TCIMValue& value) {
 }
 
 std::string WriteLiteral(const TCIMValue& value) {
-  switch (value.GetType()) {
-    case TCIMType::kCIMTypeBoolean:
-      return static_cast<bool>(value) ? "TRUE" : "FALSE";
-    case TCIMType::kCIMTypeReal32:
-      return NumberText<float>(value);
-    case TCIMType::kCIMTypeReal64:
-      return NumberText<double>(value);
-    case TCIMType::kCIMTypeString:
-      return value;
-    case TCIMType::kCIMTypeDateTime:
-      return TCIMDateTime(value).ToString();
-    default:
-      return value.ToString(10);
-  }
+  return NModel::VisitScalar(value, [](auto native) { return Write(std::move(native)); });
 }
 
 std::optional<TCIMValue> ReadLiteral(TCIMType type, std::string_view text) {
-  switch (type) {
-    case TCIMType::kCIMTypeBoolean:
+  return NModel::VisitType(type, [text](auto native) -> std::optional<TCIMValue> {
+    using T = typename decltype(native)::TType;
+    if constexpr (std::is_same_v<T, bool>) {
       return ReadBoolean(text);
-    case TCIMType::kCIMTypeUint8:
-      return ReadInteger<unsigned char>(text);
-    case TCIMType::kCIMTypeSint8:
-      return ReadInteger<signed char>(text);
-    case TCIMType::kCIMTypeUint16:
-      return ReadInteger<unsigned short>(text);
-    case TCIMType::kCIMTypeSint16:
-      return ReadInteger<short>(text);
-    case TCIMType::kCIMTypeUint32:
-      return ReadInteger<unsigned int>(text);
-    case TCIMType::kCIMTypeSint32:
-      return ReadInteger<int>(text);
-    case TCIMType::kCIMTypeUint64:
-      return ReadInteger<unsigned long>(text);
-    case TCIMType::kCIMTypeSint64:
-      return ReadInteger<long>(text);
-    case TCIMType::kCIMTypeReal32:
-      return ReadReal<float>(text);
-    case TCIMType::kCIMTypeReal64:
-      return ReadReal<double>(text);
-    case TCIMType::kCIMTypeString:
+    } else if constexpr (std::is_integral_v<T>) {
+      return ReadInteger<T>(text);
+    } else if constexpr (std::is_floating_point_v<T>) {
+      return ReadReal<T>(text);
+    } else if constexpr (std::is_same_v<T, std::string>) {
       return TCIMValue(std::string(text));
-    case TCIMType::kCIMTypeDateTime:
+    } else if constexpr (std::is_same_v<T, TCIMDateTime>) {
       return ReadDateTime(text);
-    default:
+    } else {
+      static_assert(std::is_void_v<T> || std::is_same_v<T, TCIMReference>);
       return std::nullopt;
-  }
+    }
+  });
 }
 
 }  // namespace NVORNQDX20::NCIMXML

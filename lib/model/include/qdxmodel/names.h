@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 namespace NVORNQDX20::NModel {
 
@@ -49,6 +50,9 @@ struct TNameEqual {
     return EqualIgnoringCase(left, right);
   }
 };
+
+template <typename T>
+using TNameMap = std::unordered_map<std::string, T, TNameHash, TNameEqual>;
 
 }  // namespace NVORNQDX20::NModel
 
