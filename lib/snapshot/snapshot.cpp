@@ -2,35 +2,17 @@
 #include <qdxsnapshot/snapshot.h>
 
 #include <qdxcore/reference.h>
-#include <qdxcore/status.h>
+#include <qdxmodel/classes.h>
+#include <qdxmodel/type.h>
 
 #include <algorithm>
-#include <locale>
 #include <tuple>
-#include <unordered_set>
-
-#include <boost/algorithm/string/case_conv.hpp>
 
 namespace NVORNQDX20 {
 namespace {
 
-using TType = TCIMValue::TCIMType;
 using TClass = boost::shared_ptr<ICIMClass>;
 using TInstance = boost::shared_ptr<ICIMInstance>;
-
-std::string TypeName(TType type) {
-  const bool isArray = (type & TType::kCIMTypeArray) != 0;
-  return type.ToString() + (isArray ? "[]" : "");
-}
-
-/// A declaration throws for a qualifier that it does not have.
-bool IsKey(const ICIMPropertyDecl& decl) {
-  try {
-    return decl.GetQualifier("Key")->GetValue() == TCIMValue(true);
-  } catch (const TQDXException&) {
-    return false;
-  }
-}
 
 template <typename T>
 void SortByName(std::vector<T>& elements) {
@@ -38,28 +20,11 @@ void SortByName(std::vector<T>& elements) {
             [](const T& a, const T& b) { return a.fName < b.fName; });
 }
 
-TPropertySnapshot SnapshotOf(const ICIMPropertyDecl& decl, const std::string& home) {
-  return {decl.GetName(), TypeName(decl.GetType()), IsKey(decl),
-          ToJSON(decl.GetDefaultValue(), home)};
-}
-
-TClass SuperclassOf(const ICIMClass& cimClass) {
-  return cimClass.IsRootClass(TOptionsMap()) ? nullptr : cimClass.GetSuperclass(TOptionsMap());
-}
-
-/// A class may or may not enumerate what it inherits; the declaration nearest to it counts.
-std::vector<TPropertySnapshot> PropertiesOf(const TClass& cimClass, const std::string& home) {
+std::vector<TPropertySnapshot> PropertiesOf(const ICIMClass& cimClass, const std::string& home) {
   std::vector<TPropertySnapshot> properties;
-  std::unordered_set<std::string> known;  // folded names
-  const auto add = [&](const boost::shared_ptr<ICIMPropertyDecl>& decl) {
-    const bool isNew =
-        known.insert(boost::algorithm::to_lower_copy(decl->GetName(), std::locale::classic()))
-            .second;
-    if (isNew) properties.push_back(SnapshotOf(*decl, home));
-    return true;
-  };
-  for (TClass from = cimClass; from; from = SuperclassOf(*from)) {
-    from->EnumeratePropertyDecls(add, TOptionsMap());
+  for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
+    properties.push_back({decl->GetName(), NModel::TypeText(decl->GetType()), isKey,
+                          ToJSON(decl->GetDefaultValue(), home)});
   }
   SortByName(properties);
   return properties;
@@ -67,12 +32,11 @@ std::vector<TPropertySnapshot> PropertiesOf(const TClass& cimClass, const std::s
 
 std::string PathOf(const TInstance& instance, const TClass& cimClass,
                    const std::vector<TPropertySnapshot>& properties) {
-  TCIMReference path(nullptr, TOptionsMap());
+  TCIMReference path(nullptr, {});
   path.SetClass(cimClass);
   for (const TPropertySnapshot& property : properties) {
     if (!property.fIsKey) continue;
-    path.AddKeyValue(property.fName,
-                     instance->GetProperty(property.fName, TOptionsMap())->GetValue());
+    path.AddKeyValue(property.fName, instance->GetProperty(property.fName, {})->GetValue());
   }
   return path.GetPath();
 }
@@ -84,7 +48,7 @@ TInstanceSnapshot SnapshotOf(const TInstance& instance, const TClass& cimClass,
   if (depth < kValues) return snapshot;
   snapshot.fValues.reserve(properties.size());
   for (const TPropertySnapshot& property : properties) {
-    const auto value = instance->GetProperty(property.fName, TOptionsMap());
+    const auto value = instance->GetProperty(property.fName, {});
     snapshot.fValues.push_back(ToJSON(value->GetValue(), home));
   }
   return snapshot;
@@ -99,35 +63,33 @@ void TSnapshotReader::ReadAll() {
         ReadTree(root);
         return true;
       },
-      TOptionsMap());
+      {});
 }
 
 void TSnapshotReader::ReadTree(const TClass& root) {
   if (fDepth < kClasses) return;
-  std::vector<TClass> classes{root};
-  root->EnumerateSubclasses(TAddToVectorCallback<ICIMClass>(classes), true, TOptionsMap());
-  for (const TClass& cimClass : classes) {
+  for (const TClass& cimClass : NModel::WithSubclasses(root)) {
     TClassSnapshot& snapshot = Add(cimClass);
     cimClass->EnumerateInstances(
         [&](const TInstance& instance) {
           AddInstance(snapshot, instance, cimClass);
           return true;
         },
-        false, TOptionsMap());
+        false, {});
   }
 }
 
 void TSnapshotReader::ReadInstance(const TInstance& instance) {
   if (fDepth < kClasses) return;
-  const TClass cimClass = instance->GetClass(TOptionsMap());
+  const TClass cimClass = instance->GetClass({});
   AddInstance(Add(cimClass), instance, cimClass);
 }
 
 TClassSnapshot& TSnapshotReader::Add(const TClass& cimClass) {
-  const TClass superclass = SuperclassOf(*cimClass);
-  fClasses.push_back({cimClass->GetName(TOptionsMap()),
-                      superclass ? superclass->GetName(TOptionsMap()) : "",
-                      PropertiesOf(cimClass, fHome),
+  const TClass superclass = NModel::SuperclassOf(*cimClass);
+  fClasses.push_back({cimClass->GetName({}),
+                      superclass ? superclass->GetName({}) : "",
+                      PropertiesOf(*cimClass, fHome),
                       0,
                       {}});
   return fClasses.back();

@@ -3,18 +3,17 @@
 
 #include <qdxcore/interfaces.h>
 #include <qdxcore/reference.h>
+#include <qdxmodel/names.h>
+#include <qdxmodel/visit.h>
 
 #include <charconv>
 #include <cmath>
-#include <locale>
+#include <cstdint>
+#include <type_traits>
 #include <vector>
-
-#include <boost/algorithm/string/predicate.hpp>
 
 namespace NVORNQDX20 {
 namespace {
-
-using TType = TCIMValue::TCIMType;
 
 /// The shortest decimal that reads back as the same value of T: 0.1 of a real32 is not shown as the
 /// double next to it, 0.10000000149011612.
@@ -37,8 +36,8 @@ TJSON Array(const std::vector<TCIMValue>& elements, const std::string& home) {
 
 TJSON Reference(const TCIMReference& reference, const std::string& home) {
   const auto ns = reference.GetNamespace();
-  const std::string there = ns ? ns->GetName(TOptionsMap()) : home;
-  const bool leadsOut = !boost::algorithm::iequals(there, home, std::locale::classic());
+  const std::string there = ns ? ns->GetName({}) : home;
+  const bool leadsOut = !NModel::EqualIgnoringCase(there, home);
   return (leadsOut ? there + ":" : "") + reference.GetPath();
 }
 
@@ -52,32 +51,20 @@ TJSON DateTime(const TCIMDateTime& dateTime) {
 TJSON ToJSON(const TCIMValue& value, const std::string& home) {
   if (value.IsNull()) return nullptr;
   if (value.IsArray()) return Array(value, home);
-  switch (value.GetType()) {
-    case TType::kCIMTypeBoolean:
-      return static_cast<bool>(value);
-    case TType::kCIMTypeUint8:
-      return static_cast<unsigned char>(value);
-    case TType::kCIMTypeSint8:
-      return static_cast<signed char>(value);
-    case TType::kCIMTypeUint16:
-      return static_cast<unsigned short>(value);
-    case TType::kCIMTypeSint16:
-      return static_cast<short>(value);
-    case TType::kCIMTypeUint32:
-      return static_cast<unsigned int>(value);
-    case TType::kCIMTypeSint32:
-      return static_cast<int>(value);
-    case TType::kCIMTypeReal32:
-      return Real<float>(value);
-    case TType::kCIMTypeReal64:
-      return Real<double>(value);
-    case TType::kCIMTypeDateTime:
-      return DateTime(value);
-    case TType::kCIMTypeReference:
-      return Reference(value, home);
-    default:
-      return value.ToString(10);
-  }
+  return NModel::VisitScalar(value, [&home](auto native) -> TJSON {
+    using T = decltype(native);
+    if constexpr (std::is_floating_point_v<T>) {
+      return Real(native);
+    } else if constexpr (std::is_integral_v<T> && sizeof(T) == sizeof(std::int64_t)) {
+      return std::to_string(native);
+    } else if constexpr (std::is_same_v<T, TCIMDateTime>) {
+      return DateTime(native);
+    } else if constexpr (std::is_same_v<T, TCIMReference>) {
+      return Reference(native, home);
+    } else {
+      return native;
+    }
+  });
 }
 
 std::string PlainText(const TJSON& value) {

@@ -44,7 +44,7 @@ class TSnapshotReader {
  public:
   /// Appends to `classes`, in the order in which the namespace gives them.
   TSnapshotReader(const ICIMNamespace& ns, EDepth depth, std::vector<TClassSnapshot>& classes)
-      : fNamespace(ns), fHome(ns.GetName(TOptionsMap())), fDepth(depth), fClasses(classes) {}
+      : fNamespace(ns), fHome(ns.GetName({})), fDepth(depth), fClasses(classes) {}
 
   /// Every class.
   void ReadAll();
