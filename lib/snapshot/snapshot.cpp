@@ -12,7 +12,6 @@ namespace NVORNQDX20 {
 namespace {
 
 using TClass = boost::shared_ptr<ICIMClass>;
-using TInstance = boost::shared_ptr<ICIMInstance>;
 
 template <typename T>
 void SortByName(std::vector<T>& elements) {
@@ -30,25 +29,25 @@ std::vector<TPropertySnapshot> PropertiesOf(const ICIMClass& cimClass, const std
   return properties;
 }
 
-std::string PathOf(const TInstance& instance, const TClass& cimClass,
+std::string PathOf(const ICIMInstance& instance, const TClass& cimClass,
                    const std::vector<TPropertySnapshot>& properties) {
   TCIMReference path(nullptr, {});
   path.SetClass(cimClass);
   for (const TPropertySnapshot& property : properties) {
     if (!property.fIsKey) continue;
-    path.AddKeyValue(property.fName, instance->GetProperty(property.fName, {})->GetValue());
+    path.AddKeyValue(property.fName, instance.GetProperty(property.fName, {})->GetValue());
   }
   return path.GetPath();
 }
 
-TInstanceSnapshot SnapshotOf(const TInstance& instance, const TClass& cimClass,
+TInstanceSnapshot SnapshotOf(const ICIMInstance& instance, const TClass& cimClass,
                              const std::vector<TPropertySnapshot>& properties,
                              const std::string& home, EDepth depth) {
   TInstanceSnapshot snapshot{PathOf(instance, cimClass, properties), {}};
   if (depth < kValues) return snapshot;
   snapshot.fValues.reserve(properties.size());
   for (const TPropertySnapshot& property : properties) {
-    const auto value = instance->GetProperty(property.fName, {});
+    const auto value = instance.GetProperty(property.fName, {});
     snapshot.fValues.push_back(ToJSON(value->GetValue(), home));
   }
   return snapshot;
@@ -70,18 +69,15 @@ void TSnapshotReader::ReadTree(const TClass& root) {
   if (fDepth < kClasses) return;
   for (const TClass& cimClass : NModel::WithSubclasses(root)) {
     TClassSnapshot& snapshot = Add(cimClass);
-    cimClass->EnumerateInstances(
-        [&](const TInstance& instance) {
-          AddInstance(snapshot, instance, cimClass);
-          return true;
-        },
-        false, {});
+    NModel::ForEachInstance(*cimClass, [&](const ICIMInstance& instance) {
+      AddInstance(snapshot, instance, cimClass);
+    });
   }
 }
 
-void TSnapshotReader::ReadInstance(const TInstance& instance) {
+void TSnapshotReader::ReadInstance(const ICIMInstance& instance) {
   if (fDepth < kClasses) return;
-  const TClass cimClass = instance->GetClass({});
+  const TClass cimClass = instance.GetClass({});
   AddInstance(Add(cimClass), instance, cimClass);
 }
 
@@ -95,7 +91,7 @@ TClassSnapshot& TSnapshotReader::Add(const TClass& cimClass) {
   return fClasses.back();
 }
 
-void TSnapshotReader::AddInstance(TClassSnapshot& snapshot, const TInstance& instance,
+void TSnapshotReader::AddInstance(TClassSnapshot& snapshot, const ICIMInstance& instance,
                                   const TClass& cimClass) const {
   if (fDepth >= kInstances) {
     snapshot.fInstances.push_back(

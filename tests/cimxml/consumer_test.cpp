@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 
 #include "cimxml/documents.h"
+#include "support/faulty_provider.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -73,6 +74,17 @@ TEST(CIMXMLConsumer, LeavesOutOnlyWhatTheFormatHasNoElementFor) {
             std::string::npos);
   EXPECT_EQ(written.find("\"r\""), std::string::npos);
   EXPECT_EQ(Written({Read(file.Path(), "test")}), written);
+}
+
+TEST(CIMXMLConsumer, WritesWhatClassesInheritAndDoNotEnumerate) {
+  const TNamespace ns = MakeNamespace();
+  const auto top = AddClass(ns, "T_Top", {{"Id", 0}}, {{"Name", ""}});
+  AddDerived(ns, "T_Derived", top, {{"Id", 0}, {"Size", 0}});
+  AddInstance(ns, "T_Derived", {{"Id", 1}, {"Name", "n"}, {"Size", 2}});
+  const auto faults = boost::make_shared<TFaults>();
+  faults->fHidesInherited = true;
+  const TDocumentFile file(Written({MakeFaultyNamespace(ns, faults)}));
+  EXPECT_EQ(ReadAndWritten(file.Path()), Written({ns}));
 }
 
 TEST(CIMXMLProvider, ReadsAgainOnlyWhatHasChanged) {

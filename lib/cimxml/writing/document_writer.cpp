@@ -105,12 +105,8 @@ class TInstanceWriter {
 
 void WriteInstances(TXMLWriter& xml, TValueWriter& values, const ICIMClass& cimClass) {
   TInstanceWriter writer(xml, values, cimClass);
-  cimClass.EnumerateInstances(
-      [&writer](const boost::shared_ptr<ICIMInstance>& instance) {
-        writer.Write(*instance);
-        return true;
-      },
-      false, {});
+  NModel::ForEachInstance(cimClass,
+                          [&writer](const ICIMInstance& instance) { writer.Write(instance); });
 }
 
 }  // namespace

@@ -20,6 +20,18 @@ boost::shared_ptr<ICIMClass> SuperclassOf(const ICIMClass& cimClass);
 std::vector<boost::shared_ptr<ICIMClass>> WithSubclasses(
     const boost::shared_ptr<ICIMClass>& cimClass);
 
+/// Calls `visit(const ICIMInstance&)` for the instances of just this class, one by one: a provider
+/// need not hold them all at a time.
+template <typename TVisit>
+void ForEachInstance(const ICIMClass& cimClass, TVisit&& visit) {
+  cimClass.EnumerateInstances(
+      [&visit](const boost::shared_ptr<ICIMInstance>& instance) {
+        visit(*instance);
+        return true;
+      },
+      false, {});
+}
+
 /// The instances of just this class.
 std::vector<boost::shared_ptr<ICIMInstance>> InstancesOf(const ICIMClass& cimClass);
 

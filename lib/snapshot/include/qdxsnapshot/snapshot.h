@@ -51,11 +51,11 @@ class TSnapshotReader {
   /// A class and all that are derived from it.
   void ReadTree(const boost::shared_ptr<ICIMClass>& root);
   /// The class of the instance, with this one only.
-  void ReadInstance(const boost::shared_ptr<ICIMInstance>& instance);
+  void ReadInstance(const ICIMInstance& instance);
 
  private:
   TClassSnapshot& Add(const boost::shared_ptr<ICIMClass>& cimClass);
-  void AddInstance(TClassSnapshot& snapshot, const boost::shared_ptr<ICIMInstance>& instance,
+  void AddInstance(TClassSnapshot& snapshot, const ICIMInstance& instance,
                    const boost::shared_ptr<ICIMClass>& cimClass) const;
 
   const ICIMNamespace& fNamespace;
