@@ -3,6 +3,7 @@
 #include <qdxcore/interfaces.h>
 #include <qdxcore/logger.h>
 #include <qdxcore/status.h>
+#include <qdxmodel/options.h>
 
 #include <memory>
 #include <string>
@@ -15,17 +16,10 @@ namespace {
 
 using NCIMXML::TDocumentWriter;
 
-std::string FileOf(const TOptionsMap& options) {
-  const auto file = options.find("file");
-  if (file == options.end()) {
-    LogErrorAndThrow(kQDXStatusRequiredContextMissing, {"cimxml: the option \"file\" is missing"});
-  }
-  return file->second;
-}
-
-bool MoreFollows(const TOptionsMap& options) {
-  const auto more = options.find("more");
-  return more != options.end() && static_cast<bool>(more->second);
+std::string RequiredFileOf(const TOptionsMap& options) {
+  const auto file = NModel::FileOf(options);
+  if (file) return *file;
+  LogErrorAndThrow(kQDXStatusRequiredContextMissing, {"cimxml: the option \"file\" is missing"});
 }
 
 /// Consumer "cimxml": writes namespaces as a CIM-XML document.
@@ -39,8 +33,8 @@ class TCIMXMLConsumer final : public INamespaceConsumer {
   const std::string& GetName(TOptionsMap) const override { return fName; }
 
   void Consume(boost::shared_ptr<ICIMNamespace> ns, TOptionsMap options) override {
-    const std::string file = FileOf(options);
-    const bool more = MoreFollows(options);
+    const std::string file = RequiredFileOf(options);
+    const bool more = NModel::HasMore(options);
     std::unique_ptr<TDocumentWriter> document = std::move(fOpen);
     if (!document || document->File() != file) {
       document.reset();  // closed before another is opened: it may be the same file

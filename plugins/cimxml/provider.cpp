@@ -3,6 +3,7 @@
 #include <qdxcore/logger.h>
 #include <qdxcore/registry.h>
 #include <qdxcore/status.h>
+#include <qdxmodel/options.h>
 #include <qdxrepository/repository.h>
 #include <qdxsystem/descriptor.h>
 #include <qdxsystem/error_text.h>
@@ -84,13 +85,12 @@ class TCIMXMLProvider final : public INamespaceProvider {
 
  private:
   TNamespaces NamespacesIn(const TOptionsMap& options) {
-    const auto file = options.find("file");
-    if (file == options.end()) return boost::make_shared<TRepositoryProvider>(fName);
-    const std::string name = file->second;
-    const TIdentity identity(name);
+    const auto file = NModel::FileOf(options);
+    if (!file) return boost::make_shared<TRepositoryProvider>(fName);
+    const TIdentity identity(*file);
     if (!fLast || !(identity == fLastIdentity)) {
       fLast.reset();  // before there are two
-      fLast = Read(name);
+      fLast = Read(*file);
       fLastIdentity = identity;
     }
     return fLast;

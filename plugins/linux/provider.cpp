@@ -2,10 +2,8 @@
 #include <qdxcore/interfaces.h>
 #include <qdxcore/registry.h>
 #include <qdxcore/status.h>
-
-#include <locale>
-
-#include <boost/algorithm/string/predicate.hpp>
+#include <qdxmodel/names.h>
+#include <qdxmodel/options.h>
 
 #include "classes/topics.h"
 
@@ -15,12 +13,6 @@ namespace {
 TTopic* const kTopics[] = {AddComputerSystem, AddOperatingSystem, AddQDXProduct, AddSCSIDevices,
                            AddLogicalDevices, AddProcessors,      AddDiskDrives, AddEthernetPorts,
                            AddPCIDevices,     AddFileSystems};
-
-std::string RootOf(const TOptionsMap& options) {
-  const auto root = options.find("root");
-  if (root == options.end()) return "/";
-  return root->second;
-}
 
 /// Provider "linux": one machine, described in the namespace "root/cimv2".
 ///
@@ -34,10 +26,10 @@ class TLinuxProvider : public INamespaceProvider {
   /// Also throws what THostFiles does for a root that cannot be opened.
   boost::shared_ptr<ICIMNamespace> GetNamespace(const std::string& name,
                                                 TOptionsMap options) override {
-    if (!boost::algorithm::iequals(name, fNamespaceName, std::locale::classic())) {
+    if (!NModel::EqualIgnoringCase(name, fNamespaceName)) {
       throw TQDXException(kQDXStatusNotFound);
     }
-    const THost host(RootOf(options));
+    const THost host(NModel::RootOf(options));
     TNamespaceBuilder builder(fNamespaceName);
     for (TTopic* addTopic : kTopics) addTopic(builder, host);
     return builder.Finish();

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "dmi.h"
 
+#include <qdxmodel/names.h>
+
 #include <algorithm>
 #include <iterator>
-#include <locale>
 #include <string_view>
-
-#include <boost/algorithm/string/predicate.hpp>
 
 namespace NVORNQDX20 {
 namespace {
@@ -56,11 +55,10 @@ bool IsFiller(const std::string& text) {
 }
 
 bool IsPlaceholder(const std::string& text) {
-  return IsFiller(text) ||
-         std::any_of(std::begin(kPlaceholders), std::end(kPlaceholders),
-                     [&text](std::string_view placeholder) {
-                       return boost::algorithm::iequals(text, placeholder, std::locale::classic());
-                     });
+  return IsFiller(text) || std::any_of(std::begin(kPlaceholders), std::end(kPlaceholders),
+                                       [&text](std::string_view placeholder) {
+                                         return NModel::EqualIgnoringCase(text, placeholder);
+                                       });
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "progress.h"
 
+#include <qdxmodel/classes.h>
+
 #include <algorithm>
 #include <cstdio>
 
@@ -33,8 +35,7 @@ class TProgressLine {
 
 std::size_t CountInstances(const ICIMClass& cimClass) {
   std::size_t count = 0;
-  const auto add = [&count](const boost::shared_ptr<ICIMInstance>&) { return ++count != 0; };
-  cimClass.EnumerateInstances(add, false, TOptionsMap());
+  NModel::ForEachInstance(cimClass, [&count](const ICIMInstance&) { ++count; });
   return count;
 }
 

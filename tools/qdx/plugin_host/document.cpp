@@ -3,6 +3,7 @@
 
 #include <qdxcore/logger.h>
 #include <qdxcore/registry.h>
+#include <qdxmodel/options.h>
 
 #include <algorithm>
 #include <functional>
@@ -71,7 +72,7 @@ TNamespaces ReadDocument(const std::string& file) {
   std::vector<std::string> warnings;
   const auto failure = TryAndListen(
       [&] {
-        namespaces = NamespacesIn({{"file", TCIMValue(file)}});
+        namespaces = NamespacesIn({{NModel::kFileOption, TCIMValue(file)}});
       },
       warnings);
   for (const std::string& warning : warnings) PrintError(warning);
@@ -105,8 +106,8 @@ std::optional<TRefusal> TDocumentWriter::Write(const TNamespaces& namespaces,
       [&] {
         for (; index < namespaces.size(); ++index) {
           const bool more = index + 1 < namespaces.size();
-          fConsumer->Consume(namespaces[index],
-                             {{"file", TCIMValue(file)}, {"more", TCIMValue(more)}});
+          fConsumer->Consume(namespaces[index], {{NModel::kFileOption, TCIMValue(file)},
+                                                 {NModel::kMoreOption, TCIMValue(more)}});
         }
       },
       warnings);

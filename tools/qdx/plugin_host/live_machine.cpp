@@ -3,14 +3,13 @@
 
 #include <qdxcore/logger.h>
 #include <qdxcore/registry.h>
+#include <qdxmodel/names.h>
+#include <qdxmodel/options.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <locale>
 #include <set>
 #include <system_error>
-
-#include <boost/algorithm/string/case_conv.hpp>
 
 #include "crash_note.h"
 
@@ -90,7 +89,7 @@ std::vector<std::string> TLiveMachine::NamespacesOf(INamespaceProvider& provider
             if (isNew) names.push_back(name);
             return true;
           },
-          {{"root", TCIMValue(fRoot)}});
+          {{NModel::kRootOption, TCIMValue(fRoot)}});
     } catch (const TQDXException& exception) {
       if (exception.GetStatusCode() != kQDXStatusNotImplemented) throw;
     }
@@ -103,15 +102,14 @@ boost::shared_ptr<ICIMNamespace> TLiveMachine::Open(INamespaceProvider& provider
                                                     const TOrigin& origin) {
   boost::shared_ptr<ICIMNamespace> ns;
   Attempt(origin, "opening", [&] {
-    const std::string name =
-        boost::algorithm::to_lower_copy(origin.fNamespace, std::locale::classic());
+    const std::string name = NModel::Folded(origin.fNamespace);
     const auto taken = fTaken.find(name);
     if (taken != fTaken.end()) {
       LogErrorAndThrow(kQDXStatusAlreadyExists,
                        {"namespace ", origin.fNamespace, " was already collected from provider ",
                         taken->second});
     }
-    ns = provider.GetNamespace(origin.fNamespace, {{"root", TCIMValue(fRoot)}});
+    ns = provider.GetNamespace(origin.fNamespace, {{NModel::kRootOption, TCIMValue(fRoot)}});
     if (!ns) LogErrorAndThrow(kQDXStatusFail, {"the provider answers nothing"});
     fTaken[name] = origin.fProvider;
   });

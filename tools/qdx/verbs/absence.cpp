@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "absence.h"
 
+#include <qdxmodel/classes.h>
+
 #include "cli/failure.h"
 
 namespace NVORNQDX20 {
@@ -18,14 +20,11 @@ TAbsenceReasons ReadAbsenceReasons(const ICIMNamespace& ns) {
   (void)Try([&] {
     const auto absence = ns.GetClass("VORNSG_UnavailableValue", TOptionsMap());
     if (!absence) return;
-    absence->EnumerateInstances(
-        [&reasons](boost::shared_ptr<ICIMInstance> instance) {
-          reasons.emplace(std::tuple(Text(*instance, "ClassName"), Text(*instance, "Instance"),
-                                     Text(*instance, "PropertyName")),
-                          Text(*instance, "Reason"));
-          return true;
-        },
-        false, TOptionsMap());
+    NModel::ForEachInstance(*absence, [&reasons](const ICIMInstance& instance) {
+      reasons.emplace(std::tuple(Text(instance, "ClassName"), Text(instance, "Instance"),
+                                 Text(instance, "PropertyName")),
+                      Text(instance, "Reason"));
+    });
   });
   return reasons;
 }

@@ -3,6 +3,7 @@
 #include <qdxcore/logger.h>
 #include <qdxcore/os_specific.h>
 #include <qdxcore/schema_helper.h>
+#include <qdxmodel/names.h>
 #include <qdxrepository/repository.h>
 
 #include <algorithm>
@@ -10,10 +11,7 @@
 #include <cstddef>
 #include <ctime>
 #include <filesystem>
-#include <locale>
 #include <system_error>
-
-#include <boost/algorithm/string/predicate.hpp>
 
 #include "cli/new_file.h"
 #include "cli/output.h"
@@ -30,7 +28,7 @@ namespace {
 namespace fs = std::filesystem;
 
 bool IsNamed(const ICIMNamespace& ns, const std::string& name) {
-  return boost::algorithm::iequals(ns.GetName(TOptionsMap()), name, std::locale::classic());
+  return NModel::EqualIgnoringCase(ns.GetName({}), name);
 }
 
 bool IsEmpty(const ICIMNamespace& ns) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxcore/schema_helper.h>
+#include <qdxmodel/options.h>
 
 #include <algorithm>
 
@@ -129,7 +130,7 @@ EExitCode FailToDescribe(const std::string& root, const std::string& why) {
 EExitCode RunIdentity(const TArguments& arguments) {
   const std::string root = RootFolder(arguments);
   bool failed = AnyFailed(LoadProviderLibraries());
-  const TNamespace ns = FindMachineNamespace({{"root", TCIMValue(root)}}, failed);
+  const TNamespace ns = FindMachineNamespace({{NModel::kRootOption, TCIMValue(root)}}, failed);
   if (!ns) return FailToDescribe(root, std::string("no provider has ") + kMachineNamespace);
 
   const TAbsenceReasons reasons = ReadAbsenceReasons(*ns);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxcore/os_specific.h>
+#include <qdxmodel/classes.h>
 
 #include <algorithm>
 #include <cctype>
@@ -70,10 +71,7 @@ std::string FindCulprit(ICIMNamespace& ns, const TFailure& failure) {
   std::string culprit = std::string(kSCSIDevice) + " of " + kMachineNamespace;
   if (failure.fStatus != kQDXStatusValueIsNULL) return culprit;
   (void)Try([&] {
-    std::vector<boost::shared_ptr<ICIMInstance>> devices;
-    ns.GetClass(kSCSIDevice, TOptionsMap())
-        ->EnumerateInstances(TAddToVectorCallback(devices), false, TOptionsMap());
-    for (const auto& device : devices) {
+    for (const auto& device : NModel::InstancesOf(*ns.GetClass(kSCSIDevice, {}))) {
       const auto property = FindMissingValue(*device);
       if (!property) continue;
       culprit = *property + " of " + kSCSIDevice;

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxcore/reference.h>
+#include <qdxmodel/names.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <locale>
 #include <system_error>
 #include <utility>
-
-#include <boost/algorithm/string/predicate.hpp>
 
 #include "cli/output.h"
 #include "plugin_host/document.h"
@@ -90,8 +88,7 @@ class TSelection {
 
   void Add(const TOrigin& origin, const boost::shared_ptr<ICIMNamespace>& ns) {
     const std::string& wanted = fRequest.fElement.fNamespace;
-    if (!wanted.empty() &&
-        !boost::algorithm::iequals(wanted, origin.fNamespace, std::locale::classic())) {
+    if (!wanted.empty() && !NModel::EqualIgnoringCase(wanted, origin.fNamespace)) {
       return;
     }
     const auto element = Find(ns);
@@ -128,7 +125,7 @@ class TSelection {
     if (const auto cimClass = boost::dynamic_pointer_cast<ICIMClass>(element)) {
       reader.ReadTree(cimClass);
     } else if (const auto instance = boost::dynamic_pointer_cast<ICIMInstance>(element)) {
-      reader.ReadInstance(instance);
+      reader.ReadInstance(*instance);
     }
   }
 
