@@ -59,13 +59,16 @@ TEST_F(QDXCollect, GoesOnWithoutWhatFailsAndSaysSoInTheDocument) {
   fInstallation.AddPlugin(BAD_PROVIDER, "libbad.nsp.so");
   fInstallation.AddBrokenPlugin("liba.nsp.so");
   const std::string file = Path("x.xml");
-  const TProgramRun run = fInstallation.Run({"collect", "-o", file, "--log-level", "error"});
+  const std::string log = Path("log");
+  const TProgramRun run =
+      fInstallation.Run({"collect", "-o", file, "--log", log, "--log-level", "error"});
   EXPECT_EQ(run.fExitCode, 3);
   EXPECT_EQ(std::count(run.fErrors.begin(), run.fErrors.end(), '\n'), 5);
   // The bad provider's namespace has a name that XML cannot hold; and the name of the file is the
   // final one.
   const std::string replaced = " characters that XML cannot hold were replaced in " + file;
   EXPECT_NE(run.fErrors.find(replaced), std::string::npos) << run.fErrors;
+  EXPECT_EQ(ReadWholeFile(log).find("[Warning]"), std::string::npos);  // only errors were asked for
   const auto failures = fInstallation.Run({"show", file, "VORNSG_CollectionFailure"}).fOutput;
   for (const std::string failure :
        {"loading\n      Provider   a\n      Reason     /",

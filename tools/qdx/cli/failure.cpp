@@ -1,12 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "failure.h"
 
-#include <qdxcore/logger.h>
-#include <qdxcore/registry.h>
-
-#include <algorithm>
 #include <cstdio>
-#include <iterator>
 #include <new>
 
 #include "terminal.h"
@@ -43,36 +38,20 @@ const char* MeaningOf(EQDXStatusCode status) {
 
 TFailure::TFailure(EQDXStatusCode status) : TFailure(status, MeaningOf(status)) {}
 
-std::size_t LoggedSoFar() {
-  ILogger* const logger = TRootObject::GetCoreLogger();
-  return logger == nullptr ? 0 : logger->GetLog().size();
-}
-
-std::string ErrorLoggedSince(std::size_t loggedBefore) {
-  if (LoggedSoFar() <= loggedBefore) return "";
-  const auto& log = TRootObject::GetCoreLogger()->GetLog();
-  const auto end = std::prev(log.rend(), static_cast<std::ptrdiff_t>(loggedBefore));
-  const auto error = std::find_if(log.rbegin(), end, [](const ILogger::TLogEntry& entry) {
-    return entry.fSeverity == ILogger::kLogError;
-  });
-  return error == end ? "" : error->fMessage;
-}
-
 std::string TFailure::Text() const {
   return fWhy + " [" + TQDXStatusCode(fStatus).TranslateStatusCode() + "]";
 }
 
 std::optional<TFailure> Try(const std::function<void()>& action) {
-  const std::size_t loggedBefore = LoggedSoFar();
+  const TLastError lastError;
   try {
     action();
     return std::nullopt;
   } catch (const TExplainedException& exception) {
     return TFailure(exception.GetStatusCode(), exception.GetReason());
   } catch (const TQDXException& exception) {
-    const std::string reason = ErrorLoggedSince(loggedBefore);
-    return reason.empty() ? TFailure(exception.GetStatusCode())
-                          : TFailure(exception.GetStatusCode(), reason);
+    const EQDXStatusCode status = exception.GetStatusCode();
+    return lastError.Get().empty() ? TFailure(status) : TFailure(status, lastError.Get());
   } catch (const std::bad_alloc&) {
     return TFailure(kQDXStatusOutOfMemory);
   } catch (const std::exception& exception) {

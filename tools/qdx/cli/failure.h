@@ -3,9 +3,9 @@
 #ifndef TOOLS_QDX_CLI_FAILURE_H_
 #define TOOLS_QDX_CLI_FAILURE_H_
 
+#include <qdxcore/logger.h>
 #include <qdxcore/status.h>
 
-#include <cstddef>
 #include <functional>
 #include <optional>
 #include <stdexcept>
@@ -28,15 +28,22 @@ struct TFailure {
   std::string fWhy;
 };
 
-/// Calls into the core or a plug-in. Whatever that throws becomes the failure. Its reason is what
-/// the exception says it is about, else the last error that was logged meanwhile.
+/// Calls into the core or a plug-in; what that throws, if anything, is the failure. Its reason is
+/// that of a TExplainedException, else the last error that was logged meanwhile, else what the
+/// status means.
 std::optional<TFailure> Try(const std::function<void()>& action);
 
-/// How many entries the log's history has.
-std::size_t LoggedSoFar();
+/// Remembers the last error that is logged while it lives.
+class TLastError {
+ public:
+  /// Empty if there was none.
+  const std::string& Get() const { return fMessage; }
 
-/// The last error that was logged after the first `loggedBefore` entries; empty if there is none.
-std::string ErrorLoggedSince(std::size_t loggedBefore);
+ private:
+  std::string fMessage;
+  const TLogListener fListener{ILogger::kLogError,
+                               [this](auto, const auto& message) { fMessage = message; }};
+};
 
 /// "TRIED, ON: why [kQDXStatusName]", for example "loading provider, a: ...".
 std::string FailureLine(const std::string& tried, const std::string& on, const TFailure& failure);

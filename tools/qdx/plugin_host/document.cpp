@@ -5,9 +5,7 @@
 #include <qdxcore/registry.h>
 #include <qdxmodel/options.h>
 
-#include <algorithm>
 #include <functional>
-#include <iterator>
 #include <optional>
 
 #include <boost/algorithm/string/predicate.hpp>
@@ -46,21 +44,14 @@ TNamespaces NamespacesIn(const TOptionsMap& options) {
   return namespaces;
 }
 
-/// Like Try; and whatever the log is to hold, the operator must learn what a plug-in warned of,
-/// such as a value that was changed. The warnings become lines.
+/// Like Try; and what a plug-in warns of, such as a value that was changed, becomes lines for the
+/// operator, whatever the log is to hold.
 std::optional<TFailure> TryAndListen(const std::function<void()>& action,
                                      std::vector<std::string>& warnings) {
-  ILogger& logger = *TRootObject::GetCoreLogger();
-  const auto loggedBefore = static_cast<std::ptrdiff_t>(logger.GetLog().size());
-  const auto threshold = logger.GetLogThreshold();
-  logger.SetLogThreshold(std::max(threshold, ILogger::kLogWarning));
-  auto failure = Try(action);
-  logger.SetLogThreshold(threshold);
-  const auto& log = logger.GetLog();
-  for (auto entry = std::next(log.begin(), loggedBefore); entry != log.end(); ++entry) {
-    if (entry->fSeverity == ILogger::kLogWarning) warnings.push_back(entry->fMessage);
-  }
-  return failure;
+  const TLogListener listener(ILogger::kLogWarning, [&](auto severity, const auto& message) {
+    if (severity == ILogger::kLogWarning) warnings.push_back(message);
+  });
+  return Try(action);
 }
 
 }  // namespace

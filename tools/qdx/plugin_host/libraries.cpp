@@ -78,7 +78,7 @@ TProviders Providers(bool told) {
 }
 
 void Load(TProviderLibrary& library) {
-  const std::size_t loggedBefore = LoggedSoFar();
+  const TLastError lastError;
   TOSSpecific::LoadNSPLibrary(library.fService);
   for (const auto& provider : Providers(false)) {
     const bool told = !Try([&] { NamesTold()[provider.get()] = provider->GetName(TOptionsMap()); });
@@ -86,7 +86,7 @@ void Load(TProviderLibrary& library) {
   }
   if (!library.fProviders.empty()) return;
   // It may have said itself what went wrong.
-  if (!ErrorLoggedSince(loggedBefore).empty()) throw TQDXException(kQDXStatusInvalidPlugin);
+  if (!lastError.Get().empty()) throw TQDXException(kQDXStatusInvalidPlugin);
   LogErrorAndThrow(kQDXStatusInvalidPlugin, {"it registers no provider under a name of its own"});
 }
 

@@ -26,10 +26,12 @@ constexpr std::size_t kLongestText = 300;
 /// An odd one: a plug-in that ends the process itself hardly chooses it.
 constexpr int kCameBack = 113;
 
+/// Of the process that tries.
+const TLastError* gLastError = nullptr;
+
 [[noreturn]] void SayWhyAndAbort() {
-  const std::string reason = ErrorLoggedSince(0);
-  if (reason.empty()) __gnu_cxx::__verbose_terminate_handler();
-  std::fputs(reason.c_str(), stderr);
+  if (gLastError->Get().empty()) __gnu_cxx::__verbose_terminate_handler();
+  std::fputs(gLastError->Get().c_str(), stderr);
   std::abort();
 }
 
@@ -41,7 +43,6 @@ void TurnAside(int end) {
   ::dup2(end, STDERR_FILENO);
   TLogger::Initialize();  // writes no file
   LeaveCrashesToOthers();
-  std::set_terminate(SayWhyAndAbort);
 }
 
 std::string HowItEnded(int status) {
@@ -64,6 +65,9 @@ TPluginTrial::TPluginTrial(const std::string& file, const std::function<void()>&
       fDeadline(std::chrono::steady_clock::now() + kPatience),
       fWorker([&load](int end) {
         TurnAside(end);
+        const TLastError lastError;
+        gLastError = &lastError;
+        std::set_terminate(SayWhyAndAbort);
         (void)Try(load);
         return kCameBack;
       }) {}
