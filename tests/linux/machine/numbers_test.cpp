@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <machine/numbers.h>
+
+#include <machine/fields.h>
+
+#include <gtest/gtest.h>
+
+#include "support/temp_dir.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+constexpr std::uint64_t kMax = std::numeric_limits<std::uint64_t>::max();
+
+/// The number, or the reason for its absence.
+template <typename T>
+std::string TextOf(const TReadingOf<T>& reading) {
+  return reading ? std::to_string(*reading.fValue) : reading.fReason;
+}
+
+TEST(MachineNumber, IsAllOfItsText) {
+  EXPECT_EQ(ParseNumber("0"), 0U);
+  EXPECT_EQ(ParseNumber("0070"), 70U);
+  EXPECT_EQ(ParseNumber("18446744073709551615"), kMax);
+  EXPECT_EQ(ParseNumber("0x0aF"), 0xafU);
+  for (const char* text : {"", "0x", "-1", "+1", " 1", "1 ", "1.0", "ff", "0XFF", "0xg", "0x-1",
+                           "18446744073709551616", "0x10000000000000000"}) {
+    EXPECT_EQ(ParseNumber(text), std::nullopt) << text;
+  }
+}
+
+TEST(MachineNumber, IsMissingForAReason) {
+  const std::string forty(40, '-');
+  EXPECT_EQ(TextOf(ToNumber(TReading::Missing("why"), "s")), "why");
+  EXPECT_EQ(TextOf(ToNumber(TReading::Of(forty), "s")), "s: '" + forty + "' is no valid number");
+  EXPECT_EQ(TextOf(ToNumber(TReading::Of(forty + "-"), "s")), "s: no valid number");
+}
+
+TEST(MachineNumber, IsScaledAndNarrowedWithinItsRange) {
+  const TNumber missing = TNumber::Missing("why");
+  EXPECT_EQ(TextOf(Scaled(TNumber::Of(7), 3, 2)), "10");
+  EXPECT_EQ(TextOf(Scaled(TNumber::Of(kMax / 512), 512)), std::to_string(kMax / 512 * 512));
+  EXPECT_EQ(TextOf(Scaled(TNumber::Of(kMax / 512 + 1), 512, 512)),
+            std::to_string(kMax / 512 + 1) + " is out of range");
+  EXPECT_EQ(TextOf(Scaled(missing, 3)), "why");
+  EXPECT_EQ(TextOf(NumberAs<std::uint8_t>(TNumber::Of(255))), "255");
+  EXPECT_EQ(TextOf(NumberAs<std::uint8_t>(TNumber::Of(256))), "256 is out of range");
+  EXPECT_EQ(TextOf(NumberAs<std::uint8_t>(missing)), "why");
+}
+
+TEST(MachineNumber, IsTheFirstLineOfAFile) {
+  const TTempDir folder;
+  const THostFiles files(folder.Path().string());
+  const std::pair<std::string, std::string> rows[] = {
+      {"0\n1", "0"}, {"1 \n", "1"}, {"2\n", "/f: neither 0 nor 1"}, {"", "/f: empty"}};
+  for (const auto& [text, flag] : rows) {
+    folder.Write("f", text);
+    EXPECT_EQ(TextOf(ReadFlag(files, "/f")), flag);
+  }
+}
+
+TEST(MachineFields, AreFoundByTheirNames) {
+  const TFields fields("s", "A : b:c \nno field\nA: d\n\tE:\nF:64 kB\n:g\nH: 8", ':');
+  const auto text = [&fields](const char* name) {
+    const TReading reading = fields.Get(name);
+    return reading ? *reading.fValue : reading.fReason;
+  };
+  EXPECT_EQ(text("A"), "b:c");
+  EXPECT_EQ(text("E"), "s: no 'E'");  // there is nothing in it
+  EXPECT_EQ(text("no field"), "s: no 'no field'");
+  EXPECT_EQ(text(""), "g");
+  EXPECT_EQ(TextOf(fields.GetNumber("F", " kB")), "64");
+  EXPECT_EQ(TextOf(fields.GetNumber("F", " MB")), "s: F is not in MB");
+  EXPECT_EQ(TextOf(fields.GetNumber("F")), "s: F: '64 kB' is no valid number");
+  EXPECT_EQ(TextOf(fields.GetNumber("H")), "8");
+  EXPECT_EQ(TextOf(fields.GetNumber("I", " kB")), "s: no 'I'");
+  EXPECT_EQ(TextOf(TFields("s", TReading::Missing("why"), ':').GetNumber("A")), "why");
+}
+
+}  // namespace
+}  // namespace NVORNQDX20
