@@ -15,12 +15,7 @@ TEST(QDXUsage, ExplainsAMistakeInOneLine) {
                          {{"help", "frob"}, "unknown verb 'frob'"},
                          {{"help", "identity", "x"}, "unexpected argument 'x'"},
                          {{"upload", "file"}, "upload needs an argument: NAME"},
-                         {{"show", "", "x"}, "an argument is empty: FILE"},
-                         {{"collect", "-ox", "-o"}, "option '--output' needs a value: FILE"},
-                         {{"identity", "--", "--json"}, "unexpected argument '--json'"},
-                         {{"identity", "-j"}, "unknown option '-j'"},
                          {{"identity", "--json=yes"}, "option '--json' takes no value"},
-                         {{"identity", "--root="}, "option '--root' needs a value: DIR"},
                          {{"plugins", "--root", "/"}, "plugins has no option '--root'"},
                          {{"plugins", "--log-level", "all"}, "unknown log level 'all'"}};
   const TInstallation installation;

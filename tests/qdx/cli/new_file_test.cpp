@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <cli/new_file.h>
+
+#include <cli/failure.h>
+
+#include <csignal>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "support/temp_dir.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Whether the operation fails with a line that names `shown`.
+template <typename TOperation>
+bool FailsFor(const std::string& shown, TOperation&& operation) {
+  try {
+    operation();
+  } catch (const TCommandFailure& failure) {
+    EXPECT_NE(std::string(failure.what()).find(shown), std::string::npos) << failure.what();
+    return failure.GetExitCode() == kExitBadInput;
+  }
+  return false;
+}
+
+class NewFile : public ::testing::Test {
+ protected:
+  std::string Path(const std::string& name) const { return (fFolder.Path() / name).string(); }
+  std::size_t Count() const {
+    return static_cast<std::size_t>(
+        std::distance(fs::directory_iterator(fFolder.Path()), fs::directory_iterator()));
+  }
+
+  const TTempDir fFolder;
+};
+
+TEST_F(NewFile, AppearsAsAWholeForItsOwnerAlone) {
+  fFolder.Write("x.xml", "old");
+  {
+    TNewFile file(fFolder.Path().string(), ".xml", "x.xml");
+    EXPECT_EQ(fs::path(file.GetPath()).extension(), ".xml");
+    EXPECT_EQ(fs::path(file.GetPath()).parent_path(), fFolder.Path());
+    EXPECT_EQ(fs::status(file.GetPath()).permissions(), fs::perms(0600));
+    std::ofstream(file.GetPath()) << "new";
+    EXPECT_EQ(ReadWholeFile(Path("x.xml")), "old");
+    EXPECT_FALSE(file.PublishIfNew(Path("x.xml")));
+    EXPECT_EQ(ReadWholeFile(Path("x.xml")), "old");
+    file.Publish(Path("x.xml"));
+  }
+  EXPECT_EQ(ReadWholeFile(Path("x.xml")), "new");
+  EXPECT_EQ(Count(), 1U);
+  EXPECT_TRUE(TNewFile(fFolder.Path().string(), "", "y").PublishIfNew(Path("y")));
+  EXPECT_EQ(Count(), 2U);
+}
+
+TEST_F(NewFile, LeavesNothingWhereItFails) {
+  EXPECT_TRUE(FailsFor("shown", [this] { TNewFile(Path("none"), "", "shown"); }));
+  const std::string folder = fFolder.Path().string();
+  EXPECT_TRUE(FailsFor("shown", [&] { TNewFile(folder, std::string(5000, 'x'), "shown"); }));
+  fFolder.Write("folder/file", "");
+  EXPECT_TRUE(FailsFor("folder", [&] { TNewFile(folder, "", "").Publish(Path("folder")); }));
+  EXPECT_EQ(Count(), 1U);
+}
+
+TEST_F(NewFile, IsRemovedByASignalThatEndsTheProcess) {
+  for (const auto& [signal, ignored, left] :
+       std::vector<std::tuple<int, bool, std::size_t>>{{SIGTERM, false, 0},
+                                                       {SIGINT, false, 0},
+                                                       {SIGXCPU, false, 0},
+                                                       {SIGHUP, true, 0},
+                                                       {SIGKILL, false, 1}}) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+      ::signal(signal, ignored ? SIG_IGN : SIG_DFL);
+      const TNewFile file(fFolder.Path().string(), "", "");
+      ::raise(signal);
+      ::unlink(file.GetPath().c_str());
+      ::_exit(9);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(WIFSIGNALED(status) ? WTERMSIG(status) : 0, ignored ? 0 : signal);
+    EXPECT_EQ(Count(), left) << signal;
+  }
+}
+
+TEST_F(NewFile, ReplacesWhatALinkLeadsTo) {
+  const std::string file = fFolder.Write("file", "").string();
+  for (const auto& [target, name] :
+       {std::pair{"file", "link"}, {"link", "far"}, {"none", "dangling"}, {"circle", "circle"}}) {
+    fs::create_symlink(target, Path(name));
+  }
+  EXPECT_EQ(FileToReplace(file), file);
+  EXPECT_EQ(FileToReplace(Path("none")), Path("none"));
+  EXPECT_EQ(FileToReplace(Path("far")), fs::canonical(file));
+  for (const std::string name : {"dangling", "circle"}) {
+    EXPECT_TRUE(FailsFor(name, [&] { FileToReplace(Path(name)); }));
+  }
+}
+
+}  // namespace
+}  // namespace NVORNQDX20
