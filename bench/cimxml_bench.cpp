@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // A document of 100,000 instances with ten mixed properties each, written and read.
-#include <reading/document.h>
-#include <writing/document_writer.h>
+#include <qdxcimxml/document_reader.h>
+#include <qdxcimxml/document_writer.h>
 
 #include "support/class_builder.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Whatever bytes there are, only a TQDXException comes out; and what was read can be written as a
 // document that gives the same document again. A '+' in front spares the elements around objects.
-#include <reading/document.h>
-#include <writing/document_writer.h>
+#include <qdxcimxml/document_reader.h>
+#include <qdxcimxml/document_writer.h>
 
 #include <qdxcore/status.h>
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <qdxcimxml/document_writer.h>
 #include <qdxcore/config.h>
 #include <qdxcore/interfaces.h>
 #include <qdxcore/logger.h>
@@ -8,8 +9,6 @@
 #include <memory>
 #include <string>
 #include <utility>
-
-#include "writing/document_writer.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -24,10 +23,10 @@ std::string RequiredFileOf(const TOptionsMap& options) {
 
 /// Consumer "cimxml": writes namespaces as a CIM-XML document.
 ///
-/// Option "file" (string) names the file, "-" standard output; see TOutput. With option "more"
-/// (boolean) set, the document stays open, and the next call for the same file adds its namespace;
-/// a call without ends the document. A failure, a call for another file, and the end of the
-/// consumer leave an open document unfinished.
+/// Option "file" (string) names the file, "-" standard output; see TDocumentWriter. With option
+/// "more" (boolean) set, the document stays open, and the next call for the same file adds its
+/// namespace; a call without ends the document. A failure, a call for another file, and the end of
+/// the consumer leave an open document unfinished.
 class TCIMXMLConsumer final : public INamespaceConsumer {
  public:
   const std::string& GetName(TOptionsMap) const override { return fName; }

@@ -3,9 +3,9 @@
 #include <qdxcore/interfaces.h>
 #include <qdxcore/status.h>
 
-#include <xml/output.h>
-
 #include <cstdio>
+
+#include <zlib.h>
 
 #include "cimxml/documents.h"
 
@@ -110,9 +110,9 @@ TEST(BadCIMXMLDocument, IsRefusedWithPlaceAndReason) {
 std::string Compressed(const std::string& text) {
   const TTempDir folder;
   const std::string file = (folder.Path() / "d.gz").string();
-  NCIMXML::TOutput output(file);
-  output.Write(text);
-  output.Close();
+  const gzFile output = ::gzopen(file.c_str(), "wb");
+  ::gzwrite(output, text.data(), static_cast<unsigned int>(text.size()));
+  ::gzclose(output);
   return ReadWholeFile(file);
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "class_reader.h"
+// Declarations of qualifiers and classes from their elements.
+#include "object_readers.h"
 
 #include <qdxcore/status.h>
 #include <qdxmodel/names.h>
@@ -10,7 +11,7 @@
 
 #include "value_reader.h"
 #include "xml/document_limits.h"
-#include "xml/flags.h"
+#include "xml/qualifier_flags.h"
 
 namespace NVORNQDX20::NCIMXML {
 namespace {
@@ -41,7 +42,7 @@ bool IsProperty(const TElement& element) {
 /// Reads one class into the repository's new one.
 class TClassReader {
  public:
-  TClassReader(TNamespaceBuilder& ns, const TElement& element, ICIMClass& target)
+  TClassReader(TNamespaceReader& ns, const TElement& element, ICIMClass& target)
       : fNamespace(ns), fElement(element), fTarget(target) {}
 
   void Read() {
@@ -134,14 +135,14 @@ class TClassReader {
     }
   }
 
-  TNamespaceBuilder& fNamespace;
+  TNamespaceReader& fNamespace;
   const TElement& fElement;
   ICIMClass& fTarget;
 };
 
 }  // namespace
 
-boost::shared_ptr<ICIMQualifierDecl> ReadQualifierDecl(TNamespaceBuilder& ns,
+boost::shared_ptr<ICIMQualifierDecl> ReadQualifierDecl(TNamespaceReader& ns,
                                                        const TElement& element) {
   const std::string& name = element.Get("NAME");
   TCIMType type = TypeAttribute(element);
@@ -154,7 +155,7 @@ boost::shared_ptr<ICIMQualifierDecl> ReadQualifierDecl(TNamespaceBuilder& ns,
   });
 }
 
-boost::shared_ptr<ICIMClass> ReadClass(TNamespaceBuilder& ns, const TElement& element) {
+boost::shared_ptr<ICIMClass> ReadClass(TNamespaceReader& ns, const TElement& element) {
   const std::string& name = element.Get("NAME");
   const std::string* const superclass = element.Find("SUPERCLASS");
   if (element.fChildren.size() > kMaxMembers) element.Refuse("a class has too many members");

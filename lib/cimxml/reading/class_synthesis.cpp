@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "class_synthesis.h"
+// Classes that a document uses without declaring them.
+#include "object_readers.h"
 
 #include <qdxmodel/names.h>
 
@@ -102,7 +103,7 @@ class TSynthesis {
   NModel::TNameMap<std::size_t> fPositions;
 };
 
-boost::shared_ptr<ICIMClass> ReferencedClass(TNamespaceBuilder& ns, const TElement& reference) {
+boost::shared_ptr<ICIMClass> ReferencedClass(TNamespaceReader& ns, const TElement& reference) {
   const std::string* const named = reference.Find("REFERENCECLASS");
   if (named != nullptr) return ns.ClassNamed(*named, reference).fClass;
   const bool isPath = reference.Is("VALUE.REFERENCE");
@@ -111,7 +112,7 @@ boost::shared_ptr<ICIMClass> ReferencedClass(TNamespaceBuilder& ns, const TEleme
   return ns.Document().NamespaceOf(path, ns).ClassNamed(ClassNameOf(name), name).fClass;
 }
 
-TCIMValue NullOf(TNamespaceBuilder& ns, const TProperty& property,
+TCIMValue NullOf(TNamespaceReader& ns, const TProperty& property,
                  const boost::shared_ptr<ICIMClass>& owner) {
   TCIMValue null(property.fType, 0);
   if (!null.IsReference()) return null;
@@ -123,7 +124,7 @@ TCIMValue NullOf(TNamespaceBuilder& ns, const TProperty& property,
 
 }  // namespace
 
-boost::shared_ptr<ICIMClass> SynthesizeClass(TNamespaceBuilder& ns, const std::string& name,
+boost::shared_ptr<ICIMClass> SynthesizeClass(TNamespaceReader& ns, const std::string& name,
                                              const std::vector<const TElement*>& uses) {
   TSynthesis synthesis;
   for (const TElement* use : uses) synthesis.AddUse(*use);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "document.h"
 
+#include <qdxcimxml/document_reader.h>
 #include <qdxcore/logger.h>
 
 #include <algorithm>
@@ -67,7 +68,7 @@ void TDocument::EndGroup() {
 
 void TDocument::AddNamedObject(TElement&& object, std::size_t bytes) {
   const auto path = NamespaceNameOf(object);
-  TNamespaceBuilder& ns = path ? List(*path) : Group();
+  TNamespaceReader& ns = path ? List(*path) : Group();
   TElement* const cimClass = FindChild(object, "CLASS");
   if (cimClass != nullptr) {
     ns.AddClass(std::move(*cimClass), bytes);
@@ -91,12 +92,12 @@ void TDocument::Complete() {
     throw TDefect("a response with " + fErrors.First(), fFirstError);
   }
   fState.fIsComplete = true;
-  for (TNamespaceBuilder* ns : fListed) ns->NoteReferences();
-  for (TNamespaceBuilder* ns : fListed) ns->BuildClasses();
-  for (TNamespaceBuilder* ns : fListed) ns->BuildInstances();
+  for (TNamespaceReader* ns : fListed) ns->NoteReferences();
+  for (TNamespaceReader* ns : fListed) ns->BuildClasses();
+  for (TNamespaceReader* ns : fListed) ns->BuildInstances();
 }
 
-TNamespaceBuilder& TDocument::NamespaceOf(const TElement& reference, TNamespaceBuilder& own) {
+TNamespaceReader& TDocument::NamespaceOf(const TElement& reference, TNamespaceReader& own) {
   const auto name = NamespaceNameOf(reference);
   return name ? *Entry(*name).fBuilder : own;
 }
@@ -104,30 +105,30 @@ TNamespaceBuilder& TDocument::NamespaceOf(const TElement& reference, TNamespaceB
 TDocument::TEntry& TDocument::Entry(const std::string& name) {
   TEntry& entry = fNamespaces[NModel::Folded(name)];
   if (fNamespaces.size() > kMaxNamespaces) throw TDefect("too many namespaces");
-  if (!entry.fBuilder) entry.fBuilder = std::make_unique<TNamespaceBuilder>(*this, fState, name);
+  if (!entry.fBuilder) entry.fBuilder = std::make_unique<TNamespaceReader>(*this, fState, name);
   return entry;
 }
 
 boost::shared_ptr<TRepositoryProvider> TDocument::Namespaces() const {
   auto namespaces = boost::make_shared<TRepositoryProvider>("cimxml");
-  for (const TNamespaceBuilder* ns : fListed) namespaces->AddNamespace(ns->Namespace());
+  for (const TNamespaceReader* ns : fListed) namespaces->AddNamespace(ns->Namespace());
   return namespaces;
 }
 
-TNamespaceBuilder& TDocument::List(const std::string& name) {
+TNamespaceReader& TDocument::List(const std::string& name) {
   TEntry& entry = Entry(name);
   if (!std::exchange(entry.fIsListed, true)) fListed.push_back(entry.fBuilder.get());
   return *entry.fBuilder;
 }
 
-TNamespaceBuilder& TDocument::Group() {
+TNamespaceReader& TDocument::Group() {
   if (fGroup == nullptr) fGroup = &List(kDefaultNamespace);
   return *fGroup;
 }
 
 void TDocument::Report(const std::string& name) const {
   fErrors.Report("responses are errors in", name);
-  fState.fTaken.Report("instances with the keys of another one were left out of", name);
+  fState.fDuplicates.Report("instances with the keys of another one were left out of", name);
   fState.fContradictions.Report("instances have another class or other keys than their names in",
                                 name);
   fState.fUnheldDateTimes.Report("date-times that cannot be held were read as null from", name);

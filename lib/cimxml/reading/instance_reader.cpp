@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "instance_reader.h"
+// Instances from their elements.
+#include "object_readers.h"
 
 #include <qdxcore/status.h>
 #include <qdxmodel/names.h>
@@ -15,7 +16,7 @@ namespace {
 /// One instance on its way into the namespace.
 class TInstanceReader {
  public:
-  TInstanceReader(TNamespaceBuilder& ns, const boost::shared_ptr<ICIMClass>& cimClass,
+  TInstanceReader(TNamespaceReader& ns, const boost::shared_ptr<ICIMClass>& cimClass,
                   const TElement& instance)
       : fNamespace(ns),
         fClass(*cimClass),
@@ -56,14 +57,14 @@ class TInstanceReader {
       fTarget->Commit({});
     } catch (const TQDXException& e) {
       if (e.GetStatusCode() != kQDXStatusAlreadyExists) throw;
-      fNamespace.State().fTaken.Add(Place());
+      fNamespace.State().fDuplicates.Add(Place());
     }
   }
 
  private:
   std::string Place() const { return "line " + std::to_string(fElement.fPosition.fLine); }
 
-  TNamespaceBuilder& fNamespace;
+  TNamespaceReader& fNamespace;
   const ICIMClass& fClass;
   const TElement& fElement;
   const boost::shared_ptr<ICIMInstance> fTarget;
@@ -80,7 +81,7 @@ const TElement& InstanceOf(const TElement& object) {
   return *instance;
 }
 
-void ReadInstance(TNamespaceBuilder& ns, const TElement& object) {
+void ReadInstance(TNamespaceReader& ns, const TElement& object) {
   const TElement& instance = InstanceOf(object);
   const std::string& className = instance.Get("CLASSNAME");
   const TReadClass read = ns.ClassNamed(className, object);

@@ -25,7 +25,7 @@ std::string PlaceOf(const TElement& value, const TElement& holder) {
          (name == nullptr ? "" : ", " + std::string(holder.fName) + " " + Shown(*name));
 }
 
-TCIMValue ReadText(TNamespaceBuilder& ns, TCIMType type, const TElement& element,
+TCIMValue ReadText(TNamespaceReader& ns, TCIMType type, const TElement& element,
                    const TElement& holder) {
   std::optional<TCIMValue> value = ReadLiteral(type, element.fText);
   if (!value || !element.fChildren.empty()) {
@@ -37,7 +37,7 @@ TCIMValue ReadText(TNamespaceBuilder& ns, TCIMType type, const TElement& element
   return std::move(*value);
 }
 
-TCIMValue ReadArray(TNamespaceBuilder& ns, TCIMType type, unsigned int size, const TElement& array,
+TCIMValue ReadArray(TNamespaceReader& ns, TCIMType type, unsigned int size, const TElement& array,
                     const TElement& holder) {
   const TCIMType elementType = ElementType(type);
   std::vector<TCIMValue> elements;
@@ -55,9 +55,9 @@ TCIMValue ReadArray(TNamespaceBuilder& ns, TCIMType type, unsigned int size, con
   return TCIMValue(elementType, size, elements);
 }
 
-TCIMValue ReadReference(TNamespaceBuilder& ns, const TElement& element) {
+TCIMValue ReadReference(TNamespaceReader& ns, const TElement& element) {
   const TElement& name = NameOf(element);
-  TNamespaceBuilder& target = ns.Document().NamespaceOf(element, ns);
+  TNamespaceReader& target = ns.Document().NamespaceOf(element, ns);
   constexpr std::size_t kReferenceBytes = 256;
   ns.State().AddHeld(kReferenceBytes, element);
   TCIMReference reference(target.Namespace(), {});
@@ -105,7 +105,7 @@ unsigned int ArraySizeOf(const TElement& element) {
   return size;
 }
 
-TCIMValue ReadValue(TNamespaceBuilder& ns, TCIMType type, const TElement& holder) {
+TCIMValue ReadValue(TNamespaceReader& ns, TCIMType type, const TElement& holder) {
   const unsigned int size = ArraySizeOf(holder);
   const TElement* const value = FindValue(holder);
   if (value == nullptr) return IsArray(type) ? TCIMValue(type, size) : TCIMValue(type, 0);
@@ -118,7 +118,7 @@ TCIMValue ReadValue(TNamespaceBuilder& ns, TCIMType type, const TElement& holder
                        : ReadText(ns, type, *value, holder);
 }
 
-TCIMValue ReadPropertyValue(TNamespaceBuilder& ns, const TElement& property) {
+TCIMValue ReadPropertyValue(TNamespaceReader& ns, const TElement& property) {
   TCIMValue value = ReadValue(ns, TypeOfProperty(property), property);
   const std::string* const className = property.Find("REFERENCECLASS");
   if (value.IsReference() && value.IsNull() && className != nullptr) {
@@ -127,7 +127,7 @@ TCIMValue ReadPropertyValue(TNamespaceBuilder& ns, const TElement& property) {
   return value;
 }
 
-TCIMValue ReadKeyValue(TNamespaceBuilder& ns, TCIMType type, const TElement& value) {
+TCIMValue ReadKeyValue(TNamespaceReader& ns, TCIMType type, const TElement& value) {
   const bool isReference = type == TCIMType::kCIMTypeReference;
   if (value.Is("VALUE.REFERENCE") != isReference) {
     value.Refuse("the key is declared as " + std::string(KeywordOf(type)));

@@ -8,7 +8,7 @@
 
 #include <string>
 
-#include "namespace_builder.h"
+#include "namespace_reader.h"
 #include "xml/cim_type.h"
 #include "xml/element.h"
 
@@ -22,11 +22,11 @@ unsigned int ArraySizeOf(const TElement& element);
 
 /// The value that stands in the element beside qualifiers and scopes; null of that type if there is
 /// none.
-TCIMValue ReadValue(TNamespaceBuilder& ns, TCIMType type, const TElement& holder);
+TCIMValue ReadValue(TNamespaceReader& ns, TCIMType type, const TElement& holder);
 /// The value of a property, and for a null reference its class if the element names one.
-TCIMValue ReadPropertyValue(TNamespaceBuilder& ns, const TElement& property);
+TCIMValue ReadPropertyValue(TNamespaceReader& ns, const TElement& property);
 /// KEYVALUE or VALUE.REFERENCE; never null.
-TCIMValue ReadKeyValue(TNamespaceBuilder& ns, TCIMType type, const TElement& value);
+TCIMValue ReadKeyValue(TNamespaceReader& ns, TCIMType type, const TElement& value);
 
 /// The declaration of a property that the class must have.
 boost::shared_ptr<const ICIMPropertyDecl> DeclOf(const ICIMClass& cimClass, const std::string& name,

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "document_writer.h"
+#include <qdxcimxml/document_writer.h>
 
 #include <qdxcore/logger.h>
 #include <qdxmodel/classes.h>
@@ -9,6 +9,9 @@
 
 #include "schema_writer.h"
 #include "value_writer.h"
+#include "xml/counted_warning.h"
+#include "xml/output.h"
+#include "xml/xml_writer.h"
 
 namespace NVORNQDX20::NCIMXML {
 namespace {
@@ -111,36 +114,49 @@ void WriteInstances(TXMLWriter& xml, TValueWriter& values, const ICIMClass& cimC
 
 }  // namespace
 
-TDocumentWriter::TDocumentWriter(const std::string& file) : fOutput(file), fXML(fOutput) {
-  fXML.Markup("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n");
-  fXML.Markup("<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.4\">\n<DECLARATION>\n");
+struct TDocumentWriter::TParts {
+  explicit TParts(const std::string& file) : fOutput(file) {}
+
+  TOutput fOutput;
+  TXMLWriter fXML{fOutput};
+  TCountedWarning fLeftOut;
+};
+
+TDocumentWriter::TDocumentWriter(const std::string& file) : fParts(std::make_unique<TParts>(file)) {
+  fParts->fXML.Markup("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n")
+      .Markup("<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.4\">\n<DECLARATION>\n");
 }
 
+TDocumentWriter::~TDocumentWriter() = default;
+
 void TDocumentWriter::AddNamespace(const ICIMNamespace& ns) {
-  TValueWriter values(fXML, ns, fLeftOut);
-  TSchemaWriter schema(fXML, values);
-  fXML.Markup("<DECLGROUP.WITHNAME>");
+  TXMLWriter& xml = fParts->fXML;
+  TValueWriter values(xml, ns, fParts->fLeftOut);
+  TSchemaWriter schema(xml, values);
+  xml.Markup("<DECLGROUP.WITHNAME>");
   values.NamespacePath(ns.GetName({}));
-  fXML.Markup("\n");
+  xml.Markup("\n");
   for (const auto& decl : SortedQualifierDecls(ns)) schema.QualifierDecl(*decl);
   const TClasses classes = SortedClasses(ns);
   for (const auto& cimClass : classes) {
-    fXML.Markup("<VALUE.NAMEDOBJECT>");
+    xml.Markup("<VALUE.NAMEDOBJECT>");
     schema.Class(*cimClass);
-    fXML.Markup("</VALUE.NAMEDOBJECT>\n");
+    xml.Markup("</VALUE.NAMEDOBJECT>\n");
   }
-  for (const auto& cimClass : classes) WriteInstances(fXML, values, *cimClass);
-  fXML.Markup("</DECLGROUP.WITHNAME>\n");
+  for (const auto& cimClass : classes) WriteInstances(xml, values, *cimClass);
+  xml.Markup("</DECLGROUP.WITHNAME>\n");
 }
 
 void TDocumentWriter::Close() {
-  fXML.Markup("</DECLARATION>\n</CIM>\n");
-  fOutput.Close();
-  fLeftOut.Report("values that CIM-XML cannot hold were left out of", fOutput.File());
-  if (fXML.Replaced() == 0) return;
-  LogMessage(ILogger::kLogWarning,
-             {"cimxml: ", std::to_string(fXML.Replaced()),
-              " characters that XML cannot hold were replaced in ", fOutput.File()});
+  fParts->fXML.Markup("</DECLARATION>\n</CIM>\n");
+  fParts->fOutput.Close();
+  fParts->fLeftOut.Report("values that CIM-XML cannot hold were left out of", File());
+  const std::size_t replaced = fParts->fXML.Replaced();
+  if (replaced == 0) return;
+  LogMessage(ILogger::kLogWarning, {"cimxml: ", std::to_string(replaced),
+                                    " characters that XML cannot hold were replaced in ", File()});
 }
+
+const std::string& TDocumentWriter::File() const { return fParts->fOutput.File(); }
 
 }  // namespace NVORNQDX20::NCIMXML

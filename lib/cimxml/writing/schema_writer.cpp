@@ -4,7 +4,7 @@
 #include <qdxmodel/classes.h>
 #include <qdxrepository/repository.h>
 
-#include "xml/flags.h"
+#include "xml/qualifier_flags.h"
 
 namespace NVORNQDX20::NCIMXML {
 namespace {

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "xml/cim_type.h"
-#include "xml/tally.h"
+#include "xml/counted_warning.h"
 #include "xml/xml_writer.h"
 
 namespace NVORNQDX20::NCIMXML {
@@ -17,7 +17,7 @@ namespace NVORNQDX20::NCIMXML {
 class TValueWriter {
  public:
   /// Paths name a namespace only where it is another than `ns`.
-  TValueWriter(TXMLWriter& xml, const ICIMNamespace& ns, TTally& leftOut)
+  TValueWriter(TXMLWriter& xml, const ICIMNamespace& ns, TCountedWarning& leftOut)
       : fXML(xml), fNamespace(ns), fLeftOut(leftOut) {}
 
   /// "PROPERTY", "PROPERTY.ARRAY" or "PROPERTY.REFERENCE".
@@ -50,7 +50,7 @@ class TValueWriter {
 
   TXMLWriter& fXML;
   const ICIMNamespace& fNamespace;
-  TTally& fLeftOut;
+  TCountedWarning& fLeftOut;
   std::string fClassName;  // empty outside of classes
 };
 

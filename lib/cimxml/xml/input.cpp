@@ -50,7 +50,7 @@ class TDecompressor {
     fStream.next_out = reinterpret_cast<Bytef*>(out);
     fStream.avail_out = static_cast<uInt>(outSize);
     const int result = inflate(&fStream, Z_NO_FLUSH);
-    fTaken += static_cast<std::size_t>(fStream.next_in - in);
+    fConsumed += static_cast<std::size_t>(fStream.next_in - in);
     if (result != Z_OK && result != Z_STREAM_END && result != Z_BUF_ERROR) Refuse();
     fAtEnd = result == Z_STREAM_END;
     in = fStream.next_in;
@@ -60,14 +60,14 @@ class TDecompressor {
  private:
   [[noreturn]] void Refuse() const {
     const bool inHeader = fHeader.done != 1;
-    throw GzipDefect(fStream.msg == nullptr ? "bad data" : fStream.msg, fTaken,
+    throw GzipDefect(fStream.msg == nullptr ? "bad data" : fStream.msg, fConsumed,
                      inHeader ? kQDXStatusInvalidGzipFile : kQDXStatusCorruptGzipFile);
   }
 
   z_stream fStream{};
   gz_header fHeader{};  // of the first member
   bool fAtEnd = false;
-  std::size_t fTaken = 0;  // of all members
+  std::size_t fConsumed = 0;  // of all members
 };
 
 TInput::TInput(int descriptor) : fDescriptor(descriptor), fBuffer(new unsigned char[kBufferSize]) {}

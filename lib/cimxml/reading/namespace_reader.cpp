@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "namespace_builder.h"
+#include "namespace_reader.h"
 
 #include <qdxcore/status.h>
 #include <qdxrepository/repository.h>
 
 #include <utility>
 
-#include "class_reader.h"
-#include "class_synthesis.h"
 #include "document.h"
-#include "instance_reader.h"
 #include "object_path.h"
+#include "object_readers.h"
 #include "value_reader.h"
 #include "xml/document_limits.h"
 
@@ -20,7 +18,7 @@ namespace {
 /// One more class is being declared, until the scope ends, however it ends.
 class TDeclaringScope {
  public:
-  TDeclaringScope(TReadingState& state, const TNamespaceBuilder& ns, const std::string& folded)
+  TDeclaringScope(TReadingState& state, const TNamespaceReader& ns, const std::string& folded)
       : fState(state) {
     fState.fDeclaring.push_back({&ns, folded, {}});
   }
@@ -44,16 +42,16 @@ void TReadingState::AddHeld(std::size_t bytes, const TElement& element) {
   if (fHeldBytes > kMaxHeldBytes) element.Refuse("the document holds too much");
 }
 
-TNamespaceBuilder::TNamespaceBuilder(TDocument& document, TReadingState& state,
-                                     const std::string& name)
+TNamespaceReader::TNamespaceReader(TDocument& document, TReadingState& state,
+                                   const std::string& name)
     : fDocument(document), fState(state), fNamespace(MakeRepositoryNamespace(name)) {}
 
-void TNamespaceBuilder::AddQualifierDecl(const TElement& element) {
+void TNamespaceReader::AddQualifierDecl(const TElement& element) {
   const auto decl = ReadQualifierDecl(*this, element);
   AsPartOf(element, "qualifier " + Shown(decl->GetName()), [&] { decl->Commit(); });
 }
 
-void TNamespaceBuilder::AddClass(TElement&& element, std::size_t bytes) {
+void TNamespaceReader::AddClass(TElement&& element, std::size_t bytes) {
   const std::string folded = NModel::Folded(element.Get("NAME"));
   if (fClasses.count(folded) != 0 || fSources.count(folded) != 0) {
     element.Refuse("class " + Shown(element.Get("NAME")) + " is declared twice");
@@ -63,7 +61,7 @@ void TNamespaceBuilder::AddClass(TElement&& element, std::size_t bytes) {
   fSources[folded].fElement = std::move(element);
 }
 
-void TNamespaceBuilder::AddInstance(TElement&& object, std::size_t bytes) {
+void TNamespaceReader::AddInstance(TElement&& object, std::size_t bytes) {
   try {
     ReadInstance(*this, object);
   } catch (const TNotDeclaredYet&) {
@@ -73,24 +71,24 @@ void TNamespaceBuilder::AddInstance(TElement&& object, std::size_t bytes) {
   }
 }
 
-void TNamespaceBuilder::NoteReferences() {
+void TNamespaceReader::NoteReferences() {
   for (const TElement& object : fWaitingInstances) NoteReferencesIn(object);
 }
 
-void TNamespaceBuilder::NoteReferencesIn(const TElement& element) {
+void TNamespaceReader::NoteReferencesIn(const TElement& element) {
   for (const TElement& child : element.fChildren) {
     if (!child.Is("VALUE.REFERENCE")) {
       NoteReferencesIn(child);
       continue;
     }
-    TNamespaceBuilder& target = fDocument.NamespaceOf(child, *this);
+    TNamespaceReader& target = fDocument.NamespaceOf(child, *this);
     const TElement& name = NameOf(child);
     target.NoteUse(ClassNameOf(name), name);
     target.NoteReferencesIn(name);
   }
 }
 
-void TNamespaceBuilder::BuildClasses() {
+void TNamespaceReader::BuildClasses() {
   for (const std::string& folded : fSourceOrder) {
     const auto source = fSources.find(folded);
     if (source == fSources.end()) continue;
@@ -99,11 +97,11 @@ void TNamespaceBuilder::BuildClasses() {
   }
 }
 
-void TNamespaceBuilder::BuildInstances() {
+void TNamespaceReader::BuildInstances() {
   for (const TElement& object : fWaitingInstances) ReadInstance(*this, object);
 }
 
-TReadClass TNamespaceBuilder::ClassNamed(const std::string& name, const TElement& use) {
+TReadClass TNamespaceReader::ClassNamed(const std::string& name, const TElement& use) {
   const std::string folded = NModel::Folded(name);
   const auto found = fClasses.find(folded);
   if (found != fClasses.end()) return found->second;
@@ -118,7 +116,7 @@ TReadClass TNamespaceBuilder::ClassNamed(const std::string& name, const TElement
   return Declare(name, use);
 }
 
-TReadClass TNamespaceBuilder::Declare(const std::string& name, const TElement& use) {
+TReadClass TNamespaceReader::Declare(const std::string& name, const TElement& use) {
   if (fState.fDeclaring.size() >= kMaxClassDepth) use.Refuse("classes nested too deep");
   const std::string folded = NModel::Folded(name);
   const TDeclaringScope scope(fState, *this, folded);
@@ -130,15 +128,15 @@ TReadClass TNamespaceBuilder::Declare(const std::string& name, const TElement& u
   return read;
 }
 
-boost::shared_ptr<ICIMClass> TNamespaceBuilder::ReadSource(const std::string& folded) {
+boost::shared_ptr<ICIMClass> TNamespaceReader::ReadSource(const std::string& folded) {
   TSource& source = fSources.at(folded);
   if (source.fWaits && !fState.fIsComplete) throw TNotDeclaredYet();
   source.fWaits = true;  // until the end, if it does not get through now
   return ReadClass(*this, source.fElement);
 }
 
-boost::shared_ptr<ICIMClass> TNamespaceBuilder::Synthesize(const std::string& name,
-                                                           const TElement& use) {
+boost::shared_ptr<ICIMClass> TNamespaceReader::Synthesize(const std::string& name,
+                                                          const TElement& use) {
   std::vector<const TElement*> uses;
   const auto noted = fUses.find(NModel::Folded(name));
   if (noted != fUses.end()) uses = noted->second;
@@ -146,8 +144,8 @@ boost::shared_ptr<ICIMClass> TNamespaceBuilder::Synthesize(const std::string& na
   return SynthesizeClass(*this, name, uses);
 }
 
-TReadClass TNamespaceBuilder::Measured(const boost::shared_ptr<ICIMClass>& cimClass,
-                                       const TElement& use) const {
+TReadClass TNamespaceReader::Measured(const boost::shared_ptr<ICIMClass>& cimClass,
+                                      const TElement& use) const {
   TReadClass read;
   read.fClass = cimClass;
   std::vector<boost::shared_ptr<ICIMPropertyDecl>> decls;
@@ -164,8 +162,7 @@ TReadClass TNamespaceBuilder::Measured(const boost::shared_ptr<ICIMClass>& cimCl
   return read;
 }
 
-boost::shared_ptr<ICIMQualifierDecl> TNamespaceBuilder::QualifierDeclFor(
-    const TElement& qualifier) {
+boost::shared_ptr<ICIMQualifierDecl> TNamespaceReader::QualifierDeclFor(const TElement& qualifier) {
   try {
     return fNamespace->GetQualifierDecl(qualifier.Get("NAME"), {});
   } catch (const TQDXException& e) {
@@ -176,7 +173,7 @@ boost::shared_ptr<ICIMQualifierDecl> TNamespaceBuilder::QualifierDeclFor(
   return decl;
 }
 
-boost::shared_ptr<ICIMQualifierDecl> TNamespaceBuilder::KeyDecl() {
+boost::shared_ptr<ICIMQualifierDecl> TNamespaceReader::KeyDecl() {
   TElement key;
   key.fName = "QUALIFIER";
   key.fAttributes = {{"NAME", "Key"}, {"TYPE", "boolean"}, {"OVERRIDABLE", "false"}};

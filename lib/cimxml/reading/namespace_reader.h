@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// One namespace of a document while it is read.
-#ifndef LIB_CIMXML_READING_NAMESPACE_BUILDER_H_
-#define LIB_CIMXML_READING_NAMESPACE_BUILDER_H_
+#ifndef LIB_CIMXML_READING_NAMESPACE_READER_H_
+#define LIB_CIMXML_READING_NAMESPACE_READER_H_
 
 #include <qdxcore/interfaces.h>
 #include <qdxmodel/names.h>
@@ -12,13 +12,13 @@
 #include <unordered_map>
 #include <vector>
 
+#include "xml/counted_warning.h"
 #include "xml/element.h"
-#include "xml/tally.h"
 
 namespace NVORNQDX20::NCIMXML {
 
 class TDocument;
-class TNamespaceBuilder;
+class TNamespaceReader;
 
 /// Thrown for a class that is not declared yet: what needs it waits for the end of the document.
 struct TNotDeclaredYet {};
@@ -33,7 +33,7 @@ struct TReadClass {
 struct TReadingState {
   /// A class that is being declared; null until it exists.
   struct TDeclaring {
-    const TNamespaceBuilder* fNamespace;
+    const TNamespaceReader* fNamespace;
     std::string fName;  // folded
     TReadClass fClass;
   };
@@ -47,18 +47,18 @@ struct TReadingState {
   bool fIsComplete = false;  // all of the document is known
   std::vector<TDeclaring> fDeclaring;
   std::size_t fHeldBytes = 0;
-  TTally fUnheldDateTimes;
-  TTally fTaken;           // instances whose keys another one has
-  TTally fContradictions;  // names that say something else than their instances
+  TCountedWarning fUnheldDateTimes;
+  TCountedWarning fDuplicates;      // instances whose keys another one has
+  TCountedWarning fContradictions;  // names that say something else than their instances
 };
 
 /// Classes are declared when something needs them, and all at the end, so their order in the
 /// document is free. Instances that come before all that their class needs wait for the end.
-class TNamespaceBuilder {
+class TNamespaceReader {
  public:
-  TNamespaceBuilder(TDocument& document, TReadingState& state, const std::string& name);
-  TNamespaceBuilder(const TNamespaceBuilder&) = delete;
-  TNamespaceBuilder& operator=(const TNamespaceBuilder&) = delete;
+  TNamespaceReader(TDocument& document, TReadingState& state, const std::string& name);
+  TNamespaceReader(const TNamespaceReader&) = delete;
+  TNamespaceReader& operator=(const TNamespaceReader&) = delete;
 
   void AddQualifierDecl(const TElement& element);
   void AddClass(TElement&& element, std::size_t bytes);
@@ -109,4 +109,4 @@ class TNamespaceBuilder {
 
 }  // namespace NVORNQDX20::NCIMXML
 
-#endif  // LIB_CIMXML_READING_NAMESPACE_BUILDER_H_
+#endif  // LIB_CIMXML_READING_NAMESPACE_READER_H_

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What goes on but must not go unsaid.
-#ifndef LIB_CIMXML_XML_TALLY_H_
-#define LIB_CIMXML_XML_TALLY_H_
+/// Warnings of which one line stands for many.
+#ifndef LIB_CIMXML_XML_COUNTED_WARNING_H_
+#define LIB_CIMXML_XML_COUNTED_WARNING_H_
 
 #include <qdxcore/logger.h>
 
@@ -11,15 +11,15 @@
 
 namespace NVORNQDX20::NCIMXML {
 
-/// How often something happened, and where it did first.
-class TTally {
+/// Counts how often something happens, keeps where it happens first, and warns once.
+class TCountedWarning {
  public:
   void Add(std::string where) {
     if (fCount++ == 0) fFirst = std::move(where);
   }
   std::size_t Count() const { return fCount; }
   const std::string& First() const { return fFirst; }
-  /// Warns "cimxml: N WHAT FILE, the first: WHERE", if it happened at all.
+  /// Logs "cimxml: N WHAT FILE, the first: WHERE", unless nothing happened.
   void Report(const std::string& what, const std::string& file) const {
     if (fCount == 0) return;
     LogMessage(ILogger::kLogWarning,
@@ -33,4 +33,4 @@ class TTally {
 
 }  // namespace NVORNQDX20::NCIMXML
 
-#endif  // LIB_CIMXML_XML_TALLY_H_
+#endif  // LIB_CIMXML_XML_COUNTED_WARNING_H_

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Scopes and flavors of qualifiers: each bit and the attribute that stands for it.
-#ifndef LIB_CIMXML_XML_FLAGS_H_
-#define LIB_CIMXML_XML_FLAGS_H_
+#ifndef LIB_CIMXML_XML_QUALIFIER_FLAGS_H_
+#define LIB_CIMXML_XML_QUALIFIER_FLAGS_H_
 
 #include <qdxrepository/repository.h>
 
@@ -29,4 +29,4 @@ inline constexpr TFlag kScopes[] = {
 
 }  // namespace NVORNQDX20::NCIMXML
 
-#endif  // LIB_CIMXML_XML_FLAGS_H_
+#endif  // LIB_CIMXML_XML_QUALIFIER_FLAGS_H_

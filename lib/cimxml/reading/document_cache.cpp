@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: Apache-2.0
+// Opens the files of documents, and keeps the last document.
+#include <qdxcimxml/document_reader.h>
+
+#include <qdxcore/logger.h>
+#include <qdxcore/status.h>
+#include <qdxsystem/descriptor.h>
+#include <qdxsystem/error_text.h>
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace NVORNQDX20::NCIMXML {
+namespace {
+
+[[noreturn]] void Refuse(const std::string& file) {
+  const auto code = errno == EACCES ? kQDXStatusAccessDenied : kQDXStatusFileNotFound;
+  const std::string reason = ErrorText(errno);
+  LogErrorAndThrow(code, {"cimxml: ", file == "-" ? "standard input" : file, ": ", reason});
+}
+
+boost::shared_ptr<TRepositoryProvider> ReadFile(const std::string& file) {
+  if (file == "-") return ReadDocument("standard input", STDIN_FILENO);
+  const TDescriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!descriptor.IsOpen()) Refuse(file);
+  return ReadDocument(file, descriptor.Get());
+}
+
+}  // namespace
+
+TDocumentCache::TIdentity::TIdentity(const std::string& file) {
+  struct stat status {};
+  const bool isThere =
+      file == "-" ? ::fstat(STDIN_FILENO, &status) == 0 : ::stat(file.c_str(), &status) == 0;
+  if (!isThere) Refuse(file);
+  fDevice = status.st_dev;
+  fInode = status.st_ino;
+  if (file == "-" || !S_ISREG(status.st_mode)) return;  // those are read once
+  fSize = status.st_size;
+  fTime = status.st_mtim;
+}
+
+bool TDocumentCache::TIdentity::operator==(const TIdentity& other) const {
+  return fDevice == other.fDevice && fInode == other.fInode && fSize == other.fSize &&
+         fTime.tv_sec == other.fTime.tv_sec && fTime.tv_nsec == other.fTime.tv_nsec;
+}
+
+boost::shared_ptr<TRepositoryProvider> TDocumentCache::Read(const std::string& file) {
+  const TIdentity identity(file);
+  if (!fLast || !(identity == fLastIdentity)) {
+    fLast.reset();  // before there are two
+    fLast = ReadFile(file);
+    fLastIdentity = identity;
+  }
+  return fLast;
+}
+
+}  // namespace NVORNQDX20::NCIMXML
