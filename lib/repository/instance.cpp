@@ -7,7 +7,7 @@
 #include <boost/smart_ptr/make_shared.hpp>
 
 #include "class.h"
-#include "described.h"
+#include "failure_reasons.h"
 #include "namespace.h"
 #include "ownership.h"
 #include "property.h"

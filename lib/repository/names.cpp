@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "described.h"
+#include "failure_reasons.h"
 
 namespace NVORNQDX20::NRepository {
 namespace {

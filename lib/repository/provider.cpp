@@ -3,7 +3,7 @@
 #include <qdxmodel/names.h>
 #include <qdxrepository/repository.h>
 
-#include "described.h"
+#include "failure_reasons.h"
 
 namespace NVORNQDX20 {
 

@@ -11,7 +11,7 @@
 
 #include <boost/smart_ptr/enable_shared_from_this.hpp>
 
-#include "described.h"
+#include "failure_reasons.h"
 #include "names.h"
 
 namespace NVORNQDX20::NRepository {

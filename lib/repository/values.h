@@ -12,7 +12,7 @@
 
 #include <string>
 
-#include "described.h"
+#include "failure_reasons.h"
 
 namespace NVORNQDX20::NRepository {
 

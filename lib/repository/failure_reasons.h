@@ -2,8 +2,8 @@
 /// How the reasons of failures speak of elements.
 ///
 /// None of them is logged: whether a missing class is a failure or an answer, only who asked knows.
-#ifndef LIB_REPOSITORY_DESCRIBED_H_
-#define LIB_REPOSITORY_DESCRIBED_H_
+#ifndef LIB_REPOSITORY_FAILURE_REASONS_H_
+#define LIB_REPOSITORY_FAILURE_REASONS_H_
 
 #include <qdxcore/status.h>
 
@@ -36,4 +36,4 @@ TExplainedException CommittedAlready(const std::string& description);
 
 }  // namespace NVORNQDX20::NRepository
 
-#endif  // LIB_REPOSITORY_DESCRIBED_H_
+#endif  // LIB_REPOSITORY_FAILURE_REASONS_H_

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "described.h"
+#include "failure_reasons.h"
 
 namespace NVORNQDX20::NRepository {
 
