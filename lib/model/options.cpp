@@ -18,6 +18,13 @@ std::string RootOf(const TOptionsMap& options) {
   return Find<std::string>(options, kRootOption).value_or("/");
 }
 
+std::optional<std::vector<std::string>> ClassesOf(const TOptionsMap& options) {
+  const auto found = options.find(kClassesOption);
+  if (found == options.end()) return std::nullopt;
+  const std::vector<TCIMValue>& names = found->second;
+  return std::vector<std::string>(names.begin(), names.end());
+}
+
 std::optional<std::string> FileOf(const TOptionsMap& options) {
   return Find<std::string>(options, kFileOption);
 }

@@ -5,20 +5,17 @@
 #include <qdxmodel/names.h>
 #include <qdxmodel/options.h>
 
-#include "classes/topics.h"
+#include "classes/catalogue.h"
 
 namespace NVORNQDX20 {
 namespace {
 
-TTopic* const kTopics[] = {AddComputerSystem, AddOperatingSystem, AddQDXProduct, AddSCSIDevices,
-                           AddLogicalDevices, AddProcessors,      AddDiskDrives, AddEthernetPorts,
-                           AddPCIDevices,     AddFileSystems};
-
 /// Provider "linux": one machine, described in the namespace "root/cimv2".
 ///
 /// Option "root" (string, "/" if it is not given) names the folder below which all files are read:
-/// a mounted image, or a tree of files that stands in for a machine. The namespace is made anew by
-/// each call; it shows the machine as it is then.
+/// a mounted image, or a tree of files that stands in for a machine. Option "classes" (array of
+/// strings) names the classes that are asked for; see DescribeMachine. Each call makes a new
+/// namespace, which shows the machine as it is then.
 class TLinuxProvider : public INamespaceProvider {
  public:
   const std::string& GetName(TOptionsMap) const override { return fName; }
@@ -31,7 +28,7 @@ class TLinuxProvider : public INamespaceProvider {
     }
     const THost host(NModel::RootOf(options));
     TNamespaceBuilder builder(fNamespaceName);
-    for (TTopic* addTopic : kTopics) addTopic(builder, host);
+    DescribeMachine(builder, host, NModel::ClassesOf(options));
     return builder.Finish();
   }
 

@@ -5,8 +5,7 @@
 
 #include <boost/algorithm/string/predicate.hpp>
 
-#include "machine/dmi.h"
-#include "topics.h"
+#include "catalogue.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -23,39 +22,39 @@ bool IsMaker(const std::string& vendor) {
 
 /// The maker's machines carry type and model in the product name, or beside it as the SKU. Only
 /// theirs mean a type and model by it, so nobody else's SKU is taken for one.
-TReading ReadProductName(const THostFiles& files) {
-  TReading name = ReadDMIString(files, "product_name");
+TReading ReadProductName(const THost& host) {
+  TReading name = host.ReadDMIString("product_name");
   if (!name || IsTypeAndModel(*name.fValue) || name.fValue->find("-[") != std::string::npos) {
     return name;
   }
-  const TReading vendor = ReadDMIString(files, "sys_vendor");
-  const TReading sku = ReadDMIString(files, "product_sku");
+  const TReading vendor = host.ReadDMIString("sys_vendor");
+  const TReading sku = host.ReadDMIString("product_sku");
   if (vendor && sku && IsMaker(*vendor.fValue) && IsTypeAndModel(*sku.fValue)) {
     *name.fValue += " -[" + *sku.fValue + "]-";
   }
   return name;
 }
 
-TClassSpec ComputerSystemClass() {
-  return {TCIMSchemaHelper::kSystemCreationClassName.c_str(),
-          "The machine itself.",
-          {{"CreationClassName", TType::kCIMTypeString, true, "The name of this class."},
-           {"Name", TType::kCIMTypeString, true, "The host name; empty if the host has none."},
-           {"Manufacturer", TType::kCIMTypeString, false, "The maker, as the firmware names it."},
-           {"ProductName", TType::kCIMTypeString, false,
-            "The product name; on the maker's machines it carries type and model as -[TTTTMMM]-."},
-           {"SerialNumber", TType::kCIMTypeString, false, "The serial number of the machine."}}};
+void AddComputerSystem(TNamespaceBuilder& builder, const THost& host, ICIMClass& system) {
+  builder.AddInstance(system, {{"CreationClassName", TCIMSchemaHelper::kSystemCreationClassName},
+                               TPropertyValue::Key("Name", host.fName),
+                               {"Manufacturer", host.ReadDMIString("sys_vendor")},
+                               {"ProductName", ReadProductName(host)},
+                               {"SerialNumber", host.ReadDMIString("product_serial")}});
 }
 
 }  // namespace
 
-void AddComputerSystem(TNamespaceBuilder& builder, const THost& host) {
-  builder.AddInstance(*builder.DeclareClass(ComputerSystemClass()),
-                      {{"CreationClassName", TCIMSchemaHelper::kSystemCreationClassName},
-                       TPropertyValue::Key("Name", host.fName),
-                       {"Manufacturer", ReadDMIString(host.fFiles, "sys_vendor")},
-                       {"ProductName", ReadProductName(host.fFiles)},
-                       {"SerialNumber", ReadDMIString(host.fFiles, "product_serial")}});
+TClassDescription ComputerSystemClass() {
+  return {{TCIMSchemaHelper::kSystemCreationClassName.c_str(),
+           "The machine itself.",
+           {{"CreationClassName", TType::kCIMTypeString, true, "The name of this class."},
+            {"Name", TType::kCIMTypeString, true, "The host name; empty if the host has none."},
+            {"Manufacturer", TType::kCIMTypeString, false, "The maker, as the firmware names it."},
+            {"ProductName", TType::kCIMTypeString, false,
+             "The product name; on the maker's machines it carries type and model as -[TTTTMMM]-."},
+            {"SerialNumber", TType::kCIMTypeString, false, "The serial number of the machine."}}},
+          AddComputerSystem};
 }
 
 }  // namespace NVORNQDX20

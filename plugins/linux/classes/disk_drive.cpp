@@ -4,7 +4,6 @@
 #include "logical_device.h"
 #include "machine/numbers.h"
 #include "machine/text.h"
-#include "topics.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -60,18 +59,14 @@ std::vector<TPropertySpec> DiskDriveProperties() {
           {"ReadOnly", TType::kCIMTypeBoolean, false, "Whether it refuses to be written."}};
 }
 
-}  // namespace
-
-void AddDiskDrives(TNamespaceBuilder& builder, const THost& host) {
+void AddDiskDrives(TNamespaceBuilder& builder, const THost& host, ICIMClass& diskDrive) {
   const std::string disks = "/sys/block";
   const THostFiles& files = host.fFiles;
-  const auto diskDrive = DeclareDeviceClass(
-      builder, "VORNSG_DiskDrive", "A disk, or another drive of blocks.", DiskDriveProperties());
-  for (const std::string& name : ListDevices(builder, files, *diskDrive, disks)) {
+  for (const std::string& name : ListDevices(builder, files, diskDrive, disks)) {
     const std::string folder = disks + "/" + name + "/";
     if (!IsDrive(files, folder)) continue;
     const auto removable = ReadFlag(files, folder + "removable");
-    AddDevice(builder, host, *diskDrive, DeviceFile(name),
+    AddDevice(builder, host, diskDrive, DeviceFile(name),
               {{"Name", name},
                {"Model", files.ReadLine(folder + "device/model")},
                {"SerialNumber", ReadSerialNumber(files, folder)},
@@ -81,6 +76,14 @@ void AddDiskDrives(TNamespaceBuilder& builder, const THost& host) {
                {"Rotational", ReadFlag(files, folder + "queue/rotational")},
                {"ReadOnly", ReadFlag(files, folder + "ro")}});
   }
+}
+
+}  // namespace
+
+TClassDescription DiskDriveClass() {
+  return {
+      DeviceClass("VORNSG_DiskDrive", "A disk, or another drive of blocks.", DiskDriveProperties()),
+      AddDiskDrives};
 }
 
 }  // namespace NVORNQDX20

@@ -6,7 +6,6 @@
 
 #include "logical_device.h"
 #include "machine/numbers.h"
-#include "topics.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -104,21 +103,25 @@ std::vector<TPropertyValue> ReadPort(const THostFiles& files, const std::string&
   return values;
 }
 
-}  // namespace
-
-void AddEthernetPorts(TNamespaceBuilder& builder, const THost& host) {
+void AddEthernetPorts(TNamespaceBuilder& builder, const THost& host, ICIMClass& port) {
   const std::string interfaces = "/sys/class/net";
-  const auto port = DeclareDeviceClass(builder, "VORNSG_EthernetPort",
-                                       "An Ethernet interface, of hardware or made by the kernel.",
-                                       EthernetPortProperties());
-  for (const std::string& name : ListDevices(builder, host.fFiles, *port, interfaces)) {
+  for (const std::string& name : ListDevices(builder, host.fFiles, port, interfaces)) {
     const std::string folder = interfaces + "/" + name + "/";
     const TReading type = host.fFiles.ReadLine(folder + "type");
     if (!type || *type.fValue != kEthernet) continue;
     std::vector<TPropertyValue> values = ReadPort(host.fFiles, folder);
     values.emplace_back("Name", name);
-    AddDevice(builder, host, *port, name, values);
+    AddDevice(builder, host, port, name, values);
   }
+}
+
+}  // namespace
+
+TClassDescription EthernetPortClass() {
+  return {DeviceClass("VORNSG_EthernetPort",
+                      "An Ethernet interface, of hardware or made by the kernel.",
+                      EthernetPortProperties()),
+          AddEthernetPorts};
 }
 
 }  // namespace NVORNQDX20

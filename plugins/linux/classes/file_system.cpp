@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxcore/schema_helper.h>
 
+#include "catalogue.h"
 #include "machine/mount_table.h"
 #include "machine/numbers.h"
 #include "machine/text.h"
-#include "topics.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -35,32 +35,12 @@ TNumber InodesOf(const TReadingOf<TSpace>& space, std::uint64_t TSpace::*field) 
   return unlimited ? TNumber::Missing("has no fixed number of inodes") : Of(space, field);
 }
 
-TClassSpec FileSystemClass() {
-  const auto number = TType::kCIMTypeUint64;
-  return {kClassName,
-          "A file system that is mounted, or that an image mounts when it runs.",
-          {{"CSCreationClassName", TType::kCIMTypeString, true, "The class of the machine."},
-           {"CSName", TType::kCIMTypeString, true, "The name of the machine."},
-           {"CreationClassName", TType::kCIMTypeString, true, "The name of this class."},
-           {"Name", TType::kCIMTypeString, true, "Where it is mounted."},
-           {"Device", TType::kCIMTypeString, false, "What is mounted."},
-           {"FileSystemType", TType::kCIMTypeString, false, "Its type, as in \"ext4\"."},
-           {"ReadOnly", TType::kCIMTypeBoolean, false, "Whether it refuses to be written."},
-           {"FileSystemSize", number, false, "Its size.", "byte"},
-           {"AvailableSpace", number, false, "The space left for users.", "byte"},
-           {"TotalInodes", number, false, "The number of files that it can hold."},
-           {"FreeInodes", number, false, "The number of files that it can still take."}}};
-}
-
-}  // namespace
-
-void AddFileSystems(TNamespaceBuilder& builder, const THost& host) {
-  const auto fileSystem = builder.DeclareClass(FileSystemClass());
+void AddFileSystems(TNamespaceBuilder& builder, const THost& host, ICIMClass& fileSystem) {
   const TReading table = ReadTable(host.fFiles);
-  if (!table) builder.NoteMissingInstances(*fileSystem, table.fReason);
+  if (!table) builder.NoteMissingInstances(fileSystem, table.fReason);
   for (const auto& [name, mount] : ParseMounts(table.fValue.value_or(std::string()))) {
     const TReadingOf<TSpace> space = ReadSpace(host.fFiles, mount);
-    builder.AddInstance(*fileSystem,
+    builder.AddInstance(fileSystem,
                         {{"CSCreationClassName", TCIMSchemaHelper::kSystemCreationClassName},
                          {"CSName", host.fName.fValue.value_or(std::string())},
                          {"CreationClassName", kClassName},
@@ -74,6 +54,26 @@ void AddFileSystems(TNamespaceBuilder& builder, const THost& host) {
                          {"FreeInodes", InodesOf(space, &TSpace::fFreeInodes)}},
                         name);
   }
+}
+
+}  // namespace
+
+TClassDescription FileSystemClass() {
+  const auto number = TType::kCIMTypeUint64;
+  return {{kClassName,
+           "A file system that is mounted, or that an image mounts when it runs.",
+           {{"CSCreationClassName", TType::kCIMTypeString, true, "The class of the machine."},
+            {"CSName", TType::kCIMTypeString, true, "The name of the machine."},
+            {"CreationClassName", TType::kCIMTypeString, true, "The name of this class."},
+            {"Name", TType::kCIMTypeString, true, "Where it is mounted."},
+            {"Device", TType::kCIMTypeString, false, "What is mounted."},
+            {"FileSystemType", TType::kCIMTypeString, false, "Its type, as in \"ext4\"."},
+            {"ReadOnly", TType::kCIMTypeBoolean, false, "Whether it refuses to be written."},
+            {"FileSystemSize", number, false, "Its size.", "byte"},
+            {"AvailableSpace", number, false, "The space left for users.", "byte"},
+            {"TotalInodes", number, false, "The number of files that it can hold."},
+            {"FreeInodes", number, false, "The number of files that it can still take."}}},
+          AddFileSystems};
 }
 
 }  // namespace NVORNQDX20

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "machine/text.h"
-#include "topics.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -18,42 +17,35 @@ using TType = TCIMValue::TCIMType;
 const char* const kDeviceClassName = "VORNSG_LogicalDevice";
 const char* const kSystemDeviceClassName = "VORNSG_SystemDevice";
 
-TClassSpec LogicalDeviceClass() {
-  return {kDeviceClassName,
-          "A device of the machine, of whatever kind.",
-          {{"SystemCreationClassName", TType::kCIMTypeString, true, "The class of the machine."},
-           {"SystemName", TType::kCIMTypeString, true, "The name of the machine."},
-           {"CreationClassName", TType::kCIMTypeString, true, "The class of the device."},
-           {"DeviceID", TType::kCIMTypeString, true, "Tells the device from its like."},
-           {"Name", TType::kCIMTypeString, false, "By which the device is known."}},
-          TClassSpec::kAbstract};
-}
-
-TClassSpec SystemDeviceClass() {
-  return {
-      kSystemDeviceClassName,
-      "Ties a device to the machine that it is part of.",
-      {{"GroupComponent", TType::kCIMTypeReference, true, "The machine.", nullptr,
-        TCIMSchemaHelper::kSystemCreationClassName.c_str()},
-       {"PartComponent", TType::kCIMTypeReference, true, "The device.", nullptr, kDeviceClassName}},
-      TClassSpec::kAssociation};
-}
-
 /// Why the name may be missing is told by the machine itself.
 std::string SystemName(const THost& host) { return host.fName.fValue.value_or(std::string()); }
 
 }  // namespace
 
-void AddLogicalDevices(TNamespaceBuilder& builder, const THost&) {
-  builder.DeclareClass(LogicalDeviceClass());
-  builder.DeclareClass(SystemDeviceClass());
+TClassDescription LogicalDeviceClass() {
+  return {{kDeviceClassName,
+           "A device of the machine, of whatever kind.",
+           {{"SystemCreationClassName", TType::kCIMTypeString, true, "The class of the machine."},
+            {"SystemName", TType::kCIMTypeString, true, "The name of the machine."},
+            {"CreationClassName", TType::kCIMTypeString, true, "The class of the device."},
+            {"DeviceID", TType::kCIMTypeString, true, "Tells the device from its like."},
+            {"Name", TType::kCIMTypeString, false, "By which the device is known."}},
+           TClassSpec::kAbstract}};
 }
 
-boost::shared_ptr<ICIMClass> DeclareDeviceClass(TNamespaceBuilder& builder, const char* name,
-                                                const char* description,
-                                                std::vector<TPropertySpec> properties) {
-  return builder.DeclareClass(
-      {name, description, std::move(properties), TClassSpec::kConcrete, kDeviceClassName});
+TClassDescription SystemDeviceClass() {
+  return {{kSystemDeviceClassName,
+           "Ties a device to the machine that it is part of.",
+           {{"GroupComponent", TType::kCIMTypeReference, true, "The machine.", nullptr,
+             TCIMSchemaHelper::kSystemCreationClassName.c_str()},
+            {"PartComponent", TType::kCIMTypeReference, true, "The device.", nullptr,
+             kDeviceClassName}},
+           TClassSpec::kAssociation}};
+}
+
+TClassSpec DeviceClass(const char* name, const char* description,
+                       std::vector<TPropertySpec> properties) {
+  return {name, description, std::move(properties), TClassSpec::kConcrete, kDeviceClassName};
 }
 
 void AddDevice(TNamespaceBuilder& builder, const THost& host, ICIMClass& deviceClass,
@@ -69,6 +61,7 @@ void AddDevice(TNamespaceBuilder& builder, const THost& host, ICIMClass& deviceC
   std::vector<TPropertyValue> all = keys;
   std::copy(values.begin(), values.end(), std::back_inserter(all));
   if (!builder.AddInstance(deviceClass, all, deviceID)) return;
+  if (!builder.HasClass(kSystemDeviceClassName)) return;
   builder.AddInstance(*builder.GetClass(kSystemDeviceClassName),
                       {{"GroupComponent", builder.ReferenceTo(systemClassName, systemKeys)},
                        {"PartComponent", builder.ReferenceTo(className, keys)}});

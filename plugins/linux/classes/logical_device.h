@@ -6,18 +6,16 @@
 #include <string>
 #include <vector>
 
-#include "machine/host.h"
-#include "namespace_builder.h"
+#include "catalogue.h"
 
 namespace NVORNQDX20 {
 
-/// Declares a class of devices, whose superclass has the keys and the name.
-boost::shared_ptr<ICIMClass> DeclareDeviceClass(TNamespaceBuilder& builder, const char* name,
-                                                const char* description,
-                                                std::vector<TPropertySpec> properties);
+/// A class of devices, whose superclass has the keys and the name.
+TClassSpec DeviceClass(const char* name, const char* description,
+                       std::vector<TPropertySpec> properties);
 
-/// Adds a device, and the association that ties it to the machine. The keys are added to the
-/// values.
+/// Adds a device, and the association that ties it to the machine, if that is wanted. The keys are
+/// added to the values.
 void AddDevice(TNamespaceBuilder& builder, const THost& host, ICIMClass& deviceClass,
                const std::string& deviceID, const std::vector<TPropertyValue>& values);
 

@@ -57,6 +57,7 @@ boost::shared_ptr<ICIMClass> TNamespaceBuilder::DeclareClass(const TClassSpec& s
   cimClass->AddQualifier(fDescription, TCIMValue(spec.fDescription))->Commit();
   for (const TPropertySpec& property : spec.fProperties) DeclareProperty(*cimClass, property);
   cimClass->Commit(TOptionsMap());
+  fCounts[spec.fName] = 0;
   return cimClass;
 }
 

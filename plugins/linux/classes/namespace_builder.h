@@ -62,6 +62,7 @@ class TNamespaceBuilder {
 
   boost::shared_ptr<ICIMClass> DeclareClass(const TClassSpec& spec);
   boost::shared_ptr<ICIMClass> GetClass(const std::string& name) const;
+  bool HasClass(const std::string& name) const { return fCounts.count(name) != 0; }
   /// Every value that comes with a reason is logged and noted. `instance` is the key that tells the
   /// instance from its like in such a note; it is empty for the only one of its class. False if the
   /// class has so many already that the machine's files cannot be true; that is noted as well.

@@ -5,7 +5,6 @@
 #include "logical_device.h"
 #include "machine/fields.h"
 #include "machine/numbers.h"
-#include "topics.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -68,17 +67,20 @@ std::vector<TPropertyValue> ReadPCIDevice(const THostFiles& files, const std::st
           {"Driver", ReadDriver(files, folder + "uevent")}};
 }
 
-}  // namespace
-
-void AddPCIDevices(TNamespaceBuilder& builder, const THost& host) {
+void AddPCIDevices(TNamespaceBuilder& builder, const THost& host, ICIMClass& pciDevice) {
   const std::string devices = "/sys/bus/pci/devices";
-  const auto pciDevice = DeclareDeviceClass(builder, "VORNSG_PCIDevice",
-                                            "A function of a device on a PCI bus, by its address.",
-                                            PCIDeviceProperties());
-  for (const std::string& address : ListDevices(builder, host.fFiles, *pciDevice, devices)) {
-    AddDevice(builder, host, *pciDevice, address,
+  for (const std::string& address : ListDevices(builder, host.fFiles, pciDevice, devices)) {
+    AddDevice(builder, host, pciDevice, address,
               ReadPCIDevice(host.fFiles, devices + "/" + address + "/"));
   }
+}
+
+}  // namespace
+
+TClassDescription PCIDeviceClass() {
+  return {DeviceClass("VORNSG_PCIDevice", "A function of a device on a PCI bus, by its address.",
+                      PCIDeviceProperties()),
+          AddPCIDevices};
 }
 
 }  // namespace NVORNQDX20

@@ -7,7 +7,6 @@
 #include "logical_device.h"
 #include "machine/fields.h"
 #include "machine/numbers.h"
-#include "topics.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -70,17 +69,13 @@ std::vector<TPropertySpec> ProcessorProperties() {
            "The threads of these cores that are online."}};
 }
 
-}  // namespace
-
-void AddProcessors(TNamespaceBuilder& builder, const THost& host) {
-  const auto processor = DeclareDeviceClass(
-      builder, "VORNSG_Processor", "A processor: what sits in one socket.", ProcessorProperties());
+void AddProcessors(TNamespaceBuilder& builder, const THost& host, ICIMClass& processor) {
   const TReading file = host.fFiles.Read(kPath, THostFiles::kMaxTableSize);
-  if (!file) builder.NoteMissingInstances(*processor, file.fReason);
+  if (!file) builder.NoteMissingInstances(processor, file.fReason);
   for (const auto& [id, socket] : ParseSockets(file.fValue.value_or(std::string()))) {
     const TFields& fields = socket.fFields;
     const TNumber cores = fields.GetNumber("cpu cores");
-    AddDevice(builder, host, *processor, "CPU" + std::to_string(id),
+    AddDevice(builder, host, processor, "CPU" + std::to_string(id),
               {{"Name", fields.Get("model name")},
                {"Manufacturer", fields.Get("vendor_id")},
                {"Stepping", fields.Get("stepping")},
@@ -90,6 +85,14 @@ void AddProcessors(TNamespaceBuilder& builder, const THost& host) {
                {"NumberOfEnabledCores", NumberAs<std::uint16_t>(cores)},
                {"NumberOfLogicalProcessors", socket.fLogicalProcessors}});
   }
+}
+
+}  // namespace
+
+TClassDescription ProcessorClass() {
+  return {DeviceClass("VORNSG_Processor", "A processor: what sits in one socket.",
+                      ProcessorProperties()),
+          AddProcessors};
 }
 
 }  // namespace NVORNQDX20

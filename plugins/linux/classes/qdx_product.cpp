@@ -1,20 +1,27 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxcore/config.h>
 
-#include "topics.h"
+#include "catalogue.h"
 
 namespace NVORNQDX20 {
+namespace {
 
-void AddQDXProduct(TNamespaceBuilder& builder, const THost&) {
-  using TType = TCIMValue::TCIMType;
-  const auto product = builder.DeclareClass(
-      {"VORNSG_QDXProduct",
-       "The product that collected this data.",
-       {{"Name", TType::kCIMTypeString, true, "The name of the product."},
-        {"Vendor", TType::kCIMTypeString, true, "Who makes it."},
-        {"Version", TType::kCIMTypeString, true, "Major, minor and build number."}}});
-  builder.AddInstance(*product,
+using TType = TCIMValue::TCIMType;
+
+void AddQDXProduct(TNamespaceBuilder& builder, const THost&, ICIMClass& product) {
+  builder.AddInstance(product,
                       {{"Name", "qdxcore"}, {"Vendor", "VORN"}, {"Version", QDXCORE_VERSION}});
+}
+
+}  // namespace
+
+TClassDescription QDXProductClass() {
+  return {{"VORNSG_QDXProduct",
+           "The product that collected this data.",
+           {{"Name", TType::kCIMTypeString, true, "The name of the product."},
+            {"Vendor", TType::kCIMTypeString, true, "Who makes it."},
+            {"Version", TType::kCIMTypeString, true, "Major, minor and build number."}}},
+          AddQDXProduct};
 }
 
 }  // namespace NVORNQDX20

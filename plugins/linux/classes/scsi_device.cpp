@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <array>
 
+#include "catalogue.h"
 #include "machine/text.h"
-#include "topics.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -34,30 +34,30 @@ TReading ReadInquiryText(const THostFiles& files, const std::string& path) {
   return text;
 }
 
-TClassSpec SCSIDeviceClass() {
-  return {"VORNSG_SCSIDevice",
-          "A SCSI device, or one that the system presents as such.",
-          {{"DeviceID", TType::kCIMTypeString, true, "The path of the device, as in /dev/sg0."},
-           {"DeviceType", TType::kCIMTypeString, false, "Its peripheral device type, in words."},
-           {"VendorID", TType::kCIMTypeString, false, "The vendor, as the device names it."},
-           {"ProductID", TType::kCIMTypeString, false, "The product, as the device names it."}}};
-}
-
-}  // namespace
-
-void AddSCSIDevices(TNamespaceBuilder& builder, const THost& host) {
+void AddSCSIDevices(TNamespaceBuilder& builder, const THost& host, ICIMClass& scsiDevice) {
   const std::string devices = "/sys/class/scsi_generic";
-  const auto scsiDevice = builder.DeclareClass(SCSIDeviceClass());
   for (const std::string& name : host.fFiles.List(devices)) {
     const std::string id = "/dev/" + name;
     const std::string folder = devices + "/" + name + "/device/";
-    builder.AddInstance(*scsiDevice,
+    builder.AddInstance(scsiDevice,
                         {{"DeviceID", id},
                          {"DeviceType", ReadDeviceType(host.fFiles, folder)},
                          {"VendorID", ReadInquiryText(host.fFiles, folder + "vendor")},
                          {"ProductID", ReadInquiryText(host.fFiles, folder + "model")}},
                         id);
   }
+}
+
+}  // namespace
+
+TClassDescription SCSIDeviceClass() {
+  return {{"VORNSG_SCSIDevice",
+           "A SCSI device, or one that the system presents as such.",
+           {{"DeviceID", TType::kCIMTypeString, true, "The path of the device, as in /dev/sg0."},
+            {"DeviceType", TType::kCIMTypeString, false, "Its peripheral device type, in words."},
+            {"VendorID", TType::kCIMTypeString, false, "The vendor, as the device names it."},
+            {"ProductID", TType::kCIMTypeString, false, "The product, as the device names it."}}},
+          AddSCSIDevices};
 }
 
 }  // namespace NVORNQDX20

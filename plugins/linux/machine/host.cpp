@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host.h"
 
+#include <qdxmodel/names.h>
+
+#include <algorithm>
+#include <iterator>
 #include <sstream>
+#include <string_view>
 
 #include <sys/utsname.h>
 
@@ -38,6 +43,57 @@ TReading ReadHostName(const THostFiles& files) {
   return ReadConfiguredHostName(files);
 }
 
+const char* const kDMIFolder = "/sys/class/dmi/id";
+
+/// Whole texts of the DMI table, compared without regard to case.
+constexpr std::string_view kPlaceholders[] = {
+    "0123456789",
+    "123456789",
+    "1234567890",
+    "Chassis Serial Number",
+    "Default",
+    "Default string",
+    "Empty",
+    "Invalid",
+    "N/A",
+    "None",
+    "Not Applicable",
+    "Not Available",
+    "Not Specified",
+    "Null",
+    "O.E.M.",
+    "OEM",
+    "Product Name",
+    "Serial Number",
+    "SKU",
+    "System manufacturer",
+    "System Product Name",
+    "System Serial Number",
+    "System SKU",
+    "TBD",
+    "To be filled by O.E.M.",
+    "To be filled by OEM",
+    "Undefined",
+    "Unknown",
+    "Unspecified",
+};
+
+/// Nothing but zeros and ASCII punctuation, as in "00000000-0000" or "......".
+bool IsFiller(const std::string& text) {
+  return std::all_of(text.begin(), text.end(), [](char character) {
+    const auto code = static_cast<unsigned char>(character);
+    const bool letter = (code >= 'A' && code <= 'Z') || (code >= 'a' && code <= 'z');
+    return code < 0x80 && !letter && !(code >= '1' && code <= '9');
+  });
+}
+
+bool IsPlaceholder(const std::string& text) {
+  return IsFiller(text) || std::any_of(std::begin(kPlaceholders), std::end(kPlaceholders),
+                                       [&text](std::string_view placeholder) {
+                                         return NModel::EqualIgnoringCase(text, placeholder);
+                                       });
+}
+
 }  // namespace
 
 THost::THost(const std::string& root)
@@ -45,5 +101,17 @@ THost::THost(const std::string& root)
       fKernelName(ReadKernelName(fFiles, "ostype", &utsname::sysname)),
       fKernelRelease(ReadKernelName(fFiles, "osrelease", &utsname::release)),
       fName(ReadHostName(fFiles)) {}
+
+TReading THost::ReadDMIString(const std::string& name) const {
+  if (!fFiles.IsFolder(kDMIFolder)) {
+    return TReading::Missing(std::string("no DMI table: ") + kDMIFolder + " does not exist");
+  }
+  const std::string path = std::string(kDMIFolder) + "/" + name;
+  TReading reading = fFiles.ReadLine(path);
+  if (reading && IsPlaceholder(*reading.fValue)) {
+    return TReading::Missing(path + ": placeholder text '" + *reading.fValue + "'");
+  }
+  return reading;
+}
 
 }  // namespace NVORNQDX20

@@ -15,6 +15,11 @@ struct THost {
   /// Throws as THostFiles does.
   explicit THost(const std::string& root);
 
+  /// What the firmware says in its DMI table (DMTF DSP0134): a string by the name of its file, for
+  /// example "product_name". A text that makers leave where nobody entered a value ("To be filled
+  /// by O.E.M.") counts as missing.
+  TReading ReadDMIString(const std::string& name) const;
+
   THostFiles fFiles;
   TReading fKernelName;     ///< "Linux"
   TReading fKernelRelease;  ///< "6.1.0-18-amd64"

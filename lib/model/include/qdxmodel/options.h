@@ -10,11 +10,14 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace NVORNQDX20::NModel {
 
 /// For a provider: the folder below which it reads all files (string).
 inline constexpr const char* kRootOption = "root";
+/// For a provider: the classes that the caller looks at (array of strings).
+inline constexpr const char* kClassesOption = "classes";
 /// For a provider or a consumer: the document, "-" for standard input or output (string).
 inline constexpr const char* kFileOption = "file";
 /// For a consumer: whether another namespace for the same file follows (boolean).
@@ -22,6 +25,8 @@ inline constexpr const char* kMoreOption = "more";
 
 /// "/" if the option is missing.
 std::string RootOf(const TOptionsMap& options);
+/// Nothing if the option is missing: all of them.
+std::optional<std::vector<std::string>> ClassesOf(const TOptionsMap& options);
 /// Nothing if the option is missing.
 std::optional<std::string> FileOf(const TOptionsMap& options);
 /// False if the option is missing.
