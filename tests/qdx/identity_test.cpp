@@ -77,6 +77,8 @@ TEST_F(QDXIdentity, WritesALog) {
   const std::string line = "TCIMSchemaHelper- Detected MTM 47111AB\n";
   ASSERT_EQ(Run({"--log", log}).fExitCode, 0);
   EXPECT_EQ(ReadWholeFile(log).find(line), std::string::npos);
+  EXPECT_NE(ReadWholeFile(log).find("VORNSG_OperatingSystem"), std::string::npos);
+  EXPECT_EQ(ReadWholeFile(log).find("VORNSG_Processor"), std::string::npos);  // not asked for
   ASSERT_EQ(Run({"--log=" + log, "--log-level", "debug"}).fExitCode, 0);
   EXPECT_NE(ReadWholeFile(log).find(line), std::string::npos);
   EXPECT_NE(ReadWholeFile(log).find("-- QDX Log Closed"), std::string::npos);

@@ -74,6 +74,14 @@ std::vector<TItem> Items() {
   };
 }
 
+/// Describing a whole machine takes longer than its identity is worth.
+TOptionsMap OptionsFor(const std::string& root, const std::vector<TItem>& items) {
+  std::vector<TCIMValue> classes;
+  for (const TItem& item : items) classes.emplace_back(item.fClass);
+  return {{NModel::kRootOption, TCIMValue(root)},
+          {NModel::kClassesOption, TCIMValue(TCIMValue::TCIMType::kCIMTypeString, 0, classes)}};
+}
+
 TAnswer Ask(const TItem& item, TNamespace ns, const TAbsenceReasons& reasons) {
   const TCrashNote note("asking for", item.fLabel);
   TJSON value;
@@ -130,12 +138,13 @@ EExitCode FailToDescribe(const std::string& root, const std::string& why) {
 EExitCode RunIdentity(const TArguments& arguments) {
   const std::string root = RootFolder(arguments);
   bool failed = AnyFailed(LoadProviderLibraries());
-  const TNamespace ns = FindMachineNamespace({{NModel::kRootOption, TCIMValue(root)}}, failed);
+  const std::vector<TItem> items = Items();
+  const TNamespace ns = FindMachineNamespace(OptionsFor(root, items), failed);
   if (!ns) return FailToDescribe(root, std::string("no provider has ") + kMachineNamespace);
 
   const TAbsenceReasons reasons = ReadAbsenceReasons(*ns);
   std::vector<TAnswer> answers;
-  for (const TItem& item : Items()) answers.push_back(Ask(item, ns, reasons));
+  for (const TItem& item : items) answers.push_back(Ask(item, ns, reasons));
   arguments.Has("json") ? WriteAsJSON(answers) : WriteForPeople(answers);
   if (std::none_of(answers.begin(), answers.end(), TellsOfTheMachine)) {
     return FailToDescribe(root, "nothing is known of it");
