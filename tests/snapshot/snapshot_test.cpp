@@ -36,7 +36,7 @@ TEST(Snapshot, HasInheritedPropertiesAndKeysThatAnOverridingDeclarationDoesNotRe
   const auto faults = boost::make_shared<TFaults>();
   const std::string expected =
       "T_Top: Id sint32* Name string\n"
-      "T_Derived: Id sint32* Name string Size uint32; T_Derived.Id=7 7 n 2\n";
+      "T_Derived: Id sint32* Name string Size uint32; T_Derived.Id=\"7\" 7 n 2\n";
   EXPECT_EQ(Shown(*ns), expected);
   faults->fHidesInherited = true;
   EXPECT_EQ(Shown(*MakeFaultyNamespace(ns, faults)), expected);
