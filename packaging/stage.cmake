@@ -18,5 +18,11 @@ foreach(component LIBRARY DEVEL TOOL)
     compress(${page} ${page}.gz)
     file(REMOVE ${page})
   endforeach()
+  # What CPack strips by itself is executables, shared libraries and modules.
+  file(GLOB_RECURSE archives ${CPACK_TEMPORARY_DIRECTORY}/${folder}/usr/lib/*.a)
+  foreach(archive ${archives})
+    execute_process(COMMAND strip --strip-debug --enable-deterministic-archives ${archive}
+      COMMAND_ERROR_IS_FATAL ANY)
+  endforeach()
   file(COPY ${CPACK_QDX_PACKAGING_DIR}/lintian/${package} DESTINATION ${share}/lintian/overrides)
 endforeach()
