@@ -50,7 +50,7 @@ TClassSpec DeviceClass(const char* name, const char* description,
 
 void AddDevice(TNamespaceBuilder& builder, const THost& host, ICIMClass& deviceClass,
                const std::string& deviceID, const std::vector<TPropertyValue>& values) {
-  const std::string& className = deviceClass.GetName(TOptionsMap());
+  const std::string& className = deviceClass.GetName({});
   const std::string& systemClassName = TCIMSchemaHelper::kSystemCreationClassName;
   const std::vector<TPropertyValue> systemKeys = {{"CreationClassName", systemClassName},
                                                   {"Name", SystemName(host)}};

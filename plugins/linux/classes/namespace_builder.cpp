@@ -43,20 +43,19 @@ TNamespaceBuilder::TNamespaceBuilder(const std::string& name)
 boost::shared_ptr<ICIMQualifierDecl> TNamespaceBuilder::DeclareQualifier(
     const std::string& name, const TCIMValue& defaultValue, std::uint32_t scope,
     std::uint32_t flavor) {
-  auto qualifier =
-      fNamespace->CreateQualifierDecl(name, defaultValue, scope, flavor, TOptionsMap());
+  auto qualifier = fNamespace->CreateQualifierDecl(name, defaultValue, scope, flavor, {});
   qualifier->Commit();
   return qualifier;
 }
 
 boost::shared_ptr<ICIMClass> TNamespaceBuilder::DeclareClass(const TClassSpec& spec) {
   const auto superclass = spec.fSuperclass != nullptr ? GetClass(spec.fSuperclass) : nullptr;
-  auto cimClass = fNamespace->CreateClass(spec.fName, superclass, TOptionsMap());
+  auto cimClass = fNamespace->CreateClass(spec.fName, superclass, {});
   if (spec.fKind == TClassSpec::kAbstract) cimClass->AddQualifier(fAbstract, true)->Commit();
   if (spec.fKind == TClassSpec::kAssociation) cimClass->AddQualifier(fAssociation, true)->Commit();
   cimClass->AddQualifier(fDescription, TCIMValue(spec.fDescription))->Commit();
   for (const TPropertySpec& property : spec.fProperties) DeclareProperty(*cimClass, property);
-  cimClass->Commit(TOptionsMap());
+  cimClass->Commit({});
   fCounts[spec.fName] = 0;
   return cimClass;
 }
@@ -68,7 +67,7 @@ TCIMValue TNamespaceBuilder::DefaultOf(const TPropertySpec& spec) const {
 }
 
 void TNamespaceBuilder::DeclareProperty(ICIMClass& cimClass, const TPropertySpec& spec) {
-  auto property = cimClass.CreatePropertyDecl(spec.fName, DefaultOf(spec), TOptionsMap());
+  auto property = cimClass.CreatePropertyDecl(spec.fName, DefaultOf(spec), {});
   if (spec.fKey) property->AddQualifier(fKey, TCIMValue(true))->Commit();
   property->AddQualifier(fDescription, TCIMValue(spec.fDescription))->Commit();
   if (spec.fUnit != nullptr) property->AddQualifier(fUnit, TCIMValue(spec.fUnit))->Commit();
@@ -76,12 +75,12 @@ void TNamespaceBuilder::DeclareProperty(ICIMClass& cimClass, const TPropertySpec
 }
 
 boost::shared_ptr<ICIMClass> TNamespaceBuilder::GetClass(const std::string& name) const {
-  return fNamespace->GetClass(name, TOptionsMap());
+  return fNamespace->GetClass(name, {});
 }
 
 bool TNamespaceBuilder::AddInstance(ICIMClass& cimClass, const std::vector<TPropertyValue>& values,
                                     const std::string& instance) {
-  const std::size_t count = ++fCounts[cimClass.GetName(TOptionsMap())];
+  const std::size_t count = ++fCounts[cimClass.GetName({})];
   if (count == kMaxInstances + 1) {
     NoteMissingInstances(
         cimClass, "more than " + std::to_string(kMaxInstances) + ": the others are left out");
@@ -94,23 +93,23 @@ bool TNamespaceBuilder::AddInstance(ICIMClass& cimClass, const std::vector<TProp
 void TNamespaceBuilder::CreateInstance(ICIMClass& cimClass,
                                        const std::vector<TPropertyValue>& values,
                                        const std::string& instance) {
-  const std::string& className = cimClass.GetName(TOptionsMap());
-  auto created = cimClass.CreateInstance(TOptionsMap());
+  const std::string& className = cimClass.GetName({});
+  auto created = cimClass.CreateInstance({});
   for (const TPropertyValue& value : values) {
     // What is not set keeps the default of its declaration: null, of the declared type.
-    if (!value.fValue.IsNull()) created->SetPropertyValue(value.fName, value.fValue, TOptionsMap());
+    if (!value.fValue.IsNull()) created->SetPropertyValue(value.fName, value.fValue, {});
     if (!value.fReason.empty()) NoteMissing({className, instance, value.fName, value.fReason});
   }
-  created->Commit(TOptionsMap());
+  created->Commit({});
 }
 
 void TNamespaceBuilder::NoteMissingInstances(const ICIMClass& cimClass, const std::string& reason) {
-  NoteMissing({cimClass.GetName(TOptionsMap()), "", "", reason});
+  NoteMissing({cimClass.GetName({}), "", "", reason});
 }
 
 TCIMValue TNamespaceBuilder::ReferenceTo(const std::string& className,
                                          const std::vector<TPropertyValue>& keys) const {
-  TCIMReference reference(fNamespace, TOptionsMap());
+  TCIMReference reference(fNamespace, {});
   reference.SetClass(GetClass(className));
   for (const TPropertyValue& key : keys) reference.AddKeyValue(key.fName, key.fValue);
   return TCIMValue(reference);
