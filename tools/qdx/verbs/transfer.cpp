@@ -153,8 +153,7 @@ EExitCode RunUpload(const TArguments& arguments) {
 /// Throws if the file cannot take another byte: only this tells a full disk from a failed transfer.
 void CheckForRoom(const std::string& file, const std::string& shownAs) {
   const TDescriptor descriptor(::open(file.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
-  const std::string_view byte("", 1);
-  const bool hasRoom = descriptor.IsOpen() && WriteAll(descriptor.Get(), byte);
+  const bool hasRoom = descriptor.IsOpen() && WriteAll(descriptor.Get(), std::string_view("\0", 1));
   if (!hasRoom) FailOnFile("writing", shownAs, ErrorText(errno));
 }
 
