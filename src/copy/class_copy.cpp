@@ -10,8 +10,8 @@
 
 using namespace NVORNQDX20;
 
-// Providers may see in which order they are asked: where several operations make up one call, each
-// stands on a line of its own.
+// Providers can observe the order of the calls, so each call is a statement of its own: the order
+// in which arguments are evaluated is not specified.
 
 namespace {
 
@@ -21,15 +21,15 @@ boost::shared_ptr<ICIMClass> TargetSuperclass(const ICIMClass& cimClass,
   return NCopy::TargetClass(cimClass.GetSuperclass({}), target);
 }
 
-/// Whether the class has a property of that name, inherited or its own.
+/// Returns whether the class has a property of this name, its own or an inherited one.
 bool HasProperty(const ICIMClass& cimClass, const std::string& name) {
   try {
     cimClass.GetPropertyDecl(name, {});
     return true;
   } catch (const TQDXException& e) {
     if (e.GetStatusCode() == kQDXStatusNotFound) return false;
-    // Not rethrown, on purpose: the caller gets the status alone, whatever class of exception a
-    // provider derived. Held by Copy.EndsWhereANamespaceFails.
+    // A new exception with the status alone instead of a rethrow, on purpose: a provider may have
+    // thrown a derived class. Pinned by Copy.EndsWhereANamespaceFails.
     throw TQDXException(e.GetStatusCode());
   }
 }
@@ -89,7 +89,7 @@ bool TCopyClassTree::operator()(boost::shared_ptr<ICIMClass> root) const {
 bool TCopyClass::operator()(boost::shared_ptr<ICIMClass> cimClass) const {
   if (cimClass->IsAssociation({}) != fAssociations) return true;
   TCIMCopy::CopyClass(cimClass, fTarget);
-  // Such a class is filled by a plug-in: only its declaration travels.
+  // A plug-in supplies the instances of such a class: only its declaration is copied.
   const bool hasPlugin = cimClass->GetQualifier("PLUGINNAME") != nullptr;
   const bool isAbstract = cimClass->IsAbstract({});
   if (!hasPlugin && !isAbstract) CopyInstances(*cimClass, fTarget);

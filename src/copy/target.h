@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the copier finds in the target.
+/// Looks up elements in the target namespace of a copy.
 #ifndef SRC_COPY_TARGET_H_
 #define SRC_COPY_TARGET_H_
 
@@ -9,16 +9,16 @@
 
 namespace NVORNQDX20::NCopy {
 
-/// The object itself. A null reference is dereferenced, which fails the assertion "px != 0": else
-/// it would be stored, and a class would silently become a root, a reference one to no class.
+/// Returns the object. Dereferences a null reference on purpose, which fails the assertion "px !=
+/// 0": a stored null would silently make a class a root class, or a reference one without a class.
 template <typename T>
 boost::shared_ptr<T> Required(boost::shared_ptr<T> object) {
-  // It is read, too: an assertion handler that returns counts on the fault that follows.
+  // Also reads through the pointer: an assertion handler that returns relies on the fault.
   static_cast<void>(*reinterpret_cast<const volatile char*>(object.operator->()));
   return object;
 }
 
-/// The class of the same name.
+/// Returns the class of the same name in the target.
 inline boost::shared_ptr<ICIMClass> TargetClass(const boost::shared_ptr<ICIMClass>& cimClass,
                                                 const boost::shared_ptr<ICIMNamespace>& target) {
   return Required(target->GetClass(cimClass->GetName({}), {}));

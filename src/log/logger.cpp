@@ -20,7 +20,7 @@ constexpr std::string_view kLabels[] = {"[Error] ", "[Warning] ", "[Status] ", "
 static_assert(std::size(kLabels) == ILogger::kLogVerbose + 1);
 
 std::string MakeLine(ILogger::EQDXLogSeverity severity, const std::string& message) {
-  // Unsigned, so that a negative severity is refused as well.
+  // Unsigned, so that a negative severity is rejected, too.
   const auto label = static_cast<std::uint32_t>(severity);
   if (label >= std::size(kLabels)) throw TQDXException(kQDXStatusFail);
   std::string line = "PRQ_";
@@ -30,7 +30,7 @@ std::string MakeLine(ILogger::EQDXLogSeverity severity, const std::string& messa
   return line;
 }
 
-/// The descriptor that the next file to be opened gets: the lowest that is free.
+/// Returns the lowest free descriptor, which the next open() will get.
 int NextDescriptor() { return TDescriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC)).Get(); }
 
 }  // namespace
@@ -40,7 +40,7 @@ ILogger::~ILogger() = default;
 TLogger* TLogger::fgInstance = nullptr;
 
 TQDXStatusCode TLogger::Initialize() {
-  // A logger that is there already is abandoned, not deleted: somebody may hold it.
+  // An existing logger is leaked instead of deleted: callers may still use it.
   fgInstance = new TLogger;
   return kQDXStatusOK;
 }
@@ -82,23 +82,23 @@ void TLogger::SetLogThreshold(EQDXLogSeverity threshold) { fThreshold = threshol
 ILogger::EQDXLogSeverity TLogger::GetLogThreshold() { return fThreshold; }
 
 void TLogger::SetLogFilename(std::string filename) {
-  // Stored whatever becomes of the file: after a failure, lines are lost rather than sent to the
-  // operating system's sink.
+  // Stored even if the file cannot be opened: after a failure, lines are lost instead of going to
+  // the operating system's sink.
   fLogFilename = std::move(filename);
   const int descriptor = NextDescriptor();
-  errno = 0;  // the stream leaves it alone when it is open already
+  errno = 0;  // a stream that is already open does not set it
   fLogFile.open(fLogFilename, std::ios::out | std::ios::ate);
   const int error = errno;
   if (!fLogFile.good()) {
     throw TQDXException(error == EACCES ? kQDXStatusAccessDenied : kQDXStatusFileSystemError);
   }
-  // Children must not inherit the log, and a stream cannot be told so.
+  // Children must not inherit the log file; a stream has no option for close-on-exec.
   ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
   WriteLine(kOpenedLine);
 }
 
 void TLogger::WriteLine(const std::string& line) {
-  // Every line is flushed, so that the log is complete up to the last one if the process dies.
+  // Each line is flushed, so that the log is complete if the process dies.
   fLogFile << line << std::flush;
 }
 

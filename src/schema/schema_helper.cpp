@@ -28,7 +28,7 @@ TInstances InstancesOf(const ICIMClass& cimClass, const TOptionsMap& options) {
   return instances;
 }
 
-/// The property of the single instance of a class.
+/// Returns the property of the only instance of a class.
 boost::shared_ptr<ICIMProperty> ReadProperty(const boost::shared_ptr<ICIMNamespace>& ns,
                                              const std::string& className, const std::string& name,
                                              const TOptionsMap& options) {
@@ -50,7 +50,7 @@ using TMessage = std::initializer_list<std::string_view>;
   throw TQDXException(kQDXStatusNotFound);
 }
 
-/// What `lookUp` finds. Null, and the exception that says the same, are logged.
+/// Returns the result of `lookUp`. Logs a null result, and the exception that means the same.
 template <typename TLookUp>
 auto Find(TLookUp&& lookUp, TMessage message) {
   try {
@@ -63,7 +63,7 @@ auto Find(TLookUp&& lookUp, TMessage message) {
   Missing(message);
 }
 
-/// A text of the computer system; says in the log what stands in the way of it.
+/// Returns a string property of the computer system; logs the reason if it has none.
 std::string ReadSystemText(const boost::shared_ptr<ICIMNamespace>& ns, const std::string& name,
                            const TOptionsMap& lookupOptions,
                            const TOptionsMap& enumerationOptions) {
@@ -84,7 +84,7 @@ std::string ReadSystemText(const boost::shared_ptr<ICIMNamespace>& ns, const std
   return value;
 }
 
-/// ASCII only: the outcome is the same in every locale.
+/// ASCII only, so that the result does not depend on the locale.
 bool IsAlphanumeric(char c) {
   return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
@@ -95,7 +95,7 @@ void RemoveTrailingBlanks(std::string& text) { text.erase(text.find_last_not_of(
 
 [[noreturn]] void InvalidFormat() { throw TQDXException(kQDXStatusInvalidFormat); }
 
-/// "VORN Loftnode k318-[TTTTMMM]" and nothing else; empty if the name is not of that form.
+/// Parses exactly the form "VORN Loftnode k318-[TTTTMMM]"; empty if the name has another form.
 std::string FindMTMBehindFixedPrefix(const std::string& name) {
   constexpr std::string_view prefix = "VORN Loftnode k318-[";
   if (name.size() != prefix.size() + kMTMLength + 1 ||
@@ -106,12 +106,12 @@ std::string FindMTMBehindFixedPrefix(const std::string& name) {
   return TCIMSchemaHelper::IsValidMTM(mtm) ? mtm : "";
 }
 
-/// Whether "]-" stands at a position.
+/// Returns whether "]-" is at the position.
 bool IsClosedAt(const std::string& name, std::size_t position) {
   return name.compare(position, 2, "]-") == 0;
 }
 
-/// "-[TTTTMMM]-" or "-[TTTT]-" where `mark` is the position of the "-[".
+/// Parses "-[TTTTMMM]-" or "-[TTTT]-"; `mark` is the position of "-[".
 std::string FindMTMBehindMark(const std::string& name, std::size_t mark) {
   const std::size_t start = mark + 2;
   std::string mtm = name.substr(start, kMTMLength);
@@ -208,7 +208,7 @@ std::string TCIMSchemaHelper::GetModelNumber(boost::shared_ptr<ICIMNamespace> ns
 
 std::string TCIMSchemaHelper::GetRawSerialNumberString(boost::shared_ptr<ICIMNamespace> ns,
                                                        TOptionsMap options) {
-  // The one query whose options go to the enumeration as well.
+  // The only query that passes its options to the enumeration, too.
   return ReadSystemText(ns, "SerialNumber", options, options);
 }
 
@@ -237,8 +237,8 @@ std::string TCIMSchemaHelper::GetDataSourceMinorVersion(boost::shared_ptr<ICIMNa
                                                         TOptionsMap options) {
   const std::string version = GetDataSourceVersion(ns, options);
   const std::size_t dot = FirstDot(version);
-  // As many characters as stand up to and with the first ".", not up to the second, on purpose.
-  // Held by SchemaHelperVersion.IsSplitAtItsDots.
+  // The length is that of the text up to and including the first ".", not up to the second, on
+  // purpose. Pinned by SchemaHelperVersion.IsSplitAtItsDots.
   return version.substr(dot + 1, dot + 1);
 }
 

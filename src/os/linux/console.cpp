@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The operator's terminal, key by key.
+// Reads single keys from the terminal.
 #include <qdxcore/os_specific.h>
 
 #include <cstdio>
@@ -11,8 +11,8 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// While it lives, the terminal on standard input hands over every key at once, without echo, and
-/// makes no signals of keys. What is no terminal stays as it is.
+/// Puts the terminal on standard input into raw mode for its lifetime: no line buffering, no echo,
+/// no signals from keys. Does nothing if standard input is not a terminal.
 class TKeyMode {
  public:
   TKeyMode() : fIsTerminal(::tcgetattr(STDIN_FILENO, &fSaved) == 0) {
@@ -38,7 +38,7 @@ class TKeyMode {
 bool TOSSpecific::IsKeyWaiting() {
   const TKeyMode mode;
   pollfd input{STDIN_FILENO, POLLIN, 0};
-  // An error counts as a key, on purpose: the caller's loop then reads, and sees the failure.
+  // An error counts as a waiting key on purpose: the caller then reads and sees the failure.
   return ::poll(&input, 1, 0) != 0;
 }
 

@@ -16,11 +16,11 @@ struct TCloseDir {
 };
 using TDir = std::unique_ptr<DIR, TCloseDir>;
 
-/// Closed in child processes. Throws kQDXStatusFileSystemError if it cannot be opened.
+/// Opens the directory, close-on-exec. Throws kQDXStatusFileSystemError if it cannot be opened.
 TDir OpenDir(const std::string& path);
 
-/// The name of the next entry, in the order of the system; none at the end. Throws
-/// kQDXStatusFileSystemError if reading fails, so that a list is never short without a word.
+/// Returns the name of the next entry in the order of readdir, or nothing at the end. Throws
+/// kQDXStatusFileSystemError if reading fails: a partial list must not look complete.
 std::optional<std::string> NextEntry(const TDir& directory);
 
 /// Whether an entry is "." or "..".

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// FTP transfers, by a library that is loaded when the first one is asked for.
+// FTP transfers by libcurl, which is loaded at the first transfer.
 #include <qdxcore/logger.h>
 #include <qdxcore/os_specific.h>
 #include <qdxcore/status.h>
@@ -21,7 +21,7 @@ constexpr char kUploadFolder[] =
     "ftp://" QDX_FTP_UPLOAD_HOST "/loftnode/tovorn/qseries/prq_upload/";
 constexpr char kUploadExtension[] = ".xml.gz";
 
-// The numbers are the library's binary interface: its headers are not needed to build.
+// The values are part of libcurl's binary interface, so that its headers are not needed to build.
 constexpr long kGlobalAll = 3;
 constexpr std::size_t kErrorTextSize = 256;
 constexpr int kCouldNotResolveHost = 6;
@@ -35,16 +35,16 @@ enum EOption : int {
   kOptionWriteFunction = 20011
 };
 
-/// What tells the library that its data was not taken.
+/// Any return value other than the size makes libcurl end the transfer.
 constexpr std::size_t kWriteError = 0xffffffff;
 
-/// The file that a download goes to, and its stream once there is data.
+/// The target file of a download, and its stream, which is opened when the first data arrives.
 using TWriteContext = std::pair<std::string, std::FILE*>;
 
-/// One transfer, and the library for it.
+/// One transfer and the library that runs it.
 ///
-/// What fails throws and leaves everything as it is, on purpose: the library stays loaded, its
-/// handle and the streams stay open. So there is no destructor; only End cleans up.
+/// A failure throws and cleans up nothing, on purpose: the library stays loaded, its handle and the
+/// streams stay open. Hence no destructor; only End() cleans up.
 class TTransfer {
  public:
   /// Loads the library.
@@ -67,7 +67,7 @@ class TTransfer {
     Set(kOptionErrorBuffer, fErrorText, "TOSSpecific|FTPFile: Error configuring curl error buffer");
   }
 
-  /// The value must be of the very type that the library reads from its variable arguments.
+  /// REQUIRES: the value has exactly the type that libcurl reads from its variable arguments.
   template <typename TValue>
   void Set(EOption option, TValue value, const char* failureText) {
     if (fSetOption(fHandle, option, value) != 0) Fail(failureText);
@@ -85,7 +85,7 @@ class TTransfer {
     if (result != 0) Fail(failureText, fErrorText);
   }
 
-  /// Closes the stream too, if there is one.
+  /// Also closes the stream if it is open.
   void End(std::FILE* stream) {
     fCleanUp(fHandle);
     fGlobalCleanUp();
@@ -141,7 +141,7 @@ std::size_t curl_fwrite(const void* data, std::size_t size, std::size_t count,
   if (stream == nullptr) {
     stream = std::fopen(file.c_str(), "wbe");
     if (stream == nullptr) return kWriteError;
-    // Unbuffered: a full disk then fails here, where it is seen, and not when the stream is closed.
+    // Unbuffered, so that a full disk is noticed at the write and not when the stream is closed.
     std::setvbuf(stream, nullptr, _IONBF, 0);
   }
   return std::fwrite(data, size, count, stream);

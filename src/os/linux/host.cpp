@@ -27,7 +27,7 @@ void TOSSpecific::USleep(std::uint32_t milliseconds) {
   timespec remaining{static_cast<time_t>(microseconds / 1000000U),
                      static_cast<long>(microseconds % 1000000U) * 1000};
   while (::nanosleep(&remaining, &remaining) != 0 && errno == EINTR) {
-    // A signal came in between: sleep for what is left.
+    // Interrupted by a signal: sleep for the remaining time.
   }
 }
 
@@ -42,8 +42,8 @@ TCIMDateTime TOSSpecific::GetLocalTime() {
   try {
     return MakePoint(local, milliseconds, static_cast<std::int16_t>(local.tm_gmtoff / 60));
   } catch (const TQDXException&) {
-    // In the hour that a zone's standard time skips, mktime() refuses the present too. A logger
-    // must go on all the same.
+    // In the hour that a zone's standard time skips, mktime() rejects the current time. The logger
+    // must work then, too.
     return TCIMDateTime();
   }
 }
@@ -56,7 +56,7 @@ std::string TOSSpecific::GetMachineName() {
 }
 
 std::string TOSSpecific::GetOperatingSystemName() {
-  return GetMachineName();  // the host's name, not the system's, on purpose
+  return GetMachineName();  // the host name instead of the system's name, on purpose
 }
 
 void TOSSpecific::OutputLogString(std::string) {}

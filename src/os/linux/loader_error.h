@@ -9,7 +9,7 @@
 
 namespace NVORNQDX20 {
 
-/// The loader's text for the last failure, which it forgets.
+/// Returns the text of dlerror(), which clears it.
 inline std::string LoaderError() {
   const char* const error = ::dlerror();
   return error != nullptr ? error : "unknown error";

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Finding and loading plug-ins.
+// Finds and loads plug-ins.
 #include <qdxcore/logger.h>
 #include <qdxcore/os_specific.h>
 #include <qdxcore/status.h>
@@ -24,7 +24,7 @@ namespace {
 const std::string kNSPExtension = ".nsp.so";
 const std::string kNSCExtension = ".nsc.so";
 
-/// "lib" in front and ".nsp.so" or ".nsc.so" behind.
+/// Returns "lib" + service + ".nsp.so" or ".nsc.so".
 constexpr std::size_t kPrefixLength = 3;
 constexpr std::size_t kAffixesLength = 10;
 
@@ -32,8 +32,8 @@ bool Contains(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
 }
 
-/// Whose address finds the file of this library. The address of an exported function would not do:
-/// it can be one in the program.
+/// dladdr of this variable finds the file of this library. The address of an exported function
+/// would not: it may resolve to an entry in the program.
 void SomewhereInThisLibrary() {}
 
 void* Load(const std::string& path) { return ::dlopen(path.c_str(), RTLD_NOW | RTLD_GLOBAL); }
@@ -43,8 +43,8 @@ std::string PathOfService(const std::string& serviceName, const std::string& ext
          extension;
 }
 
-/// Loads the library of a service; `kind` stands in the message. The handle is not kept: a plug-in
-/// is never unloaded.
+/// Loads the library of a service; `kind` is part of the log message. The handle is dropped, since
+/// a plug-in is never unloaded.
 void* LoadService(const std::string& path, const std::string& serviceName, const char* kind) {
   void* const handle = Load(path);
   if (handle == nullptr) {
@@ -54,8 +54,8 @@ void* LoadService(const std::string& path, const std::string& serviceName, const
   return handle;
 }
 
-/// Whether a directory entry is worth a look below. The bare name, relative to the current
-/// directory, is what counts on purpose. Held by PluginSearch.AsksForTheBareName.
+/// Returns whether the entry is a directory to search. The bare name is resolved against the
+/// current directory, on purpose. Pinned by PluginSearch.AsksForTheBareName.
 bool IsSearchedForPlugins(const std::string& entry) {
   struct stat status {};
   return ::stat(entry.c_str(), &status) == 0 && !IsSelfOrParent(entry) && S_ISDIR(status.st_mode);
@@ -80,7 +80,7 @@ std::string TOSSpecific::GetQDXRootPath() {
   }
   const std::string file = info.dli_fname;
   const std::size_t separator = file.rfind(kFileSeparator);
-  // An empty element of LD_LIBRARY_PATH makes the loader find the library by its bare name.
+  // With an empty element in LD_LIBRARY_PATH the loader finds the library under its bare name.
   return separator == std::string::npos ? "." : file.substr(0, separator);
 }
 
@@ -94,8 +94,9 @@ std::vector<std::string> TOSSpecific::FindNSServices(std::string kind) {
     if (::stat((root + kFileSeparator + *name).c_str(), &status) != 0 || S_ISDIR(status.st_mode)) {
       continue;
     }
-    // The pattern may stand anywhere and the cut is of fixed length, on purpose: libfoo.nsp.so.old
-    // is foo.nsp. A shorter name leaves what follows its third character: the subtraction wraps.
+    // The pattern may occur anywhere and the lengths cut are fixed, on purpose: libfoo.nsp.so.old
+    // gives foo.nsp. For a shorter name the subtraction wraps, and all after its third character is
+    // kept.
     if (Contains(*name, pattern)) {
       services.push_back(name->substr(kPrefixLength, name->size() - kAffixesLength));
     }
@@ -139,7 +140,7 @@ std::vector<std::string> TOSSpecific::FindPlugins(std::string directory, std::st
 }
 
 void* TOSSpecific::LoadPluginLibrary(std::string path) {
-  // The loader would search its own folders for a bare name, and take none at all for the program.
+  // dlopen searches the system's folders for a bare name, and takes an empty one for the program.
   const bool isBareName = path.find(kFileSeparator) == std::string::npos;
   void* const handle = Load(isBareName ? "./" + path : path);
   if (handle == nullptr) {
@@ -159,7 +160,7 @@ std::string TOSSpecific::BuildSpecificationPath(std::string pluginPath, std::str
   std::string specification = pluginPath.substr(0, end);
   if (kind != "cmpi") {
     // The first "lib" of the whole path, on purpose, even if that is /usr/lib.
-    // Held by SpecificationPath.IsBuiltFromThePluginPath.
+    // Pinned by SpecificationPath.IsBuiltFromThePluginPath.
     const std::size_t prefix = pluginPath.find("lib");
     if (prefix >= end) throw TQDXException(kQDXStatusFail);
     specification.erase(prefix, kPrefixLength);

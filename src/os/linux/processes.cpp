@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Child processes and what they print.
+// Runs child processes and captures their output.
 #include <qdxcore/logger.h>
 #include <qdxcore/os_specific.h>
 #include <qdxcore/status.h>
@@ -21,14 +21,14 @@ namespace {
 
 using TArgv = std::vector<char*>;
 
-/// What becomes of a child whose program cannot be started.
+/// The exit status of a child whose program cannot be started.
 constexpr int kNotStarted = 1;
 
 [[noreturn]] void Fail(std::string_view what) {
   LogErrorAndThrow(kQDXStatusFail, {"ERROR: SpawnProcess - ", what});
 }
 
-/// Keeps every signal from the calling thread while it lives.
+/// Blocks all signals in the calling thread for its lifetime.
 class TSignalBlock {
  public:
   TSignalBlock() {
@@ -49,7 +49,7 @@ class TSignalBlock {
 /// The stack of a child that shares the memory of its parent.
 class TStack {
  public:
-  /// execvp keeps a path, and for a script without "#!" a second argument vector, on it.
+  /// execvp puts a path, and for a script without "#!" a second argument vector, on this stack.
   explicit TStack(std::size_t argumentCount)
       : fSize(kFixedSize + argumentCount * sizeof(char*)),
         fBottom(::mmap(nullptr, fSize, PROT_READ | PROT_WRITE,
@@ -77,7 +77,7 @@ struct TChildTask {
   const sigset_t& fMask;
 };
 
-/// A handler would run in the memory of the parent; the new program has none of them anyway.
+/// A handler in the child would run in the parent's memory; the new program has no handlers anyway.
 void ResetHandlers() {
   for (int signal = 1; signal < NSIG; ++signal) {
     struct sigaction action {};
@@ -89,8 +89,8 @@ void ResetHandlers() {
   }
 }
 
-/// Runs in the child, which may touch nothing but its own stack and descriptors. Returns its exit
-/// status, and only if the program cannot be started.
+/// Runs in the child, which may only touch its own stack and descriptors. Returns, with the child's
+/// exit status, only if the program cannot be started.
 int RunChild(void* argument) {
   const auto& task = *static_cast<const TChildTask*>(argument);
   ResetHandlers();
@@ -99,16 +99,17 @@ int RunChild(void* argument) {
   if (::dup2(writeEnd, STDOUT_FILENO) < 0 || ::dup2(writeEnd, STDERR_FILENO) < 0) {
     return kNotStarted;
   }
-  // The child has no input at all; that the caller has none either is no failure. Not by close():
-  // whoever stands before that keeps the caller's books, in memory that this child shares.
+  // Closes the child's standard input; an error is ignored, since the caller may have none. By
+  // syscall, not close(): an interposed close() would change its records in the shared memory.
   ::syscall(SYS_close, STDIN_FILENO);
-  ::execvp(task.fArgv[0], task.fArgv.data());  // closes the pipe's own descriptors
+  ::execvp(task.fArgv[0], task.fArgv.data());  // the pipe's descriptors are close-on-exec
   return kNotStarted;
 }
 
-/// fork() copies the page tables of a collector that has grown: 32 ms for 1 GB. This child borrows
-/// the memory until it starts its program, and the parent waits that long. posix_spawnp() does the
-/// same, but neither runs scripts without "#!" nor tells a fork that failed from such an exec.
+/// Starts the child with clone(CLONE_VM | CLONE_VFORK): fork() would copy the page tables, 32 ms
+/// for a process of 1 GB. The parent waits until the child has started its program. posix_spawnp()
+/// does the same, but does not run scripts without "#!" and reports a failed fork like a failed
+/// exec.
 pid_t StartChild(const TArgv& argv, const TPipe& pipe) {
   const TStack stack(argv.size());
   if (!stack.IsThere()) return -1;
@@ -159,7 +160,7 @@ std::int32_t TOSSpecific::SpawnProcess(std::string command, std::vector<std::str
   const pid_t child = StartChild(argv, pipe);
   if (child < 0) Fail("fork call failed");
 
-  // To the end before the wait: the child may print more than a pipe holds.
+  // Read to the end before waiting: the child may print more than a pipe holds.
   if (!pipe.fWriteEnd.Close()) Fail("close pipe call failed");
   output = GetFileContents(pipe.fReadEnd.Get());
   if (!pipe.fReadEnd.Close()) Fail("close pipe call failed");
@@ -171,7 +172,7 @@ std::string TOSSpecific::CaptureFile(std::string path) {
   if (!file.IsOpen()) {
     LogErrorAndThrow(kQDXStatusFileNotFound, {"ERROR: CaptureFile failed to open: ", path});
   }
-  // Stays open, on purpose: that is what this operation promises.
+  // Left open on purpose: that is the contract of this operation.
   return GetFileContents(file.Release());
 }
 

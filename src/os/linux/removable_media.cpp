@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// USB storage and floppies: finding, mounting and unmounting them.
+// Finds, mounts and unmounts USB storage and floppies.
 #include <qdxcore/interfaces.h>
 #include <qdxcore/logger.h>
 #include <qdxcore/os_specific.h>
@@ -25,12 +25,12 @@ constexpr char kFloppyMountPoint[] = "/mnt/floppy";
 constexpr std::array kFloppyDevices = {"/dev/floppy", "/dev/fd0", "/dev/fd1"};
 constexpr int kBlockDevices = 128;
 
-/// What the two requests to a block device answer: packed are the target's number in the low byte,
-/// then the logical unit and the channel.
+/// The results of the two ioctl requests to a block device. fPacked holds the target in the
+/// low byte, then the logical unit and the channel.
 struct TBlockDeviceID {
   struct {
     unsigned fPacked;
-    unsigned fUniqueHostID;  // not needed, but the request fills it
+    unsigned fUniqueHostID;  // unused, filled by the request
   } fAddress;
   int fBusNumber;
 };
@@ -81,8 +81,8 @@ std::string FirstWord(const std::string& text) {
   return text.substr(0, text.find_first_of(" \n\r\t"));
 }
 
-/// Whether a path is like "/dev/sg0": a SCSI device as such, which cannot be mounted. Only the two
-/// letters behind the folder are looked at, and a bare "/dev/sg" is none.
+/// Returns whether a path is a generic SCSI device such as "/dev/sg0", which cannot be mounted.
+/// Only the two letters after the folder are compared; a bare "/dev/sg" is none.
 bool IsGenericDevice(const std::string& path) {
   return path.size() > 6 && path.compare(5, 2, "sg") == 0;
 }
@@ -99,7 +99,7 @@ void AppendIfUSBStorage(const ICIMInstance& scsiDevice, const std::string& usbDe
 
 bool Succeeds(const std::string& command) { return std::system(command.c_str()) == 0; }
 
-/// Whether the operation ends without a TQDXException.
+/// Returns whether the operation ends without a TQDXException.
 template <typename TOperation>
 bool Try(TOperation operation) {
   try {
@@ -114,10 +114,10 @@ bool IsFloppy(const std::string& device) {
   return std::find(kFloppyDevices.begin(), kFloppyDevices.end(), device) != kFloppyDevices.end();
 }
 
-/// The first floppy that can be mounted; it stays so. Whatever is mounted in its place already
-/// passes for the first one.
+/// Returns the first floppy that can be mounted, and leaves it mounted. If something is mounted at
+/// the mount point already, it is taken for the first floppy.
 void AppendFloppy(TOSSpecific::TRemovableMedia& media) {
-  (void)Try([] { TOSSpecific::CreateDir(kFloppyMountPoint); });  // most often it exists
+  (void)Try([] { TOSSpecific::CreateDir(kFloppyMountPoint); });  // usually exists already
   const auto found = std::find_if(
       kFloppyDevices.begin(), kFloppyDevices.end(),
       [](const char* device) { return Try([device] { TOSSpecific::MountDevice(device); }); });
@@ -152,7 +152,7 @@ std::string TOSSpecific::MountDevice(std::string device) {
   std::string mountPoint = IsFloppy(device) ? kFloppyMountPoint : kKeyMountPoint;
   if (Succeeds("mount | grep \"" + mountPoint + " type\" >/dev/null")) return mountPoint;
   const std::string rest = " " + mountPoint + " 2>/dev/null";
-  // "1" is the device's first partition.
+  // "1": the first partition of the device.
   if (Succeeds("mount " + device + rest) || Succeeds("mount " + device + "1" + rest)) {
     return mountPoint;
   }
