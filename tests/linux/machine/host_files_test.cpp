@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <machine/host_files.h>
 
-#include <machine/dmi.h>
 #include <machine/host.h>
 
 #include <array>
@@ -160,11 +159,11 @@ TEST_F(HostFiles, GiveTheNameOfTheHost) {
 }
 
 TEST_F(HostFiles, HaveDMIStringsThatAreNoPlaceholders) {
-  EXPECT_EQ(TextOf(ReadDMIString(fFiles, "serial")),
-            "no DMI table: /sys/class/dmi/id does not exist");
-  const auto read = [this](const std::string& text) {
+  const THost host(fTree.Path().string());
+  EXPECT_EQ(TextOf(host.ReadDMIString("serial")), "no DMI table: /sys/class/dmi/id does not exist");
+  const auto read = [&](const std::string& text) {
     fTree.Write("sys/class/dmi/id/serial", text + "\n");
-    return TextOf(ReadDMIString(fFiles, "serial"));
+    return TextOf(host.ReadDMIString("serial"));
   };
   for (const std::string text : {"To be filled by O.E.M.", "SYSTEM SERIAL NUMBER", " None ", "n/a",
                                  "0123456789", "0000000", "00000000-0000", "......"}) {
