@@ -332,9 +332,9 @@ class QDXCORE_EXPORT INamespaceProvider {
   /// The name under which the registry keeps the provider.
   virtual const std::string& GetName(TOptionsMap options) const = 0;
   /// Throws kQDXStatusNotFound if there is none of that name. The options carry what the provider
-  /// needs to know, for example "root" or "file". "classes" (array of strings) names the classes that the
-  /// caller looks at: a provider may ignore it, or leave out what these have nothing to do with,
-  /// neither as a superclass or subclass, nor as a class that they refer to.
+  /// needs to know, for example "root" or "file". "classes" (array of strings) names the classes
+  /// that the caller looks at: a provider may ignore it, or leave out what these have nothing to do
+  /// with, neither as a superclass or subclass, nor as a class that they refer to.
   virtual boost::shared_ptr<ICIMNamespace> GetNamespace(const std::string& name,
                                                         TOptionsMap options);
   /// The names that GetNamespace takes, with the same options.
