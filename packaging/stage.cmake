@@ -18,7 +18,7 @@ foreach(component LIBRARY DEVEL TOOL)
     compress(${page} ${page}.gz)
     file(REMOVE ${page})
   endforeach()
-  # What CPack strips by itself is executables, shared libraries and modules.
+  # CPack strips executables, shared libraries and modules, but no static library.
   file(GLOB_RECURSE archives ${CPACK_TEMPORARY_DIRECTORY}/${folder}/usr/lib/*.a)
   foreach(archive ${archives})
     execute_process(COMMAND strip --strip-debug --enable-deterministic-archives ${archive}
