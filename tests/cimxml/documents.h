@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The two plug-ins as the tool uses them, and documents for them.
+/// Documents, written and read.
 #ifndef TESTS_CIMXML_DOCUMENTS_H_
 #define TESTS_CIMXML_DOCUMENTS_H_
 
-#include <qdxcore/os_specific.h>
-#include <qdxcore/registry.h>
-
-#include <memory>
+#include <qdxcimxml/document_reader.h>
+#include <qdxcimxml/document_writer.h>
 
 #include "support/class_builder.h"
 #include "support/expect_status.h"
@@ -17,24 +15,27 @@ namespace NVORNQDX20 {
 
 using TNames = std::vector<std::string>;
 
-inline std::unique_ptr<INamespaceConsumer> MakeConsumer() {
-  return std::unique_ptr<INamespaceConsumer>(TOSSpecific::LoadNSCLibrary("cimxml"));
-}
-
-inline boost::shared_ptr<INamespaceProvider> Provider() {
-  TOSSpecific::LoadNSPLibrary("cimxml");
-  return TRootObject::GetNamespaceProviderManager()->GetNamespaceProvider("cimxml");
+/// As a plug-in has it: one for all that is read.
+inline NCIMXML::TDocumentCache& Documents() {
+  static NCIMXML::TDocumentCache documents;
+  return documents;
 }
 
 inline TNames NamesIn(const std::string& file) {
   TNames names;
   const auto add = [&](const std::string& name) { return names.push_back(name), true; };
-  Provider()->EnumerateNamespaceNames(add, {{"file", file}});
+  Documents().Read(file)->EnumerateNamespaceNames(add, {});
   return names;
 }
 
 inline TNamespace Read(const std::string& file, const std::string& name = "root/cimv2") {
-  return Provider()->GetNamespace(name, {{"file", file}});
+  return Documents().Read(file)->GetNamespace(name, {});
+}
+
+inline void Write(const std::string& file, const std::vector<TNamespace>& namespaces) {
+  NCIMXML::TDocumentWriter writer(file);
+  for (const TNamespace& ns : namespaces) writer.AddNamespace(*ns);
+  writer.Close();
 }
 
 /// A document of its own in a folder of its own.
@@ -46,10 +47,7 @@ struct TDocumentFile : public TTempDir {
 /// All namespaces in one document.
 inline std::string Written(const std::vector<TNamespace>& namespaces) {
   const TDocumentFile file("");
-  const auto consumer = MakeConsumer();
-  for (const TNamespace& ns : namespaces) {
-    consumer->Consume(ns, {{"file", file.Path()}, {"more", ns != namespaces.back()}});
-  }
+  Write(file.Path(), namespaces);
   return ReadWholeFile(file.Path());
 }
 

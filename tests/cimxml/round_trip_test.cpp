@@ -140,7 +140,7 @@ TEST(CIMXMLDocument, ReplacesAndCountsWhatXMLCannotHold) {
   AddInstance(ns, "C", {{"s", bad}});
   const TLogCapture log;
   const TDocumentFile file("");
-  MakeConsumer()->Consume(ns, {{"file", file.Path()}});
+  Write(file.Path(), {ns});
   EXPECT_NE(ReadWholeFile(file.Path()).find("<VALUE>" + good + "<"), std::string::npos);
   EXPECT_EQ(log.Messages(),
             TNames{"1 cimxml: 17 characters that XML cannot hold were replaced in " + file.Path()});

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxcore/interfaces.h>
+#include <qdxcore/os_specific.h>
+#include <qdxcore/registry.h>
 #include <qdxcore/status.h>
 
 #include <chrono>
 #include <filesystem>
+#include <memory>
 
 #include <sys/stat.h>
 
@@ -15,6 +18,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
+std::unique_ptr<INamespaceConsumer> MakeConsumer() {
+  return std::unique_ptr<INamespaceConsumer>(TOSSpecific::LoadNSCLibrary("cimxml"));
+}
+
+boost::shared_ptr<INamespaceProvider> Provider() {
+  TOSSpecific::LoadNSPLibrary("cimxml");
+  return TRootObject::GetNamespaceProviderManager()->GetNamespaceProvider("cimxml");
+}
+
 TNamespace MakeOne(const std::string& className) {
   const TNamespace ns = MakeRepositoryNamespace("root/" + className);
   AddClass(ns, className, {}, {{"s", ""}});
@@ -22,12 +34,12 @@ TNamespace MakeOne(const std::string& className) {
   return ns;
 }
 
-TEST(CIMXMLConsumer, CompressesByTheNameAndAlwaysAlike) {
+TEST(CIMXMLDocumentWriter, CompressesByTheNameAndAlwaysAlike) {
   const TTempDir folder;
   const std::string first = (folder.Path() / "a.xml.gz").string();
   const std::string second = (folder.Path() / "b.gz").string();
   const TNamespace ns = MakeOne("C");
-  for (const std::string& file : {first, second}) MakeConsumer()->Consume(ns, {{"file", file}});
+  for (const std::string& file : {first, second}) Write(file, {ns});
   const std::string bytes = ReadWholeFile(first);
   // No flags, no time, unknown system.
   EXPECT_EQ(bytes.substr(0, 10), std::string("\x1F\x8B\x08\0\0\0\0\0\0\xFF", 10));
@@ -36,22 +48,20 @@ TEST(CIMXMLConsumer, CompressesByTheNameAndAlwaysAlike) {
   EXPECT_LT(bytes.size(), Written({ns}).size() / 20);
 }
 
-TEST(CIMXMLConsumer, KeepsAFilesModeAndMakesNewOnesPrivate) {
+TEST(CIMXMLDocumentWriter, KeepsAFilesModeAndMakesNewOnesPrivate) {
   const TTempDir folder;
   const std::string old = folder.Write("old.xml", std::string(1 << 20, 'x')).string();
   const std::string fresh = (folder.Path() / "fresh.xml").string();
   ::chmod(old.c_str(), 0644);
   const mode_t mask = ::umask(0);
-  for (const std::string& file : {old, fresh}) {
-    MakeConsumer()->Consume(MakeOne("C"), {{"file", file}});
-  }
+  for (const std::string& file : {old, fresh}) Write(file, {MakeOne("C")});
   ::umask(mask);
   EXPECT_EQ(fs::status(old).permissions(), fs::perms(0644));
   EXPECT_EQ(fs::status(fresh).permissions(), fs::perms(0600));
   EXPECT_EQ(ReadWholeFile(old), ReadWholeFile(fresh));
 }
 
-TEST(CIMXMLConsumer, LeavesOutOnlyWhatTheFormatHasNoElementFor) {
+TEST(CIMXMLDocumentWriter, LeavesOutOnlyWhatTheFormatHasNoElementFor) {
   using TType = TCIMValue::TCIMType;
   const TCIMValue tooLong(TCIMDateTime(4000000000U, 1, 1, 1, 1));
   const TCIMValue noDate(TType::kCIMTypeDateTime, 0);
@@ -64,7 +74,7 @@ TEST(CIMXMLConsumer, LeavesOutOnlyWhatTheFormatHasNoElementFor) {
   AddInstance(ns, "C", {{"k", TCIMDateTime(1, 2, 3, 4, 5)}});
   const TLogCapture log;
   const TDocumentFile file("");
-  MakeConsumer()->Consume(ns, {{"file", file.Path()}});
+  Write(file.Path(), {ns});
   // Of the declarations three, an instance, and two values of the other.
   EXPECT_EQ(log.Messages(),
             TNames{"1 cimxml: 6 values that CIM-XML cannot hold were left out of " + file.Path() +
@@ -76,7 +86,7 @@ TEST(CIMXMLConsumer, LeavesOutOnlyWhatTheFormatHasNoElementFor) {
   EXPECT_EQ(Written({Read(file.Path(), "test")}), written);
 }
 
-TEST(CIMXMLConsumer, WritesWhatClassesInheritAndDoNotEnumerate) {
+TEST(CIMXMLDocumentWriter, WritesWhatClassesInheritAndDoNotEnumerate) {
   const TNamespace ns = MakeNamespace();
   const auto top = AddClass(ns, "T_Top", {{"Id", 0}}, {{"Name", ""}});
   AddDerived(ns, "T_Derived", top, {{"Id", 0}, {"Size", 0}});
@@ -87,7 +97,7 @@ TEST(CIMXMLConsumer, WritesWhatClassesInheritAndDoNotEnumerate) {
   EXPECT_EQ(ReadAndWritten(file.Path()), Written({ns}));
 }
 
-TEST(CIMXMLProvider, ReadsAgainOnlyWhatHasChanged) {
+TEST(CIMXMLDocumentCache, ReadsAgainOnlyWhatHasChanged) {
   const TDocumentFile file(Document({}));
   const TNamespace first = Read(file.Path());
   EXPECT_EQ(Read(file.Path()), first);
@@ -97,6 +107,17 @@ TEST(CIMXMLProvider, ReadsAgainOnlyWhatHasChanged) {
   fs::last_write_time(file.Path(), fs::file_time_type::clock::now() + std::chrono::hours(1));
   EXPECT_NE(Read(file.Path())->GetClass("D", {}), nullptr);
   EXPECT_QDX_STATUS(Read(file.Path(), "root/other"), kQDXStatusNotFound);
+}
+
+TEST(CIMXMLPlugins, TakeTheFileFromTheirOptions) {
+  const TNamespace first = MakeOne("A"), second = MakeOne("B");
+  const TDocumentFile file("");
+  const auto consumer = MakeConsumer();
+  consumer->Consume(first, {{"file", file.Path()}, {"more", true}});
+  consumer->Consume(second, {{"file", file.Path()}});
+  EXPECT_EQ(ReadWholeFile(file.Path()), Written({first, second}));
+  EXPECT_EQ(Written({Provider()->GetNamespace("root/B", {{"file", file.Path()}})}),
+            Written({second}));
 }
 
 TEST(CIMXMLPlugins, DoNothingWithoutAFile) {
