@@ -91,6 +91,8 @@ const struct {
      "2:20 class \"c\" needs itself to be declared first"},
     {Document({Class(ReferenceTo("D")), Class(ReferenceTo("C"), "NAME='D'")}),
      "3:36 class \"C\" needs class \"D\", which needs it, to be declared first"},
+    {Document({Class("", "NAME='C' SUPERCLASS='D'"), Class("", "NAME='D' SUPERCLASS='C'")}),
+     "3:20 class \"C\" needs class \"D\", which needs it, to be declared first"},
     {WithInstance(Tag("PROPERTY", "NAME='q' TYPE='uint8'")),
      "3:87 class \"C\" has no property \"q\""},
     {WithInstance(Property("sint8", "1")), "3:87 property \"p\" is declared with another type"},

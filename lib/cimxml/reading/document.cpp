@@ -103,7 +103,7 @@ TNamespaceReader& TDocument::NamespaceOf(const TElement& reference, TNamespaceRe
 }
 
 TDocument::TEntry& TDocument::Entry(const std::string& name) {
-  TEntry& entry = fNamespaces[NModel::Folded(name)];
+  TEntry& entry = fNamespaces[name];
   if (fNamespaces.size() > kMaxNamespaces) throw TDefect("too many namespaces");
   if (!entry.fBuilder) entry.fBuilder = std::make_unique<TNamespaceReader>(*this, fState, name);
   return entry;

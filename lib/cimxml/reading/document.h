@@ -6,7 +6,6 @@
 #include <qdxrepository/repository.h>
 
 #include <cstddef>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -49,8 +48,8 @@ class TDocument final : public IObjectSink {
 
   TEntry& Entry(const std::string& name);
 
-  std::map<std::string, TEntry> fNamespaces;  // by folded name
-  std::vector<TNamespaceReader*> fListed;     // that the document has, not only refers to
+  NModel::TNameMap<TEntry> fNamespaces;
+  std::vector<TNamespaceReader*> fListed;  // that the document has, not only refers to
   TNamespaceReader* fGroup = nullptr;
   bool fObjectsHavePaths = false;  // of the group
 };

@@ -18,9 +18,9 @@ namespace {
 /// One more class is being declared, until the scope ends, however it ends.
 class TDeclaringScope {
  public:
-  TDeclaringScope(TReadingState& state, const TNamespaceReader& ns, const std::string& folded)
+  TDeclaringScope(TReadingState& state, const TNamespaceReader& ns, const std::string& name)
       : fState(state) {
-    fState.fDeclaring.push_back({&ns, folded, {}});
+    fState.fDeclaring.push_back({&ns, name, {}});
   }
   ~TDeclaringScope() { fState.fDeclaring.pop_back(); }
   TDeclaringScope(const TDeclaringScope&) = delete;
@@ -52,13 +52,13 @@ void TNamespaceReader::AddQualifierDecl(const TElement& element) {
 }
 
 void TNamespaceReader::AddClass(TElement&& element, std::size_t bytes) {
-  const std::string folded = NModel::Folded(element.Get("NAME"));
-  if (fClasses.count(folded) != 0 || fSources.count(folded) != 0) {
-    element.Refuse("class " + Shown(element.Get("NAME")) + " is declared twice");
+  const std::string name = element.Get("NAME");
+  if (fClasses.count(name) != 0 || fSources.count(name) != 0) {
+    element.Refuse("class " + Shown(name) + " is declared twice");
   }
   fState.AddHeld(bytes, element);
-  fSourceOrder.push_back(folded);
-  fSources[folded].fElement = std::move(element);
+  fSourceOrder.push_back(name);
+  fSources[name].fElement = std::move(element);
 }
 
 void TNamespaceReader::AddInstance(TElement&& object, std::size_t bytes) {
@@ -89,11 +89,9 @@ void TNamespaceReader::NoteReferencesIn(const TElement& element) {
 }
 
 void TNamespaceReader::BuildClasses() {
-  for (const std::string& folded : fSourceOrder) {
-    const auto source = fSources.find(folded);
-    if (source == fSources.end()) continue;
-    const TElement& element = source->second.fElement;
-    ClassNamed(element.Get("NAME"), element);
+  for (const std::string& name : fSourceOrder) {
+    const auto source = fSources.find(name);
+    if (source != fSources.end()) ClassNamed(name, source->second.fElement);
   }
 }
 
@@ -102,11 +100,12 @@ void TNamespaceReader::BuildInstances() {
 }
 
 TReadClass TNamespaceReader::ClassNamed(const std::string& name, const TElement& use) {
-  const std::string folded = NModel::Folded(name);
-  const auto found = fClasses.find(folded);
+  const auto found = fClasses.find(name);
   if (found != fClasses.end()) return found->second;
   for (const auto& declaring : fState.fDeclaring) {
-    if (declaring.fNamespace != this || declaring.fName != folded) continue;
+    const bool isSame =
+        declaring.fNamespace == this && NModel::EqualIgnoringCase(declaring.fName, name);
+    if (!isSame) continue;
     const TReadingState::TDeclaring& user = fState.fDeclaring.back();
     if (&declaring == &user && declaring.fClass.fClass) return declaring.fClass;
     use.Refuse("class " + Shown(name) + " needs " +
@@ -118,18 +117,17 @@ TReadClass TNamespaceReader::ClassNamed(const std::string& name, const TElement&
 
 TReadClass TNamespaceReader::Declare(const std::string& name, const TElement& use) {
   if (fState.fDeclaring.size() >= kMaxClassDepth) use.Refuse("classes nested too deep");
-  const std::string folded = NModel::Folded(name);
-  const TDeclaringScope scope(fState, *this, folded);
-  const bool isDeclared = fSources.count(folded) != 0;
+  const TDeclaringScope scope(fState, *this, name);
+  const bool isDeclared = fSources.count(name) != 0;
   if (!isDeclared && !fState.fIsComplete) throw TNotDeclaredYet();
-  TReadClass read = Measured(isDeclared ? ReadSource(folded) : Synthesize(name, use), use);
-  fClasses.emplace(folded, read);
-  fSources.erase(folded);
+  TReadClass read = Measured(isDeclared ? ReadSource(name) : Synthesize(name, use), use);
+  fClasses.emplace(name, read);
+  fSources.erase(name);
   return read;
 }
 
-boost::shared_ptr<ICIMClass> TNamespaceReader::ReadSource(const std::string& folded) {
-  TSource& source = fSources.at(folded);
+boost::shared_ptr<ICIMClass> TNamespaceReader::ReadSource(const std::string& name) {
+  TSource& source = fSources.at(name);
   if (source.fWaits && !fState.fIsComplete) throw TNotDeclaredYet();
   source.fWaits = true;  // until the end, if it does not get through now
   return ReadClass(*this, source.fElement);
@@ -138,7 +136,7 @@ boost::shared_ptr<ICIMClass> TNamespaceReader::ReadSource(const std::string& fol
 boost::shared_ptr<ICIMClass> TNamespaceReader::Synthesize(const std::string& name,
                                                           const TElement& use) {
   std::vector<const TElement*> uses;
-  const auto noted = fUses.find(NModel::Folded(name));
+  const auto noted = fUses.find(name);
   if (noted != fUses.end()) uses = noted->second;
   uses.push_back(&use);
   return SynthesizeClass(*this, name, uses);
@@ -152,8 +150,7 @@ TReadClass TNamespaceReader::Measured(const boost::shared_ptr<ICIMClass>& cimCla
   cimClass->EnumeratePropertyDecls(TAddToVectorCallback(decls), {});
   read.fProperties = decls.size();
   if (!cimClass->IsRootClass({})) {
-    const std::string superclass = NModel::Folded(cimClass->GetSuperclass({})->GetName({}));
-    read.fDepth += fClasses.at(superclass).fDepth;
+    read.fDepth += fClasses.at(cimClass->GetSuperclass({})->GetName({})).fDepth;
   }
   if (read.fDepth > kMaxClassDepth) use.Refuse("too many superclasses");
   constexpr std::size_t kClassBytes = 1024;

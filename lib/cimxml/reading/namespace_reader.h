@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <deque>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "xml/counted_warning.h"
@@ -34,7 +33,7 @@ struct TReadingState {
   /// A class that is being declared; null until it exists.
   struct TDeclaring {
     const TNamespaceReader* fNamespace;
-    std::string fName;  // folded
+    std::string fName;
     TReadClass fClass;
   };
 
@@ -87,24 +86,23 @@ class TNamespaceReader {
   };
 
   TReadClass Declare(const std::string& name, const TElement& use);
-  boost::shared_ptr<ICIMClass> ReadSource(const std::string& folded);
+  boost::shared_ptr<ICIMClass> ReadSource(const std::string& name);
   boost::shared_ptr<ICIMClass> Synthesize(const std::string& name, const TElement& use);
   void NoteReferencesIn(const TElement& element);
   void NoteUse(const std::string& className, const TElement& use) {
-    fUses[NModel::Folded(className)].push_back(&use);
+    fUses[className].push_back(&use);
   }
   TReadClass Measured(const boost::shared_ptr<ICIMClass>& cimClass, const TElement& use) const;
 
   TDocument& fDocument;
   TReadingState& fState;
   const boost::shared_ptr<ICIMNamespace> fNamespace;
-  // Both by folded name.
-  std::unordered_map<std::string, TReadClass> fClasses;
-  std::unordered_map<std::string, TSource> fSources;
+  NModel::TNameMap<TReadClass> fClasses;
+  NModel::TNameMap<TSource> fSources;
   std::vector<std::string> fSourceOrder;
   std::deque<TElement> fWaitingInstances;
-  // What tells of a class that is not declared, by its folded name.
-  std::unordered_map<std::string, std::vector<const TElement*>> fUses;
+  // What tells of a class that is not declared.
+  NModel::TNameMap<std::vector<const TElement*>> fUses;
 };
 
 }  // namespace NVORNQDX20::NCIMXML
