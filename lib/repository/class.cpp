@@ -198,7 +198,7 @@ std::size_t TClass::SlotOf(const std::string& name) const {
 
 const TCIMValue& TClass::InitialValueAt(std::size_t slot) const {
   const TPropertyDecl& decl = DeclAt(slot);
-  // What a class above the declaration's own says is about a declaration that is overridden.
+  // A static value of a class above the declaring class belongs to the overridden declaration.
   for (const TClass* cimClass = this;; cimClass = cimClass->fSuperclass) {
     const auto found = cimClass->fStaticValues.find(slot);
     if (found != cimClass->fStaticValues.end()) return found->second;

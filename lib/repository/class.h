@@ -25,14 +25,15 @@ namespace NVORNQDX20::NRepository {
 class TInstance;
 class TNamespace;
 
-/// Each property has a slot: those of the superclass keep theirs, an overriding declaration takes
-/// that of the overridden one. A committed class is closed, so its subclasses start from a copy of
-/// the slots, and its instances keep their values in a vector.
+/// Each property has a slot. Inherited properties keep the slot they have in the superclass, and an
+/// overriding declaration takes the slot of the overridden one. A committed class no longer
+/// changes, so subclasses start with a copy of its slots, and instances store their values in a
+/// vector.
 class TClass final : public ICIMClass,
                      public boost::enable_shared_from_this<TClass>,
                      public IDescribed {
  public:
-  /// The superclass is committed, or null.
+  /// REQUIRES: the superclass is null or committed.
   TClass(TNamespace& ns, const std::string& name, TClass* superclass);
 
   boost::shared_ptr<ICIMQualifier> AddQualifier(boost::shared_ptr<ICIMQualifierDecl> decl,
@@ -74,26 +75,26 @@ class TClass final : public ICIMClass,
   TNamespace& Namespace() const { return fNamespace; }
   TClass* Superclass() const { return fSuperclass; }
   bool IsCommitted() const { return fCommitted; }
-  /// One owner for all who hold the class at a time: references order classes by it.
+  /// Returns the one owner that all holders share: references order classes by it.
   boost::shared_ptr<TClass> Handle() const;
 
   void AddProperty(TPropertyDecl& decl);
   void AddSubclass(TClass& subclass) { fSubclasses.push_back(&subclass); }
-  /// False if there is one with the same keys.
+  /// Returns false if an instance with the same keys exists.
   [[nodiscard]] bool AddInstance(const boost::shared_ptr<TInstance>& instance) {
     return fInstances.Add(instance);
   }
 
   std::size_t SlotCount() const { return fProperties.Size(); }
-  /// Throws kQDXStatusNotFound if there is no property of that name.
+  /// Throws kQDXStatusNotFound if the class has no such property.
   std::size_t SlotOf(const std::string& name) const;
   TPropertyDecl& DeclAt(std::size_t slot) const { return fProperties.At(slot); }
-  /// The static value of this class, which must have one.
+  /// REQUIRES: this class has a static value for the slot.
   const TCIMValue& ValueAt(std::size_t slot) const { return fStaticValues.at(slot); }
-  /// What an instance has that was given no value of its own.
+  /// Returns the value of an instance for which none was set.
   const TCIMValue& InitialValueAt(std::size_t slot) const;
-  /// A value as it is stored for that property; throws kQDXStatusTypeMismatch if it is of another
-  /// type.
+  /// Returns the value in its stored form, see values.h. Throws kQDXStatusTypeMismatch if its type
+  /// differs from the declared one.
   TCIMValue StoredValue(std::size_t slot, const TCIMValue& value) const;
   bool IsKeySlot(std::size_t slot) const;
   const std::vector<std::size_t>& KeySlots() const { return fInstances.KeySlots(); }

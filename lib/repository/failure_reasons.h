@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-/// How the reasons of failures speak of elements.
+/// Builds the reasons of failures, which name the element concerned.
 ///
-/// None of them is logged: whether a missing class is a failure or an answer, only who asked knows.
+/// They are not logged: only the caller knows whether a missing class is a failure.
 #ifndef LIB_REPOSITORY_FAILURE_REASONS_H_
 #define LIB_REPOSITORY_FAILURE_REASONS_H_
 
@@ -18,16 +18,16 @@ class IDescribed {
   virtual std::string Description() const = 0;
 
  protected:
-  ~IDescribed() = default;  // nobody owns an element through this
+  ~IDescribed() = default;  // never deleted through this interface
 };
 
-/// A name that may be anything, as a reason shows it: in double quotes, and cut if it is long.
+/// Returns a name of unknown origin for use in a reason: in double quotes, truncated if it is long.
 std::string Quoted(std::string_view name);
 
-// What several operations throw. Made here and thrown there, so that no frame that is unwound has
-// parts of the reason to destroy: look-ups that find nothing are many, and should cost little.
+// Exceptions that several operations throw. Built here and thrown by the caller, so that unwinding
+// has no strings to destroy: failed look-ups are frequent and must be cheap.
 
-/// kQDXStatusNotFound: the owner has no `kind` of that name.
+/// kQDXStatusNotFound: the owner has no `kind` with this name.
 TExplainedException NotFound(const IDescribed& owner, const char* kind, const std::string& name);
 /// kQDXStatusAlreadyExists
 TExplainedException Taken(const std::string& description);

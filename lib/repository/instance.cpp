@@ -24,7 +24,7 @@ void TInstance::Commit(TOptionsMap) {
       throw TExplainedException(kQDXStatusInvalidInstance,
                                 "an instance lacks its key, " + DeclAt(slot).Description());
     }
-    // A key that is a static or default value must not change with it.
+    // Store a key that comes from a static or default value, so that it does not change with it.
     Replace(fValues[slot], TCIMValue(ValueAt(slot)));
   }
   if (!fClass.AddInstance(shared_from_this())) throw Taken(Description());

@@ -19,7 +19,7 @@ class TPropertyDecl;
 
 class TInstance final : public ICIMInstance, public boost::enable_shared_from_this<TInstance> {
  public:
-  /// The class is committed.
+  /// REQUIRES: the class is committed.
   explicit TInstance(TClass& cimClass);
 
   void Commit(TOptionsMap options) override;
@@ -31,11 +31,11 @@ class TInstance final : public ICIMInstance, public boost::enable_shared_from_th
   void EnumerateProperties(const TEnumerationCallback<ICIMProperty>& callback,
                            TOptionsMap options) const override;
 
-  /// Its keys must have values.
+  /// REQUIRES: the keys have values.
   std::string Description() const;
   TNamespace& Namespace() const;
   TPropertyDecl& DeclAt(std::size_t slot) const;
-  /// As stored, see values.h.
+  /// In the stored form, see values.h.
   const TCIMValue& ValueAt(std::size_t slot) const;
   boost::shared_ptr<TInstance> Handle() const;
 
@@ -43,7 +43,7 @@ class TInstance final : public ICIMInstance, public boost::enable_shared_from_th
   boost::shared_ptr<ICIMProperty> MakeProperty(std::size_t slot) const;
 
   TClass& fClass;
-  std::vector<TCIMValue> fValues;  // of no type where none was set
+  std::vector<TCIMValue> fValues;  // without a type where no value was set
   bool fCommitted = false;
 };
 

@@ -17,7 +17,8 @@ constexpr std::size_t kLeastIndexSize = 16;
 
 std::size_t Combined(std::size_t left, std::size_t right) {
   const std::size_t product = (left * 31 + right) * 0x9E3779B97F4A7C15U;
-  return product ^ (product >> 32);  // the index takes the low bits, a product mixes the high ones
+  return product ^
+         (product >> 32);  // the index uses the low bits, but a product mixes the high ones
 }
 
 template <typename T>
@@ -25,7 +26,8 @@ std::size_t HashOf(const T& value) {
   return std::hash<T>()(value);
 }
 
-/// Equal moments differ in their text when their offsets do, but not in their distance to a third.
+/// Equal points in time have different texts if their offsets differ, but the same distance to a
+/// third point.
 std::size_t HashOf(const TCIMDateTime& value) {
   const TCIMDateTime origin =
       value.IsInterval() ? TCIMDateTime(0, 0, 0, 0, 0) : TCIMDateTime(2000, 1, 1, 0, 0, 0, 0, 0);
@@ -43,7 +45,7 @@ std::size_t HashOf(const TCIMReference& value) {
   return hash;
 }
 
-/// Values that TCIMValue takes for equal hash alike.
+/// Values that compare equal have equal hashes.
 std::size_t HashOf(const TCIMValue& value) {
   return NModel::VisitScalar(value, [](const auto& native) { return HashOf(native); });
 }

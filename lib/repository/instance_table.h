@@ -17,19 +17,19 @@ class TInstance;
 
 class TInstanceTable {
  public:
-  /// Before the first instance is added. Without keys all instances differ, and none is found.
+  /// REQUIRES: the table is empty. Without keys all instances differ, and Find() returns null.
   void SetKeySlots(std::vector<std::size_t> slots) { fKeySlots = std::move(slots); }
   const std::vector<std::size_t>& KeySlots() const { return fKeySlots; }
 
-  /// False, and nothing done, if there is one with the same keys. The keys must not change from
-  /// then on.
+  /// Returns false and does nothing if an instance with the same keys exists. The keys must not
+  /// change afterwards.
   [[nodiscard]] bool Add(const boost::shared_ptr<TInstance>& instance);
 
-  /// The keys in the order of the key slots; null if there is none.
+  /// `keys` are in the order of the key slots. Returns null if there is no such instance.
   TInstance* Find(const std::vector<TCIMValue>& keys) const;
 
-  /// Calls `visit` until it answers false, for the instances that are there now. Whether all were
-  /// visited.
+  /// Calls `visit` for the instances present at the call, until it returns false. Returns whether
+  /// all were visited.
   template <typename TVisit>
   bool ForEach(TVisit&& visit) const {
     const std::size_t end = fInstances.size();
@@ -48,15 +48,15 @@ class TInstanceTable {
 
   TKeys KeysOf(const TInstance& instance) const;
   bool HasKeys(const TInstance& instance, const TKeys& keys) const;
-  /// Where the instance of these keys stands, or the empty entry where it would.
+  /// Returns the position of the instance with these keys, or of the empty entry for it.
   std::size_t Probe(const TKeys& keys, std::size_t hash) const;
   void Reindex(std::size_t size);
 
   std::vector<std::size_t> fKeySlots;
   std::vector<boost::shared_ptr<TInstance>> fInstances;
-  // A flat table with linear probing, since the nodes of the standard containers lie scattered
-  // among the instances: at a million of those each look-up would miss the caches several times.
-  // Its size is a power of two, and at least half of it is empty.
+  // A flat table with linear probing: the nodes of a standard container are scattered among the
+  // instances, and with a million of them each look-up would miss the caches several times. The
+  // size is a power of two, and at least half of the entries are empty.
   std::vector<TEntry> fIndex;
 };
 

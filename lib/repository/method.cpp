@@ -46,7 +46,7 @@ TMethodDecl::TMethodDecl(TClass& owner, const std::string& name, TCIMValue::TCIM
       fOverridden(overridden),
       fQualifiers(*this, owner, overridden == nullptr ? nullptr : &overridden->fQualifiers) {
   RequireCIMName(name);
-  if (returnType == TCIMValue::TCIMType::kCIMTypeNone) return;  // it returns nothing
+  if (returnType == TCIMValue::TCIMType::kCIMTypeNone) return;  // no return value
   const bool isArray = (returnType & TCIMValue::TCIMType::kCIMTypeArray) != 0;
   if (isArray || !IsDeclarable(returnType)) throw Undeclarable(Description(), returnType);
 }

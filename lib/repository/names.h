@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// CIM names: their syntax, and a table of what bears them.
+/// The syntax of CIM names, and a table of named elements.
 #ifndef LIB_REPOSITORY_NAMES_H_
 #define LIB_REPOSITORY_NAMES_H_
 
@@ -14,14 +14,14 @@
 
 namespace NVORNQDX20::NRepository {
 
-/// A letter, an underscore or a non-ASCII character, then also digits. An ASCII-only rule for the
-/// case, so that the outcome is the same in every locale.
+/// Returns whether the text is a CIM identifier: a letter, an underscore or a non-ASCII character,
+/// then also digits (DMTF DSP0004, naming). Does not depend on the locale.
 bool IsCIMName(std::string_view name);
-/// Throws kQDXStatusInvalidCIMName if it is none.
+/// Throws kQDXStatusInvalidCIMName if the name is not a CIM identifier.
 void RequireCIMName(std::string_view name);
 
-/// Elements in the order they were added, each found by its Name(). Owns none of them; they must
-/// outlive the table, whose keys are views of their names.
+/// Elements in the order in which they were added, with a look-up by Name(). Does not own them;
+/// they must outlive the table, whose keys are views of their names.
 template <typename TElement>
 class TNameTable {
  public:
@@ -34,24 +34,24 @@ class TNameTable {
     return found->second;
   }
 
-  /// Null if there is none of that name.
+  /// Returns null if there is no element with this name.
   TElement* Find(std::string_view name) const {
     const std::optional<std::size_t> position = Position(name);
     return position ? fElements[*position] : nullptr;
   }
 
-  /// False, and nothing done, if the name is taken.
+  /// Returns false and does nothing if the name is taken.
   [[nodiscard]] bool Add(TElement& element) {
     if (!fPositions.emplace(element.Name(), fElements.size()).second) return false;
     fElements.push_back(&element);
     return true;
   }
 
-  /// The name of the new element must equal that of the one it replaces.
+  /// REQUIRES: the new element has the same name as the replaced one.
   void Replace(std::size_t position, TElement& element) { fElements[position] = &element; }
 
-  /// Calls `visit` until it answers false, for the elements that are there now: what it adds
-  /// itself is not seen.
+  /// Calls `visit` for the elements present at the call, until it returns false: elements that
+  /// `visit` adds are not visited.
   template <typename TVisit>
   void ForEach(TVisit&& visit) const {
     const std::size_t end = fElements.size();

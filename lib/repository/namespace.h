@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The namespace: owner of all that is committed.
+/// The namespace: the owner of all committed elements.
 #ifndef LIB_REPOSITORY_NAMESPACE_H_
 #define LIB_REPOSITORY_NAMESPACE_H_
 
@@ -43,7 +43,7 @@ class TNamespace final : public ICIMNamespace,
 
   std::string Description() const override { return "namespace " + fName; }
   boost::shared_ptr<TNamespace> Handle() { return shared_from_this(); }
-  /// Null if there is none of that name.
+  /// Returns null if there is no declaration with this name.
   TQualifierDecl* FindQualifierDecl(const std::string& name) const {
     return fQualifierDecls.Find(name);
   }

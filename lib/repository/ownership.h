@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// How elements are handed out.
+/// Ownership of the elements that the repository returns.
 ///
-/// Within a namespace, elements hold each other by plain references, and the namespace owns those
-/// that are committed. What goes outside is a shared_ptr to the element that owns the namespace
-/// (and, while the element is not committed, the element). So nothing dangles while anyone outside
-/// holds anything, and no cycle of owners can form.
+/// Within a namespace, elements refer to each other by plain references, and the namespace owns the
+/// committed ones. Callers get a shared_ptr to the element that owns the namespace (and the element
+/// itself while it is not committed). So no reference dangles while a caller holds any element, and
+/// there are no cycles of owners.
 #ifndef LIB_REPOSITORY_OWNERSHIP_H_
 #define LIB_REPOSITORY_OWNERSHIP_H_
 
@@ -17,11 +17,11 @@ namespace NVORNQDX20::NRepository {
 
 class TNamespace;
 
-/// The element, together with its namespace. Each call makes an owner of its own.
+/// Returns the element as an owner of its namespace. Each call creates a new owner.
 template <typename TElement>
 boost::shared_ptr<TElement> HoldWithNamespace(const boost::shared_ptr<TNamespace>& ns,
                                               const boost::shared_ptr<TElement>& element) {
-  // A pair destroys its second member first: elements go before their namespace.
+  // A pair destroys its second member first, so that elements are destroyed before their namespace.
   using THold = std::pair<boost::shared_ptr<TNamespace>, boost::shared_ptr<TElement>>;
   return boost::shared_ptr<TElement>(boost::make_shared<THold>(ns, element), element.get());
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Property declarations, and properties as they are handed out.
+/// Property declarations, and the properties that callers get.
 #ifndef LIB_REPOSITORY_PROPERTY_H_
 #define LIB_REPOSITORY_PROPERTY_H_
 
@@ -35,15 +35,15 @@ class TPropertyDecl final : public ICIMPropertyDecl, public IDescribed {
 
   std::string Description() const override;
   const std::string& Name() const { return fName; }
-  /// As stored, see values.h.
+  /// In the stored form, see values.h.
   const TCIMValue& StoredDefault() const { return fDefaultValue; }
   const TClass& Owner() const { return fQualifiers.Owner(); }
   bool IsKey() const { return fQualifiers.IsTrue("Key"); }
   boost::shared_ptr<TPropertyDecl> Handle();
 
  private:
-  /// What the holders of a declaration of references share: its default value, bound. The
-  /// declaration itself must not own that value.
+  /// Shared by the holders of a declaration of type reference: its bound default value, which the
+  /// declaration itself must not own.
   struct THold {
     boost::shared_ptr<TClass> fOwner;
     TCIMValue fDefaultValue;
@@ -55,7 +55,7 @@ class TPropertyDecl final : public ICIMPropertyDecl, public IDescribed {
   boost::weak_ptr<const THold> fHold;
 };
 
-/// The property of an instance, or the static one of a class, in a slot. The source is held.
+/// The property in a slot of an instance, or a static property of a class. Owns the source.
 template <typename TSource>
 class TProperty final : public ICIMProperty {
  public:
@@ -75,7 +75,7 @@ class TProperty final : public ICIMProperty {
  private:
   const boost::shared_ptr<const TSource> fSource;
   const std::size_t fSlot;
-  mutable TCIMValue fBound;  // of references only
+  mutable TCIMValue fBound;  // only for references
 };
 
 }  // namespace NVORNQDX20::NRepository

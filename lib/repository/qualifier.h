@@ -63,10 +63,11 @@ class TQualifier final : public ICIMQualifier, public IDescribed {
   const TCIMValue fValue;
 };
 
-/// The qualifiers of a class, or of an element of it. Only committed ones are found and visited.
+/// The qualifiers of a class or of one of its elements. Look-ups and enumerations only see
+/// committed ones.
 class TQualifierSet {
  public:
-  /// `overridden` is the set of the element that this one's overrides, or null.
+  /// `overridden` is the set of the overridden element, or null.
   TQualifierSet(const IDescribed& element, TClass& owner, const TQualifierSet* overridden)
       : fElement(element), fOwner(owner), fOverridden(overridden) {}
   TQualifierSet(const TQualifierSet&) = delete;
@@ -75,16 +76,17 @@ class TQualifierSet {
   boost::shared_ptr<ICIMQualifier> Add(const boost::shared_ptr<ICIMQualifierDecl>& decl,
                                        const TCIMValue& value);
   void Commit(TQualifier& qualifier);
-  /// Nothing is added or committed any more, as is the case once the class is committed.
+  /// Refuses further qualifiers and commits from now on; called when the class is committed.
   void Close() { fClosed = true; }
-  /// Throws kQDXStatusInvalidOpSequence if it is closed.
+  /// Throws kQDXStatusInvalidOpSequence if the set is closed.
   void RequireOpen() const;
 
-  /// Null if there is none.
+  /// Returns null if there is none.
   TQualifier* Find(const std::string& name) const { return fCommitted.Find(name); }
-  /// The one of the closest overridden element that has it, if its flavor lets it come down.
+  /// Returns the qualifier of the nearest overridden element that has it, if its flavor allows
+  /// inheritance; else null.
   TQualifier* FindInherited(const std::string& name) const;
-  /// Whether a boolean qualifier stands here and is true.
+  /// Returns whether the set itself has this boolean qualifier and its value is true.
   bool IsTrue(const std::string& name) const;
   void Enumerate(const TEnumerationCallback<ICIMQualifier>& callback) const;
   boost::shared_ptr<ICIMQualifier> Handle(TQualifier* qualifier) const;

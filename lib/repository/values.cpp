@@ -18,7 +18,7 @@ namespace {
 
 using TCIMType = TCIMValue::TCIMType;
 
-/// One direction of the copy: what stands for the namespace, and for a class of it.
+/// One direction of the copy: the namespace and the class that a copied reference gets.
 class TRebinding {
  public:
   explicit TRebinding(const TNamespace& ns) : fNamespace(ns) {}
@@ -68,12 +68,12 @@ TCIMValue TRebinding::CopyReference(const TCIMValue& value) const {
   const TCIMReference reference = value;
   TClass* const own = OwnClass(reference.GetClass());
   if (own == nullptr) return value;
-  TCIMReference copy(reference);  // for its options: nothing else can set them
+  TCIMReference copy(reference);  // copies the options, which have no setter
   copy.Clear();
   copy.SetNamespace(Namespace());
   copy.SetClass(Class(*own));
   reference.EnumerateKeyBindings([&](const std::pair<std::string, TCIMValue>& binding) {
-    // In the declared spelling, since references compare the names of their keys byte by byte.
+    // In the declared spelling, since references compare key names byte by byte.
     copy.AddKeyValue(own->GetPropertyDecl(binding.first, {})->GetName(), Copy(binding.second));
     return true;
   });
@@ -85,7 +85,7 @@ class TWeakening final : public TRebinding {
   explicit TWeakening(const TClass& user) : TRebinding(user.Namespace()), fUser(user) {}
   boost::shared_ptr<ICIMNamespace> Namespace() const override { return nullptr; }
   boost::shared_ptr<ICIMClass> Class(TClass& cimClass) const override {
-    if (!cimClass.IsCommitted() && &cimClass != &fUser) {  // it may go before the value does
+    if (!cimClass.IsCommitted() && &cimClass != &fUser) {  // it may be destroyed before the value
       throw TExplainedException(kQDXStatusInvalidReference,
                                 cimClass.Description() + " is not committed: " +
                                     fUser.Description() + " cannot refer to it yet");

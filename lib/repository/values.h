@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Values as the repository stores them and as it hands them out.
+/// The stored form of values, and the form that callers get.
 ///
-/// A reference value owns its namespace and its class. Were it stored so, a namespace that refers
-/// to itself would own itself; so stored references to the own namespace are weak: no namespace,
-/// and a pointer to the class that owns nothing. They never leave the repository: what is read is a
-/// bound copy.
+/// A reference value owns its namespace and its class. Stored like that, a namespace that refers to
+/// itself would own itself. So stored references to the own namespace are weak: without a
+/// namespace, and with a non-owning pointer to the class. They never leave the repository: callers
+/// get a bound copy.
 #ifndef LIB_REPOSITORY_VALUES_H_
 #define LIB_REPOSITORY_VALUES_H_
 
@@ -19,28 +19,29 @@ namespace NVORNQDX20::NRepository {
 class TClass;
 class TNamespace;
 
-/// A reference or an array of references.
+/// Returns whether the type is a reference or an array of references.
 bool HoldsReferences(TCIMValue::TCIMType type);
 
-/// Whether properties, parameters and methods can be of that type: it must have a keyword, and a
-/// value must be able to hold it.
+/// Returns whether properties, parameters and methods can have this type: it has a keyword, and
+/// TCIMValue can hold it.
 bool IsDeclarable(TCIMValue::TCIMType type);
 /// kQDXStatusInvalidProperty
 TExplainedException Undeclarable(const std::string& description, TCIMValue::TCIMType type);
 
-/// Throws kQDXStatusTypeMismatch if the element, declared as one type, is given another.
+/// Throws kQDXStatusTypeMismatch if the given type differs from the declared type of the element.
 void RequireType(TCIMValue::TCIMType given, TCIMValue::TCIMType declared,
                  const IDescribed& element);
 
-/// The value as `user` or an instance of it stores it. Throws kQDXStatusInvalidReference for a
-/// class of the same namespace that is not committed, unless it is `user` itself.
+/// Returns the stored form of a value for `user` or an instance of it. Throws
+/// kQDXStatusInvalidReference for a class of the same namespace that is not committed, unless it is
+/// `user` itself.
 TCIMValue WeakCopy(const TCIMValue& value, const TClass& user);
 
-/// A stored value as it is handed out.
+/// Returns a stored value in the form that callers get.
 TCIMValue BoundCopy(const TCIMValue& value, TNamespace& ns);
 
-/// Replaces a value by another. Assignment would not do: it compares first, so it leaves some parts
-/// alone and can throw.
+/// Replaces a value. Assignment is no option: it compares first, keeps some parts of the target and
+/// can throw.
 void Replace(TCIMValue& target, TCIMValue&& source) noexcept;
 
 }  // namespace NVORNQDX20::NRepository
