@@ -23,10 +23,10 @@ std::string RequiredFileOf(const TOptionsMap& options) {
 
 /// Consumer "cimxml": writes namespaces as a CIM-XML document.
 ///
-/// Option "file" (string) names the file, "-" standard output; see TDocumentWriter. With option
-/// "more" (boolean) set, the document stays open, and the next call for the same file adds its
-/// namespace; a call without ends the document. A failure, a call for another file, and the end of
-/// the consumer leave an open document unfinished.
+/// Option "file" (string) is the file name, or "-" for standard output; see TDocumentWriter. With
+/// option "more" (boolean) true, the document stays open and the next call for the same file adds
+/// its namespace; a call without it completes the document. A failure, a call for another file, and
+/// the destructor leave an open document incomplete.
 class TCIMXMLConsumer final : public INamespaceConsumer {
  public:
   const std::string& GetName(TOptionsMap) const override { return fName; }
@@ -36,7 +36,7 @@ class TCIMXMLConsumer final : public INamespaceConsumer {
     const bool more = NModel::HasMore(options);
     std::unique_ptr<TDocumentWriter> document = std::move(fOpen);
     if (!document || document->File() != file) {
-      document.reset();  // closed before another is opened: it may be the same file
+      document.reset();  // closed first: the new file may be the same one
       document = std::make_unique<TDocumentWriter>(file);
     }
     document->AddNamespace(*ns);

@@ -16,8 +16,8 @@ using TNamespaces = boost::shared_ptr<TRepositoryProvider>;
 
 /// Provider "cimxml": the namespaces of a CIM-XML document, plain or compressed with gzip.
 ///
-/// Option "file" (string) names the document, "-" standard input; without it there are no
-/// namespaces. The last document is kept. Throws what TDocumentCache throws.
+/// Option "file" (string) is the document's name, or "-" for standard input; without the option
+/// there are no namespaces. Keeps the last document. Throws what TDocumentCache throws.
 class TCIMXMLProvider final : public INamespaceProvider {
  public:
   const std::string& GetName(TOptionsMap) const override { return fName; }

@@ -10,17 +10,16 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// Provider "linux": one machine, described in the namespace "root/cimv2".
+/// Provider "linux": describes one machine in the namespace "root/cimv2".
 ///
-/// Option "root" (string, "/" if it is not given) names the folder below which all files are read:
-/// a mounted image, or a tree of files that stands in for a machine. Option "classes" (array of
-/// strings) names the classes that are asked for; see DescribeMachine. Each call makes a new
-/// namespace, which shows the machine as it is then.
+/// Option "root" (string, default "/") is the folder below which all files are read: a mounted
+/// image, or a tree of files of another machine. Option "classes" (array of strings) names the
+/// wanted classes; see DescribeMachine. Each call returns a new namespace with the current state.
 class TLinuxProvider : public INamespaceProvider {
  public:
   const std::string& GetName(TOptionsMap) const override { return fName; }
 
-  /// Also throws what THostFiles does for a root that cannot be opened.
+  /// Also throws what the constructor of THostFiles throws.
   boost::shared_ptr<ICIMNamespace> GetNamespace(const std::string& name,
                                                 TOptionsMap options) override {
     if (!NModel::EqualIgnoringCase(name, fNamespaceName)) {

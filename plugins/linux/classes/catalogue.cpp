@@ -7,8 +7,8 @@
 #include <iterator>
 #include <string_view>
 
-/// Each class by the function that describes it, in the order in which they are described: after
-/// the superclass, and after the classes that it refers to.
+/// All classes in the order in which they are described: after their superclass, and after the
+/// classes that they refer to.
 #define QDX_LINUX_CLASSES(CLASS) \
   CLASS(ComputerSystemClass)     \
   CLASS(OperatingSystemClass)    \
@@ -34,7 +34,7 @@ class TCatalogue {
  public:
   const std::vector<TClassDescription>& All() const { return fAll; }
 
-  /// Whether somebody who asks for `wanted` needs the class.
+  /// Returns whether a caller that asks for `wanted` needs the class.
   bool Needs(const std::string& wanted, const TClassSpec& cimClass) const {
     const TClassSpec* const spec = Find(wanted);
     if (spec == nullptr) return false;
@@ -54,7 +54,7 @@ class TCatalogue {
     return found == fAll.end() ? nullptr : &found->fDeclaration;
   }
 
-  /// Whether one is the other, or derives from it.
+  /// Returns whether one is the other or derives from it.
   bool AreRelated(const TClassSpec& one, const TClassSpec& other) const {
     return IsA(one, other) || IsA(other, one);
   }

@@ -13,8 +13,8 @@
 
 namespace NVORNQDX20 {
 
-/// Adds the instances of a class that the host has. A value that is missing is no failure: it is
-/// noted.
+/// Adds the host's instances of a class. A missing value is recorded with its reason; it is not a
+/// failure.
 using TAddInstances = void(TNamespaceBuilder& builder, const THost& host, ICIMClass& cimClass);
 
 struct TClassDescription {
@@ -24,9 +24,8 @@ struct TClassDescription {
 
 /// Declares the classes and adds their instances.
 ///
-/// With `wanted`, only what somebody needs who asks for these classes, by their names without
-/// regard to case: each with its superclasses, the classes that derive from it, and those that it
-/// refers to.
+/// With `wanted`, only these classes (names without regard to case) with their superclasses, their
+/// subclasses, and the classes that they refer to.
 void DescribeMachine(TNamespaceBuilder& builder, const THost& host,
                      const std::optional<std::vector<std::string>>& wanted);
 

@@ -20,8 +20,8 @@ bool IsMaker(const std::string& vendor) {
   return boost::algorithm::istarts_with(vendor, "VORN", std::locale::classic());
 }
 
-/// The maker's machines carry type and model in the product name, or beside it as the SKU. Only
-/// theirs mean a type and model by it, so nobody else's SKU is taken for one.
+/// The maker's machines have type and model in the product name, or separately as the SKU. Other
+/// makers' SKUs mean something else, so they are not used.
 TReading ReadProductName(const THost& host) {
   TReading name = host.ReadDMIString("product_name");
   if (!name || IsTypeAndModel(*name.fValue) || name.fValue->find("-[") != std::string::npos) {

@@ -10,20 +10,20 @@ namespace {
 
 using TType = TCIMValue::TCIMType;
 
-/// Hardware stands behind it, unlike behind loop devices, memory disks and the like; and it is no
-/// second path to a disk that is listed anyway.
+/// Returns whether the block device is hardware, unlike loop devices and memory disks, and not a
+/// second path to a disk that is listed already.
 bool IsDrive(const THostFiles& files, const std::string& folder) {
   return files.IsFolder(folder + "device") &&
          !ReadFlag(files, folder + "hidden").fValue.value_or(false);
 }
 
-/// The kernel writes "!" where the name of the device file has a slash.
+/// In sysfs, "!" replaces a slash in the name of the device file.
 std::string DeviceFile(std::string name) {
   std::replace(name.begin(), name.end(), '!', '/');
   return "/dev/" + name;
 }
 
-/// Of a SCSI disk: four bytes of header, then the text.
+/// The serial number page of a SCSI disk: four bytes of header, then the text.
 TReading ReadSerialNumberPage(const THostFiles& files, const std::string& path) {
   const TReading page = files.Read(path);
   const std::string text =
@@ -40,7 +40,7 @@ TReading ReadSerialNumber(const THostFiles& files, const std::string& folder) {
   return ReadSerialNumberPage(files, folder + "device/vpd_pg80");
 }
 
-/// The kernel counts sectors of 512 bytes, whatever those of the disk are.
+/// The kernel counts sectors of 512 bytes, independent of the disk's own sector size.
 TNumber ReadMaxMediaSize(const THostFiles& files, const std::string& folder,
                          const TReadingOf<bool>& removable) {
   if (removable.fValue.value_or(false)) return TNumber::Missing("depends on the medium");

@@ -33,7 +33,7 @@ constexpr TCounter kCounters[] = {
     {"CarrierChanges", "carrier_changes", "How often the link went up or down."},
 };
 
-/// "52:54:00:12:34:56" as twelve hexadecimal digits.
+/// Converts "52:54:00:12:34:56" to twelve hexadecimal digits.
 TReading ReadAddress(const THostFiles& files, const std::string& folder) {
   const std::string path = folder + "address";
   TReading address = files.ReadLine(path);
@@ -45,7 +45,7 @@ TReading ReadAddress(const THostFiles& files, const std::string& folder) {
   return valid ? address : TReading::Missing(path + ": no Ethernet address");
 }
 
-/// Only what the hardware says is permanent; a bridge makes its address up, a bond takes another's.
+/// Only the hardware's own address is permanent; a bridge generates one, a bond uses a member's.
 TReading ReadPermanentAddress(const THostFiles& files, const std::string& folder,
                               const TReading& address) {
   const std::string path = folder + "addr_assign_type";
@@ -54,7 +54,7 @@ TReading ReadPermanentAddress(const THostFiles& files, const std::string& folder
   return *origin.fValue == 0 ? address : TReading::Missing(path + ": the address was assigned");
 }
 
-/// The kernel gives megabits, and -1 for what it does not know.
+/// The kernel reports megabits per second, and -1 for unknown.
 TNumber ReadSpeed(const THostFiles& files, const std::string& folder) {
   const std::string path = folder + "speed";
   const TReading speed = files.ReadLine(path);

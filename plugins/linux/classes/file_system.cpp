@@ -15,7 +15,7 @@ const char* const kClassName = "VORNSG_FileSystem";
 
 TReading ReadTable(const THostFiles& files) {
   if (files.IsThisMachine()) return files.Read("/proc/self/mounts", THostFiles::kMaxTableSize);
-  // What a tree of files says was mounted, else what is to be.
+  // Below another root: the recorded mounts, else those that fstab configures.
   TReading mounts = files.Read("/proc/mounts", THostFiles::kMaxTableSize);
   return mounts ? mounts : files.Read("/etc/fstab");
 }
@@ -29,7 +29,7 @@ TNumber Of(const TReadingOf<TSpace>& space, std::uint64_t TSpace::*field) {
   return space ? TNumber::Of((*space.fValue).*field) : TNumber::Missing(space.fReason);
 }
 
-/// Some file systems make inodes as they need them.
+/// Some file systems allocate inodes on demand and report 0.
 TNumber InodesOf(const TReadingOf<TSpace>& space, std::uint64_t TSpace::*field) {
   const bool unlimited = space && space.fValue->fInodes == 0;
   return unlimited ? TNumber::Missing("has no fixed number of inodes") : Of(space, field);

@@ -17,7 +17,7 @@ using TType = TCIMValue::TCIMType;
 const char* const kDeviceClassName = "VORNSG_LogicalDevice";
 const char* const kSystemDeviceClassName = "VORNSG_SystemDevice";
 
-/// Why the name may be missing is told by the machine itself.
+/// Without a reason: the instance of VORNSG_ComputerSystem explains a missing name.
 std::string SystemName(const THost& host) { return host.fName.fValue.value_or(std::string()); }
 
 }  // namespace
@@ -72,7 +72,7 @@ std::vector<std::string> ListDevices(TNamespaceBuilder& builder, const THostFile
   if (!files.IsFolder(folder))
     builder.NoteMissingInstances(deviceClass, folder + ": no such folder");
   std::vector<std::string> names = files.List(folder);
-  // The kernel gives no other names, and a key must be printable.
+  // The kernel has only printable names, and a key must be printable.
   names.erase(std::remove_if(names.begin(), names.end(),
                              [](const std::string& name) { return PrintableText(name) != name; }),
               names.end());

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the devices of all kinds have in common.
+/// Common parts of all classes of devices.
 #ifndef PLUGINS_LINUX_CLASSES_LOGICAL_DEVICE_H_
 #define PLUGINS_LINUX_CLASSES_LOGICAL_DEVICE_H_
 
@@ -10,17 +10,17 @@
 
 namespace NVORNQDX20 {
 
-/// A class of devices, whose superclass has the keys and the name.
+/// Returns the specification of a class of devices; the superclass has the keys and the name.
 TClassSpec DeviceClass(const char* name, const char* description,
                        std::vector<TPropertySpec> properties);
 
-/// Adds a device, and the association that ties it to the machine, if that is wanted. The keys are
-/// added to the values.
+/// Adds a device, and its association with the machine if that class is wanted. Adds the keys to
+/// the values.
 void AddDevice(TNamespaceBuilder& builder, const THost& host, ICIMClass& deviceClass,
                const std::string& deviceID, const std::vector<TPropertyValue>& values);
 
-/// The devices that a sysfs folder lists. If there is no such folder, that is noted as the reason
-/// why the class has no instances.
+/// Returns the devices in a sysfs folder. A missing folder is recorded as the reason why the class
+/// has no instances.
 std::vector<std::string> ListDevices(TNamespaceBuilder& builder, const THostFiles& files,
                                      const ICIMClass& deviceClass, const std::string& folder);
 

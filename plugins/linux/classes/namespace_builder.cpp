@@ -11,7 +11,7 @@ using TType = TCIMValue::TCIMType;
 
 const char* const kMissingClassName = "VORNSG_UnavailableValue";
 
-/// Far above what a machine has, and far below what a file of the size that is read can list.
+/// Far more than a machine has, and far fewer than a file of the maximum size can list.
 constexpr std::size_t kMaxInstances = 4096;
 
 TClassSpec MissingClass() {
@@ -96,7 +96,7 @@ void TNamespaceBuilder::CreateInstance(ICIMClass& cimClass,
   const std::string& className = cimClass.GetName({});
   auto created = cimClass.CreateInstance({});
   for (const TPropertyValue& value : values) {
-    // What is not set keeps the default of its declaration: null, of the declared type.
+    // A property that is not set keeps the declared default: null of the declared type.
     if (!value.fValue.IsNull()) created->SetPropertyValue(value.fName, value.fValue, {});
     if (!value.fReason.empty()) NoteMissing({className, instance, value.fName, value.fReason});
   }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Declares the provider's classes, adds their instances, and keeps account of what is missing.
+/// Declares the provider's classes, adds their instances, and records missing values.
 #ifndef PLUGINS_LINUX_CLASSES_NAMESPACE_BUILDER_H_
 #define PLUGINS_LINUX_CLASSES_NAMESPACE_BUILDER_H_
 
@@ -19,8 +19,8 @@ struct TPropertySpec {
   TCIMValue::TCIMType::ECIMType fType;
   bool fKey;
   const char* fDescription;
-  const char* fUnit = nullptr;             ///< Of a number, as DMTF DSP0004 writes a PUnit.
-  const char* fReferencedClass = nullptr;  ///< Of a reference.
+  const char* fUnit = nullptr;             ///< The unit of a number as a PUnit (DMTF DSP0004).
+  const char* fReferencedClass = nullptr;  ///< The class of a reference.
 };
 
 struct TClassSpec {
@@ -33,17 +33,17 @@ struct TClassSpec {
   const char* fSuperclass = nullptr;
 };
 
-/// The value that an instance gets for a property; null stands beside the reason for it. Never
-/// assigned: a TCIMValue takes no null of no type.
+/// The value of a property of an instance; null with a reason if it is missing. Not assignable: a
+/// TCIMValue cannot be assigned a null value without a type.
 struct TPropertyValue {
   TPropertyValue(const char* name, const TCIMValue& value) : fName(name), fValue(value) {}
-  /// Null if there is no value.
+  /// Null if the reading is missing.
   template <typename T>
   TPropertyValue(const char* name, const TReadingOf<T>& reading)
       : fName(name), fReason(reading.fReason) {
     if (reading) fValue.Set(*reading.fValue);
   }
-  /// A key cannot be null: where there is no text it is empty, and the reason is kept as well.
+  /// A key cannot be null: a missing text becomes empty, and the reason is kept.
   static TPropertyValue Key(const char* name, const TReading& reading) {
     TPropertyValue key(name, TCIMValue(reading.fValue.value_or(std::string())));
     key.fReason = reading.fReason;
@@ -55,7 +55,7 @@ struct TPropertyValue {
   std::string fReason;
 };
 
-/// A namespace while it is filled.
+/// Builds one namespace.
 class TNamespaceBuilder {
  public:
   explicit TNamespaceBuilder(const std::string& name);
@@ -63,17 +63,17 @@ class TNamespaceBuilder {
   boost::shared_ptr<ICIMClass> DeclareClass(const TClassSpec& spec);
   boost::shared_ptr<ICIMClass> GetClass(const std::string& name) const;
   bool HasClass(const std::string& name) const { return fCounts.count(name) != 0; }
-  /// Every value that comes with a reason is logged and noted. `instance` is the key that tells the
-  /// instance from its like in such a note; it is empty for the only one of its class. False if the
-  /// class has so many already that the machine's files cannot be true; that is noted as well.
+  /// Logs and records every missing value. `instance` is the key value that identifies the instance
+  /// in these records; empty for the only instance of a class. Returns false, and records it, if
+  /// the class has more instances than a real machine can have.
   bool AddInstance(ICIMClass& cimClass, const std::vector<TPropertyValue>& values,
                    const std::string& instance = std::string());
-  /// Logs and notes why the class lacks instances.
+  /// Logs and records why the class has no instances.
   void NoteMissingInstances(const ICIMClass& cimClass, const std::string& reason);
-  /// A reference to the instance that the keys name, which need not be there.
+  /// Returns a reference to the instance with these keys, which need not exist.
   TCIMValue ReferenceTo(const std::string& className,
                         const std::vector<TPropertyValue>& keys) const;
-  /// Adds the class of what is missing; the last call.
+  /// Adds the class of missing values. The last call on the builder.
   boost::shared_ptr<ICIMNamespace> Finish();
 
  private:
@@ -99,7 +99,7 @@ class TNamespaceBuilder {
   boost::shared_ptr<ICIMQualifierDecl> fUnit;
   boost::shared_ptr<ICIMQualifierDecl> fAbstract;
   boost::shared_ptr<ICIMQualifierDecl> fAssociation;
-  std::map<std::string, std::size_t> fCounts;  // of the instances of each class
+  std::map<std::string, std::size_t> fCounts;  // instances per class
   std::vector<TMissingValue> fMissing;
 };
 

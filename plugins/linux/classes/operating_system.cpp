@@ -30,7 +30,7 @@ std::map<std::string, std::string> ReadOSRelease(const THostFiles& files) {
   return {};
 }
 
-/// What the distribution says of itself, else what the kernel says.
+/// The distribution's name for itself, else the kernel's.
 TReading Choose(const std::map<std::string, std::string>& release, const char* variable,
                 const TReading& ofKernel) {
   const auto found = release.find(variable);
@@ -40,15 +40,14 @@ TReading Choose(const std::map<std::string, std::string>& release, const char* v
                            ofKernel.fReason);
 }
 
-/// Only the kernel's own word counts: there are distributions with other kernels, and their
-/// os-release looks the same.
+/// Decided by the kernel's name alone: distributions with other kernels have the same os-release.
 TPropertyValue OSType(const TReading& kernelName) {
   if (!kernelName) return {"OSType", kernelName};
   if (*kernelName.fValue == "Linux") return {"OSType", TCIMValue(kLinux)};
   return {"OSType", TReading::Missing("the kernel is '" + *kernelName.fValue + "', not Linux")};
 }
 
-/// No date of a CIM datetime comes later: the end of the year 9999.
+/// The latest date of a CIM datetime: the end of the year 9999.
 constexpr std::uint64_t kLastSecond = 253'402'300'799;
 
 TReadingOf<TCIMDateTime> ToDateTime(std::uint64_t secondsSince1970) {
@@ -62,7 +61,7 @@ TReadingOf<TCIMDateTime> ToDateTime(std::uint64_t secondsSince1970) {
            static_cast<std::uint16_t>(utc.tm_hour), static_cast<std::uint16_t>(utc.tm_min),
            static_cast<std::uint16_t>(utc.tm_sec), 0, 0});
     } catch (const TQDXException&) {
-      // The host's zone may skip that moment; the reason below is true of it as well.
+      // The local time zone may skip that moment; the reason below fits that case, too.
     }
   }
   return TReadingOf<TCIMDateTime>::Missing("/proc/stat: btime is no valid date");
@@ -75,7 +74,7 @@ TReadingOf<TCIMDateTime> ReadLastBootUpTime(const THostFiles& files) {
   return time ? ToDateTime(*time.fValue) : TReadingOf<TCIMDateTime>::Missing(time.fReason);
 }
 
-/// The folders in /proc whose names are numbers. An image that is not running has none.
+/// Counts the folders in /proc whose names are numbers. The image of a disk has none.
 TReadingOf<std::uint32_t> CountProcesses(const THostFiles& files) {
   const std::vector<std::string> names = files.List("/proc");
   const auto count = std::count_if(names.begin(), names.end(), [](const std::string& name) {
@@ -85,7 +84,7 @@ TReadingOf<std::uint32_t> CountProcesses(const THostFiles& files) {
   return TReadingOf<std::uint32_t>::Of(static_cast<std::uint32_t>(count));
 }
 
-/// "3.30 3.10 2.65 7/149 28102": the first three.
+/// Parses the first three numbers of "3.30 3.10 2.65 7/149 28102".
 TAverages ReadLoadAverages(const THostFiles& files) {
   const std::string path = "/proc/loadavg";
   TAverages averages;
@@ -106,7 +105,7 @@ TAverages ReadLoadAverages(const THostFiles& files) {
   return averages;
 }
 
-/// None is an answer: the file holds an empty line then.
+/// An empty line in the file means that no processor is offline.
 TReading ReadOfflineProcessors(const THostFiles& files) {
   const std::string path = "/sys/devices/system/cpu/offline";
   TReading list = files.Read(path);
@@ -114,7 +113,7 @@ TReading ReadOfflineProcessors(const THostFiles& files) {
   return list;
 }
 
-/// How the system is doing: memory, processes, load.
+/// The state of the running system: memory, processes, load.
 std::vector<TPropertySpec> SystemLoadProperties() {
   const char* const kilobytes = "byte * 2^10";
   const auto memory = TType::kCIMTypeUint64;

@@ -23,13 +23,13 @@ std::string FourDigits(std::uint16_t id) {
   return std::string(digits.size() - text.size(), '0') + text;
 }
 
-/// As in lists of PCI devices: "8086:1572".
+/// Formats vendor and device as "8086:1572".
 TReading NameOf(const TID& vendor, const TID& device) {
   if (!vendor || !device) return TReading::Missing(vendor ? device.fReason : vendor.fReason);
   return TReading::Of(FourDigits(*vendor.fValue) + ":" + FourDigits(*device.fValue));
 }
 
-/// A byte of the class code, whose lowest one is the programming interface.
+/// Returns one byte of the class code; byte 0 is the programming interface.
 TReadingOf<std::uint8_t> ByteOf(const TNumber& classCode, unsigned index) {
   if (!classCode) return TReadingOf<std::uint8_t>::Missing(classCode.fReason);
   return TReadingOf<std::uint8_t>::Of(static_cast<std::uint8_t>(*classCode.fValue >> (8U * index)));

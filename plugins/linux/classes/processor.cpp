@@ -16,12 +16,12 @@ using TType = TCIMValue::TCIMType;
 const char* const kPath = "/proc/cpuinfo";
 
 struct TSocket {
-  TFields fFields;       ///< Of its first logical processor.
-  std::uint64_t fFirst;  ///< The number of that one.
+  TFields fFields;       ///< The fields of its first logical processor.
+  std::uint64_t fFirst;  ///< The number of its first logical processor.
   std::uint16_t fLogicalProcessors = 0;
 };
 
-/// A block of lines is one logical processor.
+/// Each block of lines describes one logical processor.
 std::string_view TakeBlock(std::string_view& text) {
   const std::size_t end = text.find("\n\n");
   const std::string_view block = text.substr(0, end);
@@ -29,13 +29,13 @@ std::string_view TakeBlock(std::string_view& text) {
   return block;
 }
 
-/// By their numbers. Kernels without topology name no socket, and then there is one.
+/// Returns the sockets by their numbers; one if the kernel reports no topology.
 std::map<std::uint64_t, TSocket> ParseSockets(std::string_view text) {
   std::map<std::uint64_t, TSocket> sockets;
   while (!text.empty()) {
     TFields fields(kPath, TakeBlock(text), ':');
     const TNumber number = fields.GetNumber("processor");
-    if (!number) continue;  // some architectures end with a block about the board
+    if (!number) continue;  // some architectures add a block about the board
     const std::uint64_t id = fields.GetNumber("physical id").fValue.value_or(0);
     const auto added = sockets.try_emplace(id, TSocket{std::move(fields), *number.fValue});
     ++added.first->second.fLogicalProcessors;
@@ -43,7 +43,7 @@ std::map<std::uint64_t, TSocket> ParseSockets(std::string_view text) {
   return sockets;
 }
 
-/// The kernel gives "2596.096".
+/// Parses a clock speed such as "2596.096".
 TNumber CurrentClockSpeed(const TFields& fields) {
   TReading speed = fields.Get("cpu MHz");
   if (speed) speed.fValue->resize(std::min(speed.fValue->find('.'), speed.fValue->size()));

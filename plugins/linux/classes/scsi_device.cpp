@@ -26,8 +26,8 @@ TReading ReadDeviceType(const THostFiles& files, const std::string& folder) {
   return TReading::Of("Device Type " + *type.fValue);
 }
 
-/// An inquiry field of blanks is an answer, unlike a file that is missing: the device has no such
-/// text, and the value is empty.
+/// An inquiry field of blanks gives an empty value, since the device has no such text; only a
+/// missing file gives null.
 TReading ReadInquiryText(const THostFiles& files, const std::string& path) {
   TReading text = files.Read(path);
   if (text) *text.fValue = PrintableText(*text.fValue);

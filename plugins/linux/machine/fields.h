@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Texts of lines that each give a name and its value, as procfs and uevent files have them.
+/// Parses lines of names and values, as in procfs and uevent files.
 #ifndef PLUGINS_LINUX_MACHINE_FIELDS_H_
 #define PLUGINS_LINUX_MACHINE_FIELDS_H_
 
@@ -12,22 +12,22 @@
 
 namespace NVORNQDX20 {
 
-/// The fields of one text. Blanks around names and values do not count; of two fields of one name
-/// the first holds. A line without the separator is left out.
+/// The fields of one text. Blanks around names and values are stripped; the first of two fields
+/// with the same name counts. Lines without the separator are ignored.
 class TFields {
  public:
-  /// The source is named where a field is missing.
+  /// `source` is the file name for the reason of a missing field.
   TFields(std::string source, std::string_view text, char separator);
-  /// Of a file that cannot be read every field is missing, for that reason.
+  /// If the file could not be read, every field is missing for that reason.
   TFields(const std::string& source, const TReading& file, char separator);
 
   TReading Get(std::string_view name) const;
-  /// The value must end with the unit, which may be empty.
+  /// The number before `unit`. Missing if the value does not end with the unit, which may be empty.
   TNumber GetNumber(std::string_view name, std::string_view unit = {}) const;
 
  private:
   std::string fSource;
-  std::string fReason;  // why there is no text
+  std::string fReason;  // set if the file could not be read
   std::map<std::string, std::string, std::less<>> fValues;
 };
 

@@ -15,8 +15,7 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// One name that the kernel gives: from the running kernel, or from the file in which a stand-in
-/// tree holds what it said.
+/// Reads a name from the running kernel, or from the file below another root that has its copy.
 TReading ReadKernelName(const THostFiles& files, const char* file, char (utsname::*field)[65]) {
   if (!files.IsThisMachine()) return files.ReadLine(std::string("/proc/sys/kernel/") + file);
   utsname names{};
@@ -38,14 +37,14 @@ TReading ReadConfiguredHostName(const THostFiles& files) {
 
 TReading ReadHostName(const THostFiles& files) {
   TReading name = ReadKernelName(files, "hostname", &utsname::nodename);
-  // A kernel that was never told a name says "(none)".
+  // The kernel's host name is "(none)" until one is set.
   if (name && !name.fValue->empty() && *name.fValue != "(none)") return name;
   return ReadConfiguredHostName(files);
 }
 
 const char* const kDMIFolder = "/sys/class/dmi/id";
 
-/// Whole texts of the DMI table, compared without regard to case.
+/// Complete DMI strings that mean "not set", compared without regard to case.
 constexpr std::string_view kPlaceholders[] = {
     "0123456789",
     "123456789",
@@ -78,7 +77,8 @@ constexpr std::string_view kPlaceholders[] = {
     "Unspecified",
 };
 
-/// Nothing but zeros and ASCII punctuation, as in "00000000-0000" or "......".
+/// Returns whether the text has only zeros and ASCII punctuation, as in "00000000-0000" or
+/// "......".
 bool IsFiller(const std::string& text) {
   return std::all_of(text.begin(), text.end(), [](char character) {
     const auto code = static_cast<unsigned char>(character);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The machine that is described.
+/// The described machine: its files and its names.
 #ifndef PLUGINS_LINUX_MACHINE_HOST_H_
 #define PLUGINS_LINUX_MACHINE_HOST_H_
 
@@ -10,14 +10,13 @@
 
 namespace NVORNQDX20 {
 
-/// The machine's files, and the names that more than one class needs.
+/// The files of the machine, and names that several classes need.
 struct THost {
-  /// Throws as THostFiles does.
+  /// Throws what the constructor of THostFiles throws.
   explicit THost(const std::string& root);
 
-  /// What the firmware says in its DMI table (DMTF DSP0134): a string by the name of its file, for
-  /// example "product_name". A text that makers leave where nobody entered a value ("To be filled
-  /// by O.E.M.") counts as missing.
+  /// Returns a string of the firmware's DMI table (DMTF DSP0134) by the name of its sysfs file, for
+  /// example "product_name". A placeholder such as "To be filled by O.E.M." counts as missing.
   TReading ReadDMIString(const std::string& name) const;
 
   THostFiles fFiles;

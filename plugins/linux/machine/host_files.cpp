@@ -22,8 +22,7 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// The kernel asks to try again when something was renamed or mounted, anywhere, while it followed
-/// a "..".
+/// openat2 fails with EAGAIN if anything was renamed or mounted while it resolved a "..".
 constexpr int kMaxAttempts = 32;
 
 TReading Missing(const std::string& path, const std::string& reason) {
@@ -41,7 +40,7 @@ TDescriptor OpenInRoot(int root, const std::string& path, int flags) {
   }
 }
 
-/// For kernels and sandboxes without openat2: no symbolic link is followed, so none leads out.
+/// For kernels and sandboxes without openat2: follows no symbolic links, so none leads out.
 TDescriptor OpenWithoutLinks(int root, const std::string& path, int flags) {
   const std::filesystem::path relative = std::filesystem::path(path).relative_path();
   TDescriptor folder(::openat(root, ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
@@ -53,7 +52,7 @@ TDescriptor OpenWithoutLinks(int root, const std::string& path, int flags) {
   return TDescriptor(::openat(folder.Get(), relative.filename().c_str(), flags | O_NOFOLLOW));
 }
 
-/// At most one byte more than is allowed, so that the caller sees what is too long.
+/// Reads at most one byte more than allowed, so that the caller notices a file that is too long.
 TReading ReadToEnd(int file, const std::string& path, std::size_t maxSize) {
   std::string text(maxSize + 1, '\0');
   std::size_t size = 0;
@@ -80,7 +79,7 @@ bool IsRootFolder(int folder) {
          given.st_ino == root.st_ino;
 }
 
-/// Whether a file system is mounted there, unless the kernel is too old to tell.
+/// Returns whether a file system is mounted there; true if the kernel is too old to tell.
 bool MayBeMountPoint(int file) {
   struct statx status {};
   const int flags = AT_EMPTY_PATH | AT_STATX_DONT_SYNC;
@@ -107,7 +106,7 @@ TDescriptor THostFiles::Open(const std::string& path, int flags) const {
   flags |= O_CLOEXEC;
   if (fIsThisMachine) return TDescriptor(::open(path.c_str(), flags));
   TDescriptor file = OpenInRoot(fRoot.Get(), path, flags);
-  // Sandboxes of some age answer EPERM to a call that they do not know.
+  // Older sandboxes return EPERM for an unknown system call.
   if (file.GetError() != ENOSYS && file.GetError() != EPERM) return file;
   return OpenWithoutLinks(fRoot.Get(), path, flags);
 }
@@ -140,7 +139,7 @@ std::vector<std::string> THostFiles::List(const std::string& path) const {
   if (!folder.IsOpen()) return {};
   const std::unique_ptr<DIR, int (*)(DIR*)> entries(::fdopendir(folder.Get()), ::closedir);
   if (!entries) return {};
-  (void)folder.Release();  // closedir closes it from here on
+  (void)folder.Release();  // owned by the DIR from here on
   std::vector<std::string> names;
   while (const dirent* entry = ::readdir(entries.get())) {
     if (entry->d_name[0] != '.') names.emplace_back(entry->d_name);

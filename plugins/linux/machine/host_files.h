@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The one place that reads files of the described machine.
+/// Reads files of the described machine; nothing else does.
 #ifndef PLUGINS_LINUX_MACHINE_HOST_FILES_H_
 #define PLUGINS_LINUX_MACHINE_HOST_FILES_H_
 
@@ -14,7 +14,7 @@
 
 namespace NVORNQDX20 {
 
-/// How much a file system holds; sizes in bytes.
+/// The space of a file system; sizes in bytes.
 struct TSpace {
   std::uint64_t fSize;
   std::uint64_t fAvailable;  ///< To users other than root.
@@ -22,34 +22,36 @@ struct TSpace {
   std::uint64_t fFreeInodes;
 };
 
-/// The files below a root folder: this machine's, or those of a tree that stands in for a machine.
+/// The files below a root folder: "/" for this machine, or a tree of files of another one.
 ///
-/// Paths are absolute below the root, for example "/etc/os-release". Nothing blocks: only regular
-/// files are read, and none above a size. No symbolic link of a stand-in tree leads out of it.
-/// Where a file cannot be read, the reason names it: "/etc/os-release: No such file or directory".
+/// Paths are absolute below the root, for example "/etc/os-release". No call blocks: only regular
+/// files up to a maximum size are read. Symbolic links never lead out of a root other than "/".
+/// The reason of a failure names the file: "/etc/os-release: No such file or directory".
 class THostFiles {
  public:
   static constexpr std::size_t kMaxFileSize = 64U << 10U;
-  /// For the tables that grow with the machine: one of some thousand processors fits.
+  /// For tables that grow with the machine; enough for some thousand processors.
   static constexpr std::size_t kMaxTableSize = 4U << 20U;
 
-  /// Logs and throws kQDXStatusAccessDenied if permission is missing, and kQDXStatusFileNotFound if
-  /// the folder cannot be opened for another cause.
+  /// Logs and throws kQDXStatusAccessDenied without permission, and kQDXStatusFileNotFound if the
+  /// folder cannot be opened for another reason.
   explicit THostFiles(const std::string& root);
 
-  /// Whether the root is this machine's own, so that the kernel can be asked as well.
+  /// Returns whether the root is that of the running machine, so that system calls describe it,
+  /// too.
   bool IsThisMachine() const { return fIsThisMachine; }
 
-  /// The whole file as it stands.
+  /// Returns the whole contents unchanged.
   TReading Read(const std::string& path, std::size_t maxSize = kMaxFileSize) const;
-  /// The printable part of the first line; an empty one counts as missing.
+  /// Returns the printable part of the first line; an empty line counts as missing.
   TReading ReadLine(const std::string& path) const;
   bool IsFolder(const std::string& path) const;
-  /// The names in a folder, sorted, without those that begin with a dot; none if it cannot be read.
+  /// Returns the sorted names in a folder, without those that begin with a dot. Empty if the folder
+  /// cannot be read.
   std::vector<std::string> List(const std::string& path) const;
 
-  /// Of the file system that is mounted there on this machine. The one call that the caller must
-  /// not make where it could wait: on the way to a network's file system, for example.
+  /// Returns the space of the file system that is mounted there on this machine. This call can
+  /// block on a network file system: callers must check TMount::fCanBeAsked first.
   TReadingOf<TSpace> ReadSpace(const std::string& path) const;
 
  private:

@@ -11,13 +11,13 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// They answer out of memory or from a block device.
+/// File systems in memory or on a block device: statfs cannot hang.
 constexpr std::string_view kLocalTypes[] = {
     "bcachefs", "btrfs",    "erofs", "exfat", "ext2",   "ext3",  "ext4",    "f2fs",
     "hfsplus",  "iso9660",  "jfs",   "msdos", "nilfs2", "ntfs3", "overlay", "ramfs",
     "reiserfs", "squashfs", "tmpfs", "udf",   "vfat",   "xfs",   "zfs"};
 
-/// The kernel's own windows, which nobody fills; these cannot hang either.
+/// Interfaces of the kernel without files of users. statfs cannot hang here, either.
 constexpr std::string_view kInterfaceTypes[] = {
     "binfmt_misc", "bpf",      "cgroup",     "cgroup2",   "configfs", "debugfs", "devpts",
     "devtmpfs",    "efivarfs", "fusectl",    "hugetlbfs", "mqueue",   "nsfs",    "proc",
@@ -42,7 +42,7 @@ bool IsOctal(std::string_view digits) {
   return digits.size() == 3 && digits.find_first_not_of("01234567") == std::string_view::npos;
 }
 
-/// A blank, a tab, a line end and a backslash stand as a backslash and three octal digits.
+/// Decodes blanks, tabs, line ends and backslashes, written as a backslash and three octal digits.
 std::string Unescape(std::string_view word) {
   std::string text;
   for (std::size_t i = 0; i < word.size(); ++i) {
@@ -71,7 +71,7 @@ std::vector<TMount> ParseLines(std::string_view table) {
   return mounts;
 }
 
-/// The path itself, and each folder above it.
+/// Returns the path and each of its parent directories.
 bool LeadsThrough(const std::set<std::string>& places, const std::string& path) {
   if (places.count("/") != 0) return true;
   for (std::size_t end = path.find('/', 1); end < path.size(); end = path.find('/', end + 1)) {

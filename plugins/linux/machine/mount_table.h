@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Which file systems are mounted where (fstab(5), proc_pid_mounts(5)).
+/// Parses mount tables (fstab(5), proc_pid_mounts(5)).
 #ifndef PLUGINS_LINUX_MACHINE_MOUNT_TABLE_H_
 #define PLUGINS_LINUX_MACHINE_MOUNT_TABLE_H_
 
@@ -11,16 +11,16 @@ namespace NVORNQDX20 {
 
 struct TMount {
   std::string fDevice;
-  std::string fPath;  ///< As the kernel has it, whether or not it can be printed.
+  std::string fPath;  ///< As the kernel has it, perhaps not printable.
   std::string fType;
   bool fReadOnly;
-  /// Asking it for its space cannot wait for a server, a user's program or a daemon: neither it nor
-  /// a file system on the way to it depends on one.
+  /// statfs cannot hang: neither this file system nor one on the path to it depends on a server, a
+  /// user's program or a daemon.
   bool fCanBeAsked;
 };
 
-/// The mounts of a table by the printable forms of their paths; of several on one path the last.
-/// Those that hold no files of anyone, such as /proc, are left out.
+/// Returns the mounts by the printable form of their paths; the last one if several have the same
+/// path. Without the kernel's own file systems such as /proc.
 std::map<std::string, TMount> ParseMounts(std::string_view table);
 
 }  // namespace NVORNQDX20

@@ -6,7 +6,7 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// A longer text tells nothing in a reason.
+/// Longer texts are truncated in a reason.
 constexpr std::size_t kMaxQuotedText = 40;
 
 }  // namespace

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Numbers out of the texts that the kernel gives.
+/// Parses numbers in texts of the kernel.
 #ifndef PLUGINS_LINUX_MACHINE_NUMBERS_H_
 #define PLUGINS_LINUX_MACHINE_NUMBERS_H_
 
@@ -14,22 +14,22 @@
 
 namespace NVORNQDX20 {
 
-/// Decimal digits, or hexadecimal ones behind "0x"; null for everything else.
+/// Parses decimal digits, or hexadecimal digits after "0x"; null for any other text.
 std::optional<std::uint64_t> ParseNumber(std::string_view text);
 
-/// The number that a text is. The reason names the source of the text.
+/// Parses a text; `source` is named in the reason if it is not a number.
 TNumber ToNumber(const TReading& text, const std::string& source);
 
-/// The number that is the first line of a file.
+/// Reads the first line of a file as a number.
 TNumber ReadNumber(const THostFiles& files, const std::string& path);
 
-/// The first line of a file, "1" or "0".
+/// Reads the first line of a file, which must be "1" or "0".
 TReadingOf<bool> ReadFlag(const THostFiles& files, const std::string& path);
 
-/// number * multiplier / divisor.
+/// Returns number * multiplier / divisor.
 TNumber Scaled(const TNumber& number, std::uint64_t multiplier, std::uint64_t divisor = 1);
 
-/// The number in a smaller type.
+/// Converts to a smaller type; missing if the number is out of range.
 template <typename T>
 TReadingOf<T> NumberAs(const TNumber& number) {
   if (!number) return TReadingOf<T>::Missing(number.fReason);

@@ -12,15 +12,15 @@ namespace {
 constexpr std::string_view kBlanks = " \t\r";
 constexpr std::size_t kNowhere = std::string_view::npos;
 
-/// Whether the backslash at this place quotes the next character: not between single quotes, and
-/// between double quotes only before what has a meaning there.
+/// Returns whether the backslash quotes the next character: never between single quotes, and
+/// between double quotes only before a special character.
 bool IsEscape(std::string_view word, std::size_t position, char openQuote) {
   if (word[position] != '\\' || position + 1 == word.size() || openQuote == '\'') return false;
   return openQuote == '\0' || std::string_view("$\"\\`").find(word[position + 1]) != kNowhere;
 }
 
-/// Reads one word as a shell does, up to the first blank outside quotes. Null if a quote does not
-/// end.
+/// Parses one word as a shell does, up to the first blank outside quotes. Null if a quote is not
+/// closed.
 std::optional<std::string> Unquote(std::string_view word) {
   std::string text;
   char openQuote = '\0';

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The os-release file (os-release(5)).
+/// Parses the os-release file (os-release(5)).
 #ifndef PLUGINS_LINUX_MACHINE_OS_RELEASE_H_
 #define PLUGINS_LINUX_MACHINE_OS_RELEASE_H_
 
@@ -9,9 +9,9 @@
 
 namespace NVORNQDX20 {
 
-/// The variables that the text assigns, quotes and backslashes taken away as a shell does; nothing
-/// is expanded. A line without assignment, or with a quote that does not end, is left out; of two
-/// assignments the last holds.
+/// Returns the assigned variables, with quotes and backslashes removed as by a shell; variables in
+/// values are not expanded. Lines without an assignment or with an unclosed quote are ignored. The
+/// last of several assignments counts.
 std::map<std::string, std::string> ParseOSRelease(std::string_view text);
 
 }  // namespace NVORNQDX20

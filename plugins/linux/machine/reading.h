@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the machine says about one thing, or why it says nothing.
+/// The result of reading one fact of the machine.
 #ifndef PLUGINS_LINUX_MACHINE_READING_H_
 #define PLUGINS_LINUX_MACHINE_READING_H_
 
@@ -10,7 +10,7 @@
 
 namespace NVORNQDX20 {
 
-/// A value of the machine, or the reason why it cannot be had; never both.
+/// A value, or the reason why it is missing; never both.
 template <typename T>
 struct TReadingOf {
   static TReadingOf Of(T value) { return {std::move(value), {}}; }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Cleans the texts that firmware and files hold.
+/// Cleans texts of firmware and files.
 #ifndef PLUGINS_LINUX_MACHINE_TEXT_H_
 #define PLUGINS_LINUX_MACHINE_TEXT_H_
 
@@ -8,12 +8,11 @@
 
 namespace NVORNQDX20 {
 
-/// What of the text can be printed, without blanks at either end. Control characters and bytes that
-/// are no UTF-8 are left out: firmware fills its strings with anything, and CIM strings are
-/// Unicode.
+/// Returns the text without control characters, without bytes that are not UTF-8, and without
+/// blanks at either end: firmware strings can contain any bytes, and CIM strings are Unicode.
 std::string PrintableText(std::string_view text);
 
-/// The first line of the text, which begins behind it afterwards.
+/// Returns the first line and removes it from the text.
 std::string_view TakeLine(std::string_view& text);
 
 }  // namespace NVORNQDX20
