@@ -37,8 +37,9 @@ TEST(QDXPlugins, AreListedWithTheirFailures) {
   EXPECT_EQ(plugins["providers"][1]["providers"][0]["namespaces"][0], "red\x1b[31m\xef\xbf\xbd");
   for (const auto& failed : {plugins["providers"][0], plugins["providers"][3],
                              plugins["consumers"][0], plugins["consumers"][1]}) {
-    const std::string line = failed.value("service", "") + ": " + failed.value("failure", "");
-    EXPECT_NE(run.fErrors.find(", " + line + "\n"), std::string::npos) << run.fErrors;
+    const std::string line = failed.value("file", "") + ": " + failed.value("failure", "");
+    EXPECT_NE(run.fErrors.find("er " + line + "\n"), std::string::npos) << run.fErrors;
+    EXPECT_EQ(failed["status"], "kQDXStatusInvalidPlugin");
   }
   EXPECT_NE(installation.Run({"plugins"}).fOutput.find("red?[31m?  "), std::string::npos);
 }
@@ -48,7 +49,8 @@ TEST(QDXPlugins, AreMissedWhereNoneIsUsable) {
   const TProgramRun run = installation.Run({"identity"});
   EXPECT_EQ(run.fExitCode, 5);
   EXPECT_EQ(run.fErrors,
-            "qdx: describing the machine, /: no provider has root/cimv2 [kQDXStatusNotFound]\n");
+            "qdx: describing the machine below /: no provider has root/cimv2; 'qdx plugins' lists "
+            "what is installed\n");
   EXPECT_EQ(run.fOutput, "");
   EXPECT_EQ(installation.Run({"plugins"}).fExitCode, 5);
 }

@@ -45,8 +45,7 @@ TEST(QDXOutput, IsMissedWhereItCannotBeWritten) {
   const TInstallation installation;
   const TProgramRun full = installation.RunScript("\"$0\" --version >/dev/full");
   EXPECT_EQ(full.fExitCode, 4);
-  EXPECT_EQ(full.fErrors,
-            "qdx: writing, standard output: No space left on device [kQDXStatusFileSystemError]\n");
+  EXPECT_EQ(full.fErrors, "qdx: writing standard output: No space left on device\n");
   // The log must not take the place of a descriptor that is closed.
   EXPECT_EQ(installation.RunScript("\"$0\" plugins --log /dev/null >&-").fExitCode, 4);
   // A reader that has gone is told nothing.

@@ -24,32 +24,31 @@ namespace {
     if (const std::exception_ptr pending = std::current_exception())
       std::rethrow_exception(pending);
   } catch (const std::bad_alloc&) {
-    std::fputs("qdx: unexpected failure: out of memory [kQDXStatusOutOfMemory]\n", stderr);
+    std::fputs("qdx: out of memory\n", stderr);
     ::_exit(kExitNothingCollected);
   } catch (...) {  // NOLINT(bugprone-empty-catch): like any other
   }
   std::abort();
 }
 
-EExitCode GuardedMain(const std::vector<std::string>& words) {
+EExitCode RunGuarded(const std::vector<std::string>& words) {
   try {
-    TLogger::Initialize();
-    const std::unique_ptr<TLogger> logger(TLogger::GetInstance());  // closes the log at the end
     return RunCommand(words);
   } catch (const TCommandFailure& failure) {
-    const std::string line = failure.what();
-    const bool usage = failure.GetExitCode() == kExitUsage;
-    if (!line.empty()) PrintError(line + (usage ? ". Try 'qdx --help'." : ""));
+    failure.Print();
     return failure.GetExitCode();
   } catch (const std::bad_alloc&) {
     EndWithoutMemory();
-  } catch (const std::exception& exception) {
-    PrintError(std::string("unexpected failure: ") + exception.what());
-    return kExitNothingCollected;
   } catch (...) {  // plug-ins may throw anything
-    PrintError("unexpected failure");
+    PrintFailure("unexpected failure", *Try([] { throw; }));
     return kExitNothingCollected;
   }
+}
+
+EExitCode RunWithLog(const std::vector<std::string>& words) {
+  TLogger::Initialize();
+  const std::unique_ptr<TLogger> logger(TLogger::GetInstance());  // closes the log at the end
+  return RunGuarded(words);
 }
 
 }  // namespace
@@ -63,7 +62,7 @@ int main(int argc, char** argv) {
   std::signal(SIGXFSZ, SIG_IGN);
   std::set_terminate(EndWithoutMemory);
   ReportCrashes();
-  const EExitCode code = GuardedMain({argv + (argc > 0 ? 1 : 0), argv + argc});
+  const EExitCode code = RunWithLog({argv + (argc > 0 ? 1 : 0), argv + argc});
   ReportNoEnd();
   return code;
 }

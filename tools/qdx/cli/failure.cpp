@@ -30,43 +30,72 @@ const char* MeaningOf(EQDXStatusCode status) {
     case kQDXStatusInvalidFormat:
       return "not of the expected form";
     default:
-      return "it failed";
+      return "it failed and gave no reason";
   }
+}
+
+std::string LineOf(const std::string& action, const TExplainedException& failure) {
+  return action + ": " + failure.GetReason();
+}
+
+void PrintAndLog(const std::string& line, TQDXStatusCode status) {
+  PrintError(line);
+  LogMessage(ILogger::kLogError, {line, " [", status.TranslateStatusCode(), "]"});
 }
 
 }  // namespace
 
-TFailure::TFailure(EQDXStatusCode status) : TFailure(status, MeaningOf(status)) {}
-
-std::string TFailure::Text() const {
-  return fWhy + " [" + TQDXStatusCode(fStatus).TranslateStatusCode() + "]";
-}
-
-std::optional<TFailure> Try(const std::function<void()>& action) {
+std::optional<TExplainedException> Try(const std::function<void()>& call) {
+  const auto failed = [](EQDXStatusCode status, const std::string& reason) {
+    return TExplainedException(status, reason.empty() ? MeaningOf(status) : reason);
+  };
   const TLastError lastError;
   try {
-    action();
+    call();
     return std::nullopt;
+  } catch (const TCommandFailure&) {
+    throw;
   } catch (const TExplainedException& exception) {
-    return TFailure(exception.GetStatusCode(), exception.GetReason());
+    return failed(exception.GetStatusCode(), exception.GetReason());
   } catch (const TQDXException& exception) {
-    const EQDXStatusCode status = exception.GetStatusCode();
-    return lastError.Get().empty() ? TFailure(status) : TFailure(status, lastError.Get());
+    return failed(exception.GetStatusCode(), lastError.Get());
   } catch (const std::bad_alloc&) {
-    return TFailure(kQDXStatusOutOfMemory);
+    return failed(kQDXStatusOutOfMemory, "");
   } catch (const std::exception& exception) {
-    return TFailure(kQDXStatusFail, exception.what());
+    return failed(kQDXStatusFail, exception.what());
   } catch (...) {  // plug-ins may throw anything
-    return TFailure(kQDXStatusFail);
+    return failed(kQDXStatusFail, "");
   }
 }
 
-std::string FailureLine(const std::string& tried, const std::string& on, const TFailure& failure) {
-  return tried + ", " + on + ": " + failure.Text();
+TExplainedException WithoutName(const TExplainedException& failure, const std::string& name) {
+  const std::string& reason = failure.GetReason();
+  const std::string start = name + ": ";
+  if (reason.compare(0, start.size(), start) != 0) return failure;
+  return {failure.GetStatusCode(), reason.substr(start.size())};
+}
+
+void PrintFailure(const std::string& action, const TExplainedException& failure) {
+  PrintAndLog(LineOf(action, failure), failure.GetStatusCode());
 }
 
 void PrintError(const std::string& line) {
   std::fputs(("qdx: " + ForTerminal(line) + "\n").c_str(), stderr);
+}
+
+TCommandFailure::TCommandFailure(EExitCode code, const std::string& action,
+                                 const TExplainedException& failure)
+    : std::runtime_error(LineOf(action, failure)),
+      fExitCode(code),
+      fStatus(failure.GetStatusCode()) {}
+
+void TCommandFailure::Print() const {
+  const std::string line = what();
+  if (fStatus) {
+    PrintAndLog(line, *fStatus);
+  } else if (!line.empty()) {
+    PrintError(line + (fExitCode == kExitUsage ? ". Try 'qdx --help'." : ""));
+  }
 }
 
 }  // namespace NVORNQDX20

@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the command does about failures: it tells each in one line, and goes on or ends.
+/// What the command does about failures: each becomes one line, and the command goes on or ends.
+///
+/// A failure is a TExplainedException: a status to decide by, and a reason in words. A line reads
+/// "ACTION: reason", for example "reading document x.xml: permission denied".
 #ifndef TOOLS_QDX_CLI_FAILURE_H_
 #define TOOLS_QDX_CLI_FAILURE_H_
 
@@ -15,23 +18,10 @@
 
 namespace NVORNQDX20 {
 
-/// Why something failed.
-struct TFailure {
-  /// A sentence of its own for the status, where no better reason is known.
-  explicit TFailure(EQDXStatusCode status);
-  TFailure(EQDXStatusCode status, const std::string& why) : fStatus(status), fWhy(why) {}
-
-  /// "why [kQDXStatusName]"
-  std::string Text() const;
-
-  EQDXStatusCode fStatus;
-  std::string fWhy;
-};
-
-/// Calls into the core or a plug-in; what that throws, if anything, is the failure. Its reason is
-/// that of a TExplainedException, else the last error that was logged meanwhile, else what the
-/// status means.
-std::optional<TFailure> Try(const std::function<void()>& action);
+/// Calls into the core or a plug-in, and returns what that throws, if anything. The reason is that
+/// of a TExplainedException, else the last error that was logged meanwhile, else what the status
+/// means. Lets a TCommandFailure pass.
+std::optional<TExplainedException> Try(const std::function<void()>& call);
 
 /// Remembers the last error that is logged while it lives.
 class TLastError {
@@ -45,22 +35,30 @@ class TLastError {
                                [this](auto, const auto& message) { fMessage = message; }};
 };
 
-/// "TRIED, ON: why [kQDXStatusName]", for example "loading provider, a: ...".
-std::string FailureLine(const std::string& tried, const std::string& on, const TFailure& failure);
+/// The failure without "NAME: " at the start of its reason, for a line that has the name already.
+TExplainedException WithoutName(const TExplainedException& failure, const std::string& name);
+
+/// Writes the line to standard error, and with the name of the status to the log.
+void PrintFailure(const std::string& action, const TExplainedException& failure);
 
 /// Writes "qdx: " and the line to standard error.
 void PrintError(const std::string& line);
 
-/// Ends the command with this code and, unless it is empty, this line on standard error.
+/// Ends the command with this exit status.
 class TCommandFailure : public std::runtime_error {
  public:
+  TCommandFailure(EExitCode code, const std::string& action, const TExplainedException& failure);
+  /// For wrong usage, or with an empty line where all is said already.
   TCommandFailure(EExitCode code, const std::string& line)
       : std::runtime_error(line), fExitCode(code) {}
 
   EExitCode GetExitCode() const { return fExitCode; }
+  /// Does what PrintFailure does.
+  void Print() const;
 
  private:
   EExitCode fExitCode;
+  std::optional<EQDXStatusCode> fStatus;
 };
 
 }  // namespace NVORNQDX20

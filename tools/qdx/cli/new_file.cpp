@@ -42,8 +42,8 @@ void RemoveOnSignals() {
 }
 
 [[noreturn]] void FailToWrite(const std::string& shownAs, int error) {
-  const TFailure failure(kQDXStatusFileSystemError, ErrorText(error));
-  throw TCommandFailure(kExitBadInput, FailureLine("writing", shownAs, failure));
+  throw TCommandFailure(kExitBadInput, "writing " + shownAs,
+                        {kQDXStatusFileSystemError, ErrorText(error)});
 }
 
 /// The new name in the folder should outlast a loss of power like the contents do. Where it cannot
@@ -61,8 +61,8 @@ std::filesystem::path FileToReplace(const std::filesystem::path& path) {
   if (!std::filesystem::is_symlink(path, error)) return path;
   auto target = std::filesystem::canonical(path, error);
   if (!error) return target;
-  throw TCommandFailure(kExitBadInput, FailureLine("following link", path.string(),
-                                                   {kQDXStatusFileSystemError, error.message()}));
+  throw TCommandFailure(kExitBadInput, "following link " + path.string(),
+                        {kQDXStatusFileSystemError, error.message()});
 }
 
 TNewFile::TNewFile(const std::string& folder, const std::string& suffix,

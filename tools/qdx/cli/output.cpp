@@ -19,8 +19,8 @@ namespace {
 
 [[noreturn]] void FailToWrite(int error) {
   if (error == EPIPE) throw TCommandFailure(kExitBadInput, "");
-  const TFailure failure(kQDXStatusFileSystemError, ErrorText(error));
-  throw TCommandFailure(kExitBadInput, FailureLine("writing", "standard output", failure));
+  throw TCommandFailure(kExitBadInput, "writing standard output",
+                        {kQDXStatusFileSystemError, ErrorText(error)});
 }
 
 }  // namespace

@@ -46,8 +46,8 @@ void ReportEnd() {
 
 }  // namespace
 
-TCrashNote::TCrashNote(const std::string& tried, const std::string& on) : fOuter(gNote) {
-  SetNote("qdx: " + ForTerminal(tried + ", " + on) + ": ");
+TCrashNote::TCrashNote(const std::string& action) : fOuter(gNote) {
+  SetNote("qdx: " + ForTerminal(action) + ": ");
 }
 
 TCrashNote::~TCrashNote() { SetNote(fOuter); }

@@ -7,11 +7,11 @@
 
 namespace NVORNQDX20 {
 
-/// While it lives, a crash is reported in one line, "TRIED, ON: it crashed (SEGV)", and ends the
+/// While it lives, a crash is reported in one line, "ACTION: it crashed (SEGV)", and ends the
 /// process as it would have. Of nested ones the innermost speaks.
 class TCrashNote {
  public:
-  TCrashNote(const std::string& tried, const std::string& on);
+  explicit TCrashNote(const std::string& action);
   ~TCrashNote();
   TCrashNote(const TCrashNote&) = delete;
   TCrashNote& operator=(const TCrashNote&) = delete;

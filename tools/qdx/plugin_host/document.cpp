@@ -27,8 +27,8 @@ void LoadReader() {
   }
   const TProviderLibrary library = LoadProviderLibrary(kService);
   if (library.fFailure) {
-    throw TCommandFailure(kExitNothingCollected,
-                          FailureLine("loading provider", kService, *library.fFailure));
+    throw TCommandFailure(kExitNothingCollected, "loading provider " + library.fFile,
+                          *library.fFailure);
   }
 }
 
@@ -46,19 +46,21 @@ TNamespaces NamespacesIn(const TOptionsMap& options) {
 
 /// Like Try; and what a plug-in warns of, such as a value that was changed, becomes lines for the
 /// operator, whatever the log is to hold.
-std::optional<TFailure> TryAndListen(const std::function<void()>& action,
-                                     std::vector<std::string>& warnings) {
+std::optional<TExplainedException> TryAndListen(const std::function<void()>& call,
+                                                std::vector<std::string>& warnings) {
   const TLogListener listener(ILogger::kLogWarning, [&](auto severity, const auto& message) {
     if (severity == ILogger::kLogWarning) warnings.push_back(message);
   });
-  return Try(action);
+  return Try(call);
 }
 
 }  // namespace
 
 TNamespaces ReadDocument(const std::string& file) {
   LoadReader();
-  const TCrashNote note("reading document", file);
+  const std::string shownAs = file == "-" ? "standard input" : file;
+  const std::string action = "reading document " + shownAs;
+  const TCrashNote note(action);
   TNamespaces namespaces;
   std::vector<std::string> warnings;
   const auto failure = TryAndListen(
@@ -68,7 +70,8 @@ TNamespaces ReadDocument(const std::string& file) {
       warnings);
   for (const std::string& warning : warnings) PrintError(warning);
   if (failure) {
-    throw TCommandFailure(kExitBadInput, FailureLine("reading document", file, *failure));
+    throw TCommandFailure(kExitBadInput, action,
+                          WithoutName(WithoutName(*failure, kService), shownAs));
   }
   return namespaces;
 }
@@ -81,7 +84,7 @@ TDocumentWriter::TDocumentWriter(const std::string& consumer) : fName(consumer) 
   if (!library.fFailure) return;
   // Any other one was named by the operator.
   throw TCommandFailure(consumer == kService ? kExitNothingCollected : kExitBadInput,
-                        FailureLine("loading consumer", consumer, *library.fFailure));
+                        "loading consumer " + library.fFile, *library.fFailure);
 }
 
 std::optional<TRefusal> TDocumentWriter::Write(const TNamespaces& namespaces,
@@ -90,7 +93,8 @@ std::optional<TRefusal> TDocumentWriter::Write(const TNamespaces& namespaces,
   const auto shown = [&](const std::string& message) {
     return file == "-" ? message : boost::algorithm::replace_all_copy(message, file, shownAs);
   };
-  const TCrashNote note("writing document", shownAs);
+  const std::string action = "writing document " + shownAs;
+  const TCrashNote note(action);
   std::size_t index = 0;
   std::vector<std::string> warnings;
   auto failure = TryAndListen(
@@ -102,19 +106,23 @@ std::optional<TRefusal> TDocumentWriter::Write(const TNamespaces& namespaces,
         }
       },
       warnings);
-  if (failure) failure->fWhy = Blame(shown(failure->fWhy));
+  if (failure) failure = Blame({failure->GetStatusCode(), shown(failure->GetReason())}, shownAs);
   // What the file system does not take of one namespace, it will not take of another.
-  if (failure && failure->fStatus != kQDXStatusFileSystemError) return TRefusal{index, *failure};
+  if (failure && failure->GetStatusCode() != kQDXStatusFileSystemError)
+    return TRefusal{index, *failure};
   fHasWarned = fHasWarned || !warnings.empty();
   for (const std::string& warning : warnings) PrintError(shown(warning));
   if (!failure) return std::nullopt;
   if (file == "-" && !OutputHasReader()) throw TCommandFailure(kExitBadInput, "");
-  throw TCommandFailure(kExitBadInput, FailureLine("writing document", shownAs, *failure));
+  throw TCommandFailure(kExitBadInput, action, *failure);
 }
 
-/// Many plug-ins name themselves.
-std::string TDocumentWriter::Blame(const std::string& why) const {
-  return boost::algorithm::starts_with(why, fName + ":") ? why : "consumer " + fName + ": " + why;
+/// Names the consumer, unless it is the default one. Many plug-ins name themselves and the file.
+TExplainedException TDocumentWriter::Blame(const TExplainedException& failure,
+                                           const std::string& shownAs) const {
+  const auto bare = WithoutName(WithoutName(failure, fName), shownAs);
+  if (fName == kDefaultConsumer) return bare;
+  return {bare.GetStatusCode(), "consumer " + fName + ": " + bare.GetReason()};
 }
 
 }  // namespace NVORNQDX20

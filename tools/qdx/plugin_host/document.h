@@ -25,7 +25,7 @@ TNamespaces ReadDocument(const std::string& file);
 /// A namespace that a consumer does not take.
 struct TRefusal {
   std::size_t fIndex;
-  TFailure fFailure;
+  TExplainedException fFailure;
 };
 
 /// Writes namespaces into files by a consumer plug-in.
@@ -49,7 +49,7 @@ class TDocumentWriter {
   bool HasWarned() const { return fHasWarned; }
 
  private:
-  std::string Blame(const std::string& why) const;
+  TExplainedException Blame(const TExplainedException& failure, const std::string& shownAs) const;
 
   const std::string fName;
   boost::shared_ptr<INamespaceConsumer> fConsumer;

@@ -38,9 +38,8 @@ std::vector<std::string> FindServices(const std::string& kind) {
   std::error_code error;
   const std::filesystem::directory_iterator entries(folder, error);
   if (error) {
-    throw TCommandFailure(
-        kExitNothingCollected,
-        FailureLine("looking for plug-ins", folder, {kQDXStatusAccessDenied, error.message()}));
+    throw TCommandFailure(kExitNothingCollected, "looking for plug-ins in " + folder,
+                          {kQDXStatusAccessDenied, error.message()});
   }
   const std::string suffix = SuffixOf(kind);
   std::vector<std::string> services;
@@ -85,15 +84,16 @@ void Load(TProviderLibrary& library) {
     if (told) library.fProviders.push_back(provider);
   }
   if (!library.fProviders.empty()) return;
-  // It may have said itself what went wrong.
-  if (!lastError.Get().empty()) throw TQDXException(kQDXStatusInvalidPlugin);
-  LogErrorAndThrow(kQDXStatusInvalidPlugin, {"it registers no provider under a name of its own"});
+  const std::string& error = lastError.Get();
+  throw TExplainedException(
+      kQDXStatusInvalidPlugin,
+      error.empty() ? "it registers no provider under a name of its own" : error);
 }
 
 void Load(TConsumerLibrary& library) {
   library.fConsumer.reset(TOSSpecific::LoadNSCLibrary(library.fService));
   if (!library.fConsumer) {
-    LogErrorAndThrow(kQDXStatusInvalidPlugin, {"it creates no consumer"});
+    throw TExplainedException(kQDXStatusInvalidPlugin, "it creates no consumer");
   }
 }
 
@@ -102,9 +102,27 @@ constexpr const char* kKind = "nsp";
 template <>
 constexpr const char* kKind<TConsumerLibrary> = "nsc";
 template <typename TLoaded>
-constexpr const char* kLoading = "loading provider";
+constexpr const char* kLoading = "loading provider ";
 template <>
-constexpr const char* kLoading<TConsumerLibrary> = "loading consumer";
+constexpr const char* kLoading<TConsumerLibrary> = "loading consumer ";
+
+/// The failure of a load without the names that its line has already. The core's messages are
+/// "Couldn't load NSP: SERVICE (FILE: what the system's loader says)" and "... in FILE".
+TExplainedException WithoutNames(const TExplainedException& failure, const TLibrary& library) {
+  std::string reason = failure.GetReason();
+  const std::string service = ": " + library.fService + " (";
+  const std::string file = library.fFile.substr(library.fFile.rfind('/'));
+  const std::size_t start = reason.find(service);
+  const std::size_t in = reason.rfind(" in ");
+  if (start != std::string::npos && boost::algorithm::ends_with(reason, ")")) {
+    reason = reason.substr(start + service.size(), reason.size() - start - service.size() - 1);
+    const std::size_t name = reason.find(file + ": ");
+    if (name != std::string::npos) reason.erase(0, name + file.size() + 2);
+  } else if (in != std::string::npos && boost::algorithm::ends_with(reason, file)) {
+    reason.erase(in);
+  }
+  return {failure.GetStatusCode(), reason};
+}
 
 /// Loads them, once each has been tried. The trials run side by side and before anything is loaded
 /// for good, so that none suffers from another plug-in, or waits for it.
@@ -114,7 +132,7 @@ void LoadBatch(std::vector<TLoaded>& libraries, std::size_t begin, std::size_t e
   for (std::size_t i = begin; i < end; ++i) {
     libraries[i].fFailure = Try([&, &library = libraries[i]] {
       CheckPluginFile(library.fFile);
-      trials[i] = std::make_unique<TPluginTrial>(library.fFile, [&library] { Load(library); });
+      trials[i] = std::make_unique<TPluginTrial>([&library] { Load(library); });
     });
   }
   for (std::size_t i = begin; i < end; ++i) {
@@ -123,9 +141,10 @@ void LoadBatch(std::vector<TLoaded>& libraries, std::size_t begin, std::size_t e
   for (std::size_t i = begin; i < end; ++i) {
     TLoaded& library = libraries[i];
     if (library.fFailure) continue;
-    const TCrashNote note(kLoading<TLoaded>, library.fService);
+    const TCrashNote note(kLoading<TLoaded> + library.fFile);
     const TKeptSurroundings kept;
     library.fFailure = Try([&library] { Load(library); });
+    if (library.fFailure) library.fFailure = WithoutNames(*library.fFailure, library);
   }
 }
 
@@ -147,16 +166,15 @@ template <typename TLoaded>
 std::vector<TLoaded> LoadAll() {
   auto libraries = LoadServices<TLoaded>(FindServices(kKind<TLoaded>));
   for (const TLoaded& library : libraries) {
-    if (library.fFailure) {
-      PrintError(FailureLine(kLoading<TLoaded>, library.fService, *library.fFailure));
-    }
+    if (library.fFailure) PrintFailure(kLoading<TLoaded> + library.fFile, *library.fFailure);
   }
   return libraries;
 }
 
 /// Not a failure of the provider: it has none of this name, or hands out none at all.
-bool IsWithoutNamespace(const TFailure& failure) {
-  return failure.fStatus == kQDXStatusNotFound || failure.fStatus == kQDXStatusNotImplemented;
+bool IsWithoutNamespace(const TExplainedException& failure) {
+  const EQDXStatusCode status = failure.GetStatusCode();
+  return status == kQDXStatusNotFound || status == kQDXStatusNotImplemented;
 }
 
 }  // namespace
@@ -183,15 +201,15 @@ std::string NameOf(const INamespaceProvider& provider) {
 boost::shared_ptr<ICIMNamespace> FindMachineNamespace(const TOptionsMap& options, bool& failed) {
   boost::shared_ptr<ICIMNamespace> ns;
   for (const auto& provider : RegisteredProviders()) {
-    const std::string tried = std::string("opening ") + kMachineNamespace + " of provider";
     const std::string name = NameOf(*provider);
-    const TCrashNote note(tried, name);
+    const std::string action = std::string("opening ") + kMachineNamespace + " of provider " + name;
+    const TCrashNote note(action);
     const auto failure = Try([&] { ns = provider->GetNamespace(kMachineNamespace, options); });
     if (ns) return ns;
     if (failure && IsWithoutNamespace(*failure)) continue;
     failed = true;
-    PrintError(
-        FailureLine(tried, name, failure.value_or(TFailure(kQDXStatusFail, "it answers nothing"))));
+    PrintFailure(action, failure ? WithoutName(*failure, name)
+                                 : TExplainedException(kQDXStatusFail, "it returns none"));
   }
   return ns;
 }

@@ -19,7 +19,7 @@ using TProviders = std::vector<boost::shared_ptr<INamespaceProvider>>;
 struct TLibrary {
   std::string fService;
   std::string fFile;
-  std::optional<TFailure> fFailure;
+  std::optional<TExplainedException> fFailure;
 };
 
 struct TProviderLibrary : TLibrary {
@@ -50,6 +50,9 @@ TProviders RegisteredProviders();
 
 /// As it told it when it was loaded.
 std::string NameOf(const INamespaceProvider& provider);
+
+/// For the end of a reason: what to do where a plug-in is missing.
+inline constexpr const char* kListPlugins = "; 'qdx plugins' lists what is installed";
 
 /// What providers that describe a machine call its namespace.
 inline constexpr const char* kMachineNamespace = "root/cimv2";

@@ -21,14 +21,16 @@ boost::shared_ptr<INamespaceProvider> ProviderNamed(const std::string& name) {
   const auto failure = Try(
       [&] { provider = TRootObject::GetNamespaceProviderManager()->GetNamespaceProvider(name); });
   if (failure) {
-    throw TCommandFailure(kExitBadInput, FailureLine("asking provider", name, *failure));
+    throw TCommandFailure(
+        kExitBadInput, "looking for provider " + name,
+        {failure->GetStatusCode(), "no plug-in brings one of this name; 'qdx plugins' lists all"});
   }
   return provider;
 }
 
-std::string WhatWasTried(const TOrigin& origin, const std::string& operation) {
+std::string ActionOn(const TOrigin& origin, const std::string& operation) {
   const std::string& ns = origin.fNamespace;
-  return operation + (ns.empty() ? "" : " " + ns + " of") + " provider";
+  return operation + (ns.empty() ? "" : " " + ns + " of") + " provider " + origin.fProvider;
 }
 
 }  // namespace
@@ -38,8 +40,8 @@ std::string RootFolder(const TArguments& arguments) {
   std::error_code error;
   if (std::filesystem::is_directory(root, error)) return root;
   const std::string why = error ? error.message() : "not a folder";
-  throw TCommandFailure(kExitBadInput, FailureLine("reading root folder", root,
-                                                   TFailure(kQDXStatusFileNotFound, why)));
+  throw TCommandFailure(kExitBadInput, "reading root folder " + root,
+                        {kQDXStatusFileNotFound, why});
 }
 
 std::vector<TOptionSpec> TLiveMachine::Options() {
@@ -74,8 +76,7 @@ void TLiveMachine::VisitNamespaces(const std::string& operation, const TVisitor&
 
 void TLiveMachine::AddFailure(const TProviderFailure& failure) {
   fFailures.push_back(failure);
-  PrintError(FailureLine(WhatWasTried(failure.fOrigin, failure.fOperation),
-                         failure.fOrigin.fProvider, failure.fFailure));
+  PrintFailure(ActionOn(failure.fOrigin, failure.fOperation), failure.fFailure);
 }
 
 /// None if the provider does not list them: it may serve who knows their names.
@@ -105,22 +106,21 @@ boost::shared_ptr<ICIMNamespace> TLiveMachine::Open(INamespaceProvider& provider
     const std::string name = NModel::Folded(origin.fNamespace);
     const auto taken = fTaken.find(name);
     if (taken != fTaken.end()) {
-      LogErrorAndThrow(kQDXStatusAlreadyExists,
-                       {"namespace ", origin.fNamespace, " was already collected from provider ",
-                        taken->second});
+      throw TExplainedException(kQDXStatusAlreadyExists,
+                                "it was already collected from provider " + taken->second);
     }
     ns = provider.GetNamespace(origin.fNamespace, {{NModel::kRootOption, TCIMValue(fRoot)}});
-    if (!ns) LogErrorAndThrow(kQDXStatusFail, {"the provider answers nothing"});
+    if (!ns) throw TExplainedException(kQDXStatusFail, "it returns none");
     fTaken[name] = origin.fProvider;
   });
   return ns;
 }
 
 void TLiveMachine::Attempt(const TOrigin& origin, const std::string& operation,
-                           const std::function<void()>& action) {
-  const TCrashNote note(WhatWasTried(origin, operation), origin.fProvider);
-  const auto failure = Try(action);
-  if (failure) AddFailure({origin, operation, *failure});
+                           const std::function<void()>& work) {
+  const TCrashNote note(ActionOn(origin, operation));
+  const auto failure = Try(work);
+  if (failure) AddFailure({origin, operation, WithoutName(*failure, origin.fProvider)});
 }
 
 }  // namespace NVORNQDX20

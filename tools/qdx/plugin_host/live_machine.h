@@ -28,7 +28,7 @@ struct TOrigin {
 struct TProviderFailure {
   TOrigin fOrigin;
   std::string fOperation;  ///< "loading", "listing", "opening", "writing" or what a visitor does.
-  TFailure fFailure;
+  TExplainedException fFailure;
 };
 
 /// The folder of option "root". Throws a TCommandFailure if it is none.
@@ -61,7 +61,7 @@ class TLiveMachine {
   std::vector<std::string> NamespacesOf(INamespaceProvider& provider);
   boost::shared_ptr<ICIMNamespace> Open(INamespaceProvider& provider, const TOrigin& origin);
   void Attempt(const TOrigin& origin, const std::string& operation,
-               const std::function<void()>& action);
+               const std::function<void()>& work);
 
   std::string fRoot;
   TProviders fProviders;

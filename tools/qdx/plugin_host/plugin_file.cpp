@@ -2,7 +2,7 @@
 #include "plugin_file.h"
 
 #include <qdxcore/build_stamp.h>
-#include <qdxcore/logger.h>
+#include <qdxcore/status.h>
 #include <qdxsystem/error_text.h>
 
 #include <cerrno>
@@ -14,26 +14,33 @@
 
 #include <elf.h>
 
+#include "libraries.h"
+
 namespace NVORNQDX20 {
 namespace {
+
+// What to do about it.
+constexpr const char* kBuildAgain = "; build it again with the headers that are installed";
+constexpr const char* kTakeFlags = "; 'pkg-config --cflags qdxcore' prints the flags that it needs";
+
+[[noreturn]] void Refuse(const std::string& why) {
+  throw TExplainedException(kQDXStatusInvalidPlugin, "it " + why);
+}
 
 /// The parts of a file, none of them beyond its end.
 class TPluginFile {
  public:
-  explicit TPluginFile(const std::string& file) : fFile(file) {
+  explicit TPluginFile(const std::string& file) {
     std::error_code error;
     const auto status = std::filesystem::status(file, error);
     if (!std::filesystem::exists(status)) {
-      Refuse(std::filesystem::is_symlink(file, error) ? "leads nowhere" : "is not there");
+      Refuse(std::filesystem::is_symlink(file, error) ? "is a link that leads nowhere"
+                                                      : std::string("is not there") + kListPlugins);
     }
     if (!std::filesystem::is_regular_file(status)) Refuse("is not a file");
     fSize = std::filesystem::file_size(file, error);
     fStream.open(file, std::ios::binary);
     if (!fStream) Refuse("cannot be read: " + ErrorText(errno));
-  }
-
-  [[noreturn]] void Refuse(const std::string& why) const {
-    LogErrorAndThrow(kQDXStatusInvalidPlugin, {fFile, " ", why});
   }
 
   void RequirePart(std::uint64_t offset, std::uint64_t size) const {
@@ -57,35 +64,36 @@ class TPluginFile {
   }
 
  private:
-  const std::string fFile;
   std::uint64_t fSize = 0;
   std::ifstream fStream;
 };
 
 Elf64_Ehdr ReadHeader(TPluginFile& file) {
-  if (file.ReadBytes(0, SELFMAG) != ELFMAG) file.Refuse("is not a library");
+  if (file.ReadBytes(0, SELFMAG) != ELFMAG) Refuse("is not a library");
   const auto header = file.Read<Elf64_Ehdr>(0);
   if (header.e_ident[EI_CLASS] != ELFCLASS64 || header.e_ident[EI_DATA] != ELFDATA2LSB ||
       header.e_machine != EM_X86_64) {
-    file.Refuse("is built for another kind of machine");
+    Refuse("is built for another kind of machine");
   }
-  if (header.e_phentsize != sizeof(Elf64_Phdr)) file.Refuse("is not a library");
+  if (header.e_phentsize != sizeof(Elf64_Phdr)) Refuse("is not a library");
   return header;
 }
 
-void CheckStamp(const TPluginFile& file, const TBuildStamp& stamp) {
+void CheckStamp(const TBuildStamp& stamp) {
   const bool isOtherMajor = stamp.fMajorVersion != kBuildStamp.fMajorVersion;
   if (isOtherMajor || stamp.fMinorVersion > kBuildStamp.fMinorVersion) {
-    file.Refuse("was built against version " + std::to_string(stamp.fMajorVersion) + "." +
-                std::to_string(stamp.fMinorVersion) + "." + std::to_string(stamp.fPatchVersion) +
-                " of the interfaces, " + (isOtherMajor ? "another major version" : "a newer one") +
-                " than " QDXCORE_VERSION);
+    Refuse("was built against version " + std::to_string(stamp.fMajorVersion) + "." +
+           std::to_string(stamp.fMinorVersion) + "." + std::to_string(stamp.fPatchVersion) +
+           " of the interfaces, " + (isOtherMajor ? "another major version" : "a newer one") +
+           " than " QDXCORE_VERSION + kBuildAgain);
   }
-  if (stamp.fHasAssertHandler == 0) file.Refuse("was built without BOOST_ENABLE_ASSERT_HANDLER");
-  if (stamp.fHasPlainCounts == 0) file.Refuse("was built without BOOST_SP_DISABLE_THREADS");
+  if (stamp.fHasAssertHandler == 0)
+    Refuse(std::string("was built without BOOST_ENABLE_ASSERT_HANDLER") + kTakeFlags);
+  if (stamp.fHasPlainCounts == 0)
+    Refuse(std::string("was built without BOOST_SP_DISABLE_THREADS") + kTakeFlags);
   if (stamp.fHasDebugContainers != kBuildStamp.fHasDebugContainers) {
-    file.Refuse(stamp.fHasDebugContainers != 0 ? "was built with _GLIBCXX_DEBUG"
-                                               : "was built without _GLIBCXX_DEBUG");
+    Refuse(stamp.fHasDebugContainers != 0 ? "was built with _GLIBCXX_DEBUG"
+                                          : "was built without _GLIBCXX_DEBUG");
   }
 }
 
@@ -97,7 +105,7 @@ std::string_view Take(std::string_view& rest, std::uint64_t size) {
 }
 
 /// Checks the stamps among the notes, and returns how many there are.
-int CheckNotes(const TPluginFile& file, std::string_view notes) {
+int CheckNotes(std::string_view notes) {
   const auto padded = [](std::uint64_t size) { return (size + 3) / 4 * 4; };
   const std::string_view owner(kBuildStampOwner, sizeof(kBuildStampOwner));
   int stamps = 0;
@@ -107,10 +115,10 @@ int CheckNotes(const TPluginFile& file, std::string_view notes) {
     const std::string_view name = Take(notes, padded(header.n_namesz));
     const std::string_view contents = Take(notes, padded(header.n_descsz));
     if (name != owner || header.n_type != kBuildStampType) continue;
-    if (contents.size() < sizeof(TBuildStamp)) file.Refuse("carries a damaged build stamp");
+    if (contents.size() < sizeof(TBuildStamp)) Refuse("carries a damaged build stamp");
     TBuildStamp stamp;
     std::memcpy(&stamp, contents.data(), sizeof(stamp));
-    CheckStamp(file, stamp);
+    CheckStamp(stamp);
     ++stamps;
   }
   return stamps;
@@ -128,10 +136,11 @@ void CheckPluginFile(const std::string& name) {
     if (segment.p_type == PT_LOAD) file.RequirePart(segment.p_offset, segment.p_filesz);
     // Notes aligned to 8 bytes are the compiler's own, and stand in a segment of their own.
     if (segment.p_type == PT_NOTE && segment.p_align <= 4) {
-      stamps += CheckNotes(file, file.ReadBytes(segment.p_offset, segment.p_filesz));
+      stamps += CheckNotes(file.ReadBytes(segment.p_offset, segment.p_filesz));
     }
   }
-  if (stamps == 0) file.Refuse("carries no build stamp: it was not built with these headers");
+  if (stamps == 0)
+    Refuse("carries no build stamp: no source file of it includes <qdxcore/interfaces.h>");
 }
 
 }  // namespace NVORNQDX20

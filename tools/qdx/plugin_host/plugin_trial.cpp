@@ -46,9 +46,9 @@ void TurnAside(int end) {
 }
 
 std::string HowItEnded(int status) {
-  if (WIFEXITED(status)) return "ended it with status " + std::to_string(WEXITSTATUS(status));
+  if (WIFEXITED(status)) return "ended that with status " + std::to_string(WEXITSTATUS(status));
   const char* const name = ::sigabbrev_np(WTERMSIG(status));  // real-time signals have none
-  return "ended it with signal " + (name == nullptr ? std::to_string(WTERMSIG(status)) : name);
+  return "ended that with signal " + (name == nullptr ? std::to_string(WTERMSIG(status)) : name);
 }
 
 std::string OnOneLine(std::string text) {
@@ -60,10 +60,8 @@ std::string OnOneLine(std::string text) {
 
 }  // namespace
 
-TPluginTrial::TPluginTrial(const std::string& file, const std::function<void()>& load)
-    : fFile(file),
-      fDeadline(std::chrono::steady_clock::now() + kPatience),
-      fWorker([&load](int end) {
+TPluginTrial::TPluginTrial(const std::function<void()>& load)
+    : fDeadline(std::chrono::steady_clock::now() + kPatience), fWorker([&load](int end) {
         TurnAside(end);
         const TLastError lastError;
         gLastError = &lastError;
@@ -79,8 +77,8 @@ void TPluginTrial::RequireSuccess() {
   if (ended && WIFEXITED(status) && WEXITSTATUS(status) == kCameBack) return;
   const std::string how =
       ended ? HowItEnded(status) + OnOneLine(fWorker.Text()) : "did not come back";
-  LogErrorAndThrow(kQDXStatusInvalidPlugin,
-                   {fFile, " was tried in a process of its own and ", how});
+  throw TExplainedException(kQDXStatusInvalidPlugin,
+                            "it was tried in a process of its own and " + how);
 }
 
 }  // namespace NVORNQDX20

@@ -15,15 +15,14 @@ namespace NVORNQDX20 {
 /// or ends would end this one. What `load` throws does not count, since it can be caught.
 class TPluginTrial {
  public:
-  TPluginTrial(const std::string& file, const std::function<void()>& load);
+  explicit TPluginTrial(const std::function<void()>& load);
 
-  /// Logs kQDXStatusInvalidPlugin with the file's name and throws it if that process died, or is
+  /// Throws kQDXStatusInvalidPlugin, and how "it" ended as the reason, if that process died, or is
   /// not back ten seconds after it was made. Where no process could be made, all is well: a plug-in
   /// that cannot be tried may be the only one that tells what this machine suffers from.
   void RequireSuccess();
 
  private:
-  const std::string fFile;
   const std::chrono::steady_clock::time_point fDeadline;
   TWorker fWorker;
 };

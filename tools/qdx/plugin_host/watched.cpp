@@ -16,15 +16,15 @@ namespace {
 
 using TClock = std::chrono::steady_clock;
 
-/// No EExitCode: the only failure that the action has not reported itself.
+/// No EExitCode: the only failure that the work has not reported itself.
 constexpr int kOutOfMemory = 113;
 
-int ExitCodeOf(const std::function<void()>& action) {
+int ExitCodeOf(const std::function<void()>& work) {
   try {
-    action();
+    work();
     return kExitDone;
   } catch (const TCommandFailure& failure) {
-    PrintError(failure.what());
+    failure.Print();
     return failure.GetExitCode();
   } catch (const std::bad_alloc&) {
     return kOutOfMemory;
@@ -49,16 +49,16 @@ bool EndsByItself(TWorker& worker, std::chrono::seconds patience) {
 
 }  // namespace
 
-void RunWatched(const std::string& tried, const std::string& on, std::chrono::seconds patience,
-                const std::function<void()>& action) {
+void RunWatched(const std::string& action, std::chrono::seconds patience,
+                const std::function<void()>& work) {
   const auto fail = [&](EQDXStatusCode status, const std::string& why) {
-    throw TCommandFailure(kExitTransferFailed, FailureLine(tried, on, {status, why}));
+    throw TCommandFailure(kExitTransferFailed, action, {status, why});
   };
-  TWorker worker([&action](int) { return ExitCodeOf(action); });
+  TWorker worker([&work](int) { return ExitCodeOf(work); });
   if (!worker.IsRunning()) fail(kQDXStatusFail, ErrorText(errno));
   if (!EndsByItself(worker, patience)) {
-    fail(kQDXStatusConnectionFailed,
-         "nothing moved for " + std::to_string(patience.count()) + " seconds");
+    fail(kQDXStatusConnectionFailed, "nothing moved for " + std::to_string(patience.count()) +
+                                         " seconds; --timeout allows more");
   }
   const int status = worker.Status();
   if (!WIFEXITED(status)) fail(kQDXStatusFail, "a signal ended it");

@@ -9,14 +9,14 @@
 
 namespace NVORNQDX20 {
 
-/// Runs the action in a process of its own until it is done. That process dies with this one, and
+/// Runs the work in a process of its own until it is done. That process dies with this one, and
 /// is ended when for so long it has neither read nor written a file. Only files and standard error
 /// show what it did: objects here stay as they are.
 ///
-/// Throws a TCommandFailure: without a line if the action threw one, which is reported by then,
-/// else with "TRIED, ON: why".
-void RunWatched(const std::string& tried, const std::string& on, std::chrono::seconds patience,
-                const std::function<void()>& action);
+/// Throws a TCommandFailure: without a line if the work threw one, which is reported by then,
+/// else with "ACTION: reason".
+void RunWatched(const std::string& action, std::chrono::seconds patience,
+                const std::function<void()>& work);
 
 }  // namespace NVORNQDX20
 

@@ -54,7 +54,8 @@ TCopies CopyNamespaces(TLiveMachine& machine) {
   machine.VisitNamespaces("copying", [&copies](const TOrigin& origin, const auto& ns) {
     const auto copy = MakeRepositoryNamespace(origin.fNamespace);
     if (IsNamed(*copy, kRecordNamespaceName)) {
-      LogErrorAndThrow(kQDXStatusAlreadyExists, {"the record of the collection has this name"});
+      throw TExplainedException(kQDXStatusAlreadyExists,
+                                "the record of the collection has this name");
     }
     copies.push_back({origin, copy});
     const std::string label = "collecting " + origin.fProvider + " " + origin.fNamespace;
@@ -101,8 +102,8 @@ bool IsNoFile(const std::string& path) {
 }
 
 [[noreturn]] void FailToCollect(const TLiveMachine& machine, const std::string& why) {
-  throw TCommandFailure(kExitNothingCollected,
-                        FailureLine("collecting", machine.GetRoot(), {kQDXStatusNotFound, why}));
+  throw TCommandFailure(kExitNothingCollected, "collecting the machine below " + machine.GetRoot(),
+                        {kQDXStatusNotFound, why});
 }
 
 /// What goes into a document, and how it gets there.
@@ -170,8 +171,7 @@ class TCollection {
 
   void LeaveOut(const TRefusal& refusal, const std::string& shownAs) {
     if (refusal.fIndex == fCopies.size()) {  // the record
-      throw TCommandFailure(kExitBadInput,
-                            FailureLine("writing document", shownAs, refusal.fFailure));
+      throw TCommandFailure(kExitBadInput, "writing document " + shownAs, refusal.fFailure);
     }
     const auto refused = fCopies.begin() + static_cast<std::ptrdiff_t>(refusal.fIndex);
     fMachine.AddFailure({refused->fOrigin, "writing", refusal.fFailure});

@@ -62,8 +62,8 @@ void AddFailures(ICIMNamespace& ns, const std::vector<TProviderFailure>& failure
     AddInstance(*failureClass, {{"Provider", origin.fProvider},
                                 {"Namespace", origin.fNamespace},
                                 {"Operation", operation},
-                                {"Status", TQDXStatusCode(failure.fStatus).TranslateStatusCode()},
-                                {"Reason", failure.fWhy}});
+                                {"Status", failure.what()},
+                                {"Reason", failure.GetReason()}});
   }
 }
 

@@ -43,8 +43,8 @@ void SetUpLog(const TArguments& arguments) {
   errno = 0;
   auto failure = Try([&] { logger.SetLogFilename(file); });
   // The status does not tell a missing folder from a full disk; the system's own word does.
-  if (failure && errno != 0) failure->fWhy = ErrorText(errno);
-  if (failure) throw TCommandFailure(kExitBadInput, FailureLine("opening log", file, *failure));
+  if (failure && errno != 0) failure = {failure->GetStatusCode(), ErrorText(errno)};
+  if (failure) throw TCommandFailure(kExitBadInput, "opening log " + file, *failure);
 }
 
 /// "qdx help" and "qdx help VERB".

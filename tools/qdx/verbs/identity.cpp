@@ -83,18 +83,18 @@ TOptionsMap OptionsFor(const std::string& root, const std::vector<TItem>& items)
 }
 
 TAnswer Ask(const TItem& item, TNamespace ns, const TAbsenceReasons& reasons) {
-  const TCrashNote note("asking for", item.fLabel);
+  const TCrashNote note(std::string("asking for ") + item.fLabel);
   TJSON value;
   auto failure = Try([&] { value = item.fQuery(ns); });
-  if (failure && failure->fStatus == kQDXStatusInvalidFormat && item.fMisfit != nullptr) {
-    failure->fWhy = item.fMisfit;
+  if (failure && failure->GetStatusCode() == kQDXStatusInvalidFormat && item.fMisfit != nullptr) {
+    failure = {failure->GetStatusCode(), item.fMisfit};
     if (item.fRawQuery) return {item, item.fRawQuery(ns), item.fMisfit};
   }
   // A key cannot be null: an empty text is one that the machine does not have.
   if (!failure && value != "") return {item, value, ""};
   const auto reason = reasons.find({item.fClass, "", item.fProperty});
   if (reason != reasons.end()) return {item, nullptr, reason->second};
-  return {item, nullptr, failure ? failure->Text() : "empty"};
+  return {item, nullptr, failure ? failure->GetReason() : "empty"};
 }
 
 /// The version of this program is always known and tells nothing about the machine.
@@ -131,7 +131,7 @@ void WriteAsJSON(const std::vector<TAnswer>& answers) {
 }
 
 EExitCode FailToDescribe(const std::string& root, const std::string& why) {
-  PrintError(FailureLine("describing the machine", root, {kQDXStatusNotFound, why}));
+  PrintFailure("describing the machine below " + root, {kQDXStatusNotFound, why});
   return kExitNothingCollected;
 }
 
@@ -140,7 +140,9 @@ EExitCode RunIdentity(const TArguments& arguments) {
   bool failed = AnyFailed(LoadProviderLibraries());
   const std::vector<TItem> items = Items();
   const TNamespace ns = FindMachineNamespace(OptionsFor(root, items), failed);
-  if (!ns) return FailToDescribe(root, std::string("no provider has ") + kMachineNamespace);
+  if (!ns) {
+    return FailToDescribe(root, std::string("no provider has ") + kMachineNamespace + kListPlugins);
+  }
 
   const TAbsenceReasons reasons = ReadAbsenceReasons(*ns);
   std::vector<TAnswer> answers;

@@ -39,16 +39,16 @@ bool RefuseOddDevices(TMedia& media) {
     return IsPlainDevicePath(medium.first);
   });
   for (auto medium = odd; medium != media.end(); ++medium) {
-    PrintError(FailureLine("listing medium", medium->first,
-                           {kQDXStatusInvalidFormat, "not a plain path below /dev"}));
+    PrintFailure("listing medium " + medium->first,
+                 {kQDXStatusInvalidFormat, "not a plain path below /dev"});
   }
   const bool refused = odd != media.end();
   media.erase(odd, media.end());
   return refused;
 }
 
-EExitCode FailToList(const std::string& on, const TFailure& failure) {
-  PrintError(FailureLine("listing removable media", on, failure));
+EExitCode FailToList(const std::string& source, const TExplainedException& failure) {
+  PrintFailure("listing removable media from " + source, failure);
   return kExitNothingCollected;
 }
 
@@ -67,9 +67,9 @@ std::optional<std::string> FindMissingValue(const ICIMInstance& device) {
 }
 
 /// What made the core give up the whole list, as far as that can be told afterwards.
-std::string FindCulprit(ICIMNamespace& ns, const TFailure& failure) {
+std::string FindCulprit(ICIMNamespace& ns, const TExplainedException& failure) {
   std::string culprit = std::string(kSCSIDevice) + " of " + kMachineNamespace;
-  if (failure.fStatus != kQDXStatusValueIsNULL) return culprit;
+  if (failure.GetStatusCode() != kQDXStatusValueIsNULL) return culprit;
   (void)Try([&] {
     for (const auto& device : NModel::InstancesOf(*ns.GetClass(kSCSIDevice, {}))) {
       const auto property = FindMissingValue(*device);
@@ -95,7 +95,9 @@ void Write(const TMedia& media, bool asJSON) {
 EExitCode RunMedia(const TArguments& arguments) {
   bool failed = AnyFailed(LoadProviderLibraries());
   const auto ns = FindMachineNamespace(TOptionsMap(), failed);
-  if (!ns) return FailToList(kMachineNamespace, {kQDXStatusNotFound, "no provider has it"});
+  if (!ns)
+    return FailToList(kMachineNamespace,
+                      {kQDXStatusNotFound, std::string("no provider has it") + kListPlugins});
   if (!TOSSpecific::FileExists(kUSBDeviceList)) {
     return FailToList(kUSBDeviceList,
                       {kQDXStatusFileNotFound, "this kernel has no list of its USB devices"});

@@ -12,14 +12,18 @@ namespace {
 
 using TJSON = nlohmann::ordered_json;
 
+void AddFailure(const TExplainedException& failure, TJSON& description) {
+  description["failure"] = failure.GetReason();
+  description["status"] = failure.what();
+}
+
 /// A library that failed at this is not useless; its row says so all the same.
-bool Ask(const std::string& tried, const std::string& on, TJSON& description,
-         const std::function<void()>& action) {
-  const TCrashNote note(tried, on);
-  const auto failure = Try(action);
-  if (failure && failure->fStatus != kQDXStatusNotImplemented) {
-    description["failure"] = failure->Text();
-    PrintError(FailureLine(tried, on, *failure));
+bool Ask(const std::string& action, TJSON& description, const std::function<void()>& call) {
+  const TCrashNote note(action);
+  const auto failure = Try(call);
+  if (failure && failure->GetStatusCode() != kQDXStatusNotImplemented) {
+    AddFailure(*failure, description);
+    PrintFailure(action, *failure);
   }
   return !failure;
 }
@@ -27,7 +31,7 @@ bool Ask(const std::string& tried, const std::string& on, TJSON& description,
 /// An array of names; null if the provider does not list its namespaces.
 TJSON NamespacesOf(INamespaceProvider& provider, TJSON& description) {
   TJSON names = TJSON::array();
-  const bool told = Ask("listing the namespaces of provider", NameOf(provider), description, [&] {
+  const bool told = Ask("listing the namespaces of provider " + NameOf(provider), description, [&] {
     provider.EnumerateNamespaceNames(
         [&names](const std::string& name) {
           names.push_back(name);
@@ -39,8 +43,12 @@ TJSON NamespacesOf(INamespaceProvider& provider, TJSON& description) {
 }
 
 TJSON Describe(const TLibrary& library) {
-  const TJSON failure = library.fFailure ? TJSON(library.fFailure->Text()) : TJSON();
-  return {{"service", library.fService}, {"file", library.fFile}, {"failure", failure}};
+  TJSON description = {{"service", library.fService},
+                       {"file", library.fFile},
+                       {"failure", nullptr},
+                       {"status", nullptr}};
+  if (library.fFailure) AddFailure(*library.fFailure, description);
+  return description;
 }
 
 TJSON Describe(const TProviderLibrary& library) {
@@ -59,7 +67,7 @@ TJSON Describe(const TConsumerLibrary& library) {
   TJSON description = Describe(static_cast<const TLibrary&>(library));
   TJSON name;
   if (library.fConsumer) {
-    Ask("asking for the name of consumer", library.fService, description,
+    Ask("asking for the name of consumer " + library.fService, description,
         [&] { name = library.fConsumer->GetName(TOptionsMap()); });
   }
   description["name"] = name;

@@ -104,7 +104,7 @@ class TSelection {
                      [](const auto& a, const auto& b) { return a.fName < b.fName; });
     return std::move(fFound);
   }
-  const TFailure& WhyNot() const { return fWhyNot; }
+  const TExplainedException& WhyNot() const { return fWhyNot; }
 
  private:
   /// Null if the namespace does not have the element, or if none is asked for.
@@ -114,7 +114,7 @@ class TSelection {
     const auto failure = Try([&] {
       element = TCIMReference(ns, fRequest.fElement.fPath, TOptionsMap()).GetCIMElement();
     });
-    if (failure && failure->fStatus != kQDXStatusNotFound) fWhyNot = *failure;
+    if (failure && failure->GetStatusCode() != kQDXStatusNotFound) fWhyNot = *failure;
     return element;
   }
 
@@ -131,7 +131,7 @@ class TSelection {
 
   const TRequest& fRequest;
   std::vector<TTreeNamespace> fFound;
-  TFailure fWhyNot;
+  TExplainedException fWhyNot;
 };
 
 void AddDocument(const std::string& file, TSelection& selection) {
@@ -149,21 +149,39 @@ bool AddLiveMachine(const TArguments& arguments, TSelection& selection) {
   return machine.GetFailures().empty();
 }
 
-[[noreturn]] void FailToFind(const TRequest& request, bool complete, const TFailure& why) {
-  const std::string& element = request.fElement.fText;
+/// What is wrong with the text of an element. The core repeats the text; the line has it already.
+TExplainedException Mistake(const TExplainedException& failure) {
+  std::string reason = failure.GetReason().substr(0, failure.GetReason().find(", path="));
+  if (failure.GetStatusCode() == kQDXStatusInvalidReference) {
+    reason += "; in the shell an object path needs single quotes: 'CLASS.KEY=\"VALUE\"'";
+  }
+  return {failure.GetStatusCode(), reason};
+}
+
+[[noreturn]] void FailToFindElement(const TRequest& request, bool complete,
+                                    const TExplainedException& why) {
+  const std::string action = "looking for " + request.fElement.fText;
+  if (why.GetStatusCode() != kQDXStatusNotFound) {
+    throw TCommandFailure(kExitBadInput, action, Mistake(why));
+  }
+  if (!complete) {
+    throw TCommandFailure(kExitBadInput, action,
+                          {kQDXStatusNotFound, "no provider that answered has it"});
+  }
+  const std::string file = request.fFile.empty() ? "" : " " + request.fFile;
+  throw TCommandFailure(kExitBadInput, action,
+                        {kQDXStatusNotFound,
+                         why.GetReason() + "; 'qdx show" + file + " --depth 1' lists the classes"});
+}
+
+[[noreturn]] void FailToFind(const TRequest& request, bool complete,
+                             const TExplainedException& why) {
+  if (!request.fElement.fText.empty()) FailToFindElement(request, complete, why);
   // Lines about the providers that failed are the whole reason.
-  if (element.empty() && !complete) throw TCommandFailure(kExitNothingCollected, "");
-  if (!element.empty() && !complete && why.fStatus == kQDXStatusNotFound) {
-    const TFailure failure(kQDXStatusNotFound, "no provider that answered has it");
-    throw TCommandFailure(kExitBadInput, FailureLine("looking for", element, failure));
-  }
-  if (!element.empty()) {
-    throw TCommandFailure(kExitBadInput, FailureLine("looking for", element, why));
-  }
-  const TFailure failure(kQDXStatusNotFound, "there is no namespace");
-  throw TCommandFailure(
-      kExitNothingCollected,
-      FailureLine("showing", request.fFile.empty() ? "this machine" : request.fFile, failure));
+  if (!complete) throw TCommandFailure(kExitNothingCollected, "");
+  throw TCommandFailure(kExitNothingCollected,
+                        "showing " + (request.fFile.empty() ? "this machine" : request.fFile),
+                        {kQDXStatusNotFound, "there is no namespace"});
 }
 
 EExitCode RunShow(const TArguments& arguments) {

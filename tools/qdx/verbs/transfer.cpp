@@ -38,9 +38,8 @@ const TOptionSpec kTimeoutOption = {"timeout", "SECONDS",
 
 using TStream = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
-[[noreturn]] void FailOnFile(const std::string& tried, const std::string& file,
-                             const std::string& why) {
-  throw TCommandFailure(kExitBadInput, FailureLine(tried, file, {kQDXStatusFileSystemError, why}));
+[[noreturn]] void FailOnFile(const std::string& action, const std::string& why) {
+  throw TCommandFailure(kExitBadInput, action, {kQDXStatusFileSystemError, why});
 }
 
 [[noreturn]] void FailOnUsage(const std::string& line) { throw TCommandFailure(kExitUsage, line); }
@@ -65,10 +64,9 @@ std::string Polished(const std::string& message) {
   return isOpen ? text + "no reason given" : text;
 }
 
-[[noreturn]] void FailToTransfer(const std::string& tried, const std::string& on,
-                                 TFailure failure) {
-  failure.fWhy = Polished(failure.fWhy);
-  throw TCommandFailure(kExitTransferFailed, FailureLine(tried, on, failure));
+[[noreturn]] void FailToTransfer(const std::string& action, const TExplainedException& failure) {
+  throw TCommandFailure(kExitTransferFailed, action,
+                        {failure.GetStatusCode(), Polished(failure.GetReason())});
 }
 
 /// The name becomes part of a URL, in which other characters have a meaning of their own.
@@ -94,7 +92,7 @@ void CheckRemotePath(const std::string& path) {
 
 TStream OpenTemporaryFile() {
   TStream file(std::tmpfile(), std::fclose);
-  if (!file) FailOnFile("opening", "temporary file", ErrorText(errno));
+  if (!file) FailOnFile("opening a temporary file", ErrorText(errno));
   return file;
 }
 
@@ -108,14 +106,14 @@ void ReadAll(std::FILE* file, const std::string& shownAs,
   while ((count = std::fread(buffer, 1, sizeof buffer, file)) > 0) {
     take(std::string(buffer, count));
   }
-  if (std::ferror(file) != 0) FailOnFile("reading", shownAs, ErrorText(errno));
+  if (std::ferror(file) != 0) FailOnFile("reading " + shownAs, ErrorText(errno));
 }
 
 TStream OpenSource(const std::string& operand, const std::string& shownAs) {
   // Standard input from where it stands, which no name for it would do.
   std::FILE* const file = operand == "-" ? ::fdopen(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0), "rb")
                                          : std::fopen(operand.c_str(), "rbe");
-  if (file == nullptr) FailOnFile("reading", shownAs, ErrorText(errno));
+  if (file == nullptr) FailOnFile("reading " + shownAs, ErrorText(errno));
   return {file, std::fclose};
 }
 
@@ -128,10 +126,10 @@ TStream CopyOfSource(const std::string& operand) {
   std::setvbuf(copy.get(), nullptr, _IONBF, 0);
   ReadAll(source.get(), shownAs, [&](const std::string& block) {
     if (std::fwrite(block.data(), 1, block.size(), copy.get()) != block.size()) {
-      FailOnFile("copying to a temporary file", shownAs, ErrorText(errno));
+      FailOnFile("copying " + shownAs + " to a temporary file", ErrorText(errno));
     }
   });
-  if (std::ftell(copy.get()) == 0) FailOnFile("reading", shownAs, "it is empty");
+  if (std::ftell(copy.get()) == 0) FailOnFile("reading " + shownAs, "it is empty");
   return copy;
 }
 
@@ -141,11 +139,11 @@ EExitCode RunUpload(const TArguments& arguments) {
   const auto patience = PatienceOf(arguments);
   CheckRemoteName(name);
   const TStream copy = CopyOfSource(operand);
-  const std::string tried = "uploading " + operand + " to " QDX_FTP_UPLOAD_HOST;
-  const std::string remote = name + ".xml.gz";
-  RunWatched(tried, remote, patience, [&] {
+  const std::string action =
+      "uploading " + operand + " to " QDX_FTP_UPLOAD_HOST " as " + name + ".xml.gz";
+  RunWatched(action, patience, [&] {
     const auto failure = Try([&] { TOSSpecific::FTPFile(PathOf(copy.get()), name); });
-    if (failure) FailToTransfer(tried, remote, *failure);
+    if (failure) FailToTransfer(action, *failure);
   });
   return kExitDone;
 }
@@ -154,18 +152,18 @@ EExitCode RunUpload(const TArguments& arguments) {
 void CheckForRoom(const std::string& file, const std::string& shownAs) {
   const TDescriptor descriptor(::open(file.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
   const bool hasRoom = descriptor.IsOpen() && WriteAll(descriptor.Get(), std::string_view("\0", 1));
-  if (!hasRoom) FailOnFile("writing", shownAs, ErrorText(errno));
+  if (!hasRoom) FailOnFile("writing " + shownAs, ErrorText(errno));
 }
 
 /// After a failure the file may hold anything.
 void Download(const TArguments& arguments, const std::string& file, const std::string& shownAs) {
   const std::string remote = arguments.Operand(0);
-  const std::string tried = "downloading from " QDX_FTP_DOWNLOAD_HOST;
-  RunWatched(tried, remote, PatienceOf(arguments), [&] {
+  const std::string action = "downloading " + remote + " from " QDX_FTP_DOWNLOAD_HOST;
+  RunWatched(action, PatienceOf(arguments), [&] {
     const auto failure = Try([&] { TOSSpecific::FTPFileFromVORN(file, remote); });
     if (!failure) return;
     CheckForRoom(file, shownAs);
-    FailToTransfer(tried, remote, *failure);
+    FailToTransfer(action, *failure);
   });
 }
 
@@ -180,7 +178,7 @@ void DownloadToOutput(const TArguments& arguments) {
 std::filesystem::path TargetOf(const std::filesystem::path& local) {
   std::error_code error;
   if (std::filesystem::exists(local, error) && !std::filesystem::is_regular_file(local, error)) {
-    FailOnFile("writing", local, "it is no regular file");
+    FailOnFile("writing " + local.string(), "it is no regular file");
   }
   return FileToReplace(local);
 }
