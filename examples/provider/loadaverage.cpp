@@ -36,7 +36,7 @@ TLoad ReadLoad(const std::string& fileName) {
   char slash = 0;
   file >> load.fOneMinute >> load.fFiveMinutes >> load.fFifteenMinutes >> running >> slash >>
       load.fProcesses;
-  // Whoever asked tells the operator what is logged here.
+  // The caller shows this reason to the operator.
   if (!file) LogErrorAndThrow(kQDXStatusFileSystemError, {"cannot read ", fileName});
   return load;
 }
