@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Declarations of qualifiers and classes from their elements.
+// Reads declarations of qualifiers and classes.
 #include "object_readers.h"
 
 #include <qdxcore/status.h>
@@ -39,7 +39,7 @@ bool IsProperty(const TElement& element) {
   return element.Is("PROPERTY") || element.Is("PROPERTY.ARRAY") || element.Is("PROPERTY.REFERENCE");
 }
 
-/// Reads one class into the repository's new one.
+/// Reads one CLASS element into a new class of the repository.
 class TClassReader {
  public:
   TClassReader(TNamespaceReader& ns, const TElement& element, ICIMClass& target)
@@ -106,7 +106,7 @@ class TClassReader {
   void DeclareProperty(const TElement& property) {
     TCIMValue value = ReadPropertyValue(fNamespace, property);
     if (value.IsReference() && !value.GetReferencedClass()) {
-      // A declaration must name a class; where the document does not, it is this one.
+      // A reference property must name a class; if the document names none, it is this class.
       value.SetReferencedClass(fNamespace.ClassNamed(fElement.Get("NAME"), fElement).fClass);
     }
     const auto decl = fTarget.CreatePropertyDecl(property.Get("NAME"), value, {});

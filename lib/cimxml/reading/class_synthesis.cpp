@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Classes that a document uses without declaring them.
+// Declares classes that a document uses without declaring them.
 #include "object_readers.h"
 
 #include <qdxmodel/names.h>
@@ -18,13 +18,14 @@ namespace {
 struct TProperty {
   std::string fName;
   TCIMType fType;
-  /// What tells the class of a reference: a property or a VALUE.REFERENCE; null for other types.
+  /// The element that gives the class of a reference: a property or a VALUE.REFERENCE. Null for
+  /// other types.
   const TElement* fReference;
   bool fIsKey;
-  bool fIsGuessed;  ///< The type is that of the numbers seen so far.
+  bool fIsGuessed;  ///< The type was derived from the numbers seen so far.
 };
 
-/// Without TYPE a number is as large as it may become.
+/// A number without TYPE gets the largest type.
 TCIMType TypeOfNumber(const TElement& value) {
   for (const TCIMType type :
        {TCIMType::kCIMTypeUint64, TCIMType::kCIMTypeSint64, TCIMType::kCIMTypeReal64}) {
@@ -38,7 +39,7 @@ bool IsGuessed(const TElement& value) {
   return value.Find("TYPE") == nullptr && valueType != nullptr && *valueType == "numeric";
 }
 
-/// The one that both numbers fit into.
+/// Returns the type that holds both numbers.
 TCIMType CommonType(TCIMType left, TCIMType right) {
   if (left == right) return left;
   const bool isReal = left == TCIMType::kCIMTypeReal64 || right == TCIMType::kCIMTypeReal64;
@@ -56,17 +57,17 @@ TCIMType TypeOfKey(const TElement& value) {
 
 class TSynthesis {
  public:
-  /// The properties of an instance, then the keys of its name.
-  void AddUse(const TElement& use) {
-    const TElement* const instance = use.Is("INSTANCE") ? &use : use.Child("INSTANCE");
+  /// Adds the properties of an instance, then the keys of its name.
+  void AddUse(const TElement& usedBy) {
+    const TElement* const instance = usedBy.Is("INSTANCE") ? &usedBy : usedBy.Child("INSTANCE");
     if (instance != nullptr) {
       for (const TElement& child : instance->fChildren) {
         if (!child.Is("QUALIFIER")) AddProperty(child);
       }
     }
-    const TElement* const name = use.Is("INSTANCENAME") ? &use : FindName(use);
+    const TElement* const name = usedBy.Is("INSTANCENAME") ? &usedBy : FindName(usedBy);
     if (name != nullptr && instance != nullptr) AddKeys(*name);
-    if (name == &use) AddKeys(use);
+    if (name == &usedBy) AddKeys(usedBy);
   }
 
   const std::vector<TProperty>& Properties() const { return fProperties; }
@@ -116,7 +117,7 @@ TCIMValue NullOf(TNamespaceReader& ns, const TProperty& property,
                  const boost::shared_ptr<ICIMClass>& owner) {
   TCIMValue null(property.fType, 0);
   if (!null.IsReference()) return null;
-  // Where nothing tells what a reference refers to, it is its own class.
+  // A reference of unknown class refers to its own class.
   null.SetReferencedClass(
       property.fReference == nullptr ? owner : ReferencedClass(ns, *property.fReference));
   return null;
@@ -127,7 +128,7 @@ TCIMValue NullOf(TNamespaceReader& ns, const TProperty& property,
 boost::shared_ptr<ICIMClass> SynthesizeClass(TNamespaceReader& ns, const std::string& name,
                                              const std::vector<const TElement*>& uses) {
   TSynthesis synthesis;
-  for (const TElement* use : uses) synthesis.AddUse(*use);
+  for (const TElement* usedBy : uses) synthesis.AddUse(*usedBy);
   if (synthesis.Properties().size() > kMaxMembers) {
     uses.back()->Refuse("a class has too many members");
   }

@@ -57,7 +57,7 @@ void TDocument::AddObject(TElement&& object, std::size_t bytes) {
     AddNamedObject(std::move(object), bytes);
   } else if (object.Is("ERROR")) {
     AddError(object);
-  } else if (!object.Is("PARAMVALUE")) {  // which says how an enumeration stands
+  } else if (!object.Is("PARAMVALUE")) {  // the state of an enumeration
     object.Refuse("<" + std::string(object.fName) + "> is no object of a namespace");
   }
 }
@@ -79,7 +79,7 @@ void TDocument::AddNamedObject(TElement&& object, std::size_t bytes) {
   }
 }
 
-/// One bad response does not spoil what others have.
+/// An error response does not invalidate the other responses.
 void TDocument::AddError(const TElement& error) {
   const std::string* const description = error.Find("DESCRIPTION");
   if (fErrors.Count() == 0) fFirstError = error.fPosition;
@@ -89,7 +89,7 @@ void TDocument::AddError(const TElement& error) {
 
 void TDocument::Complete() {
   if (fErrors.Count() != 0 && !fHasObjects) {
-    throw TDefect("a response with " + fErrors.First(), fFirstError);
+    throw TDocumentError("a response with " + fErrors.First(), fFirstError);
   }
   fState.fIsComplete = true;
   for (TNamespaceReader* ns : fListed) ns->NoteReferences();
@@ -104,7 +104,7 @@ TNamespaceReader& TDocument::NamespaceOf(const TElement& reference, TNamespaceRe
 
 TDocument::TEntry& TDocument::Entry(const std::string& name) {
   TEntry& entry = fNamespaces[name];
-  if (fNamespaces.size() > kMaxNamespaces) throw TDefect("too many namespaces");
+  if (fNamespaces.size() > kMaxNamespaces) throw TDocumentError("too many namespaces");
   if (!entry.fBuilder) entry.fBuilder = std::make_unique<TNamespaceReader>(*this, fState, name);
   return entry;
 }
@@ -140,10 +140,10 @@ boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int
     TInput input(descriptor);
     ParseDocument(input, document);
     document.Complete();
-  } catch (const TDefect& defect) {
-    const bool isOfFile = defect.fStatus != kQDXStatusInvalidDataCollectionDocument;
-    LogErrorAndThrow(defect.fStatus,
-                     {"cimxml: ", name, isOfFile ? "" : At(defect.fPosition), ": ", defect.what()});
+  } catch (const TDocumentError& error) {
+    const bool isOfFile = error.fStatus != kQDXStatusInvalidDataCollectionDocument;
+    LogErrorAndThrow(error.fStatus,
+                     {"cimxml: ", name, isOfFile ? "" : At(error.fPosition), ": ", error.what()});
   }
   document.Report(name);
   return document.Namespaces();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A document while it is read: its namespaces, and the objects on their way into them.
+/// The state of a document that is being read: its namespaces, and how objects get into them.
 #ifndef LIB_CIMXML_READING_DOCUMENT_H_
 #define LIB_CIMXML_READING_DOCUMENT_H_
 
@@ -21,13 +21,13 @@ class TDocument final : public IObjectSink {
   void BeginGroup(const TElement& group) override;
   void AddObject(TElement&& object, std::size_t bytes) override;
   void EndGroup() override;
-  /// Builds what waits; nothing is added after it.
+  /// Builds everything that waits for the end of the document. The last call.
   void Complete();
 
-  /// The one that a reference names, or `own`. The document need not have it.
+  /// Returns the namespace that a reference names, else `own`. The document need not contain it.
   TNamespaceReader& NamespaceOf(const TElement& reference, TNamespaceReader& own);
   boost::shared_ptr<TRepositoryProvider> Namespaces() const;
-  /// Warns of what was read otherwise than it stands there.
+  /// Warns about what was changed in reading.
   void Report(const std::string& name) const;
 
  private:
@@ -38,7 +38,7 @@ class TDocument final : public IObjectSink {
   void AddError(const TElement& error);
 
   TReadingState fState;
-  TCountedWarning fErrors;  // that are responses
+  TCountedWarning fErrors;  // error responses
   TPosition fFirstError;
   bool fHasObjects = false;
   struct TEntry {
@@ -49,9 +49,9 @@ class TDocument final : public IObjectSink {
   TEntry& Entry(const std::string& name);
 
   NModel::TNameMap<TEntry> fNamespaces;
-  std::vector<TNamespaceReader*> fListed;  // that the document has, not only refers to
+  std::vector<TNamespaceReader*> fListed;  // in the document, not only referred to
   TNamespaceReader* fGroup = nullptr;
-  bool fObjectsHavePaths = false;  // of the group
+  bool fObjectsHavePaths = false;  // in the current group
 };
 
 }  // namespace NVORNQDX20::NCIMXML

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Opens the files of documents, and keeps the last document.
+// Opens document files, and caches the last document.
 #include <qdxcimxml/document_reader.h>
 
 #include <qdxcore/logger.h>
@@ -38,7 +38,7 @@ TDocumentCache::TIdentity::TIdentity(const std::string& file) {
   if (!isThere) Refuse(file);
   fDevice = status.st_dev;
   fInode = status.st_ino;
-  if (file == "-" || !S_ISREG(status.st_mode)) return;  // those are read once
+  if (file == "-" || !S_ISREG(status.st_mode)) return;  // cannot be read twice
   fSize = status.st_size;
   fTime = status.st_mtim;
 }
@@ -51,7 +51,7 @@ bool TDocumentCache::TIdentity::operator==(const TIdentity& other) const {
 boost::shared_ptr<TRepositoryProvider> TDocumentCache::Read(const std::string& file) {
   const TIdentity identity(file);
   if (!fLast || !(identity == fLastIdentity)) {
-    fLast.reset();  // before there are two
+    fLast.reset();  // frees the old document before the new one is read
     fLast = ReadFile(file);
     fLastIdentity = identity;
   }

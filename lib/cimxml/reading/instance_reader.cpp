@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Instances from their elements.
+// Reads instances.
 #include "object_readers.h"
 
 #include <qdxcore/status.h>
@@ -13,7 +13,7 @@
 namespace NVORNQDX20::NCIMXML {
 namespace {
 
-/// One instance on its way into the namespace.
+/// Reads one instance and adds it to the namespace.
 class TInstanceReader {
  public:
   TInstanceReader(TNamespaceReader& ns, const boost::shared_ptr<ICIMClass>& cimClass,
@@ -68,8 +68,8 @@ class TInstanceReader {
   const ICIMClass& fClass;
   const TElement& fElement;
   const boost::shared_ptr<ICIMInstance> fTarget;
-  bool fContradicts = false;          // its name
-  NModel::TNameMap<TCIMValue> fKeys;  // of its name
+  bool fContradicts = false;          // a property contradicts the instance's name
+  NModel::TNameMap<TCIMValue> fKeys;  // from the instance's name
 };
 
 }  // namespace
@@ -93,7 +93,7 @@ void ReadInstance(TNamespaceReader& ns, const TElement& object) {
     const TElement* const name = FindName(object);
     if (name != nullptr) reader.SetKeysFromName(*name);
     for (const TElement& child : instance.fChildren) {
-      // An instance has no qualifiers of its own.
+      // Qualifiers of instances are ignored.
       if (!child.Is("QUALIFIER")) reader.SetProperty(child);
     }
     reader.Commit();

@@ -15,7 +15,7 @@
 namespace NVORNQDX20::NCIMXML {
 namespace {
 
-/// One more class is being declared, until the scope ends, however it ends.
+/// Scope guard: one more class is being declared.
 class TDeclaringScope {
  public:
   TDeclaringScope(TReadingState& state, const TNamespaceReader& ns, const std::string& name)
@@ -99,7 +99,7 @@ void TNamespaceReader::BuildInstances() {
   for (const TElement& object : fWaitingInstances) ReadInstance(*this, object);
 }
 
-TReadClass TNamespaceReader::ClassNamed(const std::string& name, const TElement& use) {
+TReadClass TNamespaceReader::ClassNamed(const std::string& name, const TElement& usedBy) {
   const auto found = fClasses.find(name);
   if (found != fClasses.end()) return found->second;
   for (const auto& declaring : fState.fDeclaring) {
@@ -108,19 +108,19 @@ TReadClass TNamespaceReader::ClassNamed(const std::string& name, const TElement&
     if (!isSame) continue;
     const TReadingState::TDeclaring& user = fState.fDeclaring.back();
     if (&declaring == &user && declaring.fClass.fClass) return declaring.fClass;
-    use.Refuse("class " + Shown(name) + " needs " +
-               (&declaring == &user ? "itself" : "class " + NameOf(user) + ", which needs it,") +
-               " to be declared first");
+    usedBy.Refuse("class " + Shown(name) + " needs " +
+                  (&declaring == &user ? "itself" : "class " + NameOf(user) + ", which needs it,") +
+                  " to be declared first");
   }
-  return Declare(name, use);
+  return Declare(name, usedBy);
 }
 
-TReadClass TNamespaceReader::Declare(const std::string& name, const TElement& use) {
-  if (fState.fDeclaring.size() >= kMaxClassDepth) use.Refuse("classes nested too deep");
+TReadClass TNamespaceReader::Declare(const std::string& name, const TElement& usedBy) {
+  if (fState.fDeclaring.size() >= kMaxClassDepth) usedBy.Refuse("classes nested too deep");
   const TDeclaringScope scope(fState, *this, name);
   const bool isDeclared = fSources.count(name) != 0;
   if (!isDeclared && !fState.fIsComplete) throw TNotDeclaredYet();
-  TReadClass read = Measured(isDeclared ? ReadSource(name) : Synthesize(name, use), use);
+  TReadClass read = Measured(isDeclared ? ReadSource(name) : Synthesize(name, usedBy), usedBy);
   fClasses.emplace(name, read);
   fSources.erase(name);
   return read;
@@ -129,21 +129,21 @@ TReadClass TNamespaceReader::Declare(const std::string& name, const TElement& us
 boost::shared_ptr<ICIMClass> TNamespaceReader::ReadSource(const std::string& name) {
   TSource& source = fSources.at(name);
   if (source.fWaits && !fState.fIsComplete) throw TNotDeclaredYet();
-  source.fWaits = true;  // until the end, if it does not get through now
+  source.fWaits = true;  // until the end of the document, unless it succeeds now
   return ReadClass(*this, source.fElement);
 }
 
 boost::shared_ptr<ICIMClass> TNamespaceReader::Synthesize(const std::string& name,
-                                                          const TElement& use) {
+                                                          const TElement& usedBy) {
   std::vector<const TElement*> uses;
   const auto noted = fUses.find(name);
   if (noted != fUses.end()) uses = noted->second;
-  uses.push_back(&use);
+  uses.push_back(&usedBy);
   return SynthesizeClass(*this, name, uses);
 }
 
 TReadClass TNamespaceReader::Measured(const boost::shared_ptr<ICIMClass>& cimClass,
-                                      const TElement& use) const {
+                                      const TElement& usedBy) const {
   TReadClass read;
   read.fClass = cimClass;
   std::vector<boost::shared_ptr<ICIMPropertyDecl>> decls;
@@ -152,10 +152,10 @@ TReadClass TNamespaceReader::Measured(const boost::shared_ptr<ICIMClass>& cimCla
   if (!cimClass->IsRootClass({})) {
     read.fDepth += fClasses.at(cimClass->GetSuperclass({})->GetName({})).fDepth;
   }
-  if (read.fDepth > kMaxClassDepth) use.Refuse("too many superclasses");
+  if (read.fDepth > kMaxClassDepth) usedBy.Refuse("too many superclasses");
   constexpr std::size_t kClassBytes = 1024;
-  fState.AddHeld(kClassBytes, use);
-  fState.AddValues(2 * read.fProperties, use);  // a class keeps a table of them
+  fState.AddHeld(kClassBytes, usedBy);
+  fState.AddValues(2 * read.fProperties, usedBy);  // a class has a table of its properties
   return read;
 }
 

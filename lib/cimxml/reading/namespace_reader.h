@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// One namespace of a document while it is read.
+/// Builds one namespace of a document.
 #ifndef LIB_CIMXML_READING_NAMESPACE_READER_H_
 #define LIB_CIMXML_READING_NAMESPACE_READER_H_
 
@@ -19,40 +19,41 @@ namespace NVORNQDX20::NCIMXML {
 class TDocument;
 class TNamespaceReader;
 
-/// Thrown for a class that is not declared yet: what needs it waits for the end of the document.
+/// Thrown for a class that is not declared yet: the object that needs it waits for the end of the
+/// document.
 struct TNotDeclaredYet {};
 
 struct TReadClass {
   boost::shared_ptr<ICIMClass> fClass;
-  std::size_t fProperties = 0;  // with the inherited ones
-  std::size_t fDepth = 1;       // with the superclasses
+  std::size_t fProperties = 0;  // including inherited ones
+  std::size_t fDepth = 1;       // including superclasses
 };
 
-/// What the namespaces of one document share.
+/// State that all namespaces of one document share.
 struct TReadingState {
-  /// A class that is being declared; null until it exists.
+  /// A class that is being declared; fClass is null until it exists.
   struct TDeclaring {
     const TNamespaceReader* fNamespace;
     std::string fName;
     TReadClass fClass;
   };
 
-  /// Counts against the limits.
+  /// Counts memory against the limits.
   void AddHeld(std::size_t bytes, const TElement& element);
   void AddValues(std::size_t values, const TElement& element) {
     AddHeld(values * sizeof(TCIMValue), element);
   }
 
-  bool fIsComplete = false;  // all of the document is known
+  bool fIsComplete = false;  // the end of the document is reached
   std::vector<TDeclaring> fDeclaring;
   std::size_t fHeldBytes = 0;
   TCountedWarning fUnheldDateTimes;
-  TCountedWarning fDuplicates;      // instances whose keys another one has
-  TCountedWarning fContradictions;  // names that say something else than their instances
+  TCountedWarning fDuplicates;      // instances with the keys of another one
+  TCountedWarning fContradictions;  // names that contradict their instances
 };
 
-/// Classes are declared when something needs them, and all at the end, so their order in the
-/// document is free. Instances that come before all that their class needs wait for the end.
+/// Classes are declared when an object needs them, the others at the end, so their order in the
+/// document does not matter. Instances that precede what their class needs wait for the end.
 class TNamespaceReader {
  public:
   TNamespaceReader(TDocument& document, TReadingState& state, const std::string& name);
@@ -61,9 +62,9 @@ class TNamespaceReader {
 
   void AddQualifierDecl(const TElement& element);
   void AddClass(TElement&& element, std::size_t bytes);
-  /// An INSTANCE, alone or together with its name or path.
+  /// Adds an INSTANCE, alone or together with its name or path.
   void AddInstance(TElement&& object, std::size_t bytes);
-  // At the end of the document, each for all namespaces before the next:
+  // Called at the end of the document, each for all namespaces before the next one:
   void NoteReferences();
   void BuildClasses();
   void BuildInstances();
@@ -72,27 +73,27 @@ class TNamespaceReader {
   TDocument& Document() const { return fDocument; }
   TReadingState& State() const { return fState; }
 
-  /// `use` is the element that needs it; the name of an instance tells what an undeclared class
-  /// must have. The class that is being declared right now is given out too.
-  TReadClass ClassNamed(const std::string& name, const TElement& use);
-  /// The declaration of a qualifier that stands on an element.
+  /// Returns the class, which `usedBy` needs; from the name of an instance, the properties of an
+  /// undeclared class are derived. The class that is being declared can be returned, too.
+  TReadClass ClassNamed(const std::string& name, const TElement& usedBy);
+  /// Returns the declaration of a qualifier of an element.
   boost::shared_ptr<ICIMQualifierDecl> QualifierDeclFor(const TElement& qualifier);
   boost::shared_ptr<ICIMQualifierDecl> KeyDecl();
 
  private:
   struct TSource {
     TElement fElement;
-    bool fWaits = false;  // for a class that it needs itself
+    bool fWaits = false;  // for another class that it needs
   };
 
-  TReadClass Declare(const std::string& name, const TElement& use);
+  TReadClass Declare(const std::string& name, const TElement& usedBy);
   boost::shared_ptr<ICIMClass> ReadSource(const std::string& name);
-  boost::shared_ptr<ICIMClass> Synthesize(const std::string& name, const TElement& use);
+  boost::shared_ptr<ICIMClass> Synthesize(const std::string& name, const TElement& usedBy);
   void NoteReferencesIn(const TElement& element);
-  void NoteUse(const std::string& className, const TElement& use) {
-    fUses[className].push_back(&use);
+  void NoteUse(const std::string& className, const TElement& usedBy) {
+    fUses[className].push_back(&usedBy);
   }
-  TReadClass Measured(const boost::shared_ptr<ICIMClass>& cimClass, const TElement& use) const;
+  TReadClass Measured(const boost::shared_ptr<ICIMClass>& cimClass, const TElement& usedBy) const;
 
   TDocument& fDocument;
   TReadingState& fState;
@@ -101,7 +102,7 @@ class TNamespaceReader {
   NModel::TNameMap<TSource> fSources;
   std::vector<std::string> fSourceOrder;
   std::deque<TElement> fWaitingInstances;
-  // What tells of a class that is not declared.
+  // The uses of classes that are not declared.
   NModel::TNameMap<std::vector<const TElement*>> fUses;
 };
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The names of objects, in all the forms that CIM-XML has for them.
+/// Reads the names of objects, in all forms of CIM-XML.
 #ifndef LIB_CIMXML_READING_OBJECT_PATH_H_
 #define LIB_CIMXML_READING_OBJECT_PATH_H_
 
@@ -12,19 +12,19 @@
 
 namespace NVORNQDX20::NCIMXML {
 
-/// The namespace that a path, or an object with its path, names; nothing if it names none.
+/// Returns the namespace in a path, or in an object with its path; nothing if it has none.
 std::optional<std::string> NamespaceNameOf(const TElement& element);
 
-/// The INSTANCENAME or CLASSNAME of a path, or of an object with its name or path; null if it has
-/// none.
+/// Returns the INSTANCENAME or CLASSNAME of a path, or of an object with its name or path; null if
+/// there is none.
 const TElement* FindName(const TElement& element);
-/// Of a VALUE.REFERENCE, which must have one.
+/// Returns the name in a VALUE.REFERENCE; a missing one is an error.
 const TElement& NameOf(const TElement& reference);
-/// The class that a name names.
+/// Returns the class in a name.
 const std::string& ClassNameOf(const TElement& name);
 
 struct TKeyBinding {
-  std::string fName;       ///< Empty where a name has one key only, and leaves its name out.
+  std::string fName;       ///< Empty if the only key has no name.
   const TElement* fValue;  ///< KEYVALUE or VALUE.REFERENCE.
 };
 std::vector<TKeyBinding> KeyBindingsOf(const TElement& name);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What a namespace reader calls for the objects of a document: each from its element, or made up
-/// for a class that the document uses without declaring it.
+/// Functions of the namespace reader: each builds an object from its element, or a class that the
+/// document uses without declaring it.
 #ifndef LIB_CIMXML_READING_OBJECT_READERS_H_
 #define LIB_CIMXML_READING_OBJECT_READERS_H_
 
@@ -16,30 +16,30 @@ namespace NVORNQDX20::NCIMXML {
 
 // In class_reader.cpp:
 
-/// From a QUALIFIER.DECLARATION, or from a QUALIFIER that nothing declares: it has no default then,
-/// and may stand anywhere. Not committed yet.
+/// Reads a QUALIFIER.DECLARATION, or derives a declaration from an undeclared QUALIFIER: without a
+/// default, for any scope. Not committed yet.
 boost::shared_ptr<ICIMQualifierDecl> ReadQualifierDecl(TNamespaceReader& ns,
                                                        const TElement& element);
 
-/// The committed class. A property that is propagated is a declaration of the superclass, which is
-/// known from there, or, with the qualifier "Static", the value that the class itself has.
+/// Returns the committed class. A propagated property is a declaration of the superclass and is
+/// skipped, or, with the qualifier "Static", the class's own value.
 boost::shared_ptr<ICIMClass> ReadClass(TNamespaceReader& ns, const TElement& element);
 
 // In class_synthesis.cpp:
 
-/// A committed root class with the properties that its uses have, in the order in which they first
-/// appear; those that name an instance are its keys. A use is an object, or the name of one.
+/// Returns a committed root class with the properties of its uses, in the order in which they first
+/// appear; properties in instance names are keys. A use is an object, or the name of one.
 boost::shared_ptr<ICIMClass> SynthesizeClass(TNamespaceReader& ns, const std::string& name,
                                              const std::vector<const TElement*>& uses);
 
 // In instance_reader.cpp:
 
-/// The INSTANCE of an object, which may be one itself.
+/// Returns the INSTANCE of an object, or the object itself if it is one.
 const TElement& InstanceOf(const TElement& object);
 
-/// Adds the instance. Its keys come from its name, but for those that are among its properties and
-/// not null there; a property that contradicts the name holds, and is counted. If there is an
-/// instance with these keys already, that one stays, and this one is counted.
+/// Adds the instance. Keys are taken from its properties, else from its name; a property that
+/// contradicts the name wins, and is counted. A second instance with the same keys is dropped and
+/// counted.
 void ReadInstance(TNamespaceReader& ns, const TElement& object);
 
 }  // namespace NVORNQDX20::NCIMXML

@@ -18,7 +18,7 @@
 namespace NVORNQDX20::NCIMXML {
 namespace {
 
-/// Such as: line 12, PROPERTY "InstallDate".
+/// Formats a place such as: line 12, PROPERTY "InstallDate".
 std::string PlaceOf(const TElement& value, const TElement& holder) {
   const std::string* const name = holder.Find("NAME");
   return "line " + std::to_string(value.fPosition.fLine) +
@@ -139,20 +139,20 @@ TCIMValue ReadKeyValue(TNamespaceReader& ns, TCIMType type, const TElement& valu
 }
 
 boost::shared_ptr<const ICIMPropertyDecl> DeclOf(const ICIMClass& cimClass, const std::string& name,
-                                                 const TElement& use) {
+                                                 const TElement& usedBy) {
   try {
     return cimClass.GetPropertyDecl(name, {});
   } catch (const TQDXException&) {
-    use.Refuse("class " + Shown(cimClass.GetName({})) + " has no property " + Shown(name));
+    usedBy.Refuse("class " + Shown(cimClass.GetName({})) + " has no property " + Shown(name));
   }
 }
 
-std::string OnlyKeyOf(const ICIMClass& cimClass, const TElement& use) {
+std::string OnlyKeyOf(const ICIMClass& cimClass, const TElement& usedBy) {
   std::vector<std::string> keys;
   for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
     if (isKey) keys.push_back(decl->GetName());
   }
-  if (keys.size() != 1) use.Refuse("a key without name");
+  if (keys.size() != 1) usedBy.Refuse("a key without name");
   return keys.front();
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Values from their elements.
+/// Reads values.
 #ifndef LIB_CIMXML_READING_VALUE_READER_H_
 #define LIB_CIMXML_READING_VALUE_READER_H_
 
@@ -14,27 +14,26 @@
 
 namespace NVORNQDX20::NCIMXML {
 
-/// What TYPE says; a missing or unknown one is a defect.
+/// Returns the type in TYPE; a missing or unknown one is an error.
 TCIMType TypeAttribute(const TElement& element);
-/// Of PROPERTY, PROPERTY.ARRAY or PROPERTY.REFERENCE.
+/// Returns the type of a PROPERTY, PROPERTY.ARRAY or PROPERTY.REFERENCE.
 TCIMType TypeOfProperty(const TElement& property);
 unsigned int ArraySizeOf(const TElement& element);
 
-/// The value that stands in the element beside qualifiers and scopes; null of that type if there is
-/// none.
+/// Reads the value among the children of the element; null of that type if there is none.
 TCIMValue ReadValue(TNamespaceReader& ns, TCIMType type, const TElement& holder);
-/// The value of a property, and for a null reference its class if the element names one.
+/// Reads the value of a property; a null reference gets its class if the element names one.
 TCIMValue ReadPropertyValue(TNamespaceReader& ns, const TElement& property);
-/// KEYVALUE or VALUE.REFERENCE; never null.
+/// Reads a KEYVALUE or VALUE.REFERENCE; never null.
 TCIMValue ReadKeyValue(TNamespaceReader& ns, TCIMType type, const TElement& value);
 
-/// The declaration of a property that the class must have.
+/// Returns the declaration of a property; a missing one is an error.
 boost::shared_ptr<const ICIMPropertyDecl> DeclOf(const ICIMClass& cimClass, const std::string& name,
-                                                 const TElement& use);
-/// The key that a binding without name means: the only one of its class.
-std::string OnlyKeyOf(const ICIMClass& cimClass, const TElement& use);
+                                                 const TElement& usedBy);
+/// Returns the only key of a class, for a binding without a name.
+std::string OnlyKeyOf(const ICIMClass& cimClass, const TElement& usedBy);
 
-/// Calls `work`; a failure of the repository becomes a defect of the element.
+/// Calls `work`; turns an exception of the repository into an error of the element.
 template <typename TWork>
 auto AsPartOf(const TElement& element, const std::string& what, TWork&& work) {
   try {

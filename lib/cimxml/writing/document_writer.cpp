@@ -27,14 +27,14 @@ TQualifierDecls SortedQualifierDecls(const ICIMNamespace& ns) {
   return decls;
 }
 
-/// For a stack: what comes first in the document stands last.
+/// In descending order, for use as a stack: the first class of the document is the last element.
 void SortForStack(TClasses& classes) {
   std::sort(classes.begin(), classes.end(), [](const auto& left, const auto& right) {
     return left->GetName({}) > right->GetName({});
   });
 }
 
-/// Each class before those that derive from it, and siblings by name.
+/// Returns each class before its subclasses, siblings by name.
 TClasses SortedClasses(const ICIMNamespace& ns) {
   TClasses sorted;
   TClasses open;
@@ -51,7 +51,7 @@ TClasses SortedClasses(const ICIMNamespace& ns) {
   return sorted;
 }
 
-/// The instances of one class.
+/// Writes the instances of one class.
 class TInstanceWriter {
  public:
   TInstanceWriter(TXMLWriter& xml, TValueWriter& values, const ICIMClass& cimClass)
@@ -74,7 +74,7 @@ class TInstanceWriter {
       fValues.KeyBinding(property.fName, instance.GetProperty(property.fName, {})->GetValue());
     }
     fXML.Markup("</INSTANCENAME>\n");
-    fXML.SetReplaced(replaced);  // all of it comes again below
+    fXML.SetReplaced(replaced);  // counted again below
     fXML.Markup("<INSTANCE").Attribute("CLASSNAME", fClassName).Markup(">\n");
     for (const TProperty& property : fProperties) {
       fValues.Property(property.fName, instance.GetProperty(property.fName, {})->GetValue());

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Declarations of qualifiers and classes as XML.
+/// Writes declarations of qualifiers and classes.
 #ifndef LIB_CIMXML_WRITING_SCHEMA_WRITER_H_
 #define LIB_CIMXML_WRITING_SCHEMA_WRITER_H_
 
@@ -10,14 +10,14 @@
 
 namespace NVORNQDX20::NCIMXML {
 
-/// What CIM-XML has no element for is left out: arrays of references as properties, and methods
-/// that return references.
+/// CIM-XML has no elements for properties that are arrays of references, and for methods that
+/// return references; these are left out.
 ///
 /// Scopes and flavors are the bits of <qdxrepository/repository.h>.
 ///
-/// The value that a class itself has for a property stands in a property of its own, beside the
-/// declaration with its default: propagated, and with the qualifier "Static". An inherited
-/// declaration is not repeated.
+/// A class's own value of a property is written as an additional PROPERTY, propagated and with the
+/// qualifier "Static", after the declaration with its default. Inherited declarations are not
+/// repeated.
 class TSchemaWriter {
  public:
   TSchemaWriter(TXMLWriter& xml, TValueWriter& values) : fXML(xml), fValues(values) {}

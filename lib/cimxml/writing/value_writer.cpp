@@ -27,8 +27,8 @@ bool HasKeys(const TCIMReference& reference) {
   return hasKeys;
 }
 
-/// Why there is no element for the value; null if there is one. Elements of arrays stand for
-/// themselves.
+/// Returns why CIM-XML has no element for the value; null if it has one. The elements of an array
+/// are checked one by one elsewhere.
 const char* Obstacle(const TCIMValue& value) {
   if (value.IsNull() || value.IsArray()) return nullptr;
   if (!CanSpell(value)) return "a date-time longer than 25 characters";
@@ -93,7 +93,7 @@ void TValueWriter::PropertyAttributes(const std::string& name, const TCIMValue& 
 void TValueWriter::Property(const std::string& name, const TCIMValue& value) {
   const char* const element = PropertyElement(value.GetType());
   fXML.Markup("<").Markup(element);
-  // A reference names its class itself.
+  // A non-null reference has its class in its path.
   PropertyAttributes(name, value, value.IsNull());
   if (!CanHold(name, value)) {
     fXML.Markup("/>\n");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Values, properties and instance names of one namespace as XML.
+/// Writes values, properties and instance names of one namespace.
 #ifndef LIB_CIMXML_WRITING_VALUE_WRITER_H_
 #define LIB_CIMXML_WRITING_VALUE_WRITER_H_
 
@@ -13,34 +13,35 @@
 
 namespace NVORNQDX20::NCIMXML {
 
-/// A value that CIM-XML cannot hold becomes null, and is added to `leftOut`.
+/// A value that CIM-XML cannot express becomes null, and is counted in `leftOut`.
 class TValueWriter {
  public:
-  /// Paths name a namespace only where it is another than `ns`.
+  /// Paths contain a namespace only if it is not `ns`.
   TValueWriter(TXMLWriter& xml, const ICIMNamespace& ns, TCountedWarning& leftOut)
       : fXML(xml), fNamespace(ns), fLeftOut(leftOut) {}
 
-  /// "PROPERTY", "PROPERTY.ARRAY" or "PROPERTY.REFERENCE".
+  /// Returns "PROPERTY", "PROPERTY.ARRAY" or "PROPERTY.REFERENCE".
   static const char* PropertyElement(TCIMType type);
-  /// Why no instance name can have the key; null if one can.
+  /// Returns why an instance name cannot contain the key; null if it can.
   static const char* ObstacleToKey(const TCIMValue& value);
 
-  /// The class whose members follow, for what is said of them.
+  /// Sets the class of the following members, for messages.
   void BeginClass(const std::string& name) { fClassName = name; }
   void LeaveOut(const std::string& member, const char* reason);
 
-  /// VALUE, VALUE.ARRAY or VALUE.REFERENCE; nothing for what is absent. `member` has the value.
+  /// Writes VALUE, VALUE.ARRAY or VALUE.REFERENCE; nothing for a null value. `member` is the owner
+  /// of the value, for messages.
   void Value(const std::string& member, const TCIMValue& value);
-  /// The attributes of a property's start tag.
+  /// Writes the attributes of a property's start tag.
   void PropertyAttributes(const std::string& name, const TCIMValue& value, bool withClass);
-  /// A whole property of an instance.
+  /// Writes a complete property of an instance.
   void Property(const std::string& name, const TCIMValue& value);
   void NamespacePath(const std::string& name);
-  /// There must be no obstacle to the key.
+  /// REQUIRES: ObstacleToKey() is null for the value.
   void KeyBinding(const std::string& name, const TCIMValue& value);
 
  private:
-  /// Whether there is an element for it; what has none though it is not absent is left out.
+  /// Returns whether CIM-XML can express the value; counts a value that it cannot express.
   bool CanHold(const std::string& member, const TCIMValue& value);
   void Element(const std::string& member, const TCIMValue& value);
   void Array(const std::string& member, const TCIMValue& value);
@@ -51,7 +52,7 @@ class TValueWriter {
   TXMLWriter& fXML;
   const ICIMNamespace& fNamespace;
   TCountedWarning& fLeftOut;
-  std::string fClassName;  // empty outside of classes
+  std::string fClassName;  // empty outside a class
 };
 
 }  // namespace NVORNQDX20::NCIMXML

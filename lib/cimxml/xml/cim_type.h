@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The keywords that CIM-XML has for the CIM types.
+/// The keywords of the CIM types in CIM-XML.
 #ifndef LIB_CIMXML_XML_CIM_TYPE_H_
 #define LIB_CIMXML_XML_CIM_TYPE_H_
 
@@ -16,16 +16,17 @@ using NModel::ArrayOf;
 using NModel::ElementType;
 using NModel::IsArray;
 
-/// Not so arrays of references, which CIM does not have.
+/// Returns whether CIM-XML has a property element for the type: not for arrays of references, which
+/// do not exist in CIM.
 inline bool HasPropertyElement(TCIMType type) {
   return type != ArrayOf(TCIMType::kCIMTypeReference);
 }
 
-/// Of the element type; "reference" for references, "" for no type.
+/// Returns the keyword of the element type; "reference" for references, "" for no type.
 std::string_view KeywordOf(TCIMType type);
 
-/// kCIMTypeNone for a text that is no keyword. No value can hold a single character, so "char16"
-/// is read as a string.
+/// Returns kCIMTypeNone for an unknown keyword. TCIMValue cannot hold a character, so "char16"
+/// gives a string.
 TCIMType TypeOf(std::string_view keyword);
 
 }  // namespace NVORNQDX20::NCIMXML

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Warnings of which one line stands for many.
+/// Warnings about repeated events, one line for all of them.
 #ifndef LIB_CIMXML_XML_COUNTED_WARNING_H_
 #define LIB_CIMXML_XML_COUNTED_WARNING_H_
 
@@ -11,7 +11,7 @@
 
 namespace NVORNQDX20::NCIMXML {
 
-/// Counts how often something happens, keeps where it happens first, and warns once.
+/// Counts events, keeps the place of the first one, and warns once.
 class TCountedWarning {
  public:
   void Add(std::string where) {
@@ -19,7 +19,7 @@ class TCountedWarning {
   }
   std::size_t Count() const { return fCount; }
   const std::string& First() const { return fFirst; }
-  /// Logs "cimxml: N WHAT FILE, the first: WHERE", unless nothing happened.
+  /// Logs "cimxml: N WHAT FILE, the first: WHERE" if there was any event.
   void Report(const std::string& what, const std::string& file) const {
     if (fCount == 0) return;
     LogMessage(ILogger::kLogWarning,

@@ -7,7 +7,7 @@
 namespace NVORNQDX20::NCIMXML {
 namespace {
 
-// In bytewise order, for the search.
+// Sorted by bytes, for the binary search.
 constexpr std::string_view kElements[] = {"CIM",
                                           "CLASS",
                                           "CLASSNAME",
@@ -106,7 +106,7 @@ const TElement* TElement::Child(std::string_view name) const {
 }
 
 std::size_t TElement::Bytes() const {
-  constexpr std::size_t kLinks = 4 * sizeof(void*);  // and what the allocator takes
+  constexpr std::size_t kLinks = 4 * sizeof(void*);  // list links and the allocator's overhead
   std::size_t bytes = sizeof(TElement) + kLinks;
   for (const TAttribute& attribute : fAttributes) {
     bytes += sizeof(TAttribute) + attribute.fValue.size();

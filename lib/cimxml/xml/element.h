@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// One object of a document as a tree.
+/// One object of a document as a tree of elements.
 #ifndef LIB_CIMXML_XML_ELEMENT_H_
 #define LIB_CIMXML_XML_ELEMENT_H_
 
@@ -9,11 +9,11 @@
 #include <string_view>
 #include <vector>
 
-#include "defect.h"
+#include "document_error.h"
 
 namespace NVORNQDX20::NCIMXML {
 
-/// The name in storage that lasts; empty for one that CIM-XML does not have.
+/// Returns the name as a view of static storage; empty if CIM-XML has no such name.
 std::string_view KnownElement(std::string_view name);
 std::string_view KnownAttribute(std::string_view name);
 
@@ -24,27 +24,29 @@ struct TElement {
   };
 
   bool Is(std::string_view name) const { return fName == name; }
-  /// Null if there is none.
+  /// Returns null if there is none.
   const std::string* Find(std::string_view attribute) const;
-  /// A missing attribute is a defect.
+  /// A missing attribute is an error.
   const std::string& Get(std::string_view attribute) const;
   bool GetFlag(std::string_view attribute, bool absent) const;
-  /// The first of that name; null if there is none.
+  /// Returns the first child with this name; null if there is none.
   const TElement* Child(std::string_view name) const;
-  /// The first, of whatever name; having none is a defect.
+  /// Returns the first child; having none is an error.
   const TElement& OnlyChild() const;
 
-  [[noreturn]] void Refuse(const std::string& reason) const { throw TDefect(reason, fPosition); }
+  [[noreturn]] void Refuse(const std::string& reason) const {
+    throw TDocumentError(reason, fPosition);
+  }
   [[noreturn]] void RefuseChild(const TElement& child) const;
 
-  /// In memory, without its children and its text.
+  /// Returns the size in memory, without children and text.
   std::size_t Bytes() const;
 
   std::string_view fName;  // one of KnownElement()
   TPosition fPosition;
-  std::vector<TAttribute> fAttributes;  // known ones
-  std::string fText;                    // its own, without that of its children
-  std::list<TElement> fChildren;        // never moved, however many there are
+  std::vector<TAttribute> fAttributes;  // only those that CIM-XML has
+  std::string fText;                    // without the text of its children
+  std::list<TElement> fChildren;        // a list, since elements must not move
 };
 
 }  // namespace NVORNQDX20::NCIMXML

@@ -11,23 +11,24 @@
 #include <unistd.h>
 #include <zlib.h>
 
-#include "defect.h"
+#include "document_error.h"
 #include "document_limits.h"
 
 namespace NVORNQDX20::NCIMXML {
 namespace {
 
 constexpr unsigned char kMagic[] = {0x1F, 0x8B};
-constexpr int kGzipFormat = 16;  // added to the size of the window
+constexpr int kGzipFormat = 16;  // added to the window size, as zlib defines it
 
-/// What is compressed has no lines, only bytes.
-TDefect GzipDefect(const std::string& reason, std::size_t bytes, EQDXStatusCode status) {
-  return TDefect("gzip: " + reason + ", after " + std::to_string(bytes) + " bytes", {}, status);
+/// A position in compressed data: a byte, without a line.
+TDocumentError GzipDefect(const std::string& reason, std::size_t bytes, EQDXStatusCode status) {
+  return TDocumentError("gzip: " + reason + ", after " + std::to_string(bytes) + " bytes", {},
+                        status);
 }
 
 }  // namespace
 
-/// One gzip member after the other.
+/// Decompresses one gzip member after the other.
 class TDecompressor {
  public:
   TDecompressor() {
@@ -42,10 +43,10 @@ class TDecompressor {
 
   bool IsAtEndOfMember() const { return fAtEnd; }
 
-  /// Takes from one buffer and gives to the other; advances both.
+  /// Decompresses from one buffer into the other, and advances both.
   void Inflate(const unsigned char*& in, std::size_t inSize, char*& out, std::size_t outSize) {
     if (fAtEnd) inflateReset(&fStream);
-    fStream.next_in = const_cast<Bytef*>(in);  // the library only reads it
+    fStream.next_in = const_cast<Bytef*>(in);  // zlib only reads it
     fStream.avail_in = static_cast<uInt>(inSize);
     fStream.next_out = reinterpret_cast<Bytef*>(out);
     fStream.avail_out = static_cast<uInt>(outSize);
@@ -65,9 +66,9 @@ class TDecompressor {
   }
 
   z_stream fStream{};
-  gz_header fHeader{};  // of the first member
+  gz_header fHeader{};  // the header of the first member
   bool fAtEnd = false;
-  std::size_t fConsumed = 0;  // of all members
+  std::size_t fConsumed = 0;  // bytes of all members
 };
 
 TInput::TInput(int descriptor) : fDescriptor(descriptor), fBuffer(new unsigned char[kBufferSize]) {}
@@ -97,7 +98,7 @@ bool TInput::Fill() {
   do {
     length = ::read(fDescriptor, fBuffer.get() + fEnd, kBufferSize - fEnd);
   } while (length < 0 && errno == EINTR);
-  if (length < 0) throw TDefect(ErrorText(errno), {}, kQDXStatusFileSystemError);
+  if (length < 0) throw TDocumentError(ErrorText(errno), {}, kQDXStatusFileSystemError);
   fEnd += static_cast<std::size_t>(length);
   fConsumed += static_cast<std::size_t>(length);
   return length > 0;
@@ -132,10 +133,11 @@ void TInput::RequireMember() {
 
 void TInput::RequireWithinLimits() const {
   if (fDelivered > kMaxDocumentBytes) {
-    throw TDefect("larger than " + std::to_string(kMaxDocumentBytes) + " bytes");
+    throw TDocumentError("larger than " + std::to_string(kMaxDocumentBytes) + " bytes");
   }
   if (fDelivered > kSmallDocumentBytes && fDelivered / kMaxInflation > fConsumed) {
-    throw TDefect("more than " + std::to_string(kMaxInflation) + " times its compressed size");
+    throw TDocumentError("more than " + std::to_string(kMaxInflation) +
+                         " times its compressed size");
   }
 }
 

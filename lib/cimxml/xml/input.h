@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The file that a document comes from, decompressed if it begins as gzip files do.
+/// The input of a document; decompresses gzip files, which it detects by their first bytes.
 #ifndef LIB_CIMXML_XML_INPUT_H_
 #define LIB_CIMXML_XML_INPUT_H_
 
@@ -12,23 +12,23 @@ class TDecompressor;
 
 class TInput {
  public:
-  /// Reads from the descriptor's position on, and leaves it open.
+  /// Reads from the current position of the descriptor. Does not close it.
   explicit TInput(int descriptor);
   ~TInput();
   TInput(const TInput&) = delete;
   TInput& operator=(const TInput&) = delete;
 
-  /// The next bytes of the document, at most `size`; 0 at its end. Throws TDefect:
-  /// kQDXStatusFileSystemError for a file that cannot be read, kQDXStatusInvalidGzipFile for a bad
-  /// header, kQDXStatusCorruptGzipFile for what else is wrong with the compression, and the usual
-  /// status for a document that is too large.
+  /// Reads up to `size` bytes of the document and returns their number; 0 at the end. Throws
+  /// TDocumentError: kQDXStatusFileSystemError if the file cannot be read,
+  /// kQDXStatusInvalidGzipFile for a bad gzip header, kQDXStatusCorruptGzipFile for other errors in
+  /// the compression, and its default status if the document is too large.
   std::size_t Read(char* buffer, std::size_t size);
 
  private:
   static constexpr std::size_t kBufferSize = 1 << 16;
 
   void Probe();
-  /// Appends to what is buffered; false at the end of the file.
+  /// Reads more into the buffer; returns false at the end of the file.
   bool Fill();
   std::size_t Copy(char* buffer, std::size_t size);
   std::size_t Inflate(char* buffer, std::size_t size);
@@ -37,7 +37,7 @@ class TInput {
 
   const int fDescriptor;
   const std::unique_ptr<unsigned char[]> fBuffer;
-  std::size_t fBegin = 0;  // of what is buffered and not used yet
+  std::size_t fBegin = 0;  // start of the unused part of the buffer
   std::size_t fEnd = 0;
   bool fProbed = false;
   std::unique_ptr<TDecompressor> fDecompressor;

@@ -20,7 +20,7 @@ namespace {
 constexpr std::size_t kDateTimeLength = 25;
 constexpr char kWildcard = '*';
 
-/// Numbers and the like may stand among white space; strings are taken as they are.
+/// White space around numbers, booleans and date-times is ignored; strings are kept unchanged.
 std::string_view Trimmed(std::string_view text) {
   constexpr std::string_view kBlanks = " \t\r\n";
   const std::size_t start = text.find_first_not_of(kBlanks);
@@ -48,7 +48,7 @@ std::string Write(T number) {
   return std::string(text, end);
 }
 
-/// All of the text must be the number, and the number must fit.
+/// The whole text must be a number that fits the type.
 template <typename T>
 std::optional<TCIMValue> Number(std::string_view text, int base) {
   T number{};
@@ -76,7 +76,7 @@ std::optional<TCIMValue> ReadReal(std::string_view text) {
   if (text == "INF") return TCIMValue(kInfinity);
   if (text == "-INF") return TCIMValue(-kInfinity);
   if (StartsWith(text, "+")) text.remove_prefix(1);
-  // The words that the standard library knows, and others do not.
+  // The standard library accepts these words; CIM-XML does not.
   if (text.find_first_of("nN") != std::string_view::npos) return std::nullopt;
   T number{};
   const char* const end = text.data() + text.size();
@@ -111,7 +111,7 @@ T Field(std::string_view text, std::size_t position, std::size_t length) {
   return number;
 }
 
-/// Field by field: TCIMDateTime narrows the microseconds and the days of what it reads as text.
+/// Parsed field by field, since TCIMDateTime narrows the microseconds and days of a text.
 TCIMDateTime MakeDateTime(std::string_view text) {
   const auto hour = Field<std::uint16_t>(text, 8, 2);
   const auto minute = Field<std::uint16_t>(text, 10, 2);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Scalars as CIM-XML spells them.
+/// Formats and parses scalars in CIM-XML.
 #ifndef LIB_CIMXML_XML_LITERAL_H_
 #define LIB_CIMXML_XML_LITERAL_H_
 
@@ -13,18 +13,18 @@
 
 namespace NVORNQDX20::NCIMXML {
 
-/// Whether there is something to spell: a date-time can be null within a value that is not.
+/// Returns whether the value is null or holds a null date-time.
 bool IsAbsent(const TCIMValue& value);
 
-/// Not so a date-time whose text is longer than the 25 characters that it must have.
+/// Returns false for a date-time whose text is longer than 25 characters, which is invalid.
 bool CanSpell(const TCIMValue& value);
 
-/// The text of a scalar that can be spelled, is not absent and is no reference. Reals have as many
-/// digits as it takes to read back the same number.
+/// Formats a scalar. REQUIRES: CanSpell(), not IsAbsent(), not a reference. Reals get as many
+/// digits as needed to read back the same number.
 std::string WriteLiteral(const TCIMValue& value);
 
-/// The scalar that the text spells; nothing if it spells none of that type. Null of the type for a
-/// date-time that is well-formed but that no TCIMDateTime can hold, for example one with wildcards.
+/// Parses a scalar; nothing if the text is not one of that type. Null of the type for a well-formed
+/// date-time that TCIMDateTime cannot hold, for example one with wildcards.
 std::optional<TCIMValue> ReadLiteral(TCIMType type, std::string_view text);
 
 }  // namespace NVORNQDX20::NCIMXML

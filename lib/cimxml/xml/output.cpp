@@ -16,7 +16,7 @@
 namespace NVORNQDX20::NCIMXML {
 namespace {
 
-constexpr int kGzipFormat = 16;  // added to the size of the window
+constexpr int kGzipFormat = 16;  // added to the window size, as zlib defines it
 constexpr int kUnknownSystem = 255;
 
 bool EndsWith(std::string_view text, std::string_view end) {
@@ -24,7 +24,7 @@ bool EndsWith(std::string_view text, std::string_view end) {
 }
 
 TDescriptor OpenForWriting(const std::string& file) {
-  // A copy, so that closing it tells of errors and leaves standard output to the others.
+  // A duplicate: closing it reports errors, and standard output stays open.
   if (file == "-") return TDescriptor(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0));
   return TDescriptor(::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
 }
@@ -47,7 +47,7 @@ class TCompressor {
 
   template <typename TWrite>
   void Compress(std::string_view bytes, bool last, TWrite&& write) {
-    // The interface of the library knows no const; it does not write there.
+    // zlib's interface lacks a const; it does not write to the input.
     fStream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.data()));
     fStream.avail_in = static_cast<uInt>(bytes.size());
     do {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The file that a document goes to, compressed if its name asks for it.
+/// The output file of a document, compressed if its name ends in ".gz".
 #ifndef LIB_CIMXML_XML_OUTPUT_H_
 #define LIB_CIMXML_XML_OUTPUT_H_
 
@@ -13,14 +13,13 @@ namespace NVORNQDX20::NCIMXML {
 
 class TCompressor;
 
-/// Every failure is logged with the file and the reason, and throws kQDXStatusFileSystemError.
+/// Failures are logged with the file and the reason, and throw kQDXStatusFileSystemError.
 class TOutput {
  public:
-  /// "-" is standard output. A file that exists is emptied and keeps its mode; a new one is the
-  /// owner's alone. A name that ends in ".gz" makes it a gzip file, without name and time, so that
-  /// equal contents give equal files.
+  /// "-" is standard output. An existing file is truncated and keeps its mode; a new one gets mode
+  /// 0600. A gzip file has no name and time in its header, so that equal contents give equal files.
   explicit TOutput(const std::string& file);
-  /// Leaves what was written so far as it is: only Close() makes it whole.
+  /// Leaves an incomplete file unless Close() was called.
   ~TOutput();
   TOutput(const TOutput&) = delete;
   TOutput& operator=(const TOutput&) = delete;

@@ -21,11 +21,11 @@ namespace {
 struct TContainer {
   std::string_view fName;
   std::string_view fParent;
-  bool fIsGroup;  ///< Its namespace is its own.
+  bool fIsGroup;  ///< It names a namespace of its own.
   bool fHoldsObjects;
 };
 
-/// What holds objects, or what leads there, from the root on.
+/// The elements that contain objects, and their ancestors.
 constexpr TContainer kContainers[] = {{"CIM", "", false, false},
                                       {"DECLARATION", "CIM", false, false},
                                       {"DECLGROUP", "DECLARATION", true, true},
@@ -66,8 +66,8 @@ class TParser {
     try {
       while (Feed()) {
       }
-    } catch (TDefect& defect) {
-      if (defect.fPosition.fLine == 0) defect.fPosition = Position();
+    } catch (TDocumentError& error) {
+      if (error.fPosition.fLine == 0) error.fPosition = Position();
       throw;
     }
   }
@@ -87,20 +87,20 @@ class TParser {
   }
   static void OnEntityDecl(void* self, const XML_Char*, int, const XML_Char*, int, const XML_Char*,
                            const XML_Char*, const XML_Char*, const XML_Char*) {
-    Self(self).Guarded([] { throw TDefect("declares an entity"); });
+    Self(self).Guarded([] { throw TDocumentError("declares an entity"); });
   }
   static void OnSkippedEntity(void* self, const XML_Char* name, int) {
-    Self(self).Guarded([&] { throw TDefect("unknown entity " + Shown(name)); });
+    Self(self).Guarded([&] { throw TDocumentError("unknown entity " + Shown(name)); });
   }
 
   static void OnElementDecl(void* self, const XML_Char*, XML_Content* model) {
     XML_FreeContentModel(Self(self).fParser.get(), model);
-    Self(self).Guarded([] { throw TDefect("declares an element"); });
+    Self(self).Guarded([] { throw TDocumentError("declares an element"); });
   }
-  /// A default value would stand in each such element, however often that comes.
+  /// Refuses default values of attributes: a small document could multiply a large one.
   static void OnAttlistDecl(void* self, const XML_Char*, const XML_Char*, const XML_Char*,
                             const XML_Char*, int) {
-    Self(self).Guarded([] { throw TDefect("declares an attribute"); });
+    Self(self).Guarded([] { throw TDocumentError("declares an attribute"); });
   }
   static void OnDoctype(void* self, const XML_Char*, const XML_Char*, const XML_Char*, int) {
     Self(self).fHasDoctype = true;
@@ -110,14 +110,14 @@ class TParser {
     if (parser.fCollectsTag) parser.fTag.append(text, static_cast<std::size_t>(length));
   }
 
-  /// The library is not made for exceptions to pass through: they wait until it has returned.
+  /// Exceptions must not pass through expat, so they are stored until it returns.
   template <typename TWork>
   void Guarded(TWork&& work) noexcept {
     if (fFailure) return;
     try {
       work();
-    } catch (TDefect& defect) {
-      if (defect.fPosition.fLine == 0) defect.fPosition = Position();
+    } catch (TDocumentError& error) {
+      if (error.fPosition.fLine == 0) error.fPosition = Position();
       fFailure = std::current_exception();
     } catch (...) {
       fFailure = std::current_exception();
@@ -149,8 +149,8 @@ class TParser {
   std::string fTag;
   std::vector<const TContainer*> fContainers;
   TElement fObject;
-  std::vector<TElement*> fOpen;  // from the object down
-  std::size_t fBytes = 0;        // of the object
+  std::vector<TElement*> fOpen;  // the path from the object to the current element
+  std::size_t fBytes = 0;        // size of the object so far
 };
 
 bool TParser::Feed() {
@@ -161,12 +161,12 @@ bool TParser::Feed() {
   const XML_Status status = XML_ParseBuffer(fParser.get(), static_cast<int>(length), last);
   if (fFailure) std::rethrow_exception(fFailure);
   if (status != XML_STATUS_OK) {
-    throw TDefect(XML_ErrorString(XML_GetErrorCode(fParser.get())));
+    throw TDocumentError(XML_ErrorString(XML_GetErrorCode(fParser.get())));
   }
-  // The library keeps a tag or a comment until it has all of it.
+  // expat buffers an unfinished tag or comment.
   fFed += length;
   const auto done = static_cast<std::size_t>(XML_GetCurrentByteIndex(fParser.get()));
-  if (!last && fFed - done > kMaxTagBytes) throw TDefect("a tag or a comment is too long");
+  if (!last && fFed - done > kMaxTagBytes) throw TDocumentError("a tag or a comment is too long");
   return !last;
 }
 
@@ -220,7 +220,7 @@ void TParser::End() {
 void TParser::Text(std::string_view text) {
   if (fOpen.empty()) return;
   std::string& target = fOpen.back()->fText;
-  if (target.size() + text.size() > kMaxTextBytes) throw TDefect("a value is too long");
+  if (target.size() + text.size() > kMaxTextBytes) throw TDocumentError("a value is too long");
   target += text;
   AddBytes(text.size());
 }
@@ -240,8 +240,8 @@ TElement TParser::MakeElement(const XML_Char* name, const XML_Char** attributes)
   return element;
 }
 
-/// With a document type that it does not read, the library takes an entity that it does not know
-/// out of an attribute without a word. Only the tag's own text still has it.
+/// With an external document type, expat silently drops unknown entities from attributes. Only the
+/// tag's source text still has them.
 void TParser::RequireKnownEntities() {
   fTag.clear();
   fCollectsTag = true;
@@ -251,13 +251,13 @@ void TParser::RequireKnownEntities() {
     const std::string name = fTag.substr(at + 1, fTag.find(';', at) - at - 1);
     const bool isKnown = name[0] == '#' || name == "amp" || name == "lt" || name == "gt" ||
                          name == "quot" || name == "apos";
-    if (!isKnown) throw TDefect("unknown entity " + Shown(name));
+    if (!isKnown) throw TDocumentError("unknown entity " + Shown(name));
   }
 }
 
 void TParser::AddBytes(std::size_t bytes) {
   fBytes += bytes;
-  if (fBytes > kMaxObjectBytes) throw TDefect("an object is too large");
+  if (fBytes > kMaxObjectBytes) throw TDocumentError("an object is too large");
 }
 
 }  // namespace

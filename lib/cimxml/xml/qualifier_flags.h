@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Scopes and flavors of qualifiers: each bit and the attribute that stands for it.
+/// Scopes and flavors of qualifiers: each bit and its attribute.
 #ifndef LIB_CIMXML_XML_QUALIFIER_FLAGS_H_
 #define LIB_CIMXML_XML_QUALIFIER_FLAGS_H_
 
@@ -13,7 +13,7 @@ namespace NVORNQDX20::NCIMXML {
 struct TFlag {
   std::string_view fAttribute;
   std::uint32_t fBit;
-  bool fDefault;  ///< What an attribute that is not there means.
+  bool fDefault;  ///< The value if the attribute is missing.
 };
 
 inline constexpr TFlag kFlavors[] = {{"OVERRIDABLE", kFlavorOverridable, true},

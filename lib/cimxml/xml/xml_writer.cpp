@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
-/// Whether a byte stands for itself in the content of an element and in an attribute.
+/// Returns whether a byte needs no escaping, neither in content nor in an attribute.
 constexpr std::array<bool, 256> MakePlain() {
   std::array<bool, 256> plain{};
   for (std::size_t c = 0x20; c < 0x80; ++c) plain[c] = c != '&' && c != '<' && c != '>' && c != '"';
@@ -32,7 +32,7 @@ std::string_view ReferenceTo(char c) {
       return "&gt;";
     case '"':
       return "&quot;";
-    // A reader turns these into line feeds and blanks if they stand there themselves.
+    // XML readers normalise these characters unless they are escaped.
     case '\t':
       return "&#9;";
     case '\n':
@@ -65,7 +65,7 @@ TXMLWriter& TXMLWriter::Text(std::string_view text) {
   return *this;
 }
 
-/// Removes the first character, which is not plain.
+/// Writes and removes the first character, which needs escaping.
 void TXMLWriter::WriteCharacter(std::string_view& text) {
   const auto [bytes, codePoint] = TakeCharacter(text);
   const std::string_view reference = ReferenceTo(bytes[0]);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// XML text, with what must be quoted quoted.
+/// Writes XML text with the necessary escaping.
 #ifndef LIB_CIMXML_XML_XML_WRITER_H_
 #define LIB_CIMXML_XML_XML_WRITER_H_
 
@@ -10,20 +10,20 @@
 
 namespace NVORNQDX20::NCIMXML {
 
-/// The bytes of characters that XML cannot hold, and those that are not UTF-8, become U+FFFD each
-/// and are counted. All others come back from a reader as they are, whatever it normalises.
+/// Each byte that is not UTF-8, or belongs to a character that XML does not allow, becomes U+FFFD
+/// and is counted. All other characters are escaped such that a reader does not normalise them.
 class TXMLWriter {
  public:
   explicit TXMLWriter(TOutput& output) : fOutput(output) {}
 
-  /// Mark-up, as it stands.
+  /// Writes markup unchanged.
   TXMLWriter& Markup(std::string_view markup) {
     fOutput.Write(markup);
     return *this;
   }
-  /// The content of an element.
+  /// Writes the content of an element.
   TXMLWriter& Text(std::string_view text);
-  /// ` NAME="value"`, within a start tag.
+  /// Writes ` NAME="value"` within a start tag.
   TXMLWriter& Attribute(std::string_view name, std::string_view value);
 
   std::size_t Replaced() const { return fReplaced; }

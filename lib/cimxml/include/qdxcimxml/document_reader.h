@@ -14,30 +14,30 @@
 
 namespace NVORNQDX20::NCIMXML {
 
-/// Reads the file behind the descriptor, from its position on, into namespaces: one for each path
-/// that the document's groups and objects have, "root/cimv2" where they have none. The descriptor
-/// stays open; `name` is for messages.
+/// Reads a document from the current position of the descriptor. Returns one namespace for each
+/// namespace path in the document; objects without a path are in "root/cimv2". Does not close the
+/// descriptor; `name` is used in messages.
 ///
-/// What the document uses but does not declare is declared after its use: a qualifier by its first
-/// one, a class at the end of the document, by its instances and the key bindings that name it.
+/// Undeclared qualifiers and classes are declared from their uses: a qualifier from its first use,
+/// a class at the end of the document, from its instances and the key bindings of references to it.
 ///
-/// Failures are logged. A bad document throws kQDXStatusInvalidDataCollectionDocument, with "line
-/// L, column C" in the reason. A file that cannot be read throws kQDXStatusFileSystemError, one
-/// with a bad gzip header kQDXStatusInvalidGzipFile, one that is compressed wrongly elsewhere
-/// kQDXStatusCorruptGzipFile.
+/// Failures are logged. Throws kQDXStatusInvalidDataCollectionDocument for a bad document, with
+/// "line L, column C" in the reason; kQDXStatusFileSystemError if the file cannot be read;
+/// kQDXStatusInvalidGzipFile for a bad gzip header; kQDXStatusCorruptGzipFile for other errors in
+/// the compression.
 boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int descriptor);
 
-/// Reads documents by the names of their files, and keeps the last one.
+/// Reads documents by file name, and caches the last one.
 class TDocumentCache {
  public:
-  /// The document in the file, "-" for standard input. It is read again only if the file has
-  /// changed since the last call; a pipe is read once. Throws kQDXStatusFileNotFound for a file
-  /// that cannot be opened, kQDXStatusAccessDenied where the right is missing, both logged, and
-  /// what ReadDocument() throws.
+  /// Returns the document in the file, or on standard input for "-". Reads it again only if the
+  /// file has changed since the last call; a pipe is read once. Throws kQDXStatusAccessDenied
+  /// without permission and kQDXStatusFileNotFound if the file cannot be opened for another reason,
+  /// both logged, and what ReadDocument() throws.
   boost::shared_ptr<TRepositoryProvider> Read(const std::string& file);
 
  private:
-  /// What tells one content of a file from another.
+  /// Identifies a state of a file: device, inode, size and time of modification.
   struct TIdentity {
     TIdentity() = default;
     explicit TIdentity(const std::string& file);

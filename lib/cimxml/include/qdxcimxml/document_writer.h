@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Writes CIM-XML documents (DMTF DSP0201): namespaces with all that they hold.
+/// Writes CIM-XML documents (DMTF DSP0201): namespaces with all their contents.
 #ifndef QDXCIMXML_DOCUMENT_WRITER_H_
 #define QDXCIMXML_DOCUMENT_WRITER_H_
 
@@ -10,22 +10,22 @@
 
 namespace NVORNQDX20::NCIMXML {
 
-/// Writes as it goes: nothing of a namespace is kept. The order is that of the names, and for the
-/// instances of a class that of the namespace, so that equal contents give equal documents.
+/// Streams: nothing of a namespace is kept in memory. Classes are sorted by name, instances are in
+/// the order of the namespace, so that equal contents give equal documents.
 ///
-/// A file that cannot be written is logged with the reason, and throws kQDXStatusFileSystemError.
+/// A failed write is logged with the reason, and throws kQDXStatusFileSystemError.
 class TDocumentWriter {
  public:
-  /// Opens the file, "-" for standard output, and begins the document. A file that exists is
-  /// emptied and keeps its mode; a new one is the owner's alone. A name that ends in ".gz" makes it
-  /// a gzip file.
+  /// Opens the file, or standard output for "-", and begins the document. An existing file is
+  /// truncated and keeps its mode; a new one gets mode 0600. A name that ends in ".gz" gives a gzip
+  /// file.
   explicit TDocumentWriter(const std::string& file);
-  /// Leaves what was written so far as it is: only Close() makes it whole.
+  /// Leaves an incomplete file unless Close() was called.
   ~TDocumentWriter();
 
   void AddNamespace(const ICIMNamespace& ns);
-  /// Ends the document and closes the file. Warns of characters that had to be replaced, and of
-  /// what had to be left out.
+  /// Completes the document and closes the file. Warns about replaced characters and about values
+  /// that were left out.
   void Close();
 
   const std::string& File() const;
