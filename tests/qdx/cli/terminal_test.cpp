@@ -34,7 +34,7 @@ const char* const kColouredTable =
 
 TEST(Table, HasAlignedColumns) {
   ::setenv("TERM", "xterm", 1);
-  const TStandardOutput output(::open("/dev/null", O_WRONLY | O_CLOEXEC));
+  const TStandardOutput output(TStandardOutput::kPipe);
   EXPECT_EQ(FormatTable(kTable), kPlainTable);
   EXPECT_EQ(FormatTable({}), "");
 }
@@ -46,8 +46,7 @@ TEST(Table, HasColoursOnATerminalThatIsNotToldOtherwise) {
       {"xterm", "1", kPlainTable},
       {"dumb", nullptr, kPlainTable},
       {nullptr, nullptr, kPlainTable}};
-  const TTerminal terminal;
-  const TStandardOutput output(terminal.Open());
+  const TStandardOutput output(TStandardOutput::kTerminal);
   for (const auto& [term, noColour, table] : rows) {
     for (const auto& [name, value] : {std::pair{"TERM", term}, {"NO_COLOR", noColour}}) {
       value != nullptr ? ::setenv(name, value, 1) : ::unsetenv(name);
