@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// A provider of namespaces that were made beforehand.
 #include <qdxcore/status.h>
 #include <qdxmodel/names.h>
 #include <qdxrepository/repository.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// The consumer "cimxml": writes documents.
 #include <qdxcimxml/document_writer.h>
 #include <qdxcore/config.h>
 #include <qdxcore/interfaces.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// The provider "cimxml": reads documents.
 #include <qdxcimxml/document_reader.h>
 #include <qdxcore/interfaces.h>
 #include <qdxcore/registry.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// The provider "linux": describes a machine.
 #include <qdxcore/interfaces.h>
 #include <qdxcore/registry.h>
 #include <qdxcore/status.h>

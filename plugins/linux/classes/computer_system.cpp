@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// Class VORNSG_ComputerSystem: the machine itself.
 #include <qdxcore/schema_helper.h>
 
 #include <locale>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// Class VORNSG_DiskDrive: block devices with hardware.
 #include <algorithm>
 
 #include "logical_device.h"

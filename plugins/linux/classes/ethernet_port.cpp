@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// Class VORNSG_EthernetPort: network interfaces and their counters.
 #include <algorithm>
 #include <locale>
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// Class VORNSG_FileSystem: mounts that hold files.
 #include <qdxcore/schema_helper.h>
 
 #include "catalogue.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// Class VORNSG_OperatingSystem: distribution and kernel, memory, processes and load.
 #include <qdxcore/schema_helper.h>
 #include <qdxcore/status.h>
 

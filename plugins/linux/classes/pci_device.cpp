@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// Class VORNSG_PCIDevice: functions on PCI buses.
 #include <array>
 #include <charconv>
 

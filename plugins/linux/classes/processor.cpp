@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// Class VORNSG_Processor: sockets and their cores.
 #include <algorithm>
 #include <map>
 #include <string_view>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// Class VORNSG_QDXProduct: the version of this product.
 #include <qdxcore/config.h>
 
 #include "catalogue.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// Class VORNSG_SCSIDevice: devices of the SCSI generic driver.
 #include <array>
 
 #include "catalogue.h"
