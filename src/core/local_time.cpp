@@ -15,7 +15,8 @@ constexpr std::int64_t kSecondsPerDay = 86400;
 /// No time zone is ever further from UTC: the widest that a zone file can say is 26 hours.
 constexpr std::int64_t kZoneReach = 4 * kSecondsPerDay;
 
-/// Days from 1970-01-01 to the first of a month of the Gregorian calendar; month 0 is January.
+/// Days from 1970-01-01 to the first of a month of the Gregorian calendar; month 0 is January, -1
+/// the December before it.
 std::int64_t DaysToMonth(std::int64_t year, std::int64_t month) {
   // Years are counted from March, so that the leap day is the last of its year.
   const std::int64_t marchYear = month < 2 ? year - 1 : year;
@@ -28,13 +29,8 @@ std::int64_t DaysToMonth(std::int64_t year, std::int64_t month) {
 }
 
 std::int64_t SecondsAtUTC(const std::tm& fields) {
-  std::int64_t year = std::int64_t{fields.tm_year} + 1900 + fields.tm_mon / 12;
-  std::int64_t month = fields.tm_mon % 12;
-  if (month < 0) {
-    month += 12;
-    --year;
-  }
-  const std::int64_t days = DaysToMonth(year, month) + fields.tm_mday - 1;
+  const std::int64_t year = std::int64_t{fields.tm_year} + 1900 + fields.tm_mon / 12;
+  const std::int64_t days = DaysToMonth(year, fields.tm_mon % 12) + fields.tm_mday - 1;
   return days * kSecondsPerDay + std::int64_t{fields.tm_hour} * 3600 +
          std::int64_t{fields.tm_min} * 60 + fields.tm_sec;
 }
@@ -65,30 +61,23 @@ std::int64_t TWallClock::Instant() const {
   return instant;
 }
 
-bool TWallClock::IsConvertible() const {
-  const bool isFarFrom1970 = std::abs(fSecondsAtUTC) > kZoneReach;
-  return (isFarFrom1970 && IsOffsetSteadyAround(fSecondsAtUTC)) || CallMktime() != -1;
+bool TWallClock::IsConvertible() const { return IsSurelyConvertible() || CallMktime() != -1; }
+
+bool TWallClock::IsSurelyConvertible() const {
+  return std::abs(fSecondsAtUTC) > kZoneReach && IsOffsetSteadyAround(fSecondsAtUTC);
 }
 
-void TWallClock::RequireConvertible() const {
-  if (!IsConvertible()) throw TQDXException(kQDXStatusInvalidDateTime);
-}
-
-/// Around a steady offset, readings come in the order of their instants; but leap seconds, in the
-/// zones that count them, make more of seconds that carry over.
+/// Readings around a steady offset come in the order of their instants: nearby, the offset is the
+/// same, and others are further apart than any two offsets. But leap seconds, in the zones that
+/// count them, make more of seconds that carry over.
 bool TWallClock::IsOrderedLikeInstants() const {
-  return fFields.tm_sec < 60 && IsOffsetSteadyAround(fSecondsAtUTC);
+  return fFields.tm_sec < 60 && IsSurelyConvertible();
 }
 
 int TWallClock::Compare(const TWallClock& other) const {
-  RequireConvertible();
-  other.RequireConvertible();
-  std::int64_t difference = fSecondsAtUTC - other.fSecondsAtUTC;
-  // The zone can only change the order of readings that are close to each other.
-  const bool isClose = std::abs(difference) <= 2 * kZoneReach;
-  if (isClose && !(IsOrderedLikeInstants() && other.IsOrderedLikeInstants())) {
-    difference = CallMktime() - other.CallMktime();
-  }
+  const bool showsOrder = IsOrderedLikeInstants() && other.IsOrderedLikeInstants();
+  const std::int64_t difference =
+      showsOrder ? fSecondsAtUTC - other.fSecondsAtUTC : Instant() - other.Instant();
   return (difference > 0) - (difference < 0);
 }
 

@@ -31,7 +31,7 @@ class TWallClock {
 
  private:
   std::int64_t CallMktime() const;
-  void RequireConvertible() const;
+  bool IsSurelyConvertible() const;
   bool IsOrderedLikeInstants() const;
 
   std::tm fFields;

@@ -12,6 +12,8 @@ constexpr std::int64_t kSecondsPerDay = 86400;
 constexpr std::int64_t kStretch = 16 * kSecondsPerDay;
 /// Three days that are promised, and two for the distance between a reading and its instant.
 constexpr std::int64_t kMargin = 5 * kSecondsPerDay;
+/// mktime() looks for standard time in steps of 601200 seconds, and can miss a shorter one.
+constexpr std::int64_t kShortestStandardTime = 9 * kSecondsPerDay;
 
 bool HaveSameOffset(const std::tm& left, const std::tm& right) {
   return left.tm_gmtoff == right.tm_gmtoff && left.tm_isdst == right.tm_isdst;
@@ -23,19 +25,43 @@ std::tm LocalTime(std::time_t time) {
   return local;
 }
 
-/// Looks a day at a time: no zone ever moved there and back within less than three.
-bool IsSteadyBetween(std::time_t first, std::time_t last) {
+/// Samples one time a day: no zone ever moved there and back within less than three days. The last
+/// time may be before the first.
+bool HasOneOffsetBetween(std::time_t first, std::time_t last) {
+  const std::time_t step = first < last ? kSecondsPerDay : -kSecondsPerDay;
   const std::tm start = LocalTime(first);
-  for (std::time_t time = first; time < last; time += kSecondsPerDay) {
-    if (!HaveSameOffset(start, LocalTime(time + kSecondsPerDay))) return false;
+  for (std::time_t time = first; time != last; time += step) {
+    if (!HaveSameOffset(start, LocalTime(time + step))) return false;
   }
   return true;
+}
+
+/// The first instant in standard time, in steps of a day; after 400 steps, an instant that is not.
+std::time_t FindStandardTime(std::time_t from, std::time_t step) {
+  for (int i = 0; i < 400 && LocalTime(from).tm_isdst != 0; ++i) from += step;
+  return from;
+}
+
+/// During daylight saving, mktime() subtracts the standard offset from before or from after it,
+/// whichever its search finds first: true if the two are the same.
+bool HasOneStandardOffsetAround(std::time_t first, std::time_t last) {
+  const std::time_t before = FindStandardTime(first, -kSecondsPerDay);
+  const std::time_t after = FindStandardTime(last, kSecondsPerDay);
+  const std::tm standard = LocalTime(before);
+  return standard.tm_isdst == 0 && HaveSameOffset(standard, LocalTime(after)) &&
+         HasOneOffsetBetween(before, before - kShortestStandardTime) &&
+         HasOneOffsetBetween(after, after + kShortestStandardTime);
+}
+
+bool IsSteadyBetween(std::time_t first, std::time_t last) {
+  return HasOneOffsetBetween(first, last) &&
+         (LocalTime(first).tm_isdst == 0 || HasOneStandardOffsetAround(first, last));
 }
 
 /// Time in stretches of some days, each steady or not, as far as they were asked for.
 class TStretches {
  public:
-  bool IsSteady(std::int64_t number) {
+  bool IsSteady(std::int32_t number) {
     if (!KnowsZone()) AdoptZone();
     TEntry& entry = fEntries[static_cast<std::size_t>(number) % kEntries];
     if (!entry.fKnown || entry.fNumber != number) {
@@ -48,11 +74,11 @@ class TStretches {
 
  private:
   struct TEntry {
-    std::int64_t fNumber;
+    std::int32_t fNumber;
     bool fKnown;
     bool fSteady;
   };
-  static constexpr std::size_t kEntries = 256;  // eleven years
+  static constexpr std::size_t kEntries = 2048;  // ninety years
 
   bool KnowsZone() const {
     const char* const zone = std::getenv("TZ");
@@ -82,7 +108,7 @@ thread_local TStretches gStretches;
 
 bool IsOffsetSteadyAround(std::int64_t reading) {
   const std::int64_t rounded = reading >= 0 ? reading : reading - (kStretch - 1);
-  return gStretches.IsSteady(rounded / kStretch);
+  return gStretches.IsSteady(static_cast<std::int32_t>(rounded / kStretch));
 }
 
 }  // namespace NVORNQDX20

@@ -7,12 +7,12 @@
 
 namespace NVORNQDX20 {
 
-/// Whether the zone's offset from UTC stays as it is for three days before and after a reading of
-/// the wall clock, in seconds since 1970. Then mktime() takes it, and readings nearby come in the
-/// order of their instants.
+/// Whether mktime() takes every reading of the wall clock from three days before this one to three
+/// days after it, and subtracts the same offset from each, so that they come in the order of their
+/// instants. Readings are in seconds since 1970 and without daylight saving.
 ///
-/// Answers from a table of some years for each thread, which it drops when TZ changes. That a host
-/// replaces its /etc/localtime is only noticed for readings that are not in the table yet.
+/// Each thread has a table of some years, which is dropped when TZ changes. That a host replaces
+/// its /etc/localtime is only noticed for readings that are not in the table yet.
 bool IsOffsetSteadyAround(std::int64_t reading);
 
 }  // namespace NVORNQDX20
