@@ -40,6 +40,14 @@ void SetZone(const char* name) { name == nullptr ? ::unsetenv("TZ") : ::setenv("
 
 TCIMDateTime Parse(const std::string& text) { return TCIMDateTime(text); }
 
+/// Comparing, adding and subtracting each throw.
+void ExpectRefused(const TCIMDateTime& left, const TCIMDateTime& right) {
+  EXPECT_QDX_STATUS(left == right, kQDXStatusInvalidDateTime);
+  EXPECT_QDX_STATUS(left < right, kQDXStatusInvalidDateTime);
+  EXPECT_QDX_STATUS(left + right, kQDXStatusInvalidDateTime);
+  EXPECT_QDX_STATUS(left - right, kQDXStatusInvalidDateTime);
+}
+
 TEST(CIMDateTime, IsNullUntilSet) {
   TCIMDateTime value;
   EXPECT_TRUE(value.IsNull());
@@ -49,7 +57,14 @@ TEST(CIMDateTime, IsNullUntilSet) {
   value.Clear();
   EXPECT_EQ(value.GetYear(), 2004);
   EXPECT_QDX_STATUS(value.ToString(), kQDXStatusInvalidDateTime);
-  EXPECT_QDX_STATUS(value == value, kQDXStatusInvalidDateTime);
+  // As an operand, it would otherwise pass for the interval that it was.
+  TCIMDateTime null(1, 2, 3, 4, 5);
+  null.Clear();
+  for (const TCIMDateTime& other :
+       {null, Parse("20040315143000.000000+060"), TCIMDateTime(1, 2, 3, 4, 5)}) {
+    ExpectRefused(null, other);
+    ExpectRefused(other, null);
+  }
 }
 
 TEST(CIMDateTime, CopiesAllButThePrecisionFlag) {
