@@ -21,20 +21,32 @@ TElement Qualify(const TNamespace& ns, TElement element, const char* name, const
   return element;
 }
 
-/// A class with all that a class can have, each element of it marked, and a subclass.
+template <typename TElement>
+TElement Mark(const TNamespace& ns, TElement element, const TCIMValue& value) {
+  return Qualify(ns, Qualify(ns, element, "Mark", value), "Note", value);
+}
+
+/// A class with two of all that a class can have, each element of it marked, and a subclass.
 TNamespace MakeSmallSource() {
   TNamespace ns = MakeRepositoryNamespace("source");
-  ns->CreateQualifierDecl("Mark", kNoText, kScopeMethod, kFlavorTranslatable, {})->Commit();
-  const auto a = Qualify(ns, ns->CreateClass("T_A", nullptr, {}), "Mark", "class");
-  Qualify(ns, a->CreatePropertyDecl("Level", 1U, {}), "Mark", "property")->Commit();
-  a->SetStaticPropertyValue("Level", 2U, {});
+  for (const char* name : {"Mark", "Note"}) {
+    ns->CreateQualifierDecl(name, kNoText, kScopeMethod, kFlavorTranslatable, {})->Commit();
+  }
+  const auto a = Mark(ns, ns->CreateClass("T_A", nullptr, {}), "class");
+  for (const auto& [name, value] : TProperties{{"Level", 2U}, {"Above", 3U}}) {
+    Mark(ns, a->CreatePropertyDecl(name, 1U, {}), "property")->Commit();
+    a->SetStaticPropertyValue(name, value, {});
+  }
   const auto method = a->CreateMethodDecl("Reset", TCIMType::kCIMTypeSint8, {});
-  const auto parameter = method->CreateParameterDecl("Force", TCIMType::kCIMTypeBoolean);
-  Qualify(ns, parameter, "Mark", "parameter")->Commit();
-  Qualify(ns, method, "Mark", "method");
+  for (const char* name : {"Force", "After"}) {
+    const auto parameter = method->CreateParameterDecl(name, TCIMType::kCIMTypeBoolean);
+    Mark(ns, parameter, "parameter")->Commit();
+  }
+  Mark(ns, method, "method");
+  a->CreateMethodDecl("Apply", TCIMType::kCIMTypeUint8, {});
   a->Commit({});
   ns->CreateClass("T_B", a, {})->Commit({});
-  AddInstance(ns, "T_A", {{"Level", 3U}});
+  for (const unsigned level : {5U, 4U}) AddInstance(ns, "T_A", {{"Level", level}, {"Above", 6U}});
   return ns;
 }
 
@@ -45,29 +57,40 @@ TEST(Copy, FillsTheTargetInThePromisedOrder) {
   const TNamespace target = MakeRepositoryNamespace("target");
   TCIMCopy::CopyClasses(MakeSmallSource(), MakeFaultyNamespace(target, watched));
 
-  // "@" stands for the copy of a qualifier onto the element that follows.
+  // "@" stands for the copy of both qualifiers onto the element that follows.
   std::istringstream expected(R"(
 Namespace::CreateQualifierDecl(Mark,,16,8) QualifierDecl::Commit()
+Namespace::CreateQualifierDecl(Note,,16,8) QualifierDecl::Commit()
 Namespace::CreateClass(T_A) @Class::AddQualifier(class)
   Class::GetPropertyDecl(Level) Class::CreatePropertyDecl(Level,1)
     @PropertyDecl::AddQualifier(property) PropertyDecl::Commit()
-  Class::SetStaticPropertyValue(Level,2)
+  Class::GetPropertyDecl(Above) Class::CreatePropertyDecl(Above,1)
+    @PropertyDecl::AddQualifier(property) PropertyDecl::Commit()
+  Class::SetStaticPropertyValue(Level,2) Class::SetStaticPropertyValue(Above,3)
   Class::CreateMethodDecl(Reset,sint8)
     MethodDecl::CreateParameterDecl(Force,boolean)
       @ParameterDecl::AddQualifier(parameter) ParameterDecl::Commit()
+    MethodDecl::CreateParameterDecl(After,boolean)
+      @ParameterDecl::AddQualifier(parameter) ParameterDecl::Commit()
     @MethodDecl::AddQualifier(method)
+  Class::CreateMethodDecl(Apply,uint8)
   Class::Commit()
   Namespace::GetClass(T_A) Class::CreateInstance()
-    Instance::SetPropertyValue(Level,3) Instance::Commit()
+    Instance::SetPropertyValue(Level,5) Instance::SetPropertyValue(Above,6) Instance::Commit()
+  Namespace::GetClass(T_A) Class::CreateInstance()
+    Instance::SetPropertyValue(Level,4) Instance::SetPropertyValue(Above,6) Instance::Commit()
 Namespace::GetClass(T_A) Namespace::CreateClass(T_B)
-  Class::GetPropertyDecl(Level) Class::Commit())");
+  Class::GetPropertyDecl(Level) Class::GetPropertyDecl(Above) Class::Commit())");
   std::string lines;
   for (std::string word; expected >> word;) {
     if (word[0] == '@') {
-      lines += "Namespace::GetQualifierDecl(Mark)\n";
-      word = word.substr(1) + "\nQualifier::Commit()";
+      for (const std::string name : {"Mark", "Note"}) {
+        lines += "Namespace::GetQualifierDecl(" + name + ")\n" + word.substr(1) +
+                 "\nQualifier::Commit()\n";
+      }
+    } else {
+      lines += word + "\n";
     }
-    lines += word + "\n";
   }
   EXPECT_EQ(calls, lines);
 }
@@ -110,7 +133,8 @@ TEST(Copy, EndsWhereANamespaceFails) {
   }
 }
 
-/// Three levels, and associations before the classes they refer to, one below an ordinary class.
+/// Three levels, and associations before the classes they refer to, one below an ordinary class
+/// and before an ordinary one.
 TNamespace MakeSource() {
   TNamespace ns = MakeNamespace();
   ns->CreateQualifierDecl("PluginName", kNoText, kScopeClass, kFlavorTranslatable, {})->Commit();
@@ -121,6 +145,7 @@ TNamespace MakeSource() {
   Qualify(ns, from, "Key", true)->Commit();
   link->CreatePropertyDecl("To", NullReference(ns, "T_Base"), {})->Commit();
   link->Commit({});
+  ns->CreateClass("T_Node", root, {})->Commit({});
   const auto meta = Qualify(ns, ns->CreateClass("T_Meta", nullptr, {}), "Association", true);
   Qualify(ns, meta->CreatePropertyDecl("Of", NullReference(ns, "T_Link"), {}), "Key", true)
       ->Commit();
@@ -151,7 +176,7 @@ TEST(Copy, LeavesOutInstancesOfPluginsAndRepeatsInheritedOverriding) {
   int asked = 0;
   faults->fWatch = [&](const std::string& c) { asked += c == "ICIMClass::EnumerateInstances(0)"; };
   TCIMCopy::CopyClasses(MakeFaultyNamespace(MakeSource(), faults), target);
-  EXPECT_EQ(asked, 5);  // not of T_Plugin, T_Meta
+  EXPECT_EQ(asked, 6);  // not of T_Plugin, T_Meta
   const auto declared = [&](const char* name, const char* property) {
     return target->GetClass(name, {})->GetPropertyDecl(property, {});
   };
