@@ -26,7 +26,7 @@ class Files : public ::testing::Test {
 };
 
 TEST_F(Files, AreToldFromDirectories) {
-  fDir.Write("file", "12345");
+  fs::resize_file(fDir.Write("file", "x"), 5000000000);  // beyond 32 bits, most of it a hole
   fs::create_symlink("file", At("link"));
   fs::create_symlink("none", At("dangling"));
   ASSERT_EQ(::mkfifo(At("pipe").c_str(), 0600), 0);
@@ -35,7 +35,7 @@ TEST_F(Files, AreToldFromDirectories) {
     EXPECT_EQ(TOS::FileExists(At(name)), isFile) << name;
     EXPECT_EQ(TOS::DirExists(At(name)), name.empty()) << name;
   }
-  EXPECT_EQ(TOS::GetFileSize(At("link")), 5U);
+  EXPECT_EQ(TOS::GetFileSize(At("link")), 5000000000U);
   EXPECT_QDX_STATUS(TOS::GetFileSize(At("")), kQDXStatusFileNotFound);
   EXPECT_QDX_STATUS(TOS::GetFileSize(At("none")), kQDXStatusFileNotFound);
 }
@@ -50,7 +50,10 @@ TEST_F(Files, OfADirectoryAreListed) {
 }
 
 TEST_F(Files, DirectoriesAreCreatedOneAtATime) {
+  const mode_t mask = ::umask(0);
   TOS::CreateDir(At("new"));
+  ::umask(mask);
+  EXPECT_EQ(fs::status(At("new")).permissions(), fs::perms::all);
   EXPECT_QDX_STATUS(TOS::CreateDir(At("new")), kQDXStatusDirectoryAlreadyExists);
   EXPECT_QDX_STATUS(TOS::CreateDir(At("none/new")), kQDXStatusFileSystemError);
   if (::geteuid() != 0 || ::seteuid(65534) != 0) {

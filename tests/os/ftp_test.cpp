@@ -101,6 +101,7 @@ TEST(FTPTransfer, SaysWhyItFails) {
       {"", 6, connection, "connecting to VORN", "connecting to VORN Service"},
       {"", 7, connection, "connecting to VORN", "connecting to VORN Service"},
       {"", 8, library, "performing ftp get command: why", "performing upload command: why"}};
+  const std::string inherited = TOS::SpawnProcess("ls", {"/proc/self/fd"});
   for (const auto& [refused, result, status, downloadText, uploadText] : rows) {
     gRefused = refused;
     gResult = result;
@@ -112,6 +113,7 @@ TEST(FTPTransfer, SaysWhyItFails) {
   for (const char* target : {"/none/x", "/dev/full"}) {
     ExpectError(false, target, library, "performing ftp get command: why");
   }
+  EXPECT_EQ(TOS::SpawnProcess("ls", {"/proc/self/fd"}), inherited);  // not what failures leave open
   EXPECT_EQ(curl_fwrite("x", 1, 1, nullptr), 4294967295U);
   ExpectError(true, "/none", kQDXStatusFileSystemError, "getting file size");
   EXPECT_EQ(gCalls, "");
