@@ -10,7 +10,7 @@
 
 namespace NVORNQDX20 {
 
-/// Returns the specification of a class of devices; the superclass has the keys and the name.
+/// Returns the TClassSpec of a class of devices; the superclass has the keys and the name.
 TClassSpec DeviceClass(const char* name, const char* description,
                        std::vector<TPropertySpec> properties);
 
