@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What a library that uses the interfaces was built with, where a program can read it before it
-/// loads the library: an ELF note (owner "QDXcore", type 1) for each source file.
+/// The build stamp: records what a library that uses the interfaces was built with, so that a
+/// program can check it before loading. An ELF note (owner "QDXcore", type 1) for each source file.
 ///
-/// Nobody needs to do anything for it: <qdxcore/interfaces.h> includes this header. The note
+/// <qdxcore/interfaces.h> includes this header, so there is nothing to do for it. The note
 /// survives strip, --gc-sections and link-time optimisation, and has no symbol.
 #ifndef QDXCORE_BUILD_STAMP_H_
 #define QDXCORE_BUILD_STAMP_H_
@@ -33,8 +33,8 @@ struct TBuildStamp {
 inline constexpr char kBuildStampOwner[] = "QDXcore";
 inline constexpr std::uint32_t kBuildStampType = 1;
 
-// What Boost has really done, not what is defined. <qdxcore/config.h> refuses anything but 1, so a
-// 0 comes from a library that was built around that header.
+// Tests what Boost has really done instead of the definitions. <qdxcore/config.h> accepts only 1,
+// so a 0 means that the library was built without that header.
 inline constexpr TBuildStamp kBuildStamp = {
     QDXCORE_VERSION_MAJOR, QDXCORE_VERSION_MINOR, QDXCORE_VERSION_PATCH,
     // With the handler the checked operators may throw.
@@ -60,7 +60,7 @@ struct TBuildStampNote {
   TBuildStamp fStamp;
 };
 
-/// One for each source file: those of one library may have been built differently.
+/// One for each source file, since those of one library may have been built differently.
 static constexpr TBuildStampNote kBuildStampNote
     [[gnu::used, gnu::section(".note.qdxcore"), gnu::aligned(4)]] = {
         sizeof(kBuildStampOwner),

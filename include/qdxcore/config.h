@@ -43,7 +43,7 @@
 static_assert(!noexcept(*std::declval<const boost::shared_ptr<int>&>()),
               "Define BOOST_ENABLE_ASSERT_HANDLER before any header of Boost is included.");
 
-/// Marks what the shared library offers; everything else in it is hidden.
+/// Exports a symbol from the shared library; all others are hidden.
 #define QDXCORE_EXPORT __attribute__((visibility("default")))
 
 #endif  // QDXCORE_CONFIG_H_

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Copies one CIM namespace into another, of the same provider or not.
 ///
-/// Unlike all else in the library, these names stand outside the namespace NVORNQDX20.
+/// Unlike the rest of the library, these names are outside the namespace NVORNQDX20.
 #ifndef QDXCORE_COPY_H_
 #define QDXCORE_COPY_H_
 
@@ -21,20 +21,21 @@
 /// class of the same name, and its key values are copied the same way. An array of references stays
 /// bound to the source. Names, types and qualifiers pass unchanged; every options map is empty.
 ///
-/// Nothing is logged, and nothing undone: whatever a namespace or a value throws ends the copy, and
-/// what was committed until then stays in the target. Only kQDXStatusNotFound from the new class's
-/// GetPropertyDecl, and any TQDXException from a source property's GetQualifier("OVERRIDE"), are
-/// answers; another status of that GetPropertyDecl passes in a plain TQDXException. A null
-/// reference, for example for a class that the target does not have, ends in the assertion handler
-/// of <qdxcore/status.h>; a target that throws for it instead ends the copy with what it throws.
+/// Nothing is logged or undone: an exception from a namespace or a value ends the copy, and
+/// committed elements stay in the target. Two exceptions mean "no": kQDXStatusNotFound from the new
+/// class's GetPropertyDecl, and any TQDXException from a source property's
+/// GetQualifier("OVERRIDE"). Another status of that GetPropertyDecl is thrown again as a plain
+/// TQDXException. A null reference, for example for a class that the target does not have, ends in
+/// the assertion handler of <qdxcore/status.h>; a target that throws for it instead ends the copy
+/// with what it throws.
 ///
 ///   TCIMCopy::CopyClasses(machine, collected);  // the collected namespace was empty
 class QDXCORE_EXPORT TCIMCopy {
  public:
-  /// Copies a whole namespace: the qualifier declarations; the classes that are no associations,
+  /// Copies a whole namespace: the qualifier declarations; the classes that are not associations,
   /// each after its superclass and followed by its instances; then the associations in the same
-  /// way. So a reference of an association finds every class that is no association, and the
-  /// associations copied before it; a reference elsewhere finds only what was copied before it. A
+  /// way. So a reference in an association can refer to all other classes, and to the associations
+  /// copied before it; a reference elsewhere only to what was copied before it. A
   /// property can refer to its own class only if the target shows classes before they are
   /// committed.
   ///
@@ -44,11 +45,11 @@ class QDXCORE_EXPORT TCIMCopy {
 
   /// Copies a class without its instances: qualifiers, property declarations, static values,
   /// methods. Its superclass must be in the target already, and so must the declarations of its
-  /// qualifiers and the classes it refers to. Whether the target has a class of that name is not
-  /// asked.
+  /// qualifiers and the classes it refers to. Does not check whether the target has a class with
+  /// this name.
   ///
-  /// A property that the superclass has is declared again only if it has the qualifier "OVERRIDE",
-  /// be it that of an inherited declaration. Parameters are committed, methods are not.
+  /// A property of the superclass is declared again only if it has the qualifier "OVERRIDE", own or
+  /// inherited. Parameters are committed, methods are not.
   static void CopyClass(boost::shared_ptr<NVORNQDX20::ICIMClass> cimClass,
                         boost::shared_ptr<NVORNQDX20::ICIMNamespace> target);
 
@@ -62,7 +63,7 @@ class QDXCORE_EXPORT TCIMCopy {
                                          boost::shared_ptr<NVORNQDX20::ICIMNamespace> target);
 };
 
-// What the copier passes to enumerations: each copies one element and answers true.
+// The callbacks that the copier passes to enumerations: each copies one element and returns true.
 
 struct QDXCORE_EXPORT TCopyQualifierDecls {
   boost::shared_ptr<NVORNQDX20::ICIMNamespace> fTarget;
@@ -70,7 +71,7 @@ struct QDXCORE_EXPORT TCopyQualifierDecls {
   bool operator()(boost::shared_ptr<NVORNQDX20::ICIMQualifierDecl> decl) const;
 };
 
-/// A root class and all below it, as TCopyClass copies each.
+/// Copies a root class and all its subclasses with TCopyClass.
 struct QDXCORE_EXPORT TCopyClassTree {
   boost::shared_ptr<NVORNQDX20::ICIMNamespace> fTarget;
   bool fAssociations;
@@ -78,8 +79,8 @@ struct QDXCORE_EXPORT TCopyClassTree {
   bool operator()(boost::shared_ptr<NVORNQDX20::ICIMClass> root) const;
 };
 
-/// A class and its own instances; a class that is an association only if the flag is set, any
-/// other only if it is not.
+/// Copies a class and its own instances: only associations if the flag is set, else only other
+/// classes.
 struct QDXCORE_EXPORT TCopyClass {
   boost::shared_ptr<NVORNQDX20::ICIMNamespace> fTarget;
   bool fAssociations;
@@ -129,7 +130,7 @@ struct QDXCORE_EXPORT TCopyInstanceProperty {
   bool operator()(boost::shared_ptr<NVORNQDX20::ICIMProperty> property) const;
 };
 
-/// A key binding; the reference belongs to the caller.
+/// Copies a key binding. The caller owns the reference.
 struct QDXCORE_EXPORT TCopyReferenceKeys {
   boost::shared_ptr<NVORNQDX20::ICIMNamespace> fTarget;
   NVORNQDX20::TCIMReference* fReference;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The process-wide logger, the two functions through which everybody logs, and a listener.
+/// The process-wide logger, two functions that log, and a listener.
 #ifndef QDXCORE_LOGGER_H_
 #define QDXCORE_LOGGER_H_
 
@@ -18,18 +18,18 @@
 
 namespace NVORNQDX20 {
 
-/// Takes messages, keeps a history of them, and writes them to a file if one is named.
+/// Keeps a history of messages, and writes them to a log file if one is set.
 /// Not synchronised: one thread only.
 class QDXCORE_EXPORT ILogger {
  public:
-  /// Lower is more severe. A message is admitted if its severity is not above the threshold.
+  /// Lower is more severe. A message is accepted if its severity is not above the threshold.
   enum EQDXLogSeverity : std::int32_t {
     kLogError = 0,
     kLogWarning = 1,
     kLogStatus = 2,
     kLogDebug = 3,
-    kLogVerbose = 4,      ///< Written to the file only, never kept.
-    kLogRecordOnly = 100  ///< Kept only, whatever the threshold, never written.
+    kLogVerbose = 4,      ///< Only written to the file, not kept in the history.
+    kLogRecordOnly = 100  ///< Only kept in the history, whatever the threshold.
   };
 
   /// One record of the history.
@@ -40,33 +40,32 @@ class QDXCORE_EXPORT ILogger {
   };
 
   virtual ~ILogger();
-  /// Rejected messages cost a comparison and allocate nothing. A severity outside kLogError to
-  /// kLogVerbose, but for kLogRecordOnly, throws kQDXStatusFail if the threshold admits it; a
-  /// negative one is in the history by then.
+  /// A rejected message costs a comparison and allocates nothing. A severity that is neither
+  /// kLogError to kLogVerbose nor kLogRecordOnly throws kQDXStatusFail if the threshold accepts it;
+  /// a negative one is added to the history before that.
   virtual void OutputLogEntry(EQDXLogSeverity severity, const std::string& message) = 0;
   /// The history itself, oldest first; it grows until ClearLog.
   virtual std::list<TLogEntry>& GetLog() = 0;
   virtual void ClearLog() = 0;
-  /// Any number is taken. kLogStatus to begin with.
+  /// Accepts any number. Initially kLogStatus.
   virtual void SetLogThreshold(EQDXLogSeverity threshold) = 0;
   virtual EQDXLogSeverity GetLogThreshold() = 0;
-  /// Starts a fresh log file, one that can be positioned (no pipe), closed in child processes.
-  /// Throws kQDXStatusAccessDenied if permission is missing, kQDXStatusFileSystemError for any
-  /// other cause; lines are lost then, but not the history. A second call, once a file is open,
-  /// fails so too.
+  /// Creates or truncates the log file, which must be seekable (not a pipe); close-on-exec. Throws
+  /// kQDXStatusAccessDenied without permission, else kQDXStatusFileSystemError; from then on lines
+  /// are lost, but not the history. A second call while a file is open fails in the same way.
   virtual void SetLogFilename(std::string filename) = 0;
 };
 
 /// The logger of the process. Lines in its file read "PRQ_[Error] message".
 class QDXCORE_EXPORT TLogger : public ILogger {
  public:
-  /// Makes a new logger the one of the process, and abandons the one before, if any, without
-  /// deleting it. Always kQDXStatusOK.
+  /// Creates the process's logger. A previous one is replaced and not deleted. Always returns
+  /// kQDXStatusOK.
   static TQDXStatusCode Initialize();
   /// Null before Initialize, and after the logger was deleted.
   static TLogger* GetInstance();
 
-  /// Writes the closing line, if there is a file.
+  /// Writes the closing line if a log file is open.
   ~TLogger() override;
   TLogger(const TLogger&) = delete;
   TLogger& operator=(const TLogger&) = delete;
@@ -90,8 +89,8 @@ class QDXCORE_EXPORT TLogger : public ILogger {
   std::ofstream fLogFile;
 };
 
-/// Sends the joined parts to the core logger, if there is one and its threshold admits them; the
-/// text is not built otherwise.
+/// Logs the joined parts if there is a core logger and its threshold accepts them; otherwise does
+/// not build the text.
 QDXCORE_EXPORT void LogMessage(ILogger::EQDXLogSeverity severity,
                                std::initializer_list<std::string_view> parts);
 
@@ -99,8 +98,8 @@ QDXCORE_EXPORT void LogMessage(ILogger::EQDXLogSeverity severity,
 [[noreturn]] QDXCORE_EXPORT void LogErrorAndThrow(EQDXStatusCode code,
                                                   std::initializer_list<std::string_view> parts);
 
-/// Calls back for each message that is logged while the listener lives, whether or not the log's
-/// threshold admits it. The log itself is the same with and without listeners.
+/// Calls back for each message that is logged during the listener's lifetime, whether or not the
+/// log's threshold accepts it. The log itself does not depend on listeners.
 ///
 ///   std::vector<std::string> warnings;
 ///   {
@@ -110,13 +109,13 @@ QDXCORE_EXPORT void LogMessage(ILogger::EQDXLogSeverity severity,
 ///     consumer->Consume(ns, options);
 ///   }
 ///
-/// Listeners may be nested, and then hear the same. Without a logger there is nothing to hear.
+/// Nested listeners all receive the message. Without a logger there are no messages.
 class TLogListener {
  public:
   using TCallback = boost::function<void(ILogger::EQDXLogSeverity, const std::string&)>;
 
-  /// Hears `level` and what is more severe. The callback must not log; what it throws reaches
-  /// whoever logs.
+  /// Receives messages of severity `level` and more severe ones. The callback must not log; its
+  /// exceptions reach the code that logs.
   QDXCORE_EXPORT TLogListener(ILogger::EQDXLogSeverity level, const TCallback& callback);
   QDXCORE_EXPORT ~TLogListener();
   TLogListener(const TLogListener&) = delete;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Who a machine is, read from a namespace that describes it.
+/// Reads the identity of a machine from a namespace that describes it.
 #ifndef QDXCORE_SCHEMA_HELPER_H_
 #define QDXCORE_SCHEMA_HELPER_H_
 
@@ -16,10 +16,10 @@ namespace NVORNQDX20 {
 
 /// Queries for a machine's identity, as static operations without state.
 ///
-/// Those that read a property take it from the single instance of a class, subclasses included, and
-/// throw kQDXStatusNotFound if the number of instances is not one. A value that is null or of the
-/// wrong type throws what TCIMValue throws, a class or property that comes as null ends in the
-/// assertion handler, and what the provider throws passes out.
+/// Queries of a property read it from the only instance of a class, subclasses included, and throw
+/// kQDXStatusNotFound if there is not exactly one instance. A value that is null or of the wrong
+/// type throws what TCIMValue throws. A class or property that the provider returns as null calls
+/// the assertion handler. Exceptions of the provider are passed on.
 ///
 /// The MTM is the machine's type (four characters) and model (three); "xxx" is an unknown model.
 class QDXCORE_EXPORT TCIMSchemaHelper {
@@ -41,18 +41,18 @@ class QDXCORE_EXPORT TCIMSchemaHelper {
   /// A value of CIM_OperatingSystem.OSType in the CIM Schema of the DMTF; 36 is Linux.
   static std::uint16_t GetOperatingSystemType(boost::shared_ptr<ICIMNamespace> ns);
 
-  /// Whether the first four characters are letters or digits; a text that has fewer is invalid.
+  /// Returns whether the first four characters are letters or digits; false for a shorter text.
   static bool IsValidMachineType(const std::string& text);
-  /// The same, and the next three letters, digits or blanks.
+  /// Like IsValidMachineType, and the next three characters are letters, digits or blanks.
   static bool IsValidMTM(const std::string& text);
 
-  /// The product name as it stands. Unlike the other queries, this and GetRawSerialNumberString
-  /// log at kLogDebug what is missing, and throw kQDXStatusNotFound for it.
+  /// Returns the product name unchanged. This query and GetRawSerialNumberString log missing
+  /// elements at kLogDebug and throw kQDXStatusNotFound, unlike the other queries.
   static std::string GetRawMTMString(boost::shared_ptr<ICIMNamespace> ns);
-  /// The seven characters that the product name carries: as "-[TTTTMMM]-" or "-[TTTT]-" within it,
-  /// or as the whole of it, or behind the fixed name "VORN Loftnode k318-[" and before a "]".
-  /// Blanks at the end of the name do not count; a model of blanks becomes "xxx". Throws
-  /// kQDXStatusInvalidFormat if it carries none.
+  /// Returns the seven characters in the product name: "-[TTTTMMM]-" or "-[TTTT]-" within it, or
+  /// the whole name, or after the fixed text "VORN Loftnode k318-[" and before a "]". Ignores
+  /// blanks at the end of the name; a model of blanks becomes "xxx". Throws kQDXStatusInvalidFormat
+  /// if the name has no MTM.
   static std::string GetMTM(boost::shared_ptr<ICIMNamespace> ns);
   /// The first four characters of the MTM.
   static std::string GetMachineType(boost::shared_ptr<ICIMNamespace> ns);
@@ -61,19 +61,19 @@ class QDXCORE_EXPORT TCIMSchemaHelper {
 
   static std::string GetRawSerialNumberString(boost::shared_ptr<ICIMNamespace> ns,
                                               TOptionsMap options);
-  /// Seven letters or digits; throws kQDXStatusInvalidFormat if the serial number, less blanks at
-  /// its end, is something else.
+  /// Returns seven letters or digits. Throws kQDXStatusInvalidFormat if the serial number without
+  /// blanks at its end is anything else.
   static std::string GetSerialNumber(boost::shared_ptr<ICIMNamespace> ns, TOptionsMap options);
 
   /// The version of the product that collected the data, for example "1.2.3".
   static std::string GetDataSourceVersion(boost::shared_ptr<ICIMNamespace> ns, TOptionsMap options);
-  /// Up to the first "."; like the next two it throws kQDXStatusNotFound if there is none.
+  /// The text before the first ".". This and the next two throw kQDXStatusNotFound without a ".".
   static std::string GetDataSourceMajorVersion(boost::shared_ptr<ICIMNamespace> ns,
                                                TOptionsMap options);
-  /// What follows the first ".", one character more than the major version has: "2." of "1.2.3".
+  /// The text after the first ".", one character longer than the major version: "2." of "1.2.3".
   static std::string GetDataSourceMinorVersion(boost::shared_ptr<ICIMNamespace> ns,
                                                TOptionsMap options);
-  /// After the last ".".
+  /// The text after the last ".".
   static std::string GetDataSourceBuildVersion(boost::shared_ptr<ICIMNamespace> ns);
 };
 

@@ -28,18 +28,18 @@ bool HasKeyQualifier(const ICIMPropertyDecl& decl) {
   try {
     return decl.GetQualifier("Key")->GetValue() == TCIMValue(true);
   } catch (const TQDXException&) {
-    return false;  // any exception means that there is none
+    return false;  // an exception means that there is none
   }
 }
 
-/// Collects declarations from the class upwards.
+/// Collects declarations from the class up to its root class.
 class TPropertyCollector {
  public:
   void Add(const TDecl& decl) {
     const auto [found, isNew] = fPositions.emplace(decl->GetName(), fProperties.size());
     if (isNew) fProperties.push_back({decl, false});
     TClassProperty& property = fProperties[found->second];
-    // A superclass repeats what the class has enumerated as inherited: asked once.
+    // A superclass enumerates again what the class has enumerated as inherited.
     const bool isAsked = !isNew && property.fDecl == decl;
     if (!isAsked && !property.fIsKey) property.fIsKey = HasKeyQualifier(*decl);
   }

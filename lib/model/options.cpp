@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Reads options, and knows what holds for one that is missing.
+/// Reads options, with the defaults of missing ones.
 #include <qdxmodel/options.h>
 
 namespace NVORNQDX20::NModel {

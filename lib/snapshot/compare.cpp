@@ -8,8 +8,8 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// Names of properties, in whatever class, that tell how a machine is doing just now, or from where
-/// it was collected.
+/// Names of properties, in any class, with the current state of a running machine, or with the
+/// place where it was collected.
 bool IsVolatile(const std::string& property) {
   static const std::set<std::string> names = {"AvailablePhysicalMemory",
                                               "AvailableSpace",
@@ -49,8 +49,8 @@ bool IsVolatile(const std::string& property) {
   return names.count(property) != 0;
 }
 
-/// Visits two sorted sequences side by side, each key with the elements that have it; for what only
-/// one sequence has, the other's element is null.
+/// Visits two sorted sequences side by side: each key with the elements that have it, null where a
+/// sequence does not have the key.
 template <typename T, typename TKey, typename TVisit>
 void Merge(const std::vector<T>& a, const std::vector<T>& b, TKey key, TVisit visit) {
   auto inA = a.begin();
@@ -70,7 +70,7 @@ std::string Dump(const TJSON& value) {
 
 const auto kByName = [](const auto& element) -> const std::string& { return element.fName; };
 
-/// "TYPE", "TYPE key", "TYPE = DEFAULT"; null for none.
+/// Returns "TYPE", "TYPE key" or "TYPE = DEFAULT"; null for a null property.
 TJSON DeclarationText(const TPropertySnapshot* property) {
   if (property == nullptr) return nullptr;
   std::string text = property->fType + (property->fIsKey ? " key" : "");
@@ -78,28 +78,28 @@ TJSON DeclarationText(const TPropertySnapshot* property) {
   return text;
 }
 
-/// An instance under what tells it from all others of its class.
+/// An instance with the text that identifies it in its class.
 using TIdentified = std::pair<std::string, const TInstanceSnapshot*>;
 
 class TComparison {
  public:
   explicit TComparison(bool all) : fAll(all) {}
 
-  // Of the two that have a name one may be null.
+  // One of `a` and `b` may be null.
   void CompareNamespaces(const std::string& name, const TNamespaceSnapshot* a,
                          const TNamespaceSnapshot* b);
 
   std::vector<TDifference>& GetDifferences() { return fDifferences; }
 
  private:
-  /// Where a property stands on both sides.
+  /// The positions of a property on both sides.
   struct TColumn {
     const std::string* fName;
     std::size_t fInA;
     std::size_t fInB;
   };
 
-  /// Adds what only one side has.
+  /// Adds a difference if only one side has the element.
   template <typename T>
   void AddIfMissing(TDifference::EElement element, const std::string& owner, const T* a,
                     const T* b) {
@@ -120,7 +120,7 @@ class TComparison {
                      const std::vector<TColumn>& columns);
 
   const bool fAll;
-  std::string fNamespace;  // the one at hand
+  std::string fNamespace;  // the current one
   std::vector<TDifference> fDifferences;
 };
 
@@ -190,7 +190,7 @@ std::vector<TIdentified> TComparison::Identify(const TClassSnapshot& cimClass) c
   return identified;
 }
 
-/// What both sides have and what is compared.
+/// Returns the properties that both sides have and that are compared.
 std::vector<TComparison::TColumn> TComparison::ColumnsOf(const TClassSnapshot& a,
                                                          const TClassSnapshot& b) const {
   std::vector<TColumn> columns;

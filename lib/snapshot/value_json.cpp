@@ -15,8 +15,8 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// The shortest decimal that reads back as the same value of T: 0.1 of a real32 is not shown as the
-/// double next to it, 0.10000000149011612.
+/// Returns the shortest decimal that reads back as the same value of T: 0.1 of a real32 does not
+/// become the nearest double, 0.10000000149011612.
 template <typename T>
 TJSON Real(T value) {
   if (std::isnan(value)) return "NaN";
@@ -41,7 +41,7 @@ TJSON Reference(const TCIMReference& reference, const std::string& home) {
   return (leadsOut ? there + ":" : "") + reference.GetPath();
 }
 
-/// A date-time can itself be null, within a value that is not.
+/// A date-time can be null within a value that is not null.
 TJSON DateTime(const TCIMDateTime& dateTime) {
   return dateTime.IsNull() ? TJSON() : TJSON(dateTime.ToString());
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// File descriptors with an owner.
+// Owners of file descriptors.
 #include <qdxsystem/descriptor.h>
 
 #include <cerrno>

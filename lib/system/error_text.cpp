@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The system's words for a failure.
+// Texts of errno values.
 #include <qdxsystem/error_text.h>
 
 #include <cstring>
@@ -7,7 +7,7 @@
 namespace NVORNQDX20 {
 
 std::string ErrorText(int error) {
-  // Not strerror(): it translates into the host program's language.
+  // Not strerror(), which translates according to the program's locale.
   const char* const text = ::strerrordesc_np(error);
   return text != nullptr ? text : "Unknown error " + std::to_string(error);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Texts character by character.
+// Decodes UTF-8.
 #include <qdxsystem/utf8.h>
 
 #include <cstddef>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Writing to a descriptor.
+// Writes to a descriptor.
 #include <qdxsystem/write.h>
 
 #include <cerrno>

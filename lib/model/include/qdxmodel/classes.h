@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Questions about a class that several of the interfaces' operations answer together.
+/// Queries about a class that combine several operations of the interfaces.
 ///
-/// What a provider throws passes out, unless it just means "no".
+/// Exceptions of the provider are passed on, unless they only mean "no".
 #ifndef QDXMODEL_CLASSES_H_
 #define QDXMODEL_CLASSES_H_
 
@@ -13,15 +13,15 @@
 
 namespace NVORNQDX20::NModel {
 
-/// Null for a root class.
+/// Returns null for a root class.
 boost::shared_ptr<ICIMClass> SuperclassOf(const ICIMClass& cimClass);
 
-/// The class, and all that derive from it, each after its superclass.
+/// Returns the class and all its subclasses, each after its superclass.
 std::vector<boost::shared_ptr<ICIMClass>> WithSubclasses(
     const boost::shared_ptr<ICIMClass>& cimClass);
 
-/// Calls `visit(const ICIMInstance&)` for the instances of just this class, one by one: a provider
-/// need not hold them all at a time.
+/// Calls `visit(const ICIMInstance&)` for the instances of this class without its subclasses, one
+/// by one, so that a provider need not hold all of them at the same time.
 template <typename TVisit>
 void ForEachInstance(const ICIMClass& cimClass, TVisit&& visit) {
   cimClass.EnumerateInstances(
@@ -32,22 +32,22 @@ void ForEachInstance(const ICIMClass& cimClass, TVisit&& visit) {
       false, {});
 }
 
-/// The instances of just this class.
+/// Returns the instances of this class without its subclasses.
 std::vector<boost::shared_ptr<ICIMInstance>> InstancesOf(const ICIMClass& cimClass);
 
-/// What the class declares itself, in the order of declaration. What the superclass gives as the
-/// same object is inherited.
+/// Returns the class's own declarations in their order. A declaration that the superclass returns
+/// as the same object is inherited.
 std::vector<boost::shared_ptr<ICIMPropertyDecl>> OwnPropertyDeclsOf(const ICIMClass& cimClass);
 
 struct TClassProperty {
-  boost::shared_ptr<ICIMPropertyDecl> fDecl;  ///< The one closest to the class.
-  /// Whether it, or one that it overrides, has the qualifier Key: a key remains one below the class
-  /// that makes it one, whether or not an overriding declaration repeats the qualifier.
+  boost::shared_ptr<ICIMPropertyDecl> fDecl;  ///< The nearest declaration.
+  /// Whether this declaration, or one that it overrides, has the qualifier Key: a key remains a key
+  /// in subclasses, whether or not an overriding declaration repeats the qualifier.
   bool fIsKey = false;
 };
 
-/// The properties of a class, the inherited ones too, whether or not the class enumerates those. In
-/// the order in which the class enumerates them; what only a superclass does comes after it.
+/// Returns the properties of a class including inherited ones, whether or not the class enumerates
+/// those: in the order of the class's enumeration, then those that only a superclass enumerates.
 std::vector<TClassProperty> PropertiesOf(const ICIMClass& cimClass);
 
 }  // namespace NVORNQDX20::NModel

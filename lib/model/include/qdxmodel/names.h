@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// How names compare: without regard to ASCII case, and to no other (DMTF DSP0004, naming).
+/// Compares names without regard to ASCII case, and to no other case (DMTF DSP0004, naming).
 ///
-/// No locale has a say, so the outcome is the same on every machine. The words of machines that are
-/// written in whatever case, such as "TRUE", compare the same way.
+/// The locale has no influence. Keywords in any case, such as "TRUE", compare in the same way.
 ///
-/// Inline throughout: name tables hash and compare once for each property of each instance.
+/// All inline, since name tables hash and compare for each property of each instance.
 #ifndef QDXMODEL_NAMES_H_
 #define QDXMODEL_NAMES_H_
 
@@ -22,12 +21,12 @@ constexpr char Lower(char c) noexcept {
 }
 
 inline bool EqualIgnoringCase(std::string_view left, std::string_view right) noexcept {
-  // Most callers spell a name as it was declared.
+  // Fast path: most callers spell a name as it was declared.
   return left == right || std::equal(left.begin(), left.end(), right.begin(), right.end(),
                                      [](char l, char r) { return Lower(l) == Lower(r); });
 }
 
-/// In lower case: equal for names that compare equal, and different for all others.
+/// Returns the name in lower case: equal exactly for names that compare equal.
 inline std::string Folded(std::string_view name) {
   std::string folded(name);
   std::transform(folded.begin(), folded.end(), folded.begin(), Lower);

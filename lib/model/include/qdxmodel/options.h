@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The options that this project's plug-ins, and those who call them, agree on.
+/// The options that the plug-ins of this project and their callers share.
 ///
-/// An option of another type than its reader expects throws kQDXStatusTypeMismatch; one that is
-/// null throws kQDXStatusValueIsNULL.
+/// An option of the wrong type throws kQDXStatusTypeMismatch, a null one kQDXStatusValueIsNULL.
 #ifndef QDXMODEL_OPTIONS_H_
 #define QDXMODEL_OPTIONS_H_
 
@@ -16,20 +15,20 @@ namespace NVORNQDX20::NModel {
 
 /// For a provider: the folder below which it reads all files (string).
 inline constexpr const char* kRootOption = "root";
-/// For a provider: the classes that the caller looks at (array of strings).
+/// For a provider: the classes that the caller reads (array of strings).
 inline constexpr const char* kClassesOption = "classes";
 /// For a provider or a consumer: the document, "-" for standard input or output (string).
 inline constexpr const char* kFileOption = "file";
 /// For a consumer: whether another namespace for the same file follows (boolean).
 inline constexpr const char* kMoreOption = "more";
 
-/// "/" if the option is missing.
+/// Returns "/" if the option is missing.
 std::string RootOf(const TOptionsMap& options);
-/// Nothing if the option is missing: all of them.
+/// Returns nothing if the option is missing, which means all classes.
 std::optional<std::vector<std::string>> ClassesOf(const TOptionsMap& options);
-/// Nothing if the option is missing.
+/// Returns nothing if the option is missing.
 std::optional<std::string> FileOf(const TOptionsMap& options);
-/// False if the option is missing.
+/// Returns false if the option is missing.
 bool HasMore(const TOptionsMap& options);
 
 }  // namespace NVORNQDX20::NModel

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Visits a value, or a type, by the native type that belongs to its CIM type.
+/// Visits a value or a type by the native type of its CIM type.
 ///
 ///   std::string Text(bool value);
 ///   std::string Text(const std::string& value);  // and so on: overloads, or a template
@@ -17,17 +17,17 @@
 
 namespace NVORNQDX20::NModel {
 
-/// A native type where there is no value of it; void for none.
+/// A tag for a native type; void for none.
 template <typename T>
 struct TNative {
   using TType = T;
 };
 
-/// Calls `visit` with the TNative of a scalar type, and returns what that returns. Void stands for
-/// types that no scalar has: none, char, arrays and codes that are no type.
+/// Calls `visit` with the TNative of a scalar type, and returns its result. TNative<void> is passed
+/// for types without scalars: none, char, arrays and invalid codes.
 ///
-/// There is no default, so that the compiler names a type that is missing here. The others decide
-/// by overloads, and need no switch of their own.
+/// The only switch over the types: without a default, so that the compiler reports a missing type.
+/// Callers decide by overloads.
 template <typename TVisit>
 decltype(auto) VisitType(TCIMValue::TCIMType type, TVisit&& visit) {
   using TType = TCIMValue::TCIMType;
@@ -68,7 +68,7 @@ decltype(auto) VisitType(TCIMValue::TCIMType type, TVisit&& visit) {
   return visit(TNative<void>());
 }
 
-/// Calls `visit` with the content of a scalar, and returns what that returns. Throws
+/// Calls `visit` with the content of a scalar, and returns its result. Throws
 /// kQDXStatusValueIsNULL for a value that is null, kQDXStatusTypeMismatch for an array.
 template <typename TVisit>
 decltype(auto) VisitScalar(const TCIMValue& value, TVisit&& visit) {

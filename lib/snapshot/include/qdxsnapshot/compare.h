@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Two descriptions of machines, compared.
+/// Compares two descriptions of machines.
 #ifndef QDXSNAPSHOT_COMPARE_H_
 #define QDXSNAPSHOT_COMPARE_H_
 
@@ -15,7 +15,7 @@ struct TNamespaceSnapshot {
   std::vector<TClassSnapshot> fClasses;  ///< By name.
 };
 
-/// One thing that differs. Of what only one side has, the other side's value is null.
+/// One difference. If only one side has the element, the other value is null.
 struct TDifference {
   enum EElement { kNamespace, kClass, kSuperclass, kDeclaration, kInstance, kValue };
   enum EChange { kRemoved, kAdded, kChanged };
@@ -24,17 +24,16 @@ struct TDifference {
   EChange fChange;
   std::string fNamespace;
   std::string fOwner;     ///< The class, or the instance; empty for a namespace.
-  std::string fProperty;  ///< Of declarations and values.
+  std::string fProperty;  ///< Only for declarations and values.
   TJSON fOld;             ///< The value, the superclass, or a declaration as text.
   TJSON fNew;
 };
 
-/// The differences, in the order of namespaces, classes, instances and properties by name.
+/// Returns the differences, sorted by the names of namespaces, classes, instances and properties.
 ///
-/// Instances are the same if their object paths are; those without keys if their values are. The
-/// order in which they come does not matter, and neither do methods and qualifiers but Key.
-/// Properties that change while a machine just runs are left out unless `all`: uptimes, the time,
-/// counters, what is free.
+/// Instances correspond if their object paths are equal, or, without keys, if their values are
+/// equal. Order, methods and qualifiers other than Key are not compared. Properties that change
+/// while a machine runs are left out unless `all` is set: uptimes, the time, counters, free space.
 std::vector<TDifference> Compare(std::vector<TNamespaceSnapshot> a,
                                  std::vector<TNamespaceSnapshot> b, bool all);
 

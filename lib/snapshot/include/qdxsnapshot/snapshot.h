@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The contents of namespaces as plain data, in an order that does not depend on the provider.
+/// Snapshots: the contents of namespaces as plain data, in an order that does not depend on the
+/// provider.
 #ifndef QDXSNAPSHOT_SNAPSHOT_H_
 #define QDXSNAPSHOT_SNAPSHOT_H_
 
@@ -23,34 +24,33 @@ struct TPropertySnapshot {
 };
 
 struct TInstanceSnapshot {
-  std::string fPath;           ///< The object path. Without keys it is the name of the class.
-  std::vector<TJSON> fValues;  ///< One for each property of its class, in their order.
+  std::string fPath;           ///< The object path; the class name if there are no keys.
+  std::vector<TJSON> fValues;  ///< In the order of the class's properties.
 };
 
 struct TClassSnapshot {
   std::string fName;
   std::string fSuperclass;                     ///< Empty for a root class.
-  std::vector<TPropertySnapshot> fProperties;  ///< Inherited ones too, by name.
+  std::vector<TPropertySnapshot> fProperties;  ///< Including inherited ones, by name.
   std::size_t fInstanceCount = 0;
-  std::vector<TInstanceSnapshot> fInstances;  ///< Those of no other class, by path and values.
+  std::vector<TInstanceSnapshot> fInstances;  ///< Without those of subclasses, by path and values.
 };
 
-/// How far down to read, and to show.
+/// How deep to read and to show.
 enum EDepth { kNamespaces, kClasses, kInstances, kValues };
 
-/// Reads from one namespace what it is asked for, and throws what that throws: what was read before
-/// stays.
+/// Reads parts of one namespace. Passes on its exceptions; what was read before remains.
 class TSnapshotReader {
  public:
-  /// Appends to `classes`, in the order in which the namespace gives them.
+  /// Appends to `classes` in the order of the namespace's enumeration.
   TSnapshotReader(const ICIMNamespace& ns, EDepth depth, std::vector<TClassSnapshot>& classes)
       : fNamespace(ns), fHome(ns.GetName({})), fDepth(depth), fClasses(classes) {}
 
-  /// Every class.
+  /// Reads every class.
   void ReadAll();
-  /// A class and all that are derived from it.
+  /// Reads a class and all its subclasses.
   void ReadTree(const boost::shared_ptr<ICIMClass>& root);
-  /// The class of the instance, with this one only.
+  /// Reads the class of the instance, with this instance only.
   void ReadInstance(const ICIMInstance& instance);
 
  private:
@@ -59,12 +59,12 @@ class TSnapshotReader {
                    const boost::shared_ptr<ICIMClass>& cimClass) const;
 
   const ICIMNamespace& fNamespace;
-  const std::string fHome;  // its name
+  const std::string fHome;  // the name of the namespace
   const EDepth fDepth;
   std::vector<TClassSnapshot>& fClasses;
 };
 
-/// Brings classes, and the instances of each, into the order that a snapshot has.
+/// Sorts the classes by name, and the instances of each by path and values.
 void SortSnapshot(std::vector<TClassSnapshot>& classes);
 
 }  // namespace NVORNQDX20

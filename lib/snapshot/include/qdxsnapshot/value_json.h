@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// CIM values as JSON, and what of that people read.
+/// Converts CIM values to JSON, and JSON values to text for people.
 #ifndef QDXSNAPSHOT_VALUE_JSON_H_
 #define QDXSNAPSHOT_VALUE_JSON_H_
 
@@ -13,14 +13,15 @@ namespace NVORNQDX20 {
 
 using TJSON = nlohmann::ordered_json;
 
-/// Booleans and numbers are what they are; but 64-bit integers are strings, since many readers keep
-/// every number as a double, and so are the reals that JSON has no number for ("NaN", "inf",
-/// "-inf"). Date-times, and references as object paths, are strings; null is null.
-/// A reference out of `home`, the namespace that the value is in, has its own before the path:
+/// Booleans and numbers keep their type; but 64-bit integers become strings, since many readers
+/// store numbers as doubles, and so do reals that JSON cannot express ("NaN", "inf", "-inf").
+/// Date-times and references (as object paths) become strings; null stays null. `home` is the
+/// namespace of the value. A reference to another namespace begins with its name:
 /// "root/other:Class.Key=1".
 TJSON ToJSON(const TCIMValue& value, const std::string& home);
 
-/// In one line: null as "-", strings as they are but the empty one as "\"\"", arrays as "{ a, b }".
+/// Returns one line: "-" for null, strings unchanged but "\"\"" for an empty one, arrays as
+/// "{ a, b }".
 std::string PlainText(const TJSON& value);
 
 }  // namespace NVORNQDX20

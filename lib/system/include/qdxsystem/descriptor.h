@@ -1,33 +1,34 @@
 // SPDX-License-Identifier: Apache-2.0
-/// File descriptors with an owner.
+/// Owners of file descriptors.
 #ifndef QDXSYSTEM_DESCRIPTOR_H_
 #define QDXSYSTEM_DESCRIPTOR_H_
 
 namespace NVORNQDX20 {
 
-/// Owns a file descriptor, or none. Made on the line that opens it:
+/// Owns a file descriptor, or none. Constructed on the line that opens it:
 ///
 ///   const TDescriptor file(::open(path, O_RDONLY | O_CLOEXEC));
 ///   if (!file.IsOpen()) Fail(ErrorText(file.GetError()));
 class TDescriptor {
  public:
   TDescriptor() = default;
-  /// Takes the result of an opening call: a negative number is a failed one, whose errno is kept.
+  /// Takes the result of open() or a similar call. A negative number is a failure; keeps its errno.
   explicit TDescriptor(int number);
   TDescriptor(TDescriptor&& other) noexcept;
-  /// Closes what it owned before.
+  /// Closes the descriptor that it owned before.
   TDescriptor& operator=(TDescriptor&& other) noexcept;
-  /// Leaves errno alone, so that the failure that ended a function can still be reported.
+  /// Closes the descriptor. Does not change errno, so that callers can still report a failure.
   ~TDescriptor();
 
   bool IsOpen() const { return fNumber >= 0; }
-  /// Negative if it owns none.
+  /// Returns a negative number if it owns none.
   int Get() const { return fNumber; }
-  /// The errno of the call that failed to open it, or 0.
+  /// Returns the errno of the failed open, or 0.
   int GetError() const { return fError; }
-  /// Hands the descriptor to the caller, who must close it.
+  /// Transfers the descriptor to the caller, who must close it.
   [[nodiscard]] int Release();
-  /// False, with errno, if the system reports an error; the descriptor is closed nevertheless.
+  /// Returns false, with errno set, if the system reports an error; the descriptor is closed
+  /// anyway.
   bool Close();
 
  private:
@@ -35,15 +36,15 @@ class TDescriptor {
   int fError = 0;
 };
 
-/// Both ends of a pipe, or none.
+/// Both ends of a pipe, or neither.
 struct TPipe {
   TDescriptor fReadEnd;
   TDescriptor fWriteEnd;
 };
 
-/// Neither end is open if that fails; errno has the reason. Both close on exec, and neither has
-/// the number of a standard stream: where one of these is closed, a plain pipe takes its number,
-/// and is then overwritten when a child's streams are redirected.
+/// On failure neither end is open, and errno is set. Both ends are close-on-exec, and neither has
+/// the number of a standard stream: with a closed standard stream, a plain pipe() would take its
+/// number, and redirecting a child's streams would overwrite it.
 TPipe OpenPipe();
 
 }  // namespace NVORNQDX20

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The system's words for a failure.
+/// Texts of errno values.
 #ifndef QDXSYSTEM_ERROR_TEXT_H_
 #define QDXSYSTEM_ERROR_TEXT_H_
 
@@ -7,7 +7,8 @@
 
 namespace NVORNQDX20 {
 
-/// The English text of an errno value, for example "No such file or directory". Any thread.
+/// Returns the English text of an errno value, for example "No such file or directory".
+/// Thread-safe.
 std::string ErrorText(int error);
 
 }  // namespace NVORNQDX20

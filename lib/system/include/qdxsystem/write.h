@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Writing to a descriptor.
+/// Writes to a descriptor.
 #ifndef QDXSYSTEM_WRITE_H_
 #define QDXSYSTEM_WRITE_H_
 
@@ -7,9 +7,8 @@
 
 namespace NVORNQDX20 {
 
-/// Writes every byte, however often a signal or a full pipe interrupts that. False if it fails;
-/// errno has the reason, and some of the bytes may have been written. May be called by the handler
-/// of a signal.
+/// Writes all bytes, and continues after signals and short writes. Returns false, with errno set,
+/// on failure; some of the bytes may have been written. Async-signal-safe.
 bool WriteAll(int descriptor, std::string_view bytes);
 
 }  // namespace NVORNQDX20
