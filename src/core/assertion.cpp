@@ -24,7 +24,7 @@ void ActOnFailure(const std::string& message) {
               << std::endl
               << "Forcing segmentation fault." << std::endl
               << std::endl;
-    return;  // no signal here: the dereference that failed goes on, and that is what faults
+    return;  // no signal here: the caller goes on to dereference the null reference, which faults
   }
   if (policy == "exit") {
     std::cerr << std::endl << message << std::endl;

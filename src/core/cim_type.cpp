@@ -11,13 +11,13 @@ namespace {
 
 using TCIMType = TCIMValue::TCIMType;
 
-/// By type code; a type of no keyword is empty.
+/// Indexed by type code; empty for a code without a keyword.
 constexpr std::string_view kKeywords[] = {
     "",       "boolean", "uint8",  "sint8",  "uint16", "sint16", "uint32",   "sint32",
     "uint64", "sint64",  "real32", "real64", "char",   "string", "datetime", "reference"};
 static_assert(std::size(kKeywords) == TCIMType::kCIMTypeReference + 1);
 
-/// ASCII only: the outcome is the same in every locale.
+/// ASCII only, so that the result does not depend on the locale.
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 }  // namespace
@@ -25,8 +25,8 @@ char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + '
 TCIMValue::TCIMType::TCIMType(std::string keyword) : fType(kCIMTypeNone) {
   for (char& c : keyword) c = Lower(c);
   for (unsigned int type = kCIMTypeBoolean; type < std::size(kKeywords); ++type) {
-    // "char" is written but not read, on purpose: no value can hold one.
-    // Held by CIMType.ReadsKeywordsInAnyCase.
+    // "char" is written but not accepted on purpose: no value can hold one.
+    // Pinned by CIMType.ReadsKeywordsInAnyCase.
     if (type != kCIMTypeChar && keyword == kKeywords[type]) fType = static_cast<ECIMType>(type);
   }
 }

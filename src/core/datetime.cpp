@@ -27,7 +27,7 @@ TCIMDateTime::TCIMDateTime(const TCIMDateTime& other)
     : fBody(boost::make_shared<TCIMDateTimeImpl>(*other.fBody)) {}
 
 TCIMDateTime& TCIMDateTime::operator=(const TCIMDateTime& other) {
-  // A new body: whoever holds the old one through GetBody() keeps it as it is.
+  // A new body, so that callers that hold the old one through GetBody() see no change.
   fBody = boost::make_shared<TCIMDateTimeImpl>(*other.fBody);
   return *this;
 }
@@ -103,8 +103,8 @@ TCIMDateTimeImpl& TCIMDateTimeImpl::operator=(const TCIMDateTimeImpl& other) {
   fMicroseconds = other.fMicroseconds;
   fUTCOffset = other.fUTCOffset;
   fInterval = other.fInterval;
-  // The flag speaks of one object only, and is lost in every copy on purpose.
-  // Held by CIMDateTime.CopiesAllButThePrecisionFlag.
+  // The flag belongs to one object; copies lose it on purpose.
+  // Pinned by CIMDateTime.CopiesAllButThePrecisionFlag.
   fPrecision = false;
   return *this;
 }
@@ -144,8 +144,8 @@ void TCIMDateTimeImpl::Set(std::uint32_t days, std::uint16_t hours, std::uint16_
 bool TCIMDateTimeImpl::IsValid(std::uint16_t year, std::uint16_t month, std::uint32_t day,
                                std::uint16_t hour, std::uint16_t minute, std::uint16_t second,
                                std::uint32_t /*microseconds*/, std::int16_t utcOffset) {
-  // No field is checked by itself on purpose: other parts of a system exchange such values.
-  // Held by CIMDateTimeText.KeepsFieldsThatCarryOver.
+  // Single fields are not checked on purpose: other systems send values that carry over.
+  // Pinned by CIMDateTimeText.KeepsFieldsThatCarryOver.
   return TWallClock(year, month, day, hour, minute - utcOffset, second).IsConvertible();
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Comparing, adding and subtracting date-times.
+// Compares, adds and subtracts date-times.
 #include <qdxcore/datetime.h>
 #include <qdxcore/status.h>
 
@@ -10,7 +10,7 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// Microseconds: 64 bits do not hold the instants of far years.
+/// Microseconds in 128 bits: 64 bits overflow in distant years.
 __extension__ typedef __int128 TMicroseconds;
 
 constexpr TMicroseconds kPerSecond = 1000000;
@@ -22,16 +22,16 @@ T Magnitude(T number) {
   return number < 0 ? -number : number;
 }
 
-/// The clock of a point, its minutes moved by `minutes`.
+/// Returns the wall clock of a point, moved by `minutes`.
 TWallClock ClockOf(const TCIMDateTimeImpl& point, int minutes) {
   return TWallClock(point.GetYear(), point.GetMonth(), point.GetDay(), point.GetHour(),
                     point.GetMinute() + minutes, point.GetSecond());
 }
 
-/// The instant that the wall clock of a point shows here, whatever offset the point has.
+/// Returns the instant of the point's wall clock read in the local zone, whatever its own offset.
 std::int64_t InstantOf(const TCIMDateTimeImpl& point) { return ClockOf(point, 0).Instant(); }
 
-/// Wraps at 2^32 on purpose. Held by CIMDateTimeArithmetic.AddsAndSubtracts.
+/// Wraps at 2^32 on purpose. Pinned by CIMDateTimeArithmetic.AddsAndSubtracts.
 std::uint32_t SecondsOf(const TCIMDateTimeImpl& interval) {
   return interval.GetDay() * 86400U + interval.GetHour() * 3600U + interval.GetMinute() * 60U +
          interval.GetSecond();
@@ -58,7 +58,7 @@ std::tm LocalTime(TMicroseconds seconds) {
   return local;
 }
 
-/// The point whose wall clock, read without daylight saving, shows this many seconds here.
+/// Returns the point of a local wall clock, read without daylight saving, at this many seconds.
 TCIMDateTime MakePoint(TMicroseconds seconds, std::uint32_t microseconds, std::int16_t utcOffset) {
   std::tm local = LocalTime(seconds);
   if (local.tm_isdst != 0) local = LocalTime(seconds - 3600);
@@ -72,13 +72,13 @@ TCIMDateTime MakePoint(TMicroseconds seconds, std::uint32_t microseconds, std::i
 TCIMDateTime AddToPoint(const TCIMDateTimeImpl& point, const TCIMDateTimeImpl& interval) {
   const TMicroseconds total =
       InstantOf(point) * kPerSecond + point.GetMicroSeconds() + MicrosecondsOf(interval);
-  // The microseconds are taken before the sign is dropped, so that before 1970 they come out beyond
-  // a million. Held by CIMDateTimeArithmetic.AddsAndSubtracts.
+  // The microseconds are computed before the sign is dropped, so that before 1970 they exceed a
+  // million. Pinned by CIMDateTimeArithmetic.AddsAndSubtracts.
   return MakePoint(Magnitude(total / kPerSecond), static_cast<std::uint32_t>(total % kPerSecond),
                    point.GetUTCOffset());
 }
 
-/// `pointFraction` and `intervalFraction` are the microseconds that count for each.
+/// `pointFraction` and `intervalFraction` are the microseconds to use for each operand.
 TCIMDateTime SubtractFromPoint(const TCIMDateTimeImpl& point, std::uint32_t pointFraction,
                                const TCIMDateTimeImpl& interval, std::uint32_t intervalFraction) {
   const TMicroseconds difference = Magnitude((InstantOf(point) * kPerSecond + pointFraction) -
@@ -87,7 +87,7 @@ TCIMDateTime SubtractFromPoint(const TCIMDateTimeImpl& point, std::uint32_t poin
                    point.GetUTCOffset());
 }
 
-/// The moment of a point on a scale where two points of any offset can be subtracted.
+/// Returns the position of a point on a scale on which points of any offset can be subtracted.
 TMicroseconds MomentOf(const TCIMDateTimeImpl& point) {
   return (InstantOf(point) - std::int64_t{point.GetUTCOffset()} * 60) * kPerSecond +
          point.GetMicroSeconds();
@@ -97,7 +97,7 @@ int CompareNumbers(std::uint32_t left, std::uint32_t right) {
   return (left > right) - (left < right);
 }
 
-/// Less than, equal to or greater than 0; the fraction decides where the seconds are equal.
+/// Returns a number less than, equal to or greater than 0; fractions decide between equal seconds.
 int Compare(const TCIMDateTimeImpl& left, const TCIMDateTimeImpl& right) {
   if (left.IsNull() || right.IsNull() || left.IsInterval() != right.IsInterval()) Refuse();
   const int seconds =
@@ -135,8 +135,8 @@ TCIMDateTime TCIMDateTimeImpl::operator-(const TCIMDateTime& other) const {
     return MakeInterval(Magnitude(MomentOf(right) - MomentOf(*this)));
   }
   if (!fInterval) return SubtractFromPoint(*this, fMicroseconds, right, right.fMicroseconds);
-  // An interval less a point is the point moved back too, but with the two fractions exchanged on
-  // purpose. Held by CIMDateTimeArithmetic.AddsAndSubtracts.
+  // An interval minus a point also moves the point back, but with the two fractions exchanged, on
+  // purpose. Pinned by CIMDateTimeArithmetic.AddsAndSubtracts.
   return SubtractFromPoint(right, fMicroseconds, *this, right.fMicroseconds);
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The text forms of a date-time: DMTF's 25 characters, and the one for people.
+// Formats and parses date-times: the DMTF's 25 characters, and a text for people.
 #include <qdxcore/datetime.h>
 #include <qdxcore/status.h>
 
@@ -30,7 +30,7 @@ bool HasShapeOfDateTime(const std::string& text) {
   return true;
 }
 
-/// Writes decimal numbers with leading zeros; large enough for every field at its largest.
+/// A buffer for decimal numbers with leading zeros; fits the largest value of every field.
 class TFieldWriter {
  public:
   TFieldWriter& Number(std::uint32_t number, int minimumWidth) {
@@ -57,7 +57,7 @@ class TFieldWriter {
   char* fEnd = fText;
 };
 
-/// "1 hour " or "2 hours "; nothing for none.
+/// Returns "1 hour " or "2 hours "; empty for 0.
 void AppendQuantity(std::string& text, std::uint32_t number, const char* unit) {
   if (number == 0) return;
   text += std::to_string(number);
@@ -76,7 +76,7 @@ void TCIMDateTimeImpl::Set(const std::string& text) {
   };
 
   // Microseconds, and the days of an interval below, are narrowed to 16 bits on purpose: 123456 is
-  // stored as 57920. Held by CIMDateTimeText.NarrowsMicrosecondsAndDays.
+  // stored as 57920. Pinned by CIMDateTimeText.NarrowsMicrosecondsAndDays.
   const std::uint16_t microseconds = field(15, 6);
   const char sign = text[kSignPosition];
   const auto offset = static_cast<std::int16_t>(field(22, 3));
@@ -121,7 +121,7 @@ std::string TCIMDateTimeImpl::ToUIString() const {
     AppendQuantity(text, fSecond, "second");
     AppendQuantity(text, fMicroseconds / 1000, "millisecond");
     AppendQuantity(text, fMicroseconds % 1000, "microsecond");
-    return text;  // the blank at the end stays
+    return text;  // with the trailing blank
   }
   TFieldWriter text;
   text.Number(fMonth, 2).Character('/').Number(fDay, 2).Character('/').Number(fYear, 4);

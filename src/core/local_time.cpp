@@ -12,13 +12,13 @@ namespace {
 
 constexpr std::int64_t kSecondsPerDay = 86400;
 
-/// No time zone is ever further from UTC: the widest that a zone file can say is 26 hours.
+/// The largest distance of a time zone from UTC that a zone file can express.
 constexpr std::int64_t kZoneReach = 4 * kSecondsPerDay;
 
-/// Days from 1970-01-01 to the first of a month of the Gregorian calendar; month 0 is January, -1
-/// the December before it.
+/// Returns the days from 1970-01-01 to the first of a month of the Gregorian calendar. Month 0 is
+/// January, -1 the December before.
 std::int64_t DaysToMonth(std::int64_t year, std::int64_t month) {
-  // Years are counted from March, so that the leap day is the last of its year.
+  // Years begin in March, so that the leap day is the last day of a year.
   const std::int64_t marchYear = month < 2 ? year - 1 : year;
   const std::int64_t monthsSinceMarch = (month + 10) % 12;
   const std::int64_t era = (marchYear >= 0 ? marchYear : marchYear - 399) / 400;
@@ -51,7 +51,7 @@ TWallClock::TWallClock(std::uint16_t year, std::uint16_t month, std::uint32_t da
 }
 
 std::int64_t TWallClock::CallMktime() const {
-  std::tm fields = fFields;  // mktime() normalises what it is given
+  std::tm fields = fFields;  // mktime() normalises its argument
   return std::mktime(&fields);
 }
 
@@ -67,9 +67,9 @@ bool TWallClock::IsSurelyConvertible() const {
   return std::abs(fSecondsAtUTC) > kZoneReach && IsOffsetSteadyAround(fSecondsAtUTC);
 }
 
-/// Readings around a steady offset come in the order of their instants: nearby, the offset is the
-/// same, and others are further apart than any two offsets. But leap seconds, in the zones that
-/// count them, make more of seconds that carry over.
+/// Around a steady offset, readings are ordered like their instants: nearby readings have the same
+/// offset, and others are further apart than any two offsets. The exception are zones with leap
+/// seconds, where seconds that carry over give a different instant.
 bool TWallClock::IsOrderedLikeInstants() const {
   return fFields.tm_sec < 60 && IsSurelyConvertible();
 }

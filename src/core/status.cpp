@@ -45,7 +45,7 @@ const std::string kQDXErrorMessages[] = {
     "kQDXStatusInvalidFormat",
     "kQDXStatusContainerMismatch",
     "kQDXStatusRequiredContextMissing",
-    "prqStatusEnd",  // its own style, as the enumerator has it
+    "prqStatusEnd",  // spelled like the enumerator
 };
 static_assert(std::size(kQDXErrorMessages) == prqStatusEnd + 1);
 

@@ -10,9 +10,9 @@ namespace {
 
 constexpr std::int64_t kSecondsPerDay = 86400;
 constexpr std::int64_t kStretch = 16 * kSecondsPerDay;
-/// Three days that are promised, and two for the distance between a reading and its instant.
+/// Three days as promised, plus two for the distance between a reading and its instant.
 constexpr std::int64_t kMargin = 5 * kSecondsPerDay;
-/// mktime() looks for standard time in steps of 601200 seconds, and can miss a shorter one.
+/// mktime() searches standard time in steps of 601200 seconds, and can miss a shorter period.
 constexpr std::int64_t kShortestStandardTime = 9 * kSecondsPerDay;
 
 bool HaveSameOffset(const std::tm& left, const std::tm& right) {
@@ -25,8 +25,8 @@ std::tm LocalTime(std::time_t time) {
   return local;
 }
 
-/// Samples one time a day: no zone ever moved there and back within less than three days. The last
-/// time may be before the first.
+/// Samples one time per day: no zone has ever changed and changed back within three days. `last`
+/// may be before `first`.
 bool HasOneOffsetBetween(std::time_t first, std::time_t last) {
   const std::time_t step = first < last ? kSecondsPerDay : -kSecondsPerDay;
   const std::tm start = LocalTime(first);
@@ -36,14 +36,15 @@ bool HasOneOffsetBetween(std::time_t first, std::time_t last) {
   return true;
 }
 
-/// The first instant in standard time, in steps of a day; after 400 steps, an instant that is not.
+/// Returns the first instant in standard time, in steps of a day; after 400 steps, an instant that
+/// is not in standard time.
 std::time_t FindStandardTime(std::time_t from, std::time_t step) {
   for (int i = 0; i < 400 && LocalTime(from).tm_isdst != 0; ++i) from += step;
   return from;
 }
 
-/// During daylight saving, mktime() subtracts the standard offset from before or from after it,
-/// whichever its search finds first: true if the two are the same.
+/// During daylight saving, mktime() subtracts the standard offset of the time before or after it,
+/// whichever its search finds first. Returns whether the two are equal.
 bool HasOneStandardOffsetAround(std::time_t first, std::time_t last) {
   const std::time_t before = FindStandardTime(first, -kSecondsPerDay);
   const std::time_t after = FindStandardTime(last, kSecondsPerDay);
@@ -58,14 +59,14 @@ bool IsSteadyBetween(std::time_t first, std::time_t last) {
          (LocalTime(first).tm_isdst == 0 || HasOneStandardOffsetAround(first, last));
 }
 
-/// Time in stretches of some days, each steady or not, as far as they were asked for.
+/// A cache: which periods of some days have a steady offset.
 class TStretches {
  public:
   bool IsSteady(std::int32_t number) {
     if (!KnowsZone()) AdoptZone();
     TEntry& entry = fEntries[static_cast<std::size_t>(number) % kEntries];
     if (!entry.fKnown || entry.fNumber != number) {
-      ::tzset();  // localtime_r() does not look for a changed zone
+      ::tzset();  // localtime_r() does not check for a changed zone
       const std::int64_t start = number * kStretch;
       entry = {number, true, IsSteadyBetween(start - kMargin, start + kStretch + kMargin)};
     }
@@ -91,7 +92,7 @@ class TStretches {
     const std::size_t size = zone == nullptr ? 0 : std::strlen(zone) + 1;
     const bool fits = size <= sizeof fZone;
     if (fits && zone != nullptr) std::memcpy(fZone, zone, size);
-    // A name too long to be kept is adopted anew each time.
+    // A name that is too long to be stored is adopted again each time.
     fZoneState = zone == nullptr ? kUnset : fits ? kSet : kUnknown;
     for (TEntry& entry : fEntries) entry.fKnown = false;
   }
@@ -101,7 +102,7 @@ class TStretches {
   TEntry fEntries[kEntries] = {};
 };
 
-/// Date-times may be used on several threads, each object on one.
+/// Distinct date-times may be used on distinct threads.
 thread_local TStretches gStretches;
 
 }  // namespace

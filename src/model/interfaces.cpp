@@ -9,8 +9,8 @@ namespace {
 
 }  // namespace
 
-// The destructors stand here, and nowhere else, so that each interface has one virtual table and
-// one type information in the whole process.
+// The destructors are defined here, out of line, so that each interface has one virtual table and
+// one type information in the process.
 ICIMElement::~ICIMElement() = default;
 ICIMNamedElement::~ICIMNamedElement() = default;
 ICIMQualifierDecl::~ICIMQualifierDecl() = default;

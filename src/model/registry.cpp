@@ -6,8 +6,8 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// The reason of the exception that is being handled. A bare status says less than the last error
-/// that was logged before it, if there is one.
+/// Returns the reason of the exception that is being handled. For a bare status this is the last
+/// logged error, if there is one, since that says more.
 std::string ReasonOfFailure(const std::string& lastError) {
   try {
     throw;
@@ -29,8 +29,8 @@ INamespaceProviderManager::~INamespaceProviderManager() = default;
 boost::shared_ptr<TNamespaceProviderManager> TNamespaceProviderManager::fgInstance;
 
 boost::shared_ptr<TNamespaceProviderManager> TNamespaceProviderManager::GetInstance() {
-  // Taken out of the variable before that is destroyed: a provider that asks for the registry in
-  // its own destructor, as the process ends, gets a new one, not the one that is going.
+  // Moved out of the variable before it is destroyed: a provider that uses the registry in its own
+  // destructor, when the process ends, gets a new one instead of a half-destroyed one.
   struct TDropAtExit {
     ~TDropAtExit() { boost::shared_ptr<TNamespaceProviderManager>().swap(fgInstance); }
   };
@@ -44,7 +44,7 @@ TNamespaceProviderManager::~TNamespaceProviderManager() = default;
 
 void TNamespaceProviderManager::RegisterNamespaceProvider(
     boost::shared_ptr<INamespaceProvider> provider) {
-  // The first provider keeps its name on purpose; the newcomer is dropped in silence.
+  // The first provider keeps the name on purpose; the second one is silently dropped.
   fProviders.emplace(provider->GetName(TOptionsMap()), provider);
 }
 
@@ -79,7 +79,7 @@ bool RegisterProvider(boost::shared_ptr<INamespaceProvider> (*make)()) noexcept 
     LogMessage(ILogger::kLogError, {"Failed to register a provider: ", ReasonOfFailure(lastError)});
   }
   return false;
-} catch (...) {  // no memory for the message
+} catch (...) {  // out of memory for the message
   return false;
 }
 
