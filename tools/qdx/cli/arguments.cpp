@@ -10,15 +10,13 @@ namespace {
 
 using TWords = std::vector<std::string>;
 
-[[noreturn]] void FailUsage(const std::string& line) { throw TCommandFailure(kExitUsage, line); }
-
 const TOptionSpec& FindOption(const std::vector<TOptionSpec>& options, const std::string& word) {
   const auto found =
       std::find_if(options.begin(), options.end(), [&word](const TOptionSpec& option) {
         const bool isLetter = option.fLetter != '\0' && word == std::string("-") + option.fLetter;
         return isLetter || word == std::string("--") + option.fName;
       });
-  if (found == options.end()) FailUsage("unknown option '" + word + "'");
+  if (found == options.end()) FailOnUsage("unknown option '" + word + "'");
   return *found;
 }
 
@@ -35,13 +33,13 @@ void TakeOption(const std::vector<TOptionSpec>& options, TWords::const_iterator&
   const std::string shown = std::string("option '--") + option.fName + "'";
   std::string value;
   if (endOfName != word->size()) {
-    if (option.fValueName == nullptr) FailUsage(shown + " takes no value");
+    if (option.fValueName == nullptr) FailOnUsage(shown + " takes no value");
     value = word->substr(endOfName + ((*word)[endOfName] == '=' ? 1 : 0));
   } else if (option.fValueName != nullptr && std::next(word) != end) {
     value = *++word;
   }
   if (option.fValueName != nullptr && value.empty()) {
-    FailUsage(shown + " needs a value: " + option.fValueName);
+    FailOnUsage(shown + " needs a value: " + option.fValueName);
   }
   arguments.fOptions[option.fName].push_back(value);
 }
@@ -81,14 +79,14 @@ TArguments ParseArguments(const std::vector<TOptionSpec>& options, const TWords&
 void CheckOperands(const std::string& verb, const std::vector<TOperandSpec>& specs,
                    const TWords& operands) {
   if (operands.size() > specs.size()) {
-    FailUsage("unexpected argument '" + operands[specs.size()] + "'");
+    FailOnUsage("unexpected argument '" + operands[specs.size()] + "'");
   }
   for (std::size_t i = 0; i < operands.size(); ++i) {
-    if (operands[i].empty()) FailUsage(std::string("an argument is empty: ") + specs[i].fName);
+    if (operands[i].empty()) FailOnUsage(std::string("an argument is empty: ") + specs[i].fName);
   }
   for (std::size_t missing = operands.size(); missing < specs.size(); ++missing) {
     if (specs[missing].fPresence == TOperandSpec::kRequired) {
-      FailUsage(verb + " needs an argument: " + specs[missing].fName);
+      FailOnUsage(verb + " needs an argument: " + specs[missing].fName);
     }
   }
 }

@@ -40,7 +40,8 @@ std::string LineOf(const std::string& action, const TExplainedException& failure
 
 void PrintAndLog(const std::string& line, TQDXStatusCode status) {
   PrintError(line);
-  LogMessage(ILogger::kLogError, {line, " [", status.TranslateStatusCode(), "]"});
+  // Names in it come from anywhere, and must not look like lines of their own.
+  LogMessage(ILogger::kLogError, {ForTerminal(line), " [", status.TranslateStatusCode(), "]"});
 }
 
 }  // namespace
@@ -94,8 +95,12 @@ void TCommandFailure::Print() const {
   if (fStatus) {
     PrintAndLog(line, *fStatus);
   } else if (!line.empty()) {
-    PrintError(line + (fExitCode == kExitUsage ? ". Try 'qdx --help'." : ""));
+    PrintError(line);
   }
+}
+
+void FailOnUsage(const std::string& mistake) {
+  throw TCommandFailure(kExitUsage, mistake + ". Try 'qdx --help'.");
 }
 
 }  // namespace NVORNQDX20

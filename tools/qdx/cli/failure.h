@@ -44,19 +44,25 @@ void PrintFailure(const std::string& action, const TExplainedException& failure)
 /// Writes "qdx: " and the line to standard error.
 void PrintError(const std::string& line);
 
+/// Ends the command with kExitUsage, and a line that says what is wrong and how to get help.
+[[noreturn]] void FailOnUsage(const std::string& mistake);
+
 /// Ends the command with this exit status.
 class TCommandFailure : public std::runtime_error {
  public:
   TCommandFailure(EExitCode code, const std::string& action, const TExplainedException& failure);
-  /// For wrong usage, or with an empty line where all is said already.
-  TCommandFailure(EExitCode code, const std::string& line)
-      : std::runtime_error(line), fExitCode(code) {}
+  /// Prints nothing: the reason has been printed already, or nobody reads any more.
+  explicit TCommandFailure(EExitCode code) : std::runtime_error(""), fExitCode(code) {}
 
   EExitCode GetExitCode() const { return fExitCode; }
   /// Does what PrintFailure does.
   void Print() const;
 
  private:
+  friend void FailOnUsage(const std::string& mistake);
+  TCommandFailure(EExitCode code, const std::string& line)
+      : std::runtime_error(line), fExitCode(code) {}
+
   EExitCode fExitCode;
   std::optional<EQDXStatusCode> fStatus;
 };

@@ -18,7 +18,7 @@ namespace NVORNQDX20 {
 namespace {
 
 [[noreturn]] void FailToWrite(int error) {
-  if (error == EPIPE) throw TCommandFailure(kExitBadInput, "");
+  if (error == EPIPE) throw TCommandFailure(kExitBadInput);
   throw TCommandFailure(kExitBadInput, "writing standard output",
                         {kQDXStatusFileSystemError, ErrorText(error)});
 }

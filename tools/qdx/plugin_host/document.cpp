@@ -87,9 +87,9 @@ TDocumentWriter::TDocumentWriter(const std::string& consumer) : fName(consumer) 
                         "loading consumer " + library.fFile, *library.fFailure);
 }
 
-std::optional<TRefusal> TDocumentWriter::Write(const TNamespaces& namespaces,
-                                               const std::string& file,
-                                               const std::string& shownAs) {
+std::optional<TProviderFailure> TDocumentWriter::Write(
+    const std::vector<TMachineNamespace>& namespaces, const std::string& file,
+    const std::string& shownAs) {
   const auto shown = [&](const std::string& message) {
     return file == "-" ? message : boost::algorithm::replace_all_copy(message, file, shownAs);
   };
@@ -101,19 +101,21 @@ std::optional<TRefusal> TDocumentWriter::Write(const TNamespaces& namespaces,
       [&] {
         for (; index < namespaces.size(); ++index) {
           const bool more = index + 1 < namespaces.size();
-          fConsumer->Consume(namespaces[index], {{NModel::kFileOption, TCIMValue(file)},
-                                                 {NModel::kMoreOption, TCIMValue(more)}});
+          fConsumer->Consume(
+              namespaces[index].fNamespace,
+              {{NModel::kFileOption, TCIMValue(file)}, {NModel::kMoreOption, TCIMValue(more)}});
         }
       },
       warnings);
   if (failure) failure = Blame({failure->GetStatusCode(), shown(failure->GetReason())}, shownAs);
   // What the file system does not take of one namespace, it will not take of another.
-  if (failure && failure->GetStatusCode() != kQDXStatusFileSystemError)
-    return TRefusal{index, *failure};
+  if (failure && failure->GetStatusCode() != kQDXStatusFileSystemError) {
+    return TProviderFailure{namespaces[index].fOrigin, "writing", *failure};
+  }
   fHasWarned = fHasWarned || !warnings.empty();
   for (const std::string& warning : warnings) PrintError(shown(warning));
   if (!failure) return std::nullopt;
-  if (file == "-" && !OutputHasReader()) throw TCommandFailure(kExitBadInput, "");
+  if (file == "-" && !OutputHasReader()) throw TCommandFailure(kExitBadInput);
   throw TCommandFailure(kExitBadInput, action, *failure);
 }
 

@@ -5,7 +5,6 @@
 
 #include <qdxcore/interfaces.h>
 
-#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,6 +12,7 @@
 #include <boost/shared_ptr.hpp>
 
 #include "cli/failure.h"
+#include "live_machine.h"
 
 namespace NVORNQDX20 {
 
@@ -21,12 +21,6 @@ using TNamespaces = std::vector<boost::shared_ptr<ICIMNamespace>>;
 /// The namespaces of a document, in its order; "-" is standard input. What the plug-in warned
 /// of is told on standard error. Throws a TCommandFailure if it cannot be read.
 TNamespaces ReadDocument(const std::string& file);
-
-/// A namespace that a consumer does not take.
-struct TRefusal {
-  std::size_t fIndex;
-  TExplainedException fFailure;
-};
 
 /// Writes namespaces into files by a consumer plug-in.
 class TDocumentWriter {
@@ -42,8 +36,8 @@ class TDocumentWriter {
   /// Answers the first namespace that was refused: then the file holds nothing of use, and may be
   /// emptied and written anew without it. Throws a TCommandFailure if the file cannot be written,
   /// without a line if the reader has gone.
-  std::optional<TRefusal> Write(const TNamespaces& namespaces, const std::string& file,
-                                const std::string& shownAs);
+  std::optional<TProviderFailure> Write(const std::vector<TMachineNamespace>& namespaces,
+                                        const std::string& file, const std::string& shownAs);
 
   /// Whether the plug-in warned, because what it wrote is not all that it was given.
   bool HasWarned() const { return fHasWarned; }

@@ -24,7 +24,13 @@ struct TOrigin {
   std::string fNamespace;
 };
 
-/// Something that a provider did not deliver.
+/// What a provider delivered, or a copy of it.
+struct TMachineNamespace {
+  TOrigin fOrigin;
+  boost::shared_ptr<ICIMNamespace> fNamespace;
+};
+
+/// Something that a provider did not deliver, or that could not be written.
 struct TProviderFailure {
   TOrigin fOrigin;
   std::string fOperation;  ///< "loading", "listing", "opening", "writing" or what a visitor does.

@@ -64,7 +64,7 @@ void RunWatched(const std::string& action, std::chrono::seconds patience,
   if (!WIFEXITED(status)) fail(kQDXStatusFail, "a signal ended it");
   if (WEXITSTATUS(status) == kOutOfMemory) fail(kQDXStatusOutOfMemory, "out of memory");
   const auto code = static_cast<EExitCode>(WEXITSTATUS(status));
-  if (code != kExitDone) throw TCommandFailure(code, "");
+  if (code != kExitDone) throw TCommandFailure(code);
 }
 
 }  // namespace NVORNQDX20

@@ -41,12 +41,7 @@ bool IsEmpty(const ICIMNamespace& ns) {
   return empty;
 }
 
-/// What a provider delivered.
-struct TCopy {
-  TOrigin fOrigin;
-  boost::shared_ptr<ICIMNamespace> fNamespace;
-};
-using TCopies = std::vector<TCopy>;
+using TCopies = std::vector<TMachineNamespace>;
 
 /// What was copied before a failure stays.
 TCopies CopyNamespaces(TLiveMachine& machine) {
@@ -62,7 +57,7 @@ TCopies CopyNamespaces(TLiveMachine& machine) {
     TCIMCopy::CopyClasses(ns, WithProgress(copy, label));
   });
   const auto begin = copies.begin();
-  const auto isEmpty = [](const TCopy& copy) { return IsEmpty(*copy.fNamespace); };
+  const auto isEmpty = [](const TMachineNamespace& copy) { return IsEmpty(*copy.fNamespace); };
   copies.erase(std::remove_if(begin, copies.end(), isEmpty), copies.end());
   return copies;
 }
@@ -71,7 +66,7 @@ TCopies CopyNamespaces(TLiveMachine& machine) {
 /// which this command runs on would be wrong for one below another root folder.
 std::string HostName(const TCopies& copies, const std::string& root) {
   std::string name;
-  for (const TCopy& copy : copies) {
+  for (const TMachineNamespace& copy : copies) {
     if (!IsNamed(*copy.fNamespace, kMachineNamespace)) continue;
     (void)Try([&] { name = TCIMSchemaHelper::GetSystemName(copy.fNamespace); });
   }
@@ -145,16 +140,16 @@ class TCollection {
  private:
   static constexpr const char* kDefaultSuffix = ".xml.gz";
 
-  TNamespaces NamespacesAndRecord() const {
-    TNamespaces namespaces;
-    for (const TCopy& copy : fCopies) namespaces.push_back(copy.fNamespace);
-    namespaces.push_back(MakeCollectionRecord(fMachine, fHostName));
-    return namespaces;
+  /// No provider is the origin of the record.
+  TCopies CopiesAndRecord() const {
+    TCopies copies = fCopies;
+    copies.push_back({{}, MakeCollectionRecord(fMachine, fHostName)});
+    return copies;
   }
 
   /// What the consumer refuses is left out: the document begins anew.
   void Write(const TNewFile& newFile, const std::string& shownAs) {
-    while (const auto refusal = fWriter.Write(NamespacesAndRecord(), newFile.GetPath(), shownAs)) {
+    while (const auto refusal = fWriter.Write(CopiesAndRecord(), newFile.GetPath(), shownAs)) {
       LeaveOut(*refusal, shownAs);
       if (fCopies.empty()) FailToCollect(fMachine, "the consumer takes nothing of it");
       fs::resize_file(newFile.GetPath(), 0);
@@ -163,18 +158,21 @@ class TCollection {
 
   /// What is already written cannot be taken back.
   void WriteAsItStands(const std::string& file, const std::string& shownAs) {
-    const auto refusal = fWriter.Write(NamespacesAndRecord(), file, shownAs);
+    const auto refusal = fWriter.Write(CopiesAndRecord(), file, shownAs);
     if (!refusal) return;
     LeaveOut(*refusal, shownAs);
-    throw TCommandFailure(kExitBadInput, "");
+    throw TCommandFailure(kExitBadInput);
   }
 
-  void LeaveOut(const TRefusal& refusal, const std::string& shownAs) {
-    if (refusal.fIndex == fCopies.size()) {  // the record
+  void LeaveOut(const TProviderFailure& refusal, const std::string& shownAs) {
+    const std::string& name = refusal.fOrigin.fNamespace;
+    const auto refused = std::find_if(fCopies.begin(), fCopies.end(), [&](const auto& copy) {
+      return copy.fOrigin.fNamespace == name;
+    });
+    if (refused == fCopies.end()) {  // the record
       throw TCommandFailure(kExitBadInput, "writing document " + shownAs, refusal.fFailure);
     }
-    const auto refused = fCopies.begin() + static_cast<std::ptrdiff_t>(refusal.fIndex);
-    fMachine.AddFailure({refused->fOrigin, "writing", refusal.fFailure});
+    fMachine.AddFailure(refusal);
     fCopies.erase(refused);
   }
 
@@ -187,7 +185,7 @@ class TCollection {
 EExitCode RunCollect(const TArguments& arguments) {
   const std::string consumer = arguments.Get("consumer", TDocumentWriter::kDefaultConsumer);
   if (consumer != TDocumentWriter::kDefaultConsumer && !arguments.Has("output")) {
-    throw TCommandFailure(kExitUsage, "option '--consumer' needs option '--output'");
+    FailOnUsage("option '--consumer' needs option '--output'");
   }
   TLiveMachine machine(arguments);
   TDocumentWriter writer(consumer);

@@ -31,7 +31,7 @@ ILogger::EQDXLogSeverity SeverityNamed(const std::string& name) {
   // In the order of the severities.
   const std::vector<std::string> names = {"error", "warning", "status", "debug", "verbose"};
   const auto found = std::find(names.begin(), names.end(), name);
-  if (found == names.end()) throw TCommandFailure(kExitUsage, "unknown log level '" + name + "'");
+  if (found == names.end()) FailOnUsage("unknown log level '" + name + "'");
   return static_cast<ILogger::EQDXLogSeverity>(found - names.begin());
 }
 
@@ -50,7 +50,7 @@ void SetUpLog(const TArguments& arguments) {
 /// "qdx help" and "qdx help VERB".
 EExitCode RunHelp(const std::vector<std::string>& operands) {
   if (operands.size() > 2) {
-    throw TCommandFailure(kExitUsage, "unexpected argument '" + operands[2] + "'");
+    FailOnUsage("unexpected argument '" + operands[2] + "'");
   }
   WriteOutput(operands.size() < 2 ? GeneralHelp() : HelpFor(FindVerb(operands[1])));
   return kExitDone;
@@ -61,8 +61,7 @@ EExitCode RunVerb(const TVerb& verb, TArguments arguments) {
   for (const auto& [name, values] : arguments.fOptions) {
     const auto has = [&name = name](const TOptionSpec& option) { return name == option.fName; };
     if (std::none_of(options.begin(), options.end(), has)) {
-      throw TCommandFailure(kExitUsage,
-                            std::string(verb.fName) + " has no option '--" + name + "'");
+      FailOnUsage(std::string(verb.fName) + " has no option '--" + name + "'");
     }
   }
   arguments.fOperands.erase(arguments.fOperands.begin());  // the verb itself
@@ -85,7 +84,7 @@ EExitCode RunCommand(const std::vector<std::string>& words) {
     WriteOutput(operands.empty() ? GeneralHelp() : HelpFor(FindVerb(operands[0])));
     return kExitDone;
   }
-  if (operands.empty()) throw TCommandFailure(kExitUsage, "no verb is given");
+  if (operands.empty()) FailOnUsage("no verb is given");
   return RunVerb(FindVerb(operands[0]), arguments);
 }
 

@@ -117,7 +117,7 @@ EExitCode RunDiff(const TArguments& arguments) {
   const std::string a = arguments.Operand(0);
   const std::string b = arguments.Operand(1);
   if (a == "-" && b == "-") {
-    throw TCommandFailure(kExitUsage, "only one of the two can be standard input");
+    FailOnUsage("only one of the two can be standard input");
   }
   auto inA = ReadSnapshot(a);
   auto inB = ReadSnapshot(b);

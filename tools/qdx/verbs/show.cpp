@@ -53,7 +53,7 @@ bool NamesFile(const std::string& operand) {
 
 EDepth DepthOf(const std::string& text) {
   if (text.size() != 1 || text[0] < '0' || text[0] > '3') {
-    throw TCommandFailure(kExitUsage, "option '--depth' needs a number from 0 to 3");
+    FailOnUsage("option '--depth' needs a number from 0 to 3");
   }
   return static_cast<EDepth>(text[0] - '0');
 }
@@ -71,8 +71,7 @@ TRequest RequestOf(const TArguments& arguments) {
   }
   for (const TOptionSpec& option : TLiveMachine::Options()) {
     if (!request.fFile.empty() && arguments.Has(option.fName)) {
-      throw TCommandFailure(kExitUsage,
-                            std::string("option '--") + option.fName + "' does not go with a file");
+      FailOnUsage(std::string("option '--") + option.fName + "' does not go with a file");
     }
   }
   return request;
@@ -178,7 +177,7 @@ TExplainedException Mistake(const TExplainedException& failure) {
                              const TExplainedException& why) {
   if (!request.fElement.fText.empty()) FailToFindElement(request, complete, why);
   // Lines about the providers that failed are the whole reason.
-  if (!complete) throw TCommandFailure(kExitNothingCollected, "");
+  if (!complete) throw TCommandFailure(kExitNothingCollected);
   throw TCommandFailure(kExitNothingCollected,
                         "showing " + (request.fFile.empty() ? "this machine" : request.fFile),
                         {kQDXStatusNotFound, "there is no namespace"});

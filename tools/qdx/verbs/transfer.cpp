@@ -42,8 +42,6 @@ using TStream = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
   throw TCommandFailure(kExitBadInput, action, {kQDXStatusFileSystemError, why});
 }
 
-[[noreturn]] void FailOnUsage(const std::string& line) { throw TCommandFailure(kExitUsage, line); }
-
 std::chrono::seconds PatienceOf(const TArguments& arguments) {
   const std::string text = arguments.Get(kTimeoutOption.fName, kPatience);
   std::uint16_t seconds = 0;

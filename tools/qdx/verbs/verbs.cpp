@@ -60,7 +60,7 @@ const TVerb& FindVerb(const std::string& name) {
   for (const TVerb& verb : AllVerbs()) {
     if (name == verb.fName) return verb;
   }
-  throw TCommandFailure(kExitUsage, "unknown verb '" + name + "'");
+  FailOnUsage("unknown verb '" + name + "'");
 }
 
 const std::vector<TOptionSpec>& CommonOptions() {
