@@ -65,18 +65,21 @@ TXMLWriter& TXMLWriter::Text(std::string_view text) {
   return *this;
 }
 
-/// Writes and removes the first character, which needs escaping.
+/// Writes and removes the first character, which is not plain.
 void TXMLWriter::WriteCharacter(std::string_view& text) {
-  const auto [bytes, codePoint] = TakeCharacter(text);
-  const std::string_view reference = ReferenceTo(bytes[0]);
+  const std::string_view reference = ReferenceTo(text[0]);
   if (!reference.empty()) {
     fOutput.Write(reference);
-  } else if (codePoint && IsXMLCharacter(*codePoint)) {
-    fOutput.Write(bytes);
-  } else {
-    for (std::size_t i = 0; i < bytes.size(); ++i) fOutput.Write(kReplacement);
-    fReplaced += bytes.size();
+    text.remove_prefix(1);
+    return;
   }
+  const auto [bytes, codePoint] = TakeCharacter(text);
+  if (codePoint && IsXMLCharacter(*codePoint)) {
+    fOutput.Write(bytes);
+    return;
+  }
+  for (std::size_t i = 0; i < bytes.size(); ++i) fOutput.Write(kReplacement);
+  fReplaced += bytes.size();
 }
 
 }  // namespace NVORNQDX20::NCIMXML
