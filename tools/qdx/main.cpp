@@ -18,7 +18,7 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// Destructors of JSON take memory too: if there is none, nobody can catch what that throws.
+/// Destructors of JSON values allocate: when memory runs out there, the exception cannot be caught.
 [[noreturn]] void EndWithoutMemory() {
   try {
     if (const std::exception_ptr pending = std::current_exception())
@@ -57,7 +57,7 @@ EExitCode RunWithLog(const std::vector<std::string>& words) {
 int main(int argc, char** argv) {
   using namespace NVORNQDX20;
   OccupyStandardDescriptors();
-  // A reader that goes away, or the limit of a file's size, is a failed write, not a death.
+  // A closed pipe and the file size limit shall be failed writes, not end the process.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
   std::set_terminate(EndWithoutMemory);

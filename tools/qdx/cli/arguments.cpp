@@ -20,12 +20,12 @@ const TOptionSpec& FindOption(const std::vector<TOptionSpec>& options, const std
   return *found;
 }
 
-/// Where the name ends in "--name=value", "-nvalue" or "-n=value".
+/// Returns the end of the name in "--name=value", "-nvalue" or "-n=value".
 std::size_t EndOfName(const std::string& word) {
   return word.compare(0, 2, "--") == 0 ? std::min(word.find('='), word.size()) : 2;
 }
 
-/// Takes the option that begins at `word`, and the word behind it if that is its value.
+/// Parses the option at `word`, and the next word if that is its value.
 void TakeOption(const std::vector<TOptionSpec>& options, TWords::const_iterator& word,
                 TWords::const_iterator end, TArguments& arguments) {
   const std::size_t endOfName = EndOfName(*word);
@@ -46,9 +46,9 @@ void TakeOption(const std::vector<TOptionSpec>& options, TWords::const_iterator&
 
 }  // namespace
 
-std::string TArguments::Get(const std::string& option, const std::string& otherwise) const {
+std::string TArguments::Get(const std::string& option, const std::string& defaultValue) const {
   const auto found = fOptions.find(option);
-  return found == fOptions.end() ? otherwise : found->second.back();
+  return found == fOptions.end() ? defaultValue : found->second.back();
 }
 
 std::vector<std::string> TArguments::GetAll(const std::string& option) const {
@@ -56,8 +56,8 @@ std::vector<std::string> TArguments::GetAll(const std::string& option) const {
   return found == fOptions.end() ? std::vector<std::string>() : found->second;
 }
 
-std::string TArguments::Operand(std::size_t index, const std::string& otherwise) const {
-  return index < fOperands.size() ? fOperands[index] : otherwise;
+std::string TArguments::Operand(std::size_t index, const std::string& defaultValue) const {
+  return index < fOperands.size() ? fOperands[index] : defaultValue;
 }
 
 TArguments ParseArguments(const std::vector<TOptionSpec>& options, const TWords& words) {

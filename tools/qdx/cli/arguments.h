@@ -11,37 +11,37 @@ namespace NVORNQDX20 {
 
 struct TOptionSpec {
   const char* fName;       ///< Without the two dashes.
-  const char* fValueName;  ///< Stands for the value in the help; null for an option without value.
+  const char* fValueName;  ///< The placeholder in the help; null for an option without a value.
   const char* fHelp;
   char fLetter = '\0';  ///< The option's short form, as in "-o"; none for most.
 };
 
 struct TOperandSpec {
-  const char* fName;  ///< Stands for the operand in the help.
-  enum EPresence { kRequired, kOptional } fPresence = kRequired;  ///< Optional ones stand last.
+  const char* fName;                                              ///< The placeholder in the help.
+  enum EPresence { kRequired, kOptional } fPresence = kRequired;  ///< Optional ones come last.
 };
 
 struct TArguments {
   bool Has(const std::string& option) const { return fOptions.count(option) != 0; }
-  /// The value of an option, the last one if it was given more than once, or what holds without it.
-  std::string Get(const std::string& option, const std::string& otherwise) const;
-  /// Its values in the order in which they were given; empty without it.
+  /// Returns the last value of an option, or `defaultValue` if the option is missing.
+  std::string Get(const std::string& option, const std::string& defaultValue) const;
+  /// Returns all values of an option in their order; empty if the option is missing.
   std::vector<std::string> GetAll(const std::string& option) const;
-  /// An operand by its place, or what holds without it.
-  std::string Operand(std::size_t index, const std::string& otherwise = "") const;
+  /// Returns an operand by its index, or `defaultValue` if it is missing.
+  std::string Operand(std::size_t index, const std::string& defaultValue = "") const;
 
-  std::map<std::string, std::vector<std::string>> fOptions;  ///< The values of each that was given.
+  std::map<std::string, std::vector<std::string>> fOptions;  ///< The values of each given option.
   std::vector<std::string> fOperands;
 };
 
-/// Options stand before, between or behind operands, up to "--"; a value follows as "--name=value",
-/// as "-nvalue" or as a word of its own. Throws a TCommandFailure for an unknown option, and for a
-/// value that is missing, empty or too much.
+/// Options can come before, between or after operands, up to "--". A value is given as
+/// "--name=value", as "-nvalue" or as the next word. Throws a TCommandFailure for an unknown
+/// option, and for a value that is missing, empty or not allowed.
 TArguments ParseArguments(const std::vector<TOptionSpec>& options,
                           const std::vector<std::string>& words);
 
-/// Throws a TCommandFailure if a required operand is missing, one is empty, or there is one too
-/// many; `verb` is who asks for them.
+/// Throws a TCommandFailure, which names `verb`, if a required operand is missing, one is empty, or
+/// there are too many.
 void CheckOperands(const std::string& verb, const std::vector<TOperandSpec>& specs,
                    const std::vector<std::string>& operands);
 

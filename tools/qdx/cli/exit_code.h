@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// How the command ends.
+/// The exit status of the command.
 #ifndef TOOLS_QDX_CLI_EXIT_CODE_H_
 #define TOOLS_QDX_CLI_EXIT_CODE_H_
 
@@ -7,8 +7,8 @@ namespace NVORNQDX20 {
 
 /// Scripts depend on the numbers.
 enum EExitCode : int {
-  kExitDone = 0,       ///< Also: compared, and the same.
-  kExitDifferent = 1,  ///< Of verbs that compare.
+  kExitDone = 0,       ///< Also: compared and equal.
+  kExitDifferent = 1,  ///< Only for verbs that compare.
   kExitUsage = 2,
   kExitPartlyDone = 3,  ///< A plug-in failed or warned, the rest was delivered.
   kExitBadInput = 4,    ///< A folder or file that the operator named cannot be used, or

@@ -40,7 +40,7 @@ std::string LineOf(const std::string& action, const TExplainedException& failure
 
 void PrintAndLog(const std::string& line, TQDXStatusCode status) {
   PrintError(line);
-  // Names in it come from anywhere, and must not look like lines of their own.
+  // Names in it are not trusted, and must not look like log lines.
   LogMessage(ILogger::kLogError, {ForTerminal(line), " [", status.TranslateStatusCode(), "]"});
 }
 

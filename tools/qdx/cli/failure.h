@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the command does about failures: each becomes one line, and the command goes on or ends.
+/// Failures of the command: each becomes one line, and the command continues or ends.
 ///
 /// A failure is a TExplainedException: a status to decide by, and a reason in words. A line reads
 /// "ACTION: reason", for example "reading document x.xml: permission denied".
@@ -18,15 +18,15 @@
 
 namespace NVORNQDX20 {
 
-/// Calls into the core or a plug-in, and returns what that throws, if anything. The reason is that
-/// of a TExplainedException, else the last error that was logged meanwhile, else what the status
-/// means. Lets a TCommandFailure pass.
+/// Calls into the core or a plug-in, and returns the exception that it throws, if any. The reason
+/// is that of a TExplainedException, else the last error logged during the call, else the meaning
+/// of the status. Passes on a TCommandFailure.
 std::optional<TExplainedException> Try(const std::function<void()>& call);
 
-/// Remembers the last error that is logged while it lives.
+/// Keeps the last error that is logged during its lifetime.
 class TLastError {
  public:
-  /// Empty if there was none.
+  /// Returns an empty text if there was none.
   const std::string& Get() const { return fMessage; }
 
  private:
@@ -35,7 +35,8 @@ class TLastError {
                                [this](auto, const auto& message) { fMessage = message; }};
 };
 
-/// The failure without "NAME: " at the start of its reason, for a line that has the name already.
+/// Returns the failure without "NAME: " at the start of its reason, for a line that already has the
+/// name.
 TExplainedException WithoutName(const TExplainedException& failure, const std::string& name);
 
 /// Writes the line to standard error, and with the name of the status to the log.
@@ -44,14 +45,14 @@ void PrintFailure(const std::string& action, const TExplainedException& failure)
 /// Writes "qdx: " and the line to standard error.
 void PrintError(const std::string& line);
 
-/// Ends the command with kExitUsage, and a line that says what is wrong and how to get help.
+/// Ends the command with kExitUsage and a line with the mistake and how to get help.
 [[noreturn]] void FailOnUsage(const std::string& mistake);
 
 /// Ends the command with this exit status.
 class TCommandFailure : public std::runtime_error {
  public:
   TCommandFailure(EExitCode code, const std::string& action, const TExplainedException& failure);
-  /// Prints nothing: the reason has been printed already, or nobody reads any more.
+  /// Prints nothing: the reason has been printed already, or the reader of the output has gone.
   explicit TCommandFailure(EExitCode code) : std::runtime_error(""), fExitCode(code) {}
 
   EExitCode GetExitCode() const { return fExitCode; }

@@ -20,16 +20,16 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// What a signal removes. Before the file exists, and after it was renamed, there is none of this
-/// name.
+/// The path that the signal handler removes. Before the file is created and after it is renamed, no
+/// such file exists.
 char gPath[PATH_MAX];
 
 extern "C" void RemoveAndEnd(int signal) {
   ::unlink(gPath);
-  ::raise(signal);  // once more, and by now for the default action
+  ::raise(signal);  // again, now with the default action
 }
 
-/// A signal that is ignored, as under nohup, stays ignored.
+/// An ignored signal, as under nohup, stays ignored.
 void RemoveOnSignals() {
   for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGALRM, SIGUSR1, SIGUSR2, SIGXCPU}) {
     struct sigaction action = {};
@@ -46,8 +46,8 @@ void RemoveOnSignals() {
                         {kQDXStatusFileSystemError, ErrorText(error)});
 }
 
-/// The new name in the folder should outlast a loss of power like the contents do. Where it cannot
-/// be had, in a folder that may be written but not read for example, the file is in place anyway.
+/// Writes the new directory entry to the disk, so that it survives a power failure. Errors are
+/// ignored, for example in a folder without read permission: the file is in place anyway.
 void SyncFolderOf(const std::string& path) {
   const std::string folder = std::filesystem::absolute(path).parent_path().string();
   const TDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -70,7 +70,7 @@ TNewFile::TNewFile(const std::string& folder, const std::string& suffix,
   const std::string pattern = folder + "/.qdx-XXXXXX" + suffix;
   if (pattern.size() >= sizeof(gPath)) FailToWrite(shownAs, ENAMETOOLONG);
   RemoveOnSignals();
-  // The name is made in place, so that at no moment a signal leaves a file behind.
+  // mkostemp fills in the handler's path, so that a signal never leaves a file behind.
   *std::copy(pattern.begin(), pattern.end(), gPath) = '\0';
   fDescriptor = TDescriptor(::mkostemps(gPath, static_cast<int>(suffix.size()), O_CLOEXEC));
   if (!fDescriptor.IsOpen()) FailToWrite(shownAs, fDescriptor.GetError());
@@ -78,7 +78,7 @@ TNewFile::TNewFile(const std::string& folder, const std::string& suffix,
 }
 
 TNewFile::~TNewFile() {
-  ::unlink(fPath.c_str());  // nothing is left of that name once it was published
+  ::unlink(fPath.c_str());  // fails harmlessly if the file was published
 }
 
 void TNewFile::Publish(const std::string& path) { Rename(path, 0); }
@@ -88,7 +88,7 @@ bool TNewFile::PublishIfNew(const std::string& path) { return Rename(path, RENAM
 bool TNewFile::Rename(const std::string& path, unsigned int flags) {
   const bool done = ::fsync(fDescriptor.Get()) == 0 &&
                     ::renameat2(AT_FDCWD, fPath.c_str(), AT_FDCWD, path.c_str(), flags) == 0;
-  // Network file systems do not know the flag. There, a file of the very moment is replaced.
+  // Network file systems do not support the flag. There, a file created at this moment is replaced.
   if (!done && errno == EINVAL && flags != 0) {
     return !std::filesystem::exists(path) && Rename(path, 0);
   }

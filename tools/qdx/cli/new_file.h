@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A file that appears under its name as a whole, or not at all.
+/// Files that appear under their name complete or not at all.
 #ifndef TOOLS_QDX_CLI_NEW_FILE_H_
 #define TOOLS_QDX_CLI_NEW_FILE_H_
 
@@ -10,37 +10,37 @@
 
 namespace NVORNQDX20 {
 
-/// What a new file takes the place of: not a link, but the file that it leads to. Throws a
-/// TCommandFailure for a link that leads to nothing, or in circles.
+/// Returns the file that a new file replaces: the target if the path is a symbolic link. Throws a
+/// TCommandFailure for a dangling or circular link.
 std::filesystem::path FileToReplace(const std::filesystem::path& path);
 
-/// Stands under a name of its own beside the final one, readable by its owner alone, until
-/// Publish() renames it. Whatever ends the command before that removes it: an exception, or a
-/// signal that asks it to end, from a terminal, another process or a limit. SIGKILL, a crash and
-/// the exotic ones leave it behind. One at a time.
+/// A temporary file with mode 0600 in the target's folder, until Publish() renames it. Removed if
+/// the command ends before that, by an exception or by a terminating signal from a terminal,
+/// another process or a resource limit. SIGKILL, a crash and unusual signals leave it behind. Only
+/// one object at a time.
 class TNewFile {
  public:
-  /// Makes the empty file in the folder, with a name that ends in `suffix`. Throws a
-  /// TCommandFailure that calls it `shownAs` if that cannot be done.
+  /// Creates the empty file in the folder, with a name that ends in `suffix`. Throws a
+  /// TCommandFailure, which names the file `shownAs`, on failure.
   TNewFile(const std::string& folder, const std::string& suffix, const std::string& shownAs);
   ~TNewFile();
   TNewFile(const TNewFile&) = delete;
   TNewFile& operator=(const TNewFile&) = delete;
 
-  /// Whoever fills the file opens it by this name, and closes it again.
+  /// The path under which the writer opens the file.
   const std::string& GetPath() const { return fPath; }
 
-  /// Brings the contents to the disk, then puts the file in the place of `path`, in the same
-  /// folder. Throws a TCommandFailure, and leaves `path` as it was, if that cannot be done.
+  /// Writes the contents to the disk (fsync), then renames the file to `path` in the same folder.
+  /// Throws a TCommandFailure, and leaves `path` unchanged, on failure.
   void Publish(const std::string& path);
-  /// The same, but false if there is a file at `path`.
+  /// Like Publish(), but returns false if a file exists at `path`.
   bool PublishIfNew(const std::string& path);
 
  private:
   bool Rename(const std::string& path, unsigned int flags);
 
   std::string fPath;
-  TDescriptor fDescriptor;  // kept for fsync
+  TDescriptor fDescriptor;  // for fsync
 };
 
 }  // namespace NVORNQDX20

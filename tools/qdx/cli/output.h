@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Standard output, where the data goes.
+/// Writes data to standard output.
 #ifndef TOOLS_QDX_CLI_OUTPUT_H_
 #define TOOLS_QDX_CLI_OUTPUT_H_
 
@@ -9,17 +9,17 @@
 
 namespace NVORNQDX20 {
 
-/// Writes the whole text. Throws a TCommandFailure if that cannot be done, without a line if it is
-/// because nobody reads any more.
+/// Writes the whole text. Throws a TCommandFailure on failure, without a line if the reader of a
+/// pipe has gone.
 void WriteOutput(const std::string& text);
 
-/// Writes the name of a file as a line: made fit for a terminal there, as it is for anything else.
+/// Writes the name of a file as a line: sanitised on a terminal, else unchanged.
 void WriteFileName(const std::string& file);
 
-/// Whether somebody could still read what is written: false once the reader of a pipe has gone.
+/// Returns false once the reader of a pipe has gone.
 bool OutputHasReader();
 
-/// Writes one JSON document; bytes that are no UTF-8 become U+FFFD.
+/// Writes one JSON document; bytes that are not UTF-8 become U+FFFD.
 void WriteJSON(const nlohmann::ordered_json& document);
 
 }  // namespace NVORNQDX20

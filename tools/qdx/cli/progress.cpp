@@ -15,12 +15,13 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// One line of standard error, written over and over; blanks wipe it, which every terminal can.
+/// One line of standard error that is overwritten. Cleared with blanks, which works on every
+/// terminal.
 class TProgressLine {
  public:
   ~TProgressLine() { Show(""); }
 
-  /// Cut where it would wrap: a wrapped line cannot be written over.
+  /// Truncates the line, since a wrapped line cannot be overwritten.
   void Show(const std::string& text) {
     std::string line = ForTerminal(text).substr(0, 79);
     const std::size_t length = line.size();
@@ -39,7 +40,7 @@ std::size_t CountInstances(const ICIMClass& cimClass) {
   return count;
 }
 
-/// The instances of a class are complete, and are counted, when the next class begins.
+/// The instances of a class are counted when the next class begins.
 class TCountingNamespace final : public ICIMNamespace {
  public:
   TCountingNamespace(const boost::shared_ptr<ICIMNamespace>& target, const std::string& label)

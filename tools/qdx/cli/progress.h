@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What is told on a terminal while a namespace is copied.
+/// Shows progress on a terminal while a namespace is copied.
 #ifndef TOOLS_QDX_CLI_PROGRESS_H_
 #define TOOLS_QDX_CLI_PROGRESS_H_
 
@@ -11,9 +11,9 @@
 
 namespace NVORNQDX20 {
 
-/// A namespace to copy into: it hands everything on to `target`, and before each new class shows
-/// `label` and how many classes and instances there are by then, in one line of standard error,
-/// which its destructor clears. Answers `target` itself if standard error is no terminal.
+/// Returns a namespace that passes everything on to `target`, and before each new class shows
+/// `label` and the number of classes and instances so far, in one line of standard error, which its
+/// destructor clears. Returns `target` itself if standard error is not a terminal.
 boost::shared_ptr<ICIMNamespace> WithProgress(const boost::shared_ptr<ICIMNamespace>& target,
                                               const std::string& label);
 

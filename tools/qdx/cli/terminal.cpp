@@ -13,7 +13,7 @@ namespace NVORNQDX20 {
 namespace {
 
 bool IsHarmless(char32_t character) {
-  // These would change the order in which the rest of a line is shown.
+  // These change the order in which the rest of a line is displayed.
   const bool directs =
       (character >= 0x202a && character <= 0x202e) || (character >= 0x2066 && character <= 0x2069);
   return !IsControl(character) && !directs;
@@ -34,7 +34,7 @@ std::string Styled(const std::string& line, TTableRow::EStyle style) {
   return kSequences[style] + line + "\033[0m";
 }
 
-/// In characters; all of them are taken to be one column wide.
+/// In characters; each counts as one column.
 std::size_t Width(const std::string& cell) {
   return static_cast<std::size_t>(std::count_if(cell.begin(), cell.end(), [](char byte) {
     return (static_cast<unsigned char>(byte) & 0xc0) != 0x80;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What goes to a terminal: harmless text, colour where it is wanted, aligned columns.
+/// Output for terminals: sanitised text, colours, aligned columns.
 #ifndef TOOLS_QDX_CLI_TERMINAL_H_
 #define TOOLS_QDX_CLI_TERMINAL_H_
 
@@ -8,9 +8,9 @@
 
 namespace NVORNQDX20 {
 
-/// The text with a question mark in place of each control character, those for the direction
-/// of writing too, and each byte that is no UTF-8: names and firmware strings come from anywhere,
-/// and must not steer the terminal.
+/// Returns the text with a question mark for each control character, each character that changes
+/// the direction of writing, and each byte that is not UTF-8: names and firmware strings are not
+/// trusted and must not control the terminal.
 std::string ForTerminal(const std::string& text);
 
 struct TTableRow {
@@ -20,8 +20,8 @@ struct TTableRow {
   EStyle fStyle = kPlain;
 };
 
-/// The rows as lines, columns aligned, all cells made fit for the terminal. Styles show if standard
-/// output is a terminal and NO_COLOR is not set.
+/// Returns the rows as lines with aligned columns; all cells are sanitised. Styles are used if
+/// standard output is a terminal and NO_COLOR is not set.
 std::string FormatTable(const std::vector<TTableRow>& rows);
 
 }  // namespace NVORNQDX20

@@ -20,7 +20,7 @@ namespace {
 
 const char* const kService = "cimxml";
 
-/// Unless it is there already.
+/// Loads the reader unless it is loaded already.
 void LoadReader() {
   for (const auto& provider : RegisteredProviders()) {
     if (NameOf(*provider) == kService) return;
@@ -44,8 +44,8 @@ TNamespaces NamespacesIn(const TOptionsMap& options) {
   return namespaces;
 }
 
-/// Like Try; and what a plug-in warns of, such as a value that was changed, becomes lines for the
-/// operator, whatever the log is to hold.
+/// Like Try(), and collects the plug-in's warnings, for example about a changed value, whatever the
+/// log's threshold is.
 std::optional<TExplainedException> TryAndListen(const std::function<void()>& call,
                                                 std::vector<std::string>& warnings) {
   const TLogListener listener(ILogger::kLogWarning, [&](auto severity, const auto& message) {
@@ -82,7 +82,7 @@ TDocumentWriter::TDocumentWriter(const std::string& consumer) : fName(consumer) 
   const TConsumerLibrary library = LoadConsumerLibrary(consumer);
   fConsumer = library.fConsumer;
   if (!library.fFailure) return;
-  // Any other one was named by the operator.
+  // Any other consumer was named by the operator.
   throw TCommandFailure(consumer == kService ? kExitNothingCollected : kExitBadInput,
                         "loading consumer " + library.fFile, *library.fFailure);
 }
@@ -108,7 +108,7 @@ std::optional<TProviderFailure> TDocumentWriter::Write(
       },
       warnings);
   if (failure) failure = Blame({failure->GetStatusCode(), shown(failure->GetReason())}, shownAs);
-  // What the file system does not take of one namespace, it will not take of another.
+  // A failure of the file system affects the other namespaces, too.
   if (failure && failure->GetStatusCode() != kQDXStatusFileSystemError) {
     return TProviderFailure{namespaces[index].fOrigin, "writing", *failure};
   }

@@ -12,17 +12,17 @@
 #include <boost/shared_ptr.hpp>
 
 #include "cli/failure.h"
-#include "live_machine.h"
+#include "provider_query.h"
 
 namespace NVORNQDX20 {
 
 using TNamespaces = std::vector<boost::shared_ptr<ICIMNamespace>>;
 
-/// The namespaces of a document, in its order; "-" is standard input. What the plug-in warned
-/// of is told on standard error. Throws a TCommandFailure if it cannot be read.
+/// Returns the namespaces of a document in its order; "-" is standard input. Prints the plug-in's
+/// warnings to standard error. Throws a TCommandFailure if the document cannot be read.
 TNamespaces ReadDocument(const std::string& file);
 
-/// Writes namespaces into files by a consumer plug-in.
+/// Writes namespaces to files with a consumer plug-in.
 class TDocumentWriter {
  public:
   static const char* const kDefaultConsumer;
@@ -30,16 +30,17 @@ class TDocumentWriter {
   /// Throws a TCommandFailure if the plug-in cannot be used.
   explicit TDocumentWriter(const std::string& consumer);
 
-  /// Writes one document; "-" is standard output. With the document writer, a name that ends in
-  /// ".gz" makes it a compressed one. Messages call the file `shownAs`; what the plug-in warned of
-  /// is told on standard error.
-  /// Answers the first namespace that was refused: then the file holds nothing of use, and may be
-  /// emptied and written anew without it. Throws a TCommandFailure if the file cannot be written,
-  /// without a line if the reader has gone.
+  /// Writes one document; "-" is standard output. The document writer compresses if the name ends
+  /// in ".gz". Messages name the file `shownAs`; the plug-in's warnings are printed to standard
+  /// error.
+  /// Returns the first namespace that the consumer refused, if any: then the file is incomplete,
+  /// and the caller can truncate it and write again without that namespace. Throws a
+  /// TCommandFailure if the file cannot be written, without a line if the reader of a pipe has
+  /// gone.
   std::optional<TProviderFailure> Write(const std::vector<TMachineNamespace>& namespaces,
                                         const std::string& file, const std::string& shownAs);
 
-  /// Whether the plug-in warned, because what it wrote is not all that it was given.
+  /// Returns whether the plug-in warned that the document is not complete.
   bool HasWarned() const { return fHasWarned; }
 
  private:

@@ -27,12 +27,12 @@ std::string SuffixOf(const std::string& kind) {
 }
 
 std::string PluginFolder() {
-  // The loader's name for the core has the ".." of this command's own search path in it.
+  // dladdr's path contains the ".." of this command's RUNPATH.
   return std::filesystem::canonical(TOSSpecific::GetQDXRootPath()).string();
 }
 
-/// Every service that the folder has a name for. FindNSServices would pass over a folder or a
-/// dangling link in silence, and take libfoo.nsp.so.old, which is put aside, for a plug-in.
+/// Returns all services by the file names in the folder. FindNSServices would silently skip a
+/// folder or a dangling link, and would accept libfoo.nsp.so.old.
 std::vector<std::string> FindServices(const std::string& kind) {
   const std::string folder = PluginFolder();
   std::error_code error;
@@ -57,13 +57,13 @@ std::string FileOf(const std::string& service, const std::string& kind) {
   return PluginFolder() + "/" + kPrefix + service + SuffixOf(kind);
 }
 
-/// As each provider told it when it was loaded; it may not tell it again.
+/// The names that GetName returned at loading; a later call may fail.
 std::map<const INamespaceProvider*, std::string>& NamesTold() {
   static std::map<const INamespaceProvider*, std::string> names;
   return names;
 }
 
-/// The registered ones that have, or have not, told their names.
+/// Returns the registered providers whose names are, or are not, known.
 TProviders Providers(bool told) {
   TProviders providers;
   boost::function<bool(boost::shared_ptr<INamespaceProvider>)> add =
@@ -124,8 +124,8 @@ TExplainedException WithoutNames(const TExplainedException& failure, const TLibr
   return {failure.GetStatusCode(), reason};
 }
 
-/// Loads them, once each has been tried. The trials run side by side and before anything is loaded
-/// for good, so that none suffers from another plug-in, or waits for it.
+/// Loads the libraries after a trial of each. All trials run in parallel and before any library is
+/// loaded here, so that plug-ins do not affect each other's trials.
 template <typename TLoaded>
 void LoadBatch(std::vector<TLoaded>& libraries, std::size_t begin, std::size_t end) {
   std::vector<std::unique_ptr<TPluginTrial>> trials(libraries.size());
@@ -171,7 +171,7 @@ std::vector<TLoaded> LoadAll() {
   return libraries;
 }
 
-/// Not a failure of the provider: it has none of this name, or hands out none at all.
+/// Returns whether the status only means that the provider has no such namespace.
 bool IsWithoutNamespace(const TExplainedException& failure) {
   const EQDXStatusCode status = failure.GetStatusCode();
   return status == kQDXStatusNotFound || status == kQDXStatusNotImplemented;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Finds and loads the plug-ins.
+/// Finds and loads plug-ins.
 #ifndef TOOLS_QDX_PLUGIN_HOST_LIBRARIES_H_
 #define TOOLS_QDX_PLUGIN_HOST_LIBRARIES_H_
 
@@ -23,42 +23,41 @@ struct TLibrary {
 };
 
 struct TProviderLibrary : TLibrary {
-  TProviders fProviders;  ///< What it registered.
+  TProviders fProviders;  ///< The providers that it registered.
 };
 
 struct TConsumerLibrary : TLibrary {
   boost::shared_ptr<INamespaceConsumer> fConsumer;  ///< Null if it failed.
 };
 
-// Each library is looked at and tried before it is loaded, so that none can end this process by
-// being loaded.
+// Each library is checked and loaded in a separate process first, so that loading it cannot end
+// this process.
 
-// Both load everything there is in ascending order of the service names, so that of two providers
-// with one name the same one wins everywhere. A library that cannot be used, or registers nothing,
-// is reported on standard error, and the others go on. Both throw a TCommandFailure if the folder
-// of the plug-ins cannot be read.
+// Both load all libraries in ascending order of the service names, so that of two providers with
+// the same name the same one wins on every machine. A library that cannot be used, or registers
+// nothing, is reported to standard error and skipped. Both throw a TCommandFailure if the plug-in
+// folder cannot be read.
 std::vector<TProviderLibrary> LoadProviderLibraries();
 std::vector<TConsumerLibrary> LoadConsumerLibraries();
 
-// The one of that service. If it cannot be used, its failure is not reported yet.
+// Load the library of one service. A failure is returned, not reported.
 TProviderLibrary LoadProviderLibrary(const std::string& service);
 TConsumerLibrary LoadConsumerLibrary(const std::string& service);
 
-/// In ascending order of their names. One that did not tell its name when it was loaded is left
-/// out.
+/// In ascending order of their names. Without providers whose GetName failed at loading.
 TProviders RegisteredProviders();
 
-/// As it told it when it was loaded.
+/// Returns the name that GetName returned at loading.
 std::string NameOf(const INamespaceProvider& provider);
 
-/// For the end of a reason: what to do where a plug-in is missing.
+/// The end of a reason: what to do if a plug-in is missing.
 inline constexpr const char* kListPlugins = "; 'qdx plugins' lists what is installed";
 
-/// What providers that describe a machine call its namespace.
+/// The name of the namespace that describes a machine.
 inline constexpr const char* kMachineNamespace = "root/cimv2";
 
-/// The machine as the first provider that has this namespace describes it; null if none has. A
-/// provider that fails otherwise is reported, and `failed` set.
+/// Returns this namespace of the first provider that has it; null if none has. Another failure of a
+/// provider is reported, and sets `failed`.
 boost::shared_ptr<ICIMNamespace> FindMachineNamespace(const TOptionsMap& options, bool& failed);
 
 template <typename TLibraries>

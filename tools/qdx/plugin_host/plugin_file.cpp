@@ -19,7 +19,7 @@
 namespace NVORNQDX20 {
 namespace {
 
-// What to do about it.
+// The remedy for the operator.
 constexpr const char* kBuildAgain = "; build it again with the headers that are installed";
 constexpr const char* kTakeFlags = "; 'pkg-config --cflags qdxcore' prints the flags that it needs";
 
@@ -27,7 +27,7 @@ constexpr const char* kTakeFlags = "; 'pkg-config --cflags qdxcore' prints the f
   throw TExplainedException(kQDXStatusInvalidPlugin, "it " + why);
 }
 
-/// The parts of a file, none of them beyond its end.
+/// Access to parts of a file, with bounds checks.
 class TPluginFile {
  public:
   explicit TPluginFile(const std::string& file) {
@@ -97,7 +97,7 @@ void CheckStamp(const TBuildStamp& stamp) {
   }
 }
 
-/// Cuts the first `size` bytes, as many as there are, off the rest.
+/// Removes and returns the first `size` bytes, or as many as there are.
 std::string_view Take(std::string_view& rest, std::uint64_t size) {
   const std::string_view taken = rest.substr(0, size);
   rest.remove_prefix(taken.size());
@@ -132,9 +132,9 @@ void CheckPluginFile(const std::string& name) {
   int stamps = 0;
   for (std::uint64_t i = 0; i < header.e_phnum; ++i) {
     const auto segment = file.Read<Elf64_Phdr>(header.e_phoff + i * sizeof(Elf64_Phdr));
-    // The loader maps what is missing, and the first touch of it is a SIGBUS.
+    // The loader maps a truncated file, and the first access beyond its end is a SIGBUS.
     if (segment.p_type == PT_LOAD) file.RequirePart(segment.p_offset, segment.p_filesz);
-    // Notes aligned to 8 bytes are the compiler's own, and stand in a segment of their own.
+    // Notes aligned to 8 bytes are the compiler's, in a segment of their own.
     if (segment.p_type == PT_NOTE && segment.p_align <= 4) {
       stamps += CheckNotes(file.ReadBytes(segment.p_offset, segment.p_filesz));
     }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Looks at the file of a plug-in before it is loaded.
+/// Checks the file of a plug-in before it is loaded.
 #ifndef TOOLS_QDX_PLUGIN_HOST_PLUGIN_FILE_H_
 #define TOOLS_QDX_PLUGIN_HOST_PLUGIN_FILE_H_
 

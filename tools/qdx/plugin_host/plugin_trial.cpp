@@ -23,7 +23,7 @@ namespace {
 constexpr std::chrono::seconds kPatience{10};
 constexpr std::size_t kLongestText = 300;
 
-/// An odd one: a plug-in that ends the process itself hardly chooses it.
+/// An unlikely status, so that a plug-in's own exit() is not taken for success.
 constexpr int kCameBack = 113;
 
 /// Of the process that tries.

@@ -20,7 +20,7 @@ constexpr std::size_t kLongestText = 4096;
 constexpr std::chrono::milliseconds kGlance{10};
 
 [[noreturn]] void RunAndExit(const std::function<int(int)>& action, int end) noexcept {
-  ::_exit(action(end));  // what exit would clean up is the parent's
+  ::_exit(action(end));  // _exit: atexit handlers belong to the parent
 }
 
 }  // namespace
@@ -37,7 +37,7 @@ TWorker::TWorker(const std::function<int(int)>& action) {
     if (::getppid() != parent) ::_exit(1);
     RunAndExit(action, pipe.fWriteEnd.Get());
   }
-  if (fProcess > 0) ::setpgid(fProcess, fProcess);  // whoever of the two comes first
+  if (fProcess > 0) ::setpgid(fProcess, fProcess);  // both call setpgid, to avoid a race
   fEnd = std::move(pipe.fReadEnd);
   ::fcntl(fEnd.Get(), F_SETFL, O_NONBLOCK);
 }

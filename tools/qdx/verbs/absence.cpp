@@ -16,7 +16,7 @@ std::string Text(const ICIMInstance& instance, const char* property) {
 
 TAbsenceReasons ReadAbsenceReasons(const ICIMNamespace& ns) {
   TAbsenceReasons reasons;
-  // A reason that cannot be read is only a reason less: the status of the value itself is shown.
+  // A reason that cannot be read is skipped: the status of the value is shown instead.
   (void)Try([&] {
     const auto absence = ns.GetClass("VORNSG_UnavailableValue", TOptionsMap());
     if (!absence) return;

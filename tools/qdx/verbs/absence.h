@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The reasons that a namespace itself gives for values it does not have.
+/// Reads the reasons that a namespace gives for its missing values.
 #ifndef TOOLS_QDX_VERBS_ABSENCE_H_
 #define TOOLS_QDX_VERBS_ABSENCE_H_
 
@@ -11,12 +11,12 @@
 
 namespace NVORNQDX20 {
 
-/// Reason by class, instance and property. The instance is one of its key values as text, the one
-/// that tells it from its like; it is empty where the class has only one.
+/// Reasons by class, instance and property. The instance is the key value that identifies it, as
+/// text; empty if the class has only one instance.
 using TAbsenceReasons = std::map<std::tuple<std::string, std::string, std::string>, std::string>;
 
 /// Reads the instances of VORNSG_UnavailableValue. Empty if the namespace has no such class: not
-/// every provider keeps account of what is missing.
+/// every provider records missing values.
 TAbsenceReasons ReadAbsenceReasons(const ICIMNamespace& ns);
 
 }  // namespace NVORNQDX20

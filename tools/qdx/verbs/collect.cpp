@@ -19,7 +19,7 @@
 #include "collection_record.h"
 #include "plugin_host/document.h"
 #include "plugin_host/libraries.h"
-#include "plugin_host/live_machine.h"
+#include "plugin_host/provider_query.h"
 #include "verbs.h"
 
 namespace NVORNQDX20 {
@@ -43,8 +43,8 @@ bool IsEmpty(const ICIMNamespace& ns) {
 
 using TCopies = std::vector<TMachineNamespace>;
 
-/// What was copied before a failure stays.
-TCopies CopyNamespaces(TLiveMachine& machine) {
+/// Keeps what was copied before a failure.
+TCopies CopyNamespaces(TProviderQuery& machine) {
   TCopies copies;
   machine.VisitNamespaces("copying", [&copies](const TOrigin& origin, const auto& ns) {
     const auto copy = MakeRepositoryNamespace(origin.fNamespace);
@@ -62,8 +62,8 @@ TCopies CopyNamespaces(TLiveMachine& machine) {
   return copies;
 }
 
-/// The name that the collected machine gives itself. Empty if it is not known: that of the machine
-/// which this command runs on would be wrong for one below another root folder.
+/// Returns the host name of the collected machine. Empty if unknown: the name of the machine that
+/// runs this command would be wrong below another root folder.
 std::string HostName(const TCopies& copies, const std::string& root) {
   std::string name;
   for (const TMachineNamespace& copy : copies) {
@@ -74,14 +74,14 @@ std::string HostName(const TCopies& copies, const std::string& root) {
   return name;
 }
 
-/// A host name comes from anywhere: what is not known to be harmless in a file name is replaced.
+/// Replaces all characters of a host name that are not known to be harmless in a file name.
 std::string DefaultName(const std::string& hostName) {
   std::string file = hostName.empty() ? "unknown" : hostName.substr(0, 64);
   for (char& c : file) {
     const bool harmless = std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '.' || c == '_';
     if (!harmless) c = '-';
   }
-  // Neither hidden nor taken for an option.
+  // Neither a hidden file nor an option.
   if (file[0] == '.' || file[0] == '-') file[0] = '_';
   char stamp[sizeof("-YYYYMMDDTHHMMSS")];
   const std::time_t now = std::time(nullptr);
@@ -90,21 +90,21 @@ std::string DefaultName(const std::string& hostName) {
   return file + stamp;
 }
 
-/// A device, a pipe, a folder: nothing that a file could be put in the place of.
+/// Returns whether the path is a device, a pipe or a folder, which a file cannot replace.
 bool IsNoFile(const std::string& path) {
   std::error_code error;
   return fs::exists(path, error) && !fs::is_regular_file(path, error);
 }
 
-[[noreturn]] void FailToCollect(const TLiveMachine& machine, const std::string& why) {
+[[noreturn]] void FailToCollect(const TProviderQuery& machine, const std::string& why) {
   throw TCommandFailure(kExitNothingCollected, "collecting the machine below " + machine.GetRoot(),
                         {kQDXStatusNotFound, why});
 }
 
-/// What goes into a document, and how it gets there.
+/// Collects namespaces and writes the document.
 class TCollection {
  public:
-  TCollection(TLiveMachine& machine, TDocumentWriter& writer)
+  TCollection(TProviderQuery& machine, TDocumentWriter& writer)
       : fMachine(machine),
         fWriter(writer),
         fCopies(CopyNamespaces(machine)),
@@ -112,7 +112,7 @@ class TCollection {
     if (fCopies.empty()) FailToCollect(machine, "no provider delivered anything");
   }
 
-  /// Under a name that no file has yet.
+  /// Publishes the document under a name that no file has yet.
   void WriteByDefaultName() {
     const std::string name = DefaultName(fHostName);
     std::string file = name + kDefaultSuffix;
@@ -128,7 +128,7 @@ class TCollection {
     if (file == "-") return WriteAsItStands(file, "standard output");
     if (IsNoFile(file)) return WriteAsItStands(file, file);
     const fs::path path = fs::absolute(FileToReplace(file));
-    // Consumers may tell the form of a file by how its name ends.
+    // Consumers may choose the format by the end of the name.
     const std::size_t suffix = std::min(file.rfind('.'), file.size());
     TNewFile newFile(path.parent_path().string(),
                      file.find('/', suffix) == std::string::npos ? file.substr(suffix) : "", file);
@@ -140,14 +140,14 @@ class TCollection {
  private:
   static constexpr const char* kDefaultSuffix = ".xml.gz";
 
-  /// No provider is the origin of the record.
+  /// The record has no provider as its origin.
   TCopies CopiesAndRecord() const {
     TCopies copies = fCopies;
     copies.push_back({{}, MakeCollectionRecord(fMachine, fHostName)});
     return copies;
   }
 
-  /// What the consumer refuses is left out: the document begins anew.
+  /// Leaves out a namespace that the consumer refuses, and starts the document again.
   void Write(const TNewFile& newFile, const std::string& shownAs) {
     while (const auto refusal = fWriter.Write(CopiesAndRecord(), newFile.GetPath(), shownAs)) {
       LeaveOut(*refusal, shownAs);
@@ -156,7 +156,7 @@ class TCollection {
     }
   }
 
-  /// What is already written cannot be taken back.
+  /// For outputs that cannot be rewritten: a refused namespace ends the command.
   void WriteAsItStands(const std::string& file, const std::string& shownAs) {
     const auto refusal = fWriter.Write(CopiesAndRecord(), file, shownAs);
     if (!refusal) return;
@@ -176,7 +176,7 @@ class TCollection {
     fCopies.erase(refused);
   }
 
-  TLiveMachine& fMachine;
+  TProviderQuery& fMachine;
   TDocumentWriter& fWriter;
   TCopies fCopies;
   const std::string fHostName;
@@ -187,7 +187,7 @@ EExitCode RunCollect(const TArguments& arguments) {
   if (consumer != TDocumentWriter::kDefaultConsumer && !arguments.Has("output")) {
     FailOnUsage("option '--consumer' needs option '--output'");
   }
-  TLiveMachine machine(arguments);
+  TProviderQuery machine(arguments);
   TDocumentWriter writer(consumer);
   TCollection collection(machine, writer);
   arguments.Has("output") ? collection.WriteTo(arguments.Get("output", ""))
@@ -199,7 +199,7 @@ std::vector<TOptionSpec> CollectOptions() {
   std::vector<TOptionSpec> options = {
       {"output", "FILE", "Write this file; '-' is standard output.", 'o'},
       {"consumer", "NAME", "Write by this consumer plug-in, not as a CIM-XML document."}};
-  const auto machine = TLiveMachine::Options();
+  const auto machine = TProviderQuery::Options();
   options.insert(options.end(), machine.begin(), machine.end());
   return options;
 }

@@ -45,7 +45,7 @@ TCIMValue TextOrNull(const std::string& text) {
   return text.empty() ? TCIMValue() : TCIMValue(text);
 }
 
-/// There is an hour or so in which some zones have no present time: null then.
+/// Null in the hour or so in which some time zones have no valid current time.
 TCIMValue Now() {
   const TCIMDateTime now = TOSSpecific::GetLocalTime();
   return now.IsNull() ? TCIMValue() : TCIMValue(now);
@@ -69,12 +69,12 @@ void AddFailures(ICIMNamespace& ns, const std::vector<TProviderFailure>& failure
 
 }  // namespace
 
-boost::shared_ptr<ICIMNamespace> MakeCollectionRecord(const TLiveMachine& machine,
+boost::shared_ptr<ICIMNamespace> MakeCollectionRecord(const TProviderQuery& machine,
                                                       const std::string& hostName) {
   auto ns = MakeRepositoryNamespace(kRecordNamespaceName);
   ns->CreateQualifierDecl("Key", false, kScopeProperty | kScopeReference, kFlavorToSubclass, {})
       ->Commit();
-  // The key is the same in every document, so that two of them compare.
+  // The same key in every document, so that diff matches the instances.
   AddInstance(*AddClass(*ns, "VORNSG_Collection",
                         {{"InstanceID", TType::kCIMTypeString, true},
                          {"HostName", TType::kCIMTypeString},

@@ -1,21 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What a document says of its own origin.
+/// The record of a collection in its document.
 #ifndef TOOLS_QDX_VERBS_COLLECTION_RECORD_H_
 #define TOOLS_QDX_VERBS_COLLECTION_RECORD_H_
 
 #include <string>
 #include <vector>
 
-#include "plugin_host/live_machine.h"
+#include "plugin_host/provider_query.h"
 
 namespace NVORNQDX20 {
 
-/// The namespace of the record; no provider can have one of this name collected.
+/// The name of the record's namespace. Namespaces of providers with this name are not collected.
 extern const char* const kRecordNamespaceName;
 
-/// A namespace with one VORNSG_Collection (who was collected, when, with what), and a
-/// VORNSG_CollectionFailure for each failure. An empty host name is one that is not known.
-boost::shared_ptr<ICIMNamespace> MakeCollectionRecord(const TLiveMachine& machine,
+/// Returns a namespace with one VORNSG_Collection (host, time, version) and a
+/// VORNSG_CollectionFailure for each failure. An empty host name means unknown.
+boost::shared_ptr<ICIMNamespace> MakeCollectionRecord(const TProviderQuery& machine,
                                                       const std::string& hostName);
 
 }  // namespace NVORNQDX20

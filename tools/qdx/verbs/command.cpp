@@ -17,8 +17,8 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// Options may stand before the verb: one parse with the options of all verbs finds it, since an
-/// option that two verbs have takes a value in both or in neither.
+/// Options may precede the verb, so the words are parsed with the options of all verbs: an option
+/// of two verbs takes a value in both or in neither.
 TArguments ParseAll(const std::vector<std::string>& words) {
   std::vector<TOptionSpec> options = CommonOptions();
   for (const TVerb& verb : AllVerbs()) {
@@ -42,7 +42,7 @@ void SetUpLog(const TArguments& arguments) {
   const std::string file = arguments.Get("log", "");
   errno = 0;
   auto failure = Try([&] { logger.SetLogFilename(file); });
-  // The status does not tell a missing folder from a full disk; the system's own word does.
+  // The status does not distinguish a missing folder from a full disk; errno does.
   if (failure && errno != 0) failure = {failure->GetStatusCode(), ErrorText(errno)};
   if (failure) throw TCommandFailure(kExitBadInput, "opening log " + file, *failure);
 }

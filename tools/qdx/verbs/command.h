@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The command line as a whole.
+/// Runs a command line.
 #ifndef TOOLS_QDX_VERBS_COMMAND_H_
 #define TOOLS_QDX_VERBS_COMMAND_H_
 
@@ -10,8 +10,8 @@
 
 namespace NVORNQDX20 {
 
-/// Does what the words, without the program's name, ask for. Throws a TCommandFailure, or what a
-/// fault of the program throws. The logger must exist.
+/// Runs the command line `words`, which excludes the program's name. Throws a TCommandFailure, or
+/// another exception for an internal error. REQUIRES: the logger exists.
 EExitCode RunCommand(const std::vector<std::string>& words);
 
 }  // namespace NVORNQDX20

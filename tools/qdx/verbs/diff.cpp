@@ -21,7 +21,7 @@ std::vector<TNamespaceSnapshot> ReadSnapshot(const std::string& file) {
   return snapshot;
 }
 
-/// As JSON calls them, in their order.
+/// The names in JSON, in the order of the enumerators.
 const char* const kElements[] = {"namespace",   "class",    "superclass",
                                  "declaration", "instance", "value"};
 const char* const kChanges[] = {"removed", "added", "changed"};
@@ -32,7 +32,7 @@ bool IsOfClass(const TDifference& difference) {
          difference.fElement == TDifference::kDeclaration;
 }
 
-/// Whether it is one within an element that both sides have.
+/// Returns whether the difference is within an element that both sides have.
 bool HasOldAndNew(const TDifference& difference) {
   return difference.fElement == TDifference::kSuperclass ||
          difference.fElement == TDifference::kDeclaration ||
@@ -52,8 +52,8 @@ TJSON AsJSON(const TDifference& difference) {
   return json;
 }
 
-/// The listing for people: a heading for each namespace; for each element that is not on both sides
-/// a line of its own; and for what differs within one its line, and a line for each property.
+/// Formats differences for people: a heading for each namespace; a line for each element that only
+/// one side has; and for an element that differs, its line and a line for each property.
 class TListing {
  public:
   void Add(const TDifference& difference) {
@@ -101,7 +101,7 @@ class TListing {
     EndTable();
     fText += FormatTable({row});
   }
-  /// The properties of one element are aligned among themselves.
+  /// Aligns the properties of one element.
   void EndTable() {
     fText += FormatTable(fRows);
     fRows.clear();

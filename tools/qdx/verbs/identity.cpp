@@ -11,7 +11,7 @@
 #include "cli/terminal.h"
 #include "plugin_host/crash_note.h"
 #include "plugin_host/libraries.h"
-#include "plugin_host/live_machine.h"
+#include "plugin_host/provider_query.h"
 #include "verbs.h"
 
 namespace NVORNQDX20 {
@@ -24,24 +24,24 @@ using TQuery = std::function<TJSON(TNamespace)>;
 
 const char* const kProductClassName = "VORNSG_QDXProduct";
 
-/// One line of the answer. Class and property are those whose absence the namespace may explain.
+/// One line of the output. Class and property are used to find the reason for a missing value.
 struct TItem {
   const char* fKey;
   const char* fLabel;
   std::string fClass;
   const char* fProperty;
   TQuery fQuery;
-  const char* fMisfit = nullptr;  ///< What kQDXStatusInvalidFormat means here.
-  TQuery fRawQuery = nullptr;     ///< Answers instead then, with that remark.
+  const char* fMisfit = nullptr;  ///< The meaning of kQDXStatusInvalidFormat.
+  TQuery fRawQuery = nullptr;     ///< Used instead in that case, with that remark.
 };
 
 struct TAnswer {
   TItem fItem;
-  TJSON fValue;         ///< Null if it is absent.
-  std::string fRemark;  ///< Why it is absent, or what is odd about it.
+  TJSON fValue;         ///< Null if it is missing.
+  std::string fRemark;  ///< Why it is missing, or what is unusual about it.
 };
 
-/// "xxx" stands for a model that the product name leaves open: that is none to show.
+/// "xxx" is the placeholder for a model that the product name does not have: not shown.
 std::string QueryModel(TNamespace ns) {
   std::string model = THelper::GetModelNumber(ns);
   if (model == "xxx") throw TQDXException(kQDXStatusInvalidFormat);
@@ -74,7 +74,7 @@ std::vector<TItem> Items() {
   };
 }
 
-/// Describing a whole machine takes longer than its identity is worth.
+/// Only these classes, since describing the whole machine takes much longer.
 TOptionsMap OptionsFor(const std::string& root, const std::vector<TItem>& items) {
   std::vector<TCIMValue> classes;
   for (const TItem& item : items) classes.emplace_back(item.fClass);
@@ -90,14 +90,14 @@ TAnswer Ask(const TItem& item, TNamespace ns, const TAbsenceReasons& reasons) {
     failure = {failure->GetStatusCode(), item.fMisfit};
     if (item.fRawQuery) return {item, item.fRawQuery(ns), item.fMisfit};
   }
-  // A key cannot be null: an empty text is one that the machine does not have.
+  // A key cannot be null: an empty text means that the value is missing.
   if (!failure && value != "") return {item, value, ""};
   const auto reason = reasons.find({item.fClass, "", item.fProperty});
   if (reason != reasons.end()) return {item, nullptr, reason->second};
   return {item, nullptr, failure ? failure->GetReason() : "empty"};
 }
 
-/// The version of this program is always known and tells nothing about the machine.
+/// The version of this program is always known and says nothing about the machine.
 bool TellsOfTheMachine(const TAnswer& answer) {
   return !answer.fValue.is_null() && answer.fItem.fClass != kProductClassName;
 }

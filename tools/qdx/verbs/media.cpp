@@ -22,8 +22,8 @@ using TMedia = TOSSpecific::TRemovableMedia;
 constexpr const char* kUSBDeviceList = "/proc/bus/usb/devices";
 constexpr const char* kSCSIDevice = "VORNSG_SCSIDevice";
 
-/// Whoever mounts what is listed does so in a shell command: a name from a provider that is more
-/// than a path to a device must not get there.
+/// Listed devices are mounted by shell commands, so a name from a provider must be a plain path to
+/// a device.
 bool IsPlainDevicePath(const std::string& path) {
   const std::string folder = "/dev/";
   const auto isPlain = [](unsigned char c) {
@@ -33,7 +33,7 @@ bool IsPlainDevicePath(const std::string& path) {
          std::all_of(path.begin(), path.end(), isPlain) && path.find("..") == std::string::npos;
 }
 
-/// Takes out what cannot be mounted safely, and reports it.
+/// Removes and reports devices that cannot be mounted safely.
 bool RefuseOddDevices(TMedia& media) {
   const auto odd = std::stable_partition(media.begin(), media.end(), [](const auto& medium) {
     return IsPlainDevicePath(medium.first);
@@ -52,7 +52,7 @@ EExitCode FailToList(const std::string& source, const TExplainedException& failu
   return kExitNothingCollected;
 }
 
-/// The first value that the device lacks of those that the core asks a disk for.
+/// Returns the first missing value of those that the core requires of a disk.
 std::optional<std::string> FindMissingValue(const ICIMInstance& device) {
   std::string asked;
   const auto read = [&](const char* property) {
@@ -66,7 +66,7 @@ std::optional<std::string> FindMissingValue(const ICIMInstance& device) {
   return failure ? std::optional(asked) : std::nullopt;
 }
 
-/// What made the core give up the whole list, as far as that can be told afterwards.
+/// Finds the reason why the core gave up the whole list, as far as that is possible afterwards.
 std::string FindCulprit(ICIMNamespace& ns, const TExplainedException& failure) {
   std::string culprit = std::string(kSCSIDevice) + " of " + kMachineNamespace;
   if (failure.GetStatusCode() != kQDXStatusValueIsNULL) return culprit;

@@ -17,7 +17,7 @@ void AddFailure(const TExplainedException& failure, TJSON& description) {
   description["status"] = failure.what();
 }
 
-/// A library that failed at this is not useless; its row says so all the same.
+/// A library that fails here can still be useful, but its row shows the failure.
 bool Ask(const std::string& action, TJSON& description, const std::function<void()>& call) {
   const TCrashNote note(action);
   const auto failure = Try(call);
@@ -28,7 +28,7 @@ bool Ask(const std::string& action, TJSON& description, const std::function<void
   return !failure;
 }
 
-/// An array of names; null if the provider does not list its namespaces.
+/// Returns an array of names; null if the provider does not list its namespaces.
 TJSON NamespacesOf(INamespaceProvider& provider, TJSON& description) {
   TJSON names = TJSON::array();
   const bool told = Ask("listing the namespaces of provider " + NameOf(provider), description, [&] {
@@ -62,7 +62,7 @@ TJSON Describe(const TProviderLibrary& library) {
   return description;
 }
 
-/// The name is null if the consumer does not name itself.
+/// The name is null if the consumer does not return one.
 TJSON Describe(const TConsumerLibrary& library) {
   TJSON description = Describe(static_cast<const TLibrary&>(library));
   TJSON name;

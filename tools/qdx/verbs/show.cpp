@@ -9,14 +9,14 @@
 
 #include "cli/output.h"
 #include "plugin_host/document.h"
-#include "plugin_host/live_machine.h"
+#include "plugin_host/provider_query.h"
 #include "tree.h"
 #include "verbs.h"
 
 namespace NVORNQDX20 {
 namespace {
 
-/// A class, or an instance by its object path; of any namespace unless one is named.
+/// A class, or an instance by its object path; in any namespace unless one is named.
 struct TElementName {
   explicit TElementName(const std::string& text) : fText(text), fPath(text) {
     const std::size_t colon = text.find_first_of(":\"");
@@ -25,19 +25,19 @@ struct TElementName {
     fPath = text.substr(colon + 1);
   }
 
-  std::string fText;  ///< As it was given; empty for everything.
+  std::string fText;  ///< As given; empty for everything.
   std::string fNamespace;
   std::string fPath;
 };
 
-/// What the command line asks for.
+/// The request of the command line.
 struct TRequest {
   std::string fFile;  ///< Empty for the live machine.
   TElementName fElement{""};
   EDepth fDepth = kValues;
 };
 
-/// A name, or a name, a dot and something that is set equal: what a file's name hardly is.
+/// Returns whether the text looks like a name, or like a name, a dot and "=": unlikely file names.
 bool CanNameElement(const std::string& text) {
   const std::string path = TElementName(text).fPath;
   const std::size_t end =
@@ -69,7 +69,7 @@ TRequest RequestOf(const TArguments& arguments) {
   } else {
     request.fElement = TElementName(first);
   }
-  for (const TOptionSpec& option : TLiveMachine::Options()) {
+  for (const TOptionSpec& option : TProviderQuery::Options()) {
     if (!request.fFile.empty() && arguments.Has(option.fName)) {
       FailOnUsage(std::string("option '--") + option.fName + "' does not go with a file");
     }
@@ -77,7 +77,7 @@ TRequest RequestOf(const TArguments& arguments) {
   return request;
 }
 
-/// Takes from each namespace what is asked for; from one that fails half-way, what was read before.
+/// Reads the requested elements of each namespace; of a namespace that fails, what was read before.
 class TSelection {
  public:
   explicit TSelection(const TRequest& request)
@@ -96,7 +96,7 @@ class TSelection {
     Read(*ns, element);
   }
 
-  /// All that was found, by name; what was taken is gone.
+  /// Moves out the results, sorted by name.
   std::vector<TTreeNamespace> TakeFound() {
     for (TTreeNamespace& ns : fFound) SortSnapshot(ns.fClasses);
     std::stable_sort(fFound.begin(), fFound.end(),
@@ -106,7 +106,7 @@ class TSelection {
   const TExplainedException& WhyNot() const { return fWhyNot; }
 
  private:
-  /// Null if the namespace does not have the element, or if none is asked for.
+  /// Null if the namespace does not have the element, or if no element is requested.
   boost::shared_ptr<ICIMElement> Find(const boost::shared_ptr<ICIMNamespace>& ns) {
     boost::shared_ptr<ICIMElement> element;
     if (fRequest.fElement.fText.empty()) return element;
@@ -117,7 +117,7 @@ class TSelection {
     return element;
   }
 
-  /// Into the namespace that was found last; without element all of it.
+  /// Reads into the last namespace; all of it without an element.
   void Read(const ICIMNamespace& ns, const boost::shared_ptr<ICIMElement>& element) {
     TSnapshotReader reader(ns, fRequest.fDepth, fFound.back().fClasses);
     if (!element) return reader.ReadAll();
@@ -139,16 +139,17 @@ void AddDocument(const std::string& file, TSelection& selection) {
   }
 }
 
-/// Whether every provider delivered.
+/// Returns whether all providers succeeded.
 bool AddLiveMachine(const TArguments& arguments, TSelection& selection) {
-  TLiveMachine machine(arguments);
+  TProviderQuery machine(arguments);
   machine.VisitNamespaces("reading", [&selection](const TOrigin& origin, const auto& ns) {
     selection.Add(origin, ns);
   });
   return machine.GetFailures().empty();
 }
 
-/// What is wrong with the text of an element. The core repeats the text; the line has it already.
+/// Returns the error in the text of an element, without the text itself, which the core repeats and
+/// the line already has.
 TExplainedException Mistake(const TExplainedException& failure) {
   std::string reason = failure.GetReason().substr(0, failure.GetReason().find(", path="));
   if (failure.GetStatusCode() == kQDXStatusInvalidReference) {
@@ -176,7 +177,7 @@ TExplainedException Mistake(const TExplainedException& failure) {
 [[noreturn]] void FailToFind(const TRequest& request, bool complete,
                              const TExplainedException& why) {
   if (!request.fElement.fText.empty()) FailToFindElement(request, complete, why);
-  // Lines about the providers that failed are the whole reason.
+  // The lines about failed providers are the reason.
   if (!complete) throw TCommandFailure(kExitNothingCollected);
   throw TCommandFailure(kExitNothingCollected,
                         "showing " + (request.fFile.empty() ? "this machine" : request.fFile),
@@ -200,7 +201,7 @@ EExitCode RunShow(const TArguments& arguments) {
 }
 
 std::vector<TOptionSpec> ShowOptions() {
-  std::vector<TOptionSpec> options = TLiveMachine::Options();
+  std::vector<TOptionSpec> options = TProviderQuery::Options();
   options.push_back({"depth", "N", "Show 0 namespaces, 1 classes, 2 instances, 3 values as well."});
   options.push_back({"json", nullptr, "Print one JSON object."});
   return options;

@@ -30,7 +30,7 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// Longer than the transfer library and the system wait for answers: they know better what failed.
+/// Longer than the timeouts of libcurl and the system, which give better reasons.
 constexpr const char* kPatience = "180";
 
 const TOptionSpec kTimeoutOption = {"timeout", "SECONDS",
@@ -52,8 +52,8 @@ std::chrono::seconds PatienceOf(const TArguments& arguments) {
   return std::chrono::seconds(seconds);
 }
 
-/// The core's messages name the operation that they come from, which tells an operator nothing, and
-/// end where the transfer library says nothing more.
+/// Shortens a message of the core: removes the name of the operation, which means nothing to an
+/// operator, and an empty detail of libcurl.
 std::string Polished(const std::string& message) {
   const std::string origin = "TOSSpecific|FTPFile: ";
   const bool hasOrigin = message.compare(0, origin.size(), origin) == 0;
@@ -67,7 +67,7 @@ std::string Polished(const std::string& message) {
                         {failure.GetStatusCode(), Polished(failure.GetReason())});
 }
 
-/// The name becomes part of a URL, in which other characters have a meaning of their own.
+/// The name becomes part of a URL, in which other characters have a special meaning.
 void CheckRemoteName(const std::string& name) {
   const auto isPlain = [](unsigned char c) {
     return std::isalnum(c) != 0 || c == '.' || c == '_' || c == '-';
@@ -79,7 +79,7 @@ void CheckRemoteName(const std::string& name) {
   }
 }
 
-/// A path may have what a URL may have, and must lead to a file: a folder would arrive as a list.
+/// The path must be valid in a URL, and must be that of a file: for a folder, a listing arrives.
 void CheckRemotePath(const std::string& path) {
   const auto isOdd = [](unsigned char c) { return c <= ' ' || c == 0x7f || c == '#' || c == '?'; };
   if (path.empty() || path.back() == '/' || std::any_of(path.begin(), path.end(), isOdd)) {
@@ -94,7 +94,7 @@ TStream OpenTemporaryFile() {
   return file;
 }
 
-/// A name for a file that has none.
+/// Returns a path for an unnamed file.
 std::string PathOf(std::FILE* file) { return "/proc/self/fd/" + std::to_string(::fileno(file)); }
 
 void ReadAll(std::FILE* file, const std::string& shownAs,
@@ -108,15 +108,15 @@ void ReadAll(std::FILE* file, const std::string& shownAs,
 }
 
 TStream OpenSource(const std::string& operand, const std::string& shownAs) {
-  // Standard input from where it stands, which no name for it would do.
+  // From the current position of standard input, which opening it by name would not keep.
   std::FILE* const file = operand == "-" ? ::fdopen(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0), "rb")
                                          : std::fopen(operand.c_str(), "rbe");
   if (file == nullptr) FailOnFile("reading " + shownAs, ErrorText(errno));
   return {file, std::fclose};
 }
 
-/// A nameless copy of what is to be sent. The transfer library takes a read error for the end, and
-/// must have a name to open.
+/// Returns an unnamed copy of the file to send: libcurl takes a read error for the end of the file,
+/// and needs a path to open.
 TStream CopyOfSource(const std::string& operand) {
   const std::string shownAs = operand == "-" ? "standard input" : operand;
   const TStream source = OpenSource(operand, shownAs);
@@ -146,14 +146,15 @@ EExitCode RunUpload(const TArguments& arguments) {
   return kExitDone;
 }
 
-/// Throws if the file cannot take another byte: only this tells a full disk from a failed transfer.
+/// Throws if another byte cannot be written: only this distinguishes a full disk from a failed
+/// transfer.
 void CheckForRoom(const std::string& file, const std::string& shownAs) {
   const TDescriptor descriptor(::open(file.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
   const bool hasRoom = descriptor.IsOpen() && WriteAll(descriptor.Get(), std::string_view("\0", 1));
   if (!hasRoom) FailOnFile("writing " + shownAs, ErrorText(errno));
 }
 
-/// After a failure the file may hold anything.
+/// After a failure the contents of the file are unspecified.
 void Download(const TArguments& arguments, const std::string& file, const std::string& shownAs) {
   const std::string remote = arguments.Operand(0);
   const std::string action = "downloading " + remote + " from " QDX_FTP_DOWNLOAD_HOST;
@@ -165,14 +166,14 @@ void Download(const TArguments& arguments, const std::string& file, const std::s
   });
 }
 
-/// By way of a nameless file, so that a failed download writes nothing.
+/// Downloads into an unnamed file first, so that a failed download writes nothing.
 void DownloadToOutput(const TArguments& arguments) {
   const TStream file = OpenTemporaryFile();
   Download(arguments, PathOf(file.get()), "temporary file");
   ReadAll(file.get(), "temporary file", WriteOutput);
 }
 
-/// What is to be replaced: not a link, but the file that it leads to, and never a device.
+/// Returns the file to replace: the target of a link, and never a device.
 std::filesystem::path TargetOf(const std::filesystem::path& local) {
   std::error_code error;
   if (std::filesystem::exists(local, error) && !std::filesystem::is_regular_file(local, error)) {
@@ -181,7 +182,7 @@ std::filesystem::path TargetOf(const std::filesystem::path& local) {
   return FileToReplace(local);
 }
 
-/// Only a whole file takes the place of what was there.
+/// Replaces the target only with a complete file.
 void DownloadToFile(const TArguments& arguments, const std::string& local) {
   const std::filesystem::path target = TargetOf(local);
   const std::string folder = target.has_parent_path() ? target.parent_path().string() : ".";

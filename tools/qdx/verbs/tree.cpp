@@ -6,8 +6,8 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// Why a value is absent; empty if it is not, or if nobody says. A key cannot be null: there an
-/// empty text is one that the machine does not have.
+/// Returns why a value is missing; empty if it is not missing, or without a reason. A key cannot be
+/// null: an empty key means that the value is missing.
 std::string ReasonFor(const TTreeNamespace& ns, const TClassSnapshot& cimClass,
                       const TInstanceSnapshot& instance, std::size_t property) {
   const TJSON& value = instance.fValues[property];

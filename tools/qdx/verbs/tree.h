@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Namespaces with all that is in them, as text for people and as JSON.
+/// Formats namespaces with their contents, as text for people and as JSON.
 #ifndef TOOLS_QDX_VERBS_TREE_H_
 #define TOOLS_QDX_VERBS_TREE_H_
 
@@ -13,16 +13,16 @@ namespace NVORNQDX20 {
 
 struct TTreeNamespace {
   std::string fName;
-  std::string fProvider;  ///< Empty if it is from a document.
+  std::string fProvider;  ///< Empty for a document.
   std::vector<TClassSnapshot> fClasses;
   TAbsenceReasons fReasons;
 };
 
-/// A line for each namespace, class and instance, and below it the properties; what is absent as
-/// "-" with the reason, where the namespace gives one.
+/// Returns a line for each namespace, class and instance, followed by the properties; missing
+/// values as "-", with the reason if the namespace gives one.
 std::string FormatTree(const std::vector<TTreeNamespace>& namespaces);
 
-/// The same as one object; what lies below the depth is left out.
+/// Returns the same as one JSON object, without what is deeper than `depth`.
 TJSON TreeAsJSON(const std::vector<TTreeNamespace>& namespaces, EDepth depth);
 
 }  // namespace NVORNQDX20

@@ -20,7 +20,7 @@ std::string FormatOptions(const std::vector<TOptionSpec>& options) {
   return FormatTable(rows);
 }
 
-/// " NAME" for each that must be there, " [NAME]" for the others.
+/// Returns " NAME" for each required operand, " [NAME]" for the others.
 std::string FormatOperands(const std::vector<TOperandSpec>& operands) {
   std::string text;
   for (const auto& [name, presence] : operands) {

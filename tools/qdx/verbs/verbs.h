@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The verbs of the command: one function, and one source file, for each.
+/// The verbs of the command: one function in one source file for each.
 #ifndef TOOLS_QDX_VERBS_VERBS_H_
 #define TOOLS_QDX_VERBS_VERBS_H_
 
@@ -14,10 +14,10 @@ namespace NVORNQDX20 {
 struct TVerb {
   const char* fName;
   const char* fSummary;      ///< One line.
-  const char* fDescription;  ///< The lines that its help adds.
+  const char* fDescription;  ///< Additional lines of its help.
   std::vector<TOptionSpec> fOptions;
   EExitCode (*fRun)(const TArguments& arguments);  ///< Gets the operands without the verb.
-  std::vector<TOperandSpec> fOperands = {};        ///< Few verbs have any.
+  std::vector<TOperandSpec> fOperands = {};        ///< Empty for most verbs.
 };
 
 TVerb CollectVerb();
@@ -31,12 +31,12 @@ TVerb UploadVerb();
 
 /// Every verb, in the order of the help.
 const std::vector<TVerb>& AllVerbs();
-/// Throws a TCommandFailure if there is none of that name.
+/// Throws a TCommandFailure if there is no such verb.
 const TVerb& FindVerb(const std::string& name);
-/// The options that every verb has.
+/// The options that all verbs have.
 const std::vector<TOptionSpec>& CommonOptions();
 
-/// Its own options, then the common ones.
+/// Returns the verb's own options, then the common ones.
 std::vector<TOptionSpec> OptionsOf(const TVerb& verb);
 
 std::string GeneralHelp();

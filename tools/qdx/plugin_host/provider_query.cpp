@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "live_machine.h"
+#include "provider_query.h"
 
 #include <qdxcore/logger.h>
 #include <qdxcore/registry.h>
@@ -44,18 +44,18 @@ std::string RootFolder(const TArguments& arguments) {
                         {kQDXStatusFileNotFound, why});
 }
 
-std::vector<TOptionSpec> TLiveMachine::Options() {
+std::vector<TOptionSpec> TProviderQuery::Options() {
   return {{"root", "DIR", "Describe the machine whose files are below DIR, not this one."},
           {"provider", "NAME", "Ask only this provider; more than one can be named."}};
 }
 
-TLiveMachine::TLiveMachine(const TArguments& arguments) : fRoot(RootFolder(arguments)) {
+TProviderQuery::TProviderQuery(const TArguments& arguments) : fRoot(RootFolder(arguments)) {
   const auto libraries = LoadProviderLibraries();
   const auto named = arguments.GetAll("provider");
   for (const std::string& name : std::set<std::string>(named.begin(), named.end())) {
     fProviders.push_back(ProviderNamed(name));
   }
-  if (!fProviders.empty()) return;  // what became of the others does not matter
+  if (!fProviders.empty()) return;  // failures of other providers do not matter
   fProviders = RegisteredProviders();
   for (const TProviderLibrary& library : libraries) {
     if (library.fFailure) {
@@ -64,7 +64,7 @@ TLiveMachine::TLiveMachine(const TArguments& arguments) : fRoot(RootFolder(argum
   }
 }
 
-void TLiveMachine::VisitNamespaces(const std::string& operation, const TVisitor& visit) {
+void TProviderQuery::VisitNamespaces(const std::string& operation, const TVisitor& visit) {
   for (const auto& provider : fProviders) {
     for (const std::string& name : NamespacesOf(*provider)) {
       const TOrigin origin{NameOf(*provider), name};
@@ -74,13 +74,13 @@ void TLiveMachine::VisitNamespaces(const std::string& operation, const TVisitor&
   }
 }
 
-void TLiveMachine::AddFailure(const TProviderFailure& failure) {
+void TProviderQuery::AddFailure(const TProviderFailure& failure) {
   fFailures.push_back(failure);
   PrintFailure(ActionOn(failure.fOrigin, failure.fOperation), failure.fFailure);
 }
 
-/// None if the provider does not list them: it may serve who knows their names.
-std::vector<std::string> TLiveMachine::NamespacesOf(INamespaceProvider& provider) {
+/// Empty if the provider does not list its namespaces, which it need not.
+std::vector<std::string> TProviderQuery::NamespacesOf(INamespaceProvider& provider) {
   std::vector<std::string> names;
   Attempt({NameOf(provider), ""}, "listing the namespaces of", [&] {
     try {
@@ -99,8 +99,8 @@ std::vector<std::string> TLiveMachine::NamespacesOf(INamespaceProvider& provider
 }
 
 /// Null after a failure.
-boost::shared_ptr<ICIMNamespace> TLiveMachine::Open(INamespaceProvider& provider,
-                                                    const TOrigin& origin) {
+boost::shared_ptr<ICIMNamespace> TProviderQuery::Open(INamespaceProvider& provider,
+                                                      const TOrigin& origin) {
   boost::shared_ptr<ICIMNamespace> ns;
   Attempt(origin, "opening", [&] {
     const std::string name = NModel::Folded(origin.fNamespace);
@@ -116,8 +116,8 @@ boost::shared_ptr<ICIMNamespace> TLiveMachine::Open(INamespaceProvider& provider
   return ns;
 }
 
-void TLiveMachine::Attempt(const TOrigin& origin, const std::string& operation,
-                           const std::function<void()>& work) {
+void TProviderQuery::Attempt(const TOrigin& origin, const std::string& operation,
+                             const std::function<void()>& work) {
   const TCrashNote note(ActionOn(origin, operation));
   const auto failure = Try(work);
   if (failure) AddFailure({origin, operation, WithoutName(*failure, origin.fProvider)});
