@@ -9,7 +9,7 @@ namespace NVORNQDX20 {
 namespace {
 
 std::string Text(const ICIMInstance& instance, const char* property) {
-  return instance.GetProperty(property, TOptionsMap())->GetValue();
+  return instance.GetProperty(property, {})->GetValue();
 }
 
 }  // namespace
@@ -18,7 +18,7 @@ TAbsenceReasons ReadAbsenceReasons(const ICIMNamespace& ns) {
   TAbsenceReasons reasons;
   // A reason that cannot be read is skipped: the status of the value is shown instead.
   (void)Try([&] {
-    const auto absence = ns.GetClass("VORNSG_UnavailableValue", TOptionsMap());
+    const auto absence = ns.GetClass("VORNSG_UnavailableValue", {});
     if (!absence) return;
     NModel::ForEachInstance(*absence, [&reasons](const ICIMInstance& instance) {
       reasons.emplace(std::tuple(Text(instance, "ClassName"), Text(instance, "Instance"),

@@ -37,7 +37,7 @@ bool IsEmpty(const ICIMNamespace& ns) {
     empty = false;
     return false;
   };
-  ns.EnumerateClasses(visit, TOptionsMap());
+  ns.EnumerateClasses(visit, {});
   return empty;
 }
 

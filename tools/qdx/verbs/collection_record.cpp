@@ -21,24 +21,24 @@ struct TPropertySpec {
 
 boost::shared_ptr<ICIMClass> AddClass(ICIMNamespace& ns, const char* name,
                                       const std::vector<TPropertySpec>& properties) {
-  auto added = ns.CreateClass(name, nullptr, TOptionsMap());
-  const auto key = ns.GetQualifierDecl("Key", TOptionsMap());
+  auto added = ns.CreateClass(name, nullptr, {});
+  const auto key = ns.GetQualifierDecl("Key", {});
   for (const TPropertySpec& spec : properties) {
     const auto property =
-        added->CreatePropertyDecl(spec.fName, TCIMValue(TType(spec.fType), 0), TOptionsMap());
+        added->CreatePropertyDecl(spec.fName, TCIMValue(TType(spec.fType), 0), {});
     if (spec.fIsKey) property->AddQualifier(key, true)->Commit();
     property->Commit();
   }
-  added->Commit(TOptionsMap());
+  added->Commit({});
   return added;
 }
 
 void AddInstance(ICIMClass& cimClass, const std::map<std::string, TCIMValue>& values) {
-  const auto instance = cimClass.CreateInstance(TOptionsMap());
+  const auto instance = cimClass.CreateInstance({});
   for (const auto& [name, value] : values) {
-    if (!value.IsNull()) instance->SetPropertyValue(name, value, TOptionsMap());
+    if (!value.IsNull()) instance->SetPropertyValue(name, value, {});
   }
-  instance->Commit(TOptionsMap());
+  instance->Commit({});
 }
 
 TCIMValue TextOrNull(const std::string& text) {

@@ -14,7 +14,7 @@ namespace {
 std::vector<TNamespaceSnapshot> ReadSnapshot(const std::string& file) {
   std::vector<TNamespaceSnapshot> snapshot;
   for (const auto& ns : ReadDocument(file)) {
-    snapshot.push_back({ns->GetName(TOptionsMap()), {}});
+    snapshot.push_back({ns->GetName({}), {}});
     TSnapshotReader(*ns, kValues, snapshot.back().fClasses).ReadAll();
     SortSnapshot(snapshot.back().fClasses);
   }

@@ -48,13 +48,13 @@ std::string QueryModel(TNamespace ns) {
   return model;
 }
 
-std::string QuerySerialNumber(TNamespace ns) { return THelper::GetSerialNumber(ns, TOptionsMap()); }
+std::string QuerySerialNumber(TNamespace ns) { return THelper::GetSerialNumber(ns, {}); }
 
 std::string QueryRawSerialNumber(TNamespace ns) {
-  return THelper::GetRawSerialNumberString(ns, TOptionsMap());
+  return THelper::GetRawSerialNumberString(ns, {});
 }
 
-std::string QueryVersion(TNamespace ns) { return THelper::GetDataSourceVersion(ns, TOptionsMap()); }
+std::string QueryVersion(TNamespace ns) { return THelper::GetDataSourceVersion(ns, {}); }
 
 std::vector<TItem> Items() {
   const std::string& system = THelper::kSystemCreationClassName;

@@ -57,7 +57,7 @@ std::optional<std::string> FindMissingValue(const ICIMInstance& device) {
   std::string asked;
   const auto read = [&](const char* property) {
     asked = property;
-    return std::string(device.GetProperty(property, TOptionsMap())->GetValue());
+    return std::string(device.GetProperty(property, {})->GetValue());
   };
   const auto failure = Try([&] {
     if (read("DeviceType") != "Direct Access Device") return;
@@ -75,7 +75,7 @@ std::string FindCulprit(ICIMNamespace& ns, const TExplainedException& failure) {
       const auto property = FindMissingValue(*device);
       if (!property) continue;
       culprit = *property + " of " + kSCSIDevice;
-      culprit += " " + std::string(device->GetProperty("DeviceID", TOptionsMap())->GetValue());
+      culprit += " " + std::string(device->GetProperty("DeviceID", {})->GetValue());
       return;
     }
   });
@@ -94,7 +94,7 @@ void Write(const TMedia& media, bool asJSON) {
 
 EExitCode RunMedia(const TArguments& arguments) {
   bool failed = AnyFailed(LoadProviderLibraries());
-  const auto ns = FindMachineNamespace(TOptionsMap(), failed);
+  const auto ns = FindMachineNamespace({}, failed);
   if (!ns)
     return FailToList(kMachineNamespace,
                       {kQDXStatusNotFound, std::string("no provider has it") + kListPlugins});

@@ -37,7 +37,7 @@ TJSON NamespacesOf(INamespaceProvider& provider, TJSON& description) {
           names.push_back(name);
           return true;
         },
-        TOptionsMap());
+        {});
   });
   return told ? names : TJSON();
 }
@@ -68,7 +68,7 @@ TJSON Describe(const TConsumerLibrary& library) {
   TJSON name;
   if (library.fConsumer) {
     Ask("asking for the name of consumer " + library.fService, description,
-        [&] { name = library.fConsumer->GetName(TOptionsMap()); });
+        [&] { name = library.fConsumer->GetName({}); });
   }
   description["name"] = name;
   return description;

@@ -110,9 +110,8 @@ class TSelection {
   boost::shared_ptr<ICIMElement> Find(const boost::shared_ptr<ICIMNamespace>& ns) {
     boost::shared_ptr<ICIMElement> element;
     if (fRequest.fElement.fText.empty()) return element;
-    const auto failure = Try([&] {
-      element = TCIMReference(ns, fRequest.fElement.fPath, TOptionsMap()).GetCIMElement();
-    });
+    const auto failure =
+        Try([&] { element = TCIMReference(ns, fRequest.fElement.fPath, {}).GetCIMElement(); });
     if (failure && failure->GetStatusCode() != kQDXStatusNotFound) fWhyNot = *failure;
     return element;
   }
@@ -135,7 +134,7 @@ class TSelection {
 
 void AddDocument(const std::string& file, TSelection& selection) {
   for (const auto& ns : ReadDocument(file)) {
-    selection.Add({"", ns->GetName(TOptionsMap())}, ns);
+    selection.Add({"", ns->GetName({})}, ns);
   }
 }
 
