@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: Apache-2.0
+// Files of a machine: what is read is written as a file that gives the same again. The first byte
+// picks a mount table (0), os-release (1), fields (2), a number (3) or a text (4).
+#include <machine/fields.h>
+#include <machine/mount_table.h>
+#include <machine/numbers.h>
+#include <machine/os_release.h>
+#include <machine/text.h>
+
+#include <algorithm>
+
+#include "checks.h"
+
+using namespace NVORNQDX20;
+
+namespace {
+
+using TMounts = std::map<std::string, TMount>;
+
+/// As the kernel writes it, and "#", which would begin a comment.
+std::string Escape(const std::string& text) {
+  std::string escaped;
+  for (const char character : text) {
+    if (std::string_view(" \t\n\\#").find(character) == std::string_view::npos) {
+      escaped += character;
+    } else {
+      const auto code = static_cast<unsigned char>(character);
+      for (const int digit : {-1, code / 64, code / 8 % 8, code % 8}) {
+        escaped += digit < 0 ? '\\' : static_cast<char>('0' + digit);
+      }
+    }
+  }
+  return escaped;
+}
+
+std::string Written(const TMounts& mounts) {
+  std::string table;
+  for (const auto& [key, mount] : mounts) {
+    table += Escape(mount.fDevice) + " " + Escape(mount.fPath) + " " + mount.fType;
+    table += mount.fReadOnly ? " ro\n" : " rw\n";
+  }
+  return table;
+}
+
+void CheckMountTable(const std::string& text) {
+  const TMounts mounts = ParseMounts(text);
+  const std::string written = Written(mounts);
+  const TMounts again = ParseMounts(written);
+  Require(Written(again) == written && again.size() == mounts.size());
+  for (const auto& [key, mount] : mounts) {
+    Require(mount.fPath.front() == '/' && PrintableText(mount.fPath) == key);
+    // A mount that another one hides is not written, and may be the one on which this depends.
+    Require(again.at(key).fCanBeAsked >= mount.fCanBeAsked);
+  }
+}
+
+std::string Quoted(const std::string& text) {
+  std::string quoted;
+  for (const char character : text) {
+    if (std::string_view("$\"\\`").find(character) != std::string_view::npos) quoted += '\\';
+    quoted += character;
+  }
+  return "\"" + quoted + "\"";
+}
+
+void CheckOSRelease(const std::string& text) {
+  const auto variables = ParseOSRelease(text);
+  std::string written;
+  for (const auto& [name, value] : variables) {
+    Require(PrintableText(value) == value);
+    written += name + "=" + Quoted(value) + "\n";
+  }
+  Require(ParseOSRelease(written) == variables);
+}
+
+void CheckFields(const std::string& text) {
+  const TFields fields("source", text, ':');
+  std::string written;
+  std::map<std::string, std::string> values;
+  for (std::string_view rest = text; !rest.empty();) {
+    const std::string_view line = TakeLine(rest);
+    const std::size_t colon = line.find(':');
+    if (colon == std::string_view::npos) continue;
+    const std::string name = PrintableText(line.substr(0, colon));
+    const TReading value = fields.Get(name);
+    Require(static_cast<bool>(value) == value.fReason.empty());
+    const bool isFirst = values.emplace(name, value.fValue.value_or("")).second;
+    if (isFirst) Require(PrintableText(line.substr(colon + 1)) == value.fValue.value_or(""));
+    written += "\t" + name + " : " + value.fValue.value_or("") + "\n";
+  }
+  const TFields again("source", written, ':');
+  for (const auto& [name, value] : values) Require(again.Get(name).fValue.value_or("") == value);
+}
+
+void CheckNumber(const std::string& text) {
+  const auto number = ParseNumber(text);
+  const bool isDecimal = !text.empty() && text.size() < 20 &&
+                         text.find_first_not_of("0123456789") == std::string::npos;
+  Require(number.has_value() || !isDecimal);
+  if (!number) return;
+  Require(!isDecimal || *number == std::stoull(text));
+  Require(ParseNumber(std::to_string(*number)) == number);
+  const TNumber scaled = Scaled(TNumber::Of(*number), 1024, 3);
+  const auto product = static_cast<unsigned __int128>(*number) * 1024;
+  Require(scaled ? *scaled.fValue == product / 3 : product >> 64U != 0);
+}
+
+void CheckText(const std::string& text) {
+  const std::string printable = PrintableText(text);
+  Require(PrintableText(printable) == printable);
+  // Nothing is added: each character of it comes from the text, in the same order.
+  auto position = text.begin();
+  for (const char character : printable) {
+    position = std::find(position, text.end(), character);
+    Require(position++ != text.end());
+  }
+  std::string joined;
+  for (std::string_view rest = text; !rest.empty();) joined += std::string(TakeLine(rest)) + "\n";
+  if (!text.empty() && text.back() != '\n') joined.pop_back();
+  Require(joined == text);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  return RunCheck({CheckMountTable, CheckOSRelease, CheckFields, CheckNumber, CheckText}, data,
+                  size);
+}
