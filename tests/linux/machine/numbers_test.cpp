@@ -31,21 +31,20 @@ TEST(MachineNumber, IsAllOfItsText) {
 
 TEST(MachineNumber, IsMissingForAReason) {
   const std::string forty(40, '-');
-  EXPECT_EQ(TextOf(ToNumber(TReading::Missing("why"), "s")), "why");
-  EXPECT_EQ(TextOf(ToNumber(TReading::Of(forty), "s")), "s: '" + forty + "' is no valid number");
-  EXPECT_EQ(TextOf(ToNumber(TReading::Of(forty + "-"), "s")), "s: no valid number");
-}
-
-TEST(MachineNumber, IsScaledAndNarrowedWithinItsRange) {
+  const std::string tooLarge = std::to_string(kMax / 512 + 1);
   const TNumber missing = TNumber::Missing("why");
-  EXPECT_EQ(TextOf(Scaled(TNumber::Of(7), 3, 2)), "10");
-  EXPECT_EQ(TextOf(Scaled(TNumber::Of(kMax / 512), 512)), std::to_string(kMax / 512 * 512));
-  EXPECT_EQ(TextOf(Scaled(TNumber::Of(kMax / 512 + 1), 512, 512)),
-            std::to_string(kMax / 512 + 1) + " is out of range");
-  EXPECT_EQ(TextOf(Scaled(missing, 3)), "why");
-  EXPECT_EQ(TextOf(NumberAs<std::uint8_t>(TNumber::Of(255))), "255");
-  EXPECT_EQ(TextOf(NumberAs<std::uint8_t>(TNumber::Of(256))), "256 is out of range");
-  EXPECT_EQ(TextOf(NumberAs<std::uint8_t>(missing)), "why");
+  const std::pair<std::string, std::string> rows[] = {
+      {TextOf(ToNumber(TReading::Missing("why"), "s")), "why"},
+      {TextOf(ToNumber(TReading::Of(forty), "s")), "s: '" + forty + "' is no valid number"},
+      {TextOf(ToNumber(TReading::Of(forty + "-"), "s")), "s: no valid number"},
+      {TextOf(Scaled(missing, 3)), "why"},
+      {TextOf(Scaled(TNumber::Of(7), 3, 2)), "10"},
+      {TextOf(Scaled(TNumber::Of(kMax / 512), 512)), std::to_string(kMax / 512 * 512)},
+      {TextOf(Scaled(TNumber::Of(kMax / 512 + 1), 512, 512)), tooLarge + " is out of range"},
+      {TextOf(NumberAs<std::uint8_t>(missing)), "why"},
+      {TextOf(NumberAs<std::uint8_t>(TNumber::Of(255))), "255"},
+      {TextOf(NumberAs<std::uint8_t>(TNumber::Of(256))), "256 is out of range"}};
+  for (const auto& [text, expected] : rows) EXPECT_EQ(text, expected);
 }
 
 TEST(MachineNumber, IsTheFirstLineOfAFile) {

@@ -3,6 +3,8 @@
 
 #include <cli/failure.h>
 
+#include <functional>
+
 #include <gtest/gtest.h>
 
 namespace NVORNQDX20 {
@@ -23,16 +25,15 @@ std::string TextOf(const TArguments& arguments) {
   return text;
 }
 
-/// The error line of a mistake in the command line; "" if there is none.
-template <typename TOperation>
-std::string MistakeIn(TOperation&& operation) {
+/// The error line for a mistake in the command line; "" if there is none.
+std::string MistakeIn(const std::function<void()>& operation) {
   try {
     operation();
+    return "";
   } catch (const TCommandFailure& failure) {
     EXPECT_EQ(failure.GetExitCode(), kExitUsage);
     return failure.what();
   }
-  return "";
 }
 
 TEST(Arguments, AreOptionsAndOperands) {
