@@ -5,6 +5,9 @@
 #include <qdxcore/reference.h>
 #include <qdxcore/status.h>
 
+#include "value_payload.h"
+
+#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -69,13 +72,14 @@ class TObjectPathParser {
     return TCIMValue(decl.GetType(), text, fNamespace);
   }
 
+  /// Reads it into a value at once: a copy would cost as much as all that is nested in it.
   TCIMValue ParseNestedPath() {
     if (fDepth == kMaxDepth) Refuse("Reference nested too deep, path=");
     ++fDepth;
-    TCIMReference nested(fNamespace, fOptions);
-    Parse(*nested.GetBody());
+    auto nested = std::make_unique<TCIMReferenceValueImpl>(TCIMReference(fNamespace, fOptions));
+    Parse(nested->Body());
     --fDepth;
-    return TCIMValue(nested);
+    return TCIMReferenceValueImpl::ToValue(std::move(nested));
   }
 
   /// From the opening quote up to the closing one, where the position is left.

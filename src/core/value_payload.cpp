@@ -82,6 +82,13 @@ std::string TCIMStringValueImpl::ToString(unsigned char) const { return fContent
 
 std::string TCIMDateTimeValueImpl::ToString(unsigned char) const { return fContent.ToString(); }
 
+TCIMValue TCIMReferenceValueImpl::ToValue(std::unique_ptr<TCIMReferenceValueImpl> payload) {
+  TCIMValue value(TCIMValue::TCIMType::kCIMTypeReference, 0);
+  value.SetReferencedClass(payload->fContent.GetClass());
+  SetPayloadOf(value, std::move(payload));
+  return value;
+}
+
 std::string TCIMReferenceValueImpl::ToString(unsigned char) const { return fContent.GetPath(); }
 
 std::string TCIMArrayValueImpl::ToString(unsigned char radix) const {

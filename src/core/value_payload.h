@@ -52,6 +52,9 @@ class TCIMValueImpl {
   static const TPayload& PayloadOf(const TCIMValue& value) {
     return static_cast<const TPayload&>(*value.fImpl);
   }
+  static void SetPayloadOf(TCIMValue& value, std::unique_ptr<TCIMValueImpl> payload) {
+    value.fImpl = std::move(payload);
+  }
 };
 
 /// Copies a payload as what it is.
@@ -145,6 +148,9 @@ class TCIMReferenceValueImpl final
                                TCIMValue::TCIMType::kCIMTypeReference> {
  public:
   using TContentValueImpl::TContentValueImpl;
+  /// The value of a payload whose reference has its class.
+  static TCIMValue ToValue(std::unique_ptr<TCIMReferenceValueImpl> payload);
+  TCIMReferenceImpl& Body() { return *fContent.GetBody(); }
   std::string ToString(unsigned char radix) const override;
 };
 
