@@ -94,6 +94,10 @@ class QDXCORE_EXPORT TCIMDateTime {
   bool operator==(const TCIMDateTime& other) const;
   /// Earlier moment or shorter duration; throws as == does.
   bool operator<(const TCIMDateTime& other) const;
+  bool operator!=(const TCIMDateTime& other) const { return !(*this == other); }
+  bool operator>(const TCIMDateTime& other) const { return other < *this; }
+  bool operator<=(const TCIMDateTime& other) const { return !(other < *this); }
+  bool operator>=(const TCIMDateTime& other) const { return !(*this < other); }
 
   /// Interval + interval, or point + interval in either order: the point's wall clock moves, its
   /// offset stays. Two points throw. The seconds of an interval wrap at 2^32 here and in all that

@@ -93,6 +93,10 @@ class QDXCORE_EXPORT TCIMReference {
   bool operator==(const TCIMReference& other) const;
   /// Within one class by the key bindings; else an arbitrary order, stable within the process.
   bool operator<(const TCIMReference& other) const;
+  bool operator!=(const TCIMReference& other) const { return !(*this == other); }
+  bool operator>(const TCIMReference& other) const { return other < *this; }
+  bool operator<=(const TCIMReference& other) const { return !(other < *this); }
+  bool operator>=(const TCIMReference& other) const { return !(*this < other); }
 
   /// Owned by this object, and valid until it is assigned or destroyed.
   TCIMReferenceImpl* GetBody() const { return fBody.get(); }

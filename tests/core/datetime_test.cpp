@@ -230,8 +230,10 @@ TEST(CIMDateTimeComparison, HonoursOffsetsAndFractions) {
       Parse("20040315133000.000001+000"), Parse("20040315133001.000000+000"),
       Parse("20040315133000.000000-001")};
   for (std::size_t i = 0; i + 1 < std::size(points); ++i) {
-    EXPECT_TRUE(points[i] < points[i + 1]) << i;
-    EXPECT_FALSE(points[i + 1] < points[i] || points[i] == points[i + 1]) << i;
+    const TCIMDateTime &less = points[i], &more = points[i + 1];
+    EXPECT_TRUE(less < more && less <= more && less != more && !(less == more)) << i;
+    EXPECT_TRUE(more > less && more >= less && !(more < less) && !(more <= less)) << i;
+    EXPECT_TRUE(less <= less && less >= less && !(less > less) && !(less != less)) << i;
   }
   EXPECT_TRUE(points[1] == Parse("20040315133000.000000+000"));
   EXPECT_TRUE(TCIMDateTime(0, 0, 0, 1, 5) < TCIMDateTime(0, 0, 0, 1, 6));
