@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include <boost/shared_ptr.hpp>
@@ -140,6 +141,15 @@ class QDXCORE_EXPORT TCIMValue {
   TCIMValue& operator=(const TCIMValue& other);
   ~TCIMValue();
 
+  /// Exchanges all of two values, whatever their types. std::swap does the same. Neither may be an
+  /// element of the other.
+  friend void swap(TCIMValue& left, TCIMValue& right) noexcept {
+    std::swap(left.fType, right.fType);
+    left.fImpl.swap(right.fImpl);
+    left.fReferencedClass.swap(right.fReferencedClass);
+    std::swap(left.fMaxArraySize, right.fMaxArraySize);
+  }
+
   // Each takes the mapped type, without array flag, and the value; maximum array size and
   // referenced class stay as they were.
   void Set(bool value);
@@ -254,5 +264,11 @@ QDXCORE_EXPORT std::ostream& operator<<(std::ostream& stream, const TCIMValue::T
 using TOptionsMap = std::map<std::string, TCIMValue>;
 
 }  // namespace NVORNQDX20
+
+// The general one assigns, and an assignment may do nothing, or fail half-way.
+template <>
+inline void std::swap(NVORNQDX20::TCIMValue& left, NVORNQDX20::TCIMValue& right) {
+  swap(left, right);
+}
 
 #endif  // QDXCORE_VALUE_H_

@@ -175,6 +175,33 @@ TEST(CIMValueMove, GivesWhatACopyGives) {
   EXPECT_EQ(movedArray.GetMaxArraySize(), 7U);
 }
 
+TEST(CIMValueSwap, ExchangesAllOfEveryPair) {
+  const auto ns = MakeRepositoryNamespace("test");
+  TElements values;
+  values.emplace_back();
+  for (const auto type : {TCIMType::kCIMTypeChar, kString, kReference})
+    values.emplace_back(type, 0);
+  values.back().SetReferencedClass(ns->CreateClass("T_Any", nullptr, {}));
+  for (const unsigned int size : {4U, 5U}) {
+    values.emplace_back(kUint8, size);
+    values.push_back(Array(kUint8, size, {U8(1)}));  // equal, but for the size
+  }
+  for (const int number : {7, 8}) values.emplace_back(number);
+  const auto describe = [](const TCIMValue& value) {
+    return std::tuple(std::uint32_t{value.GetType()}, value.GetMaxArraySize(),
+                      value.GetReferencedClass(), value.IsNull() ? "null" : value.ToString(10));
+  };
+  for (TCIMValue& left : values) {
+    for (TCIMValue& right : values) {
+      const auto before = std::pair(describe(left), describe(right));
+      swap(left, right);
+      EXPECT_TRUE(std::pair(describe(right), describe(left)) == before) << &left - &right;
+      std::swap(left, right);
+      EXPECT_TRUE(std::pair(describe(left), describe(right)) == before) << &left - &right;
+    }
+  }
+}
+
 TEST(CIMValueReferencedClass, StaysWhereCopiesLeaveIt) {
   const boost::shared_ptr<ICIMNamespace> ns = MakeRepositoryNamespace("test");
   const auto one = ns->CreateClass("T_One", nullptr, {}),
