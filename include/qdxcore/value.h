@@ -85,14 +85,25 @@ class QDXCORE_EXPORT TCIMValue {
     ECIMType fType;
   };
 
-  /// Characters, enumerators and pointers, which would convert to one; a C string is none of them.
+  // What would silently become a number or a boolean is refused; the constructors need to know it.
+ private:
+  template <typename T, typename... TOther>
+  static constexpr bool kIsOneOf = (std::is_same_v<T, TOther> || ...);
+
+  /// Characters, enumerators, pointers, and objects that convert to a number; not C strings, and
+  /// no object that is or converts to text, a date-time or a reference.
   template <typename T>
   using TMistakenForANumber =
-      std::enable_if_t<std::is_enum_v<T> || std::is_null_pointer_v<T> || std::is_same_v<T, char> ||
-                       std::is_same_v<T, wchar_t> || std::is_same_v<T, char16_t> ||
-                       std::is_same_v<T, char32_t> ||
-                       (std::is_pointer_v<T> && !std::is_convertible_v<T, const char*>)>;
+      std::enable_if_t<std::is_null_pointer_v<T> ||
+                       (std::is_convertible_v<T&, bool> &&
+                        !kIsOneOf<T, bool, unsigned char, signed char, unsigned short, short,
+                                  unsigned int, int, unsigned long, long, float, double> &&
+                        !std::is_convertible_v<T&, const char*> &&
+                        !std::is_convertible_v<T&, const std::string&> &&
+                        !std::is_convertible_v<T&, const TCIMDateTime&> &&
+                        !std::is_convertible_v<T*, const TCIMReference*>)>;
 
+ public:
   /// Null, of no type.
   TCIMValue();
   TCIMValue(bool value);
@@ -128,8 +139,8 @@ class QDXCORE_EXPORT TCIMValue {
   /// and the object path throw.
   TCIMValue(TCIMType type, std::string& text, boost::shared_ptr<ICIMNamespace> ns);
 
-  // These would silently make a number or a boolean of something else.
-  TCIMValue(TCIMType) = delete;
+  /// Refused: a status code, a type, an enumerator, a character, a pointer, an object that merely
+  /// converts to a number. Say what it is to be: TCIMValue(static_cast<std::uint32_t>(colour)).
   template <typename T, typename = TMistakenForANumber<T>>
   TCIMValue(T) = delete;
 
@@ -169,7 +180,6 @@ class QDXCORE_EXPORT TCIMValue {
   /// Also takes the reference's class; throws kQDXStatusInvalidReference, changing nothing, if it
   /// has none.
   void Set(TCIMReference& value);
-  void Set(TCIMType) = delete;
   template <typename T, typename = TMistakenForANumber<T>>
   void Set(T) = delete;
 

@@ -6,8 +6,12 @@
 #include "support/expect_status.h"
 #include "support/log_capture.h"
 
+#include <atomic>
 #include <cmath>
+#include <ctime>
+#include <filesystem>
 #include <limits>
+#include <tuple>
 #include <type_traits>
 
 #include <boost/algorithm/string/case_conv.hpp>
@@ -78,8 +82,10 @@ TEST(CIMValueConversion, TakesTheMappedTypeAndRefusesEveryOther) {
 template <typename... T>
 constexpr bool kNoneMakesAValue = (!std::is_constructible_v<TCIMValue, T> && ...);
 static_assert(kNoneMakesAValue<TCIMType, TCIMType::ECIMType, const volatile int*, void (*)(),
-                               std::nullptr_t, char, EQDXStatusCode>);
+                               std::nullptr_t, char, EQDXStatusCode, TQDXStatusCode, std::true_type,
+                               std::atomic<double>, std::vector<bool>::reference, int std::tm::*>);
 static_assert(std::is_constructible_v<TCIMValue, char*>);
+static_assert(std::is_constructible_v<TCIMValue, std::filesystem::path>);  // a text
 static_assert(std::is_nothrow_move_constructible_v<TCIMValue>);
 
 TEST(CIMValue, IsTypedWhenNullAndKeepsTheArraySize) {
@@ -218,6 +224,8 @@ TEST(CIMValueReferencedClass, StaysWhereCopiesLeaveIt) {
   reference.SetClass(two);
   value.Set(reference);
   EXPECT_QDX_STATUS(value.SetReferencedClass(one), kQDXStatusInvalidOpSequence);
+  other.SetNullValue(kString, 0);
+  EXPECT_EQ(other.GetReferencedClass(), one);
   const TCIMValue moved(std::move(value));
   EXPECT_EQ(moved.GetReferencedClass(), two);
   EXPECT_TRUE(static_cast<TCIMReference>(moved) == reference);
