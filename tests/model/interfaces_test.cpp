@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxcore/interfaces.h>
 
+#include <qdxcore/class_base.h>
 #include <qdxcore/registry.h>
 
 #include "support/expect_status.h"
@@ -84,6 +85,21 @@ TEST(InterfaceDefaults, SayThatTheyAreNotImplemented) {
   } consumer;
   EXPECT_QDX_STATUS(consumer.GetName({}), kQDXStatusNotImplemented);
   EXPECT_QDX_STATUS(consumer.Consume(nullptr, {}), kQDXStatusNotImplemented);
+}
+
+TEST(CIMClassBase, HasANameAndNothingElse) {
+  struct TNamed final : public TCIMClassBase {
+    const std::string& GetName(TOptionsMap) const override { return fName; }
+    const std::string fName = "T_Named";
+  };
+  const auto named = boost::make_shared<TNamed>();
+  const TCIMReference path(nullptr, {});
+  EXPECT_TRUE(named->IsRootClass({}) && !named->IsAbstract({}) && !named->IsAssociation({}));
+  EXPECT_EQ(named->GetQualifier("Key"), nullptr);
+  EXPECT_EQ(named->GetInstance(path, {}), nullptr);
+  EXPECT_QDX_STATUS(named->GetPropertyDecl("Id", {}), kQDXStatusNotFound);
+  EXPECT_QDX_STATUS(named->CreatePropertyDecl("Id", 1U, {}), kQDXStatusNotImplemented);
+  EXPECT_QDX_STATUS(named->Commit({}), kQDXStatusNotImplemented);
 }
 
 boost::shared_ptr<INamespaceProvider> Register(const std::string& name) {
