@@ -65,16 +65,15 @@ auto Find(TLookUp&& lookUp, TMessage message) {
 
 /// Returns a string property of the computer system; logs the reason if it has none.
 std::string ReadSystemText(const boost::shared_ptr<ICIMNamespace>& ns, const std::string& name,
-                           const TOptionsMap& lookupOptions,
-                           const TOptionsMap& enumerationOptions) {
+                           const TOptionsMap& options) {
   const boost::shared_ptr<ICIMClass> cimClass =
-      Find([&] { return ns->GetClass(TCIMSchemaHelper::kSystemCreationClassName, lookupOptions); },
+      Find([&] { return ns->GetClass(TCIMSchemaHelper::kSystemCreationClassName, options); },
            {"TCIMSchemaHelper: no computer system"});
-  const TInstances instances = InstancesOf(*cimClass, enumerationOptions);
+  const TInstances instances = InstancesOf(*cimClass, options);
   if (instances.size() != 1) Missing({"TCIMSchemaHelper: computer system instances != 1"});
 
   const boost::shared_ptr<ICIMProperty> property =
-      Find([&] { return instances.front()->GetProperty(name, lookupOptions); },
+      Find([&] { return instances.front()->GetProperty(name, options); },
            {"TCIMSchemaHelper: didn't find ", name, " property"});
   const TCIMValue& value = property->GetValue();
   if (value.IsNull()) Missing({"TCIMSchemaHelper: ", name, " is NULL"});
@@ -184,7 +183,7 @@ bool TCIMSchemaHelper::IsValidMTM(const std::string& text) {
 }
 
 std::string TCIMSchemaHelper::GetRawMTMString(boost::shared_ptr<ICIMNamespace> ns) {
-  return ReadSystemText(ns, "ProductName", TOptionsMap(), TOptionsMap());
+  return ReadSystemText(ns, "ProductName", TOptionsMap());
 }
 
 std::string TCIMSchemaHelper::GetMTM(boost::shared_ptr<ICIMNamespace> ns) {
@@ -209,7 +208,7 @@ std::string TCIMSchemaHelper::GetModelNumber(boost::shared_ptr<ICIMNamespace> ns
 std::string TCIMSchemaHelper::GetRawSerialNumberString(boost::shared_ptr<ICIMNamespace> ns,
                                                        TOptionsMap options) {
   // The only query that passes its options to the enumeration, too.
-  return ReadSystemText(ns, "SerialNumber", options, options);
+  return ReadSystemText(ns, "SerialNumber", options);
 }
 
 std::string TCIMSchemaHelper::GetSerialNumber(boost::shared_ptr<ICIMNamespace> ns,

@@ -81,7 +81,7 @@ TEST_F(CIMReference, PassesItsOptionsOnAndAssertsWhatItIsAnswered) {
   std::string asked;
   const auto faults = boost::make_shared<TFaults>();
   faults->fWatch = [&asked](const std::string& call) {
-    if (call.find("ICIMNamespace::") == 0) asked += call.substr(15) + " ";
+    if (call.find("ICIMPropertyDecl") != 0) asked += call.substr(call.find("::") + 2) + " ";
   };
   const TNamespace ns = MakeFaultyNamespace(fNamespace, faults);
   TCIMReference reference(ns, {{"from", "x"}});
@@ -90,7 +90,23 @@ TEST_F(CIMReference, PassesItsOptionsOnAndAssertsWhatItIsAnswered) {
   copy.Clear();
   copy.SetNamespace(ns);
   copy.SetPath("Link.From=\"C.b=\"1\"\"");
-  EXPECT_EQ(asked, "GetClass(C,x) GetClass(Link,x) GetClass(C,x) ");
+  copy.EnumerateKeyBindings([&](const auto& binding) {
+    TCIMReference nested = binding.second;
+    nested.Clear();
+    nested.SetNamespace(ns);
+    nested.SetClassName("C");
+    return true;
+  });
+  TCIMReference assigned(nullptr, {});
+  assigned = copy;
+  EXPECT_QDX_STATUS(copy.GetCIMElement(), kQDXStatusNotFound);
+  EXPECT_QDX_STATUS(assigned.GetCIMElement(), kQDXStatusNotFound);
+  // The namespace alone gets the options. A declaration serves the parser, then the new key.
+  EXPECT_EQ(asked,
+            "GetClass(C,x) GetClass(Link,x) GetPropertyDecl(From) "
+            "GetClass(C,x) GetPropertyDecl(b) GetPropertyDecl(b) GetPropertyDecl(From) "
+            "GetClass(C,x) GetInstance(" +
+                faulty::AddressOf(copy) + ") GetInstance(" + faulty::AddressOf(assigned) + ") ");
 
   faults->Fail("ICIMClass::GetPropertyDecl", kQDXStatusOK);
   EXPECT_QDX_STATUS(reference.AddKeyValue("b", 1U), kQDXStatusFail);  // an assertion
@@ -121,8 +137,11 @@ TEST_F(CIMReference, ComparesClassObjectsAndKeys) {
                                      Reference({{"b", 0U}})};
   for (std::size_t i = 0; i < std::size(ascending); ++i) {
     for (std::size_t j = 0; j < std::size(ascending); ++j) {
-      EXPECT_EQ(ascending[i] < ascending[j], i < j) << i << j;
-      EXPECT_EQ(ascending[i] == TCIMReference(ascending[j]), i == j) << i << j;
+      const TCIMReference &left = ascending[i], right(ascending[j]);
+      EXPECT_EQ(left < right, i < j) << i << j;
+      EXPECT_EQ(left == right, i == j) << i << j;
+      EXPECT_TRUE((left != right) == (i != j) && (left > right) == (i > j)) << i << j;
+      EXPECT_TRUE((left <= right) == (i <= j) && (left >= right) == (i >= j)) << i << j;
     }
   }
   TCIMReference other(nullptr, TOptionsMap());
@@ -153,6 +172,27 @@ TEST_F(ObjectPath, IsWrittenSortedAndQuoted) {
       {R"(Link.From="C)", R"(Link.From="C")"},
   };
   for (const auto& [read, written] : rows) EXPECT_EQ(RoundTrip(read), written) << read;
+
+  const TCIMReference link(fNamespace, R"(Link.From="C.b="1"")", {});
+  link.EnumerateKeyBindings([this](const auto& binding) {
+    EXPECT_EQ(binding.second.GetReferencedClass(), fNamespace->GetClass("C", {}));
+    return true;
+  });
+}
+
+TEST_F(ObjectPath, LeavesThePositionWhereItEnds) {
+  const std::tuple<std::string, std::uint64_t, std::uint64_t> rows[] = {
+      {R"(C.b="1")", 0, 7},       // at the end
+      {R"(C)", 0, 1},             // at the end
+      {R"(="C.b="1"",x)", 1, 9},  // nested: on the closing quote
+      {R"(="C.b="1")", 1, 9},     // nested: at the end for want of one
+      {R"(="C)", 1, 3}};
+  for (auto [path, position, end] : rows) {
+    TCIMReference target(fNamespace, {});
+    TCIMReference(fNamespace, {}).GetBody()->ParsePath(target.GetBody(), path, position);
+    EXPECT_EQ(position, end) << path;
+    EXPECT_EQ(target.GetPath(), path.find('b') == std::string::npos ? "C" : R"(C.b="1")");
+  }
 }
 
 TEST_F(ObjectPath, ThatIsBadIsLoggedAndRefused) {

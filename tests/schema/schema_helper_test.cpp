@@ -119,11 +119,18 @@ TEST(SchemaHelper, PassesOptionsAndFaultsOn) {
   const auto faults = boost::make_shared<TFaults>();
   const TNamespace faulty = MakeFaultyNamespace(ns, faults);
   std::string asked;
-  faults->fWatch = [&asked](const std::string& call) { asked += call + " "; };
+  faults->fWatch = [&asked](const std::string& call) {
+    if (call.find("ICIMProperty::") != 0) asked += call.substr(call.find("::") + 2) + " ";
+  };
+  AddClass(ns, "VORNSG_QDXProduct", {}, {{"Version", "1.2.3"}});
+  AddInstance(ns, "VORNSG_QDXProduct", {});
+  EXPECT_EQ(THelper::GetSerialNumber(faulty, {{"from", "x"}}), "23A1234");
+  EXPECT_EQ(THelper::GetDataSourceVersion(faulty, {{"from", "x"}}), "1.2.3");
+  EXPECT_EQ(asked,
+            "GetClass(VORNSG_ComputerSystem,x) EnumerateInstances(1,x) GetProperty(SerialNumber,x) "
+            "GetClass(VORNSG_QDXProduct,x) EnumerateInstances(1) GetProperty(Version,x) ");
   faults->Fail("ICIMClass::EnumerateInstances", kQDXStatusFail);
-  EXPECT_QDX_STATUS(THelper::GetSerialNumber(faulty, {{"from", "x"}}), kQDXStatusFail);
-  const std::string first = "ICIMNamespace::GetClass(VORNSG_ComputerSystem,x) ";
-  EXPECT_EQ(asked, first + "ICIMClass::EnumerateInstances(1,x) ");
+  EXPECT_QDX_STATUS(THelper::GetSerialNumber(faulty, {}), kQDXStatusFail);
   for (const char* operation : {"ICIMNamespace::GetClass", "ICIMInstance::GetProperty"}) {
     const TLogCapture log;
     faults->Fail(operation, kQDXStatusAccessDenied);

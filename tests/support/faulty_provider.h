@@ -63,6 +63,10 @@ using TOptions = TOptionsMap;
 using TType = TCIMValue::TCIMType;
 using TValue = const TCIMValue&;
 
+inline std::string AddressOf(const TCIMReference& reference) {
+  return std::to_string(reinterpret_cast<std::uintptr_t>(&reference));
+}
+
 /// ",a", or nothing for an element or a callback; of options, the value of the first.
 template <typename T>
 std::string TextOf(const T& argument) {
@@ -72,6 +76,7 @@ std::string TextOf(const T& argument) {
     return argument.IsNull() ? "," : "," + argument.ToString(10);
   }
   if constexpr (std::is_arithmetic_v<T>) return "," + std::to_string(argument);
+  if constexpr (std::is_same_v<T, TCIMReference>) return "," + AddressOf(argument);
   if constexpr (std::is_same_v<T, TOptions>) {
     if (!argument.empty()) return TextOf(argument.begin()->second);
   }
