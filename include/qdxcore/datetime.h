@@ -16,7 +16,8 @@ class TCIMDateTimeImpl;
 
 /// A CIM datetime: a point in time, an interval, or null.
 ///
-/// Copies are deep; two objects never share a body. Not synchronised: one thread only.
+/// Copies are deep; two objects never share a body. Different objects may be used on different
+/// threads; one object, even if it is only read, on one. Nobody may change TZ in the meantime.
 /// Bad text or fields throw kQDXStatusInvalidDateTime and leave the object as it was; so does
 /// every use of a null value but the getters, Clear and the setters.
 ///
@@ -28,6 +29,20 @@ class TCIMDateTimeImpl;
 /// That normalises: month 13, February 30 or hour 99 are accepted and kept as given. Refused are
 /// the instant -1 (one second before 1970, UTC), and what the standard time of the host's zone
 /// skips. The microseconds of a point are not checked at all.
+///
+/// Unexpected, but part of the contract:
+/// - A point moved by an interval to before 1970 (UTC) is mirrored at that moment: 1969-12-31 12:00
+///   moved by nothing is 1970-01-01 12:00. If it was moved with + and has a fraction of a second,
+///   its microseconds are beyond a million. Comparing points, or subtracting them from each
+///   other, has no such limit.
+/// - A year beyond 65535 wraps: one day after 65535-12-31 is in year 0.
+/// - A point keeps its wall clock when it is moved, unless summer time in the host's zone is
+/// anything
+///   but one hour ahead of standard time: moved by nothing, noon becomes 11:30 in the summer of
+///   Australia/Lord_Howe, 13:00 in that of Antarctica/Troll and 10:00 in the winter of
+///   Europe/Dublin.
+/// - A point with a million microseconds or more has a text that Set refuses. + and - carry them
+///   over to the seconds; comparisons do not: 12:00:00 and two million are before 12:00:01.
 class QDXCORE_EXPORT TCIMDateTime {
  public:
   /// Null.

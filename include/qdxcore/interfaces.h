@@ -9,8 +9,9 @@
 /// which does not know it still compiles.
 ///
 /// Objects are shared: every operation that gives one gives a shared reference, nobody deletes one,
-/// nobody keeps a plain pointer. A null reference means "absent" where an operation says so; a
-/// caller that dereferences another null ends in the handler of <qdxcore/status.h>.
+/// nobody keeps a plain pointer. What a query does if there is no such element, return null or
+/// throw, is said at each; the others never return null. A caller that dereferences a null ends in
+/// the handler of <qdxcore/status.h>.
 ///
 /// Names are looked up without regard to case (DMTF DSP0004, naming). Options maps are passed empty
 /// by the library. A failure is a thrown TQDXException.
@@ -19,7 +20,7 @@
 /// ends them. A callback may use the same provider again, so hold no lock across one.
 ///
 /// What a Create operation gives is filled by further calls and becomes part of its namespace with
-/// Commit(). Until then it answers queries already: a new class knows what it inherits. A method
+/// Commit(). It can be queried before that: a new class knows what it inherits. A method
 /// declaration is part of its class at once, and is never committed.
 #ifndef QDXCORE_INTERFACES_H_
 #define QDXCORE_INTERFACES_H_
@@ -127,8 +128,8 @@ class QDXCORE_EXPORT ICIMPropertyDecl : public ICIMNamedElement {
   ~ICIMPropertyDecl() override;
   virtual void Reserved1();
   virtual void Reserved2();
-  /// Throws, kQDXStatusNotFound for choice, if there is none of that name; ICIMClass::GetQualifier
-  /// answers null instead.
+  /// Throws any TQDXException, preferably kQDXStatusNotFound, if there is none of that name;
+  /// ICIMClass::GetQualifier returns null instead.
   virtual boost::shared_ptr<ICIMQualifier> GetQualifier(const std::string& name) const = 0;
   virtual void EnumerateQualifiers(const TEnumerationCallback<ICIMQualifier>& callback) const = 0;
   virtual void Reserved3();
@@ -212,6 +213,7 @@ class QDXCORE_EXPORT ICIMInstance : public ICIMElement {
   virtual boost::shared_ptr<ICIMClass> GetClass(TOptionsMap options) const = 0;
   virtual void Reserved5();
   virtual void Reserved6();
+  /// Throws, preferably kQDXStatusNotFound, or returns null if there is none of that name.
   virtual boost::shared_ptr<ICIMProperty> GetProperty(const std::string& name,
                                                       TOptionsMap options) const = 0;
   virtual void Reserved7();
@@ -237,7 +239,7 @@ class QDXCORE_EXPORT ICIMClass : public ICIMElement, public ICIMNamedElement {
   virtual bool IsAbstract(TOptionsMap options) const = 0;
   /// True for a class without superclass.
   virtual bool IsRootClass(TOptionsMap options) const = 0;
-  /// Asked for only if IsRootClass is false.
+  /// Called only if IsRootClass is false.
   virtual boost::shared_ptr<ICIMClass> GetSuperclass(TOptionsMap options) const = 0;
   /// With `deep` all descendants, each once and after its superclass.
   virtual void EnumerateSubclasses(const TEnumerationCallback<ICIMClass>& callback, bool deep,
@@ -257,7 +259,8 @@ class QDXCORE_EXPORT ICIMClass : public ICIMElement, public ICIMNamedElement {
                                                                  const TCIMValue& defaultValue,
                                                                  TOptionsMap options) = 0;
   virtual void Reserved12();
-  /// Throws exactly kQDXStatusNotFound if there is none of that name; inherited ones count.
+  /// Throws exactly kQDXStatusNotFound if there is none of that name, since any other status ends a
+  /// copy; inherited ones count.
   virtual boost::shared_ptr<const ICIMPropertyDecl> GetPropertyDecl(const std::string& name,
                                                                     TOptionsMap options) const = 0;
   /// Inherited declarations may be among them.
@@ -273,7 +276,7 @@ class QDXCORE_EXPORT ICIMClass : public ICIMElement, public ICIMNamedElement {
   /// Empty, not committed yet.
   virtual boost::shared_ptr<ICIMInstance> CreateInstance(TOptionsMap options) = 0;
   virtual void Reserved15();
-  /// The instance that the key bindings of the path name; null, or an exception, if there is none.
+  /// The instance that the key bindings of the path name. Returns null or throws if there is none.
   virtual boost::shared_ptr<ICIMInstance> GetInstance(const TCIMReference& path,
                                                       TOptionsMap options) const = 0;
   /// With `deep` the instances of subclasses too.
@@ -301,7 +304,7 @@ class QDXCORE_EXPORT ICIMNamespace {
                                                    boost::shared_ptr<ICIMClass> superclass,
                                                    TOptionsMap options) = 0;
   virtual void Reserved3();
-  /// Throws, kQDXStatusNotFound for choice, or answers null if there is none of that name.
+  /// Throws, preferably kQDXStatusNotFound, or returns null if there is none of that name.
   virtual boost::shared_ptr<ICIMClass> GetClass(const std::string& name,
                                                 TOptionsMap options) const = 0;
   virtual void Reserved4();
@@ -316,6 +319,7 @@ class QDXCORE_EXPORT ICIMNamespace {
                                                                    std::uint32_t flavor,
                                                                    TOptionsMap options) = 0;
   virtual void Reserved6();
+  /// Throws, preferably kQDXStatusNotFound, or returns null if there is none of that name.
   virtual boost::shared_ptr<ICIMQualifierDecl> GetQualifierDecl(const std::string& name,
                                                                 TOptionsMap options) const = 0;
   virtual void EnumerateQualifierDecls(const TEnumerationCallback<ICIMQualifierDecl>& callback,
@@ -346,7 +350,9 @@ class QDXCORE_EXPORT INamespaceConsumer {
  public:
   virtual ~INamespaceConsumer();
   virtual const std::string& GetName(TOptionsMap options) const;
-  /// The options carry what the consumer needs to know, for example "file".
+  /// The options carry what the consumer needs to know. By convention, "file" (string) names the
+  /// file to write, "-" standard output, and "more" (boolean) says that another namespace for the
+  /// same file follows in the next call; if it is missing or false, this one is the last.
   virtual void Consume(boost::shared_ptr<ICIMNamespace> ns, TOptionsMap options);
 };
 

@@ -39,8 +39,9 @@ using TKeyBindingCallback = boost::function<bool(std::pair<std::string, TCIMValu
 ///   boost::shared_ptr<ICIMElement> found = disk.GetCIMElement();
 ///
 /// In the text every value is quoted, numbers too; a backslash quotes a double quote or a
-/// backslash. The path of a reference-valued key stands in its quotes without such quoting:
-/// `A_Link.From="A_Disk.Id="7"",To="A_Bus.Id="1""`. White space counts as it stands.
+/// backslash. The path of a reference-valued key is put between its quotes as it is:
+/// `A_Link.From="A_Disk.Id="7"",To="A_Bus.Id="1""`. The end of the text closes such a path too:
+/// `A_Link.From="A_Disk.Id="7"` is accepted. White space counts as it stands.
 class QDXCORE_EXPORT TCIMReference {
  public:
   /// An empty path bound to a namespace, which may be null. The options go to every class lookup.
@@ -64,7 +65,7 @@ class QDXCORE_EXPORT TCIMReference {
   /// than 1000 deep. What the namespace and the values throw passes out. Class and keys that were
   /// read before the fault stay.
   void SetPath(const std::string& path);
-  /// Asks the namespace for the class; what it answers is stored, null included.
+  /// Asks the namespace for the class; what it returns is stored, null included.
   void SetClassName(const std::string& name);
   /// Only while there are no keys; null is stored as given.
   void SetClass(boost::shared_ptr<ICIMClass> cimClass);

@@ -27,7 +27,14 @@ class QDXCORE_EXPORT INamespaceProviderManager {
   /// The case of the name counts. An unknown name is logged and throws kQDXStatusNotFound.
   virtual boost::shared_ptr<INamespaceProvider> GetNamespaceProvider(
       const std::string& name) const = 0;
-  /// In ascending bytewise order of the names; a callback that returns false ends it.
+  /// In ascending bytewise order of the names; a callback that returns false ends it. The callback
+  /// is a variable, since a temporary does not bind:
+  ///
+  ///   boost::function<bool(boost::shared_ptr<INamespaceProvider>)> print = [](auto provider) {
+  ///     std::cout << provider->GetName({}) << '\n';
+  ///     return true;
+  ///   };
+  ///   TRootObject::GetNamespaceProviderManager()->EnumerateNamespaceProviders(print);
   virtual void EnumerateNamespaceProviders(
       boost::function<bool(boost::shared_ptr<INamespaceProvider>)>& callback) const = 0;
 };
@@ -72,7 +79,7 @@ class QDXCORE_EXPORT TRootObject {
 QDXCORE_EXPORT bool RegisterProvider(boost::shared_ptr<INamespaceProvider> (*make)()) noexcept;
 
 /// Makes a provider and registers it, for the initialiser of a global in a plug-in. That runs while
-/// the library is loaded, where an exception would end the process: so this answers false instead,
+/// the library is loaded, where an exception would end the process: so this returns false instead,
 /// and whoever looks for the provider finds it missing.
 ///
 ///   [[maybe_unused]] const bool kRegistered = RegisterProvider<TMyProvider>();

@@ -146,7 +146,7 @@ namespace boost {
 ///   "throwqdx"   throw TQDXException with kQDXStatusFail; also when the variable is not set
 ///   "throwboost" throw TBoostAssertException
 ///   "trap"       report on standard error and return: the failed operation goes on and crashes
-///   "exit"       report on standard error and exit(1)
+///   "exit"       report on standard error and exit(1), so that exit handlers run
 /// Anything else is reported on standard error and treated as "throwqdx".
 QDXCORE_EXPORT void assertion_failed(char const* expr, char const* function, char const* file,
                                      long line);

@@ -33,6 +33,13 @@ class TCIMValueImpl;
 ///   int wrong = speed;            // throws kQDXStatusTypeMismatch: it is no sint32
 ///   TCIMValue unknown(TCIMValue::TCIMType::kCIMTypeUint32, 0);  // null, but typed
 ///
+/// The compiler must know which native type is meant. Initialise a string, or name the type, since
+/// `text = value` is ambiguous; compare with a value, since `speed == 7200U` is:
+///
+///   std::string text = name;
+///   text = std::string(name);
+///   if (speed == TCIMValue(7200U)) ...
+///
 /// A value converts to the one native type of its CIM type, and to no other:
 ///
 ///   boolean bool               uint32  unsigned int     real32    float
@@ -60,7 +67,8 @@ class QDXCORE_EXPORT TCIMValue {
       kCIMTypeSint64 = 9,      ///< "sint64"
       kCIMTypeReal32 = 10,     ///< "real32"
       kCIMTypeReal64 = 11,     ///< "real64"
-      kCIMTypeChar = 12,       ///< "char": written, never read; no value can hold one.
+      kCIMTypeChar = 12,       ///< "char": always null, never read, and it cannot be copied. So
+                               ///< copying a namespace that declares one fails.
       kCIMTypeString = 13,     ///< "string"
       kCIMTypeDateTime = 14,   ///< "datetime"
       kCIMTypeReference = 15,  ///< "reference"
@@ -275,10 +283,14 @@ using TOptionsMap = std::map<std::string, TCIMValue>;
 
 }  // namespace NVORNQDX20
 
+namespace std {
+
 // The general one assigns, and an assignment may do nothing, or fail half-way.
 template <>
-inline void std::swap(NVORNQDX20::TCIMValue& left, NVORNQDX20::TCIMValue& right) {
-  swap(left, right);
+inline void swap(NVORNQDX20::TCIMValue& left, NVORNQDX20::TCIMValue& right) {
+  swap(left, right);  // the friend: a function is preferred to a template
 }
+
+}  // namespace std
 
 #endif  // QDXCORE_VALUE_H_

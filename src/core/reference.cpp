@@ -90,7 +90,7 @@ void TCIMReferenceImpl::SetPath(const std::string& path) {
 
 void TCIMReferenceImpl::SetClassName(const std::string& name) {
   if (!fNamespace || !fKeyBindings.empty()) InvalidSequence();
-  // A null answer is stored too: an unknown class shows when it is used.
+  // Null is stored, too: an unknown class is noticed when it is used.
   fClass = fNamespace->GetClass(name, fOptions);
 }
 

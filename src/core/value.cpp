@@ -179,7 +179,7 @@ void TCIMValue::SetReferencedClass(boost::shared_ptr<ICIMClass> referencedClass)
   fReferencedClass = std::move(referencedClass);
 }
 
-/// What Set(other) leaves behind, dropped here too, so that a move and a copy give the same.
+/// Drops what Set(other) does not copy, so that a move and a copy have the same result.
 void TCIMValue::DropWhatCopiesDrop() noexcept {
   if (!IsReference()) fReferencedClass.reset();
   if (!IsArray()) {

@@ -34,7 +34,7 @@ bool TakeSign(std::string_view& text) {
   return negative;
 }
 
-/// Takes the prefix of a C integer off the text, and answers the base that it means.
+/// Takes the prefix of a C integer off the text, and returns its base.
 int TakeBase(std::string_view& text) {
   if (StartsWith(text, "0x") || StartsWith(text, "0X")) {
     text.remove_prefix(2);
@@ -71,7 +71,7 @@ std::size_t CountDigits(std::string_view text) {
 }
 
 /// How much of a text without sign is a decimal number; 0 if it is none. An exponent mark without
-/// digits behind it spoils the number.
+/// digits after it spoils the number.
 std::size_t LengthOfReal(std::string_view text) {
   std::size_t length = CountDigits(text);
   std::size_t digits = length;

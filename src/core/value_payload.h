@@ -69,7 +69,7 @@ class TClonable : public TBase {
   using TBase::TBase;
 };
 
-/// A boolean or a number. The alternatives stand in the order of their type codes.
+/// A boolean or a number. The alternatives are in the order of their type codes.
 class TCIMNumericValueImpl final : public TClonable<TCIMNumericValueImpl> {
  public:
   template <typename T>
