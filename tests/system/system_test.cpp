@@ -44,7 +44,7 @@ TEST(Descriptor, HasOneOwnerWhoClosesIt) {
 
 TEST(Descriptor, KeepsTheErrorOfAFailedCall) {
   TDescriptor file;
-  file = TDescriptor(::open("/none", O_RDONLY | O_CLOEXEC));
+  file = TDescriptor(::open("", O_RDONLY | O_CLOEXEC));
   EXPECT_FALSE(file.IsOpen());
   EXPECT_EQ(file.GetError(), ENOENT);
   EXPECT_TRUE(file.Close());
