@@ -6,6 +6,7 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <memory>
 
@@ -66,7 +67,7 @@ TEST_F(Logger, AdmitsByThreshold) {
 
 TEST_F(Logger, RefusesSeveritiesThatHaveNoLabel) {
   fLogger->SetLogThreshold(static_cast<TSeverity>(10));
-  EXPECT_QDX_STATUS(fLogger->OutputLogEntry(static_cast<TSeverity>(7), "seven"), kQDXStatusFail);
+  EXPECT_QDX_STATUS(fLogger->OutputLogEntry(static_cast<TSeverity>(5), "five"), kQDXStatusFail);
   fLogger->OutputLogEntry(static_cast<TSeverity>(11), "not admitted");
   EXPECT_QDX_STATUS(fLogger->OutputLogEntry(static_cast<TSeverity>(-1), "kept"), kQDXStatusFail);
   EXPECT_EQ(History(), TMessages{"kept"});
@@ -75,6 +76,7 @@ TEST_F(Logger, RefusesSeveritiesThatHaveNoLabel) {
 TEST_F(Logger, LosesLinesAfterASecondFileButKeepsTheHistory) {
   fLogger->SetLogFilename(fFile);
   const std::string second = (fDir.Path() / "second").string();
+  errno = EACCES;  // of an earlier call
   EXPECT_QDX_STATUS(fLogger->SetLogFilename(second), kQDXStatusFileSystemError);
   fLogger->OutputLogEntry(ILogger::kLogError, "lost");
   EXPECT_EQ(History(), TMessages{"lost"});
