@@ -67,17 +67,24 @@ bool TWallClock::IsSurelyConvertible() const {
   return std::abs(fSecondsAtUTC) > kZoneReach && IsOffsetSteadyAround(fSecondsAtUTC);
 }
 
-/// Around a steady offset, readings are ordered like their instants: nearby readings have the same
-/// offset, and others are further apart than any two offsets. The exception are zones with leap
-/// seconds, where seconds that carry over give a different instant.
+void TWallClock::RequireConvertible() const {
+  if (!IsConvertible()) throw TQDXException(kQDXStatusInvalidDateTime);
+}
+
+/// Around a steady offset, nearby readings are ordered like their instants. The exception are zones
+/// with leap seconds, where seconds that carry over give a different instant.
 bool TWallClock::IsOrderedLikeInstants() const {
   return fFields.tm_sec < 60 && IsSurelyConvertible();
 }
 
 int TWallClock::Compare(const TWallClock& other) const {
-  const bool showsOrder = IsOrderedLikeInstants() && other.IsOrderedLikeInstants();
-  const std::int64_t difference =
-      showsOrder ? fSecondsAtUTC - other.fSecondsAtUTC : Instant() - other.Instant();
+  std::int64_t difference = fSecondsAtUTC - other.fSecondsAtUTC;
+  if (std::abs(difference) > 2 * kZoneReach) {  // more than any two offsets differ
+    RequireConvertible();
+    other.RequireConvertible();
+  } else if (!IsOrderedLikeInstants() || !other.IsOrderedLikeInstants()) {
+    difference = Instant() - other.Instant();
+  }
   return (difference > 0) - (difference < 0);
 }
 

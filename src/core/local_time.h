@@ -32,6 +32,7 @@ class TWallClock {
  private:
   std::int64_t CallMktime() const;
   bool IsSurelyConvertible() const;
+  void RequireConvertible() const;
   bool IsOrderedLikeInstants() const;
 
   std::tm fFields;

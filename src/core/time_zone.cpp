@@ -12,8 +12,6 @@ constexpr std::int64_t kSecondsPerDay = 86400;
 constexpr std::int64_t kStretch = 16 * kSecondsPerDay;
 /// Three days as promised, plus two for the distance between a reading and its instant.
 constexpr std::int64_t kMargin = 5 * kSecondsPerDay;
-/// mktime() searches standard time in steps of 601200 seconds, and can miss a shorter period.
-constexpr std::int64_t kShortestStandardTime = 9 * kSecondsPerDay;
 
 bool HaveSameOffset(const std::tm& left, const std::tm& right) {
   return left.tm_gmtoff == right.tm_gmtoff && left.tm_isdst == right.tm_isdst;
@@ -25,33 +23,29 @@ std::tm LocalTime(std::time_t time) {
   return local;
 }
 
-/// Samples one time per day: no zone has ever changed and changed back within three days. `last`
-/// may be before `first`.
+/// Samples one time per day: no zone has ever changed and changed back within three days.
 bool HasOneOffsetBetween(std::time_t first, std::time_t last) {
-  const std::time_t step = first < last ? kSecondsPerDay : -kSecondsPerDay;
   const std::tm start = LocalTime(first);
-  for (std::time_t time = first; time != last; time += step) {
-    if (!HaveSameOffset(start, LocalTime(time + step))) return false;
+  for (std::time_t time = first; time < last; time += kSecondsPerDay) {
+    if (!HaveSameOffset(start, LocalTime(time + kSecondsPerDay))) return false;
   }
   return true;
 }
 
-/// Returns the first instant in standard time, in steps of a day; after 400 steps, an instant that
-/// is not in standard time.
-std::time_t FindStandardTime(std::time_t from, std::time_t step) {
-  for (int i = 0; i < 400 && LocalTime(from).tm_isdst != 0; ++i) from += step;
-  return from;
+/// Returns the nearest time without daylight saving, in steps of a day; after 400 steps, a time
+/// with it.
+std::tm FindStandardTime(std::time_t from, std::time_t step) {
+  std::tm local = LocalTime(from);
+  for (int i = 0; i < 400 && local.tm_isdst != 0; ++i) local = LocalTime(from += step);
+  return local;
 }
 
 /// During daylight saving, mktime() subtracts the standard offset of the time before or after it,
-/// whichever its search finds first. Returns whether the two are equal.
+/// whichever its search in steps of a week finds first. Returns whether the two are equal; then no
+/// zone has ever changed its standard offset within a week of either.
 bool HasOneStandardOffsetAround(std::time_t first, std::time_t last) {
-  const std::time_t before = FindStandardTime(first, -kSecondsPerDay);
-  const std::time_t after = FindStandardTime(last, kSecondsPerDay);
-  const std::tm standard = LocalTime(before);
-  return standard.tm_isdst == 0 && HaveSameOffset(standard, LocalTime(after)) &&
-         HasOneOffsetBetween(before, before - kShortestStandardTime) &&
-         HasOneOffsetBetween(after, after + kShortestStandardTime);
+  const std::tm before = FindStandardTime(first, -kSecondsPerDay);
+  return before.tm_isdst == 0 && HaveSameOffset(before, FindStandardTime(last, kSecondsPerDay));
 }
 
 bool IsSteadyBetween(std::time_t first, std::time_t last) {
