@@ -77,6 +77,7 @@ std::vector<TItem> Items() {
 /// Only these classes, since describing the whole machine takes much longer.
 TOptionsMap OptionsFor(const std::string& root, const std::vector<TItem>& items) {
   std::vector<TCIMValue> classes;
+  classes.reserve(items.size());
   for (const TItem& item : items) classes.emplace_back(item.fClass);
   return {{NModel::kRootOption, TCIMValue(root)},
           {NModel::kClassesOption, TCIMValue(TCIMValue::TCIMType::kCIMTypeString, 0, classes)}};
@@ -146,6 +147,7 @@ EExitCode RunIdentity(const TArguments& arguments) {
 
   const TAbsenceReasons reasons = ReadAbsenceReasons(*ns);
   std::vector<TAnswer> answers;
+  answers.reserve(items.size());
   for (const TItem& item : items) answers.push_back(Ask(item, ns, reasons));
   arguments.Has("json") ? WriteAsJSON(answers) : WriteForPeople(answers);
   if (std::none_of(answers.begin(), answers.end(), TellsOfTheMachine)) {
