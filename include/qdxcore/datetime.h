@@ -16,122 +16,122 @@ class TCIMDateTimeImpl;
 
 /// A CIM datetime: a point in time, an interval, or null.
 ///
-/// Copies are deep; two objects never share a body. Different objects may be used on different
-/// threads; one object, even if it is only read, on one. Nobody may change TZ in the meantime.
-/// Bad text or fields throw kQDXStatusInvalidDateTime and leave the object as it was; so does
-/// every use of a null value but the getters, Clear and the setters.
+/// Copies are deep; two objects never share a body. Distinct objects may be used by distinct
+/// threads, but one object only by one thread, even for reading; TZ must not change at that time.
+/// Bad text or fields throw kQDXStatusInvalidDateTime and leave the object unchanged. A null value
+/// can be copied, cleared, set and read by the getters; every other operation throws the same.
 ///
 ///   TCIMDateTime boot("20040315143000.000000+060");  // 14:30 at UTC + 1 hour
 ///   TCIMDateTime pause(1, 2, 3, 4, 5);               // 1 day 02:03:04 and 5 microseconds
 ///   TCIMDateTime later = boot + pause;               // a point, still at UTC + 1 hour
 ///
-/// A point is checked by the host's mktime() alone, its fields less the offset read as local time.
-/// That normalises: month 13, February 30 or hour 99 are accepted and kept as given. Refused are
-/// the instant -1 (one second before 1970, UTC), and what the standard time of the host's zone
-/// skips. The microseconds of a point are not checked at all.
+/// A point is validated only by the host's mktime(), which reads its fields, minus the offset, as
+/// local time. mktime() normalises: month 13, February 30 and hour 99 are accepted and stored as
+/// given. It refuses the instant -1 (one second before 1970, UTC) and times that the standard time
+/// of the host's zone skips. The microseconds of a point are not checked.
 ///
 /// Unexpected, but part of the contract:
-/// - A point moved by an interval to before 1970 (UTC) is mirrored at that moment: 1969-12-31 12:00
-///   moved by nothing is 1970-01-01 12:00. If it was moved with + and has a fraction of a second,
-///   its microseconds are beyond a million. Comparing points, or subtracting them from each
-///   other, has no such limit.
-/// - A year beyond 65535 wraps: one day after 65535-12-31 is in year 0.
-/// - A point keeps its wall clock when it is moved, unless summer time in the host's zone is
-/// anything
-///   but one hour ahead of standard time: moved by nothing, noon becomes 11:30 in the summer of
-///   Australia/Lord_Howe, 13:00 in that of Antarctica/Troll and 10:00 in the winter of
-///   Europe/Dublin.
-/// - A point with a million microseconds or more has a text that Set refuses. + and - carry them
-///   over to the seconds; comparisons do not: 12:00:00 and two million are before 12:00:01.
+/// - Adding an interval to a point, or subtracting it, mirrors a result before 1970 (UTC) at that
+///   moment: 1969-12-31 12:00 plus an interval of zeros is 1970-01-01 12:00. If the result of + has
+///   a fraction of a second, its microseconds exceed a million. Comparing two points, or
+///   subtracting them from each other, has no such limit.
+/// - A year above 65535 wraps: one day after 65535-12-31 is in year 0.
+/// - The wall clock of a point moves by exactly the interval, unless summer time in the host's zone
+///   is anything but one hour ahead of standard time: plus an interval of zeros, noon becomes 11:30
+///   in the summer of Australia/Lord_Howe, 13:00 in that of Antarctica/Troll, and 10:00 in the
+///   winter of Europe/Dublin.
+/// - A point with a million microseconds or more has a text that Set refuses. + and - carry the
+///   excess to the seconds; comparisons do not: 12:00:00 and two million microseconds is less than
+///   12:00:01.
 class QDXCORE_EXPORT TCIMDateTime {
  public:
-  /// Null.
+  /// A null value.
   TCIMDateTime();
-  /// A point in time; utcOffset is in minutes east of UTC.
+  /// A point in time; `utcOffset` is in minutes east of UTC. Equivalent to Set().
   TCIMDateTime(std::uint16_t year, std::uint16_t month, std::uint32_t day, std::uint16_t hour,
                std::uint16_t minute, std::uint16_t second, std::uint32_t microseconds,
                std::int16_t utcOffset);
-  /// An interval.
+  /// An interval. Equivalent to Set().
   TCIMDateTime(std::uint32_t days, std::uint16_t hours, std::uint16_t minutes,
                std::uint16_t seconds, std::uint32_t microseconds);
-  /// As Set(text).
+  /// Equivalent to Set(text).
   explicit TCIMDateTime(const std::string& text);
-  /// Every field but the precision flag, which is false in the copy. There is no move: it would
-  /// carry the flag.
+  /// Copies every field except the precision flag, which is false in the copy. There is no move
+  /// constructor, because a move would keep the flag.
   TCIMDateTime(const TCIMDateTime& other);
   TCIMDateTime& operator=(const TCIMDateTime& other);
   ~TCIMDateTime();
 
-  /// Makes it a point. Year is the full year, month 1 is January.
+  /// Makes this a point. `year` is the full year; `month` 1 is January.
   void Set(std::uint16_t year, std::uint16_t month, std::uint32_t day, std::uint16_t hour,
            std::uint16_t minute, std::uint16_t second, std::uint32_t microseconds,
            std::int16_t utcOffset);
-  /// Makes it an interval: hours to 23, minutes and seconds to 59, microseconds to 999999; days are
-  /// not bounded.
+  /// Makes this an interval: `hours` up to 23, `minutes` and `seconds` up to 59, `microseconds` up
+  /// to 999999; `days` has no limit.
   void Set(std::uint32_t days, std::uint16_t hours, std::uint16_t minutes, std::uint16_t seconds,
            std::uint32_t microseconds);
-  /// Exactly 25 characters: "yyyymmddhhmmss.mmmmmm", a sign and three digits of minutes, or
-  /// "ddddddddhhmmss.mmmmmm:000". No wildcards. Microseconds, and the days of an interval, are
-  /// kept modulo 65536.
+  /// Parses exactly 25 characters: "yyyymmddhhmmss.mmmmmm", a sign and three digits of minutes, or
+  /// "ddddddddhhmmss.mmmmmm:000". Wildcards are refused. Microseconds, and the days of an interval,
+  /// are stored modulo 65536.
   void Set(const std::string& text);
 
-  /// The form that Set reads. A field too large for its width is written whole, so that the text
-  /// is longer then.
+  /// Returns the text that Set parses. A field that exceeds its width is written in full, which
+  /// makes the text longer.
   std::string ToString() const;
-  /// For people: "03/15/2004 14:30:00" (without offset), or "1 day 2 hours " with a blank at the
-  /// end; an interval of zeros is empty.
+  /// Returns a text for people: "03/15/2004 14:30:00" (without the offset), or "1 day 2 hours "
+  /// with a trailing blank; empty for an interval of zeros.
   std::string ToUIString() const;
 
   bool IsNull() const;
   bool IsInterval() const;
 
-  // The fields as stored, whether or not the value is null.
+  // These return the fields as stored, even if the value is null.
   std::uint16_t GetYear() const;
   std::uint16_t GetMonth() const;
-  /// Day of the month, or the number of days of an interval.
+  /// Returns the day of the month, or the number of days of an interval.
   std::uint32_t GetDay() const;
   std::uint16_t GetHour() const;
   std::uint16_t GetMinute() const;
   std::uint16_t GetSecond() const;
   std::uint32_t GetMicroSeconds() const;
-  /// Minutes east of UTC, negative to the west. Means nothing for an interval.
+  /// Returns minutes east of UTC, negative to the west. Meaningless for an interval.
   std::int16_t GetUTCOffset() const;
 
-  /// Makes it null; the fields keep their values.
+  /// Makes the value null; the fields keep their contents.
   void Clear();
 
-  /// A flag stored for the caller: nothing reads it, no text carries it, no copy takes it along.
+  /// A flag stored for the caller. The library never reads it; texts and copies do not carry it.
   bool GetPrecision() const;
   void SetPrecision(bool precision);
 
-  /// Same moment, offsets honoured, or same duration. A point never compares with an interval: that
-  /// throws.
+  /// Returns whether both are the same moment, whatever their offsets, or the same duration.
+  /// Comparing a point with an interval throws.
   bool operator==(const TCIMDateTime& other) const;
-  /// Earlier moment or shorter duration; throws as == does.
+  /// Returns whether this is the earlier moment or the shorter duration. Throws like ==.
   bool operator<(const TCIMDateTime& other) const;
   bool operator!=(const TCIMDateTime& other) const { return !(*this == other); }
   bool operator>(const TCIMDateTime& other) const { return other < *this; }
   bool operator<=(const TCIMDateTime& other) const { return !(other < *this); }
   bool operator>=(const TCIMDateTime& other) const { return !(*this < other); }
 
-  /// Interval + interval, or point + interval in either order: the point's wall clock moves, its
-  /// offset stays. Two points throw. The seconds of an interval wrap at 2^32 here and in all that
-  /// follows.
+  /// Adds two intervals, or an interval and a point in either order; the result keeps the point's
+  /// offset. Two points throw. Here, in operator- and in comparisons, the seconds of an interval
+  /// wrap at 2^32.
   TCIMDateTime operator+(const TCIMDateTime& other) const;
-  /// The distance, never negative, between two points or two intervals; or the point moved back, in
-  /// whichever order the two stand.
+  /// Returns the distance between two points or two intervals, which is never negative. Of a point
+  /// and an interval in either order, returns the point moved back by the interval.
   TCIMDateTime operator-(const TCIMDateTime& other) const;
   /// Always throws kQDXStatusNotImplemented.
   void GetDifference(TCIMDateTime& first, TCIMDateTime& second) const;
 
-  /// The body itself, shared: changing it changes this value.
+  /// Returns the body, shared with this value: changing the body changes the value.
   boost::shared_ptr<TCIMDateTimeImpl> GetBody() const;
 
  private:
   boost::shared_ptr<TCIMDateTimeImpl> fBody;
 };
 
-/// The body of a TCIMDateTime: the same operations on the fields themselves.
+/// The body of a TCIMDateTime: holds the fields and has the same operations.
 class QDXCORE_EXPORT TCIMDateTimeImpl {
  public:
   TCIMDateTimeImpl();
@@ -174,11 +174,11 @@ class QDXCORE_EXPORT TCIMDateTimeImpl {
   TCIMDateTime operator-(const TCIMDateTime& other) const;
   void GetDifference(TCIMDateTime& first, TCIMDateTime& second) const;
 
-  /// Whether the host's mktime() takes these fields for a point.
+  /// Returns whether the host's mktime() accepts these fields of a point.
   static bool IsValid(std::uint16_t year, std::uint16_t month, std::uint32_t day,
                       std::uint16_t hour, std::uint16_t minute, std::uint16_t second,
                       std::uint32_t microseconds, std::int16_t utcOffset);
-  /// Whether each field of an interval is in its range.
+  /// Returns whether each field of an interval is in its range.
   static bool IsValid(std::uint32_t days, std::uint16_t hours, std::uint16_t minutes,
                       std::uint16_t seconds, std::uint32_t microseconds);
 
@@ -186,7 +186,7 @@ class QDXCORE_EXPORT TCIMDateTimeImpl {
   bool fNull = true;
   std::uint16_t fYear = 0;
   std::uint16_t fMonth = 0;
-  std::uint32_t fDay = 0;  // of the month, or the days of an interval
+  std::uint32_t fDay = 0;  // day of the month, or days of an interval
   std::uint16_t fHour = 0;
   std::uint16_t fMinute = 0;
   std::uint16_t fSecond = 0;

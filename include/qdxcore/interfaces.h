@@ -1,27 +1,27 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The interfaces through which CIM data is reached (DMTF DSP0004, the CIM meta schema): providers
-/// implement them, all others call them.
+/// The interfaces to CIM data (DMTF DSP0004, the CIM meta schema). Providers implement them; the
+/// library, consumers and programs call them.
 ///
-/// Declaration order binds plug-ins that were built separately: a virtual function is only ever
-/// added after the last one of its class. The ReservedN functions keep places in that order free;
-/// nobody implements or calls them, and they throw kQDXStatusNotImplemented. What the library calls
-/// is pure; what others call has a default that throws kQDXStatusNotImplemented, so that a plug-in
-/// which does not know it still compiles.
+/// Declaration order binds plug-ins that were built separately: a new virtual function is only
+/// added after the last one of its class. The ReservedN functions reserve places in that order;
+/// they throw kQDXStatusNotImplemented, and must not be overridden or called. Operations that the
+/// library calls are pure. The others have a default that throws kQDXStatusNotImplemented, so that
+/// plug-ins need not implement them.
 ///
-/// Objects are shared: every operation that gives one gives a shared reference, nobody deletes one,
-/// nobody keeps a plain pointer. What a query does if there is no such element, return null or
-/// throw, is said at each; the others never return null. A caller that dereferences a null ends in
-/// the handler of <qdxcore/status.h>.
+/// Objects are shared: every operation that returns an object returns a shared reference. Never
+/// delete an object, and keep no plain pointer to one. Each query documents whether it returns null
+/// or throws if the element does not exist; the other operations never return null. Dereferencing a
+/// null calls the assertion handler of <qdxcore/status.h>.
 ///
-/// Names are looked up without regard to case (DMTF DSP0004, naming). Options maps are passed empty
-/// by the library. A failure is a thrown TQDXException.
+/// Names are compared without regard to case (DMTF DSP0004, naming). The library passes empty
+/// options. Failures are thrown as TQDXException.
 ///
-/// Enumerations call back once for each element, before they return; a callback that returns false
-/// ends them. A callback may use the same provider again, so hold no lock across one.
+/// An enumeration calls back once for each element before it returns, and stops when the callback
+/// returns false. A callback may call the same provider again, so hold no lock during one.
 ///
-/// What a Create operation gives is filled by further calls and becomes part of its namespace with
-/// Commit(). It can be queried before that: a new class knows what it inherits. A method
-/// declaration is part of its class at once, and is never committed.
+/// An object that a Create operation returns is completed by further calls, and becomes part of its
+/// namespace with Commit(). It can be queried before that, including what a new class inherits. A
+/// method declaration is part of its class immediately, and has no Commit().
 #ifndef QDXCORE_INTERFACES_H_
 #define QDXCORE_INTERFACES_H_
 
@@ -50,11 +50,11 @@ class ICIMPropertyDecl;
 class ICIMQualifier;
 class ICIMQualifierDecl;
 
-/// Visits one element of an enumeration; false ends it.
+/// Visits one element of an enumeration; returning false ends the enumeration.
 template <typename T>
 using TEnumerationCallback = boost::function<bool(boost::shared_ptr<T>)>;
 
-/// The callback that appends every element to a vector; the vector must outlive it.
+/// A callback that appends every element to a vector, which must outlive the callback.
 template <typename T>
 class TAddToVectorCallback {
  public:
@@ -70,24 +70,25 @@ class TAddToVectorCallback {
   std::vector<boost::shared_ptr<T>>& fElements;
 };
 
-/// What an object path names: a class or an instance.
+/// An element that an object path can name: a class or an instance.
 class QDXCORE_EXPORT ICIMElement {
  public:
   virtual ~ICIMElement();
 };
 
-/// What can carry qualifiers: a class, a property, method or parameter declaration.
+/// An element that can have qualifiers: a class, or the declaration of a property, method or
+/// parameter.
 class QDXCORE_EXPORT ICIMNamedElement {
  public:
   virtual ~ICIMNamedElement();
   virtual void ReservedElement1();
-  /// The new qualifier is not committed yet.
+  /// Returns the new qualifier, not committed.
   virtual boost::shared_ptr<ICIMQualifier> AddQualifier(boost::shared_ptr<ICIMQualifierDecl> decl,
                                                         const TCIMValue& value) = 0;
 };
 
-/// The declaration of a qualifier (DMTF DSP0004, qualifiers). The bits of scope and flavor are the
-/// provider's; the library passes them on as they are.
+/// The declaration of a qualifier (DMTF DSP0004, qualifiers). The provider defines the bits of
+/// scope and flavor; the library passes them on unchanged.
 class QDXCORE_EXPORT ICIMQualifierDecl {
  public:
   virtual ~ICIMQualifierDecl();
@@ -98,7 +99,7 @@ class QDXCORE_EXPORT ICIMQualifierDecl {
   virtual void Reserved3();
   virtual void Reserved4();
   virtual void Reserved5();
-  /// Its type is the type of the qualifier.
+  /// The type of this value is the type of the qualifier.
   virtual const TCIMValue& GetDefaultValue() const = 0;
   virtual void Reserved6();
   virtual std::uint32_t GetScope() const = 0;
@@ -128,8 +129,8 @@ class QDXCORE_EXPORT ICIMPropertyDecl : public ICIMNamedElement {
   ~ICIMPropertyDecl() override;
   virtual void Reserved1();
   virtual void Reserved2();
-  /// Throws any TQDXException, preferably kQDXStatusNotFound, if there is none of that name;
-  /// ICIMClass::GetQualifier returns null instead.
+  /// Throws any TQDXException, preferably kQDXStatusNotFound, if the property has no such
+  /// qualifier; ICIMClass::GetQualifier returns null instead.
   virtual boost::shared_ptr<ICIMQualifier> GetQualifier(const std::string& name) const = 0;
   virtual void EnumerateQualifiers(const TEnumerationCallback<ICIMQualifier>& callback) const = 0;
   virtual void Reserved3();
@@ -139,7 +140,8 @@ class QDXCORE_EXPORT ICIMPropertyDecl : public ICIMNamedElement {
   virtual void Reserved5();
   virtual TCIMValue::TCIMType GetType() const = 0;
   virtual void Reserved6();
-  /// Null or not, of the declared type; that of a reference carries the referenced class.
+  /// Returns a value of the declared type, null or not; that of a reference has the referenced
+  /// class.
   virtual const TCIMValue& GetDefaultValue() const = 0;
 };
 
@@ -179,7 +181,7 @@ class QDXCORE_EXPORT ICIMParameterDecl : public ICIMNamedElement {
   virtual void EnumerateQualifiers(const TEnumerationCallback<ICIMQualifier>& callback) const = 0;
 };
 
-/// The declaration of a method; part of its class from its creation on.
+/// The declaration of a method; part of its class since its creation.
 class QDXCORE_EXPORT ICIMMethodDecl : public ICIMNamedElement {
  public:
   ~ICIMMethodDecl() override;
@@ -192,7 +194,7 @@ class QDXCORE_EXPORT ICIMMethodDecl : public ICIMNamedElement {
   virtual const std::string& GetName() const = 0;
   virtual void Reserved6();
   virtual TCIMValue::TCIMType GetReturnType() const = 0;
-  /// Not committed yet.
+  /// Returns the new declaration, not committed.
   virtual boost::shared_ptr<ICIMParameterDecl> CreateParameterDecl(const std::string& name,
                                                                    TCIMValue::TCIMType type) = 0;
   virtual void Reserved7();
@@ -213,7 +215,7 @@ class QDXCORE_EXPORT ICIMInstance : public ICIMElement {
   virtual boost::shared_ptr<ICIMClass> GetClass(TOptionsMap options) const = 0;
   virtual void Reserved5();
   virtual void Reserved6();
-  /// Throws, preferably kQDXStatusNotFound, or returns null if there is none of that name.
+  /// Throws, preferably kQDXStatusNotFound, or returns null if the instance has no such property.
   virtual boost::shared_ptr<ICIMProperty> GetProperty(const std::string& name,
                                                       TOptionsMap options) const = 0;
   virtual void Reserved7();
@@ -231,17 +233,18 @@ class QDXCORE_EXPORT ICIMClass : public ICIMElement, public ICIMNamedElement {
   virtual void Commit(TOptionsMap options) = 0;
   virtual void Reserved2();
   virtual void Reserved3();
-  /// Valid as long as the class object lives.
+  /// The reference is valid during the lifetime of the class object.
   virtual const std::string& GetName(TOptionsMap options) const = 0;
   virtual void Reserved4();
   virtual bool IsAssociation(TOptionsMap options) const = 0;
-  /// True for a class that has no instances of its own.
+  /// Returns whether the class cannot have instances of its own.
   virtual bool IsAbstract(TOptionsMap options) const = 0;
-  /// True for a class without superclass.
+  /// Returns whether the class has no superclass.
   virtual bool IsRootClass(TOptionsMap options) const = 0;
-  /// Called only if IsRootClass is false.
+  /// REQUIRES: IsRootClass is false.
   virtual boost::shared_ptr<ICIMClass> GetSuperclass(TOptionsMap options) const = 0;
-  /// With `deep` all descendants, each once and after its superclass.
+  /// Enumerates the direct subclasses; with `deep` all descendants, each once and after its
+  /// superclass.
   virtual void EnumerateSubclasses(const TEnumerationCallback<ICIMClass>& callback, bool deep,
                                    TOptionsMap options) const = 0;
   virtual void Reserved5();
@@ -251,35 +254,36 @@ class QDXCORE_EXPORT ICIMClass : public ICIMElement, public ICIMNamedElement {
   virtual void Reserved9();
   virtual void Reserved10();
   virtual void Reserved11();
-  /// Null if there is none of that name.
+  /// Returns null if the class has no such qualifier.
   virtual boost::shared_ptr<ICIMQualifier> GetQualifier(const std::string& name) const = 0;
   virtual void EnumerateQualifiers(const TEnumerationCallback<ICIMQualifier>& callback) const = 0;
-  /// The type of the property is the type of its default value. Not committed yet.
+  /// Returns the new declaration, not committed. The type of the property is the type of
+  /// `defaultValue`.
   virtual boost::shared_ptr<ICIMPropertyDecl> CreatePropertyDecl(const std::string& name,
                                                                  const TCIMValue& defaultValue,
                                                                  TOptionsMap options) = 0;
   virtual void Reserved12();
-  /// Throws exactly kQDXStatusNotFound if there is none of that name, since any other status ends a
-  /// copy; inherited ones count.
+  /// Returns a declaration of the class or an inherited one. Throws exactly kQDXStatusNotFound if
+  /// there is no such property: any other status aborts a copy.
   virtual boost::shared_ptr<const ICIMPropertyDecl> GetPropertyDecl(const std::string& name,
                                                                     TOptionsMap options) const = 0;
-  /// Inherited declarations may be among them.
+  /// May include inherited declarations.
   virtual void EnumeratePropertyDecls(const TEnumerationCallback<ICIMPropertyDecl>& callback,
                                       TOptionsMap options) const = 0;
   virtual void Reserved13();
   virtual void Reserved14();
-  /// Sets the value that the class itself has for a property.
+  /// Sets the class's own value of a property.
   virtual void SetStaticPropertyValue(const std::string& name, const TCIMValue& value,
                                       TOptionsMap options) = 0;
   virtual void EnumerateStaticProperties(const TEnumerationCallback<ICIMProperty>& callback,
                                          TOptionsMap options) const = 0;
-  /// Empty, not committed yet.
+  /// Returns a new instance without values, not committed.
   virtual boost::shared_ptr<ICIMInstance> CreateInstance(TOptionsMap options) = 0;
   virtual void Reserved15();
-  /// The instance that the key bindings of the path name. Returns null or throws if there is none.
+  /// Returns the instance with the key bindings of `path`. Returns null or throws if there is none.
   virtual boost::shared_ptr<ICIMInstance> GetInstance(const TCIMReference& path,
                                                       TOptionsMap options) const = 0;
-  /// With `deep` the instances of subclasses too.
+  /// Enumerates the instances of the class; with `deep` also those of its subclasses.
   virtual void EnumerateInstances(const TEnumerationCallback<ICIMInstance>& callback, bool deep,
                                   TOptionsMap options) const = 0;
   virtual boost::shared_ptr<ICIMMethodDecl> CreateMethodDecl(const std::string& name,
@@ -295,64 +299,66 @@ class QDXCORE_EXPORT ICIMClass : public ICIMElement, public ICIMNamedElement {
 class QDXCORE_EXPORT ICIMNamespace {
  public:
   virtual ~ICIMNamespace();
-  /// The name of the namespace, for example "root/cimv2".
+  /// Returns the name of the namespace, for example "root/cimv2".
   virtual const std::string& GetName(TOptionsMap options) const;
   virtual void Reserved1();
   virtual void Reserved2();
-  /// The superclass is null for a root class. Not committed yet.
+  /// Returns the new class, not committed. `superclass` is null for a root class.
   virtual boost::shared_ptr<ICIMClass> CreateClass(const std::string& name,
                                                    boost::shared_ptr<ICIMClass> superclass,
                                                    TOptionsMap options) = 0;
   virtual void Reserved3();
-  /// Throws, preferably kQDXStatusNotFound, or returns null if there is none of that name.
+  /// Throws, preferably kQDXStatusNotFound, or returns null if the namespace has no such class.
   virtual boost::shared_ptr<ICIMClass> GetClass(const std::string& name,
                                                 TOptionsMap options) const = 0;
   virtual void Reserved4();
-  /// The root classes only; ICIMClass::EnumerateSubclasses leads to the others.
+  /// Enumerates the root classes only; ICIMClass::EnumerateSubclasses gives their descendants.
   virtual void EnumerateClasses(const TEnumerationCallback<ICIMClass>& callback,
                                 TOptionsMap options) const = 0;
   virtual void Reserved5();
-  /// The type of the qualifier is the type of its default value. Not committed yet.
+  /// Returns the new declaration, not committed. The type of the qualifier is the type of
+  /// `defaultValue`.
   virtual boost::shared_ptr<ICIMQualifierDecl> CreateQualifierDecl(const std::string& name,
                                                                    const TCIMValue& defaultValue,
                                                                    std::uint32_t scope,
                                                                    std::uint32_t flavor,
                                                                    TOptionsMap options) = 0;
   virtual void Reserved6();
-  /// Throws, preferably kQDXStatusNotFound, or returns null if there is none of that name.
+  /// Throws, preferably kQDXStatusNotFound, or returns null if the namespace has no such
+  /// declaration.
   virtual boost::shared_ptr<ICIMQualifierDecl> GetQualifierDecl(const std::string& name,
                                                                 TOptionsMap options) const = 0;
   virtual void EnumerateQualifierDecls(const TEnumerationCallback<ICIMQualifierDecl>& callback,
                                        TOptionsMap options) const = 0;
 };
 
-/// Visits the name of one namespace; false ends the enumeration.
+/// Visits the name of one namespace; returning false ends the enumeration.
 using TNamespaceNameCallback = boost::function<bool(const std::string&)>;
 
-/// What a provider plug-in registers: it serves namespaces.
+/// A source of namespaces. A provider plug-in registers one.
 class QDXCORE_EXPORT INamespaceProvider {
  public:
   virtual ~INamespaceProvider();
-  /// The name under which the registry keeps the provider.
+  /// Returns the name under which the registry holds the provider.
   virtual const std::string& GetName(TOptionsMap options) const = 0;
-  /// Throws kQDXStatusNotFound if there is none of that name. The options carry what the provider
-  /// needs to know, for example "root" or "file". "classes" (array of strings) names the classes
-  /// that the caller looks at: a provider may ignore it, or leave out what these have nothing to do
-  /// with, neither as a superclass or subclass, nor as a class that they refer to.
+  /// Throws kQDXStatusNotFound if the provider has no such namespace. The options are the
+  /// provider's parameters, for example "root" or "file". "classes" (array of strings) names the
+  /// classes that the caller reads. A provider may ignore it, or leave out all classes except
+  /// those, their superclasses and subclasses, and the classes to which they refer.
   virtual boost::shared_ptr<ICIMNamespace> GetNamespace(const std::string& name,
                                                         TOptionsMap options);
-  /// The names that GetNamespace takes, with the same options.
+  /// Enumerates the names that GetNamespace accepts with the same options.
   virtual void EnumerateNamespaceNames(const TNamespaceNameCallback& callback, TOptionsMap options);
 };
 
-/// What a consumer plug-in creates: it takes a namespace and does something with it.
+/// Processes namespaces, for example writes them to a file. A consumer plug-in creates one.
 class QDXCORE_EXPORT INamespaceConsumer {
  public:
   virtual ~INamespaceConsumer();
   virtual const std::string& GetName(TOptionsMap options) const;
-  /// The options carry what the consumer needs to know. By convention, "file" (string) names the
-  /// file to write, "-" standard output, and "more" (boolean) says that another namespace for the
-  /// same file follows in the next call; if it is missing or false, this one is the last.
+  /// Processes a namespace. The options are the consumer's parameters. By convention, "file"
+  /// (string) names the file to write, "-" for standard output; "more" (boolean) is true if the
+  /// next call passes another namespace for the same file, and false or missing for the last one.
   virtual void Consume(boost::shared_ptr<ICIMNamespace> ns, TOptionsMap options);
 };
 

@@ -23,83 +23,85 @@ class ICIMInstance;
 class ICIMNamespace;
 class TCIMReferenceImpl;
 
-/// Visits one key binding, name and value; false ends the enumeration.
+/// Visits one key binding, name and value; returning false ends the enumeration.
 using TKeyBindingCallback = boost::function<bool(std::pair<std::string, TCIMValue>)>;
 
-/// Names a class, or with key bindings one instance of it, in a namespace.
+/// Names a class in a namespace or, with key bindings, an instance of the class.
 ///
-/// The class is a live object of the namespace. The order of use is enforced: a namespace before a
-/// class is looked up by name, the class before keys; anything else throws
-/// kQDXStatusInvalidOpSequence. Where a class or a declaration is needed and is null, the assertion
-/// handler of <qdxcore/status.h> decides. A failing operation leaves the reference as it was, but
-/// for SetPath. Copies share namespace, class and the instance once fetched, and own all else. Not
-/// synchronised: one thread only.
+/// The class is an object of the namespace. The order of the calls is enforced: the namespace is
+/// set before a class is looked up by name, and the class before keys; any other order throws
+/// kQDXStatusInvalidOpSequence. An operation that needs a class or a declaration and finds null
+/// calls the assertion handler of <qdxcore/status.h>. An operation that fails leaves the reference
+/// unchanged, except SetPath. Copies share the namespace, the class and an instance already
+/// fetched, and own the rest. Not synchronised: one thread only.
 ///
 ///   TCIMReference disk(cimv2, "CIM_DiskDrive.DeviceID=\"sda\",SystemName=\"host\"", {});
 ///   boost::shared_ptr<ICIMElement> found = disk.GetCIMElement();
 ///
-/// In the text every value is quoted, numbers too; a backslash quotes a double quote or a
-/// backslash. The path of a reference-valued key is put between its quotes as it is:
-/// `A_Link.From="A_Disk.Id="7"",To="A_Bus.Id="1""`. The end of the text closes such a path too:
-/// `A_Link.From="A_Disk.Id="7"` is accepted. White space counts as it stands.
+/// In a path every value is quoted, including numbers; a backslash escapes a double quote or a
+/// backslash. The path in a reference-valued key is quoted without escapes:
+/// `A_Link.From="A_Disk.Id="7"",To="A_Bus.Id="1""`. The end of the text also closes such a path:
+/// `A_Link.From="A_Disk.Id="7"` is accepted. White space is significant.
 class QDXCORE_EXPORT TCIMReference {
  public:
-  /// An empty path bound to a namespace, which may be null. The options go to every class lookup.
+  /// An empty path in a namespace, which may be null. Every class lookup gets the options.
   TCIMReference(boost::shared_ptr<ICIMNamespace> ns, TOptionsMap options);
-  /// The same, then SetPath(path).
+  /// The same, followed by SetPath(path).
   TCIMReference(boost::shared_ptr<ICIMNamespace> ns, const std::string& path, TOptionsMap options);
   TCIMReference(const TCIMReference& other);
   TCIMReference& operator=(const TCIMReference& other);
   ~TCIMReference();
 
-  /// Not checked against what is set already.
+  /// Allowed at any time; a class and keys that are set are not checked against the namespace.
   void SetNamespace(boost::shared_ptr<ICIMNamespace> ns);
   boost::shared_ptr<ICIMNamespace> GetNamespace() const;
 
-  /// Drops all but the options; SetNamespace comes next.
+  /// Drops everything except the options; call SetNamespace next.
   void Clear();
 
-  /// Reads a path; the class comes from the namespace, the type of each key from the class. Needs a
-  /// namespace, and neither class nor keys.
-  /// Bad text is logged and throws kQDXStatusInvalidReference, and so do references nested more
-  /// than 1000 deep. What the namespace and the values throw passes out. Class and keys that were
-  /// read before the fault stay.
+  /// Parses a path; the class comes from the namespace, the type of each key from the class.
+  /// Needs a namespace, no class and no keys. Logs invalid text, or references nested more than
+  /// 1000 deep, and throws kQDXStatusInvalidReference. Exceptions of the namespace and the values
+  /// propagate. The class and the keys that were read before the error stay set.
   void SetPath(const std::string& path);
-  /// Asks the namespace for the class; what it returns is stored, null included.
+  /// Looks up the class in the namespace, and stores the result, even null.
   void SetClassName(const std::string& name);
-  /// Only while there are no keys; null is stored as given.
+  /// Allowed only without keys. `cimClass` may be null.
   void SetClass(boost::shared_ptr<ICIMClass> cimClass);
-  /// Throws kQDXStatusInvalidReference if there is none.
+  /// Throws kQDXStatusInvalidReference if there is no class.
   boost::shared_ptr<ICIMClass> GetClass() const;
   std::string GetClassName() const;
 
-  /// Binds a property that the class declares; whether it is a key is not asked. A name that is
-  /// bound already keeps its first value. A value of another type than declared is logged and
-  /// throws kQDXStatusTypeMismatch.
+  /// Binds a property that the class declares, whether or not it is a key. A name that is already
+  /// bound keeps its first value. Logs a value of another type than declared, and throws
+  /// kQDXStatusTypeMismatch.
   void AddKeyValue(const std::string& name, const TCIMValue& value);
-  /// In ascending bytewise order of the names. The callback must not clear or assign the reference.
+  /// Enumerates the key bindings in ascending bytewise order of the names. The callback must not
+  /// clear or assign the reference.
   void EnumerateKeyBindings(const TKeyBindingCallback& callback) const;
 
-  /// The path as SetPath reads it, keys in ascending bytewise order. Reals have six digits, so they
-  /// may come back as another; a reference-valued key that names a class does not come back, since
-  /// the name of a class runs to the end of the text. A null key value throws
-  /// kQDXStatusValueIsNULL.
+  /// Returns the path in the form that SetPath parses, with the keys in ascending bytewise order.
+  /// Reals have six digits, so SetPath may read another number. SetPath cannot read back a
+  /// reference-valued key that names a class, because the name of a class extends to the end of the
+  /// text. A null key value throws kQDXStatusValueIsNULL.
   std::string GetPath() const;
 
-  /// The class when there are no keys; else the instance, fetched once and kept until Clear.
-  /// Throws kQDXStatusNotFound if the class has no such instance.
+  /// Returns the class if there are no keys, otherwise the instance, which is fetched once and kept
+  /// until Clear. Throws kQDXStatusNotFound if the class has no such instance.
   boost::shared_ptr<ICIMElement> GetCIMElement() const;
 
-  /// The very same class object and equal key bindings. Namespaces and options are not compared.
+  /// Returns whether both have the same class object and equal key bindings. Namespaces and options
+  /// are not compared.
   bool operator==(const TCIMReference& other) const;
-  /// Within one class by the key bindings; else an arbitrary order, stable within the process.
+  /// Orders references of one class by their key bindings; of different classes arbitrarily, but
+  /// consistently within the process.
   bool operator<(const TCIMReference& other) const;
   bool operator!=(const TCIMReference& other) const { return !(*this == other); }
   bool operator>(const TCIMReference& other) const { return other < *this; }
   bool operator<=(const TCIMReference& other) const { return !(other < *this); }
   bool operator>=(const TCIMReference& other) const { return !(*this < other); }
 
-  /// Owned by this object, and valid until it is assigned or destroyed.
+  /// Returns the body, which this object owns; valid until this object is assigned or destroyed.
   TCIMReferenceImpl* GetBody() const { return fBody.get(); }
 
  private:
@@ -130,10 +132,11 @@ class QDXCORE_EXPORT TCIMReferenceImpl {
   bool operator==(const TCIMReference& other) const;
   bool operator<(const TCIMReference& other) const;
 
-  /// Reads a path into `target`, with the namespace and options of this body.
+  /// Parses a path into `target`, with the namespace and options of this body.
   ///
-  /// `position` 0 means a path of its own; any other value means a nested path whose opening double
-  /// quote stands there. It is left at the end, or on the nested path's closing quote.
+  /// `position` is 0 for the whole text; any other value is the index of the opening double quote
+  /// of a nested path. On return it is at or beyond the end of the text, or the index of the nested
+  /// path's closing quote.
   void ParsePath(TCIMReferenceImpl* target, const std::string& path, std::uint64_t& position);
 
  private:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The registry of namespace providers, and the way to the objects of which a process has one.
+/// The registry of namespace providers, and access to the singletons of the process.
 #ifndef QDXCORE_REGISTRY_H_
 #define QDXCORE_REGISTRY_H_
 
@@ -16,19 +16,20 @@ namespace NVORNQDX20 {
 
 class ILogger;
 
-/// Keeps every provider under the name that it gives itself, until the process ends.
+/// Holds every provider under the name that its GetName() returns, until the process ends.
 /// Not synchronised: one thread only.
 class QDXCORE_EXPORT INamespaceProviderManager {
  public:
   virtual ~INamespaceProviderManager();
-  /// A name that is taken stays with the first provider; the newcomer is dropped without a word.
-  /// What the provider's GetName throws passes out.
+  /// Registers a provider. If the name is taken, the first provider keeps it, and the new one is
+  /// dropped silently. Exceptions of the provider's GetName() propagate.
   virtual void RegisterNamespaceProvider(boost::shared_ptr<INamespaceProvider> provider) = 0;
-  /// The case of the name counts. An unknown name is logged and throws kQDXStatusNotFound.
+  /// Returns the provider with this name, which is case-sensitive. Logs an unknown name and throws
+  /// kQDXStatusNotFound.
   virtual boost::shared_ptr<INamespaceProvider> GetNamespaceProvider(
       const std::string& name) const = 0;
-  /// In ascending bytewise order of the names; a callback that returns false ends it. The callback
-  /// is a variable, since a temporary does not bind:
+  /// Calls back for each provider in ascending bytewise order of the names, until the callback
+  /// returns false. The callback must be a variable, because the parameter binds to no temporary:
   ///
   ///   boost::function<bool(boost::shared_ptr<INamespaceProvider>)> print = [](auto provider) {
   ///     std::cout << provider->GetName({}) << '\n';
@@ -39,10 +40,10 @@ class QDXCORE_EXPORT INamespaceProviderManager {
       boost::function<bool(boost::shared_ptr<INamespaceProvider>)>& callback) const = 0;
 };
 
-/// The one registry of the process.
+/// The registry of the process, a singleton.
 class QDXCORE_EXPORT TNamespaceProviderManager : public INamespaceProviderManager {
  public:
-  /// Creates the registry on the first call.
+  /// Returns the registry; the first call creates it.
   static boost::shared_ptr<TNamespaceProviderManager> GetInstance();
 
   ~TNamespaceProviderManager() override;
@@ -63,24 +64,24 @@ class QDXCORE_EXPORT TNamespaceProviderManager : public INamespaceProviderManage
   std::map<std::string, boost::shared_ptr<INamespaceProvider>> fProviders;
 };
 
-/// The way to what a process has one of.
+/// Gives access to the singletons of the process.
 class QDXCORE_EXPORT TRootObject {
  public:
   TRootObject() = delete;
 
-  /// Null before TLogger::Initialize() and after that logger was deleted; LogMessage() in
-  /// <qdxcore/logger.h> takes care of that.
+  /// Returns the logger; null before TLogger::Initialize() and after that logger was deleted.
+  /// LogMessage() in <qdxcore/logger.h> handles null.
   static ILogger* GetCoreLogger();
   static boost::shared_ptr<INamespaceProviderManager> GetNamespaceProviderManager();
 };
 
-/// Registers what `make` returns. False if that failed, whatever was thrown; "Failed to register a
-/// provider: " and the reason are logged as an error.
+/// Registers the provider that `make` returns. Returns false after any exception, and logs "Failed
+/// to register a provider: " and the reason as an error.
 QDXCORE_EXPORT bool RegisterProvider(boost::shared_ptr<INamespaceProvider> (*make)()) noexcept;
 
-/// Makes a provider and registers it, for the initialiser of a global in a plug-in. That runs while
-/// the library is loaded, where an exception would end the process: so this returns false instead,
-/// and whoever looks for the provider finds it missing.
+/// Creates a provider and registers it. For the initialiser of a global variable in a plug-in: it
+/// runs while the library is loaded, where an exception would end the process. So a failure is
+/// logged and returned as false, and the provider is missing from the registry.
 ///
 ///   [[maybe_unused]] const bool kRegistered = RegisterProvider<TMyProvider>();
 template <typename TProvider>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Status codes, the one exception that carries them, and the assertion handler.
+/// Status codes, the exceptions that carry them, and the assertion handler.
 ///
-/// Every failure of the library is a thrown TQDXException; there is no other error channel.
+/// The library reports every failure by throwing a TQDXException; there is no other error channel.
 ///
 ///   try {
 ///     namespaceToRead->GetClass("CIM_Fan", {});
@@ -20,13 +20,13 @@
 
 namespace NVORNQDX20 {
 
-/// The codes. Values and order are part of the binary contract; append nothing before the end
-/// marker without a new major version.
+/// The status codes. Values and order are part of the binary contract: a new code before the end
+/// marker requires a new major version.
 enum EQDXStatusCode : std::int32_t {
   kQDXStatusOK = 0,
   kQDXStatusNotImplemented,
   kQDXStatusUnknownClass,
-  kQDXStatusFail,  ///< No closer code fits; also a failed internal assertion.
+  kQDXStatusFail,  ///< No other code fits; also a failed assertion.
   kQDXStatusOutOfMemory,
   kQDXStatusNoMoreItems,
   kQDXStatusErrorCollectingClass,
@@ -40,7 +40,7 @@ enum EQDXStatusCode : std::int32_t {
   kQDXStatusTypeMismatch,
   kQDXStatusNotFound,
   kQDXStatusAlreadyExists,
-  kQDXStatusInvalidOpSequence,  ///< The operation is right, but not now: see the class's rules.
+  kQDXStatusInvalidOpSequence,  ///< The operation is not allowed in this state of the object.
   kQDXStatusInvalidInstance,
   kQDXStatusCorruptedContainer,
   kQDXStatusInvalidPlugin,
@@ -62,27 +62,27 @@ enum EQDXStatusCode : std::int32_t {
   kQDXStatusInvalidFormat,
   kQDXStatusContainerMismatch,
   kQDXStatusRequiredContextMissing,
-  prqStatusEnd  ///< How many codes there are; never the status of anything.
+  prqStatusEnd  ///< The number of codes; never used as a status.
 };
 
-/// The text of each code, its enumerator's own name, at the index of its value.
-/// Filled when the library is loaded, never changed.
+/// The text of each code, at the index of its value: the enumerator's name.
+/// Initialised when the library is loaded; constant.
 extern QDXCORE_EXPORT const std::string kQDXErrorMessages[prqStatusEnd + 1];
 
-/// A status code as a value: made from the enumeration implicitly, and back.
+/// A status code as an object, which converts implicitly from and to the enumeration.
 class QDXCORE_EXPORT TQDXStatusCode {
  public:
   TQDXStatusCode(EQDXStatusCode code) noexcept : fCode(code) {}
   operator EQDXStatusCode() const noexcept { return fCode; }
 
-  /// The enumerator's name. Not range-checked: the code must be one of EQDXStatusCode.
+  /// Returns the enumerator's name. REQUIRES: the code is one of EQDXStatusCode.
   const std::string& TranslateStatusCode() const noexcept;
 
  private:
   EQDXStatusCode fCode;
 };
 
-/// The exception of the library, and the one that plug-ins report their failures with.
+/// The exception with which the library and plug-ins report failures.
 class QDXCORE_EXPORT TQDXException : public std::exception {
  public:
   explicit TQDXException(TQDXStatusCode code) noexcept : fCode(code) {}
@@ -90,7 +90,8 @@ class QDXCORE_EXPORT TQDXException : public std::exception {
   TQDXException& operator=(const TQDXException&) noexcept = default;
   ~TQDXException() override;
 
-  /// The name of the code, for example "kQDXStatusNotFound"; valid as long as the library is.
+  /// Returns the name of the code, for example "kQDXStatusNotFound". Valid while the library is
+  /// loaded.
   const char* what() const noexcept override;
 
   TQDXStatusCode GetStatusCode() const noexcept { return fCode; }
@@ -99,12 +100,12 @@ class QDXCORE_EXPORT TQDXException : public std::exception {
   TQDXStatusCode fCode;
 };
 
-/// One that says what it is about, where the code alone would leave its reader guessing:
+/// A TQDXException with a reason in words:
 ///
 ///   throw TExplainedException(kQDXStatusNotFound, "class CIM_Fan has no property \"Sped\"");
 ///
-/// LogErrorAndThrow() in <qdxcore/logger.h> logs the reason as well. A plain throw, which logs
-/// nothing, is for who cannot know whether it is a failure or just the answer to a question.
+/// LogErrorAndThrow() in <qdxcore/logger.h> logs the reason as well. A plain throw does not log:
+/// use it where "not found" may be an expected result for the caller.
 class QDXCORE_EXPORT TExplainedException : public TQDXException {
  public:
   TExplainedException(TQDXStatusCode code, std::string reason)
@@ -113,14 +114,14 @@ class QDXCORE_EXPORT TExplainedException : public TQDXException {
   TExplainedException& operator=(const TExplainedException&) = default;
   ~TExplainedException() override;
 
-  /// In one line; what() is the name of the code, as always.
+  /// Returns the reason, one line of text. what() is still the name of the code.
   const std::string& GetReason() const noexcept { return fReason; }
 
  private:
   std::string fReason;
 };
 
-/// Thrown for a failed assertion when QDX_BOOST_ASSERT is "throwboost"; what() is the message.
+/// Thrown for a failed assertion if QDX_BOOST_ASSERT is "throwboost"; what() is the message.
 class QDXCORE_EXPORT TBoostAssertException : public std::exception {
  public:
   explicit TBoostAssertException(const std::string& message) : fMessage(message) {}
@@ -141,17 +142,17 @@ namespace boost {
 /// Boost calls this when an assertion fails, for example when a null shared_ptr is dereferenced.
 ///
 /// The message is "Boost assertion failure! FILE:LINE [EXPR] func = FUNCTION"; it is logged as an
-/// error if there is a logger. Then the environment variable QDX_BOOST_ASSERT, read anew at every
-/// failure, decides:
-///   "throwqdx"   throw TQDXException with kQDXStatusFail; also when the variable is not set
-///   "throwboost" throw TBoostAssertException
-///   "trap"       report on standard error and return: the failed operation goes on and crashes
-///   "exit"       report on standard error and exit(1), so that exit handlers run
-/// Anything else is reported on standard error and treated as "throwqdx".
+/// error if there is a logger. Then the environment variable QDX_BOOST_ASSERT, read again at every
+/// failure, selects the effect:
+///   "throwqdx"   throws TQDXException with kQDXStatusFail; the default if the variable is not set
+///   "throwboost" throws TBoostAssertException
+///   "trap"       prints to standard error and returns: the failed operation continues and crashes
+///   "exit"       prints to standard error and calls exit(1), so that exit handlers run
+/// Any other value is reported to standard error and treated as "throwqdx".
 QDXCORE_EXPORT void assertion_failed(char const* expr, char const* function, char const* file,
                                      long line);
 
-/// The same for assertions that carry a text of their own; the text follows the expression.
+/// The same for assertions with a text of their own, which follows the expression in the message.
 QDXCORE_EXPORT void assertion_failed_msg(char const* expr, char const* msg, char const* function,
                                          char const* file, long line);
 

@@ -26,21 +26,21 @@ class TCIMValueImpl;
 
 /// One CIM property, parameter or key value: null, a scalar, or an array of scalars.
 ///
-/// Copies are deep. Not synchronised: one thread only. All failures throw TQDXException.
+/// Copies are deep. Not synchronised: one thread only. Failures throw TQDXException.
 ///
 ///   TCIMValue speed(std::uint32_t{7200});
 ///   std::uint32_t rpm = speed;    // 7200
-///   int wrong = speed;            // throws kQDXStatusTypeMismatch: it is no sint32
-///   TCIMValue unknown(TCIMValue::TCIMType::kCIMTypeUint32, 0);  // null, but typed
+///   int wrong = speed;            // throws kQDXStatusTypeMismatch: the type is not sint32
+///   TCIMValue unknown(TCIMValue::TCIMType::kCIMTypeUint32, 0);  // null, of type uint32
 ///
-/// The compiler must know which native type is meant. Initialise a string, or name the type, since
-/// `text = value` is ambiguous; compare with a value, since `speed == 7200U` is:
+/// The compiler must know the native type: `text = value` and `speed == 7200U` are ambiguous.
+/// Initialise a string or name the type, and compare with a value:
 ///
 ///   std::string text = name;
 ///   text = std::string(name);
 ///   if (speed == TCIMValue(7200U)) ...
 ///
-/// A value converts to the one native type of its CIM type, and to no other:
+/// A value converts only to the native type of its CIM type:
 ///
 ///   boolean bool               uint32  unsigned int     real32    float
 ///   uint8   unsigned char      sint32  int              real64    double
@@ -53,9 +53,9 @@ class QDXCORE_EXPORT TCIMValue {
   /// The type of a value: a CIM intrinsic type, with or without the array flag.
   class QDXCORE_EXPORT TCIMType {
    public:
-    /// The numbers order values of different types and are part of the binary contract.
+    /// The numbers determine the order of values of different types. Part of the binary contract.
     enum ECIMType : std::uint32_t {
-      kCIMTypeNone = 0,        ///< A value that was never given a type.
+      kCIMTypeNone = 0,        ///< No type: the type of a default-constructed value.
       kCIMTypeBoolean = 1,     ///< "boolean"
       kCIMTypeUint8 = 2,       ///< "uint8"
       kCIMTypeSint8 = 3,       ///< "sint8"
@@ -67,39 +67,40 @@ class QDXCORE_EXPORT TCIMValue {
       kCIMTypeSint64 = 9,      ///< "sint64"
       kCIMTypeReal32 = 10,     ///< "real32"
       kCIMTypeReal64 = 11,     ///< "real64"
-      kCIMTypeChar = 12,       ///< "char": always null, never read, and it cannot be copied. So
-                               ///< copying a namespace that declares one fails.
+      kCIMTypeChar = 12,       ///< "char": always null; cannot be parsed or copied, so copying a
+                               ///< namespace that declares one fails.
       kCIMTypeString = 13,     ///< "string"
       kCIMTypeDateTime = 14,   ///< "datetime"
       kCIMTypeReference = 15,  ///< "reference"
-      kCIMTypeArray = 16       ///< A flag, combined with one of the above.
+      kCIMTypeArray = 16       ///< A flag, combined with one of the types.
     };
 
     TCIMType(ECIMType type) noexcept : fType(type) {}
-    /// From a combination such as kCIMTypeUint8 | kCIMTypeArray, or 0; not checked.
+    /// From a combination such as kCIMTypeUint8 | kCIMTypeArray, or from 0; not checked.
     TCIMType(unsigned int type) noexcept : fType(static_cast<ECIMType>(type)) {}
-    /// From a keyword, in whatever case. "char", blanks and array brackets are not read; what is
-    /// not read makes kCIMTypeNone.
+    /// From a keyword, without regard to case. Gives kCIMTypeNone for any other text, including
+    /// "char" and keywords with blanks or array brackets.
     explicit TCIMType(std::string keyword);
 
-    /// The code as stored, array flag included.
+    /// Returns the code as stored, including the array flag.
     operator ECIMType() const noexcept { return fType; }
 
-    /// The keyword of the element type: an array of uint8 is "uint8" too.
-    /// Throws kQDXStatusTypeMismatch if there is none.
+    /// Returns the keyword of the element type: "uint8" for an array of uint8, too.
+    /// Throws kQDXStatusTypeMismatch if the type has no keyword.
     std::string ToString() const;
 
    private:
     ECIMType fType;
   };
 
-  // What would silently become a number or a boolean is refused; the constructors need to know it.
+  // Declared before the constructors, which refuse types that would convert to a number or a
+  // boolean silently.
  private:
   template <typename T, typename... TOther>
   static constexpr bool kIsOneOf = (std::is_same_v<T, TOther> || ...);
 
-  /// Characters, enumerators, pointers, and objects that convert to a number; not C strings, and
-  /// no object that is or converts to text, a date-time or a reference.
+  /// Matches characters, enumerators, pointers, and objects that convert to a number. Does not
+  /// match C strings, or objects that are or convert to text, a date-time or a reference.
   template <typename T>
   using TMistakenForANumber =
       std::enable_if_t<std::is_null_pointer_v<T> ||
@@ -112,7 +113,7 @@ class QDXCORE_EXPORT TCIMValue {
                         !std::is_convertible_v<T*, const TCIMReference*>)>;
 
  public:
-  /// Null, of no type.
+  /// A null value of no type.
   TCIMValue();
   TCIMValue(bool value);
   TCIMValue(unsigned char value);
@@ -129,39 +130,40 @@ class QDXCORE_EXPORT TCIMValue {
   /// A null pointer throws kQDXStatusValueIsNULL.
   TCIMValue(const char* value);
   TCIMValue(const TCIMDateTime& value);
-  /// Takes the referenced class from the reference, which must have one.
+  /// Equivalent to Set(value): takes the referenced class from the reference, which must have one.
   TCIMValue(TCIMReference& value);
-  /// Null, of a type. A size other than 0 makes it an array of that type.
+  /// A null value of a type. A size other than 0 makes it an array of that type.
   TCIMValue(TCIMType type, unsigned int maxArraySize);
-  /// As Set with the same arguments.
+  /// Equivalent to Set with the same arguments.
   TCIMValue(TCIMType elementType, unsigned int maxArraySize,
             const std::vector<TCIMValue>& elements);
-  /// A scalar from its text.
+  /// Parses a scalar.
   ///
-  /// Integers take a C prefix (0x, 0) and, like reals, end at the first character that does not
-  /// belong to them; what cannot be read, or does not fit, is 0 or false. But uint8 and sint8 are
-  /// read as 32-bit numbers, of which they keep the low byte; and a minus sign makes uint64 wrap,
-  /// and the other unsigned types 0. Strings are taken as they stand, date-times in their DMTF
-  /// form, references as an object path in `ns`, which nothing else looks at. Throws
-  /// kQDXStatusTypeMismatch for arrays and for types that cannot be read, and what the date-time
-  /// and the object path throw.
+  /// Integers may have a C prefix (0x, 0); integers and reals end at the first character that is
+  /// not part of the number. A number or boolean that cannot be parsed or does not fit is 0 or
+  /// false. Exceptions: uint8 and sint8 are the low byte of a 32-bit number; with a minus sign
+  /// uint64 wraps, and the other unsigned types are 0. Strings are taken unchanged, date-times have
+  /// the DMTF form, and references are object paths in `ns`, which is not used for other types.
+  /// Throws kQDXStatusTypeMismatch for arrays and for types that cannot be parsed, and the
+  /// exceptions of date-times and object paths.
   TCIMValue(TCIMType type, std::string& text, boost::shared_ptr<ICIMNamespace> ns);
 
-  /// Refused: a status code, a type, an enumerator, a character, a pointer, an object that merely
-  /// converts to a number. Say what it is to be: TCIMValue(static_cast<std::uint32_t>(colour)).
+  /// Refuses a status code, a type, an enumerator, a character, a pointer, and an object that only
+  /// converts to a number. Cast instead: TCIMValue(static_cast<std::uint32_t>(colour)).
   template <typename T, typename = TMistakenForANumber<T>>
   TCIMValue(T) = delete;
 
-  /// As Set(other) on a null value of no type.
+  /// Equivalent to Set(other) on a null value of no type.
   TCIMValue(const TCIMValue& other);
-  /// The result of a copy, without the copying; the other value is null then.
+  /// Gives the same value as the copy constructor, without copying; `other` becomes null.
   TCIMValue(TCIMValue&& other) noexcept;
-  /// As Set(other). There is no move assignment: what assignment leaves alone can be seen.
+  /// Equivalent to Set(other). There is no move assignment, because Set(other) keeps parts of the
+  /// old value, which callers can observe.
   TCIMValue& operator=(const TCIMValue& other);
   ~TCIMValue();
 
-  /// Exchanges all of two values, whatever their types. std::swap does the same. Neither may be an
-  /// element of the other.
+  /// Exchanges two values of any types; std::swap does the same. REQUIRES: neither is an element of
+  /// the other.
   friend void swap(TCIMValue& left, TCIMValue& right) noexcept {
     std::swap(left.fType, right.fType);
     left.fImpl.swap(right.fImpl);
@@ -169,8 +171,8 @@ class QDXCORE_EXPORT TCIMValue {
     std::swap(left.fMaxArraySize, right.fMaxArraySize);
   }
 
-  // Each takes the mapped type, without array flag, and the value; maximum array size and
-  // referenced class stay as they were.
+  // Each sets the mapped type, without the array flag, and the value; the maximum array size and
+  // the referenced class stay unchanged.
   void Set(bool value);
   void Set(unsigned char value);
   void Set(signed char value);
@@ -185,44 +187,44 @@ class QDXCORE_EXPORT TCIMValue {
   void Set(const std::string& value);
   void Set(const char* value);
   void Set(const TCIMDateTime& value);
-  /// Also takes the reference's class; throws kQDXStatusInvalidReference, changing nothing, if it
-  /// has none.
+  /// Also sets the referenced class. If the reference has no class, throws
+  /// kQDXStatusInvalidReference and changes nothing.
   void Set(TCIMReference& value);
   template <typename T, typename = TMistakenForANumber<T>>
   void Set(T) = delete;
 
-  /// Makes it an array. The number of elements is not held against maxArraySize. An element of
+  /// Makes this an array. The number of elements is not compared with `maxArraySize`. An element of
   /// another type is logged and throws kQDXStatusInvalidProperty, one of no type throws
-  /// kQDXStatusTypeMismatch; the value keeps the array, that element included. An element that
+  /// kQDXStatusTypeMismatch; the array is set nevertheless, including that element. An element that
   /// cannot be copied, a null of type char, throws kQDXStatusTypeMismatch and changes nothing.
   void Set(TCIMType elementType, unsigned int maxArraySize, const std::vector<TCIMValue>& elements);
 
-  /// Copies. Does nothing at all if the two already compare equal. Takes the maximum size for
-  /// arrays only, and the referenced class for references only.
-  /// A null value of a type that holds nothing (none, char, a code that is no type) throws
-  /// kQDXStatusTypeMismatch, and leaves this one null and of that type, unless the two compare
-  /// equal. The comparison may throw too (a point in time against an interval, a date-time that is
-  /// itself null), and so may the copy of an array's elements; this value is unchanged then.
+  /// Copies `other`, but does nothing if the two compare equal. The maximum size is copied only for
+  /// arrays, the referenced class only for references.
+  /// If `other` is a null value of a type that cannot hold content (none, char, an invalid code)
+  /// and the two differ, this value becomes null and of that type, and kQDXStatusTypeMismatch is
+  /// thrown. The comparison can throw (a point in time and an interval, a null date-time), and so
+  /// can copying the elements of an array; this value is unchanged then.
   void Set(const TCIMValue& other);
 
-  /// Makes it null, of exactly this type; the size is taken only with the array flag. The
-  /// referenced class stays.
+  /// Makes the value null, of exactly this type. The size is set only if the type has the array
+  /// flag; the referenced class stays unchanged.
   void SetNullValue(TCIMType::ECIMType type, unsigned int maxArraySize);
 
-  /// Only on a null value; throws kQDXStatusInvalidOpSequence on any other.
+  /// Throws kQDXStatusInvalidOpSequence unless the value is null.
   void SetReferencedClass(boost::shared_ptr<ICIMClass> referencedClass);
 
   bool IsNull() const noexcept { return !fImpl; }
   bool IsArray() const noexcept { return (fType & TCIMType::kCIMTypeArray) != 0; }
-  /// A scalar reference, null or not; an array of references is none.
+  /// Returns whether this is a scalar reference, null or not; false for an array of references.
   bool IsReference() const noexcept { return fType == TCIMType::kCIMTypeReference; }
   TCIMType GetType() const noexcept { return fType; }
-  /// As given, 0 for no limit; never enforced.
+  /// Returns the size as given, 0 for no limit; it is never enforced.
   unsigned int GetMaxArraySize() const noexcept { return fMaxArraySize; }
-  /// Null unless something set one.
+  /// Returns null if no referenced class was set.
   boost::shared_ptr<ICIMClass> GetReferencedClass() const { return fReferencedClass; }
 
-  // A null value throws kQDXStatusValueIsNULL, any other type than the mapped one
+  // Conversions. A null value throws kQDXStatusValueIsNULL, a type other than the mapped one
   // kQDXStatusTypeMismatch.
   operator bool() const;
   operator unsigned char() const;
@@ -238,30 +240,32 @@ class QDXCORE_EXPORT TCIMValue {
   operator std::string() const;
   operator TCIMDateTime() const;
   operator TCIMReference() const;
-  /// The elements themselves, to be changed in place; valid until the value is set again.
+  /// Returns the elements themselves, which may be changed in place; valid until the value is set
+  /// again.
   operator std::vector<TCIMValue>&() const;
 
-  /// Same type and same content; of null values also the maximum size of arrays and the identity
-  /// of the referenced class. The maximum size of arrays that are not null is not compared.
+  /// Returns whether type and content are the same. For null values, also compares the maximum size
+  /// of arrays and the identity of the referenced class of scalar references. Ignores the maximum
+  /// size of arrays that are not null.
   bool operator==(const TCIMValue& other) const;
   bool operator!=(const TCIMValue& other) const;
-  /// Null first, then by type code, then by content. Two arrays of one type throw
-  /// kQDXStatusNotImplemented.
+  /// Orders null values first, then by type code, then by content. Comparing two arrays of one type
+  /// throws kQDXStatusNotImplemented.
   bool operator<(const TCIMValue& other) const;
   bool operator>(const TCIMValue& other) const;
   bool operator>=(const TCIMValue& other) const;
   bool operator<=(const TCIMValue& other) const;
 
-  /// The value as text: strings as they are, arrays as "{ a, b }".
+  /// Returns the value as text: strings unchanged, arrays as "{ a, b }".
   ///
-  /// `radix` is 10, 16 (upper case, padded to the width of the type) or 8; any other makes a
-  /// number or a boolean throw kQDXStatusNotSupported, and so do 16 and 8 with signed types and
-  /// reals. A null value, or a null element, throws kQDXStatusValueIsNULL; what a date-time or a
-  /// reference throws for its text passes out.
+  /// `radix` is 10, 16 (upper case, padded to the width of the type) or 8. For numbers and booleans
+  /// any other radix throws kQDXStatusNotSupported; for signed types and reals 16 and 8 do as well.
+  /// A null value or element throws kQDXStatusValueIsNULL. Exceptions of ToString of a date-time
+  /// and GetPath of a reference propagate.
   std::string ToString(unsigned char radix) const;
 
  private:
-  friend class TCIMValueImpl;  // a payload compares itself with another value's
+  friend class TCIMValueImpl;  // to compare the payloads of two values
 
   template <typename T>
   T Convert() const;
@@ -270,22 +274,22 @@ class QDXCORE_EXPORT TCIMValue {
   void DropWhatCopiesDrop() noexcept;
 
   TCIMType fType;
-  std::unique_ptr<TCIMValueImpl> fImpl;  // the payload; none in a null value
+  std::unique_ptr<TCIMValueImpl> fImpl;  // the payload; null if the value is null
   boost::shared_ptr<ICIMClass> fReferencedClass;
   unsigned int fMaxArraySize;
 };
 
-/// Writes the keyword; throws as TCIMType::ToString does.
+/// Writes the keyword; throws like TCIMType::ToString.
 QDXCORE_EXPORT std::ostream& operator<<(std::ostream& stream, const TCIMValue::TCIMType& type);
 
-/// Named options, the last argument of many operations. The core passes it empty.
+/// Named options, the last argument of many operations. The library passes them empty.
 using TOptionsMap = std::map<std::string, TCIMValue>;
 
 }  // namespace NVORNQDX20
 
 namespace std {
 
-// The general one assigns, and an assignment may do nothing, or fail half-way.
+// The primary template would assign, but assignment may do nothing, or fail after a change.
 template <>
 inline void swap(NVORNQDX20::TCIMValue& left, NVORNQDX20::TCIMValue& right) {
   swap(left, right);  // the friend: a function is preferred to a template
