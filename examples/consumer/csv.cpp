@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A consumer: every value of every instance of a namespace, as lines of comma-separated values.
+// A consumer that writes every value of every instance of a namespace as comma-separated values.
 #include <qdxcore/interfaces.h>
 #include <qdxcore/logger.h>
 
@@ -11,7 +11,7 @@ using namespace NVORNQDX20;
 
 namespace {
 
-/// In quotes, with the quotes inside doubled (RFC 4180).
+/// Returns the text in quotes, with quotes inside doubled (RFC 4180).
 std::string Quoted(const std::string& text) {
   std::string quoted = "\"";
   for (const char character : text) quoted.append(character == '"' ? 2 : 1, character);
@@ -69,8 +69,8 @@ class TCSVConsumer : public INamespaceConsumer {
  public:
   const std::string& GetName(TOptionsMap) const override { return fName; }
 
-  /// Option "file" names the file that is written, "-" is standard output. Where "more" is true,
-  /// another namespace follows for the same file.
+  /// Option "file" names the file to write, "-" is standard output. If option "more" is true,
+  /// another namespace for the same file follows.
   void Consume(boost::shared_ptr<ICIMNamespace> ns, TOptionsMap options) override {
     const auto option = options.find("file");
     if (option == options.end()) {
@@ -78,12 +78,12 @@ class TCSVConsumer : public INamespaceConsumer {
     }
     const std::string name = option->second;
     const auto mode = fContinues ? std::ios::app : std::ios::trunc;
-    fContinues = false;  // after a failure all begins anew
+    fContinues = false;  // after a failure the next call starts the file again
     std::ofstream file;
     if (name != "-") file.open(name, std::ios::binary | mode);
     std::ostream& output = name == "-" ? std::cout : file;
     TCSVWriter(output).WriteNamespace(*ns);
-    // Buffered lines may fail as late as here.
+    // Errors of buffered writes appear only now.
     if (!output.flush()) LogErrorAndThrow(kQDXStatusFileSystemError, {"cannot write ", name});
     const auto more = options.find("more");
     fContinues = more != options.end() && static_cast<bool>(more->second);

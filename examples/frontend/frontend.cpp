@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// A front-end: takes what provider "loadaverage" tells to consumer "csv", and
-// sees the exception of a misuse cross the library's boundary by its type.
+// A front-end: passes a namespace of provider "loadaverage" to consumer "csv", then catches an
+// exception that a plug-in throws for an unknown namespace.
 #include <qdxcore/os_specific.h>
 #include <qdxcore/registry.h>
 #include <qdxcore/status.h>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// A provider: the load average of this machine, in a namespace of its own.
+// A provider that publishes the load average of this machine in a namespace of its own.
 //
-// The repository implements the interfaces of the object model; what is left to do is to declare a
-// class, to fill an instance, and to register.
+// The repository implements the interfaces of the object model. The provider declares a class, adds
+// an instance, and registers itself.
 #include <qdxcore/logger.h>
 #include <qdxcore/registry.h>
 #include <qdxrepository/repository.h>
@@ -27,7 +27,8 @@ struct TLoad {
   std::uint32_t fProcesses;
 };
 
-/// "0.52 0.58 0.59 2/345 12345": three averages, running and all processes, the newest process.
+/// Parses "0.52 0.58 0.59 2/345 12345": three averages, the numbers of running processes and of all
+/// processes, and the newest process ID.
 TLoad ReadLoad(const std::string& fileName) {
   std::ifstream file(fileName);
   file.imbue(std::locale::classic());
@@ -36,7 +37,7 @@ TLoad ReadLoad(const std::string& fileName) {
   char slash = 0;
   file >> load.fOneMinute >> load.fFiveMinutes >> load.fFifteenMinutes >> running >> slash >>
       load.fProcesses;
-  // The caller shows this reason to the operator.
+  // qdx prints this reason.
   if (!file) LogErrorAndThrow(kQDXStatusFileSystemError, {"cannot read ", fileName});
   return load;
 }
@@ -46,7 +47,7 @@ boost::shared_ptr<ICIMClass> DeclareClass(ICIMNamespace& ns) {
   key->Commit();
 
   auto load = ns.CreateClass("Example_LoadAverage", nullptr, {});
-  // A null value gives the type alone.
+  // A null value only gives the type.
   const auto name = load->CreatePropertyDecl("Name", TCIMValue(TType::kCIMTypeString, 0), {});
   name->AddQualifier(key, true)->Commit();
   name->Commit();
@@ -72,8 +73,8 @@ class TLoadAverageProvider : public INamespaceProvider {
  public:
   const std::string& GetName(TOptionsMap) const override { return fName; }
 
-  /// Made anew by each call: the namespace shows the machine as it is now. Option "root" names the
-  /// folder below which all files are read, where it is not this machine that is described.
+  /// Creates a new namespace in each call, so that it shows the current state. Option "root" names
+  /// the folder below which all files are read, in order to describe another machine.
   boost::shared_ptr<ICIMNamespace> GetNamespace(const std::string& name,
                                                 TOptionsMap options) override {
     if (!boost::algorithm::iequals(name, fNamespaceName, std::locale::classic())) {
