@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A document of 100,000 instances with ten mixed properties each, written and read.
+// Writes and reads a document of 100,000 instances with ten properties of mixed types each.
 #include <qdxcimxml/document_reader.h>
 #include <qdxcimxml/document_writer.h>
 
@@ -60,7 +60,7 @@ void WriteDisks(const std::string& file) {
   writer.Close();
 }
 
-/// The document, in a file in memory.
+/// Returns the descriptor of the document, a file in memory.
 int DocumentFile() {
   static const int file = [] {
     const int created = ::memfd_create("cimxml_bench", MFD_CLOEXEC);
@@ -84,7 +84,7 @@ void CountBytes(benchmark::State& state) {
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * DocumentText().size()));
 }
 
-/// The largest size so far of what the process has in memory.
+/// Returns the peak resident set size of the process.
 double PeakMiB() {
   std::ifstream status("/proc/self/status");
   for (std::string line; std::getline(status, line);) {
@@ -94,7 +94,7 @@ double PeakMiB() {
 }
 
 void ResetPeak() {
-  ::malloc_trim(0);  // or growth could hide in what was freed before
+  ::malloc_trim(0);  // free memory that is kept would hide growth
   std::ofstream("/proc/self/clear_refs") << "5";
 }
 
@@ -113,7 +113,7 @@ void LimitWriteTheBytes(benchmark::State& state) {
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> sink(std::fopen("/dev/null", "we"),
                                                              &std::fclose);
   for (auto _ : state) {
-    for (std::size_t at = 0; at < text.size(); at += 100) {  // as pieces, not as a whole
+    for (std::size_t at = 0; at < text.size(); at += 100) {  // in pieces, like the writer
       const std::size_t piece = std::min<std::size_t>(100, text.size() - at);
       benchmark::DoNotOptimize(std::fwrite(text.data() + at, 1, piece, sink.get()));
     }
@@ -132,7 +132,7 @@ void CIMXMLRead(benchmark::State& state) {
 }
 BENCHMARK(CIMXMLRead)->Unit(benchmark::kMillisecond);
 
-/// The parser with handlers that do nothing.
+/// Measures the parser with empty handlers.
 void LimitParseTheBytes(benchmark::State& state) {
   const std::string& text = DocumentText();
   for (auto _ : state) {

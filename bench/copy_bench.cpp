@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The copy of many instances of ten mixed properties, and what the two repositories take of that.
-// The largest size, 3 GB and half a minute, only runs if QDX_BENCH_MILLION is set.
+// Copies many instances of ten properties of mixed types, next to the cost of the two repositories.
+// The largest size needs 3 GB and half a minute, and only runs if QDX_BENCH_MILLION is set.
 #include <qdxcore/copy.h>
 #include <qdxcore/reference.h>
 
@@ -44,7 +44,7 @@ TProperties Sensor(std::uint64_t number, const TCIMValue& bus) {
           {"Bus", bus}};
 }
 
-/// A namespace with the classes, and that many instances.
+/// Returns a namespace with the classes and `count` instances.
 TNamespace MakeSensors(std::int64_t count) {
   const TNamespace ns = MakeNamespace();
   AddClass(ns, "CIM_Bus", {{"Id", 0U}});
@@ -65,8 +65,8 @@ std::vector<boost::shared_ptr<ICIMInstance>> InstancesOf(const TNamespace& ns) {
   return instances;
 }
 
-/// Leaves the heap with the free pages that a target takes, in one piece. What the system takes to
-/// hand them out varies tenfold between machines, and small targets would not pay it.
+/// Leaves the pages that a target needs free in the heap, in one piece. The time of the system to
+/// provide them varies tenfold between machines, and small targets would not need it.
 void PrepareHeap(std::int64_t count) {
   mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
   mallopt(M_MMAP_MAX, 0);
@@ -74,13 +74,13 @@ void PrepareHeap(std::int64_t count) {
   benchmark::DoNotOptimize(pages.data());
 }
 
-/// As the C library has them, for the benchmarks that follow.
+/// Restores the defaults of the C library for the benchmarks that follow.
 void RestoreHeap() {
   mallopt(M_TRIM_THRESHOLD, 128 * 1024);
   mallopt(M_MMAP_MAX, 65536);
 }
 
-/// Times `fill`, which fills a target from a source; making and freeing them is not timed.
+/// Times `fill`, which fills a target from a source, but not their creation and destruction.
 template <typename TMakeTarget, typename TFill>
 void MeasureFilling(benchmark::State& state, TMakeTarget&& makeTarget, TFill&& fill) {
   const TNamespace source = MakeSensors(state.range(0));
@@ -106,7 +106,7 @@ void CopyClasses(benchmark::State& state) {
       });
 }
 
-/// Every property of every instance is read, and as many instances are made.
+/// Reads every property of every instance, and creates as many instances.
 void LimitReadAndFillTheRepositories(benchmark::State& state) {
   MeasureFilling(
       state, [] { return MakeSensors(0); },

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Date-times, each beside its limit: what the C library alone, or code by hand, takes.
+// Date-times, each next to its limit: the C library alone, or hand-written code.
 #include <qdxcore/datetime.h>
 
 #include <cstdio>
@@ -23,7 +23,7 @@ void DateTimeParse(benchmark::State& state) {
 }
 BENCHMARK(DateTimeParse);
 
-/// Every operation that makes a date-time allocates once.
+/// Every operation that creates a date-time allocates once.
 void LimitMallocAndFree(benchmark::State& state) {
   for (auto _ : state) {
     void* memory = std::malloc(48);
@@ -87,7 +87,7 @@ void DateTimeAddInterval(benchmark::State& state) {
 }
 BENCHMARK(DateTimeAddInterval);
 
-/// One for each point that is compared or moved, unless it can be done without.
+/// Each point that is compared or moved needs at most one call.
 void LimitMktime(benchmark::State& state) {
   for (auto _ : state) {
     std::tm fields{};

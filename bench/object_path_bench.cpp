@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Object paths of two keys, against a repository.
+// Parses and formats object paths of two keys with a repository.
 #include <qdxcore/reference.h>
 
 #include "support/class_builder.h"
@@ -30,7 +30,7 @@ void ObjectPathParse(benchmark::State& state) {
 }
 BENCHMARK(ObjectPathParse);
 
-/// What the repository itself takes of that: the class once, each declaration twice.
+/// The repository's share: looks up the class once, and each declaration twice.
 void LimitLookupsOfTheNamespace(benchmark::State& state) {
   const TNamespace ns = MakeDisks();
   for (auto _ : state) {

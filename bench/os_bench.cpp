@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Files and child processes, each beside its limit: the same system calls without the library.
+// Files and child processes, each next to its limit: the same system calls without the library.
 #include <qdxcore/os_specific.h>
 
 #include "support/temp_dir.h"
@@ -45,7 +45,7 @@ void CopyWithABareLoop(const std::string& source, const std::string& destination
   ::close(to);
 }
 
-/// With TMPDIR on a disk it measures the disk's writing back: /dev/shm is steadier.
+/// If TMPDIR is on a disk, this measures its write-back; /dev/shm gives stable results.
 void MeasureCopy(benchmark::State& state, TCopyFunction* copy) {
   const TTempDir dir;
   const std::string source = dir.Write("source", std::string(kFileSize, 'x'));
@@ -61,7 +61,7 @@ void MeasureCopy(benchmark::State& state, TCopyFunction* copy) {
 BENCHMARK_CAPTURE(MeasureCopy, FileCopy, CopyWithTheLibrary)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(MeasureCopy, LimitBareLoop, CopyWithABareLoop)->Unit(benchmark::kMillisecond);
 
-/// Memory in use, as a collector that has grown holds it.
+/// Memory in use, like that of a large process that starts a child.
 class TBallast {
  public:
   explicit TBallast(std::int64_t megabytes)
@@ -125,7 +125,7 @@ std::string ReadBare(int descriptor) {
   return {};
 }
 
-/// As many megabytes as the argument says, from another thread.
+/// Reads what another thread writes; the argument is the number of megabytes.
 void MeasureReading(benchmark::State& state, std::string (*read)(int)) {
   const std::string block(kMegabyte, 'x');
   for (auto _ : state) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Values, each beside its limit.
+// Values, each next to its limit: the same work without the library.
 #include <qdxcore/interfaces.h>
 #include <qdxcore/value.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the fuzz targets share: a property that must hold, and the choice of a check.
+/// Helpers of the fuzz targets: assertion of a property, and selection of a check.
 #ifndef FUZZ_CHECKS_H_
 #define FUZZ_CHECKS_H_
 
@@ -8,14 +8,14 @@
 #include <cstdlib>
 #include <string>
 
-/// Ends the process, which libFuzzer reports with the input, unless the property holds.
+/// Aborts unless the property holds; libFuzzer reports the input.
 inline void Require(bool holds) {
   if (!holds) std::abort();
 }
 
 using TCheck = void (*)(const std::string& text);
 
-/// Runs the check that the first byte picks, '0' for the first, on the rest of the input.
+/// Runs the check that the first byte selects ('0' is the first) on the rest of the input.
 template <std::size_t kCount>
 int RunCheck(const TCheck (&checks)[kCount], const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;

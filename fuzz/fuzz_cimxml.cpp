@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Whatever bytes there are, only a TQDXException comes out; and what was read can be written as a
-// document that gives the same document again. A '+' in front spares the elements around objects.
+// Documents: any input gives namespaces or a TQDXException, and namespaces that were read can be
+// written as a document that reads and writes the same. A leading '+' stands for the elements that
+// enclose objects.
 #include <qdxcimxml/document_reader.h>
 #include <qdxcimxml/document_writer.h>
 
@@ -62,8 +63,8 @@ boost::shared_ptr<TRepositoryProvider> Read(const std::string& content) {
   return NCIMXML::ReadDocument("fuzz", TMemoryFile(content).Descriptor());
 }
 
-/// A namespace that the document only refers to is not in what is written of it, and what a null
-/// reference refers to has no namespace in it.
+/// Returns whether the document has references to other namespaces. Such a document does not come
+/// back: a namespace that is only referred to is not written, nor is the one of a null reference.
 bool RefersElsewhere(const std::string& document) {
   return document.find("<LOCALINSTANCEPATH>") != std::string::npos ||
          document.find("<LOCALCLASSPATH>") != std::string::npos;

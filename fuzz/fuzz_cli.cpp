@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The command line and what goes to a terminal. The first byte picks arguments, which are separated
-// by line ends (0), a text for the terminal (1) or a table of cells between tabs (2).
+// The command line and terminal output. The first byte selects arguments separated by line ends
+// (0), a text for the terminal (1) or a table of cells separated by tabs (2).
 #include <cli/arguments.h>
 #include <cli/failure.h>
 #include <cli/terminal.h>
@@ -24,7 +24,7 @@ TWords Split(const std::string& text, char separator) {
   return words;
 }
 
-/// What was parsed, as words that each can be read in one way only.
+/// Returns the parsed arguments as unambiguous words.
 TWords WordsOf(const TArguments& arguments) {
   TWords words;
   for (const auto& [option, values] : arguments.fOptions) {
@@ -49,7 +49,7 @@ void CheckArguments(const std::string& text) {
   }
 }
 
-/// Holds no control character of ASCII, and does not change when it is cleaned again.
+/// Returns whether the text has no ASCII control character, and ForTerminal does not change it.
 bool IsHarmless(const std::string& text) {
   const auto isControl = [](char character) {
     return static_cast<unsigned char>(character) < 0x20 || character == 0x7f;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Texts of the core: what is read is written as a text that gives the same again. The first byte
-// picks a date-time (0), a value (1) or an object path (2).
+// Texts of the core: what is parsed is written as a text that parses to the same. The first byte
+// selects a date-time (0), a value (1) or an object path (2).
 #include <qdxcore/datetime.h>
 #include <qdxcore/interfaces.h>
 #include <qdxcore/reference.h>
@@ -45,7 +45,7 @@ TCIMValue Read(TCIMType type, std::string text) {
   return TCIMValue(type, text, boost::shared_ptr<ICIMNamespace>());
 }
 
-/// Reading agrees with the classic streams wherever those succeed.
+/// Checks that parsing agrees with the classic streams where these succeed.
 template <typename T>
 void CompareWithStream(const std::string& text, TCIMType type) {
   if (std::is_unsigned_v<T> && sizeof(T) < 8 && text.find('-') != std::string::npos) return;
@@ -73,7 +73,7 @@ void CheckValue(const std::string& text) {
   Require(Read(TCIMType::kCIMTypeString, text).ToString(10) == text);
 }
 
-/// No reals: those are written with six digits, so they come back as others.
+/// Without reals, which are written with six digits and so do not come back exactly.
 TNamespace MakeSchema() {
   const TNamespace ns = MakeNamespace();
   AddClass(ns, "C", {{"a", ""}, {"b", 0U}, {"c", false}});
@@ -82,8 +82,8 @@ TNamespace MakeSchema() {
   return ns;
 }
 
-/// Whether a reference within the reference has no keys. The text of such a one runs to the end of
-/// the text that contains it, so it does not come back.
+/// Returns whether a nested reference has no keys. Its text extends to the end of the text that
+/// contains it, so it does not come back.
 bool HasKeylessPart(const TCIMReference& reference) {
   bool keyless = false;
   reference.EnumerateKeyBindings([&keyless](std::pair<std::string, TCIMValue> binding) {

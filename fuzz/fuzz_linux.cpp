@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Files of a machine: what is read is written as a file that gives the same again. The first byte
-// picks a mount table (0), os-release (1), fields (2), a number (3) or a text (4).
+// Files of a machine: what is parsed is written as a file that parses to the same. The first byte
+// selects a mount table (0), os-release (1), fields (2), a number (3) or a text (4).
 #include <machine/fields.h>
 #include <machine/mount_table.h>
 #include <machine/numbers.h>
@@ -17,7 +17,7 @@ namespace {
 
 using TMounts = std::map<std::string, TMount>;
 
-/// As the kernel writes it, and "#", which would begin a comment.
+/// Escapes like the kernel, and also "#", which would begin a comment.
 std::string Escape(const std::string& text) {
   std::string escaped;
   for (const char character : text) {
@@ -49,7 +49,7 @@ void CheckMountTable(const std::string& text) {
   Require(Written(again) == written && again.size() == mounts.size());
   for (const auto& [key, mount] : mounts) {
     Require(mount.fPath.front() == '/' && PrintableText(mount.fPath) == key);
-    // A mount that another one hides is not written, and may be the one on which this depends.
+    // A hidden mount is not written, and may be the reason that this one cannot be queried.
     Require(again.at(key).fCanBeAsked >= mount.fCanBeAsked);
   }
 }
@@ -108,7 +108,7 @@ void CheckNumber(const std::string& text) {
 void CheckText(const std::string& text) {
   const std::string printable = PrintableText(text);
   Require(PrintableText(printable) == printable);
-  // Nothing is added: each character of it comes from the text, in the same order.
+  // Every character comes from the text, in the same order.
   auto position = text.begin();
   for (const char character : printable) {
     position = std::find(position, text.end(), character);

@@ -1,20 +1,21 @@
 # SPDX-License-Identifier: Apache-2.0
-# Debian packages, by `cpack` in a build folder of the preset "package"; script/package does it all.
+# Debian packages, built with `cpack` in a build folder of the preset "package"; script/package runs all
+# steps.
 #
-#   library  libqdxcore0     the core alone. The major version in the name tells what fits: a package
-#                            of plug-ins names the one it was built with. Only one can be installed,
-#                            since the name of libcurl.so beside the core has no version.
+#   library  libqdxcore0     the core only. Packages of plug-ins depend on the major version in the name.
+#                            Only one can be installed, because the name of libcurl.so in the same folder
+#                            has no version.
 #   devel    libqdxcore-dev  headers, the repository, CMake package, pkg-config files, pages and
 #                            examples for authors
-#   tool     qdx             the command, and the plug-ins: their names have no version in them,
-#                            they bring dependencies of their own, and the command is what they serve
+#   tool     qdx             the command with the plug-ins, which have dependencies of their own and no
+#                            version in their names
 set(CPACK_GENERATOR DEB)
 set(CPACK_COMPONENTS_ALL library devel tool)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
 set(CPACK_PACKAGE_CONTACT "qdxcore maintainers <maintainers@qdxcore.example>")
-set(CPACK_DEBIAN_DEBUGINFO_PACKAGE ON)  # strips, and makes -dbgsym packages for who has a core file
+set(CPACK_DEBIAN_DEBUGINFO_PACKAGE ON)  # strips, and builds -dbgsym packages
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/stage.cmake)
 set(CPACK_QDX_PACKAGING_DIR ${CMAKE_CURRENT_LIST_DIR})
 
@@ -26,9 +27,9 @@ set(same_version "(= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libqdxcore${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_RECOMMENDS libcurl4)  # loaded when a file is to be transferred
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_RECOMMENDS libcurl4)  # loaded for file transfers
 set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "core library that describes servers in the terms of CIM
-It holds what providers and consumers of CIM data share: typed values,
+The code that providers and consumers of CIM data share: typed values,
 date-times, object paths, the interfaces of the object model, the registry
 of providers, the logger, and services of the operating system.")
 
@@ -38,8 +39,8 @@ set(CPACK_DEBIAN_DEVEL_PACKAGE_DEPENDS
   "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} ${same_version}, libboost-dev (>= 1.74)")
 set(CPACK_COMPONENT_DEVEL_DESCRIPTION "core library of qdx - development files
 Headers, the CMake package qdxcore, pkg-config files, and the static library
-that providers of CIM data are built on. How to write a provider or a consumer
-stands in /usr/share/doc/libqdxcore-dev, with examples.")
+on which providers of CIM data are built. /usr/share/doc/libqdxcore-dev explains
+how to write a provider or a consumer, with examples.")
 
 set(CPACK_DEBIAN_TOOL_PACKAGE_NAME qdx)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION admin)
@@ -47,7 +48,7 @@ set(CPACK_DEBIAN_TOOL_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} ${same_version}")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 set(CPACK_COMPONENT_TOOL_DESCRIPTION "describe and diagnose a Linux server
-The command qdx asks its plug-ins about the machine and shows what they tell
+The command qdx queries its plug-ins about the machine and shows their data
 in the terms of the DMTF Common Information Model (CIM). Other packages can
 add plug-ins.")
 

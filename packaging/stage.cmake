@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# Run by cpack before it packs what is installed below CPACK_TEMPORARY_DIRECTORY: adds what a Debian
-# package must have, and `cmake --install` has no use for.
+# Run by cpack before it packs the files below CPACK_TEMPORARY_DIRECTORY: adds the files that a Debian
+# package must have and `cmake --install` does not install.
 function(compress source target)
   get_filename_component(folder ${target} DIRECTORY)
   file(MAKE_DIRECTORY ${folder})
@@ -18,7 +18,7 @@ foreach(component LIBRARY DEVEL TOOL)
     compress(${page} ${page}.gz)
     file(REMOVE ${page})
   endforeach()
-  # CPack strips executables, shared libraries and modules, but no static library.
+  # CPack strips executables, shared libraries and modules, but not static libraries.
   file(GLOB_RECURSE archives ${CPACK_TEMPORARY_DIRECTORY}/${folder}/usr/lib/*.a)
   foreach(archive ${archives})
     execute_process(COMMAND strip --strip-debug --enable-deterministic-archives ${archive}
