@@ -53,7 +53,7 @@ TEST_F(QDXIdentity, IsPrintedAsJSON) {
       "systemName": "srv1", "productName": "Loftnode -[4711]-", "machineType": "4711",
       "model": null, "serialNumber": "AB-123456", "operatingSystem": "Server OS",
       "version": "9.3", "osType": 36, "notes": {"serialNumber": "not seven letters or digits"},
-      "absent": {"model": "the product name carries none"}})");
+      "absent": {"model": "not in the product name"}})");
   expected["qdxVersion"] = QDXCORE_VERSION;
   EXPECT_EQ(nlohmann::json::parse(Run({"--json"}).fOutput), expected);
 }
@@ -62,7 +62,7 @@ TEST_F(QDXIdentity, NeedsARootOfWhichSomethingIsKnown) {
   const TTempDir empty;
   const std::string folder = empty.Path().string(), file = fTree.Write("file", "").string();
   const std::tuple<std::string, int, std::string> rows[] = {
-      {folder, 5, "describing the machine below " + folder + ": nothing is known of it\n"},
+      {folder, 5, "describing the machine below " + folder + ": all values are missing\n"},
       {file, 4, "reading root folder " + file + ": not a folder\n"},
       {"/no\033[31m\xff\xc2\x9b", 4,
        "reading root folder /no?[31m??: No such file or directory\n"}};

@@ -74,7 +74,7 @@ TEST_F(QDXShow, TellsAnAuthorOfTheMistake) {
 TEST_F(QDXShow, SaysWhatItCannotShow) {
   const std::string text = fFolder.Write("text", "no document").string();
   const std::tuple<std::vector<std::string>, int, std::string> rows[] = {
-      {{"Sample_None"}, 4, "looking for Sample_None: no provider that answered has it\n"},
+      {{"Sample_None"}, 4, "looking for Sample_None: not found, but a provider failed\n"},
       {{fDocument, "root/qdx:Sample_Many"},
        4,
        "looking for root/qdx:Sample_Many: no such class or instance; 'qdx show " + fDocument},
@@ -84,8 +84,8 @@ TEST_F(QDXShow, SaysWhatItCannotShow) {
       {{"none.xml"}, 4, "reading document none.xml: No such file or directory\n"},
       {{text}, 4, "reading document " + text + ": line 1, column 1: "},
       {{fDocument, "--depth=4"}, 2, "option '--depth' needs a number from 0 to 3"},
-      {{fDocument, "--root", "/"}, 2, "option '--root' does not go with a file"},
-      {{"--provider", "cimxml"}, 5, "showing this machine: there is no namespace\n"}};
+      {{fDocument, "--root", "/"}, 2, "option '--root' cannot be used with a file"},
+      {{"--provider", "cimxml"}, 5, "showing this machine: it has no namespaces\n"}};
   for (auto [words, exitCode, error] : rows) {
     words.insert(words.begin(), "show");
     const TProgramRun run = fInstallation.Run(words);

@@ -28,7 +28,7 @@ TEST(QDXUsage, ExplainsAMistakeInOneLine) {
 }
 
 TEST(QDXUsage, HelpsAndTellsItsVersion) {
-  const TUsage rows[] = {{{"--help"}, "  identity  Tells who"},
+  const TUsage rows[] = {{{"--help"}, "  identity  Shows the identity"},
                          {{"help", "identity"}, "  --root DIR         Describe"},
                          {{"--help", "plugins"}, "Usage: qdx plugins [OPTION]...\n"},
                          {{"identity", "--version"}, "qdx " QDXCORE_VERSION "\n"}};

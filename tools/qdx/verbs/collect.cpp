@@ -91,14 +91,14 @@ std::string DefaultName(const std::string& hostName) {
 }
 
 /// Returns whether the path is a device, a pipe or a folder, which a file cannot replace.
-bool IsNoFile(const std::string& path) {
+bool IsNotReplaceable(const std::string& path) {
   std::error_code error;
   return fs::exists(path, error) && !fs::is_regular_file(path, error);
 }
 
-[[noreturn]] void FailToCollect(const TProviderQuery& machine, const std::string& why) {
+[[noreturn]] void FailToCollect(const TProviderQuery& machine, const std::string& reason) {
   throw TCommandFailure(kExitNothingCollected, "collecting the machine below " + machine.GetRoot(),
-                        {kQDXStatusNotFound, why});
+                        {kQDXStatusNotFound, reason});
 }
 
 /// Collects namespaces and writes the document.
@@ -109,7 +109,7 @@ class TCollection {
         fWriter(writer),
         fCopies(CopyNamespaces(machine)),
         fHostName(HostName(fCopies, machine.GetRoot())) {
-    if (fCopies.empty()) FailToCollect(machine, "no provider delivered anything");
+    if (fCopies.empty()) FailToCollect(machine, "no provider has data");
   }
 
   /// Publishes the document under a name that no file has yet.
@@ -125,10 +125,10 @@ class TCollection {
   }
 
   void WriteTo(const std::string& file) {
-    if (file == "-") return WriteAsItStands(file, "standard output");
-    if (IsNoFile(file)) return WriteAsItStands(file, file);
+    if (file == "-") return WriteDirectly(file, "standard output");
+    if (IsNotReplaceable(file)) return WriteDirectly(file, file);
     const fs::path path = fs::absolute(FileToReplace(file));
-    // Consumers may choose the format by the end of the name.
+    // Consumers may select the format by the suffix.
     const std::size_t suffix = std::min(file.rfind('.'), file.size());
     TNewFile newFile(path.parent_path().string(),
                      file.find('/', suffix) == std::string::npos ? file.substr(suffix) : "", file);
@@ -151,13 +151,13 @@ class TCollection {
   void Write(const TNewFile& newFile, const std::string& shownAs) {
     while (const auto refusal = fWriter.Write(CopiesAndRecord(), newFile.GetPath(), shownAs)) {
       LeaveOut(*refusal, shownAs);
-      if (fCopies.empty()) FailToCollect(fMachine, "the consumer takes nothing of it");
+      if (fCopies.empty()) FailToCollect(fMachine, "the consumer refuses every namespace");
       fs::resize_file(newFile.GetPath(), 0);
     }
   }
 
   /// For outputs that cannot be rewritten: a refused namespace ends the command.
-  void WriteAsItStands(const std::string& file, const std::string& shownAs) {
+  void WriteDirectly(const std::string& file, const std::string& shownAs) {
     const auto refusal = fWriter.Write(CopiesAndRecord(), file, shownAs);
     if (!refusal) return;
     LeaveOut(*refusal, shownAs);
@@ -198,7 +198,7 @@ EExitCode RunCollect(const TArguments& arguments) {
 std::vector<TOptionSpec> CollectOptions() {
   std::vector<TOptionSpec> options = {
       {"output", "FILE", "Write this file; '-' is standard output.", 'o'},
-      {"consumer", "NAME", "Write by this consumer plug-in, not as a CIM-XML document."}};
+      {"consumer", "NAME", "Write with this consumer plug-in instead of a CIM-XML document."}};
   const auto machine = TProviderQuery::Options();
   options.insert(options.end(), machine.begin(), machine.end());
   return options;
@@ -208,12 +208,11 @@ std::vector<TOptionSpec> CollectOptions() {
 
 TVerb CollectVerb() {
   return {
-      "collect", "Writes all that the providers know of this machine into a CIM-XML document.",
-      "The document appears whole or not at all, readable by its owner alone; a name that ends\n"
-      "in .gz makes it a compressed one. Without --output it is\n"
-      "HOSTNAME-YYYYMMDDTHHMMSS.xml.gz in the current folder. Its name is printed.\n"
-      "Another consumer writes whatever it makes of the namespaces into that file.\n"
-      "A provider that fails, or a namespace that cannot be written, is named, on standard\n"
+      "collect", "Writes a CIM-XML document with the data of all providers of this machine.",
+      "The document appears complete or not at all, readable by its owner only. It is compressed\n"
+      "if its name ends in .gz. Without --output it is HOSTNAME-YYYYMMDDTHHMMSS.xml.gz in the\n"
+      "current folder. Its name is printed.\n"
+      "A provider that fails, or a namespace that cannot be written, is reported to standard\n"
       "error and in the document.\n",
       CollectOptions(), RunCollect};
 }

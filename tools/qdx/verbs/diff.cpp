@@ -137,17 +137,18 @@ EExitCode RunDiff(const TArguments& arguments) {
 }  // namespace
 
 TVerb DiffVerb() {
-  return {"diff",
-          "Compares two documents; the exit status is 1 if they differ.",
-          "A and B are CIM-XML documents, '-' is standard input. Instances are matched by their\n"
-          "object paths, wherever they stand in the document. '-' marks what only A has, '+' what\n"
-          "only B has, '~' what changed, with the old and the new value.\n"
-          "Properties that change while a machine just runs (uptime, the time, counters, free\n"
-          "memory and the like; the manual page has the list) are left out.\n",
-          {{"json", nullptr, "Print one JSON object."},
-           {"all", nullptr, "Compare the properties that always change as well."}},
-          RunDiff,
-          {{"A"}, {"B"}}};
+  return {
+      "diff",
+      "Compares two documents; the exit status is 1 if they differ.",
+      "A and B are CIM-XML documents, '-' is standard input. Instances are matched by their\n"
+      "object paths, whatever their order. '-' marks what only A has, '+' what only B has, '~'\n"
+      "what differs, with the old and the new value.\n"
+      "Properties that change while a machine runs, such as counters and free memory, are left\n"
+      "out; the manual page lists them.\n",
+      {{"json", nullptr, "Print one JSON object."},
+       {"all", nullptr, "Also compare the properties that change while a machine runs."}},
+      RunDiff,
+      {{"A"}, {"B"}}};
 }
 
 }  // namespace NVORNQDX20

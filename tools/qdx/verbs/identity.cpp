@@ -24,15 +24,15 @@ using TQuery = std::function<TJSON(TNamespace)>;
 
 const char* const kProductClassName = "VORNSG_QDXProduct";
 
-/// One line of the output. Class and property are used to find the reason for a missing value.
+/// One line of the output. Class and property determine the reason for a missing value.
 struct TItem {
   const char* fKey;
   const char* fLabel;
   std::string fClass;
   const char* fProperty;
   TQuery fQuery;
-  const char* fMisfit = nullptr;  ///< The meaning of kQDXStatusInvalidFormat.
-  TQuery fRawQuery = nullptr;     ///< Used instead in that case, with that remark.
+  const char* fFormatRemark = nullptr;  ///< The meaning of kQDXStatusInvalidFormat.
+  TQuery fRawQuery = nullptr;           ///< Used instead in that case, with this remark.
 };
 
 struct TAnswer {
@@ -41,7 +41,7 @@ struct TAnswer {
   std::string fRemark;  ///< Why it is missing, or what is unusual about it.
 };
 
-/// "xxx" is the placeholder for a model that the product name does not have: not shown.
+/// Throws for "xxx", the placeholder for a model that the product name does not have.
 std::string QueryModel(TNamespace ns) {
   std::string model = THelper::GetModelNumber(ns);
   if (model == "xxx") throw TQDXException(kQDXStatusInvalidFormat);
@@ -59,7 +59,7 @@ std::string QueryVersion(TNamespace ns) { return THelper::GetDataSourceVersion(n
 std::vector<TItem> Items() {
   const std::string& system = THelper::kSystemCreationClassName;
   const std::string& os = THelper::kOperatingSystemCreationClassName;
-  const char* const noMTM = "the product name carries none";
+  const char* const noMTM = "not in the product name";
   return {
       {"systemName", "System name", system, "Name", THelper::GetSystemName},
       {"productName", "Product name", system, "ProductName", THelper::GetSystemProductName},
@@ -87,9 +87,10 @@ TAnswer Ask(const TItem& item, TNamespace ns, const TAbsenceReasons& reasons) {
   const TCrashNote note(std::string("asking for ") + item.fLabel);
   TJSON value;
   auto failure = Try([&] { value = item.fQuery(ns); });
-  if (failure && failure->GetStatusCode() == kQDXStatusInvalidFormat && item.fMisfit != nullptr) {
-    failure = {failure->GetStatusCode(), item.fMisfit};
-    if (item.fRawQuery) return {item, item.fRawQuery(ns), item.fMisfit};
+  if (failure && failure->GetStatusCode() == kQDXStatusInvalidFormat &&
+      item.fFormatRemark != nullptr) {
+    failure = {failure->GetStatusCode(), item.fFormatRemark};
+    if (item.fRawQuery) return {item, item.fRawQuery(ns), item.fFormatRemark};
   }
   // A key cannot be null: an empty text means that the value is missing.
   if (!failure && value != "") return {item, value, ""};
@@ -98,8 +99,8 @@ TAnswer Ask(const TItem& item, TNamespace ns, const TAbsenceReasons& reasons) {
   return {item, nullptr, failure ? failure->GetReason() : "empty"};
 }
 
-/// The version of this program is always known and says nothing about the machine.
-bool TellsOfTheMachine(const TAnswer& answer) {
+/// Returns false for the version of this program, which is always known.
+bool DescribesMachine(const TAnswer& answer) {
   return !answer.fValue.is_null() && answer.fItem.fClass != kProductClassName;
 }
 
@@ -150,8 +151,8 @@ EExitCode RunIdentity(const TArguments& arguments) {
   answers.reserve(items.size());
   for (const TItem& item : items) answers.push_back(Ask(item, ns, reasons));
   arguments.Has("json") ? WriteAsJSON(answers) : WriteForPeople(answers);
-  if (std::none_of(answers.begin(), answers.end(), TellsOfTheMachine)) {
-    return FailToDescribe(root, "nothing is known of it");
+  if (std::none_of(answers.begin(), answers.end(), DescribesMachine)) {
+    return FailToDescribe(root, "all values are missing");
   }
   return failed ? kExitPartlyDone : kExitDone;
 }
@@ -160,12 +161,12 @@ EExitCode RunIdentity(const TArguments& arguments) {
 
 TVerb IdentityVerb() {
   return {"identity",
-          "Tells who this machine is.",
-          "Asks the provider plug-ins for the namespace root/cimv2; the first one that has it\n"
-          "answers. What the machine does not tell stands as '-', with the reason behind it.\n"
-          "A serial number that is not seven letters or digits is shown as it is, with a note.\n",
+          "Shows the identity of this machine.",
+          "The data comes from the first provider plug-in that has the namespace root/cimv2. A\n"
+          "missing value is shown as '-', with the reason. A serial number that is not seven\n"
+          "letters or digits is shown unchanged, with a note.\n",
           {{"root", "DIR", "Describe the machine whose files are below DIR, not this one."},
-           {"json", nullptr, "Print one JSON object; what is absent is null."}},
+           {"json", nullptr, "Print one JSON object; missing values are null."}},
           RunIdentity};
 }
 

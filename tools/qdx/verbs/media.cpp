@@ -34,17 +34,17 @@ bool IsPlainDevicePath(const std::string& path) {
 }
 
 /// Removes and reports devices that cannot be mounted safely.
-bool RefuseOddDevices(TMedia& media) {
-  const auto odd = std::stable_partition(media.begin(), media.end(), [](const auto& medium) {
+bool RemoveUnsafeDevices(TMedia& media) {
+  const auto unsafe = std::stable_partition(media.begin(), media.end(), [](const auto& medium) {
     return IsPlainDevicePath(medium.first);
   });
-  for (auto medium = odd; medium != media.end(); ++medium) {
+  for (auto medium = unsafe; medium != media.end(); ++medium) {
     PrintFailure("listing medium " + medium->first,
                  {kQDXStatusInvalidFormat, "not a plain path below /dev"});
   }
-  const bool refused = odd != media.end();
-  media.erase(odd, media.end());
-  return refused;
+  const bool removed = unsafe != media.end();
+  media.erase(unsafe, media.end());
+  return removed;
 }
 
 EExitCode FailToList(const std::string& source, const TExplainedException& failure) {
@@ -66,7 +66,7 @@ std::optional<std::string> FindMissingValue(const ICIMInstance& device) {
   return failure ? std::optional(asked) : std::nullopt;
 }
 
-/// Finds the reason why the core gave up the whole list, as far as that is possible afterwards.
+/// Returns the value that made the core fail, as far as it can be found afterwards.
 std::string FindCulprit(ICIMNamespace& ns, const TExplainedException& failure) {
   std::string culprit = std::string(kSCSIDevice) + " of " + kMachineNamespace;
   if (failure.GetStatusCode() != kQDXStatusValueIsNULL) return culprit;
@@ -105,7 +105,7 @@ EExitCode RunMedia(const TArguments& arguments) {
   TMedia media;
   const auto failure = Try([&] { media = TOSSpecific::EnumerateRemovableMedia(ns); });
   if (failure) return FailToList(FindCulprit(*ns, *failure), *failure);
-  failed = RefuseOddDevices(media) || failed;
+  failed = RemoveUnsafeDevices(media) || failed;
   Write(media, arguments.Has("json"));
   return failed ? kExitPartlyDone : kExitDone;
 }
@@ -113,15 +113,15 @@ EExitCode RunMedia(const TArguments& arguments) {
 }  // namespace
 
 TVerb MediaVerb() {
-  return {"media",
-          "Lists removable media that results can be written to; mounts a floppy.",
-          "USB storage is what the providers' list of SCSI devices and the kernel's\n"
-          "/proc/bus/usb/devices have in common; current kernels have no such file, which is an\n"
-          "error. A floppy is found by mounting it at /mnt/floppy, which is created and where it\n"
-          "stays mounted; whatever is mounted there already is listed as /dev/floppy. Needs\n"
-          "root.\n",
-          {{"json", nullptr, "Print one JSON object."}},
-          RunMedia};
+  return {
+      "media",
+      "Lists removable media that results can be written to; mounts a floppy.",
+      "USB storage devices are the providers' SCSI devices whose product is listed in\n"
+      "/proc/bus/usb/devices; current kernels have no such file, which is an error. A floppy\n"
+      "is found by mounting it at /mnt/floppy, which is created if necessary; it stays mounted.\n"
+      "Anything that is mounted there already is listed as /dev/floppy. Needs root.\n",
+      {{"json", nullptr, "Print one JSON object."}},
+      RunMedia};
 }
 
 }  // namespace NVORNQDX20

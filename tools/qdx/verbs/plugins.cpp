@@ -31,15 +31,16 @@ bool Ask(const std::string& action, TJSON& description, const std::function<void
 /// Returns an array of names; null if the provider does not list its namespaces.
 TJSON NamespacesOf(INamespaceProvider& provider, TJSON& description) {
   TJSON names = TJSON::array();
-  const bool told = Ask("listing the namespaces of provider " + NameOf(provider), description, [&] {
-    provider.EnumerateNamespaceNames(
-        [&names](const std::string& name) {
-          names.push_back(name);
-          return true;
-        },
-        {});
-  });
-  return told ? names : TJSON();
+  const bool isListed =
+      Ask("listing the namespaces of provider " + NameOf(provider), description, [&] {
+        provider.EnumerateNamespaceNames(
+            [&names](const std::string& name) {
+              names.push_back(name);
+              return true;
+            },
+            {});
+      });
+  return isListed ? names : TJSON();
 }
 
 TJSON Describe(const TLibrary& library) {
@@ -134,12 +135,13 @@ EExitCode RunPlugins(const TArguments& arguments) {
 }  // namespace
 
 TVerb PluginsVerb() {
-  return {"plugins",
-          "Lists the plug-ins that are installed, and loads each one to see that it works.",
-          "Plug-ins stand beside the core library: lib*.nsp.so are providers, which describe a\n"
-          "machine, lib*.nsc.so are consumers, which take such a description.\n",
-          {{"json", nullptr, "Print one JSON object."}},
-          RunPlugins};
+  return {
+      "plugins",
+      "Lists the installed plug-ins, and loads each one as a test.",
+      "Plug-ins are in the folder of the core library: lib*.nsp.so are providers, which describe\n"
+      "a machine; lib*.nsc.so are consumers, which process such a description.\n",
+      {{"json", nullptr, "Print one JSON object."}},
+      RunPlugins};
 }
 
 }  // namespace NVORNQDX20

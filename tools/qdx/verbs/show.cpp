@@ -71,7 +71,7 @@ TRequest RequestOf(const TArguments& arguments) {
   }
   for (const TOptionSpec& option : TProviderQuery::Options()) {
     if (!request.fFile.empty() && arguments.Has(option.fName)) {
-      FailOnUsage(std::string("option '--") + option.fName + "' does not go with a file");
+      FailOnUsage(std::string("option '--") + option.fName + "' cannot be used with a file");
     }
   }
   return request;
@@ -82,8 +82,8 @@ class TSelection {
  public:
   explicit TSelection(const TRequest& request)
       : fRequest(request),
-        fWhyNot(kQDXStatusNotFound, request.fFile.empty() ? "no such class, instance or file"
-                                                          : "no such class or instance") {}
+        fLookupFailure(kQDXStatusNotFound, request.fFile.empty() ? "no such class, instance or file"
+                                                                 : "no such class or instance") {}
 
   void Add(const TOrigin& origin, const boost::shared_ptr<ICIMNamespace>& ns) {
     const std::string& wanted = fRequest.fElement.fNamespace;
@@ -103,7 +103,7 @@ class TSelection {
                      [](const auto& a, const auto& b) { return a.fName < b.fName; });
     return std::move(fFound);
   }
-  const TExplainedException& WhyNot() const { return fWhyNot; }
+  const TExplainedException& GetLookupFailure() const { return fLookupFailure; }
 
  private:
   /// Null if the namespace does not have the element, or if no element is requested.
@@ -112,7 +112,7 @@ class TSelection {
     if (fRequest.fElement.fText.empty()) return element;
     const auto failure =
         Try([&] { element = TCIMReference(ns, fRequest.fElement.fPath, {}).GetCIMElement(); });
-    if (failure && failure->GetStatusCode() != kQDXStatusNotFound) fWhyNot = *failure;
+    if (failure && failure->GetStatusCode() != kQDXStatusNotFound) fLookupFailure = *failure;
     return element;
   }
 
@@ -129,7 +129,7 @@ class TSelection {
 
   const TRequest& fRequest;
   std::vector<TTreeNamespace> fFound;
-  TExplainedException fWhyNot;
+  TExplainedException fLookupFailure;
 };
 
 void AddDocument(const std::string& file, TSelection& selection) {
@@ -149,7 +149,7 @@ bool AddLiveMachine(const TArguments& arguments, TSelection& selection) {
 
 /// Returns the error in the text of an element, without the text itself, which the core repeats and
 /// the line already has.
-TExplainedException Mistake(const TExplainedException& failure) {
+TExplainedException ExplainInvalidElement(const TExplainedException& failure) {
   std::string reason = failure.GetReason().substr(0, failure.GetReason().find(", path="));
   if (failure.GetStatusCode() == kQDXStatusInvalidReference) {
     reason += "; in the shell an object path needs single quotes: 'CLASS.KEY=\"VALUE\"'";
@@ -158,29 +158,29 @@ TExplainedException Mistake(const TExplainedException& failure) {
 }
 
 [[noreturn]] void FailToFindElement(const TRequest& request, bool complete,
-                                    const TExplainedException& why) {
+                                    const TExplainedException& failure) {
   const std::string action = "looking for " + request.fElement.fText;
-  if (why.GetStatusCode() != kQDXStatusNotFound) {
-    throw TCommandFailure(kExitBadInput, action, Mistake(why));
+  if (failure.GetStatusCode() != kQDXStatusNotFound) {
+    throw TCommandFailure(kExitBadInput, action, ExplainInvalidElement(failure));
   }
   if (!complete) {
     throw TCommandFailure(kExitBadInput, action,
-                          {kQDXStatusNotFound, "no provider that answered has it"});
+                          {kQDXStatusNotFound, "not found, but a provider failed"});
   }
   const std::string file = request.fFile.empty() ? "" : " " + request.fFile;
   throw TCommandFailure(kExitBadInput, action,
-                        {kQDXStatusNotFound,
-                         why.GetReason() + "; 'qdx show" + file + " --depth 1' lists the classes"});
+                        {kQDXStatusNotFound, failure.GetReason() + "; 'qdx show" + file +
+                                                 " --depth 1' lists the classes"});
 }
 
 [[noreturn]] void FailToFind(const TRequest& request, bool complete,
-                             const TExplainedException& why) {
-  if (!request.fElement.fText.empty()) FailToFindElement(request, complete, why);
+                             const TExplainedException& failure) {
+  if (!request.fElement.fText.empty()) FailToFindElement(request, complete, failure);
   // The lines about failed providers are the reason.
   if (!complete) throw TCommandFailure(kExitNothingCollected);
   throw TCommandFailure(kExitNothingCollected,
                         "showing " + (request.fFile.empty() ? "this machine" : request.fFile),
-                        {kQDXStatusNotFound, "there is no namespace"});
+                        {kQDXStatusNotFound, "it has no namespaces"});
 }
 
 EExitCode RunShow(const TArguments& arguments) {
@@ -193,7 +193,7 @@ EExitCode RunShow(const TArguments& arguments) {
     AddDocument(request.fFile, selection);
   }
   const auto found = selection.TakeFound();
-  if (found.empty()) FailToFind(request, complete, selection.WhyNot());
+  if (found.empty()) FailToFind(request, complete, selection.GetLookupFailure());
   arguments.Has("json") ? WriteJSON(TreeAsJSON(found, request.fDepth))
                         : WriteOutput(FormatTree(found));
   return complete ? kExitDone : kExitPartlyDone;
@@ -201,7 +201,8 @@ EExitCode RunShow(const TArguments& arguments) {
 
 std::vector<TOptionSpec> ShowOptions() {
   std::vector<TOptionSpec> options = TProviderQuery::Options();
-  options.push_back({"depth", "N", "Show 0 namespaces, 1 classes, 2 instances, 3 values as well."});
+  options.push_back(
+      {"depth", "N", "Stop at namespaces (0), classes (1), instances (2) or values (3)."});
   options.push_back({"json", nullptr, "Print one JSON object."});
   return options;
 }
@@ -212,11 +213,11 @@ TVerb ShowVerb() {
   return {
       "show",
       "Shows a document, or this machine, as a tree of CIM classes and instances.",
-      "FILE is a CIM-XML document, '-' standard input; without it the providers of this\n"
-      "machine are asked. ELEMENT is a class, shown with all derived from it, or an object\n"
-      "path such as 'VORNSG_SCSIDevice.DeviceID=\"/dev/sg0\"'; 'root/cimv2:' before it looks in\n"
-      "that namespace only. A single argument is the file if one of that name exists or if it\n"
-      "cannot be an element.\n",
+      "FILE is a CIM-XML document, '-' is standard input; without it this machine is shown.\n"
+      "ELEMENT is a class, shown with all its subclasses, or an object path such as\n"
+      "'VORNSG_SCSIDevice.DeviceID=\"/dev/sg0\"'; 'root/cimv2:' before it searches only that\n"
+      "namespace. A single argument is FILE if a file with this name exists, or if it cannot be\n"
+      "an element.\n",
       ShowOptions(),
       RunShow,
       {{"FILE", TOperandSpec::kOptional}, {"ELEMENT", TOperandSpec::kOptional}}};

@@ -31,10 +31,10 @@ namespace NVORNQDX20 {
 namespace {
 
 /// Longer than the timeouts of libcurl and the system, which give better reasons.
-constexpr const char* kPatience = "180";
+constexpr const char* kDefaultTimeout = "180";
 
 const TOptionSpec kTimeoutOption = {"timeout", "SECONDS",
-                                    "Give up when for so long nothing moves, 180 if not given."};
+                                    "Give up after this time without progress (180 by default)."};
 
 using TStream = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
@@ -42,19 +42,19 @@ using TStream = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
   throw TCommandFailure(kExitBadInput, action, {kQDXStatusFileSystemError, why});
 }
 
-std::chrono::seconds PatienceOf(const TArguments& arguments) {
-  const std::string text = arguments.Get(kTimeoutOption.fName, kPatience);
+std::chrono::seconds TimeoutOf(const TArguments& arguments) {
+  const std::string text = arguments.Get(kTimeoutOption.fName, kDefaultTimeout);
   std::uint16_t seconds = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
   if (error != std::errc() || end != text.data() + text.size() || seconds == 0) {
-    FailOnUsage("'" + text + "' is no number of seconds from 1 to 65535");
+    FailOnUsage("'" + text + "' is not a number of seconds from 1 to 65535");
   }
   return std::chrono::seconds(seconds);
 }
 
 /// Shortens a message of the core: removes the name of the operation, which means nothing to an
 /// operator, and an empty detail of libcurl.
-std::string Polished(const std::string& message) {
+std::string ShortenMessage(const std::string& message) {
   const std::string origin = "TOSSpecific|FTPFile: ";
   const bool hasOrigin = message.compare(0, origin.size(), origin) == 0;
   const std::string text = hasOrigin ? message.substr(origin.size()) : message;
@@ -64,7 +64,7 @@ std::string Polished(const std::string& message) {
 
 [[noreturn]] void FailToTransfer(const std::string& action, const TExplainedException& failure) {
   throw TCommandFailure(kExitTransferFailed, action,
-                        {failure.GetStatusCode(), Polished(failure.GetReason())});
+                        {failure.GetStatusCode(), ShortenMessage(failure.GetReason())});
 }
 
 /// The name becomes part of a URL, in which other characters have a special meaning.
@@ -75,16 +75,18 @@ void CheckRemoteName(const std::string& name) {
   if (name.empty() || !std::all_of(name.begin(), name.end(), isPlain) ||
       name.find("..") != std::string::npos) {
     FailOnUsage("the name '" + name +
-                "' is not of letters, digits, '.', '_' and '-', or has '..' in it");
+                "' contains '..', or characters other than letters, digits, '.', '_' and '-'");
   }
 }
 
 /// The path must be valid in a URL, and must be that of a file: for a folder, a listing arrives.
 void CheckRemotePath(const std::string& path) {
-  const auto isOdd = [](unsigned char c) { return c <= ' ' || c == 0x7f || c == '#' || c == '?'; };
-  if (path.empty() || path.back() == '/' || std::any_of(path.begin(), path.end(), isOdd)) {
+  const auto isForbidden = [](unsigned char c) {
+    return c <= ' ' || c == 0x7f || c == '#' || c == '?';
+  };
+  if (path.empty() || path.back() == '/' || std::any_of(path.begin(), path.end(), isForbidden)) {
     FailOnUsage("the path '" + path +
-                "' is empty, ends in '/', or has a blank, '#', '?' or control character in it");
+                "' is empty, ends in '/', or contains a blank, '#', '?' or a control character");
   }
 }
 
@@ -134,12 +136,12 @@ TStream CopyOfSource(const std::string& operand) {
 EExitCode RunUpload(const TArguments& arguments) {
   const std::string operand = arguments.Operand(0);
   const std::string name = arguments.Operand(1);
-  const auto patience = PatienceOf(arguments);
+  const auto timeout = TimeoutOf(arguments);
   CheckRemoteName(name);
   const TStream copy = CopyOfSource(operand);
   const std::string action =
       "uploading " + operand + " to " QDX_FTP_UPLOAD_HOST " as " + name + ".xml.gz";
-  RunWatched(action, patience, [&] {
+  RunWatched(action, timeout, [&] {
     const auto failure = Try([&] { TOSSpecific::FTPFile(PathOf(copy.get()), name); });
     if (failure) FailToTransfer(action, *failure);
   });
@@ -148,7 +150,7 @@ EExitCode RunUpload(const TArguments& arguments) {
 
 /// Throws if another byte cannot be written: only this distinguishes a full disk from a failed
 /// transfer.
-void CheckForRoom(const std::string& file, const std::string& shownAs) {
+void CheckDiskSpace(const std::string& file, const std::string& shownAs) {
   const TDescriptor descriptor(::open(file.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
   const bool hasRoom = descriptor.IsOpen() && WriteAll(descriptor.Get(), std::string_view("\0", 1));
   if (!hasRoom) FailOnFile("writing " + shownAs, ErrorText(errno));
@@ -158,10 +160,10 @@ void CheckForRoom(const std::string& file, const std::string& shownAs) {
 void Download(const TArguments& arguments, const std::string& file, const std::string& shownAs) {
   const std::string remote = arguments.Operand(0);
   const std::string action = "downloading " + remote + " from " QDX_FTP_DOWNLOAD_HOST;
-  RunWatched(action, PatienceOf(arguments), [&] {
+  RunWatched(action, TimeoutOf(arguments), [&] {
     const auto failure = Try([&] { TOSSpecific::FTPFileFromVORN(file, remote); });
     if (!failure) return;
-    CheckForRoom(file, shownAs);
+    CheckDiskSpace(file, shownAs);
     FailToTransfer(action, *failure);
   });
 }
@@ -177,7 +179,7 @@ void DownloadToOutput(const TArguments& arguments) {
 std::filesystem::path TargetOf(const std::filesystem::path& local) {
   std::error_code error;
   if (std::filesystem::exists(local, error) && !std::filesystem::is_regular_file(local, error)) {
-    FailOnFile("writing " + local.string(), "it is no regular file");
+    FailOnFile("writing " + local.string(), "it is not a regular file");
   }
   return FileToReplace(local);
 }
@@ -201,22 +203,23 @@ EExitCode RunDownload(const TArguments& arguments) {
 }  // namespace
 
 TVerb UploadVerb() {
-  return {"upload",
-          "Sends collected data to the maker's service.",
-          "FILE, an .xml.gz document or '-' for standard input, is sent by anonymous FTP and\n"
-          "becomes NAME.xml.gz there. NAME is of letters, digits, '.', '_' and '-'. What is\n"
-          "sent is copied to a temporary file first, and must not be empty.\n",
-          {kTimeoutOption},
-          RunUpload,
-          {{"FILE"}, {"NAME"}}};
+  return {
+      "upload",
+      "Sends collected data to the maker's service.",
+      "FILE, an .xml.gz document or '-' for standard input, is sent by anonymous FTP and\n"
+      "becomes NAME.xml.gz there. NAME consists of letters, digits, '.', '_' and '-'. The data\n"
+      "is copied to a temporary file first, and must not be empty.\n",
+      {kTimeoutOption},
+      RunUpload,
+      {{"FILE"}, {"NAME"}}};
 }
 
 TVerb DownloadVerb() {
   return {"download",
           "Fetches a file from the maker's service.",
-          "REMOTE is a path there, fetched by anonymous FTP and written as it would stand in a\n"
-          "URL: a blank is '%20'. LOCAL, or what it is a link to, is replaced when all has\n"
-          "arrived, or '-' for standard output; after a failure it is what it was.\n",
+          "REMOTE is the path of a file there, written as in a URL: a blank is '%20'. It is\n"
+          "fetched by anonymous FTP. LOCAL, or the target if it is a link, is replaced after the\n"
+          "whole file has arrived; '-' is standard output. After a failure it is unchanged.\n",
           {kTimeoutOption},
           RunDownload,
           {{"REMOTE"}, {"LOCAL"}}};

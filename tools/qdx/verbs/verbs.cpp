@@ -43,7 +43,7 @@ const char* const kExitCodes =
     "  1  different (diff)\n"
     "  2  wrong usage\n"
     "  3  partly done: a plug-in failed or warned, the rest was delivered\n"
-    "  4  a folder or file that was named, or standard output, cannot be used\n"
+    "  4  a named folder or file, or standard output, cannot be used\n"
     "  5  nothing was collected\n"
     "  6  the transfer failed\n";
 
@@ -65,10 +65,10 @@ const TVerb& FindVerb(const std::string& name) {
 
 const std::vector<TOptionSpec>& CommonOptions() {
   static const std::vector<TOptionSpec> options = {
-      {"log", "FILE", "Write a fresh log to FILE."},
+      {"log", "FILE", "Write a log to FILE, which is truncated first."},
       {"log-level", "LEVEL", "Log error, warning, status (the default), debug or verbose."},
-      {"help", nullptr, "Explain the verb, and end."},
-      {"version", nullptr, "Print the version, and end."}};
+      {"help", nullptr, "Print help for the verb, and exit."},
+      {"version", nullptr, "Print the version, and exit."}};
   return options;
 }
 
@@ -82,7 +82,7 @@ std::string GeneralHelp() {
   return "Usage: qdx VERB [OPTION]...\n"
          "Describes and diagnoses this machine.\n\nVerbs:\n" +
          FormatVerbs() + "\nOptions of every verb:\n" + FormatOptions(CommonOptions()) + "\n" +
-         kExitCodes + "\n'qdx help VERB' tells more.\n";
+         kExitCodes + "\n'qdx help VERB' explains a verb.\n";
 }
 
 std::string HelpFor(const TVerb& verb) {
