@@ -33,15 +33,5 @@ TEST(Properties, AreThoseOfAllSuperclassesAndKeysStayKeys) {
   EXPECT_EQ(Listed(NModel::PropertiesOf(*sparse)), "name ID* Size ");
 }
 
-TEST(OwnPropertyDecls, AreThoseThatTheSuperclassDoesNotHave) {
-  const auto ns = MakeNamespace();
-  const auto top = AddClass(ns, "T_Top", {{"Id", 1}}, {{"Name", "top"}});
-  const auto derived = AddDerived(ns, "T_Derived", top, {{"Size", 3}, {"name", "derived"}});
-  std::string names;
-  for (const auto& decl : NModel::OwnPropertyDeclsOf(*derived)) names += decl->GetName() + " ";
-  EXPECT_EQ(names, "name Size ");  // in the order of the slots
-  EXPECT_EQ(NModel::OwnPropertyDeclsOf(*top).size(), 2U);
-}
-
 }  // namespace
 }  // namespace NVORNQDX20
