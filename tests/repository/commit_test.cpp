@@ -3,6 +3,9 @@
 
 #include "support/class_builder.h"
 #include "support/expect_status.h"
+#include "support/log_capture.h"
+
+#include <functional>
 
 namespace NVORNQDX20 {
 namespace {
@@ -136,6 +139,42 @@ TEST(RepositoryCommit, RefusesWhatBreaksARule) {
                  s.Qualify(s.Property(s.fSub, "New", 1U), "Key", true));
   EXPECT_REFUSED(kQDXStatusInvalidOpSequence, s.fNs->GetQualifierDecl("Key", {})->Commit());
   EXPECT_REFUSED(kQDXStatusInvalidOpSequence, s.fSub->CreateInstance({}));
+}
+
+TEST(RepositoryFailure, NamesWhatItIsAboutAndLogsNothing) {
+  TSample s;
+  const auto sub = s.fSub;
+  const auto force = s.fRun->CreateParameterDecl("Force", TCIMType::kCIMTypeBoolean);
+  const auto instance = s.fNs->GetClass("T_Plain", {})->CreateInstance({});
+  const std::pair<const char*, std::function<void()>> rows[] = {
+      {"namespace test has no class \"T_Sbu\"", [&] { s.fNs->GetClass("T_Sbu", {}); }},
+      {"class T_Plain has no property \"Cuont\"",
+       [&] { instance->SetPropertyValue("Cuont", 1U, {}); }},
+      {"property Name of class T_Base has no qualifier \"Key\"",
+       [&] { sub->GetPropertyDecl("name", {})->GetQualifier("Key"); }},
+      {"property Count of class T_Plain is uint32, not uint8[]",
+       [&] { instance->SetPropertyValue("Count", TCIMValue(kUint8, 3), {}); }},
+      {"property name of class T_Sub is uint32, but overrides a string of class T_Base",
+       [&] { s.Property(sub, "name", 1U); }},
+      {"qualifier Key of parameter Force of method Run of class T_Sub is boolean, not string",
+       [&] { s.Qualify(force, "Key", "yes"); }},
+      {"a qualifier of class T_Sub, Key, is not one that is declared in namespace test",
+       [&] { sub->AddQualifier(MakeNamespace()->GetQualifierDecl("Key", {}), true); }},
+      {"property Any of class T_Sub cannot be untyped", [&] { s.Property(sub, "Any", {}); }},
+      {"class T_Base is committed already", [&] { s.Property(s.fBase, "New", 1U); }},
+      {"instance T_Base.Id=\"1\" is there already", [&] {
+         AddInstance(s.fNs, "T_Base", {{"Id", 1U}});
+       }}};
+  const TLogCapture log;
+  for (const auto& [reason, fail] : rows) {
+    try {
+      fail();
+      ADD_FAILURE() << reason;
+    } catch (const TExplainedException& e) {
+      EXPECT_EQ(e.GetReason(), reason);
+    }
+  }
+  EXPECT_TRUE(log.Messages().empty());
 }
 
 TEST(RepositoryCommit, MakesElementsPartOfTheNamespaceOnlyThen) {
