@@ -2,7 +2,6 @@
 #include <qdxsnapshot/snapshot.h>
 
 #include "support/class_builder.h"
-#include "support/faulty_provider.h"
 
 #include <gtest/gtest.h>
 
@@ -28,31 +27,11 @@ std::string TextOf(const std::vector<TClassSnapshot>& classes) {
   return text;
 }
 
-std::string Shown(const ICIMNamespace& ns) {
-  std::vector<TClassSnapshot> classes;
-  TSnapshotReader(ns, kValues, classes).ReadAll();
-  return TextOf(classes);
-}
-
-TEST(Snapshot, HasInheritedPropertiesAndKeysThatAnOverridingDeclarationDoesNotRepeat) {
-  const TNamespace ns = MakeNamespace();
-  const auto top = AddClass(ns, "T_Top", {{"Id", 0}}, {{"Name", ""}});
-  AddDerived(ns, "T_Derived", top, {{"Id", 0}, {"Size", 2U}});
-  AddInstance(ns, "T_Derived", {{"Id", 7}, {"Name", "n"}});
-  const auto faults = boost::make_shared<TFaults>();
-  const std::string expected =
-      "T_Top 0: Id sint32* Name string\n"
-      "T_Derived(T_Top) 1: Id sint32* Name string Size uint32; T_Derived.Id=\"7\" 7 n 2\n";
-  EXPECT_EQ(Shown(*ns), expected);
-  faults->fHidesInherited = true;
-  EXPECT_EQ(Shown(*MakeFaultyNamespace(ns, faults)), expected);
-}
-
 /// What a reader reads of one class below another, each with two instances, the later one first.
 template <typename TRead>
 std::string ShownAfter(EDepth depth, TRead&& read) {
   const TNamespace ns = MakeNamespace();
-  AddDerived(ns, "B", AddClass(ns, "C", {{"Id", 0}}), {});
+  AddDerived(ns, "B", AddClass(ns, "C", {{"Id", 0}}), {{"Size", 3U}});
   AddClass(ns, "A", {}, {{"Text", ""}});
   for (const int id : {2, 1}) AddInstance(ns, id == 2 ? "B" : "C", {{"Id", id}});
   for (const char* text : {"b", "a"}) AddInstance(ns, "A", {{"Text", text}});
@@ -64,28 +43,31 @@ std::string ShownAfter(EDepth depth, TRead&& read) {
 }
 
 TEST(Snapshot, GoesAsDeepAsItIsAskedToAndIsSorted) {
-  const auto readAll = [](TSnapshotReader& reader, const TNamespace&) { reader.ReadAll(); };
-  EXPECT_EQ(ShownAfter(kNamespaces, readAll), "");
-  EXPECT_EQ(ShownAfter(kClasses, readAll),
-            "A 2: Text string\nB(C) 1: Id sint32*\nC 1: Id sint32*\n");
-  EXPECT_EQ(
-      ShownAfter(kInstances, readAll),
-      "A 2: Text string; A; A\nB(C) 1: Id sint32*; B.Id=\"2\"\nC 1: Id sint32*; C.Id=\"1\"\n");
-  EXPECT_EQ(ShownAfter(kValues, readAll),
-            "A 2: Text string; A a; A b\nB(C) 1: Id sint32*; B.Id=\"2\" 2\nC 1: Id sint32*; "
-            "C.Id=\"1\" 1\n");
+  const std::string texts[] = {"",
+                               "A 2: Text string\n"
+                               "B(C) 1: Id sint32* Size uint32\n"
+                               "C 1: Id sint32*\n",
+                               "A 2: Text string; A; A\n"
+                               "B(C) 1: Id sint32* Size uint32; B.Id=\"2\"\n"
+                               "C 1: Id sint32*; C.Id=\"1\"\n",
+                               "A 2: Text string; A a; A b\n"
+                               "B(C) 1: Id sint32* Size uint32; B.Id=\"2\" 2 3\n"
+                               "C 1: Id sint32*; C.Id=\"1\" 1\n"};
+  for (const EDepth depth : {kNamespaces, kClasses, kInstances, kValues}) {
+    EXPECT_EQ(ShownAfter(depth, [](auto& reader, const auto&) { reader.ReadAll(); }), texts[depth]);
+  }
 }
 
 TEST(Snapshot, MayBeOfPartOfANamespace) {
-  EXPECT_EQ(ShownAfter(kInstances, [](auto& reader,
-                                      const auto& ns) { reader.ReadTree(ns->GetClass("C", {})); }),
-            "B(C) 1: Id sint32*; B.Id=\"2\"\nC 1: Id sint32*; C.Id=\"1\"\n");
-  EXPECT_EQ(ShownAfter(kValues,
-                       [](auto& reader, const auto& ns) {
-                         reader.ReadInstance(*ns->GetClass("B", {})->GetInstance(
-                             TCIMReference(ns, "B.Id=\"2\"", {}), {}));
-                       }),
-            "B(C) 1: Id sint32*; B.Id=\"2\" 2\n");
+  const auto readTree = [](auto& reader, const auto& ns) {
+    reader.ReadTree(ns->GetClass("C", {}));
+  };
+  EXPECT_EQ(ShownAfter(kClasses, readTree), "B(C) 1: Id sint32* Size uint32\nC 1: Id sint32*\n");
+  const auto readInstance = [](auto& reader, const auto& ns) {
+    const TCIMReference path(ns, "B.Id=\"2\"", {});
+    reader.ReadInstance(*path.GetClass()->GetInstance(path, {}));
+  };
+  EXPECT_EQ(ShownAfter(kValues, readInstance), "B(C) 1: Id sint32* Size uint32; B.Id=\"2\" 2 3\n");
 }
 
 }  // namespace
