@@ -41,23 +41,16 @@ inline std::map<std::string, std::string> ReasonsOf(const ICIMNamespace& ns) {
   return reasons;
 }
 
-/// A machine of files. What is asked about it is always read anew.
+/// A machine of files, which are read again whenever something is asked about it.
 class TMachine : public TTempDir {
  public:
-  void WriteDMI(const std::string& name, const std::string& text) const {
-    Write("sys/class/dmi/id/" + name, text + "\n");
-  }
-
   boost::shared_ptr<ICIMNamespace> Namespace() const {
     return Describe({{"root", Path().string()}});
   }
-  std::string System(const std::string& property) const {
-    return TextOf(*InstancesOf(*Namespace(), "VORNSG_ComputerSystem").at(0), property);
+  /// Of the only instance of the class.
+  std::string Value(const std::string& className, const std::string& property) const {
+    return TextOf(*InstancesOf(*Namespace(), className).at(0), property);
   }
-  std::string OS(const std::string& property) const {
-    return TextOf(*InstancesOf(*Namespace(), "VORNSG_OperatingSystem").at(0), property);
-  }
-  std::map<std::string, std::string> Reasons() const { return ReasonsOf(*Namespace()); }
 };
 
 }  // namespace NVORNQDX20

@@ -1,37 +1,66 @@
 // SPDX-License-Identifier: Apache-2.0
-
 #include "linux/machine.h"
 #include "support/log_capture.h"
 #include "support/provider_suite.h"
 
 #include <algorithm>
+#include <array>
 #include <set>
 
 namespace NVORNQDX20 {
 namespace {
 
-TEST(LinuxProvider, SaysOnceWhyAValueIsMissing) {
+TEST(LinuxProvider, SaysOnceWhyAValueOrAClassIsMissing) {
   const TMachine machine;
   machine.Write("proc/sys/kernel/ostype", "Linux\n");
   const TLogCapture log;
-  const auto reasons = machine.Reasons();
+  const auto ns = machine.Namespace();
+  const auto reasons = ReasonsOf(*ns);
   const std::string noFile = ": No such file or directory";
-  const std::string noTable = "no DMI table: /sys/class/dmi/id does not exist";
-  const std::string noVersion = "no VERSION_ID in os-release, and /proc/sys/kernel/osrelease";
   EXPECT_EQ(reasons.at("CSName"), "/etc/hostname" + noFile);
-  EXPECT_EQ(reasons.at("Manufacturer"), noTable);
-  EXPECT_EQ(reasons.at("Version"), noVersion + noFile);
+  EXPECT_EQ(reasons.at("Manufacturer"), "no DMI table: /sys/class/dmi/id does not exist");
+  EXPECT_EQ(reasons.at("Version"),
+            "no VERSION_ID in os-release, and /proc/sys/kernel/osrelease" + noFile);
   const auto messages = log.Messages();
-  EXPECT_EQ(messages.size(), InstancesOf(*machine.Namespace(), "VORNSG_UnavailableValue").size());
+  const auto missing = InstancesOf(*ns, "VORNSG_UnavailableValue");
+  EXPECT_EQ(messages.size(), missing.size());
   const std::string last = "1 linux: VORNSG_OperatingSystem.Version: " + reasons.at("Version");
   EXPECT_EQ(std::count(messages.begin(), messages.end(), last), 1);
-  EXPECT_EQ(machine.System("Name"), "");  // a key, which is never null
+  const auto ofClass = [](const auto& one) { return TextOf(*one, "PropertyName").empty(); };
+  EXPECT_EQ(std::count_if(missing.begin(), missing.end(), ofClass), 5);
+  EXPECT_EQ(machine.Value("VORNSG_ComputerSystem", "Name"), "");  // a key, which is never null
 }
 
-TEST(LinuxProvider, RefusesWhatItDoesNotHave) {
-  EXPECT_QDX_STATUS(Describe({{"root", 7}}), kQDXStatusTypeMismatch);
-  const auto provider = TRootObject::GetNamespaceProviderManager()->GetNamespaceProvider("linux");
-  EXPECT_QDX_STATUS(provider->GetNamespace("root/other", {}), kQDXStatusNotFound);
+TEST(LinuxProvider, GivesTypeAndModelOnlyWhereTheMakerDoes) {
+  // Name, vendor and SKU; then the product name.
+  const std::array<std::string, 4> rows[] = {
+      {"Loftnode", "VORN", "47111AB", "Loftnode -[47111AB]-"},
+      {"Loftnode", "Vorn Corp.", "4711 AB", "Loftnode -[4711 AB]-"},
+      {"Loftnode -[8888222]-", "VORN", "47111AB", "Loftnode -[8888222]-"},
+      {"8888222", "VORN", "47111AB", "8888222"},
+      {"Loftnode", "VORN", "4711-AB", "Loftnode"},
+      {"Loftnode", "Someone else", "47111AB", "Loftnode"},
+      {"None", "VORN", "47111AB", "(null)"}};
+  const TMachine machine;
+  for (const auto& [name, vendor, sku, productName] : rows) {
+    machine.Write("sys/class/dmi/id/product_name", name);
+    machine.Write("sys/class/dmi/id/sys_vendor", vendor);
+    machine.Write("sys/class/dmi/id/product_sku", sku);
+    EXPECT_EQ(machine.Value("VORNSG_ComputerSystem", "ProductName"), productName) << sku;
+  }
+}
+
+TEST(LinuxProvider, NamesTheSystemAsTheDistributionElseAsTheKernelDoes) {
+  const TMachine machine;
+  const std::array<std::string, 3> rows[] = {
+      {"proc/sys/kernel/ostype", "Linux\n", "Linux"},
+      {"usr/lib/os-release", "NAME=Shipped\nVERSION_ID=8", "Shipped"},
+      {"etc/os-release", "NAME=\"\"\nVERSION_ID=9\n", "Linux"}};
+  for (const auto& [file, text, name] : rows) {
+    machine.Write(file, text);
+    EXPECT_EQ(machine.Value("VORNSG_OperatingSystem", "Name"), name);
+  }
+  EXPECT_EQ(machine.Value("VORNSG_OperatingSystem", "Version"), "9");
 }
 
 /// The classes of a namespace without their common prefix, each with a blank behind it.
@@ -69,6 +98,9 @@ TEST(LinuxProvider, DescribesOnlyWhatIsAskedFor) {
     EXPECT_EQ(ReasonsOf(*ns).count("CPU0Name"), hasProcessor) << expected;
   }
   EXPECT_QDX_STATUS(Describe({{"classes", "VORNSG_Processor"}}), kQDXStatusTypeMismatch);
+  EXPECT_QDX_STATUS(Describe({{"root", 7}}), kQDXStatusTypeMismatch);
+  const auto provider = TRootObject::GetNamespaceProviderManager()->GetNamespaceProvider("linux");
+  EXPECT_QDX_STATUS(provider->GetNamespace("root/other", {}), kQDXStatusNotFound);
 }
 
 boost::shared_ptr<ICIMNamespace> DescribeThisMachine() { return Describe({}); }

@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include "support/temp_dir.h"
-
 namespace NVORNQDX20 {
 namespace {
 
@@ -45,17 +43,6 @@ TEST(MachineNumber, IsMissingForAReason) {
       {TextOf(NumberAs<std::uint8_t>(TNumber::Of(255))), "255"},
       {TextOf(NumberAs<std::uint8_t>(TNumber::Of(256))), "256 is out of range"}};
   for (const auto& [text, expected] : rows) EXPECT_EQ(text, expected);
-}
-
-TEST(MachineNumber, IsTheFirstLineOfAFile) {
-  const TTempDir folder;
-  const THostFiles files(folder.Path().string());
-  const std::pair<std::string, std::string> rows[] = {
-      {"0\n1", "0"}, {"1 \n", "1"}, {"2\n", "/f: neither 0 nor 1"}, {"", "/f: empty"}};
-  for (const auto& [text, flag] : rows) {
-    folder.Write("f", text);
-    EXPECT_EQ(TextOf(ReadFlag(files, "/f")), flag);
-  }
 }
 
 TEST(MachineFields, AreFoundByTheirNames) {
