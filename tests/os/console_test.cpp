@@ -12,10 +12,9 @@
 
 #include <gtest/gtest.h>
 
-namespace NVORNQDX20 {
-namespace {
+using namespace NVORNQDX20;
 
-/// Standard input is a terminal for the length of a test, with this program at the keys.
+/// Makes standard input a terminal, with this program at the keys.
 class Console : public ::testing::Test {
  protected:
   Console() {
@@ -28,8 +27,6 @@ class Console : public ::testing::Test {
   ~Console() override {
     const termios after = Attributes();
     EXPECT_EQ(std::memcmp(&fAttributes, &after, sizeof after), 0);
-    ::dup2(fInput, STDIN_FILENO);
-    ::close(fInput);
     ::close(fKeys);
   }
 
@@ -54,7 +51,6 @@ class Console : public ::testing::Test {
     return result;
   }
 
-  const int fInput = ::dup(STDIN_FILENO);
   int fKeys = -1;
   termios fAttributes{};
 };
@@ -84,6 +80,3 @@ TEST_F(Console, CountsAnErrorAsAKey) {
   EXPECT_TRUE(TOSSpecific::IsKeyWaiting());
   ::setrlimit(RLIMIT_NOFILE, &limits);
 }
-
-}  // namespace
-}  // namespace NVORNQDX20

@@ -12,14 +12,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace NVORNQDX20 {
-namespace {
+using namespace NVORNQDX20;
 
 namespace fs = std::filesystem;
 using TOS = TOSSpecific;
 
 class Files : public ::testing::Test {
  protected:
+  Files() { ::umask(0); }
   std::string At(const std::string& name) const { return (fDir.Path() / name).string(); }
 
   const TTempDir fDir;
@@ -50,9 +50,7 @@ TEST_F(Files, OfADirectoryAreListed) {
 }
 
 TEST_F(Files, DirectoriesAreCreatedOneAtATime) {
-  const mode_t mask = ::umask(0);
   TOS::CreateDir(At("new"));
-  ::umask(mask);
   EXPECT_EQ(fs::status(At("new")).permissions(), fs::perms::all);
   EXPECT_QDX_STATUS(TOS::CreateDir(At("new")), kQDXStatusDirectoryAlreadyExists);
   EXPECT_QDX_STATUS(TOS::CreateDir(At("none/new")), kQDXStatusFileSystemError);
@@ -79,9 +77,7 @@ TEST_F(FileCopy, TakesContentsAndPermissions) {
   contents[50000] = '\0';
   fDir.Write("source", contents);
   fs::permissions(At("source"), fs::perms::owner_all | fs::perms::group_read);
-  const mode_t mask = ::umask(022);
   TOS::FileCopy(At("source"), At("copy"));
-  ::umask(mask);
   EXPECT_EQ(ReadWholeFile(At("copy")), contents);
   EXPECT_EQ(fs::status(At("copy")).permissions(), fs::status(At("source")).permissions());
 }
@@ -97,7 +93,7 @@ TEST_F(FileCopy, LeavesWhatIsThere) {
 
 TEST_F(FileCopy, FailsWhereNothingMoreIsWrittenButNotInTheMiddleOfABlock) {
   fDir.Write("source", std::string(50000, 'x'));
-  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   rlimit before{};
   ::getrlimit(RLIMIT_FSIZE, &before);
   const auto copy = [&](rlim_t limit, const char* destination) {
@@ -112,7 +108,6 @@ TEST_F(FileCopy, FailsWhereNothingMoreIsWrittenButNotInTheMiddleOfABlock) {
   EXPECT_EQ(copy(40000, "b"), "nothing");
   EXPECT_EQ(TOS::GetFileSize(At("b")), 40000U);
   EXPECT_EQ(TOS::ListDir("/proc/self/fd").size(), descriptors);
-  std::signal(SIGXFSZ, handler);
 }
 
 TEST_F(FileCopy, OfAMissingSourceRunsOnDescriptor0) {
@@ -142,6 +137,3 @@ TEST_F(FileCopy, OfADirectoryNeedsTheTreeOfTheDestination) {
   EXPECT_QDX_STATUS(TOS::DirCopy(At("a"), At("flat"), true), kQDXStatusFileSystemError);
   EXPECT_QDX_STATUS(TOS::DirCopy(At("a"), At("tree"), false), kQDXStatusFileSystemError);
 }
-
-}  // namespace
-}  // namespace NVORNQDX20

@@ -54,8 +54,7 @@ QDXCORE_EXPORT void curl_easy_cleanup(void*) { Pass("cleanup"); }
 QDXCORE_EXPORT void curl_global_cleanup() { Pass("end"); }
 }
 
-namespace NVORNQDX20 {
-namespace {
+using namespace NVORNQDX20;
 
 using TOS = TOSSpecific;
 
@@ -124,6 +123,3 @@ TEST(FTPTransfer, SaysWhyItFails) {
     ExpectError(isUpload, "/none", library, "loading curl library");
   }
 }
-
-}  // namespace
-}  // namespace NVORNQDX20

@@ -12,11 +12,7 @@
 
 #include <dlfcn.h>
 
-namespace {
-
-std::string gLibrary;  // where the library says that it is; where it is if empty
-
-}  // namespace
+static std::string gLibrary;  // where the library says that it is; where it is if empty
 
 /// Stands before the C library's function, for the library under test too.
 extern "C" QDXCORE_EXPORT int dladdr(const void* address, Dl_info* info) noexcept {
@@ -26,8 +22,7 @@ extern "C" QDXCORE_EXPORT int dladdr(const void* address, Dl_info* info) noexcep
   return result;
 }
 
-namespace NVORNQDX20 {
-namespace {
+using namespace NVORNQDX20;
 
 namespace fs = std::filesystem;
 using TOS = TOSSpecific;
@@ -149,6 +144,3 @@ TEST(SpecificationPath, IsBuiltFromThePluginPath) {
     EXPECT_QDX_STATUS(TOS::BuildSpecificationPath(bad), kQDXStatusFail);
   }
 }
-
-}  // namespace
-}  // namespace NVORNQDX20

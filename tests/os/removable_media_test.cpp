@@ -50,8 +50,7 @@ QDXCORE_EXPORT int system(const char* command) {
 }
 }
 
-namespace NVORNQDX20 {
-namespace {
+using namespace NVORNQDX20;
 
 using TOS = TOSSpecific;
 using TWords = std::vector<std::string>;
@@ -91,6 +90,3 @@ TEST(RemovableMedia, AreMountedAndUnmountedByCommands) {
   TOS::UnmountDevice("", "/mnt/a");
   EXPECT_QDX_STATUS(TOS::UnmountDevice("", "/mnt/b"), kQDXStatusFileSystemError);
 }
-
-}  // namespace
-}  // namespace NVORNQDX20

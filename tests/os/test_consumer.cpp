@@ -4,17 +4,10 @@
 
 using namespace NVORNQDX20;
 
-namespace {
-
-class TTestConsumer : public INamespaceConsumer {
- public:
+struct TTestConsumer : INamespaceConsumer {
   const std::string& GetName(TOptionsMap) const override { return fName; }
-
- private:
-  std::string fName = "the good consumer";
+  const std::string fName = "the good consumer";
 };
-
-}  // namespace
 
 extern "C" {
 QDXCORE_EXPORT INamespaceConsumer* good_CreateINamespaceConsumer() { return new TTestConsumer; }

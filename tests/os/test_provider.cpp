@@ -4,17 +4,10 @@
 
 using namespace NVORNQDX20;
 
-namespace {
-
-class TTestProvider : public INamespaceProvider {
- public:
+struct TTestProvider : INamespaceProvider {
   ~TTestProvider() override { TRootObject::GetNamespaceProviderManager(); }
   const std::string& GetName(TOptionsMap) const override { return fName; }
-
- private:
-  std::string fName = "test";
+  const std::string fName = "test";
 };
 
-[[maybe_unused]] const bool kRegistered = RegisterProvider<TTestProvider>();
-
-}  // namespace
+[[maybe_unused]] static const bool kRegistered = RegisterProvider<TTestProvider>();
