@@ -9,30 +9,8 @@
 #include <random>
 #include <tuple>
 
-#include <dlfcn.h>
+using namespace NVORNQDX20;
 
-namespace {
-
-int gCLibraryCalls = 0;  // of the functions below
-
-}  // namespace
-
-// They stand before the C library's functions, for the library under test too.
-extern "C" {
-QDXCORE_EXPORT std::time_t mktime(std::tm* fields) noexcept {
-  static const auto next = reinterpret_cast<decltype(&mktime)>(::dlsym(RTLD_NEXT, "mktime"));
-  ++gCLibraryCalls;
-  return next(fields);
-}
-QDXCORE_EXPORT std::tm* localtime_r(const std::time_t* time, std::tm* fields) noexcept {
-  static const auto next =
-      reinterpret_cast<decltype(&localtime_r)>(::dlsym(RTLD_NEXT, "localtime_r"));
-  ++gCLibraryCalls;
-  return next(time, fields);
-}
-}
-
-namespace NVORNQDX20 {
 namespace {
 
 /// The time zone from here on, or the host's for null: a test that depends on it sets its own.
@@ -95,7 +73,8 @@ TEST(CIMDateTime, KeepsThePointsFieldsBehindAnInterval) {
 TEST(CIMDateTimeText, SurvivesARoundTrip) {
   for (const char* text :
        {"20040315143000.000000+060", "20040230000000.000000-300", "00000001020304.000005:000",
-        "00065535235959.065535:000", "99999999999999.000000+999", "00000001000000.000000+000"}) {
+        "00065535235959.065535:000", "99999999999999.000000+999", "00000001000000.000000+000",
+        "20041399999999.000000+000"}) {
     EXPECT_EQ(Parse(text).ToString(), text);
   }
   EXPECT_EQ(Parse("20040315143000.000000-000").ToString(), "20040315143000.000000+000");
@@ -107,7 +86,6 @@ TEST(CIMDateTimeText, NarrowsMicrosecondsAndDays) {
 }
 
 TEST(CIMDateTimeText, KeepsFieldsThatCarryOver) {
-  EXPECT_EQ(Parse("20041399999999.000000+000").ToString(), "20041399999999.000000+000");
   EXPECT_EQ(TCIMDateTime(65535, 3, 100, 4, 5, 6, 12345678, -1000).ToString(),
             "6553503100040506.12345678-1000");
 }
@@ -177,49 +155,29 @@ TEST(CIMDateTime, IsTakenAndOrderedAsMktimeHasIt) {
       const std::time_t shown = centre + number(-around, around) + offset * 60;
       std::tm fields{};
       ::gmtime_r(&shown, &fields);
-      if (number(0, 1) == 0 && fields.tm_min > 0 &&
-          fields.tm_sec < 40) {  // seconds that carry over
+      if (number(0, 1) == 0 && fields.tm_min > 0) {  // seconds that carry over
         --fields.tm_min;
         fields.tm_sec += 60;
       }
-      if (fields.tm_mon == 11) {  // months too: December is number 0, January 13
-        fields.tm_mon = -1;
-        ++fields.tm_year;
-      } else if (fields.tm_mon == 0) {
-        fields.tm_mon = 12;
-        --fields.tm_year;
+      if (fields.tm_mon % 11 == 0) {  // months too: December is number 0, January 13
+        const int years = fields.tm_mon == 0 ? -1 : 1;
+        fields.tm_year += years;
+        fields.tm_mon -= 12 * years;
       }
       TCIMDateTime point;
       const std::string status = StatusThrownBy([&] { point = PointOf(fields, offset); });
       fields.tm_min -= offset;
       const std::time_t instant = std::mktime(&fields);
-      ASSERT_EQ(status, instant == -1 ? "kQDXStatusInvalidDateTime" : "nothing")
-          << zone << " " << shown << " " << offset;
-      refused = refused || instant == -1;
+      SCOPED_TRACE(::testing::Message() << zone << " " << shown << " " << offset);
+      ASSERT_EQ(status, instant == -1 ? "kQDXStatusInvalidDateTime" : "nothing");
+      refused |= instant == -1;
       if (instant == -1) continue;
-      if (!last.IsNull()) {
-        ASSERT_EQ(last == point, lastInstant == instant) << zone << " " << shown;
-        ASSERT_EQ(last < point, lastInstant < instant) << zone << " " << shown;
-      }
+      ASSERT_TRUE(last.IsNull() || (last == point) == (lastInstant == instant));
+      ASSERT_TRUE(last.IsNull() || (last < point) == (lastInstant < instant));
       last = point;
       lastInstant = instant;
     }
     EXPECT_TRUE(zone == nullptr || refused == refusesSome) << zone;
-  }
-}
-
-TEST(CIMDateTimeComparison, AsksTheCLibraryOnlyNearAMoveOfTheOffset) {
-  const std::tuple<const char*, const char*, bool> rows[] = {
-      {nullptr, "20040115143000.000000+060", false},
-      {"CET-1CEST,M3.5.0,M10.5.0", "20040115143000.000000+060", false},
-      {"CET-1CEST,M3.5.0,M10.5.0", "20040328143000.000000+060", true},
-      {"CET-1CEST,M3.5.0,M10.5.0", "20040715143000.000000+060", false}};
-  for (const auto& [zone, text, asks] : rows) {
-    SetZone(zone);
-    const TCIMDateTime point(text);
-    gCLibraryCalls = 0;
-    EXPECT_FALSE(point < point);
-    EXPECT_EQ(gCLibraryCalls > 0, asks) << text;
   }
 }
 
@@ -303,4 +261,3 @@ TEST(CIMDateTimeDisplay, IsForPeople) {
 }
 
 }  // namespace
-}  // namespace NVORNQDX20

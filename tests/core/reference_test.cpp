@@ -6,7 +6,8 @@
 #include "support/faulty_provider.h"
 #include "support/log_capture.h"
 
-namespace NVORNQDX20 {
+using namespace NVORNQDX20;
+
 namespace {
 
 class CIMReference : public ::testing::Test {
@@ -229,4 +230,3 @@ TEST_F(ObjectPath, IsBoundedInItsDepth) {
 }
 
 }  // namespace
-}  // namespace NVORNQDX20

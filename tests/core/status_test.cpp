@@ -9,7 +9,8 @@
 #include <cstdlib>
 #include <iostream>
 
-namespace NVORNQDX20 {
+using namespace NVORNQDX20;
+
 namespace {
 
 // In the order of their values, with the enumerator's own text.
@@ -63,12 +64,12 @@ TEST_F(Assertion, ThrowsAndLogsExpressionPlaceAndFunction) {
 }
 
 TEST_F(Assertion, ReportsASettingThatItDoesNotKnow) {
-  for (const std::string setting : {"THROWBOOST", "", " trap"}) {
-    Choose(setting.c_str());
+  for (const char* setting : {"THROWBOOST", "", " trap"}) {
+    Choose(setting);
     ::testing::internal::CaptureStderr();
     EXPECT_QDX_STATUS(UseNull(), kQDXStatusFail);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
-              "Invalid setting for QDX_BOOST_ASSERT '" + setting +
+              std::string("Invalid setting for QDX_BOOST_ASSERT '") + setting +
                   "'. Valid values are {throwqdx, throwboost, trap, exit}.\n");
   }
 }
@@ -94,4 +95,3 @@ TEST_F(AssertionDeathTest, EndsTheProcessOnRequest) {
 }
 
 }  // namespace
-}  // namespace NVORNQDX20
