@@ -16,26 +16,19 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace NVORNQDX20 {
-namespace {
+using namespace NVORNQDX20;
 
 bool IsOpen(int number) { return ::fcntl(number, F_GETFD) >= 0; }
 
 TDescriptor OpenNull() { return TDescriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC)); }
 
 TEST(Descriptor, HasOneOwnerWhoClosesIt) {
-  int moved = 0;
-  {
-    TDescriptor first = OpenNull(), second = OpenNull();
-    const int overwritten = second.Get();
-    moved = first.Get();
-    second = std::move(first);
-    EXPECT_FALSE(IsOpen(overwritten));
-    const TDescriptor third(std::move(second));
-    EXPECT_FALSE(second.IsOpen());
-    EXPECT_TRUE(IsOpen(moved));
-  }
-  EXPECT_FALSE(IsOpen(moved));
+  TDescriptor first = OpenNull(), second = OpenNull();
+  const int overwritten = second.Get(), moved = first.Get();
+  second = std::move(first);
+  EXPECT_TRUE(!IsOpen(overwritten) && IsOpen(moved));
+  EXPECT_EQ(TDescriptor(std::move(second)).Get(), moved);
+  EXPECT_TRUE(!second.IsOpen() && !IsOpen(moved));
   const int released = OpenNull().Release();
   EXPECT_TRUE(IsOpen(released));
   EXPECT_TRUE(TDescriptor(released).Close());
@@ -90,15 +83,14 @@ TEST(WriteAll, GoesOnAfterSignalsAndShortWrites) {
   const TPipe pipe = OpenPipe();
   gReadEnd = pipe.fReadEnd.Get();
   static int signals = 0;
-  struct sigaction action = {}, before = {};
+  struct sigaction action = {};
   action.sa_handler = [](int) {
     if (++signals % 2 == 0) Read(20000);  // at the others, the pipe is still full
   };
-  ::sigaction(SIGALRM, &action, &before);
+  ::sigaction(SIGALRM, &action, nullptr);
   ::ualarm(1000, 1000);
   EXPECT_TRUE(WriteAll(pipe.fWriteEnd.Get(), text));
   ::ualarm(0, 0);
-  ::sigaction(SIGALRM, &before, nullptr);
   Read(sizeof gText - gSize);
   EXPECT_TRUE(std::string(gText, gSize) == text);
 }
@@ -140,6 +132,3 @@ TEST(UTF8, CostsOneByteWhereItIsBad) {
     EXPECT_TRUE(codePoints == expected) << ::testing::PrintToString(text);
   }
 }
-
-}  // namespace
-}  // namespace NVORNQDX20
