@@ -8,12 +8,9 @@
 
 #include <sstream>
 
-namespace NVORNQDX20 {
-namespace {
+using namespace NVORNQDX20;
 
 using TCIMType = TCIMValue::TCIMType;
-
-const TCIMValue kNoText(TCIMType::kCIMTypeString, 0);
 
 template <typename TElement>
 TElement Qualify(const TNamespace& ns, TElement element, const char* name, const TCIMValue& value) {
@@ -191,8 +188,8 @@ TEST(Copy, BindsReferencesToTheTarget) {
                            R"(T_Link.From="T_Leaf.Id="7"",To="T_Base.Id="7"")",
                            R"(T_Meta.Of="T_Link.From="T_Leaf.Id="7""")"}) {
     const TCIMValue copy = TCIMCopy::CopyValue(ReferenceTo(source, path), target);
-    EXPECT_EQ(copy, ReferenceTo(target, path))
-        << path;  // classes compare by identity, in keys as well
+    // Classes compare by identity, in keys as well.
+    EXPECT_EQ(copy, ReferenceTo(target, path)) << path;
     EXPECT_EQ(copy.GetReferencedClass(), ReferenceTo(target, path).GetReferencedClass()) << path;
     EXPECT_EQ(static_cast<TCIMReference>(copy).GetNamespace(), target) << path;
   }
@@ -224,6 +221,3 @@ TEST(Copy, CannotReferToAClassThatTheTargetLacks) {
   EXPECT_QDX_STATUS(TCIMCopy::CopyValue(toSelf, faulty), kQDXStatusFail);
   EXPECT_NE(log.Messages().at(0).find("[px != 0]"), std::string::npos);
 }
-
-}  // namespace
-}  // namespace NVORNQDX20

@@ -10,8 +10,7 @@
 #include <cstring>
 #include <type_traits>
 
-namespace NVORNQDX20 {
-namespace {
+using namespace NVORNQDX20;
 
 /// The place of a virtual function in its class's table: the compiler keeps it, plus one byte, in
 /// the pointer to the member. The destructor takes the places 0 and 1.
@@ -157,6 +156,3 @@ TEST(RegisterProvider, LogsTheReasonWhateverWasThrown) {
     EXPECT_EQ(log.Messages().back(), "0 Failed to register a provider: " + reason);
   }
 }
-
-}  // namespace
-}  // namespace NVORNQDX20

@@ -8,13 +8,9 @@
 
 #include <array>
 
-namespace NVORNQDX20 {
-namespace {
+using namespace NVORNQDX20;
 
-using TCIMType = TCIMValue::TCIMType;
 using THelper = TCIMSchemaHelper;
-
-const TCIMValue kNoText(TCIMType::kCIMTypeString, 0);
 
 /// A namespace with one instance of a class that has these properties.
 TNamespace MakeOne(const std::string& className, const TProperties& properties) {
@@ -160,6 +156,3 @@ TEST(SchemaHelperVersion, IsSplitAtItsDots) {
   EXPECT_QDX_STATUS(THelper::GetDataSourceMinorVersion(ns, {}), kQDXStatusNotFound);
   EXPECT_QDX_STATUS(THelper::GetDataSourceBuildVersion(ns), kQDXStatusNotFound);
 }
-
-}  // namespace
-}  // namespace NVORNQDX20

@@ -11,12 +11,14 @@ namespace NVORNQDX20 {
 using TNamespace = boost::shared_ptr<ICIMNamespace>;
 using TProperties = std::vector<std::pair<std::string, TCIMValue>>;
 
+/// A null string.
+inline const TCIMValue kNoText(TCIMValue::TCIMType::kCIMTypeString, 0);
+
 /// An empty namespace that knows the qualifiers Key, Association, Abstract and Override.
 inline TNamespace MakeNamespace() {
   TNamespace ns = MakeRepositoryNamespace("test");
-  const TCIMValue noText(TCIMValue::TCIMType::kCIMTypeString, 0);
   for (const std::string name : {"Key", "Association", "Abstract", "Override"}) {
-    const TCIMValue value = name == "Override" ? noText : TCIMValue(false);
+    const TCIMValue value = name == "Override" ? kNoText : TCIMValue(false);
     ns->CreateQualifierDecl(name, value, kScopeAny, kFlavorOverridable, {})->Commit();
   }
   return ns;
