@@ -6,9 +6,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "absence.h"
 #include "cli/output.h"
 #include "cli/terminal.h"
+#include "missing_values.h"
 #include "plugin_host/crash_note.h"
 #include "plugin_host/libraries.h"
 #include "plugin_host/provider_query.h"
@@ -83,7 +83,7 @@ TOptionsMap OptionsFor(const std::string& root, const std::vector<TItem>& items)
           {NModel::kClassesOption, TCIMValue(TCIMValue::TCIMType::kCIMTypeString, 0, classes)}};
 }
 
-TAnswer Ask(const TItem& item, TNamespace ns, const TAbsenceReasons& reasons) {
+TAnswer Ask(const TItem& item, TNamespace ns, const TMissingValueReasons& reasons) {
   const TCrashNote note(std::string("asking for ") + item.fLabel);
   TJSON value;
   auto failure = Try([&] { value = item.fQuery(ns); });
@@ -146,7 +146,7 @@ EExitCode RunIdentity(const TArguments& arguments) {
     return FailToDescribe(root, std::string("no provider has ") + kMachineNamespace + kListPlugins);
   }
 
-  const TAbsenceReasons reasons = ReadAbsenceReasons(*ns);
+  const TMissingValueReasons reasons = ReadMissingValueReasons(*ns);
   std::vector<TAnswer> answers;
   answers.reserve(items.size());
   for (const TItem& item : items) answers.push_back(Ask(item, ns, reasons));

@@ -92,7 +92,7 @@ class TSelection {
     }
     const auto element = Find(ns);
     if (!element && !fRequest.fElement.fText.empty()) return;
-    fFound.push_back({origin.fNamespace, origin.fProvider, {}, ReadAbsenceReasons(*ns)});
+    fFound.push_back({origin.fNamespace, origin.fProvider, {}, ReadMissingValueReasons(*ns)});
     Read(*ns, element);
   }
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include <qdxsnapshot/snapshot.h>
-#include "absence.h"
+#include "missing_values.h"
 
 namespace NVORNQDX20 {
 
@@ -15,7 +15,7 @@ struct TTreeNamespace {
   std::string fName;
   std::string fProvider;  ///< Empty for a document.
   std::vector<TClassSnapshot> fClasses;
-  TAbsenceReasons fReasons;
+  TMissingValueReasons fReasons;
 };
 
 /// Returns a line for each namespace, class and instance, followed by the properties; missing

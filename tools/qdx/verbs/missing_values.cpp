@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "absence.h"
+#include "missing_values.h"
 
 #include <qdxmodel/classes.h>
 
@@ -14,13 +14,13 @@ std::string Text(const ICIMInstance& instance, const char* property) {
 
 }  // namespace
 
-TAbsenceReasons ReadAbsenceReasons(const ICIMNamespace& ns) {
-  TAbsenceReasons reasons;
+TMissingValueReasons ReadMissingValueReasons(const ICIMNamespace& ns) {
+  TMissingValueReasons reasons;
   // A reason that cannot be read is skipped: the status of the value is shown instead.
   (void)Try([&] {
-    const auto absence = ns.GetClass("VORNSG_UnavailableValue", {});
-    if (!absence) return;
-    NModel::ForEachInstance(*absence, [&reasons](const ICIMInstance& instance) {
+    const auto missing = ns.GetClass("VORNSG_UnavailableValue", {});
+    if (!missing) return;
+    NModel::ForEachInstance(*missing, [&reasons](const ICIMInstance& instance) {
       reasons.emplace(std::tuple(Text(instance, "ClassName"), Text(instance, "Instance"),
                                  Text(instance, "PropertyName")),
                       Text(instance, "Reason"));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Reads the reasons that a namespace gives for its missing values.
-#ifndef TOOLS_QDX_VERBS_ABSENCE_H_
-#define TOOLS_QDX_VERBS_ABSENCE_H_
+#ifndef TOOLS_QDX_VERBS_MISSING_VALUES_H_
+#define TOOLS_QDX_VERBS_MISSING_VALUES_H_
 
 #include <qdxcore/interfaces.h>
 
@@ -13,12 +13,13 @@ namespace NVORNQDX20 {
 
 /// Reasons by class, instance and property. The instance is the key value that identifies it, as
 /// text; empty if the class has only one instance.
-using TAbsenceReasons = std::map<std::tuple<std::string, std::string, std::string>, std::string>;
+using TMissingValueReasons =
+    std::map<std::tuple<std::string, std::string, std::string>, std::string>;
 
 /// Reads the instances of VORNSG_UnavailableValue. Empty if the namespace has no such class: not
 /// every provider records missing values.
-TAbsenceReasons ReadAbsenceReasons(const ICIMNamespace& ns);
+TMissingValueReasons ReadMissingValueReasons(const ICIMNamespace& ns);
 
 }  // namespace NVORNQDX20
 
-#endif  // TOOLS_QDX_VERBS_ABSENCE_H_
+#endif  // TOOLS_QDX_VERBS_MISSING_VALUES_H_
