@@ -8,9 +8,9 @@
 #include <utility>
 
 #include "cli/output.h"
+#include "namespace_format.h"
 #include "plugin_host/document.h"
 #include "plugin_host/provider_query.h"
-#include "tree.h"
 #include "verbs.h"
 
 namespace NVORNQDX20 {
@@ -97,8 +97,8 @@ class TSelection {
   }
 
   /// Moves out the results, sorted by name.
-  std::vector<TTreeNamespace> TakeFound() {
-    for (TTreeNamespace& ns : fFound) SortSnapshot(ns.fClasses);
+  std::vector<TNamespaceContents> TakeFound() {
+    for (TNamespaceContents& ns : fFound) SortSnapshot(ns.fClasses);
     std::stable_sort(fFound.begin(), fFound.end(),
                      [](const auto& a, const auto& b) { return a.fName < b.fName; });
     return std::move(fFound);
@@ -128,7 +128,7 @@ class TSelection {
   }
 
   const TRequest& fRequest;
-  std::vector<TTreeNamespace> fFound;
+  std::vector<TNamespaceContents> fFound;
   TExplainedException fLookupFailure;
 };
 
@@ -194,8 +194,8 @@ EExitCode RunShow(const TArguments& arguments) {
   }
   const auto found = selection.TakeFound();
   if (found.empty()) FailToFind(request, complete, selection.GetLookupFailure());
-  arguments.Has("json") ? WriteJSON(TreeAsJSON(found, request.fDepth))
-                        : WriteOutput(FormatTree(found));
+  arguments.Has("json") ? WriteJSON(NamespacesAsJSON(found, request.fDepth))
+                        : WriteOutput(FormatNamespaces(found));
   return complete ? kExitDone : kExitPartlyDone;
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tree.h"
+#include "namespace_format.h"
 
 #include "cli/terminal.h"
 
@@ -8,7 +8,7 @@ namespace {
 
 /// Returns why a value is missing; empty if it is not missing, or without a reason. A key cannot be
 /// null: an empty key means that the value is missing.
-std::string ReasonFor(const TTreeNamespace& ns, const TClassSnapshot& cimClass,
+std::string ReasonFor(const TNamespaceContents& ns, const TClassSnapshot& cimClass,
                       const TInstanceSnapshot& instance, std::size_t property) {
   const TJSON& value = instance.fValues[property];
   if (!value.is_null() && value != "") return "";
@@ -26,7 +26,7 @@ std::string Line(std::size_t indent, const std::string& text,
   return FormatTable({{{std::string(indent, ' ') + text}, style}});
 }
 
-std::string FormatValues(const TTreeNamespace& ns, const TClassSnapshot& cimClass,
+std::string FormatValues(const TNamespaceContents& ns, const TClassSnapshot& cimClass,
                          const TInstanceSnapshot& instance) {
   std::vector<TTableRow> rows;
   for (std::size_t i = 0; i < instance.fValues.size(); ++i) {
@@ -40,7 +40,7 @@ std::string FormatValues(const TTreeNamespace& ns, const TClassSnapshot& cimClas
   return FormatTable(rows);
 }
 
-std::string FormatClass(const TTreeNamespace& ns, const TClassSnapshot& cimClass) {
+std::string FormatClass(const TNamespaceContents& ns, const TClassSnapshot& cimClass) {
   const std::size_t count = cimClass.fInstanceCount;
   const std::string instances = count == 1 ? " instance)" : " instances)";
   std::string text = Line(2, cimClass.fName + "  (" + std::to_string(count) + instances);
@@ -50,7 +50,7 @@ std::string FormatClass(const TTreeNamespace& ns, const TClassSnapshot& cimClass
   return text;
 }
 
-TJSON InstanceAsJSON(const TTreeNamespace& ns, const TClassSnapshot& cimClass,
+TJSON InstanceAsJSON(const TNamespaceContents& ns, const TClassSnapshot& cimClass,
                      const TInstanceSnapshot& instance, EDepth depth) {
   TJSON json = {{"path", instance.fPath}};
   if (depth < kValues) return json;
@@ -67,7 +67,7 @@ TJSON InstanceAsJSON(const TTreeNamespace& ns, const TClassSnapshot& cimClass,
   return json;
 }
 
-TJSON ClassAsJSON(const TTreeNamespace& ns, const TClassSnapshot& cimClass, EDepth depth) {
+TJSON ClassAsJSON(const TNamespaceContents& ns, const TClassSnapshot& cimClass, EDepth depth) {
   TJSON json = {{"class", cimClass.fName}, {"instanceCount", cimClass.fInstanceCount}};
   if (depth < kInstances) return json;
   TJSON& instances = json["instances"] = TJSON::array();
@@ -77,7 +77,7 @@ TJSON ClassAsJSON(const TTreeNamespace& ns, const TClassSnapshot& cimClass, EDep
   return json;
 }
 
-TJSON NamespaceAsJSON(const TTreeNamespace& ns, EDepth depth) {
+TJSON NamespaceAsJSON(const TNamespaceContents& ns, EDepth depth) {
   const TJSON provider = ns.fProvider.empty() ? TJSON() : TJSON(ns.fProvider);
   TJSON json = {{"namespace", ns.fName}, {"provider", provider}};
   if (depth < kClasses) return json;
@@ -90,9 +90,9 @@ TJSON NamespaceAsJSON(const TTreeNamespace& ns, EDepth depth) {
 
 }  // namespace
 
-std::string FormatTree(const std::vector<TTreeNamespace>& namespaces) {
+std::string FormatNamespaces(const std::vector<TNamespaceContents>& namespaces) {
   std::string text;
-  for (const TTreeNamespace& ns : namespaces) {
+  for (const TNamespaceContents& ns : namespaces) {
     const std::string provider = ns.fProvider.empty() ? "" : "  (provider " + ns.fProvider + ")";
     text += Line(0, ns.fName + provider, TTableRow::kHeading);
     for (const TClassSnapshot& cimClass : ns.fClasses) text += FormatClass(ns, cimClass);
@@ -100,9 +100,9 @@ std::string FormatTree(const std::vector<TTreeNamespace>& namespaces) {
   return text;
 }
 
-TJSON TreeAsJSON(const std::vector<TTreeNamespace>& namespaces, EDepth depth) {
+TJSON NamespacesAsJSON(const std::vector<TNamespaceContents>& namespaces, EDepth depth) {
   TJSON all = TJSON::array();
-  for (const TTreeNamespace& ns : namespaces) all.push_back(NamespaceAsJSON(ns, depth));
+  for (const TNamespaceContents& ns : namespaces) all.push_back(NamespaceAsJSON(ns, depth));
   return {{"namespaces", all}};
 }
 

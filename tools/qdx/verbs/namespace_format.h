@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Formats namespaces with their contents, as text for people and as JSON.
-#ifndef TOOLS_QDX_VERBS_TREE_H_
-#define TOOLS_QDX_VERBS_TREE_H_
+#ifndef TOOLS_QDX_VERBS_NAMESPACE_FORMAT_H_
+#define TOOLS_QDX_VERBS_NAMESPACE_FORMAT_H_
 
 #include <string>
 #include <vector>
@@ -11,7 +11,8 @@
 
 namespace NVORNQDX20 {
 
-struct TTreeNamespace {
+/// The contents to show of a namespace.
+struct TNamespaceContents {
   std::string fName;
   std::string fProvider;  ///< Empty for a document.
   std::vector<TClassSnapshot> fClasses;
@@ -20,11 +21,11 @@ struct TTreeNamespace {
 
 /// Returns a line for each namespace, class and instance, followed by the properties; missing
 /// values as "-", with the reason if the namespace gives one.
-std::string FormatTree(const std::vector<TTreeNamespace>& namespaces);
+std::string FormatNamespaces(const std::vector<TNamespaceContents>& namespaces);
 
 /// Returns the same as one JSON object, without what is deeper than `depth`.
-TJSON TreeAsJSON(const std::vector<TTreeNamespace>& namespaces, EDepth depth);
+TJSON NamespacesAsJSON(const std::vector<TNamespaceContents>& namespaces, EDepth depth);
 
 }  // namespace NVORNQDX20
 
-#endif  // TOOLS_QDX_VERBS_TREE_H_
+#endif  // TOOLS_QDX_VERBS_NAMESPACE_FORMAT_H_
