@@ -39,14 +39,14 @@ std::string RootFolder(const TArguments& arguments) {
   std::string root = arguments.Get("root", "/");
   std::error_code error;
   if (std::filesystem::is_directory(root, error)) return root;
-  const std::string why = error ? error.message() : "not a folder";
+  const std::string reason = error ? error.message() : "not a folder";
   throw TCommandFailure(kExitBadInput, "reading root folder " + root,
-                        {kQDXStatusFileNotFound, why});
+                        {kQDXStatusFileNotFound, reason});
 }
 
 std::vector<TOptionSpec> TProviderQuery::Options() {
   return {{"root", "DIR", "Describe the machine whose files are below DIR, not this one."},
-          {"provider", "NAME", "Ask only this provider; more than one can be named."}};
+          {"provider", "NAME", "Query only this provider; can be given more than once."}};
 }
 
 TProviderQuery::TProviderQuery(const TArguments& arguments) : fRoot(RootFolder(arguments)) {
@@ -79,7 +79,7 @@ void TProviderQuery::AddFailure(const TProviderFailure& failure) {
   PrintFailure(ActionOn(failure.fOrigin, failure.fOperation), failure.fFailure);
 }
 
-/// Empty if the provider does not list its namespaces, which it need not.
+/// Returns an empty list if the provider does not implement the enumeration, which is optional.
 std::vector<std::string> TProviderQuery::NamespacesOf(INamespaceProvider& provider) {
   std::vector<std::string> names;
   Attempt({NameOf(provider), ""}, "listing the namespaces of", [&] {
@@ -98,20 +98,20 @@ std::vector<std::string> TProviderQuery::NamespacesOf(INamespaceProvider& provid
   return names;
 }
 
-/// Null after a failure.
+/// Returns null after a failure.
 boost::shared_ptr<ICIMNamespace> TProviderQuery::Open(INamespaceProvider& provider,
                                                       const TOrigin& origin) {
   boost::shared_ptr<ICIMNamespace> ns;
   Attempt(origin, "opening", [&] {
     const std::string name = NModel::Folded(origin.fNamespace);
-    const auto taken = fTaken.find(name);
-    if (taken != fTaken.end()) {
+    const auto earlier = fOpened.find(name);
+    if (earlier != fOpened.end()) {
       throw TExplainedException(kQDXStatusAlreadyExists,
-                                "it was already collected from provider " + taken->second);
+                                "it was already collected from provider " + earlier->second);
     }
     ns = provider.GetNamespace(origin.fNamespace, {{NModel::kRootOption, TCIMValue(fRoot)}});
     if (!ns) throw TExplainedException(kQDXStatusFail, "it returns none");
-    fTaken[name] = origin.fProvider;
+    fOpened[name] = origin.fProvider;
   });
   return ns;
 }

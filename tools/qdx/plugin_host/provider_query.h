@@ -72,7 +72,7 @@ class TProviderQuery {
 
   std::string fRoot;
   TProviders fProviders;
-  std::map<std::string, std::string> fTaken;  // by folded name of the namespace
+  std::map<std::string, std::string> fOpened;  // provider by folded name of the namespace
   std::vector<TProviderFailure> fFailures;
 };
 
