@@ -9,28 +9,27 @@
 
 namespace {
 
+using ::testing::IsSubstring;
+
 TEST(QDXBadPlugins, AreRefusedBeforeTheyCanDoHarm) {
   const std::string good = ReadWholeFile(TEST_PROVIDER);
   const auto changed = [&good](std::size_t position, char byte) {
     return std::string(good).replace(position, 1, 1, byte);
   };
   const std::string flags = "; 'pkg-config --cflags qdxcore' prints the flags that it needs";
+  const std::string tried = "it was tried in a process of its own and ended that with ";
   const std::vector<std::vector<std::string>> files = {
       // service, contents, why
       {"cut", good.substr(0, 5000), "it is cut off"},
       {"debug", ReadWholeFile(TESTS "debug_provider.so"), "it was built with _GLIBCXX_DEBUG"},
       {"empty", "", "it is cut off"},
-      {"ending", ReadWholeFile(TESTS "ending_provider.so"),
-       "it was tried in a process of its own and ended that with status 0"},
+      {"ending", ReadWholeFile(TESTS "ending_provider.so"), tried + "status 0"},
       {"future", ReadWholeFile(TESTS "future_provider.so"),
        "it was built against version 7.1.0 of the interfaces, another major version "
        "than " QDXCORE_VERSION "; build it again with the headers that are installed"},
       {"hasty", ReadWholeFile(TESTS "hasty_provider.so"),
-       "it was tried in a process of its own and ended that with signal ABRT: terminate called "
-       "after "
-       "throwing an instance of 'int'"},
-      {"killed", ReadWholeFile(TESTS "killed_provider.so"),
-       "it was tried in a process of its own and ended that with signal 40"},
+       tried + "signal ABRT: terminate called after throwing an instance of 'int'"},
+      {"killed", ReadWholeFile(TESTS "killed_provider.so"), tried + "signal 40"},
       {"mips", changed(18, 8), "it is built for another kind of machine"},
       {"text", "no more than text", "it is not a library"},
       {"unstamped", changed(good.find("QDXcore"), 'P'),
@@ -51,9 +50,9 @@ TEST(QDXBadPlugins, AreRefusedBeforeTheyCanDoHarm) {
   for (const auto& file : files) {
     installation.AddBrokenPlugin(expect(file[0], file[2]), file[1]);
   }
-  create_directory(installation.Folder() / expect("x_folder", "it is not a file"));
-  create_symlink("nowhere",
-                 installation.Folder() / expect("x_link", "it is a link that leads nowhere"));
+  const std::filesystem::path folder = installation.Folder();
+  create_directory(folder / expect("x_folder", "it is not a file"));
+  create_symlink("nowhere", folder / expect("x_link", "it is a link that leads nowhere"));
   installation.AddBrokenPlugin("libaside.nsp.so.old");
   const TProgramRun run = installation.Run({"plugins"});
   EXPECT_EQ(run.fErrors, lines);
@@ -66,17 +65,14 @@ TEST(QDXBadPlugins, MayFailOnceTheyAreLoaded) {
   installation.AddPlugin(TESTS "incomplete_provider.so", "liba.nsp.so");
   installation.AddPlugin(TESTS "shy_provider.so", "libb.nsp.so");
   installation.AddPlugin(TESTS "throwing_provider.so", "libc.nsp.so");
-  for (const auto& [verb, line] : std::vector<std::pair<std::string, std::string>>{
-           {"plugins", "listing the namespaces of provider bad: it failed and gave no reason"},
-           {"identity", "opening root/cimv2 of provider bad: the table is locked"}}) {
+  const std::pair<std::string, std::string> rows[] = {
+      {"plugins", "listing the namespaces of provider bad: it failed and gave no reason"},
+      {"identity", "opening root/cimv2 of provider bad: the table is locked"}};
+  for (const auto& [verb, line] : rows) {
     const TProgramRun run = installation.Run({verb});
-    EXPECT_NE(run.fErrors.find("/liba.nsp.so: undefined symbol: "), std::string::npos)
-        << run.fErrors;
-    EXPECT_NE(
-        run.fErrors.find(
-            "/libb.nsp.so: it registers no provider under a name of its own\nqdx: " + line + "\n"),
-        std::string::npos)
-        << run.fErrors;
+    EXPECT_PRED_FORMAT2(IsSubstring, "/liba.nsp.so: undefined symbol: ", run.fErrors);
+    const std::string unnamed = "/libb.nsp.so: it registers no provider under a name of its own\n";
+    EXPECT_PRED_FORMAT2(IsSubstring, unnamed + "qdx: " + line + "\n", run.fErrors);
     EXPECT_NE(run.fOutput, "");
     EXPECT_EQ(run.fExitCode, 3);
   }
@@ -92,10 +88,8 @@ TEST(QDXBadPlugins, AreRefusedByNameAsWell) {
   installation.AddLinuxProvider();
   installation.AddPlugin(TESTS "ending_provider.so", "libx.nsc.so");
   const TProgramRun collect = installation.Run({"collect", "--consumer", "x", "-o", "/dev/null"});
-  EXPECT_NE(
-      collect.fErrors.find("libx.nsc.so: it was tried in a process of its own and ended that "),
-      std::string::npos)
-      << collect.fErrors;
+  const std::string ended = "libx.nsc.so: it was tried in a process of its own and ended that ";
+  EXPECT_PRED_FORMAT2(IsSubstring, ended, collect.fErrors);
   EXPECT_EQ(collect.fExitCode, 4);
 }
 

@@ -10,10 +10,9 @@ namespace {
 /// The command, with the provider "linux", and a tree that stands in for a server.
 class QDXIdentity : public ::testing::Test {
  protected:
-  void SetUp() override {
+  QDXIdentity() {
     fInstallation.AddLinuxProvider();
     WriteDMI("product_name", "Loftnode -[47111AB]-");
-    WriteDMI("product_serial", "23A1234");
     fTree.Write("proc/sys/kernel/hostname", "srv1\n");
     fTree.Write("proc/sys/kernel/ostype", "Linux\n");
     fTree.Write("etc/os-release", "NAME='Server OS'\nVERSION_ID=9.3\n");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Provider "sample": root/sample has as many instances as the environment asks for. Provider
+// Provider "sample": root/sample, with a mistake where the environment asks for it. Provider
 // "spoiled": root/sample too, and root/spoiled, which fails half-way.
 #include <qdxcore/registry.h>
 
@@ -14,10 +14,9 @@ namespace {
 
 ::TNamespace MakeSample() {
   const ::TNamespace ns = MakeNamespace();
-  const char* const wanted = std::getenv("QDX_SAMPLE_INSTANCES");
   AddClass(ns, "Sample_Many", {{"Number", 0U}}, {{"Text", ""}, {"UpTime", 0U}});
-  for (int i = wanted != nullptr ? std::atoi(wanted) : 2; i-- > 0;) {
-    AddInstance(ns, "Sample_Many", {{"Number", static_cast<unsigned>(i)}, {"Text", "xxx"}});
+  for (const unsigned int number : {1U, 0U}) {
+    AddInstance(ns, "Sample_Many", {{"Number", number}, {"Text", "xxx"}});
   }
   if (std::getenv("QDX_SAMPLE_MISTAKE") != nullptr) {
     AddInstance(ns, "Sample_Many", {{"Number", 9U}, {"Txet", ""}});

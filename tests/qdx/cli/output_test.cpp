@@ -5,8 +5,6 @@
 
 #include <csignal>
 
-#include <nlohmann/json.hpp>
-
 #include <gtest/gtest.h>
 
 #include "qdx/cli/standard_output.h"
@@ -21,12 +19,6 @@ TEST(Output, IsMadeFitForATerminalOnly) {
     WriteFileName("a\x1b");
     EXPECT_EQ(output.Read(), text);
   }
-}
-
-TEST(Output, IsJSONWhateverTheTextsHold) {
-  const TStandardOutput output(TStandardOutput::kPipe);
-  WriteJSON({{"b", "\xff"}, {"a", nlohmann::ordered_json::array({1})}});
-  EXPECT_EQ(output.Read(), "{\n  \"b\": \"\xef\xbf\xbd\",\n  \"a\": [\n    1\n  ]\n}\n");
 }
 
 TEST(Output, FailsSilentlyOnceItsReaderHasGone) {
