@@ -7,16 +7,11 @@
 #include "support/provider_suite.h"
 
 #include <sstream>
+#include <tuple>
 
 using namespace NVORNQDX20;
 
 using TCIMType = TCIMValue::TCIMType;
-
-template <typename TElement>
-TElement Qualify(const TNamespace& ns, TElement element, const char* name, const TCIMValue& value) {
-  element->AddQualifier(ns->GetQualifierDecl(name, {}), value)->Commit();
-  return element;
-}
 
 template <typename TElement>
 TElement Mark(const TNamespace& ns, TElement element, const TCIMValue& value) {
@@ -93,12 +88,8 @@ Namespace::GetClass(T_A) Namespace::CreateClass(T_B)
 }
 
 TEST(Copy, EndsWhereANamespaceFails) {
-  const struct {
-    bool fInTarget;
-    std::string fOperation;
-    EQDXStatusCode fStatus;  // kQDXStatusOK answers null
-    std::string fOutcome;
-  } rows[] = {
+  // Whether in the target, operation, status (kQDXStatusOK returns null), outcome.
+  const std::tuple<bool, const char*, EQDXStatusCode, const char*> rows[] = {
       {true, "ICIMNamespace::GetQualifierDecl", kQDXStatusOK, "new kQDXStatusFail"},
       {true, "ICIMClass::GetPropertyDecl", kQDXStatusNotSupported, "new kQDXStatusNotSupported"},
       {true, "ICIMNamespace::GetClass", kQDXStatusOK, "new kQDXStatusFail"},  // an instance's
@@ -108,14 +99,14 @@ TEST(Copy, EndsWhereANamespaceFails) {
       {false, "ICIMPropertyDecl::GetQualifier", kQDXStatusAccessDenied, "done"},
       {false, "ICIMPropertyDecl::GetQualifier", kQDXStatusOK, "done, and B has a Level"},
   };
-  for (const auto& row : rows) {
+  for (const auto& [inTarget, operation, status, expected] : rows) {
     const auto faults = boost::make_shared<TFaults>(), none = boost::make_shared<TFaults>();
-    faults->Fail(row.fOperation, row.fStatus);
+    faults->Fail(operation, status);
     const TNamespace target = MakeRepositoryNamespace("target");
     std::string outcome = "done";
     try {
-      TCIMCopy::CopyClasses(MakeFaultyNamespace(MakeSmallSource(), row.fInTarget ? none : faults),
-                            MakeFaultyNamespace(target, row.fInTarget ? faults : none));
+      TCIMCopy::CopyClasses(MakeFaultyNamespace(MakeSmallSource(), inTarget ? none : faults),
+                            MakeFaultyNamespace(target, inTarget ? faults : none));
     } catch (const TInjected& e) {
       outcome = e.what();
     } catch (const TQDXException& e) {
@@ -125,7 +116,7 @@ TEST(Copy, EndsWhereANamespaceFails) {
       return target->GetClass(name, {})->GetPropertyDecl("Level", {});
     };
     if (outcome == "done" && level("T_A") != level("T_B")) outcome += ", and B has a Level";
-    EXPECT_EQ(outcome, row.fOutcome) << row.fOperation;
+    EXPECT_EQ(outcome, expected) << operation;
     EXPECT_NE(target->GetQualifierDecl("Mark", {}), nullptr);  // what was committed stays
   }
 }
@@ -137,20 +128,15 @@ TNamespace MakeSource() {
   ns->CreateQualifierDecl("PluginName", kNoText, kScopeClass, kFlavorTranslatable, {})->Commit();
   const auto root = AddClass(ns, "T_Root", {});
   const auto base = AddClass(ns, "T_Base", {{"Id", 0U}}, {{"Name", kNoText}});
-  const auto link = Qualify(ns, ns->CreateClass("T_Link", root, {}), "Association", true);
-  const auto from = link->CreatePropertyDecl("From", NullReference(ns, "T_Base"), {});
-  Qualify(ns, from, "Key", true)->Commit();
-  link->CreatePropertyDecl("To", NullReference(ns, "T_Base"), {})->Commit();
-  link->Commit({});
-  ns->CreateClass("T_Node", root, {})->Commit({});
-  const auto meta = Qualify(ns, ns->CreateClass("T_Meta", nullptr, {}), "Association", true);
-  Qualify(ns, meta->CreatePropertyDecl("Of", NullReference(ns, "T_Link"), {}), "Key", true)
-      ->Commit();
-  Qualify(ns, meta, "Abstract", true)->Commit({});
+  const TCIMValue toBase = NullReference(ns, "T_Base");
+  AddClass(ns, "T_Link", {{"From", toBase}}, {{"To", toBase}}, root, {"Association"});
+  AddDerived(ns, "T_Node", root, {});
+  AddClass(ns, "T_Meta", {{"Of", NullReference(ns, "T_Link")}}, {}, nullptr,
+           {"Association", "Abstract"});
   const auto middle = ns->CreateClass("T_Middle", base, {});
   Qualify(ns, middle->CreatePropertyDecl("Name", "middle", {}), "Override", "Name")->Commit();
   middle->Commit({});
-  ns->CreateClass("T_Leaf", middle, {})->Commit({});
+  AddDerived(ns, "T_Leaf", middle, {});
   Qualify(ns, ns->CreateClass("T_Plugin", base, {}), "PluginName", "p")->Commit({});
   for (const char* name : {"T_Base", "T_Middle", "T_Leaf", "T_Plugin"}) {
     AddInstance(ns, name, {{"Id", 7U}});

@@ -8,6 +8,7 @@
 
 #include <cstdarg>
 #include <cstring>
+#include <tuple>
 
 #include <dlfcn.h>
 
@@ -85,12 +86,8 @@ TEST(FTPTransfer, TellsTheLibraryWhatToDo) {
 
 TEST(FTPTransfer, SaysWhyItFails) {
   const auto library = kQDXStatusLibCurlFailure, connection = kQDXStatusConnectionFailed;
-  const struct {
-    const char* fRefused;
-    int fResult;
-    EQDXStatusCode fStatus;
-    const char *fDownloadText, *fUploadText;
-  } rows[] = {
+  // The call that fails, the transfer's result, status, the texts of download and upload.
+  const std::tuple<const char*, int, EQDXStatusCode, const char*, const char*> rows[] = {
       {"init", 0, library, "initalizing curl", "initalizing curl"},
       {"10010", 0, library, "configuring curl error buffer", "configuring curl error buffer"},
       {"20011", 0, library, "setting curl write function", nullptr},

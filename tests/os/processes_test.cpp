@@ -7,6 +7,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <tuple>
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -55,30 +56,27 @@ TEST(SpawnProcess, ReturnsWhatIsPrintedAndTheExitCode) {
   const TTempDir dir;
   const std::string script = dir.Write("script", "echo \"without a first line: $#\"\n");
   ::chmod(script.c_str(), 0700);
-  const struct {
-    std::string fCommand;
-    TWords fArguments;
-    int fCode;
-    std::string fOutput;
-  } rows[] = {{"true", {}, 0, ""},
-              {dir.Path(), {}, 1, ""},
-              {"sh", {"-c", "echo a; echo b >&2; echo c; exit 459"}, 203, "a\nb\nc\n"},
-              {"printf", {"%s|", "two words", "", "$HOME"}, 0, "two words||$HOME|"},
-              {"printf", {"\\000x"}, 0, std::string("\0x", 2)},
-              {"ls", {"/proc/self/fd"}, 0, "0\n1\n2\n"},  // 0 is the folder: there is no input
-              {"grep", {"-c", "SigBlk.*[1-9a-f]", "/proc/self/status"}, 1, "0\n"},
-              {"head", {"-c", "1000000", "/dev/zero"}, 0, std::string(1000000, '\0')},
-              {script, TWords(10000), 0, "without a first line: 10000\n"}};
+  // Command, arguments, exit status, output.
+  const std::tuple<std::string, TWords, int, std::string> rows[] = {
+      {"true", {}, 0, ""},
+      {dir.Path(), {}, 1, ""},
+      {"sh", {"-c", "echo a; echo b >&2; echo c; exit 459"}, 203, "a\nb\nc\n"},
+      {"printf", {"%s|", "two words", "", "$HOME"}, 0, "two words||$HOME|"},
+      {"printf", {"\\000x"}, 0, std::string("\0x", 2)},
+      {"ls", {"/proc/self/fd"}, 0, "0\n1\n2\n"},  // 0 is the folder: there is no input
+      {"grep", {"-c", "SigBlk.*[1-9a-f]", "/proc/self/status"}, 1, "0\n"},
+      {"head", {"-c", "1000000", "/dev/zero"}, 0, std::string(1000000, '\0')},
+      {script, TWords(10000), 0, "without a first line: 10000\n"}};
   // Inherited is only what is not the library's own.
   for (const std::string& number : TOS::ListDir("/proc/self/fd")) {
     if (std::stoi(number) > STDERR_FILENO) ::fcntl(std::stoi(number), F_SETFD, FD_CLOEXEC);
   }
   TOS::CaptureFile(script);  // stays open
   const std::size_t before = OpenDescriptors();
-  for (const auto& row : rows) {
+  for (const auto& [command, arguments, status, expected] : rows) {
     std::string output = "old";
-    EXPECT_EQ(TOS::SpawnProcess(row.fCommand, row.fArguments, output), row.fCode) << row.fCommand;
-    EXPECT_EQ(output, row.fOutput) << row.fCommand;
+    EXPECT_EQ(TOS::SpawnProcess(command, arguments, output), status) << command;
+    EXPECT_EQ(output, expected) << command;
   }
   EXPECT_EQ(OpenDescriptors(), before);
   EXPECT_EQ(TOS::SpawnProcess("echo"), "\n");

@@ -24,15 +24,23 @@ inline TNamespace MakeNamespace() {
   return ns;
 }
 
-/// A committed class; `keys` and `others` are its properties with their default values.
-inline boost::shared_ptr<ICIMClass> AddClass(const TNamespace& ns, const std::string& name,
-                                             const TProperties& keys,
-                                             const TProperties& others = {}) {
-  const auto added = ns->CreateClass(name, nullptr, {});
+template <typename TElement>
+TElement Qualify(const TNamespace& ns, const TElement& element, const std::string& name,
+                 const TCIMValue& value) {
+  element->AddQualifier(ns->GetQualifierDecl(name, {}), value)->Commit();
+  return element;
+}
+
+/// A committed class; `keys` and `others` are its properties with their default values, and the
+/// qualifiers are true.
+inline boost::shared_ptr<ICIMClass> AddClass(
+    const TNamespace& ns, const std::string& name, const TProperties& keys,
+    const TProperties& others = {}, const boost::shared_ptr<ICIMClass>& superclass = nullptr,
+    const std::vector<std::string>& qualifiers = {}) {
+  const auto added = ns->CreateClass(name, superclass, {});
+  for (const auto& qualifier : qualifiers) Qualify(ns, added, qualifier, true);
   for (const auto& [key, value] : keys) {
-    const auto decl = added->CreatePropertyDecl(key, value, {});
-    decl->AddQualifier(ns->GetQualifierDecl("Key", {}), true)->Commit();
-    decl->Commit();
+    Qualify(ns, added->CreatePropertyDecl(key, value, {}), "Key", true)->Commit();
   }
   for (const auto& [other, value] : others) added->CreatePropertyDecl(other, value, {})->Commit();
   added->Commit({});
@@ -43,11 +51,7 @@ inline boost::shared_ptr<ICIMClass> AddClass(const TNamespace& ns, const std::st
 inline boost::shared_ptr<ICIMClass> AddDerived(const TNamespace& ns, const std::string& name,
                                                const boost::shared_ptr<ICIMClass>& superclass,
                                                const TProperties& own) {
-  const auto added = ns->CreateClass(name, superclass, {});
-  for (const auto& [property, value] : own)
-    added->CreatePropertyDecl(property, value, {})->Commit();
-  added->Commit({});
-  return added;
+  return AddClass(ns, name, {}, own, superclass);
 }
 
 /// A committed instance.
