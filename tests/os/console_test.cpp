@@ -2,11 +2,11 @@
 #include <qdxcore/os_specific.h>
 
 #include <cstring>
+#include <thread>
 
 #include <poll.h>
 #include <pty.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -36,18 +36,15 @@ class Console : public ::testing::Test {
     return attributes;
   }
   void Type(char key) const { EXPECT_EQ(::write(fKeys, &key, 1), 1); }
-  /// Has a child type the key as soon as the terminal is in the mode in which keys are read.
+  /// Types the key as soon as the terminal is in the mode in which keys are read.
   int GetTyped(char key) const {
-    const pid_t typist = ::fork();
-    if (typist == 0) {
-      ::alarm(10);
+    std::thread typist([this, key] {
       while (Attributes().c_lflag != 0) ::usleep(1000);
       ::usleep(20000);
       Type(key);
-      ::_exit(0);
-    }
+    });
     const int result = TOSSpecific::GetKeyboardChar();
-    ::waitpid(typist, nullptr, 0);
+    typist.join();
     return result;
   }
 

@@ -21,8 +21,7 @@ extern "C" QDXCORE_EXPORT int gethostname(char* name, std::size_t size) noexcept
 
 using namespace NVORNQDX20;
 
-/// The local time, "20040315143000", by the clock that the library reads: that of time() is
-/// coarser.
+/// The local time as "20040315143000". The clock of time() is coarser than the library's.
 std::string Now() {
   const auto now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
   char text[16];

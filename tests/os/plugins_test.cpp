@@ -32,7 +32,6 @@ using TNames = std::vector<std::string>;
 class PluginRoot : public ::testing::Test {
  protected:
   PluginRoot() { gLibrary = fRoot / "libqdxcore.so"; }
-  ~PluginRoot() override { gLibrary.clear(); }
 
   static TNames Sorted(TNames names) {
     std::sort(names.begin(), names.end());
