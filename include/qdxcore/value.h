@@ -99,17 +99,21 @@ class QDXCORE_EXPORT TCIMValue {
   template <typename T, typename... TOther>
   static constexpr bool kIsOneOf = (std::is_same_v<T, TOther> || ...);
 
+  /// Whether an object or a temporary of the type converts.
+  template <typename T, typename TOther>
+  static constexpr bool kConverts =
+      std::is_convertible_v<T&, TOther> || std::is_convertible_v<T, TOther>;
+
   /// Matches characters, enumerators, pointers, and objects that convert to a number. Does not
   /// match C strings, or objects that are or convert to text, a date-time or a reference.
   template <typename T>
   using TMistakenForANumber =
       std::enable_if_t<std::is_null_pointer_v<T> ||
-                       (std::is_convertible_v<T&, bool> &&
+                       (kConverts<T, bool> &&
                         !kIsOneOf<T, bool, unsigned char, signed char, unsigned short, short,
                                   unsigned int, int, unsigned long, long, float, double> &&
-                        !std::is_convertible_v<T&, const char*> &&
-                        !std::is_convertible_v<T&, const std::string&> &&
-                        !std::is_convertible_v<T&, const TCIMDateTime&> &&
+                        !kConverts<T, const char*> && !kConverts<T, const std::string&> &&
+                        !kConverts<T, const TCIMDateTime&> &&
                         !std::is_convertible_v<T*, const TCIMReference*>)>;
 
  public:

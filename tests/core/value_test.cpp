@@ -80,11 +80,15 @@ TEST(CIMValueConversion, TakesTheMappedTypeAndRefusesEveryOther) {
 }
 
 // What must not compile: each would make a number or a boolean of something else.
+struct TTemporaryNumber {
+  operator int() &&;
+};
 template <typename... T>
 constexpr bool kNoneMakesAValue = (!std::is_constructible_v<TCIMValue, T> && ...);
-static_assert(kNoneMakesAValue<TCIMType, TCIMType::ECIMType, const volatile int*, void (*)(),
-                               std::nullptr_t, char, EQDXStatusCode, TQDXStatusCode, std::true_type,
-                               std::atomic<double>, std::vector<bool>::reference, int std::tm::*>);
+static_assert(
+    kNoneMakesAValue<TCIMType, TCIMType::ECIMType, const volatile int*, void (*)(), std::nullptr_t,
+                     char, EQDXStatusCode, TQDXStatusCode, std::true_type, TTemporaryNumber,
+                     std::atomic<double>, std::vector<bool>::reference, int std::tm::*>);
 static_assert(std::is_constructible_v<TCIMValue, char*>);
 static_assert(std::is_constructible_v<TCIMValue, std::filesystem::path>);  // a text
 static_assert(std::is_nothrow_move_constructible_v<TCIMValue>);
