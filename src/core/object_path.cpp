@@ -55,8 +55,7 @@ class TObjectPathParser {
     const std::size_t equals = fPath.find('=', fPosition + 1);
     if (equals == std::string::npos) Refuse("Reference missing property value, path=");
     const std::string name = fPath.substr(fPosition + 1, equals - fPosition - 1);
-    const boost::shared_ptr<const ICIMPropertyDecl> decl =
-        cimClass->GetPropertyDecl(name, TOptionsMap());
+    const boost::shared_ptr<const ICIMPropertyDecl> decl = cimClass->GetPropertyDecl(name, {});
 
     fPosition = equals + 1;
     if (fPosition >= fPath.size() || fPath[fPosition] != '"') {
@@ -127,7 +126,7 @@ void TCIMReferenceImpl::ParsePath(TCIMReferenceImpl* target, const std::string& 
 }
 
 std::string TCIMReferenceImpl::GetPath() const {
-  std::string path = fClass->GetName(TOptionsMap());
+  std::string path = fClass->GetName({});
   if (fKeyBindings.empty()) return path;
 
   path += '.';

@@ -104,12 +104,12 @@ boost::shared_ptr<ICIMClass> TCIMReferenceImpl::GetClass() const {
   return fClass;
 }
 
-std::string TCIMReferenceImpl::GetClassName() const { return fClass->GetName(TOptionsMap()); }
+std::string TCIMReferenceImpl::GetClassName() const { return fClass->GetName({}); }
 
 void TCIMReferenceImpl::RequireDeclaredType(const std::string& name,
                                             TCIMValue::TCIMType type) const {
   if (!fClass) InvalidSequence();
-  const TCIMValue::TCIMType declared = fClass->GetPropertyDecl(name, TOptionsMap())->GetType();
+  const TCIMValue::TCIMType declared = fClass->GetPropertyDecl(name, {})->GetType();
   if (declared != type) {
     LogErrorAndThrow(kQDXStatusTypeMismatch, {"Core: Declaration type: ", declared.ToString(),
                                               " Value type: ", type.ToString()});
@@ -135,7 +135,7 @@ void TCIMReferenceImpl::EnumerateKeyBindings(const TKeyBindingCallback& callback
 
 boost::shared_ptr<ICIMElement> TCIMReferenceImpl::GetCIMElement() {
   if (fKeyBindings.empty()) return fClass;
-  if (!fInstance) fInstance = fClass->GetInstance(fOwner, TOptionsMap());
+  if (!fInstance) fInstance = fClass->GetInstance(fOwner, {});
   if (!fInstance) throw TQDXException(kQDXStatusNotFound);
   return fInstance;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Values from text. The results are those of the classic streams, with automatic base, but that
-// what cannot be read or does not fit is 0, and that a minus sign is refused for all unsigned types
-// but uint64. Held by CIMValueParsing.
+// Parses values. Numbers are read as by a C++ stream in the "C" locale that takes the base from the
+// prefix; but a number that cannot be read or does not fit is 0, and so is a negative number of an
+// unsigned type other than uint64. Pinned by CIMValueParsing.
 #include <qdxcore/reference.h>
 #include <qdxcore/status.h>
 #include <qdxcore/value.h>
@@ -27,14 +27,14 @@ bool StartsWith(std::string_view text, std::string_view prefix) {
   return text.substr(0, prefix.size()) == prefix;
 }
 
-/// Takes a sign off the text; true for a minus.
+/// Removes a sign from the text. Returns whether it was a minus.
 bool TakeSign(std::string_view& text) {
   const bool negative = StartsWith(text, "-");
   if (negative || StartsWith(text, "+")) text.remove_prefix(1);
   return negative;
 }
 
-/// Takes the prefix of a C integer off the text, and returns its base.
+/// Removes the prefix of a C integer from the text. Returns the base.
 int TakeBase(std::string_view& text) {
   if (StartsWith(text, "0x") || StartsWith(text, "0X")) {
     text.remove_prefix(2);
@@ -70,8 +70,8 @@ std::size_t CountDigits(std::string_view text) {
   return end == std::string_view::npos ? text.size() : end;
 }
 
-/// How much of a text without sign is a decimal number; 0 if it is none. An exponent mark without
-/// digits after it spoils the number.
+/// Returns the length of the decimal number at the start of a text without a sign; 0 if there is
+/// none, or if its exponent has no digits.
 std::size_t LengthOfReal(std::string_view text) {
   std::size_t length = CountDigits(text);
   std::size_t digits = length;
@@ -89,8 +89,8 @@ std::size_t LengthOfReal(std::string_view text) {
   return exponent == 0 ? 0 : length + exponent;
 }
 
-/// For magnitudes beyond the range of T, where std::from_chars does not tell the too large, which
-/// are infinite here, from the too small.
+/// For magnitudes outside the range of T. Returns infinity for a large one, and for a small one 0
+/// or the nearest number; std::from_chars gives the same error for both.
 template <typename T>
 T ReadExtremeReal(const std::string& text) {
   static const locale_t classic = ::newlocale(LC_ALL_MASK, "C", nullptr);
@@ -166,7 +166,7 @@ TCIMValue::TCIMValue(TCIMType type, std::string& text, boost::shared_ptr<ICIMNam
       Set(TCIMDateTime(text));
       break;
     case TCIMType::kCIMTypeReference: {
-      TCIMReference reference(ns, text, TOptionsMap());
+      TCIMReference reference(ns, text, {});
       Set(reference);
       break;
     }

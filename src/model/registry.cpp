@@ -45,7 +45,7 @@ TNamespaceProviderManager::~TNamespaceProviderManager() = default;
 void TNamespaceProviderManager::RegisterNamespaceProvider(
     boost::shared_ptr<INamespaceProvider> provider) {
   // The first provider keeps the name on purpose; the second one is silently dropped.
-  fProviders.emplace(provider->GetName(TOptionsMap()), provider);
+  fProviders.emplace(provider->GetName({}), provider);
 }
 
 boost::shared_ptr<INamespaceProvider> TNamespaceProviderManager::GetNamespaceProvider(

@@ -33,13 +33,13 @@ boost::shared_ptr<ICIMProperty> ReadProperty(const boost::shared_ptr<ICIMNamespa
                                              const std::string& className, const std::string& name,
                                              const TOptionsMap& options) {
   const boost::shared_ptr<ICIMClass> cimClass = ns->GetClass(className, options);
-  const TInstances instances = InstancesOf(*cimClass, TOptionsMap());
+  const TInstances instances = InstancesOf(*cimClass, {});
   if (instances.size() != 1) throw TQDXException(kQDXStatusNotFound);
   return instances.front()->GetProperty(name, options);
 }
 
 std::string ReadText(const boost::shared_ptr<ICIMNamespace>& ns, const std::string& className,
-                     const std::string& name, const TOptionsMap& options = TOptionsMap()) {
+                     const std::string& name, const TOptionsMap& options = {}) {
   return ReadProperty(ns, className, name, options)->GetValue();
 }
 
@@ -169,7 +169,7 @@ std::string TCIMSchemaHelper::GetOperatingSystemVersion(boost::shared_ptr<ICIMNa
 }
 
 std::uint16_t TCIMSchemaHelper::GetOperatingSystemType(boost::shared_ptr<ICIMNamespace> ns) {
-  return ReadProperty(ns, kOperatingSystemCreationClassName, "OSType", TOptionsMap())->GetValue();
+  return ReadProperty(ns, kOperatingSystemCreationClassName, "OSType", {})->GetValue();
 }
 
 bool TCIMSchemaHelper::IsValidMachineType(const std::string& text) {
@@ -183,7 +183,7 @@ bool TCIMSchemaHelper::IsValidMTM(const std::string& text) {
 }
 
 std::string TCIMSchemaHelper::GetRawMTMString(boost::shared_ptr<ICIMNamespace> ns) {
-  return ReadSystemText(ns, "ProductName", TOptionsMap());
+  return ReadSystemText(ns, "ProductName", {});
 }
 
 std::string TCIMSchemaHelper::GetMTM(boost::shared_ptr<ICIMNamespace> ns) {
@@ -242,7 +242,7 @@ std::string TCIMSchemaHelper::GetDataSourceMinorVersion(boost::shared_ptr<ICIMNa
 }
 
 std::string TCIMSchemaHelper::GetDataSourceBuildVersion(boost::shared_ptr<ICIMNamespace> ns) {
-  const std::string version = GetDataSourceVersion(ns, TOptionsMap());
+  const std::string version = GetDataSourceVersion(ns, {});
   FirstDot(version);
   return version.substr(version.rfind('.') + 1);
 }

@@ -74,7 +74,7 @@ sg_scsi_id ReadGenericDeviceID(const std::string& path) {
 }
 
 std::string ReadText(const ICIMInstance& instance, const char* property) {
-  return instance.GetProperty(property, TOptionsMap())->GetValue();
+  return instance.GetProperty(property, {})->GetValue();
 }
 
 std::string FirstWord(const std::string& text) {
@@ -114,8 +114,8 @@ bool IsFloppy(const std::string& device) {
   return std::find(kFloppyDevices.begin(), kFloppyDevices.end(), device) != kFloppyDevices.end();
 }
 
-/// Returns the first floppy that can be mounted, and leaves it mounted. If something is mounted at
-/// the mount point already, it is taken for the first floppy.
+/// Appends the first floppy that can be mounted, and leaves it mounted. Whatever is mounted at the
+/// mount point already is taken for the first floppy.
 void AppendFloppy(TOSSpecific::TRemovableMedia& media) {
   (void)Try([] { TOSSpecific::CreateDir(kFloppyMountPoint); });  // usually exists already
   const auto found = std::find_if(
@@ -140,8 +140,8 @@ TOSSpecific::TRemovableMedia TOSSpecific::EnumerateRemovableMedia(
     boost::shared_ptr<ICIMNamespace> ns) {
   const std::string usbDeviceList = CaptureFile(kUSBDeviceList);
   std::vector<boost::shared_ptr<ICIMInstance>> scsiDevices;
-  ns->GetClass("VORNSG_SCSIDevice", TOptionsMap())
-      ->EnumerateInstances(TAddToVectorCallback(scsiDevices), false, TOptionsMap());
+  ns->GetClass("VORNSG_SCSIDevice", {})
+      ->EnumerateInstances(TAddToVectorCallback(scsiDevices), false, {});
   TRemovableMedia media;
   for (const auto& scsiDevice : scsiDevices) AppendIfUSBStorage(*scsiDevice, usbDeviceList, media);
   AppendFloppy(media);
