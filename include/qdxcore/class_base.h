@@ -28,6 +28,9 @@ namespace NVORNQDX20 {
 ///
 /// The repository of <qdxrepository/repository.h> implements all of the interfaces; start from this
 /// only where the objects exist already, or are too many to be copied.
+///
+/// All inline and not exported: each plug-in has type information of its own for this class.
+/// Nothing depends on it, since no code throws this class or casts to it.
 class TCIMClassBase : public ICIMClass {
  public:
   bool IsAssociation(TOptionsMap) const override { return false; }

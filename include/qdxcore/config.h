@@ -35,8 +35,10 @@
 
 #include <boost/shared_ptr.hpp>
 
-// Boost reads each definition once, in the first of its headers that depends on it. Its plain
-// counters have a header of their own; with the handler, its checked operators may throw.
+// Boost reads each definition once, in the first of its headers that depends on it. Both checks see
+// whether shared_ptr was included before the definition; a header of Boost without shared_ptr, such
+// as boost/function.hpp, passes. The plain counters have a header of their own; with the handler,
+// the checked operators may throw.
 #if !defined(BOOST_SMART_PTR_DETAIL_SP_COUNTED_BASE_NT_HPP_INCLUDED)
 #error "Define BOOST_SP_DISABLE_THREADS before any header of Boost is included."
 #endif

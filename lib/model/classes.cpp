@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Superclasses, subclasses, instances and properties of a class, through the interfaces alone.
 #include <qdxmodel/classes.h>
 
 #include <qdxcore/status.h>

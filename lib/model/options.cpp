@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Reads options, with the defaults of missing ones.
 #include <qdxmodel/options.h>
 
 namespace NVORNQDX20::NModel {

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The text of a type.
 #include <qdxmodel/type.h>
 
 namespace NVORNQDX20::NModel {

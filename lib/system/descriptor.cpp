@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-// Owners of file descriptors.
 #include <qdxsystem/descriptor.h>
 
 #include <cerrno>

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-// Texts of errno values.
 #include <qdxsystem/error_text.h>
 
 #include <cstring>

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-// Decodes UTF-8.
 #include <qdxsystem/utf8.h>
 
 #include <cstddef>

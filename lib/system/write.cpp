@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-// Writes to a descriptor.
 #include <qdxsystem/write.h>
 
 #include <cerrno>

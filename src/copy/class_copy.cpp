@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// Copies classes, and what they declare, to another namespace.
 #include <qdxcore/copy.h>
 #include <qdxcore/status.h>
 

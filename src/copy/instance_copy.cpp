@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// Copies instances and their values to another namespace.
 #include <qdxcore/copy.h>
 
 #include "target.h"

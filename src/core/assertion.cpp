@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// Handles failed assertions of Boost as QDX_BOOST_ASSERT says.
 #include <qdxcore/logger.h>
 #include <qdxcore/status.h>
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// Keywords of the CIM types.
 #include <qdxcore/status.h>
 #include <qdxcore/value.h>
 

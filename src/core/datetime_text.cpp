@@ -57,7 +57,7 @@ class TFieldWriter {
   char* fEnd = fText;
 };
 
-/// Returns "1 hour " or "2 hours "; empty for 0.
+/// Appends "1 hour " or "2 hours "; nothing for 0.
 void AppendQuantity(std::string& text, std::uint32_t number, const char* unit) {
   if (number == 0) return;
   text += std::to_string(number);

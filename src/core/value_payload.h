@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What a value that is not null holds: one class for each kind of content.
+/// The contents of values that are not null: one class for each kind of content.
 #ifndef SRC_CORE_VALUE_PAYLOAD_H_
 #define SRC_CORE_VALUE_PAYLOAD_H_
 
@@ -36,9 +36,9 @@ class TCIMValueImpl {
   virtual operator TCIMReference() const;
   virtual operator std::vector<TCIMValue>&() const;
   virtual std::string ToString(unsigned char radix) const = 0;
-  /// False for a value of another type.
+  /// Returns false for a value of another type.
   virtual bool operator==(const TCIMValue& other) const = 0;
-  /// The other value must be of the same type and not null.
+  /// REQUIRES: the other value has the same type and is not null.
   virtual bool operator<(const TCIMValue& other) const = 0;
   virtual std::unique_ptr<TCIMValueImpl> Clone() const = 0;
 
@@ -47,7 +47,7 @@ class TCIMValueImpl {
   TCIMValueImpl(const TCIMValueImpl&) = default;
   TCIMValueImpl& operator=(const TCIMValueImpl&) = delete;
 
-  /// The payload of another value, which the caller knows to be a TPayload.
+  /// Returns the payload of another value. REQUIRES: it is a TPayload.
   template <typename TPayload>
   static const TPayload& PayloadOf(const TCIMValue& value) {
     return static_cast<const TPayload&>(*value.fImpl);
@@ -57,7 +57,7 @@ class TCIMValueImpl {
   }
 };
 
-/// Copies a payload as what it is.
+/// Implements Clone() for the derived class TPayload.
 template <typename TPayload, typename TBase = TCIMValueImpl>
 class TClonable : public TBase {
  public:

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// Writes messages to the log, and passes them to its listeners.
 #include <qdxcore/logger.h>
 #include <qdxcore/registry.h>
 

@@ -71,7 +71,7 @@ std::vector<TMount> ParseLines(std::string_view table) {
   return mounts;
 }
 
-/// Returns the path and each of its parent directories.
+/// Returns whether the path, or one of its parent directories, is one of the places.
 bool LeadsThrough(const std::set<std::string>& places, const std::string& path) {
   if (places.count("/") != 0) return true;
   for (std::size_t end = path.find('/', 1); end < path.size(); end = path.find('/', end + 1)) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// The time and the names of this machine, and operations that do nothing on Linux.
 #include <qdxcore/os_specific.h>
 #include <qdxcore/status.h>
 

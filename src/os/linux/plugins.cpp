@@ -24,7 +24,7 @@ namespace {
 const std::string kNSPExtension = ".nsp.so";
 const std::string kNSCExtension = ".nsc.so";
 
-/// Returns "lib" + service + ".nsp.so" or ".nsc.so".
+// The lengths of "lib", and of "lib" with ".nsp.so" or ".nsc.so".
 constexpr std::size_t kPrefixLength = 3;
 constexpr std::size_t kAffixesLength = 10;
 
@@ -32,8 +32,8 @@ bool Contains(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
 }
 
-/// dladdr of this variable finds the file of this library. The address of an exported function
-/// would not: it may resolve to an entry in the program.
+/// dladdr of this function finds the file of this library. The address of an exported function may
+/// be that of an entry in the program.
 void SomewhereInThisLibrary() {}
 
 void* Load(const std::string& path) { return ::dlopen(path.c_str(), RTLD_NOW | RTLD_GLOBAL); }

@@ -17,13 +17,13 @@ namespace {
 
 constexpr int kCrashes[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
 
-/// What the handler writes before the name of the signal; it may not make a text.
+/// Written before the name of the signal. A buffer, since a signal handler must not allocate.
 char gNote[512];
 
 void SetNote(const std::string& note) { gNote[note.copy(gNote, sizeof(gNote) - 1)] = '\0'; }
 
 void Write(const char* text) {
-  (void)WriteAll(STDERR_FILENO, text);  // there is nobody else to tell
+  (void)WriteAll(STDERR_FILENO, text);  // a failure cannot be reported
 }
 
 extern "C" void ReportAndEnd(int signal) {
@@ -31,10 +31,10 @@ extern "C" void ReportAndEnd(int signal) {
   Write("it crashed (");
   Write(::sigabbrev_np(signal));
   Write(")\n");
-  ::raise(signal);  // once more, and by now for the default action
+  ::raise(signal);  // again, now with the default action
 }
 
-/// Whose end is reported; a child that a plug-in makes may end.
+/// The process whose exit is reported: children of a plug-in may exit.
 pid_t gProcess = 0;
 
 void ReportEnd() {
@@ -53,7 +53,7 @@ TCrashNote::TCrashNote(const std::string& action) : fOuter(gNote) {
 TCrashNote::~TCrashNote() { SetNote(fOuter); }
 
 void ReportCrashes() {
-  // A stack of its own: one that has overflowed is no place for a handler.
+  // A separate stack, since the handler also runs after a stack overflow.
   static char stack[1 << 16];
   stack_t alternative = {};
   alternative.ss_sp = stack;
@@ -66,7 +66,7 @@ void ReportCrashes() {
   for (const int signal : kCrashes) {
     struct sigaction action = {};
     ::sigaction(signal, nullptr, &action);
-    if (action.sa_handler != SIG_DFL) continue;  // a sanitizer tells more
+    if (action.sa_handler != SIG_DFL) continue;  // that of a sanitizer reports more
     action.sa_handler = ReportAndEnd;
     action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_ONSTACK | SA_NODEFER;
     ::sigaction(signal, &action, nullptr);

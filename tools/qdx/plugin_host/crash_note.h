@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Says whose code was running when the command crashes.
+/// Reports whose code was running when the command crashes.
 #ifndef TOOLS_QDX_PLUGIN_HOST_CRASH_NOTE_H_
 #define TOOLS_QDX_PLUGIN_HOST_CRASH_NOTE_H_
 
@@ -7,8 +7,8 @@
 
 namespace NVORNQDX20 {
 
-/// While it lives, a crash is reported in one line, "ACTION: it crashed (SEGV)", and ends the
-/// process as it would have. Of nested ones the innermost speaks.
+/// During its lifetime a crash prints a line "ACTION: it crashed (SEGV)", and then ends the process
+/// as without this. Of nested objects the innermost one gives the action.
 class TCrashNote {
  public:
   explicit TCrashNote(const std::string& action);
@@ -20,12 +20,12 @@ class TCrashNote {
   const std::string fOuter;
 };
 
-/// To be called once, at the start. A plug-in that calls exit is reported as well: "it ended the
-/// command", with kExitNothingCollected.
+/// Installs the handlers; call it once, at the start. If a plug-in calls exit(), prints "it ended
+/// the command" and ends with kExitNothingCollected.
 void ReportCrashes();
-/// The work is done: to end is no fault any more.
+/// Stops reporting exit(), since the command is done. Crashes are still reported.
 void ReportNoEnd();
-/// For a process whose crash another one reports.
+/// Removes the signal handlers in a child process whose parent reports its crash.
 void LeaveCrashesToOthers();
 
 }  // namespace NVORNQDX20

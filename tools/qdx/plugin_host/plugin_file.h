@@ -7,10 +7,10 @@
 
 namespace NVORNQDX20 {
 
-/// Loading a library runs code of it, and one that is cut off, or that was built against other
-/// interfaces, can take the whole process with it. So this throws kQDXStatusInvalidPlugin, with
-/// what is wrong with "it" as the reason, unless the file is a whole library for this machine that
-/// carries build stamps, all of them of this major version and with both definitions in force.
+/// Throws kQDXStatusInvalidPlugin, with the reason, unless the file is a complete library for this
+/// kind of machine with at least one build stamp, and all its stamps have this major version, no
+/// newer minor version, and the settings of this build. Loading runs code of a library, and a
+/// truncated one, or one built against other interfaces, could crash the process.
 void CheckPluginFile(const std::string& file);
 
 }  // namespace NVORNQDX20

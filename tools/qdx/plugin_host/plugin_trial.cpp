@@ -26,7 +26,7 @@ constexpr std::size_t kLongestText = 300;
 /// An unlikely status, so that a plug-in's own exit() is not taken for success.
 constexpr int kCameBack = 113;
 
-/// Of the process that tries.
+/// Set in the child process only.
 const TLastError* gLastError = nullptr;
 
 [[noreturn]] void SayWhyAndAbort() {
@@ -35,9 +35,10 @@ const TLastError* gLastError = nullptr;
   std::abort();
 }
 
-/// What is printed or logged will be again when the library is loaded for good.
+/// Standard output and the log are discarded, since they repeat when the library is loaded for use;
+/// standard error goes to the parent.
 void TurnAside(int end) {
-  ::fcntl(end, F_SETFL, O_NONBLOCK);  // its text must not wait until another trial is done
+  ::fcntl(end, F_SETFL, O_NONBLOCK);  // a full pipe must not stop the child
   const TDescriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
   ::dup2(nowhere.Get(), STDOUT_FILENO);
   ::dup2(end, STDERR_FILENO);

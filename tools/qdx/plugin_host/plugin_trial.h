@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Loading a plug-in where it can do no harm.
+/// Loads plug-ins as a trial, in a child process.
 #ifndef TOOLS_QDX_PLUGIN_HOST_PLUGIN_TRIAL_H_
 #define TOOLS_QDX_PLUGIN_HOST_PLUGIN_TRIAL_H_
 
@@ -11,15 +11,16 @@
 
 namespace NVORNQDX20 {
 
-/// Loads a plug-in in a process of its own first: what an initialiser of the library throws, breaks
-/// or ends would end this one. What `load` throws does not count, since it can be caught.
+/// Loads a plug-in in a child process: an initialiser of a library that throws, crashes or exits
+/// ends the process. Exceptions of `load` are ignored, since the caller can catch them when it
+/// loads the plug-in itself.
 class TPluginTrial {
  public:
   explicit TPluginTrial(const std::function<void()>& load);
 
-  /// Throws kQDXStatusInvalidPlugin, and how "it" ended as the reason, if that process died, or is
-  /// not back ten seconds after it was made. Where no process could be made, all is well: a plug-in
-  /// that cannot be tried may be the only one that tells what this machine suffers from.
+  /// Throws kQDXStatusInvalidPlugin if the child ended before it had loaded the plug-in, or did not
+  /// finish within ten seconds; the reason says how it ended. Does nothing if no child could be
+  /// started: on a machine without free processes, the plug-in may be needed to find out why.
   void RequireSuccess();
 
  private:

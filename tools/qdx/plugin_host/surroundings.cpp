@@ -21,7 +21,7 @@ TKeptSurroundings::~TKeptSurroundings() {
   std::fflush(stdout);
   for (int i = 0; i < 3; ++i) ::dup2(fDescriptors[i].Get(), i);
   OccupyStandardDescriptors();
-  (void)!::fchdir(fFolder.Get());  // where the folder may no longer be entered, this one has to do
+  (void)!::fchdir(fFolder.Get());  // fails if the permissions have changed
   ::umask(fMask);
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the whole process has one of, and a plug-in may change.
+/// Protects process-wide state that a plug-in may change.
 #ifndef TOOLS_QDX_PLUGIN_HOST_SURROUNDINGS_H_
 #define TOOLS_QDX_PLUGIN_HOST_SURROUNDINGS_H_
 
@@ -9,9 +9,9 @@
 
 namespace NVORNQDX20 {
 
-/// Gives back, when a plug-in was loaded, what it may have changed for the whole process: the
-/// working directory, the umask and the standard descriptors. Meanwhile what it prints goes to
-/// standard error, since standard output is for programs to read.
+/// Restores the working directory, the umask and the standard descriptors in its destructor, after
+/// a plug-in was loaded. Until then standard output is redirected to standard error: text that a
+/// plug-in prints must not be in output that programs read.
 class TKeptSurroundings {
  public:
   TKeptSurroundings();
@@ -25,8 +25,9 @@ class TKeptSurroundings {
   mode_t fMask;
 };
 
-/// With a standard descriptor closed, the next file to be opened, the log perhaps, would take its
-/// place and get what is meant for it. Read-only, so that a missing standard output is noticed.
+/// Opens /dev/null on each standard descriptor that is closed. Otherwise the next file that is
+/// opened, such as the log, would get its number and its output. Opened read-only, so that writing
+/// to a closed standard output still fails.
 void OccupyStandardDescriptors();
 
 }  // namespace NVORNQDX20

@@ -16,7 +16,7 @@ namespace {
 
 using TClock = std::chrono::steady_clock;
 
-/// No EExitCode: the only failure that the work has not reported itself.
+/// Not an EExitCode: the only failure that the child does not print.
 constexpr int kOutOfMemory = 113;
 
 int ExitCodeOf(const std::function<void()>& work) {
@@ -31,7 +31,8 @@ int ExitCodeOf(const std::function<void()>& work) {
   }
 }
 
-/// Whether it ended by itself. Where nothing tells how far it is, it has all the time it wants.
+/// Waits, and returns whether the child ended before the timeout. Without a byte count there is no
+/// timeout, since progress cannot be seen.
 bool EndsByItself(TWorker& worker, std::chrono::seconds patience) {
   std::string count;
   auto moved = TClock::now();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Work that may hang, without the command hanging with it.
+/// Runs work that may hang, with a timeout.
 #ifndef TOOLS_QDX_PLUGIN_HOST_WATCHED_H_
 #define TOOLS_QDX_PLUGIN_HOST_WATCHED_H_
 
@@ -9,12 +9,12 @@
 
 namespace NVORNQDX20 {
 
-/// Runs the work in a process of its own until it is done. That process dies with this one, and
-/// is ended when for so long it has neither read nor written a file. Only files and standard error
-/// show what it did: objects here stay as they are.
+/// Runs the work in a child process and waits for it. The child is killed if it has neither read
+/// nor written a file for the time `patience`, or if this process ends. The work cannot change
+/// objects of this process: its only results are files and standard error.
 ///
-/// Throws a TCommandFailure: without a line if the work threw one, which is reported by then,
-/// else with "ACTION: reason".
+/// Throws a TCommandFailure on failure: without a line if the child has printed one already, else
+/// with "ACTION: reason".
 void RunWatched(const std::string& action, std::chrono::seconds patience,
                 const std::function<void()>& work);
 

@@ -26,7 +26,7 @@ constexpr std::chrono::milliseconds kGlance{10};
 }  // namespace
 
 TWorker::TWorker(const std::function<int(int)>& action) {
-  std::signal(SIGCHLD, SIG_DFL);  // ignored, it would hide how the process ended
+  std::signal(SIGCHLD, SIG_DFL);  // if it is ignored, waitpid returns no status
   TPipe pipe = OpenPipe();
   if (!pipe.fReadEnd.IsOpen()) return;
   const pid_t parent = ::getpid();
@@ -49,7 +49,8 @@ TWorker::~TWorker() {
 bool TWorker::EndsBy(std::chrono::steady_clock::time_point deadline) {
   while (!HasEnded()) {
     if (std::chrono::steady_clock::now() >= deadline) return false;
-    // The end of the pipe is no proof: the process may have closed it, or passed it on.
+    // A closed pipe does not mean that the child has ended, nor an open one that it runs: it may
+    // have closed its end, or passed it to another process.
     pollfd end = {fEnd.Get(), POLLIN, 0};
     if (::poll(&end, 1, static_cast<int>(kGlance.count())) > 0 && (end.revents & POLLIN) == 0) {
       ::usleep(1000);
@@ -68,7 +69,7 @@ bool TWorker::HasEnded() {
   return fEnded;
 }
 
-/// Once the process has been waited for, a group of strangers may get its number.
+/// Kills the group before waitpid, after which another group may get its number.
 void TWorker::EndGroup() {
   ::kill(-fProcess, SIGKILL);
   ::waitpid(fProcess, &fStatus, 0);

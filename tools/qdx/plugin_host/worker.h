@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A process of its own for what may hang or crash.
+/// Runs work that may hang or crash in a child process.
 #ifndef TOOLS_QDX_PLUGIN_HOST_WORKER_H_
 #define TOOLS_QDX_PLUGIN_HOST_WORKER_H_
 
@@ -13,25 +13,28 @@
 
 namespace NVORNQDX20 {
 
-/// A copy of this process that runs an action. Its process group, it and what it has started, ends
-/// with it or with this object. Objects here stay as they are, whatever it does.
+/// A forked child process that runs an action. The child has a process group of its own, which is
+/// killed when the child ends or this object is destroyed, with all processes that it has started.
+/// The action cannot change objects of this process.
 class TWorker {
  public:
-  /// The action gets a descriptor whose other end is read here, and answers the exit status.
+  /// Passes the write end of a pipe to the action, whose result is the exit status. Text() returns
+  /// what it writes there.
   explicit TWorker(const std::function<int(int)>& action);
   ~TWorker();
   TWorker(const TWorker&) = delete;
   TWorker& operator=(const TWorker&) = delete;
 
-  /// False if it could not be started; errno says why.
+  /// Returns false, with errno set, if the child could not be started.
   bool IsRunning() const { return fProcess > 0; }
+  /// Waits, and returns whether the child has ended before the deadline.
   bool EndsBy(std::chrono::steady_clock::time_point deadline);
-  /// What waitpid said, once it has ended.
+  /// Returns the status from waitpid. REQUIRES: the child has ended.
   int Status() const { return fStatus; }
-  /// What it has written so far to the descriptor, up to a few kilobytes.
+  /// Returns the first 4096 bytes that the action has written to the pipe.
   const std::string& Text() const { return fText; }
-  /// Changes with every byte that it reads from or writes to a file; empty if the system does not
-  /// tell.
+  /// Returns a text that changes with each byte that the child reads from or writes to a file;
+  /// empty if the kernel does not count them.
   std::string CountOfBytes() const;
 
  private:

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// The verb collect.
 #include <qdxcore/config.h>
 #include <qdxcore/copy.h>
 #include <qdxcore/logger.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// The verb diff.
 #include <utility>
 
 #include <qdxsnapshot/compare.h>

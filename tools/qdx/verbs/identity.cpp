@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// The verb identity.
 #include <qdxcore/schema_helper.h>
 #include <qdxmodel/options.h>
 

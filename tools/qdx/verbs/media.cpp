@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// The verb media.
 #include <qdxcore/os_specific.h>
 #include <qdxmodel/classes.h>
 

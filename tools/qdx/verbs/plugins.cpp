@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// The verb plugins.
 #include <nlohmann/json.hpp>
 
 #include "cli/output.h"

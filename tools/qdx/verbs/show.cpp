@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// The verb show.
 #include <qdxcore/reference.h>
 #include <qdxmodel/names.h>
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The verbs of the command: one function in one source file for each.
+/// The verbs of the command: one function for each, in a source file of the same name; upload and
+/// download share transfer.cpp.
 #ifndef TOOLS_QDX_VERBS_VERBS_H_
 #define TOOLS_QDX_VERBS_VERBS_H_
 

@@ -2,17 +2,17 @@
 /// A CIM namespace (DMTF DSP0004) held in memory, for providers to fill and hand out.
 ///
 /// Names compare without regard to ASCII case and keep the case they were given; values always
-/// compare exactly. Enumerations follow the order in which elements became part of what is
-/// enumerated, those of properties with the inherited ones first. What a callback adds meanwhile
-/// may or may not be seen, and never makes one endless.
+/// compare exactly. Enumerations return elements in the order in which they were added; those of
+/// properties begin with the inherited ones. An element that a callback adds to the enumerated
+/// object may or may not be visited, but no enumeration becomes endless.
 ///
 /// Order of work. A Create operation, AddQualifier and the setters check their arguments; Commit
-/// checks the element against what the namespace holds already. Whatever fails leaves the namespace
-/// as it was. A superclass, a qualifier declaration, and the class of an instance or of a reference
-/// must be committed before they are used; only a class's own reference properties may name that
-/// class while it is built. Once an element is committed its declaration is closed: further
-/// declarations, further qualifiers and a second Commit throw kQDXStatusInvalidOpSequence, while
-/// static values, and the properties of an instance but for its keys, can be set at any time.
+/// checks the element against the contents of the namespace. An operation that fails leaves the
+/// namespace as it was. A superclass, a qualifier declaration, and the class of an instance or of a
+/// reference must be committed before they are used; only a class's own reference properties may
+/// name that class before it is committed. After an element is committed, further declarations,
+/// further qualifiers and a second Commit throw kQDXStatusInvalidOpSequence. Static values, and the
+/// properties of an instance except its keys, can be set at any time.
 ///
 ///   boost::shared_ptr<ICIMNamespace> ns = MakeRepositoryNamespace("root/cimv2");
 ///   auto key = ns->CreateQualifierDecl("Key", false, kScopeAny, kFlavorToSubclass, {});
@@ -26,14 +26,15 @@
 ///   sda->SetPropertyValue("DeviceID", "sda", {});
 ///   sda->Commit({});
 ///
-/// What throws what. Each is a TExplainedException that names the element it is about; nothing is
-/// logged, since a look-up that finds nothing may be all that was asked for.
+/// Exceptions. Each is a TExplainedException that names the element concerned. They are not logged,
+/// since only the caller knows whether a missing element is a failure.
 ///
 ///   kQDXStatusInvalidCIMName      a name that is no CIM identifier
 ///   kQDXStatusNotFound            GetClass, GetQualifierDecl, GetPropertyDecl, a property's
 ///                                 GetQualifier, GetProperty and the setters: no such name;
 ///                                 AddQualifier: not a committed declaration of this namespace
-///   kQDXStatusAlreadyExists       Commit: the name, or the instance's keys, are taken;
+///   kQDXStatusAlreadyExists       Commit: an element with this name, or an instance with these
+///                                 keys, exists;
 ///                                 CreateMethodDecl: the class has a method of that name
 ///   kQDXStatusInvalidClass        CreateClass: the superclass is not a committed class of this
 ///                                 namespace; CreateInstance: the class is abstract; Commit: an
@@ -48,26 +49,30 @@
 ///                                 has kFlavorToSubclass but not kFlavorOverridable
 ///   kQDXStatusInvalidInstance     Commit: a key property is null
 ///
-/// What counts as what. "Key" makes a property a key of the class and all below it; "Association"
-/// makes a class and all below it associations; "Abstract" speaks of its own class only. That is so
-/// whatever their flavor. Scopes are kept, not enforced. A class's property declarations include
-/// the inherited ones, which are the superclass's own objects; methods, qualifiers and static
-/// values are the class's own, but a property's GetQualifier also finds what it inherits from the
-/// declaration it overrides (kFlavorToSubclass). A property that an instance never set answers the
-/// static value of the closest class that has one, else the declared default. An instance is found
-/// by exactly its keys in its own class; GetInstance answers null if there is none. A class without
-/// keys can have any number of instances, which no path names.
+/// Qualifiers. "Key" makes a property a key of its class and of all subclasses; "Association" makes
+/// its class and all subclasses associations; "Abstract" applies to its own class only. The flavor
+/// makes no difference to this. Scopes are stored, not enforced.
 ///
-/// Lifetime. Every object handed out keeps the whole namespace alive, and nothing within the
-/// namespace keeps itself alive: it goes when the last outside holder of any part of it goes, what
-/// was never committed when its own holders go. A class, an instance and a declaration is one
-/// object each, the same whenever it is handed out, but a weak pointer to it expires with its
-/// outside holders. A reference to an object of the namespace itself is stored without ownership,
-/// with its key names in the declared spelling; it is bound again, to this namespace, when it is
-/// read, and then keeps it alive like any other. So the value of a reference property is valid as
-/// long as the ICIMProperty or ICIMPropertyDecl it was read from (any other until it is set again),
-/// and a reference to another namespace keeps that one alive: two namespaces that hold references
-/// to each other are never freed.
+/// Inheritance. The property declarations of a class include the inherited ones, which are the same
+/// objects as the superclass's. Methods, qualifiers and static values do not include inherited
+/// ones, but GetQualifier of a property also finds qualifiers of the declarations that it overrides
+/// (kFlavorToSubclass).
+///
+/// Values. A property that was never set in an instance has the static value of the closest class
+/// that has one, or else the declared default. GetInstance finds an instance by its exact keys in
+/// its own class, and returns null if there is none. A class without keys can have any number of
+/// instances, which have no path of their own.
+///
+/// Lifetime. Every object that an operation returns keeps the whole namespace alive. The namespace
+/// is freed with the last of these objects, and an element that was never committed with the last
+/// pointer to it. Each operation returns the same object for the same class, instance or
+/// declaration, but a weak pointer to it expires when the caller has no other pointer to it. A
+/// reference to an object of the same namespace is stored without ownership, with its key names in
+/// the declared spelling. It is bound to the namespace when it is read, and then keeps the
+/// namespace alive. So the value of a reference property is valid as long as the ICIMProperty or
+/// ICIMPropertyDecl that it was read from; other values are valid until they are set again. A
+/// reference to another namespace keeps that one alive: two namespaces with references to each
+/// other are never freed.
 #ifndef QDXREPOSITORY_REPOSITORY_H_
 #define QDXREPOSITORY_REPOSITORY_H_
 
@@ -81,7 +86,7 @@
 
 namespace NVORNQDX20 {
 
-/// What a qualifier may stand on: the bits of ICIMQualifierDecl::GetScope.
+/// The bits of ICIMQualifierDecl::GetScope: the kinds of elements that can have the qualifier.
 inline constexpr std::uint32_t kScopeClass = 1U << 0;
 inline constexpr std::uint32_t kScopeAssociation = 1U << 1;
 inline constexpr std::uint32_t kScopeReference = 1U << 2;
@@ -91,14 +96,15 @@ inline constexpr std::uint32_t kScopeParameter = 1U << 5;
 inline constexpr std::uint32_t kScopeIndication = 1U << 6;
 inline constexpr std::uint32_t kScopeAny = (1U << 7) - 1;
 
-/// What becomes of a qualifier elsewhere: the bits of ICIMQualifierDecl::GetFlavor. A flavor
-/// without kFlavorOverridable is "DisableOverride", one without kFlavorToSubclass "Restricted".
+/// The bits of ICIMQualifierDecl::GetFlavor: how subclasses, instances and translations treat the
+/// qualifier. A flavor without kFlavorOverridable is "DisableOverride", one without
+/// kFlavorToSubclass is "Restricted".
 inline constexpr std::uint32_t kFlavorOverridable = 1U << 0;
 inline constexpr std::uint32_t kFlavorToSubclass = 1U << 1;
 inline constexpr std::uint32_t kFlavorToInstance = 1U << 2;
 inline constexpr std::uint32_t kFlavorTranslatable = 1U << 3;
 
-/// A new, empty namespace; every interface of <qdxcore/interfaces.h> is implemented behind it.
+/// Returns a new, empty namespace, which implements all interfaces of the object model.
 boost::shared_ptr<ICIMNamespace> MakeRepositoryNamespace(const std::string& name);
 
 /// A provider of namespaces that were made beforehand. Their names compare without regard to case.
@@ -107,7 +113,7 @@ class TRepositoryProvider final : public INamespaceProvider {
   explicit TRepositoryProvider(const std::string& name);
   ~TRepositoryProvider() override;
 
-  /// Throws kQDXStatusAlreadyExists if it has one of that name.
+  /// Throws kQDXStatusAlreadyExists if the provider has a namespace with this name.
   void AddNamespace(boost::shared_ptr<ICIMNamespace> ns);
 
   const std::string& GetName(TOptionsMap options) const override;
