@@ -78,7 +78,7 @@ void ReportNoEnd() {
   gProcess = 0;
 }
 
-void LeaveCrashesToOthers() {
+void StopReportingCrashes() {
   for (const int signal : kCrashes) {
     struct sigaction action = {};
     ::sigaction(signal, nullptr, &action);

@@ -26,7 +26,7 @@ void ReportCrashes();
 /// Stops reporting exit(), since the command is done. Crashes are still reported.
 void ReportNoEnd();
 /// Removes the signal handlers in a child process whose parent reports its crash.
-void LeaveCrashesToOthers();
+void StopReportingCrashes();
 
 }  // namespace NVORNQDX20
 

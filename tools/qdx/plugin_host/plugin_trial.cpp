@@ -20,16 +20,16 @@
 namespace NVORNQDX20 {
 namespace {
 
-constexpr std::chrono::seconds kPatience{10};
+constexpr std::chrono::seconds kTimeout{10};
 constexpr std::size_t kLongestText = 300;
 
 /// An unlikely status, so that a plug-in's own exit() is not taken for success.
-constexpr int kCameBack = 113;
+constexpr int kSucceeded = 113;
 
 /// Set in the child process only.
 const TLastError* gLastError = nullptr;
 
-[[noreturn]] void SayWhyAndAbort() {
+[[noreturn]] void PrintReasonAndAbort() {
   if (gLastError->Get().empty()) __gnu_cxx::__verbose_terminate_handler();
   std::fputs(gLastError->Get().c_str(), stderr);
   std::abort();
@@ -37,16 +37,16 @@ const TLastError* gLastError = nullptr;
 
 /// Standard output and the log are discarded, since they repeat when the library is loaded for use;
 /// standard error goes to the parent.
-void TurnAside(int end) {
+void RedirectOutput(int end) {
   ::fcntl(end, F_SETFL, O_NONBLOCK);  // a full pipe must not stop the child
   const TDescriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
   ::dup2(nowhere.Get(), STDOUT_FILENO);
   ::dup2(end, STDERR_FILENO);
   TLogger::Initialize();  // writes no file
-  LeaveCrashesToOthers();
+  StopReportingCrashes();
 }
 
-std::string HowItEnded(int status) {
+std::string DescribeStatus(int status) {
   if (WIFEXITED(status)) return "ended that with status " + std::to_string(WEXITSTATUS(status));
   const char* const name = ::sigabbrev_np(WTERMSIG(status));  // real-time signals have none
   return "ended that with signal " + (name == nullptr ? std::to_string(WTERMSIG(status)) : name);
@@ -62,22 +62,22 @@ std::string OnOneLine(std::string text) {
 }  // namespace
 
 TPluginTrial::TPluginTrial(const std::function<void()>& load)
-    : fDeadline(std::chrono::steady_clock::now() + kPatience), fWorker([&load](int end) {
-        TurnAside(end);
+    : fDeadline(std::chrono::steady_clock::now() + kTimeout), fWorker([&load](int end) {
+        RedirectOutput(end);
         const TLastError lastError;
         gLastError = &lastError;
-        std::set_terminate(SayWhyAndAbort);
+        std::set_terminate(PrintReasonAndAbort);
         (void)Try(load);
-        return kCameBack;
+        return kSucceeded;
       }) {}
 
 void TPluginTrial::RequireSuccess() {
   if (!fWorker.IsRunning()) return;
-  const bool ended = fWorker.EndsBy(fDeadline);
+  const bool ended = fWorker.WaitUntil(fDeadline);
   const int status = fWorker.Status();
-  if (ended && WIFEXITED(status) && WEXITSTATUS(status) == kCameBack) return;
+  if (ended && WIFEXITED(status) && WEXITSTATUS(status) == kSucceeded) return;
   const std::string how =
-      ended ? HowItEnded(status) + OnOneLine(fWorker.Text()) : "did not come back";
+      ended ? DescribeStatus(status) + OnOneLine(fWorker.Text()) : "did not come back";
   throw TExplainedException(kQDXStatusInvalidPlugin,
                             "it was tried in a process of its own and " + how);
 }

@@ -33,15 +33,15 @@ int ExitCodeOf(const std::function<void()>& work) {
 
 /// Waits, and returns whether the child ended before the timeout. Without a byte count there is no
 /// timeout, since progress cannot be seen.
-bool EndsByItself(TWorker& worker, std::chrono::seconds patience) {
+bool WaitForEnd(TWorker& worker, std::chrono::seconds timeout) {
   std::string count;
   auto moved = TClock::now();
-  while (!worker.EndsBy(TClock::now() + std::chrono::milliseconds(500))) {
-    std::string now = worker.CountOfBytes();
+  while (!worker.WaitUntil(TClock::now() + std::chrono::milliseconds(500))) {
+    std::string now = worker.BytesTransferred();
     if (now.empty() || now != count) {
       count.swap(now);
       moved = TClock::now();
-    } else if (TClock::now() - moved >= patience) {
+    } else if (TClock::now() - moved >= timeout) {
       return false;
     }
   }
@@ -50,16 +50,16 @@ bool EndsByItself(TWorker& worker, std::chrono::seconds patience) {
 
 }  // namespace
 
-void RunWatched(const std::string& action, std::chrono::seconds patience,
+void RunWatched(const std::string& action, std::chrono::seconds timeout,
                 const std::function<void()>& work) {
   const auto fail = [&](EQDXStatusCode status, const std::string& why) {
     throw TCommandFailure(kExitTransferFailed, action, {status, why});
   };
   TWorker worker([&work](int) { return ExitCodeOf(work); });
   if (!worker.IsRunning()) fail(kQDXStatusFail, ErrorText(errno));
-  if (!EndsByItself(worker, patience)) {
-    fail(kQDXStatusConnectionFailed, "nothing moved for " + std::to_string(patience.count()) +
-                                         " seconds; --timeout allows more");
+  if (!WaitForEnd(worker, timeout)) {
+    fail(kQDXStatusConnectionFailed,
+         "no progress for " + std::to_string(timeout.count()) + " seconds; --timeout allows more");
   }
   const int status = worker.Status();
   if (!WIFEXITED(status)) fail(kQDXStatusFail, "a signal ended it");

@@ -17,7 +17,7 @@ namespace NVORNQDX20 {
 namespace {
 
 constexpr std::size_t kLongestText = 4096;
-constexpr std::chrono::milliseconds kGlance{10};
+constexpr std::chrono::milliseconds kPollInterval{10};
 
 [[noreturn]] void RunAndExit(const std::function<int(int)>& action, int end) noexcept {
   ::_exit(action(end));  // _exit: atexit handlers belong to the parent
@@ -38,26 +38,27 @@ TWorker::TWorker(const std::function<int(int)>& action) {
     RunAndExit(action, pipe.fWriteEnd.Get());
   }
   if (fProcess > 0) ::setpgid(fProcess, fProcess);  // both call setpgid, to avoid a race
-  fEnd = std::move(pipe.fReadEnd);
-  ::fcntl(fEnd.Get(), F_SETFL, O_NONBLOCK);
+  fReadEnd = std::move(pipe.fReadEnd);
+  ::fcntl(fReadEnd.Get(), F_SETFL, O_NONBLOCK);
 }
 
 TWorker::~TWorker() {
-  if (fProcess > 0 && !fEnded) EndGroup();
+  if (fProcess > 0 && !fEnded) KillGroup();
 }
 
-bool TWorker::EndsBy(std::chrono::steady_clock::time_point deadline) {
+bool TWorker::WaitUntil(std::chrono::steady_clock::time_point deadline) {
   while (!HasEnded()) {
     if (std::chrono::steady_clock::now() >= deadline) return false;
     // A closed pipe does not mean that the child has ended, nor an open one that it runs: it may
     // have closed its end, or passed it to another process.
-    pollfd end = {fEnd.Get(), POLLIN, 0};
-    if (::poll(&end, 1, static_cast<int>(kGlance.count())) > 0 && (end.revents & POLLIN) == 0) {
+    pollfd end = {fReadEnd.Get(), POLLIN, 0};
+    if (::poll(&end, 1, static_cast<int>(kPollInterval.count())) > 0 &&
+        (end.revents & POLLIN) == 0) {
       ::usleep(1000);
     }
-    ReadWhatIsThere();
+    ReadAvailable();
   }
-  ReadWhatIsThere();
+  ReadAvailable();
   return true;
 }
 
@@ -65,25 +66,25 @@ bool TWorker::HasEnded() {
   if (fEnded) return true;
   siginfo_t end = {};
   ::waitid(P_PID, static_cast<id_t>(fProcess), &end, WEXITED | WNOHANG | WNOWAIT);
-  if (end.si_pid == fProcess) EndGroup();
+  if (end.si_pid == fProcess) KillGroup();
   return fEnded;
 }
 
 /// Kills the group before waitpid, after which another group may get its number.
-void TWorker::EndGroup() {
+void TWorker::KillGroup() {
   ::kill(-fProcess, SIGKILL);
   ::waitpid(fProcess, &fStatus, 0);
   fEnded = true;
 }
 
-void TWorker::ReadWhatIsThere() {
+void TWorker::ReadAvailable() {
   char buffer[1024];
-  const ssize_t size = ::read(fEnd.Get(), buffer, sizeof(buffer));
+  const ssize_t size = ::read(fReadEnd.Get(), buffer, sizeof(buffer));
   if (size <= 0) return;
   fText.append(buffer, std::min(static_cast<std::size_t>(size), kLongestText - fText.size()));
 }
 
-std::string TWorker::CountOfBytes() const {
+std::string TWorker::BytesTransferred() const {
   std::ifstream file("/proc/" + std::to_string(fProcess) + "/io");
   return {std::istreambuf_iterator<char>(file), {}};
 }

@@ -28,24 +28,24 @@ class TWorker {
   /// Returns false, with errno set, if the child could not be started.
   bool IsRunning() const { return fProcess > 0; }
   /// Waits, and returns whether the child has ended before the deadline.
-  bool EndsBy(std::chrono::steady_clock::time_point deadline);
+  bool WaitUntil(std::chrono::steady_clock::time_point deadline);
   /// Returns the status from waitpid. REQUIRES: the child has ended.
   int Status() const { return fStatus; }
   /// Returns the first 4096 bytes that the action has written to the pipe.
   const std::string& Text() const { return fText; }
   /// Returns a text that changes with each byte that the child reads from or writes to a file;
   /// empty if the kernel does not count them.
-  std::string CountOfBytes() const;
+  std::string BytesTransferred() const;
 
  private:
   bool HasEnded();
-  void EndGroup();
-  void ReadWhatIsThere();
+  void KillGroup();
+  void ReadAvailable();
 
   pid_t fProcess = -1;
   bool fEnded = false;
   int fStatus = 0;
-  TDescriptor fEnd;
+  TDescriptor fReadEnd;
   std::string fText;
 };
 
