@@ -116,8 +116,8 @@ TEST_F(QDXCollect, LeavesWhatWasThereWhereItCannotWrite) {
   const std::pair<std::string, std::string> rows[] = {
       {"\"$0\" collect -o no/x.xml", "writing no/x.xml: No such file or directory\n"},
       {"\"$0\" collect -o /dev/full", "writing document /dev/full: No space left on device\n"},
-      {"echo old >x.xml; ulimit -f 4; \"$0\" collect -o x.xml; s=$?; grep -q old *; rm x.xml; exit "
-       "$s",
+      {"echo old >x.xml; ulimit -f 4; \"$0\" collect -o x.xml; s=$?; grep -q old * && rm x.xml; "
+       "exit $s",
        "writing document x.xml: File too large\n"},
       {"ln -s no x; trap 'rm x' EXIT; \"$0\" collect -ox",
        "following link x: No such file or directory\n"},
