@@ -12,7 +12,7 @@ namespace {
 using ::testing::IsSubstring;
 
 TEST(QDXBadPlugins, AreRefusedBeforeTheyCanDoHarm) {
-  const std::string good = ReadWholeFile(TEST_PROVIDER);
+  const std::string good = ReadWholeFile(TESTS "test_provider.so");
   const auto changed = [&good](std::size_t position, char byte) {
     return std::string(good).replace(position, 1, 1, byte);
   };
@@ -81,7 +81,8 @@ TEST(QDXBadPlugins, MayFailOnceTheyAreLoaded) {
 TEST(QDXBadPlugins, AreRefusedByNameAsWell) {
   const TInstallation installation;
   const std::string reader = (installation.Folder() / "libcimxml.nsp.so").string();
-  installation.AddBrokenPlugin("libcimxml.nsp.so", ReadWholeFile(TEST_PROVIDER).substr(0, 5000));
+  installation.AddBrokenPlugin("libcimxml.nsp.so",
+                               ReadWholeFile(TESTS "test_provider.so").substr(0, 5000));
   const TProgramRun show = installation.Run({"show", "/proc/self/exe"});
   EXPECT_EQ(show.fErrors, "qdx: loading provider " + reader + ": it is cut off\n");
   EXPECT_EQ(show.fExitCode, 5);

@@ -7,9 +7,9 @@ namespace {
 
 TEST(QDXPlugins, AreListedInOrder) {
   const TInstallation installation;
-  installation.AddPlugin(TEST_PROVIDER, "libtest.nsp.so");
+  installation.AddPlugin(TESTS "test_provider.so", "libtest.nsp.so");
   installation.AddLinuxProvider();
-  installation.AddPlugin(TEST_CONSUMER, "libgood.nsc.so");
+  installation.AddPlugin(TESTS "test_consumer.so", "libgood.nsc.so");
   const TProgramRun run = installation.RunScript("\"$0\" plugins | sed 's| /.*/| |'");
   EXPECT_EQ(run.fErrors, "");
   EXPECT_EQ(run.fOutput,
@@ -24,10 +24,11 @@ TEST(QDXPlugins, AreListedWithTheirFailures) {
   const TInstallation installation;
   installation.AddBrokenPlugin("liba.nsp.so");
   installation.AddLinuxProvider();
-  installation.AddPlugin(BAD_PROVIDER, "libbad.nsp.so");
-  installation.AddPlugin(BAD_PROVIDER, "libworse.nsp.so");  // registers a name that is taken
+  installation.AddPlugin(TESTS "bad_provider.so", "libbad.nsp.so");
+  installation.AddPlugin(TESTS "bad_provider.so",
+                         "libworse.nsp.so");  // registers a name that is taken
   installation.AddBrokenPlugin("libb.nsc.so");
-  installation.AddPlugin(TEST_CONSUMER, "libnothing.nsc.so");  // creates null
+  installation.AddPlugin(TESTS "test_consumer.so", "libnothing.nsc.so");  // creates null
   const TProgramRun run = installation.Run({"plugins", "--json"});
   EXPECT_EQ(run.fExitCode, 3);
   const auto plugins = nlohmann::json::parse(run.fOutput);

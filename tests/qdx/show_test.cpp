@@ -10,7 +10,7 @@ class QDXShow : public ::testing::Test {
  protected:
   QDXShow() {
     fInstallation.AddDocumentPlugins();
-    fInstallation.AddPlugin(SAMPLE_PROVIDER, "libsample.nsp.so");
+    fInstallation.AddPlugin(TESTS "sample_provider.so", "libsample.nsp.so");
     fInstallation.Run({"collect", "--provider", "sample", "-o", fDocument});
   }
 
@@ -41,6 +41,8 @@ TEST_F(QDXShow, CutsATreeAtTheDepth) {
     EXPECT_EQ(fInstallation.Run({"show", "--provider=sample", depth, path}).fOutput,
               "root/sample  (provider sample)" + tree);
   }
+  EXPECT_EQ(fInstallation.Run({"show", "--depth=0", fDocument, "Sample_Many"}).fOutput,
+            "root/sample\n");
 }
 
 TEST_F(QDXShow, KeepsWhatWasReadBeforeAFailure) {
@@ -60,8 +62,9 @@ TEST_F(QDXShow, GivesTheReasonOfTheInstanceThatLacksAValue) {
   const std::string shown =
       fInstallation.Run({"show", "--root", fFolder.Path().string(), "VORNSG_SCSIDevice"}).fOutput;
   const std::string reason = "VendorID    -  (/sys/class/scsi_generic/sg1/device/vendor: ";
-  EXPECT_NE(shown.find(reason), std::string::npos) << shown;
+  EXPECT_PRED_FORMAT2(::testing::IsSubstring, reason, shown);
   EXPECT_EQ(shown.find("VendorID    -"), shown.find(reason)) << shown;
+  EXPECT_PRED_FORMAT2(::testing::IsNotSubstring, "ComputerSystem", shown);
 }
 
 TEST_F(QDXShow, TellsAnAuthorOfTheMistake) {
@@ -90,7 +93,7 @@ TEST_F(QDXShow, SaysWhatItCannotShow) {
     words.insert(words.begin(), "show");
     const TProgramRun run = fInstallation.Run(words);
     EXPECT_EQ(run.fExitCode, exitCode) << run.fErrors;
-    EXPECT_NE(run.fErrors.find("qdx: " + error), std::string::npos) << run.fErrors << error;
+    EXPECT_PRED_FORMAT2(::testing::IsSubstring, "qdx: " + error, run.fErrors);
   }
 }
 
