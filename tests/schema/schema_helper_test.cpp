@@ -13,18 +13,16 @@ using namespace NVORNQDX20;
 using THelper = TCIMSchemaHelper;
 
 /// A namespace with one instance of a class that has these properties.
-TNamespace MakeOne(const std::string& className, const TProperties& properties) {
+TNamespace MakeOne(const TProperties& properties,
+                   const std::string& className = "VORNSG_ComputerSystem") {
   const TNamespace ns = MakeNamespace();
   AddClass(ns, className, {{"Id", 0U}}, properties);
   AddInstance(ns, className, {{"Id", 1U}});
   return ns;
 }
-TNamespace MakeSystem(const TProperties& properties) {
-  return MakeOne("VORNSG_ComputerSystem", properties);
-}
 
 TEST(SchemaHelper, ReadsTheSingleInstanceOfAClass) {
-  const TNamespace ns = MakeSystem({{"Name", "host"}, {"ProductName", "47111AB"}});
+  const TNamespace ns = MakeOne({{"Name", "host"}, {"ProductName", "47111AB"}});
   EXPECT_EQ(THelper::GetSystemName(ns), "host");
   EXPECT_EQ(THelper::GetSystemProductName(ns), "47111AB");
   EXPECT_EQ(THelper::GetSystemCreationClassName(ns), "VORNSG_ComputerSystem");
@@ -38,11 +36,11 @@ TEST(SchemaHelper, ReadsTheSingleInstanceOfAClass) {
   EXPECT_EQ(THelper::GetOperatingSystemType(ns), type);
   EXPECT_EQ(THelper::GetOperatingSystemCreationClassName(ns), className);
 
-  ns->CreateClass("T_Blade", ns->GetClass("VORNSG_ComputerSystem", {}), {})->Commit({});
+  AddDerived(ns, "T_Blade", ns->GetClass("VORNSG_ComputerSystem", {}), {});
   AddInstance(ns, "T_Blade", {{"Id", 2U}});
   EXPECT_QDX_STATUS(THelper::GetSystemName(ns), kQDXStatusNotFound);  // a subclass counts
   EXPECT_QDX_STATUS(THelper::GetMTM(ns), kQDXStatusNotFound);
-  const TNamespace bad = MakeSystem({{"Name", 5U}, {"ProductName", kNoText}});
+  const TNamespace bad = MakeOne({{"Name", 5U}, {"ProductName", kNoText}});
   EXPECT_QDX_STATUS(THelper::GetSystemName(bad), kQDXStatusTypeMismatch);
   EXPECT_QDX_STATUS(THelper::GetSystemProductName(bad), kQDXStatusValueIsNULL);
 }
@@ -59,7 +57,7 @@ TEST(SchemaHelperMTM, IsFoundInTheProductName) {
       {"VORN Loftnode k318-[4712   ]  ", "4712xxx"},
   };
   for (const auto& [name, mtm] : rows) {
-    const TNamespace ns = MakeSystem({{"ProductName", name}});
+    const TNamespace ns = MakeOne({{"ProductName", name}});
     const TLogCapture log;
     EXPECT_EQ(THelper::GetMTM(ns), mtm) << name;
     EXPECT_EQ(log.Messages(), std::vector<std::string>{"3 TCIMSchemaHelper- Detected MTM " + mtm});
@@ -71,7 +69,7 @@ TEST(SchemaHelperMTM, IsFoundInTheProductName) {
        {"4711   x", "VORN Loftnode k318-[47-21AB]", "VORN Loftnode k319-[47121AB]",
         "VORN Loftnode k318-[47121AB)", "-[47111AB]", "-[47111AB] -", "-[4711!AB]-", "-[47 1]-",
         "-[4711", "-[", "-[] -[47111AB]-", "47111A", "    ", ""}) {
-    const TNamespace ns = MakeSystem({{"ProductName", name}});
+    const TNamespace ns = MakeOne({{"ProductName", name}});
     EXPECT_QDX_STATUS(THelper::GetMTM(ns), kQDXStatusInvalidFormat) << name;
   }
 }
@@ -84,24 +82,24 @@ TEST(SchemaHelperMTM, IsValidByItsFirstCharacters) {
 
 TEST(SchemaHelperSerial, HasSevenLettersOrDigits) {
   const auto read = [](const char* serial) {
-    return THelper::GetSerialNumber(MakeSystem({{"SerialNumber", serial}}), {});
+    return THelper::GetSerialNumber(MakeOne({{"SerialNumber", serial}}), {});
   };
   EXPECT_EQ(read("23z1234   "), "23z1234");
   for (const char* bad : {"23-1234", " 23A1234", "23A12345", "23A123 ", ""}) {
     EXPECT_QDX_STATUS(read(bad), kQDXStatusInvalidFormat) << bad;
   }
-  EXPECT_EQ(THelper::GetRawSerialNumberString(MakeSystem({{"SerialNumber", "x "}}), {}), "x ");
+  EXPECT_EQ(THelper::GetRawSerialNumberString(MakeOne({{"SerialNumber", "x "}}), {}), "x ");
 }
 
 TEST(SchemaHelperRawTexts, SayWhatIsMissing) {
-  const TNamespace two = MakeSystem({});
+  const TNamespace two = MakeOne({});
   AddInstance(two, "VORNSG_ComputerSystem", {{"Id", 2U}});
   const std::pair<TNamespace, std::string> rows[] = {
       {MakeNamespace(), "no computer system"},
       {two, "computer system instances != 1"},
-      {MakeSystem({}), "didn't find ProductName property"},
-      {MakeSystem({{"ProductName", kNoText}}), "ProductName is NULL"},
-      {MakeSystem({{"ProductName", 5U}}), "ProductName wasn't a string"}};
+      {MakeOne({}), "didn't find ProductName property"},
+      {MakeOne({{"ProductName", kNoText}}), "ProductName is NULL"},
+      {MakeOne({{"ProductName", 5U}}), "ProductName wasn't a string"}};
   for (const auto& [ns, message] : rows) {
     const TLogCapture log;
     EXPECT_QDX_STATUS(THelper::GetRawMTMString(ns), kQDXStatusNotFound);
@@ -111,7 +109,7 @@ TEST(SchemaHelperRawTexts, SayWhatIsMissing) {
 }
 
 TEST(SchemaHelper, PassesOptionsAndFaultsOn) {
-  const TNamespace ns = MakeSystem({{"SerialNumber", "23A1234"}, {"ProductName", "47111AB"}});
+  const TNamespace ns = MakeOne({{"SerialNumber", "23A1234"}, {"ProductName", "47111AB"}});
   const auto faults = boost::make_shared<TFaults>();
   const TNamespace faulty = MakeFaultyNamespace(ns, faults);
   std::string asked;
@@ -146,12 +144,12 @@ TEST(SchemaHelperVersion, IsSplitAtItsDots) {
                                              {"12.3.4", "12", "3.4", "4"},
                                              {"1.", "1", "", ""}};
   for (const auto& [version, major, minor, build] : rows) {
-    const TNamespace ns = MakeOne("VORNSG_QDXProduct", {{"Version", version}});
+    const TNamespace ns = MakeOne({{"Version", version}}, "VORNSG_QDXProduct");
     EXPECT_EQ(THelper::GetDataSourceMajorVersion(ns, {}), major);
     EXPECT_EQ(THelper::GetDataSourceMinorVersion(ns, {}), minor);
     EXPECT_EQ(THelper::GetDataSourceBuildVersion(ns), build);
   }
-  const TNamespace ns = MakeOne("VORNSG_QDXProduct", {{"Version", "12"}});
+  const TNamespace ns = MakeOne({{"Version", "12"}}, "VORNSG_QDXProduct");
   EXPECT_QDX_STATUS(THelper::GetDataSourceMajorVersion(ns, {}), kQDXStatusNotFound);
   EXPECT_QDX_STATUS(THelper::GetDataSourceMinorVersion(ns, {}), kQDXStatusNotFound);
   EXPECT_QDX_STATUS(THelper::GetDataSourceBuildVersion(ns), kQDXStatusNotFound);

@@ -21,8 +21,6 @@ namespace NVORNQDX20 {
 class ProvidedNamespace : public ::testing::TestWithParam<boost::shared_ptr<ICIMNamespace> (*)()> {
  protected:
   using TClass = boost::shared_ptr<ICIMClass>;
-  using TDecls = std::vector<boost::shared_ptr<ICIMPropertyDecl>>;
-  using TInstances = std::vector<boost::shared_ptr<ICIMInstance>>;
 
   ProvidedNamespace() {
     std::vector<TClass> roots;
@@ -33,13 +31,13 @@ class ProvidedNamespace : public ::testing::TestWithParam<boost::shared_ptr<ICIM
     }
   }
 
-  static TDecls DeclsOf(const TClass& c) {
-    TDecls decls;
+  static auto DeclsOf(const TClass& c) {
+    std::vector<boost::shared_ptr<ICIMPropertyDecl>> decls;
     c->EnumeratePropertyDecls(TAddToVectorCallback(decls), {});
     return decls;
   }
-  static TInstances InstancesOf(const TClass& c, bool deep = false) {
-    TInstances instances;
+  static auto InstancesOf(const TClass& c, bool deep = false) {
+    std::vector<boost::shared_ptr<ICIMInstance>> instances;
     c->EnumerateInstances(TAddToVectorCallback(instances), deep, {});
     return instances;
   }
