@@ -36,7 +36,7 @@ void TClass::Commit(TOptionsMap) {
   std::vector<std::size_t> keySlots = FindKeySlots();
   fNamespace.Add(shared_from_this());
   fInstances.SetKeySlots(std::move(keySlots));
-  fCommitted = true;
+  fIsCommitted = true;
 }
 
 const std::string& TClass::GetName(TOptionsMap) const { return fName; }
@@ -113,7 +113,7 @@ void TClass::EnumerateStaticProperties(const TEnumerationCallback<ICIMProperty>&
 }
 
 boost::shared_ptr<ICIMInstance> TClass::CreateInstance(TOptionsMap) {
-  if (!fCommitted) {
+  if (!fIsCommitted) {
     throw TExplainedException(kQDXStatusInvalidOpSequence,
                               Description() + " is not committed: it cannot have instances yet");
   }
@@ -125,14 +125,14 @@ boost::shared_ptr<ICIMInstance> TClass::CreateInstance(TOptionsMap) {
 }
 
 boost::shared_ptr<ICIMInstance> TClass::GetInstance(const TCIMReference& path, TOptionsMap) const {
-  std::vector<TCIMValue> keys(KeySlots().size());
+  std::vector<TCIMValue> keys(GetKeySlots().size());
   std::size_t bound = 0;
   path.EnumerateKeyBindings([&](const std::pair<std::string, TCIMValue>& binding) {
     ++bound;
     const auto slot = fProperties.Position(binding.first);
-    const auto key = std::find(KeySlots().begin(), KeySlots().end(), slot);
-    if (key == KeySlots().end()) return false;
-    const auto position = static_cast<std::size_t>(key - KeySlots().begin());
+    const auto key = std::find(GetKeySlots().begin(), GetKeySlots().end(), slot);
+    if (key == GetKeySlots().end()) return false;
+    const auto position = static_cast<std::size_t>(key - GetKeySlots().begin());
     Replace(keys[position], WeakCopy(binding.second, *this));
     return true;
   });
@@ -178,14 +178,14 @@ boost::shared_ptr<TClass> TClass::Handle() const {
 
 void TClass::AddProperty(TPropertyDecl& decl) {
   if (fProperties.Add(decl)) return;
-  const std::size_t slot = SlotOf(decl.Name());
+  const std::size_t slot = SlotOf(decl.GetName());
   const TPropertyDecl& present = DeclAt(slot);
-  if (&present.Owner() == this) throw Taken(present.Description());
+  if (&present.GetOwner() == this) throw Taken(present.Description());
   if (present.GetType() != decl.GetType()) {
     throw TExplainedException(kQDXStatusTypeMismatch,
                               decl.Description() + " is " + NModel::TypeText(decl.GetType()) +
                                   ", but overrides a " + NModel::TypeText(present.GetType()) +
-                                  " of " + present.Owner().Description());
+                                  " of " + present.GetOwner().Description());
   }
   fProperties.Replace(slot, decl);
 }
@@ -202,7 +202,7 @@ const TCIMValue& TClass::InitialValueAt(std::size_t slot) const {
   for (const TClass* cimClass = this;; cimClass = cimClass->fSuperclass) {
     const auto found = cimClass->fStaticValues.find(slot);
     if (found != cimClass->fStaticValues.end()) return found->second;
-    if (cimClass == &decl.Owner()) return decl.StoredDefault();
+    if (cimClass == &decl.GetOwner()) return decl.GetStoredDefault();
   }
 }
 
@@ -213,16 +213,16 @@ TCIMValue TClass::StoredValue(std::size_t slot, const TCIMValue& value) const {
 }
 
 bool TClass::IsKeySlot(std::size_t slot) const {
-  return std::find(KeySlots().begin(), KeySlots().end(), slot) != KeySlots().end();
+  return std::find(GetKeySlots().begin(), GetKeySlots().end(), slot) != GetKeySlots().end();
 }
 
 std::vector<std::size_t> TClass::FindKeySlots() const {
   std::vector<std::size_t> keys;
-  if (fSuperclass != nullptr) keys = fSuperclass->KeySlots();
+  if (fSuperclass != nullptr) keys = fSuperclass->GetKeySlots();
   const bool inheritsKeys = !keys.empty();
   for (std::size_t slot = 0; slot < SlotCount(); ++slot) {
     const TPropertyDecl& decl = DeclAt(slot);
-    const bool isNew = &decl.Owner() == this && decl.IsKey() &&
+    const bool isNew = &decl.GetOwner() == this && decl.IsKey() &&
                        std::find(keys.begin(), keys.end(), slot) == keys.end();
     if (!isNew) continue;
     const bool isArray = NModel::IsArray(decl.GetType());

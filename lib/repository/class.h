@@ -71,10 +71,10 @@ class TClass final : public ICIMClass,
                             TOptionsMap options) const override;
 
   std::string Description() const override { return "class " + fName; }
-  const std::string& Name() const { return fName; }
-  TNamespace& Namespace() const { return fNamespace; }
-  TClass* Superclass() const { return fSuperclass; }
-  bool IsCommitted() const { return fCommitted; }
+  const std::string& GetName() const { return fName; }
+  TNamespace& GetNamespace() const { return fNamespace; }
+  TClass* GetSuperclass() const { return fSuperclass; }
+  bool IsCommitted() const { return fIsCommitted; }
   /// Returns the one owner that all holders share: references order classes by it.
   boost::shared_ptr<TClass> Handle() const;
 
@@ -97,7 +97,7 @@ class TClass final : public ICIMClass,
   /// differs from the declared one.
   TCIMValue StoredValue(std::size_t slot, const TCIMValue& value) const;
   bool IsKeySlot(std::size_t slot) const;
-  const std::vector<std::size_t>& KeySlots() const { return fInstances.KeySlots(); }
+  const std::vector<std::size_t>& GetKeySlots() const { return fInstances.GetKeySlots(); }
 
  private:
   std::vector<std::size_t> FindKeySlots() const;
@@ -115,7 +115,7 @@ class TClass final : public ICIMClass,
   std::vector<std::unique_ptr<TMethodDecl>> fOwnMethods;
   TNameTable<TMethodDecl> fMethods;
   TInstanceTable fInstances;
-  bool fCommitted = false;
+  bool fIsCommitted = false;
   mutable boost::weak_ptr<TClass> fHandle;
 };
 

@@ -18,8 +18,8 @@ namespace NVORNQDX20::NRepository {
 TInstance::TInstance(TClass& cimClass) : fClass(cimClass), fValues(cimClass.SlotCount()) {}
 
 void TInstance::Commit(TOptionsMap) {
-  if (fCommitted) throw CommittedAlready(Description());
-  for (const std::size_t slot : fClass.KeySlots()) {
+  if (fIsCommitted) throw CommittedAlready(Description());
+  for (const std::size_t slot : fClass.GetKeySlots()) {
     if (ValueAt(slot).IsNull()) {
       throw TExplainedException(kQDXStatusInvalidInstance,
                                 "an instance lacks its key, " + DeclAt(slot).Description());
@@ -28,7 +28,7 @@ void TInstance::Commit(TOptionsMap) {
     Replace(fValues[slot], TCIMValue(ValueAt(slot)));
   }
   if (!fClass.AddInstance(shared_from_this())) throw Taken(Description());
-  fCommitted = true;
+  fIsCommitted = true;
 }
 
 boost::shared_ptr<ICIMClass> TInstance::GetClass(TOptionsMap) const { return fClass.Handle(); }
@@ -39,10 +39,10 @@ boost::shared_ptr<ICIMProperty> TInstance::GetProperty(const std::string& name, 
 
 void TInstance::SetPropertyValue(const std::string& name, const TCIMValue& value, TOptionsMap) {
   const std::size_t slot = fClass.SlotOf(name);
-  if (fCommitted && fClass.IsKeySlot(slot)) {
-    throw TExplainedException(
-        kQDXStatusInvalidOpSequence,
-        Description() + " is committed already: its key " + DeclAt(slot).Name() + " cannot change");
+  if (fIsCommitted && fClass.IsKeySlot(slot)) {
+    throw TExplainedException(kQDXStatusInvalidOpSequence,
+                              Description() + " is committed already: its key " +
+                                  DeclAt(slot).GetName() + " cannot change");
   }
   Replace(fValues[slot], fClass.StoredValue(slot, value));
 }
@@ -57,13 +57,13 @@ void TInstance::EnumerateProperties(const TEnumerationCallback<ICIMProperty>& ca
 std::string TInstance::Description() const {
   TCIMReference path(nullptr, {});
   path.SetClass(fClass.Handle());
-  for (const std::size_t slot : fClass.KeySlots()) {
-    path.AddKeyValue(DeclAt(slot).Name(), ValueAt(slot));
+  for (const std::size_t slot : fClass.GetKeySlots()) {
+    path.AddKeyValue(DeclAt(slot).GetName(), ValueAt(slot));
   }
   return "instance " + path.GetPath();
 }
 
-TNamespace& TInstance::Namespace() const { return fClass.Namespace(); }
+TNamespace& TInstance::GetNamespace() const { return fClass.GetNamespace(); }
 
 TPropertyDecl& TInstance::DeclAt(std::size_t slot) const { return fClass.DeclAt(slot); }
 
@@ -75,8 +75,8 @@ const TCIMValue& TInstance::ValueAt(std::size_t slot) const {
 
 boost::shared_ptr<TInstance> TInstance::Handle() const {
   const auto self = boost::const_pointer_cast<TInstance>(shared_from_this());
-  if (!fCommitted) return HoldWithNamespace(Namespace().Handle(), self);
-  return boost::shared_ptr<TInstance>(Namespace().Handle(), self.get());
+  if (!fIsCommitted) return HoldWithNamespace(GetNamespace().Handle(), self);
+  return boost::shared_ptr<TInstance>(GetNamespace().Handle(), self.get());
 }
 
 boost::shared_ptr<ICIMProperty> TInstance::MakeProperty(std::size_t slot) const {

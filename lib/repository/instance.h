@@ -33,7 +33,7 @@ class TInstance final : public ICIMInstance, public boost::enable_shared_from_th
 
   /// REQUIRES: the keys have values.
   std::string Description() const;
-  TNamespace& Namespace() const;
+  TNamespace& GetNamespace() const;
   TPropertyDecl& DeclAt(std::size_t slot) const;
   /// In the stored form, see values.h.
   const TCIMValue& ValueAt(std::size_t slot) const;
@@ -44,7 +44,7 @@ class TInstance final : public ICIMInstance, public boost::enable_shared_from_th
 
   TClass& fClass;
   std::vector<TCIMValue> fValues;  // without a type where no value was set
-  bool fCommitted = false;
+  bool fIsCommitted = false;
 };
 
 }  // namespace NVORNQDX20::NRepository

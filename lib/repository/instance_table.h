@@ -19,7 +19,7 @@ class TInstanceTable {
  public:
   /// REQUIRES: the table is empty. Without keys all instances differ, and Find() returns null.
   void SetKeySlots(std::vector<std::size_t> slots) { fKeySlots = std::move(slots); }
-  const std::vector<std::size_t>& KeySlots() const { return fKeySlots; }
+  const std::vector<std::size_t>& GetKeySlots() const { return fKeySlots; }
 
   /// Returns false and does nothing if an instance with the same keys exists. The keys must not
   /// change afterwards.

@@ -13,7 +13,7 @@ TParameterDecl::TParameterDecl(TMethodDecl& method, const std::string& name,
     : fMethod(method),
       fName(name),
       fType(type),
-      fQualifiers(*this, method.Owner(),
+      fQualifiers(*this, method.GetOwner(),
                   overridden == nullptr ? nullptr : &overridden->fQualifiers) {
   RequireCIMName(name);
   if (!IsDeclarable(type)) throw Undeclarable(Description(), type);
@@ -52,7 +52,7 @@ TMethodDecl::TMethodDecl(TClass& owner, const std::string& name, TCIMValue::TCIM
 }
 
 std::string TMethodDecl::Description() const {
-  return "method " + fName + " of " + Owner().Description();
+  return "method " + fName + " of " + GetOwner().Description();
 }
 
 void TMethodDecl::AddParameter(TParameterDecl& parameter) {
@@ -74,13 +74,13 @@ boost::shared_ptr<ICIMParameterDecl> TMethodDecl::CreateParameterDecl(const std:
   const TParameterDecl* const overridden =
       fOverridden == nullptr ? nullptr : fOverridden->fCommitted.Find(name);
   fParameters.push_back(std::make_unique<TParameterDecl>(*this, name, type, overridden));
-  return boost::shared_ptr<ICIMParameterDecl>(Owner().Handle(), fParameters.back().get());
+  return boost::shared_ptr<ICIMParameterDecl>(GetOwner().Handle(), fParameters.back().get());
 }
 
 void TMethodDecl::EnumerateParameterDecls(
     const TEnumerationCallback<ICIMParameterDecl>& callback) const {
   fCommitted.ForEach([&](TParameterDecl& parameter) {
-    return callback(boost::shared_ptr<ICIMParameterDecl>(Owner().Handle(), &parameter));
+    return callback(boost::shared_ptr<ICIMParameterDecl>(GetOwner().Handle(), &parameter));
   });
 }
 

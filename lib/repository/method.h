@@ -30,7 +30,6 @@ class TParameterDecl final : public ICIMParameterDecl, public IDescribed {
   void EnumerateQualifiers(const TEnumerationCallback<ICIMQualifier>& callback) const override;
 
   std::string Description() const override;
-  const std::string& Name() const { return fName; }
 
  private:
   TMethodDecl& fMethod;
@@ -56,8 +55,7 @@ class TMethodDecl final : public ICIMMethodDecl, public IDescribed {
       const TEnumerationCallback<ICIMParameterDecl>& callback) const override;
 
   std::string Description() const override;
-  const std::string& Name() const { return fName; }
-  TClass& Owner() const { return fQualifiers.Owner(); }
+  TClass& GetOwner() const { return fQualifiers.GetOwner(); }
   void AddParameter(TParameterDecl& parameter);
 
  private:

@@ -20,7 +20,7 @@ bool IsCIMName(std::string_view name);
 /// Throws kQDXStatusInvalidCIMName if the name is not a CIM identifier.
 void RequireCIMName(std::string_view name);
 
-/// Elements in the order in which they were added, with a look-up by Name(). Does not own them;
+/// Elements in the order in which they were added, with a look-up by GetName(). Does not own them;
 /// they must outlive the table, whose keys are views of their names.
 template <typename TElement>
 class TNameTable {
@@ -42,7 +42,7 @@ class TNameTable {
 
   /// Returns false and does nothing if the name is taken.
   [[nodiscard]] bool Add(TElement& element) {
-    if (!fPositions.emplace(element.Name(), fElements.size()).second) return false;
+    if (!fPositions.emplace(element.GetName(), fElements.size()).second) return false;
     fElements.push_back(&element);
     return true;
   }

@@ -36,7 +36,7 @@ boost::shared_ptr<ICIMClass> TNamespace::GetClass(const std::string& name, TOpti
 void TNamespace::EnumerateClasses(const TEnumerationCallback<ICIMClass>& callback,
                                   TOptionsMap) const {
   fClasses.ForEach([&](TClass& cimClass) {
-    return cimClass.Superclass() != nullptr || callback(cimClass.Handle());
+    return cimClass.GetSuperclass() != nullptr || callback(cimClass.Handle());
   });
 }
 
@@ -68,11 +68,11 @@ void TNamespace::EnumerateQualifierDecls(const TEnumerationCallback<ICIMQualifie
 void TNamespace::Add(const boost::shared_ptr<TClass>& cimClass) {
   if (!fClasses.Add(*cimClass)) throw Taken(cimClass->Description());
   fOwnedClasses.push_back(cimClass);
-  if (cimClass->Superclass() != nullptr) cimClass->Superclass()->AddSubclass(*cimClass);
+  if (cimClass->GetSuperclass() != nullptr) cimClass->GetSuperclass()->AddSubclass(*cimClass);
 }
 
 void TNamespace::Add(const boost::shared_ptr<TQualifierDecl>& decl) {
-  if (FindQualifierDecl(decl->Name()) == decl.get()) throw CommittedAlready(decl->Description());
+  if (FindQualifierDecl(decl->GetName()) == decl.get()) throw CommittedAlready(decl->Description());
   if (!fQualifierDecls.Add(*decl)) throw Taken(decl->Description());
   fOwnedDecls.push_back(decl);
 }

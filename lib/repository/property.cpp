@@ -40,12 +40,12 @@ void TPropertyDecl::EnumerateQualifiers(const TEnumerationCallback<ICIMQualifier
 
 void TPropertyDecl::Commit() {
   fQualifiers.RequireOpen();
-  fQualifiers.Owner().AddProperty(*this);
+  fQualifiers.GetOwner().AddProperty(*this);
   fQualifiers.Close();
 }
 
 std::string TPropertyDecl::Description() const {
-  return "property " + fName + " of " + Owner().Description();
+  return "property " + fName + " of " + GetOwner().Description();
 }
 
 const TCIMValue& TPropertyDecl::GetDefaultValue() const {
@@ -54,11 +54,11 @@ const TCIMValue& TPropertyDecl::GetDefaultValue() const {
 }
 
 boost::shared_ptr<TPropertyDecl> TPropertyDecl::Handle() {
-  const boost::shared_ptr<TClass> owner = fQualifiers.Owner().Handle();
+  const boost::shared_ptr<TClass> owner = fQualifiers.GetOwner().Handle();
   if (!HoldsReferences(GetType())) return boost::shared_ptr<TPropertyDecl>(owner, this);
   boost::shared_ptr<const THold> hold = fHold.lock();
   if (!hold) {
-    const THold bound{owner, BoundCopy(fDefaultValue, owner->Namespace())};
+    const THold bound{owner, BoundCopy(fDefaultValue, owner->GetNamespace())};
     hold = boost::make_shared<const THold>(bound);
     fHold = hold;
   }

@@ -34,10 +34,9 @@ class TPropertyDecl final : public ICIMPropertyDecl, public IDescribed {
   const TCIMValue& GetDefaultValue() const override;
 
   std::string Description() const override;
-  const std::string& Name() const { return fName; }
   /// In the stored form, see values.h.
-  const TCIMValue& StoredDefault() const { return fDefaultValue; }
-  const TClass& Owner() const { return fQualifiers.Owner(); }
+  const TCIMValue& GetStoredDefault() const { return fDefaultValue; }
+  const TClass& GetOwner() const { return fQualifiers.GetOwner(); }
   bool IsKey() const { return fQualifiers.IsTrue("Key"); }
   boost::shared_ptr<TPropertyDecl> Handle();
 
@@ -65,7 +64,7 @@ class TProperty final : public ICIMProperty {
   const TCIMValue& GetValue() const override {
     const TCIMValue& stored = fSource->ValueAt(fSlot);
     if (!HoldsReferences(stored.GetType())) return stored;
-    Replace(fBound, BoundCopy(stored, fSource->Namespace()));
+    Replace(fBound, BoundCopy(stored, fSource->GetNamespace()));
     return fBound;
   }
   boost::shared_ptr<const ICIMPropertyDecl> GetDecl() const override {

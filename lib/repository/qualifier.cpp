@@ -27,17 +27,17 @@ TQualifier::TQualifier(TQualifierSet& set, const TQualifierDecl& decl, const TCI
 void TQualifier::Commit() { fSet.Commit(*this); }
 
 std::string TQualifier::Description() const {
-  return "qualifier " + Name() + " of " + fSet.Element().Description();
+  return "qualifier " + GetName() + " of " + fSet.GetElement().Description();
 }
 
 boost::shared_ptr<const ICIMQualifierDecl> TQualifier::GetDecl() const {
-  return {fSet.Owner().Namespace().Handle(), &fDecl};
+  return {fSet.GetOwner().GetNamespace().Handle(), &fDecl};
 }
 
 boost::shared_ptr<ICIMQualifier> TQualifierSet::Add(
     const boost::shared_ptr<ICIMQualifierDecl>& decl, const TCIMValue& value) {
   RequireOpen();
-  const TNamespace& ns = fOwner.Namespace();
+  const TNamespace& ns = fOwner.GetNamespace();
   const TQualifierDecl* const own = decl ? ns.FindQualifierDecl(decl->GetName()) : nullptr;
   if (own == nullptr || own != decl.get()) {
     throw TExplainedException(kQDXStatusNotFound, "a qualifier of " + fElement.Description() +
@@ -51,9 +51,9 @@ boost::shared_ptr<ICIMQualifier> TQualifierSet::Add(
 
 void TQualifierSet::Commit(TQualifier& qualifier) {
   RequireOpen();
-  if (Find(qualifier.Name()) == &qualifier) throw CommittedAlready(qualifier.Description());
-  const TQualifier* const inherited = FindInherited(qualifier.Name());
-  if (inherited != nullptr && !inherited->Decl().HasFlavor(kFlavorOverridable) &&
+  if (Find(qualifier.GetName()) == &qualifier) throw CommittedAlready(qualifier.Description());
+  const TQualifier* const inherited = FindInherited(qualifier.GetName());
+  if (inherited != nullptr && !inherited->HasFlavor(kFlavorOverridable) &&
       inherited->GetValue() != qualifier.GetValue()) {
     throw TExplainedException(
         kQDXStatusNotOverridable,
@@ -63,14 +63,14 @@ void TQualifierSet::Commit(TQualifier& qualifier) {
 }
 
 void TQualifierSet::RequireOpen() const {
-  if (fClosed) throw CommittedAlready(fElement.Description());
+  if (fIsClosed) throw CommittedAlready(fElement.Description());
   if (fOwner.IsCommitted()) throw CommittedAlready(fOwner.Description());
 }
 
 TQualifier* TQualifierSet::FindInherited(const std::string& name) const {
   for (const TQualifierSet* set = fOverridden; set != nullptr; set = set->fOverridden) {
     TQualifier* const found = set->Find(name);
-    if (found != nullptr) return found->Decl().HasFlavor(kFlavorToSubclass) ? found : nullptr;
+    if (found != nullptr) return found->HasFlavor(kFlavorToSubclass) ? found : nullptr;
   }
   return nullptr;
 }

@@ -34,7 +34,6 @@ class TQualifierDecl final : public ICIMQualifierDecl,
   std::uint32_t GetFlavor() const override { return fFlavor; }
 
   std::string Description() const override { return "qualifier declaration " + fName; }
-  const std::string& Name() const { return fName; }
   bool HasFlavor(std::uint32_t bit) const { return (fFlavor & bit) != 0; }
 
  private:
@@ -54,8 +53,8 @@ class TQualifier final : public ICIMQualifier, public IDescribed {
   const TCIMValue& GetValue() const override { return fValue; }
 
   std::string Description() const override;
-  const std::string& Name() const { return fDecl.Name(); }
-  const TQualifierDecl& Decl() const { return fDecl; }
+  const std::string& GetName() const { return fDecl.GetName(); }
+  bool HasFlavor(std::uint32_t bit) const { return fDecl.HasFlavor(bit); }
 
  private:
   TQualifierSet& fSet;
@@ -77,7 +76,7 @@ class TQualifierSet {
                                        const TCIMValue& value);
   void Commit(TQualifier& qualifier);
   /// Refuses further qualifiers and commits from now on; called when the class is committed.
-  void Close() { fClosed = true; }
+  void Close() { fIsClosed = true; }
   /// Throws kQDXStatusInvalidOpSequence if the set is closed.
   void RequireOpen() const;
 
@@ -91,8 +90,8 @@ class TQualifierSet {
   void Enumerate(const TEnumerationCallback<ICIMQualifier>& callback) const;
   boost::shared_ptr<ICIMQualifier> Handle(TQualifier* qualifier) const;
 
-  const IDescribed& Element() const { return fElement; }
-  TClass& Owner() const { return fOwner; }
+  const IDescribed& GetElement() const { return fElement; }
+  TClass& GetOwner() const { return fOwner; }
 
  private:
   const IDescribed& fElement;
@@ -100,7 +99,7 @@ class TQualifierSet {
   const TQualifierSet* const fOverridden;
   std::vector<std::unique_ptr<TQualifier>> fQualifiers;
   TNameTable<TQualifier> fCommitted;
-  bool fClosed = false;
+  bool fIsClosed = false;
 };
 
 }  // namespace NVORNQDX20::NRepository

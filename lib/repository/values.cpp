@@ -23,7 +23,7 @@ class TRebinding {
  public:
   explicit TRebinding(const TNamespace& ns) : fNamespace(ns) {}
   virtual ~TRebinding() = default;
-  virtual boost::shared_ptr<ICIMNamespace> Namespace() const = 0;
+  virtual boost::shared_ptr<ICIMNamespace> GetNamespace() const = 0;
   virtual boost::shared_ptr<ICIMClass> Class(TClass& cimClass) const = 0;
 
   TCIMValue Copy(const TCIMValue& value) const;
@@ -45,7 +45,7 @@ TCIMValue TRebinding::Copy(const TCIMValue& value) const {
 
 TClass* TRebinding::OwnClass(const boost::shared_ptr<ICIMClass>& cimClass) const {
   TClass* const own = dynamic_cast<TClass*>(cimClass.get());
-  return own != nullptr && &own->Namespace() == &fNamespace ? own : nullptr;
+  return own != nullptr && &own->GetNamespace() == &fNamespace ? own : nullptr;
 }
 
 TCIMValue TRebinding::CopyArray(const TCIMValue& value) const {
@@ -70,7 +70,7 @@ TCIMValue TRebinding::CopyReference(const TCIMValue& value) const {
   if (own == nullptr) return value;
   TCIMReference copy(reference);  // copies the options, which have no setter
   copy.Clear();
-  copy.SetNamespace(Namespace());
+  copy.SetNamespace(GetNamespace());
   copy.SetClass(Class(*own));
   reference.EnumerateKeyBindings([&](const std::pair<std::string, TCIMValue>& binding) {
     // In the declared spelling, since references compare key names byte by byte.
@@ -82,8 +82,8 @@ TCIMValue TRebinding::CopyReference(const TCIMValue& value) const {
 
 class TWeakening final : public TRebinding {
  public:
-  explicit TWeakening(const TClass& user) : TRebinding(user.Namespace()), fUser(user) {}
-  boost::shared_ptr<ICIMNamespace> Namespace() const override { return nullptr; }
+  explicit TWeakening(const TClass& user) : TRebinding(user.GetNamespace()), fUser(user) {}
+  boost::shared_ptr<ICIMNamespace> GetNamespace() const override { return nullptr; }
   boost::shared_ptr<ICIMClass> Class(TClass& cimClass) const override {
     if (!cimClass.IsCommitted() && &cimClass != &fUser) {  // it may be destroyed before the value
       throw TExplainedException(kQDXStatusInvalidReference,
@@ -100,7 +100,7 @@ class TWeakening final : public TRebinding {
 class TBinding final : public TRebinding {
  public:
   explicit TBinding(TNamespace& ns) : TRebinding(ns), fNamespace(ns) {}
-  boost::shared_ptr<ICIMNamespace> Namespace() const override { return fNamespace.Handle(); }
+  boost::shared_ptr<ICIMNamespace> GetNamespace() const override { return fNamespace.Handle(); }
   boost::shared_ptr<ICIMClass> Class(TClass& cimClass) const override { return cimClass.Handle(); }
 
  private:

@@ -19,11 +19,12 @@ void SortByName(std::vector<T>& elements) {
             [](const T& a, const T& b) { return a.fName < b.fName; });
 }
 
-std::vector<TPropertySnapshot> PropertiesOf(const ICIMClass& cimClass, const std::string& home) {
+std::vector<TPropertySnapshot> PropertiesOf(const ICIMClass& cimClass,
+                                            const std::string& ownNamespace) {
   std::vector<TPropertySnapshot> properties;
   for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
     properties.push_back({decl->GetName(), NModel::TypeText(decl->GetType()), isKey,
-                          ToJSON(decl->GetDefaultValue(), home)});
+                          ToJSON(decl->GetDefaultValue(), ownNamespace)});
   }
   SortByName(properties);
   return properties;
@@ -42,13 +43,13 @@ std::string PathOf(const ICIMInstance& instance, const TClass& cimClass,
 
 TInstanceSnapshot SnapshotOf(const ICIMInstance& instance, const TClass& cimClass,
                              const std::vector<TPropertySnapshot>& properties,
-                             const std::string& home, EDepth depth) {
+                             const std::string& ownNamespace, EDepth depth) {
   TInstanceSnapshot snapshot{PathOf(instance, cimClass, properties), {}};
   if (depth < kValues) return snapshot;
   snapshot.fValues.reserve(properties.size());
   for (const TPropertySnapshot& property : properties) {
     const auto value = instance.GetProperty(property.fName, {});
-    snapshot.fValues.push_back(ToJSON(value->GetValue(), home));
+    snapshot.fValues.push_back(ToJSON(value->GetValue(), ownNamespace));
   }
   return snapshot;
 }
@@ -85,7 +86,7 @@ TClassSnapshot& TSnapshotReader::Add(const TClass& cimClass) {
   const TClass superclass = NModel::SuperclassOf(*cimClass);
   fClasses.push_back({cimClass->GetName({}),
                       superclass ? superclass->GetName({}) : "",
-                      PropertiesOf(*cimClass, fHome),
+                      PropertiesOf(*cimClass, fNamespaceName),
                       0,
                       {}});
   return fClasses.back();
@@ -95,7 +96,7 @@ void TSnapshotReader::AddInstance(TClassSnapshot& snapshot, const ICIMInstance& 
                                   const TClass& cimClass) const {
   if (fDepth >= kInstances) {
     snapshot.fInstances.push_back(
-        SnapshotOf(instance, cimClass, snapshot.fProperties, fHome, fDepth));
+        SnapshotOf(instance, cimClass, snapshot.fProperties, fNamespaceName, fDepth));
   }
   ++snapshot.fInstanceCount;
 }

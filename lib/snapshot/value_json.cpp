@@ -28,16 +28,16 @@ TJSON Real(T value) {
   return number;
 }
 
-TJSON Array(const std::vector<TCIMValue>& elements, const std::string& home) {
+TJSON Array(const std::vector<TCIMValue>& elements, const std::string& ownNamespace) {
   TJSON array = TJSON::array();
-  for (const TCIMValue& element : elements) array.push_back(ToJSON(element, home));
+  for (const TCIMValue& element : elements) array.push_back(ToJSON(element, ownNamespace));
   return array;
 }
 
-TJSON Reference(const TCIMReference& reference, const std::string& home) {
+TJSON Reference(const TCIMReference& reference, const std::string& ownNamespace) {
   const auto ns = reference.GetNamespace();
-  const std::string there = ns ? ns->GetName({}) : home;
-  const bool leadsOut = !NModel::EqualIgnoringCase(there, home);
+  const std::string there = ns ? ns->GetName({}) : ownNamespace;
+  const bool leadsOut = !NModel::EqualIgnoringCase(there, ownNamespace);
   return (leadsOut ? there + ":" : "") + reference.GetPath();
 }
 
@@ -48,10 +48,10 @@ TJSON DateTime(const TCIMDateTime& dateTime) {
 
 }  // namespace
 
-TJSON ToJSON(const TCIMValue& value, const std::string& home) {
+TJSON ToJSON(const TCIMValue& value, const std::string& ownNamespace) {
   if (value.IsNull()) return nullptr;
-  if (value.IsArray()) return Array(value, home);
-  return NModel::VisitScalar(value, [&home](auto native) -> TJSON {
+  if (value.IsArray()) return Array(value, ownNamespace);
+  return NModel::VisitScalar(value, [&ownNamespace](auto native) -> TJSON {
     using T = decltype(native);
     if constexpr (std::is_floating_point_v<T>) {
       return Real(native);
@@ -60,7 +60,7 @@ TJSON ToJSON(const TCIMValue& value, const std::string& home) {
     } else if constexpr (std::is_same_v<T, TCIMDateTime>) {
       return DateTime(native);
     } else if constexpr (std::is_same_v<T, TCIMReference>) {
-      return Reference(native, home);
+      return Reference(native, ownNamespace);
     } else {
       return native;
     }

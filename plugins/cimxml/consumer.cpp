@@ -36,7 +36,7 @@ class TCIMXMLConsumer final : public INamespaceConsumer {
     const std::string file = RequiredFileOf(options);
     const bool more = NModel::HasMore(options);
     std::unique_ptr<TDocumentWriter> document = std::move(fOpen);
-    if (!document || document->File() != file) {
+    if (!document || document->GetFile() != file) {
       document.reset();  // closed first: the new file may be the same one
       document = std::make_unique<TDocumentWriter>(file);
     }

@@ -86,19 +86,19 @@ class TStretches {
   bool IsSteady(std::int32_t number) {
     if (!KnowsZone()) AdoptZone();
     TEntry& entry = fEntries[static_cast<std::size_t>(number) % kEntries];
-    if (!entry.fKnown || entry.fNumber != number) {
+    if (!entry.fIsKnown || entry.fNumber != number) {
       ::tzset();  // localtime_r() does not check for a changed zone
       const std::int64_t start = number * kStretch;
       entry = {number, true, IsSteadyBetween(start - kMargin, start + kStretch + kMargin)};
     }
-    return entry.fSteady;
+    return entry.fIsSteady;
   }
 
  private:
   struct TEntry {
     std::int32_t fNumber;
-    bool fKnown;
-    bool fSteady;
+    bool fIsKnown;
+    bool fIsSteady;
   };
   static constexpr std::size_t kEntries = 2048;  // ninety years
 
@@ -115,7 +115,7 @@ class TStretches {
     if (fits && zone != nullptr) std::memcpy(fZone, zone, size);
     // A name that is too long to be stored is adopted again each time.
     fZoneState = zone == nullptr ? kUnset : fits ? kSet : kUnknown;
-    for (TEntry& entry : fEntries) entry.fKnown = false;
+    for (TEntry& entry : fEntries) entry.fIsKnown = false;
   }
 
   enum { kUnknown, kUnset, kSet } fZoneState = kUnknown;

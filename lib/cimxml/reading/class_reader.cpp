@@ -20,7 +20,7 @@ template <std::size_t kSize>
 std::uint32_t ReadFlags(const TFlag (&flags)[kSize], const TElement& element) {
   std::uint32_t bits = 0;
   for (const TFlag& flag : flags) {
-    if (element.GetFlag(flag.fAttribute, flag.fDefault)) bits |= flag.fBit;
+    if (element.GetFlag(flag.fAttribute, flag.fIsDefault)) bits |= flag.fBit;
   }
   return bits;
 }
@@ -150,8 +150,8 @@ boost::shared_ptr<ICIMQualifierDecl> ReadQualifierDecl(TNamespaceReader& ns,
   const bool isDeclared = element.Is("QUALIFIER.DECLARATION");
   const TCIMValue value = isDeclared ? ReadValue(ns, type, element) : TCIMValue(type, 0);
   return AsPartOf(element, "qualifier " + Shown(name), [&] {
-    return ns.Namespace()->CreateQualifierDecl(name, value, ReadScope(element),
-                                               ReadFlags(kFlavors, element), {});
+    return ns.GetNamespace()->CreateQualifierDecl(name, value, ReadScope(element),
+                                                  ReadFlags(kFlavors, element), {});
   });
 }
 
@@ -162,8 +162,8 @@ boost::shared_ptr<ICIMClass> ReadClass(TNamespaceReader& ns, const TElement& ele
   return AsPartOf(element, "class " + Shown(name), [&] {
     const auto parent =
         superclass == nullptr ? nullptr : ns.ClassNamed(*superclass, element).fClass;
-    auto created = ns.Namespace()->CreateClass(name, parent, {});
-    ns.State().fDeclaring.back().fClass.fClass = created;
+    auto created = ns.GetNamespace()->CreateClass(name, parent, {});
+    ns.GetState().fDeclaring.back().fClass.fClass = created;
     TClassReader(ns, element, *created).Read();
     created->Commit({});
     return created;

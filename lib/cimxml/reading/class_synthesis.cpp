@@ -110,7 +110,7 @@ boost::shared_ptr<ICIMClass> ReferencedClass(TNamespaceReader& ns, const TElemen
   const bool isPath = reference.Is("VALUE.REFERENCE");
   const TElement& path = isPath ? reference : *reference.Child("VALUE.REFERENCE");
   const TElement& name = NameOf(path);
-  return ns.Document().NamespaceOf(path, ns).ClassNamed(ClassNameOf(name), name).fClass;
+  return ns.GetDocument().NamespaceOf(path, ns).ClassNamed(ClassNameOf(name), name).fClass;
 }
 
 TCIMValue NullOf(TNamespaceReader& ns, const TProperty& property,
@@ -133,8 +133,8 @@ boost::shared_ptr<ICIMClass> SynthesizeClass(TNamespaceReader& ns, const std::st
     uses.back()->Refuse("a class has too many members");
   }
   return AsPartOf(*uses.back(), "class " + Shown(name), [&] {
-    auto created = ns.Namespace()->CreateClass(name, nullptr, {});
-    ns.State().fDeclaring.back().fClass.fClass = created;
+    auto created = ns.GetNamespace()->CreateClass(name, nullptr, {});
+    ns.GetState().fDeclaring.back().fClass.fClass = created;
     for (const TProperty& property : synthesis.Properties()) {
       const auto decl =
           created->CreatePropertyDecl(property.fName, NullOf(ns, property, created), {});

@@ -38,7 +38,7 @@ std::string At(const TPosition& position) {
 
 void TDocument::BeginGroup(const TElement& group) {
   fGroup = nullptr;
-  fObjectsHavePaths = group.Is("DECLGROUP.WITHPATH");
+  fHasObjectPaths = group.Is("DECLGROUP.WITHPATH");
 }
 
 void TDocument::AddObject(TElement&& object, std::size_t bytes) {
@@ -63,7 +63,7 @@ void TDocument::AddObject(TElement&& object, std::size_t bytes) {
 }
 
 void TDocument::EndGroup() {
-  if (!fObjectsHavePaths) Group();
+  if (!fHasObjectPaths) Group();
 }
 
 void TDocument::AddNamedObject(TElement&& object, std::size_t bytes) {
@@ -82,14 +82,14 @@ void TDocument::AddNamedObject(TElement&& object, std::size_t bytes) {
 /// An error response does not invalidate the other responses.
 void TDocument::AddError(const TElement& error) {
   const std::string* const description = error.Find("DESCRIPTION");
-  if (fErrors.Count() == 0) fFirstError = error.fPosition;
+  if (fErrors.GetCount() == 0) fFirstError = error.fPosition;
   fErrors.Add("error " + Shown(error.Get("CODE")) +
               (description == nullptr ? "" : ", " + Shown(*description)));
 }
 
 void TDocument::Complete() {
-  if (fErrors.Count() != 0 && !fHasObjects) {
-    throw TDocumentError("a response with " + fErrors.First(), fFirstError);
+  if (fErrors.GetCount() != 0 && !fHasObjects) {
+    throw TDocumentError("a response with " + fErrors.GetFirst(), fFirstError);
   }
   fState.fIsComplete = true;
   for (TNamespaceReader* ns : fListed) ns->NoteReferences();
@@ -109,9 +109,9 @@ TDocument::TEntry& TDocument::Entry(const std::string& name) {
   return entry;
 }
 
-boost::shared_ptr<TRepositoryProvider> TDocument::Namespaces() const {
+boost::shared_ptr<TRepositoryProvider> TDocument::GetNamespaces() const {
   auto namespaces = boost::make_shared<TRepositoryProvider>("cimxml");
-  for (const TNamespaceReader* ns : fListed) namespaces->AddNamespace(ns->Namespace());
+  for (const TNamespaceReader* ns : fListed) namespaces->AddNamespace(ns->GetNamespace());
   return namespaces;
 }
 
@@ -146,7 +146,7 @@ boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int
                      {"cimxml: ", name, isOfFile ? "" : At(error.fPosition), ": ", error.what()});
   }
   document.Report(name);
-  return document.Namespaces();
+  return document.GetNamespaces();
 }
 
 }  // namespace NVORNQDX20::NCIMXML

@@ -26,7 +26,7 @@ class TDocument final : public IObjectSink {
 
   /// Returns the namespace that a reference names, else `own`. The document need not contain it.
   TNamespaceReader& NamespaceOf(const TElement& reference, TNamespaceReader& own);
-  boost::shared_ptr<TRepositoryProvider> Namespaces() const;
+  boost::shared_ptr<TRepositoryProvider> GetNamespaces() const;
   /// Warns about what was changed in reading.
   void Report(const std::string& name) const;
 
@@ -51,7 +51,7 @@ class TDocument final : public IObjectSink {
   NModel::TNameMap<TEntry> fNamespaces;
   std::vector<TNamespaceReader*> fListed;  // in the document, not only referred to
   TNamespaceReader* fGroup = nullptr;
-  bool fObjectsHavePaths = false;  // in the current group
+  bool fHasObjectPaths = false;  // in the current group
 };
 
 }  // namespace NVORNQDX20::NCIMXML

@@ -25,7 +25,7 @@ class TInstanceReader {
 
   void SetKeysFromName(const TElement& name) {
     if (!NModel::EqualIgnoringCase(ClassNameOf(name), fElement.Get("CLASSNAME"))) {
-      fContradicts = true;
+      fIsContradictory = true;
     }
     for (const TKeyBinding& binding : KeyBindingsOf(name)) {
       const std::string& key = binding.fName.empty() ? OnlyKeyOf(fClass, name) : binding.fName;
@@ -46,18 +46,18 @@ class TInstanceReader {
     const auto key = fKeys.empty() ? fKeys.end() : fKeys.find(name);
     if (key != fKeys.end()) {
       if (value.IsNull()) return;
-      if (value != key->second) fContradicts = true;
+      if (value != key->second) fIsContradictory = true;
     }
     fTarget->SetPropertyValue(name, value, {});
   }
 
   void Commit() {
-    if (fContradicts) fNamespace.State().fContradictions.Add(Place());
+    if (fIsContradictory) fNamespace.GetState().fContradictions.Add(Place());
     try {
       fTarget->Commit({});
     } catch (const TQDXException& e) {
       if (e.GetStatusCode() != kQDXStatusAlreadyExists) throw;
-      fNamespace.State().fDuplicates.Add(Place());
+      fNamespace.GetState().fDuplicates.Add(Place());
     }
   }
 
@@ -68,7 +68,7 @@ class TInstanceReader {
   const ICIMClass& fClass;
   const TElement& fElement;
   const boost::shared_ptr<ICIMInstance> fTarget;
-  bool fContradicts = false;          // a property contradicts the instance's name
+  bool fIsContradictory = false;      // a property contradicts the instance's name
   NModel::TNameMap<TCIMValue> fKeys;  // from the instance's name
 };
 
@@ -86,8 +86,8 @@ void ReadInstance(TNamespaceReader& ns, const TElement& object) {
   const std::string& className = instance.Get("CLASSNAME");
   const TReadClass read = ns.ClassNamed(className, object);
   constexpr std::size_t kInstanceBytes = 128;
-  ns.State().AddHeld(kInstanceBytes, instance);
-  ns.State().AddValues(read.fProperties, instance);
+  ns.GetState().AddHeld(kInstanceBytes, instance);
+  ns.GetState().AddValues(read.fProperties, instance);
   AsPartOf(instance, "instance of " + Shown(className), [&] {
     TInstanceReader reader(ns, read.fClass, instance);
     const TElement* const name = FindName(object);

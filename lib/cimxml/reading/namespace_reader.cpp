@@ -128,8 +128,8 @@ TReadClass TNamespaceReader::Declare(const std::string& name, const TElement& us
 
 boost::shared_ptr<ICIMClass> TNamespaceReader::ReadSource(const std::string& name) {
   TSource& source = fSources.at(name);
-  if (source.fWaits && !fState.fIsComplete) throw TNotDeclaredYet();
-  source.fWaits = true;  // until the end of the document, unless it succeeds now
+  if (source.fIsWaiting && !fState.fIsComplete) throw TNotDeclaredYet();
+  source.fIsWaiting = true;  // until the end of the document, unless it succeeds now
   return ReadClass(*this, source.fElement);
 }
 

@@ -69,9 +69,9 @@ class TNamespaceReader {
   void BuildClasses();
   void BuildInstances();
 
-  const boost::shared_ptr<ICIMNamespace>& Namespace() const { return fNamespace; }
-  TDocument& Document() const { return fDocument; }
-  TReadingState& State() const { return fState; }
+  const boost::shared_ptr<ICIMNamespace>& GetNamespace() const { return fNamespace; }
+  TDocument& GetDocument() const { return fDocument; }
+  TReadingState& GetState() const { return fState; }
 
   /// Returns the class, which `usedBy` needs; from the name of an instance, the properties of an
   /// undeclared class are derived. The class that is being declared can be returned, too.
@@ -83,7 +83,7 @@ class TNamespaceReader {
  private:
   struct TSource {
     TElement fElement;
-    bool fWaits = false;  // for another class that it needs
+    bool fIsWaiting = false;  // for another class that it needs
   };
 
   TReadClass Declare(const std::string& name, const TElement& usedBy);

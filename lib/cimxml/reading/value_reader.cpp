@@ -32,8 +32,8 @@ TCIMValue ReadText(TNamespaceReader& ns, TCIMType type, const TElement& element,
     element.Refuse(Shown(element.fText) + " is no " + std::string(KeywordOf(type)));
   }
   constexpr std::size_t kBody = 32;
-  ns.State().AddHeld(sizeof(TCIMValue) + kBody + element.fText.size(), element);
-  if (value->IsNull()) ns.State().fUnheldDateTimes.Add(PlaceOf(element, holder));
+  ns.GetState().AddHeld(sizeof(TCIMValue) + kBody + element.fText.size(), element);
+  if (value->IsNull()) ns.GetState().fUnheldDateTimes.Add(PlaceOf(element, holder));
   return std::move(*value);
 }
 
@@ -44,7 +44,7 @@ TCIMValue ReadArray(TNamespaceReader& ns, TCIMType type, unsigned int size, cons
   elements.reserve(array.fChildren.size());
   for (const TElement& child : array.fChildren) {
     if (child.Is("VALUE.NULL")) {
-      ns.State().AddValues(1, child);
+      ns.GetState().AddValues(1, child);
       elements.emplace_back(elementType, 0U);
     } else if (child.Is("VALUE")) {
       elements.push_back(ReadText(ns, elementType, child, holder));
@@ -57,10 +57,10 @@ TCIMValue ReadArray(TNamespaceReader& ns, TCIMType type, unsigned int size, cons
 
 TCIMValue ReadReference(TNamespaceReader& ns, const TElement& element) {
   const TElement& name = NameOf(element);
-  TNamespaceReader& target = ns.Document().NamespaceOf(element, ns);
+  TNamespaceReader& target = ns.GetDocument().NamespaceOf(element, ns);
   constexpr std::size_t kReferenceBytes = 256;
-  ns.State().AddHeld(kReferenceBytes, element);
-  TCIMReference reference(target.Namespace(), {});
+  ns.GetState().AddHeld(kReferenceBytes, element);
+  TCIMReference reference(target.GetNamespace(), {});
   const boost::shared_ptr<ICIMClass> cimClass = target.ClassNamed(ClassNameOf(name), name).fClass;
   reference.SetClass(cimClass);
   for (const TKeyBinding& binding : KeyBindingsOf(name)) {

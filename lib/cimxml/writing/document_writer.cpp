@@ -67,7 +67,7 @@ class TInstanceWriter {
   void Write(const ICIMInstance& instance) {
     if (!CanName(instance)) return;
     fXML.Markup("<VALUE.NAMEDOBJECT>");
-    const std::size_t replaced = fXML.Replaced();
+    const std::size_t replaced = fXML.GetReplaced();
     fXML.Markup("<INSTANCENAME").Attribute("CLASSNAME", fClassName).Markup(">");
     for (const TProperty& property : fProperties) {
       if (!property.fIsKey) continue;
@@ -150,13 +150,14 @@ void TDocumentWriter::AddNamespace(const ICIMNamespace& ns) {
 void TDocumentWriter::Close() {
   fParts->fXML.Markup("</DECLARATION>\n</CIM>\n");
   fParts->fOutput.Close();
-  fParts->fLeftOut.Report("values that CIM-XML cannot hold were left out of", File());
-  const std::size_t replaced = fParts->fXML.Replaced();
+  fParts->fLeftOut.Report("values that CIM-XML cannot hold were left out of", GetFile());
+  const std::size_t replaced = fParts->fXML.GetReplaced();
   if (replaced == 0) return;
-  LogMessage(ILogger::kLogWarning, {"cimxml: ", std::to_string(replaced),
-                                    " characters that XML cannot hold were replaced in ", File()});
+  LogMessage(ILogger::kLogWarning,
+             {"cimxml: ", std::to_string(replaced),
+              " characters that XML cannot hold were replaced in ", GetFile()});
 }
 
-const std::string& TDocumentWriter::File() const { return fParts->fOutput.File(); }
+const std::string& TDocumentWriter::GetFile() const { return fParts->fOutput.GetFile(); }
 
 }  // namespace NVORNQDX20::NCIMXML

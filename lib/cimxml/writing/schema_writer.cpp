@@ -59,7 +59,7 @@ void TSchemaWriter::Class(const ICIMClass& cimClass) {
 void TSchemaWriter::Flavor(std::uint32_t flavor) {
   for (const TFlag& flag : kFlavors) {
     const bool isSet = (flavor & flag.fBit) != 0;
-    if (isSet != flag.fDefault) fXML.Attribute(flag.fAttribute, isSet ? "true" : "false");
+    if (isSet != flag.fIsDefault) fXML.Attribute(flag.fAttribute, isSet ? "true" : "false");
   }
 }
 

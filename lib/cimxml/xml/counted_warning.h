@@ -17,8 +17,8 @@ class TCountedWarning {
   void Add(std::string where) {
     if (fCount++ == 0) fFirst = std::move(where);
   }
-  std::size_t Count() const { return fCount; }
-  const std::string& First() const { return fFirst; }
+  std::size_t GetCount() const { return fCount; }
+  const std::string& GetFirst() const { return fFirst; }
   /// Logs "cimxml: N WHAT FILE, the first: WHERE" if there was any event.
   void Report(const std::string& what, const std::string& file) const {
     if (fCount == 0) return;

@@ -41,11 +41,11 @@ class TDecompressor {
   TDecompressor(const TDecompressor&) = delete;
   TDecompressor& operator=(const TDecompressor&) = delete;
 
-  bool IsAtEndOfMember() const { return fAtEnd; }
+  bool IsAtEndOfMember() const { return fIsAtEnd; }
 
   /// Decompresses from one buffer into the other, and advances both.
   void Inflate(const unsigned char*& in, std::size_t inSize, char*& out, std::size_t outSize) {
-    if (fAtEnd) inflateReset(&fStream);
+    if (fIsAtEnd) inflateReset(&fStream);
     fStream.next_in = const_cast<Bytef*>(in);  // zlib only reads it
     fStream.avail_in = static_cast<uInt>(inSize);
     fStream.next_out = reinterpret_cast<Bytef*>(out);
@@ -53,7 +53,7 @@ class TDecompressor {
     const int result = inflate(&fStream, Z_NO_FLUSH);
     fConsumed += static_cast<std::size_t>(fStream.next_in - in);
     if (result != Z_OK && result != Z_STREAM_END && result != Z_BUF_ERROR) Refuse();
-    fAtEnd = result == Z_STREAM_END;
+    fIsAtEnd = result == Z_STREAM_END;
     in = fStream.next_in;
     out = reinterpret_cast<char*>(fStream.next_out);
   }
@@ -67,7 +67,7 @@ class TDecompressor {
 
   z_stream fStream{};
   gz_header fHeader{};  // the header of the first member
-  bool fAtEnd = false;
+  bool fIsAtEnd = false;
   std::size_t fConsumed = 0;  // bytes of all members
 };
 
@@ -76,7 +76,7 @@ TInput::TInput(int descriptor) : fDescriptor(descriptor), fBuffer(new unsigned c
 TInput::~TInput() = default;
 
 std::size_t TInput::Read(char* buffer, std::size_t size) {
-  if (!fProbed) Probe();
+  if (!fIsProbed) Probe();
   const std::size_t length = fDecompressor ? Inflate(buffer, size) : Copy(buffer, size);
   fDelivered += length;
   RequireWithinLimits();
@@ -89,7 +89,7 @@ void TInput::Probe() {
   if (fEnd >= sizeof(kMagic) && std::equal(kMagic, kMagic + sizeof(kMagic), fBuffer.get())) {
     fDecompressor = std::make_unique<TDecompressor>();
   }
-  fProbed = true;
+  fIsProbed = true;
 }
 
 bool TInput::Fill() {

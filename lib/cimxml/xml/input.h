@@ -39,7 +39,7 @@ class TInput {
   const std::unique_ptr<unsigned char[]> fBuffer;
   std::size_t fBegin = 0;  // start of the unused part of the buffer
   std::size_t fEnd = 0;
-  bool fProbed = false;
+  bool fIsProbed = false;
   std::unique_ptr<TDecompressor> fDecompressor;
   std::size_t fConsumed = 0;
   std::size_t fDelivered = 0;

@@ -29,7 +29,7 @@ class TOutput {
     if (fBuffer.size() >= kBufferSize) Flush();
   }
   void Close();
-  const std::string& File() const { return fFile; }
+  const std::string& GetFile() const { return fFile; }
 
  private:
   static constexpr std::size_t kBufferSize = 1 << 16;

@@ -22,7 +22,7 @@ struct TContainer {
   std::string_view fName;
   std::string_view fParent;
   bool fIsGroup;  ///< It names a namespace of its own.
-  bool fHoldsObjects;
+  bool fHasObjects;
 };
 
 /// The elements that contain objects, and their ancestors.
@@ -107,7 +107,7 @@ class TParser {
   }
   static void OnMarkup(void* self, const XML_Char* text, int length) {
     TParser& parser = Self(self);
-    if (parser.fCollectsTag) parser.fTag.append(text, static_cast<std::size_t>(length));
+    if (parser.fIsCollectingTag) parser.fTag.append(text, static_cast<std::size_t>(length));
   }
 
   /// Exceptions must not pass through expat, so they are stored until it returns.
@@ -145,7 +145,7 @@ class TParser {
   std::exception_ptr fFailure;
   std::size_t fFed = 0;
   bool fHasDoctype = false;
-  bool fCollectsTag = false;
+  bool fIsCollectingTag = false;
   std::string fTag;
   std::vector<const TContainer*> fContainers;
   TElement fObject;
@@ -193,7 +193,7 @@ bool TParser::StartContainer(const TElement& element) {
     return true;
   }
   if (parent == nullptr) element.Refuse("no CIM-XML document");
-  if (!parent->fHoldsObjects) {
+  if (!parent->fHasObjects) {
     element.Refuse("<" + std::string(element.fName) + "> holds nothing of a namespace");
   }
   return false;
@@ -244,9 +244,9 @@ TElement TParser::MakeElement(const XML_Char* name, const XML_Char** attributes)
 /// tag's source text still has them.
 void TParser::RequireKnownEntities() {
   fTag.clear();
-  fCollectsTag = true;
+  fIsCollectingTag = true;
   XML_DefaultCurrent(fParser.get());
-  fCollectsTag = false;
+  fIsCollectingTag = false;
   for (std::size_t at = fTag.find('&'); at != std::string::npos; at = fTag.find('&', at + 1)) {
     const std::string name = fTag.substr(at + 1, fTag.find(';', at) - at - 1);
     const bool isKnown = name[0] == '#' || name == "amp" || name == "lt" || name == "gt" ||

@@ -13,7 +13,7 @@ namespace NVORNQDX20::NCIMXML {
 struct TFlag {
   std::string_view fAttribute;
   std::uint32_t fBit;
-  bool fDefault;  ///< The value if the attribute is missing.
+  bool fIsDefault;  ///< Whether the flag is set if the attribute is missing.
 };
 
 inline constexpr TFlag kFlavors[] = {{"OVERRIDABLE", kFlavorOverridable, true},

@@ -26,7 +26,7 @@ class TXMLWriter {
   /// Writes ` NAME="value"` within a start tag.
   TXMLWriter& Attribute(std::string_view name, std::string_view value);
 
-  std::size_t Replaced() const { return fReplaced; }
+  std::size_t GetReplaced() const { return fReplaced; }
   void SetReplaced(std::size_t count) { fReplaced = count; }
 
  private:

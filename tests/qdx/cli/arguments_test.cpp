@@ -76,7 +76,8 @@ TEST(Arguments, GiveTheLastValueAllOrWhatHoldsWithoutThem) {
   EXPECT_EQ(arguments.Get("json", "/"), "/");
   EXPECT_EQ(arguments.GetAll("json"), TWords());
   EXPECT_TRUE(arguments.Has("root") && !arguments.Has("json"));
-  EXPECT_EQ(arguments.Operand(0, "x") + arguments.Operand(1, "y") + arguments.Operand(2), "ay");
+  EXPECT_EQ(arguments.GetOperand(0, "x") + arguments.GetOperand(1, "y") + arguments.GetOperand(2),
+            "ay");
 }
 
 TEST(Arguments, AreAsManyAsTheVerbTakes) {

@@ -56,7 +56,7 @@ std::vector<std::string> TArguments::GetAll(const std::string& option) const {
   return found == fOptions.end() ? std::vector<std::string>() : found->second;
 }
 
-std::string TArguments::Operand(std::size_t index, const std::string& defaultValue) const {
+std::string TArguments::GetOperand(std::size_t index, const std::string& defaultValue) const {
   return index < fOperands.size() ? fOperands[index] : defaultValue;
 }
 

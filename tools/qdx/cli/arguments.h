@@ -28,7 +28,7 @@ struct TArguments {
   /// Returns all values of an option in their order; empty if the option is missing.
   std::vector<std::string> GetAll(const std::string& option) const;
   /// Returns an operand by its index, or `defaultValue` if it is missing.
-  std::string Operand(std::size_t index, const std::string& defaultValue = "") const;
+  std::string GetOperand(std::size_t index, const std::string& defaultValue = "") const;
 
   std::map<std::string, std::vector<std::string>> fOptions;  ///< The values of each given option.
   std::vector<std::string> fOperands;

@@ -56,7 +56,7 @@ std::optional<TExplainedException> TryAndListen(const std::function<void()>& cal
 
 }  // namespace
 
-TNamespaces ReadDocument(const std::string& file) {
+TNamespaces OpenDocument(const std::string& file) {
   LoadReader();
   const std::string shownAs = file == "-" ? "standard input" : file;
   const std::string action = "reading document " + shownAs;
@@ -76,9 +76,9 @@ TNamespaces ReadDocument(const std::string& file) {
   return namespaces;
 }
 
-const char* const TDocumentWriter::kDefaultConsumer = kService;
+const char* const TPluginWriter::kDefaultConsumer = kService;
 
-TDocumentWriter::TDocumentWriter(const std::string& consumer) : fName(consumer) {
+TPluginWriter::TPluginWriter(const std::string& consumer) : fName(consumer) {
   const TConsumerLibrary library = LoadConsumerLibrary(consumer);
   fConsumer = library.fConsumer;
   if (!library.fFailure) return;
@@ -87,7 +87,7 @@ TDocumentWriter::TDocumentWriter(const std::string& consumer) : fName(consumer) 
                         "loading consumer " + library.fFile, *library.fFailure);
 }
 
-std::optional<TProviderFailure> TDocumentWriter::Write(
+std::optional<TProviderFailure> TPluginWriter::Write(
     const std::vector<TMachineNamespace>& namespaces, const std::string& file,
     const std::string& shownAs) {
   const auto shown = [&](const std::string& message) {
@@ -120,8 +120,8 @@ std::optional<TProviderFailure> TDocumentWriter::Write(
 }
 
 /// Names the consumer, unless it is the default one. Many plug-ins name themselves and the file.
-TExplainedException TDocumentWriter::Blame(const TExplainedException& failure,
-                                           const std::string& shownAs) const {
+TExplainedException TPluginWriter::Blame(const TExplainedException& failure,
+                                         const std::string& shownAs) const {
   const auto bare = WithoutName(WithoutName(failure, fName), shownAs);
   if (fName == kDefaultConsumer) return bare;
   return {bare.GetStatusCode(), "consumer " + fName + ": " + bare.GetReason()};

@@ -20,15 +20,15 @@ using TNamespaces = std::vector<boost::shared_ptr<ICIMNamespace>>;
 
 /// Returns the namespaces of a document in its order; "-" is standard input. Prints the plug-in's
 /// warnings to standard error. Throws a TCommandFailure if the document cannot be read.
-TNamespaces ReadDocument(const std::string& file);
+TNamespaces OpenDocument(const std::string& file);
 
 /// Writes namespaces to files with a consumer plug-in.
-class TDocumentWriter {
+class TPluginWriter {
  public:
   static const char* const kDefaultConsumer;
 
   /// Throws a TCommandFailure if the plug-in cannot be used.
-  explicit TDocumentWriter(const std::string& consumer);
+  explicit TPluginWriter(const std::string& consumer);
 
   /// Writes one document; "-" is standard output. The document writer compresses if the name ends
   /// in ".gz". Messages name the file `shownAs`; the plug-in's warnings are printed to standard

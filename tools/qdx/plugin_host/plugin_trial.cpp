@@ -74,10 +74,10 @@ TPluginTrial::TPluginTrial(const std::function<void()>& load)
 void TPluginTrial::RequireSuccess() {
   if (!fWorker.IsRunning()) return;
   const bool ended = fWorker.WaitUntil(fDeadline);
-  const int status = fWorker.Status();
+  const int status = fWorker.GetStatus();
   if (ended && WIFEXITED(status) && WEXITSTATUS(status) == kSucceeded) return;
   const std::string how =
-      ended ? DescribeStatus(status) + OnOneLine(fWorker.Text()) : "did not come back";
+      ended ? DescribeStatus(status) + OnOneLine(fWorker.GetText()) : "did not come back";
   throw TExplainedException(kQDXStatusInvalidPlugin,
                             "it was tried in a process of its own and " + how);
 }

@@ -61,7 +61,7 @@ void RunWatched(const std::string& action, std::chrono::seconds timeout,
     fail(kQDXStatusConnectionFailed,
          "no progress for " + std::to_string(timeout.count()) + " seconds; --timeout allows more");
   }
-  const int status = worker.Status();
+  const int status = worker.GetStatus();
   if (!WIFEXITED(status)) fail(kQDXStatusFail, "a signal ended it");
   if (WEXITSTATUS(status) == kOutOfMemory) fail(kQDXStatusOutOfMemory, "out of memory");
   const auto code = static_cast<EExitCode>(WEXITSTATUS(status));

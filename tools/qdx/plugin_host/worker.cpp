@@ -43,7 +43,7 @@ TWorker::TWorker(const std::function<int(int)>& action) {
 }
 
 TWorker::~TWorker() {
-  if (fProcess > 0 && !fEnded) KillGroup();
+  if (fProcess > 0 && !fHasEnded) KillGroup();
 }
 
 bool TWorker::WaitUntil(std::chrono::steady_clock::time_point deadline) {
@@ -63,18 +63,18 @@ bool TWorker::WaitUntil(std::chrono::steady_clock::time_point deadline) {
 }
 
 bool TWorker::HasEnded() {
-  if (fEnded) return true;
+  if (fHasEnded) return true;
   siginfo_t end = {};
   ::waitid(P_PID, static_cast<id_t>(fProcess), &end, WEXITED | WNOHANG | WNOWAIT);
   if (end.si_pid == fProcess) KillGroup();
-  return fEnded;
+  return fHasEnded;
 }
 
 /// Kills the group before waitpid, after which another group may get its number.
 void TWorker::KillGroup() {
   ::kill(-fProcess, SIGKILL);
   ::waitpid(fProcess, &fStatus, 0);
-  fEnded = true;
+  fHasEnded = true;
 }
 
 void TWorker::ReadAvailable() {

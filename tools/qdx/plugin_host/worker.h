@@ -18,8 +18,8 @@ namespace NVORNQDX20 {
 /// The action cannot change objects of this process.
 class TWorker {
  public:
-  /// Passes the write end of a pipe to the action, whose result is the exit status. Text() returns
-  /// what it writes there.
+  /// Passes the write end of a pipe to the action, whose result is the exit status. GetText()
+  /// returns what it writes there.
   explicit TWorker(const std::function<int(int)>& action);
   ~TWorker();
   TWorker(const TWorker&) = delete;
@@ -30,9 +30,9 @@ class TWorker {
   /// Waits, and returns whether the child has ended before the deadline.
   bool WaitUntil(std::chrono::steady_clock::time_point deadline);
   /// Returns the status from waitpid. REQUIRES: the child has ended.
-  int Status() const { return fStatus; }
+  int GetStatus() const { return fStatus; }
   /// Returns the first 4096 bytes that the action has written to the pipe.
-  const std::string& Text() const { return fText; }
+  const std::string& GetText() const { return fText; }
   /// Returns a text that changes with each byte that the child reads from or writes to a file;
   /// empty if the kernel does not count them.
   std::string BytesTransferred() const;
@@ -43,7 +43,7 @@ class TWorker {
   void ReadAvailable();
 
   pid_t fProcess = -1;
-  bool fEnded = false;
+  bool fHasEnded = false;
   int fStatus = 0;
   TDescriptor fReadEnd;
   std::string fText;

@@ -191,7 +191,7 @@ bool IsNotReplaceable(const std::string& path) {
 /// Collects namespaces and writes the document.
 class TCollection {
  public:
-  TCollection(TProviderQuery& machine, TDocumentWriter& writer)
+  TCollection(TProviderQuery& machine, TPluginWriter& writer)
       : fMachine(machine),
         fWriter(writer),
         fCopies(CopyNamespaces(machine)),
@@ -264,18 +264,18 @@ class TCollection {
   }
 
   TProviderQuery& fMachine;
-  TDocumentWriter& fWriter;
+  TPluginWriter& fWriter;
   TCopies fCopies;
   const std::string fHostName;
 };
 
 EExitCode RunCollect(const TArguments& arguments) {
-  const std::string consumer = arguments.Get("consumer", TDocumentWriter::kDefaultConsumer);
-  if (consumer != TDocumentWriter::kDefaultConsumer && !arguments.Has("output")) {
+  const std::string consumer = arguments.Get("consumer", TPluginWriter::kDefaultConsumer);
+  if (consumer != TPluginWriter::kDefaultConsumer && !arguments.Has("output")) {
     FailOnUsage("option '--consumer' needs option '--output'");
   }
   TProviderQuery machine(arguments);
-  TDocumentWriter writer(consumer);
+  TPluginWriter writer(consumer);
   TCollection collection(machine, writer);
   arguments.Has("output") ? collection.WriteTo(arguments.Get("output", ""))
                           : collection.WriteByDefaultName();

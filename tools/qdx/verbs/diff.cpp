@@ -14,7 +14,7 @@ namespace {
 
 std::vector<TNamespaceSnapshot> ReadSnapshot(const std::string& file) {
   std::vector<TNamespaceSnapshot> snapshot;
-  for (const auto& ns : ReadDocument(file)) {
+  for (const auto& ns : OpenDocument(file)) {
     snapshot.push_back({ns->GetName({}), {}});
     TSnapshotReader(*ns, kValues, snapshot.back().fClasses).ReadAll();
     SortSnapshot(snapshot.back().fClasses);
@@ -115,8 +115,8 @@ class TListing {
 };
 
 EExitCode RunDiff(const TArguments& arguments) {
-  const std::string a = arguments.Operand(0);
-  const std::string b = arguments.Operand(1);
+  const std::string a = arguments.GetOperand(0);
+  const std::string b = arguments.GetOperand(1);
   if (a == "-" && b == "-") {
     FailOnUsage("only one of the two can be standard input");
   }

@@ -60,8 +60,8 @@ EDepth DepthOf(const std::string& text) {
 }
 
 TRequest RequestOf(const TArguments& arguments) {
-  const std::string first = arguments.Operand(0);
-  const std::string second = arguments.Operand(1);
+  const std::string first = arguments.GetOperand(0);
+  const std::string second = arguments.GetOperand(1);
   TRequest request;
   request.fDepth = DepthOf(arguments.Get("depth", "3"));
   if (!second.empty() || (!first.empty() && NamesFile(first))) {
@@ -134,7 +134,7 @@ class TSelection {
 };
 
 void AddDocument(const std::string& file, TSelection& selection) {
-  for (const auto& ns : ReadDocument(file)) {
+  for (const auto& ns : OpenDocument(file)) {
     selection.Add({"", ns->GetName({})}, ns);
   }
 }

@@ -134,8 +134,8 @@ TStream CopyOfSource(const std::string& operand) {
 }
 
 EExitCode RunUpload(const TArguments& arguments) {
-  const std::string operand = arguments.Operand(0);
-  const std::string name = arguments.Operand(1);
+  const std::string operand = arguments.GetOperand(0);
+  const std::string name = arguments.GetOperand(1);
   const auto timeout = TimeoutOf(arguments);
   CheckRemoteName(name);
   const TStream copy = CopyOfSource(operand);
@@ -158,7 +158,7 @@ void CheckDiskSpace(const std::string& file, const std::string& shownAs) {
 
 /// After a failure the contents of the file are unspecified.
 void Download(const TArguments& arguments, const std::string& file, const std::string& shownAs) {
-  const std::string remote = arguments.Operand(0);
+  const std::string remote = arguments.GetOperand(0);
   const std::string action = "downloading " + remote + " from " QDX_FTP_DOWNLOAD_HOST;
   RunWatched(action, TimeoutOf(arguments), [&] {
     const auto failure = Try([&] { TOSSpecific::FTPFileFromVORN(file, remote); });
@@ -194,8 +194,8 @@ void DownloadToFile(const TArguments& arguments, const std::string& local) {
 }
 
 EExitCode RunDownload(const TArguments& arguments) {
-  const std::string local = arguments.Operand(1);
-  CheckRemotePath(arguments.Operand(0));
+  const std::string local = arguments.GetOperand(1);
+  CheckRemotePath(arguments.GetOperand(0));
   local == "-" ? DownloadToOutput(arguments) : DownloadToFile(arguments, local);
   return kExitDone;
 }

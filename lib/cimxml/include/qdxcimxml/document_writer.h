@@ -28,7 +28,7 @@ class TDocumentWriter {
   /// that were left out.
   void Close();
 
-  const std::string& File() const;
+  const std::string& GetFile() const;
 
  private:
   struct TParts;

@@ -44,7 +44,7 @@ class TSnapshotReader {
  public:
   /// Appends to `classes` in the order of the namespace's enumeration.
   TSnapshotReader(const ICIMNamespace& ns, EDepth depth, std::vector<TClassSnapshot>& classes)
-      : fNamespace(ns), fHome(ns.GetName({})), fDepth(depth), fClasses(classes) {}
+      : fNamespace(ns), fNamespaceName(ns.GetName({})), fDepth(depth), fClasses(classes) {}
 
   /// Reads every class.
   void ReadAll();
@@ -59,7 +59,7 @@ class TSnapshotReader {
                    const boost::shared_ptr<ICIMClass>& cimClass) const;
 
   const ICIMNamespace& fNamespace;
-  const std::string fHome;  // the name of the namespace
+  const std::string fNamespaceName;
   const EDepth fDepth;
   std::vector<TClassSnapshot>& fClasses;
 };

@@ -15,10 +15,10 @@ using TJSON = nlohmann::ordered_json;
 
 /// Booleans and numbers keep their type; but 64-bit integers become strings, since many readers
 /// store numbers as doubles, and so do reals that JSON cannot express ("NaN", "inf", "-inf").
-/// Date-times and references (as object paths) become strings; null stays null. `home` is the
-/// namespace of the value. A reference to another namespace begins with its name:
+/// Date-times and references (as object paths) become strings; null stays null. `ownNamespace` is
+/// the namespace of the value. A reference to another namespace begins with its name:
 /// "root/other:Class.Key=1".
-TJSON ToJSON(const TCIMValue& value, const std::string& home);
+TJSON ToJSON(const TCIMValue& value, const std::string& ownNamespace);
 
 /// Returns one line: "-" for null, strings unchanged but "\"\"" for an empty one, arrays as
 /// "{ a, b }".
