@@ -2,6 +2,7 @@
 #include "value_writer.h"
 
 #include <qdxcore/reference.h>
+#include <qdxmodel/names.h>
 
 #include <string_view>
 #include <utility>
@@ -170,7 +171,8 @@ void TValueWriter::ClassOrInstanceName(const TCIMReference& reference, bool hasK
 
 bool TValueWriter::IsOwnNamespace(const TCIMReference& reference) const {
   const auto ns = reference.GetNamespace();
-  return !ns || ns.get() == &fNamespace || ns->GetName({}) == fNamespace.GetName({});
+  return !ns || ns.get() == &fNamespace ||
+         NModel::EqualIgnoringCase(ns->GetName({}), fNamespace.GetName({}));
 }
 
 }  // namespace NVORNQDX20::NCIMXML
