@@ -8,7 +8,6 @@
 #include <qdxcore/status.h>
 
 #include <string>
-#include <string_view>
 
 namespace NVORNQDX20::NRepository {
 
@@ -20,9 +19,6 @@ class IDescribed {
  protected:
   ~IDescribed() = default;  // never deleted through this interface
 };
-
-/// Returns a name of unknown origin for use in a reason: in double quotes, truncated if it is long.
-std::string Quoted(std::string_view name);
 
 // Exceptions that several operations throw. Built here and thrown by the caller, so that unwinding
 // has no strings to destroy: failed look-ups are frequent and must be cheap.

@@ -26,7 +26,7 @@ bool IsCIMName(std::string_view name) {
 
 void RequireCIMName(std::string_view name) {
   if (!IsCIMName(name)) {
-    throw TExplainedException(kQDXStatusInvalidCIMName, Quoted(name) + " is no CIM name");
+    throw TExplainedException(kQDXStatusInvalidCIMName, NModel::Quoted(name) + " is no CIM name");
   }
 }
 

@@ -20,7 +20,7 @@ boost::shared_ptr<ICIMClass> TNamespace::CreateClass(const std::string& name,
   TClass* const own = superclass ? fClasses.Find(superclass->GetName({})) : nullptr;
   if (own != superclass.get()) {
     throw TExplainedException(kQDXStatusInvalidClass,
-                              "class " + Quoted(name) + " cannot be derived from " +
+                              "class " + NModel::Quoted(name) + " cannot be derived from " +
                                   superclass->GetName({}) + ", which is no committed class of " +
                                   Description());
   }

@@ -27,8 +27,8 @@ boost::shared_ptr<ICIMNamespace> TRepositoryProvider::GetNamespace(const std::st
                                                                    TOptionsMap) {
   boost::shared_ptr<ICIMNamespace> found = Find(name);
   if (!found) {
-    throw TExplainedException(
-        kQDXStatusNotFound, "provider " + fName + " has no namespace " + NRepository::Quoted(name));
+    throw TExplainedException(kQDXStatusNotFound,
+                              "provider " + fName + " has no namespace " + NModel::Quoted(name));
   }
   return found;
 }

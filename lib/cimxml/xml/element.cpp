@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "element.h"
 
+#include <qdxmodel/names.h>
+
 #include <algorithm>
 #include <iterator>
 
@@ -127,12 +129,9 @@ void TElement::RefuseChild(const TElement& child) const {
 }
 
 std::string Shown(std::string_view text) {
-  constexpr std::size_t kLongest = 60;
-  std::string shown = "\"";
-  for (const char c : text.substr(0, kLongest)) {
-    shown += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
-  }
-  shown += text.size() > kLongest ? "...\"" : "\"";
+  std::string shown = NModel::Quoted(text);
+  std::replace_if(
+      shown.begin(), shown.end(), [](unsigned char c) { return c < ' '; }, ' ');
   return shown;
 }
 

@@ -13,12 +13,12 @@
 
 #include "document_error.h"
 #include "document_limits.h"
+#include "gzip_format.h"
 
 namespace NVORNQDX20::NCIMXML {
 namespace {
 
 constexpr unsigned char kMagic[] = {0x1F, 0x8B};
-constexpr int kGzipFormat = 16;  // added to the window size, as zlib defines it
 
 /// A position in compressed data: a byte, without a line.
 TDocumentError GzipDefect(const std::string& reason, std::size_t bytes, EQDXStatusCode status) {
@@ -32,7 +32,7 @@ TDocumentError GzipDefect(const std::string& reason, std::size_t bytes, EQDXStat
 class TDecompressor {
  public:
   TDecompressor() {
-    if (inflateInit2(&fStream, MAX_WBITS + kGzipFormat) != Z_OK) {
+    if (inflateInit2(&fStream, kGzipWindowBits) != Z_OK) {
       throw TQDXException(kQDXStatusOutOfMemory);
     }
     inflateGetHeader(&fStream, &fHeader);

@@ -13,10 +13,11 @@
 #include <unistd.h>
 #include <zlib.h>
 
+#include "gzip_format.h"
+
 namespace NVORNQDX20::NCIMXML {
 namespace {
 
-constexpr int kGzipFormat = 16;  // added to the window size, as zlib defines it
 constexpr int kUnknownSystem = 255;
 
 bool EndsWith(std::string_view text, std::string_view end) {
@@ -34,7 +35,7 @@ TDescriptor OpenForWriting(const std::string& file) {
 class TCompressor {
  public:
   TCompressor() {
-    if (deflateInit2(&fStream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, MAX_WBITS + kGzipFormat, 8,
+    if (deflateInit2(&fStream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kGzipWindowBits, 8,
                      Z_DEFAULT_STRATEGY) != Z_OK) {
       throw TQDXException(kQDXStatusOutOfMemory);
     }

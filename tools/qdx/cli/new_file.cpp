@@ -62,7 +62,7 @@ std::filesystem::path FileToReplace(const std::filesystem::path& path) {
   auto target = std::filesystem::canonical(path, error);
   if (!error) return target;
   throw TCommandFailure(kExitBadInput, "following link " + path.string(),
-                        {kQDXStatusFileSystemError, error.message()});
+                        {kQDXStatusFileSystemError, ErrorText(error.value())});
 }
 
 TNewFile::TNewFile(const std::string& folder, const std::string& suffix,

@@ -4,6 +4,7 @@
 #include <qdxcore/logger.h>
 #include <qdxcore/os_specific.h>
 #include <qdxcore/registry.h>
+#include <qdxsystem/error_text.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -39,7 +40,7 @@ std::vector<std::string> FindServices(const std::string& kind) {
   const std::filesystem::directory_iterator entries(folder, error);
   if (error) {
     throw TCommandFailure(kExitNothingCollected, "looking for plug-ins in " + folder,
-                          {kQDXStatusAccessDenied, error.message()});
+                          {kQDXStatusAccessDenied, ErrorText(error.value())});
   }
   const std::string suffix = SuffixOf(kind);
   std::vector<std::string> services;

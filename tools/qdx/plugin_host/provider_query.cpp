@@ -5,6 +5,7 @@
 #include <qdxcore/registry.h>
 #include <qdxmodel/names.h>
 #include <qdxmodel/options.h>
+#include <qdxsystem/error_text.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -36,16 +37,16 @@ std::string ActionOn(const TOrigin& origin, const std::string& operation) {
 }  // namespace
 
 std::string RootFolder(const TArguments& arguments) {
-  std::string root = arguments.Get("root", "/");
+  std::string root = arguments.Get(kRootFolderOption.fName, "/");
   std::error_code error;
   if (std::filesystem::is_directory(root, error)) return root;
-  const std::string reason = error ? error.message() : "not a folder";
+  const std::string reason = error ? ErrorText(error.value()) : "not a folder";
   throw TCommandFailure(kExitBadInput, "reading root folder " + root,
                         {kQDXStatusFileNotFound, reason});
 }
 
 std::vector<TOptionSpec> TProviderQuery::Options() {
-  return {{"root", "DIR", "Describe the machine whose files are below DIR, not this one."},
+  return {kRootFolderOption,
           {"provider", "NAME", "Query only this provider; can be given more than once."}};
 }
 

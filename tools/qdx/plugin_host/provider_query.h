@@ -37,7 +37,10 @@ struct TProviderFailure {
   TExplainedException fFailure;
 };
 
-/// Returns the value of option "root". Throws a TCommandFailure if it is not a folder.
+inline constexpr TOptionSpec kRootFolderOption = {
+    "root", "DIR", "Describe the machine whose files are below DIR, not this one."};
+
+/// Returns the value of this option. Throws a TCommandFailure if it is not a folder.
 std::string RootFolder(const TArguments& arguments);
 
 /// Queries all namespaces of providers. Each failure is printed and recorded; other providers are

@@ -166,8 +166,7 @@ TVerb IdentityVerb() {
           "The data comes from the first provider plug-in that has the namespace root/cimv2. A\n"
           "missing value is shown as '-', with the reason. A serial number that is not seven\n"
           "letters or digits is shown unchanged, with a note.\n",
-          {{"root", "DIR", "Describe the machine whose files are below DIR, not this one."},
-           {"json", nullptr, "Print one JSON object; missing values are null."}},
+          {kRootFolderOption, {"json", nullptr, "Print one JSON object; missing values are null."}},
           RunIdentity};
 }
 

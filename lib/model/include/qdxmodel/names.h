@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Compares names without regard to ASCII case, and to no other case (DMTF DSP0004, naming).
+/// Compares names without regard to ASCII case, and to no other case (DMTF DSP0004, naming); quotes
+/// names for messages.
 ///
 /// The locale has no influence. Keywords in any case, such as "TRUE", compare in the same way.
 ///
@@ -31,6 +32,14 @@ inline std::string Folded(std::string_view name) {
   std::string folded(name);
   std::transform(folded.begin(), folded.end(), folded.begin(), Lower);
   return folded;
+}
+
+/// Returns a name of unknown origin for use in a message: in double quotes, truncated if it is
+/// long.
+inline std::string Quoted(std::string_view name) {
+  constexpr std::size_t kLongest = 60;
+  const char* const end = name.size() > kLongest ? "...\"" : "\"";
+  return '"' + std::string(name.substr(0, kLongest)) + end;
 }
 
 /// For hashed containers whose keys are names, or views of names.
