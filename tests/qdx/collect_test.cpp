@@ -93,7 +93,9 @@ TEST_F(QDXCollect, BeginsAnewWithoutWhatAConsumerRefuses) {
   EXPECT_EQ(run.fExitCode, 3);
   EXPECT_EQ(run.fOutput, "x\nroot/cimv2\nroot/qdx\n");
   EXPECT_EQ(run.fErrors,
-            "qdx: writing root/sample of provider sample: consumer picky: not that one\n");
+            "qdx: shortened root/cimv2\nqdx: shortened root/sample\n"
+            "qdx: writing root/sample of provider sample: consumer picky: not that one\n"
+            "qdx: shortened root/qdx\n");
   EXPECT_EQ(RunScript(collect + "-o y").fExitCode, 5);
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Consumer "picky": writes the names of namespaces, and refuses root/sample.
+// Consumer "picky": writes the names of namespaces, warns of each, and refuses root/sample.
 #include <qdxcore/interfaces.h>
 #include <qdxcore/logger.h>
 
@@ -15,6 +15,7 @@ class TPickyConsumer : public INamespaceConsumer {
 
   void Consume(boost::shared_ptr<ICIMNamespace> ns, TOptionsMap options) override {
     const std::string name = ns->GetName({});
+    LogMessage(ILogger::kLogWarning, {"shortened ", name});
     if (name == "root/sample") LogErrorAndThrow(kQDXStatusNotSupported, {"not that one"});
     std::ofstream(std::string(options["file"]), std::ios::app) << name << "\n";
   }

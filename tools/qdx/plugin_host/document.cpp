@@ -108,12 +108,14 @@ std::optional<TProviderFailure> TPluginWriter::Write(
       },
       warnings);
   if (failure) failure = Blame({failure->GetStatusCode(), shown(failure->GetReason())}, shownAs);
+  for (const std::string& warning : warnings) {
+    if (fWarnings.count(warning) == 0) PrintError(shown(warning));
+  }
+  fWarnings.insert(warnings.begin(), warnings.end());
   // A failure of the file system affects the other namespaces, too.
   if (failure && failure->GetStatusCode() != kQDXStatusFileSystemError) {
     return TProviderFailure{namespaces[index].fOrigin, "writing", *failure};
   }
-  fHasWarned = fHasWarned || !warnings.empty();
-  for (const std::string& warning : warnings) PrintError(shown(warning));
   if (!failure) return std::nullopt;
   if (file == "-" && !OutputHasReader()) throw TCommandFailure(kExitBadInput);
   throw TCommandFailure(kExitBadInput, action, *failure);

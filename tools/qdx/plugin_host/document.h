@@ -6,6 +6,7 @@
 #include <qdxcore/interfaces.h>
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -32,7 +33,7 @@ class TPluginWriter {
 
   /// Writes one document; "-" is standard output. The document writer compresses if the name ends
   /// in ".gz". Messages name the file `shownAs`; the plug-in's warnings are printed to standard
-  /// error.
+  /// error, each once even if the document is written again.
   /// Returns the first namespace that the consumer refused, if any: then the file is incomplete,
   /// and the caller can truncate it and write again without that namespace. Throws a
   /// TCommandFailure if the file cannot be written, without a line if the reader of a pipe has
@@ -41,14 +42,14 @@ class TPluginWriter {
                                         const std::string& file, const std::string& shownAs);
 
   /// Returns whether the plug-in warned that the document is not complete.
-  bool HasWarned() const { return fHasWarned; }
+  bool HasWarned() const { return !fWarnings.empty(); }
 
  private:
   TExplainedException Blame(const TExplainedException& failure, const std::string& shownAs) const;
 
   const std::string fName;
   boost::shared_ptr<INamespaceConsumer> fConsumer;
-  bool fHasWarned = false;
+  std::set<std::string> fWarnings;  // printed ones, which the next attempt does not print again
 };
 
 }  // namespace NVORNQDX20
