@@ -86,18 +86,14 @@ TEST(Comparison, GoesBelowWhatOnlyOneSideHas) {
 }
 
 TEST(Comparison, ComparesDeclarationsAndTheValuesThatBothSidesHave) {
-  const TClassSnapshot a{"C",
-                         "",
-                         {Property("A", "uint8"), Property("B", "string", true),
-                          Property("C", "uint8"), Property("D", "uint8", false, 1)},
-                         0,
-                         {{"C.B=b", {1, "b", 3, 4}}}};
-  TClassSnapshot b{"C",
-                   "Base",
-                   {Property("B", "string"), Property("C", "uint16"),
-                    Property("D", "uint8", true, 2), Property("E", "uint8[]")},
-                   0,
-                   {{"C.B=b", {"b", 3, 5, 6}}}};
+  const std::vector<TPropertySnapshot> before = {
+      Property("A", "uint8"), Property("B", "string", true), Property("C", "uint8"),
+      Property("D", "uint8", false, 1)};
+  const std::vector<TPropertySnapshot> after = {Property("B", "string"), Property("C", "uint16"),
+                                                Property("D", "uint8", true, 2),
+                                                Property("E", "uint8[]")};
+  const TClassSnapshot a{"C", "", before, 0, {{"C.B=b", {1, "b", 3, 4}}}};
+  const TClassSnapshot b{"C", "Base", after, 0, {{"C.B=b", {"b", 3, 5, 6}}}};
   EXPECT_EQ(Difference(With({a}), With({b})),
             "~superclass n:C  null \"Base\"\n"
             "-declaration n:C A \"uint8\" null\n"
@@ -106,8 +102,7 @@ TEST(Comparison, ComparesDeclarationsAndTheValuesThatBothSidesHave) {
             "~declaration n:C D \"uint8 = 1\" \"uint8 key = 2\"\n"
             "+declaration n:C E null \"uint8[]\"\n"
             "~value n:C.B=b D 4 5\n");
-  TClassSnapshot c = b;
-  c.fSuperclass = "Other";
+  const TClassSnapshot c{"C", "Other", after, 0, b.fInstances};
   EXPECT_EQ(Difference(With({b}), With({c})), "~superclass n:C  \"Base\" \"Other\"\n");
 }
 

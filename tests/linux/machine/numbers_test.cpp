@@ -15,6 +15,7 @@ template <typename T>
 std::string TextOf(const TReadingOf<T>& reading) {
   return reading ? std::to_string(*reading.fValue) : reading.fReason;
 }
+std::string TextOf(const TReading& reading) { return reading ? *reading.fValue : reading.fReason; }
 
 TEST(MachineNumber, IsAllOfItsText) {
   EXPECT_EQ(ParseNumber("0"), 0U);
@@ -47,14 +48,10 @@ TEST(MachineNumber, IsMissingForAReason) {
 
 TEST(MachineFields, AreFoundByTheirNames) {
   const TFields fields("s", "A : b:c \nno field\nA: d\n\tE:\nF:64 kB\n:g\nH: 8", ':');
-  const auto text = [&fields](const char* name) {
-    const TReading reading = fields.Get(name);
-    return reading ? *reading.fValue : reading.fReason;
-  };
-  EXPECT_EQ(text("A"), "b:c");
-  EXPECT_EQ(text("E"), "s: no 'E'");  // there is nothing in it
-  EXPECT_EQ(text("no field"), "s: no 'no field'");
-  EXPECT_EQ(text(""), "g");
+  EXPECT_EQ(TextOf(fields.Get("A")), "b:c");
+  EXPECT_EQ(TextOf(fields.Get("E")), "s: no 'E'");  // there is nothing in it
+  EXPECT_EQ(TextOf(fields.Get("no field")), "s: no 'no field'");
+  EXPECT_EQ(TextOf(fields.Get("")), "g");
   EXPECT_EQ(TextOf(fields.GetNumber("F", " kB")), "64");
   EXPECT_EQ(TextOf(fields.GetNumber("F", " MB")), "s: F is not in MB");
   EXPECT_EQ(TextOf(fields.GetNumber("F")), "s: F: '64 kB' is no valid number");

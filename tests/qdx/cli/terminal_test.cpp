@@ -32,27 +32,22 @@ const char* const kColouredTable =
     "\x1b[1mA     LONG  C\x1b[0m\n\x1b[31mcaf\xc3\xa9  ?     x\x1b[0m\nend\n"
     "\x1b[2m\x1b[0m\n\x1b[32m      a\x1b[0m\n";
 
-TEST(Table, HasAlignedColumns) {
-  ::setenv("TERM", "xterm", 1);
-  const TStandardOutput output(TStandardOutput::kPipe);
-  EXPECT_EQ(FormatTable(kTable), kPlainTable);
-  EXPECT_EQ(FormatTable({}), "");
-}
-
 TEST(Table, HasColoursOnATerminalThatIsNotToldOtherwise) {
-  const std::tuple<const char*, const char*, const char*> rows[] = {
-      {"xterm", nullptr, kColouredTable},
-      {"xterm", "", kColouredTable},
-      {"xterm", "1", kPlainTable},
-      {"dumb", nullptr, kPlainTable},
-      {nullptr, nullptr, kPlainTable}};
-  const TStandardOutput output(TStandardOutput::kTerminal);
-  for (const auto& [term, noColour, table] : rows) {
+  const std::tuple<TStandardOutput::EKind, const char*, const char*, const char*> rows[] = {
+      {TStandardOutput::kPipe, "xterm", nullptr, kPlainTable},
+      {TStandardOutput::kTerminal, "xterm", nullptr, kColouredTable},
+      {TStandardOutput::kTerminal, "xterm", "", kColouredTable},
+      {TStandardOutput::kTerminal, "xterm", "1", kPlainTable},
+      {TStandardOutput::kTerminal, "dumb", nullptr, kPlainTable},
+      {TStandardOutput::kTerminal, nullptr, nullptr, kPlainTable}};
+  for (const auto& [kind, term, noColour, table] : rows) {
+    const TStandardOutput output(kind);
     for (const auto& [name, value] : {std::pair{"TERM", term}, {"NO_COLOR", noColour}}) {
       value != nullptr ? ::setenv(name, value, 1) : ::unsetenv(name);
     }
     EXPECT_EQ(FormatTable(kTable), table);
   }
+  EXPECT_EQ(FormatTable({}), "");
 }
 
 }  // namespace
