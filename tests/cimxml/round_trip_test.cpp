@@ -107,6 +107,14 @@ TEST(CIMXMLDocument, GivesBackEachDeclarationAndReference) {
   EXPECT_EQ(to.GetNamespace(), Read(QDX_EVERYTHING, "far"));
 }
 
+TEST(CIMXMLDocument, OmitsTheOwnNamespaceInAnyCase) {
+  const TNamespace ns = MakeRepositoryNamespace("root/a"), same = MakeRepositoryNamespace("ROOT/A");
+  AddClass(same, "C", {});
+  TCIMReference reference(same, "C", {});
+  AddClass(ns, "Link", {}, {{"r", TCIMValue(reference)}});
+  EXPECT_EQ(Written({ns}).find("LOCALCLASSPATH"), std::string::npos);
+}
+
 TEST(CIMXMLDocument, DoesNotDependOnTheOrderOfDeclarations) {
   const auto make = [](const TNames& names) {
     const TNamespace ns = MakeRepositoryNamespace("n");
