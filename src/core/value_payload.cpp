@@ -70,7 +70,7 @@ std::string TCIMNumericValueImpl::ToString(unsigned char radix) const {
 }
 
 bool TCIMNumericValueImpl::operator==(const TCIMValue& other) const {
-  return other.GetType() == Type() && !other.IsNull() &&
+  return other.GetType() == GetType() && !other.IsNull() &&
          fNumber == PayloadOf<TCIMNumericValueImpl>(other).fNumber;
 }
 

@@ -100,7 +100,7 @@ class TCIMNumericValueImpl final : public TClonable<TCIMNumericValueImpl> {
 
   template <typename T>
   T Get() const;
-  TCIMValue::TCIMType Type() const {
+  TCIMValue::TCIMType GetType() const {
     return static_cast<unsigned int>(fNumber.index()) + TCIMValue::TCIMType::kCIMTypeBoolean;
   }
 
