@@ -106,6 +106,8 @@ TEST(RepositoryCommit, RefusesWhatBreaksARule) {
   EXPECT_REFUSED(kQDXStatusNotFound, s.fSub->SetStaticPropertyValue("Idd", 1U, {}));
   EXPECT_REFUSED(kQDXStatusInvalidProperty, s.Property(s.fSub, "New", TCIMValue()));
   EXPECT_REFUSED(kQDXStatusInvalidProperty, s.Property(s.fSub, "New", kChar));
+  EXPECT_REFUSED(kQDXStatusInvalidProperty,
+                 s.fSub->CreateMethodDecl("New", TCIMType::kCIMTypeArray << 1, {}));
   EXPECT_REFUSED(kQDXStatusInvalidProperty, s.Qualifier("New", 0, NullReference(s.fNs, "T_Base")));
   EXPECT_REFUSED(kQDXStatusInvalidProperty, s.fSub->CreateMethodDecl("New", kArrayType, {}));
   EXPECT_REFUSED(kQDXStatusInvalidReference, s.Property(s.fSub, "New", kToNothing));

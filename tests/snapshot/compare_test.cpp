@@ -49,14 +49,6 @@ TClassSnapshot Note(const std::vector<TValues>& rows) {
   return note;
 }
 
-TEST(Comparison, MatchesInstancesByTheirPathsInAnyOrder) {
-  const TNamespaces a = With({Disk({{1, 5, 7}, {2, nullptr, 7}, {4, 5, 7}})});
-  EXPECT_EQ(Difference(a, With({Disk({{4, 5, 7}, {2, nullptr, 7}, {1, 5, 7}})})), "");
-  EXPECT_EQ(Difference(a, With({Disk({{3, 5, 7}, {2, 5, 7}, {1, 6, 7}})})),
-            "~value n:Disk.Id=1 Size 5 6\n~value n:Disk.Id=2 Size null 5\n"
-            "+instance n:Disk.Id=3  null null\n-instance n:Disk.Id=4  null null\n");
-}
-
 TEST(Comparison, MatchesInstancesWithoutKeysByTheirValues) {
   const TNamespaces a = With({Note({{"x", 1}, {"y", 1}, {"x", 1}})});
   EXPECT_EQ(Difference(a, With({Note({{"x", 1}, {"x", 1}, {"y", 1}})})), "");
