@@ -5,8 +5,8 @@
 #   library  libqdxcore0     the core only. Packages of plug-ins depend on the major version in the name.
 #                            Only one can be installed, because the name of libcurl.so in the same folder
 #                            has no version.
-#   devel    libqdxcore-dev  headers, the repository, CMake package, pkg-config files, pages and
-#                            examples for authors
+#   devel    libqdxcore-dev  headers, the static libraries of authors, CMake package, pkg-config
+#                            files, pages and examples
 #   tool     qdx             the command with the plug-ins, which have dependencies of their own and no
 #                            version in their names
 set(CPACK_GENERATOR DEB)
@@ -38,7 +38,7 @@ set(CPACK_DEBIAN_DEVEL_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVEL_PACKAGE_DEPENDS
   "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} ${same_version}, libboost-dev (>= 1.74)")
 set(CPACK_COMPONENT_DEVEL_DESCRIPTION "core library of qdx - development files
-Headers, the CMake package qdxcore, pkg-config files, and the static library
+Headers, the CMake package qdxcore, pkg-config files, and the static libraries
 on which providers of CIM data are built. /usr/share/doc/libqdxcore-dev explains
 how to write a provider or a consumer, with examples.")
 

@@ -23,14 +23,6 @@ bool Declares(const ICIMClass& cimClass, const TDecl& decl) {
   }
 }
 
-bool HasKeyQualifier(const ICIMPropertyDecl& decl) {
-  try {
-    return decl.GetQualifier("Key")->GetValue() == TCIMValue(true);
-  } catch (const TQDXException&) {
-    return false;  // an exception means that there is none
-  }
-}
-
 /// Collects declarations from the class up to its root class.
 class TPropertyCollector {
  public:
@@ -40,7 +32,7 @@ class TPropertyCollector {
     TClassProperty& property = fProperties[found->second];
     // A superclass enumerates again what the class has enumerated as inherited.
     const bool isAsked = !isNew && property.fDecl == decl;
-    if (!isAsked && !property.fIsKey) property.fIsKey = HasKeyQualifier(*decl);
+    if (!isAsked && !property.fIsKey) property.fIsKey = IsQualified(*decl, "Key");
   }
 
   std::vector<TClassProperty> fProperties;
@@ -51,6 +43,14 @@ class TPropertyCollector {
 };
 
 }  // namespace
+
+bool IsQualified(const ICIMPropertyDecl& decl, const std::string& qualifier) {
+  try {
+    return decl.GetQualifier(qualifier)->GetValue() == TCIMValue(true);
+  } catch (const TQDXException&) {
+    return false;  // an exception means that there is none
+  }
+}
 
 boost::shared_ptr<ICIMClass> SuperclassOf(const ICIMClass& cimClass) {
   return cimClass.IsRootClass({}) ? nullptr : cimClass.GetSuperclass({});

@@ -7,11 +7,15 @@
 
 #include <qdxcore/interfaces.h>
 
+#include <string>
 #include <vector>
 
 #include <boost/shared_ptr.hpp>
 
 namespace NVORNQDX20::NModel {
+
+/// Returns whether the declaration has a qualifier with this name that is true.
+bool IsQualified(const ICIMPropertyDecl& decl, const std::string& qualifier);
 
 /// Returns null for a root class.
 boost::shared_ptr<ICIMClass> SuperclassOf(const ICIMClass& cimClass);

@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxdescribe/declaration.h>
+
+#include <qdxcore/status.h>
+#include <qdxmodel/names.h>
+#include <qdxrepository/repository.h>
+
+#include <cstdint>
+
+namespace NVORNQDX20::NDescribe {
+namespace {
+
+using TType = TCIMValue::TCIMType;
+
+/// A qualifier as DSP0004 defines it.
+struct TQualifier {
+  const char* fName;
+  unsigned int fType;
+  std::uint32_t fScope;
+  std::uint32_t fFlavor;
+};
+
+constexpr std::uint32_t kOverridden = kFlavorOverridable | kFlavorToSubclass;
+constexpr unsigned int kTexts = static_cast<unsigned int>(TType::kCIMTypeString) |
+                                static_cast<unsigned int>(TType::kCIMTypeArray);
+
+constexpr TQualifier kKeyQualifier = {"Key", TType::kCIMTypeBoolean,
+                                      kScopeProperty | kScopeReference, kFlavorToSubclass};
+constexpr TQualifier kDescription = {"Description", TType::kCIMTypeString, kScopeAny,
+                                     kOverridden | kFlavorTranslatable};
+constexpr TQualifier kUnit = {"PUnit", TType::kCIMTypeString, kScopeProperty, kOverridden};
+constexpr TQualifier kAbstract = {"Abstract", TType::kCIMTypeBoolean,
+                                  kScopeClass | kScopeAssociation, kFlavorOverridable};
+constexpr TQualifier kAssociation = {"Association", TType::kCIMTypeBoolean, kScopeAssociation,
+                                     kFlavorToSubclass};
+constexpr TQualifier kValueMap = {"ValueMap", kTexts, kScopeProperty, kOverridden};
+constexpr TQualifier kValues = {"Values", kTexts, kScopeProperty,
+                                kOverridden | kFlavorTranslatable};
+constexpr TQualifier kCounter = {"Counter", TType::kCIMTypeBoolean, kScopeProperty, kOverridden};
+constexpr TQualifier kGauge = {"Gauge", TType::kCIMTypeBoolean, kScopeProperty, kOverridden};
+constexpr TQualifier kVolatile = {kVolatileQualifier, TType::kCIMTypeBoolean, kScopeProperty,
+                                  kOverridden};
+constexpr TQualifier kSecret = {kSecretQualifier, TType::kCIMTypeString, kScopeProperty,
+                                kOverridden};
+
+/// The namespace's declaration if it has one, which may differ in scope and flavor.
+boost::shared_ptr<ICIMQualifierDecl> Find(ICIMNamespace& ns, const char* name) {
+  try {
+    return ns.GetQualifierDecl(name, {});
+  } catch (const TQDXException& failure) {
+    if (failure.GetStatusCode() != kQDXStatusNotFound) throw;
+    return nullptr;
+  }
+}
+
+boost::shared_ptr<ICIMQualifierDecl> Declared(ICIMNamespace& ns, const TQualifier& qualifier) {
+  if (auto found = Find(ns, qualifier.fName)) return found;
+  const TCIMValue initial = qualifier.fType == TType::kCIMTypeBoolean
+                                ? TCIMValue(false)
+                                : TCIMValue(TType(qualifier.fType), 0);
+  auto declared =
+      ns.CreateQualifierDecl(qualifier.fName, initial, qualifier.fScope, qualifier.fFlavor, {});
+  declared->Commit();
+  return declared;
+}
+
+template <typename TElement>
+void Qualify(ICIMNamespace& ns, TElement& element, const TQualifier& qualifier,
+             const TCIMValue& value) {
+  element.AddQualifier(Declared(ns, qualifier), value)->Commit();
+}
+
+TCIMValue Texts(const std::vector<TCIMValue>& texts) {
+  return TCIMValue(TType(TType::kCIMTypeString), 0, texts);
+}
+
+void QualifyAsEnumeration(ICIMNamespace& ns, ICIMPropertyDecl& property,
+                          const TEnumeration& enumeration) {
+  std::vector<TCIMValue> numbers;
+  std::vector<TCIMValue> names;
+  for (const auto& [number, name] : enumeration) {
+    numbers.emplace_back(std::to_string(number));
+    names.emplace_back(name);
+  }
+  Qualify(ns, property, kValueMap, Texts(numbers));
+  Qualify(ns, property, kValues, Texts(names));
+}
+
+TCIMValue InitialValue(ICIMNamespace& ns, const TPropertyDeclaration& declaration) {
+  TCIMValue initial = declaration.fDefault;
+  if (!declaration.fReferencedClass.empty()) {
+    initial.SetReferencedClass(ns.GetClass(declaration.fReferencedClass, {}));
+  }
+  return initial;
+}
+
+void DeclareProperty(ICIMNamespace& ns, ICIMClass& cimClass,
+                     const TPropertyDeclaration& declaration) {
+  const auto added =
+      cimClass.CreatePropertyDecl(declaration.fName, InitialValue(ns, declaration), {});
+  ICIMPropertyDecl& property = *added;
+  if (declaration.fIsKey) Qualify(ns, property, kKeyQualifier, true);
+  if (!declaration.fDescription.empty()) {
+    Qualify(ns, property, kDescription, declaration.fDescription);
+  }
+  if (!declaration.fUnit.empty()) Qualify(ns, property, kUnit, declaration.fUnit);
+  if (!declaration.fEnumeration.empty()) {
+    QualifyAsEnumeration(ns, property, declaration.fEnumeration);
+  }
+  if (declaration.fBehavior == EBehavior::kCounter) Qualify(ns, property, kCounter, true);
+  if (declaration.fBehavior == EBehavior::kGauge) Qualify(ns, property, kGauge, true);
+  if (declaration.fIsVolatile) Qualify(ns, property, kVolatile, true);
+  if (declaration.fSecret != ESecret::kNone) {
+    Qualify(ns, property, kSecret, SecretName(declaration.fSecret));
+  }
+  property.Commit();
+}
+
+[[noreturn]] void Refuse(const TClassDeclaration& declaration, const std::string& defect) {
+  throw TExplainedException(kQDXStatusInvalidClass, "class " + declaration.fName + ": " + defect);
+}
+
+/// Checks a class against those before it.
+class TDeclarationCheck {
+ public:
+  void Check(const TClassDeclaration& declaration) {
+    Require(declaration, declaration.fSuperclass, "its superclass");
+    CheckProperties(declaration);
+    if (!fHasKey.emplace(declaration.fName, HasKey(declaration)).second) {
+      Refuse(declaration, "is declared twice");
+    }
+  }
+
+ private:
+  void Require(const TClassDeclaration& declaration, const std::string& name,
+               const char* role) const {
+    if (!name.empty() && fHasKey.count(name) == 0) {
+      Refuse(declaration, role + (" " + name) + " is not declared before it");
+    }
+  }
+
+  void CheckProperties(const TClassDeclaration& declaration) const {
+    NModel::TNameMap<bool> names;
+    for (const TPropertyDeclaration& property : declaration.fProperties) {
+      if (!names.emplace(property.fName, true).second) {
+        Refuse(declaration, "has two properties " + property.fName);
+      }
+      Require(declaration, property.fReferencedClass, "the referenced class");
+    }
+    if (!declaration.fIsAbstract && !HasKey(declaration)) {
+      Refuse(declaration, "has no key");
+    }
+  }
+
+  bool HasKey(const TClassDeclaration& declaration) const {
+    for (const TPropertyDeclaration& property : declaration.fProperties) {
+      if (property.fIsKey) return true;
+    }
+    const auto superclass = fHasKey.find(declaration.fSuperclass);
+    return superclass != fHasKey.end() && superclass->second;
+  }
+
+  NModel::TNameMap<bool> fHasKey;  // of the classes checked so far
+};
+
+}  // namespace
+
+const char* SecretName(ESecret secret) {
+  switch (secret) {
+    case ESecret::kNone:
+      return "";
+    case ESecret::kSerial:
+      return "serial";
+    case ESecret::kHostName:
+      return "host name";
+    case ESecret::kAddress:
+      return "address";
+    case ESecret::kUser:
+      return "user";
+    case ESecret::kCommandLine:
+      return "command line";
+  }
+  return "";
+}
+
+boost::shared_ptr<ICIMClass> DeclareClass(ICIMNamespace& ns, const TClassDeclaration& declaration) {
+  const auto superclass =
+      declaration.fSuperclass.empty() ? nullptr : ns.GetClass(declaration.fSuperclass, {});
+  auto declared = ns.CreateClass(declaration.fName, superclass, {});
+  if (declaration.fIsAbstract) Qualify(ns, *declared, kAbstract, true);
+  if (declaration.fIsAssociation) {
+    Qualify(ns, *declared, kAssociation, true);
+  }
+  if (!declaration.fDescription.empty()) {
+    Qualify(ns, *declared, kDescription, declaration.fDescription);
+  }
+  for (const TPropertyDeclaration& property : declaration.fProperties) {
+    DeclareProperty(ns, *declared, property);
+  }
+  declared->Commit({});
+  return declared;
+}
+
+boost::shared_ptr<ICIMInstance> AddInstance(ICIMClass& cimClass, const TValues& values) {
+  auto added = cimClass.CreateInstance({});
+  for (const auto& [name, value] : values) {
+    if (!value.IsNull()) added->SetPropertyValue(name, value, {});
+  }
+  added->Commit({});
+  return added;
+}
+
+void CheckDeclarations(const std::vector<const TClassDeclaration*>& declarations) {
+  TDeclarationCheck check;
+  for (const TClassDeclaration* const declaration : declarations) check.Check(*declaration);
+}
+
+}  // namespace NVORNQDX20::NDescribe

@@ -1,0 +1,284 @@
+// SPDX-License-Identifier: Apache-2.0
+// Makes a namespace from tables: declares the classes, adds the instances, explains what is
+// missing.
+#include <qdxcore/logger.h>
+#include <qdxcore/reference.h>
+#include <qdxcore/status.h>
+#include <qdxdescribe/missing_values.h>
+#include <qdxdescribe/provider.h>
+#include <qdxmodel/classes.h>
+#include <qdxmodel/names.h>
+#include <qdxmodel/options.h>
+#include <qdxrepository/repository.h>
+
+#include <algorithm>
+#include <functional>
+#include <iterator>
+#include <optional>
+#include <unordered_map>
+
+namespace NVORNQDX20::NDescribe {
+namespace {
+
+using TNamespace = boost::shared_ptr<ICIMNamespace>;
+using TStep = TDescriber::TStep;
+
+/// Finds classes by name, and those that a class needs.
+class TCatalogue {
+ public:
+  explicit TCatalogue(const std::vector<TStep>& steps) {
+    for (const TStep& step : steps) fClasses.emplace(step.fDeclaration->fName, step.fDeclaration);
+  }
+
+  /// Returns whether a caller that asks for `wanted` needs the class.
+  bool Needs(const std::string& wanted, const TClassDeclaration& cimClass) const {
+    const TClassDeclaration* const found = Find(wanted);
+    if (found == nullptr) return false;
+    if (AreRelated(*found, cimClass)) return true;
+    return std::any_of(found->fProperties.begin(), found->fProperties.end(),
+                       [&](const TPropertyDeclaration& property) {
+                         const auto* const target = Find(property.fReferencedClass);
+                         return target != nullptr && AreRelated(*target, cimClass);
+                       });
+  }
+
+ private:
+  const TClassDeclaration* Find(const std::string& name) const {
+    const auto found = fClasses.find(name);
+    return found == fClasses.end() ? nullptr : found->second;
+  }
+
+  /// Returns whether one is the other or derives from it.
+  bool AreRelated(const TClassDeclaration& one, const TClassDeclaration& other) const {
+    return IsA(one, other) || IsA(other, one);
+  }
+
+  bool IsA(const TClassDeclaration& derived, const TClassDeclaration& base) const {
+    const TClassDeclaration* each = &derived;
+    while (each != nullptr && each != &base) each = Find(each->fSuperclass);
+    return each != nullptr;
+  }
+
+  NModel::TNameMap<const TClassDeclaration*> fClasses;
+};
+
+/// Resolves names of instances to references.
+class TReferences {
+ public:
+  explicit TReferences(TNamespace ns) : fNamespace(std::move(ns)) {}
+
+  /// Returns a null value if there is no such instance.
+  TCIMValue Find(const TInstanceName& name) {
+    const auto& instances = InstancesOf(name.fClass);
+    const auto found = instances.find(name.fKey);
+    return found == instances.end() ? TCIMValue() : ReferenceTo(*found->second);
+  }
+
+ private:
+  using TInstancesByKey = std::unordered_map<std::string, boost::shared_ptr<ICIMInstance>>;
+
+  /// Reads the instances once, when the first reference asks for one of them.
+  const TInstancesByKey& InstancesOf(const std::string& className) {
+    const auto [place, isNew] = fInstances.try_emplace(className);
+    if (isNew) Read(className, place->second);
+    return place->second;
+  }
+
+  void Read(const std::string& className, TInstancesByKey& instances) const {
+    boost::shared_ptr<ICIMClass> cimClass;
+    try {
+      cimClass = fNamespace->GetClass(className, {});
+    } catch (const TQDXException&) {
+      return;  // not wanted, or an unknown class
+    }
+    const std::vector<std::string> keys = KeysOf(*cimClass);
+    for (auto& instance : NModel::InstancesOf(*cimClass)) {
+      std::string key = instance->GetProperty(keys.back(), {})->GetValue().ToString(10);
+      instances.emplace(std::move(key), std::move(instance));
+    }
+  }
+
+  static std::vector<std::string> KeysOf(const ICIMClass& cimClass) {
+    std::vector<std::string> keys;
+    for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
+      if (isKey) keys.push_back(decl->GetName());
+    }
+    return keys;
+  }
+
+  TCIMValue ReferenceTo(const ICIMInstance& instance) const {
+    const auto cimClass = instance.GetClass({});
+    TCIMReference reference(fNamespace, {});
+    reference.SetClass(cimClass);
+    for (const std::string& key : KeysOf(*cimClass)) {
+      reference.AddKeyValue(key, instance.GetProperty(key, {})->GetValue());
+    }
+    return TCIMValue(reference);
+  }
+
+  TNamespace fNamespace;
+  NModel::TNameMap<TInstancesByKey> fInstances;
+};
+
+/// The namespace that is being made.
+class TDescription {
+ public:
+  TDescription(const std::string& provider, const std::string& name)
+      : fProvider(provider), fNamespace(MakeRepositoryNamespace(name)), fReferences(fNamespace) {}
+
+  const TNamespace& GetNamespace() const { return fNamespace; }
+  TReferences& GetReferences() { return fReferences; }
+
+  void Miss(TMissingValue missing) {
+    LogMessage(
+        ILogger::kLogWarning,
+        {fProvider, ": ", missing.fClass, missing.fInstance.empty() ? "" : " ", missing.fInstance,
+         missing.fProperty.empty() ? "" : ".", missing.fProperty, ": ", missing.fReason});
+    std::string place = missing.fClass + '\n' + missing.fInstance + '\n' + missing.fProperty;
+    const auto [found, isNew] = fPlaces.emplace(std::move(place), fMissing.size());
+    isNew ? fMissing.push_back(std::move(missing)) : Append(fMissing[found->second], missing);
+  }
+
+  bool IsComplete() const { return fMissing.empty(); }
+  /// The last call.
+  TNamespace Finish() {
+    WriteMissingValues(*fNamespace, fMissing);
+    return fNamespace;
+  }
+
+ private:
+  /// A class that lacks several instances has one explanation, with the first reasons.
+  static void Append(TMissingValue& first, const TMissingValue& next) {
+    constexpr std::size_t kLongest = 500;
+    if (first.fReason.size() < kLongest && first.fReason.find(next.fReason) == std::string::npos) {
+      first.fReason += "; " + next.fReason;
+    }
+  }
+
+  const std::string fProvider;
+  const TNamespace fNamespace;
+  TReferences fReferences;
+  std::vector<TMissingValue> fMissing;
+  std::unordered_map<std::string, std::size_t> fPlaces;  // positions in fMissing
+};
+
+/// Adds the instances of one class.
+class TInstanceWriter final : public IInstanceSink {
+ public:
+  TInstanceWriter(TDescription& description, const TStep& step, std::size_t maxInstances)
+      : fDescription(description),
+        fClass(description.GetNamespace()->GetClass(step.fDeclaration->fName, {})),
+        fColumns(*step.fColumns),
+        fMaxInstances(maxInstances) {
+    const auto properties = NModel::PropertiesOf(*fClass);
+    for (const std::string& column : fColumns) {
+      const auto property =
+          std::find_if(properties.begin(), properties.end(),
+                       [&](const auto& each) { return each.fDecl->GetName() == column; });
+      fIsKey.push_back(property->fIsKey);
+      if (property->fIsKey) fLastKey = fIsKey.size() - 1;
+    }
+  }
+
+  bool Add(const std::vector<TCell>& cells, bool isOnly) override {
+    if (++fCount > fMaxInstances) {
+      Miss("more than " + std::to_string(fMaxInstances) + ": the others are left out");
+      return false;
+    }
+    const std::string key = isOnly || !fLastKey ? std::string() : KeyText(cells[*fLastKey]);
+    const auto instance = fClass->CreateInstance({});
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      if (!SetProperty(*instance, i, cells[i], key)) return true;
+    }
+    instance->Commit({});
+    return true;
+  }
+
+  void Miss(const std::string& reason) override {
+    fDescription.Miss({fClass->GetName({}), "", "", reason});
+  }
+
+ private:
+  static std::string KeyText(const TCell& key) {
+    return key.fValue.IsNull() ? key.fTarget.fKey : key.fValue.ToString(10);
+  }
+
+  /// Returns false, and records it, if the instance lacks a key.
+  bool SetProperty(ICIMInstance& instance, std::size_t column, const TCell& cell,
+                   const std::string& key) {
+    if (!cell.fTarget.fClass.empty()) return SetReference(instance, column, cell.fTarget, key);
+    if (!cell.fValue.IsNull()) {
+      instance.SetPropertyValue(fColumns[column], cell.fValue, {});
+    } else if (fIsKey[column]) {
+      instance.SetPropertyValue(fColumns[column], "", {});
+    }
+    // A property that is not set keeps the declared default: null of the declared type.
+    if (!cell.fReason.empty()) MissValue(column, key, cell.fReason);
+    return true;
+  }
+
+  bool SetReference(ICIMInstance& instance, std::size_t column, const TInstanceName& target,
+                    const std::string& key) {
+    const TCIMValue reference = fDescription.GetReferences().Find(target);
+    if (!reference.IsNull()) {
+      instance.SetPropertyValue(fColumns[column], reference, {});
+      return true;
+    }
+    const std::string reason = "there is no " + target.fClass + " " + target.fKey;
+    fIsKey[column] ? Miss(fColumns[column] + ": " + reason) : MissValue(column, key, reason);
+    return !fIsKey[column];
+  }
+
+  void MissValue(std::size_t column, const std::string& key, const std::string& reason) {
+    fDescription.Miss({fClass->GetName({}), key, fColumns[column], reason});
+  }
+
+  TDescription& fDescription;
+  const boost::shared_ptr<ICIMClass> fClass;
+  const std::vector<std::string>& fColumns;
+  const std::size_t fMaxInstances;
+  std::vector<bool> fIsKey;  // of each column
+  std::optional<std::size_t> fLastKey;
+  std::size_t fCount = 0;
+};
+
+/// Returns the steps of the wanted classes, and of those that they need.
+std::vector<TStep> WantedSteps(const std::vector<TStep>& all, const TOptionsMap& options) {
+  const auto wanted = NModel::ClassesOf(options);
+  if (!wanted) return all;
+  const TCatalogue catalogue(all);
+  std::vector<TStep> steps;
+  std::copy_if(all.begin(), all.end(), std::back_inserter(steps), [&](const TStep& step) {
+    return std::any_of(wanted->begin(), wanted->end(), [&](const std::string& name) {
+      return catalogue.Needs(name, *step.fDeclaration);
+    });
+  });
+  return steps;
+}
+
+bool IsAssociation(const TStep& step) { return step.fDeclaration->fIsAssociation; }
+
+}  // namespace
+
+TRequest TDescriber::MakeRequest(const std::string& ns, TOptionsMap options) const {
+  if (!NModel::EqualIgnoringCase(ns, fNamespaceName)) throw TQDXException(kQDXStatusNotFound);
+  std::string root = NModel::RootOf(options);
+  return {std::move(root), std::move(options)};
+}
+
+TNamespace TDescriber::Describe(const std::vector<TStep>& steps, const TOptionsMap& options,
+                                EExplains explains) const {
+  std::vector<TStep> wanted = WantedSteps(steps, options);
+  TDescription description(fProvider, fNamespaceName);
+  const TNamespace& ns = description.GetNamespace();
+  for (const TStep& step : wanted) DeclareClass(*ns, *step.fDeclaration);
+  // What associations refer to exists by then.
+  std::stable_partition(wanted.begin(), wanted.end(), std::not_fn(IsAssociation));
+  for (const TStep& step : wanted) {
+    TInstanceWriter writer(description, step, fMaxInstances);
+    if (step.fDescribe) step.fDescribe(*ns, writer);
+  }
+  return explains == EExplains::kIfMissing && description.IsComplete() ? ns : description.Finish();
+}
+
+}  // namespace NVORNQDX20::NDescribe

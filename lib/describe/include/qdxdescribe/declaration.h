@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Classes as plain data, and their declaration in a namespace with the qualifiers that they need.
+#ifndef QDXDESCRIBE_DECLARATION_H_
+#define QDXDESCRIBE_DECLARATION_H_
+
+#include <qdxcore/interfaces.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <boost/shared_ptr.hpp>
+
+namespace NVORNQDX20::NDescribe {
+
+/// Qualifier of this project: the value changes by itself while nobody changes the machine, so that
+/// two documents are not different because of it.
+inline constexpr const char* kVolatileQualifier = "VORNSG_Volatile";
+/// Qualifier of this project: what kind of secret the value is, as one of SecretName().
+inline constexpr const char* kSecretQualifier = "VORNSG_Secret";
+
+/// What gives away something about a machine or its users.
+enum class ESecret { kNone, kSerial, kHostName, kAddress, kUser, kCommandLine };
+
+/// Returns the value of kSecretQualifier, for example "serial"; empty for kNone.
+const char* SecretName(ESecret secret);
+
+/// How a number behaves over time (DMTF DSP0004, qualifiers Counter and Gauge).
+enum class EBehavior { kNone, kCounter, kGauge };
+
+/// The texts of an enumeration's numbers (DMTF DSP0004, qualifiers ValueMap and Values).
+using TEnumeration = std::vector<std::pair<long, const char*>>;
+
+struct TPropertyDeclaration {
+  TPropertyDeclaration(std::string name, const TCIMValue& initial)
+      : fName(std::move(name)), fDefault(initial) {}
+
+  std::string fName;
+  /// Its type is the property's type; null if there is no default.
+  TCIMValue fDefault;
+  std::string fDescription;
+  std::string fUnit;             ///< The unit of a number as a PUnit (DMTF DSP0004).
+  std::string fReferencedClass;  ///< The class of a reference.
+  TEnumeration fEnumeration;
+  ESecret fSecret = ESecret::kNone;
+  EBehavior fBehavior = EBehavior::kNone;
+  bool fIsKey = false;
+  bool fIsVolatile = false;
+};
+
+struct TClassDeclaration {
+  std::string fName;
+  std::string fDescription;
+  std::vector<TPropertyDeclaration> fProperties;  ///< Without inherited ones.
+  std::string fSuperclass = {};                   ///< Empty for a root class.
+  bool fIsAbstract = false;
+  bool fIsAssociation = false;
+};
+
+/// Declares and commits the class. A qualifier that the namespace does not have is declared, too.
+/// Superclass and referenced classes must be committed. Passes on what the namespace throws.
+boost::shared_ptr<ICIMClass> DeclareClass(ICIMNamespace& ns, const TClassDeclaration& declaration);
+
+/// Property names with values.
+using TValues = std::vector<std::pair<std::string, TCIMValue>>;
+
+/// Creates and commits an instance. Null values are left at the declared default.
+boost::shared_ptr<ICIMInstance> AddInstance(ICIMClass& cimClass, const TValues& values);
+
+/// Throws a TExplainedException with kQDXStatusInvalidClass and one sentence if the declarations
+/// contradict themselves or each other: no key, two properties of one name, a superclass or a
+/// referenced class that is not declared before, two classes of one name.
+void CheckDeclarations(const std::vector<const TClassDeclaration*>& declarations);
+
+}  // namespace NVORNQDX20::NDescribe
+
+#endif  // QDXDESCRIBE_DECLARATION_H_

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: Apache-2.0
+/// How a namespace explains its missing values: one instance of VORNSG_UnavailableValue for each.
+///
+/// A provider that uses tables need not call these.
+#ifndef QDXDESCRIBE_MISSING_VALUES_H_
+#define QDXDESCRIBE_MISSING_VALUES_H_
+
+#include <qdxcore/interfaces.h>
+
+#include <map>
+#include <string>
+#include <tuple>
+#include <vector>
+
+namespace NVORNQDX20::NDescribe {
+
+inline constexpr const char* kMissingValueClass = "VORNSG_UnavailableValue";
+
+struct TMissingValue {
+  std::string fClass;
+  std::string fInstance;  ///< The value of its last key; empty for the only instance of a class.
+  std::string fProperty;  ///< Empty if the class lacks instances.
+  std::string fReason;
+};
+
+/// Declares the class and adds an instance for each missing value.
+void WriteMissingValues(ICIMNamespace& ns, const std::vector<TMissingValue>& values);
+
+/// Reasons by class, instance and property, as in TMissingValue.
+using TMissingReasons = std::map<std::tuple<std::string, std::string, std::string>, std::string>;
+
+/// Returns the reasons that the namespace gives: none if it lacks the class, since not every
+/// provider explains its missing values. A reason that cannot be read is left out.
+TMissingReasons ReadMissingReasons(const ICIMNamespace& ns);
+
+}  // namespace NVORNQDX20::NDescribe
+
+#endif  // QDXDESCRIBE_MISSING_VALUES_H_

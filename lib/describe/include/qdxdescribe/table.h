@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: Apache-2.0
+/// A class as a table: one row a fact.
+///
+/// The declaration, the instances and the explanations of missing values are made from the table.
+///
+///   struct TFan {
+///     std::string fName;
+///     TReading<std::uint32_t> fSpeed;
+///   };
+///   std::vector<TFan> ReadFans(const TRequest& request);
+///
+///   TTable<TFan> Fans() {
+///     return {"Example_Fan", "A fan.", ReadFans,
+///             {{"Name", "The label of the fan.", &TFan::fName, kKey},
+///              {"Speed", "How fast it turns.", &TFan::fSpeed, TUnit{"revolution / minute"},
+///               kGauge, kVolatile}}};
+///   }
+///
+/// A row is read by a pointer to a member or by a function: of the source, of the host, or of both.
+/// What that returns decides the CIM type: T or TReading<T>, where T is bool, a number,
+/// std::string, TCIMDateTime, a std::vector of these, or TInstanceName for a reference. Mistakes in
+/// a row, such as a unit on a text, are compile-time errors; mistakes between rows and classes are
+/// reported when the provider registers.
+#ifndef QDXDESCRIBE_TABLE_H_
+#define QDXDESCRIBE_TABLE_H_
+
+#include <qdxdescribe/declaration.h>
+#include <qdxdescribe/reading.h>
+#include <qdxdescribe/row.h>
+
+#include <functional>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace NVORNQDX20::NDescribe {
+
+/// Instances that could be read, and why others could not. An empty list needs a reason; without
+/// one it says that the machine has none.
+template <typename TSource>
+struct TInstances {
+  TInstances(std::vector<TSource> all) : fAll(std::move(all)) {}
+  TInstances(TMissing missing) : fReason(std::move(missing.fReason)) {}
+  TInstances(const TReading<std::vector<TSource>>& all)
+      : fAll(all ? *all : std::vector<TSource>()), fReason(all.GetReason()) {}
+  TInstances(std::vector<TSource> all, std::string reason)
+      : fAll(std::move(all)), fReason(std::move(reason)) {}
+  /// The only instance of its class.
+  TInstances(TSource only) : fIsOnly(true) { fAll.push_back(std::move(only)); }
+  TInstances(const TReading<TSource>& only) : fReason(only.GetReason()), fIsOnly(true) {
+    if (only) fAll.push_back(*only);
+  }
+
+  std::vector<TSource> fAll;
+  std::string fReason;
+  bool fIsOnly = false;
+};
+
+/// Receives the instances of one class.
+class IInstanceSink {
+ public:
+  /// `cells` are in the order of the class's columns. Returns false once the class has as many
+  /// instances as are taken.
+  virtual bool Add(const std::vector<TCell>& cells, bool isOnly) = 0;
+  /// Records why instances are missing.
+  virtual void Miss(const std::string& reason) = 0;
+
+ protected:
+  ~IInstanceSink() = default;  // never deleted through this interface
+};
+
+/// A class without the type of its source, as a provider holds it.
+template <typename THost = TRequest>
+struct TClassOf {
+  TClassDeclaration fDeclaration;
+  /// The names of all properties, those of superclasses first.
+  std::vector<std::string> fColumns;
+  /// Makes the instances. The namespace has the instances of the classes before this one. Empty if
+  /// the class has no instances of its own.
+  std::function<void(const THost&, const ICIMNamespace&, IInstanceSink&)> fDescribe;
+};
+
+/// A class: its rows, and the function that reads the sources of its instances.
+template <typename TSource, typename THost = TRequest>
+class TTable {
+ public:
+  using TRows = std::vector<TRow<TSource, THost>>;
+
+  /// `list` is a function of the host, or of the host and of the namespace with the classes before
+  /// this one. It returns a TInstances, a std::vector, one TSource, or a TReading of the latter.
+  template <typename TLister>
+  TTable(const char* name, const char* description, TLister list, const TRows& rows)
+      : TTable(name, description, rows) {
+    fDeclaration.fIsAbstract = false;
+    fList = [list](const THost& host, const ICIMNamespace& ns) -> TInstances<TSource> {
+      if constexpr (std::is_invocable_v<const TLister&, const THost&, const ICIMNamespace&>) {
+        return list(host, ns);
+      } else {
+        return list(host);
+      }
+    };
+  }
+  /// An abstract class: without instances of its own.
+  TTable(const char* name, const char* description, const TRows& rows)
+      : fDeclaration{name, description, {}, {}, true} {
+    for (const TRow<TSource, THost>& row : rows) {
+      fDeclaration.fProperties.push_back(row.GetDeclaration());
+      fColumns.push_back({row.GetDeclaration().fName, row.GetReader()});
+    }
+  }
+
+  /// Makes this a subclass. The superclass's rows are read from the part of the source that is a
+  /// TBase.
+  template <typename TBase>
+  TTable DerivedFrom(const TTable<TBase, THost>& superclass) && {
+    static_assert(std::is_base_of_v<TBase, TSource>, "the source derives from the superclass's");
+    fDeclaration.fSuperclass = superclass.fDeclaration.fName;
+    std::vector<TColumn> columns;
+    for (const auto& [name, read] : superclass.fColumns) columns.push_back({name, read});
+    columns.insert(columns.end(), fColumns.begin(), fColumns.end());
+    fColumns.swap(columns);
+    return std::move(*this);
+  }
+
+  /// Makes this an association. Associations are described after all other classes.
+  TTable AsAssociation() && {
+    fDeclaration.fIsAssociation = true;
+    return std::move(*this);
+  }
+
+  operator TClassOf<THost>() const {
+    TClassOf<THost> erased{fDeclaration, {}, {}};
+    for (const TColumn& column : fColumns) erased.fColumns.push_back(column.fName);
+    if (fList) {
+      erased.fDescribe = [table = *this](const THost& host, const ICIMNamespace& ns,
+                                         IInstanceSink& sink) { table.Describe(host, ns, sink); };
+    }
+    return erased;
+  }
+
+ private:
+  template <typename TOtherSource, typename TOtherHost>
+  friend class TTable;
+
+  struct TColumn {
+    std::string fName;
+    typename TRow<TSource, THost>::TRead fRead;
+  };
+
+  void Describe(const THost& host, const ICIMNamespace& ns, IInstanceSink& sink) const {
+    const TInstances<TSource> instances = fList(host, ns);
+    if (!instances.fReason.empty()) sink.Miss(instances.fReason);
+    std::vector<TCell> cells;
+    for (const TSource& source : instances.fAll) {
+      cells.clear();
+      for (const TColumn& column : fColumns) {
+        cells.push_back(column.fRead(source, host, fDeclaration.fName));
+      }
+      if (!sink.Add(cells, instances.fIsOnly)) return;
+    }
+  }
+
+  TClassDeclaration fDeclaration;
+  std::vector<TColumn> fColumns;  // those of superclasses first
+  std::function<TInstances<TSource>(const THost&, const ICIMNamespace&)> fList;
+};
+
+}  // namespace NVORNQDX20::NDescribe
+
+#endif  // QDXDESCRIBE_TABLE_H_

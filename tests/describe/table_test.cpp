@@ -1,0 +1,233 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxdescribe/missing_values.h>
+#include <qdxdescribe/provider.h>
+#include <qdxmodel/classes.h>
+
+#include "support/expect_status.h"
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+using namespace NVORNQDX20;
+using namespace NDescribe;
+
+namespace {
+
+using TProvider = boost::shared_ptr<INamespaceProvider>;
+using TNumber = TReading<std::uint32_t>;
+
+struct TPort {
+  std::string fName;
+  TNumber fSpeed;
+  std::vector<std::string> fAddresses;
+};
+
+struct TFastPort : TPort {
+  std::string fPeer;
+};
+
+std::string HostName(const TRequest& request) { return request.PathOf("/etc"); }
+
+TTable<TPort> Ports() {
+  return {"T_Port",
+          "A port.",
+          {{"Host", "Whose.", HostName, kKey, ESecret::kHostName},
+           {"Class", "What.", kClassName, kKey},
+           {"Name", "Which.", &TPort::fName, kKey},
+           {"Speed", "How fast.", &TPort::fSpeed, TUnit{"bit / second"}, kGauge, kVolatile},
+           {"Addresses", "Where.", &TPort::fAddresses, ESecret::kAddress}}};
+}
+
+std::vector<TFastPort> ListPorts(const TRequest&) {
+  return {{{"a", 7U, {"x", "y"}}, "b"}, {{"b", Missing("no link"), {}}, "c"}};
+}
+
+TTable<TFastPort> FastPorts() {
+  return TTable<TFastPort>{
+      "T_FastPort",
+      "A fast port.",
+      ListPorts,
+      {{"Duplex", "How.", [](const TFastPort&) { return 2L; },
+        TEnumeration{{1, "Half"}, {2, "Full"}}},
+       {"Count", "How many.", [](const TFastPort& port) { return port.fPeer.size(); }, kCounter}}}
+      .DerivedFrom(Ports());
+}
+
+struct TLink {
+  TInstanceName fFrom, fTo;
+};
+
+/// The links of both ports, and two whose first end is missing.
+std::vector<TLink> ListLinks(const TRequest&, const ICIMNamespace& ns) {
+  std::vector<TLink> links = {{{"T_Port", "x"}, {}}, {{"T_Port", "y"}, {}}};
+  const auto ports = ns.GetClass("T_FastPort", {});
+  NModel::ForEachInstance(*ports, [&](const ICIMInstance& port) {
+    const std::string name = port.GetProperty("Name", {})->GetValue();
+    links.push_back({{"T_FastPort", name}, {"t_fastport", name == "a" ? "b" : "c"}});
+  });
+  return links;
+}
+
+TTable<TLink> Links() {
+  return TTable<TLink>{"T_Link",
+                       "A cable.",
+                       ListLinks,
+                       {{"From", "One end.", &TLink::fFrom, kKey, TRefersTo{"T_Port"}},
+                        {"To", "The other.", &TLink::fTo, TRefersTo{"T_Port"}}}}
+      .AsAssociation();
+}
+
+TTable<TOnly> Nothing(const TMissing& why) {
+  return {"T_Nothing",
+          "What is not there.",
+          [why](const TRequest&) -> TReading<TOnly> { return why; },
+          {{"Id", "Which.", Constant("1"), kKey}}};
+}
+
+TProvider Provider() {
+  return MakeProvider("test", "root/test",
+                      {Ports(), Links(), FastPorts(), Nothing(Missing("it was taken"))});
+}
+
+/// "name (key, PUnit=byte) = value; " for each property, in the order of the names.
+std::string TextOf(const ICIMClass& cimClass) {
+  std::ostringstream text;
+  for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
+    text << decl->GetName() << ' ' << decl->GetType().ToString() << '(';
+    decl->EnumerateQualifiers([&text](const boost::shared_ptr<ICIMQualifier>& qualifier) {
+      const std::string& name = qualifier->GetDecl()->GetName();
+      if (name != "Description") text << name << '=' << qualifier->GetValue().ToString(10) << ' ';
+      return true;
+    });
+    text << ") ";
+  }
+  return text.str();
+}
+
+std::string TextOf(const ICIMInstance& instance) {
+  std::ostringstream text;
+  for (const auto& [decl, isKey] : NModel::PropertiesOf(*instance.GetClass({}))) {
+    const auto property = instance.GetProperty(decl->GetName(), {});
+    const TCIMValue& value = property->GetValue();
+    text << decl->GetName() << '=' << (value.IsNull() ? "null" : value.ToString(10)) << ' ';
+  }
+  return text.str();
+}
+
+std::vector<std::string> InstancesOf(const ICIMNamespace& ns, const std::string& className) {
+  std::vector<std::string> texts;
+  for (const auto& each : NModel::InstancesOf(*ns.GetClass(className, {}))) {
+    texts.push_back(TextOf(*each));
+  }
+  return texts;
+}
+
+TEST(Tables, DeclareTheirClasses) {
+  const auto ns = Provider()->GetNamespace("ROOT/Test", {});
+  const auto ports = ns->GetClass("T_Port", {});
+  EXPECT_EQ(TextOf(*ports),
+            "Host string(Key=true VORNSG_Secret=host name ) Class string(Key=true ) "
+            "Name string(Key=true ) "
+            "Speed uint32(PUnit=bit / second Gauge=true VORNSG_Volatile=true ) "
+            "Addresses string(VORNSG_Secret=address ) ");
+}
+
+TEST(Tables, GiveInstancesWithReasonsForNulls) {
+  const auto ns = Provider()->GetNamespace("root/test", {{"root", "/image"}});
+  const std::vector<std::string> ports = {
+      "Host=/image/etc Class=T_FastPort Name=a Speed=7 Addresses={ x, y } Duplex=2 Count=1 ",
+      "Host=/image/etc Class=T_FastPort Name=b Speed=null Addresses={  } Duplex=2 Count=1 "};
+  EXPECT_EQ(InstancesOf(*ns, "T_FastPort"), ports);
+  const TMissingReasons reasons = {
+      {{"T_FastPort", "b", "Speed"}, "no link"},
+      {{"T_Link", "b", "To"}, "there is no t_fastport c"},
+      {{"T_Link", "", ""}, "From: there is no T_Port x; From: there is no T_Port y"},
+      {{"T_Nothing", "", ""}, "it was taken"}};
+  EXPECT_EQ(ReadMissingReasons(*ns), reasons);
+}
+
+TEST(Tables, ResolveReferencesByKeys) {
+  const auto ns = Provider()->GetNamespace("root/test", {});
+  const auto links = NModel::InstancesOf(*ns->GetClass("T_Link", {}));
+  ASSERT_EQ(links.size(), 2U);
+  const TCIMReference to = links[0]->GetProperty("To", {})->GetValue();
+  EXPECT_EQ(TextOf(*boost::dynamic_pointer_cast<ICIMInstance>(to.GetCIMElement())),
+            InstancesOf(*ns, "T_FastPort")[1]);
+}
+
+TEST(Tables, GiveOnlyTheWantedClassesAndThoseTheyNeed) {
+  const std::pair<const char*, std::string> rows[] = {
+      {"t_fastport", "T_FastPort T_Port VORNSG_UnavailableValue "},
+      {"T_Link", "T_FastPort T_Link T_Port VORNSG_UnavailableValue "},
+      {"T_None", "VORNSG_UnavailableValue "}};
+  for (const auto& [wanted, expected] : rows) {
+    const TCIMValue classes(TCIMValue::TCIMType::kCIMTypeString, 0, {TCIMValue(wanted)});
+    const auto ns = Provider()->GetNamespace("root/test", {{"classes", classes}});
+    std::string names;
+    for (const char* name :
+         {"T_FastPort", "T_Link", "T_Nothing", "T_Port", "VORNSG_UnavailableValue"}) {
+      try {
+        if (ns->GetClass(name, {})) names += std::string(name) + " ";
+      } catch (const TQDXException&) {
+      }
+    }
+    EXPECT_EQ(names, expected);
+  }
+}
+
+TEST(Tables, HaveNoMoreInstancesThanTheirLimit) {
+  const TRequest request{"/", {}};
+  const auto ns = Describe<TRequest>(TDescriber("test", "n", 1), {Ports(), FastPorts()}, request);
+  EXPECT_EQ(InstancesOf(*ns, "T_FastPort").size(), 1U);
+  const TMissingReasons reasons = {
+      {{"T_FastPort", "", ""}, "more than 1: the others are left out"}};
+  EXPECT_EQ(ReadMissingReasons(*ns), reasons);
+}
+
+TTable<TOnly> Table(const char* name, const TTable<TOnly>::TRows& rows) {
+  return {name, "", kOnly, rows};
+}
+
+TEST(Tables, AreRefusedWhereTheyContradictThemselves) {
+  const TRow<TOnly> key{"Id", "", Constant("1"), kKey};
+  const TRow<TOnly> other{"id", "", Constant("2")};
+  const TRow<TOnly> lost{"To", "", [](const TOnly&) { return TInstanceName(); }, TRefersTo{"T_X"}};
+  const std::pair<std::vector<TClassOf<TRequest>>, std::string> rows[] = {
+      {{Table("T_A", {other})}, "class T_A: has no key"},
+      {{Table("T_A", {key, other})}, "class T_A: has two properties id"},
+      {{Table("T_A", {key}), Table("t_a", {key})}, "class t_a: is declared twice"},
+      {{Table("T_A", {key, lost})},
+       "class T_A: the referenced class T_X is not declared before it"},
+      {{FastPorts(), Ports()},
+       "class T_FastPort: its superclass T_Port is not declared before it"}};
+  for (const auto& [classes, reason] : rows) {
+    try {
+      MakeProvider("test", "root/test", classes);
+      ADD_FAILURE() << reason;
+    } catch (const TExplainedException& refusal) {
+      EXPECT_EQ(refusal.GetReason(), reason);
+    }
+  }
+  EXPECT_NO_THROW(MakeProvider("test", "root/test", {Ports(), Table("T_A", {key})}));
+}
+
+TEST(Readings, HandOnTheirReasons) {
+  const TNumber seven = 7U;
+  const TNumber none = Missing("no number");
+  const auto half = [](std::uint32_t number) -> TReading<std::string> {
+    if (number % 2 != 0) return Missing("odd");
+    return std::to_string(number / 2);
+  };
+  const auto twice = [](std::uint32_t number) { return number * 2; };
+  EXPECT_EQ(*seven.map(twice).and_then(half), "7");
+  EXPECT_EQ(seven.and_then(half).GetReason(), "odd");
+  EXPECT_EQ(none.map(twice).and_then(half).GetReason(), "no number");
+  EXPECT_EQ(none.ValueOr(3), 3U);
+  EXPECT_FALSE(TNumber());
+  EXPECT_EQ(TNumber().GetReason(), "was not read");
+}
+
+}  // namespace
