@@ -74,7 +74,7 @@ void CheckOSRelease(const std::string& text) {
 }
 
 void CheckFields(const std::string& text) {
-  const TFields fields("source", text, ':');
+  const TFields fields("source", std::string_view(text), ':');
   std::string written;
   std::map<std::string, std::string> values;
   for (std::string_view rest = text; !rest.empty();) {
@@ -82,14 +82,14 @@ void CheckFields(const std::string& text) {
     const std::size_t colon = line.find(':');
     if (colon == std::string_view::npos) continue;
     const std::string name = PrintableText(line.substr(0, colon));
-    const TReading value = fields.Get(name);
-    Require(static_cast<bool>(value) == value.fReason.empty());
-    const bool isFirst = values.emplace(name, value.fValue.value_or("")).second;
-    if (isFirst) Require(PrintableText(line.substr(colon + 1)) == value.fValue.value_or(""));
-    written += "\t" + name + " : " + value.fValue.value_or("") + "\n";
+    const TText value = fields.Get(name);
+    Require(static_cast<bool>(value) == value.GetReason().empty());
+    const bool isFirst = values.emplace(name, value.ValueOr("")).second;
+    if (isFirst) Require(PrintableText(line.substr(colon + 1)) == value.ValueOr(""));
+    written += "\t" + name + " : " + value.ValueOr("") + "\n";
   }
-  const TFields again("source", written, ':');
-  for (const auto& [name, value] : values) Require(again.Get(name).fValue.value_or("") == value);
+  const TFields again("source", std::string_view(written), ':');
+  for (const auto& [name, value] : values) Require(again.Get(name).ValueOr("") == value);
 }
 
 void CheckNumber(const std::string& text) {
@@ -100,9 +100,9 @@ void CheckNumber(const std::string& text) {
   if (!number) return;
   Require(!isDecimal || *number == std::stoull(text));
   Require(ParseNumber(std::to_string(*number)) == number);
-  const TNumber scaled = Scaled(TNumber::Of(*number), 1024, 3);
+  const TNumber scaled = Scaled(TNumber(*number), 1024, 3);
   const auto product = static_cast<unsigned __int128>(*number) * 1024;
-  Require(scaled ? *scaled.fValue == product / 3 : product >> 64U != 0);
+  Require(scaled ? *scaled == product / 3 : product >> 64U != 0);
 }
 
 void CheckText(const std::string& text) {

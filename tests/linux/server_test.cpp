@@ -172,16 +172,15 @@ TEST_F(LinuxServer, HasNullsForWhatItsFilesDoNotTell) {
   }
 }
 
-TEST_F(LinuxServer, MayHaveManyProcessorsAndNotTooManyFileSystems) {
+TEST_F(LinuxServer, MayHaveManyProcessorsAndFileSystems) {
   std::string processors, mounts;
   for (int i = 0; i < 1024; ++i) processors += Processor(i, i / 512);
-  for (int i = 0; i < 5000; ++i) mounts += "x /" + std::to_string(i) + " ext4 rw 0 0\n";
+  for (int i = 0; i < 10000; ++i) mounts += "x /" + std::to_string(i) + " ext4 rw 0 0\n";
   fMachine.Write("proc/cpuinfo", processors);
   fMachine.Write("proc/mounts", mounts);
   TTexts values = Values();
   EXPECT_EQ(values["CPU1NumberOfLogicalProcessors"], "512");
-  EXPECT_EQ(InstancesOf(*fMachine.Namespace(), "VORNSG_FileSystem").size(), 4096U);
-  EXPECT_EQ(values[""], "more than 4096: the others are left out");
+  EXPECT_EQ(InstancesOf(*fMachine.Namespace(), "VORNSG_FileSystem").size(), 10000U);
 }
 
 const char* const kMounts = R"(

@@ -4,30 +4,22 @@
 #ifndef PLUGINS_LINUX_CLASSES_CATALOGUE_H_
 #define PLUGINS_LINUX_CLASSES_CATALOGUE_H_
 
-#include <optional>
-#include <string>
+#include <qdxdescribe/table.h>
+
 #include <vector>
 
 #include "machine/host.h"
-#include "namespace_builder.h"
 
 namespace NVORNQDX20 {
 
-/// Adds the host's instances of a class. A missing value is recorded with its reason; it is not a
-/// failure.
-using TAddInstances = void(TNamespaceBuilder& builder, const THost& host, ICIMClass& cimClass);
+using namespace NDescribe;
 
-struct TClassDescription {
-  TClassSpec fDeclaration;
-  TAddInstances* fAddInstances = nullptr;  ///< Null if the class has none, or others add them.
-};
+using TClass = TClassOf<THost>;
+template <typename TSource>
+using THostTable = TTable<TSource, THost>;
 
-/// Declares the classes and adds their instances.
-///
-/// With `wanted`, only these classes (names without regard to case) with their superclasses, their
-/// subclasses, and the classes that they refer to.
-void DescribeMachine(TNamespaceBuilder& builder, const THost& host,
-                     const std::optional<std::vector<std::string>>& wanted);
+/// Returns the classes in the order in which they are described.
+std::vector<TClass> AllClasses();
 
 }  // namespace NVORNQDX20
 

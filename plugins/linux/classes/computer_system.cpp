@@ -11,8 +11,6 @@
 namespace NVORNQDX20 {
 namespace {
 
-using TType = TCIMValue::TCIMType;
-
 bool IsTypeAndModel(const std::string& text) {
   return text.size() == 7 && TCIMSchemaHelper::IsValidMTM(text);
 }
@@ -23,39 +21,35 @@ bool IsMaker(const std::string& vendor) {
 
 /// The maker's machines have type and model in the product name, or separately as the SKU. Other
 /// makers' SKUs mean something else, so they are not used.
-TReading ReadProductName(const THost& host) {
-  TReading name = host.ReadDMIString("product_name");
-  if (!name || IsTypeAndModel(*name.fValue) || name.fValue->find("-[") != std::string::npos) {
-    return name;
-  }
-  const TReading vendor = host.ReadDMIString("sys_vendor");
-  const TReading sku = host.ReadDMIString("product_sku");
-  if (vendor && sku && IsMaker(*vendor.fValue) && IsTypeAndModel(*sku.fValue)) {
-    *name.fValue += " -[" + *sku.fValue + "]-";
-  }
-  return name;
+TText ReadProductName(const THost& host) {
+  const TText name = host.ReadDMIString("product_name");
+  if (!name || IsTypeAndModel(*name) || name->find("-[") != std::string::npos) return name;
+  const TText vendor = host.ReadDMIString("sys_vendor");
+  const TText sku = host.ReadDMIString("product_sku");
+  if (!vendor || !sku || !IsMaker(*vendor) || !IsTypeAndModel(*sku)) return name;
+  return *name + " -[" + *sku + "]-";
 }
 
-void AddComputerSystem(TNamespaceBuilder& builder, const THost& host, ICIMClass& system) {
-  builder.AddInstance(system, {{"CreationClassName", TCIMSchemaHelper::kSystemCreationClassName},
-                               TPropertyValue::Key("Name", host.fName),
-                               {"Manufacturer", host.ReadDMIString("sys_vendor")},
-                               {"ProductName", ReadProductName(host)},
-                               {"SerialNumber", host.ReadDMIString("product_serial")}});
+auto DMIString(const char* name) {
+  return [name](const THost& host) { return host.ReadDMIString(name); };
 }
 
 }  // namespace
 
-TClassDescription ComputerSystemClass() {
-  return {{TCIMSchemaHelper::kSystemCreationClassName.c_str(),
-           "The machine itself.",
-           {{"CreationClassName", TType::kCIMTypeString, true, "The name of this class."},
-            {"Name", TType::kCIMTypeString, true, "The host name; empty if the host has none."},
-            {"Manufacturer", TType::kCIMTypeString, false, "The maker, as the firmware names it."},
-            {"ProductName", TType::kCIMTypeString, false,
-             "The product name; on the maker's machines it carries type and model as -[TTTTMMM]-."},
-            {"SerialNumber", TType::kCIMTypeString, false, "The serial number of the machine."}}},
-          AddComputerSystem};
+TClass ComputerSystemClass() {
+  return THostTable<TOnly>{
+      TCIMSchemaHelper::kSystemCreationClassName.c_str(),
+      "The machine itself.",
+      kOnly,
+      {{"CreationClassName", "The name of this class.", kClassName, kKey},
+       {"Name", "The host name; empty if the host has none.", &THost::fName, kKey,
+        ESecret::kHostName},
+       {"Manufacturer", "The maker, as the firmware names it.", DMIString("sys_vendor")},
+       {"ProductName",
+        "The product name; on the maker's machines it carries type and model as -[TTTTMMM]-.",
+        ReadProductName},
+       {"SerialNumber", "The serial number of the machine.", DMIString("product_serial"),
+        ESecret::kSerial}}};
 }
 
 }  // namespace NVORNQDX20

@@ -4,77 +4,75 @@
 
 #include "catalogue.h"
 #include "machine/mount_table.h"
-#include "machine/numbers.h"
 #include "machine/text.h"
 
 namespace NVORNQDX20 {
 namespace {
 
-using TType = TCIMValue::TCIMType;
+struct TFileSystem {
+  std::string fName;
+  TMount fMount;
+  TReading<TSpace> fSpace;
+};
 
-const char* const kClassName = "VORNSG_FileSystem";
-
-TReading ReadTable(const THostFiles& files) {
+TText ReadTable(const THostFiles& files) {
   if (files.IsThisMachine()) return files.Read("/proc/self/mounts", THostFiles::kMaxTableSize);
   // Below another root: the recorded mounts, else those that fstab configures.
-  TReading mounts = files.Read("/proc/mounts", THostFiles::kMaxTableSize);
+  TText mounts = files.Read("/proc/mounts", THostFiles::kMaxTableSize);
   return mounts ? mounts : files.Read("/etc/fstab");
 }
 
-TReadingOf<TSpace> ReadSpace(const THostFiles& files, const TMount& mount) {
-  if (!mount.fCanBeAsked) return TReadingOf<TSpace>::Missing("not asked: may hang");
-  return files.ReadSpace(mount.fPath);
+TReading<std::vector<TFileSystem>> ListFileSystems(const THost& host) {
+  return ReadTable(host.fFiles).map([&host](const std::string& table) {
+    std::vector<TFileSystem> all;
+    for (const auto& [name, mount] : ParseMounts(table)) {
+      TReading<TSpace> space = Missing("not asked: may hang");
+      if (mount.fCanBeAsked) space = host.fFiles.ReadSpace(mount.fPath);
+      all.push_back({name, mount, space});
+    }
+    return all;
+  });
 }
 
-TNumber Of(const TReadingOf<TSpace>& space, std::uint64_t TSpace::*field) {
-  return space ? TNumber::Of((*space.fValue).*field) : TNumber::Missing(space.fReason);
+auto Space(std::uint64_t TSpace::*field) {
+  return [field](const TFileSystem& each) { return each.fSpace.map(std::mem_fn(field)); };
 }
 
 /// Some file systems allocate inodes on demand and report 0.
-TNumber InodesOf(const TReadingOf<TSpace>& space, std::uint64_t TSpace::*field) {
-  const bool unlimited = space && space.fValue->fInodes == 0;
-  return unlimited ? TNumber::Missing("has no fixed number of inodes") : Of(space, field);
-}
-
-void AddFileSystems(TNamespaceBuilder& builder, const THost& host, ICIMClass& fileSystem) {
-  const TReading table = ReadTable(host.fFiles);
-  if (!table) builder.NoteMissingInstances(fileSystem, table.fReason);
-  for (const auto& [name, mount] : ParseMounts(table.fValue.value_or(std::string()))) {
-    const TReadingOf<TSpace> space = ReadSpace(host.fFiles, mount);
-    builder.AddInstance(fileSystem,
-                        {{"CSCreationClassName", TCIMSchemaHelper::kSystemCreationClassName},
-                         {"CSName", host.fName.fValue.value_or(std::string())},
-                         {"CreationClassName", kClassName},
-                         {"Name", name},
-                         {"Device", PrintableText(mount.fDevice)},
-                         {"FileSystemType", PrintableText(mount.fType)},
-                         {"ReadOnly", mount.fReadOnly},
-                         {"FileSystemSize", Of(space, &TSpace::fSize)},
-                         {"AvailableSpace", Of(space, &TSpace::fAvailable)},
-                         {"TotalInodes", InodesOf(space, &TSpace::fInodes)},
-                         {"FreeInodes", InodesOf(space, &TSpace::fFreeInodes)}},
-                        name);
-  }
+auto Inodes(std::uint64_t TSpace::*field) {
+  return [field](const TFileSystem& each) {
+    return each.fSpace.and_then([field](const TSpace& space) -> TReading<std::uint64_t> {
+      if (space.fInodes == 0) return Missing("has no fixed number of inodes");
+      return space.*field;
+    });
+  };
 }
 
 }  // namespace
 
-TClassDescription FileSystemClass() {
-  const auto number = TType::kCIMTypeUint64;
-  return {{kClassName,
-           "A file system that is mounted, or that an image mounts when it runs.",
-           {{"CSCreationClassName", TType::kCIMTypeString, true, "The class of the machine."},
-            {"CSName", TType::kCIMTypeString, true, "The name of the machine."},
-            {"CreationClassName", TType::kCIMTypeString, true, "The name of this class."},
-            {"Name", TType::kCIMTypeString, true, "Where it is mounted."},
-            {"Device", TType::kCIMTypeString, false, "What is mounted."},
-            {"FileSystemType", TType::kCIMTypeString, false, "Its type, as in \"ext4\"."},
-            {"ReadOnly", TType::kCIMTypeBoolean, false, "Whether it refuses to be written."},
-            {"FileSystemSize", number, false, "Its size.", "byte"},
-            {"AvailableSpace", number, false, "The space left for users.", "byte"},
-            {"TotalInodes", number, false, "The number of files that it can hold."},
-            {"FreeInodes", number, false, "The number of files that it can still take."}}},
-          AddFileSystems};
+TClass FileSystemClass() {
+  return THostTable<TFileSystem>{
+      "VORNSG_FileSystem",
+      "A file system that is mounted, or that an image mounts when it runs.",
+      ListFileSystems,
+      {{"CSCreationClassName", "The class of the machine.",
+        Constant(TCIMSchemaHelper::kSystemCreationClassName), kKey},
+       {"CSName", "The name of the machine.",
+        [](const THost& host) { return host.fName.ValueOr(""); }, kKey, ESecret::kHostName},
+       {"CreationClassName", "The name of this class.", kClassName, kKey},
+       {"Name", "Where it is mounted.", &TFileSystem::fName, kKey},
+       {"Device", "What is mounted.",
+        [](const TFileSystem& each) { return PrintableText(each.fMount.fDevice); }},
+       {"FileSystemType", "Its type, as in \"ext4\".",
+        [](const TFileSystem& each) { return PrintableText(each.fMount.fType); }},
+       {"ReadOnly", "Whether it refuses to be written.",
+        [](const TFileSystem& each) { return each.fMount.fReadOnly; }},
+       {"FileSystemSize", "Its size.", Space(&TSpace::fSize), TUnit{"byte"}},
+       {"AvailableSpace", "The space left for users.", Space(&TSpace::fAvailable), TUnit{"byte"},
+        kGauge, kVolatile},
+       {"TotalInodes", "The number of files that it can hold.", Inodes(&TSpace::fInodes)},
+       {"FreeInodes", "The number of files that it can still take.", Inodes(&TSpace::fFreeInodes),
+        kGauge, kVolatile}}};
 }
 
 }  // namespace NVORNQDX20

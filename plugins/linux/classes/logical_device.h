@@ -3,26 +3,50 @@
 #ifndef PLUGINS_LINUX_CLASSES_LOGICAL_DEVICE_H_
 #define PLUGINS_LINUX_CLASSES_LOGICAL_DEVICE_H_
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "catalogue.h"
+#include "machine/numbers.h"
 
 namespace NVORNQDX20 {
 
-/// Returns the TClassSpec of a class of devices; the superclass has the keys and the name.
-TClassSpec DeviceClass(const char* name, const char* description,
-                       std::vector<TPropertySpec> properties);
+struct TDevice {
+  std::string fID;
+  TText fName;
+};
 
-/// Adds a device, and its association with the machine if that class is wanted. Adds the keys to
-/// the values.
-void AddDevice(TNamespaceBuilder& builder, const THost& host, ICIMClass& deviceClass,
-               const std::string& deviceID, const std::vector<TPropertyValue>& values);
+/// A device with a folder of files in sysfs.
+struct TSysfsDevice : TDevice {
+  TText ReadLine(const std::string& file) const { return fFiles->ReadLine(fFolder + file); }
+  TNumber ReadNumber(const std::string& file) const {
+    return NVORNQDX20::ReadNumber(*fFiles, fFolder + file);
+  }
+  TReading<bool> ReadFlag(const std::string& file) const {
+    return NVORNQDX20::ReadFlag(*fFiles, fFolder + file);
+  }
 
-/// Returns the devices in a sysfs folder. A missing folder is recorded as the reason why the class
-/// has no instances.
-std::vector<std::string> ListDevices(TNamespaceBuilder& builder, const THostFiles& files,
-                                     const ICIMClass& deviceClass, const std::string& folder);
+  const THostFiles* fFiles;
+  std::string fFolder;  ///< Ends with a slash.
+};
+
+// Readers of rows, by the name of the file.
+inline auto Line(const char* file) {
+  return [file](const TSysfsDevice& device) { return device.ReadLine(file); };
+}
+inline auto Number(const char* file) {
+  return [file](const TSysfsDevice& device) { return device.ReadNumber(file); };
+}
+inline auto Flag(const char* file) {
+  return [file](const TSysfsDevice& device) { return device.ReadFlag(file); };
+}
+
+/// The superclass, which has the keys and the name.
+THostTable<TDevice> LogicalDeviceTable();
+
+/// Returns the devices of a folder in sysfs, by name; the files' names are both ID and name.
+TInstances<TSysfsDevice> ListDevices(const THost& host, const std::string& folder);
 
 }  // namespace NVORNQDX20
 

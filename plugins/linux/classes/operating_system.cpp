@@ -7,7 +7,6 @@
 #include <array>
 #include <charconv>
 #include <ctime>
-#include <iterator>
 
 #include "catalogue.h"
 #include "machine/fields.h"
@@ -17,82 +16,32 @@
 namespace NVORNQDX20 {
 namespace {
 
-using TType = TCIMValue::TCIMType;
-using TAverages = std::array<TReadingOf<float>, 3>;
+using TAverages = std::array<TReading<float>, 3>;
 
 /// LINUX in the value map of CIM_OperatingSystem.OSType.
 constexpr std::uint16_t kLinux = 36;
 
+/// The files that several rows need.
+struct TSystem {
+  std::map<std::string, std::string> fRelease;
+  TFields fMemory;
+  TAverages fLoadAverages;
+};
+
 std::map<std::string, std::string> ReadOSRelease(const THostFiles& files) {
   for (const char* path : {"/etc/os-release", "/usr/lib/os-release"}) {
-    const TReading file = files.Read(path);
-    if (file) return ParseOSRelease(*file.fValue);
+    if (const TText file = files.Read(path)) return ParseOSRelease(*file);
   }
   return {};
-}
-
-/// The distribution's name for itself, else the kernel's.
-TReading Choose(const std::map<std::string, std::string>& release, const char* variable,
-                const TReading& ofKernel) {
-  const auto found = release.find(variable);
-  if (found != release.end() && !found->second.empty()) return TReading::Of(found->second);
-  if (ofKernel) return ofKernel;
-  return TReading::Missing(std::string("no ") + variable + " in os-release, and " +
-                           ofKernel.fReason);
-}
-
-/// Decided by the kernel's name alone: distributions with other kernels have the same os-release.
-TPropertyValue OSType(const TReading& kernelName) {
-  if (!kernelName) return {"OSType", kernelName};
-  if (*kernelName.fValue == "Linux") return {"OSType", TCIMValue(kLinux)};
-  return {"OSType", TReading::Missing("the kernel is '" + *kernelName.fValue + "', not Linux")};
-}
-
-/// The latest date of a CIM datetime: the end of the year 9999.
-constexpr std::uint64_t kLastSecond = 253'402'300'799;
-
-TReadingOf<TCIMDateTime> ToDateTime(std::uint64_t secondsSince1970) {
-  const auto seconds = static_cast<std::time_t>(std::min(secondsSince1970, kLastSecond));
-  std::tm utc{};
-  if (secondsSince1970 <= kLastSecond && ::gmtime_r(&seconds, &utc) != nullptr) {
-    try {
-      return TReadingOf<TCIMDateTime>::Of(
-          {static_cast<std::uint16_t>(utc.tm_year + 1900),
-           static_cast<std::uint16_t>(utc.tm_mon + 1), static_cast<std::uint32_t>(utc.tm_mday),
-           static_cast<std::uint16_t>(utc.tm_hour), static_cast<std::uint16_t>(utc.tm_min),
-           static_cast<std::uint16_t>(utc.tm_sec), 0, 0});
-    } catch (const TQDXException&) {
-      // The local time zone may skip that moment; the reason below fits that case, too.
-    }
-  }
-  return TReadingOf<TCIMDateTime>::Missing("/proc/stat: btime is no valid date");
-}
-
-TReadingOf<TCIMDateTime> ReadLastBootUpTime(const THostFiles& files) {
-  const std::string path = "/proc/stat";
-  const TFields fields(path, files.Read(path, THostFiles::kMaxTableSize), ' ');
-  const TNumber time = fields.GetNumber("btime");
-  return time ? ToDateTime(*time.fValue) : TReadingOf<TCIMDateTime>::Missing(time.fReason);
-}
-
-/// Counts the folders in /proc whose names are numbers. The image of a disk has none.
-TReadingOf<std::uint32_t> CountProcesses(const THostFiles& files) {
-  const std::vector<std::string> names = files.List("/proc");
-  const auto count = std::count_if(names.begin(), names.end(), [](const std::string& name) {
-    return ParseNumber(name).has_value();
-  });
-  if (count == 0) return TReadingOf<std::uint32_t>::Missing("/proc: shows no processes");
-  return TReadingOf<std::uint32_t>::Of(static_cast<std::uint32_t>(count));
 }
 
 /// Parses the first three numbers of "3.30 3.10 2.65 7/149 28102".
 TAverages ReadLoadAverages(const THostFiles& files) {
   const std::string path = "/proc/loadavg";
+  const TText line = files.ReadLine(path);
   TAverages averages;
-  const TReading line = files.ReadLine(path);
-  averages.fill(
-      TReadingOf<float>::Missing(line ? path + ": not three numbers in a row" : line.fReason));
-  const std::string text = line.fValue.value_or(std::string());
+  averages.fill(Missing(line ? path + ": not three numbers in a row" : line.GetReason()));
+  const std::string text = line.ValueOr("");
   const char* position = text.data();
   const char* const end = position + text.size();
   for (auto& average : averages) {
@@ -100,93 +49,131 @@ TAverages ReadLoadAverages(const THostFiles& files) {
     const auto [stop, error] = std::from_chars(position, end, value, std::chars_format::fixed);
     const bool delimited = stop == end || *stop == ' ';
     if (error != std::errc() || !delimited || !(value >= 0 && value < 1e9F)) break;
-    average = TReadingOf<float>::Of(value);
+    average = value;
     position = stop != end ? stop + 1 : end;
   }
   return averages;
 }
 
-/// An empty line in the file means that no processor is offline.
-TReading ReadOfflineProcessors(const THostFiles& files) {
-  const std::string path = "/sys/devices/system/cpu/offline";
-  TReading list = files.Read(path);
-  if (list) list.fValue->erase(std::min(list.fValue->find('\n'), list.fValue->size()));
-  return list;
-}
-
-/// The state of the running system: memory, processes, load.
-std::vector<TPropertySpec> SystemLoadProperties() {
-  const char* const kilobytes = "byte * 2^10";
-  const auto memory = TType::kCIMTypeUint64;
-  const auto load = TType::kCIMTypeReal32;
-  return {
-      {"TotalVisibleMemorySize", memory, false, "The memory that the kernel has.", kilobytes},
-      {"FreePhysicalMemory", memory, false, "The memory that nothing uses.", kilobytes},
-      {"AvailablePhysicalMemory", memory, false,
-       "The memory that programs can get without swapping: caches give way.", kilobytes},
-      {"SizeStoredInPagingFiles", memory, false, "The swap space; 0 if there is none.", kilobytes},
-      {"FreeSpaceInPagingFiles", memory, false, "The swap space that is not in use.", kilobytes},
-      {"NumberOfProcesses", TType::kCIMTypeUint32, false, "The processes that are there just now."},
-      {"LastBootUpTime", TType::kCIMTypeDateTime, false, "When the system was started."},
-      {"LoadAverage1", load, false, "The processes that run or wait, over one minute."},
-      {"LoadAverage5", load, false, "The same over five minutes."},
-      {"LoadAverage15", load, false, "The same over fifteen minutes."},
-      {"OfflineProcessors", TType::kCIMTypeString, false,
-       "The numbers of the logical processors that are switched off; empty if none is."},
-      {"KernelTaint", TType::kCIMTypeUint64, false,
-       "What may make the kernel unreliable, bit by bit; 0 if nothing has."}};
-}
-
-std::vector<TPropertyValue> ReadSystemLoad(const THostFiles& files) {
+TSystem ReadSystem(const THost& host) {
   const std::string path = "/proc/meminfo";
-  const TFields memory(path, files.Read(path), ':');
-  const TAverages averages = ReadLoadAverages(files);
-  return {{"TotalVisibleMemorySize", memory.GetNumber("MemTotal", " kB")},
-          {"FreePhysicalMemory", memory.GetNumber("MemFree", " kB")},
-          {"AvailablePhysicalMemory", memory.GetNumber("MemAvailable", " kB")},
-          {"SizeStoredInPagingFiles", memory.GetNumber("SwapTotal", " kB")},
-          {"FreeSpaceInPagingFiles", memory.GetNumber("SwapFree", " kB")},
-          {"NumberOfProcesses", CountProcesses(files)},
-          {"LastBootUpTime", ReadLastBootUpTime(files)},
-          {"LoadAverage1", averages[0]},
-          {"LoadAverage5", averages[1]},
-          {"LoadAverage15", averages[2]},
-          {"OfflineProcessors", ReadOfflineProcessors(files)},
-          {"KernelTaint", ReadNumber(files, "/proc/sys/kernel/tainted")}};
+  return {ReadOSRelease(host.fFiles), TFields(path, host.fFiles.Read(path), ':'),
+          ReadLoadAverages(host.fFiles)};
 }
 
-void AddOperatingSystem(TNamespaceBuilder& builder, const THost& host, ICIMClass& system) {
-  const auto release = ReadOSRelease(host.fFiles);
-  std::vector<TPropertyValue> values = {
-      {"CSCreationClassName", TCIMSchemaHelper::kSystemCreationClassName},
-      TPropertyValue::Key("CSName", host.fName),
-      {"CreationClassName", TCIMSchemaHelper::kOperatingSystemCreationClassName},
-      TPropertyValue::Key("Name", Choose(release, "NAME", host.fKernelName)),
-      {"Version", Choose(release, "VERSION_ID", host.fKernelRelease)},
-      {"KernelRelease", host.fKernelRelease},
-      OSType(host.fKernelName)};
-  const std::vector<TPropertyValue> load = ReadSystemLoad(host.fFiles);
-  std::copy(load.begin(), load.end(), std::back_inserter(values));
-  builder.AddInstance(system, values);
+/// Reads the distribution's name for itself, else the kernel's.
+auto Release(const char* variable, TText THost::*ofKernel) {
+  return [=](const TSystem& system, const THost& host) -> TText {
+    const auto found = system.fRelease.find(variable);
+    if (found != system.fRelease.end() && !found->second.empty()) return found->second;
+    const TText& kernel = host.*ofKernel;
+    if (kernel) return kernel;
+    return Missing(std::string("no ") + variable + " in os-release, and " + kernel.GetReason());
+  };
+}
+
+/// Decided by the kernel's name alone: distributions with other kernels have the same os-release.
+TReading<std::uint16_t> OSType(const THost& host) {
+  return host.fKernelName.and_then([](const std::string& name) -> TReading<std::uint16_t> {
+    if (name == "Linux") return kLinux;
+    return Missing("the kernel is '" + name + "', not Linux");
+  });
+}
+
+auto Memory(const char* field) {
+  return [field](const TSystem& system) { return system.fMemory.GetNumber(field, " kB"); };
+}
+
+auto LoadAverage(std::size_t index) {
+  return [index](const TSystem& system) { return system.fLoadAverages[index]; };
+}
+
+/// The latest date of a CIM datetime: the end of the year 9999.
+constexpr std::uint64_t kLastSecond = 253'402'300'799;
+
+TReading<TCIMDateTime> ToDateTime(std::uint64_t secondsSince1970) {
+  const auto seconds = static_cast<std::time_t>(std::min(secondsSince1970, kLastSecond));
+  std::tm utc{};
+  if (secondsSince1970 <= kLastSecond && ::gmtime_r(&seconds, &utc) != nullptr) {
+    try {
+      return TCIMDateTime(
+          static_cast<std::uint16_t>(utc.tm_year + 1900),
+          static_cast<std::uint16_t>(utc.tm_mon + 1), static_cast<std::uint32_t>(utc.tm_mday),
+          static_cast<std::uint16_t>(utc.tm_hour), static_cast<std::uint16_t>(utc.tm_min),
+          static_cast<std::uint16_t>(utc.tm_sec), 0, 0);
+    } catch (const TQDXException&) {
+      // The local time zone may skip that moment; the reason below fits that case, too.
+    }
+  }
+  return Missing("/proc/stat: btime is no valid date");
+}
+
+TReading<TCIMDateTime> ReadLastBootUpTime(const THost& host) {
+  const std::string path = "/proc/stat";
+  const TFields fields(path, host.fFiles.Read(path, THostFiles::kMaxTableSize), ' ');
+  return fields.GetNumber("btime").and_then(ToDateTime);
+}
+
+/// Counts the folders in /proc whose names are numbers. The image of a disk has none.
+TReading<std::uint32_t> CountProcesses(const THost& host) {
+  const std::vector<std::string> names = host.fFiles.List("/proc");
+  const auto count = std::count_if(names.begin(), names.end(), [](const std::string& name) {
+    return ParseNumber(name).has_value();
+  });
+  if (count == 0) return Missing("/proc: shows no processes");
+  return static_cast<std::uint32_t>(count);
+}
+
+/// An empty line in the file means that no processor is offline.
+TText ReadOfflineProcessors(const THost& host) {
+  return host.fFiles.Read("/sys/devices/system/cpu/offline").map([](const std::string& list) {
+    return list.substr(0, list.find('\n'));
+  });
+}
+
+TNumber ReadKernelTaint(const THost& host) {
+  return ReadNumber(host.fFiles, "/proc/sys/kernel/tainted");
 }
 
 }  // namespace
 
-TClassDescription OperatingSystemClass() {
-  TClassSpec spec{
+TClass OperatingSystemClass() {
+  const TUnit kilobytes{"byte * 2^10"};
+  return THostTable<TSystem>{
       TCIMSchemaHelper::kOperatingSystemCreationClassName.c_str(),
       "The operating system that runs on the machine.",
-      {{"CSCreationClassName", TType::kCIMTypeString, true, "The class of the machine."},
-       {"CSName", TType::kCIMTypeString, true, "The name of the machine."},
-       {"CreationClassName", TType::kCIMTypeString, true, "The name of this class."},
-       {"Name", TType::kCIMTypeString, true, "The distribution, else the kernel."},
-       {"Version", TType::kCIMTypeString, false,
-        "The version of the distribution, else the release of the kernel."},
-       {"KernelRelease", TType::kCIMTypeString, false, "The release of the kernel."},
-       {"OSType", TType::kCIMTypeUint16, false, "The kind of system; 36 is LINUX."}}};
-  const std::vector<TPropertySpec> load = SystemLoadProperties();
-  std::copy(load.begin(), load.end(), std::back_inserter(spec.fProperties));
-  return {spec, AddOperatingSystem};
+      ReadSystem,
+      {{"CSCreationClassName", "The class of the machine.",
+        Constant(TCIMSchemaHelper::kSystemCreationClassName), kKey},
+       {"CSName", "The name of the machine.", &THost::fName, kKey, ESecret::kHostName},
+       {"CreationClassName", "The name of this class.", kClassName, kKey},
+       {"Name", "The distribution, else the kernel.", Release("NAME", &THost::fKernelName), kKey},
+       {"Version", "The version of the distribution, else the release of the kernel.",
+        Release("VERSION_ID", &THost::fKernelRelease)},
+       {"KernelRelease", "The release of the kernel.", &THost::fKernelRelease},
+       {"OSType", "The kind of system; 36 is LINUX.", OSType, TEnumeration{{kLinux, "LINUX"}}},
+       {"TotalVisibleMemorySize", "The memory that the kernel has.", Memory("MemTotal"), kilobytes},
+       {"FreePhysicalMemory", "The memory that nothing uses.", Memory("MemFree"), kilobytes, kGauge,
+        kVolatile},
+       {"AvailablePhysicalMemory",
+        "The memory that programs can get without swapping: caches give way.",
+        Memory("MemAvailable"), kilobytes, kGauge, kVolatile},
+       {"SizeStoredInPagingFiles", "The swap space; 0 if there is none.", Memory("SwapTotal"),
+        kilobytes},
+       {"FreeSpaceInPagingFiles", "The swap space that is not in use.", Memory("SwapFree"),
+        kilobytes, kGauge, kVolatile},
+       {"NumberOfProcesses", "The processes that are there just now.", CountProcesses, kGauge,
+        kVolatile},
+       {"LastBootUpTime", "When the system was started.", ReadLastBootUpTime},
+       {"LoadAverage1", "The processes that run or wait, over one minute.", LoadAverage(0), kGauge,
+        kVolatile},
+       {"LoadAverage5", "The same over five minutes.", LoadAverage(1), kGauge, kVolatile},
+       {"LoadAverage15", "The same over fifteen minutes.", LoadAverage(2), kGauge, kVolatile},
+       {"OfflineProcessors",
+        "The numbers of the logical processors that are switched off; empty if none is.",
+        ReadOfflineProcessors},
+       {"KernelTaint", "What may make the kernel unreliable, bit by bit; 0 if nothing has.",
+        ReadKernelTaint}}};
 }
 
 }  // namespace NVORNQDX20

@@ -5,16 +5,16 @@
 
 #include "logical_device.h"
 #include "machine/fields.h"
-#include "machine/numbers.h"
 
 namespace NVORNQDX20 {
 namespace {
 
-using TType = TCIMValue::TCIMType;
-using TID = TReadingOf<std::uint16_t>;
+using TID = TReading<std::uint16_t>;
 
-TID ReadID(const THostFiles& files, const std::string& path) {
-  return NumberAs<std::uint16_t>(ReadNumber(files, path));
+auto ID(const char* file) {
+  return [file](const TSysfsDevice& device) -> TID {
+    return NumberAs<std::uint16_t>(device.ReadNumber(file));
+  };
 }
 
 std::string FourDigits(std::uint16_t id) {
@@ -25,63 +25,54 @@ std::string FourDigits(std::uint16_t id) {
 }
 
 /// Formats vendor and device as "8086:1572".
-TReading NameOf(const TID& vendor, const TID& device) {
-  if (!vendor || !device) return TReading::Missing(vendor ? device.fReason : vendor.fReason);
-  return TReading::Of(FourDigits(*vendor.fValue) + ":" + FourDigits(*device.fValue));
+TText ReadName(const TSysfsDevice& function) {
+  return ID("vendor")(function).and_then([&function](std::uint16_t vendor) {
+    return ID("device")(function).map(
+        [vendor](std::uint16_t device) { return FourDigits(vendor) + ":" + FourDigits(device); });
+  });
 }
 
-/// Returns one byte of the class code; byte 0 is the programming interface.
-TReadingOf<std::uint8_t> ByteOf(const TNumber& classCode, unsigned index) {
-  if (!classCode) return TReadingOf<std::uint8_t>::Missing(classCode.fReason);
-  return TReadingOf<std::uint8_t>::Of(static_cast<std::uint8_t>(*classCode.fValue >> (8U * index)));
+TInstances<TSysfsDevice> ListFunctions(const THost& host) {
+  TInstances<TSysfsDevice> functions = ListDevices(host, "/sys/bus/pci/devices");
+  for (TSysfsDevice& each : functions.fAll) each.fName = ReadName(each);
+  return functions;
 }
 
-TReading ReadDriver(const THostFiles& files, const std::string& path) {
-  const TReading file = files.Read(path);
-  TReading driver = TFields(path, file, '=').Get("DRIVER");
-  return driver || !file ? driver : TReading::Missing("no driver is bound to it");
+/// Reads one byte of the class code; byte 0 is the programming interface.
+auto ClassCodeByte(unsigned index) {
+  return [index](const TSysfsDevice& device) {
+    return device.ReadNumber("class").map([index](std::uint64_t classCode) {
+      return static_cast<std::uint8_t>(classCode >> (8U * index));
+    });
+  };
 }
 
-std::vector<TPropertySpec> PCIDeviceProperties() {
-  return {{"VendorID", TType::kCIMTypeUint16, false, "The maker of the chip."},
-          {"PCIDeviceID", TType::kCIMTypeUint16, false, "The chip, as its maker numbers them."},
-          {"SubsystemVendorID", TType::kCIMTypeUint16, false, "The maker of the card."},
-          {"SubsystemID", TType::kCIMTypeUint16, false, "The card, as its maker numbers them."},
-          {"RevisionID", TType::kCIMTypeUint8, false, "The revision of the chip."},
-          {"ClassCode", TType::kCIMTypeUint8, false, "What it is for: 1 storage, 2 network."},
-          {"SubclassCode", TType::kCIMTypeUint8, false, "The same, more closely."},
-          {"Driver", TType::kCIMTypeString, false, "The driver that serves it."}};
-}
-
-std::vector<TPropertyValue> ReadPCIDevice(const THostFiles& files, const std::string& folder) {
-  const TID vendor = ReadID(files, folder + "vendor");
-  const TID device = ReadID(files, folder + "device");
-  const TNumber classCode = ReadNumber(files, folder + "class");
-  return {{"Name", NameOf(vendor, device)},
-          {"VendorID", vendor},
-          {"PCIDeviceID", device},
-          {"SubsystemVendorID", ReadID(files, folder + "subsystem_vendor")},
-          {"SubsystemID", ReadID(files, folder + "subsystem_device")},
-          {"RevisionID", NumberAs<std::uint8_t>(ReadNumber(files, folder + "revision"))},
-          {"ClassCode", ByteOf(classCode, 2)},
-          {"SubclassCode", ByteOf(classCode, 1)},
-          {"Driver", ReadDriver(files, folder + "uevent")}};
-}
-
-void AddPCIDevices(TNamespaceBuilder& builder, const THost& host, ICIMClass& pciDevice) {
-  const std::string devices = "/sys/bus/pci/devices";
-  for (const std::string& address : ListDevices(builder, host.fFiles, pciDevice, devices)) {
-    AddDevice(builder, host, pciDevice, address,
-              ReadPCIDevice(host.fFiles, devices + "/" + address + "/"));
-  }
+TText ReadDriver(const TSysfsDevice& device) {
+  const std::string path = device.fFolder + "uevent";
+  const TText file = device.fFiles->Read(path);
+  const TText driver = TFields(path, file, '=').Get("DRIVER");
+  return driver || !file ? driver : TText(Missing("no driver is bound to it"));
 }
 
 }  // namespace
 
-TClassDescription PCIDeviceClass() {
-  return {DeviceClass("VORNSG_PCIDevice", "A function of a device on a PCI bus, by its address.",
-                      PCIDeviceProperties()),
-          AddPCIDevices};
+TClass PCIDeviceClass() {
+  return THostTable<TSysfsDevice>{
+      "VORNSG_PCIDevice",
+      "A function of a device on a PCI bus, by its address.",
+      ListFunctions,
+      {{"VendorID", "The maker of the chip.", ID("vendor")},
+       {"PCIDeviceID", "The chip, as its maker numbers them.", ID("device")},
+       {"SubsystemVendorID", "The maker of the card.", ID("subsystem_vendor")},
+       {"SubsystemID", "The card, as its maker numbers them.", ID("subsystem_device")},
+       {"RevisionID", "The revision of the chip.",
+        [](const TSysfsDevice& device) {
+          return NumberAs<std::uint8_t>(device.ReadNumber("revision"));
+        }},
+       {"ClassCode", "What it is for: 1 storage, 2 network.", ClassCodeByte(2)},
+       {"SubclassCode", "The same, more closely.", ClassCodeByte(1)},
+       {"Driver", "The driver that serves it.", ReadDriver}}}
+      .DerivedFrom(LogicalDeviceTable());
 }
 
 }  // namespace NVORNQDX20

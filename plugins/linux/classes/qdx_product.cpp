@@ -5,24 +5,15 @@
 #include "catalogue.h"
 
 namespace NVORNQDX20 {
-namespace {
 
-using TType = TCIMValue::TCIMType;
-
-void AddQDXProduct(TNamespaceBuilder& builder, const THost&, ICIMClass& product) {
-  builder.AddInstance(product,
-                      {{"Name", "qdxcore"}, {"Vendor", "VORN"}, {"Version", QDXCORE_VERSION}});
-}
-
-}  // namespace
-
-TClassDescription QDXProductClass() {
-  return {{"VORNSG_QDXProduct",
-           "The product that collected this data.",
-           {{"Name", TType::kCIMTypeString, true, "The name of the product."},
-            {"Vendor", TType::kCIMTypeString, true, "Who makes it."},
-            {"Version", TType::kCIMTypeString, true, "Major, minor and build number."}}},
-          AddQDXProduct};
+TClass QDXProductClass() {
+  return THostTable<TOnly>{
+      "VORNSG_QDXProduct",
+      "The product that collected this data.",
+      kOnly,
+      {{"Name", "The name of the product.", Constant("qdxcore"), kKey},
+       {"Vendor", "Who makes it.", Constant("VORN"), kKey},
+       {"Version", "Major, minor and build number.", Constant(QDXCORE_VERSION), kKey}}};
 }
 
 }  // namespace NVORNQDX20

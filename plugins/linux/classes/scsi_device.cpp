@@ -2,13 +2,11 @@
 // Class VORNSG_SCSIDevice: devices of the SCSI generic driver.
 #include <array>
 
-#include "catalogue.h"
+#include "logical_device.h"
 #include "machine/text.h"
 
 namespace NVORNQDX20 {
 namespace {
-
-using TType = TCIMValue::TCIMType;
 
 /// The peripheral device types of the SCSI Primary Commands, by number.
 constexpr std::array kDeviceTypes = {
@@ -18,47 +16,43 @@ constexpr std::array kDeviceTypes = {
     "Communications Device",
 };
 
-TReading ReadDeviceType(const THostFiles& files, const std::string& folder) {
-  TReading type = files.ReadLine(folder + "type");
-  if (!type) return type;
-  for (std::size_t number = 0; number < kDeviceTypes.size(); ++number) {
-    if (*type.fValue == std::to_string(number)) return TReading::Of(kDeviceTypes[number]);
+std::vector<TSysfsDevice> ListSCSIDevices(const THost& host) {
+  const std::string folder = "/sys/class/scsi_generic/";
+  std::vector<TSysfsDevice> devices;
+  for (const std::string& name : host.fFiles.List(folder)) {
+    devices.push_back({{"/dev/" + name, name}, &host.fFiles, folder + name + "/device/"});
   }
-  return TReading::Of("Device Type " + *type.fValue);
+  return devices;
+}
+
+TText ReadDeviceType(const TSysfsDevice& device) {
+  return device.ReadLine("type").map([](const std::string& type) -> std::string {
+    for (std::size_t number = 0; number < kDeviceTypes.size(); ++number) {
+      if (type == std::to_string(number)) return kDeviceTypes[number];
+    }
+    return "Device Type " + type;
+  });
 }
 
 /// An inquiry field of blanks gives an empty value, since the device has no such text; only a
 /// missing file gives null.
-TReading ReadInquiryText(const THostFiles& files, const std::string& path) {
-  TReading text = files.Read(path);
-  if (text) *text.fValue = PrintableText(*text.fValue);
-  return text;
-}
-
-void AddSCSIDevices(TNamespaceBuilder& builder, const THost& host, ICIMClass& scsiDevice) {
-  const std::string devices = "/sys/class/scsi_generic";
-  for (const std::string& name : host.fFiles.List(devices)) {
-    const std::string id = "/dev/" + name;
-    const std::string folder = devices + "/" + name + "/device/";
-    builder.AddInstance(scsiDevice,
-                        {{"DeviceID", id},
-                         {"DeviceType", ReadDeviceType(host.fFiles, folder)},
-                         {"VendorID", ReadInquiryText(host.fFiles, folder + "vendor")},
-                         {"ProductID", ReadInquiryText(host.fFiles, folder + "model")}},
-                        id);
-  }
+auto InquiryText(const char* file) {
+  return [file](const TSysfsDevice& device) {
+    return device.fFiles->Read(device.fFolder + file).map(PrintableText);
+  };
 }
 
 }  // namespace
 
-TClassDescription SCSIDeviceClass() {
-  return {{"VORNSG_SCSIDevice",
-           "A SCSI device, or one that the system presents as such.",
-           {{"DeviceID", TType::kCIMTypeString, true, "The path of the device, as in /dev/sg0."},
-            {"DeviceType", TType::kCIMTypeString, false, "Its peripheral device type, in words."},
-            {"VendorID", TType::kCIMTypeString, false, "The vendor, as the device names it."},
-            {"ProductID", TType::kCIMTypeString, false, "The product, as the device names it."}}},
-          AddSCSIDevices};
+TClass SCSIDeviceClass() {
+  return THostTable<TSysfsDevice>{
+      "VORNSG_SCSIDevice",
+      "A SCSI device, or one that the system presents as such.",
+      ListSCSIDevices,
+      {{"DeviceID", "The path of the device, as in /dev/sg0.", &TSysfsDevice::fID, kKey},
+       {"DeviceType", "Its peripheral device type, in words.", ReadDeviceType},
+       {"VendorID", "The vendor, as the device names it.", InquiryText("vendor")},
+       {"ProductID", "The product, as the device names it.", InquiryText("model")}}};
 }
 
 }  // namespace NVORNQDX20

@@ -20,26 +20,27 @@ TFields::TFields(std::string source, std::string_view text, char separator)
   }
 }
 
-TFields::TFields(const std::string& source, const TReading& file, char separator)
-    : TFields(source, file ? std::string_view(*file.fValue) : std::string_view(), separator) {
-  fReason = file.fReason;
+TFields::TFields(const std::string& source, const TText& file, char separator)
+    : TFields(source, file ? std::string_view(*file) : std::string_view(), separator) {
+  fReason = file.GetReason();
 }
 
-TReading TFields::Get(std::string_view name) const {
-  if (!fReason.empty()) return TReading::Missing(fReason);
+TText TFields::Get(std::string_view name) const {
+  if (!fReason.empty()) return Missing(fReason);
   const auto found = fValues.find(name);
-  if (found != fValues.end() && !found->second.empty()) return TReading::Of(found->second);
-  return TReading::Missing(fSource + ": no '" + std::string(name) + "'");
+  if (found != fValues.end() && !found->second.empty()) return found->second;
+  return Missing(fSource + ": no '" + std::string(name) + "'");
 }
 
 TNumber TFields::GetNumber(std::string_view name, std::string_view unit) const {
-  TReading value = Get(name);
   const std::string source = fSource + ": " + std::string(name);
-  if (value && !boost::algorithm::ends_with(*value.fValue, unit)) {
-    return TNumber::Missing(source + " is not in" + std::string(unit));
-  }
-  if (value) value.fValue->resize(value.fValue->size() - unit.size());
-  return ToNumber(value, source);
+  const TText digits = Get(name).and_then([&](const std::string& value) -> TText {
+    if (!boost::algorithm::ends_with(value, unit)) {
+      return Missing(source + " is not in" + std::string(unit));
+    }
+    return value.substr(0, value.size() - unit.size());
+  });
+  return ToNumber(digits, source);
 }
 
 }  // namespace NVORNQDX20

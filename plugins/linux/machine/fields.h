@@ -19,9 +19,9 @@ class TFields {
   /// `source` is the file name for the reason of a missing field.
   TFields(std::string source, std::string_view text, char separator);
   /// If the file could not be read, every field is missing for that reason.
-  TFields(const std::string& source, const TReading& file, char separator);
+  TFields(const std::string& source, const TText& file, char separator);
 
-  TReading Get(std::string_view name) const;
+  TText Get(std::string_view name) const;
   /// The number before `unit`. Missing if the value does not end with the unit, which may be empty.
   TNumber GetNumber(std::string_view name, std::string_view unit = {}) const;
 

@@ -16,29 +16,29 @@ namespace NVORNQDX20 {
 namespace {
 
 /// Reads a name from the running kernel, or from the file below another root that has its copy.
-TReading ReadKernelName(const THostFiles& files, const char* file, char (utsname::*field)[65]) {
+TText ReadKernelName(const THostFiles& files, const char* file, char (utsname::*field)[65]) {
   if (!files.IsThisMachine()) return files.ReadLine(std::string("/proc/sys/kernel/") + file);
   utsname names{};
-  if (::uname(&names) != 0) return TReading::Missing("uname gives no names");
-  return TReading::Of(PrintableText(names.*field));
+  if (::uname(&names) != 0) return Missing("uname gives no names");
+  return PrintableText(names.*field);
 }
 
-TReading ReadConfiguredHostName(const THostFiles& files) {
+TText ReadConfiguredHostName(const THostFiles& files) {
   const char* const path = "/etc/hostname";
-  TReading file = files.Read(path);
+  TText file = files.Read(path);
   if (!file) return file;
-  std::istringstream lines(*file.fValue);
+  std::istringstream lines(*file);
   for (std::string line; std::getline(lines, line);) {
     std::string name = PrintableText(line);
-    if (!name.empty() && name.front() != '#') return TReading::Of(std::move(name));
+    if (!name.empty() && name.front() != '#') return name;
   }
-  return TReading::Missing(std::string(path) + ": holds no name");
+  return Missing(std::string(path) + ": holds no name");
 }
 
-TReading ReadHostName(const THostFiles& files) {
-  TReading name = ReadKernelName(files, "hostname", &utsname::nodename);
+TText ReadHostName(const THostFiles& files) {
+  TText name = ReadKernelName(files, "hostname", &utsname::nodename);
   // The kernel's host name is "(none)" until one is set.
-  if (name && !name.fValue->empty() && *name.fValue != "(none)") return name;
+  if (name && !name->empty() && *name != "(none)") return name;
   return ReadConfiguredHostName(files);
 }
 
@@ -96,20 +96,20 @@ bool IsPlaceholder(const std::string& text) {
 
 }  // namespace
 
-THost::THost(const std::string& root)
-    : fFiles(root),
+THost::THost(const NDescribe::TRequest& request)
+    : fFiles(request.fRoot),
       fKernelName(ReadKernelName(fFiles, "ostype", &utsname::sysname)),
       fKernelRelease(ReadKernelName(fFiles, "osrelease", &utsname::release)),
       fName(ReadHostName(fFiles)) {}
 
-TReading THost::ReadDMIString(const std::string& name) const {
+TText THost::ReadDMIString(const std::string& name) const {
   if (!fFiles.IsFolder(kDMIFolder)) {
-    return TReading::Missing(std::string("no DMI table: ") + kDMIFolder + " does not exist");
+    return Missing(std::string("no DMI table: ") + kDMIFolder + " does not exist");
   }
   const std::string path = std::string(kDMIFolder) + "/" + name;
-  TReading reading = fFiles.ReadLine(path);
-  if (reading && IsPlaceholder(*reading.fValue)) {
-    return TReading::Missing(path + ": placeholder text '" + *reading.fValue + "'");
+  TText reading = fFiles.ReadLine(path);
+  if (reading && IsPlaceholder(*reading)) {
+    return Missing(path + ": placeholder text '" + *reading + "'");
   }
   return reading;
 }

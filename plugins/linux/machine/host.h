@@ -3,6 +3,8 @@
 #ifndef PLUGINS_LINUX_MACHINE_HOST_H_
 #define PLUGINS_LINUX_MACHINE_HOST_H_
 
+#include <qdxdescribe/table.h>
+
 #include <string>
 
 #include "host_files.h"
@@ -13,16 +15,16 @@ namespace NVORNQDX20 {
 /// The files of the machine, and names that several classes need.
 struct THost {
   /// Throws what the constructor of THostFiles throws.
-  explicit THost(const std::string& root);
+  explicit THost(const NDescribe::TRequest& request);
 
   /// Returns a string of the firmware's DMI table (DMTF DSP0134) by the name of its sysfs file, for
   /// example "product_name". A placeholder such as "To be filled by O.E.M." counts as missing.
-  TReading ReadDMIString(const std::string& name) const;
+  TText ReadDMIString(const std::string& name) const;
 
   THostFiles fFiles;
-  TReading fKernelName;     ///< "Linux"
-  TReading fKernelRelease;  ///< "6.1.0-18-amd64"
-  TReading fName;           ///< The host name.
+  TText fKernelName;     ///< "Linux"
+  TText fKernelRelease;  ///< "6.1.0-18-amd64"
+  TText fName;           ///< The host name.
 };
 
 }  // namespace NVORNQDX20

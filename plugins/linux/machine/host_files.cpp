@@ -25,8 +25,8 @@ namespace {
 /// openat2 fails with EAGAIN if anything was renamed or mounted while it resolved a "..".
 constexpr int kMaxAttempts = 32;
 
-TReading Missing(const std::string& path, const std::string& reason) {
-  return TReading::Missing(path + ": " + reason);
+NDescribe::TMissing MissingFile(const std::string& path, const std::string& reason) {
+  return Missing(path + ": " + reason);
 }
 
 TDescriptor OpenInRoot(int root, const std::string& path, int flags) {
@@ -53,18 +53,18 @@ TDescriptor OpenWithoutLinks(int root, const std::string& path, int flags) {
 }
 
 /// Reads at most one byte more than allowed, so that the caller notices a file that is too long.
-TReading ReadToEnd(int file, const std::string& path, std::size_t maxSize) {
+TText ReadToEnd(int file, const std::string& path, std::size_t maxSize) {
   std::string text(maxSize + 1, '\0');
   std::size_t size = 0;
   while (size < text.size()) {
     const ssize_t count = ::read(file, text.data() + size, text.size() - size);
     if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return Missing(path, ErrorText(errno));
+    if (count < 0) return MissingFile(path, ErrorText(errno));
     if (count == 0) break;
     size += static_cast<std::size_t>(count);
   }
   text.resize(size);
-  return TReading::Of(std::move(text));
+  return text;
 }
 
 bool IsRegularFile(int file) {
@@ -111,23 +111,23 @@ TDescriptor THostFiles::Open(const std::string& path, int flags) const {
   return OpenWithoutLinks(fRoot.Get(), path, flags);
 }
 
-TReading THostFiles::Read(const std::string& path, std::size_t maxSize) const {
+TText THostFiles::Read(const std::string& path, std::size_t maxSize) const {
   const TDescriptor file = Open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
-  if (!file.IsOpen()) return Missing(path, ErrorText(file.GetError()));
-  if (!IsRegularFile(file.Get())) return Missing(path, "not a regular file");
-  TReading reading = ReadToEnd(file.Get(), path, maxSize);
-  if (reading && reading.fValue->size() > maxSize) {
-    return Missing(path, "more than " + std::to_string(maxSize >> 10U) + " KiB");
+  if (!file.IsOpen()) return MissingFile(path, ErrorText(file.GetError()));
+  if (!IsRegularFile(file.Get())) return MissingFile(path, "not a regular file");
+  TText reading = ReadToEnd(file.Get(), path, maxSize);
+  if (reading && reading->size() > maxSize) {
+    return MissingFile(path, "more than " + std::to_string(maxSize >> 10U) + " KiB");
   }
   return reading;
 }
 
-TReading THostFiles::ReadLine(const std::string& path) const {
-  TReading file = Read(path);
+TText THostFiles::ReadLine(const std::string& path) const {
+  TText file = Read(path);
   if (!file) return file;
-  std::string line = PrintableText(file.fValue->substr(0, file.fValue->find('\n')));
-  if (line.empty()) return Missing(path, "empty");
-  return TReading::Of(std::move(line));
+  std::string line = PrintableText(file->substr(0, file->find('\n')));
+  if (line.empty()) return MissingFile(path, "empty");
+  return line;
 }
 
 bool THostFiles::IsFolder(const std::string& path) const {
@@ -148,18 +148,17 @@ std::vector<std::string> THostFiles::List(const std::string& path) const {
   return names;
 }
 
-TReadingOf<TSpace> THostFiles::ReadSpace(const std::string& path) const {
-  using TResult = TReadingOf<TSpace>;
-  if (!fIsThisMachine) return TResult::Missing("not asked: not mounted on this machine");
+TReading<TSpace> THostFiles::ReadSpace(const std::string& path) const {
+  if (!fIsThisMachine) return Missing("not asked: not mounted on this machine");
   const TDescriptor place = Open(path, O_PATH);
-  if (!place.IsOpen()) return TResult::Missing(path + ": " + ErrorText(place.GetError()));
-  if (!MayBeMountPoint(place.Get())) return TResult::Missing("hidden below another mount");
+  if (!place.IsOpen()) return MissingFile(path, ErrorText(place.GetError()));
+  if (!MayBeMountPoint(place.Get())) return Missing("hidden below another mount");
   struct statvfs status {};
   if (::fstatvfs(place.Get(), &status) != 0) {
-    return TResult::Missing(path + ": " + ErrorText(errno));
+    return MissingFile(path, ErrorText(errno));
   }
-  return TResult::Of({status.f_blocks * status.f_frsize, status.f_bavail * status.f_frsize,
-                      status.f_files, status.f_ffree});
+  return TSpace{status.f_blocks * status.f_frsize, status.f_bavail * status.f_frsize,
+                status.f_files, status.f_ffree};
 }
 
 }  // namespace NVORNQDX20

@@ -42,9 +42,9 @@ class THostFiles {
   bool IsThisMachine() const { return fIsThisMachine; }
 
   /// Returns the whole contents unchanged.
-  TReading Read(const std::string& path, std::size_t maxSize = kMaxFileSize) const;
+  TText Read(const std::string& path, std::size_t maxSize = kMaxFileSize) const;
   /// Returns the printable part of the first line; an empty line counts as missing.
-  TReading ReadLine(const std::string& path) const;
+  TText ReadLine(const std::string& path) const;
   bool IsFolder(const std::string& path) const;
   /// Returns the sorted names in a folder, without those that begin with a dot. Empty if the folder
   /// cannot be read.
@@ -52,7 +52,7 @@ class THostFiles {
 
   /// Returns the space of the file system that is mounted there on this machine. This call can
   /// block on a network file system: callers must check TMount::fCanBeAsked first.
-  TReadingOf<TSpace> ReadSpace(const std::string& path) const;
+  TReading<TSpace> ReadSpace(const std::string& path) const;
 
  private:
   TDescriptor Open(const std::string& path, int flags) const;

@@ -21,32 +21,32 @@ std::optional<std::uint64_t> ParseNumber(std::string_view text) {
   return number;
 }
 
-TNumber ToNumber(const TReading& text, const std::string& source) {
-  if (!text) return TNumber::Missing(text.fReason);
-  const auto number = ParseNumber(*text.fValue);
-  if (number) return TNumber::Of(*number);
-  const bool quoted = text.fValue->size() <= kMaxQuotedText;
-  return TNumber::Missing(source + ": " + (quoted ? "'" + *text.fValue + "' is " : "") +
-                          "no valid number");
+TNumber ToNumber(const TText& text, const std::string& source) {
+  return text.and_then([&source](const std::string& digits) -> TNumber {
+    if (const auto number = ParseNumber(digits)) return *number;
+    const bool quoted = digits.size() <= kMaxQuotedText;
+    return Missing(source + ": " + (quoted ? "'" + digits + "' is " : "") + "no valid number");
+  });
 }
 
 TNumber ReadNumber(const THostFiles& files, const std::string& path) {
   return ToNumber(files.ReadLine(path), path);
 }
 
-TReadingOf<bool> ReadFlag(const THostFiles& files, const std::string& path) {
-  const TNumber number = ReadNumber(files, path);
-  if (!number) return TReadingOf<bool>::Missing(number.fReason);
-  if (*number.fValue > 1) return TReadingOf<bool>::Missing(path + ": neither 0 nor 1");
-  return TReadingOf<bool>::Of(*number.fValue == 1);
+TReading<bool> ReadFlag(const THostFiles& files, const std::string& path) {
+  return ReadNumber(files, path).and_then([&path](std::uint64_t number) -> TReading<bool> {
+    if (number > 1) return Missing(path + ": neither 0 nor 1");
+    return number == 1;
+  });
 }
 
 TNumber Scaled(const TNumber& number, std::uint64_t multiplier, std::uint64_t divisor) {
-  if (!number) return number;
-  if (*number.fValue > std::numeric_limits<std::uint64_t>::max() / multiplier) {
-    return TNumber::Missing(std::to_string(*number.fValue) + " is out of range");
-  }
-  return TNumber::Of(*number.fValue * multiplier / divisor);
+  return number.and_then([=](std::uint64_t value) -> TNumber {
+    if (value > std::numeric_limits<std::uint64_t>::max() / multiplier) {
+      return Missing(std::to_string(value) + " is out of range");
+    }
+    return value * multiplier / divisor;
+  });
 }
 
 }  // namespace NVORNQDX20

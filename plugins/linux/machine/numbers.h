@@ -18,25 +18,26 @@ namespace NVORNQDX20 {
 std::optional<std::uint64_t> ParseNumber(std::string_view text);
 
 /// Parses a text; `source` is named in the reason if it is not a number.
-TNumber ToNumber(const TReading& text, const std::string& source);
+TNumber ToNumber(const TText& text, const std::string& source);
 
 /// Reads the first line of a file as a number.
 TNumber ReadNumber(const THostFiles& files, const std::string& path);
 
 /// Reads the first line of a file, which must be "1" or "0".
-TReadingOf<bool> ReadFlag(const THostFiles& files, const std::string& path);
+TReading<bool> ReadFlag(const THostFiles& files, const std::string& path);
 
 /// Returns number * multiplier / divisor.
 TNumber Scaled(const TNumber& number, std::uint64_t multiplier, std::uint64_t divisor = 1);
 
 /// Converts to a smaller type; missing if the number is out of range.
 template <typename T>
-TReadingOf<T> NumberAs(const TNumber& number) {
-  if (!number) return TReadingOf<T>::Missing(number.fReason);
-  if (*number.fValue > std::numeric_limits<T>::max()) {
-    return TReadingOf<T>::Missing(std::to_string(*number.fValue) + " is out of range");
-  }
-  return TReadingOf<T>::Of(static_cast<T>(*number.fValue));
+TReading<T> NumberAs(const TNumber& number) {
+  return number.and_then([](std::uint64_t value) -> TReading<T> {
+    if (value > std::numeric_limits<T>::max()) {
+      return Missing(std::to_string(value) + " is out of range");
+    }
+    return static_cast<T>(value);
+  });
 }
 
 }  // namespace NVORNQDX20

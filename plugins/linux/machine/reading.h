@@ -3,27 +3,18 @@
 #ifndef PLUGINS_LINUX_MACHINE_READING_H_
 #define PLUGINS_LINUX_MACHINE_READING_H_
 
+#include <qdxdescribe/reading.h>
+
 #include <cstdint>
-#include <optional>
 #include <string>
-#include <utility>
 
 namespace NVORNQDX20 {
 
-/// A value, or the reason why it is missing; never both.
-template <typename T>
-struct TReadingOf {
-  static TReadingOf Of(T value) { return {std::move(value), {}}; }
-  static TReadingOf Missing(std::string reason) { return {std::nullopt, std::move(reason)}; }
+using NDescribe::Missing;
+using NDescribe::TReading;
 
-  explicit operator bool() const { return fValue.has_value(); }
-
-  std::optional<T> fValue;
-  std::string fReason;
-};
-
-using TReading = TReadingOf<std::string>;
-using TNumber = TReadingOf<std::uint64_t>;
+using TText = TReading<std::string>;
+using TNumber = TReading<std::uint64_t>;
 
 }  // namespace NVORNQDX20
 

@@ -23,7 +23,7 @@ namespace {
 namespace fs = std::filesystem;
 
 /// What is read, or why it is not.
-std::string TextOf(const TReading& reading) { return reading ? *reading.fValue : reading.fReason; }
+std::string TextOf(const TText& reading) { return reading ? *reading : reading.GetReason(); }
 
 /// A tree that stands in for a machine.
 class HostFiles : public ::testing::Test {
@@ -129,11 +129,11 @@ TEST_F(HostFiles, HaveSpaceWhereTheyAreMounted) {
   // Not in a chroot, whose "/" is a folder like any other.
   const bool mounted = ReadWholeFile("/proc/self/mounts").find(" / ") != std::string::npos;
   const auto space = here.ReadSpace("/");
-  EXPECT_EQ(space.fReason, mounted ? "" : "hidden below another mount");
-  EXPECT_EQ(space ? space.fValue->fSize : 0, mounted ? fs::space("/").capacity : 0);
-  EXPECT_EQ(here.ReadSpace(fOutside.Path().string()).fReason, "hidden below another mount");
-  EXPECT_EQ(here.ReadSpace(fSecret + "2").fReason, fSecret + "2: No such file or directory");
-  EXPECT_EQ(fFiles.ReadSpace("/").fReason, "not asked: not mounted on this machine");
+  EXPECT_EQ(space.GetReason(), mounted ? "" : "hidden below another mount");
+  EXPECT_EQ(space ? space->fSize : 0, mounted ? fs::space("/").capacity : 0);
+  EXPECT_EQ(here.ReadSpace(fOutside.Path().string()).GetReason(), "hidden below another mount");
+  EXPECT_EQ(here.ReadSpace(fSecret + "2").GetReason(), fSecret + "2: No such file or directory");
+  EXPECT_EQ(fFiles.ReadSpace("/").GetReason(), "not asked: not mounted on this machine");
 }
 
 TEST_F(HostFiles, GiveTheNameOfTheHost) {
@@ -144,12 +144,12 @@ TEST_F(HostFiles, GiveTheNameOfTheHost) {
   for (const auto& [kernel, configured, name] : rows) {
     fTree.Write("proc/sys/kernel/hostname", kernel);
     fTree.Write("etc/hostname", configured);
-    EXPECT_EQ(TextOf(THost(fTree.Path().string()).fName), name);
+    EXPECT_EQ(TextOf(THost({fTree.Path().string(), {}}).fName), name);
   }
 }
 
 TEST_F(HostFiles, HaveDMIStringsThatAreNoPlaceholders) {
-  const THost host(fTree.Path().string());
+  const THost host({fTree.Path().string(), {}});
   EXPECT_EQ(TextOf(host.ReadDMIString("serial")), "no DMI table: /sys/class/dmi/id does not exist");
   const auto read = [&](const std::string& text) {
     fTree.Write("sys/class/dmi/id/serial", text + "\n");

@@ -12,10 +12,10 @@ constexpr std::uint64_t kMax = std::numeric_limits<std::uint64_t>::max();
 
 /// The number, or the reason for its absence.
 template <typename T>
-std::string TextOf(const TReadingOf<T>& reading) {
-  return reading ? std::to_string(*reading.fValue) : reading.fReason;
+std::string TextOf(const TReading<T>& reading) {
+  return reading ? std::to_string(*reading) : reading.GetReason();
 }
-std::string TextOf(const TReading& reading) { return reading ? *reading.fValue : reading.fReason; }
+std::string TextOf(const TText& reading) { return reading ? *reading : reading.GetReason(); }
 
 TEST(MachineNumber, IsAllOfItsText) {
   EXPECT_EQ(ParseNumber("0"), 0U);
@@ -31,23 +31,24 @@ TEST(MachineNumber, IsAllOfItsText) {
 TEST(MachineNumber, IsMissingForAReason) {
   const std::string forty(40, '-');
   const std::string tooLarge = std::to_string(kMax / 512 + 1);
-  const TNumber missing = TNumber::Missing("why");
+  const TNumber missing = Missing("why");
   const std::pair<std::string, std::string> rows[] = {
-      {TextOf(ToNumber(TReading::Missing("why"), "s")), "why"},
-      {TextOf(ToNumber(TReading::Of(forty), "s")), "s: '" + forty + "' is no valid number"},
-      {TextOf(ToNumber(TReading::Of(forty + "-"), "s")), "s: no valid number"},
+      {TextOf(ToNumber(Missing("why"), "s")), "why"},
+      {TextOf(ToNumber(TText(forty), "s")), "s: '" + forty + "' is no valid number"},
+      {TextOf(ToNumber(TText(forty + "-"), "s")), "s: no valid number"},
       {TextOf(Scaled(missing, 3)), "why"},
-      {TextOf(Scaled(TNumber::Of(7), 3, 2)), "10"},
-      {TextOf(Scaled(TNumber::Of(kMax / 512), 512)), std::to_string(kMax / 512 * 512)},
-      {TextOf(Scaled(TNumber::Of(kMax / 512 + 1), 512, 512)), tooLarge + " is out of range"},
+      {TextOf(Scaled(TNumber(7), 3, 2)), "10"},
+      {TextOf(Scaled(TNumber(kMax / 512), 512)), std::to_string(kMax / 512 * 512)},
+      {TextOf(Scaled(TNumber(kMax / 512 + 1), 512, 512)), tooLarge + " is out of range"},
       {TextOf(NumberAs<std::uint8_t>(missing)), "why"},
-      {TextOf(NumberAs<std::uint8_t>(TNumber::Of(255))), "255"},
-      {TextOf(NumberAs<std::uint8_t>(TNumber::Of(256))), "256 is out of range"}};
+      {TextOf(NumberAs<std::uint8_t>(TNumber(255))), "255"},
+      {TextOf(NumberAs<std::uint8_t>(TNumber(256))), "256 is out of range"}};
   for (const auto& [text, expected] : rows) EXPECT_EQ(text, expected);
 }
 
 TEST(MachineFields, AreFoundByTheirNames) {
-  const TFields fields("s", "A : b:c \nno field\nA: d\n\tE:\nF:64 kB\n:g\nH: 8", ':');
+  const std::string_view lines = "A : b:c \nno field\nA: d\n\tE:\nF:64 kB\n:g\nH: 8";
+  const TFields fields("s", lines, ':');
   EXPECT_EQ(TextOf(fields.Get("A")), "b:c");
   EXPECT_EQ(TextOf(fields.Get("E")), "s: no 'E'");  // there is nothing in it
   EXPECT_EQ(TextOf(fields.Get("no field")), "s: no 'no field'");
@@ -57,7 +58,7 @@ TEST(MachineFields, AreFoundByTheirNames) {
   EXPECT_EQ(TextOf(fields.GetNumber("F")), "s: F: '64 kB' is no valid number");
   EXPECT_EQ(TextOf(fields.GetNumber("H")), "8");
   EXPECT_EQ(TextOf(fields.GetNumber("I", " kB")), "s: no 'I'");
-  EXPECT_EQ(TextOf(TFields("s", TReading::Missing("why"), ':').GetNumber("A")), "why");
+  EXPECT_EQ(TextOf(TFields("s", Missing("why"), ':').GetNumber("A")), "why");
 }
 
 }  // namespace
