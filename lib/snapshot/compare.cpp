@@ -2,52 +2,10 @@
 #include <qdxsnapshot/compare.h>
 
 #include <algorithm>
-#include <set>
 #include <utility>
 
 namespace NVORNQDX20 {
 namespace {
-
-/// Names of properties, in any class, with the current state of a running machine, or with the
-/// place where it was collected.
-bool IsVolatile(const std::string& property) {
-  static const std::set<std::string> names = {"AvailablePhysicalMemory",
-                                              "AvailableSpace",
-                                              "BytesReceived",
-                                              "BytesTotal",
-                                              "BytesTransmitted",
-                                              "CarrierChanges",
-                                              "CollectionTime",
-                                              "CurrentClockSpeed",
-                                              "CurrentReading",
-                                              "CurrentTime",
-                                              "FreeInodes",
-                                              "FreePhysicalMemory",
-                                              "FreeSpaceInPagingFiles",
-                                              "FreeVirtualMemory",
-                                              "KernelModeTime",
-                                              "LoadAverage1",
-                                              "LoadAverage15",
-                                              "LoadAverage5",
-                                              "LoadPercentage",
-                                              "LocalDateTime",
-                                              "NumberOfProcesses",
-                                              "NumberOfUsers",
-                                              "PacketsReceived",
-                                              "PacketsTransmitted",
-                                              "PowerOnHours",
-                                              "ReceiveDrops",
-                                              "ReceiveErrors",
-                                              "RootFolder",
-                                              "StatisticTime",
-                                              "SystemUpTime",
-                                              "TotalPowerOnHours",
-                                              "TransmitDrops",
-                                              "TransmitErrors",
-                                              "UpTime",
-                                              "UserModeTime"};
-  return names.count(property) != 0;
-}
 
 /// Visits two sorted sequences side by side: each key with the elements that have it, null where a
 /// sequence does not have the key.
@@ -108,9 +66,7 @@ class TComparison {
     fDifferences.push_back({element, change, fNamespace, owner, "", nullptr, nullptr});
   }
 
-  bool IsCompared(const TPropertySnapshot& property) const {
-    return fAll || !IsVolatile(property.fName);
-  }
+  bool IsCompared(const TPropertySnapshot& property) const { return fAll || !property.fIsVolatile; }
 
   void CompareClasses(const std::string& name, const TClassSnapshot* a, const TClassSnapshot* b);
   void CompareDeclarations(const TClassSnapshot& a, const TClassSnapshot& b);
@@ -195,7 +151,7 @@ std::vector<TComparison::TColumn> TComparison::ColumnsOf(const TClassSnapshot& a
                                                          const TClassSnapshot& b) const {
   std::vector<TColumn> columns;
   Merge(a.fProperties, b.fProperties, kByName, [&](const auto&, const auto* inA, const auto* inB) {
-    if (inA == nullptr || inB == nullptr || !IsCompared(*inA)) return;
+    if (inA == nullptr || inB == nullptr || !IsCompared(*inA) || !IsCompared(*inB)) return;
     columns.push_back({&inA->fName, static_cast<std::size_t>(inA - a.fProperties.data()),
                        static_cast<std::size_t>(inB - b.fProperties.data())});
   });

@@ -2,11 +2,15 @@
 #include <qdxsnapshot/snapshot.h>
 
 #include <qdxcore/reference.h>
+#include <qdxcore/status.h>
+#include <qdxdescribe/declaration.h>
 #include <qdxmodel/classes.h>
 #include <qdxmodel/type.h>
 
 #include <algorithm>
 #include <tuple>
+
+#include "volatile_names.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -19,11 +23,23 @@ void SortByName(std::vector<T>& elements) {
             [](const T& a, const T& b) { return a.fName < b.fName; });
 }
 
+bool HasQualifierDecl(const ICIMNamespace& ns, const char* name) {
+  try {
+    return ns.GetQualifierDecl(name, {}) != nullptr;
+  } catch (const TQDXException&) {
+    return false;  // an exception means that there is none
+  }
+}
+
 std::vector<TPropertySnapshot> PropertiesOf(const ICIMClass& cimClass,
-                                            const std::string& ownNamespace) {
+                                            const std::string& ownNamespace, bool marksVolatile) {
   std::vector<TPropertySnapshot> properties;
   for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
-    properties.push_back({decl->GetName(), NModel::TypeText(decl->GetType()), isKey,
+    const std::string& name = decl->GetName();
+    const bool isVolatile = marksVolatile
+                                ? NModel::IsQualified(*decl, NDescribe::kVolatileQualifier)
+                                : HasVolatileName(name);
+    properties.push_back({name, NModel::TypeText(decl->GetType()), isKey, isVolatile,
                           ToJSON(decl->GetDefaultValue(), ownNamespace)});
   }
   SortByName(properties);
@@ -56,6 +72,14 @@ TInstanceSnapshot SnapshotOf(const ICIMInstance& instance, const TClass& cimClas
 
 }  // namespace
 
+TSnapshotReader::TSnapshotReader(const ICIMNamespace& ns, EDepth depth,
+                                 std::vector<TClassSnapshot>& classes)
+    : fNamespace(ns),
+      fNamespaceName(ns.GetName({})),
+      fMarksVolatile(HasQualifierDecl(ns, NDescribe::kVolatileQualifier)),
+      fDepth(depth),
+      fClasses(classes) {}
+
 void TSnapshotReader::ReadAll() {
   if (fDepth < kClasses) return;
   fNamespace.EnumerateClasses(
@@ -86,7 +110,7 @@ TClassSnapshot& TSnapshotReader::Add(const TClass& cimClass) {
   const TClass superclass = NModel::SuperclassOf(*cimClass);
   fClasses.push_back({cimClass->GetName({}),
                       superclass ? superclass->GetName({}) : "",
-                      PropertiesOf(*cimClass, fNamespaceName),
+                      PropertiesOf(*cimClass, fNamespaceName, fMarksVolatile),
                       0,
                       {}});
   return fClasses.back();

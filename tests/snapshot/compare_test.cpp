@@ -31,7 +31,7 @@ TNamespaces With(std::vector<TClassSnapshot> classes) { return {{"n", std::move(
 
 TPropertySnapshot Property(const std::string& name, const std::string& type, bool isKey = false,
                            const TJSON& defaultValue = nullptr) {
-  return {name, type, isKey, defaultValue};
+  return {name, type, isKey, name == "UpTime", defaultValue};
 }
 
 /// With the key Id, a value and one that changes all the time.

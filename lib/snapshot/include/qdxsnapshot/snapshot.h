@@ -20,6 +20,7 @@ struct TPropertySnapshot {
   std::string fName;
   std::string fType;  ///< As in "uint8" or "string[]".
   bool fIsKey = false;
+  bool fIsVolatile = false;  ///< Changes while nobody changes the machine.
   TJSON fDefault;
 };
 
@@ -43,8 +44,7 @@ enum EDepth { kNamespaces, kClasses, kInstances, kValues };
 class TSnapshotReader {
  public:
   /// Appends to `classes` in the order of the namespace's enumeration.
-  TSnapshotReader(const ICIMNamespace& ns, EDepth depth, std::vector<TClassSnapshot>& classes)
-      : fNamespace(ns), fNamespaceName(ns.GetName({})), fDepth(depth), fClasses(classes) {}
+  TSnapshotReader(const ICIMNamespace& ns, EDepth depth, std::vector<TClassSnapshot>& classes);
 
   /// Reads every class.
   void ReadAll();
@@ -60,6 +60,7 @@ class TSnapshotReader {
 
   const ICIMNamespace& fNamespace;
   const std::string fNamespaceName;
+  const bool fMarksVolatile;  // has a qualifier for volatile properties
   const EDepth fDepth;
   std::vector<TClassSnapshot>& fClasses;
 };
