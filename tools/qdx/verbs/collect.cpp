@@ -5,6 +5,7 @@
 #include <qdxcore/logger.h>
 #include <qdxcore/os_specific.h>
 #include <qdxcore/schema_helper.h>
+#include <qdxdescribe/provider.h>
 #include <qdxmodel/names.h>
 #include <qdxrepository/repository.h>
 
@@ -13,7 +14,6 @@
 #include <cstddef>
 #include <ctime>
 #include <filesystem>
-#include <map>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -30,6 +30,7 @@ namespace NVORNQDX20 {
 namespace {
 
 namespace fs = std::filesystem;
+using namespace NDescribe;
 
 /// The namespace with the record of the collection. Namespaces of providers with this name are not
 /// collected.
@@ -82,83 +83,56 @@ std::string HostName(const TCopies& copies, const std::string& root) {
   return name;
 }
 
-using TType = TCIMValue::TCIMType;
-
-struct TPropertySpec {
-  const char* fName;
-  TType::ECIMType fType;
-  bool fIsKey = false;
+/// What the record of a collection is made from.
+struct TRecordSource {
+  const TProviderQuery& fMachine;
+  std::string fHostName;  ///< Empty if unknown.
 };
 
-boost::shared_ptr<ICIMClass> AddClass(ICIMNamespace& ns, const char* name,
-                                      const std::vector<TPropertySpec>& properties) {
-  auto added = ns.CreateClass(name, nullptr, {});
-  const auto key = ns.GetQualifierDecl("Key", {});
-  for (const TPropertySpec& spec : properties) {
-    const auto property =
-        added->CreatePropertyDecl(spec.fName, TCIMValue(TType(spec.fType), 0), {});
-    if (spec.fIsKey) property->AddQualifier(key, true)->Commit();
-    property->Commit();
-  }
-  added->Commit({});
-  return added;
+TReading<std::string> KnownHostName(const TRecordSource& from) {
+  if (from.fHostName.empty()) return Missing("no namespace names the machine");
+  return from.fHostName;
 }
 
-void AddInstance(ICIMClass& cimClass, const std::map<std::string, TCIMValue>& values) {
-  const auto instance = cimClass.CreateInstance({});
-  for (const auto& [name, value] : values) {
-    if (!value.IsNull()) instance->SetPropertyValue(name, value, {});
-  }
-  instance->Commit({});
-}
-
-TCIMValue TextOrNull(const std::string& text) {
-  return text.empty() ? TCIMValue() : TCIMValue(text);
-}
-
-/// Null in the hour or so in which some time zones have no valid current time.
-TCIMValue Now() {
+TReading<TCIMDateTime> Now(const TRecordSource&) {
   const TCIMDateTime now = TOSSpecific::GetLocalTime();
-  return now.IsNull() ? TCIMValue() : TCIMValue(now);
+  if (now.IsNull()) return Missing("the time zone has no valid time at this moment");
+  return now;
 }
 
-void AddFailures(ICIMNamespace& ns, const std::vector<TProviderFailure>& failures) {
-  const auto failureClass = AddClass(ns, "VORNSG_CollectionFailure",
-                                     {{"Provider", TType::kCIMTypeString, true},
-                                      {"Namespace", TType::kCIMTypeString, true},
-                                      {"Operation", TType::kCIMTypeString, true},
-                                      {"Status", TType::kCIMTypeString},
-                                      {"Reason", TType::kCIMTypeString}});
-  for (const auto& [origin, operation, failure] : failures) {
-    AddInstance(*failureClass, {{"Provider", origin.fProvider},
-                                {"Namespace", origin.fNamespace},
-                                {"Operation", operation},
-                                {"Status", failure.what()},
-                                {"Reason", failure.GetReason()}});
-  }
+TTable<TOnly, TRecordSource> CollectionTable() {
+  return {"VORNSG_Collection",
+          "When and where the data of this document was collected.",
+          kOnly,
+          // The same key in every document, so that diff matches the instances.
+          {{"InstanceID", "Identifies the only instance.", Constant("VORNSG:Collection"), kKey},
+           {"HostName", "The name of the machine.", KnownHostName, ESecret::kHostName},
+           {"RootFolder", "The folder below which the files of the machine were read.",
+            [](const TRecordSource& from) { return from.fMachine.GetRoot(); }, kVolatile},
+           {"CollectionTime", "When the data was read.", Now, kVolatile},
+           {"ToolVersion", "The version of the tool.", Constant(QDXCORE_VERSION)}}};
 }
 
-/// Returns a namespace with one VORNSG_Collection (host, time, version) and a
-/// VORNSG_CollectionFailure for each failure. An empty host name means unknown.
+TTable<TProviderFailure, TRecordSource> FailureTable() {
+  return {"VORNSG_CollectionFailure",
+          "An operation of a provider that failed.",
+          [](const TRecordSource& from) { return from.fMachine.GetFailures(); },
+          {{"Provider", "The provider.",
+            [](const TProviderFailure& failure) { return failure.fOrigin.fProvider; }, kKey},
+           {"Namespace", "The namespace; empty if the operation concerned none.",
+            [](const TProviderFailure& failure) { return failure.fOrigin.fNamespace; }, kKey},
+           {"Operation", "What the provider was asked for.", &TProviderFailure::fOperation, kKey},
+           {"Status", "The name of the status code.",
+            [](const TProviderFailure& failure) { return std::string(failure.fFailure.what()); }},
+           {"Reason", "Why it failed.",
+            [](const TProviderFailure& failure) { return failure.fFailure.GetReason(); }}}};
+}
+
 boost::shared_ptr<ICIMNamespace> MakeCollectionRecord(const TProviderQuery& machine,
                                                       const std::string& hostName) {
-  auto ns = MakeRepositoryNamespace(kRecordNamespaceName);
-  ns->CreateQualifierDecl("Key", false, kScopeProperty | kScopeReference, kFlavorToSubclass, {})
-      ->Commit();
-  // The same key in every document, so that diff matches the instances.
-  AddInstance(*AddClass(*ns, "VORNSG_Collection",
-                        {{"InstanceID", TType::kCIMTypeString, true},
-                         {"HostName", TType::kCIMTypeString},
-                         {"RootFolder", TType::kCIMTypeString},
-                         {"CollectionTime", TType::kCIMTypeDateTime},
-                         {"ToolVersion", TType::kCIMTypeString}}),
-              {{"InstanceID", "VORNSG:Collection"},
-               {"HostName", TextOrNull(hostName)},
-               {"RootFolder", machine.GetRoot()},
-               {"CollectionTime", Now()},
-               {"ToolVersion", QDXCORE_VERSION}});
-  AddFailures(*ns, machine.GetFailures());
-  return ns;
+  return NDescribe::Describe<TRecordSource>(TDescriber("qdx", kRecordNamespaceName),
+                                            {CollectionTable(), FailureTable()},
+                                            {machine, hostName});
 }
 
 /// Replaces all characters of a host name that are not known to be harmless in a file name.

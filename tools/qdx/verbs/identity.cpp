@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The verb identity.
 #include <qdxcore/schema_helper.h>
+#include <qdxdescribe/missing_values.h>
 #include <qdxmodel/options.h>
 
 #include <algorithm>
@@ -9,7 +10,6 @@
 
 #include "cli/output.h"
 #include "cli/terminal.h"
-#include "missing_values.h"
 #include "plugin_host/crash_note.h"
 #include "plugin_host/libraries.h"
 #include "plugin_host/provider_query.h"
@@ -84,7 +84,7 @@ TOptionsMap OptionsFor(const std::string& root, const std::vector<TItem>& items)
           {NModel::kClassesOption, TCIMValue(TCIMValue::TCIMType::kCIMTypeString, 0, classes)}};
 }
 
-TAnswer Ask(const TItem& item, TNamespace ns, const TMissingValueReasons& reasons) {
+TAnswer Ask(const TItem& item, TNamespace ns, const NDescribe::TMissingReasons& reasons) {
   const TCrashNote note(std::string("asking for ") + item.fLabel);
   TJSON value;
   auto failure = Try([&] { value = item.fQuery(ns); });
@@ -147,7 +147,7 @@ EExitCode RunIdentity(const TArguments& arguments) {
     return FailToDescribe(root, std::string("no provider has ") + kMachineNamespace + kListPlugins);
   }
 
-  const TMissingValueReasons reasons = ReadMissingValueReasons(*ns);
+  const NDescribe::TMissingReasons reasons = NDescribe::ReadMissingReasons(*ns);
   std::vector<TAnswer> answers;
   answers.reserve(items.size());
   for (const TItem& item : items) answers.push_back(Ask(item, ns, reasons));

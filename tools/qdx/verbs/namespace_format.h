@@ -3,11 +3,12 @@
 #ifndef TOOLS_QDX_VERBS_NAMESPACE_FORMAT_H_
 #define TOOLS_QDX_VERBS_NAMESPACE_FORMAT_H_
 
+#include <qdxdescribe/missing_values.h>
+
 #include <string>
 #include <vector>
 
 #include <qdxsnapshot/snapshot.h>
-#include "missing_values.h"
 
 namespace NVORNQDX20 {
 
@@ -16,7 +17,7 @@ struct TNamespaceContents {
   std::string fName;
   std::string fProvider;  ///< Empty for a document.
   std::vector<TClassSnapshot> fClasses;
-  TMissingValueReasons fReasons;
+  NDescribe::TMissingReasons fReasons;
 };
 
 /// Returns a line for each namespace, class and instance, followed by the properties; missing

@@ -93,7 +93,7 @@ class TSelection {
     }
     const auto element = Find(ns);
     if (!element && !fRequest.fElement.fText.empty()) return;
-    fFound.push_back({origin.fNamespace, origin.fProvider, {}, ReadMissingValueReasons(*ns)});
+    fFound.push_back({origin.fNamespace, origin.fProvider, {}, NDescribe::ReadMissingReasons(*ns)});
     Read(*ns, element);
   }
 
