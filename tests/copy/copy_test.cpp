@@ -129,10 +129,9 @@ TNamespace MakeSource() {
   const auto root = AddClass(ns, "T_Root", {});
   const auto base = AddClass(ns, "T_Base", {{"Id", 0U}}, {{"Name", kNoText}});
   const TCIMValue toBase = NullReference(ns, "T_Base");
-  AddClass(ns, "T_Link", {{"From", toBase}}, {{"To", toBase}}, root, {"Association"});
+  AddClass(ns, "T_Link", {{"From", toBase}}, {{"To", toBase}}, root, true);
   AddDerived(ns, "T_Node", root, {});
-  AddClass(ns, "T_Meta", {{"Of", NullReference(ns, "T_Link")}}, {}, nullptr,
-           {"Association", "Abstract"});
+  AddClass(ns, "T_Meta", {{"Of", NullReference(ns, "T_Link")}}, {}, nullptr, true, true);
   const auto middle = ns->CreateClass("T_Middle", base, {});
   Qualify(ns, middle->CreatePropertyDecl("Name", "middle", {}), "Override", "Name")->Commit();
   middle->Commit({});

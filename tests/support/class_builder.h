@@ -3,7 +3,7 @@
 #ifndef TESTS_SUPPORT_CLASS_BUILDER_H_
 #define TESTS_SUPPORT_CLASS_BUILDER_H_
 
-#include <qdxcore/interfaces.h>
+#include <qdxdescribe/declaration.h>
 #include <qdxrepository/repository.h>
 
 namespace NVORNQDX20 {
@@ -31,20 +31,19 @@ TElement Qualify(const TNamespace& ns, const TElement& element, const std::strin
   return element;
 }
 
-/// A committed class; `keys` and `others` are its properties with their default values, and the
-/// qualifiers are true.
+/// A committed class; `keys` and `others` are its properties with their default values.
 inline boost::shared_ptr<ICIMClass> AddClass(
     const TNamespace& ns, const std::string& name, const TProperties& keys,
     const TProperties& others = {}, const boost::shared_ptr<ICIMClass>& superclass = nullptr,
-    const std::vector<std::string>& qualifiers = {}) {
-  const auto added = ns->CreateClass(name, superclass, {});
-  for (const auto& qualifier : qualifiers) Qualify(ns, added, qualifier, true);
+    bool isAssociation = false, bool isAbstract = false) {
+  NDescribe::TClassDeclaration declaration{name, {}, {}, {}, isAbstract, isAssociation};
+  if (superclass) declaration.fSuperclass = superclass->GetName({});
   for (const auto& [key, value] : keys) {
-    Qualify(ns, added->CreatePropertyDecl(key, value, {}), "Key", true)->Commit();
+    declaration.fProperties.emplace_back(key, value);
+    declaration.fProperties.back().fIsKey = true;
   }
-  for (const auto& [other, value] : others) added->CreatePropertyDecl(other, value, {})->Commit();
-  added->Commit({});
-  return added;
+  for (const auto& [other, value] : others) declaration.fProperties.emplace_back(other, value);
+  return NDescribe::DeclareClass(*ns, declaration);
 }
 
 /// A committed class below another one, which has these properties, without qualifiers, too.
