@@ -32,8 +32,9 @@ struct TDifference {
 /// Returns the differences, sorted by the names of namespaces, classes, instances and properties.
 ///
 /// Instances correspond if their object paths are equal, or, without keys, if their values are
-/// equal. Order, methods and qualifiers other than Key are not compared. Properties that change
-/// while a machine runs are left out unless `all` is set: uptimes, the time, counters, free space.
+/// equal. Order, methods and qualifiers other than Key are not compared. Volatile properties are
+/// left out unless `all` is set: those with the qualifier VORNSG_Volatile, and in a namespace that
+/// does not declare it those with certain names.
 std::vector<TDifference> Compare(std::vector<TNamespaceSnapshot> a,
                                  std::vector<TNamespaceSnapshot> b, bool all);
 
