@@ -33,8 +33,8 @@ class TReading {
   TReading() : fReason("was not read") {}
   TReading(T value) : fValue(std::move(value)) {}
   TReading(TMissing missing) : fReason(std::move(missing.fReason)) {}
-  /// For what converts to a class, such as a literal to a string. Numbers do not convert, since
-  /// that can lose digits.
+  /// For what converts to a class, such as a literal to a string. Numbers convert by the
+  /// constructor above, so that the compiler warns where digits can be lost.
   template <typename U,
             typename = std::enable_if_t<std::is_class_v<T> && std::is_constructible_v<T, const U&>>>
   TReading(const U& value) : fValue(T(value)) {}

@@ -23,8 +23,9 @@ struct TRequest {
   TOptionsMap fOptions;  ///< All options of the call.
 };
 
-/// An instance that a reference refers to: its class and the value of its last key. The reference
-/// is null, with a reason, if the namespace has no such instance.
+/// An instance that a reference refers to: its own class, not a superclass, and the value of its
+/// last key; of several instances with that value, the first. The reference is null, with a reason,
+/// if the namespace has no such instance.
 struct TInstanceName {
   std::string fClass;
   std::string fKey;
@@ -35,7 +36,8 @@ struct TKeyAttribute {};
 struct TVolatileAttribute {};
 struct TCounterAttribute {};
 struct TGaugeAttribute {};
-/// A key of the class. A missing text becomes empty, since a key cannot be null.
+/// A key of the class. A missing text becomes empty, since a key cannot be null. REQUIRES: a key of
+/// another type has a value; otherwise describing the namespace throws kQDXStatusTypeMismatch.
 inline constexpr TKeyAttribute kKey;
 /// The value changes while nobody changes the machine; comparisons leave it out.
 inline constexpr TVolatileAttribute kVolatile;

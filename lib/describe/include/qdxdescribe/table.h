@@ -88,7 +88,7 @@ class TTable {
   using TRows = std::vector<TRow<TSource, THost>>;
 
   /// `list` is a function of the host, or of the host and of the namespace with the classes before
-  /// this one. It returns a TInstances, a std::vector, one TSource, or a TReading of the latter.
+  /// this one. It returns a TInstances, a std::vector, one TSource, or a TReading of these two.
   template <typename TLister>
   TTable(const char* name, const char* description, TLister list, const TRows& rows)
       : TTable(name, description, rows) {
