@@ -194,7 +194,11 @@ class TInstanceWriter final : public IInstanceSink {
     return true;
   }
 
+  /// Returns whether there are no instances, and no reason for that.
+  bool IsEmpty() const { return fCount == 0 && !fHasMissed; }
+
   void Miss(const std::string& reason) override {
+    fHasMissed = true;
     fDescription.Miss({fClass->GetName({}), "", "", reason});
   }
 
@@ -240,6 +244,7 @@ class TInstanceWriter final : public IInstanceSink {
   std::vector<bool> fIsKey;  // of each column
   std::optional<std::size_t> fLastKey;
   std::size_t fCount = 0;
+  bool fHasMissed = false;
 };
 
 /// Returns the steps of the wanted classes, and of those that they need.
@@ -275,8 +280,10 @@ TNamespace TDescriber::Describe(const std::vector<TStep>& steps, const TOptionsM
   // What associations refer to exists by then.
   std::stable_partition(wanted.begin(), wanted.end(), std::not_fn(IsAssociation));
   for (const TStep& step : wanted) {
+    if (!step.fDescribe) continue;
     TInstanceWriter writer(description, step, fMaxInstances);
-    if (step.fDescribe) step.fDescribe(*ns, writer);
+    step.fDescribe(*ns, writer);
+    if (explains == EExplains::kAlways && writer.IsEmpty()) writer.Miss("none was found");
   }
   return explains == EExplains::kIfMissing && description.IsComplete() ? ns : description.Finish();
 }

@@ -31,12 +31,12 @@ inline std::string TextOf(const ICIMInstance& instance, const std::string& prope
   return value.IsNull() ? "(null)" : value.ToString(10);
 }
 
-/// Why values are null, each behind its instance and property.
+/// Why values are null, by instance and property; why a class has no instances, by its name.
 inline std::map<std::string, std::string> ReasonsOf(const ICIMNamespace& ns) {
   std::map<std::string, std::string> reasons;
   for (const auto& missing : InstancesOf(ns, "VORNSG_UnavailableValue")) {
     const std::string name = TextOf(*missing, "Instance") + TextOf(*missing, "PropertyName");
-    reasons[name] = TextOf(*missing, "Reason");
+    reasons[name.empty() ? TextOf(*missing, "ClassName") : name] = TextOf(*missing, "Reason");
   }
   return reasons;
 }

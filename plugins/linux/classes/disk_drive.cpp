@@ -11,7 +11,7 @@ namespace {
 /// Returns whether the block device is hardware, unlike loop devices and memory disks, and not a
 /// second path to a disk that is listed already.
 bool IsDrive(const TSysfsDevice& device) {
-  return device.fFiles->IsFolder(device.fFolder + "device") &&
+  return !device.fFiles->IsAbsent(device.fFolder + "device") &&
          !device.ReadFlag("hidden").ValueOr(false);
 }
 
@@ -41,7 +41,7 @@ TText ReadSerialNumberPage(const TSysfsDevice& drive) {
 
 TText ReadSerialNumber(const TSysfsDevice& drive) {
   for (const char* file : {"device/serial", "serial"}) {
-    if (TText serial = drive.ReadLine(file)) return serial;
+    if (!drive.fFiles->IsAbsent(drive.fFolder + file)) return drive.ReadLine(file);
   }
   return ReadSerialNumberPage(drive);
 }

@@ -15,10 +15,13 @@ const char* const kEthernet = "1";
 
 TInstances<TSysfsDevice> ListPorts(const THost& host) {
   TInstances<TSysfsDevice> ports = ListDevices(host, "/sys/class/net");
-  auto& all = ports.fAll;
-  const auto isOther = [](const TSysfsDevice& port) {
-    return port.ReadLine("type").ValueOr("") != kEthernet;
+  const auto isOther = [&ports](const TSysfsDevice& port) {
+    const TText type = port.ReadLine("type");
+    // Bridges of old kernels and the like have none; any other failure hides a port.
+    if (!type && !port.fFiles->IsAbsent(port.fFolder + "type")) ports.Miss(type.GetReason());
+    return type.ValueOr("") != kEthernet;
   };
+  auto& all = ports.fAll;
   all.erase(std::remove_if(all.begin(), all.end(), isOther), all.end());
   return ports;
 }

@@ -18,8 +18,7 @@ struct TFileSystem {
 TText ReadTable(const THostFiles& files) {
   if (files.IsThisMachine()) return files.Read("/proc/self/mounts", THostFiles::kMaxTableSize);
   // Below another root: the recorded mounts, else those that fstab configures.
-  TText mounts = files.Read("/proc/mounts", THostFiles::kMaxTableSize);
-  return mounts ? mounts : files.Read("/etc/fstab");
+  return files.ReadFirst({"/proc/mounts", "/etc/fstab"}, THostFiles::kMaxTableSize);
 }
 
 TReading<std::vector<TFileSystem>> ListFileSystems(const THost& host) {

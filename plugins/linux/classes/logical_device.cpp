@@ -59,14 +59,15 @@ TClass SystemDeviceClass() {
 }
 
 TInstances<TSysfsDevice> ListDevices(const THost& host, const std::string& folder) {
-  if (!host.fFiles.IsFolder(folder)) return Missing(folder + ": no such folder");
-  std::vector<TSysfsDevice> devices;
-  for (const std::string& name : host.fFiles.List(folder)) {
-    // The kernel has only printable names, and a key must be printable.
-    if (PrintableText(name) != name) continue;
-    devices.push_back({{name, name}, &host.fFiles, folder + "/" + name + "/"});
-  }
-  return devices;
+  return host.fFiles.List(folder).map([&](const std::vector<std::string>& names) {
+    std::vector<TSysfsDevice> devices;
+    for (const std::string& name : names) {
+      // The kernel has only printable names, and a key must be printable.
+      if (PrintableText(name) != name) continue;
+      devices.push_back({{name, name}, &host.fFiles, folder + "/" + name + "/"});
+    }
+    return devices;
+  });
 }
 
 }  // namespace NVORNQDX20

@@ -23,16 +23,19 @@ constexpr std::uint16_t kLinux = 36;
 
 /// The files that several rows need.
 struct TSystem {
-  std::map<std::string, std::string> fRelease;
+  TReading<std::map<std::string, std::string>> fRelease;
   TFields fMemory;
   TAverages fLoadAverages;
 };
 
-std::map<std::string, std::string> ReadOSRelease(const THostFiles& files) {
-  for (const char* path : {"/etc/os-release", "/usr/lib/os-release"}) {
-    if (const TText file = files.Read(path)) return ParseOSRelease(*file);
+/// Empty if the system has no such file.
+TReading<std::map<std::string, std::string>> ReadOSRelease(const THostFiles& files) {
+  const char* const configured = "/etc/os-release";
+  const char* const shipped = "/usr/lib/os-release";
+  if (files.IsAbsent(configured) && files.IsAbsent(shipped)) {
+    return std::map<std::string, std::string>();
   }
-  return {};
+  return files.ReadFirst({configured, shipped}).map(ParseOSRelease);
 }
 
 /// Parses the first three numbers of "3.30 3.10 2.65 7/149 28102".
@@ -64,11 +67,13 @@ TSystem ReadSystem(const THost& host) {
 /// Reads the distribution's name for itself, else the kernel's.
 auto Release(const char* variable, TText THost::*ofKernel) {
   return [=](const TSystem& system, const THost& host) -> TText {
-    const auto found = system.fRelease.find(variable);
-    if (found != system.fRelease.end() && !found->second.empty()) return found->second;
-    const TText& kernel = host.*ofKernel;
-    if (kernel) return kernel;
-    return Missing(std::string("no ") + variable + " in os-release, and " + kernel.GetReason());
+    return system.fRelease.and_then([&](const auto& release) -> TText {
+      const auto found = release.find(variable);
+      if (found != release.end() && !found->second.empty()) return found->second;
+      const TText& kernel = host.*ofKernel;
+      if (kernel) return kernel;
+      return Missing(std::string("no ") + variable + " in os-release, and " + kernel.GetReason());
+    });
   };
 }
 
@@ -116,12 +121,13 @@ TReading<TCIMDateTime> ReadLastBootUpTime(const THost& host) {
 
 /// Counts the folders in /proc whose names are numbers. The image of a disk has none.
 TReading<std::uint32_t> CountProcesses(const THost& host) {
-  const std::vector<std::string> names = host.fFiles.List("/proc");
-  const auto count = std::count_if(names.begin(), names.end(), [](const std::string& name) {
-    return ParseNumber(name).has_value();
-  });
-  if (count == 0) return Missing("/proc: shows no processes");
-  return static_cast<std::uint32_t>(count);
+  const auto isNumber = [](const std::string& name) { return ParseNumber(name).has_value(); };
+  return host.fFiles.List("/proc").and_then(
+      [&](const std::vector<std::string>& names) -> TReading<std::uint32_t> {
+        const auto count = std::count_if(names.begin(), names.end(), isNumber);
+        if (count == 0) return Missing("/proc: shows no processes");
+        return static_cast<std::uint32_t>(count);
+      });
 }
 
 /// An empty line in the file means that no processor is offline.

@@ -16,11 +16,11 @@ constexpr std::array kDeviceTypes = {
     "Communications Device",
 };
 
-std::vector<TSysfsDevice> ListSCSIDevices(const THost& host) {
-  const std::string folder = "/sys/class/scsi_generic/";
-  std::vector<TSysfsDevice> devices;
-  for (const std::string& name : host.fFiles.List(folder)) {
-    devices.push_back({{"/dev/" + name, name}, &host.fFiles, folder + name + "/device/"});
+TInstances<TSysfsDevice> ListSCSIDevices(const THost& host) {
+  TInstances<TSysfsDevice> devices = ListDevices(host, "/sys/class/scsi_generic");
+  for (TSysfsDevice& device : devices.fAll) {
+    device.fID = "/dev/" + device.fID;
+    device.fFolder += "device/";
   }
   return devices;
 }

@@ -35,11 +35,16 @@ TText ReadConfiguredHostName(const THostFiles& files) {
   return Missing(std::string(path) + ": holds no name");
 }
 
+/// Returns whether there is a file that cannot be read.
+bool IsHidden(const THostFiles& files, const char* path) {
+  return !files.Read(path) && !files.IsAbsent(path);
+}
+
 TText ReadHostName(const THostFiles& files) {
   TText name = ReadKernelName(files, "hostname", &utsname::nodename);
   // The kernel's host name is "(none)" until one is set.
   if (name && !name->empty() && *name != "(none)") return name;
-  return ReadConfiguredHostName(files);
+  return IsHidden(files, "/proc/sys/kernel/hostname") ? name : ReadConfiguredHostName(files);
 }
 
 const char* const kDMIFolder = "/sys/class/dmi/id";
@@ -103,7 +108,7 @@ THost::THost(const NDescribe::TRequest& request)
       fName(ReadHostName(fFiles)) {}
 
 TText THost::ReadDMIString(const std::string& name) const {
-  if (!fFiles.IsFolder(kDMIFolder)) {
+  if (fFiles.IsAbsent(kDMIFolder)) {
     return Missing(std::string("no DMI table: ") + kDMIFolder + " does not exist");
   }
   const std::string path = std::string(kDMIFolder) + "/" + name;

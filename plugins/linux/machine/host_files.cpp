@@ -5,6 +5,7 @@
 #include <qdxsystem/error_text.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <filesystem>
 #include <memory>
@@ -52,18 +53,17 @@ TDescriptor OpenWithoutLinks(int root, const std::string& path, int flags) {
   return TDescriptor(::openat(folder.Get(), relative.filename().c_str(), flags | O_NOFOLLOW));
 }
 
-/// Reads at most one byte more than allowed, so that the caller notices a file that is too long.
+/// Stops after the maximum size, so that the caller notices a file that is too long.
 TText ReadToEnd(int file, const std::string& path, std::size_t maxSize) {
-  std::string text(maxSize + 1, '\0');
-  std::size_t size = 0;
-  while (size < text.size()) {
-    const ssize_t count = ::read(file, text.data() + size, text.size() - size);
+  std::array<char, 16384> buffer;  // not initialised: most files have some bytes
+  std::string text;
+  while (text.size() <= maxSize) {
+    const ssize_t count = ::read(file, buffer.data(), buffer.size());
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return MissingFile(path, ErrorText(errno));
     if (count == 0) break;
-    size += static_cast<std::size_t>(count);
+    text.append(buffer.data(), static_cast<std::size_t>(count));
   }
-  text.resize(size);
   return text;
 }
 
@@ -111,8 +111,20 @@ TDescriptor THostFiles::Open(const std::string& path, int flags) const {
   return OpenWithoutLinks(fRoot.Get(), path, flags);
 }
 
+/// To open a device can start it, so the type of a file in an image is looked at first.
+TDescriptor THostFiles::OpenToRead(const std::string& path) const {
+  const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY;
+  if (fIsThisMachine) return Open(path, flags);
+  TDescriptor place = Open(path, O_PATH);
+  if (!place.IsOpen() || !IsRegularFile(place.Get())) return place;
+  const std::string self = "/proc/self/fd/" + std::to_string(place.Get());
+  TDescriptor file(::open(self.c_str(), flags | O_CLOEXEC));
+  // Where /proc is not mounted, the path is opened again.
+  return file.GetError() == ENOENT ? Open(path, flags) : std::move(file);
+}
+
 TText THostFiles::Read(const std::string& path, std::size_t maxSize) const {
-  const TDescriptor file = Open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+  const TDescriptor file = OpenToRead(path);
   if (!file.IsOpen()) return MissingFile(path, ErrorText(file.GetError()));
   if (!IsRegularFile(file.Get())) return MissingFile(path, "not a regular file");
   TText reading = ReadToEnd(file.Get(), path, maxSize);
@@ -130,20 +142,32 @@ TText THostFiles::ReadLine(const std::string& path) const {
   return line;
 }
 
-bool THostFiles::IsFolder(const std::string& path) const {
-  return Open(path, O_PATH | O_DIRECTORY).IsOpen();
+TText THostFiles::ReadFirst(std::initializer_list<const char*> paths, std::size_t maxSize) const {
+  TText file;
+  for (const char* path : paths) {
+    file = Read(path, maxSize);
+    if (file || !IsAbsent(path)) break;
+  }
+  return file;
 }
 
-std::vector<std::string> THostFiles::List(const std::string& path) const {
+bool THostFiles::IsAbsent(const std::string& path) const {
+  const int error = Open(path, O_PATH).GetError();
+  return error == ENOENT || error == ENOTDIR;
+}
+
+TReading<std::vector<std::string>> THostFiles::List(const std::string& path) const {
   TDescriptor folder = Open(path, O_RDONLY | O_DIRECTORY | O_NONBLOCK);
-  if (!folder.IsOpen()) return {};
+  if (!folder.IsOpen()) return MissingFile(path, ErrorText(folder.GetError()));
   const std::unique_ptr<DIR, int (*)(DIR*)> entries(::fdopendir(folder.Get()), ::closedir);
-  if (!entries) return {};
+  if (!entries) return MissingFile(path, ErrorText(errno));
   (void)folder.Release();  // owned by the DIR from here on
   std::vector<std::string> names;
+  errno = 0;
   while (const dirent* entry = ::readdir(entries.get())) {
     if (entry->d_name[0] != '.') names.emplace_back(entry->d_name);
   }
+  if (errno != 0) return MissingFile(path, ErrorText(errno));
   std::sort(names.begin(), names.end());
   return names;
 }

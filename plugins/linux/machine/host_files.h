@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -45,10 +46,15 @@ class THostFiles {
   TText Read(const std::string& path, std::size_t maxSize = kMaxFileSize) const;
   /// Returns the printable part of the first line; an empty line counts as missing.
   TText ReadLine(const std::string& path) const;
-  bool IsFolder(const std::string& path) const;
-  /// Returns the sorted names in a folder, without those that begin with a dot. Empty if the folder
-  /// cannot be read.
-  std::vector<std::string> List(const std::string& path) const;
+  /// Returns the contents of the first of several files that exists. A file that exists and cannot
+  /// be read is not replaced by the next.
+  TText ReadFirst(std::initializer_list<const char*> paths,
+                  std::size_t maxSize = kMaxFileSize) const;
+  /// Returns whether nothing has this path. False also if that cannot be found out, for example
+  /// because a parent folder may not be searched.
+  bool IsAbsent(const std::string& path) const;
+  /// Returns the sorted names in a folder, without those that begin with a dot.
+  TReading<std::vector<std::string>> List(const std::string& path) const;
 
   /// Returns the space of the file system that is mounted there on this machine. This call can
   /// block on a network file system: callers must check TMount::fCanBeAsked first.
@@ -56,6 +62,7 @@ class THostFiles {
 
  private:
   TDescriptor Open(const std::string& path, int flags) const;
+  TDescriptor OpenToRead(const std::string& path) const;
 
   TDescriptor fRoot;
   bool fIsThisMachine;

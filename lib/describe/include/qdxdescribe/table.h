@@ -37,7 +37,7 @@
 namespace NVORNQDX20::NDescribe {
 
 /// Instances that could be read, and why others could not. An empty list needs a reason; without
-/// one it says that the machine has none.
+/// one a provider says "none was found".
 template <typename TSource>
 struct TInstances {
   TInstances(std::vector<TSource> all) : fAll(std::move(all)) {}
@@ -51,6 +51,9 @@ struct TInstances {
   TInstances(const TReading<TSource>& only) : fReason(only.GetReason()), fIsOnly(true) {
     if (only) fAll.push_back(*only);
   }
+
+  /// Adds a reason why an instance is missing.
+  void Miss(const std::string& reason) { fReason += (fReason.empty() ? "" : "; ") + reason; }
 
   std::vector<TSource> fAll;
   std::string fReason;
