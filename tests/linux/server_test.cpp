@@ -73,7 +73,7 @@ sys/class/net/eth0/statistics: rx_packets=6; tx_errors=1; tx_dropped=3; tx_bytes
 sys/class/net/lo: type=772
 sys/bus/pci/devices/0000:3b:00.0: vendor=0x8086; device=0x0572; class=0x020100; revision=0x02
 sys/bus/pci/devices/0000:3b:00.0: subsystem_vendor=0x15d9; subsystem_device=0x1; uevent=DRIVER=i40e
-sys/devices/system/cpu: offline=; cpu0/cpufreq/cpuinfo_max_freq=3900000
+sys/devices/system/cpu: present=0-3,6,8; online=0-1,6; cpu0/cpufreq/cpuinfo_max_freq=3900000
 sys/devices/system/cpu: cpu1/cpufreq/cpuinfo_max_freq=3000000
 sys/class/dmi/id: sys_vendor=V; product_name=P; product_serial=S
 proc: stat=btime 1079361000; loadavg=0.50 12.25 3.00 2/149 28102; 1/stat=1; 77/stat=77; mounts=
@@ -83,7 +83,7 @@ proc/sys/kernel: tainted=512; ostype=Linux; osrelease=6.1.0; hostname=srv1
 /// What it is like. What stands before the colon is the instance.
 const char* const kValues = R"(
 : TotalVisibleMemorySize=64; FreePhysicalMemory=16; AvailablePhysicalMemory=48; KernelTaint=512
-: SizeStoredInPagingFiles=32; FreeSpaceInPagingFiles=0; NumberOfProcesses=2; OfflineProcessors=
+: SizeStoredInPagingFiles=32; FreeSpaceInPagingFiles=0; NumberOfProcesses=2; OfflineProcessors=2-3,8
 : LoadAverage1=0.5; LoadAverage5=12.25; LoadAverage15=3; KernelRelease=6.1.0
 : LastBootUpTime=20040315143000.000000+000
 CPU0: Name=Xeon 8; Manufacturer=GenuineIntel; Stepping=7; Microcode=0x5003
@@ -224,15 +224,17 @@ const char* const kMounts = R"(
 /mnt/my nfs: FileSystemType=nfs4; ReadOnly=true; AvailableSpace=not asked: may hang
 /mnt/my nfs/deep: FileSystemType=xfs; FileSystemSize=not asked: may hang
 /tmp: FileSystemType=fuse.x; FreeInodes=not asked: may hang
+/dav: Device=https://[removed]@srv/x
 )";
 
 TEST_F(LinuxServer, HasFileSystems) {
   fMachine.Write("proc/mounts",
                  "/dev/sda1 / ext4 rw 0 0\nsrv:/x /mnt/my\\040nfs nfs4 ro,hard 0 0\n"
-                 "/dev/sdb /mnt/my\\040nfs/deep xfs rw 0 0\nnone /tmp fuse.x rw 0 0\n");
+                 "/dev/sdb /mnt/my\\040nfs/deep xfs rw 0 0\nnone /tmp fuse.x rw 0 0\n"
+                 "https://me:a/b@c@srv/x /dav fuse.davfs rw 0 0\n");
   TTexts values = Values();
   for (const auto& [name, value] : ParseTexts(kMounts, "")) EXPECT_EQ(values[name], value) << name;
-  EXPECT_EQ(InstancesOf(*fMachine.Namespace(), "VORNSG_FileSystem").size(), 4U);
+  EXPECT_EQ(InstancesOf(*fMachine.Namespace(), "VORNSG_FileSystem").size(), 5U);
 
   fs::remove(fMachine.Path() / "proc/mounts");
   fMachine.Write("etc/fstab", "UUID=1 / btrfs x 0 0\n");

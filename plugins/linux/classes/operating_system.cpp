@@ -7,8 +7,10 @@
 #include <array>
 #include <charconv>
 #include <ctime>
+#include <iterator>
 
 #include "catalogue.h"
+#include "machine/cpu_list.h"
 #include "machine/fields.h"
 #include "machine/numbers.h"
 #include "machine/os_release.h"
@@ -130,10 +132,23 @@ TReading<std::uint32_t> CountProcesses(const THost& host) {
       });
 }
 
-/// An empty line in the file means that no processor is offline.
+TReading<TCPUs> ReadCPUs(const THost& host, const char* file) {
+  const std::string path = std::string("/sys/devices/system/cpu/") + file;
+  return host.fFiles.Read(path).and_then([&path](const std::string& list) -> TReading<TCPUs> {
+    if (auto cpus = ParseCPUList(list.substr(0, list.find('\n')))) return *cpus;
+    return Missing(path + ": no list of processors");
+  });
+}
+
+/// The file "offline" is no use: it also lists the numbers up to the maximum of the kernel.
 TText ReadOfflineProcessors(const THost& host) {
-  return host.fFiles.Read("/sys/devices/system/cpu/offline").map([](const std::string& list) {
-    return list.substr(0, list.find('\n'));
+  return ReadCPUs(host, "present").and_then([&host](const TCPUs& present) {
+    return ReadCPUs(host, "online").map([&present](const TCPUs& online) {
+      TCPUs offline;
+      std::set_difference(present.begin(), present.end(), online.begin(), online.end(),
+                          std::inserter(offline, offline.end()));
+      return FormatCPUList(offline);
+    });
   });
 }
 

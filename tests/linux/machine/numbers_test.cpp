@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <machine/numbers.h>
 
+#include <machine/cpu_list.h>
 #include <machine/fields.h>
 
 #include <gtest/gtest.h>
@@ -44,6 +45,15 @@ TEST(MachineNumber, IsMissingForAReason) {
       {TextOf(NumberAs<std::uint8_t>(TNumber(255))), "255"},
       {TextOf(NumberAs<std::uint8_t>(TNumber(256))), "256 is out of range"}};
   for (const auto& [text, expected] : rows) EXPECT_EQ(text, expected);
+}
+
+TEST(MachineCPUList, HasNumbersAndRanges) {
+  for (const char* text : {"", "0", "0-3", "0-1,3,5-6", "65535"}) {
+    EXPECT_EQ(FormatCPUList(ParseCPUList(text).value()), text);
+  }
+  for (const char* text : {"a", "0-", "-1", "0,", ",0", "0 ", "65536", "0-4294967296", "0x1"}) {
+    EXPECT_EQ(ParseCPUList(text), std::nullopt) << text;
+  }
 }
 
 TEST(MachineFields, AreFoundByTheirNames) {
