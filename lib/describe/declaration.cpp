@@ -86,18 +86,22 @@ void QualifyAsEnumeration(ICIMNamespace& ns, ICIMPropertyDecl& property,
   Qualify(ns, property, kValues, Texts(names));
 }
 
-TCIMValue InitialValue(ICIMNamespace& ns, const TPropertyDeclaration& declaration) {
+using TClass = boost::shared_ptr<ICIMClass>;
+
+TCIMValue InitialValue(ICIMNamespace& ns, const TClass& cimClass,
+                       const TPropertyDeclaration& declaration) {
   TCIMValue initial = declaration.fDefault;
-  if (!declaration.fReferencedClass.empty()) {
-    initial.SetReferencedClass(ns.GetClass(declaration.fReferencedClass, {}));
-  }
+  const std::string& target = declaration.fReferencedClass;
+  if (target.empty()) return initial;
+  const bool isOwn = NModel::EqualIgnoringCase(target, cimClass->GetName({}));
+  initial.SetReferencedClass(isOwn ? cimClass : ns.GetClass(target, {}));
   return initial;
 }
 
-void DeclareProperty(ICIMNamespace& ns, ICIMClass& cimClass,
+void DeclareProperty(ICIMNamespace& ns, const TClass& cimClass,
                      const TPropertyDeclaration& declaration) {
-  const auto added =
-      cimClass.CreatePropertyDecl(declaration.fName, InitialValue(ns, declaration), {});
+  const TCIMValue initial = InitialValue(ns, cimClass, declaration);
+  const auto added = cimClass->CreatePropertyDecl(declaration.fName, initial, {});
   ICIMPropertyDecl& property = *added;
   if (declaration.fIsKey) Qualify(ns, property, kKeyQualifier, true);
   if (!declaration.fDescription.empty()) {
@@ -145,7 +149,8 @@ class TDeclarationCheck {
       if (!names.emplace(property.fName, true).second) {
         Refuse(declaration, "has two properties " + property.fName);
       }
-      Require(declaration, property.fReferencedClass, "the referenced class");
+      const bool isOwn = NModel::EqualIgnoringCase(property.fReferencedClass, declaration.fName);
+      if (!isOwn) Require(declaration, property.fReferencedClass, "the referenced class");
     }
     if (!declaration.fIsAbstract && !HasKey(declaration)) {
       Refuse(declaration, "has no key");
@@ -195,11 +200,13 @@ boost::shared_ptr<ICIMClass> DeclareClass(ICIMNamespace& ns, const TClassDeclara
     Qualify(ns, *declared, kDescription, declaration.fDescription);
   }
   for (const TPropertyDeclaration& property : declaration.fProperties) {
-    DeclareProperty(ns, *declared, property);
+    DeclareProperty(ns, declared, property);
   }
   declared->Commit({});
   return declared;
 }
+
+void DeclareVolatileQualifier(ICIMNamespace& ns) { (void)Declared(ns, kVolatile); }
 
 boost::shared_ptr<ICIMInstance> AddInstance(ICIMClass& cimClass, const TValues& values) {
   auto added = cimClass.CreateInstance({});
@@ -213,6 +220,11 @@ boost::shared_ptr<ICIMInstance> AddInstance(ICIMClass& cimClass, const TValues& 
 void CheckDeclarations(const std::vector<const TClassDeclaration*>& declarations) {
   TDeclarationCheck check;
   for (const TClassDeclaration* const declaration : declarations) check.Check(*declaration);
+  // Names and overridden types are checked by a namespace.
+  const auto trial = MakeRepositoryNamespace("trial");
+  for (const TClassDeclaration* const declaration : declarations) {
+    DeclareClass(*trial, *declaration);
+  }
 }
 
 }  // namespace NVORNQDX20::NDescribe

@@ -67,14 +67,16 @@ class TReferences {
  public:
   explicit TReferences(TNamespace ns) : fNamespace(std::move(ns)) {}
 
-  /// Returns a null value if there is no such instance.
-  TCIMValue Find(const TInstanceName& name) {
+  TReading<TCIMValue> Find(const TInstanceName& name) {
     const auto& instances = InstancesOf(name.fClass);
     const auto found = instances.find(name.fKey);
-    return found == instances.end() ? TCIMValue() : ReferenceTo(*found->second);
+    if (found == instances.end()) return Missing("there is no " + name.fClass + " " + name.fKey);
+    if (!found->second) return Missing("there are several " + name.fClass + " " + name.fKey);
+    return ReferenceTo(*found->second);
   }
 
  private:
+  /// By the last key; null if several instances have the same.
   using TInstancesByKey = std::unordered_map<std::string, boost::shared_ptr<ICIMInstance>>;
 
   /// Reads the instances once, when the first reference asks for one of them.
@@ -92,9 +94,12 @@ class TReferences {
       return;  // not wanted, or an unknown class
     }
     const std::vector<std::string> keys = KeysOf(*cimClass);
-    for (auto& instance : NModel::InstancesOf(*cimClass)) {
-      std::string key = instance->GetProperty(keys.back(), {})->GetValue().ToString(10);
-      instances.emplace(std::move(key), std::move(instance));
+    for (const auto& each : NModel::WithSubclasses(cimClass)) {
+      for (const auto& instance : NModel::InstancesOf(*each)) {
+        std::string key = instance->GetProperty(keys.back(), {})->GetValue().ToString(10);
+        const auto [place, isNew] = instances.emplace(std::move(key), instance);
+        if (!isNew) place->second = nullptr;
+      }
     }
   }
 
@@ -124,10 +129,22 @@ class TReferences {
 class TDescription {
  public:
   TDescription(const std::string& provider, const std::string& name)
-      : fProvider(provider), fNamespace(MakeRepositoryNamespace(name)), fReferences(fNamespace) {}
+      : fProvider(provider), fNamespace(MakeRepositoryNamespace(name)), fReferences(fNamespace) {
+    DeclareVolatileQualifier(*fNamespace);
+  }
 
   const TNamespace& GetNamespace() const { return fNamespace; }
-  TReferences& GetReferences() { return fReferences; }
+  bool IsComplete() const { return fMissing.empty(); }
+
+  TReading<TCIMValue> FindReference(const TInstanceName& target) {
+    return fReferences.Find(target);
+  }
+
+  /// Sets a reference once all instances are there.
+  void SetReferenceLater(const boost::shared_ptr<ICIMInstance>& instance, TMissingValue place,
+                         const TInstanceName& target) {
+    fLater.push_back({instance, std::move(place), target});
+  }
 
   void Miss(TMissingValue missing) {
     LogMessage(
@@ -139,7 +156,18 @@ class TDescription {
     isNew ? fMissing.push_back(std::move(missing)) : Append(fMissing[found->second], missing);
   }
 
-  bool IsComplete() const { return fMissing.empty(); }
+  void SetReferences() {
+    for (auto& [instance, place, target] : fLater) {
+      const TReading<TCIMValue> reference = fReferences.Find(target);
+      if (reference) {
+        instance->SetPropertyValue(place.fProperty, *reference, {});
+      } else {
+        place.fReason = reference.GetReason();
+        Miss(std::move(place));
+      }
+    }
+  }
+
   /// The last call.
   TNamespace Finish() {
     WriteMissingValues(*fNamespace, fMissing);
@@ -147,6 +175,12 @@ class TDescription {
   }
 
  private:
+  struct TLaterReference {
+    boost::shared_ptr<ICIMInstance> fInstance;
+    TMissingValue fPlace;
+    TInstanceName fTarget;
+  };
+
   /// A class that lacks several instances has one explanation, with the first reasons.
   static void Append(TMissingValue& first, const TMissingValue& next) {
     constexpr std::size_t kLongest = 500;
@@ -158,6 +192,7 @@ class TDescription {
   const std::string fProvider;
   const TNamespace fNamespace;
   TReferences fReferences;
+  std::vector<TLaterReference> fLater;
   std::vector<TMissingValue> fMissing;
   std::unordered_map<std::string, std::size_t> fPlaces;  // positions in fMissing
 };
@@ -168,29 +203,31 @@ class TInstanceWriter final : public IInstanceSink {
   TInstanceWriter(TDescription& description, const TStep& step, std::size_t maxInstances)
       : fDescription(description),
         fClass(description.GetNamespace()->GetClass(step.fDeclaration->fName, {})),
-        fColumns(*step.fColumns),
         fMaxInstances(maxInstances) {
     const auto properties = NModel::PropertiesOf(*fClass);
-    for (const std::string& column : fColumns) {
+    for (const std::string& name : *step.fColumns) {
       const auto property =
           std::find_if(properties.begin(), properties.end(),
-                       [&](const auto& each) { return each.fDecl->GetName() == column; });
-      fIsKey.push_back(property->fIsKey);
-      if (property->fIsKey) fLastKey = fIsKey.size() - 1;
+                       [&](const auto& each) { return each.fDecl->GetName() == name; });
+      const bool isText = property->fDecl->GetType() == TCIMValue::TCIMType::kCIMTypeString;
+      if (property->fIsKey) fLastKey = fColumns.size();
+      fColumns.push_back({name, property->fIsKey, isText});
     }
   }
 
+  /// An instance that lacks a key, or that has the keys of another, is left out and recorded.
   bool Add(const std::vector<TCell>& cells, bool isOnly) override {
     if (++fCount > fMaxInstances) {
       Miss("more than " + std::to_string(fMaxInstances) + ": the others are left out");
       return false;
     }
-    const std::string key = isOnly || !fLastKey ? std::string() : KeyText(cells[*fLastKey]);
     const auto instance = fClass->CreateInstance({});
     for (std::size_t i = 0; i < cells.size(); ++i) {
-      if (!SetProperty(*instance, i, cells[i], key)) return true;
+      if (fColumns[i].fIsKey && !SetKey(*instance, fColumns[i], cells[i])) return true;
     }
-    instance->Commit({});
+    const std::string key = isOnly || !fLastKey ? std::string() : KeyText(cells[*fLastKey]);
+    if (!Commit(*instance, key)) return true;
+    for (std::size_t i = 0; i < cells.size(); ++i) SetValue(instance, fColumns[i], cells[i], key);
     return true;
   }
 
@@ -203,45 +240,68 @@ class TInstanceWriter final : public IInstanceSink {
   }
 
  private:
+  struct TColumn {
+    std::string fName;
+    bool fIsKey;
+    bool fIsText;
+  };
+
   static std::string KeyText(const TCell& key) {
     return key.fValue.IsNull() ? key.fTarget.fKey : key.fValue.ToString(10);
   }
 
-  /// Returns false, and records it, if the instance lacks a key.
-  bool SetProperty(ICIMInstance& instance, std::size_t column, const TCell& cell,
-                   const std::string& key) {
-    if (!cell.fTarget.fClass.empty()) return SetReference(instance, column, cell.fTarget, key);
-    if (!cell.fValue.IsNull()) {
-      instance.SetPropertyValue(fColumns[column], cell.fValue, {});
-    } else if (fIsKey[column]) {
-      instance.SetPropertyValue(fColumns[column], "", {});
+  bool SetKey(ICIMInstance& instance, const TColumn& column, const TCell& cell) {
+    if (!cell.fTarget.fClass.empty()) {
+      const TReading<TCIMValue> reference = fDescription.FindReference(cell.fTarget);
+      if (!reference) return LeaveOut(column.fName + ": " + reference.GetReason());
+      instance.SetPropertyValue(column.fName, *reference, {});
+    } else if (!cell.fValue.IsNull()) {
+      instance.SetPropertyValue(column.fName, cell.fValue, {});
+    } else if (column.fIsText) {
+      instance.SetPropertyValue(column.fName, "", {});
+    } else {
+      return LeaveOut(column.fName + ": " + cell.fReason);
     }
-    // A property that is not set keeps the declared default: null of the declared type.
-    if (!cell.fReason.empty()) MissValue(column, key, cell.fReason);
     return true;
   }
 
-  bool SetReference(ICIMInstance& instance, std::size_t column, const TInstanceName& target,
-                    const std::string& key) {
-    const TCIMValue reference = fDescription.GetReferences().Find(target);
-    if (!reference.IsNull()) {
-      instance.SetPropertyValue(fColumns[column], reference, {});
-      return true;
+  bool Commit(ICIMInstance& instance, const std::string& key) {
+    try {
+      instance.Commit({});
+    } catch (const TQDXException& failure) {
+      if (failure.GetStatusCode() != kQDXStatusAlreadyExists) throw;
+      return LeaveOut("there are several " + key + ": only the first is kept");
     }
-    const std::string reason = "there is no " + target.fClass + " " + target.fKey;
-    fIsKey[column] ? Miss(fColumns[column] + ": " + reason) : MissValue(column, key, reason);
-    return !fIsKey[column];
+    return true;
   }
 
-  void MissValue(std::size_t column, const std::string& key, const std::string& reason) {
-    fDescription.Miss({fClass->GetName({}), key, fColumns[column], reason});
+  bool LeaveOut(const std::string& reason) {
+    Miss(reason);
+    return false;
+  }
+
+  /// Keys are set already. A property that is not set keeps the declared default: null of the
+  /// declared type.
+  void SetValue(const boost::shared_ptr<ICIMInstance>& instance, const TColumn& column,
+                const TCell& cell, const std::string& key) {
+    const bool isReference = !cell.fTarget.fClass.empty();
+    if (isReference && !column.fIsKey) {
+      fDescription.SetReferenceLater(instance, Place(column, key, ""), cell.fTarget);
+    } else if (!column.fIsKey && !cell.fValue.IsNull()) {
+      instance->SetPropertyValue(column.fName, cell.fValue, {});
+    }
+    if (!cell.fReason.empty()) fDescription.Miss(Place(column, key, cell.fReason));
+  }
+
+  TMissingValue Place(const TColumn& column, const std::string& key,
+                      const std::string& reason) const {
+    return {fClass->GetName({}), key, column.fName, reason};
   }
 
   TDescription& fDescription;
   const boost::shared_ptr<ICIMClass> fClass;
-  const std::vector<std::string>& fColumns;
   const std::size_t fMaxInstances;
-  std::vector<bool> fIsKey;  // of each column
+  std::vector<TColumn> fColumns;
   std::optional<std::size_t> fLastKey;
   std::size_t fCount = 0;
   bool fHasMissed = false;
@@ -285,6 +345,7 @@ TNamespace TDescriber::Describe(const std::vector<TStep>& steps, const TOptionsM
     step.fDescribe(*ns, writer);
     if (explains == EExplains::kAlways && writer.IsEmpty()) writer.Miss("none was found");
   }
+  description.SetReferences();
   return explains == EExplains::kIfMissing && description.IsComplete() ? ns : description.Finish();
 }
 

@@ -187,6 +187,31 @@ TEST(Tables, HaveNoMoreInstancesThanTheirLimit) {
   EXPECT_EQ(ReadMissingReasons(*ns), reasons);
 }
 
+struct TNode {
+  TNumber fID;
+  TInstanceName fParent;
+};
+
+TTable<TNode> Nodes() {
+  return {"T_Node",
+          "A node of a tree.",
+          [](const TRequest&) -> std::vector<TNode> {
+            return {{1U, {"T_Node", "2"}}, {2U, {"T_Node", "3"}}, {2U, {}}, {Missing("lost"), {}}};
+          },
+          {{"ID", "Which.", &TNode::fID, kKey},
+           {"Parent", "The next.", &TNode::fParent, TRefersTo{"T_Node"}}}};
+}
+
+TEST(Tables, LeaveOutWhatHasNoKeysOfItsOwn) {
+  const auto ns = MakeProvider("test", "root/test", {Nodes()})->GetNamespace("root/test", {});
+  const std::vector<std::string> nodes = {"ID=1 Parent=T_Node.ID=\"2\" ", "ID=2 Parent=null "};
+  EXPECT_EQ(InstancesOf(*ns, "T_Node"), nodes);
+  const TMissingReasons reasons = {
+      {{"T_Node", "2", "Parent"}, "there is no T_Node 3"},
+      {{"T_Node", "", ""}, "there are several 2: only the first is kept; ID: lost"}};
+  EXPECT_EQ(ReadMissingReasons(*ns), reasons);
+}
+
 TTable<TOnly> Table(const char* name, const TTable<TOnly>::TRows& rows) {
   return {name, "", kOnly, rows};
 }
@@ -201,6 +226,7 @@ TEST(Tables, AreRefusedWhereTheyContradictThemselves) {
       {{Table("T_A", {key}), Table("t_a", {key})}, "class t_a: is declared twice"},
       {{Table("T_A", {key, lost})},
        "class T_A: the referenced class T_X is not declared before it"},
+      {{Table("T_A", {key, {"A B", "", Constant("")}})}, "\"A B\" is no CIM name"},
       {{FastPorts(), Ports()},
        "class T_FastPort: its superclass T_Port is not declared before it"}};
   for (const auto& [classes, reason] : rows) {

@@ -22,7 +22,7 @@ bool IsMaker(const std::string& vendor) {
 /// The maker's machines have type and model in the product name, or separately as the SKU. Other
 /// makers' SKUs mean something else, so they are not used.
 TText ReadProductName(const THost& host) {
-  const TText name = host.ReadDMIString("product_name");
+  TText name = host.ReadDMIString("product_name");
   if (!name || IsTypeAndModel(*name) || name->find("-[") != std::string::npos) return name;
   const TText vendor = host.ReadDMIString("sys_vendor");
   const TText sku = host.ReadDMIString("product_sku");

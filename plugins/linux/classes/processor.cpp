@@ -40,6 +40,7 @@ std::vector<TSocket> ParseSockets(std::string_view text) {
     ++added.first->second.fLogicalProcessors;
   }
   std::vector<TSocket> all;
+  all.reserve(sockets.size());
   for (auto& each : sockets) all.push_back(std::move(each.second));
   return all;
 }

@@ -67,9 +67,14 @@ using TValues = std::vector<std::pair<std::string, TCIMValue>>;
 /// Creates and commits an instance. Null values are left at the declared default.
 boost::shared_ptr<ICIMInstance> AddInstance(ICIMClass& cimClass, const TValues& values);
 
-/// Throws a TExplainedException with kQDXStatusInvalidClass and one sentence if the declarations
-/// contradict themselves or each other: no key, two properties of one name, a superclass or a
-/// referenced class that is not declared before, two classes of one name.
+/// Declares the qualifier kVolatileQualifier, so that a namespace without volatile properties says
+/// so.
+void DeclareVolatileQualifier(ICIMNamespace& ns);
+
+/// Throws a TExplainedException with one sentence, and kQDXStatusInvalidClass or the status of the
+/// repository, if the declarations contradict themselves or each other: no key, two properties of
+/// one name, a superclass or a referenced class that is not declared before, two classes of one
+/// name.
 void CheckDeclarations(const std::vector<const TClassDeclaration*>& declarations);
 
 }  // namespace NVORNQDX20::NDescribe

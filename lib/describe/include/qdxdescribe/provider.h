@@ -67,6 +67,7 @@ class TDescriber {
 template <typename THost>
 void CheckClasses(const std::vector<TClassOf<THost>>& classes) {
   std::vector<const TClassDeclaration*> declarations;
+  declarations.reserve(classes.size());
   for (const TClassOf<THost>& each : classes) declarations.push_back(&each.fDeclaration);
   CheckDeclarations(declarations);
 }

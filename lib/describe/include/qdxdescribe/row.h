@@ -23,9 +23,8 @@ struct TRequest {
   TOptionsMap fOptions;  ///< All options of the call.
 };
 
-/// An instance that a reference refers to: its own class, not a superclass, and the value of its
-/// last key; of several instances with that value, the first. The reference is null, with a reason,
-/// if the namespace has no such instance.
+/// An instance that a reference refers to: its class or a superclass, and the value of its last
+/// key. The reference is null, with a reason, if the namespace has no such instance or several.
 struct TInstanceName {
   std::string fClass;
   std::string fKey;
@@ -111,6 +110,10 @@ template <typename T>
 struct TUnread<TReading<T>> {
   using TType = T;
 };
+template <>
+struct TUnread<const char*> {
+  using TType = std::string;
+};
 
 /// Calls a reader with as many arguments as it takes.
 template <typename TReader, typename TSource, typename THost>
@@ -176,6 +179,14 @@ TCell CellOf(const T& value) {
 }
 
 template <typename T>
+struct TIsReadable
+    : std::bool_constant<std::is_same_v<T, std::string> || std::is_same_v<T, TCIMDateTime> ||
+                         std::is_same_v<T, TInstanceName> || std::is_arithmetic_v<T>> {};
+template <typename T>
+struct TIsReadable<std::vector<T>>
+    : std::bool_constant<TIsReadable<T>::value && !std::is_same_v<T, TInstanceName>> {};
+
+template <typename T>
 constexpr bool kIsNumber = std::is_arithmetic_v<T> && !std::is_same_v<T, bool>;
 
 template <typename T>
@@ -219,6 +230,9 @@ class TRow {
   template <typename TReader, typename... TAttribute>
   TRow(const char* name, const char* description, TReader reader, const TAttribute&... attributes)
       : fDeclaration(name, NDetail::NullOf<TType<TReader>>()), fRead(Reader(std::move(reader))) {
+    static_assert(NDetail::TIsReadable<TType<TReader>>::value,
+                  "a row reads a bool, a number, a string, a date-time, a vector of one of these, "
+                  "or a TInstanceName");
     static_assert(!std::is_same_v<TType<TReader>, TInstanceName> ||
                       (std::is_same_v<TAttribute, TRefersTo> || ...),
                   "a reference needs TRefersTo with the class it refers to");
