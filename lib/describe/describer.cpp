@@ -153,7 +153,11 @@ class TDescription {
          missing.fProperty.empty() ? "" : ".", missing.fProperty, ": ", missing.fReason});
     std::string place = missing.fClass + '\n' + missing.fInstance + '\n' + missing.fProperty;
     const auto [found, isNew] = fPlaces.emplace(std::move(place), fMissing.size());
-    isNew ? fMissing.push_back(std::move(missing)) : Append(fMissing[found->second], missing);
+    if (isNew) {
+      fMissing.push_back(std::move(missing));
+    } else {
+      Append(fMissing[found->second], missing);
+    }
   }
 
   void SetReferences() {
