@@ -38,9 +38,10 @@ set(CPACK_DEBIAN_DEVEL_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVEL_PACKAGE_DEPENDS
   "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} ${same_version}, libboost-dev (>= 1.74)")
 set(CPACK_COMPONENT_DEVEL_DESCRIPTION "core library of qdx - development files
-Headers, the CMake package qdxcore, pkg-config files, and the static libraries
-on which providers of CIM data are built. /usr/share/doc/libqdxcore-dev explains
-how to write a provider or a consumer, with examples.")
+Headers, the CMake package qdxcore, pkg-config files, and the static
+libraries on which providers of CIM data are built.
+/usr/share/doc/libqdxcore-dev explains how to write a provider or a
+consumer, with examples.")
 
 set(CPACK_DEBIAN_TOOL_PACKAGE_NAME qdx)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION admin)
