@@ -75,6 +75,9 @@ class TReferences {
     return ReferenceTo(*found->second);
   }
 
+  /// Instances that are added from now on are found, too.
+  void Forget() { fInstances.clear(); }
+
  private:
   /// By the last key; null if several instances have the same.
   using TInstancesByKey = std::unordered_map<std::string, boost::shared_ptr<ICIMInstance>>;
@@ -93,8 +96,9 @@ class TReferences {
     } catch (const TQDXException&) {
       return;  // not wanted, or an unknown class
     }
-    const std::vector<std::string> keys = KeysOf(*cimClass);
     for (const auto& each : NModel::WithSubclasses(cimClass)) {
+      const std::vector<std::string> keys = KeysOf(*each);  // a superclass may have none
+      if (keys.empty()) continue;
       for (const auto& instance : NModel::InstancesOf(*each)) {
         std::string key = instance->GetProperty(keys.back(), {})->GetValue().ToString(10);
         const auto [place, isNew] = instances.emplace(std::move(key), instance);
@@ -161,6 +165,7 @@ class TDescription {
   }
 
   void SetReferences() {
+    fReferences.Forget();
     for (auto& [instance, place, target] : fLater) {
       const TReading<TCIMValue> reference = fReferences.Find(target);
       if (reference) {

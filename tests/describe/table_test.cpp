@@ -192,18 +192,24 @@ struct TNode {
   TInstanceName fParent;
 };
 
+/// A superclass without keys.
+TTable<TNode> Elements() { return {"T_Element", "A part of a tree.", TTable<TNode>::TRows()}; }
+
 TTable<TNode> Nodes() {
-  return {"T_Node",
-          "A node of a tree.",
-          [](const TRequest&) -> std::vector<TNode> {
-            return {{1U, {"T_Node", "2"}}, {2U, {"T_Node", "3"}}, {2U, {}}, {Missing("lost"), {}}};
-          },
-          {{"ID", "Which.", &TNode::fID, kKey},
-           {"Parent", "The next.", &TNode::fParent, TRefersTo{"T_Node"}}}};
+  const auto list = [](const TRequest&) -> std::vector<TNode> {
+    return {{1U, {"T_Element", "2"}}, {2U, {"T_Node", "3"}}, {2U, {}}, {Missing("lost"), {}}};
+  };
+  return TTable<TNode>{"T_Node",
+                       "A node of a tree.",
+                       list,
+                       {{"ID", "Which.", &TNode::fID, kKey},
+                        {"Parent", "The next.", &TNode::fParent, TRefersTo{"T_Node"}}}}
+      .DerivedFrom(Elements());
 }
 
 TEST(Tables, LeaveOutWhatHasNoKeysOfItsOwn) {
-  const auto ns = MakeProvider("test", "root/test", {Nodes()})->GetNamespace("root/test", {});
+  const auto ns =
+      MakeProvider("test", "root/test", {Elements(), Nodes()})->GetNamespace("root/test", {});
   const std::vector<std::string> nodes = {"ID=1 Parent=T_Node.ID=\"2\" ", "ID=2 Parent=null "};
   EXPECT_EQ(InstancesOf(*ns, "T_Node"), nodes);
   const TMissingReasons reasons = {
