@@ -39,4 +39,48 @@ TEST(QDXOutput, IsMissedWhereItCannotBeWritten) {
   EXPECT_EQ(installation.RunScript("\"$0\" plugins --log /dev/null >&-").fExitCode, 4);
 }
 
+TEST(QDXLog, NeverReplacesWhatTheCommandReadsOrWrites) {
+  const std::string other = "this command also reads or writes it otherwise\n";
+  const std::string irregular = "it is not a regular file\n";
+  const std::tuple<std::string, std::string, std::string> rows[] = {
+      {"show a --log", "a", other},
+      {"diff b a --log", "$PWD/hard", other},
+      {"show - <a --log", "a", other},
+      {"plugins >>a --log", "a", other},
+      {"collect -o ./new --log", "new", other},
+      {"download x dangling --log", "new", other},
+      {"plugins --log", "link", "it is a symbolic link\n"},
+      {"plugins --log", "pipe", irregular},
+      {"plugins --log", ".", irregular},
+      {"plugins --log", "/dev/zero", irregular},
+      {"plugins --log", "no/log", "No such file or directory\n"}};
+  const TInstallation installation;
+  const TTempDir folder;
+  const std::string start = "cd '" + folder.Path().string() + "' || exit 99; ";
+  installation.RunScript(start +
+                         "echo text >a; ln a hard; ln -s a link; ln -s new dangling; mkfifo pipe");
+  for (const auto& [words, log, why] : rows) {
+    const TProgramRun run =
+        installation.RunScript(start + "timeout 9 \"$0\" " + words + " \"" + log + "\"");
+    EXPECT_EQ(run.fExitCode, 4) << words;
+    EXPECT_PRED_FORMAT2(::testing::IsSubstring, ": " + why, run.fErrors) << words;
+    EXPECT_EQ(ReadWholeFile(folder.Path() / "a"), "text\n") << words;
+    EXPECT_FALSE(exists(folder.Path() / "new")) << words;
+  }
+}
+
+TEST(QDXLog, IsForItsOwnerAndSaysOnceThatItCannotBeWritten) {
+  const TInstallation installation;
+  installation.AddLinuxProvider();
+  const std::string plugins = "cd ${0%/*}; \"$0\" plugins --log ";
+  const TProgramRun run = installation.RunScript(plugins + "/dev/full");
+  EXPECT_EQ(run.fErrors, "qdx: writing log /dev/full: No space left on device\n");
+  EXPECT_EQ(run.fExitCode, 3);
+  EXPECT_EQ(installation.RunScript(plugins + "/dev/stderr").fErrors.substr(0, 17),
+            "-- QDX Log Opened");
+  const std::string twice = plugins + "new >&2; " + plugins + "new >&2; stat -c %a new; cat new";
+  EXPECT_EQ(installation.RunScript("umask 0; " + twice).fOutput.substr(0, 21),
+            "600\n-- QDX Log Opened");
+}
+
 }  // namespace

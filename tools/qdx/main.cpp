@@ -3,10 +3,8 @@
 #include <qdxcore/config.h>
 #include <qdxcore/logger.h>
 #include <qdxcore/registry.h>
-#include <qdxsystem/error_text.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -20,6 +18,7 @@
 
 #include "cli/arguments.h"
 #include "cli/failure.h"
+#include "cli/log_file.h"
 #include "cli/output.h"
 #include "plugin_host/crash_note.h"
 #include "plugin_host/surroundings.h"
@@ -46,16 +45,15 @@ ILogger::EQDXLogSeverity SeverityNamed(const std::string& name) {
   return static_cast<ILogger::EQDXLogSeverity>(found - names.begin());
 }
 
-void SetUpLog(const TArguments& arguments) {
-  ILogger& logger = *TRootObject::GetCoreLogger();
-  logger.SetLogThreshold(SeverityNamed(arguments.Get("log-level", "status")));
-  if (!arguments.Has("log")) return;
-  const std::string file = arguments.Get("log", "");
-  errno = 0;
-  auto failure = Try([&] { logger.SetLogFilename(file); });
-  // The status does not distinguish a missing folder from a full disk; errno does.
-  if (failure && errno != 0) failure = {failure->GetStatusCode(), ErrorText(errno)};
-  if (failure) throw TCommandFailure(kExitBadInput, "opening log " + file, *failure);
+using TLog = std::unique_ptr<TLogFile>;
+
+TLog OpenLog(const TArguments& arguments) {
+  const auto threshold = SeverityNamed(arguments.Get("log-level", "status"));
+  TRootObject::GetCoreLogger()->SetLogThreshold(threshold);
+  if (!arguments.Has("log")) return nullptr;
+  std::vector<std::string> others = arguments.fOperands;
+  for (const std::string& output : arguments.GetAll("output")) others.push_back(output);
+  return std::make_unique<TLogFile>(arguments.Get("log", ""), threshold, others);
 }
 
 /// "qdx help" and "qdx help VERB".
@@ -67,7 +65,7 @@ EExitCode RunHelp(const std::vector<std::string>& operands) {
   return kExitDone;
 }
 
-EExitCode RunVerb(const TVerb& verb, TArguments arguments) {
+EExitCode RunVerb(const TVerb& verb, TArguments arguments, TLog& log) {
   const std::vector<TOptionSpec> options = OptionsOf(verb);
   for (const auto& [name, values] : arguments.fOptions) {
     const auto has = [&name = name](const TOptionSpec& option) { return name == option.fName; };
@@ -77,13 +75,13 @@ EExitCode RunVerb(const TVerb& verb, TArguments arguments) {
   }
   arguments.fOperands.erase(arguments.fOperands.begin());  // the verb itself
   CheckOperands(verb.fName, verb.fOperands, arguments.fOperands);
-  SetUpLog(arguments);
+  log = OpenLog(arguments);
   return verb.fRun(arguments);
 }
 
 /// Runs the command line `words`, which excludes the program's name. Throws a TCommandFailure, or
-/// another exception for an internal error.
-EExitCode RunCommand(const std::vector<std::string>& words) {
+/// another exception for an internal error. Opens `log` if a verb is run with one.
+EExitCode RunCommand(const std::vector<std::string>& words, TLog& log) {
   const TArguments arguments = ParseAll(words);
   const std::vector<std::string>& operands = arguments.fOperands;
   if (arguments.Has("version")) {
@@ -96,7 +94,7 @@ EExitCode RunCommand(const std::vector<std::string>& words) {
     return kExitDone;
   }
   if (operands.empty()) FailOnUsage("no verb is given");
-  return RunVerb(FindVerb(operands[0]), arguments);
+  return RunVerb(FindVerb(operands[0]), arguments, log);
 }
 
 /// Destructors of JSON values allocate: when memory runs out there, the exception cannot be caught.
@@ -112,9 +110,9 @@ EExitCode RunCommand(const std::vector<std::string>& words) {
   std::abort();
 }
 
-EExitCode RunGuarded(const std::vector<std::string>& words) {
+EExitCode RunGuarded(const std::vector<std::string>& words, TLog& log) {
   try {
-    return RunCommand(words);
+    return RunCommand(words, log);
   } catch (const TCommandFailure& failure) {
     failure.Print();
     return failure.GetExitCode();
@@ -128,8 +126,11 @@ EExitCode RunGuarded(const std::vector<std::string>& words) {
 
 EExitCode RunWithLog(const std::vector<std::string>& words) {
   TLogger::Initialize();
-  const std::unique_ptr<TLogger> logger(TLogger::GetInstance());  // closes the log at the end
-  return RunGuarded(words);
+  const std::unique_ptr<TLogger> logger(TLogger::GetInstance());
+  TLog log;  // open until failures are printed, since they are logged, too
+  const EExitCode code = RunGuarded(words, log);
+  if (!log || log->Close()) return code;
+  return code == kExitDone || code == kExitDifferent ? kExitPartlyDone : code;
 }
 
 }  // namespace
