@@ -2,6 +2,7 @@
 #include "instance_table.h"
 
 #include <qdxcore/reference.h>
+#include <qdxmodel/hash.h>
 #include <qdxmodel/visit.h>
 
 #include <algorithm>
@@ -13,47 +14,44 @@
 namespace NVORNQDX20::NRepository {
 namespace {
 
-constexpr std::size_t kLeastIndexSize = 16;
-
-std::size_t Combined(std::size_t left, std::size_t right) {
-  const std::size_t product = (left * 31 + right) * 0x9E3779B97F4A7C15U;
-  return product ^
-         (product >> 32);  // the index uses the low bits, but a product mixes the high ones
-}
+using NModel::THasher;
 
 template <typename T>
-std::size_t HashOf(const T& value) {
-  return std::hash<T>()(value);
+void AddTo(THasher& hasher, const T& value) {
+  hasher.Add(std::hash<T>()(value));
 }
+
+void AddTo(THasher& hasher, const std::string& value) { hasher.Add(value); }
 
 /// Equal points in time have different texts if their offsets differ, but the same distance to a
 /// third point.
-std::size_t HashOf(const TCIMDateTime& value) {
+void AddTo(THasher& hasher, const TCIMDateTime& value) {
   const TCIMDateTime origin =
       value.IsInterval() ? TCIMDateTime(0, 0, 0, 0, 0) : TCIMDateTime(2000, 1, 1, 0, 0, 0, 0, 0);
-  return Combined(value.IsInterval(), HashOf((value - origin).ToString()));
+  hasher.Add(value.IsInterval() ? 1 : 0);
+  hasher.Add((value - origin).ToString());
 }
 
-std::size_t HashOf(const TCIMValue& value);
+void AddTo(THasher& hasher, const TCIMValue& value);
 
-std::size_t HashOf(const TCIMReference& value) {
-  std::size_t hash = HashOf(value.GetClass().get());
+void AddTo(THasher& hasher, const TCIMReference& value) {
+  AddTo(hasher, value.GetClass().get());
   value.EnumerateKeyBindings([&](const std::pair<std::string, TCIMValue>& binding) {
-    hash = Combined(Combined(hash, HashOf(binding.first)), HashOf(binding.second));
+    hasher.Add(binding.first);
+    AddTo(hasher, binding.second);
     return true;
   });
-  return hash;
 }
 
 /// Values that compare equal have equal hashes.
-std::size_t HashOf(const TCIMValue& value) {
-  return NModel::VisitScalar(value, [](const auto& native) { return HashOf(native); });
+void AddTo(THasher& hasher, const TCIMValue& value) {
+  NModel::VisitScalar(value, [&](const auto& native) { AddTo(hasher, native); });
 }
 
 std::size_t HashOf(const std::vector<const TCIMValue*>& keys) {
-  std::size_t hash = 0;
-  for (const TCIMValue* key : keys) hash = Combined(hash, HashOf(*key));
-  return hash;
+  THasher hasher(NModel::ProcessHashKey());
+  for (const TCIMValue* key : keys) AddTo(hasher, *key);
+  return hasher.Get();
 }
 
 }  // namespace
@@ -63,27 +61,24 @@ bool TInstanceTable::Add(const boost::shared_ptr<TInstance>& instance) {
     fInstances.push_back(instance);
     return true;
   }
-  if (fIndex.size() < 2 * (fInstances.size() + 1)) {
-    Reindex(std::max(kLeastIndexSize, 2 * fIndex.size()));
-  }
   const TKeys keys = KeysOf(*instance);
   const std::size_t hash = HashOf(keys);
-  TEntry& entry = fIndex[Probe(keys, hash)];
-  if (entry.fInstance != nullptr) return false;
+  if (Find(keys, hash) != nullptr) return false;
+  fIndex.Reserve();
   fInstances.push_back(instance);
-  entry = {hash, instance.get()};
+  fIndex.Add(hash, fInstances.size() - 1);
   return true;
 }
 
 TInstance* TInstanceTable::Find(const std::vector<TCIMValue>& keys) const {
-  if (fIndex.empty()) return nullptr;
+  if (fKeySlots.empty()) return nullptr;
   TKeys pointers;
   pointers.reserve(keys.size());
   for (const TCIMValue& key : keys) {
     if (key.IsNull()) return nullptr;
     pointers.push_back(&key);
   }
-  return fIndex[Probe(pointers, HashOf(pointers))].fInstance;
+  return Find(pointers, HashOf(pointers));
 }
 
 TInstanceTable::TKeys TInstanceTable::KeysOf(const TInstance& instance) const {
@@ -99,24 +94,10 @@ bool TInstanceTable::HasKeys(const TInstance& instance, const TKeys& keys) const
       [&](const TCIMValue* key, std::size_t slot) { return *key == instance.ValueAt(slot); });
 }
 
-std::size_t TInstanceTable::Probe(const TKeys& keys, std::size_t hash) const {
-  const std::size_t mask = fIndex.size() - 1;
-  std::size_t at = hash & mask;
-  for (; fIndex[at].fInstance != nullptr; at = (at + 1) & mask) {
-    if (fIndex[at].fHash == hash && HasKeys(*fIndex[at].fInstance, keys)) break;
-  }
-  return at;
-}
-
-void TInstanceTable::Reindex(std::size_t size) {
-  std::vector<TEntry> index(size);
-  for (const TEntry& entry : fIndex) {
-    if (entry.fInstance == nullptr) continue;
-    std::size_t at = entry.fHash & (size - 1);
-    while (index[at].fInstance != nullptr) at = (at + 1) & (size - 1);
-    index[at] = entry;
-  }
-  fIndex.swap(index);
+TInstance* TInstanceTable::Find(const TKeys& keys, std::size_t hash) const {
+  const auto found =
+      fIndex.Find(hash, [&](std::size_t position) { return HasKeys(*fInstances[position], keys); });
+  return found ? fInstances[*found].get() : nullptr;
 }
 
 }  // namespace NVORNQDX20::NRepository

@@ -11,6 +11,8 @@
 
 #include <boost/shared_ptr.hpp>
 
+#include "hash_index.h"
+
 namespace NVORNQDX20::NRepository {
 
 class TInstance;
@@ -41,23 +43,14 @@ class TInstanceTable {
 
  private:
   using TKeys = std::vector<const TCIMValue*>;
-  struct TEntry {
-    std::size_t fHash = 0;  // of the keys
-    TInstance* fInstance = nullptr;
-  };
-
   TKeys KeysOf(const TInstance& instance) const;
   bool HasKeys(const TInstance& instance, const TKeys& keys) const;
-  /// Returns the position of the instance with these keys, or of the empty entry for it.
-  std::size_t Probe(const TKeys& keys, std::size_t hash) const;
-  void Reindex(std::size_t size);
+  /// Returns null if there is no such instance.
+  TInstance* Find(const TKeys& keys, std::size_t hash) const;
 
   std::vector<std::size_t> fKeySlots;
   std::vector<boost::shared_ptr<TInstance>> fInstances;
-  // A flat table with linear probing: the nodes of a standard container are scattered among the
-  // instances, and with a million of them each look-up would miss the caches several times. The
-  // size is a power of two, and at least half of the entries are empty.
-  std::vector<TEntry> fIndex;
+  THashIndex fIndex;
 };
 
 }  // namespace NVORNQDX20::NRepository

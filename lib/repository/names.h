@@ -9,8 +9,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
+
+#include "hash_index.h"
 
 namespace NVORNQDX20::NRepository {
 
@@ -21,7 +22,7 @@ bool IsCIMName(std::string_view name);
 void RequireCIMName(std::string_view name);
 
 /// Elements in the order in which they were added, with a look-up by GetName(). Does not own them;
-/// they must outlive the table, whose keys are views of their names.
+/// they must outlive the table.
 template <typename TElement>
 class TNameTable {
  public:
@@ -29,9 +30,7 @@ class TNameTable {
   TElement& At(std::size_t position) const { return *fElements[position]; }
 
   std::optional<std::size_t> Position(std::string_view name) const {
-    const auto found = fPositions.find(name);
-    if (found == fPositions.end()) return std::nullopt;
-    return found->second;
+    return PositionOf(name, fHash(name));
   }
 
   /// Returns null if there is no element with this name.
@@ -42,8 +41,11 @@ class TNameTable {
 
   /// Returns false and does nothing if the name is taken.
   [[nodiscard]] bool Add(TElement& element) {
-    if (!fPositions.emplace(element.GetName(), fElements.size()).second) return false;
+    const std::size_t hash = fHash(element.GetName());
+    if (PositionOf(element.GetName(), hash)) return false;
+    fIndex.Reserve();
     fElements.push_back(&element);
+    fIndex.Add(hash, fElements.size() - 1);
     return true;
   }
 
@@ -60,9 +62,15 @@ class TNameTable {
   }
 
  private:
+  std::optional<std::size_t> PositionOf(std::string_view name, std::size_t hash) const {
+    return fIndex.Find(hash, [&](std::size_t position) {
+      return NModel::EqualIgnoringCase(fElements[position]->GetName(), name);
+    });
+  }
+
+  NModel::TNameHash fHash;
   std::vector<TElement*> fElements;
-  std::unordered_map<std::string_view, std::size_t, NModel::TNameHash, NModel::TNameEqual>
-      fPositions;
+  THashIndex fIndex;
 };
 
 }  // namespace NVORNQDX20::NRepository

@@ -14,7 +14,10 @@ TEST(Names, CompareHashAndFoldWithoutRegardToASCIICaseOnly) {
       {"CIM_DiskDrive", "cim_DISKDRIVE", true},
       {"AZaz", "azAZ", true},
       {"CIM_Disk", "CIM_Disks", false},
-      {"@[", "`{", false},  // one bit apart, like letters of two cases
+      {"ABCDEFGHIJKLMNOPQRSTUVWXYZ", "abcdefghijklmnopqrstuvwxyz", true},
+      {"ABCDEFGHIJKLMNOPQRSTUVWXYZ", "abcdefgh1jklmnopqrstuvwxyz", false},
+      {"\xC1", "\xE1", false},  // letters plus 0x80
+      {"@[", "`{", false},      // one bit apart, like letters of two cases
       {"Gr\xC3\x96\xC3\x9F", "gr\xC3\xB6\xC3\x9F", false},  // case beyond ASCII
       {std::string("a\0b", 3), std::string("A\0c", 3), false},
   };

@@ -8,6 +8,8 @@
 #ifndef QDXMODEL_NAMES_H_
 #define QDXMODEL_NAMES_H_
 
+#include <qdxmodel/hash.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -42,15 +44,29 @@ inline std::string Quoted(std::string_view name) {
   return '"' + std::string(name.substr(0, kLongest)) + end;
 }
 
+/// Returns the eight characters of a word in lower case.
+constexpr std::uint64_t LowerWord(std::uint64_t word) noexcept {
+  constexpr std::uint64_t kEach = 0x0101010101010101U;
+  const std::uint64_t low = word & (0x7F * kEach);
+  const std::uint64_t fromA = low + (0x80 - 'A') * kEach;  // bit 7: 'A' or above
+  const std::uint64_t aboveZ = low + (0x7F - 'Z') * kEach;
+  return word | ((fromA & ~aboveZ & ~word & (0x80 * kEach)) >> 2);
+}
+
 /// For hashed containers whose keys are names, or views of names.
-struct TNameHash {
-  std::size_t operator()(std::string_view name) const noexcept {
-    std::uint64_t hash = 14695981039346656037U;  // FNV-1a
-    for (const char c : name) {
-      hash = (hash ^ static_cast<unsigned char>(Lower(c))) * 1099511628211U;
-    }
-    return hash;
+class TNameHash {
+ public:
+  explicit TNameHash(const THashKey& key = ProcessHashKey()) : fKey(key) {}
+
+  /// Not noexcept, so that containers store the hashes instead of computing them again.
+  std::size_t operator()(std::string_view name) const {
+    THasher hasher(fKey);
+    hasher.Add(name, LowerWord);
+    return hasher.Get();
   }
+
+ private:
+  THashKey fKey;
 };
 
 struct TNameEqual {
