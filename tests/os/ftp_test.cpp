@@ -47,6 +47,9 @@ QDXCORE_EXPORT int curl_easy_setopt(void*, int option, ...) {
 QDXCORE_EXPORT int curl_easy_perform(void*) {
   Pass(static_cast<const char*>(gOptions[10002]));
   std::memcpy(gOptions[10010], "why", sizeof "why");
+  char data[8];  // reads to the end, and takes an error for it
+  const auto source = static_cast<std::FILE*>(gOptions[10009]);
+  while (source != nullptr && std::fread(data, 1, sizeof data, source) > 0) continue;
   const auto write = reinterpret_cast<decltype(&NVORNQDX20::curl_fwrite)>(gOptions[20011]);
   if (write != nullptr && write("data", 1, 4, gOptions[10001]) != 4) return 23;
   return gResult;
@@ -109,6 +112,8 @@ TEST(FTPTransfer, SaysWhyItFails) {
   for (const char* target : {"/none/x", "/dev/full"}) {
     ExpectError(false, target, library, "performing ftp get command: why");
   }
+  ExpectError(true, "/", library,
+              "performing upload command: the file could not be read to its end");
   EXPECT_EQ(TOS::SpawnProcess("ls", {"/proc/self/fd"}), inherited);  // not what failures leave open
   EXPECT_EQ(curl_fwrite("x", 1, 1, nullptr), 4294967295U);
   ExpectError(true, "/none", kQDXStatusFileSystemError, "getting file size");

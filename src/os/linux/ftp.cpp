@@ -85,6 +85,11 @@ class TTransfer {
     if (result != 0) Fail(failureText, fErrorText);
   }
 
+  /// libcurl takes a read error for the end of the file, and succeeds.
+  static void RequireNoReadError(std::FILE* stream, const char* failureText) {
+    if (std::ferror(stream) != 0) Fail(failureText, "the file could not be read to its end");
+  }
+
   /// Also closes the stream if it is open.
   void End(std::FILE* stream) {
     fCleanUp(fHandle);
@@ -169,8 +174,9 @@ void TOSSpecific::FTPFile(std::string localFile, std::string remoteName) {
   transfer.Set(kOptionUpload, 1L, "TOSSpecific|FTPFile: Error setting curl upload");
   transfer.SetURL(url);
   transfer.Set(kOptionReadData, stream, "TOSSpecific|FTPFile: Error setting curl upload file");
-  transfer.Perform("TOSSpecific|FTPFile: Error connecting to VORN Service",
-                   "TOSSpecific|FTPFile: Error performing upload command: ");
+  const char* const failureText = "TOSSpecific|FTPFile: Error performing upload command: ";
+  transfer.Perform("TOSSpecific|FTPFile: Error connecting to VORN Service", failureText);
+  TTransfer::RequireNoReadError(stream, failureText);
   transfer.End(stream);
 }
 

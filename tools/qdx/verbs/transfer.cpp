@@ -11,15 +11,16 @@
 #include <charconv>
 #include <chrono>
 #include <cstdint>
-#include <cstdio>
 #include <filesystem>
 #include <functional>
-#include <memory>
 #include <string_view>
 #include <system_error>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include <boost/algorithm/string/predicate.hpp>
 
 #include "cli/failure.h"
 #include "cli/new_file.h"
@@ -35,8 +36,6 @@ constexpr const char* kDefaultTimeout = "180";
 
 const TOptionSpec kTimeoutOption = {"timeout", "SECONDS",
                                     "Give up after this time without progress (180 by default)."};
-
-using TStream = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 [[noreturn]] void FailOnFile(const std::string& action, const std::string& why) {
   throw TCommandFailure(kExitBadInput, action, {kQDXStatusFileSystemError, why});
@@ -90,47 +89,89 @@ void CheckRemotePath(const std::string& path) {
   }
 }
 
-TStream OpenTemporaryFile() {
-  TStream file(std::tmpfile(), std::fclose);
-  if (!file) FailOnFile("opening a temporary file", ErrorText(errno));
+/// Returns an unnamed file.
+TDescriptor OpenTemporaryFile() {
+  char name[] = "/tmp/qdx-XXXXXX";
+  TDescriptor file(::mkostemp(name, O_CLOEXEC));
+  if (!file.IsOpen()) FailOnFile("opening a temporary file", ErrorText(file.GetError()));
+  ::unlink(name);
   return file;
 }
 
 /// Returns a path for an unnamed file.
-std::string PathOf(std::FILE* file) { return "/proc/self/fd/" + std::to_string(::fileno(file)); }
+std::string PathOf(const TDescriptor& file) {
+  return "/proc/self/fd/" + std::to_string(file.Get());
+}
 
-void ReadAll(std::FILE* file, const std::string& shownAs,
-             const std::function<void(const std::string&)>& take) {
+std::uintmax_t ReadAll(const TDescriptor& file, const std::string& shownAs,
+                       const std::function<void(const std::string&)>& take) {
   char buffer[65536];
-  std::size_t count = 0;
-  while ((count = std::fread(buffer, 1, sizeof buffer, file)) > 0) {
-    take(std::string(buffer, count));
+  std::uintmax_t total = 0;
+  for (;;) {
+    const ssize_t count = ::read(file.Get(), buffer, sizeof buffer);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) FailOnFile("reading " + shownAs, ErrorText(errno));
+    if (count == 0) return total;
+    take(std::string(buffer, static_cast<std::size_t>(count)));
+    total += static_cast<std::uintmax_t>(count);
   }
-  if (std::ferror(file) != 0) FailOnFile("reading " + shownAs, ErrorText(errno));
 }
 
-TStream OpenSource(const std::string& operand, const std::string& shownAs) {
+TDescriptor OpenSource(const std::string& operand, const std::string& shownAs) {
   // From the current position of standard input, which opening it by name would not keep.
-  std::FILE* const file = operand == "-" ? ::fdopen(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0), "rb")
-                                         : std::fopen(operand.c_str(), "rbe");
-  if (file == nullptr) FailOnFile("reading " + shownAs, ErrorText(errno));
-  return {file, std::fclose};
+  TDescriptor file(operand == "-" ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
+                                  : ::open(operand.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file.IsOpen()) FailOnFile("reading " + shownAs, ErrorText(file.GetError()));
+  return file;
 }
 
-/// Returns an unnamed copy of the file to send: libcurl takes a read error for the end of the file,
-/// and needs a path to open.
-TStream CopyOfSource(const std::string& operand) {
+/// Returns how many bytes follow the current position; 0 if the file does not have a size.
+std::uintmax_t RemainingSize(const TDescriptor& file) {
+  struct stat status = {};
+  if (::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return 0;
+  const off_t position = ::lseek(file.Get(), 0, SEEK_CUR);
+  return status.st_size > position ? static_cast<std::uintmax_t>(status.st_size - position) : 0;
+}
+
+/// Returns an unnamed copy of the file to send: an error of reading it is found before the
+/// transfer, and libcurl needs a path to open.
+TDescriptor CopyOfSource(const std::string& operand) {
   const std::string shownAs = operand == "-" ? "standard input" : operand;
-  const TStream source = OpenSource(operand, shownAs);
-  TStream copy = OpenTemporaryFile();
-  std::setvbuf(copy.get(), nullptr, _IONBF, 0);
-  ReadAll(source.get(), shownAs, [&](const std::string& block) {
-    if (std::fwrite(block.data(), 1, block.size(), copy.get()) != block.size()) {
+  const TDescriptor source = OpenSource(operand, shownAs);
+  TDescriptor copy = OpenTemporaryFile();
+  const std::uintmax_t expected = RemainingSize(source);
+  const std::uintmax_t size = ReadAll(source, shownAs, [&](const std::string& block) {
+    if (!WriteAll(copy.Get(), block)) {
       FailOnFile("copying " + shownAs + " to a temporary file", ErrorText(errno));
     }
   });
-  if (std::ftell(copy.get()) == 0) FailOnFile("reading " + shownAs, "it is empty");
+  if (size < expected) FailOnFile("reading " + shownAs, "it became shorter meanwhile");
+  if (size == 0) FailOnFile("reading " + shownAs, "it is empty");
   return copy;
+}
+
+/// libcurl would send the data, which identifies the machine, to a proxy in clear text.
+void ForgetProxies() {
+  std::vector<std::string> names;
+  for (char** variable = ::environ; *variable != nullptr; ++variable) {
+    const std::string text = *variable;
+    const std::string name = text.substr(0, text.find('='));
+    if (boost::algorithm::iends_with(name, "_proxy")) names.push_back(name);
+  }
+  for (const std::string& name : names) ::unsetenv(name.c_str());
+}
+
+/// The port is that of FTP unless the build gives another one.
+std::string WithPort(const std::string& host) {
+  return host.find(':') == std::string::npos ? host + ":21" : host;
+}
+
+/// Runs a transfer, and prints first what it does and where it goes.
+void Transfer(const std::string& action, std::chrono::seconds timeout,
+              const std::function<void()>& work) {
+  ForgetProxies();
+  PrintError(action);
+  RunWatched(action, timeout, work);
 }
 
 EExitCode RunUpload(const TArguments& arguments) {
@@ -138,11 +179,11 @@ EExitCode RunUpload(const TArguments& arguments) {
   const std::string name = arguments.GetOperand(1);
   const auto timeout = TimeoutOf(arguments);
   CheckRemoteName(name);
-  const TStream copy = CopyOfSource(operand);
+  const TDescriptor copy = CopyOfSource(operand);
   const std::string action =
-      "uploading " + operand + " to " QDX_FTP_UPLOAD_HOST " as " + name + ".xml.gz";
-  RunWatched(action, timeout, [&] {
-    const auto failure = Try([&] { TOSSpecific::FTPFile(PathOf(copy.get()), name); });
+      "uploading " + operand + " to " + WithPort(QDX_FTP_UPLOAD_HOST) + " as " + name + ".xml.gz";
+  Transfer(action, timeout, [&] {
+    const auto failure = Try([&] { TOSSpecific::FTPFile(PathOf(copy), name); });
     if (failure) FailToTransfer(action, *failure);
   });
   return kExitDone;
@@ -159,8 +200,8 @@ void CheckDiskSpace(const std::string& file, const std::string& shownAs) {
 /// After a failure the contents of the file are unspecified.
 void Download(const TArguments& arguments, const std::string& file, const std::string& shownAs) {
   const std::string remote = arguments.GetOperand(0);
-  const std::string action = "downloading " + remote + " from " QDX_FTP_DOWNLOAD_HOST;
-  RunWatched(action, TimeoutOf(arguments), [&] {
+  const std::string action = "downloading " + remote + " from " + WithPort(QDX_FTP_DOWNLOAD_HOST);
+  Transfer(action, TimeoutOf(arguments), [&] {
     const auto failure = Try([&] { TOSSpecific::FTPFileFromVORN(file, remote); });
     if (!failure) return;
     CheckDiskSpace(file, shownAs);
@@ -170,9 +211,9 @@ void Download(const TArguments& arguments, const std::string& file, const std::s
 
 /// Downloads into an unnamed file first, so that a failed download writes nothing.
 void DownloadToOutput(const TArguments& arguments) {
-  const TStream file = OpenTemporaryFile();
-  Download(arguments, PathOf(file.get()), "temporary file");
-  ReadAll(file.get(), "temporary file", WriteOutput);
+  const TDescriptor file = OpenTemporaryFile();
+  Download(arguments, PathOf(file), "temporary file");
+  ReadAll(file, "temporary file", WriteOutput);
 }
 
 /// Returns the file to replace: the target of a link, and never a device.
@@ -208,7 +249,7 @@ TVerb UploadVerb() {
       "Sends collected data to the maker's service.",
       "FILE, an .xml.gz document or '-' for standard input, is sent by anonymous FTP and\n"
       "becomes NAME.xml.gz there. NAME consists of letters, digits, '.', '_' and '-'. The data\n"
-      "is copied to a temporary file first, and must not be empty.\n",
+      "is copied to a temporary file first, and must not be empty. Proxies are not used.\n",
       {kTimeoutOption},
       RunUpload,
       {{"FILE"}, {"NAME"}}};
@@ -219,7 +260,8 @@ TVerb DownloadVerb() {
           "Fetches a file from the maker's service.",
           "REMOTE is the path of a file there, written as in a URL: a blank is '%20'. It is\n"
           "fetched by anonymous FTP. LOCAL, or the target if it is a link, is replaced after the\n"
-          "whole file has arrived; '-' is standard output. After a failure it is unchanged.\n",
+          "whole file has arrived; '-' is standard output. After a failure it is unchanged. "
+          "Proxies are not used.\n",
           {kTimeoutOption},
           RunDownload,
           {{"REMOTE"}, {"LOCAL"}}};
