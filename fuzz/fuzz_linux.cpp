@@ -3,9 +3,8 @@
 // selects a mount table (0), os-release (1), fields (2), a number (3) or a text (4).
 #include <machine/fields.h>
 #include <machine/mount_table.h>
-#include <machine/numbers.h>
 #include <machine/os_release.h>
-#include <machine/text.h>
+#include <machine/reading.h>
 
 #include <algorithm>
 

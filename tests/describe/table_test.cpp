@@ -29,7 +29,7 @@ struct TFastPort : TPort {
   std::string fPeer;
 };
 
-std::string HostName(const TRequest& request) { return request.PathOf("/etc"); }
+std::string HostName(const TRequest& request) { return request.fRoot + "/etc"; }
 
 TTable<TPort> Ports() {
   return {"T_Port",

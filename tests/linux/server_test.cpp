@@ -164,7 +164,7 @@ TEST_F(LinuxServer, HasNullsForWhatItsFilesDoNotTell) {
       {eth + "address", "00:11", "eth0CurrentAddress", "no Ethernet address"},
       {eth + "speed", "-1", "eth0Speed", "not known to the driver"},
       {eth + "duplex", "unknown", "eth0FullDuplex", "not known to the driver"},
-      {pci + "vendor", "0x18086", "0000:3b:00.0Name", "98438 is out of range"},
+      {pci + "vendor", "0x18086", "0000:3b:00.0Name", "'0x18086' is out of range"},
       {pci + "uevent", "PCI_ID=8086:1572", "0000:3b:00.0Driver", "no driver is bound"}};
   for (const auto& [file, text, name, reason] : rows) {
     SetUp();

@@ -12,8 +12,6 @@
 
 namespace NVORNQDX20 {
 
-using namespace NDescribe;
-
 using TClass = TClassOf<THost>;
 template <typename TSource>
 using THostTable = TTable<TSource, THost>;

@@ -4,7 +4,7 @@
 
 #include "catalogue.h"
 #include "machine/mount_table.h"
-#include "machine/text.h"
+#include "machine/space.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -15,18 +15,18 @@ struct TFileSystem {
   TReading<TSpace> fSpace;
 };
 
-TText ReadTable(const THostFiles& files) {
-  if (files.IsThisMachine()) return files.Read("/proc/self/mounts", THostFiles::kMaxTableSize);
+TText ReadTable(const THost& host) {
+  if (host.IsThisMachine()) return host.Read("/proc/self/mounts", TFiles::kMaxTableSize);
   // Below another root: the recorded mounts, else those that fstab configures.
-  return files.ReadFirst({"/proc/mounts", "/etc/fstab"}, THostFiles::kMaxTableSize);
+  return host.Read(host.FirstOf({"/proc/mounts", "/etc/fstab"}), TFiles::kMaxTableSize);
 }
 
 TReading<std::vector<TFileSystem>> ListFileSystems(const THost& host) {
-  return ReadTable(host.fFiles).map([&host](const std::string& table) {
+  return ReadTable(host).map([&host](const std::string& table) {
     std::vector<TFileSystem> all;
     for (const auto& [name, mount] : ParseMounts(table)) {
       TReading<TSpace> space = Missing("not asked: may hang");
-      if (mount.fCanBeAsked) space = host.fFiles.ReadSpace(mount.fPath);
+      if (mount.fCanBeAsked) space = ReadSpace(host, mount.fPath);
       all.push_back({name, mount, space});
     }
     return all;
@@ -66,8 +66,7 @@ TClass FileSystemClass() {
       ListFileSystems,
       {{"CSCreationClassName", "The class of the machine.",
         Constant(TCIMSchemaHelper::kSystemCreationClassName), kKey},
-       {"CSName", "The name of the machine.",
-        [](const THost& host) { return host.fName.ValueOr(""); }, kKey, ESecret::kHostName},
+       {"CSName", "The name of the machine.", &THost::GetNameAsKey, kKey, ESecret::kHostName},
        {"CreationClassName", "The name of this class.", kClassName, kKey},
        {"Name", "Where it is mounted.", &TFileSystem::fName, kKey},
        {"Device", "What is mounted.",

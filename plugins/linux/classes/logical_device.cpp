@@ -4,8 +4,6 @@
 #include <qdxcore/schema_helper.h>
 #include <qdxmodel/classes.h>
 
-#include "machine/text.h"
-
 namespace NVORNQDX20 {
 namespace {
 
@@ -17,7 +15,7 @@ struct TPart {
 };
 
 TInstanceName System(const THost& host) {
-  return {TCIMSchemaHelper::kSystemCreationClassName, host.fName.ValueOr("")};
+  return {TCIMSchemaHelper::kSystemCreationClassName, host.GetNameAsKey()};
 }
 
 std::vector<TPart> ListParts(const THost&, const ICIMNamespace& ns) {
@@ -33,16 +31,15 @@ std::vector<TPart> ListParts(const THost&, const ICIMNamespace& ns) {
 }  // namespace
 
 THostTable<TDevice> LogicalDeviceTable() {
-  return {kDeviceClassName,
-          "A device of the machine, of whatever kind.",
-          {{"SystemCreationClassName", "The class of the machine.",
-            Constant(TCIMSchemaHelper::kSystemCreationClassName), kKey},
-           // Without a reason: the instance of VORNSG_ComputerSystem explains a missing name.
-           {"SystemName", "The name of the machine.",
-            [](const THost& host) { return host.fName.ValueOr(""); }, kKey, ESecret::kHostName},
-           {"CreationClassName", "The class of the device.", kClassName, kKey},
-           {"DeviceID", "Tells the device from its like.", &TDevice::fID, kKey},
-           {"Name", "By which the device is known.", &TDevice::fName}}};
+  return {
+      kDeviceClassName,
+      "A device of the machine, of whatever kind.",
+      {{"SystemCreationClassName", "The class of the machine.",
+        Constant(TCIMSchemaHelper::kSystemCreationClassName), kKey},
+       {"SystemName", "The name of the machine.", &THost::GetNameAsKey, kKey, ESecret::kHostName},
+       {"CreationClassName", "The class of the device.", kClassName, kKey},
+       {"DeviceID", "Tells the device from its like.", &TDevice::fID, kKey},
+       {"Name", "By which the device is known.", &TDevice::fName}}};
 }
 
 TClass LogicalDeviceClass() { return LogicalDeviceTable(); }
@@ -58,16 +55,22 @@ TClass SystemDeviceClass() {
       .AsAssociation();
 }
 
-TInstances<TSysfsDevice> ListDevices(const THost& host, const std::string& folder) {
-  return host.fFiles.List(folder).map([&](const std::vector<std::string>& names) {
-    std::vector<TSysfsDevice> devices;
-    for (const std::string& name : names) {
+std::function<TInstances<TSysfsDevice>(const THost&)> DevicesIn(
+    const char* folder, std::function<TReading<bool>(TSysfsDevice&)> adapt) {
+  return [folder, adapt](const THost& host) -> TInstances<TSysfsDevice> {
+    const TReading<std::vector<std::string>> names = host.List(folder);
+    if (!names) return Missing(names.GetReason());
+    TInstances<TSysfsDevice> devices;
+    for (const std::string& name : *names) {
       // The kernel has only printable names, and a key must be printable.
       if (PrintableText(name) != name) continue;
-      devices.push_back({{name, name}, &host.fFiles, folder + "/" + name + "/"});
+      TSysfsDevice device{{name, name}, host.In(folder).In(name)};
+      const TReading<bool> isTaken = adapt(device);
+      if (!isTaken) devices.Miss(isTaken.GetReason());
+      if (isTaken.ValueOr(false)) devices.fAll.push_back(std::move(device));
     }
     return devices;
-  });
+  };
 }
 
 }  // namespace NVORNQDX20

@@ -12,7 +12,6 @@
 #include "catalogue.h"
 #include "machine/cpu_list.h"
 #include "machine/fields.h"
-#include "machine/numbers.h"
 #include "machine/os_release.h"
 
 namespace NVORNQDX20 {
@@ -31,17 +30,14 @@ struct TSystem {
 };
 
 /// Empty if the system has no such file.
-TReading<std::map<std::string, std::string>> ReadOSRelease(const THostFiles& files) {
-  const char* const configured = "/etc/os-release";
-  const char* const shipped = "/usr/lib/os-release";
-  if (files.IsAbsent(configured) && files.IsAbsent(shipped)) {
-    return std::map<std::string, std::string>();
-  }
-  return files.ReadFirst({configured, shipped}).map(ParseOSRelease);
+TReading<std::map<std::string, std::string>> ReadOSRelease(const TFiles& files) {
+  const std::string path = files.FirstOf({"/etc/os-release", "/usr/lib/os-release"});
+  const TText file = files.Read(path);
+  return !file && files.IsAbsent(path) ? ParseOSRelease("") : file.map(ParseOSRelease);
 }
 
 /// Parses the first three numbers of "3.30 3.10 2.65 7/149 28102".
-TAverages ReadLoadAverages(const THostFiles& files) {
+TAverages ReadLoadAverages(const TFiles& files) {
   const std::string path = "/proc/loadavg";
   const TText line = files.ReadLine(path);
   TAverages averages;
@@ -62,8 +58,7 @@ TAverages ReadLoadAverages(const THostFiles& files) {
 
 TSystem ReadSystem(const THost& host) {
   const std::string path = "/proc/meminfo";
-  return {ReadOSRelease(host.fFiles), TFields(path, host.fFiles.Read(path), ':'),
-          ReadLoadAverages(host.fFiles)};
+  return {ReadOSRelease(host), TFields(path, host.Read(path), ':'), ReadLoadAverages(host)};
 }
 
 /// Reads the distribution's name for itself, else the kernel's.
@@ -117,14 +112,14 @@ TReading<TCIMDateTime> ToDateTime(std::uint64_t secondsSince1970) {
 
 TReading<TCIMDateTime> ReadLastBootUpTime(const THost& host) {
   const std::string path = "/proc/stat";
-  const TFields fields(path, host.fFiles.Read(path, THostFiles::kMaxTableSize), ' ');
+  const TFields fields(path, host.Read(path, TFiles::kMaxTableSize), ' ');
   return fields.GetNumber("btime").and_then(ToDateTime);
 }
 
 /// Counts the folders in /proc whose names are numbers. The image of a disk has none.
 TReading<std::uint32_t> CountProcesses(const THost& host) {
   const auto isNumber = [](const std::string& name) { return ParseNumber(name).has_value(); };
-  return host.fFiles.List("/proc").and_then(
+  return host.List("/proc").and_then(
       [&](const std::vector<std::string>& names) -> TReading<std::uint32_t> {
         const auto count = std::count_if(names.begin(), names.end(), isNumber);
         if (count == 0) return Missing("/proc: shows no processes");
@@ -134,9 +129,9 @@ TReading<std::uint32_t> CountProcesses(const THost& host) {
 
 TReading<TCPUs> ReadCPUs(const THost& host, const char* file) {
   const std::string path = std::string("/sys/devices/system/cpu/") + file;
-  return host.fFiles.Read(path).and_then([&path](const std::string& list) -> TReading<TCPUs> {
+  return host.Read(path).and_then([&](const std::string& list) -> TReading<TCPUs> {
     if (auto cpus = ParseCPUList(list.substr(0, list.find('\n')))) return *cpus;
-    return Missing(path + ": no list of processors");
+    return host.MissingFrom(path, "no list of processors");
   });
 }
 
@@ -150,10 +145,6 @@ TText ReadOfflineProcessors(const THost& host) {
       return FormatCPUList(offline);
     });
   });
-}
-
-TNumber ReadKernelTaint(const THost& host) {
-  return ReadNumber(host.fFiles, "/proc/sys/kernel/tainted");
 }
 
 }  // namespace
@@ -194,7 +185,7 @@ TClass OperatingSystemClass() {
         "The numbers of the logical processors that are switched off; empty if none is.",
         ReadOfflineProcessors},
        {"KernelTaint", "What may make the kernel unreliable, bit by bit; 0 if nothing has.",
-        ReadKernelTaint}}};
+        FileNumber("/proc/sys/kernel/tainted")}}};
 }
 
 }  // namespace NVORNQDX20

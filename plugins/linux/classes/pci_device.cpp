@@ -9,14 +9,6 @@
 namespace NVORNQDX20 {
 namespace {
 
-using TID = TReading<std::uint16_t>;
-
-auto ID(const char* file) {
-  return [file](const TSysfsDevice& device) -> TID {
-    return NumberAs<std::uint16_t>(device.ReadNumber(file));
-  };
-}
-
 std::string FourDigits(std::uint16_t id) {
   std::array<char, 4> digits{};
   const auto end = std::to_chars(digits.begin(), digits.end(), id, 16).ptr;
@@ -24,33 +16,27 @@ std::string FourDigits(std::uint16_t id) {
   return std::string(digits.size() - text.size(), '0') + text;
 }
 
-/// Formats vendor and device as "8086:1572".
-TText ReadName(const TSysfsDevice& function) {
-  return ID("vendor")(function).and_then([&function](std::uint16_t vendor) {
-    return ID("device")(function).map(
+/// Names the function by vendor and device, as in "8086:1572".
+TReading<bool> AdaptFunction(TSysfsDevice& function) {
+  function.fName = function.ReadNumber<std::uint16_t>("vendor").and_then([&](std::uint16_t vendor) {
+    return function.ReadNumber<std::uint16_t>("device").map(
         [vendor](std::uint16_t device) { return FourDigits(vendor) + ":" + FourDigits(device); });
   });
-}
-
-TInstances<TSysfsDevice> ListFunctions(const THost& host) {
-  TInstances<TSysfsDevice> functions = ListDevices(host, "/sys/bus/pci/devices");
-  for (TSysfsDevice& each : functions.fAll) each.fName = ReadName(each);
-  return functions;
+  return true;
 }
 
 /// Reads one byte of the class code; byte 0 is the programming interface.
 auto ClassCodeByte(unsigned index) {
-  return [index](const TSysfsDevice& device) {
-    return device.ReadNumber("class").map([index](std::uint64_t classCode) {
+  return [index](const TFiles& function) {
+    return function.ReadNumber("class").map([index](std::uint64_t classCode) {
       return static_cast<std::uint8_t>(classCode >> (8U * index));
     });
   };
 }
 
-TText ReadDriver(const TSysfsDevice& device) {
-  const std::string path = device.fFolder + "uevent";
-  const TText file = device.fFiles->Read(path);
-  const TText driver = TFields(path, file, '=').Get("DRIVER");
+TText ReadDriver(const TFiles& function) {
+  const TText file = function.Read("uevent");
+  const TText driver = TFields(function.PathOf("uevent"), file, '=').Get("DRIVER");
   return driver || !file ? driver : TText(Missing("no driver is bound to it"));
 }
 
@@ -60,15 +46,14 @@ TClass PCIDeviceClass() {
   return THostTable<TSysfsDevice>{
       "VORNSG_PCIDevice",
       "A function of a device on a PCI bus, by its address.",
-      ListFunctions,
-      {{"VendorID", "The maker of the chip.", ID("vendor")},
-       {"PCIDeviceID", "The chip, as its maker numbers them.", ID("device")},
-       {"SubsystemVendorID", "The maker of the card.", ID("subsystem_vendor")},
-       {"SubsystemID", "The card, as its maker numbers them.", ID("subsystem_device")},
-       {"RevisionID", "The revision of the chip.",
-        [](const TSysfsDevice& device) {
-          return NumberAs<std::uint8_t>(device.ReadNumber("revision"));
-        }},
+      DevicesIn("/sys/bus/pci/devices", AdaptFunction),
+      {{"VendorID", "The maker of the chip.", FileNumber<std::uint16_t>("vendor")},
+       {"PCIDeviceID", "The chip, as its maker numbers them.", FileNumber<std::uint16_t>("device")},
+       {"SubsystemVendorID", "The maker of the card.",
+        FileNumber<std::uint16_t>("subsystem_vendor")},
+       {"SubsystemID", "The card, as its maker numbers them.",
+        FileNumber<std::uint16_t>("subsystem_device")},
+       {"RevisionID", "The revision of the chip.", FileNumber<std::uint8_t>("revision")},
        {"ClassCode", "What it is for: 1 storage, 2 network.", ClassCodeByte(2)},
        {"SubclassCode", "The same, more closely.", ClassCodeByte(1)},
        {"Driver", "The driver that serves it.", ReadDriver}}}

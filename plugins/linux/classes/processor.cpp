@@ -46,7 +46,7 @@ std::vector<TSocket> ParseSockets(std::string_view text) {
 }
 
 TReading<std::vector<TSocket>> ListSockets(const THost& host) {
-  return host.fFiles.Read(kPath, THostFiles::kMaxTableSize).map(ParseSockets);
+  return host.Read(kPath, TFiles::kMaxTableSize).map(ParseSockets);
 }
 
 auto Field(const char* name) {
@@ -57,17 +57,17 @@ auto Field(const char* name) {
 TReading<std::uint32_t> CurrentClockSpeed(const TSocket& socket) {
   const TText speed = socket.fFields.Get("cpu MHz").map(
       [](const std::string& text) { return text.substr(0, text.find('.')); });
-  return NumberAs<std::uint32_t>(ToNumber(speed, std::string(kPath) + ": cpu MHz"));
+  return ToNumber<std::uint32_t>(speed, std::string(kPath) + ": cpu MHz");
 }
 
 TReading<std::uint32_t> ReadMaxClockSpeed(const TSocket& socket, const THost& host) {
   const std::string path =
       "/sys/devices/system/cpu/cpu" + std::to_string(socket.fFirst) + "/cpufreq/cpuinfo_max_freq";
-  return NumberAs<std::uint32_t>(Scaled(ReadNumber(host.fFiles, path), 1, 1000));
+  return Scaled<std::uint32_t>(host.ReadNumber(path), 1, 1000);
 }
 
 TReading<std::uint16_t> Cores(const TSocket& socket) {
-  return NumberAs<std::uint16_t>(socket.fFields.GetNumber("cpu cores"));
+  return socket.fFields.GetNumber<std::uint16_t>("cpu cores");
 }
 
 }  // namespace

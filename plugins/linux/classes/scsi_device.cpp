@@ -3,7 +3,6 @@
 #include <array>
 
 #include "logical_device.h"
-#include "machine/text.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -16,17 +15,13 @@ constexpr std::array kDeviceTypes = {
     "Communications Device",
 };
 
-TInstances<TSysfsDevice> ListSCSIDevices(const THost& host) {
-  TInstances<TSysfsDevice> devices = ListDevices(host, "/sys/class/scsi_generic");
-  for (TSysfsDevice& device : devices.fAll) {
-    device.fID = "/dev/" + device.fID;
-    device.fFolder += "device/";
-  }
-  return devices;
+TReading<bool> AdaptDevice(TSysfsDevice& device) {
+  device.fID = "/dev/" + device.fID;
+  return true;
 }
 
-TText ReadDeviceType(const TSysfsDevice& device) {
-  return device.ReadLine("type").map([](const std::string& type) -> std::string {
+TText ReadDeviceType(const TFiles& device) {
+  return device.ReadLine("device/type").map([](const std::string& type) -> std::string {
     for (std::size_t number = 0; number < kDeviceTypes.size(); ++number) {
       if (type == std::to_string(number)) return kDeviceTypes[number];
     }
@@ -37,9 +32,7 @@ TText ReadDeviceType(const TSysfsDevice& device) {
 /// An inquiry field of blanks gives an empty value, since the device has no such text; only a
 /// missing file gives null.
 auto InquiryText(const char* file) {
-  return [file](const TSysfsDevice& device) {
-    return device.fFiles->Read(device.fFolder + file).map(PrintableText);
-  };
+  return [file](const TFiles& device) { return device.Read(file).map(PrintableText); };
 }
 
 }  // namespace
@@ -48,11 +41,11 @@ TClass SCSIDeviceClass() {
   return THostTable<TSysfsDevice>{
       "VORNSG_SCSIDevice",
       "A SCSI device, or one that the system presents as such.",
-      ListSCSIDevices,
+      DevicesIn("/sys/class/scsi_generic", AdaptDevice),
       {{"DeviceID", "The path of the device, as in /dev/sg0.", &TSysfsDevice::fID, kKey},
        {"DeviceType", "Its peripheral device type, in words.", ReadDeviceType},
-       {"VendorID", "The vendor, as the device names it.", InquiryText("vendor")},
-       {"ProductID", "The product, as the device names it.", InquiryText("model")}}};
+       {"VendorID", "The vendor, as the device names it.", InquiryText("device/vendor")},
+       {"ProductID", "The product, as the device names it.", InquiryText("device/model")}}};
 }
 
 }  // namespace NVORNQDX20

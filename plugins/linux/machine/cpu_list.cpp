@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <iterator>
 
-#include "numbers.h"
+#include "reading.h"
 
 namespace NVORNQDX20 {
 namespace {

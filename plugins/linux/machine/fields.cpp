@@ -5,9 +5,6 @@
 
 #include <boost/algorithm/string/predicate.hpp>
 
-#include "numbers.h"
-#include "text.h"
-
 namespace NVORNQDX20 {
 
 TFields::TFields(std::string source, std::string_view text, char separator)
@@ -32,15 +29,12 @@ TText TFields::Get(std::string_view name) const {
   return Missing(fSource + ": no '" + std::string(name) + "'");
 }
 
-TNumber TFields::GetNumber(std::string_view name, std::string_view unit) const {
-  const std::string source = fSource + ": " + std::string(name);
-  const TText digits = Get(name).and_then([&](const std::string& value) -> TText {
-    if (!boost::algorithm::ends_with(value, unit)) {
-      return Missing(source + " is not in" + std::string(unit));
-    }
-    return value.substr(0, value.size() - unit.size());
+TText TFields::GetDigits(std::string_view name, std::string_view unit) const {
+  return Get(name).and_then([&](const std::string& value) -> TText {
+    if (boost::algorithm::ends_with(value, unit))
+      return value.substr(0, value.size() - unit.size());
+    return Missing(SourceOf(name) + " is not in" + std::string(unit));
   });
-  return ToNumber(digits, source);
 }
 
 }  // namespace NVORNQDX20

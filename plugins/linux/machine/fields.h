@@ -23,9 +23,15 @@ class TFields {
 
   TText Get(std::string_view name) const;
   /// The number before `unit`. Missing if the value does not end with the unit, which may be empty.
-  TNumber GetNumber(std::string_view name, std::string_view unit = {}) const;
+  template <typename T = std::uint64_t>
+  TReading<T> GetNumber(std::string_view name, std::string_view unit = {}) const {
+    return ToNumber<T>(GetDigits(name, unit), SourceOf(name));
+  }
 
  private:
+  TText GetDigits(std::string_view name, std::string_view unit) const;
+  std::string SourceOf(std::string_view name) const { return fSource + ": " + std::string(name); }
+
   std::string fSource;
   std::string fReason;  // set if the file could not be read
   std::map<std::string, std::string, std::less<>> fValues;

@@ -7,21 +7,23 @@
 
 #include <string>
 
-#include "host_files.h"
 #include "reading.h"
 
 namespace NVORNQDX20 {
 
 /// The files of the machine, and names that several classes need.
-struct THost {
-  /// Throws what the constructor of THostFiles throws.
-  explicit THost(const NDescribe::TRequest& request);
+struct THost : TFiles {
+  /// Throws what the constructor of TFiles throws.
+  explicit THost(const TRequest& request);
+
+  /// Returns the host name, or an empty text without a reason, for keys that refer to the instance
+  /// of VORNSG_ComputerSystem, which explains a missing name.
+  std::string GetNameAsKey() const { return fName.ValueOr(""); }
 
   /// Returns a string of the firmware's DMI table (DMTF DSP0134) by the name of its sysfs file, for
   /// example "product_name". A placeholder such as "To be filled by O.E.M." counts as missing.
   TText ReadDMIString(const std::string& name) const;
 
-  THostFiles fFiles;
   TText fKernelName;     ///< "Linux"
   TText fKernelRelease;  ///< "6.1.0-18-amd64"
   TText fName;           ///< The host name.

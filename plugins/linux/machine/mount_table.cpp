@@ -6,7 +6,7 @@
 #include <set>
 #include <vector>
 
-#include "text.h"
+#include "reading.h"
 
 namespace NVORNQDX20 {
 namespace {

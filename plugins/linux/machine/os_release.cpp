@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "text.h"
+#include "reading.h"
 
 namespace NVORNQDX20 {
 namespace {

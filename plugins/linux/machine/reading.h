@@ -1,17 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The result of reading one fact of the machine.
+/// What all files of this plug-in use of the library of tables.
 #ifndef PLUGINS_LINUX_MACHINE_READING_H_
 #define PLUGINS_LINUX_MACHINE_READING_H_
 
+#include <qdxdescribe/files.h>
+#include <qdxdescribe/numbers.h>
 #include <qdxdescribe/reading.h>
+#include <qdxdescribe/text.h>
 
 #include <cstdint>
 #include <string>
 
 namespace NVORNQDX20 {
 
-using NDescribe::Missing;
-using NDescribe::TReading;
+using namespace NDescribe;
 
 using TText = TReading<std::string>;
 using TNumber = TReading<std::uint64_t>;

@@ -8,6 +8,7 @@
 #define QDXDESCRIBE_PROVIDER_H_
 
 #include <qdxcore/registry.h>
+#include <qdxdescribe/files.h>
 #include <qdxdescribe/table.h>
 
 #include <cstddef>

@@ -5,6 +5,7 @@
 
 #include <qdxdescribe/declaration.h>
 #include <qdxdescribe/reading.h>
+#include <qdxdescribe/request.h>
 
 #include <functional>
 #include <string>
@@ -13,15 +14,6 @@
 #include <vector>
 
 namespace NVORNQDX20::NDescribe {
-
-/// What the caller of a provider asks for.
-struct TRequest {
-  /// Returns the place of a file below the root.
-  std::string PathOf(const std::string& path) const { return fRoot == "/" ? path : fRoot + path; }
-
-  std::string fRoot;     ///< The folder below which all files are read: "/" for this machine.
-  TOptionsMap fOptions;  ///< All options of the call.
-};
 
 /// An instance that a reference refers to: its class or a superclass, and the value of its last
 /// key. The reference is null, with a reason, if the namespace has no such instance or several.

@@ -40,6 +40,7 @@ namespace NVORNQDX20::NDescribe {
 /// one a provider says "none was found".
 template <typename TSource>
 struct TInstances {
+  TInstances() = default;
   TInstances(std::vector<TSource> all) : fAll(std::move(all)) {}
   TInstances(TMissing missing) : fReason(std::move(missing.fReason)) {}
   TInstances(const TReading<std::vector<TSource>>& all)

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <machine/host_files.h>
+#include <qdxdescribe/files.h>
 
-#include <machine/host.h>
-
-#include <array>
 #include <cerrno>
 #include <iostream>
 
@@ -17,16 +14,18 @@
 #include "support/expect_status.h"
 #include "support/temp_dir.h"
 
-namespace NVORNQDX20 {
+namespace NVORNQDX20::NDescribe {
 namespace {
 
 namespace fs = std::filesystem;
 
 /// What is read, or why it is not.
-std::string TextOf(const TText& reading) { return reading ? *reading : reading.GetReason(); }
+std::string TextOf(const TReading<std::string>& reading) {
+  return reading ? *reading : reading.GetReason();
+}
 
 /// A tree that stands in for a machine.
-class HostFiles : public ::testing::Test {
+class Files : public ::testing::Test {
  protected:
   std::string Line(const std::string& path) const { return TextOf(fFiles.ReadLine(path)); }
   void Link(const std::string& target, const std::string& name) const {
@@ -36,10 +35,10 @@ class HostFiles : public ::testing::Test {
   const TTempDir fTree;
   const TTempDir fOutside;
   const std::string fSecret = fOutside.Write("secret", "outside").string();
-  const THostFiles fFiles = THostFiles(fTree.Path().string());
+  const TFiles fFiles = TFiles({fTree.Path().string(), {}});
 };
 
-TEST_F(HostFiles, AreReadUpToASizeOrByTheirFirstLine) {
+TEST_F(Files, AreReadUpToASizeOrByTheirFirstLine) {
   const std::string text = " \x1b[a \n" + std::string(1018, 'x');
   fTree.Write("f", text);
   EXPECT_EQ(Line("/f"), "[a");
@@ -51,15 +50,29 @@ TEST_F(HostFiles, AreReadUpToASizeOrByTheirFirstLine) {
   EXPECT_EQ(Line("/f"), "/f: empty");
 }
 
-TEST_F(HostFiles, AreListedInOrder) {
+TEST_F(Files, AreListedInOrder) {
   for (const char* name : {"d/b", "d/a/x", "d/.c", "d/B"}) fTree.Write(name, "");
   EXPECT_EQ(*fFiles.List("/d"), (std::vector<std::string>{"B", "a", "b"}));
   EXPECT_EQ(fFiles.List("/d/b").GetReason(), "/d/b: Not a directory");
   EXPECT_FALSE(fFiles.IsAbsent("/d/a"));
   EXPECT_TRUE(fFiles.IsAbsent("/d/b/c"));
+  EXPECT_EQ(fFiles.FirstOf({"/no", "/d/b", "/d/a/x"}) + fFiles.FirstOf({"/no", "/d/c"}),
+            "/d/b/d/c");
 }
 
-TEST_F(HostFiles, NoLinkLeadsOutOfTheTree) {
+TEST_F(Files, AreFoundInAFolder) {
+  fTree.Write("d/e/f", "-7\n");
+  fTree.Write("d/flag", "2\n");
+  const TFiles folder = fFiles.In("d");
+  EXPECT_EQ(*folder.In("e").List(), std::vector<std::string>{"f"});
+  EXPECT_EQ(*folder.ReadNumber<int>("e/f"), -7);
+  EXPECT_EQ(*folder.In("/d/e").ReadNumber<double>("/d/e/f"), -7);
+  EXPECT_EQ(folder.ReadNumber("e/f").GetReason(), "/d/e/f: '-7' is no valid number");
+  EXPECT_EQ(folder.ReadFlag("flag").GetReason(), "/d/flag: neither 0 nor 1");
+  EXPECT_EQ(folder.In("none").List().GetReason(), "/d/none: No such file or directory");
+}
+
+TEST_F(Files, NoLinkLeadsOutOfTheTree) {
   fTree.Write("share/release", "inside");
   Link(fSecret, "absolute");
   Link("../../../../../../../.." + fSecret, "share/relative");
@@ -84,22 +97,23 @@ bool ForbidOpenat2() {
          ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
 }
 
-TEST_F(HostFiles, WithoutOpenat2NoLinkIsFollowed) {
+TEST_F(Files, WithoutOpenat2NoLinkIsFollowed) {
   fTree.Write("share/release", "inside");
   Link(fSecret, "absolute");
   Link("share", "folder");
   const auto read = [this] {
     if (!ForbidOpenat2()) ::_exit(9);
+    const bool leadsOut = Line("/../.." + fSecret) == "outside";
     std::cerr << Line("/share/release") << ";" << Line("/absolute") << ";"
-              << Line("/folder/release");
+              << Line("/folder/release") << ";" << Line("/../share/./release") << leadsOut;
     ::_exit(0);
   };
   EXPECT_EXIT(read(), ::testing::ExitedWithCode(0),
               "^inside;/absolute: not a regular file;"
-              "/folder/release: Not a directory$");
+              "/folder/release: Not a directory;inside0$");
 }
 
-TEST_F(HostFiles, AreReadIfTheyAreRegularAndMayBeRead) {
+TEST_F(Files, AreReadIfTheyAreRegularAndMayBeRead) {
   const fs::path file = fTree.Write("f", "text");
   fs::permissions(fTree.Path(), fs::perms::all);
   fs::permissions(file, fs::perms::none);
@@ -115,54 +129,14 @@ TEST_F(HostFiles, AreReadIfTheyAreRegularAndMayBeRead) {
   EXPECT_EQ(Line("/"), "/: not a regular file");
 }
 
-TEST_F(HostFiles, AreThisMachinesBelowItsRoot) {
+TEST_F(Files, AreThisMachinesBelowItsRoot) {
   Link("/", "root");
-  const THostFiles here((fTree.Path() / "root").string());
+  const TFiles here({(fTree.Path() / "root").string(), {}});
   EXPECT_TRUE(here.IsThisMachine());
   EXPECT_EQ(TextOf(here.ReadLine(fSecret)), "outside");
   EXPECT_FALSE(fFiles.IsThisMachine());
-  EXPECT_QDX_STATUS(THostFiles(fSecret), kQDXStatusFileNotFound);
-}
-
-TEST_F(HostFiles, HaveSpaceWhereTheyAreMounted) {
-  const THostFiles here("/");
-  // Not in a chroot, whose "/" is a folder like any other.
-  const bool mounted = ReadWholeFile("/proc/self/mounts").find(" / ") != std::string::npos;
-  const auto space = here.ReadSpace("/");
-  EXPECT_EQ(space.GetReason(), mounted ? "" : "hidden below another mount");
-  EXPECT_EQ(space ? space->fSize : 0, mounted ? fs::space("/").capacity : 0);
-  EXPECT_EQ(here.ReadSpace(fOutside.Path().string()).GetReason(), "hidden below another mount");
-  EXPECT_EQ(here.ReadSpace(fSecret + "2").GetReason(), fSecret + "2: No such file or directory");
-  EXPECT_EQ(fFiles.ReadSpace("/").GetReason(), "not asked: not mounted on this machine");
-}
-
-TEST_F(HostFiles, GiveTheNameOfTheHost) {
-  const std::string none = "/etc/hostname: holds no name";
-  const std::array<std::string, 3> rows[] = {{"running\n", "configured", "running"},
-                                             {"(none)\n", "# it\n\n  configured \nb", "configured"},
-                                             {"\n", "# it\n \n", none}};
-  for (const auto& [kernel, configured, name] : rows) {
-    fTree.Write("proc/sys/kernel/hostname", kernel);
-    fTree.Write("etc/hostname", configured);
-    EXPECT_EQ(TextOf(THost({fTree.Path().string(), {}}).fName), name);
-  }
-}
-
-TEST_F(HostFiles, HaveDMIStringsThatAreNoPlaceholders) {
-  const THost host({fTree.Path().string(), {}});
-  EXPECT_EQ(TextOf(host.ReadDMIString("serial")), "no DMI table: /sys/class/dmi/id does not exist");
-  const auto read = [&](const std::string& text) {
-    fTree.Write("sys/class/dmi/id/serial", text + "\n");
-    return TextOf(host.ReadDMIString("serial"));
-  };
-  for (const std::string text : {"To be filled by O.E.M.", "SYSTEM SERIAL NUMBER", " None ", "n/a",
-                                 "0123456789", "0000000", "00000000-0000", "......"}) {
-    EXPECT_NE(read(text).find("/serial: placeholder text '"), std::string::npos) << text;
-  }
-  for (const std::string text : {"00000001", "9", "0000A00", "z", "Default A", "\xc3\xa9"}) {
-    EXPECT_EQ(read(text), text);
-  }
+  EXPECT_QDX_STATUS(TFiles({fSecret, {}}), kQDXStatusFileNotFound);
 }
 
 }  // namespace
-}  // namespace NVORNQDX20
+}  // namespace NVORNQDX20::NDescribe

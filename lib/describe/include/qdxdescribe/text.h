@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Cleans texts of firmware and files.
-#ifndef PLUGINS_LINUX_MACHINE_TEXT_H_
-#define PLUGINS_LINUX_MACHINE_TEXT_H_
+#ifndef QDXDESCRIBE_TEXT_H_
+#define QDXDESCRIBE_TEXT_H_
 
 #include <string>
 #include <string_view>
 
-namespace NVORNQDX20 {
+namespace NVORNQDX20::NDescribe {
 
 /// Returns the text without control characters, without bytes that are not UTF-8, and without
 /// blanks at either end: firmware strings can contain any bytes, and CIM strings are Unicode.
@@ -15,6 +15,6 @@ std::string PrintableText(std::string_view text);
 /// Returns the first line and removes it from the text.
 std::string_view TakeLine(std::string_view& text);
 
-}  // namespace NVORNQDX20
+}  // namespace NVORNQDX20::NDescribe
 
-#endif  // PLUGINS_LINUX_MACHINE_TEXT_H_
+#endif  // QDXDESCRIBE_TEXT_H_

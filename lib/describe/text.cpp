@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "text.h"
+#include <qdxdescribe/text.h>
 
 #include <qdxsystem/utf8.h>
 
-namespace NVORNQDX20 {
+namespace NVORNQDX20::NDescribe {
 namespace {
 
 std::string WithoutBlanksAround(const std::string& text) {
@@ -30,4 +30,4 @@ std::string_view TakeLine(std::string_view& text) {
   return line;
 }
 
-}  // namespace NVORNQDX20
+}  // namespace NVORNQDX20::NDescribe

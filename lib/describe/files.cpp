@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxdescribe/files.h>
+
+#include <qdxcore/logger.h>
+#include <qdxdescribe/text.h>
+#include <qdxsystem/descriptor.h>
+#include <qdxsystem/error_text.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <filesystem>
+#include <iterator>
+#include <memory>
+#include <utility>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <linux/openat2.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace NVORNQDX20::NDescribe {
+namespace {
+
+/// openat2 fails with EAGAIN if anything was renamed or mounted while it resolved a "..".
+constexpr int kMaxAttempts = 32;
+
+TDescriptor OpenInRoot(int root, const std::string& path, int flags) {
+  open_how how{};
+  how.flags = static_cast<decltype(how.flags)>(flags);
+  how.resolve = RESOLVE_IN_ROOT | RESOLVE_NO_MAGICLINKS;
+  for (int attempt = 1;; ++attempt) {
+    TDescriptor file(
+        static_cast<int>(::syscall(SYS_openat2, root, path.c_str(), &how, sizeof how)));
+    if (file.GetError() != EAGAIN || attempt == kMaxAttempts) return file;
+  }
+}
+
+/// For kernels and sandboxes without openat2: follows no symbolic links, so none leads out.
+TDescriptor OpenWithoutLinks(int root, const std::string& path, int flags) {
+  // Nothing is a link, so ".." can be removed from the text.
+  const auto relative = std::filesystem::path(path).lexically_normal().relative_path();
+  TDescriptor folder(::openat(root, ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+  for (const auto& component : relative.parent_path()) {
+    folder = TDescriptor(
+        ::openat(folder.Get(), component.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!folder.IsOpen()) return folder;
+  }
+  const std::string name = relative.has_filename() ? relative.filename().string() : ".";
+  return TDescriptor(::openat(folder.Get(), name.c_str(), flags | O_NOFOLLOW));
+}
+
+/// Stops after the maximum size, so that the caller notices a file that is too long.
+TReading<std::string> ReadToEnd(int file, std::size_t maxSize) {
+  std::array<char, 16384> buffer;  // not initialised: most files have some bytes
+  std::string text;
+  while (text.size() <= maxSize) {
+    const ssize_t count = ::read(file, buffer.data(), buffer.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return Missing(ErrorText(errno));
+    if (count == 0) break;
+    text.append(buffer.data(), static_cast<std::size_t>(count));
+  }
+  return text;
+}
+
+bool IsRegularFile(int file) {
+  struct stat status {};
+  return ::fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+bool IsRootFolder(int folder) {
+  struct stat given {};
+  struct stat root {};
+  return ::fstat(folder, &given) == 0 && ::stat("/", &root) == 0 && given.st_dev == root.st_dev &&
+         given.st_ino == root.st_ino;
+}
+
+TDescriptor OpenRoot(const std::string& root) {
+  TDescriptor folder(::open(root.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+  if (!folder.IsOpen()) {
+    LogErrorAndThrow(folder.GetError() == EACCES ? kQDXStatusAccessDenied : kQDXStatusFileNotFound,
+                     {"root folder ", root, ": ", ErrorText(folder.GetError())});
+  }
+  return folder;
+}
+
+}  // namespace
+
+class TFiles::TRoot {
+ public:
+  explicit TRoot(const std::string& root)
+      : fFolder(OpenRoot(root)), fIsThisMachine(IsRootFolder(fFolder.Get())) {}
+
+  bool IsThisMachine() const { return fIsThisMachine; }
+
+  TDescriptor Open(const std::string& path, int flags) const {
+    flags |= O_CLOEXEC;
+    if (fIsThisMachine) return TDescriptor(::open(path.c_str(), flags));
+    TDescriptor file = OpenInRoot(fFolder.Get(), path, flags);
+    // Older sandboxes return EPERM for an unknown system call.
+    if (file.GetError() != ENOSYS && file.GetError() != EPERM) return file;
+    return OpenWithoutLinks(fFolder.Get(), path, flags);
+  }
+
+  /// To open a device can start it, so the type of a file in an image is looked at first.
+  TDescriptor OpenToRead(const std::string& path) const {
+    const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY;
+    if (fIsThisMachine) return Open(path, flags);
+    TDescriptor place = Open(path, O_PATH);
+    if (!place.IsOpen() || !IsRegularFile(place.Get())) return place;
+    const std::string self = "/proc/self/fd/" + std::to_string(place.Get());
+    TDescriptor file(::open(self.c_str(), flags | O_CLOEXEC));
+    // Where /proc is not mounted, the path is opened again.
+    return file.GetError() == ENOENT ? Open(path, flags) : std::move(file);
+  }
+
+ private:
+  TDescriptor fFolder;
+  bool fIsThisMachine;
+};
+
+TFiles::TFiles(const TRequest& request) : fRoot(std::make_shared<TRoot>(request.fRoot)) {}
+
+TReading<std::string> TFiles::Read(const std::string& path, std::size_t maxSize) const {
+  const TDescriptor file = fRoot->OpenToRead(PathOf(path));
+  if (!file.IsOpen()) return MissingFrom(path, ErrorText(file.GetError()));
+  if (!IsRegularFile(file.Get())) return MissingFrom(path, "not a regular file");
+  TReading<std::string> reading = ReadToEnd(file.Get(), maxSize);
+  if (!reading) return MissingFrom(path, reading.GetReason());
+  if (reading->size() > maxSize) {
+    return MissingFrom(path, "more than " + std::to_string(maxSize >> 10U) + " KiB");
+  }
+  return reading;
+}
+
+TReading<std::string> TFiles::ReadLine(const std::string& path) const {
+  TReading<std::string> file = Read(path);
+  if (!file) return file;
+  std::string line = PrintableText(file->substr(0, file->find('\n')));
+  if (line.empty()) return MissingFrom(path, "empty");
+  return line;
+}
+
+TReading<bool> TFiles::ReadFlag(const std::string& path) const {
+  return ReadNumber(path).and_then([&](std::uint64_t number) -> TReading<bool> {
+    if (number > 1) return MissingFrom(path, "neither 0 nor 1");
+    return number == 1;
+  });
+}
+
+TReading<std::vector<std::string>> TFiles::List(const std::string& path) const {
+  TDescriptor folder = fRoot->Open(PathOf(path), O_RDONLY | O_DIRECTORY | O_NONBLOCK);
+  if (!folder.IsOpen()) return MissingFrom(path, ErrorText(folder.GetError()));
+  const std::unique_ptr<DIR, int (*)(DIR*)> entries(::fdopendir(folder.Get()), ::closedir);
+  if (!entries) return MissingFrom(path, ErrorText(errno));
+  (void)folder.Release();  // owned by the DIR from here on
+  std::vector<std::string> names;
+  errno = 0;
+  while (const dirent* entry = ::readdir(entries.get())) {
+    if (entry->d_name[0] != '.') names.emplace_back(entry->d_name);
+  }
+  if (errno != 0) return MissingFrom(path, ErrorText(errno));
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+bool TFiles::IsAbsent(const std::string& path) const {
+  const int error = fRoot->Open(PathOf(path), O_PATH).GetError();
+  return error == ENOENT || error == ENOTDIR;
+}
+
+std::string TFiles::FirstOf(std::initializer_list<const char*> paths) const {
+  const auto last = std::prev(paths.end());
+  return *std::find_if(paths.begin(), last, [this](const char* path) { return !IsAbsent(path); });
+}
+
+TFiles TFiles::In(const std::string& folder) const {
+  TFiles files = *this;
+  files.fFolder = PathOf(folder);
+  return files;
+}
+
+std::string TFiles::PathOf(const std::string& path) const {
+  if (path.empty()) return fFolder.empty() ? "/" : fFolder;
+  return path.front() == '/' ? path : fFolder + "/" + path;
+}
+
+TMissing TFiles::MissingFrom(const std::string& path, const std::string& reason) const {
+  return Missing(PathOf(path) + ": " + reason);
+}
+
+bool TFiles::IsThisMachine() const { return fRoot->IsThisMachine(); }
+
+}  // namespace NVORNQDX20::NDescribe
