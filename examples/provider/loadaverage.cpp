@@ -3,8 +3,8 @@
 #include <qdxdescribe/provider.h>
 
 #include <cstdint>
-#include <fstream>
 #include <locale>
+#include <sstream>
 #include <string>
 
 using namespace NVORNQDX20;
@@ -22,17 +22,19 @@ struct TLoad {
 /// Parses "0.52 0.58 0.59 2/345 12345": three averages, the numbers of running processes and of all
 /// processes, and the newest process ID.
 TReading<TLoad> ReadLoad(const TRequest& request) {
-  const std::string name = request.PathOf("/proc/loadavg");
-  std::ifstream file(name);
-  if (!file) return Missing(name + ": cannot be opened");
-  file.imbue(std::locale::classic());
-  TLoad load{};
-  std::uint32_t running = 0;
-  char slash = 0;
-  file >> load.fOneMinute >> load.fFiveMinutes >> load.fFifteenMinutes >> running >> slash >>
-      load.fProcesses;
-  if (!file) return Missing(name + ": not three averages and two numbers of processes");
-  return load;
+  const char* const path = "/proc/loadavg";
+  const TFiles files(request);
+  return files.ReadLine(path).and_then([&](const std::string& line) -> TReading<TLoad> {
+    std::istringstream words(line);
+    words.imbue(std::locale::classic());
+    TLoad load{};
+    std::uint32_t running = 0;
+    char slash = 0;
+    words >> load.fOneMinute >> load.fFiveMinutes >> load.fFifteenMinutes >> running >> slash >>
+        load.fProcesses;
+    if (words) return load;
+    return files.MissingFrom(path, "not three averages and two numbers of processes");
+  });
 }
 
 TTable<TLoad> LoadAverage() {

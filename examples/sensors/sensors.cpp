@@ -3,13 +3,8 @@
 // superclass, an association, and a host that the classes share.
 #include <qdxdescribe/provider.h>
 
-#include <algorithm>
-#include <charconv>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
 #include <string>
-#include <system_error>
 #include <vector>
 
 using namespace NVORNQDX20;
@@ -17,46 +12,17 @@ using namespace NDescribe;
 
 namespace {
 
-TReading<std::string> ReadLine(const std::string& path) {
-  std::ifstream file(path);
-  std::string line;
-  if (!std::getline(file, line)) return Missing(path + ": cannot be read");
-  return line;
-}
-
-TReading<std::int32_t> ReadNumber(const std::string& path) {
-  return ReadLine(path).and_then([&path](const std::string& text) -> TReading<std::int32_t> {
-    std::int32_t number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, number);
-    if (error != std::errc() || rest != end) return Missing(path + ": not a number");
-    return number;
-  });
-}
-
-using TNames = std::vector<std::string>;
-
-TReading<TNames> ListFolder(const std::string& folder) {
-  std::error_code error;
-  TNames names;
-  for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
-    names.push_back(entry.path().filename());
-  }
-  if (error) return Missing(folder + ": " + error.message());
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
 /// What several classes need. It is made once for each description.
 struct TMachine {
   explicit TMachine(const TRequest& request)
-      : fFolder(request.PathOf("/sys/class/hwmon/")), fChips(ListFolder(fFolder)) {}
+      : fFiles(TFiles(request).In("/sys/class/hwmon")), fChips(fFiles.List()) {}
 
-  std::string fFolder;
-  TReading<TNames> fChips;
+  TFiles fFiles;
+  TReading<std::vector<std::string>> fChips;
 };
 
-struct TChip {
+/// Its files are those of its folder.
+struct TChip : TFiles {
   std::string fID;
 };
 
@@ -65,18 +31,21 @@ struct TSensor {
   std::string fID;  // for example "hwmon0/fan1"
 };
 
-std::vector<TChip> ListChips(const TNames& names) {
-  std::vector<TChip> chips;
-  for (const std::string& name : names) chips.push_back({name});
-  return chips;
+TReading<std::vector<TChip>> ListChips(const TMachine& machine) {
+  return machine.fChips.map([&machine](const std::vector<std::string>& names) {
+    std::vector<TChip> chips;
+    for (const std::string& name : names) chips.push_back({machine.fFiles.In(name), name});
+    return chips;
+  });
 }
 
 /// Lists the sensors that have a file such as "fan1_input"; its first letters are the kind.
 TInstances<TSensor> ListSensors(const TMachine& machine, const std::string& kind) {
-  TInstances<TSensor> sensors({}, machine.fChips.GetReason());
+  TInstances<TSensor> sensors;
+  if (!machine.fChips) sensors.Miss(machine.fChips.GetReason());
   for (const std::string& chip : machine.fChips.ValueOr({})) {
-    const TReading<TNames> files = ListFolder(machine.fFolder + chip);
-    if (!files) sensors.fReason = files.GetReason();
+    const auto files = machine.fFiles.List(chip);
+    if (!files) sensors.Miss(files.GetReason());
     for (const std::string& file : files.ValueOr({})) {
       const std::size_t end = file.find("_input");
       if (end == file.npos || file.compare(0, kind.size(), kind) != 0) continue;
@@ -90,14 +59,14 @@ auto List(const char* kind) {
 }
 
 // Readers of rows, by the last part of the file's name.
-auto Line(const char* file) {
-  return [file](const TSensor& sensor, const TMachine& machine) {
-    return ReadLine(machine.fFolder + sensor.fID + file);
+auto Line(const char* end) {
+  return [end](const TSensor& sensor, const TMachine& machine) {
+    return machine.fFiles.ReadLine(sensor.fID + end);
   };
 }
-auto Number(const char* file) {
-  return [file](const TSensor& sensor, const TMachine& machine) {
-    return ReadNumber(machine.fFolder + sensor.fID + file);
+auto Number(const char* end) {
+  return [end](const TSensor& sensor, const TMachine& machine) {
+    return machine.fFiles.ReadNumber<std::int32_t>(sensor.fID + end);
   };
 }
 
@@ -108,12 +77,9 @@ TReading<double> ReadTemperature(const TSensor& sensor, const TMachine& machine)
 TTable<TChip, TMachine> Chips() {
   return {"Example_Chip",
           "A chip that has sensors.",
-          [](const TMachine& machine) { return machine.fChips.map(ListChips); },
+          ListChips,
           {{"ID", "The name of its folder.", &TChip::fID, kKey},
-           {"Driver", "The name that its driver gives.",
-            [](const TChip& chip, const TMachine& machine) {
-              return ReadLine(machine.fFolder + chip.fID + "/name");
-            }}}};
+           {"Driver", "The name that its driver gives.", FileLine("name")}}};
 }
 
 using TSensorTable = TTable<TSensor, TMachine>;
