@@ -3,16 +3,20 @@
 
 #include <qdxcore/build_stamp.h>
 #include <qdxcore/status.h>
+#include <qdxsystem/descriptor.h>
 #include <qdxsystem/error_text.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <string_view>
 #include <system_error>
 
 #include <elf.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "libraries.h"
 
@@ -23,6 +27,11 @@ namespace {
 constexpr const char* kBuildAgain = "; build it again with the headers that are installed";
 constexpr const char* kTakeFlags = "; 'pkg-config --cflags qdxcore' prints the flags that it needs";
 
+// Linkers make about ten segments. A source file has one stamp of 44 bytes, so this is enough for
+// 20,000 of them.
+constexpr std::uint64_t kMaxSegments = 256;
+constexpr std::uint64_t kMaxNoteBytes = std::uint64_t{1} << 20;
+
 [[noreturn]] void Refuse(const std::string& why) {
   throw TExplainedException(kQDXStatusInvalidPlugin, "it " + why);
 }
@@ -31,28 +40,26 @@ constexpr const char* kTakeFlags = "; 'pkg-config --cflags qdxcore' prints the f
 class TPluginFile {
  public:
   explicit TPluginFile(const std::string& file) {
-    std::error_code error;
-    const auto status = std::filesystem::status(file, error);
-    if (!std::filesystem::exists(status)) {
-      Refuse(std::filesystem::is_symlink(file, error) ? "is a link that leads nowhere"
-                                                      : std::string("is not there") + kListPlugins);
-    }
-    if (!std::filesystem::is_regular_file(status)) Refuse("is not a file");
-    fSize = std::filesystem::file_size(file, error);
-    fStream.open(file, std::ios::binary);
-    if (!fStream) Refuse("cannot be read: " + ErrorText(errno));
+    struct stat status {};
+    if (::stat(file.c_str(), &status) != 0) RefuseUnfound(file, errno);
+    if (!S_ISREG(status.st_mode)) Refuse("is not a file");  // opening a device may have effects
+    fDescriptor = TDescriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!fDescriptor.IsOpen()) Refuse("cannot be read: " + ErrorText(fDescriptor.GetError()));
+    fSize = static_cast<std::uint64_t>(status.st_size);
   }
 
   void RequirePart(std::uint64_t offset, std::uint64_t size) const {
     if (offset > fSize || size > fSize - offset) Refuse("is cut off");
   }
 
+  /// Reads all at once, so the caller limits the size.
   std::string ReadBytes(std::uint64_t offset, std::uint64_t size) {
     RequirePart(offset, size);
     std::string bytes(size, '\0');
-    fStream.seekg(static_cast<std::streamoff>(offset));
-    fStream.read(bytes.data(), static_cast<std::streamsize>(size));
-    if (!fStream) Refuse("cannot be read");
+    const ssize_t count =
+        ::pread(fDescriptor.Get(), bytes.data(), size, static_cast<off_t>(offset));
+    if (count < 0) Refuse("cannot be read: " + ErrorText(errno));
+    if (static_cast<std::uint64_t>(count) != size) Refuse("is cut off");
     return bytes;
   }
 
@@ -64,8 +71,15 @@ class TPluginFile {
   }
 
  private:
+  [[noreturn]] static void RefuseUnfound(const std::string& file, int error) {
+    if (error != ENOENT) Refuse("cannot be read: " + ErrorText(error));
+    std::error_code ignored;
+    Refuse(std::filesystem::is_symlink(file, ignored) ? "is a link that leads nowhere"
+                                                      : std::string("is not there") + kListPlugins);
+  }
+
+  TDescriptor fDescriptor;
   std::uint64_t fSize = 0;
-  std::ifstream fStream;
 };
 
 Elf64_Ehdr ReadHeader(TPluginFile& file) {
@@ -129,13 +143,21 @@ int CheckNotes(std::string_view notes) {
 void CheckPluginFile(const std::string& name) {
   TPluginFile file(name);
   const Elf64_Ehdr header = ReadHeader(file);
+  if (header.e_phnum > kMaxSegments) {
+    Refuse("has more than " + std::to_string(kMaxSegments) + " segments");
+  }
   int stamps = 0;
+  std::uint64_t noteBytes = 0;
   for (std::uint64_t i = 0; i < header.e_phnum; ++i) {
     const auto segment = file.Read<Elf64_Phdr>(header.e_phoff + i * sizeof(Elf64_Phdr));
     // The loader maps a truncated file, and the first access beyond its end is a SIGBUS.
     if (segment.p_type == PT_LOAD) file.RequirePart(segment.p_offset, segment.p_filesz);
     // Notes aligned to 8 bytes are the compiler's, in a segment of their own.
     if (segment.p_type == PT_NOTE && segment.p_align <= 4) {
+      noteBytes += std::min(segment.p_filesz, kMaxNoteBytes + 1);
+      if (noteBytes > kMaxNoteBytes) {
+        Refuse("has more than " + std::to_string(kMaxNoteBytes) + " bytes of notes");
+      }
       stamps += CheckNotes(file.ReadBytes(segment.p_offset, segment.p_filesz));
     }
   }
