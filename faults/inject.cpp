@@ -53,7 +53,6 @@ struct TCall {
 constexpr TCall kCalls[] = {
     {"allocation", "ONCE ALWAYS"},
     {"close", "EIO"},
-    {"dup2", "EMFILE"},
     {"fcntl", "EMFILE"},
     {"fdopendir", "ENOMEM"},
     {"fopen", "EIO EACCES ENOMEM"},
@@ -88,10 +87,10 @@ constexpr TCall kCalls[] = {
     {"writev", "EIO ENOSPC EINTR"},
 };
 
-/// Returns the position in kCalls. The name is one of them.
+/// Returns the position in kCalls, or their number for another name.
 unsigned CallNumber(const char* name) {
   unsigned number = 0;
-  while (std::strcmp(kCalls[number].fName, name) != 0) ++number;
+  while (number < std::size(kCalls) && std::strcmp(kCalls[number].fName, name) != 0) ++number;
   return number;
 }
 
@@ -541,12 +540,6 @@ EXPORT off_t lseek(int file, off_t offset, int whence) noexcept {
 }
 EXPORT off64_t lseek64(int file, off64_t offset, int whence) noexcept {
   return lseek(file, offset, whence);
-}
-
-EXPORT int dup2(int from, int to) noexcept {
-  const int error = ErrorOf("dup2");
-  if (error != 0) return FailWith(error, -1);
-  return static_cast<int>(Returned(RawCall(SYS_dup2, from, to)));
 }
 
 /// Only the commands that duplicate a descriptor can fail.

@@ -4,6 +4,8 @@
 #include <qdxdescribe/declaration.h>
 #include <qdxmodel/classes.h>
 
+#include <new>
+
 namespace NVORNQDX20::NDescribe {
 namespace {
 
@@ -50,6 +52,8 @@ TMissingReasons ReadMissingReasons(const ICIMNamespace& ns) {
                                  Text(instance, "PropertyName")),
                       Text(instance, "Reason"));
     });
+  } catch (const std::bad_alloc&) {
+    throw;  // the reasons are not to be lost
   } catch (...) {  // what the provider of the namespace throws can be of any type
     return reasons;
   }

@@ -51,7 +51,7 @@ TLogger::TLogger() : fThreshold(kLogStatus) {}
 
 TLogger::~TLogger() {
   if (!fLogFilename.empty()) {
-    WriteLine(kClosedLine);
+    fLogFile << kClosedLine << std::flush;  // not WriteLine, since a string can lack memory
     fLogFile.close();
   }
   if (fgInstance == this) fgInstance = nullptr;

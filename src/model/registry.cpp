@@ -3,6 +3,8 @@
 #include <qdxcore/registry.h>
 #include <qdxcore/status.h>
 
+#include <new>
+
 namespace NVORNQDX20 {
 namespace {
 
@@ -15,6 +17,8 @@ std::string ReasonOfFailure(const std::string& lastError) {
     return exception.GetReason();
   } catch (const TQDXException& exception) {
     return lastError.empty() ? exception.what() : lastError;
+  } catch (const std::bad_alloc&) {
+    return "out of memory";
   } catch (const std::exception& exception) {
     return exception.what();
   } catch (...) {

@@ -6,19 +6,15 @@
 
 #include <algorithm>
 #include <csignal>
-#include <cstdio>
-#include <cstdlib>
-#include <exception>
 #include <memory>
 #include <new>
 #include <string>
 #include <vector>
 
-#include <unistd.h>
-
 #include "cli/arguments.h"
 #include "cli/failure.h"
 #include "cli/log_file.h"
+#include "cli/out_of_memory.h"
 #include "cli/output.h"
 #include "plugin_host/crash_note.h"
 #include "plugin_host/surroundings.h"
@@ -97,19 +93,6 @@ EExitCode RunCommand(const std::vector<std::string>& words, TLog& log) {
   return RunVerb(FindVerb(operands[0]), arguments, log);
 }
 
-/// Destructors of JSON values allocate: when memory runs out there, the exception cannot be caught.
-[[noreturn]] void EndWithoutMemory() {
-  try {
-    if (const std::exception_ptr pending = std::current_exception())
-      std::rethrow_exception(pending);
-  } catch (const std::bad_alloc&) {
-    std::fputs("qdx: out of memory\n", stderr);
-    ::_exit(kExitNothingCollected);
-  } catch (...) {  // NOLINT(bugprone-empty-catch): like any other
-  }
-  std::abort();
-}
-
 EExitCode RunGuarded(const std::vector<std::string>& words, TLog& log) {
   try {
     return RunCommand(words, log);
@@ -142,7 +125,6 @@ int main(int argc, char** argv) {
   // A closed pipe and the file size limit shall be failed writes, not end the process.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
-  std::set_terminate(EndWithoutMemory);
   ReportCrashes();
   const EExitCode code = RunWithLog({argv + (argc > 0 ? 1 : 0), argv + argc});
   ReportNoEnd();

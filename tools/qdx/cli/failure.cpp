@@ -69,6 +69,12 @@ std::optional<TExplainedException> Try(const std::function<void()>& call) {
   }
 }
 
+std::optional<TExplainedException> TryUnlessOutOfMemory(const std::function<void()>& call) {
+  auto failure = Try(call);
+  if (failure && failure->GetStatusCode() == kQDXStatusOutOfMemory) throw std::bad_alloc();
+  return failure;
+}
+
 TExplainedException WithoutName(const TExplainedException& failure, const std::string& name) {
   const std::string& reason = failure.GetReason();
   const std::string start = name + ": ";

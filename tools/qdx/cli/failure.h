@@ -23,6 +23,10 @@ namespace NVORNQDX20 {
 /// of the status. Passes on a TCommandFailure.
 std::optional<TExplainedException> Try(const std::function<void()>& call);
 
+/// Like Try, for failures that are not reported, but leave something out: throws std::bad_alloc if
+/// memory runs out, since that says nothing about what is left out.
+std::optional<TExplainedException> TryUnlessOutOfMemory(const std::function<void()>& call);
+
 /// Keeps the last error that is logged during its lifetime.
 class TLastError {
  public:

@@ -81,7 +81,8 @@ void Load(TProviderLibrary& library) {
   const TLastError lastError;
   TOSSpecific::LoadNSPLibrary(library.fService);
   for (const auto& provider : Providers(false)) {
-    const bool told = !Try([&] { NamesTold()[provider.get()] = provider->GetName({}); });
+    const bool told =
+        !TryUnlessOutOfMemory([&] { NamesTold()[provider.get()] = provider->GetName({}); });
     if (told) library.fProviders.push_back(provider);
   }
   if (!library.fProviders.empty()) return;

@@ -77,9 +77,11 @@ std::string HostName(const TCopies& copies, const std::string& root) {
   std::string name;
   for (const TMachineNamespace& copy : copies) {
     if (!IsNamed(*copy.fNamespace, kMachineNamespace)) continue;
-    (void)Try([&] { name = TCIMSchemaHelper::GetSystemName(copy.fNamespace); });
+    (void)TryUnlessOutOfMemory([&] { name = TCIMSchemaHelper::GetSystemName(copy.fNamespace); });
   }
-  if (name.empty() && root == "/") (void)Try([&] { name = TOSSpecific::GetMachineName(); });
+  if (name.empty() && root == "/") {
+    (void)TryUnlessOutOfMemory([&] { name = TOSSpecific::GetMachineName(); });
+  }
   return name;
 }
 

@@ -87,7 +87,7 @@ TOptionsMap OptionsFor(const std::string& root, const std::vector<TItem>& items)
 TAnswer Ask(const TItem& item, TNamespace ns, const NDescribe::TMissingReasons& reasons) {
   const TCrashNote note(std::string("asking for ") + item.fLabel);
   TJSON value;
-  auto failure = Try([&] { value = item.fQuery(ns); });
+  auto failure = TryUnlessOutOfMemory([&] { value = item.fQuery(ns); });
   if (failure && failure->GetStatusCode() == kQDXStatusInvalidFormat &&
       item.fFormatRemark != nullptr) {
     failure = {failure->GetStatusCode(), item.fFormatRemark};
