@@ -107,6 +107,9 @@ TEST_F(QDXCollect, CountsOnATerminal) {
 }
 
 TEST_F(QDXCollect, WritesNothingWhereNothingIsCollected) {
+  const TProgramRun empty = RunScript("mkdir e; \"$0\" collect --root e; s=$?; rmdir e; exit $s");
+  EXPECT_EQ(empty.fExitCode, 5);
+  EXPECT_PRED_FORMAT2(IsSubstring, "below e: all values are missing; ", empty.fErrors);
   std::filesystem::remove(fInstallation.Folder() / "liblinux.nsp.so");
   fInstallation.AddPlugin(TESTS "bad_provider.so", "libbad.nsp.so");
   EXPECT_EQ(RunScript("\"$0\" collect -o x.xml").fExitCode, 5);

@@ -70,9 +70,30 @@ TEST_F(QDXDiff, WarnsOfValuesThatAreLostAndRefusesWhatIsNoDocument) {
   const std::string warning = "qdx: cimxml: 1 date-times that cannot be held were read as null ";
   EXPECT_EQ(run.fErrors.find(warning), 0U) << run.fErrors;
   const std::string script = "\"$0\" diff - '" + wild.Path() + "' <'" + wild.Path() + "'";
-  EXPECT_EQ(fInstallation.RunScript(script).fExitCode, 0);
+  EXPECT_EQ(fInstallation.RunScript(script).fExitCode, 3);
+  EXPECT_EQ(fInstallation.Run({"show", wild.Path()}).fExitCode, 3);
   EXPECT_EQ(fInstallation.Run({"diff", wild.Path(), "none.xml"}).fExitCode, 4);
   EXPECT_EQ(fInstallation.Run({"diff", "-", "-"}).fExitCode, 2);
+}
+
+TEST_F(QDXDiff, IsIncompleteWhereInstancesWereLeftOut) {
+  const TNamespace ns = MakeNamespace();
+  AddClass(ns, "Disk", {{"Id", ""}});
+  AddInstance(ns, "Disk", {{"Id", "1"}});
+  AddClass(ns, "VORNSG_UnavailableValue",
+           {{"ClassName", ""}, {"Instance", ""}, {"PropertyName", ""}}, {{"Reason", ""}});
+  AddInstance(ns, "VORNSG_UnavailableValue", {{"ClassName", "Disk"}, {"Reason", "several 1"}});
+  AddInstance(ns, "VORNSG_UnavailableValue", {{"ClassName", "None"}, {"Reason", "no folder"}});
+  const std::string a = File(MakeNamespace(), "a.xml"), b = File(ns, "b.xml");
+  const std::tuple<std::vector<std::string>, int, std::string> rows[] = {
+      {{"diff", a, b}, 3, "qdx: describing Disk of test in " + b + ": several 1\n"},
+      {{"show", b, "Disk"}, 3, "qdx: describing Disk of test: several 1\n"},
+      {{"show", b, "Disk.Id=\"1\""}, 0, ""}};
+  for (const auto& [words, exitCode, error] : rows) {
+    const TProgramRun run = fInstallation.Run(words);
+    EXPECT_EQ(run.fExitCode, exitCode) << run.fOutput;
+    EXPECT_EQ(run.fErrors, error);
+  }
 }
 
 }  // namespace

@@ -10,8 +10,8 @@ enum EExitCode : int {
   kExitDone = 0,       ///< Also: compared and equal.
   kExitDifferent = 1,  ///< Only for verbs that compare.
   kExitUsage = 2,
-  kExitPartlyDone = 3,  ///< A plug-in failed or warned, or the log could not be written; the rest
-                        ///< was delivered. Takes precedence over 0 and 1.
+  kExitPartlyDone = 3,  ///< A plug-in failed or warned, values or instances were lost, or the log
+                        ///< could not be written; the rest was delivered. Instead of 0 and 1.
   kExitBadInput = 4,    ///< A folder or file that the operator named cannot be used, or
                         ///< standard output cannot be written.
   kExitNothingCollected = 5,

@@ -56,7 +56,7 @@ std::optional<TExplainedException> TryAndListen(const std::function<void()>& cal
 
 }  // namespace
 
-TNamespaces OpenDocument(const std::string& file) {
+TNamespaces OpenDocument(const std::string& file, bool& incomplete) {
   LoadReader();
   const std::string shownAs = file == "-" ? "standard input" : file;
   const std::string action = "reading document " + shownAs;
@@ -69,6 +69,7 @@ TNamespaces OpenDocument(const std::string& file) {
       },
       warnings);
   for (const std::string& warning : warnings) PrintError(warning);
+  incomplete = incomplete || !warnings.empty();
   if (failure) {
     throw TCommandFailure(kExitBadInput, action,
                           WithoutName(WithoutName(*failure, kService), shownAs));

@@ -20,8 +20,9 @@ namespace NVORNQDX20 {
 using TNamespaces = std::vector<boost::shared_ptr<ICIMNamespace>>;
 
 /// Returns the namespaces of a document in its order; "-" is standard input. Prints the plug-in's
-/// warnings to standard error. Throws a TCommandFailure if the document cannot be read.
-TNamespaces OpenDocument(const std::string& file);
+/// warnings to standard error, and then sets `incomplete`. Throws a TCommandFailure if the document
+/// cannot be read.
+TNamespaces OpenDocument(const std::string& file, bool& incomplete);
 
 /// Writes namespaces to files with a consumer plug-in.
 class TPluginWriter {

@@ -21,6 +21,7 @@
 #include "cli/new_file.h"
 #include "cli/output.h"
 #include "cli/progress.h"
+#include "completeness.h"
 #include "plugin_host/document.h"
 #include "plugin_host/libraries.h"
 #include "plugin_host/provider_query.h"
@@ -173,6 +174,10 @@ class TCollection {
         fCopies(CopyNamespaces(machine)),
         fHostName(HostName(fCopies, machine.GetRoot())) {
     if (fCopies.empty()) FailToCollect(machine, "no provider has data");
+    const auto lacksAll = [](const auto& copy) { return LacksAllValues(*copy.fNamespace); };
+    if (std::all_of(fCopies.begin(), fCopies.end(), lacksAll)) {
+      FailToCollect(machine, "all values are missing; 'qdx show' gives the reasons");
+    }
   }
 
   /// Publishes the document under a name that no file has yet.

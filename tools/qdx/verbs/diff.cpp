@@ -6,18 +6,24 @@
 #include "cli/failure.h"
 #include "cli/output.h"
 #include "cli/terminal.h"
+#include "completeness.h"
 #include "plugin_host/document.h"
 #include "verbs.h"
 
 namespace NVORNQDX20 {
 namespace {
 
-std::vector<TNamespaceSnapshot> ReadSnapshot(const std::string& file) {
+/// Sets `incomplete` if values were lost.
+std::vector<TNamespaceSnapshot> ReadSnapshot(const std::string& file, bool& incomplete) {
   std::vector<TNamespaceSnapshot> snapshot;
-  for (const auto& ns : OpenDocument(file)) {
+  for (const auto& ns : OpenDocument(file, incomplete)) {
     snapshot.push_back({ns->GetName({}), {}});
     TSnapshotReader(*ns, kValues, snapshot.back().fClasses).ReadAll();
     SortSnapshot(snapshot.back().fClasses);
+    const bool lost =
+        ReportLeftOutInstances(snapshot.back().fName + " in " + file, snapshot.back().fClasses,
+                               NDescribe::ReadMissingReasons(*ns));
+    incomplete = incomplete || lost;
   }
   return snapshot;
 }
@@ -120,8 +126,9 @@ EExitCode RunDiff(const TArguments& arguments) {
   if (a == "-" && b == "-") {
     FailOnUsage("only one of the two can be standard input");
   }
-  auto inA = ReadSnapshot(a);
-  auto inB = ReadSnapshot(b);
+  bool incomplete = false;
+  auto inA = ReadSnapshot(a, incomplete);
+  auto inB = ReadSnapshot(b, incomplete);
   const auto differences = Compare(std::move(inA), std::move(inB), arguments.Has("all"));
   if (arguments.Has("json")) {
     TJSON list = TJSON::array();
@@ -132,6 +139,7 @@ EExitCode RunDiff(const TArguments& arguments) {
     for (const TDifference& difference : differences) listing.Add(difference);
     WriteOutput(listing.Finish());
   }
+  if (incomplete) return kExitPartlyDone;
   return differences.empty() ? kExitDone : kExitDifferent;
 }
 

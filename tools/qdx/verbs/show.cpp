@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "cli/output.h"
+#include "completeness.h"
 #include "namespace_format.h"
 #include "plugin_host/document.h"
 #include "plugin_host/provider_query.h"
@@ -105,6 +106,8 @@ class TSelection {
     return std::move(fFound);
   }
   const TExplainedException& GetLookupFailure() const { return fLookupFailure; }
+  /// Returns whether a class lacks some of its instances.
+  bool LacksInstances() const { return fLacksInstances; }
 
  private:
   /// Null if the namespace does not have the element, or if no element is requested.
@@ -119,24 +122,30 @@ class TSelection {
 
   /// Reads into the last namespace; all of it without an element.
   void Read(const ICIMNamespace& ns, const boost::shared_ptr<ICIMElement>& element) {
+    const TNamespaceContents& contents = fFound.back();
     TSnapshotReader reader(ns, fRequest.fDepth, fFound.back().fClasses);
-    if (!element) return reader.ReadAll();
-    if (const auto cimClass = boost::dynamic_pointer_cast<ICIMClass>(element)) {
-      reader.ReadTree(cimClass);
-    } else if (const auto instance = boost::dynamic_pointer_cast<ICIMInstance>(element)) {
-      reader.ReadInstance(*instance);
+    if (const auto instance = boost::dynamic_pointer_cast<ICIMInstance>(element)) {
+      return reader.ReadInstance(*instance);
     }
+    const auto cimClass = boost::dynamic_pointer_cast<ICIMClass>(element);
+    cimClass ? reader.ReadTree(cimClass) : reader.ReadAll();
+    const bool lost = ReportLeftOutInstances(contents.fName, contents.fClasses, contents.fReasons);
+    fLacksInstances = fLacksInstances || lost;
   }
 
   const TRequest& fRequest;
   std::vector<TNamespaceContents> fFound;
   TExplainedException fLookupFailure;
+  bool fLacksInstances = false;
 };
 
-void AddDocument(const std::string& file, TSelection& selection) {
-  for (const auto& ns : OpenDocument(file)) {
+/// Returns whether all values of the document could be read.
+bool AddDocument(const std::string& file, TSelection& selection) {
+  bool incomplete = false;
+  for (const auto& ns : OpenDocument(file, incomplete)) {
     selection.Add({"", ns->GetName({})}, ns);
   }
+  return !incomplete;
 }
 
 /// Returns whether all providers succeeded.
@@ -187,17 +196,15 @@ TExplainedException ExplainInvalidElement(const TExplainedException& failure) {
 EExitCode RunShow(const TArguments& arguments) {
   const TRequest request = RequestOf(arguments);
   TSelection selection(request);
-  bool complete = true;
-  if (request.fFile.empty()) {
-    complete = AddLiveMachine(arguments, selection);
-  } else {
-    AddDocument(request.fFile, selection);
-  }
+  const bool complete = request.fFile.empty() ? AddLiveMachine(arguments, selection)
+                                              : AddDocument(request.fFile, selection);
   const auto found = selection.TakeFound();
-  if (found.empty()) FailToFind(request, complete, selection.GetLookupFailure());
+  if (found.empty()) {
+    FailToFind(request, complete || !request.fFile.empty(), selection.GetLookupFailure());
+  }
   arguments.Has("json") ? WriteJSON(NamespacesAsJSON(found, request.fDepth))
                         : WriteOutput(FormatNamespaces(found));
-  return complete ? kExitDone : kExitPartlyDone;
+  return complete && !selection.LacksInstances() ? kExitDone : kExitPartlyDone;
 }
 
 std::vector<TOptionSpec> ShowOptions() {

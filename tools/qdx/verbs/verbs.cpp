@@ -42,7 +42,7 @@ const char* const kExitCodes =
     "  0  done, or the same\n"
     "  1  different (diff)\n"
     "  2  wrong usage\n"
-    "  3  partly done: a plug-in failed or warned, or the log is incomplete\n"
+    "  3  partly done: something failed or was lost, the rest was delivered\n"
     "  4  a named folder or file, or standard output, cannot be used\n"
     "  5  nothing was collected\n"
     "  6  the transfer failed\n";

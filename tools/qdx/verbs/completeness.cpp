@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "completeness.h"
+
+#include <qdxmodel/classes.h>
+
+#include <boost/algorithm/string/predicate.hpp>
+
+#include "cli/failure.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+bool DescribesTool(const ICIMClass& cimClass) {
+  const std::string& name = cimClass.GetName({});
+  return name == NDescribe::kMissingValueClass || name == "VORNSG_QDXProduct";
+}
+
+/// A key cannot be null: an empty text means that the value is missing.
+bool IsKnown(const TCIMValue& value) { return !value.IsNull() && value.ToString(10) != ""; }
+
+bool HasKnownValue(const ICIMInstance& instance) {
+  bool isKnown = false;
+  instance.EnumerateProperties(
+      [&isKnown](const boost::shared_ptr<ICIMProperty>& property) {
+        const bool namesClass =
+            boost::algorithm::ends_with(property->GetDecl()->GetName(), "CreationClassName");
+        isKnown = !namesClass && IsKnown(property->GetValue());
+        return !isKnown;
+      },
+      {});
+  return isKnown;
+}
+
+}  // namespace
+
+bool LacksAllValues(const ICIMNamespace& ns) {
+  bool isKnown = false;
+  ns.EnumerateClasses(
+      [&isKnown](const boost::shared_ptr<ICIMClass>& root) {
+        for (const auto& cimClass : NModel::WithSubclasses(root)) {
+          if (DescribesTool(*cimClass)) continue;
+          NModel::ForEachInstance(*cimClass, [&isKnown](const ICIMInstance& instance) {
+            isKnown = isKnown || HasKnownValue(instance);
+          });
+        }
+        return !isKnown;
+      },
+      {});
+  return !isKnown && !NDescribe::ReadMissingReasons(ns).empty();
+}
+
+bool ReportLeftOutInstances(const std::string& where, const std::vector<TClassSnapshot>& classes,
+                            const NDescribe::TMissingReasons& reasons) {
+  bool any = false;
+  for (const TClassSnapshot& cimClass : classes) {
+    const auto reason = reasons.find({cimClass.fName, "", ""});
+    if (cimClass.fInstanceCount == 0 || reason == reasons.end()) continue;
+    PrintError("describing " + cimClass.fName + " of " + where + ": " + reason->second);
+    any = true;
+  }
+  return any;
+}
+
+}  // namespace NVORNQDX20

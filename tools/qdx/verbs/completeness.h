@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: Apache-2.0
+/// How much of a machine a namespace describes.
+#ifndef TOOLS_QDX_VERBS_COMPLETENESS_H_
+#define TOOLS_QDX_VERBS_COMPLETENESS_H_
+
+#include <qdxdescribe/missing_values.h>
+
+#include <string>
+#include <vector>
+
+#include <qdxsnapshot/snapshot.h>
+
+namespace NVORNQDX20 {
+
+/// Returns whether no value is known although the namespace explains why values are missing: the
+/// only values are the names of classes and what describes the tool.
+bool LacksAllValues(const ICIMNamespace& ns);
+
+/// Prints a line for each class that has instances and lacks others, "describing CLASS of WHERE:
+/// reason". Returns whether there is such a class.
+bool ReportLeftOutInstances(const std::string& where, const std::vector<TClassSnapshot>& classes,
+                            const NDescribe::TMissingReasons& reasons);
+
+}  // namespace NVORNQDX20
+
+#endif  // TOOLS_QDX_VERBS_COMPLETENESS_H_
