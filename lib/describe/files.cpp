@@ -66,25 +66,32 @@ TReading<std::string> ReadToEnd(int file, std::size_t maxSize) {
   return text;
 }
 
-bool IsRegularFile(int file) {
+/// Returns why the contents cannot be read; empty for a regular file.
+std::string ObstacleTo(const TDescriptor& file) {
   struct stat status {};
-  return ::fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+  if (!file.IsOpen()) return ErrorText(file.GetError());
+  if (::fstat(file.Get(), &status) != 0) return ErrorText(errno);
+  return S_ISREG(status.st_mode) ? "" : "not a regular file";
 }
 
-bool IsRootFolder(int folder) {
-  struct stat given {};
-  struct stat root {};
-  return ::fstat(folder, &given) == 0 && ::stat("/", &root) == 0 && given.st_dev == root.st_dev &&
-         given.st_ino == root.st_ino;
+bool MeansAbsent(int error) { return error == ENOENT || error == ENOTDIR; }
+
+[[noreturn]] void FailToOpenRoot(const std::string& root, int error) {
+  LogErrorAndThrow(error == EACCES ? kQDXStatusAccessDenied : kQDXStatusFileNotFound,
+                   {"root folder ", root, ": ", ErrorText(error)});
 }
 
 TDescriptor OpenRoot(const std::string& root) {
   TDescriptor folder(::open(root.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-  if (!folder.IsOpen()) {
-    LogErrorAndThrow(folder.GetError() == EACCES ? kQDXStatusAccessDenied : kQDXStatusFileNotFound,
-                     {"root folder ", root, ": ", ErrorText(folder.GetError())});
-  }
+  if (!folder.IsOpen()) FailToOpenRoot(root, folder.GetError());
   return folder;
+}
+
+bool IsRootOfMachine(const TDescriptor& folder, const std::string& name) {
+  struct stat given {};
+  struct stat root {};
+  if (::fstat(folder.Get(), &given) != 0 || ::stat("/", &root) != 0) FailToOpenRoot(name, errno);
+  return given.st_dev == root.st_dev && given.st_ino == root.st_ino;
 }
 
 }  // namespace
@@ -92,7 +99,7 @@ TDescriptor OpenRoot(const std::string& root) {
 class TFiles::TRoot {
  public:
   explicit TRoot(const std::string& root)
-      : fFolder(OpenRoot(root)), fIsThisMachine(IsRootFolder(fFolder.Get())) {}
+      : fFolder(OpenRoot(root)), fIsThisMachine(IsRootOfMachine(fFolder, root)) {}
 
   bool IsThisMachine() const { return fIsThisMachine; }
 
@@ -105,16 +112,19 @@ class TFiles::TRoot {
     return OpenWithoutLinks(fFolder.Get(), path, flags);
   }
 
-  /// To open a device can start it, so the type of a file in an image is looked at first.
-  TDescriptor OpenToRead(const std::string& path) const {
+  /// Sets the obstacle to what stands in the way of reading, or to an empty text. To open a device
+  /// can start it, so the type of a file in an image is looked at first.
+  TDescriptor OpenToRead(const std::string& path, std::string& obstacle) const {
     const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY;
-    if (fIsThisMachine) return Open(path, flags);
-    TDescriptor place = Open(path, O_PATH);
-    if (!place.IsOpen() || !IsRegularFile(place.Get())) return place;
-    const std::string self = "/proc/self/fd/" + std::to_string(place.Get());
-    TDescriptor file(::open(self.c_str(), flags | O_CLOEXEC));
+    TDescriptor file = Open(path, fIsThisMachine ? flags : O_PATH);
+    obstacle = ObstacleTo(file);
+    if (fIsThisMachine || !obstacle.empty()) return file;
+    const std::string self = "/proc/self/fd/" + std::to_string(file.Get());
+    file = TDescriptor(::open(self.c_str(), flags | O_CLOEXEC));
     // Where /proc is not mounted, the path is opened again.
-    return file.GetError() == ENOENT ? Open(path, flags) : std::move(file);
+    if (file.GetError() == ENOENT) file = Open(path, flags);
+    obstacle = ObstacleTo(file);
+    return file;
   }
 
  private:
@@ -125,9 +135,9 @@ class TFiles::TRoot {
 TFiles::TFiles(const TRequest& request) : fRoot(std::make_shared<TRoot>(request.fRoot)) {}
 
 TReading<std::string> TFiles::Read(const std::string& path, std::size_t maxSize) const {
-  const TDescriptor file = fRoot->OpenToRead(PathOf(path));
-  if (!file.IsOpen()) return MissingFrom(path, ErrorText(file.GetError()));
-  if (!IsRegularFile(file.Get())) return MissingFrom(path, "not a regular file");
+  std::string obstacle;
+  const TDescriptor file = fRoot->OpenToRead(PathOf(path), obstacle);
+  if (!obstacle.empty()) return MissingFrom(path, obstacle);
   TReading<std::string> reading = ReadToEnd(file.Get(), maxSize);
   if (!reading) return MissingFrom(path, reading.GetReason());
   if (reading->size() > maxSize) {
@@ -168,13 +178,16 @@ TReading<std::vector<std::string>> TFiles::List(const std::string& path) const {
 }
 
 bool TFiles::IsAbsent(const std::string& path) const {
-  const int error = fRoot->Open(PathOf(path), O_PATH).GetError();
-  return error == ENOENT || error == ENOTDIR;
+  return MeansAbsent(fRoot->Open(PathOf(path), O_PATH).GetError());
 }
 
-std::string TFiles::FirstOf(std::initializer_list<const char*> paths) const {
-  const auto last = std::prev(paths.end());
-  return *std::find_if(paths.begin(), last, [this](const char* path) { return !IsAbsent(path); });
+TReading<std::string> TFiles::FirstOf(std::initializer_list<const char*> paths) const {
+  for (const char* path : paths) {
+    const int error = fRoot->Open(PathOf(path), O_PATH).GetError();
+    if (error == 0) return std::string(path);
+    if (!MeansAbsent(error)) return MissingFrom(path, ErrorText(error));
+  }
+  return std::string(*std::prev(paths.end()));
 }
 
 TFiles TFiles::In(const std::string& folder) const {

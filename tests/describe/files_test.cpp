@@ -56,8 +56,11 @@ TEST_F(Files, AreListedInOrder) {
   EXPECT_EQ(fFiles.List("/d/b").GetReason(), "/d/b: Not a directory");
   EXPECT_FALSE(fFiles.IsAbsent("/d/a"));
   EXPECT_TRUE(fFiles.IsAbsent("/d/b/c"));
-  EXPECT_EQ(fFiles.FirstOf({"/no", "/d/b", "/d/a/x"}) + fFiles.FirstOf({"/no", "/d/c"}),
+  EXPECT_EQ(*fFiles.FirstOf({"/no", "/d/b", "/d/a/x"}) + *fFiles.FirstOf({"/no", "/d/c"}),
             "/d/b/d/c");
+  const std::string longName(300, 'x');  // neither absent nor there
+  EXPECT_EQ(fFiles.FirstOf({longName.c_str(), "/d/b"}).GetReason(),
+            "/" + longName + ": File name too long");
 }
 
 TEST_F(Files, AreFoundInAFolder) {

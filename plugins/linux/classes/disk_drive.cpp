@@ -17,15 +17,21 @@ TReading<bool> AdaptDrive(TSysfsDevice& drive) {
   return true;
 }
 
+const char* const kSerialNumberPage = "device/vpd_pg80";
+
 /// The page of a SCSI disk has four bytes of header before the text.
-TText ReadSerialNumber(const TFiles& drive) {
-  const char* const page = "device/vpd_pg80";
-  const std::string file = drive.FirstOf({"device/serial", "serial", page});
-  if (file != page) return drive.ReadLine(file);
-  return drive.Read(page).and_then([&](const std::string& contents) -> TText {
+TText ReadSerialNumberPage(const TFiles& drive) {
+  return drive.Read(kSerialNumberPage).and_then([&](const std::string& contents) -> TText {
     std::string text = contents.size() > 4 ? PrintableText(contents.substr(4)) : std::string();
-    if (text.empty()) return drive.MissingFrom(page, "empty");
+    if (text.empty()) return drive.MissingFrom(kSerialNumberPage, "empty");
     return text;
+  });
+}
+
+TText ReadSerialNumber(const TFiles& drive) {
+  const TText file = drive.FirstOf({"device/serial", "serial", kSerialNumberPage});
+  return file.and_then([&drive](const std::string& name) {
+    return name == kSerialNumberPage ? ReadSerialNumberPage(drive) : drive.ReadLine(name);
   });
 }
 

@@ -18,7 +18,9 @@ struct TFileSystem {
 TText ReadTable(const THost& host) {
   if (host.IsThisMachine()) return host.Read("/proc/self/mounts", TFiles::kMaxTableSize);
   // Below another root: the recorded mounts, else those that fstab configures.
-  return host.Read(host.FirstOf({"/proc/mounts", "/etc/fstab"}), TFiles::kMaxTableSize);
+  return host.FirstOf({"/proc/mounts", "/etc/fstab"}).and_then([&host](const std::string& table) {
+    return host.Read(table, TFiles::kMaxTableSize);
+  });
 }
 
 TReading<std::vector<TFileSystem>> ListFileSystems(const THost& host) {

@@ -31,9 +31,11 @@ struct TSystem {
 
 /// Empty if the system has no such file.
 TReading<std::map<std::string, std::string>> ReadOSRelease(const TFiles& files) {
-  const std::string path = files.FirstOf({"/etc/os-release", "/usr/lib/os-release"});
-  const TText file = files.Read(path);
-  return !file && files.IsAbsent(path) ? ParseOSRelease("") : file.map(ParseOSRelease);
+  const auto parse = [&files](const std::string& path) {
+    const TText file = files.Read(path);
+    return !file && files.IsAbsent(path) ? ParseOSRelease("") : file.map(ParseOSRelease);
+  };
+  return files.FirstOf({"/etc/os-release", "/usr/lib/os-release"}).and_then(parse);
 }
 
 /// Parses the first three numbers of "3.30 3.10 2.65 7/149 28102".

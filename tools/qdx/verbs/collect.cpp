@@ -8,6 +8,7 @@
 #include <qdxdescribe/provider.h>
 #include <qdxmodel/names.h>
 #include <qdxrepository/repository.h>
+#include <qdxsystem/error_text.h>
 
 #include <algorithm>
 #include <cctype>
@@ -157,7 +158,12 @@ std::string DefaultName(const std::string& hostName) {
 /// Returns whether the path is a device, a pipe or a folder, which a file cannot replace.
 bool IsNotReplaceable(const std::string& path) {
   std::error_code error;
-  return fs::exists(path, error) && !fs::is_regular_file(path, error);
+  const fs::file_status status = fs::status(path, error);
+  if (!fs::status_known(status)) {
+    throw TCommandFailure(kExitBadInput, "writing " + path,
+                          {kQDXStatusFileSystemError, ErrorText(error.value())});
+  }
+  return fs::exists(status) && !fs::is_regular_file(status);
 }
 
 [[noreturn]] void FailToCollect(const TProviderQuery& machine, const std::string& reason) {

@@ -121,7 +121,7 @@ void WriteForPeople(const std::vector<TAnswer>& answers) {
 }
 
 void WriteAsJSON(const std::vector<TAnswer>& answers) {
-  TJSON document;
+  TJSON document = TJSON::object();  // an assignment that lacks memory would damage a null
   TJSON absent = TJSON::object();
   TJSON notes = TJSON::object();
   for (const auto& [item, value, remark] : answers) {
