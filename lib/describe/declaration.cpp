@@ -6,6 +6,7 @@
 #include <qdxrepository/repository.h>
 
 #include <cstdint>
+#include <regex>
 
 namespace NVORNQDX20::NDescribe {
 namespace {
@@ -124,6 +125,19 @@ void DeclareProperty(ICIMNamespace& ns, const TClass& cimClass,
   throw TExplainedException(kQDXStatusInvalidClass, "class " + declaration.fName + ": " + defect);
 }
 
+/// Returns whether the text follows the grammar of a PUnit (DMTF DSP0004, annex C). The names of
+/// units are not checked: there are those of vendors, too.
+bool IsProgrammaticUnit(const std::string& text) {
+  static const std::regex grammar = [] {
+    const std::string word = "[A-Za-z_][A-Za-z_0-9]*";
+    const std::string unit = word + "( " + word + ")*( ?\\(" + word + "\\))?";
+    const std::string number = "[+-]?[1-9][0-9]*(\\.[0-9]+)?";
+    return std::regex(unit + "( *\\* *" + unit + ")*( */ *" + unit + ")*( *[*/] *" + number +
+                      ")?( *[*/] *[1-9][0-9]* *\\^ *[+-]?[1-9][0-9]*)?");
+  }();
+  return std::regex_match(text, grammar);
+}
+
 /// Checks a class against those before it.
 class TDeclarationCheck {
  public:
@@ -148,6 +162,10 @@ class TDeclarationCheck {
     for (const TPropertyDeclaration& property : declaration.fProperties) {
       if (!names.emplace(property.fName, true).second) {
         Refuse(declaration, "has two properties " + property.fName);
+      }
+      if (!property.fUnit.empty() && !IsProgrammaticUnit(property.fUnit)) {
+        Refuse(declaration, "the unit of " + property.fName + ", \"" + property.fUnit +
+                                "\", is no PUnit such as \"byte * 10^3\"");
       }
       const bool isOwn = NModel::EqualIgnoringCase(property.fReferencedClass, declaration.fName);
       if (!isOwn) Require(declaration, property.fReferencedClass, "the referenced class");

@@ -12,8 +12,10 @@
 #include <qdxrepository/repository.h>
 
 #include <algorithm>
+#include <exception>
 #include <functional>
 #include <iterator>
+#include <new>
 #include <optional>
 #include <unordered_map>
 
@@ -67,11 +69,15 @@ class TReferences {
  public:
   explicit TReferences(TNamespace ns) : fNamespace(std::move(ns)) {}
 
-  TReading<TCIMValue> Find(const TInstanceName& name) {
+  /// Finds an instance of the class `required` or of a subclass.
+  TReading<TCIMValue> Find(const TInstanceName& name, const std::string& required) {
     const auto& instances = InstancesOf(name.fClass);
     const auto found = instances.find(name.fKey);
     if (found == instances.end()) return Missing("there is no " + name.fClass + " " + name.fKey);
     if (!found->second) return Missing("there are several " + name.fClass + " " + name.fKey);
+    if (!IsA(found->second->GetClass({}), required)) {
+      return Missing(name.fClass + " " + name.fKey + " is no " + required);
+    }
     return ReferenceTo(*found->second);
   }
 
@@ -107,6 +113,13 @@ class TReferences {
     }
   }
 
+  static bool IsA(boost::shared_ptr<ICIMClass> cimClass, const std::string& name) {
+    while (cimClass && !NModel::EqualIgnoringCase(cimClass->GetName({}), name)) {
+      cimClass = NModel::SuperclassOf(*cimClass);
+    }
+    return cimClass != nullptr;
+  }
+
   static std::vector<std::string> KeysOf(const ICIMClass& cimClass) {
     std::vector<std::string> keys;
     for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
@@ -140,14 +153,14 @@ class TDescription {
   const TNamespace& GetNamespace() const { return fNamespace; }
   bool IsComplete() const { return fMissing.empty(); }
 
-  TReading<TCIMValue> FindReference(const TInstanceName& target) {
-    return fReferences.Find(target);
+  TReading<TCIMValue> FindReference(const TInstanceName& target, const std::string& required) {
+    return fReferences.Find(target, required);
   }
 
   /// Sets a reference once all instances are there.
   void SetReferenceLater(const boost::shared_ptr<ICIMInstance>& instance, TMissingValue place,
-                         const TInstanceName& target) {
-    fLater.push_back({instance, std::move(place), target});
+                         const TInstanceName& target, const std::string& required) {
+    fLater.push_back({instance, std::move(place), target, required});
   }
 
   void Miss(TMissingValue missing) {
@@ -166,8 +179,8 @@ class TDescription {
 
   void SetReferences() {
     fReferences.Forget();
-    for (auto& [instance, place, target] : fLater) {
-      const TReading<TCIMValue> reference = fReferences.Find(target);
+    for (auto& [instance, place, target, required] : fLater) {
+      const TReading<TCIMValue> reference = fReferences.Find(target, required);
       if (reference) {
         instance->SetPropertyValue(place.fProperty, *reference, {});
       } else {
@@ -188,6 +201,7 @@ class TDescription {
     boost::shared_ptr<ICIMInstance> fInstance;
     TMissingValue fPlace;
     TInstanceName fTarget;
+    std::string fRequiredClass;
   };
 
   /// A class that lacks several instances has one explanation, with the first reasons.
@@ -219,8 +233,10 @@ class TInstanceWriter final : public IInstanceSink {
           std::find_if(properties.begin(), properties.end(),
                        [&](const auto& each) { return each.fDecl->GetName() == name; });
       const bool isText = property->fDecl->GetType() == TCIMValue::TCIMType::kCIMTypeString;
+      const auto referenced = property->fDecl->GetDefaultValue().GetReferencedClass();
       if (property->fIsKey) fLastKey = fColumns.size();
-      fColumns.push_back({name, property->fIsKey, isText});
+      fColumns.push_back(
+          {name, property->fIsKey, isText, referenced ? referenced->GetName({}) : ""});
     }
   }
 
@@ -253,6 +269,7 @@ class TInstanceWriter final : public IInstanceSink {
     std::string fName;
     bool fIsKey;
     bool fIsText;
+    std::string fReferencedClass;
   };
 
   static std::string KeyText(const TCell& key) {
@@ -261,7 +278,8 @@ class TInstanceWriter final : public IInstanceSink {
 
   bool SetKey(ICIMInstance& instance, const TColumn& column, const TCell& cell) {
     if (!cell.fTarget.fClass.empty()) {
-      const TReading<TCIMValue> reference = fDescription.FindReference(cell.fTarget);
+      const TReading<TCIMValue> reference =
+          fDescription.FindReference(cell.fTarget, column.fReferencedClass);
       if (!reference) return LeaveOut(column.fName + ": " + reference.GetReason());
       instance.SetPropertyValue(column.fName, *reference, {});
     } else if (!cell.fValue.IsNull()) {
@@ -295,7 +313,8 @@ class TInstanceWriter final : public IInstanceSink {
                 const TCell& cell, const std::string& key) {
     const bool isReference = !cell.fTarget.fClass.empty();
     if (isReference && !column.fIsKey) {
-      fDescription.SetReferenceLater(instance, Place(column, key, ""), cell.fTarget);
+      fDescription.SetReferenceLater(instance, Place(column, key, ""), cell.fTarget,
+                                     column.fReferencedClass);
     } else if (!column.fIsKey && !cell.fValue.IsNull()) {
       instance->SetPropertyValue(column.fName, cell.fValue, {});
     }
@@ -333,6 +352,18 @@ std::vector<TStep> WantedSteps(const std::vector<TStep>& all, const TOptionsMap&
 bool IsAssociation(const TStep& step) { return step.fDeclaration->fIsAssociation; }
 
 }  // namespace
+
+TCell NDetail::CellOfException() {
+  try {
+    throw;
+  } catch (const TExplainedException& failure) {
+    return {TCIMValue(), failure.GetReason(), {}};
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception& failure) {
+    return {TCIMValue(), failure.what(), {}};
+  }
+}
 
 TRequest TDescriber::MakeRequest(const std::string& ns, TOptionsMap options) const {
   if (!NModel::EqualIgnoringCase(ns, fNamespaceName)) throw TQDXException(kQDXStatusNotFound);

@@ -6,6 +6,7 @@
 #include "support/expect_status.h"
 
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -192,28 +193,42 @@ struct TNode {
   TInstanceName fParent;
 };
 
+TNumber HalfOfID(const TNode& node) {
+  if (*node.fID % 2 != 0) throw std::out_of_range("odd");
+  return *node.fID / 2;
+}
+
 /// A superclass without keys.
 TTable<TNode> Elements() { return {"T_Element", "A part of a tree.", TTable<TNode>::TRows()}; }
 
 TTable<TNode> Nodes() {
   const auto list = [](const TRequest&) -> std::vector<TNode> {
-    return {{1U, {"T_Element", "2"}}, {2U, {"T_Node", "3"}}, {2U, {}}, {Missing("lost"), {}}};
+    return {{1U, {"T_Element", "2"}}, {2U, {"T_Node", "3"}},  {2U, {}},
+            {Missing("lost"), {}},    {4U, {"T_Other", "x"}}, {5U, {}}};
   };
   return TTable<TNode>{"T_Node",
                        "A node of a tree.",
                        list,
                        {{"ID", "Which.", &TNode::fID, kKey},
-                        {"Parent", "The next.", &TNode::fParent, TRefersTo{"T_Node"}}}}
+                        {"Parent", "The next.", &TNode::fParent, TRefersTo{"T_Node"}},
+                        {"Half", "Of the ID.", HalfOfID}}}
       .DerivedFrom(Elements());
 }
 
 TEST(Tables, LeaveOutWhatHasNoKeysOfItsOwn) {
-  const auto ns =
-      MakeProvider("test", "root/test", {Elements(), Nodes()})->GetNamespace("root/test", {});
-  const std::vector<std::string> nodes = {"ID=1 Parent=T_Node.ID=\"2\" ", "ID=2 Parent=null "};
+  const TTable<TOnly> other{"T_Other", "", kOnly, {{"Id", "", Constant("x"), kKey}}};
+  const auto ns = MakeProvider("test", "root/test", {Elements(), Nodes(), other})
+                      ->GetNamespace("root/test", {});
+  const std::vector<std::string> nodes = {"ID=1 Parent=T_Node.ID=\"2\" Half=null ",
+                                          "ID=2 Parent=null Half=1 ", "ID=4 Parent=null Half=2 ",
+                                          "ID=5 Parent=null Half=null "};
   EXPECT_EQ(InstancesOf(*ns, "T_Node"), nodes);
   const TMissingReasons reasons = {
+      {{"T_Node", "1", "Half"}, "odd"},
       {{"T_Node", "2", "Parent"}, "there is no T_Node 3"},
+      {{"T_Node", "5", "Half"}, "odd"},
+      {{"T_Node", "5", "Parent"}, "refers to nothing"},
+      {{"T_Node", "4", "Parent"}, "T_Other x is no T_Node"},
       {{"T_Node", "", ""}, "there are several 2: only the first is kept; ID: lost"}};
   EXPECT_EQ(ReadMissingReasons(*ns), reasons);
 }
@@ -233,6 +248,8 @@ TEST(Tables, AreRefusedWhereTheyContradictThemselves) {
       {{Table("T_A", {key, lost})},
        "class T_A: the referenced class T_X is not declared before it"},
       {{Table("T_A", {key, {"A B", "", Constant("")}})}, "\"A B\" is no CIM name"},
+      {{Table("T_A", {key, {"N", "", Constant(1), TUnit{"10^3 byte"}}})},
+       "class T_A: the unit of N, \"10^3 byte\", is no PUnit such as \"byte * 10^3\""},
       {{FastPorts(), Ports()},
        "class T_FastPort: its superclass T_Port is not declared before it"}};
   for (const auto& [classes, reason] : rows) {
@@ -244,6 +261,33 @@ TEST(Tables, AreRefusedWhereTheyContradictThemselves) {
     }
   }
   EXPECT_NO_THROW(MakeProvider("test", "root/test", {Ports(), Table("T_A", {key})}));
+}
+
+TEST(Units, FollowTheGrammar) {
+  const std::pair<const char*, bool> rows[] = {{"byte * 10^3", true},
+                                               {"bit / second", true},
+                                               {"degree celsius", true},
+                                               {"ampere*second/meter / 60", true},
+                                               {"decibel(m) * 10 ^ -1", true},
+                                               {"", true},
+                                               {"byte * 1024 / 2^+10", true},
+                                               {"%", false},
+                                               {"byte *", false},
+                                               {"byte * 10^", false},
+                                               {"/ second", false},
+                                               {"byte * 10^3 / second", false},
+                                               {"byte per second, roughly", false},
+                                               {"byte * 0", false}};
+  for (const auto& [unit, isValid] : rows) {
+    const auto check = [unit = unit] {
+      CheckClasses<TRequest>({Table("T_A", {{"Id", "", Constant(1), kKey, TUnit{unit}}})});
+    };
+    if (isValid) {
+      EXPECT_NO_THROW(check()) << unit;
+    } else {
+      EXPECT_QDX_STATUS(check(), kQDXStatusInvalidClass);
+    }
+  }
 }
 
 TEST(Readings, HandOnTheirReasons) {

@@ -74,7 +74,7 @@ void DeclareVolatileQualifier(ICIMNamespace& ns);
 /// Throws a TExplainedException with one sentence, and kQDXStatusInvalidClass or the status of the
 /// repository, if the declarations contradict themselves or each other: no key, two properties of
 /// one name, a superclass or a referenced class that is not declared before, two classes of one
-/// name.
+/// name, a unit that is no PUnit.
 void CheckDeclarations(const std::vector<const TClassDeclaration*>& declarations);
 
 }  // namespace NVORNQDX20::NDescribe

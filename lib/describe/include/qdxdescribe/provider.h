@@ -104,7 +104,7 @@ class TTableProvider final : public INamespaceProvider {
 
   const std::string& GetName(TOptionsMap) const override { return fDescriber.GetProviderName(); }
 
-  /// Passes on what the constructor of THost and the functions of the tables throw.
+  /// Passes on what the constructor of THost and the functions that list instances throw.
   boost::shared_ptr<ICIMNamespace> GetNamespace(const std::string& name,
                                                 TOptionsMap options) override {
     const TRequest request = fDescriber.MakeRequest(name, std::move(options));
@@ -124,8 +124,8 @@ class TTableProvider final : public INamespaceProvider {
 /// Returns a provider with this name. The classes are in the order in which they are described: a
 /// class comes after its superclass and after those it refers to.
 ///
-/// A THost is made from the TRequest of each call, for what several classes need. Throws what
-/// CheckClasses throws.
+/// A THost is made from the TRequest of each call, for what several classes need; it is named as in
+/// MakeProvider<TMachine>(...) unless it is the TRequest itself. Throws what CheckClasses throws.
 template <typename THost = TRequest>
 boost::shared_ptr<INamespaceProvider> MakeProvider(const std::string& provider,
                                                    const std::string& ns,

@@ -19,6 +19,14 @@ struct TMissing {
 
 inline TMissing Missing(std::string reason) { return {std::move(reason)}; }
 
+template <typename T>
+class TReading;
+
+template <typename T>
+inline constexpr bool kIsReading = false;
+template <typename T>
+inline constexpr bool kIsReading<TReading<T>> = true;
+
 /// A value or a reason, never both.
 ///
 ///   TReading<double> ReadLoad(const std::string& text) {
@@ -51,13 +59,19 @@ class TReading {
   template <typename TConvert>
   auto map(TConvert&& convert) const
       -> TReading<std::decay_t<std::invoke_result_t<TConvert, const T&>>> {
+    static_assert(!kIsReading<std::decay_t<std::invoke_result_t<TConvert, const T&>>>,
+                  "map() takes a function that returns a value; and_then() one that returns a "
+                  "reading");
     if (!fValue) return TMissing{fReason};
     return std::invoke(std::forward<TConvert>(convert), *fValue);
   }
 
   /// Returns `read(value)`, which is a reading itself, or the same reason.
   template <typename TRead>
-  auto and_then(TRead&& read) const -> std::invoke_result_t<TRead, const T&> {
+  auto and_then(TRead&& read) const -> std::decay_t<std::invoke_result_t<TRead, const T&>> {
+    static_assert(kIsReading<std::decay_t<std::invoke_result_t<TRead, const T&>>>,
+                  "and_then() takes a function that returns a reading; map() one that returns a "
+                  "value");
     if (!fValue) return TMissing{fReason};
     return std::invoke(std::forward<TRead>(read), *fValue);
   }

@@ -16,7 +16,8 @@
 namespace NVORNQDX20::NDescribe {
 
 /// An instance that a reference refers to: its class or a superclass, and the value of its last
-/// key. The reference is null, with a reason, if the namespace has no such instance or several.
+/// key. The reference is null, with a reason, if the namespace has no such instance or several, if
+/// its class is unrelated to TRefersTo, and if this is empty.
 struct TInstanceName {
   std::string fClass;
   std::string fKey;
@@ -85,11 +86,6 @@ struct TCell {
 namespace NDetail {
 
 template <typename T>
-struct TIsReading : std::false_type {};
-template <typename T>
-struct TIsReading<TReading<T>> : std::true_type {};
-
-template <typename T>
 struct TIsVector : std::false_type {};
 template <typename T>
 struct TIsVector<std::vector<T>> : std::true_type {};
@@ -115,6 +111,8 @@ decltype(auto) Read(const TReader& reader, const TSource& source, const THost& h
   } else if constexpr (std::is_invocable_v<const TReader&, const TSource&>) {
     return std::invoke(reader, source);
   } else {
+    static_assert(std::is_invocable_v<const TReader&, const THost&>,
+                  "a row is read by a function or a member of the source, of the host, or of both");
     return std::invoke(reader, host);
   }
 }
@@ -161,14 +159,18 @@ TCIMValue ValueOf(const T& value) {
 
 template <typename T>
 TCell CellOf(const T& value) {
-  if constexpr (TIsReading<T>::value) {
+  if constexpr (kIsReading<T>) {
     return value ? CellOf(*value) : TCell{TCIMValue(), value.GetReason(), {}};
   } else if constexpr (std::is_same_v<T, TInstanceName>) {
-    return {TCIMValue(), {}, value};
+    return {TCIMValue(), value.fClass.empty() ? "refers to nothing" : "", value};
   } else {
     return {ValueOf(value), {}, {}};
   }
 }
+
+/// Returns the cell for a reader that threw: the reason is what it threw. Throws it again if memory
+/// ran out, and if it has no text. Called in a catch block.
+TCell CellOfException();
 
 template <typename T>
 struct TIsReadable
@@ -245,7 +247,11 @@ class TRow {
   template <typename TReader>
   static TRead Reader(TReader reader) {
     return [reader](const TSource& source, const THost& host, const std::string&) {
-      return NDetail::CellOf(NDetail::Read(reader, source, host));
+      try {
+        return NDetail::CellOf(NDetail::Read(reader, source, host));
+      } catch (...) {
+        return NDetail::CellOfException();
+      }
     };
   }
   static TRead Reader(TClassNameReader) {

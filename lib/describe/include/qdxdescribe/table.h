@@ -18,9 +18,10 @@
 ///
 /// A row is read by a pointer to a member or by a function: of the source, of the host, or of both.
 /// What that returns decides the CIM type: T or TReading<T>, where T is bool, a number,
-/// std::string, TCIMDateTime, a std::vector of these, or TInstanceName for a reference. Mistakes in
-/// a row, such as a unit on a text, are compile-time errors; mistakes between rows and classes are
-/// reported when the provider registers.
+/// std::string, TCIMDateTime, a std::vector of these, or TInstanceName for a reference. If it
+/// throws, the value is missing, and the reason is that of the exception. Mistakes in a row, such
+/// as a unit on a text, are compile-time errors; mistakes between rows and classes are reported
+/// when the provider registers.
 #ifndef QDXDESCRIBE_TABLE_H_
 #define QDXDESCRIBE_TABLE_H_
 
@@ -61,6 +62,24 @@ struct TInstances {
   bool fIsOnly = false;
 };
 
+namespace NDetail {
+
+/// Calls a function that lists instances with as many arguments as it takes.
+template <typename TSource, typename TLister, typename THost>
+TInstances<TSource> List(const TLister& list, const THost& host, const ICIMNamespace& ns) {
+  constexpr bool takesNamespace =
+      std::is_invocable_v<const TLister&, const THost&, const ICIMNamespace&>;
+  static_assert(takesNamespace || std::is_invocable_v<const TLister&, const THost&>,
+                "instances are listed by a function of the host, or of the host and the namespace");
+  if constexpr (takesNamespace) {
+    return list(host, ns);
+  } else if constexpr (std::is_invocable_v<const TLister&, const THost&>) {
+    return list(host);
+  }
+}
+
+}  // namespace NDetail
+
 /// Receives the instances of one class.
 class IInstanceSink {
  public:
@@ -98,11 +117,7 @@ class TTable {
       : TTable(name, description, rows) {
     fDeclaration.fIsAbstract = false;
     fList = [list](const THost& host, const ICIMNamespace& ns) -> TInstances<TSource> {
-      if constexpr (std::is_invocable_v<const TLister&, const THost&, const ICIMNamespace&>) {
-        return list(host, ns);
-      } else {
-        return list(host);
-      }
+      return NDetail::List<TSource>(list, host, ns);
     };
   }
   /// An abstract class: without instances of its own.
@@ -133,7 +148,10 @@ class TTable {
     return std::move(*this);
   }
 
-  operator TClassOf<THost>() const {
+  template <typename TOtherHost>
+  operator TClassOf<TOtherHost>() const {
+    static_assert(std::is_same_v<TOtherHost, THost>,
+                  "the table has another host than the provider: MakeProvider<THost>(...)");
     TClassOf<THost> erased{fDeclaration, {}, {}};
     for (const TColumn& column : fColumns) erased.fColumns.push_back(column.fName);
     if (fList) {
