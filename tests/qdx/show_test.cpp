@@ -67,6 +67,24 @@ TEST_F(QDXShow, GivesTheReasonOfTheInstanceThatLacksAValue) {
   EXPECT_PRED_FORMAT2(::testing::IsNotSubstring, "ComputerSystem", shown);
 }
 
+TEST_F(QDXShow, GivesTheReasonWhyAClassLacksInstances) {
+  fInstallation.AddLinuxProvider();
+  fFolder.Write("sys/class/net/a/type/no_file", "");
+  fFolder.Write("sys/class/net/b/type", "1\n");
+  const std::string root = fFolder.Path().string();
+  const std::string reason = "/sys/class/net/a/type: not a regular file";
+  const std::string shown =
+      fInstallation.Run({"show", "--root", root, "VORNSG_EthernetPort"}).fOutput;
+  EXPECT_PRED_FORMAT2(::testing::IsSubstring, "VORNSG_EthernetPort  (1 instance)", shown);
+  EXPECT_EQ(shown.substr(shown.rfind("    -  (")), "    -  (" + reason + ")\n");
+  EXPECT_EQ(fInstallation.Run({"show", "--root", root, "VORNSG_SCSIDevice"}).fOutput,
+            "root/cimv2  (provider linux)\n  VORNSG_SCSIDevice  (0 instances)\n"
+            "    -  (/sys/class/scsi_generic: No such file or directory)\n");
+  const auto json = nlohmann::json::parse(
+      fInstallation.Run({"show", "--root", root, "VORNSG_EthernetPort", "--json"}).fOutput);
+  EXPECT_EQ(json["namespaces"][0]["classes"][0]["absent"], reason);
+}
+
 TEST_F(QDXShow, TellsAnAuthorOfTheMistake) {
   const auto run = fInstallation.RunScript("QDX_SAMPLE_MISTAKE=1 \"$0\" show --provider sample");
   EXPECT_EQ(run.fErrors,

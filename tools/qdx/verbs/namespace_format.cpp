@@ -21,6 +21,12 @@ std::string ReasonFor(const TNamespaceContents& ns, const TClassSnapshot& cimCla
   return reason == ns.fReasons.end() ? "" : reason->second;
 }
 
+/// Returns why instances of the class are missing; empty if none is, or without a reason.
+std::string ReasonFor(const TNamespaceContents& ns, const TClassSnapshot& cimClass) {
+  const auto reason = ns.fReasons.find({cimClass.fName, "", ""});
+  return reason == ns.fReasons.end() ? "" : reason->second;
+}
+
 std::string Line(std::size_t indent, const std::string& text,
                  TTableRow::EStyle style = TTableRow::kPlain) {
   return FormatTable({{{std::string(indent, ' ') + text}, style}});
@@ -47,7 +53,8 @@ std::string FormatClass(const TNamespaceContents& ns, const TClassSnapshot& cimC
   for (const TInstanceSnapshot& instance : cimClass.fInstances) {
     text += Line(4, instance.fPath) + FormatValues(ns, cimClass, instance);
   }
-  return text;
+  const std::string reason = ReasonFor(ns, cimClass);
+  return reason.empty() ? text : text + Line(4, "-  (" + reason + ")", TTableRow::kDim);
 }
 
 TJSON InstanceAsJSON(const TNamespaceContents& ns, const TClassSnapshot& cimClass,
@@ -69,6 +76,8 @@ TJSON InstanceAsJSON(const TNamespaceContents& ns, const TClassSnapshot& cimClas
 
 TJSON ClassAsJSON(const TNamespaceContents& ns, const TClassSnapshot& cimClass, EDepth depth) {
   TJSON json = {{"class", cimClass.fName}, {"instanceCount", cimClass.fInstanceCount}};
+  const std::string reason = ReasonFor(ns, cimClass);
+  if (!reason.empty()) json["absent"] = reason;
   if (depth < kInstances) return json;
   TJSON& instances = json["instances"] = TJSON::array();
   for (const TInstanceSnapshot& instance : cimClass.fInstances) {

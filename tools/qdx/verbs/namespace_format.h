@@ -21,7 +21,7 @@ struct TNamespaceContents {
 };
 
 /// Returns a line for each namespace, class and instance, followed by the properties; missing
-/// values as "-", with the reason if the namespace gives one.
+/// values and missing instances as "-", with the reason if the namespace gives one.
 std::string FormatNamespaces(const std::vector<TNamespaceContents>& namespaces);
 
 /// Returns the same as one JSON object, without what is deeper than `depth`.
