@@ -68,10 +68,12 @@ const struct {
     {"<!DOCTYPE CIM SYSTEM 'x.dtd'><CIM CIMVERSION='&amp;&#65;&x;'/>", "1:30 unknown entity \"x\""},
     {"<!DOCTYPE CIM [<!ATTLIST CIM CIMVERSION CDATA 'x'>]><CIM/>", "1:47 declares an attribute"},
     // What grows without end.
-    {Document({Repeated("<VALUE.REFERENCE>", 300)}), "2:4304 elements nested too deep"},
-    {Document({Class("", std::string(3 << 20, 'n'))}), "2:20 a tag or a comment is too long"},
-    {Document({Repeated("<VALUE/>", 1 << 22)}), "2:29826172 an object is too large"},
-    {Document(Chain(120)), "101:20 classes nested too deep"},
+    {Document({Repeated("<VALUE.REFERENCE>", 300)}), "2:4304 elements nested deeper than 256"},
+    {Document({Class("", std::string(3 << 20, 'n'))}),
+     "2:20 a tag or a comment is longer than 1 MiB"},
+    {Document({Repeated("<VALUE/>", 1 << 22)}),
+     "2:29826172 an object needs more than 512 MiB of memory"},
+    {Document(Chain(120)), "101:20 classes nested deeper than 100"},
     // Contents.
     {Document({Class("<FOO/>")}), "2:36 unknown element \"FOO\""},
     {Document({Class("<PROPERTY TYPE='uint8'/>")}), "2:36 <PROPERTY> has no NAME"},
@@ -107,6 +109,68 @@ TEST(BadCIMXMLDocument, IsRefusedWithPlaceAndReason) {
     EXPECT_EQ(Refusal(bad.fDocument, kQDXStatusInvalidDataCollectionDocument), bad.fReason)
         << bad.fDocument.substr(0, 300);
   }
+}
+
+/// Returns n of an element, each with a number in place of "#".
+std::string Numbered(const std::string& element, int count) {
+  std::string numbered;
+  for (int i = 0; i < count; ++i) {
+    std::string one = element;
+    for (std::size_t at = one.find('#'); at != std::string::npos; at = one.find('#')) {
+      one.replace(at, 1, std::to_string(i));
+    }
+    numbered += one;
+  }
+  return numbered;
+}
+
+TEST(CIMXMLDocument, IsReadUpToTheLimits) {
+  const struct {
+    std::string (*fMake)(int count);
+    int fMost;
+    const char* fReason;
+  } kLimits[] = {
+      {[](int n) { return Document({Class("", "NAME='C' " + Numbered("a#='' ", n - 1))}); }, 32,
+       "2:20 more than 32 attributes"},
+      {[](int n) { return Document({Class(Numbered("<PROPERTY NAME='p#' TYPE='uint8'/>", n))}); },
+       10000, "2:20 a class has more than 10000 members"},
+      {[](int n) {
+         return Document({Instance(Numbered("<PROPERTY NAME='p#' TYPE='uint8'/>", n))});
+       },
+       10000, "2:1 a class has more than 10000 members"},
+      {[](int n) {
+         TNames classes = Chain(n);
+         classes.push_back(Class("", "NAME='C" + std::to_string(n) + "'"));
+         return Document({classes.rbegin(), classes.rend()});  // each after its superclass
+       },
+       99, "102:20 more than 99 superclasses"},
+      {[](int n) {
+         return "<CIM><DECLARATION>" +
+                Numbered(
+                    "<DECLGROUP><LOCALNAMESPACEPATH><NAMESPACE NAME='n#'/>"
+                    "</LOCALNAMESPACEPATH></DECLGROUP>",
+                    n) +
+                "</DECLARATION></CIM>";
+       },
+       1000, "1:87965 more than 1000 namespaces"}};
+  for (const auto& [make, most, reason] : kLimits) {
+    const TDocumentFile file(make(most));
+    EXPECT_NO_THROW(NamesIn(file.Path())) << reason;
+    EXPECT_EQ(Refusal(make(most + 1), kQDXStatusInvalidDataCollectionDocument), reason);
+  }
+}
+
+/// The values of the other instances, and of the last one the elements and two copies of its array.
+TEST(BadCIMXMLDocument, NeedsTooMuchMemoryWithAllThatIsHeld) {
+  const std::string array = "<PROPERTY.ARRAY NAME='a' TYPE='uint8'>";
+  const std::string properties =
+      array + "</PROPERTY.ARRAY>" + Numbered("<PROPERTY NAME='p#' TYPE='uint8'/>", 9990);
+  TNames objects(1300, Instance(""));
+  objects.insert(objects.begin(), Class(properties));
+  objects.push_back(Instance(array + "<VALUE.ARRAY>" + Repeated("<VALUE>1</VALUE>", 950000) +
+                             "</VALUE.ARRAY></PROPERTY.ARRAY>"));
+  EXPECT_PRED_FORMAT2(::testing::IsSubstring, " the document needs more than 768 MiB of memory",
+                      Refusal(Document(objects), kQDXStatusInvalidDataCollectionDocument));
 }
 
 std::string Compressed(const std::string& text) {

@@ -158,7 +158,8 @@ boost::shared_ptr<ICIMQualifierDecl> ReadQualifierDecl(TNamespaceReader& ns,
 boost::shared_ptr<ICIMClass> ReadClass(TNamespaceReader& ns, const TElement& element) {
   const std::string& name = element.Get("NAME");
   const std::string* const superclass = element.Find("SUPERCLASS");
-  if (element.fChildren.size() > kMaxMembers) element.Refuse("a class has too many members");
+  if (element.fChildren.size() > kMaxMembers)
+    element.Refuse("a class has more than " + std::to_string(kMaxMembers) + " members");
   return AsPartOf(element, "class " + Shown(name), [&] {
     const auto parent =
         superclass == nullptr ? nullptr : ns.ClassNamed(*superclass, element).fClass;

@@ -130,7 +130,7 @@ boost::shared_ptr<ICIMClass> SynthesizeClass(TNamespaceReader& ns, const std::st
   TSynthesis synthesis;
   for (const TElement* usedBy : uses) synthesis.AddUse(*usedBy);
   if (synthesis.Properties().size() > kMaxMembers) {
-    uses.back()->Refuse("a class has too many members");
+    uses.back()->Refuse("a class has more than " + std::to_string(kMaxMembers) + " members");
   }
   return AsPartOf(*uses.back(), "class " + Shown(name), [&] {
     auto created = ns.GetNamespace()->CreateClass(name, nullptr, {});

@@ -42,6 +42,7 @@ void TDocument::BeginGroup(const TElement& group) {
 }
 
 void TDocument::AddObject(TElement&& object, std::size_t bytes) {
+  fState.BeginObject(bytes);
   fHasObjects = fHasObjects || !IsOneOf(object, {"ERROR", "PARAMVALUE"});
   if (IsOneOf(object, {"LOCALNAMESPACEPATH", "NAMESPACEPATH"})) {
     fGroup = &List(*NamespaceNameOf(object));
@@ -104,7 +105,8 @@ TNamespaceReader& TDocument::NamespaceOf(const TElement& reference, TNamespaceRe
 
 TDocument::TEntry& TDocument::Entry(const std::string& name) {
   TEntry& entry = fNamespaces[name];
-  if (fNamespaces.size() > kMaxNamespaces) throw TDocumentError("too many namespaces");
+  if (fNamespaces.size() > kMaxNamespaces)
+    throw TDocumentError("more than " + std::to_string(kMaxNamespaces) + " namespaces");
   if (!entry.fBuilder) entry.fBuilder = std::make_unique<TNamespaceReader>(*this, fState, name);
   return entry;
 }

@@ -19,6 +19,7 @@ namespace NVORNQDX20::NCIMXML {
 class TDocument final : public IObjectSink {
  public:
   void BeginGroup(const TElement& group) override;
+  std::size_t GetRoom() const override { return fState.GetRoom(); }
   void AddObject(TElement&& object, std::size_t bytes) override;
   void EndGroup() override;
   /// Builds everything that waits for the end of the document. The last call.

@@ -4,6 +4,7 @@
 #include <qdxcore/status.h>
 #include <qdxrepository/repository.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "document.h"
@@ -39,7 +40,11 @@ std::string NameOf(const TReadingState::TDeclaring& declaring) {
 
 void TReadingState::AddHeld(std::size_t bytes, const TElement& element) {
   fHeldBytes += bytes;
-  if (fHeldBytes > kMaxHeldBytes) element.Refuse("the document holds too much");
+  if (fHeldBytes + fObjectBytes > kMaxHeldBytes) throw TooMuchHeld(element.fPosition);
+}
+
+std::size_t TReadingState::GetRoom() const {
+  return kMaxHeldBytes - std::min(fHeldBytes, kMaxHeldBytes);
 }
 
 TNamespaceReader::TNamespaceReader(TDocument& document, TReadingState& state,
@@ -56,6 +61,7 @@ void TNamespaceReader::AddClass(TElement&& element, std::size_t bytes) {
   if (fClasses.count(name) != 0 || fSources.count(name) != 0) {
     element.Refuse("class " + Shown(name) + " is declared twice");
   }
+  fState.BeginObject(0);
   fState.AddHeld(bytes, element);
   fSourceOrder.push_back(name);
   fSources[name].fElement = std::move(element);
@@ -65,6 +71,7 @@ void TNamespaceReader::AddInstance(TElement&& object, std::size_t bytes) {
   try {
     ReadInstance(*this, object);
   } catch (const TNotDeclaredYet&) {
+    fState.BeginObject(0);
     fState.AddHeld(bytes, object);
     const TElement& waiting = fWaitingInstances.emplace_back(std::move(object));
     NoteUse(InstanceOf(waiting).Get("CLASSNAME"), waiting);
@@ -91,12 +98,16 @@ void TNamespaceReader::NoteReferencesIn(const TElement& element) {
 void TNamespaceReader::BuildClasses() {
   for (const std::string& name : fSourceOrder) {
     const auto source = fSources.find(name);
+    fState.BeginObject(0);
     if (source != fSources.end()) ClassNamed(name, source->second.fElement);
   }
 }
 
 void TNamespaceReader::BuildInstances() {
-  for (const TElement& object : fWaitingInstances) ReadInstance(*this, object);
+  for (const TElement& object : fWaitingInstances) {
+    fState.BeginObject(0);
+    ReadInstance(*this, object);
+  }
 }
 
 TReadClass TNamespaceReader::ClassNamed(const std::string& name, const TElement& usedBy) {
@@ -116,7 +127,8 @@ TReadClass TNamespaceReader::ClassNamed(const std::string& name, const TElement&
 }
 
 TReadClass TNamespaceReader::Declare(const std::string& name, const TElement& usedBy) {
-  if (fState.fDeclaring.size() >= kMaxClassDepth) usedBy.Refuse("classes nested too deep");
+  if (fState.fDeclaring.size() >= kMaxClassDepth)
+    usedBy.Refuse("classes nested deeper than " + std::to_string(kMaxClassDepth));
   const TDeclaringScope scope(fState, *this, name);
   const bool isDeclared = fSources.count(name) != 0;
   if (!isDeclared && !fState.fIsComplete) throw TNotDeclaredYet();
@@ -152,7 +164,8 @@ TReadClass TNamespaceReader::Measured(const boost::shared_ptr<ICIMClass>& cimCla
   if (!cimClass->IsRootClass({})) {
     read.fDepth += fClasses.at(cimClass->GetSuperclass({})->GetName({})).fDepth;
   }
-  if (read.fDepth > kMaxClassDepth) usedBy.Refuse("too many superclasses");
+  if (read.fDepth > kMaxClassDepth)
+    usedBy.Refuse("more than " + std::to_string(kMaxClassDepth - 1) + " superclasses");
   constexpr std::size_t kClassBytes = 1024;
   fState.AddHeld(kClassBytes, usedBy);
   fState.AddValues(2 * read.fProperties, usedBy);  // a class has a table of its properties

@@ -38,15 +38,24 @@ struct TReadingState {
     TReadClass fClass;
   };
 
-  /// Counts memory against the limits.
+  /// Begins to read an object of this size.
+  void BeginObject(std::size_t bytes) { fObjectBytes = bytes; }
+  /// Counts memory that is held, against the limit.
   void AddHeld(std::size_t bytes, const TElement& element);
   void AddValues(std::size_t values, const TElement& element) {
     AddHeld(values * sizeof(TCIMValue), element);
   }
+  /// Counts the contents of a value twice until the next object: setting a property copies it.
+  void AddContents(std::size_t bytes, const TElement& element) {
+    fObjectBytes += bytes;
+    AddHeld(bytes, element);
+  }
+  std::size_t GetRoom() const;
 
   bool fIsComplete = false;  // the end of the document is reached
   std::vector<TDeclaring> fDeclaring;
   std::size_t fHeldBytes = 0;
+  std::size_t fObjectBytes = 0;  // of the object that is being read
   TCountedWarning fUnheldDateTimes;
   TCountedWarning fDuplicates;      // instances with the keys of another one
   TCountedWarning fContradictions;  // names that contradict their instances

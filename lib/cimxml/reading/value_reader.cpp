@@ -31,8 +31,8 @@ TCIMValue ReadText(TNamespaceReader& ns, TCIMType type, const TElement& element,
   if (!value || !element.fChildren.empty()) {
     element.Refuse(Shown(element.fText) + " is no " + std::string(KeywordOf(type)));
   }
-  constexpr std::size_t kBody = 32;
-  ns.GetState().AddHeld(sizeof(TCIMValue) + kBody + element.fText.size(), element);
+  constexpr std::size_t kBody = 48;  // with the allocator's overhead
+  ns.GetState().AddContents(sizeof(TCIMValue) + kBody + element.fText.size(), element);
   if (value->IsNull()) ns.GetState().fUnheldDateTimes.Add(PlaceOf(element, holder));
   return std::move(*value);
 }
@@ -44,7 +44,7 @@ TCIMValue ReadArray(TNamespaceReader& ns, TCIMType type, unsigned int size, cons
   elements.reserve(array.fChildren.size());
   for (const TElement& child : array.fChildren) {
     if (child.Is("VALUE.NULL")) {
-      ns.GetState().AddValues(1, child);
+      ns.GetState().AddContents(sizeof(TCIMValue), child);
       elements.emplace_back(elementType, 0U);
     } else if (child.Is("VALUE")) {
       elements.push_back(ReadText(ns, elementType, child, holder));

@@ -32,6 +32,9 @@ struct TDocumentError final : std::exception {
   EQDXStatusCode fStatus;
 };
 
+/// The error of a document that exceeds kMaxHeldBytes.
+TDocumentError TooMuchHeld(TPosition position = {});
+
 /// Returns a part of the document for use in a reason: short, on one line, in double quotes.
 std::string Shown(std::string_view text);
 

@@ -5,6 +5,7 @@
 #define LIB_CIMXML_XML_DOCUMENT_LIMITS_H_
 
 #include <cstddef>
+#include <string>
 
 namespace NVORNQDX20::NCIMXML {
 
@@ -19,16 +20,19 @@ inline constexpr std::size_t kMaxAttributes = 32;
 inline constexpr std::size_t kMaxTagBytes = std::size_t{1} << 20;
 /// Bytes of one value.
 inline constexpr std::size_t kMaxTextBytes = std::size_t{128} << 20;
-/// Bytes of memory for the elements of one object: enough for an array of three million.
+/// Bytes of memory for the elements of one object.
 inline constexpr std::size_t kMaxObjectBytes = std::size_t{512} << 20;
 /// Properties, methods and qualifiers of one class.
 inline constexpr std::size_t kMaxMembers = 10000;
 inline constexpr std::size_t kMaxNamespaces = 1000;
 /// The depth of inheritance, and of classes that need one another to be declared.
 inline constexpr std::size_t kMaxClassDepth = 100;
-/// Bytes of memory for all objects that wait for a class, and for all values of instances and
-/// classes, including those that the document does not mention.
+/// Bytes of memory for all values of instances and classes, including those that the document does
+/// not mention, all objects that wait for a class, the object that is being read, and a copy of its
+/// values. Enough for an array of two million.
 inline constexpr std::size_t kMaxHeldBytes = std::size_t{768} << 20;
+
+inline std::string InMiB(std::size_t bytes) { return std::to_string(bytes >> 20) + " MiB"; }
 
 }  // namespace NVORNQDX20::NCIMXML
 

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "document_limits.h"
+
 namespace NVORNQDX20::NCIMXML {
 namespace {
 
@@ -126,6 +128,11 @@ const TElement& TElement::OnlyChild() const {
 void TElement::RefuseChild(const TElement& child) const {
   child.Refuse("<" + std::string(child.fName) + "> does not belong into <" + std::string(fName) +
                ">");
+}
+
+TDocumentError TooMuchHeld(TPosition position) {
+  return TDocumentError("the document needs more than " + InMiB(kMaxHeldBytes) + " of memory",
+                        position);
 }
 
 std::string Shown(std::string_view text) {

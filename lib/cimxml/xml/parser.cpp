@@ -149,8 +149,9 @@ class TParser {
   std::string fTag;
   std::vector<const TContainer*> fContainers;
   TElement fObject;
-  std::vector<TElement*> fOpen;  // the path from the object to the current element
-  std::size_t fBytes = 0;        // size of the object so far
+  std::vector<TElement*> fOpen;         // the path from the object to the current element
+  std::size_t fBytes = 0;               // size of the object so far
+  std::size_t fRoom = fSink.GetRoom();  // for it
 };
 
 bool TParser::Feed() {
@@ -166,14 +167,16 @@ bool TParser::Feed() {
   // expat buffers an unfinished tag or comment.
   fFed += length;
   const auto done = static_cast<std::size_t>(XML_GetCurrentByteIndex(fParser.get()));
-  if (!last && fFed - done > kMaxTagBytes) throw TDocumentError("a tag or a comment is too long");
+  if (!last && fFed - done > kMaxTagBytes)
+    throw TDocumentError("a tag or a comment is longer than " + InMiB(kMaxTagBytes));
   return !last;
 }
 
 void TParser::Start(const XML_Char* name, const XML_Char** attributes) {
   if (fHasDoctype) RequireKnownEntities();
   TElement element = MakeElement(name, attributes);
-  if (fContainers.size() + fOpen.size() >= kMaxDepth) element.Refuse("elements nested too deep");
+  if (fContainers.size() + fOpen.size() >= kMaxDepth)
+    element.Refuse("elements nested deeper than " + std::to_string(kMaxDepth));
   if (fOpen.empty()) {
     if (!StartContainer(element)) StartObject(std::move(element));
     return;
@@ -214,13 +217,15 @@ void TParser::End() {
   fOpen.pop_back();
   if (!fOpen.empty()) return;
   fSink.AddObject(std::move(fObject), std::exchange(fBytes, 0));
+  fRoom = fSink.GetRoom();
   fObject = TElement();
 }
 
 void TParser::Text(std::string_view text) {
   if (fOpen.empty()) return;
   std::string& target = fOpen.back()->fText;
-  if (target.size() + text.size() > kMaxTextBytes) throw TDocumentError("a value is too long");
+  if (target.size() + text.size() > kMaxTextBytes)
+    throw TDocumentError("a value is longer than " + InMiB(kMaxTextBytes));
   target += text;
   AddBytes(text.size());
 }
@@ -232,7 +237,8 @@ TElement TParser::MakeElement(const XML_Char* name, const XML_Char** attributes)
   if (element.fName.empty()) element.Refuse("unknown element " + Shown(name));
   std::size_t count = 0;
   for (; *attributes != nullptr; attributes += 2) {
-    if (++count > kMaxAttributes) element.Refuse("too many attributes");
+    if (++count > kMaxAttributes)
+      element.Refuse("more than " + std::to_string(kMaxAttributes) + " attributes");
     const std::string_view known = KnownAttribute(attributes[0]);
     if (!known.empty()) element.fAttributes.push_back({known, attributes[1]});
   }
@@ -257,7 +263,10 @@ void TParser::RequireKnownEntities() {
 
 void TParser::AddBytes(std::size_t bytes) {
   fBytes += bytes;
-  if (fBytes > kMaxObjectBytes) throw TDocumentError("an object is too large");
+  if (fBytes > kMaxObjectBytes) {
+    throw TDocumentError("an object needs more than " + InMiB(kMaxObjectBytes) + " of memory");
+  }
+  if (fBytes > fRoom) throw TooMuchHeld();
 }
 
 }  // namespace

@@ -15,6 +15,8 @@ class IObjectSink {
  public:
   virtual ~IObjectSink();
   virtual void BeginGroup(const TElement& group) = 0;
+  /// Returns the memory that is left for the next object, in bytes.
+  virtual std::size_t GetRoom() const = 0;
   /// `object` is the path of the group or one of its objects; `bytes` is its size in memory.
   virtual void AddObject(TElement&& object, std::size_t bytes) = 0;
   virtual void EndGroup() = 0;
