@@ -79,7 +79,8 @@ TTable<TChip, TMachine> Chips() {
           "A chip that has sensors.",
           ListChips,
           {{"ID", "The name of its folder.", &TChip::fID, kKey},
-           {"Driver", "The name that its driver gives.", FileLine("name")}}};
+           {"Driver", "The name that its driver gives.", FileLine("name")},
+           {"Files", "The names of its files.", [](const TChip& chip) { return chip.List(); }}}};
 }
 
 using TSensorTable = TTable<TSensor, TMachine>;
