@@ -69,8 +69,10 @@ TJSON ToJSON(const TCIMValue& value, const std::string& ownNamespace) {
 
 std::string PlainText(const TJSON& value) {
   if (value.is_null()) return "-";
-  if (value == "") return "\"\"";
-  if (value.is_string()) return value.get<std::string>();
+  if (value.is_string()) {
+    const auto& plain = value.get_ref<const std::string&>();
+    return plain.empty() || plain == "-" ? '"' + plain + '"' : plain;
+  }
   if (!value.is_array()) return value.dump();
   std::string text;
   for (const TJSON& element : value) text += (text.empty() ? "{ " : ", ") + PlainText(element);

@@ -31,7 +31,7 @@ std::string MakeLine(ILogger::EQDXLogSeverity severity, const std::string& messa
 }
 
 /// Returns the lowest free descriptor, which the next open() will get.
-int NextDescriptor() { return TDescriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC)).Get(); }
+int NextDescriptor() { return TDescriptor(::open("/", O_PATH | O_CLOEXEC)).Get(); }
 
 }  // namespace
 

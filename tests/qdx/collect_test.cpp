@@ -50,6 +50,10 @@ TEST_F(QDXCollect, NamesTheDocumentAfterTheMachineForItsOwnerAlone) {
       "[[ $f =~ ^_.-srv-1-[0-9]{8}T[0-9]{6}\\.xml\\.gz$ ]]");
   EXPECT_EQ(run.fExitCode, 0) << run.fOutput;
   EXPECT_PRED_FORMAT2(IsSubstring, "\n600\n", run.fOutput);
+  const TProgramRun taken = RunScript(
+      "for s in 0 1 2 3; do : >\"_.-srv-1-$(date -d \"+$s sec\" +%Y%m%dT%H%M%S).xml.gz\"; done; "
+      "\"$0\" collect --root \"$1\"");
+  EXPECT_PRED_FORMAT2(IsSubstring, "-2.xml.gz\n", taken.fOutput);
 }
 
 TEST_F(QDXCollect, GoesOnWithoutWhatFailsAndSaysSoInTheDocument) {
@@ -97,6 +101,8 @@ TEST_F(QDXCollect, BeginsAnewWithoutWhatAConsumerRefuses) {
             "qdx: writing root/sample of provider sample: consumer picky: not that one\n"
             "qdx: shortened root/qdx\n");
   EXPECT_EQ(RunScript(collect + "-o y").fExitCode, 5);
+  const std::string warned = "\"$0\" collect --root \"$1\" --consumer picky --provider linux -o z";
+  EXPECT_EQ(RunScript(warned).fExitCode, 3);
 }
 
 TEST_F(QDXCollect, CountsOnATerminal) {
@@ -104,6 +110,10 @@ TEST_F(QDXCollect, CountsOnATerminal) {
       "SHELL=/bin/sh script -qec \"'$0' collect --root '$1' -o x.xml\" /dev/null </dev/null");
   EXPECT_PRED_FORMAT2(IsSubstring, "\rcollecting linux root/cimv2: 4 classes, ", seen.fOutput);
   EXPECT_PRED_FORMAT2(IsSubstring, "  \rx.xml", seen.fOutput);
+  const TProgramRun narrow = RunScript(
+      "SHELL=/bin/sh script -qec \"stty cols 30; '$0' collect --root '$1' -o x.xml\" /dev/null "
+      "</dev/null");
+  EXPECT_PRED_FORMAT2(IsSubstring, "\rcollecting linux root/cimv2: \rcoll", narrow.fOutput);
 }
 
 TEST_F(QDXCollect, WritesNothingWhereNothingIsCollected) {

@@ -38,10 +38,13 @@ TEST(ValueJSON, LosesNothingThatReadersKeep) {
 }
 
 TEST(PlainText, IsWhatPeopleRead) {
-  const std::pair<TJSON, std::string> rows[] = {
-      {nullptr, "-"},          {"", "\"\""},
-      {"a \"b\"", "a \"b\""},  {-0.5, "-0.5"},
-      {TJSON::array(), "{ }"}, {{"", "a", nullptr, 1}, "{ \"\", a, -, 1 }"}};
+  const std::pair<TJSON, std::string> rows[] = {{nullptr, "-"},
+                                                {"-", "\"-\""},
+                                                {"", "\"\""},
+                                                {"a \"b\"", "a \"b\""},
+                                                {-0.5, "-0.5"},
+                                                {TJSON::array(), "{ }"},
+                                                {{"", "a", nullptr, 1}, "{ \"\", a, -, 1 }"}};
   for (const auto& [value, text] : rows) EXPECT_EQ(PlainText(value), text);
 }
 

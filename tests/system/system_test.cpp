@@ -80,19 +80,23 @@ void Read(std::size_t size) {
 TEST(WriteAll, GoesOnAfterSignalsAndShortWrites) {
   std::string text;
   for (int i = 0; i < 50000; ++i) text += std::to_string(i);
-  const TPipe pipe = OpenPipe();
-  gReadEnd = pipe.fReadEnd.Get();
   static int signals = 0;
   struct sigaction action = {};
   action.sa_handler = [](int) {
     if (++signals % 2 == 0) Read(20000);  // at the others, the pipe is still full
   };
   ::sigaction(SIGALRM, &action, nullptr);
-  ::ualarm(1000, 1000);
-  EXPECT_TRUE(WriteAll(pipe.fWriteEnd.Get(), text));
-  ::ualarm(0, 0);
-  Read(sizeof gText - gSize);
-  EXPECT_TRUE(std::string(gText, gSize) == text);
+  for (const int flags : {0, O_NONBLOCK}) {
+    const TPipe pipe = OpenPipe();
+    gReadEnd = pipe.fReadEnd.Get();
+    gSize = 0;
+    ::fcntl(pipe.fWriteEnd.Get(), F_SETFL, flags);
+    ::ualarm(1000, 1000);
+    EXPECT_TRUE(WriteAll(pipe.fWriteEnd.Get(), text));
+    ::ualarm(0, 0);
+    Read(sizeof gText - gSize);
+    EXPECT_TRUE(std::string(gText, gSize) == text);
+  }
 }
 
 TEST(WriteAll, FailsWithTheReason) {

@@ -3,14 +3,47 @@
 
 #include <cli/failure.h>
 
+#include <cerrno>
 #include <csignal>
+#include <map>
+#include <string>
+#include <tuple>
 
+#include <dlfcn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
 
 #include "support/temp_dir.h"
+
+namespace {
+
+std::map<std::string, int> gErrors;  // of the calls that shall fail
+std::string gSynced;
+
+template <typename... TArguments>
+int Call(const char* name, TArguments... arguments) {
+  errno = gErrors[name];
+  if (errno != 0) return -1;
+  return reinterpret_cast<int (*)(TArguments...)>(::dlsym(RTLD_NEXT, name))(arguments...);
+}
+
+}  // namespace
+
+extern "C" {
+int renameat2(int from, const char* a, int to, const char* b, unsigned int flags) noexcept {
+  return Call("renameat2", from, a, to, b, flags);
+}
+int link(const char* from, const char* to) noexcept { return Call("link", from, to); }
+int fsync(int descriptor) {
+  struct stat status = {};
+  ::fstat(descriptor, &status);
+  gSynced += S_ISDIR(status.st_mode) ? "folder " : "file ";
+  return Call("fsync", descriptor);
+}
+}
 
 namespace NVORNQDX20 {
 namespace {
@@ -45,6 +78,34 @@ TEST_F(NewFile, AppearsAsAWholeForItsOwnerAlone) {
   EXPECT_EQ(Count(), 1U);
   EXPECT_TRUE(TNewFile(fFolder.Path().string(), "", "y").PublishIfNew(Path("y")));
   EXPECT_EQ(Count(), 2U);
+}
+
+TEST_F(NewFile, NeverReplacesWhatAppearsMeanwhile) {
+  const std::tuple<int, int, std::string> rows[] = {
+      {0, EPERM, "taken, then new"},
+      {ENOSYS, 0, "taken, then new"},
+      {EINVAL, 0, "taken, then new"},
+      {ENOSYS, EPERM, "(Operation not permitted); --output"},
+      {EACCES, 0, "Permission denied"}};
+  fFolder.Write("taken", "old");
+  for (const auto& [renameError, linkError, effect] : rows) {
+    gErrors = {{"renameat2", renameError}, {"link", linkError}};
+    gSynced.clear();
+    std::string text;
+    try {
+      TNewFile file(fFolder.Path().string(), "", "bad");
+      text = file.PublishIfNew(Path("taken")) ? "replaced" : "taken";
+      text += file.PublishIfNew(Path("new")) ? ", then new" : ", then taken";
+      EXPECT_EQ(gSynced, "file file folder ");
+    } catch (const TCommandFailure& failure) {
+      text = failure.what();
+    }
+    EXPECT_PRED_FORMAT2(::testing::IsSubstring, effect, text);
+    EXPECT_EQ(ReadWholeFile(Path("taken")), "old");
+    fs::remove(Path("new"));
+    EXPECT_EQ(Count(), 1U);
+  }
+  gErrors.clear();
 }
 
 TEST_F(NewFile, LeavesNothingWhereItFails) {

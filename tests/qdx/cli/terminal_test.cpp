@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <cli/terminal.h>
 
+#include <sys/ioctl.h>
+
 #include <gtest/gtest.h>
 
 #include "qdx/cli/standard_output.h"
@@ -17,6 +19,7 @@ TEST(TerminalText, CannotSteerATerminal) {
       {"\xc2\x80\xc2\x9f\xc2\xa0", "??\xc2\xa0"},
       // Directions of writing, and their neighbours.
       {"\u2029\u202a\u202e\u202f\u2065\u2066\u2069\u206a", "\u2029??\u202f\u2065??\u206a"},
+      {"\u061b\u061c\u061d\u200d\u200e\u200f\u2010", "\u061b?\u061d\u200d??\u2010"},
       // No UTF-8: only the first byte is lost.
       {"\xff\xe2\x82z\xc3", "???z?"}};
   for (const auto& [text, shown] : rows) EXPECT_EQ(ForTerminal(text), shown);
@@ -32,6 +35,19 @@ const char* const kColouredTable =
     "\x1b[1mA     LONG  C\x1b[0m\n\x1b[31mcaf\xc3\xa9  ?     x\x1b[0m\nend\n"
     "\x1b[2m\x1b[0m\n\x1b[32m      a\x1b[0m\n";
 
+TEST(Terminal, HasTheWidthThatItReports) {
+  const std::tuple<unsigned short, const char*, std::size_t> rows[] = {
+      {40, "70", 40}, {0, "70", 70}, {0, "x", 80}, {0, "0", 80}, {0, nullptr, 80}};
+  for (const auto& [reported, columns, width] : rows) {
+    const TStandardOutput output(TStandardOutput::kTerminal);
+    const winsize size = {0, reported, 0, 0};
+    ::ioctl(STDOUT_FILENO, TIOCSWINSZ, &size);
+    columns != nullptr ? ::setenv("COLUMNS", columns, 1) : ::unsetenv("COLUMNS");
+    EXPECT_EQ(TerminalWidth(STDOUT_FILENO), width);
+  }
+  EXPECT_EQ(CutToWidth("caf\xc3\xa9!", 4), "caf\xc3\xa9");
+}
+
 TEST(Table, HasColoursOnATerminalThatIsNotToldOtherwise) {
   const std::tuple<TStandardOutput::EKind, const char*, const char*, const char*> rows[] = {
       {TStandardOutput::kPipe, "xterm", nullptr, kPlainTable},
@@ -39,6 +55,7 @@ TEST(Table, HasColoursOnATerminalThatIsNotToldOtherwise) {
       {TStandardOutput::kTerminal, "xterm", "", kColouredTable},
       {TStandardOutput::kTerminal, "xterm", "1", kPlainTable},
       {TStandardOutput::kTerminal, "dumb", nullptr, kPlainTable},
+      {TStandardOutput::kTerminal, "", nullptr, kPlainTable},
       {TStandardOutput::kTerminal, nullptr, nullptr, kPlainTable}};
   for (const auto& [kind, term, noColour, table] : rows) {
     const TStandardOutput output(kind);

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "failure.h"
 
-#include <cstdio>
+#include <qdxsystem/write.h>
+
 #include <new>
+
+#include <unistd.h>
 
 #include "terminal.h"
 
@@ -87,7 +90,8 @@ void PrintFailure(const std::string& action, const TExplainedException& failure)
 }
 
 void PrintError(const std::string& line) {
-  std::fputs(("qdx: " + ForTerminal(line) + "\n").c_str(), stderr);
+  // If this fails, nothing is left to report it.
+  (void)WriteAll(STDERR_FILENO, "qdx: " + ForTerminal(line) + "\n");
 }
 
 TCommandFailure::TCommandFailure(EExitCode code, const std::string& action,

@@ -41,9 +41,8 @@ void RemoveOnSignals() {
   }
 }
 
-[[noreturn]] void FailToWrite(const std::string& shownAs, int error) {
-  throw TCommandFailure(kExitBadInput, "writing " + shownAs,
-                        {kQDXStatusFileSystemError, ErrorText(error)});
+[[noreturn]] void FailToWrite(const std::string& shownAs, const std::string& why) {
+  throw TCommandFailure(kExitBadInput, "writing " + shownAs, {kQDXStatusFileSystemError, why});
 }
 
 /// Writes the new directory entry to the disk, so that it survives a power failure. Errors are
@@ -68,12 +67,12 @@ std::filesystem::path FileToReplace(const std::filesystem::path& path) {
 TNewFile::TNewFile(const std::string& folder, const std::string& suffix,
                    const std::string& shownAs) {
   const std::string pattern = folder + "/.qdx-XXXXXX" + suffix;
-  if (pattern.size() >= sizeof(gPath)) FailToWrite(shownAs, ENAMETOOLONG);
+  if (pattern.size() >= sizeof(gPath)) FailToWrite(shownAs, ErrorText(ENAMETOOLONG));
   RemoveOnSignals();
   // mkostemp fills in the handler's path, so that a signal never leaves a file behind.
   *std::copy(pattern.begin(), pattern.end(), gPath) = '\0';
   fDescriptor = TDescriptor(::mkostemps(gPath, static_cast<int>(suffix.size()), O_CLOEXEC));
-  if (!fDescriptor.IsOpen()) FailToWrite(shownAs, fDescriptor.GetError());
+  if (!fDescriptor.IsOpen()) FailToWrite(shownAs, ErrorText(fDescriptor.GetError()));
   fPath = gPath;
 }
 
@@ -81,19 +80,35 @@ TNewFile::~TNewFile() {
   ::unlink(fPath.c_str());  // fails harmlessly if the file was published
 }
 
-void TNewFile::Publish(const std::string& path) { Rename(path, 0); }
+void TNewFile::Publish(const std::string& path) {
+  WriteToDisk(path);
+  if (::rename(fPath.c_str(), path.c_str()) != 0) FailToWrite(path, ErrorText(errno));
+  SyncFolderOf(path);
+}
 
-bool TNewFile::PublishIfNew(const std::string& path) { return Rename(path, RENAME_NOREPLACE); }
-
-bool TNewFile::Rename(const std::string& path, unsigned int flags) {
-  const bool done = ::fsync(fDescriptor.Get()) == 0 &&
-                    ::renameat2(AT_FDCWD, fPath.c_str(), AT_FDCWD, path.c_str(), flags) == 0;
-  // Network file systems do not support the flag. There, a file created at this moment is replaced.
-  if (!done && errno == EINVAL && flags != 0) {
-    return !std::filesystem::exists(path) && Rename(path, 0);
+bool TNewFile::PublishIfNew(const std::string& path) {
+  WriteToDisk(path);
+  if (::renameat2(AT_FDCWD, fPath.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) != 0) {
+    // Old kernels and network file systems lack the flag.
+    if (errno == EINVAL || errno == ENOSYS) return Link(path);
+    if (errno == EEXIST) return false;
+    FailToWrite(path, ErrorText(errno));
   }
-  if (!done && errno == EEXIST && flags != 0) return false;
-  if (!done) FailToWrite(path, errno);
+  SyncFolderOf(path);
+  return true;
+}
+
+void TNewFile::WriteToDisk(const std::string& path) {
+  if (::fsync(fDescriptor.Get()) != 0) FailToWrite(path, ErrorText(errno));
+}
+
+bool TNewFile::Link(const std::string& path) {
+  if (::link(fPath.c_str(), path.c_str()) != 0) {
+    if (errno == EEXIST) return false;
+    FailToWrite(path, "the folder does not support names that replace nothing (" +
+                          ErrorText(errno) + "); --output names a file that may be replaced");
+  }
+  ::unlink(fPath.c_str());
   SyncFolderOf(path);
   return true;
 }

@@ -33,11 +33,13 @@ class TNewFile {
   /// Writes the contents to the disk (fsync), then renames the file to `path` in the same folder.
   /// Throws a TCommandFailure, and leaves `path` unchanged, on failure.
   void Publish(const std::string& path);
-  /// Like Publish(), but returns false if a file exists at `path`.
+  /// Like Publish(), but returns false if a file exists at `path`. A file that is created there at
+  /// the same moment is never replaced.
   bool PublishIfNew(const std::string& path);
 
  private:
-  bool Rename(const std::string& path, unsigned int flags);
+  void WriteToDisk(const std::string& path);
+  bool Link(const std::string& path);
 
   std::string fPath;
   TDescriptor fDescriptor;  // for fsync

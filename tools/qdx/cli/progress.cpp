@@ -21,17 +21,19 @@ class TProgressLine {
  public:
   ~TProgressLine() { Show(""); }
 
-  /// Truncates the line, since a wrapped line cannot be overwritten.
+  /// Cuts the line off before the last column: a wrapped line cannot be overwritten.
   void Show(const std::string& text) {
-    std::string line = ForTerminal(text).substr(0, 79);
-    const std::size_t length = line.size();
-    line.resize(std::max(length, fLength), ' ');
-    std::fputs(("\r" + line + (length == 0 ? "\r" : "")).c_str(), stderr);
-    fLength = length;
+    const std::size_t limit = TerminalWidth(STDERR_FILENO) - 1;
+    std::string line = CutToWidth(ForTerminal(text), limit);
+    const std::size_t width = WidthOf(line);
+    const std::size_t former = std::min(fWidth, limit);
+    if (width < former) line.append(former - width, ' ');
+    std::fputs(("\r" + line + (width == 0 ? "\r" : "")).c_str(), stderr);
+    fWidth = width;
   }
 
  private:
-  std::size_t fLength = 0;
+  std::size_t fWidth = 0;
 };
 
 std::size_t CountInstances(const ICIMClass& cimClass) {

@@ -4,18 +4,22 @@
 #include <qdxsystem/utf8.h>
 
 #include <algorithm>
+#include <charconv>
+#include <cstdint>
 #include <cstdlib>
 #include <string_view>
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace NVORNQDX20 {
 namespace {
 
 bool IsHarmless(char32_t character) {
-  // These change the order in which the rest of a line is displayed.
-  const bool directs =
-      (character >= 0x202a && character <= 0x202e) || (character >= 0x2066 && character <= 0x2069);
+  // These change the order in which the rest of a line is displayed (Unicode: Bidi_Control).
+  const bool directs = (character >= 0x202a && character <= 0x202e) ||
+                       (character >= 0x2066 && character <= 0x2069) || character == 0x200e ||
+                       character == 0x200f || character == 0x061c;
   return !IsControl(character) && !directs;
 }
 
@@ -23,7 +27,8 @@ bool UsesColour() {
   const char* const noColour = std::getenv("NO_COLOR");
   const char* const terminal = std::getenv("TERM");
   const bool refused = noColour != nullptr && *noColour != '\0';
-  const bool able = terminal != nullptr && std::string_view(terminal) != "dumb";
+  const bool able =
+      terminal != nullptr && *terminal != '\0' && std::string_view(terminal) != "dumb";
   return able && !refused && ::isatty(STDOUT_FILENO) != 0;
 }
 
@@ -34,19 +39,12 @@ std::string Styled(const std::string& line, TTableRow::EStyle style) {
   return kSequences[style] + line + "\033[0m";
 }
 
-/// In characters; each counts as one column.
-std::size_t Width(const std::string& cell) {
-  return static_cast<std::size_t>(std::count_if(cell.begin(), cell.end(), [](char byte) {
-    return (static_cast<unsigned char>(byte) & 0xc0) != 0x80;
-  }));
-}
-
 std::vector<std::size_t> ColumnWidths(const std::vector<TTableRow>& rows) {
   std::vector<std::size_t> widths;
   for (const TTableRow& row : rows) {
     widths.resize(std::max(widths.size(), row.fCells.size()));
     for (std::size_t i = 0; i < row.fCells.size(); ++i) {
-      widths[i] = std::max(widths[i], Width(ForTerminal(row.fCells[i])));
+      widths[i] = std::max(widths[i], WidthOf(ForTerminal(row.fCells[i])));
     }
   }
   return widths;
@@ -57,7 +55,7 @@ std::string FormatRow(const TTableRow& row, const std::vector<std::size_t>& widt
   for (std::size_t i = 0; i < row.fCells.size(); ++i) {
     const std::string cell = ForTerminal(row.fCells[i]);
     line += cell;
-    if (i + 1 < row.fCells.size()) line.append(widths[i] - Width(cell) + 2, ' ');
+    if (i + 1 < row.fCells.size()) line.append(widths[i] - WidthOf(cell) + 2, ' ');
   }
   return line;
 }
@@ -72,6 +70,28 @@ std::string ForTerminal(const std::string& text) {
     harmless += isHarmless ? character.fBytes : "?";
   }
   return harmless;
+}
+
+std::size_t TerminalWidth(int descriptor) {
+  winsize size = {};
+  if (::ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
+  const char* const columns = std::getenv("COLUMNS");
+  const std::string_view text = columns != nullptr ? columns : "";
+  std::uint16_t width = 0;
+  std::from_chars(text.data(), text.data() + text.size(), width);
+  return width > 0 ? width : 80;
+}
+
+std::size_t WidthOf(const std::string& cell) {
+  return static_cast<std::size_t>(std::count_if(cell.begin(), cell.end(), [](char byte) {
+    return (static_cast<unsigned char>(byte) & 0xc0) != 0x80;
+  }));
+}
+
+std::string CutToWidth(const std::string& text, std::size_t width) {
+  std::string_view rest = text;
+  for (; width > 0 && !rest.empty(); --width) TakeCharacter(rest);
+  return text.substr(0, text.size() - rest.size());
 }
 
 std::string FormatTable(const std::vector<TTableRow>& rows) {

@@ -3,6 +3,7 @@
 #ifndef TOOLS_QDX_CLI_TERMINAL_H_
 #define TOOLS_QDX_CLI_TERMINAL_H_
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,16 @@ namespace NVORNQDX20 {
 /// trusted and must not control the terminal.
 std::string ForTerminal(const std::string& text);
 
+/// Returns the number of columns of the terminal: what it reports, else the environment variable
+/// COLUMNS, else 80.
+std::size_t TerminalWidth(int descriptor);
+
+/// Returns the number of columns of the text, one for each character.
+std::size_t WidthOf(const std::string& text);
+
+/// Returns the start of the text, at most `width` columns.
+std::string CutToWidth(const std::string& text, std::size_t width);
+
 struct TTableRow {
   enum EStyle { kPlain, kHeading, kDim, kRemoved, kAdded };
 
@@ -21,7 +32,7 @@ struct TTableRow {
 };
 
 /// Returns the rows as lines with aligned columns; all cells are sanitised. Styles are used if
-/// standard output is a terminal and NO_COLOR is not set.
+/// standard output is a terminal, TERM names a capable one and NO_COLOR is not set.
 std::string FormatTable(const std::vector<TTableRow>& rows);
 
 }  // namespace NVORNQDX20

@@ -8,6 +8,19 @@
 #include <unistd.h>
 
 namespace NVORNQDX20 {
+namespace {
+
+/// Returns a descriptor that cannot be written, and that children inherit. Without /dev/null, as in
+/// a bare chroot, an empty pipe.
+TDescriptor OpenNothing() {
+  TDescriptor null(::open("/dev/null", O_RDONLY));
+  if (null.IsOpen()) return null;
+  int ends[2] = {-1, -1};
+  if (::pipe(ends) == 0) ::close(ends[1]);
+  return TDescriptor(ends[0]);
+}
+
+}  // namespace
 
 TKeptSurroundings::TKeptSurroundings()
     : fFolder(::open(".", O_PATH | O_DIRECTORY | O_CLOEXEC)), fMask(::umask(0)) {
@@ -28,7 +41,7 @@ TKeptSurroundings::~TKeptSurroundings() {
 void OccupyStandardDescriptors() {
   int number = STDIN_FILENO;
   while (number >= 0 && number <= STDERR_FILENO) {
-    TDescriptor file(::open("/dev/null", O_RDONLY));
+    TDescriptor file = OpenNothing();
     number = file.Get();
     if (number <= STDERR_FILENO) (void)file.Release();
   }

@@ -25,9 +25,9 @@ class TKeptSurroundings {
   mode_t fMask;
 };
 
-/// Opens /dev/null on each standard descriptor that is closed. Otherwise the next file that is
-/// opened, such as the log, would get its number and its output. Opened read-only, so that writing
-/// to a closed standard output still fails.
+/// Opens /dev/null, or an empty pipe, on each standard descriptor that is closed. Otherwise the
+/// next file that is opened, such as the log, would get its number and its output. Opened
+/// read-only, so that writing to a closed standard output still fails.
 void OccupyStandardDescriptors();
 
 }  // namespace NVORNQDX20

@@ -6,8 +6,7 @@
 
 #include <algorithm>
 
-#include <nlohmann/json.hpp>
-
+#include <qdxsnapshot/value_json.h>
 #include "cli/output.h"
 #include "cli/terminal.h"
 #include "plugin_host/crash_note.h"
@@ -18,7 +17,6 @@
 namespace NVORNQDX20 {
 namespace {
 
-using TJSON = nlohmann::ordered_json;
 using THelper = TCIMSchemaHelper;
 using TNamespace = boost::shared_ptr<ICIMNamespace>;
 using TQuery = std::function<TJSON(TNamespace)>;
@@ -106,9 +104,7 @@ bool DescribesMachine(const TAnswer& answer) {
 }
 
 std::string TextOf(const TJSON& value) {
-  if (value.is_null()) return "-";
-  if (value.is_string()) return value.get<std::string>();
-  return value == 36 ? "36 (LINUX)" : value.dump();  // the only number is the OS type
+  return value == 36 ? "36 (LINUX)" : PlainText(value);  // the only number is the OS type
 }
 
 void WriteForPeople(const std::vector<TAnswer>& answers) {

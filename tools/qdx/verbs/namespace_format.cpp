@@ -16,7 +16,9 @@ std::string ReasonFor(const TNamespaceContents& ns, const TClassSnapshot& cimCla
   auto reason = ns.fReasons.find({cimClass.fName, "", name});
   for (std::size_t i = 0; i < instance.fValues.size() && reason == ns.fReasons.end(); ++i) {
     if (!cimClass.fProperties[i].fIsKey) continue;
-    reason = ns.fReasons.find({cimClass.fName, PlainText(instance.fValues[i]), name});
+    const TJSON& key = instance.fValues[i];
+    reason = ns.fReasons.find(
+        {cimClass.fName, key.is_string() ? key.get<std::string>() : PlainText(key), name});
   }
   return reason == ns.fReasons.end() ? "" : reason->second;
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The verb plugins.
-#include <nlohmann/json.hpp>
+#include <qdxsnapshot/value_json.h>
 
 #include "cli/output.h"
 #include "cli/terminal.h"
@@ -10,8 +10,6 @@
 
 namespace NVORNQDX20 {
 namespace {
-
-using TJSON = nlohmann::ordered_json;
 
 void AddFailure(const TExplainedException& failure, TJSON& description) {
   description["failure"] = failure.GetReason();
@@ -86,23 +84,21 @@ TJSON DescribeAll(const TLibraries& libraries, bool& failed) {
   return all;
 }
 
-std::string TextOf(const TJSON& value) { return value.is_null() ? "-" : value.get<std::string>(); }
-
 std::string JoinedNames(const TJSON& names) {
   std::string joined;
-  for (const TJSON& name : names) joined += (joined.empty() ? "" : ", ") + TextOf(name);
+  for (const TJSON& name : names) joined += (joined.empty() ? "" : ", ") + PlainText(name);
   return joined.empty() ? "-" : joined;
 }
 
 std::string FileOf(const TJSON& library) {
-  return TextOf(library["file"]) + (library["failure"].is_null() ? "" : "  (failed)");
+  return PlainText(library["file"]) + (library["failure"].is_null() ? "" : "  (failed)");
 }
 
 void AddProviderRows(const TJSON& library, std::vector<TTableRow>& rows) {
-  const std::string service = TextOf(library["service"]);
+  const std::string service = PlainText(library["service"]);
   const std::string file = FileOf(library);
   for (const TJSON& provider : library["providers"]) {
-    rows.push_back({{"provider", service, TextOf(provider["name"]),
+    rows.push_back({{"provider", service, PlainText(provider["name"]),
                      JoinedNames(provider["namespaces"]), file}});
   }
   if (library["providers"].empty()) {
@@ -115,9 +111,9 @@ void WriteForPeople(const TJSON& plugins) {
       {{"KIND", "SERVICE", "NAME", "NAMESPACES", "FILE"}, TTableRow::kHeading}};
   for (const TJSON& library : plugins["providers"]) AddProviderRows(library, rows);
   for (const TJSON& library : plugins["consumers"]) {
-    rows.push_back(
-        {{"consumer", TextOf(library["service"]), TextOf(library["name"]), "-", FileOf(library)},
-         library["failure"].is_null() ? TTableRow::kPlain : TTableRow::kDim});
+    rows.push_back({{"consumer", PlainText(library["service"]), PlainText(library["name"]), "-",
+                     FileOf(library)},
+                    library["failure"].is_null() ? TTableRow::kPlain : TTableRow::kDim});
   }
   WriteOutput(FormatTable(rows));
 }

@@ -20,7 +20,7 @@ using TJSON = nlohmann::ordered_json;
 /// "root/other:Class.Key=1".
 TJSON ToJSON(const TCIMValue& value, const std::string& ownNamespace);
 
-/// Returns one line: "-" for null, strings unchanged but "\"\"" for an empty one, arrays as
+/// Returns one line: "-" for null, strings unchanged but an empty one and "-" in quotes, arrays as
 /// "{ a, b }".
 std::string PlainText(const TJSON& value);
 
