@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include <elf.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -76,6 +77,21 @@ TEST(QDXBadPlugins, AreRefusedBeforeTheyCanDoHarm) {
   const TProgramRun run = installation.Run({"plugins"});
   EXPECT_EQ(run.fErrors, lines);
   EXPECT_EQ(run.fExitCode, 3);
+}
+
+TEST(QDXBadPlugins, AreNotLoadedByRootIfOthersCanWriteThem) {
+  const TInstallation installation;
+  installation.AddLinuxProvider();
+  const std::filesystem::path folder = installation.Folder();
+  permissions(folder, std::filesystem::perms::others_write, std::filesystem::perm_options::add);
+  const TProgramRun run = installation.Run({"identity", "--json"});
+  const bool isRoot = ::geteuid() == 0;
+  EXPECT_EQ(run.fExitCode, isRoot ? 5 : 0);
+  EXPECT_EQ(run.fErrors.substr(0, run.fErrors.find('\n') + 1),
+            isRoot ? "qdx: loading provider " + (folder / "liblinux.nsp.so").string() +
+                         ": root does not load it: everybody may write to folder " +
+                         folder.string() + "; 'chmod o-w' takes that right away\n"
+                   : "");
 }
 
 TEST(QDXBadPlugins, MayFailOnceTheyAreLoaded) {

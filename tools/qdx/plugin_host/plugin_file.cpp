@@ -2,9 +2,11 @@
 #include "plugin_file.h"
 
 #include <qdxcore/build_stamp.h>
+#include <qdxcore/os_specific.h>
 #include <qdxcore/status.h>
 #include <qdxsystem/descriptor.h>
 #include <qdxsystem/error_text.h>
+#include <qdxsystem/foreign_writers.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -82,6 +84,19 @@ class TPluginFile {
   std::uint64_t fSize = 0;
 };
 
+/// Loading runs code: with root's rights only what nobody else can have written.
+void RequireOwnCode(const std::string& file) {
+  if (::geteuid() != 0) return;
+  struct stat command {};  // root's, if there is no /proc
+  ::stat("/proc/self/exe", &command);
+  // Not by the name in `file`, whose links are resolved already: the loader follows them, too.
+  const std::string name = TOSSpecific::GetQDXRootPath() + file.substr(file.rfind('/'));
+  const auto writer = FindForeignWriter(name, command.st_uid);
+  if (writer) {
+    throw TExplainedException(kQDXStatusInvalidPlugin, "root does not load it: " + *writer);
+  }
+}
+
 Elf64_Ehdr ReadHeader(TPluginFile& file) {
   if (file.ReadBytes(0, SELFMAG) != ELFMAG) Refuse("is not a library");
   const auto header = file.Read<Elf64_Ehdr>(0);
@@ -142,6 +157,7 @@ int CheckNotes(std::string_view notes) {
 
 void CheckPluginFile(const std::string& name) {
   TPluginFile file(name);
+  RequireOwnCode(name);
   const Elf64_Ehdr header = ReadHeader(file);
   if (header.e_phnum > kMaxSegments) {
     Refuse("has more than " + std::to_string(kMaxSegments) + " segments");
