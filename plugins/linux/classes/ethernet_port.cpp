@@ -53,13 +53,6 @@ TReading<bool> ReadFullDuplex(const TFiles& port) {
   });
 }
 
-/// Reads one of the counters.
-auto Count(const char* file) {
-  return [path = std::string("statistics/") + file](const TFiles& port) {
-    return port.ReadNumber(path);
-  };
-}
-
 }  // namespace
 
 TClass EthernetPortClass() {
@@ -76,17 +69,20 @@ TClass EthernetPortClass() {
        {"FullDuplex", "Whether it sends and receives at once.", ReadFullDuplex},
        {"ActiveMaximumTransmissionUnit", "The largest packet that can be sent.", FileNumber("mtu"),
         TUnit{"byte"}},
-       {"BytesReceived", "Bytes received.", Count("rx_bytes"), kCounter, kVolatile},
-       {"BytesTransmitted", "Bytes sent.", Count("tx_bytes"), kCounter, kVolatile},
-       {"PacketsReceived", "Packets received.", Count("rx_packets"), kCounter, kVolatile},
-       {"PacketsTransmitted", "Packets sent.", Count("tx_packets"), kCounter, kVolatile},
-       {"ReceiveErrors", "Packets that arrived bad.", Count("rx_errors"), kCounter, kVolatile},
-       {"TransmitErrors", "Packets that could not be sent.", Count("tx_errors"), kCounter,
+       {"BytesReceived", "Bytes received.", FileNumber("statistics/rx_bytes"), kCounter, kVolatile},
+       {"BytesTransmitted", "Bytes sent.", FileNumber("statistics/tx_bytes"), kCounter, kVolatile},
+       {"PacketsReceived", "Packets received.", FileNumber("statistics/rx_packets"), kCounter,
         kVolatile},
-       {"ReceiveDrops", "Packets that arrived, but were not taken.", Count("rx_dropped"), kCounter,
+       {"PacketsTransmitted", "Packets sent.", FileNumber("statistics/tx_packets"), kCounter,
         kVolatile},
-       {"TransmitDrops", "Packets that were not even tried to be sent.", Count("tx_dropped"),
+       {"ReceiveErrors", "Packets that arrived bad.", FileNumber("statistics/rx_errors"), kCounter,
+        kVolatile},
+       {"TransmitErrors", "Packets that could not be sent.", FileNumber("statistics/tx_errors"),
         kCounter, kVolatile},
+       {"ReceiveDrops", "Packets that arrived, but were not taken.",
+        FileNumber("statistics/rx_dropped"), kCounter, kVolatile},
+       {"TransmitDrops", "Packets that were not even tried to be sent.",
+        FileNumber("statistics/tx_dropped"), kCounter, kVolatile},
        {"CarrierChanges", "How often the link went up or down.", FileNumber("carrier_changes"),
         kCounter, kVolatile}}}
       .DerivedFrom(LogicalDeviceTable());

@@ -9,20 +9,18 @@ namespace {
 
 const char* const kDeviceClassName = "VORNSG_LogicalDevice";
 
-/// A device, as VORNSG_SystemDevice refers to it.
-struct TPart {
-  TInstanceName fDevice;
-};
+const TInstanceName& Itself(const TInstanceName& part) { return part; }
 
 TInstanceName System(const THost& host) {
   return {TCIMSchemaHelper::kSystemCreationClassName, host.GetNameAsKey()};
 }
 
-std::vector<TPart> ListParts(const THost&, const ICIMNamespace& ns) {
-  std::vector<TPart> parts;
+/// Lists all devices, which are described before associations.
+std::vector<TInstanceName> ListParts(const THost&, const ICIMNamespace& ns) {
+  std::vector<TInstanceName> parts;
   for (const auto& cimClass : NModel::WithSubclasses(ns.GetClass(kDeviceClassName, {}))) {
     NModel::ForEachInstance(*cimClass, [&](const ICIMInstance& device) {
-      parts.push_back({{cimClass->GetName({}), device.GetProperty("DeviceID", {})->GetValue()}});
+      parts.push_back({cimClass->GetName({}), device.GetProperty("DeviceID", {})->GetValue()});
     });
   }
   return parts;
@@ -45,13 +43,13 @@ THostTable<TDevice> LogicalDeviceTable() {
 TClass LogicalDeviceClass() { return LogicalDeviceTable(); }
 
 TClass SystemDeviceClass() {
-  return THostTable<TPart>{
+  return THostTable<TInstanceName>{
       "VORNSG_SystemDevice",
       "Ties a device to the machine that it is part of.",
       ListParts,
       {{"GroupComponent", "The machine.", System, kKey,
         TRefersTo{TCIMSchemaHelper::kSystemCreationClassName.c_str()}},
-       {"PartComponent", "The device.", &TPart::fDevice, kKey, TRefersTo{kDeviceClassName}}}}
+       {"PartComponent", "The device.", Itself, kKey, TRefersTo{kDeviceClassName}}}}
       .AsAssociation();
 }
 

@@ -5,9 +5,9 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <ctime>
 #include <iterator>
+#include <sstream>
 
 #include "catalogue.h"
 #include "machine/cpu_list.h"
@@ -38,22 +38,20 @@ TReading<std::map<std::string, std::string>> ReadOSRelease(const TFiles& files) 
   return files.FirstOf({"/etc/os-release", "/usr/lib/os-release"}).and_then(parse);
 }
 
-/// Parses the first three numbers of "3.30 3.10 2.65 7/149 28102".
+/// Parses the first three numbers of "3.30 3.10 2.65 7/149 28102"; those after a bad one are
+/// missing.
 TAverages ReadLoadAverages(const TFiles& files) {
-  const std::string path = "/proc/loadavg";
+  const char* const path = "/proc/loadavg";
   const TText line = files.ReadLine(path);
   TAverages averages;
-  averages.fill(Missing(line ? path + ": not three numbers in a row" : line.GetReason()));
-  const std::string text = line.ValueOr("");
-  const char* position = text.data();
-  const char* const end = position + text.size();
+  averages.fill(line ? files.MissingFrom(path, "not three numbers in a row")
+                     : Missing(line.GetReason()));
+  std::istringstream words(line.ValueOr(""));
+  std::string word;
   for (auto& average : averages) {
-    float value = 0;
-    const auto [stop, error] = std::from_chars(position, end, value, std::chars_format::fixed);
-    const bool delimited = stop == end || *stop == ' ';
-    if (error != std::errc() || !delimited || !(value >= 0 && value < 1e9F)) break;
-    average = value;
-    position = stop != end ? stop + 1 : end;
+    const auto number = std::getline(words, word, ' ') ? ParseNumber<float>(word) : std::nullopt;
+    if (!number || *number < 0 || *number >= 1e9F) break;
+    average = *number;
   }
   return averages;
 }

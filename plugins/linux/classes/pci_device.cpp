@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Class VORNSG_PCIDevice: functions on PCI buses.
 #include <array>
-#include <charconv>
+#include <cstdio>
 
 #include "logical_device.h"
 #include "machine/fields.h"
@@ -9,18 +9,14 @@
 namespace NVORNQDX20 {
 namespace {
 
-std::string FourDigits(std::uint16_t id) {
-  std::array<char, 4> digits{};
-  const auto end = std::to_chars(digits.begin(), digits.end(), id, 16).ptr;
-  const std::string text(digits.begin(), end);
-  return std::string(digits.size() - text.size(), '0') + text;
-}
-
 /// Names the function by vendor and device, as in "8086:1572".
 TReading<bool> AdaptFunction(TSysfsDevice& function) {
-  function.fName = function.ReadNumber<std::uint16_t>("vendor").and_then([&](std::uint16_t vendor) {
-    return function.ReadNumber<std::uint16_t>("device").map(
-        [vendor](std::uint16_t device) { return FourDigits(vendor) + ":" + FourDigits(device); });
+  function.fName = function.ReadNumber<std::uint16_t>("vendor").and_then([&](unsigned vendor) {
+    return function.ReadNumber<std::uint16_t>("device").map([vendor](unsigned device) {
+      std::array<char, 10> name{};
+      std::snprintf(name.data(), name.size(), "%04x:%04x", vendor, device);
+      return std::string(name.data());
+    });
   });
   return true;
 }
