@@ -16,8 +16,11 @@ struct TFaultyCall {
 /// for 0. Of an allocation the error ONCE is one that fails, ALWAYS it and all after it.
 FAULTS_EXPORT void ArmFault(const char* call, unsigned number, const char* error);
 
-/// Lets nothing fail from here on, and returns whether anything did.
-FAULTS_EXPORT bool DisarmFault();
+/// Lets nothing fail from here on.
+FAULTS_EXPORT void DisarmFault();
+
+/// Returns whether anything failed since ArmFault.
+FAULTS_EXPORT bool HasFailed();
 
 /// Returns false if there are no more calls.
 FAULTS_EXPORT bool GetFaultyCall(unsigned index, TFaultyCall& call);

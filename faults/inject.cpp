@@ -293,10 +293,9 @@ void ArmFault(const char* call, unsigned number, const char* error) {
             std::strcmp(error, "ALWAYS") == 0};
 }
 
-bool DisarmFault() {
-  gFault.fNumber = 0;
-  return gUnrecorded.fHits != 0;
-}
+void DisarmFault() { gFault.fNumber = 0; }
+
+bool HasFailed() { return gUnrecorded.fHits != 0; }
 
 bool GetFaultyCall(unsigned index, TFaultyCall& call) {
   if (index >= std::size(kCalls)) return false;
