@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Runs operations of the library, and lets each allocation and each system call in them fail:
 //
-//   operations FOLDER SAMPLE [NAME [CALL NUMBER ERROR]]
+//   fault_operations FOLDER SAMPLE [NAME [CALL NUMBER ERROR]]
 //
 // Each operation returns a text, and must return the same one or throw an exception of the library
 // or of C++ after a fault, or say in its result which value is missing. It must not crash, hang, or
