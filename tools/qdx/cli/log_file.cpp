@@ -101,6 +101,7 @@ TLogFile::TLogFile(const std::string& file, ILogger::EQDXLogSeverity threshold,
                    const std::vector<std::string>& otherFiles)
     : fName(file),
       fDescriptor(OpenLog(file, otherFiles)),
+      fStatus(StatusOf(fDescriptor, file)),
       fListener(threshold,
                 [this](auto severity, const auto& message) { WriteMessage(severity, message); }) {
   Write(kOpenedLine);
@@ -117,7 +118,17 @@ void TLogFile::WriteMessage(ILogger::EQDXLogSeverity severity, const std::string
   Write("PRQ_" + (kLabels[severity] + message) + "\n");
 }
 
-void TLogFile::Write(std::string_view line) { Require(WriteAll(fDescriptor.Get(), line)); }
+/// The number of a closed descriptor may be that of another file by now.
+bool TLogFile::IsClosedInChild() const {
+  struct stat status = {};
+  return ::getpid() != fProcess &&
+         (::fstat(fDescriptor.Get(), &status) != 0 || status.st_dev != fStatus.st_dev ||
+          status.st_ino != fStatus.st_ino);
+}
+
+void TLogFile::Write(std::string_view line) {
+  if (!IsClosedInChild()) Require(WriteAll(fDescriptor.Get(), line));
+}
 
 /// Reports only the first failure.
 void TLogFile::Require(bool done) {

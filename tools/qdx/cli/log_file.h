@@ -10,11 +10,15 @@
 #include <string_view>
 #include <vector>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace NVORNQDX20 {
 
 /// Writes the messages that are logged during its lifetime to a file, in the logger's format. The
 /// command opens the file itself because the logger follows links, truncates whatever has the name,
-/// and does not report a write that fails.
+/// and does not report a write that fails. A forked process writes to the file unless it has closed
+/// the descriptor.
 class TLogFile {
  public:
   /// Creates the file with mode 0600, or truncates it. It must be a regular file, a terminal,
@@ -31,11 +35,14 @@ class TLogFile {
 
  private:
   void WriteMessage(ILogger::EQDXLogSeverity severity, const std::string& message);
+  bool IsClosedInChild() const;
   void Write(std::string_view line);
   void Require(bool done);
 
   const std::string fName;
   TDescriptor fDescriptor;
+  const struct stat fStatus;
+  const pid_t fProcess = ::getpid();
   bool fHasFailed = false;
   const TLogListener fListener;
 };
