@@ -2,9 +2,11 @@
 // The verb media.
 #include <qdxcore/os_specific.h>
 #include <qdxmodel/classes.h>
+#include <qdxrepository/repository.h>
 
 #include <algorithm>
 #include <cctype>
+#include <map>
 #include <optional>
 
 #include <nlohmann/json.hpp>
@@ -23,8 +25,12 @@ using TMedia = TOSSpecific::TRemovableMedia;
 constexpr const char* kUSBDeviceList = "/proc/bus/usb/devices";
 constexpr const char* kSCSIDevice = "VORNSG_SCSIDevice";
 
-/// Listed devices are mounted by shell commands, so a name from a provider must be a plain path to
-/// a device.
+constexpr const char* kDisk = "Direct Access Device";
+// What the core reads of a disk, in its order.
+constexpr const char* kDiskProperties[] = {"ProductID", "DeviceID", "VendorID"};
+
+/// The library opens devices and puts their names into shell commands unchecked, so a name from a
+/// provider must be a plain path to a device.
 bool IsPlainDevicePath(const std::string& path) {
   const std::string folder = "/dev/";
   const auto isPlain = [](unsigned char c) {
@@ -34,19 +40,59 @@ bool IsPlainDevicePath(const std::string& path) {
          std::all_of(path.begin(), path.end(), isPlain) && path.find("..") == std::string::npos;
 }
 
-/// Removes and reports devices that cannot be mounted safely.
-bool RemoveUnsafeDevices(TMedia& media) {
-  const auto unsafe = std::stable_partition(media.begin(), media.end(), [](const auto& medium) {
-    return IsPlainDevicePath(medium.first);
-  });
-  for (auto medium = unsafe; medium != media.end(); ++medium) {
-    PrintFailure("listing medium " + medium->first,
-                 {kQDXStatusInvalidFormat, "not a plain path below /dev"});
+/// A copy of the disks of a namespace in which every device has a safe name.
+class TSafeDisks {
+ public:
+  explicit TSafeDisks(ICIMNamespace& source) {
+    const auto declared = fNamespace->CreateClass(kSCSIDevice, nullptr, {});
+    Declare("DeviceType", *declared);
+    for (const char* property : kDiskProperties) Declare(property, *declared);
+    declared->Commit({});
+    for (const auto& device : NModel::InstancesOf(*source.GetClass(kSCSIDevice, {}))) {
+      const std::string type = device->GetProperty("DeviceType", {})->GetValue();
+      if (type == kDisk) Add(*device, *declared);
+    }
   }
-  const bool removed = unsafe != media.end();
-  media.erase(unsafe, media.end());
-  return removed;
-}
+
+  const boost::shared_ptr<ICIMNamespace>& GetNamespace() const { return fNamespace; }
+
+  /// Removes and reports the devices that have other names than in the source.
+  bool RemoveRenamed(TMedia& media) const {
+    const auto renamed = std::stable_partition(
+        media.begin(), media.end(), [this](const auto& m) { return fRenamed.count(m.first) == 0; });
+    for (auto medium = renamed; medium != media.end(); ++medium) {
+      PrintFailure("listing medium " + fRenamed.at(medium->first),
+                   {kQDXStatusInvalidFormat, "not a plain path below /dev"});
+    }
+    const bool removed = renamed != media.end();
+    media.erase(renamed, media.end());
+    return removed;
+  }
+
+ private:
+  static void Declare(const char* property, ICIMClass& cimClass) {
+    cimClass.CreatePropertyDecl(property, TCIMValue(TCIMValue::TCIMType::kCIMTypeString, 0), {})
+        ->Commit();
+  }
+
+  void Add(const ICIMInstance& device, ICIMClass& declared) {
+    const auto copy = declared.CreateInstance({});
+    copy->SetPropertyValue("DeviceType", kDisk, {});
+    for (const char* property : kDiskProperties) {
+      copy->SetPropertyValue(property, device.GetProperty(property, {})->GetValue(), {});
+    }
+    const TCIMValue name = copy->GetProperty("DeviceID", {})->GetValue();
+    if (!name.IsNull() && !IsPlainDevicePath(name)) {
+      const std::string safe = "/dev/unsafe:" + std::to_string(fRenamed.size());
+      fRenamed[safe] = std::string(name);
+      copy->SetPropertyValue("DeviceID", safe, {});
+    }
+    copy->Commit({});
+  }
+
+  const boost::shared_ptr<ICIMNamespace> fNamespace = MakeRepositoryNamespace(kMachineNamespace);
+  std::map<std::string, std::string> fRenamed;
+};
 
 EExitCode FailToList(const std::string& source, const TExplainedException& failure) {
   PrintFailure("listing removable media from " + source, failure);
@@ -61,8 +107,8 @@ std::optional<std::string> FindMissingValue(const ICIMInstance& device) {
     return std::string(device.GetProperty(property, {})->GetValue());
   };
   const auto failure = Try([&] {
-    if (read("DeviceType") != "Direct Access Device") return;
-    for (const char* property : {"ProductID", "DeviceID", "VendorID"}) (void)read(property);
+    if (read("DeviceType") != kDisk) return;
+    for (const char* property : kDiskProperties) (void)read(property);
   });
   return failure ? std::optional(asked) : std::nullopt;
 }
@@ -104,9 +150,12 @@ EExitCode RunMedia(const TArguments& arguments) {
                       {kQDXStatusFileNotFound, "this kernel has no list of its USB devices"});
   }
   TMedia media;
-  const auto failure = Try([&] { media = TOSSpecific::EnumerateRemovableMedia(ns); });
+  const auto failure = Try([&] {
+    const TSafeDisks disks(*ns);
+    media = TOSSpecific::EnumerateRemovableMedia(disks.GetNamespace());
+    failed = disks.RemoveRenamed(media) || failed;
+  });
   if (failure) return FailToList(FindCulprit(*ns, *failure), *failure);
-  failed = RemoveUnsafeDevices(media) || failed;
   Write(media, arguments.Has("json"));
   return failed ? kExitPartlyDone : kExitDone;
 }
