@@ -122,6 +122,10 @@ TEST(QDXBadPlugins, AreRefusedByNameAsWell) {
   EXPECT_EQ(show.fErrors, "qdx: loading provider " + reader + ": it is cut off\n");
   EXPECT_EQ(show.fExitCode, 5);
   installation.AddLinuxProvider();
+  EXPECT_EQ(installation.Run({"show", "--provider", "linux", "--depth", "0"}).fErrors, "");
+  const TProgramRun none = installation.Run({"show", "--provider", "cimxml"});
+  EXPECT_PRED_FORMAT2(IsSubstring, reader + ": it is cut off\nqdx: looking for", none.fErrors);
+  EXPECT_EQ(none.fExitCode, 4);
   installation.AddPlugin(TESTS "ending_provider.so", "libx.nsc.so");
   const TProgramRun collect = installation.Run({"collect", "--consumer", "x", "-o", "/dev/null"});
   const std::string ended = "libx.nsc.so: it was tried in a process of its own and ended that ";

@@ -53,7 +53,11 @@ TEST(QDXPlugins, AreMissedWhereNoneIsUsable) {
             "qdx: describing the machine below /: no provider has root/cimv2; 'qdx plugins' lists "
             "what is installed\n");
   EXPECT_EQ(run.fOutput, "");
-  EXPECT_EQ(installation.Run({"plugins"}).fExitCode, 5);
+  const TProgramRun plugins = installation.Run({"plugins", "--json"});
+  EXPECT_EQ(plugins.fExitCode, 5);
+  EXPECT_EQ(plugins.fErrors, "qdx: looking for plug-ins in " + installation.Folder().string() +
+                                 ": the folder has none\n");
+  EXPECT_EQ(nlohmann::json::parse(plugins.fOutput)["consumers"].size(), 0U);
 }
 
 }  // namespace

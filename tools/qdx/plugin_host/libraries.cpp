@@ -165,11 +165,16 @@ std::vector<TLoaded> LoadServices(const std::vector<std::string>& services) {
 }
 
 template <typename TLoaded>
-std::vector<TLoaded> LoadAll() {
-  auto libraries = LoadServices<TLoaded>(FindServices(kKind<TLoaded>));
+void Report(const std::vector<TLoaded>& libraries) {
   for (const TLoaded& library : libraries) {
     if (library.fFailure) PrintFailure(kLoading<TLoaded> + library.fFile, *library.fFailure);
   }
+}
+
+template <typename TLoaded>
+std::vector<TLoaded> LoadAll(bool isQuiet) {
+  auto libraries = LoadServices<TLoaded>(FindServices(kKind<TLoaded>));
+  if (!isQuiet) Report(libraries);
   return libraries;
 }
 
@@ -181,9 +186,13 @@ bool IsWithoutNamespace(const TExplainedException& failure) {
 
 }  // namespace
 
-std::vector<TProviderLibrary> LoadProviderLibraries() { return LoadAll<TProviderLibrary>(); }
+std::vector<TProviderLibrary> LoadProviderLibraries(bool isQuiet) {
+  return LoadAll<TProviderLibrary>(isQuiet);
+}
 
-std::vector<TConsumerLibrary> LoadConsumerLibraries() { return LoadAll<TConsumerLibrary>(); }
+std::vector<TConsumerLibrary> LoadConsumerLibraries() { return LoadAll<TConsumerLibrary>(false); }
+
+void ReportFailures(const std::vector<TProviderLibrary>& libraries) { Report(libraries); }
 
 TProviderLibrary LoadProviderLibrary(const std::string& service) {
   return LoadServices<TProviderLibrary>({service}).front();

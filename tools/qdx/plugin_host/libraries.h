@@ -35,10 +35,13 @@ struct TConsumerLibrary : TLibrary {
 
 // Both load all libraries in ascending order of the service names, so that of two providers with
 // the same name the same one wins on every machine. A library that cannot be used, or registers
-// nothing, is reported to standard error and skipped. Both throw a TCommandFailure if the plug-in
-// folder cannot be read.
-std::vector<TProviderLibrary> LoadProviderLibraries();
+// nothing, is skipped, and reported to standard error unless `isQuiet`. Both throw a
+// TCommandFailure if the plug-in folder cannot be read.
+std::vector<TProviderLibrary> LoadProviderLibraries(bool isQuiet = false);
 std::vector<TConsumerLibrary> LoadConsumerLibraries();
+
+/// Writes the failures to standard error.
+void ReportFailures(const std::vector<TProviderLibrary>& libraries);
 
 // Load the library of one service. A failure is returned, not reported.
 TProviderLibrary LoadProviderLibrary(const std::string& service);

@@ -17,11 +17,14 @@
 namespace NVORNQDX20 {
 namespace {
 
-boost::shared_ptr<INamespaceProvider> ProviderNamed(const std::string& name) {
+/// The provider may be missing because its library failed.
+boost::shared_ptr<INamespaceProvider> ProviderNamed(
+    const std::string& name, const std::vector<TProviderLibrary>& libraries) {
   boost::shared_ptr<INamespaceProvider> provider;
   const auto failure = Try(
       [&] { provider = TRootObject::GetNamespaceProviderManager()->GetNamespaceProvider(name); });
   if (failure) {
+    ReportFailures(libraries);
     throw TCommandFailure(
         kExitBadInput, "looking for provider " + name,
         {failure->GetStatusCode(), "no plug-in brings one of this name; 'qdx plugins' lists all"});
@@ -51,12 +54,13 @@ std::vector<TOptionSpec> TProviderQuery::Options() {
 }
 
 TProviderQuery::TProviderQuery(const TArguments& arguments) : fRoot(RootFolder(arguments)) {
-  const auto libraries = LoadProviderLibraries();
   const auto named = arguments.GetAll("provider");
+  // The failures of other libraries do not matter, then.
+  const auto libraries = LoadProviderLibraries(!named.empty());
   for (const std::string& name : std::set<std::string>(named.begin(), named.end())) {
-    fProviders.push_back(ProviderNamed(name));
+    fProviders.push_back(ProviderNamed(name, libraries));
   }
-  if (!fProviders.empty()) return;  // failures of other providers do not matter
+  if (!named.empty()) return;
   fProviders = RegisteredProviders();
   for (const TProviderLibrary& library : libraries) {
     if (library.fFailure) {

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // The verb plugins.
+#include <qdxcore/os_specific.h>
 #include <qdxsnapshot/value_json.h>
+
+#include <filesystem>
 
 #include "cli/output.h"
 #include "cli/terminal.h"
@@ -125,6 +128,11 @@ EExitCode RunPlugins(const TArguments& arguments) {
   const TJSON plugins = {{"providers", DescribeAll(providers, failed)},
                          {"consumers", DescribeAll(consumers, failed)}};
   arguments.Has("json") ? WriteJSON(plugins) : WriteForPeople(plugins);
+  if (providers.empty() && consumers.empty()) {
+    PrintFailure("looking for plug-ins in " +
+                     std::filesystem::weakly_canonical(TOSSpecific::GetQDXRootPath()).string(),
+                 {kQDXStatusNotFound, "the folder has none"});
+  }
   if (!AnyUsable(providers) && !AnyUsable(consumers)) return kExitNothingCollected;
   return failed ? kExitPartlyDone : kExitDone;
 }
