@@ -140,6 +140,10 @@ TEST(CIMDateTime, IsTakenAndOrderedAsMktimeHasIt) {
       // In March of the year 0, and at New Year.
       {"UTC", -62162035200, 500000, false},
       {"UTC", 1072915200, 500000, false},
+      // In March of 2000, 1900 and 400, where the leap years of a calendar end.
+      {"UTC", 951868800, 500000, false},
+      {"UTC", -2203891200, 500000, false},
+      {"UTC", -49539254400, 500000, false},
       {"Asia/Kolkata", 19800, 2000000000, false}};
   std::mt19937 random(1);
   const auto number = [&random](int from, int to) {

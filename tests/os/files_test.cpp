@@ -116,13 +116,16 @@ TEST_F(FileCopy, OfAMissingSourceRunsOnDescriptor0) {
 TEST_F(FileCopy, OfADirectoryNeedsTheTreeOfTheDestination) {
   for (const char* name : {"a/.1", "a/sub/2", "a/sub/deep/3"}) fDir.Write(name, name);
   fs::create_symlink("none", At("a/dangling"));
+  fs::create_directory_symlink("sub", At("a/linked"));  // copied like a folder
   TOS::CreateDir(At("flat"));
   TOS::DirCopy(At("a"), At("flat/"), false);
   EXPECT_EQ(TOS::ListDir(At("flat")), std::vector<std::string>{".1"});
   EXPECT_QDX_STATUS(TOS::ListDir(At("flat/.1")), kQDXStatusFileSystemError);
   fs::create_directories(At("tree/sub/deep"));
+  fs::create_directories(At("tree/linked/deep"));
   TOS::DirCopy(At("a/"), At("tree"), true);
   EXPECT_EQ(ReadWholeFile(At("tree/sub/deep/3")), "a/sub/deep/3");
+  EXPECT_EQ(ReadWholeFile(At("tree/linked/2")), "a/sub/2");
   fs::remove(At("flat/.1"));
   EXPECT_QDX_STATUS(TOS::DirCopy(At("a"), At("flat"), true), kQDXStatusFileSystemError);
   EXPECT_QDX_STATUS(TOS::DirCopy(At("a"), At("tree"), false), kQDXStatusFileSystemError);

@@ -85,9 +85,15 @@ TEST(HostSleep, TakesMillisecondsThroughSignalsAndWraps) {
     TOSSpecific::USleep(milliseconds);
     return std::chrono::steady_clock::now() - start;
   };
-  std::signal(SIGALRM, [](int) {});
-  ::ualarm(5000, 0);
-  EXPECT_GE(measure(30), std::chrono::milliseconds(30));
+  static int signals = 0;
+  std::signal(SIGALRM, [](int) {
+    if (++signals == 300) ::ualarm(0, 0);
+  });
+  ::ualarm(10000, 10000);  // for three seconds, unless the sleep ends before
+  const auto slept = measure(30);
+  ::ualarm(0, 0);
+  EXPECT_GE(slept, std::chrono::milliseconds(30));
+  EXPECT_LT(slept, std::chrono::seconds(2)) << "slept again after each signal";
   EXPECT_LT(measure(4294968), std::chrono::minutes(1));  // 704 microseconds beyond 2^32
 }
 
