@@ -7,6 +7,8 @@
 #include "support/expect_status.h"
 #include "support/provider_suite.h"
 
+#include <limits>
+
 #include <boost/weak_ptr.hpp>
 
 namespace NVORNQDX20 {
@@ -62,6 +64,12 @@ TEST(Repository, FindsAnInstanceByExactlyItsKeys) {
     const TCIMReference reference(ns, path, {});
     EXPECT_EQ(reference.GetClass()->GetInstance(reference, {}) != nullptr, isFound) << path;
   }
+}
+
+TEST(Repository, ComparesKeysWhereTheHashesAreTheSame) {
+  const TNamespace ns = MakeFilled();
+  const double nan = std::numeric_limits<double>::quiet_NaN();  // never equal to itself
+  for (int i = 0; i < 2; ++i) EXPECT_NO_THROW(AddInstance(ns, "T_Disk", {{"Rate", nan}}));
 }
 
 TEST(Repository, AnswersTheClosestStaticValueOrTheDefault) {
