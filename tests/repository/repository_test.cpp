@@ -112,21 +112,6 @@ TEST(Repository, CanBeChangedFromWithinAnEnumeration) {
   EXPECT_EQ(made, 40U) << "one class, one instance: what is added is not seen";
 }
 
-TEST(Repository, FindsEachOfManyInstances) {
-  const TNamespace ns = MakeNamespace();
-  const auto a = AddClass(ns, "T_A", {{"Id", 0U}});
-  const auto b = ns->CreateClass("T_B", a, {});
-  b->Commit({});
-  for (unsigned int i = 0; i < 5000; ++i) AddInstance(ns, "T_B", {{"Id", i}});
-  unsigned int found = 0;
-  const auto find = [&](const boost::shared_ptr<ICIMInstance>& instance) {
-    const TCIMReference path(ns, "T_B.Id=\"" + std::to_string(found++) + "\"", {});
-    return b->GetInstance(path, {}) == instance;
-  };
-  a->EnumerateInstances(find, true, {});
-  EXPECT_EQ(found, 5000U);
-}
-
 TEST(RepositoryProvider, ServesItsNamespacesByName) {
   TRepositoryProvider provider("mine");
   const TNamespace first = MakeRepositoryNamespace("root/cimv2");
