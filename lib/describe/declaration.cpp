@@ -5,8 +5,9 @@
 #include <qdxmodel/names.h>
 #include <qdxrepository/repository.h>
 
+#include <algorithm>
 #include <cstdint>
-#include <regex>
+#include <string_view>
 
 namespace NVORNQDX20::NDescribe {
 namespace {
@@ -125,18 +126,103 @@ void DeclareProperty(ICIMNamespace& ns, const TClass& cimClass,
   throw TExplainedException(kQDXStatusInvalidClass, "class " + declaration.fName + ": " + defect);
 }
 
-/// Returns whether the text follows the grammar of a PUnit (DMTF DSP0004, annex C). The names of
-/// units are not checked: there are those of vendors, too.
-bool IsProgrammaticUnit(const std::string& text) {
-  static const std::regex grammar = [] {
-    const std::string word = "[A-Za-z_][A-Za-z_0-9]*";
-    const std::string unit = word + "( " + word + ")*( ?\\(" + word + "\\))?";
-    const std::string number = "[+-]?[1-9][0-9]*(\\.[0-9]+)?";
-    return std::regex(unit + "( *\\* *" + unit + ")*( */ *" + unit + ")*( *[*/] *" + number +
-                      ")?( *[*/] *[1-9][0-9]* *\\^ *[+-]?[1-9][0-9]*)?");
-  }();
-  return std::regex_match(text, grammar);
-}
+/// The grammar of a PUnit (DMTF DSP0004, annex C). The names of units are not checked: there are
+/// those of vendors, too. By hand, since std::regex takes longer than all tables of a provider.
+class TUnitParser {
+ public:
+  explicit TUnitParser(std::string_view text) : fRest(text) {}
+
+  /// Returns whether the text is units, units that divide them, a number, and a power.
+  bool Matches() {
+    if (!TakeUnit()) return false;
+    while (TakeFactor("*", &TUnitParser::TakeUnit)) {
+    }
+    while (TakeFactor("/", &TUnitParser::TakeUnit)) {
+    }
+    // A power begins like a number.
+    if (!TakeFactor("*/", &TUnitParser::TakePower)) {
+      TakeFactor("*/", &TUnitParser::TakeNumber);
+      TakeFactor("*/", &TUnitParser::TakePower);
+    }
+    return fRest.empty();
+  }
+
+ private:
+  using TTake = bool (TUnitParser::*)();
+
+  /// Takes nothing if there is no factor with one of these operators.
+  bool TakeFactor(std::string_view operators, TTake take) {
+    const std::string_view before = fRest;
+    TakeAll(" ");
+    const bool hasOperator = TakeOne(operators);
+    TakeAll(" ");
+    if (hasOperator && (this->*take)()) return true;
+    fRest = before;
+    return false;
+  }
+
+  /// For example "revolution", "bit per second", or "degree (celsius)".
+  bool TakeUnit() {
+    if (!TakeWord()) return false;
+    std::string_view end = fRest;
+    while (TakeOne(" ") && TakeWord()) end = fRest;
+    fRest = end;
+    TakeOne(" ");
+    if (TakeOne("(") && TakeWord() && TakeOne(")")) return true;
+    fRest = end;
+    return true;
+  }
+
+  bool TakeNumber() {
+    TakeOne("+-");
+    if (!TakeInteger()) return false;
+    const std::string_view end = fRest;
+    if (!TakeOne(".") || !TakeAll(kDigits)) fRest = end;
+    return true;
+  }
+
+  /// For example "10^3".
+  bool TakePower() {
+    if (!TakeInteger()) return false;
+    TakeAll(" ");
+    if (!TakeOne("^")) return false;
+    TakeAll(" ");
+    TakeOne("+-");
+    return TakeInteger();
+  }
+
+  bool TakeInteger() {
+    if (!TakeOne("123456789")) return false;
+    TakeAll(kDigits);
+    return true;
+  }
+
+  bool TakeWord() {
+    if (!TakeOne(kLetters)) return false;
+    while (TakeAll(kLetters) || TakeAll(kDigits)) {
+    }
+    return true;
+  }
+
+  bool TakeOne(std::string_view characters) {
+    if (fRest.empty() || characters.find(fRest.front()) == characters.npos) return false;
+    fRest.remove_prefix(1);
+    return true;
+  }
+
+  /// Returns whether there was at least one.
+  bool TakeAll(std::string_view characters) {
+    const std::size_t size = std::min(fRest.find_first_not_of(characters), fRest.size());
+    fRest.remove_prefix(size);
+    return size != 0;
+  }
+
+  static constexpr std::string_view kDigits = "0123456789";
+  static constexpr std::string_view kLetters =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz";
+
+  std::string_view fRest;
+};
 
 /// Checks a class against those before it.
 class TDeclarationCheck {
@@ -163,7 +249,7 @@ class TDeclarationCheck {
       if (!names.emplace(property.fName, true).second) {
         Refuse(declaration, "has two properties " + property.fName);
       }
-      if (!property.fUnit.empty() && !IsProgrammaticUnit(property.fUnit)) {
+      if (!property.fUnit.empty() && !TUnitParser(property.fUnit).Matches()) {
         Refuse(declaration, "the unit of " + property.fName + ", \"" + property.fUnit +
                                 "\", is no PUnit such as \"byte * 10^3\"");
       }
