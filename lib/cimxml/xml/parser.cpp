@@ -107,7 +107,8 @@ class TParser {
   }
   static void OnMarkup(void* self, const XML_Char* text, int length) {
     TParser& parser = Self(self);
-    if (parser.fIsCollectingTag) parser.fTag.append(text, static_cast<std::size_t>(length));
+    if (!parser.fIsCollectingTag) return;
+    parser.Guarded([&] { parser.fTag.append(text, static_cast<std::size_t>(length)); });
   }
 
   /// Exceptions must not pass through expat, so they are stored until it returns.
