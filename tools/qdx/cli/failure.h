@@ -6,10 +6,9 @@
 #ifndef TOOLS_QDX_CLI_FAILURE_H_
 #define TOOLS_QDX_CLI_FAILURE_H_
 
-#include <qdxcore/logger.h>
 #include <qdxcore/status.h>
+#include <qdxmodel/attempt.h>
 
-#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -17,31 +16,6 @@
 #include "exit_code.h"
 
 namespace NVORNQDX20 {
-
-/// Calls into the core or a plug-in, and returns the exception that it throws, if any. The reason
-/// is that of a TExplainedException, else the last error logged during the call, else the meaning
-/// of the status. Passes on a TCommandFailure.
-std::optional<TExplainedException> Try(const std::function<void()>& call);
-
-/// Like Try, for failures that are not reported, but leave something out: throws std::bad_alloc if
-/// memory runs out, since that says nothing about what is left out.
-std::optional<TExplainedException> TryUnlessOutOfMemory(const std::function<void()>& call);
-
-/// Keeps the last error that is logged during its lifetime.
-class TLastError {
- public:
-  /// Returns an empty text if there was none.
-  const std::string& Get() const { return fMessage; }
-
- private:
-  std::string fMessage;
-  const TLogListener fListener{ILogger::kLogError,
-                               [this](auto, const auto& message) { fMessage = message; }};
-};
-
-/// Returns the failure without "NAME: " at the start of its reason, for a line that already has the
-/// name.
-TExplainedException WithoutName(const TExplainedException& failure, const std::string& name);
 
 /// Writes the line to standard error, and with the name of the status to the log.
 void PrintFailure(const std::string& action, const TExplainedException& failure);
@@ -53,13 +27,16 @@ void PrintError(const std::string& line);
 [[noreturn]] void FailOnUsage(const std::string& mistake);
 
 /// Ends the command with this exit status.
-class TCommandFailure : public std::runtime_error {
+class TCommandFailure : public std::runtime_error, public TPassedOn {
  public:
   TCommandFailure(EExitCode code, const std::string& action, const TExplainedException& failure);
   /// Prints nothing: the reason has been printed already, or the reader of the output has gone.
   explicit TCommandFailure(EExitCode code) : std::runtime_error(""), fExitCode(code) {}
 
   EExitCode GetExitCode() const { return fExitCode; }
+  const std::string& GetAction() const { return fAction; }
+  /// None if it prints nothing, or for a mistake in the usage.
+  const std::optional<TExplainedException>& GetFailure() const { return fFailure; }
   /// Does what PrintFailure does.
   void Print() const;
 
@@ -69,7 +46,8 @@ class TCommandFailure : public std::runtime_error {
       : std::runtime_error(line), fExitCode(code) {}
 
   EExitCode fExitCode;
-  std::optional<EQDXStatusCode> fStatus;
+  std::string fAction;
+  std::optional<TExplainedException> fFailure;
 };
 
 }  // namespace NVORNQDX20
