@@ -5,6 +5,7 @@
 #include <qdxmodel/classes.h>
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "schema_writer.h"
@@ -116,6 +117,7 @@ void WriteInstances(TXMLWriter& xml, TValueWriter& values, const ICIMClass& cimC
 
 struct TDocumentWriter::TParts {
   explicit TParts(const std::string& file) : fOutput(file) {}
+  TParts(TDescriptor file, const std::string& name) : fOutput(std::move(file), name) {}
 
   TOutput fOutput;
   TXMLWriter fXML{fOutput};
@@ -123,18 +125,29 @@ struct TDocumentWriter::TParts {
 };
 
 TDocumentWriter::TDocumentWriter(const std::string& file) : fParts(std::make_unique<TParts>(file)) {
-  fParts->fXML.Markup("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n")
-      .Markup("<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.4\">\n<DECLARATION>\n");
+  Begin();
+}
+
+TDocumentWriter::TDocumentWriter(TDescriptor file, const std::string& name)
+    : fParts(std::make_unique<TParts>(std::move(file), name)) {
+  Begin();
 }
 
 TDocumentWriter::~TDocumentWriter() = default;
 
-void TDocumentWriter::AddNamespace(const ICIMNamespace& ns) {
+void TDocumentWriter::Begin() {
+  fParts->fXML.Markup("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n")
+      .Markup("<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.4\">\n<DECLARATION>\n");
+}
+
+void TDocumentWriter::AddNamespace(const ICIMNamespace& ns) { AddNamespace(ns, ns.GetName({})); }
+
+void TDocumentWriter::AddNamespace(const ICIMNamespace& ns, const std::string& name) {
   TXMLWriter& xml = fParts->fXML;
   TValueWriter values(xml, ns, fParts->fLeftOut);
   TSchemaWriter schema(xml, values);
   xml.Markup("<DECLGROUP.WITHNAME>");
-  values.NamespacePath(ns.GetName({}));
+  values.NamespacePath(name);
   xml.Markup("\n");
   for (const auto& decl : SortedQualifierDecls(ns)) schema.QualifierDecl(*decl);
   const TClasses classes = SortedClasses(ns);

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <utility>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -70,6 +71,11 @@ TOutput::TOutput(const std::string& file)
     : fFile(file),
       fCompressor(EndsWith(file, ".gz") ? std::make_unique<TCompressor>() : nullptr),
       fDescriptor(OpenForWriting(file)) {
+  Require(fDescriptor.IsOpen());
+}
+
+TOutput::TOutput(TDescriptor file, const std::string& name)
+    : fFile(name), fDescriptor(std::move(file)) {
   Require(fDescriptor.IsOpen());
 }
 

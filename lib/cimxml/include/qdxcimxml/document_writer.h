@@ -4,6 +4,7 @@
 #define QDXCIMXML_DOCUMENT_WRITER_H_
 
 #include <qdxcore/interfaces.h>
+#include <qdxsystem/descriptor.h>
 
 #include <memory>
 #include <string>
@@ -20,10 +21,14 @@ class TDocumentWriter {
   /// truncated and keeps its mode; a new one gets mode 0600. A name that ends in ".gz" gives a gzip
   /// file.
   explicit TDocumentWriter(const std::string& file);
+  /// Writes from the current position of an open file; `name` is used in messages.
+  TDocumentWriter(TDescriptor file, const std::string& name);
   /// Leaves an incomplete file unless Close() was called.
   ~TDocumentWriter();
 
   void AddNamespace(const ICIMNamespace& ns);
+  /// The same under another name than its own.
+  void AddNamespace(const ICIMNamespace& ns, const std::string& name);
   /// Completes the document and closes the file. Warns about replaced characters and about values
   /// that were left out.
   void Close();
@@ -32,6 +37,8 @@ class TDocumentWriter {
 
  private:
   struct TParts;
+
+  void Begin();
 
   const std::unique_ptr<TParts> fParts;
 };
