@@ -17,6 +17,16 @@ bool MoveAboveStandardStreams(TDescriptor& end) {
   return end.IsOpen();
 }
 
+/// Returns a descriptor that cannot be written, and that children inherit. Without /dev/null, as in
+/// a bare chroot, an empty pipe.
+TDescriptor OpenNothing() {
+  TDescriptor null(::open("/dev/null", O_RDONLY));
+  if (null.IsOpen()) return null;
+  int ends[2] = {-1, -1};
+  if (::pipe(ends) == 0) ::close(ends[1]);
+  return TDescriptor(ends[0]);
+}
+
 }  // namespace
 
 TDescriptor::TDescriptor(int number) : fNumber(number), fError(number < 0 ? errno : 0) {}
@@ -49,6 +59,15 @@ TPipe OpenPipe() {
     return {};
   }
   return pipe;
+}
+
+void OccupyStandardDescriptors() {
+  int number = STDIN_FILENO;
+  while (number >= 0 && number <= STDERR_FILENO) {
+    TDescriptor file = OpenNothing();
+    number = file.Get();
+    if (number <= STDERR_FILENO) (void)file.Release();
+  }
 }
 
 }  // namespace NVORNQDX20

@@ -21,20 +21,15 @@ TEST(QDXBadPlugins, AreRefusedBeforeTheyCanDoHarm) {
   // The header of the segment with the notes, a number 4 and flags 4; 34 is in its size.
   const std::size_t notes = good.substr(0, 1000).rfind(std::string("\4\0\0\0\4\0\0\0", 8));
   const std::string flags = "; 'pkg-config --cflags qdxcore' prints the flags that it needs";
-  const std::string tried = "it was tried in a process of its own and ended that with ";
   const std::vector<std::vector<std::string>> files = {
       // service, contents, why
       {"annotated", changed(notes + 34, 32), "it has more than 1048576 bytes of notes"},
       {"cut", good.substr(0, 5000), "it is cut off"},
       {"debug", ReadWholeFile(TESTS "debug_provider.so"), "it was built with _GLIBCXX_DEBUG"},
       {"empty", "", "it is cut off"},
-      {"ending", ReadWholeFile(TESTS "ending_provider.so"), tried + "status 0"},
       {"future", ReadWholeFile(TESTS "future_provider.so"),
        "it was built against version 7.1.0 of the interfaces, another major version "
        "than " QDXCORE_VERSION "; build it again with the headers that are installed"},
-      {"hasty", ReadWholeFile(TESTS "hasty_provider.so"),
-       tried + "signal ABRT: terminate called after throwing an instance of 'int'"},
-      {"killed", ReadWholeFile(TESTS "killed_provider.so"), tried + "signal 40"},
       {"mips", changed(18, 8), "it is built for another kind of machine"},
       {"segmented", changed(57, 2), "it has more than 256 segments"},
       {"text", "no more than text", "it is not a library"},
@@ -99,32 +94,16 @@ TEST(QDXBadPlugins, MayFailOnceTheyAreLoaded) {
   }
 }
 
-TEST(QDXBadPlugins, AreRefusedByNameAsWell) {
+TEST(QDXBadPlugins, DoNotMatterUnlessTheyAreNamed) {
   const TInstallation installation;
   const std::string reader = (installation.Folder() / "libcimxml.nsp.so").string();
   installation.AddBrokenPlugin("libcimxml.nsp.so",
                                ReadWholeFile(TESTS "test_provider.so").substr(0, 5000));
-  const TProgramRun show = installation.Run({"show", "/proc/self/exe"});
-  EXPECT_EQ(show.fErrors, "qdx: loading provider " + reader + ": it is cut off\n");
-  EXPECT_EQ(show.fExitCode, 5);
   installation.AddLinuxProvider();
   EXPECT_EQ(installation.Run({"show", "--provider", "linux", "--depth", "0"}).fErrors, "");
   const TProgramRun none = installation.Run({"show", "--provider", "cimxml"});
   EXPECT_PRED_FORMAT2(IsSubstring, reader + ": it is cut off\nqdx: looking for", none.fErrors);
   EXPECT_EQ(none.fExitCode, 4);
-  installation.AddPlugin(TESTS "ending_provider.so", "libx.nsc.so");
-  const TProgramRun collect = installation.Run({"collect", "--consumer", "x", "-o", "/dev/null"});
-  const std::string ended = "libx.nsc.so: it was tried in a process of its own and ended that ";
-  EXPECT_PRED_FORMAT2(IsSubstring, ended, collect.fErrors);
-  EXPECT_EQ(collect.fExitCode, 4);
-}
-
-TEST(QDXBadPlugins, AreNamedWhenTheyCrash) {
-  const TInstallation installation;
-  installation.AddPlugin(TESTS "crashing_provider.so", "liba.nsp.so");
-  const TProgramRun run = installation.Run({"identity"});
-  EXPECT_EQ(run.fErrors, "qdx: opening root/cimv2 of provider bad: it crashed (ABRT)\n");
-  EXPECT_EQ(run.fExitCode, -SIGABRT);
 }
 
 }  // namespace

@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // A provider whose namespace cannot be had, and whose names would steer a terminal. With NAME_CALLS
-// it tells its name so often, and throws whatever else it is asked, or crashes if it is 9; with
-// AT_ONCE it does not get so far.
+// it tells its name so often, and throws whatever else it is asked.
 #include <qdxcore/logger.h>
 #include <qdxcore/registry.h>
-
-#include <csignal>
-#include <cstdlib>
 
 using namespace NVORNQDX20;
 
@@ -19,7 +15,6 @@ class TBadProvider : public INamespaceProvider {
   }
 
   boost::shared_ptr<ICIMNamespace> GetNamespace(const std::string&, TOptionsMap) override {
-    if (NAME_CALLS == 9) std::abort();
     LogErrorAndThrow(kQDXStatusAccessDenied, {"the table is locked"});
   }
 
@@ -32,10 +27,6 @@ class TBadProvider : public INamespaceProvider {
   mutable int fAsked = 0;
 };
 
-#if defined(AT_ONCE)
-[[maybe_unused]] const bool kRegistered = (AT_ONCE, true);
-#else
 [[maybe_unused]] const bool kRegistered = RegisterProvider<TBadProvider>();
-#endif
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <qdxcore/config.h>
 #include <qdxcore/logger.h>
 #include <qdxcore/registry.h>
+#include <qdxsystem/descriptor.h>
 
 #include <algorithm>
 #include <csignal>
@@ -16,8 +17,6 @@
 #include "cli/log_file.h"
 #include "cli/out_of_memory.h"
 #include "cli/output.h"
-#include "plugin_host/crash_note.h"
-#include "plugin_host/surroundings.h"
 #include "verbs/verbs.h"
 
 namespace NVORNQDX20 {
@@ -125,8 +124,5 @@ int main(int argc, char** argv) {
   // A closed pipe and the file size limit shall be failed writes, not end the process.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
-  ReportCrashes();
-  const EExitCode code = RunWithLog({argv + (argc > 0 ? 1 : 0), argv + argc});
-  ReportNoEnd();
-  return code;
+  return RunWithLog({argv + (argc > 0 ? 1 : 0), argv + argc});
 }

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "output.h"
 
+#include <qdxsystem/descriptor.h>
 #include <qdxsystem/error_text.h>
 #include <qdxsystem/write.h>
 
 #include <cerrno>
 
+#include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
 
@@ -27,6 +29,36 @@ namespace {
 
 void WriteOutput(const std::string& text) {
   if (!WriteAll(STDOUT_FILENO, text)) FailToWrite(errno);
+}
+
+void CopyToOutput(int file) {
+  char block[65536];
+  off_t position = 0;
+  ssize_t size = 0;
+  while ((size = ::pread(file, block, sizeof block, position)) > 0) {
+    WriteOutput({block, static_cast<std::size_t>(size)});
+    position += size;
+  }
+  if (size < 0) FailToWrite(errno);
+}
+
+void CopyToFile(const std::string& from, const std::string& to) {
+  const auto require = [&to](bool isDone) {
+    if (isDone) return;
+    throw TCommandFailure(kExitBadInput, "writing document " + to,
+                          {kQDXStatusFileSystemError, ErrorText(errno)});
+  };
+  const TDescriptor source(::open(from.c_str(), O_RDONLY | O_CLOEXEC));
+  require(source.IsOpen());
+  TDescriptor target(::open(to.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC));
+  require(target.IsOpen());
+  char block[65536];
+  ssize_t size = 0;
+  while ((size = ::read(source.Get(), block, sizeof block)) > 0) {
+    require(WriteAll(target.Get(), {block, static_cast<std::size_t>(size)}));
+  }
+  require(size == 0);
+  require(target.Close());
 }
 
 void WriteFileName(const std::string& file) {

@@ -13,6 +13,13 @@ namespace NVORNQDX20 {
 /// pipe has gone.
 void WriteOutput(const std::string& text);
 
+/// Writes a whole file, from its start, to standard output. Throws what WriteOutput() throws.
+void CopyToOutput(int file);
+
+/// Writes a whole file into another one, which is not truncated: a device or a pipe. Throws a
+/// TCommandFailure on failure.
+void CopyToFile(const std::string& from, const std::string& to);
+
 /// Writes the name of a file as a line: sanitised on a terminal, else unchanged.
 void WriteFileName(const std::string& file);
 

@@ -1,21 +1,29 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Shows progress on a terminal while a namespace is copied.
+/// Shows progress on a terminal.
 #ifndef TOOLS_QDX_CLI_PROGRESS_H_
 #define TOOLS_QDX_CLI_PROGRESS_H_
 
-#include <qdxcore/interfaces.h>
-
+#include <cstddef>
 #include <string>
-
-#include <boost/shared_ptr.hpp>
 
 namespace NVORNQDX20 {
 
-/// Returns a namespace that passes everything on to `target`, and before each new class shows
-/// `label` and the number of classes and instances so far, in one line of standard error, which its
-/// destructor clears. Returns `target` itself if standard error is not a terminal.
-boost::shared_ptr<ICIMNamespace> WithProgress(const boost::shared_ptr<ICIMNamespace>& target,
-                                              const std::string& label);
+/// One line of standard error that is overwritten, if it is a terminal. The destructor clears it,
+/// with blanks, which works on every terminal.
+class TProgressLine {
+ public:
+  TProgressLine();
+  ~TProgressLine();
+  TProgressLine(const TProgressLine&) = delete;
+  TProgressLine& operator=(const TProgressLine&) = delete;
+
+  /// Cuts the text off before the last column: a wrapped line cannot be overwritten.
+  void Show(const std::string& text);
+
+ private:
+  const bool fIsTerminal;
+  std::size_t fWidth = 0;
+};
 
 }  // namespace NVORNQDX20
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The verb collect.
 #include <qdxcore/config.h>
-#include <qdxcore/copy.h>
 #include <qdxcore/logger.h>
 #include <qdxcore/os_specific.h>
 #include <qdxcore/schema_helper.h>
@@ -21,12 +20,11 @@
 
 #include "cli/new_file.h"
 #include "cli/output.h"
-#include "cli/progress.h"
 #include "completeness.h"
-#include "plugin_host/document.h"
-#include "plugin_host/libraries.h"
-#include "plugin_host/provider_query.h"
+#include "document.h"
+#include "machine.h"
 #include "verbs.h"
+#include "worker_options.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -42,6 +40,8 @@ bool IsNamed(const ICIMNamespace& ns, const std::string& name) {
   return NModel::EqualIgnoringCase(ns.GetName({}), name);
 }
 
+bool IsRecord(const TMachineNamespace& ns) { return IsNamed(*ns.fNamespace, kRecordNamespaceName); }
+
 bool IsEmpty(const ICIMNamespace& ns) {
   bool empty = true;
   const auto visit = [&empty](const boost::shared_ptr<ICIMClass>&) {
@@ -52,34 +52,30 @@ bool IsEmpty(const ICIMNamespace& ns) {
   return empty;
 }
 
-using TCopies = std::vector<TMachineNamespace>;
+using TNamespaceList = std::vector<TMachineNamespace>;
 
-/// Keeps what was copied before a failure.
-TCopies CopyNamespaces(TProviderQuery& machine) {
-  TCopies copies;
-  machine.VisitNamespaces("copying", [&copies](const TOrigin& origin, const auto& ns) {
-    const auto copy = MakeRepositoryNamespace(origin.fNamespace);
-    if (IsNamed(*copy, kRecordNamespaceName)) {
-      throw TExplainedException(kQDXStatusAlreadyExists,
-                                "the record of the collection has this name");
-    }
-    copies.push_back({origin, copy});
-    const std::string label = "collecting " + origin.fProvider + " " + origin.fNamespace;
-    TCIMCopy::CopyClasses(ns, WithProgress(copy, label));
-  });
-  const auto begin = copies.begin();
-  const auto isEmpty = [](const TMachineNamespace& copy) { return IsEmpty(*copy.fNamespace); };
-  copies.erase(std::remove_if(begin, copies.end(), isEmpty), copies.end());
-  return copies;
+TNamespaceList TakeNamespaces(TMachine& machine) {
+  TNamespaceList all = machine.TakeAll();
+  for (const TMachineNamespace& ns : all) {
+    if (!IsRecord(ns)) continue;
+    machine.AddFailure({ns.fOrigin,
+                        "collecting",
+                        {kQDXStatusAlreadyExists, "the record of the collection has this name"}});
+  }
+  const auto isLeftOut = [](const TMachineNamespace& ns) {
+    return IsRecord(ns) || IsEmpty(*ns.fNamespace);
+  };
+  all.erase(std::remove_if(all.begin(), all.end(), isLeftOut), all.end());
+  return all;
 }
 
 /// Returns the host name of the collected machine. Empty if unknown: the name of the machine that
 /// runs this command would be wrong below another root folder.
-std::string HostName(const TCopies& copies, const std::string& root) {
+std::string HostName(const TNamespaceList& namespaces, const std::string& root) {
   std::string name;
-  for (const TMachineNamespace& copy : copies) {
-    if (!IsNamed(*copy.fNamespace, kMachineNamespace)) continue;
-    (void)TryUnlessOutOfMemory([&] { name = TCIMSchemaHelper::GetSystemName(copy.fNamespace); });
+  for (const TMachineNamespace& ns : namespaces) {
+    if (!IsNamed(*ns.fNamespace, kMachineNamespace)) continue;
+    (void)TryUnlessOutOfMemory([&] { name = TCIMSchemaHelper::GetSystemName(ns.fNamespace); });
   }
   if (name.empty() && root == "/") {
     (void)TryUnlessOutOfMemory([&] { name = TOSSpecific::GetMachineName(); });
@@ -89,7 +85,7 @@ std::string HostName(const TCopies& copies, const std::string& root) {
 
 /// What the record of a collection is made from.
 struct TRecordSource {
-  const TProviderQuery& fMachine;
+  const TMachine& fMachine;
   std::string fHostName;  ///< Empty if unknown.
 };
 
@@ -132,10 +128,23 @@ TTable<TProviderFailure, TRecordSource> FailureTable() {
             [](const TProviderFailure& failure) { return failure.fFailure.GetReason(); }}}};
 }
 
-boost::shared_ptr<ICIMNamespace> MakeCollectionRecord(const TProviderQuery& machine,
+TTable<NPluginHost::TAskedProvider, TRecordSource> ProviderTable() {
+  using NPluginHost::TAskedProvider;
+  return {"VORNSG_CollectionProvider",
+          "A provider that was asked.",
+          [](const TRecordSource& from) { return from.fMachine.GetProviders(); },
+          {{"Name", "The provider.", &TAskedProvider::fName, kKey},
+           {"Duration", "How long it took to deliver.",
+            [](const TAskedProvider& provider) {
+              return static_cast<std::uint64_t>(provider.fTime.count());
+            },
+            TUnit{"second * 10^-6"}, kVolatile}}};
+}
+
+boost::shared_ptr<ICIMNamespace> MakeCollectionRecord(const TMachine& machine,
                                                       const std::string& hostName) {
   return NDescribe::Describe<TRecordSource>(TDescriber("qdx", kRecordNamespaceName),
-                                            {CollectionTable(), FailureTable()},
+                                            {CollectionTable(), ProviderTable(), FailureTable()},
                                             {machine, hostName});
 }
 
@@ -166,7 +175,7 @@ bool IsNotReplaceable(const std::string& path) {
   return fs::exists(status) && !fs::is_regular_file(status);
 }
 
-[[noreturn]] void FailToCollect(const TProviderQuery& machine, const std::string& reason) {
+[[noreturn]] void FailToCollect(const TMachine& machine, const std::string& reason) {
   throw TCommandFailure(kExitNothingCollected, "collecting the machine below " + machine.GetRoot(),
                         {kQDXStatusNotFound, reason});
 }
@@ -174,14 +183,14 @@ bool IsNotReplaceable(const std::string& path) {
 /// Collects namespaces and writes the document.
 class TCollection {
  public:
-  TCollection(TProviderQuery& machine, TPluginWriter& writer)
+  TCollection(TMachine& machine, TPluginWriter& writer)
       : fMachine(machine),
         fWriter(writer),
-        fCopies(CopyNamespaces(machine)),
-        fHostName(HostName(fCopies, machine.GetRoot())) {
-    if (fCopies.empty()) FailToCollect(machine, "no provider has data");
-    const auto lacksAll = [](const auto& copy) { return LacksAllValues(*copy.fNamespace); };
-    if (std::all_of(fCopies.begin(), fCopies.end(), lacksAll)) {
+        fNamespaces(TakeNamespaces(machine)),
+        fHostName(HostName(fNamespaces, machine.GetRoot())) {
+    if (fNamespaces.empty()) FailToCollect(machine, "no provider has data");
+    const auto lacksAll = [](const auto& ns) { return LacksAllValues(*ns.fNamespace); };
+    if (std::all_of(fNamespaces.begin(), fNamespaces.end(), lacksAll)) {
       FailToCollect(machine, "all values are missing; 'qdx show' gives the reasons");
     }
   }
@@ -191,7 +200,7 @@ class TCollection {
     const std::string name = DefaultName(fHostName);
     std::string file = name + kDefaultSuffix;
     TNewFile newFile(".", kDefaultSuffix, file);
-    Write(newFile, file);
+    Write(newFile.GetPath(), file);
     for (int number = 2; !newFile.PublishIfNew(file); ++number) {
       file = name + "-" + std::to_string(number) + kDefaultSuffix;
     }
@@ -199,14 +208,17 @@ class TCollection {
   }
 
   void WriteTo(const std::string& file) {
-    if (file == "-") return WriteDirectly(file, "standard output");
-    if (IsNotReplaceable(file)) return WriteDirectly(file, file);
-    const fs::path path = fs::absolute(FileToReplace(file));
+    if (file == "-") {
+      Write(file, "standard output");
+      return CopyToOutput(fWriter.GetOutput());
+    }
     // Consumers may select the format by the suffix.
-    const std::size_t suffix = std::min(file.rfind('.'), file.size());
-    TNewFile newFile(path.parent_path().string(),
-                     file.find('/', suffix) == std::string::npos ? file.substr(suffix) : "", file);
-    Write(newFile, file);
+    const std::size_t dot = std::min(file.rfind('.'), file.size());
+    const std::string suffix = file.find('/', dot) == std::string::npos ? file.substr(dot) : "";
+    if (IsNotReplaceable(file)) return WriteInto(file, suffix);
+    const fs::path path = fs::absolute(FileToReplace(file));
+    TNewFile newFile(path.parent_path().string(), suffix, file);
+    Write(newFile.GetPath(), file);
     newFile.Publish(path.string());
     WriteFileName(file);
   }
@@ -215,44 +227,45 @@ class TCollection {
   static constexpr const char* kDefaultSuffix = ".xml.gz";
 
   /// The record has no provider as its origin.
-  TCopies CopiesAndRecord() const {
-    TCopies copies = fCopies;
-    copies.push_back({{}, MakeCollectionRecord(fMachine, fHostName)});
-    return copies;
+  TNamespaceList NamespacesAndRecord() const {
+    TNamespaceList all = fNamespaces;
+    all.push_back({{}, MakeCollectionRecord(fMachine, fHostName)});
+    return all;
   }
 
   /// Leaves out a namespace that the consumer refuses, and starts the document again.
-  void Write(const TNewFile& newFile, const std::string& shownAs) {
-    while (const auto refusal = fWriter.Write(CopiesAndRecord(), newFile.GetPath(), shownAs)) {
+  void Write(const std::string& file, const std::string& shownAs) {
+    while (const auto refusal = fWriter.Write(NamespacesAndRecord(), file, shownAs)) {
       LeaveOut(*refusal, shownAs);
-      if (fCopies.empty()) FailToCollect(fMachine, "the consumer refuses every namespace");
-      fs::resize_file(newFile.GetPath(), 0);
+      if (fNamespaces.empty()) FailToCollect(fMachine, "the consumer refuses every namespace");
+      if (file != "-") fs::resize_file(file, 0);
     }
   }
 
-  /// For outputs that cannot be rewritten: a refused namespace ends the command.
-  void WriteDirectly(const std::string& file, const std::string& shownAs) {
-    const auto refusal = fWriter.Write(CopiesAndRecord(), file, shownAs);
-    if (!refusal) return;
-    LeaveOut(*refusal, shownAs);
-    throw TCommandFailure(kExitBadInput);
+  /// For devices and pipes, which a file cannot replace: they get what is complete.
+  void WriteInto(const std::string& file, const std::string& suffix) {
+    std::error_code error;
+    const fs::path folder = fs::temp_directory_path(error);
+    const TNewFile newFile(error ? "/tmp" : folder.string(), suffix, file);
+    Write(newFile.GetPath(), file);
+    CopyToFile(newFile.GetPath(), file);
   }
 
   void LeaveOut(const TProviderFailure& refusal, const std::string& shownAs) {
     const std::string& name = refusal.fOrigin.fNamespace;
-    const auto refused = std::find_if(fCopies.begin(), fCopies.end(), [&](const auto& copy) {
-      return copy.fOrigin.fNamespace == name;
+    const auto refused = std::find_if(fNamespaces.begin(), fNamespaces.end(), [&](const auto& ns) {
+      return ns.fOrigin.fNamespace == name;
     });
-    if (refused == fCopies.end()) {  // the record
+    if (refused == fNamespaces.end()) {  // the record
       throw TCommandFailure(kExitBadInput, "writing document " + shownAs, refusal.fFailure);
     }
     fMachine.AddFailure(refusal);
-    fCopies.erase(refused);
+    fNamespaces.erase(refused);
   }
 
-  TProviderQuery& fMachine;
+  TMachine& fMachine;
   TPluginWriter& fWriter;
-  TCopies fCopies;
+  TNamespaceList fNamespaces;
   const std::string fHostName;
 };
 
@@ -261,19 +274,19 @@ EExitCode RunCollect(const TArguments& arguments) {
   if (consumer != TPluginWriter::kDefaultConsumer && !arguments.Has("output")) {
     FailOnUsage("option '--consumer' needs option '--output'");
   }
-  TProviderQuery machine(arguments);
-  TPluginWriter writer(consumer);
+  TMachine machine(arguments);
+  TPluginWriter writer(consumer, LimitsOf(arguments));
   TCollection collection(machine, writer);
   arguments.Has("output") ? collection.WriteTo(arguments.Get("output", ""))
                           : collection.WriteByDefaultName();
-  return machine.GetFailures().empty() && !writer.HasWarned() ? kExitDone : kExitPartlyDone;
+  return machine.IsComplete() && !writer.HasWarned() ? kExitDone : kExitPartlyDone;
 }
 
 std::vector<TOptionSpec> CollectOptions() {
   std::vector<TOptionSpec> options = {
       {"output", "FILE", "Write this file; '-' is standard output.", 'o'},
       {"consumer", "NAME", "Write with this consumer plug-in instead of a CIM-XML document."}};
-  const auto machine = TProviderQuery::Options();
+  const auto machine = TMachine::Options();
   options.insert(options.end(), machine.begin(), machine.end());
   return options;
 }

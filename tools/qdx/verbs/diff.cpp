@@ -7,7 +7,7 @@
 #include "cli/output.h"
 #include "cli/terminal.h"
 #include "completeness.h"
-#include "plugin_host/document.h"
+#include "document.h"
 #include "verbs.h"
 
 namespace NVORNQDX20 {

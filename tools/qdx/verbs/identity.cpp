@@ -2,17 +2,15 @@
 // The verb identity.
 #include <qdxcore/schema_helper.h>
 #include <qdxdescribe/missing_values.h>
-#include <qdxmodel/options.h>
 
 #include <algorithm>
 
 #include <qdxsnapshot/value_json.h>
 #include "cli/output.h"
 #include "cli/terminal.h"
-#include "plugin_host/crash_note.h"
-#include "plugin_host/libraries.h"
-#include "plugin_host/provider_query.h"
+#include "machine.h"
 #include "verbs.h"
+#include "worker_options.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -74,16 +72,14 @@ std::vector<TItem> Items() {
 }
 
 /// Only these classes, since describing the whole machine takes much longer.
-TOptionsMap OptionsFor(const std::string& root, const std::vector<TItem>& items) {
-  std::vector<TCIMValue> classes;
+std::vector<std::string> ClassesOf(const std::vector<TItem>& items) {
+  std::vector<std::string> classes;
   classes.reserve(items.size());
-  for (const TItem& item : items) classes.emplace_back(item.fClass);
-  return {{NModel::kRootOption, TCIMValue(root)},
-          {NModel::kClassesOption, TCIMValue(TCIMValue::TCIMType::kCIMTypeString, 0, classes)}};
+  for (const TItem& item : items) classes.push_back(item.fClass);
+  return classes;
 }
 
 TAnswer Ask(const TItem& item, TNamespace ns, const NDescribe::TMissingReasons& reasons) {
-  const TCrashNote note(std::string("asking for ") + item.fLabel);
   TJSON value;
   auto failure = TryUnlessOutOfMemory([&] { value = item.fQuery(ns); });
   if (failure && failure->GetStatusCode() == kQDXStatusInvalidFormat &&
@@ -135,12 +131,15 @@ EExitCode FailToDescribe(const std::string& root, const std::string& why) {
 }
 
 EExitCode RunIdentity(const TArguments& arguments) {
-  const std::string root = RootFolder(arguments);
-  bool failed = AnyFailed(LoadProviderLibraries());
+  TMachine machine(arguments);
+  const std::string& root = machine.GetRoot();
   const std::vector<TItem> items = Items();
-  const TNamespace ns = FindMachineNamespace(OptionsFor(root, items), failed);
+  const TNamespace ns = machine.TakeMachineNamespace(ClassesOf(items));
   if (!ns) {
-    return FailToDescribe(root, std::string("no provider has ") + kMachineNamespace + kListPlugins);
+    // The lines about failed providers are the reason.
+    if (!machine.GetFailures().empty()) return kExitNothingCollected;
+    return FailToDescribe(
+        root, std::string("no provider has ") + kMachineNamespace + NPluginHost::kListPlugins);
   }
 
   const NDescribe::TMissingReasons reasons = NDescribe::ReadMissingReasons(*ns);
@@ -151,19 +150,24 @@ EExitCode RunIdentity(const TArguments& arguments) {
   if (std::none_of(answers.begin(), answers.end(), DescribesMachine)) {
     return FailToDescribe(root, "all values are missing");
   }
-  return failed ? kExitPartlyDone : kExitDone;
+  return machine.IsComplete() ? kExitDone : kExitPartlyDone;
+}
+
+std::vector<TOptionSpec> IdentityOptions() {
+  std::vector<TOptionSpec> options = WorkerOptions();
+  options.insert(options.begin(), kRootFolderOption);
+  options.push_back({"json", nullptr, "Print one JSON object; missing values are null."});
+  return options;
 }
 
 }  // namespace
 
 TVerb IdentityVerb() {
-  return {"identity",
-          "Shows the identity of this machine.",
+  return {"identity", "Shows the identity of this machine.",
           "The data comes from the first provider plug-in that has the namespace root/cimv2. A\n"
           "missing value is shown as '-', with the reason. A serial number that is not seven\n"
           "letters or digits is shown unchanged, with a note.\n",
-          {kRootFolderOption, {"json", nullptr, "Print one JSON object; missing values are null."}},
-          RunIdentity};
+          IdentityOptions(), RunIdentity};
 }
 
 }  // namespace NVORNQDX20

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <csignal>
 #include <map>
 #include <optional>
 
@@ -13,8 +14,9 @@
 
 #include "cli/output.h"
 #include "cli/terminal.h"
-#include "plugin_host/libraries.h"
+#include "machine.h"
 #include "verbs.h"
+#include "worker_options.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -140,15 +142,17 @@ void Write(const TMedia& media, bool asJSON) {
 }
 
 EExitCode RunMedia(const TArguments& arguments) {
-  bool failed = AnyFailed(LoadProviderLibraries());
-  const auto ns = FindMachineNamespace({}, failed);
+  TMachine machine(arguments);
+  const auto ns = machine.TakeMachineNamespace({});
   if (!ns)
-    return FailToList(kMachineNamespace,
-                      {kQDXStatusNotFound, std::string("no provider has it") + kListPlugins});
+    return FailToList(kMachineNamespace, {kQDXStatusNotFound, std::string("no provider has it") +
+                                                                  NPluginHost::kListPlugins});
   if (!TOSSpecific::FileExists(kUSBDeviceList)) {
     return FailToList(kUSBDeviceList,
                       {kQDXStatusFileNotFound, "this kernel has no list of its USB devices"});
   }
+  std::signal(SIGPIPE, SIG_DFL);  // in the shells that the core starts
+  bool failed = !machine.IsComplete();
   TMedia media;
   const auto failure = Try([&] {
     const TSafeDisks disks(*ns);
@@ -160,18 +164,22 @@ EExitCode RunMedia(const TArguments& arguments) {
   return failed ? kExitPartlyDone : kExitDone;
 }
 
+std::vector<TOptionSpec> MediaOptions() {
+  std::vector<TOptionSpec> options = WorkerOptions();
+  options.push_back({"json", nullptr, "Print one JSON object."});
+  return options;
+}
+
 }  // namespace
 
 TVerb MediaVerb() {
   return {
-      "media",
-      "Lists removable media that results can be written to; mounts a floppy.",
+      "media", "Lists removable media that results can be written to; mounts a floppy.",
       "USB storage devices are the providers' SCSI devices whose product is listed in\n"
       "/proc/bus/usb/devices; current kernels have no such file, which is an error. A floppy\n"
       "is found by mounting it at /mnt/floppy, which is created if necessary; it stays mounted.\n"
       "Anything that is mounted there already is listed as /dev/floppy. Needs root.\n",
-      {{"json", nullptr, "Print one JSON object."}},
-      RunMedia};
+      MediaOptions(), RunMedia};
 }
 
 }  // namespace NVORNQDX20

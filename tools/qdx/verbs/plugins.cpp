@@ -1,79 +1,63 @@
 // SPDX-License-Identifier: Apache-2.0
 // The verb plugins.
-#include <qdxcore/os_specific.h>
-#include <qdxsnapshot/value_json.h>
+#include <qdxplugin_host/consumer_host.h>
 
-#include <filesystem>
+#include <algorithm>
+#include <optional>
+
+#include <qdxsnapshot/value_json.h>
 
 #include "cli/output.h"
 #include "cli/terminal.h"
-#include "plugin_host/crash_note.h"
-#include "plugin_host/libraries.h"
+#include "machine.h"
 #include "verbs.h"
+#include "worker_options.h"
 
 namespace NVORNQDX20 {
 namespace {
+
+using namespace NPluginHost;
 
 void AddFailure(const TExplainedException& failure, TJSON& description) {
   description["failure"] = failure.GetReason();
   description["status"] = failure.what();
 }
 
-/// A library that fails here can still be useful, but its row shows the failure.
-bool Ask(const std::string& action, TJSON& description, const std::function<void()>& call) {
-  const TCrashNote note(action);
-  const auto failure = Try(call);
-  if (failure && failure->GetStatusCode() != kQDXStatusNotImplemented) {
-    AddFailure(*failure, description);
-    PrintFailure(action, *failure);
-  }
-  return !failure;
-}
-
-/// Returns an array of names; null if the provider does not list its namespaces.
-TJSON NamespacesOf(INamespaceProvider& provider, TJSON& description) {
-  TJSON names = TJSON::array();
-  const bool isListed =
-      Ask("listing the namespaces of provider " + NameOf(provider), description, [&] {
-        provider.EnumerateNamespaceNames(
-            [&names](const std::string& name) {
-              names.push_back(name);
-              return true;
-            },
-            {});
-      });
-  return isListed ? names : TJSON();
-}
-
-TJSON Describe(const TLibrary& library) {
-  TJSON description = {{"service", library.fService},
-                       {"file", library.fFile},
+TJSON Describe(const TPluginFile& plugin, const std::optional<TExplainedException>& failure) {
+  TJSON description = {{"service", plugin.fService},
+                       {"file", plugin.fPath},
                        {"failure", nullptr},
                        {"status", nullptr}};
-  if (library.fFailure) AddFailure(*library.fFailure, description);
+  if (failure) AddFailure(*failure, description);
   return description;
 }
 
-TJSON Describe(const TProviderLibrary& library) {
-  TJSON description = Describe(static_cast<const TLibrary&>(library));
+TJSON Describe(const TAskedLibrary& library) {
+  TJSON description = Describe(library.fPlugin, library.fLoadFailure);
   TJSON providers = TJSON::array();
-  for (const auto& provider : library.fProviders) {
-    const TJSON namespaces = NamespacesOf(*provider, description);
-    providers.push_back({{"name", NameOf(*provider)}, {"namespaces", namespaces}});
+  for (const TAskedProvider& provider : library.fProviders) {
+    TJSON namespaces;
+    if (provider.fNamespaces) namespaces = *provider.fNamespaces;
+    providers.push_back({{"name", provider.fName}, {"namespaces", namespaces}});
   }
   description["providers"] = providers;
+  if (library.fLoadFailure) {
+    PrintFailure("loading provider " + library.fPlugin.fPath, *library.fLoadFailure);
+  }
+  for (const TProviderFailure& failure : library.fFailures) {
+    AddFailure(failure.fFailure, description);
+    PrintFailure(failure.fOperation + " provider " + failure.fOrigin.fProvider, failure.fFailure);
+  }
   return description;
 }
 
 /// The name is null if the consumer does not return one.
-TJSON Describe(const TConsumerLibrary& library) {
-  TJSON description = Describe(static_cast<const TLibrary&>(library));
-  TJSON name;
-  if (library.fConsumer) {
-    Ask("asking for the name of consumer " + library.fService, description,
-        [&] { name = library.fConsumer->GetName({}); });
-  }
-  description["name"] = name;
+TJSON Describe(const TAskedConsumer& consumer) {
+  const auto& [plugin, loadFailure, name, consumed, failure, isLost, warnings, output] = consumer;
+  TJSON description = Describe(plugin, loadFailure ? loadFailure : failure);
+  description["name"] = name ? TJSON(*name) : TJSON();
+  if (loadFailure) PrintFailure("loading consumer " + plugin.fPath, *loadFailure);
+  if (failure) PrintFailure("asking for the name of consumer " + plugin.fService, *failure);
   return description;
 }
 
@@ -85,6 +69,12 @@ TJSON DescribeAll(const TLibraries& libraries, bool& failed) {
     failed = failed || !all.back()["failure"].is_null();
   }
   return all;
+}
+
+template <typename TLibraries>
+bool AnyUsable(const TLibraries& libraries) {
+  return std::any_of(libraries.begin(), libraries.end(),
+                     [](const auto& library) { return !library.fLoadFailure; });
 }
 
 std::string JoinedNames(const TJSON& names) {
@@ -122,31 +112,39 @@ void WriteForPeople(const TJSON& plugins) {
 }
 
 EExitCode RunPlugins(const TArguments& arguments) {
-  const auto providers = LoadProviderLibraries();
-  const auto consumers = LoadConsumerLibraries();
+  const TWorkerLimits limits = LimitsOf(arguments);
+  TProviderRequest request;
+  request.fReadsNamespaces = false;
+  const auto providers =
+      AskProviders(FindPluginsOrFail(EPluginKind::kProvider), request, limits, ShowWaiting());
+  const auto consumers =
+      AskConsumers(FindPluginsOrFail(EPluginKind::kConsumer), limits, ShowWaiting());
   bool failed = false;
   const TJSON plugins = {{"providers", DescribeAll(providers, failed)},
                          {"consumers", DescribeAll(consumers, failed)}};
   arguments.Has("json") ? WriteJSON(plugins) : WriteForPeople(plugins);
   if (providers.empty() && consumers.empty()) {
-    PrintFailure("looking for plug-ins in " +
-                     std::filesystem::weakly_canonical(TOSSpecific::GetQDXRootPath()).string(),
+    PrintFailure("looking for plug-ins in " + PluginFolder(),
                  {kQDXStatusNotFound, "the folder has none"});
   }
   if (!AnyUsable(providers) && !AnyUsable(consumers)) return kExitNothingCollected;
   return failed ? kExitPartlyDone : kExitDone;
 }
 
+std::vector<TOptionSpec> PluginsOptions() {
+  std::vector<TOptionSpec> options = WorkerOptions();
+  options.push_back({"json", nullptr, "Print one JSON object."});
+  return options;
+}
+
 }  // namespace
 
 TVerb PluginsVerb() {
   return {
-      "plugins",
-      "Lists the installed plug-ins, and loads each one as a test.",
+      "plugins", "Lists the installed plug-ins, and loads each one as a test.",
       "Plug-ins are in the folder of the core library: lib*.nsp.so are providers, which describe\n"
       "a machine; lib*.nsc.so are consumers, which process such a description.\n",
-      {{"json", nullptr, "Print one JSON object."}},
-      RunPlugins};
+      PluginsOptions(), RunPlugins};
 }
 
 }  // namespace NVORNQDX20

@@ -10,9 +10,9 @@
 
 #include "cli/output.h"
 #include "completeness.h"
+#include "document.h"
+#include "machine.h"
 #include "namespace_format.h"
-#include "plugin_host/document.h"
-#include "plugin_host/provider_query.h"
 #include "verbs.h"
 
 namespace NVORNQDX20 {
@@ -71,7 +71,7 @@ TRequest RequestOf(const TArguments& arguments) {
   } else {
     request.fElement = TElementName(first);
   }
-  for (const TOptionSpec& option : TProviderQuery::Options()) {
+  for (const TOptionSpec& option : TMachine::Options()) {
     if (!request.fFile.empty() && arguments.Has(option.fName)) {
       FailOnUsage(std::string("option '--") + option.fName + "' cannot be used with a file");
     }
@@ -150,11 +150,9 @@ bool AddDocument(const std::string& file, TSelection& selection) {
 
 /// Returns whether all providers succeeded.
 bool AddLiveMachine(const TArguments& arguments, TSelection& selection) {
-  TProviderQuery machine(arguments);
-  machine.VisitNamespaces("reading", [&selection](const TOrigin& origin, const auto& ns) {
-    selection.Add(origin, ns);
-  });
-  return machine.GetFailures().empty();
+  TMachine machine(arguments);
+  for (const auto& [origin, ns] : machine.TakeAll()) selection.Add(origin, ns);
+  return machine.IsComplete();
 }
 
 /// Returns the error in the text of an element, without the text itself, which the core repeats and
@@ -208,7 +206,7 @@ EExitCode RunShow(const TArguments& arguments) {
 }
 
 std::vector<TOptionSpec> ShowOptions() {
-  std::vector<TOptionSpec> options = TProviderQuery::Options();
+  std::vector<TOptionSpec> options = TMachine::Options();
   options.push_back(
       {"depth", "N", "Stop at namespaces (0), classes (1), instances (2) or values (3)."});
   options.push_back({"json", nullptr, "Print one JSON object."});

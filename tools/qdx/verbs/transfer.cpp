@@ -25,8 +25,9 @@
 #include "cli/failure.h"
 #include "cli/new_file.h"
 #include "cli/output.h"
-#include "plugin_host/watched.h"
 #include "verbs.h"
+#include "watched.h"
+#include "worker_options.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -42,13 +43,7 @@ const TOptionSpec kTimeoutOption = {"timeout", "SECONDS",
 }
 
 std::chrono::seconds TimeoutOf(const TArguments& arguments) {
-  const std::string text = arguments.Get(kTimeoutOption.fName, kDefaultTimeout);
-  std::uint16_t seconds = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
-  if (error != std::errc() || end != text.data() + text.size() || seconds == 0) {
-    FailOnUsage("'" + text + "' is not a number of seconds from 1 to 65535");
-  }
-  return std::chrono::seconds(seconds);
+  return SecondsOf(arguments.Get(kTimeoutOption.fName, kDefaultTimeout));
 }
 
 /// Shortens a message of the core: removes the name of the operation, which means nothing to an
@@ -168,10 +163,10 @@ std::string WithPort(const std::string& host) {
 
 /// Runs a transfer, and prints first what it does and where it goes.
 void Transfer(const std::string& action, std::chrono::seconds timeout,
-              const std::function<void()>& work) {
+              const std::vector<int>& descriptors, const std::function<void()>& work) {
   ForgetProxies();
   PrintError(action);
-  RunWatched(action, timeout, work);
+  RunWatched(action, timeout, descriptors, work);
 }
 
 EExitCode RunUpload(const TArguments& arguments) {
@@ -182,7 +177,7 @@ EExitCode RunUpload(const TArguments& arguments) {
   const TDescriptor copy = CopyOfSource(operand);
   const std::string action =
       "uploading " + operand + " to " + WithPort(QDX_FTP_UPLOAD_HOST) + " as " + name + ".xml.gz";
-  Transfer(action, timeout, [&] {
+  Transfer(action, timeout, {copy.Get()}, [&] {
     const auto failure = Try([&] { TOSSpecific::FTPFile(PathOf(copy), name); });
     if (failure) FailToTransfer(action, *failure);
   });
@@ -198,10 +193,11 @@ void CheckDiskSpace(const std::string& file, const std::string& shownAs) {
 }
 
 /// After a failure the contents of the file are unspecified.
-void Download(const TArguments& arguments, const std::string& file, const std::string& shownAs) {
+void Download(const TArguments& arguments, const std::string& file, const std::string& shownAs,
+              const std::vector<int>& descriptors = {}) {
   const std::string remote = arguments.GetOperand(0);
   const std::string action = "downloading " + remote + " from " + WithPort(QDX_FTP_DOWNLOAD_HOST);
-  Transfer(action, TimeoutOf(arguments), [&] {
+  Transfer(action, TimeoutOf(arguments), descriptors, [&] {
     const auto failure = Try([&] { TOSSpecific::FTPFileFromVORN(file, remote); });
     if (!failure) return;
     CheckDiskSpace(file, shownAs);
@@ -212,7 +208,7 @@ void Download(const TArguments& arguments, const std::string& file, const std::s
 /// Downloads into an unnamed file first, so that a failed download writes nothing.
 void DownloadToOutput(const TArguments& arguments) {
   const TDescriptor file = OpenTemporaryFile();
-  Download(arguments, PathOf(file), "temporary file");
+  Download(arguments, PathOf(file), "temporary file", {file.Get()});
   ReadAll(file, "temporary file", WriteOutput);
 }
 

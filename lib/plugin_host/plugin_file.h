@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Checks the file of a plug-in before it is loaded.
-#ifndef TOOLS_QDX_PLUGIN_HOST_PLUGIN_FILE_H_
-#define TOOLS_QDX_PLUGIN_HOST_PLUGIN_FILE_H_
+#ifndef LIB_PLUGIN_HOST_PLUGIN_FILE_H_
+#define LIB_PLUGIN_HOST_PLUGIN_FILE_H_
 
 #include <string>
 
@@ -16,4 +16,4 @@ void CheckPluginFile(const std::string& file);
 
 }  // namespace NVORNQDX20
 
-#endif  // TOOLS_QDX_PLUGIN_HOST_PLUGIN_FILE_H_
+#endif  // LIB_PLUGIN_HOST_PLUGIN_FILE_H_

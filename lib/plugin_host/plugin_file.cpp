@@ -4,6 +4,7 @@
 #include <qdxcore/build_stamp.h>
 #include <qdxcore/os_specific.h>
 #include <qdxcore/status.h>
+#include <qdxplugin_host/plugin_folder.h>
 #include <qdxsystem/descriptor.h>
 #include <qdxsystem/error_text.h>
 #include <qdxsystem/foreign_writers.h>
@@ -19,8 +20,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include "libraries.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -76,8 +75,9 @@ class TPluginFile {
   [[noreturn]] static void RefuseUnfound(const std::string& file, int error) {
     if (error != ENOENT) Refuse("cannot be read: " + ErrorText(error));
     std::error_code ignored;
-    Refuse(std::filesystem::is_symlink(file, ignored) ? "is a link that leads nowhere"
-                                                      : std::string("is not there") + kListPlugins);
+    Refuse(std::filesystem::is_symlink(file, ignored)
+               ? "is a link that leads nowhere"
+               : std::string("is not there") + NPluginHost::kListPlugins);
   }
 
   TDescriptor fDescriptor;

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Documents: namespaces in a file, which plug-ins read and write.
-#ifndef TOOLS_QDX_PLUGIN_HOST_DOCUMENT_H_
-#define TOOLS_QDX_PLUGIN_HOST_DOCUMENT_H_
+/// Documents: namespaces in a file.
+#ifndef TOOLS_QDX_VERBS_DOCUMENT_H_
+#define TOOLS_QDX_VERBS_DOCUMENT_H_
 
 #include <qdxcore/interfaces.h>
+#include <qdxplugin_host/consumer_host.h>
 
 #include <optional>
 #include <set>
@@ -13,13 +14,13 @@
 #include <boost/shared_ptr.hpp>
 
 #include "cli/failure.h"
-#include "provider_query.h"
+#include "machine.h"
 
 namespace NVORNQDX20 {
 
 using TNamespaces = std::vector<boost::shared_ptr<ICIMNamespace>>;
 
-/// Returns the namespaces of a document in its order; "-" is standard input. Prints the plug-in's
+/// Returns the namespaces of a document in its order; "-" is standard input. Prints the reader's
 /// warnings to standard error, and then sets `incomplete`. Throws a TCommandFailure if the document
 /// cannot be read.
 TNamespaces OpenDocument(const std::string& file, bool& incomplete);
@@ -30,29 +31,32 @@ class TPluginWriter {
   static const char* const kDefaultConsumer;
 
   /// Throws a TCommandFailure if the plug-in cannot be used.
-  explicit TPluginWriter(const std::string& consumer);
+  TPluginWriter(const std::string& consumer, const NPluginHost::TWorkerLimits& limits);
 
-  /// Writes one document; "-" is standard output. The document writer compresses if the name ends
-  /// in ".gz". Messages name the file `shownAs`; the plug-in's warnings are printed to standard
-  /// error, each once even if the document is written again.
+  /// Writes one document; "-" is GetOutput(). The document writer compresses if the name ends in
+  /// ".gz". Messages name the file `shownAs`; the plug-in's warnings are printed to standard error,
+  /// each once even if the document is written again.
   /// Returns the first namespace that the consumer refused, if any: then the file is incomplete,
   /// and the caller can truncate it and write again without that namespace. Throws a
-  /// TCommandFailure if the file cannot be written, without a line if the reader of a pipe has
-  /// gone.
+  /// TCommandFailure if the file cannot be written, or if the consumer did not come back.
   std::optional<TProviderFailure> Write(const std::vector<TMachineNamespace>& namespaces,
                                         const std::string& file, const std::string& shownAs);
 
+  /// Returns the file with what was written last as "-".
+  int GetOutput() const { return fOutput.Get(); }
   /// Returns whether the plug-in warned that the document is not complete.
   bool HasWarned() const { return !fWarnings.empty(); }
 
  private:
+  [[noreturn]] void FailToLoad(const TExplainedException& failure) const;
   TExplainedException Blame(const TExplainedException& failure, const std::string& shownAs) const;
 
-  const std::string fName;
-  boost::shared_ptr<INamespaceConsumer> fConsumer;
+  const NPluginHost::TPluginFile fPlugin;
+  const NPluginHost::TWorkerLimits fLimits;
+  TDescriptor fOutput;
   std::set<std::string> fWarnings;  // printed ones, which the next attempt does not print again
 };
 
 }  // namespace NVORNQDX20
 
-#endif  // TOOLS_QDX_PLUGIN_HOST_DOCUMENT_H_
+#endif  // TOOLS_QDX_VERBS_DOCUMENT_H_

@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxplugin_host/provider_host.h>
+
+#include <qdxcimxml/document_reader.h>
+#include <qdxcore/logger.h>
+#include <qdxmodel/attempt.h>
+#include <qdxmodel/names.h>
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include <unistd.h>
+
+#include "plugin_file.h"
+#include "provider_worker.h"
+
+namespace NVORNQDX20::NPluginHost {
+namespace {
+
+/// A library that is being asked. It trusts no message.
+class TAnswer {
+ public:
+  TAnswer(TAskedLibrary& library) : fLibrary(library) {}
+
+  void Receive(TMessage&& message) {
+    switch (message.fKind) {
+      case kAsking:
+        fAsking = {{message.Text(0), message.Text(1)}, message.Text(2)};
+        break;
+      case kProvider:
+        fLibrary.fProviders.push_back({message.Text(0)});
+        break;
+      case kListed:
+        if (TAskedProvider* provider = Find(message.Text(0))) provider->fNamespaces.emplace();
+        break;
+      case kNamespace:
+        if (TAskedProvider* provider = Find(message.Text(0))) {
+          if (provider->fNamespaces) provider->fNamespaces->push_back(message.Text(1));
+        }
+        break;
+      case kDocument:
+        Read({message.Text(0), message.Text(1)}, message.fFile);
+        break;
+      case kFailure:
+        Fail({{message.Text(0), message.Text(1)}, message.Text(2)},
+             {StatusOf(message.fNumber), message.Text(3)});
+        break;
+      case kWarning:
+        fLibrary.fWarnings.push_back(message.Text(0));
+        break;
+      case kTime:
+        if (TAskedProvider* provider = Find(message.Text(0))) {
+          provider->fTime = std::chrono::microseconds(message.fNumber);
+        }
+        break;
+      case kDone:
+        fIsDone = true;
+        break;
+      default: {
+        std::vector<std::string> onlyLogged;
+        ReceiveLogEntry(message, onlyLogged);
+      }
+    }
+  }
+
+  void End(const TWorkerEnd& end) {
+    if (end.fIsNormal && fIsDone) return;
+    Fail(fAsking, {kQDXStatusInvalidPlugin, end.fIsNormal ? kEndedEarly : end.fReason});
+  }
+
+ private:
+  struct TOperation {
+    TOrigin fOrigin;
+    std::string fName = kLoading;
+  };
+
+  TAskedProvider* Find(const std::string& name) {
+    const auto found = std::find_if(fLibrary.fProviders.begin(), fLibrary.fProviders.end(),
+                                    [&name](const auto& each) { return each.fName == name; });
+    return found == fLibrary.fProviders.end() ? nullptr : &*found;
+  }
+
+  void Fail(const TOperation& operation, const TExplainedException& failure) {
+    if (operation.fName == kLoading) {
+      fLibrary.fLoadFailure = failure;
+      return;
+    }
+    TOrigin origin = operation.fOrigin;
+    if (origin.fProvider.empty()) origin.fProvider = fLibrary.fPlugin.fService;
+    fLibrary.fFailures.push_back({origin, operation.fName, failure});
+  }
+
+  void Read(const TOrigin& origin, const TDescriptor& file) {
+    std::vector<std::string> warnings;
+    const auto failure = Try([&] {
+      const TLogListener listener(ILogger::kLogWarning, [&warnings](auto severity, auto& text) {
+        if (severity == ILogger::kLogWarning) warnings.push_back(text);
+      });
+      if (::lseek(file.Get(), 0, SEEK_SET) != 0) {
+        throw TExplainedException(kQDXStatusFail, "its answer is no file");
+      }
+      const std::string name = origin.fNamespace + " of provider " + origin.fProvider;
+      const auto namespaces = NCIMXML::ReadDocument(name, file.Get());
+      fLibrary.fNamespaces.push_back({origin, namespaces->GetNamespace(origin.fNamespace, {})});
+    });
+    for (std::string& warning : warnings) fLibrary.fWarnings.push_back(std::move(warning));
+    if (failure) Fail({origin, "reading the answer about"}, *failure);
+  }
+
+  TAskedLibrary& fLibrary;
+  TOperation fAsking;
+  bool fIsDone = false;
+};
+
+bool IsInstalledWithCommand(const TPluginFile& plugin) {
+  return plugin.fService == "linux" || plugin.fService == "cimxml";
+}
+
+/// Leaves a provider out whose name another library has: the one that is installed with the
+/// command, else the first one, so that the same one wins on every machine.
+class TNames {
+ public:
+  explicit TNames(std::vector<TAskedLibrary>& libraries) {
+    for (const bool isOurs : {true, false}) {
+      for (TAskedLibrary& library : libraries) {
+        if (IsInstalledWithCommand(library.fPlugin) == isOurs) Add(library);
+      }
+    }
+  }
+
+ private:
+  void Add(TAskedLibrary& library) {
+    std::vector<TAskedProvider> kept;
+    for (const TAskedProvider& provider : library.fProviders) {
+      const auto [other, isNew] = fFiles.try_emplace(provider.fName, library.fPlugin.fPath);
+      if (isNew) {
+        kept.push_back(provider);
+      } else {
+        library.fLoadFailure = {
+            kQDXStatusInvalidPlugin,
+            "its provider " + provider.fName + " has the name of that in " + other->second};
+        Erase(library.fNamespaces, provider.fName);
+        Erase(library.fFailures, provider.fName);
+      }
+    }
+    library.fProviders = kept;
+  }
+
+  template <typename TOfProvider>
+  static void Erase(std::vector<TOfProvider>& all, const std::string& provider) {
+    const auto isOf = [&](const TOfProvider& each) { return each.fOrigin.fProvider == provider; };
+    all.erase(std::remove_if(all.begin(), all.end(), isOf), all.end());
+  }
+
+  std::map<std::string, std::string> fFiles;  // by name of the provider
+};
+
+}  // namespace
+
+std::vector<TAskedLibrary> AskProviders(const std::vector<TPluginFile>& plugins,
+                                        const TProviderRequest& request,
+                                        const TWorkerLimits& limits, const TWaitCallback& wait) {
+  std::vector<TAskedLibrary> libraries;
+  libraries.reserve(plugins.size());
+  std::vector<TAnswer> answers;
+  answers.reserve(plugins.size());
+  std::vector<TWorkerJob> jobs;
+  for (const TPluginFile& plugin : plugins) {
+    TAskedLibrary& library = libraries.emplace_back(TAskedLibrary{plugin});
+    library.fLoadFailure = Try([&plugin] { CheckPluginFile(plugin.fPath); });
+    if (library.fLoadFailure) continue;
+    TAnswer& answer = answers.emplace_back(library);
+    jobs.push_back({"provider " + plugin.fService,
+                    [&](TSender& sender) { ServeProviders(plugin, request, sender); },
+                    [&answer](TMessage&& message) { answer.Receive(std::move(message)); },
+                    [&answer](const TWorkerEnd& end) { answer.End(end); }});
+  }
+  RunWorkers(jobs, limits, wait);
+  TNames{libraries};
+  return libraries;
+}
+
+}  // namespace NVORNQDX20::NPluginHost

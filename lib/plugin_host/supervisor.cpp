@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "supervisor.h"
+
+#include <qdxsystem/write.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+#include <fcntl.h>
+#include <grp.h>
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/signalfd.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "process_tree.h"
+
+namespace NVORNQDX20::NPluginHost {
+namespace {
+
+using TClock = std::chrono::steady_clock;
+
+/// Longer than the kernel needs to end any number of processes that can be ended.
+constexpr std::chrono::milliseconds kPatience{700};
+
+/// Closes everything but the ends and what the job needs: also the lifelines of other workers.
+void CloseOthers(const TSupervisorEnds& ends, std::vector<int> kept) {
+  for (const TDescriptor* end : {&ends.fLifeline, &ends.fReport, &ends.fSocket, &ends.fOutput}) {
+    kept.push_back(end->Get());
+  }
+  std::sort(kept.begin(), kept.end());
+  int next = STDERR_FILENO + 1;
+  for (const int number : kept) {
+    if (number < next) continue;
+    for (; next < number; ++next) ::close(next);
+    ++next;
+  }
+  ::closefrom(next);
+}
+
+/// A stream that is closed would be replaced by the next file that a plug-in opens.
+void ReplaceStandardStreams(const TSupervisorEnds& ends) {
+  const TDescriptor nothing(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+  ::dup2(nothing.IsOpen() ? nothing.Get() : ends.fLifeline.Get(), STDIN_FILENO);
+  ::dup2(ends.fOutput.Get(), STDOUT_FILENO);
+  ::dup2(ends.fOutput.Get(), STDERR_FILENO);
+}
+
+void SetLimit(__rlimit_resource resource, rlim_t limit) {
+  rlimit current{};
+  ::getrlimit(resource, &current);
+  const rlim_t lower = std::min(limit, current.rlim_max);
+  current = {lower, lower};
+  ::setrlimit(resource, &current);
+}
+
+/// Returns the bytes that this process has already: a copy of those of the command.
+rlim_t AddressSpace() {
+  unsigned long pages = 0;
+  std::ifstream("/proc/self/statm") >> pages;
+  return pages * static_cast<unsigned long>(::sysconf(_SC_PAGESIZE));
+}
+
+bool TakeOn(const TUser& user) {
+  return ::setgroups(user.fGroups.size(), user.fGroups.data()) == 0 && ::setgid(user.fGroup) == 0 &&
+         ::setuid(user.fID) == 0;
+}
+
+void RestoreSignals() {
+  for (int signal = 1; signal <= SIGRTMAX; ++signal) {
+    struct sigaction action {};
+    // A handler of a crash is a sanitizer's, which reports more.
+    const bool isKept = ::sigaction(signal, nullptr, &action) != 0 ||
+                        (action.sa_handler != SIG_IGN && action.sa_handler != SIG_DFL &&
+                         (signal == SIGSEGV || signal == SIGBUS || signal == SIGFPE));
+    if (!isKept) std::signal(signal, SIG_DFL);
+  }
+  sigset_t none;
+  ::sigemptyset(&none);
+  ::sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+[[noreturn]] void Work(pid_t supervisor, TSupervisorEnds& ends, const TWorkerLimits& limits,
+                       const std::function<void(TSender&)>& work) {
+  ::setpgid(0, 0);
+  for (TDescriptor* end : {&ends.fLifeline, &ends.fReport, &ends.fOutput}) (void)end->Close();
+  RestoreSignals();
+  SetLimit(RLIMIT_CORE, 0);
+  SetLimit(RLIMIT_FSIZE, limits.fDelivery);
+  if (limits.fMemory != 0) SetLimit(RLIMIT_AS, AddressSpace() + limits.fMemory);
+  if (limits.fUser && !TakeOn(*limits.fUser)) ::_exit(kCannotTakeOnUser);
+  ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // after the change of user, which resets it
+  if (::getppid() != supervisor) ::_exit(kWorkReturned);
+  TSender sender(ends.fSocket.Get());
+  work(sender);
+  std::exit(kWorkReturned);  // destructors of plug-ins run here, too
+}
+
+/// A worker, as its supervisor sees it.
+class TChild {
+ public:
+  explicit TChild(pid_t process) : fProcess(process) {}
+
+  bool HasEnded() const { return fStatus >= 0; }
+  int GetStatus() const { return fStatus; }
+  long GetPeakMemory() const { return fUsage.ru_maxrss; }
+
+  /// Waits for all processes that have ended. Returns false if none is left.
+  bool WaitForEnded() {
+    int status = 0;
+    rusage usage{};
+    for (;;) {
+      const pid_t ended = ::wait4(-1, &status, WNOHANG, &usage);
+      if (ended <= 0) return ended == 0;
+      if (ended != fProcess) continue;
+      fStatus = status;
+      fUsage = usage;
+    }
+  }
+
+  /// Returns the processes that remain.
+  std::vector<pid_t> KillAll() {
+    const auto deadline = TClock::now() + kPatience;
+    while (WaitForEnded()) {                       // orphans become children of this process
+      if (!HasEnded()) ::kill(fProcess, SIGKILL);  // also where there is no /proc
+      const std::vector<pid_t> all = Descendants();
+      for (const pid_t process : all) ::kill(process, SIGKILL);
+      if (TClock::now() > deadline) return all;
+      ::usleep(500);
+    }
+    return {};
+  }
+
+ private:
+  const pid_t fProcess;
+  int fStatus = -1;
+  rusage fUsage{};
+};
+
+/// Returns once the worker has ended, or the lifeline. SIGCHLD is blocked.
+void WaitForEnd(TChild& worker, int lifeline) {
+  sigset_t children;
+  ::sigemptyset(&children);
+  ::sigaddset(&children, SIGCHLD);
+  const int signals = ::signalfd(-1, &children, SFD_NONBLOCK | SFD_CLOEXEC);
+  signalfd_siginfo signal{};
+  pollfd ends[] = {{lifeline, 0, 0}, {signals, POLLIN, 0}};
+  while (worker.WaitForEnded() && !worker.HasEnded() && (ends[0].revents & POLLHUP) == 0) {
+    ::poll(ends, 2, -1);
+    while (::read(signals, &signal, sizeof signal) > 0) {
+    }
+  }
+}
+
+void Report(const TChild& worker, const std::vector<pid_t>& remaining, int end) {
+  TMessage report;
+  report.fNumber = worker.GetStatus();
+  report.fTexts = {std::to_string(worker.GetPeakMemory()),
+                   remaining.empty() ? "" : DescribeStuck(remaining.front())};
+  (void)WriteAll(end, EncodeMessage(report));  // the command may have ended
+}
+
+}  // namespace
+
+void Supervise(TSupervisorEnds& ends, const TWorkerLimits& limits, const TWorkerJob& job) {
+  CloseOthers(ends, job.fDescriptors);
+  ReplaceStandardStreams(ends);
+  ::setsid();  // no terminal, and no signals from one
+  ::prctl(PR_SET_CHILD_SUBREAPER, 1);
+  sigset_t children;
+  ::sigemptyset(&children);
+  ::sigaddset(&children, SIGCHLD);
+  std::signal(SIGCHLD, SIG_DFL);  // if it is ignored, there is no status
+  ::sigprocmask(SIG_BLOCK, &children, nullptr);
+  const pid_t supervisor = ::getpid();
+  const pid_t process = ::fork();
+  if (process == 0) Work(supervisor, ends, limits, job.fWork);
+  if (process < 0) ::_exit(kCannotStart);
+  TChild worker(process);
+  // The worker's ends shall close when it ends.
+  for (TDescriptor* end : {&ends.fSocket, &ends.fOutput}) (void)end->Close();
+  for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) ::close(stream);
+  WaitForEnd(worker, ends.fLifeline.Get());
+  Report(worker, worker.KillAll(), ends.fReport.Get());
+  ::_exit(0);
+}
+
+}  // namespace NVORNQDX20::NPluginHost

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+/// The process between the command and a worker: it sees to it that nothing of a worker remains.
+#ifndef LIB_PLUGIN_HOST_SUPERVISOR_H_
+#define LIB_PLUGIN_HOST_SUPERVISOR_H_
+
+#include <qdxplugin_host/worker.h>
+#include <qdxsystem/descriptor.h>
+
+namespace NVORNQDX20::NPluginHost {
+
+/// Statuses of a worker that no plug-in is likely to use.
+enum EWorkerStatus : int {
+  kWorkReturned = 0,
+  kCannotDeliver = 112,
+  kCannotStart = 113,
+  kCannotTakeOnUser = 114,
+};
+
+/// The ends that a supervisor and its worker use; each was opened by the command.
+struct TSupervisorEnds {
+  TDescriptor fLifeline;  ///< Read end of a pipe that closes when the command ends or gives up.
+  TDescriptor fReport;    ///< Write end of a pipe.
+  TDescriptor fSocket;    ///< For the messages of the worker.
+  TDescriptor fOutput;    ///< Write end of a pipe: standard output and error of the worker.
+};
+
+/// Runs in a process that the command has forked: forks the worker, waits for it or for the end of
+/// the lifeline, kills all that the worker has started, reports and ends.
+///
+/// The report is an encoded message: the wait status as its number, -1 if the worker has not ended;
+/// the peak of memory in kilobytes and a process that could not be killed as its texts.
+[[noreturn]] void Supervise(TSupervisorEnds& ends, const TWorkerLimits& limits,
+                            const TWorkerJob& job);
+
+}  // namespace NVORNQDX20::NPluginHost
+
+#endif  // LIB_PLUGIN_HOST_SUPERVISOR_H_

@@ -1,0 +1,333 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxplugin_host/worker.h>
+
+#include <qdxsystem/error_text.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <list>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "supervisor.h"
+
+namespace NVORNQDX20::NPluginHost {
+namespace {
+
+using TClock = std::chrono::steady_clock;
+
+constexpr std::size_t kMaxWorkers = 32;
+constexpr std::size_t kKeptOutput = 4096;
+constexpr std::size_t kShownOutput = 300;
+/// Far more than any machine has namespaces and any provider has to log.
+constexpr std::size_t kMaxMessages = 100'000;
+constexpr std::chrono::milliseconds kPollInterval{200};
+/// For a supervisor to end its worker, and to report.
+constexpr std::chrono::seconds kGrace{1};
+
+std::string OnOneLine(std::string text) {
+  while (!text.empty() && text.back() == '\n') text.pop_back();
+  if (text.size() > kShownOutput) text.replace(0, text.size() - kShownOutput, "...");
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  return text;
+}
+
+std::string SignalName(int signal) {
+  const char* const name = ::sigabbrev_np(signal);  // real-time signals have none
+  return name == nullptr ? std::to_string(signal) : name;
+}
+
+bool IsCrash(int signal) {
+  constexpr int crashes[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGSYS, SIGTRAP};
+  return std::find(std::begin(crashes), std::end(crashes), signal) != std::end(crashes);
+}
+
+std::string Megabytes(std::uint64_t bytes) { return std::to_string(bytes >> 20U) + " MiB"; }
+
+/// A running worker.
+class TWorker {
+ public:
+  TWorker(const TWorkerJob& job, const TWorkerLimits& limits)
+      : fJob(job), fLimits(limits), fStart(TClock::now()), fDeadline(fStart + limits.fTime) {
+    TPipe lifeline = OpenPipe();
+    TPipe report = OpenPipe();
+    TPipe output = OpenPipe();
+    int sockets[2] = {-1, -1};
+    (void)::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, sockets);
+    fSocket = TDescriptor(sockets[0]);
+    TDescriptor sending(sockets[1]);
+    if (!lifeline.fReadEnd.IsOpen() || !report.fReadEnd.IsOpen() || !output.fReadEnd.IsOpen() ||
+        !sending.IsOpen()) {
+      fStartError = errno;
+      return;
+    }
+    fLifeline = std::move(lifeline.fWriteEnd);
+    fReport = std::move(report.fReadEnd);
+    fOutput = std::move(output.fReadEnd);
+    ::fcntl(fOutput.Get(), F_SETFL, O_NONBLOCK);
+    std::fflush(nullptr);  // so that the worker does not write what is left to be written here
+    fSupervisor = ::fork();
+    if (fSupervisor == 0) {
+      TSupervisorEnds ends{std::move(lifeline.fReadEnd), std::move(report.fWriteEnd),
+                           std::move(sending), std::move(output.fWriteEnd)};
+      Supervise(ends, limits, job);
+    }
+    if (fSupervisor < 0) fStartError = errno;
+  }
+
+  ~TWorker() {
+    if (fSupervisor <= 0) return;
+    GiveUp("");
+    pollfd report = {fReport.Get(), POLLIN, 0};
+    (void)::poll(&report, 1, static_cast<int>(std::chrono::milliseconds(kGrace).count()));
+    EndSupervisor();
+  }
+  TWorker(const TWorker&) = delete;
+  TWorker& operator=(const TWorker&) = delete;
+
+  const std::string& GetName() const { return fJob.fName; }
+  TClock::time_point GetStart() const { return fStart; }
+  TClock::time_point GetDeadline() const { return fDeadline; }
+
+  std::array<pollfd, 3> PollEnds() const {
+    // A socket without a sender is always readable.
+    return {{{fSocketIsAtEnd ? -1 : fSocket.Get(), POLLIN, 0},
+             {fOutputIsAtEnd ? -1 : fOutput.Get(), POLLIN, 0},
+             {fReport.Get(), POLLIN, 0}}};
+  }
+
+  /// Handles what has happened. Returns whether the worker has ended, after calling its callback.
+  bool Handle(const pollfd* ends) {
+    if (fStartError != 0)
+      return End({false, "it cannot be started: " + ErrorText(fStartError), {}});
+    if (ends[0].revents != 0) ReceiveMessages();
+    if (ends[1].revents != 0) ReadOutput();
+    if (ends[2].revents != 0) return Finish();
+    if (!fIsGivenUp && GetsOn()) fDeadline = TClock::now() + fLimits.fTime;
+    if (TClock::now() < fDeadline) return false;
+    if (!fIsGivenUp) {
+      fHint = "; --timeout allows more";
+      GiveUp((fJob.fProgress ? "it made no progress for " : "it did not come back within ") +
+             std::to_string(fLimits.fTime.count()) + " s");
+      return false;
+    }
+    return Finish();
+  }
+
+ private:
+  bool GetsOn() {
+    if (!fJob.fProgress) return false;
+    std::string progress = fJob.fProgress();
+    const bool getsOn = progress != fProgress;
+    fProgress = std::move(progress);
+    return getsOn;
+  }
+
+  /// The supervisor kills the worker.
+  void GiveUp(const std::string& reason) {
+    if (!fIsGivenUp) fWhyGivenUp = reason;
+    fIsGivenUp = true;
+    (void)fLifeline.Close();
+    fDeadline = TClock::now() + kGrace;
+  }
+
+  void ReceiveMessages() {
+    constexpr int atOnce = 64;  // the other workers have their turns
+    for (int i = 0; i < atOnce && Receive(); ++i) {
+    }
+  }
+
+  /// Returns false if nothing is there.
+  bool Receive() {
+    TReceived received = ReceiveMessage(fSocket.Get());
+    fSocketIsAtEnd = received.fKind == TReceived::kEnd;
+    if (received.fKind != TReceived::kPacket) return false;
+    if (!fIsGivenUp) Take(received);
+    return true;
+  }
+
+  void Take(TReceived& received) {
+    if (!received.fMessage || ++fMessages > kMaxMessages) {
+      return GiveUp(received.fMessage ? "it sends messages without end"
+                                      : "it sends what is no message");
+    }
+    struct stat status {};
+    const int file = received.fMessage->fFile.Get();
+    if (file >= 0 && ::fstat(file, &status) == 0 && S_ISREG(status.st_mode)) {
+      fDelivered += static_cast<std::uint64_t>(status.st_size);
+    }
+    if (fDelivered > fLimits.fDelivery) {
+      return GiveUp("it delivers more than " + Megabytes(fLimits.fDelivery));
+    }
+    fJob.fReceive(std::move(*received.fMessage));
+  }
+
+  void ReadOutput() {
+    char buffer[16384];
+    const ssize_t size = ::read(fOutput.Get(), buffer, sizeof buffer);
+    if (size > 0) {
+      fText.append(buffer, static_cast<std::size_t>(size));
+      if (fText.size() > kKeptOutput) fText.erase(0, fText.size() - kKeptOutput);
+    }
+    fOutputIsAtEnd = size == 0;
+    fHasMoreOutput = size > 0;
+  }
+
+  bool Finish() {
+    char bytes[1024];
+    ::fcntl(fReport.Get(), F_SETFL, O_NONBLOCK);
+    const ssize_t size = ::read(fReport.Get(), bytes, sizeof bytes);
+    const auto report =
+        DecodeMessage({bytes, static_cast<std::size_t>(std::max<ssize_t>(size, 0))});
+    EndSupervisor();
+    while (!fIsGivenUp && Receive()) {
+    }
+    constexpr int mostReads = 16;  // a process that cannot be killed may still write
+    for (int i = 0; i < mostReads && (i == 0 || fHasMoreOutput); ++i) ReadOutput();
+    return End(ExplainEnd(report));
+  }
+
+  bool End(TWorkerEnd end) {
+    end.fOutput = fText;
+    fJob.fEnd(end);
+    return true;
+  }
+
+  void EndSupervisor() {
+    (void)fLifeline.Close();
+    ::kill(fSupervisor, SIGKILL);  // it has reported, or never will
+    ::waitpid(fSupervisor, nullptr, 0);
+    fSupervisor = -1;
+  }
+
+  TWorkerEnd ExplainEnd(const std::optional<TMessage>& report) const {
+    const int status = report ? static_cast<int>(report->fNumber) : -1;
+    if (!fIsGivenUp && status == 0) return {true, {}, {}};
+    std::string reason = fWhyGivenUp;
+    if (reason.empty()) reason = ExplainStatus(status) + " after " + Seconds();
+    if (report && report->Text(0) != "0") {
+      const std::uint64_t kilobytes = std::strtoull(report->Text(0).c_str(), nullptr, 10);
+      reason += ", with " + Megabytes(kilobytes << 10U) + " of memory";
+    }
+    if (!report) reason += "; its supervisor did not answer";
+    if (report && !report->Text(1).empty()) {
+      reason += "; it cannot be killed and was left behind: " + report->Text(1);
+    }
+    reason += fHint;
+    const std::string said = OnOneLine(fText);
+    return {false, said.empty() ? reason : reason + ": " + said, {}};
+  }
+
+  std::string ExplainStatus(int status) const {
+    if (status < 0) return "it was lost";
+    if (WIFEXITED(status)) {
+      switch (WEXITSTATUS(status)) {
+        case kCannotDeliver:
+          return "it closed the socket through which it delivers";
+        case kCannotTakeOnUser:
+          return "it cannot take on the privileges of the user";
+        default:
+          return "it ended with status " + std::to_string(WEXITSTATUS(status));
+      }
+    }
+    const int signal = WTERMSIG(status);
+    if (signal == SIGXFSZ) return "it wrote a file larger than its limit, " + FileSizeLimit();
+    return (IsCrash(signal) ? "it crashed (" : "it was ended by a signal (") + SignalName(signal) +
+           ")";
+  }
+
+  std::string FileSizeLimit() const {
+    rlimit ofCommand{};
+    ::getrlimit(RLIMIT_FSIZE, &ofCommand);
+    const std::uint64_t limit = std::min<std::uint64_t>(ofCommand.rlim_cur, fLimits.fDelivery);
+    return std::to_string(limit >> 10U) + " KiB";
+  }
+
+  std::string Seconds() const {
+    const std::chrono::duration<double> time = TClock::now() - fStart;
+    char text[32];
+    (void)std::snprintf(text, sizeof text, "%.1f s", time.count());
+    return text;
+  }
+
+  const TWorkerJob& fJob;
+  const TWorkerLimits& fLimits;
+  const TClock::time_point fStart;
+  TClock::time_point fDeadline;
+  bool fIsGivenUp = false;
+  std::string fWhyGivenUp;
+  std::string fHint;
+  int fStartError = 0;
+  pid_t fSupervisor = -1;
+  TDescriptor fLifeline;
+  TDescriptor fReport;
+  TDescriptor fSocket;
+  TDescriptor fOutput;
+  bool fSocketIsAtEnd = false;
+  bool fOutputIsAtEnd = false;
+  bool fHasMoreOutput = false;
+  std::size_t fMessages = 0;
+  std::uint64_t fDelivered = 0;
+  std::string fProgress;
+  std::string fText;
+};
+
+void Wait(const std::list<TWorker>& workers, std::vector<pollfd>& ends) {
+  ends.clear();
+  auto wake = TClock::now() + kPollInterval;
+  for (const TWorker& worker : workers) {
+    const auto each = worker.PollEnds();
+    ends.insert(ends.end(), each.begin(), each.end());
+    wake = std::min(wake, worker.GetDeadline());
+  }
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(wake - TClock::now());
+  if (::poll(ends.data(), ends.size(), std::max(0, static_cast<int>(left.count()))) < 0) {
+    for (pollfd& end : ends) end.revents = 0;  // a signal
+  }
+}
+
+void Tell(const TWaitCallback& wait, const std::list<TWorker>& workers) {
+  if (!wait || workers.empty()) return;
+  std::vector<std::string> names;
+  names.reserve(workers.size());
+  for (const TWorker& worker : workers) names.push_back(worker.GetName());
+  wait(names, std::chrono::duration_cast<std::chrono::seconds>(TClock::now() -
+                                                               workers.front().GetStart()));
+}
+
+}  // namespace
+
+void RunWorkers(const std::vector<TWorkerJob>& jobs, const TWorkerLimits& limits,
+                const TWaitCallback& wait) {
+  std::signal(SIGCHLD, SIG_DFL);  // if it is ignored, waitpid cannot wait
+  std::list<TWorker> workers;
+  std::vector<pollfd> ends;
+  auto next = jobs.begin();
+  auto told = TClock::now();
+  while (next != jobs.end() || !workers.empty()) {
+    while (next != jobs.end() && workers.size() < kMaxWorkers) {
+      workers.emplace_back(*next++, limits);
+    }
+    Wait(workers, ends);
+    const pollfd* end = ends.data();
+    for (auto worker = workers.begin(); worker != workers.end(); end += 3) {
+      worker = worker->Handle(end) ? workers.erase(worker) : std::next(worker);
+    }
+    if (TClock::now() - told < kPollInterval) continue;
+    told = TClock::now();
+    Tell(wait, workers);
+  }
+}
+
+}  // namespace NVORNQDX20::NPluginHost

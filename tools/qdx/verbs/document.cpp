@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "document.h"
+
+#include <qdxcimxml/document_reader.h>
+#include <qdxcore/logger.h>
+
+#include <utility>
+
+#include <boost/algorithm/string/replace.hpp>
+
+#include "worker_options.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+using namespace NPluginHost;
+
+/// What messages of the reader and of the default consumer begin with.
+const char* const kService = "cimxml";
+
+}  // namespace
+
+TNamespaces OpenDocument(const std::string& file, bool& incomplete) {
+  const std::string shownAs = file == "-" ? "standard input" : file;
+  TNamespaces namespaces;
+  std::vector<std::string> warnings;
+  const auto failure = Try([&] {
+    // Whatever the log's threshold is.
+    const TLogListener listener(ILogger::kLogWarning, [&](auto severity, const auto& message) {
+      if (severity == ILogger::kLogWarning) warnings.push_back(message);
+    });
+    NCIMXML::TDocumentCache documents;
+    const auto document = documents.Read(file);
+    document->EnumerateNamespaceNames(
+        [&](const std::string& name) {
+          namespaces.push_back(document->GetNamespace(name, {}));
+          return true;
+        },
+        {});
+  });
+  for (const std::string& warning : warnings) PrintError(warning);
+  incomplete = incomplete || !warnings.empty();
+  if (failure) {
+    throw TCommandFailure(kExitBadInput, "reading document " + shownAs,
+                          WithoutName(WithoutName(*failure, kService), shownAs));
+  }
+  return namespaces;
+}
+
+const char* const TPluginWriter::kDefaultConsumer = kService;
+
+TPluginWriter::TPluginWriter(const std::string& consumer, const TWorkerLimits& limits)
+    : fPlugin(PluginOf(EPluginKind::kConsumer, consumer)), fLimits(limits) {
+  if (consumer == kService) return;  // it is our own: Write() notices if it is missing
+  const TAskedConsumer answer = std::move(AskConsumers({fPlugin}, limits, ShowWaiting()).front());
+  if (answer.fLoadFailure) FailToLoad(*answer.fLoadFailure);
+}
+
+void TPluginWriter::FailToLoad(const TExplainedException& failure) const {
+  // Any consumer but the default one was named by the operator.
+  const bool isNamed = fPlugin.fService != kService;
+  throw TCommandFailure(isNamed ? kExitBadInput : kExitNothingCollected,
+                        "loading consumer " + fPlugin.fPath, failure);
+}
+
+std::optional<TProviderFailure> TPluginWriter::Write(
+    const std::vector<TMachineNamespace>& namespaces, const std::string& file,
+    const std::string& shownAs) {
+  const auto shown = [&](const std::string& message) {
+    return file == "-" ? message : boost::algorithm::replace_all_copy(message, file, shownAs);
+  };
+  const std::string action = "writing document " + shownAs;
+  TAskedConsumer answer = Consume(fPlugin, {namespaces, file}, fLimits, ShowWaiting());
+  for (const std::string& warning : answer.fWarnings) {
+    if (fWarnings.insert(warning).second) PrintError(shown(warning));
+  }
+  fOutput = std::move(answer.fOutput);
+  if (answer.fLoadFailure) FailToLoad(*answer.fLoadFailure);
+  const auto& failure = answer.fFailure;
+  if (!failure) return std::nullopt;
+  const auto why = Blame({failure->GetStatusCode(), shown(failure->GetReason())}, shownAs);
+  if (answer.fIsLost) throw TCommandFailure(kExitNothingCollected, action, why);
+  // A failure of the file system affects the other namespaces, too.
+  if (why.GetStatusCode() == kQDXStatusFileSystemError) {
+    throw TCommandFailure(kExitBadInput, action, why);
+  }
+  return TProviderFailure{namespaces.at(answer.fConsumed).fOrigin, "writing", why};
+}
+
+/// Names the consumer, unless it is the default one. Many plug-ins name themselves and the file.
+TExplainedException TPluginWriter::Blame(const TExplainedException& failure,
+                                         const std::string& shownAs) const {
+  const auto bare = WithoutName(WithoutName(failure, fPlugin.fService), shownAs);
+  if (fPlugin.fService == kDefaultConsumer) return bare;
+  return {bare.GetStatusCode(), "consumer " + fPlugin.fService + ": " + bare.GetReason()};
+}
+
+}  // namespace NVORNQDX20

@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "machine.h"
+
+#include <qdxcore/schema_helper.h>
+#include <qdxmodel/classes.h>
+#include <qdxmodel/names.h>
+#include <qdxmodel/options.h>
+#include <qdxsystem/error_text.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <map>
+#include <set>
+#include <utility>
+
+#include <sys/stat.h>
+
+#include "worker_options.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+using namespace NPluginHost;
+
+/// Asks in a worker, since a folder on a dead disk or network blocks whoever looks at it.
+void CheckRootFolder(const std::string& root, const TWorkerLimits& limits) {
+  if (root == "/") return;
+  std::string reason;
+  const auto check = [&root](TSender& sender) {
+    struct stat status {};
+    const int error = ::stat(root.c_str(), &status) == 0 ? 0 : errno;
+    TMessage message;
+    message.fNumber = error == 0 && !S_ISDIR(status.st_mode) ? ENOTDIR : error;
+    sender.Send(message);
+  };
+  const auto receive = [&reason](TMessage&& message) {
+    if (message.fNumber != 0) reason = ErrorText(static_cast<int>(message.fNumber));
+    if (message.fNumber == ENOTDIR) reason = "not a folder";
+  };
+  const auto end = [&reason](const TWorkerEnd& how) {
+    if (!how.fIsNormal) reason = how.fReason;
+  };
+  RunWorkers({{"root folder " + root, check, receive, end}}, limits, ShowWaiting());
+  if (reason.empty()) return;
+  throw TCommandFailure(kExitBadInput, "reading root folder " + root,
+                        {kQDXStatusFileNotFound, reason});
+}
+
+std::string ActionOn(const TOrigin& origin, const std::string& operation) {
+  const std::string& ns = origin.fNamespace;
+  return operation + (ns.empty() ? "" : " " + ns + " of") + " provider " + origin.fProvider;
+}
+
+bool DescribesMachine(const ICIMNamespace& ns) {
+  bool describes = false;
+  (void)Try([&] {
+    const auto system = ns.GetClass(TCIMSchemaHelper::kSystemCreationClassName, {});
+    NModel::ForEachInstance(*system, [&describes](const ICIMInstance&) { describes = true; });
+  });
+  return describes;
+}
+
+/// One that describes a machine is not hidden by one that does not.
+bool IsBetter(const TMachineNamespace& left, const TMachineNamespace& right) {
+  return NModel::EqualIgnoringCase(left.fOrigin.fNamespace, kMachineNamespace) &&
+         DescribesMachine(*left.fNamespace) && !DescribesMachine(*right.fNamespace);
+}
+
+}  // namespace
+
+std::vector<TOptionSpec> TMachine::Options() {
+  std::vector<TOptionSpec> options = {
+      kRootFolderOption,
+      {"provider", "NAME", "Query only this provider; can be given more than once."}};
+  const auto ofWorkers = WorkerOptions();
+  options.insert(options.end(), ofWorkers.begin(), ofWorkers.end());
+  return options;
+}
+
+TMachine::TMachine(const TArguments& arguments)
+    : fLimits(LimitsOf(arguments)),
+      fRoot(arguments.Get(kRootFolderOption.fName, "/")),
+      fNamed(arguments.GetAll("provider")) {
+  CheckRootFolder(fRoot, fLimits);
+}
+
+std::vector<TMachineNamespace> TMachine::TakeAll() { return Ask({}); }
+
+boost::shared_ptr<ICIMNamespace> TMachine::TakeMachineNamespace(
+    const std::vector<std::string>& classes) {
+  TProviderRequest request;
+  request.fNamespace = kMachineNamespace;
+  if (!classes.empty()) {
+    const std::vector<TCIMValue> names(classes.begin(), classes.end());
+    request.fOptions[NModel::kClassesOption] =
+        TCIMValue(TCIMValue::TCIMType::kCIMTypeString, 0, names);
+  }
+  const auto found = Ask(std::move(request));
+  return found.empty() ? nullptr : found.front().fNamespace;
+}
+
+void TMachine::AddFailure(const TProviderFailure& failure) {
+  fFailures.push_back(failure);
+  PrintFailure(ActionOn(failure.fOrigin, failure.fOperation), failure.fFailure);
+}
+
+/// Adds the answer of a library to those of the others.
+void TMachine::Add(const TAskedLibrary& library, TAnswers& answers) {
+  const auto& [plugin, loadFailure, providers, namespaces, failures, warnings] = library;
+  if (loadFailure) {
+    answers.fLoadFailures.emplace_back(
+        plugin.fPath, TProviderFailure{{plugin.fService, ""}, kLoading, *loadFailure});
+  }
+  for (const TAskedProvider& provider : providers) {
+    answers.fNames.insert(provider.fName);
+    if (IsWanted(provider.fName)) fProviders.push_back(provider);
+  }
+  answers.fNamespaces.insert(answers.fNamespaces.end(), namespaces.begin(), namespaces.end());
+  answers.fFailures.insert(answers.fFailures.end(), failures.begin(), failures.end());
+  for (const std::string& warning : warnings) PrintError(warning);
+  fHasWarned = fHasWarned || !warnings.empty();
+}
+
+bool TMachine::IsWanted(const std::string& provider) const {
+  return fNamed.empty() || std::find(fNamed.begin(), fNamed.end(), provider) != fNamed.end();
+}
+
+/// Throws a TCommandFailure unless all named providers exist. Failures of other libraries do not
+/// matter then.
+void TMachine::CheckNames(const TAnswers& answers) const {
+  for (const std::string& name : fNamed) {
+    if (answers.fNames.count(name) != 0) continue;
+    for (const auto& [file, failure] : answers.fLoadFailures) {
+      PrintFailure("loading provider " + file, failure.fFailure);
+    }
+    throw TCommandFailure(
+        kExitBadInput, "looking for provider " + name,
+        {kQDXStatusNotFound, "no plug-in brings one of this name; 'qdx plugins' lists all"});
+  }
+}
+
+/// Returns the namespaces of all libraries, as if one had delivered them.
+std::vector<TMachineNamespace> TMachine::Ask(TProviderRequest request) {
+  request.fProviders = fNamed;
+  request.fOptions[NModel::kRootOption] = TCIMValue(fRoot);
+  TAnswers answers;
+  for (const TAskedLibrary& library :
+       AskProviders(FindPluginsOrFail(EPluginKind::kProvider), request, fLimits, ShowWaiting())) {
+    Add(library, answers);
+  }
+  CheckNames(answers);
+  if (fNamed.empty()) {
+    for (const auto& [file, failure] : answers.fLoadFailures) {
+      fFailures.push_back(failure);
+      PrintFailure("loading provider " + file, failure.fFailure);
+    }
+  }
+  const auto byProvider = [](const auto& left, const auto& right) {
+    return left.fOrigin.fProvider < right.fOrigin.fProvider;
+  };
+  std::stable_sort(answers.fFailures.begin(), answers.fFailures.end(), byProvider);
+  for (const TProviderFailure& failure : answers.fFailures) AddFailure(failure);
+  std::sort(fProviders.begin(), fProviders.end(),
+            [](const auto& left, const auto& right) { return left.fName < right.fName; });
+  std::stable_sort(answers.fNamespaces.begin(), answers.fNamespaces.end(), byProvider);
+  return WithoutDoubles(std::move(answers.fNamespaces));
+}
+
+std::vector<TMachineNamespace> TMachine::WithoutDoubles(std::vector<TMachineNamespace> all) {
+  std::map<std::string, std::size_t> best;  // index by folded name
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    const auto [other, isNew] = best.try_emplace(NModel::Folded(all[i].fOrigin.fNamespace), i);
+    if (isNew) continue;
+    std::size_t worse = i;
+    if (IsBetter(all[i], all[other->second])) std::swap(worse, other->second);
+    AddFailure({all[worse].fOrigin,
+                "opening",
+                {kQDXStatusAlreadyExists, "it was already collected from provider " +
+                                              all[other->second].fOrigin.fProvider}});
+    all[worse].fNamespace.reset();
+  }
+  const auto isLeftOut = [](const TMachineNamespace& ns) { return !ns.fNamespace; };
+  all.erase(std::remove_if(all.begin(), all.end(), isLeftOut), all.end());
+  return all;
+}
+
+std::vector<TPluginFile> FindPluginsOrFail(EPluginKind kind) {
+  std::vector<TPluginFile> plugins;
+  const auto failure = Try([&] { plugins = FindPlugins(kind); });
+  if (failure) throw TCommandFailure(kExitNothingCollected, "looking for plug-ins", *failure);
+  return plugins;
+}
+
+}  // namespace NVORNQDX20

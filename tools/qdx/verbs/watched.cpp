@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "watched.h"
+
+#include <qdxplugin_host/worker.h>
+
+#include <csignal>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <new>
+#include <optional>
+#include <utility>
+
+#include <unistd.h>
+
+#include "cli/failure.h"
+#include "worker_options.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+using namespace NPluginHost;
+
+/// The kinds of messages.
+enum EWatchedMessage : std::uint8_t {
+  kProcess = 1,  ///< The number of the worker's process.
+  kFailed,       ///< Action, reason; the status.
+  kDone,         ///< The exit code.
+};
+
+void Send(const TSender& sender, EWatchedMessage kind, std::int64_t number,
+          std::vector<std::string> texts = {}) {
+  TMessage message;
+  message.fKind = kind;
+  message.fNumber = number;
+  message.fTexts = std::move(texts);
+  sender.Send(message);
+}
+
+void Work(const std::function<void()>& work, const std::string& action, const TSender& sender) {
+  std::signal(SIGXFSZ, SIG_IGN);  // a file that is too large shall be a failed write
+  Send(sender, kProcess, ::getpid());
+  EExitCode code = kExitDone;
+  try {
+    work();
+  } catch (const TCommandFailure& failure) {
+    code = failure.GetExitCode();
+    if (const auto& why = failure.GetFailure()) {
+      Send(sender, kFailed, why->GetStatusCode(), {failure.GetAction(), why->GetReason()});
+    }
+  } catch (const std::bad_alloc&) {
+    code = kExitTransferFailed;
+    Send(sender, kFailed, kQDXStatusOutOfMemory, {action, "out of memory"});
+  }
+  Send(sender, kDone, code);
+}
+
+}  // namespace
+
+void RunWatched(const std::string& action, std::chrono::seconds timeout,
+                const std::vector<int>& descriptors, const std::function<void()>& work) {
+  std::int64_t process = 0;
+  std::optional<EExitCode> code;
+  TWorkerJob job;
+  job.fName = action;
+  job.fWork = [&](TSender& sender) { Work(work, action, sender); };
+  job.fReceive = [&](TMessage&& message) {
+    if (message.fKind == kProcess) process = message.fNumber;
+    if (message.fKind == kFailed) {
+      PrintFailure(message.Text(0),
+                   {static_cast<EQDXStatusCode>(message.fNumber), message.Text(1)});
+    }
+    if (message.fKind == kDone) code = static_cast<EExitCode>(message.fNumber);
+  };
+  std::string reason = "it ended early";
+  job.fEnd = [&reason](const TWorkerEnd& end) {
+    if (!end.fIsNormal) reason = end.fReason;
+  };
+  // The kernel counts the bytes that a process reads and writes. Where it does not, the time is not
+  // limited, since progress cannot be seen.
+  job.fProgress = [&process, calls = 0]() mutable {
+    std::ifstream file("/proc/" + std::to_string(process) + "/io");
+    const std::string counts(std::istreambuf_iterator<char>(file), {});
+    return counts.empty() ? std::to_string(++calls) : counts;
+  };
+  job.fDescriptors = descriptors;
+  TWorkerLimits limits;
+  limits.fTime = timeout;
+  limits.fMemory = 0;  // the code is our own
+  limits.fDelivery = std::numeric_limits<std::uint64_t>::max();
+  RunWorkers({job}, limits, ShowWaiting());
+  if (!code)
+    throw TCommandFailure(kExitTransferFailed, action, {kQDXStatusConnectionFailed, reason});
+  if (*code != kExitDone) throw TCommandFailure(*code);
+}
+
+}  // namespace NVORNQDX20

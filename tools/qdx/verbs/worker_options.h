@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+/// The options with the limits of plug-ins, and the line that says who is being waited for.
+#ifndef TOOLS_QDX_VERBS_WORKER_OPTIONS_H_
+#define TOOLS_QDX_VERBS_WORKER_OPTIONS_H_
+
+#include <qdxplugin_host/worker.h>
+
+#include <vector>
+
+#include "cli/arguments.h"
+
+namespace NVORNQDX20 {
+
+/// The options --timeout, --memory and --user.
+std::vector<TOptionSpec> WorkerOptions();
+
+/// Returns the limits that they set. Throws a TCommandFailure for a bad value.
+NPluginHost::TWorkerLimits LimitsOf(const TArguments& arguments);
+
+/// Parses a number of seconds from 1 to 65535. Throws a TCommandFailure for anything else.
+std::chrono::seconds SecondsOf(const std::string& text);
+
+/// Returns a function that shows on a terminal, after a second, who is being waited for.
+NPluginHost::TWaitCallback ShowWaiting();
+
+}  // namespace NVORNQDX20
+
+#endif  // TOOLS_QDX_VERBS_WORKER_OPTIONS_H_
