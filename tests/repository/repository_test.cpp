@@ -121,6 +121,12 @@ TEST(RepositoryProvider, ServesItsNamespacesByName) {
   EXPECT_EQ(provider.GetName({}), "mine");
   EXPECT_EQ(provider.GetNamespace("Root/CIMv2", {}), first);
   EXPECT_QDX_STATUS(provider.GetNamespace("root", {}), kQDXStatusNotFound);
+  provider.AddNamespace(MakeRepositoryNamespace("other"));
+  std::string names;
+  for (const bool goesOn : {true, false}) {
+    provider.EnumerateNamespaceNames([&](auto& name) { return names += name + " ", goesOn; }, {});
+  }
+  EXPECT_EQ(names, "root/cimv2 other root/cimv2 ");
 }
 
 /// Everything in it that refers to the namespace itself, in all ways a value can.

@@ -59,7 +59,7 @@ TEST(ForeignWriter, IsFoundAlongTheWholeWay) {
 
 TEST(ForeignWriter, IsTheOwnerUnlessItIsTheCommands) {
   if (::geteuid() != 0) return;  // only root can give files away
-  constexpr uid_t kUser = 47110815;
+  constexpr uid_t kUser = 65534;
   const auto give = [](const char* name) {
     return [=](const std::string& path) {
       std::filesystem::create_symlink("../b/file", path + "a/link");
@@ -67,14 +67,22 @@ TEST(ForeignWriter, IsTheOwnerUnlessItIsTheCommands) {
       ::chmod((path + "a").c_str(), 01777);
     };
   };
-  const std::string may = "user 47110815 may write to ";
+  const std::string may = "user nobody may write to ";
   const std::string away = "; 'chown root' takes that right away";
   EXPECT_EQ(Found("a/file", give("a")), may + "folder a" + away);
   EXPECT_EQ(Found("a/file", give("a/file")), may + "it" + away);
   EXPECT_EQ(Found("a/link", give("a/link")), may + "it" + away);
   EXPECT_EQ(Found("a/file", give("a"), kUser), "nobody");
-  EXPECT_EQ(Found("a/file", Mode("a", 0775)),
-            "group root may write to folder a; 'chmod g-w' takes that right away");
+  const auto ofDaemon = [](gid_t group) {
+    return [=](const std::string& path) {
+      ::chown((path + "a").c_str(), 1, group);
+      ::chmod((path + "a").c_str(), 0775);
+    };
+  };
+  EXPECT_EQ(Found("a/file", ofDaemon(1), 1), "nobody");
+  const std::string groups = " may write to folder a; 'chmod g-w' takes that right away";
+  EXPECT_EQ(Found("a/file", ofDaemon(2), 1), "group bin" + groups);
+  EXPECT_EQ(Found("a/file", Mode("a", 0775)), "group root" + groups);
 }
 
 }  // namespace
