@@ -117,44 +117,40 @@ bool IsInstalledWithCommand(const TPluginFile& plugin) {
   return plugin.fService == "linux" || plugin.fService == "cimxml";
 }
 
-/// Leaves a provider out whose name another library has: the one that is installed with the
-/// command, else the first one, so that the same one wins on every machine.
-class TNames {
- public:
-  explicit TNames(std::vector<TAskedLibrary>& libraries) {
-    for (const bool isOurs : {true, false}) {
-      for (TAskedLibrary& library : libraries) {
-        if (IsInstalledWithCommand(library.fPlugin) == isOurs) Add(library);
-      }
+template <typename TOfProvider>
+void EraseOf(const std::string& provider, std::vector<TOfProvider>& all) {
+  const auto isOf = [&](const TOfProvider& each) { return each.fOrigin.fProvider == provider; };
+  all.erase(std::remove_if(all.begin(), all.end(), isOf), all.end());
+}
+
+/// Leaves out a provider whose name is in `files`, with the file of its library, and adds others.
+void RefuseTakenNames(TAskedLibrary& library, std::map<std::string, std::string>& files) {
+  std::vector<TAskedProvider> kept;
+  for (const TAskedProvider& provider : library.fProviders) {
+    const auto [other, isNew] = files.try_emplace(provider.fName, library.fPlugin.fPath);
+    if (isNew) {
+      kept.push_back(provider);
+      continue;
+    }
+    library.fLoadFailure = {
+        kQDXStatusInvalidPlugin,
+        "its provider " + provider.fName + " has the name of that in " + other->second};
+    EraseOf(provider.fName, library.fNamespaces);
+    EraseOf(provider.fName, library.fFailures);
+  }
+  library.fProviders = std::move(kept);
+}
+
+/// Of two providers with one name, that of the library that is installed with the command is kept,
+/// else the first one, so that the same one wins on every machine.
+void RefuseTakenNames(std::vector<TAskedLibrary>& libraries) {
+  std::map<std::string, std::string> files;
+  for (const bool isOurs : {true, false}) {
+    for (TAskedLibrary& library : libraries) {
+      if (IsInstalledWithCommand(library.fPlugin) == isOurs) RefuseTakenNames(library, files);
     }
   }
-
- private:
-  void Add(TAskedLibrary& library) {
-    std::vector<TAskedProvider> kept;
-    for (const TAskedProvider& provider : library.fProviders) {
-      const auto [other, isNew] = fFiles.try_emplace(provider.fName, library.fPlugin.fPath);
-      if (isNew) {
-        kept.push_back(provider);
-      } else {
-        library.fLoadFailure = {
-            kQDXStatusInvalidPlugin,
-            "its provider " + provider.fName + " has the name of that in " + other->second};
-        Erase(library.fNamespaces, provider.fName);
-        Erase(library.fFailures, provider.fName);
-      }
-    }
-    library.fProviders = kept;
-  }
-
-  template <typename TOfProvider>
-  static void Erase(std::vector<TOfProvider>& all, const std::string& provider) {
-    const auto isOf = [&](const TOfProvider& each) { return each.fOrigin.fProvider == provider; };
-    all.erase(std::remove_if(all.begin(), all.end(), isOf), all.end());
-  }
-
-  std::map<std::string, std::string> fFiles;  // by name of the provider
-};
+}
 
 }  // namespace
 
@@ -177,7 +173,7 @@ std::vector<TAskedLibrary> AskProviders(const std::vector<TPluginFile>& plugins,
                     [&answer](const TWorkerEnd& end) { answer.End(end); }});
   }
   RunWorkers(jobs, limits, wait);
-  TNames{libraries};
+  RefuseTakenNames(libraries);
   return libraries;
 }
 

@@ -129,7 +129,7 @@ class TChild {
     const auto deadline = TClock::now() + kPatience;
     while (WaitForEnded()) {                       // orphans become children of this process
       if (!HasEnded()) ::kill(fProcess, SIGKILL);  // also where there is no /proc
-      const std::vector<pid_t> all = Descendants();
+      std::vector<pid_t> all = Descendants();
       for (const pid_t process : all) ::kill(process, SIGKILL);
       if (TClock::now() > deadline) return all;
       ::usleep(500);

@@ -44,7 +44,7 @@ TEST(QDXBadPlugins, AreRefusedBeforeTheyCanDoHarm) {
   installation.AddLinuxProvider();
   std::string lines;
   const auto expect = [&](const std::string& service, const std::string& why) {
-    const std::string name = "lib" + service + ".nsp.so";
+    std::string name = "lib" + service + ".nsp.so";
     lines += "qdx: loading provider " + (installation.Folder() / name).string() + ": " + why + "\n";
     return name;
   };

@@ -48,7 +48,7 @@ inline void LeaveOrphan(bool ownSession) {
 inline void FreeTwice() {
   void* volatile memory = ::operator new(24);
   ::operator delete(memory);
-  ::operator delete(memory);
+  ::operator delete(memory);  // NOLINT(clang-analyzer-cplusplus.NewDelete): that is the mistake
 }
 
 inline void Misbehave(const std::string& what) {

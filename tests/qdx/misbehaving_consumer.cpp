@@ -16,7 +16,8 @@ class TMisbehavingConsumer : public INamespaceConsumer {
 
   void Consume(boost::shared_ptr<ICIMNamespace> ns, TOptionsMap options) override {
     std::ofstream(std::string(options["file"]), std::ios::app) << ns->GetName({}) << std::endl;
-    Misbehave(std::getenv("QDX_MISBEHAVE"));
+    const char* const what = std::getenv("QDX_MISBEHAVE");
+    if (what != nullptr) Misbehave(what);
   }
 
  private:

@@ -25,6 +25,7 @@ void Do(const std::string& where) {
 
 class TMisbehavingProvider : public INamespaceProvider {
  public:
+  // NOLINTNEXTLINE(bugprone-exception-escape): one of the mistakes
   ~TMisbehavingProvider() override { Do("end"); }
 
   const std::string& GetName(TOptionsMap) const override {
