@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Date-times, each next to its limit: the C library alone, or hand-written code.
 #include <qdxcore/datetime.h>
+#include <qdxcore/os_specific.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -12,6 +13,7 @@
 namespace {
 
 using NVORNQDX20::TCIMDateTime;
+using NVORNQDX20::TOSSpecific;
 
 const std::string kText = "20040315143000.000000+060";
 
@@ -22,6 +24,13 @@ void DateTimeParse(benchmark::State& state) {
   }
 }
 BENCHMARK(DateTimeParse);
+
+/// What each log line needs. With TZ unset, the C library looks at /etc/localtime each time.
+void DateTimeNow(benchmark::State& state) {
+  ::unsetenv("TZ");
+  for (auto _ : state) benchmark::DoNotOptimize(TOSSpecific::GetLocalTime());
+}
+BENCHMARK(DateTimeNow);
 
 /// Every operation that creates a date-time allocates once.
 void LimitMallocAndFree(benchmark::State& state) {

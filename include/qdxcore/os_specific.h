@@ -207,7 +207,8 @@ class QDXCORE_EXPORT TOSSpecific {
   /// Takes milliseconds, despite the name; they are converted to microseconds modulo 2^32.
   static void USleep(std::uint32_t milliseconds);
   /// Returns the current time, to the millisecond, with the current offset. Null during the time,
-  /// about an hour, that the host's zone skips and TCIMDateTime rejects.
+  /// about an hour, that the host's zone skips and TCIMDateTime rejects. Notices a changed TZ at
+  /// once, and a replaced /etc/localtime within a second.
   static TCIMDateTime GetLocalTime();
   /// The host name. Throws kQDXStatusFail if it cannot be read or has 64 characters or more.
   static std::string GetMachineName();

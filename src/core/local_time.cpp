@@ -2,9 +2,9 @@
 #include "local_time.h"
 
 #include <qdxcore/status.h>
+#include <qdxsystem/zone_variable.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <ctime>
 
 namespace NVORNQDX20 {
@@ -84,7 +84,9 @@ bool IsSteadyBetween(std::time_t first, std::time_t last) {
 class TStretches {
  public:
   bool IsSteady(std::int32_t number) {
-    if (!KnowsZone()) AdoptZone();
+    if (fZone.HasChanged()) {
+      for (TEntry& entry : fEntries) entry.fIsKnown = false;
+    }
     TEntry& entry = fEntries[static_cast<std::size_t>(number) % kEntries];
     if (!entry.fIsKnown || entry.fNumber != number) {
       ::tzset();  // localtime_r() does not check for a changed zone
@@ -102,24 +104,7 @@ class TStretches {
   };
   static constexpr std::size_t kEntries = 2048;  // ninety years
 
-  bool KnowsZone() const {
-    const char* const zone = std::getenv("TZ");
-    return zone == nullptr ? fZoneState == kUnset
-                           : fZoneState == kSet && std::strcmp(zone, fZone) == 0;
-  }
-
-  void AdoptZone() {
-    const char* const zone = std::getenv("TZ");
-    const std::size_t size = zone == nullptr ? 0 : std::strlen(zone) + 1;
-    const bool fits = size <= sizeof fZone;
-    if (fits && zone != nullptr) std::memcpy(fZone, zone, size);
-    // A name that is too long to be stored is adopted again each time.
-    fZoneState = zone == nullptr ? kUnset : fits ? kSet : kUnknown;
-    for (TEntry& entry : fEntries) entry.fIsKnown = false;
-  }
-
-  enum { kUnknown, kUnset, kSet } fZoneState = kUnknown;
-  char fZone[64] = {};
+  TZoneVariable fZone;
   TEntry fEntries[kEntries] = {};
 };
 

@@ -7,7 +7,9 @@
 #include <csignal>
 #include <cstdlib>
 #include <ctime>
+#include <set>
 
+#include <dlfcn.h>
 #include <unistd.h>
 
 static std::string gHostName;
@@ -17,6 +19,13 @@ extern "C" QDXCORE_EXPORT int gethostname(char* name, std::size_t size) noexcept
   if (gHostName.size() >= size) return -1;
   name[gHostName.copy(name, size)] = '\0';
   return 0;
+}
+
+static int gLooksAtTheZone = 0;
+
+extern "C" QDXCORE_EXPORT void tzset() noexcept {
+  ++gLooksAtTheZone;
+  reinterpret_cast<void (*)()>(::dlsym(RTLD_NEXT, "tzset"))();
 }
 
 using namespace NVORNQDX20;
@@ -47,6 +56,19 @@ TEST(HostClock, CarriesTheOffsetInForce) {
     TOSSpecific::USleep(2);
   }
   EXPECT_NE(microseconds, 0U);
+}
+
+TEST(HostClock, LooksAtTheZoneOncePerSecond) {
+  ::unsetenv("TZ");
+  const auto now = [] { return TOSSpecific::GetLocalTime().ToString().substr(0, 14); };
+  std::set<std::string> seconds = {now()};
+  gLooksAtTheZone = 0;
+  for (int i = 0; i < 1000; ++i) {
+    seconds.insert(now());
+    if (i == 500) TOSSpecific::USleep(1000);
+  }
+  EXPECT_GE(seconds.size(), 2U);
+  EXPECT_EQ(gLooksAtTheZone, static_cast<int>(seconds.size()) - 1);
 }
 
 TEST(HostName, ServesAsTheNameOfTheSystemToo) {

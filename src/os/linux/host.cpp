@@ -2,6 +2,7 @@
 // The time and the names of this machine, and operations that do nothing on Linux.
 #include <qdxcore/os_specific.h>
 #include <qdxcore/status.h>
+#include <qdxsystem/zone_variable.h>
 
 #include <cerrno>
 #include <ctime>
@@ -10,6 +11,28 @@
 
 namespace NVORNQDX20 {
 namespace {
+
+/// A cache: the local time of one second. A changed TZ is noticed at once, and a replaced
+/// /etc/localtime after the second.
+class TLocalSecond {
+ public:
+  const tm& At(time_t second) {
+    const bool isOtherZone = fZone.HasChanged();
+    if (isOtherZone || second != fSecond) {
+      ::tzset();  // slow, since it looks at /etc/localtime; localtime_r does not look
+      ::localtime_r(&second, &fLocal);
+      fSecond = second;
+    }
+    return fLocal;
+  }
+
+ private:
+  TZoneVariable fZone;
+  time_t fSecond = 0;
+  tm fLocal{};
+};
+
+thread_local TLocalSecond gLocalSecond;
 
 TCIMDateTime MakePoint(const tm& local, long milliseconds, std::int16_t utcOffset) {
   return TCIMDateTime(
@@ -35,10 +58,7 @@ void TOSSpecific::USleep(std::uint32_t milliseconds) {
 TCIMDateTime TOSSpecific::GetLocalTime() {
   timespec now{};
   ::clock_gettime(CLOCK_REALTIME, &now);
-  ::tzset();  // localtime_r does not look for a changed TZ by itself
-  tm local{};
-  ::localtime_r(&now.tv_sec, &local);
-
+  const tm& local = gLocalSecond.At(now.tv_sec);
   const long milliseconds = now.tv_nsec / 1000000;
   try {
     return MakePoint(local, milliseconds, static_cast<std::int16_t>(local.tm_gmtoff / 60));
