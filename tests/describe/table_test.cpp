@@ -194,6 +194,7 @@ struct TNode {
 };
 
 TNumber HalfOfID(const TNode& node) {
+  if (*node.fID == 1) throw TExplainedException(kQDXStatusNotFound, "first");
   if (*node.fID % 2 != 0) throw std::out_of_range("odd");
   return *node.fID / 2;
 }
@@ -224,7 +225,7 @@ TEST(Tables, LeaveOutWhatHasNoKeysOfItsOwn) {
                                           "ID=5 Parent=null Half=null "};
   EXPECT_EQ(InstancesOf(*ns, "T_Node"), nodes);
   const TMissingReasons reasons = {
-      {{"T_Node", "1", "Half"}, "odd"},
+      {{"T_Node", "1", "Half"}, "first"},
       {{"T_Node", "2", "Parent"}, "there is no T_Node 3"},
       {{"T_Node", "5", "Half"}, "odd"},
       {{"T_Node", "5", "Parent"}, "refers to nothing"},
@@ -235,6 +236,12 @@ TEST(Tables, LeaveOutWhatHasNoKeysOfItsOwn) {
 
 TTable<TOnly> Table(const char* name, const TTable<TOnly>::TRows& rows) {
   return {name, "", kOnly, rows};
+}
+
+TEST(Tables, PassOnThatMemoryRanOut) {
+  const auto fail = [](const TOnly&) -> bool { throw TQDXException(kQDXStatusOutOfMemory); };
+  const auto provider = MakeProvider("test", "root/test", {Table("T_A", {{"Id", "", fail, kKey}})});
+  EXPECT_QDX_STATUS(provider->GetNamespace("root/test", {}), kQDXStatusOutOfMemory);
 }
 
 TEST(Tables, AreRefusedWhereTheyContradictThemselves) {
