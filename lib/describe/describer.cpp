@@ -356,8 +356,10 @@ bool IsAssociation(const TStep& step) { return step.fDeclaration->fIsAssociation
 TCell NDetail::CellOfException() {
   try {
     throw;
-  } catch (const TExplainedException& failure) {
-    return {TCIMValue(), failure.GetReason(), {}};
+  } catch (const TQDXException& failure) {
+    if (failure.GetStatusCode() == kQDXStatusOutOfMemory) throw;
+    const auto* const explained = dynamic_cast<const TExplainedException*>(&failure);
+    return {TCIMValue(), explained != nullptr ? explained->GetReason() : failure.what(), {}};
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const std::exception& failure) {

@@ -53,7 +53,7 @@ TMissingReasons ReadMissingReasons(const ICIMNamespace& ns) {
                       Text(instance, "Reason"));
     });
   } catch (const std::bad_alloc&) {
-    throw;  // the reasons are not to be lost
+    throw;         // the reasons are not to be lost
   } catch (...) {  // what the provider of the namespace throws can be of any type
     return reasons;
   }
