@@ -162,6 +162,7 @@ TEST(Tables, ResolveReferencesByKeys) {
 TEST(Tables, GiveOnlyTheWantedClassesAndThoseTheyNeed) {
   const std::pair<const char*, std::string> rows[] = {
       {"t_fastport", "T_FastPort T_Port VORNSG_UnavailableValue "},
+      {"T_Port", "T_FastPort T_Port VORNSG_UnavailableValue "},
       {"T_Link", "T_FastPort T_Link T_Port VORNSG_UnavailableValue "},
       {"T_None", "VORNSG_UnavailableValue "}};
   for (const auto& [wanted, expected] : rows) {
@@ -176,7 +177,12 @@ TEST(Tables, GiveOnlyTheWantedClassesAndThoseTheyNeed) {
       }
     }
     EXPECT_EQ(names, expected);
+    EXPECT_EQ(ReadMissingReasons(*ns).count({"T_Nothing", "", ""}), 0U);
   }
+  for (const TOptionsMap& options : {TOptionsMap{{"classes", "T_Port"}}, {{"root", 7}}}) {
+    EXPECT_QDX_STATUS(Provider()->GetNamespace("root/test", options), kQDXStatusTypeMismatch);
+  }
+  EXPECT_QDX_STATUS(Provider()->GetNamespace("root/other", {}), kQDXStatusNotFound);
 }
 
 TEST(Tables, HaveNoMoreInstancesThanTheirLimit) {
@@ -271,29 +277,16 @@ TEST(Tables, AreRefusedWhereTheyContradictThemselves) {
 }
 
 TEST(Units, FollowTheGrammar) {
-  const std::pair<const char*, bool> rows[] = {{"byte * 10^3", true},
-                                               {"bit / second", true},
-                                               {"degree celsius", true},
-                                               {"ampere*second/meter / 60", true},
-                                               {"decibel(m) * 10 ^ -1", true},
-                                               {"", true},
-                                               {"byte * 1024 / 2^+10", true},
-                                               {"%", false},
-                                               {"byte *", false},
-                                               {"byte * 10^", false},
-                                               {"/ second", false},
-                                               {"byte * 10^3 / second", false},
-                                               {"byte per second, roughly", false},
-                                               {"byte * 0", false}};
-  for (const auto& [unit, isValid] : rows) {
-    const auto check = [unit = unit] {
-      CheckClasses<TRequest>({Table("T_A", {{"Id", "", Constant(1), kKey, TUnit{unit}}})});
-    };
-    if (isValid) {
-      EXPECT_NO_THROW(check()) << unit;
-    } else {
-      EXPECT_QDX_STATUS(check(), kQDXStatusInvalidClass);
-    }
+  const auto check = [](const char* unit) {
+    CheckClasses<TRequest>({Table("T_A", {{"Id", "", Constant(1), kKey, TUnit{unit}}})});
+  };
+  for (const char* unit : {"", "degree celsius", "byte * 10^3", "ampere*second/meter / 60",
+                           "decibel(m) * 10 ^ -1", "byte * 1024 / 2^+10"}) {
+    EXPECT_NO_THROW(check(unit)) << unit;
+  }
+  for (const char* unit : {"%", "byte *", "byte * 10^", "/ second", "byte * 10^3 / second",
+                           "byte per second, roughly", "byte * 0"}) {
+    EXPECT_QDX_STATUS(check(unit), kQDXStatusInvalidClass);
   }
 }
 

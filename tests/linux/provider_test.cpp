@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <set>
 
 namespace NVORNQDX20 {
 namespace {
@@ -61,46 +60,6 @@ TEST(LinuxProvider, NamesTheSystemAsTheDistributionElseAsTheKernelDoes) {
     EXPECT_EQ(machine.Value("VORNSG_OperatingSystem", "Name"), name);
   }
   EXPECT_EQ(machine.Value("VORNSG_OperatingSystem", "Version"), "9");
-}
-
-/// The classes of a namespace without their common prefix, each with a blank behind it.
-std::string ClassesOf(const ICIMNamespace& ns) {
-  std::vector<boost::shared_ptr<ICIMClass>> roots;
-  ns.EnumerateClasses(TAddToVectorCallback(roots), {});
-  std::set<std::string> names;
-  for (const auto& root : roots) {
-    std::vector<boost::shared_ptr<ICIMClass>> classes = {root};
-    root->EnumerateSubclasses(TAddToVectorCallback(classes), true, {});
-    for (const auto& each : classes) names.insert(each->GetName({}).substr(7));
-  }
-  std::string text;
-  for (const std::string& name : names) text += name + " ";
-  return text;
-}
-
-TEST(LinuxProvider, DescribesOnlyWhatIsAskedFor) {
-  const std::string devices = "DiskDrive EthernetPort LogicalDevice PCIDevice Processor ";
-  const std::pair<std::vector<TCIMValue>, std::string> rows[] = {
-      {{}, "UnavailableValue "},
-      {{"Other_Class"}, "UnavailableValue "},
-      {{"vornsg_computersystem", "VORNSG_QDXProduct"},
-       "ComputerSystem QDXProduct UnavailableValue "},
-      {{"VORNSG_Processor"}, "LogicalDevice Processor UnavailableValue "},
-      {{"VORNSG_LogicalDevice"}, devices + "UnavailableValue "},
-      {{"VORNSG_SystemDevice"}, "ComputerSystem " + devices + "SystemDevice UnavailableValue "}};
-  const TMachine machine;
-  machine.Write("proc/cpuinfo", "processor : 0\n");
-  for (const auto& [classes, expected] : rows) {
-    const TCIMValue wanted(TCIMValue::TCIMType::kCIMTypeString, 0, classes);
-    const auto ns = Describe({{"root", machine.Path().string()}, {"classes", wanted}});
-    EXPECT_EQ(ClassesOf(*ns), expected);
-    const bool hasProcessor = expected.find("Processor") != std::string::npos;
-    EXPECT_EQ(ReasonsOf(*ns).count("CPU0Name"), hasProcessor) << expected;
-  }
-  EXPECT_QDX_STATUS(Describe({{"classes", "VORNSG_Processor"}}), kQDXStatusTypeMismatch);
-  EXPECT_QDX_STATUS(Describe({{"root", 7}}), kQDXStatusTypeMismatch);
-  const auto provider = TRootObject::GetNamespaceProviderManager()->GetNamespaceProvider("linux");
-  EXPECT_QDX_STATUS(provider->GetNamespace("root/other", {}), kQDXStatusNotFound);
 }
 
 boost::shared_ptr<ICIMNamespace> DescribeThisMachine() { return Describe({}); }
