@@ -47,9 +47,9 @@ struct TPipe {
 /// number, and redirecting a child's streams would overwrite it.
 TPipe OpenPipe();
 
-/// Opens /dev/null, or an empty pipe, on each standard descriptor that is closed. Otherwise the next
-/// file that is opened, such as a log, would get its number and its output. Opened read-only, so
-/// that writing to a closed standard output still fails.
+/// Opens /dev/null, or an empty pipe, on each standard descriptor that is closed. Otherwise the
+/// next file that is opened, such as a log, would get its number and its output. Opened read-only,
+/// so that writing to a closed standard output still fails.
 void OccupyStandardDescriptors();
 
 }  // namespace NVORNQDX20
