@@ -104,7 +104,7 @@ void TMachine::AddFailure(const TProviderFailure& failure) {
   PrintFailure(ActionOn(failure.fOrigin, failure.fOperation), failure.fFailure);
 }
 
-/// Adds the answer of a library to those of the others.
+/// Adds what a library delivered to that of the others.
 void TMachine::Add(const TAskedLibrary& library, TAnswers& answers) {
   const auto& [plugin, loadFailure, providers, namespaces, failures, warnings] = library;
   if (loadFailure) {

@@ -57,7 +57,7 @@ class TMachine {
   bool IsComplete() const { return fFailures.empty() && !fHasWarned; }
 
  private:
-  /// What the libraries answer, in their order.
+  /// What the libraries delivered, in their order.
   struct TAnswers {
     std::set<std::string> fNames;                                         ///< Of all providers.
     std::vector<std::pair<std::string, TProviderFailure>> fLoadFailures;  ///< With the file.

@@ -34,7 +34,7 @@ std::vector<TAskedConsumer> AskConsumers(const std::vector<TPluginFile>& plugins
 /// What a consumer is to write.
 struct TConsumerRequest {
   std::vector<TMachineNamespace> fNamespaces;
-  std::string fFile;  ///< "-" for standard output, which the answer contains.
+  std::string fFile;  ///< "-" for standard output, which becomes fOutput.
 };
 
 /// Passes the namespaces to the consumer, in this order, until it fails. In its process providers

@@ -55,7 +55,7 @@ struct TAskedProvider {
   std::chrono::microseconds fTime{0};
 };
 
-/// The answer of one library. All of it is what was delivered before a failure.
+/// What one library delivered; after a failure, what it delivered before.
 struct TAskedLibrary {
   TPluginFile fPlugin;
   std::optional<TExplainedException> fLoadFailure = {};
