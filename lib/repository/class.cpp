@@ -154,6 +154,7 @@ boost::shared_ptr<ICIMMethodDecl> TClass::CreateMethodDecl(const std::string& na
                                                            TOptionsMap) {
   fQualifiers.RequireOpen();
   auto method = std::make_unique<TMethodDecl>(*this, name, returnType, FindInheritedMethod(name));
+  ReserveOne(fOwnMethods);
   if (!fMethods.Add(*method)) throw Taken(method->Description());
   fOwnMethods.push_back(std::move(method));
   return boost::shared_ptr<ICIMMethodDecl>(Handle(), fOwnMethods.back().get());

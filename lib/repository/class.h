@@ -17,6 +17,7 @@
 #include "instance_table.h"
 #include "method.h"
 #include "names.h"
+#include "ownership.h"
 #include "property.h"
 #include "qualifier.h"
 
@@ -79,6 +80,8 @@ class TClass final : public ICIMClass,
   boost::shared_ptr<TClass> Handle() const;
 
   void AddProperty(TPropertyDecl& decl);
+  /// Makes room, so that AddSubclass() cannot fail.
+  void ReserveSubclass() { ReserveOne(fSubclasses); }
   void AddSubclass(TClass& subclass) { fSubclasses.push_back(&subclass); }
   /// Returns false if an instance with the same keys exists.
   [[nodiscard]] bool AddInstance(const boost::shared_ptr<TInstance>& instance) {

@@ -66,13 +66,18 @@ void TNamespace::EnumerateQualifierDecls(const TEnumerationCallback<ICIMQualifie
 }
 
 void TNamespace::Add(const boost::shared_ptr<TClass>& cimClass) {
+  TClass* const superclass = cimClass->GetSuperclass();
+  // Memory that runs out later would leave a class that nothing owns.
+  ReserveOne(fOwnedClasses);
+  if (superclass != nullptr) superclass->ReserveSubclass();
   if (!fClasses.Add(*cimClass)) throw Taken(cimClass->Description());
   fOwnedClasses.push_back(cimClass);
-  if (cimClass->GetSuperclass() != nullptr) cimClass->GetSuperclass()->AddSubclass(*cimClass);
+  if (superclass != nullptr) superclass->AddSubclass(*cimClass);
 }
 
 void TNamespace::Add(const boost::shared_ptr<TQualifierDecl>& decl) {
   if (FindQualifierDecl(decl->GetName()) == decl.get()) throw CommittedAlready(decl->Description());
+  ReserveOne(fOwnedDecls);
   if (!fQualifierDecls.Add(*decl)) throw Taken(decl->Description());
   fOwnedDecls.push_back(decl);
 }

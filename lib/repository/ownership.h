@@ -9,6 +9,7 @@
 #define LIB_REPOSITORY_OWNERSHIP_H_
 
 #include <utility>
+#include <vector>
 
 #include <boost/shared_ptr.hpp>
 #include <boost/smart_ptr/make_shared.hpp>
@@ -24,6 +25,13 @@ boost::shared_ptr<TElement> HoldWithNamespace(const boost::shared_ptr<TNamespace
   // A pair destroys its second member first, so that elements are destroyed before their namespace.
   using THold = std::pair<boost::shared_ptr<TNamespace>, boost::shared_ptr<TElement>>;
   return boost::shared_ptr<TElement>(boost::make_shared<THold>(ns, element), element.get());
+}
+
+/// Makes room for one more owner, so that push_back() cannot fail: an element that is registered by
+/// name must not be destroyed because memory runs out.
+template <typename TOwner>
+void ReserveOne(std::vector<TOwner>& owners) {
+  if (owners.size() == owners.capacity()) owners.reserve(2 * owners.size() + 1);
 }
 
 }  // namespace NVORNQDX20::NRepository

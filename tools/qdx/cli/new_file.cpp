@@ -69,6 +69,7 @@ TNewFile::TNewFile(const std::string& folder, const std::string& suffix,
   const std::string pattern = folder + "/.qdx-XXXXXX" + suffix;
   if (pattern.size() >= sizeof(gPath)) FailToWrite(shownAs, ErrorText(ENAMETOOLONG));
   RemoveOnSignals();
+  fPath = pattern;  // the name will have the same size: no memory is needed once the file exists
   // mkostemp fills in the handler's path, so that a signal never leaves a file behind.
   *std::copy(pattern.begin(), pattern.end(), gPath) = '\0';
   fDescriptor = TDescriptor(::mkostemps(gPath, static_cast<int>(suffix.size()), O_CLOEXEC));
