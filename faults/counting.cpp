@@ -71,7 +71,8 @@ constexpr TErrorName kErrors[] = {{"EIO", EIO},       {"EACCES", EACCES},   {"EN
                                   {"ENOSPC", ENOSPC}, {"EMFILE", EMFILE},   {"EINTR", EINTR},
                                   {"ENOSYS", ENOSYS}, {"SHORT", kShortCall}};
 
-constexpr std::size_t kProcesses = 8;
+constexpr unsigned kProcesses = 256;
+constexpr unsigned kMostChildren = 16;
 
 /// What one process did. Read by script/faults.
 struct TProcess {
@@ -194,9 +195,10 @@ TPause::~TPause() { gIsPaused = fWasPaused; }
 void ExpectChild() { ++gChildren; }
 
 void BecomeChild() {
-  gProcessNumber = gChildren;
-  const bool isRecorded = gRecord != nullptr && gChildren < kProcesses;
-  gProcess = isRecorded ? &gRecord->fProcesses[gChildren] : &gUnrecorded;
+  gProcessNumber = gProcessNumber * kMostChildren + gChildren;
+  gChildren = 0;
+  const bool isRecorded = gRecord != nullptr && gProcessNumber < kProcesses;
+  gProcess = isRecorded ? &gRecord->fProcesses[gProcessNumber] : &gUnrecorded;
   if (!isRecorded) std::memset(gUnrecorded.fCounts, 0, sizeof(gUnrecorded.fCounts));
 }
 

@@ -2,7 +2,7 @@
 // A library for LD_PRELOAD that makes the n-th allocation or the n-th call of the system fail:
 //
 //   QDX_FAULT=PROCESS:CALL:NUMBER:ERROR
-//     PROCESS  0 for the program, 1 for its first child, and so on; each counts from 1
+//     PROCESS  0 for the program; the first child of process N is N * 16 + 1, the second + 2
 //     CALL     a name in kCalls (counting.cpp); each is counted for itself
 //     NUMBER   the first one that fails
 //     ERROR    for a call a name such as EIO, or SHORT for a part of the bytes;
