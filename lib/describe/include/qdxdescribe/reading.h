@@ -3,6 +3,8 @@
 #ifndef QDXDESCRIBE_READING_H_
 #define QDXDESCRIBE_READING_H_
 
+#include <qdxcore/status.h>
+
 #include <functional>
 #include <optional>
 #include <string>
@@ -19,6 +21,9 @@ struct TMissing {
 
 inline TMissing Missing(std::string reason) { return {std::move(reason)}; }
 
+/// The reason of a null without another one.
+inline constexpr const char* kNotRead = "was not read";
+
 template <typename T>
 class TReading;
 
@@ -26,6 +31,16 @@ template <typename T>
 inline constexpr bool kIsReading = false;
 template <typename T>
 inline constexpr bool kIsReading<TReading<T>> = true;
+
+namespace NDetail {
+
+template <typename U, typename T>
+inline constexpr bool kIsMistakenFor = std::is_pointer_v<U> ||
+                                       (std::is_arithmetic_v<U> &&
+                                        (std::is_same_v<U, bool> != std::is_same_v<T, bool> ||
+                                         (std::is_floating_point_v<U> && std::is_integral_v<T>)));
+
+}  // namespace NDetail
 
 /// A value or a reason, never both.
 ///
@@ -38,22 +53,46 @@ class TReading {
  public:
   using TValue = T;
 
-  TReading() : fReason("was not read") {}
+  TReading() : fReason(kNotRead) {}
   TReading(T value) : fValue(std::move(value)) {}
-  TReading(TMissing missing) : fReason(std::move(missing.fReason)) {}
-  /// For what converts to a class, such as a literal to a string. Numbers convert by the
-  /// constructor above, so that the compiler warns where digits can be lost.
+  TReading(TMissing missing) : fReason(std::move(missing.fReason)) {
+    if (fReason.empty()) fReason = kNotRead;
+  }
+  /// For what converts to a class, such as a literal to a string; a null pointer has no value.
+  /// Numbers convert by the constructor above, so that the compiler warns where digits can be lost.
   template <typename U,
-            typename = std::enable_if_t<std::is_class_v<T> && std::is_constructible_v<T, const U&>>>
-  TReading(const U& value) : fValue(T(value)) {}
+            std::enable_if_t<std::is_class_v<T> && std::is_convertible_v<const U&, T>, int> = 0>
+  TReading(const U& value) {
+    if constexpr (std::is_pointer_v<U>) {
+      if (value == nullptr) {
+        fReason = kNotRead;
+        return;
+      }
+    }
+    fValue.emplace(value);
+  }
+  /// Refused, since C++ converts them: a pointer or a number to true, a bool to a number, and a
+  /// number to one without the digits after the point.
+  template <typename U,
+            std::enable_if_t<std::is_arithmetic_v<T> && NDetail::kIsMistakenFor<U, T>, int> = 0>
+  TReading(U value) = delete;
 
   explicit operator bool() const noexcept { return fValue.has_value(); }
-  /// REQUIRES: there is a value.
-  const T& operator*() const { return *fValue; }
-  const T* operator->() const { return &*fValue; }
+  /// Throws a TExplainedException with the reason, and kQDXStatusValueIsNULL, if there is no value.
+  /// A temporary gives its value away, so that a loop over it is safe.
+  const T& operator*() const& { return *operator->(); }
+  T operator*() && {
+    (void)operator->();
+    return *std::move(fValue);
+  }
+  const T* operator->() const {
+    if (!fValue) throw TExplainedException(kQDXStatusValueIsNULL, fReason);
+    return &*fValue;
+  }
   T ValueOr(T other) const { return fValue.value_or(std::move(other)); }
   /// Empty if there is a value.
-  const std::string& GetReason() const noexcept { return fReason; }
+  const std::string& GetReason() const& noexcept { return fReason; }
+  std::string GetReason() && { return std::move(fReason); }
 
   /// Returns a reading of `convert(value)`, or the same reason.
   template <typename TConvert>
