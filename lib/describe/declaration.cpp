@@ -310,6 +310,10 @@ boost::shared_ptr<ICIMClass> DeclareClass(ICIMNamespace& ns, const TClassDeclara
   return declared;
 }
 
+bool NDetail::AreSameName(const std::string& one, const std::string& other) {
+  return NModel::EqualIgnoringCase(one, other);
+}
+
 void DeclareVolatileQualifier(ICIMNamespace& ns) { (void)Declared(ns, kVolatile); }
 
 boost::shared_ptr<ICIMInstance> AddInstance(ICIMClass& cimClass, const TValues& values) {

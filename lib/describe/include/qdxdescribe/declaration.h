@@ -61,6 +61,13 @@ struct TClassDeclaration {
 /// Superclass and referenced classes must be committed. Passes on what the namespace throws.
 boost::shared_ptr<ICIMClass> DeclareClass(ICIMNamespace& ns, const TClassDeclaration& declaration);
 
+namespace NDetail {
+
+/// Returns whether the names are equal but for the case of their letters.
+bool AreSameName(const std::string& one, const std::string& other);
+
+}  // namespace NDetail
+
 /// Property names with values.
 using TValues = std::vector<std::pair<std::string, TCIMValue>>;
 

@@ -29,6 +29,7 @@
 #include <qdxdescribe/reading.h>
 #include <qdxdescribe/row.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <type_traits>
@@ -43,7 +44,7 @@ template <typename TSource>
 struct TInstances {
   TInstances() = default;
   TInstances(std::vector<TSource> all) : fAll(std::move(all)) {}
-  TInstances(TMissing missing) : fReason(std::move(missing.fReason)) {}
+  TInstances(TMissing missing) : fReason(TReading<bool>(std::move(missing)).GetReason()) {}
   TInstances(const TReading<std::vector<TSource>>& all)
       : fAll(all ? *all : std::vector<TSource>()), fReason(all.GetReason()) {}
   TInstances(std::vector<TSource> all, std::string reason)
@@ -130,14 +131,24 @@ class TTable {
   }
 
   /// Makes this a subclass. The superclass's rows are read from the part of the source that is a
-  /// TBase.
+  /// TBase, unless this table has a row of the same name.
   template <typename TBase>
   TTable DerivedFrom(const TTable<TBase, THost>& superclass) && {
     static_assert(std::is_base_of_v<TBase, TSource>, "the source derives from the superclass's");
     fDeclaration.fSuperclass = superclass.fDeclaration.fName;
     std::vector<TColumn> columns;
     for (const auto& [name, read] : superclass.fColumns) columns.push_back({name, read});
-    columns.insert(columns.end(), fColumns.begin(), fColumns.end());
+    for (TColumn& own : fColumns) {
+      const auto same = [&own](const TColumn& inherited) {
+        return NDetail::AreSameName(inherited.fName, own.fName);
+      };
+      const auto overridden = std::find_if(columns.begin(), columns.end(), same);
+      if (overridden == columns.end()) {
+        columns.push_back(std::move(own));
+      } else {
+        *overridden = std::move(own);
+      }
+    }
     fColumns.swap(columns);
     return std::move(*this);
   }
