@@ -18,6 +18,7 @@
 #include <new>
 #include <optional>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace NVORNQDX20::NDescribe {
 namespace {
@@ -25,34 +26,35 @@ namespace {
 using TNamespace = boost::shared_ptr<ICIMNamespace>;
 using TStep = TDescriber::TStep;
 
-/// Finds classes by name, and those that a class needs.
-class TCatalogue {
+/// The wanted classes and all that they need, at any distance.
+class TSelection {
  public:
-  explicit TCatalogue(const std::vector<TStep>& steps) {
+  explicit TSelection(const std::vector<TStep>& steps) {
     for (const TStep& step : steps) fClasses.emplace(step.fDeclaration->fName, step.fDeclaration);
   }
 
-  /// Returns whether a caller that asks for `wanted` needs the class.
-  bool Needs(const std::string& wanted, const TClassDeclaration& cimClass) const {
-    const TClassDeclaration* const found = Find(wanted);
-    if (found == nullptr) return false;
-    if (AreRelated(*found, cimClass)) return true;
-    return std::any_of(found->fProperties.begin(), found->fProperties.end(),
-                       [&](const TPropertyDeclaration& property) {
-                         const auto* const target = Find(property.fReferencedClass);
-                         return target != nullptr && AreRelated(*target, cimClass);
-                       });
+  /// Adds the class with its subclasses, since their instances are also its instances.
+  void Add(const std::string& name) {
+    const TClassDeclaration* const wanted = Find(name);
+    if (wanted == nullptr || !fWanted.insert(wanted).second) return;
+    for (const auto& each : fClasses) {
+      if (IsA(*each.second, *wanted)) AddDeclaration(each.second);
+    }
   }
 
+  bool Has(const TClassDeclaration& cimClass) const { return fDeclared.count(&cimClass) != 0; }
+
  private:
+  /// Adds the class, its superclasses, and what their references can refer to.
+  void AddDeclaration(const TClassDeclaration* each) {
+    for (; each != nullptr && fDeclared.insert(each).second; each = Find(each->fSuperclass)) {
+      for (const TPropertyDeclaration& property : each->fProperties) Add(property.fReferencedClass);
+    }
+  }
+
   const TClassDeclaration* Find(const std::string& name) const {
     const auto found = fClasses.find(name);
     return found == fClasses.end() ? nullptr : found->second;
-  }
-
-  /// Returns whether one is the other or derives from it.
-  bool AreRelated(const TClassDeclaration& one, const TClassDeclaration& other) const {
-    return IsA(one, other) || IsA(other, one);
   }
 
   bool IsA(const TClassDeclaration& derived, const TClassDeclaration& base) const {
@@ -62,6 +64,8 @@ class TCatalogue {
   }
 
   NModel::TNameMap<const TClassDeclaration*> fClasses;
+  std::unordered_set<const TClassDeclaration*> fWanted;
+  std::unordered_set<const TClassDeclaration*> fDeclared;
 };
 
 /// Resolves names of instances to references.
@@ -81,8 +85,13 @@ class TReferences {
     return ReferenceTo(*found->second);
   }
 
-  /// Instances that are added from now on are found, too.
-  void Forget() { fInstances.clear(); }
+  /// Adds a new instance to what was read of its class and superclasses before.
+  void Add(const boost::shared_ptr<ICIMInstance>& instance) {
+    for (auto& [className, instances] : fInstances) {
+      const auto cimClass = instance->GetClass({});
+      if (IsA(cimClass, className)) AddByKey(instance, KeysOf(*cimClass), instances);
+    }
+  }
 
  private:
   /// By the last key; null if several instances have the same.
@@ -103,14 +112,16 @@ class TReferences {
       return;  // not wanted, or an unknown class
     }
     for (const auto& each : NModel::WithSubclasses(cimClass)) {
-      const std::vector<std::string> keys = KeysOf(*each);  // a superclass may have none
-      if (keys.empty()) continue;
-      for (const auto& instance : NModel::InstancesOf(*each)) {
-        std::string key = instance->GetProperty(keys.back(), {})->GetValue().ToString(10);
-        const auto [place, isNew] = instances.emplace(std::move(key), instance);
-        if (!isNew) place->second = nullptr;
-      }
+      const std::vector<std::string> keys = KeysOf(*each);
+      for (const auto& instance : NModel::InstancesOf(*each)) AddByKey(instance, keys, instances);
     }
+  }
+
+  static void AddByKey(const boost::shared_ptr<ICIMInstance>& instance,
+                       const std::vector<std::string>& keys, TInstancesByKey& instances) {
+    std::string key = instance->GetProperty(keys.back(), {})->GetValue().ToString(10);
+    const auto [place, isNew] = instances.emplace(std::move(key), instance);
+    if (!isNew) place->second = nullptr;
   }
 
   static bool IsA(boost::shared_ptr<ICIMClass> cimClass, const std::string& name) {
@@ -177,8 +188,10 @@ class TDescription {
     }
   }
 
+  /// The instance can be referred to from now on.
+  void Add(const boost::shared_ptr<ICIMInstance>& instance) { fReferences.Add(instance); }
+
   void SetReferences() {
-    fReferences.Forget();
     for (auto& [instance, place, target, required] : fLater) {
       const TReading<TCIMValue> reference = fReferences.Find(target, required);
       if (reference) {
@@ -252,6 +265,7 @@ class TInstanceWriter final : public IInstanceSink {
     }
     const std::string key = isOnly || !fLastKey ? std::string() : KeyText(cells[*fLastKey]);
     if (!Commit(*instance, key)) return true;
+    fDescription.Add(instance);
     for (std::size_t i = 0; i < cells.size(); ++i) SetValue(instance, fColumns[i], cells[i], key);
     return true;
   }
@@ -287,7 +301,7 @@ class TInstanceWriter final : public IInstanceSink {
     } else if (column.fIsText) {
       instance.SetPropertyValue(column.fName, "", {});
     } else {
-      return LeaveOut(column.fName + ": " + cell.fReason);
+      return LeaveOut(column.fName + ": " + ReasonOf(cell));
     }
     return true;
   }
@@ -318,12 +332,18 @@ class TInstanceWriter final : public IInstanceSink {
     } else if (!column.fIsKey && !cell.fValue.IsNull()) {
       instance->SetPropertyValue(column.fName, cell.fValue, {});
     }
-    if (!cell.fReason.empty()) fDescription.Miss(Place(column, key, cell.fReason));
+    std::string reason = ReasonOf(cell);
+    if (!reason.empty()) fDescription.Miss(Place(column, key, std::move(reason)));
   }
 
-  TMissingValue Place(const TColumn& column, const std::string& key,
-                      const std::string& reason) const {
-    return {fClass->GetName({}), key, column.fName, reason};
+  /// Each null has a reason.
+  static std::string ReasonOf(const TCell& cell) {
+    const bool isNull = cell.fValue.IsNull() && cell.fTarget.fClass.empty();
+    return isNull && cell.fReason.empty() ? kNotRead : cell.fReason;
+  }
+
+  TMissingValue Place(const TColumn& column, const std::string& key, std::string reason) const {
+    return {fClass->GetName({}), key, column.fName, std::move(reason)};
   }
 
   TDescription& fDescription;
@@ -339,17 +359,20 @@ class TInstanceWriter final : public IInstanceSink {
 std::vector<TStep> WantedSteps(const std::vector<TStep>& all, const TOptionsMap& options) {
   const auto wanted = NModel::ClassesOf(options);
   if (!wanted) return all;
-  const TCatalogue catalogue(all);
+  TSelection selection(all);
+  for (const std::string& name : *wanted) selection.Add(name);
   std::vector<TStep> steps;
-  std::copy_if(all.begin(), all.end(), std::back_inserter(steps), [&](const TStep& step) {
-    return std::any_of(wanted->begin(), wanted->end(), [&](const std::string& name) {
-      return catalogue.Needs(name, *step.fDeclaration);
-    });
-  });
+  std::copy_if(all.begin(), all.end(), std::back_inserter(steps),
+               [&](const TStep& step) { return selection.Has(*step.fDeclaration); });
   return steps;
 }
 
 bool IsAssociation(const TStep& step) { return step.fDeclaration->fIsAssociation; }
+
+TCell FailedCell(std::string reason) {
+  if (reason.empty()) reason = "failed without a reason";
+  return {TCIMValue(), std::move(reason), {}};
+}
 
 }  // namespace
 
@@ -359,11 +382,13 @@ TCell NDetail::CellOfException() {
   } catch (const TQDXException& failure) {
     if (failure.GetStatusCode() == kQDXStatusOutOfMemory) throw;
     const auto* const explained = dynamic_cast<const TExplainedException*>(&failure);
-    return {TCIMValue(), explained != nullptr ? explained->GetReason() : failure.what(), {}};
+    return FailedCell(explained != nullptr ? explained->GetReason() : failure.what());
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const std::exception& failure) {
-    return {TCIMValue(), failure.what(), {}};
+    return FailedCell(failure.what());
+  } catch (...) {
+    return FailedCell({});
   }
 }
 

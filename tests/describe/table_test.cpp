@@ -5,6 +5,7 @@
 
 #include "support/expect_status.h"
 
+#include <limits>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -244,6 +245,102 @@ TTable<TOnly> Table(const char* name, const TTable<TOnly>::TRows& rows) {
   return {name, "", kOnly, rows};
 }
 
+TRow<TOnly> Key(const char* value) { return {"Id", "", Constant(value), kKey}; }
+
+TRow<TOnly> To(const char* className, const char* key) {
+  const auto target = [className, key](const TOnly&) { return TInstanceName{className, key}; };
+  return {"To", "", target, TRefersTo{className}};
+}
+
+std::string NamesOf(const ICIMNamespace& ns) {
+  std::vector<boost::shared_ptr<ICIMClass>> roots;
+  ns.EnumerateClasses(TAddToVectorCallback(roots), {});
+  std::string names;
+  for (const auto& root : roots) {
+    for (const auto& each : NModel::WithSubclasses(root))
+      names += each->GetName({}).substr(2) + " ";
+  }
+  return names;
+}
+
+TEST(Tables, AreWantedTogetherWithAllThatTheyReferTo) {
+  const auto base = Table("T_Base", {Key("0")});
+  const auto sub = Table("T_Sub", {To("T_B", "b")}).DerivedFrom(base);
+  const std::vector<TClassOf<TRequest>> classes = {
+      Table("T_A", {Key("a")}), Table("T_B", {Key("b"), To("T_A", "a")}), base, sub,
+      Table("T_Leaf", {{"N", "", Constant(1)}}).DerivedFrom(sub)};
+  const std::pair<const char*, std::string> rows[] = {{"T_A", "A "},
+                                                      {"T_Sub", "A B Base Sub Leaf "},
+                                                      {"T_Base", "A B Base Sub Leaf "},
+                                                      {"T_Leaf", "A B Base Sub Leaf "}};
+  for (const auto& [wanted, expected] : rows) {
+    const TCIMValue names(TCIMValue::TCIMType::kCIMTypeString, 0, {TCIMValue(wanted)});
+    const auto ns =
+        Describe<TRequest>(TDescriber("test", "n"), classes, {"/", {}}, {{"classes", names}});
+    EXPECT_EQ(NamesOf(*ns), expected) << wanted;
+  }
+}
+
+TEST(Tables, OverrideRowsOfTheirSuperclass) {
+  const auto none = [](const char* why) {
+    return [why](const TOnly&) -> TNumber { return Missing(why); };
+  };
+  const auto base = Table("T_Base", {{"Size", "", none("base")}, Key("1"), {"N", "", Constant(1)}});
+  const auto sub =
+      Table("T_Sub", {{"SIZE", "", none("sub")}, {"n", "", Constant(2)}}).DerivedFrom(base);
+  const auto ns = Describe<TRequest>(TDescriber("test", "n"), {base, sub}, {"/", {}});
+  EXPECT_EQ(InstancesOf(*ns, "T_Sub"), std::vector<std::string>{"SIZE=null Id=1 n=2 "});
+  const TMissingReasons reasons = {{{"T_Base", "", "Size"}, "base"},
+                                   {{"T_Sub", "", "SIZE"}, "sub"}};
+  EXPECT_EQ(ReadMissingReasons(*ns), reasons);
+}
+
+TEST(Tables, FindInstancesThatWereAddedSinceTheFirstReference) {
+  const TTable<TOnly> base("T_Base", "", {Key("0")});
+  const auto from = [](const char* key) {
+    return TRow<TOnly>{"From", "",
+                       [key](const TOnly&) {
+                         return TInstanceName{"T_Base", key};
+                       },
+                       kKey, TRefersTo{"T_Base"}};
+  };
+  const auto ns = Describe<TRequest>(
+      TDescriber("test", "n"),
+      {base, Table("T_A", {Key("a")}).DerivedFrom(base), Table("T_ToA", {from("a")}),
+       Table("T_B", {Key("b")}).DerivedFrom(base), Table("T_ToB", {from("b")})},
+      {"/", {}});
+  EXPECT_EQ(InstancesOf(*ns, "T_ToB").size(), 1U);
+}
+
+TEST(Tables, HaveAReasonForEachNull) {
+  const auto row = [](const char* name, auto read) {
+    return TRow<TOnly>(name, "", [read](const TOnly&) { return read(); });
+  };
+  constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+  const auto table = Table(
+      "T_A",
+      {Key("1"), row("Missing", []() -> TNumber { return Missing(""); }),
+       row("Exception", []() -> bool { throw std::runtime_error(""); }),
+       row("Number", []() -> bool { throw 5; }), row("DateTime", [] { return TCIMDateTime(); }),
+       row("Pointer", []() -> const char* { return nullptr; }),
+       row("Text", []() -> TReading<std::string> { return static_cast<const char*>(nullptr); }),
+       row("Unread", [] { return *TNumber(Missing("no number")); }),
+       row("NaN", [] { return kNaN; }), row("NaNs", [] {
+         return std::vector<double>{1, kNaN};
+       })});
+  const auto ns = Describe<TRequest>(TDescriber("test", "n"), {table}, {"/", {}});
+  const TMissingReasons reasons = {{{"T_A", "", "Missing"}, "was not read"},
+                                   {{"T_A", "", "Exception"}, "failed without a reason"},
+                                   {{"T_A", "", "Number"}, "failed without a reason"},
+                                   {{"T_A", "", "DateTime"}, "was not read"},
+                                   {{"T_A", "", "Pointer"}, "was not read"},
+                                   {{"T_A", "", "Text"}, "was not read"},
+                                   {{"T_A", "", "Unread"}, "no number"},
+                                   {{"T_A", "", "NaN"}, "is not a finite number"},
+                                   {{"T_A", "", "NaNs"}, "is not a finite number"}};
+  EXPECT_EQ(ReadMissingReasons(*ns), reasons);
+}
+
 TEST(Tables, PassOnThatMemoryRanOut) {
   const auto fail = [](const TOnly&) -> bool { throw TQDXException(kQDXStatusOutOfMemory); };
   const auto provider = MakeProvider("test", "root/test", {Table("T_A", {{"Id", "", fail, kKey}})});
@@ -304,6 +401,7 @@ TEST(Readings, HandOnTheirReasons) {
   EXPECT_EQ(none.ValueOr(3), 3U);
   EXPECT_FALSE(TNumber());
   EXPECT_EQ(TNumber().GetReason(), "was not read");
+  EXPECT_QDX_STATUS(*none, kQDXStatusValueIsNULL);
 }
 
 }  // namespace

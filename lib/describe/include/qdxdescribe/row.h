@@ -7,6 +7,8 @@
 #include <qdxdescribe/reading.h>
 #include <qdxdescribe/request.h>
 
+#include <algorithm>
+#include <cmath>
 #include <functional>
 #include <string>
 #include <type_traits>
@@ -28,8 +30,8 @@ struct TKeyAttribute {};
 struct TVolatileAttribute {};
 struct TCounterAttribute {};
 struct TGaugeAttribute {};
-/// A key of the class. A missing text becomes empty, since a key cannot be null. REQUIRES: a key of
-/// another type has a value; otherwise describing the namespace throws kQDXStatusTypeMismatch.
+/// A key of the class. A missing text becomes empty, since a key cannot be null. An instance that
+/// lacks a key of another type is left out, with a reason.
 inline constexpr TKeyAttribute kKey;
 /// The value changes while nobody changes the machine; comparisons leave it out.
 inline constexpr TVolatileAttribute kVolatile;
@@ -157,19 +159,38 @@ TCIMValue ValueOf(const T& value) {
   }
 }
 
+/// Returns whether all numbers in the value can be written as numbers.
+template <typename T>
+bool IsFinite(const T& value) {
+  if constexpr (std::is_floating_point_v<T>) {
+    return std::isfinite(value);
+  } else if constexpr (TIsVector<T>::value) {
+    return std::all_of(value.begin(), value.end(),
+                       [](const typename T::value_type& each) { return IsFinite(each); });
+  } else {
+    return true;
+  }
+}
+
 template <typename T>
 TCell CellOf(const T& value) {
   if constexpr (kIsReading<T>) {
     return value ? CellOf(*value) : TCell{TCIMValue(), value.GetReason(), {}};
+  } else if constexpr (std::is_pointer_v<T>) {
+    return value == nullptr ? TCell{} : TCell{TCIMValue(value), {}, {}};
   } else if constexpr (std::is_same_v<T, TInstanceName>) {
     return {TCIMValue(), value.fClass.empty() ? "refers to nothing" : "", value};
+  } else if constexpr (std::is_same_v<T, TCIMDateTime>) {
+    return value.IsNull() ? TCell{} : TCell{TCIMValue(value), {}, {}};
+  } else if (!IsFinite(value)) {
+    return {TCIMValue(), "is not a finite number", {}};
   } else {
     return {ValueOf(value), {}, {}};
   }
 }
 
 /// Returns the cell for a reader that threw: the reason is what it threw. Throws it again if memory
-/// ran out, and if it has no text. Called in a catch block.
+/// ran out. Called in a catch block.
 TCell CellOfException();
 
 template <typename T>
