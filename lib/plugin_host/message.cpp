@@ -40,9 +40,13 @@ TDescriptor TakeFile(msghdr& packet) {
   TDescriptor file;
   for (cmsghdr* part = CMSG_FIRSTHDR(&packet); part != nullptr; part = CMSG_NXTHDR(&packet, part)) {
     if (part->cmsg_level != SOL_SOCKET || part->cmsg_type != SCM_RIGHTS) continue;
-    int number = -1;
-    std::memcpy(&number, CMSG_DATA(part), sizeof number);
-    file = TDescriptor(number);
+    const std::size_t count = (part->cmsg_len - CMSG_LEN(0)) / sizeof(int);
+    for (std::size_t i = 0; i < count; ++i) {
+      int number = -1;
+      std::memcpy(&number, CMSG_DATA(part) + i * sizeof number, sizeof number);
+      TDescriptor taken(number);
+      if (!file.IsOpen()) file = std::move(taken);
+    }
   }
   return file;
 }
@@ -115,8 +119,9 @@ TReceived ReceiveMessage(int socket) {
   const ssize_t size = ::recvmsg(socket, &packet, MSG_DONTWAIT | MSG_CMSG_CLOEXEC);
   if (size < 0 && errno == EINTR) return ReceiveMessage(socket);
   if (size < 0 && errno == EAGAIN) return {TReceived::kNothingYet};
-  if (size <= 0) return {TReceived::kEnd};
+  if (size < 0) return {TReceived::kEnd};
   TDescriptor file = TakeFile(packet);
+  if (size == 0 && !file.IsOpen()) return {TReceived::kEnd};
   TReceived received{TReceived::kPacket};
   const auto whole = static_cast<unsigned>(packet.msg_flags) & static_cast<unsigned>(MSG_TRUNC);
   if (whole == 0) received.fMessage = DecodeMessage({buffer, static_cast<std::size_t>(size)});

@@ -64,6 +64,8 @@ std::vector<pid_t> Descendants() {
   return found;
 }
 
+bool IsUninterruptible(pid_t process) { return ReadProcess(process).fState == 'D'; }
+
 std::string DescribeStuck(pid_t process) {
   std::string text = "process " + std::to_string(process);
   const std::string name = ReadProcess(process).fName;

@@ -13,6 +13,9 @@ namespace NVORNQDX20::NPluginHost {
 /// Returns the descendants of this process that have not ended. Empty without /proc.
 std::vector<pid_t> Descendants();
 
+/// Returns whether the process waits for a device, so that no signal ends it.
+bool IsUninterruptible(pid_t process);
+
 /// Returns what is known about a process that does not end, for example "process 4711 (cat), which
 /// waits in the kernel (fuse_request_wait)".
 std::string DescribeStuck(pid_t process);

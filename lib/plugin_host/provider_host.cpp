@@ -8,8 +8,10 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <utility>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "plugin_file.h"
@@ -21,7 +23,7 @@ namespace {
 /// A library that is being asked. It trusts no message.
 class TAnswer {
  public:
-  TAnswer(TAskedLibrary& library) : fLibrary(library) {}
+  TAnswer(TAskedLibrary& library, const std::string& ns) : fLibrary(library), fNamespace(ns) {}
 
   void Receive(TMessage&& message) {
     switch (message.fKind) {
@@ -37,6 +39,7 @@ class TAnswer {
       case kNamespace:
         if (TAskedProvider* provider = Find(message.Text(0))) {
           if (provider->fNamespaces) provider->fNamespaces->push_back(message.Text(1));
+          fExpected.insert({message.Text(0), message.Text(1)});
         }
         break;
       case kDocument:
@@ -66,6 +69,9 @@ class TAnswer {
 
   void End(const TWorkerEnd& end) {
     if (end.fIsNormal && fIsDone) return;
+    for (TAskedProvider& provider : fLibrary.fProviders) {
+      if (provider.fTime.count() == 0) provider.fTime = end.fTime;
+    }
     Fail(fAsking, {kQDXStatusInvalidPlugin, end.fIsNormal ? kEndedEarly : end.fReason});
   }
 
@@ -91,7 +97,20 @@ class TAnswer {
     fLibrary.fFailures.push_back({origin, operation.fName, failure});
   }
 
+  /// Returns whether this is the first document about a namespace that was asked for.
+  bool IsExpected(const TOrigin& origin) {
+    if (Find(origin.fProvider) == nullptr) return false;
+    return fExpected.erase({origin.fProvider, origin.fNamespace}) != 0 ||
+           (!fNamespace.empty() && origin.fNamespace == fNamespace &&
+            fWasRead.insert(origin.fProvider).second);
+  }
+
   void Read(const TOrigin& origin, const TDescriptor& file) {
+    if (!IsExpected(origin)) {
+      const TOperation operation{fAsking.fOrigin, "reading the answer of"};
+      return Fail(operation, {kQDXStatusInvalidPlugin, "it delivers what it was not asked for"});
+    }
+    ::fcntl(file.Get(), F_ADD_SEALS, F_SEAL_WRITE | F_SEAL_GROW | F_SEAL_SHRINK);
     std::vector<std::string> warnings;
     const auto failure = Try([&] {
       const TLogListener listener(ILogger::kLogWarning, [&warnings](auto severity, auto& text) {
@@ -109,7 +128,10 @@ class TAnswer {
   }
 
   TAskedLibrary& fLibrary;
+  const std::string fNamespace;  // the only one that was asked for; empty for all
   TOperation fAsking;
+  std::set<std::pair<std::string, std::string>> fExpected;  // provider, namespace
+  std::set<std::string> fWasRead;                           // providers with fNamespace
   bool fIsDone = false;
 };
 
@@ -166,7 +188,7 @@ std::vector<TAskedLibrary> AskProviders(const std::vector<TPluginFile>& plugins,
     TAskedLibrary& library = libraries.emplace_back(TAskedLibrary{plugin});
     library.fLoadFailure = Try([&plugin] { CheckPluginFile(plugin.fPath); });
     if (library.fLoadFailure) continue;
-    TAnswer& answer = answers.emplace_back(library);
+    TAnswer& answer = answers.emplace_back(library, request.fNamespace);
     jobs.push_back({"provider " + plugin.fService,
                     [&](TSender& sender) { ServeProviders(plugin, request, sender); },
                     [&answer](TMessage&& message) { answer.Receive(std::move(message)); },

@@ -159,7 +159,6 @@ class TProviderWorker {
           ILogger::kLogWarning, [&warnings](auto, const auto& text) { warnings.push_back(text); });
       writer.Close();
     }
-    ::fcntl(file.Get(), F_ADD_SEALS, F_SEAL_WRITE | F_SEAL_GROW | F_SEAL_SHRINK);
     Send(kDocument, {origin.fProvider, origin.fNamespace}, 0, std::move(file));
     for (const std::string& warning : warnings) Send(kWarning, {warning});
   }

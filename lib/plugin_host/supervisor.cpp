@@ -4,6 +4,7 @@
 #include <qdxsystem/write.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -26,8 +27,9 @@ namespace {
 
 using TClock = std::chrono::steady_clock;
 
-/// Longer than the kernel needs to end any number of processes that can be ended.
+/// Longer than the kernel needs to end a process that can be ended; and any number of them.
 constexpr std::chrono::milliseconds kPatience{700};
+constexpr std::chrono::milliseconds kLongPatience{5000};
 
 /// Closes everything but the ends and what the job needs: also the lifelines of other workers.
 void CloseOthers(const TSupervisorEnds& ends, std::vector<int> kept) {
@@ -47,7 +49,8 @@ void CloseOthers(const TSupervisorEnds& ends, std::vector<int> kept) {
 /// A stream that is closed would be replaced by the next file that a plug-in opens.
 void ReplaceStandardStreams(const TSupervisorEnds& ends) {
   const TDescriptor nothing(::open("/dev/null", O_RDONLY | O_CLOEXEC));
-  ::dup2(nothing.IsOpen() ? nothing.Get() : ends.fLifeline.Get(), STDIN_FILENO);
+  const TPipe empty = nothing.IsOpen() ? TPipe{} : OpenPipe();
+  ::dup2(nothing.IsOpen() ? nothing.Get() : empty.fReadEnd.Get(), STDIN_FILENO);
   ::dup2(ends.fOutput.Get(), STDOUT_FILENO);
   ::dup2(ends.fOutput.Get(), STDERR_FILENO);
 }
@@ -118,20 +121,27 @@ class TChild {
     for (;;) {
       const pid_t ended = ::wait4(-1, &status, WNOHANG, &usage);
       if (ended <= 0) return ended == 0;
-      if (ended != fProcess) continue;
+      // A worker that lets itself be traced stops instead.
+      if (ended != fProcess || (!WIFEXITED(status) && !WIFSIGNALED(status))) continue;
       fStatus = status;
       fUsage = usage;
     }
   }
 
-  /// Returns the processes that remain.
-  std::vector<pid_t> KillAll() {
-    const auto deadline = TClock::now() + kPatience;
-    while (WaitForEnded()) {                       // orphans become children of this process
-      if (!HasEnded()) ::kill(fProcess, SIGKILL);  // also where there is no /proc
-      std::vector<pid_t> all = Descendants();
+  /// Returns what remains: nothing, unless the kernel does not end a process.
+  std::string KillAll() {
+    const auto start = TClock::now();
+    while (WaitForEnded()) {  // orphans become children of this process
+      const std::vector<pid_t> all = Descendants();
       for (const pid_t process : all) ::kill(process, SIGKILL);
-      if (TClock::now() > deadline) return all;
+      if (all.empty()) ::kill(-fProcess, SIGKILL);  // without /proc only the group is known
+      const auto time = TClock::now() - start;
+      if (time > kPatience) {
+        const auto stuck = std::find_if(all.begin(), all.end(), IsUninterruptible);
+        if (stuck != all.end()) return DescribeStuck(*stuck);
+        if (all.empty()) return "processes that cannot be found without /proc";
+        if (time > kLongPatience) return DescribeStuck(all.front());
+      }
       ::usleep(500);
     }
     return {};
@@ -158,11 +168,10 @@ void WaitForEnd(TChild& worker, int lifeline) {
   }
 }
 
-void Report(const TChild& worker, const std::vector<pid_t>& remaining, int end) {
+void Report(const TChild& worker, const std::string& remaining, int end) {
   TMessage report;
   report.fNumber = worker.GetStatus();
-  report.fTexts = {std::to_string(worker.GetPeakMemory()),
-                   remaining.empty() ? "" : DescribeStuck(remaining.front())};
+  report.fTexts = {std::to_string(worker.GetPeakMemory()), remaining};
   (void)WriteAll(end, EncodeMessage(report));  // the command may have ended
 }
 
@@ -173,15 +182,21 @@ void Supervise(TSupervisorEnds& ends, const TWorkerLimits& limits, const TWorker
   ReplaceStandardStreams(ends);
   ::setsid();  // no terminal, and no signals from one
   ::prctl(PR_SET_CHILD_SUBREAPER, 1);
-  sigset_t children;
-  ::sigemptyset(&children);
-  ::sigaddset(&children, SIGCHLD);
+  // Handlers are the command's, and a plug-in may send signals to its parent.
+  sigset_t all;
+  ::sigfillset(&all);
+  ::sigprocmask(SIG_BLOCK, &all, nullptr);
   std::signal(SIGCHLD, SIG_DFL);  // if it is ignored, there is no status
-  ::sigprocmask(SIG_BLOCK, &children, nullptr);
   const pid_t supervisor = ::getpid();
   const pid_t process = ::fork();
   if (process == 0) Work(supervisor, ends, limits, job.fWork);
-  if (process < 0) ::_exit(kCannotStart);
+  if (process < 0) {
+    TMessage report;
+    report.fKind = kNotForked;
+    report.fNumber = errno;
+    (void)WriteAll(ends.fReport.Get(), EncodeMessage(report));
+    ::_exit(0);
+  }
   TChild worker(process);
   // The worker's ends shall close when it ends.
   for (TDescriptor* end : {&ends.fSocket, &ends.fOutput}) (void)end->Close();

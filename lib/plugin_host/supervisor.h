@@ -6,14 +6,21 @@
 #include <qdxplugin_host/worker.h>
 #include <qdxsystem/descriptor.h>
 
+#include <cstdint>
+
 namespace NVORNQDX20::NPluginHost {
 
 /// Statuses of a worker that no plug-in is likely to use.
 enum EWorkerStatus : int {
   kWorkReturned = 0,
   kCannotDeliver = 112,
-  kCannotStart = 113,
-  kCannotTakeOnUser = 114,
+  kCannotTakeOnUser = 113,
+};
+
+/// The kinds of reports.
+enum EReport : std::uint8_t {
+  kEnded,
+  kNotForked,  ///< The worker could not be started; the number is the errno.
 };
 
 /// The ends that a supervisor and its worker use; each was opened by the command.

@@ -30,11 +30,12 @@ using TClock = std::chrono::steady_clock;
 constexpr std::size_t kMaxWorkers = 32;
 constexpr std::size_t kKeptOutput = 4096;
 constexpr std::size_t kShownOutput = 300;
-/// Far more than any machine has namespaces and any provider has to log.
+/// Far more than any machine has namespaces.
 constexpr std::size_t kMaxMessages = 100'000;
+constexpr std::uint64_t kMaxMessageBytes = std::uint64_t{64} << 20U;
 constexpr std::chrono::milliseconds kPollInterval{200};
-/// For a supervisor to end its worker, and to report.
-constexpr std::chrono::seconds kGrace{1};
+/// For a supervisor to end its worker, and to report: longer than it waits itself.
+constexpr std::chrono::seconds kGrace{6};
 
 std::string OnOneLine(std::string text) {
   while (!text.empty() && text.back() == '\n') text.pop_back();
@@ -99,6 +100,15 @@ class TWorker {
   const std::string& GetName() const { return fJob.fName; }
   TClock::time_point GetStart() const { return fStart; }
   TClock::time_point GetDeadline() const { return fDeadline; }
+  /// Gives back time in which this process did not listen.
+  void AddTime(TClock::duration time) { fDeadline += time; }
+  /// Whether it could be started later, when another worker has ended.
+  bool LacksResources() const {
+    return fStartError == EMFILE || fStartError == ENFILE || fStartError == EAGAIN ||
+           fStartError == ENOMEM;
+  }
+  /// Lets the supervisor kill the worker, without waiting for it.
+  void Abandon() { GiveUp(""); }
 
   std::array<pollfd, 3> PollEnds() const {
     // A socket without a sender is always readable.
@@ -162,14 +172,17 @@ class TWorker {
       return GiveUp(received.fMessage ? "it sends messages without end"
                                       : "it sends what is no message");
     }
-    struct stat status {};
     const int file = received.fMessage->fFile.Get();
-    if (file >= 0 && ::fstat(file, &status) == 0 && S_ISREG(status.st_mode)) {
-      fDelivered += static_cast<std::uint64_t>(status.st_size);
+    struct stat status {};
+    if (file >= 0 && (::fstat(file, &status) != 0 || !S_ISREG(status.st_mode))) {
+      return GiveUp("it delivers what is no file");
     }
+    fDelivered += static_cast<std::uint64_t>(status.st_size);
+    for (const std::string& text : received.fMessage->fTexts) fMessageBytes += text.size();
     if (fDelivered > fLimits.fDelivery) {
       return GiveUp("it delivers more than " + Megabytes(fLimits.fDelivery));
     }
+    if (fMessageBytes > kMaxMessageBytes) return GiveUp("it sends messages without end");
     fJob.fReceive(std::move(*received.fMessage));
   }
 
@@ -200,6 +213,7 @@ class TWorker {
 
   bool End(TWorkerEnd end) {
     end.fOutput = fText;
+    end.fTime = std::chrono::duration_cast<std::chrono::microseconds>(TClock::now() - fStart);
     fJob.fEnd(end);
     return true;
   }
@@ -212,6 +226,9 @@ class TWorker {
   }
 
   TWorkerEnd ExplainEnd(const std::optional<TMessage>& report) const {
+    if (report && report->fKind == kNotForked) {
+      return {false, "it cannot be started: " + ErrorText(static_cast<int>(report->fNumber)), {}};
+    }
     const int status = report ? static_cast<int>(report->fNumber) : -1;
     if (!fIsGivenUp && status == 0) return {true, {}, {}};
     std::string reason = fWhyGivenUp;
@@ -279,6 +296,7 @@ class TWorker {
   bool fHasMoreOutput = false;
   std::size_t fMessages = 0;
   std::uint64_t fDelivered = 0;
+  std::uint64_t fMessageBytes = 0;
   std::string fProgress;
   std::string fText;
 };
@@ -308,25 +326,69 @@ void Tell(const TWaitCallback& wait, const std::list<TWorker>& workers) {
 
 }  // namespace
 
+namespace {
+
+class TPool {
+ public:
+  TPool(const std::vector<TWorkerJob>& jobs, const TWorkerLimits& limits)
+      : fLimits(limits), fNext(jobs.begin()), fEnd(jobs.end()) {}
+  /// After an exception: all are killed side by side.
+  ~TPool() {
+    for (TWorker& worker : fWorkers) worker.Abandon();
+  }
+  TPool(const TPool&) = delete;
+  TPool& operator=(const TPool&) = delete;
+
+  bool IsDone() const { return fNext == fEnd && fWorkers.empty(); }
+  const std::list<TWorker>& GetWorkers() const { return fWorkers; }
+
+  void Start() {
+    while (fNext != fEnd && fWorkers.size() < kMaxWorkers) {
+      fWorkers.emplace_back(*fNext, fLimits);
+      if (fWorkers.size() > 1 && fWorkers.back().LacksResources()) {
+        fWorkers.pop_back();  // until another one ends
+        return;
+      }
+      ++fNext;
+    }
+  }
+
+  void Step(std::vector<pollfd>& ends) {
+    const auto before = TClock::now();
+    Wait(fWorkers, ends);
+    // This process may have been stopped.
+    const auto woken = TClock::now();
+    const auto slept = woken - before;
+    const pollfd* end = ends.data();
+    for (auto worker = fWorkers.begin(); worker != fWorkers.end(); end += 3) {
+      worker = worker->Handle(end) ? fWorkers.erase(worker) : std::next(worker);
+    }
+    auto lost = TClock::now() - woken;
+    if (slept > 2 * kPollInterval) lost += slept - kPollInterval;
+    for (TWorker& worker : fWorkers) worker.AddTime(lost);
+  }
+
+ private:
+  const TWorkerLimits& fLimits;
+  std::vector<TWorkerJob>::const_iterator fNext;
+  const std::vector<TWorkerJob>::const_iterator fEnd;
+  std::list<TWorker> fWorkers;
+};
+
+}  // namespace
+
 void RunWorkers(const std::vector<TWorkerJob>& jobs, const TWorkerLimits& limits,
                 const TWaitCallback& wait) {
   std::signal(SIGCHLD, SIG_DFL);  // if it is ignored, waitpid cannot wait
-  std::list<TWorker> workers;
+  TPool pool(jobs, limits);
   std::vector<pollfd> ends;
-  auto next = jobs.begin();
   auto told = TClock::now();
-  while (next != jobs.end() || !workers.empty()) {
-    while (next != jobs.end() && workers.size() < kMaxWorkers) {
-      workers.emplace_back(*next++, limits);
-    }
-    Wait(workers, ends);
-    const pollfd* end = ends.data();
-    for (auto worker = workers.begin(); worker != workers.end(); end += 3) {
-      worker = worker->Handle(end) ? workers.erase(worker) : std::next(worker);
-    }
+  while (!pool.IsDone()) {
+    pool.Start();
+    pool.Step(ends);
     if (TClock::now() - told < kPollInterval) continue;
     told = TClock::now();
-    Tell(wait, workers);
+    Tell(wait, pool.GetWorkers());
   }
 }
 

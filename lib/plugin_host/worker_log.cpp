@@ -10,6 +10,9 @@
 namespace NVORNQDX20::NPluginHost {
 namespace {
 
+/// More say nothing to an operator, and would fill the memory of the command.
+constexpr int kMaxLogEntries = 1000;
+
 std::string& LastError() {
   static std::string text;
   return text;
@@ -37,12 +40,14 @@ ILogger::EQDXLogSeverity ReplaceLogger() {
 TWorkerLog::TWorkerLog(const TSender& sender)
     // Warnings are shown whatever the threshold is.
     : fListener(std::max(ReplaceLogger(), ILogger::kLogWarning),
-                [&sender](auto severity, const std::string& text) {
+                [&sender, count = 0](auto severity, const std::string& text) mutable {
                   if (severity == ILogger::kLogError) LastError() = text;
+                  if (++count > kMaxLogEntries) return;
+                  const bool isLast = count == kMaxLogEntries;
                   TMessage message;
                   message.fKind = kLogEntry;
-                  message.fNumber = severity;
-                  message.fTexts = {text};
+                  message.fNumber = isLast ? ILogger::kLogWarning : severity;
+                  message.fTexts = {isLast ? "further log entries were left out" : text};
                   sender.Send(message);
                 }) {
   std::set_terminate(PrintReasonAndAbort);

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iterator>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "qdx/installation.h"
@@ -103,6 +104,21 @@ TEST_F(QDXMisbehavingPlugins, EndWithTheCommand) {
   EXPECT_EQ(run.fExitCode, -SIGKILL);  // the shell has become timeout
   for (int i = 0; i < 100 && IsAnyLeft(fInstallation); ++i) ::usleep(10'000);
   EXPECT_FALSE(IsAnyLeft(fInstallation));
+}
+
+TEST_F(QDXMisbehavingPlugins, HaveThePrivilegesOfAUser) {
+  if (::getuid() != 0) GTEST_SKIP() << "needs root";
+  fTree.Write("proc/loadavg", "1 2 3 4/5 6\n");
+  const auto secret = fTree.Write("sys/class/dmi/id/product_serial", "23A1234\n");
+  ::chmod(secret.c_str(), 0600);
+  for (const auto& folder : {fTree.Path(), fInstallation.Folder().parent_path().parent_path()}) {
+    ::chmod(folder.c_str(), 0755);  // readable for that user
+  }
+  const TProgramRun run = fInstallation.RunScript(
+      "cd '" + fFolder.Path().string() + "'; \"$0\" collect --user nobody --root '" +
+      fTree.Path().string() + "' -o x; \"$0\" show x VORNSG_ComputerSystem");
+  EXPECT_EQ(run.fErrors, "");
+  EXPECT_PRED_FORMAT2(IsSubstring, "product_serial: Permission denied", run.fOutput);
 }
 
 TEST_F(QDXMisbehavingPlugins, AreWaitedForByName) {

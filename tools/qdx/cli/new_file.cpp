@@ -13,6 +13,7 @@
 #include <system_error>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "failure.h"
@@ -100,6 +101,15 @@ bool TNewFile::PublishIfNew(const std::string& path) {
 }
 
 void TNewFile::WriteToDisk(const std::string& path) {
+  struct stat own {};
+  struct stat named {};
+  if (::fstat(fDescriptor.Get(), &own) != 0 || ::lstat(fPath.c_str(), &named) != 0 ||
+      own.st_dev != named.st_dev || own.st_ino != named.st_ino) {
+    throw TCommandFailure(
+        kExitNothingCollected, "writing " + path,
+        {kQDXStatusFileSystemError, "the plug-in that wrote the file has removed or replaced it"});
+  }
+  ::fchmod(fDescriptor.Get(), 0600);
   if (::fsync(fDescriptor.Get()) != 0) FailToWrite(path, ErrorText(errno));
 }
 

@@ -17,7 +17,8 @@ TProgressLine::~TProgressLine() {
 }
 
 void TProgressLine::Show(const std::string& text) {
-  if (!fIsTerminal) return;
+  // In the background, "stty tostop" would stop the command.
+  if (!fIsTerminal || ::tcgetpgrp(STDERR_FILENO) != ::getpgrp()) return;
   const std::size_t limit = TerminalWidth(STDERR_FILENO) - 1;
   std::string line = CutToWidth(ForTerminal(text), limit);
   const std::size_t width = WidthOf(line);

@@ -51,6 +51,7 @@ const char* const TPluginWriter::kDefaultConsumer = kService;
 
 TPluginWriter::TPluginWriter(const std::string& consumer, const TWorkerLimits& limits)
     : fPlugin(PluginOf(EPluginKind::kConsumer, consumer)), fLimits(limits) {
+  fLimits.fUser.reset();             // the file belongs to the user of the command
   if (consumer == kService) return;  // it is our own: Write() notices if it is missing
   const TAskedConsumer answer = std::move(AskConsumers({fPlugin}, limits, ShowWaiting()).front());
   if (answer.fLoadFailure) FailToLoad(*answer.fLoadFailure);

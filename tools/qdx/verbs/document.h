@@ -52,7 +52,7 @@ class TPluginWriter {
   TExplainedException Blame(const TExplainedException& failure, const std::string& shownAs) const;
 
   const NPluginHost::TPluginFile fPlugin;
-  const NPluginHost::TWorkerLimits fLimits;
+  NPluginHost::TWorkerLimits fLimits;
   TDescriptor fOutput;
   std::set<std::string> fWarnings;  // printed ones, which the next attempt does not print again
 };

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <csignal>
 #include <map>
 #include <optional>
 
@@ -22,6 +21,7 @@ namespace NVORNQDX20 {
 namespace {
 
 using TJSON = nlohmann::ordered_json;
+using namespace NPluginHost;
 using TMedia = TOSSpecific::TRemovableMedia;
 
 constexpr const char* kUSBDeviceList = "/proc/bus/usb/devices";
@@ -141,22 +141,60 @@ void Write(const TMedia& media, bool asJSON) {
   asJSON ? WriteJSON({{"media", list}}) : WriteOutput(FormatTable(rows));
 }
 
+/// Mounting can hang. Throws what the core throws, and if the worker does not come back.
+TMedia ListInWorker(const boost::shared_ptr<ICIMNamespace>& ns, TWorkerLimits limits) {
+  enum EMessage : std::uint8_t { kMedium = 1, kFailed, kDone };
+  TMedia media;
+  std::optional<TExplainedException> failure;
+  bool isDone = false;
+  TWorkerJob job;
+  job.fName = "removable media";
+  job.fWork = [&ns](TSender& sender) {
+    const auto send = [&sender](EMessage kind, std::vector<std::string> texts, int number = 0) {
+      TMessage message;
+      message.fKind = kind;
+      message.fNumber = number;
+      message.fTexts = std::move(texts);
+      sender.Send(message);
+    };
+    TMedia found;
+    const auto why = Try([&] { found = TOSSpecific::EnumerateRemovableMedia(ns); });
+    for (const auto& [device, description] : found) send(kMedium, {device, description});
+    if (why) send(kFailed, {why->GetReason()}, why->GetStatusCode());
+    send(kDone, {});
+  };
+  job.fReceive = [&](TMessage&& message) {
+    if (message.fKind == kMedium) media.push_back({message.Text(0), message.Text(1)});
+    if (message.fKind == kFailed) {
+      failure = {static_cast<EQDXStatusCode>(message.fNumber), message.Text(0)};
+    }
+    isDone = isDone || message.fKind == kDone;
+  };
+  job.fEnd = [&](const TWorkerEnd& end) {
+    if (!isDone) failure = {kQDXStatusFail, end.fReason};
+  };
+  limits.fMemory = 0;  // the code is the core's
+  limits.fUser.reset();
+  RunWorkers({job}, limits, ShowWaiting());
+  if (failure) throw *failure;
+  return media;
+}
+
 EExitCode RunMedia(const TArguments& arguments) {
   TMachine machine(arguments);
   const auto ns = machine.TakeMachineNamespace({});
   if (!ns)
-    return FailToList(kMachineNamespace, {kQDXStatusNotFound, std::string("no provider has it") +
-                                                                  NPluginHost::kListPlugins});
+    return FailToList(kMachineNamespace,
+                      {kQDXStatusNotFound, std::string("no provider has it") + kListPlugins});
   if (!TOSSpecific::FileExists(kUSBDeviceList)) {
     return FailToList(kUSBDeviceList,
                       {kQDXStatusFileNotFound, "this kernel has no list of its USB devices"});
   }
-  std::signal(SIGPIPE, SIG_DFL);  // in the shells that the core starts
   bool failed = !machine.IsComplete();
   TMedia media;
   const auto failure = Try([&] {
     const TSafeDisks disks(*ns);
-    media = TOSSpecific::EnumerateRemovableMedia(disks.GetNamespace());
+    media = ListInWorker(disks.GetNamespace(), LimitsOf(arguments));
     failed = disks.RemoveRenamed(media) || failed;
   });
   if (failure) return FailToList(FindCulprit(*ns, *failure), *failure);

@@ -60,7 +60,7 @@ std::vector<TOptionSpec> WorkerOptions() {
   return {
       {"timeout", "SECONDS", "Give up on a plug-in after this time (30 by default)."},
       {"memory", "MIB", "Let a plug-in use so much memory (1024 by default)."},
-      {"user", "NAME", "Ask the plug-ins with the privileges of this user; needs root."},
+      {"user", "NAME", "Ask providers with the privileges of this user; needs root."},
   };
 }
 

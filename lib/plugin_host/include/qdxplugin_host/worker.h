@@ -40,6 +40,7 @@ struct TWorkerEnd {
   /// where the last part is the end of fOutput.
   std::string fReason;
   std::string fOutput;  ///< The end of what it wrote to its standard streams.
+  std::chrono::microseconds fTime{0};
 };
 
 /// Work for a worker. All callbacks but fWork are called in the caller's process.
@@ -62,6 +63,9 @@ using TWaitCallback =
     std::function<void(const std::vector<std::string>& names, std::chrono::seconds time)>;
 
 /// Runs all jobs side by side, at most 32 at a time, and returns when all have ended.
+///
+/// Time in which this process is stopped, or busy with a callback, does not count. A job waits if
+/// there are too few processes or descriptors for another worker.
 ///
 /// A worker has default signal handling, /dev/null as standard input, pipes as standard output and
 /// error, and of the other descriptors
