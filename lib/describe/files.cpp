@@ -182,6 +182,7 @@ bool TFiles::IsAbsent(const std::string& path) const {
 }
 
 TReading<std::string> TFiles::FirstOf(std::initializer_list<const char*> paths) const {
+  if (paths.size() == 0) return Missing("no path was given");
   for (const char* path : paths) {
     const int error = fRoot->Open(PathOf(path), O_PATH).GetError();
     if (error == 0) return std::string(path);
@@ -193,6 +194,7 @@ TReading<std::string> TFiles::FirstOf(std::initializer_list<const char*> paths) 
 TFiles TFiles::In(const std::string& folder) const {
   TFiles files = *this;
   files.fFolder = PathOf(folder);
+  files.fFolder.erase(files.fFolder.find_last_not_of('/') + 1);
   return files;
 }
 

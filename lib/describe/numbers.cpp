@@ -14,4 +14,8 @@ TMissing OutOfRange(std::uint64_t number) {
   return Missing(std::to_string(number) + " is out of range");
 }
 
+TMissing DividedByZero(std::uint64_t number) {
+  return Missing(std::to_string(number) + " cannot be divided by 0");
+}
+
 }  // namespace NVORNQDX20::NDescribe::NDetail

@@ -58,6 +58,8 @@ TEST_F(Files, AreListedInOrder) {
   EXPECT_TRUE(fFiles.IsAbsent("/d/b/c"));
   EXPECT_EQ(*fFiles.FirstOf({"/no", "/d/b", "/d/a/x"}) + *fFiles.FirstOf({"/no", "/d/c"}),
             "/d/b/d/c");
+  EXPECT_EQ(fFiles.FirstOf({}).GetReason(), "no path was given");
+  EXPECT_EQ(fFiles.In("/").PathOf("x") + fFiles.In("d/").PathOf("x"), "/x/d/x");
   const std::string longName(300, 'x');  // neither absent nor there
   EXPECT_EQ(fFiles.FirstOf({longName.c_str(), "/d/b"}).GetReason(),
             "/" + longName + ": File name too long");

@@ -44,6 +44,8 @@ TEST(Numbers, AreMissingForAReason) {
       {TextOf(ToNumber<std::uint8_t>(std::string("256"), "s")), "s: '256' is out of range"},
       {TextOf(Scaled(missing, 3)), "why"},
       {TextOf(Scaled(TNumber(7), 3, 2)), "10"},
+      {TextOf(Scaled(TNumber(7), 0)), "0"},
+      {TextOf(Scaled(TNumber(7), 3, 0)), "7 cannot be divided by 0"},
       {TextOf(Scaled(TNumber(kMax / 512), 512)), std::to_string(kMax / 512 * 512)},
       {TextOf(Scaled(TNumber(kMax / 512 + 1), 512, 512)), tooLarge + " is out of range"},
       {TextOf(Scaled<std::uint8_t>(TNumber(510), 1, 2)), "255"},

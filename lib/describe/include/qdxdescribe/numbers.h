@@ -38,6 +38,7 @@ std::errc ParseNumber(std::string_view text, T& number) {
 
 TMissing NoNumber(std::errc error, const std::string& text, const std::string& source);
 TMissing OutOfRange(std::uint64_t number);
+TMissing DividedByZero(std::uint64_t number);
 
 }  // namespace NDetail
 
@@ -62,13 +63,15 @@ TReading<T> ToNumber(const TReading<std::string>& text, const std::string& sourc
   });
 }
 
-/// Returns number * multiplier / divisor; missing if T cannot have it.
+/// Returns number * multiplier / divisor; missing if T cannot have it, or if the divisor is 0.
 template <typename T = std::uint64_t>
 TReading<T> Scaled(const TReading<std::uint64_t>& number, std::uint64_t multiplier,
                    std::uint64_t divisor = 1) {
   static_assert(std::is_unsigned_v<T>, "use map() for other types");
   return number.and_then([=](std::uint64_t value) -> TReading<T> {
-    const bool fits = value <= std::numeric_limits<std::uint64_t>::max() / multiplier;
+    if (divisor == 0) return NDetail::DividedByZero(value);
+    constexpr std::uint64_t kLargest = std::numeric_limits<std::uint64_t>::max();
+    const bool fits = multiplier == 0 || value <= kLargest / multiplier;
     const std::uint64_t scaled = value * multiplier / divisor;
     if (!fits || scaled > std::numeric_limits<T>::max()) return NDetail::OutOfRange(value);
     return static_cast<T>(scaled);
