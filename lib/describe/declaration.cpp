@@ -2,11 +2,14 @@
 #include <qdxdescribe/declaration.h>
 
 #include <qdxcore/status.h>
+#include <qdxdescribe/missing_values.h>
 #include <qdxmodel/names.h>
 #include <qdxrepository/repository.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
+#include <set>
 #include <string_view>
 
 namespace NVORNQDX20::NDescribe {
@@ -224,21 +227,110 @@ class TUnitParser {
   std::string_view fRest;
 };
 
+template <typename T>
+bool IsWithin(long number) {
+  using TLimits = std::numeric_limits<T>;
+  return number >= static_cast<long>(TLimits::min()) &&
+         (number < 0 || static_cast<unsigned long>(number) <= TLimits::max());
+}
+
+/// Returns whether an integer of this type can be the number.
+bool Holds(unsigned int type, long number) {
+  switch (type) {
+    case TType::kCIMTypeUint8:
+      return IsWithin<std::uint8_t>(number);
+    case TType::kCIMTypeSint8:
+      return IsWithin<std::int8_t>(number);
+    case TType::kCIMTypeUint16:
+      return IsWithin<std::uint16_t>(number);
+    case TType::kCIMTypeSint16:
+      return IsWithin<std::int16_t>(number);
+    case TType::kCIMTypeUint32:
+      return IsWithin<std::uint32_t>(number);
+    case TType::kCIMTypeSint32:
+      return IsWithin<std::int32_t>(number);
+    case TType::kCIMTypeUint64:
+      return IsWithin<std::uint64_t>(number);
+    default:
+      return true;
+  }
+}
+
 /// Checks a class against those before it.
 class TDeclarationCheck {
  public:
   void Check(const TClassDeclaration& declaration) {
+    if (NModel::EqualIgnoringCase(declaration.fName, kMissingValueClass)) {
+      Refuse(declaration, "has the name of the class of missing values");
+    }
     Require(declaration, declaration.fSuperclass, "its superclass");
     CheckProperties(declaration);
-    if (!fHasKey.emplace(declaration.fName, HasKey(declaration)).second) {
+    TClassFacts facts = FactsOf(declaration);
+    CheckKeys(declaration, facts);
+    if (!fClasses.emplace(declaration.fName, std::move(facts)).second) {
       Refuse(declaration, "is declared twice");
     }
   }
 
  private:
+  struct TMember {
+    bool fIsKey = false;
+    bool fIsReference = false;
+  };
+  /// With what is inherited.
+  struct TClassFacts {
+    NModel::TNameMap<TMember> fMembers;
+    bool fIsAssociation = false;
+  };
+
+  TClassFacts FactsOf(const TClassDeclaration& declaration) const {
+    const auto superclass = fClasses.find(declaration.fSuperclass);
+    TClassFacts facts = superclass == fClasses.end() ? TClassFacts() : superclass->second;
+    facts.fIsAssociation |= declaration.fIsAssociation;
+    for (const TPropertyDeclaration& property : declaration.fProperties) {
+      TMember& member = facts.fMembers[property.fName];
+      member.fIsKey |= property.fIsKey;
+      member.fIsReference = !property.fReferencedClass.empty();
+    }
+    return facts;
+  }
+
+  static void CheckKeys(const TClassDeclaration& declaration, const TClassFacts& facts) {
+    int keys = 0;
+    int references = 0;
+    int referenceKeys = 0;
+    for (const auto& [name, member] : facts.fMembers) {
+      keys += member.fIsKey ? 1 : 0;
+      references += member.fIsReference ? 1 : 0;
+      referenceKeys += member.fIsKey && member.fIsReference ? 1 : 0;
+    }
+    if (!declaration.fIsAbstract && keys == 0) Refuse(declaration, "has no key");
+    if (facts.fIsAssociation && references < 2) {
+      Refuse(declaration, "is an association with fewer than two references");
+    }
+    if (!facts.fIsAssociation && referenceKeys > 1) {
+      Refuse(declaration, "has two references as keys, but is no association");
+    }
+  }
+
+  static void CheckEnumeration(const TClassDeclaration& declaration,
+                               const TPropertyDeclaration& property) {
+    const std::string defect = "the enumeration of " + property.fName + " has ";
+    std::set<long> numbers;
+    for (const auto& [number, text] : property.fEnumeration) {
+      const std::string shown = std::to_string(number);
+      if (text == nullptr) Refuse(declaration, defect + "no text for " + shown);
+      if (!numbers.insert(number).second) Refuse(declaration, defect + shown + " twice");
+      const TType type = property.fDefault.GetType();
+      if (!Holds(type, number)) {
+        Refuse(declaration, defect + shown + ", which a " + type.ToString() + " cannot be");
+      }
+    }
+  }
+
   void Require(const TClassDeclaration& declaration, const std::string& name,
                const char* role) const {
-    if (!name.empty() && fHasKey.count(name) == 0) {
+    if (!name.empty() && fClasses.count(name) == 0) {
       Refuse(declaration, role + (" " + name) + " is not declared before it");
     }
   }
@@ -255,21 +347,11 @@ class TDeclarationCheck {
       }
       const bool isOwn = NModel::EqualIgnoringCase(property.fReferencedClass, declaration.fName);
       if (!isOwn) Require(declaration, property.fReferencedClass, "the referenced class");
-    }
-    if (!declaration.fIsAbstract && !HasKey(declaration)) {
-      Refuse(declaration, "has no key");
+      CheckEnumeration(declaration, property);
     }
   }
 
-  bool HasKey(const TClassDeclaration& declaration) const {
-    for (const TPropertyDeclaration& property : declaration.fProperties) {
-      if (property.fIsKey) return true;
-    }
-    const auto superclass = fHasKey.find(declaration.fSuperclass);
-    return superclass != fHasKey.end() && superclass->second;
-  }
-
-  NModel::TNameMap<bool> fHasKey;  // of the classes checked so far
+  NModel::TNameMap<TClassFacts> fClasses;  // those checked so far
 };
 
 }  // namespace
@@ -314,6 +396,12 @@ bool NDetail::AreSameName(const std::string& one, const std::string& other) {
   return NModel::EqualIgnoringCase(one, other);
 }
 
+const char* NDetail::Given(const char* text, const char* what, const char* whose) {
+  if (text != nullptr) return text;
+  throw TExplainedException(kQDXStatusInvalidClass,
+                            std::string(what) + whose + " is a null pointer");
+}
+
 void DeclareVolatileQualifier(ICIMNamespace& ns) { (void)Declared(ns, kVolatile); }
 
 boost::shared_ptr<ICIMInstance> AddInstance(ICIMClass& cimClass, const TValues& values) {
@@ -325,9 +413,13 @@ boost::shared_ptr<ICIMInstance> AddInstance(ICIMClass& cimClass, const TValues& 
   return added;
 }
 
-void CheckDeclarations(const std::vector<const TClassDeclaration*>& declarations) {
+void CheckRelations(const std::vector<const TClassDeclaration*>& declarations) {
   TDeclarationCheck check;
   for (const TClassDeclaration* const declaration : declarations) check.Check(*declaration);
+}
+
+void CheckDeclarations(const std::vector<const TClassDeclaration*>& declarations) {
+  CheckRelations(declarations);
   // Names and overridden types are checked by a namespace.
   const auto trial = MakeRepositoryNamespace("trial");
   for (const TClassDeclaration* const declaration : declarations) {

@@ -77,7 +77,11 @@ class TReferences {
   TReading<TCIMValue> Find(const TInstanceName& name, const std::string& required) {
     const auto& instances = InstancesOf(name.fClass);
     const auto found = instances.find(name.fKey);
-    if (found == instances.end()) return Missing("there is no " + name.fClass + " " + name.fKey);
+    if (found == instances.end()) {
+      const bool hasClass = ClassOf(name.fClass) != nullptr;
+      return Missing("there is no " +
+                     (hasClass ? name.fClass + " " + name.fKey : "class " + name.fClass));
+    }
     if (!found->second) return Missing("there are several " + name.fClass + " " + name.fKey);
     if (!IsA(found->second->GetClass({}), required)) {
       return Missing(name.fClass + " " + name.fKey + " is no " + required);
@@ -104,15 +108,20 @@ class TReferences {
     return place->second;
   }
 
-  void Read(const std::string& className, TInstancesByKey& instances) const {
-    boost::shared_ptr<ICIMClass> cimClass;
+  /// Returns null for a class that is not wanted or not known.
+  boost::shared_ptr<ICIMClass> ClassOf(const std::string& name) const {
     try {
-      cimClass = fNamespace->GetClass(className, {});
+      return fNamespace->GetClass(name, {});
     } catch (const TQDXException&) {
-      return;  // not wanted, or an unknown class
+      return nullptr;
     }
+  }
+
+  void Read(const std::string& className, TInstancesByKey& instances) {
+    const auto cimClass = ClassOf(className);
+    if (!cimClass) return;
     for (const auto& each : NModel::WithSubclasses(cimClass)) {
-      const std::vector<std::string> keys = KeysOf(*each);
+      const std::vector<std::string>& keys = KeysOf(*each);
       for (const auto& instance : NModel::InstancesOf(*each)) AddByKey(instance, keys, instances);
     }
   }
@@ -131,15 +140,17 @@ class TReferences {
     return cimClass != nullptr;
   }
 
-  static std::vector<std::string> KeysOf(const ICIMClass& cimClass) {
-    std::vector<std::string> keys;
+  const std::vector<std::string>& KeysOf(const ICIMClass& cimClass) {
+    const auto [place, isNew] = fKeys.try_emplace(cimClass.GetName({}));
+    std::vector<std::string>& keys = place->second;
+    if (!isNew) return keys;
     for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
       if (isKey) keys.push_back(decl->GetName());
     }
     return keys;
   }
 
-  TCIMValue ReferenceTo(const ICIMInstance& instance) const {
+  TCIMValue ReferenceTo(const ICIMInstance& instance) {
     const auto cimClass = instance.GetClass({});
     TCIMReference reference(fNamespace, {});
     reference.SetClass(cimClass);
@@ -151,6 +162,7 @@ class TReferences {
 
   TNamespace fNamespace;
   NModel::TNameMap<TInstancesByKey> fInstances;
+  NModel::TNameMap<std::vector<std::string>> fKeys;  // by class
 };
 
 /// The namespace that is being made.
@@ -390,6 +402,15 @@ TCell NDetail::CellOfException() {
   } catch (...) {
     return FailedCell({});
   }
+}
+
+void TDescriber::CheckNames() const {
+  const char* const nameless = fProvider.empty()        ? "provider"
+                               : fNamespaceName.empty() ? "namespace"
+                                                        : nullptr;
+  if (nameless == nullptr) return;
+  throw TExplainedException(kQDXStatusInvalidCIMName,
+                            std::string("the ") + nameless + " has no name");
 }
 
 TRequest TDescriber::MakeRequest(const std::string& ns, TOptionsMap options) const {

@@ -5,6 +5,7 @@
 
 #include "support/expect_status.h"
 
+#include <functional>
 #include <limits>
 #include <sstream>
 #include <stdexcept>
@@ -212,7 +213,7 @@ TTable<TNode> Elements() { return {"T_Element", "A part of a tree.", TTable<TNod
 TTable<TNode> Nodes() {
   const auto list = [](const TRequest&) -> std::vector<TNode> {
     return {{1U, {"T_Element", "2"}}, {2U, {"T_Node", "3"}},  {2U, {}},
-            {Missing("lost"), {}},    {4U, {"T_Other", "x"}}, {5U, {}}};
+            {Missing("lost"), {}},    {4U, {"T_Other", "x"}}, {5U, {"T_None", "x"}}};
   };
   return TTable<TNode>{"T_Node",
                        "A node of a tree.",
@@ -235,7 +236,7 @@ TEST(Tables, LeaveOutWhatHasNoKeysOfItsOwn) {
       {{"T_Node", "1", "Half"}, "first"},
       {{"T_Node", "2", "Parent"}, "there is no T_Node 3"},
       {{"T_Node", "5", "Half"}, "odd"},
-      {{"T_Node", "5", "Parent"}, "refers to nothing"},
+      {{"T_Node", "5", "Parent"}, "there is no class T_None"},
       {{"T_Node", "4", "Parent"}, "T_Other x is no T_Node"},
       {{"T_Node", "", ""}, "there are several 2: only the first is kept; ID: lost"}};
   EXPECT_EQ(ReadMissingReasons(*ns), reasons);
@@ -319,13 +320,17 @@ TEST(Tables, HaveAReasonForEachNull) {
   constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
   const auto table = Table(
       "T_A",
-      {Key("1"), row("Missing", []() -> TNumber { return Missing(""); }),
+      {Key("1"),
+       row("Missing", []() -> TNumber { return Missing(""); }),
        row("Exception", []() -> bool { throw std::runtime_error(""); }),
-       row("Number", []() -> bool { throw 5; }), row("DateTime", [] { return TCIMDateTime(); }),
+       row("Number", []() -> bool { throw 5; }),
+       row("DateTime", [] { return TCIMDateTime(); }),
        row("Pointer", []() -> const char* { return nullptr; }),
        row("Text", []() -> TReading<std::string> { return static_cast<const char*>(nullptr); }),
        row("Unread", [] { return *TNumber(Missing("no number")); }),
-       row("NaN", [] { return kNaN; }), row("NaNs", [] {
+       {"To", "", [](const TOnly&) { return TInstanceName(); }, TRefersTo{"T_A"}},
+       row("NaN", [] { return kNaN; }),
+       row("NaNs", [] {
          return std::vector<double>{1, kNaN};
        })});
   const auto ns = Describe<TRequest>(TDescriber("test", "n"), {table}, {"/", {}});
@@ -336,6 +341,7 @@ TEST(Tables, HaveAReasonForEachNull) {
                                    {{"T_A", "", "Pointer"}, "was not read"},
                                    {{"T_A", "", "Text"}, "was not read"},
                                    {{"T_A", "", "Unread"}, "no number"},
+                                   {{"T_A", "", "To"}, "refers to nothing"},
                                    {{"T_A", "", "NaN"}, "is not a finite number"},
                                    {{"T_A", "", "NaNs"}, "is not a finite number"}};
   EXPECT_EQ(ReadMissingReasons(*ns), reasons);
@@ -345,6 +351,19 @@ TEST(Tables, PassOnThatMemoryRanOut) {
   const auto fail = [](const TOnly&) -> bool { throw TQDXException(kQDXStatusOutOfMemory); };
   const auto provider = MakeProvider("test", "root/test", {Table("T_A", {{"Id", "", fail, kKey}})});
   EXPECT_QDX_STATUS(provider->GetNamespace("root/test", {}), kQDXStatusOutOfMemory);
+}
+
+TRow<TOnly> ToKey(const char* name) {
+  return {name, "", [](const TOnly&) { return TInstanceName(); }, kKey, TRefersTo{"T_A"}};
+}
+
+std::string RefusalOf(const std::function<void()>& make) {
+  try {
+    make();
+  } catch (const TExplainedException& refusal) {
+    return refusal.GetReason();
+  }
+  return {};
 }
 
 TEST(Tables, AreRefusedWhereTheyContradictThemselves) {
@@ -360,16 +379,46 @@ TEST(Tables, AreRefusedWhereTheyContradictThemselves) {
       {{Table("T_A", {key, {"A B", "", Constant("")}})}, "\"A B\" is no CIM name"},
       {{Table("T_A", {key, {"N", "", Constant(1), TUnit{"10^3 byte"}}})},
        "class T_A: the unit of N, \"10^3 byte\", is no PUnit such as \"byte * 10^3\""},
+      {{Table("T_A", {key, {"N", "", Constant<std::int8_t>(1), TEnumeration{{1, "a"}, {1, "b"}}}})},
+       "class T_A: the enumeration of N has 1 twice"},
+      {{Table("T_A", {key, {"N", "", Constant<std::uint8_t>(1), TEnumeration{{256, "a"}}}})},
+       "class T_A: the enumeration of N has 256, which a uint8 cannot be"},
+      {{Table("T_A", {key, {"N", "", Constant(1), TEnumeration{{-1, nullptr}}}})},
+       "class T_A: the enumeration of N has no text for -1"},
+      {{Table("T_A", {key}), Table("T_B", {ToKey("One"), ToKey("Two")})},
+       "class T_B: has two references as keys, but is no association"},
+      {{Table("T_A", {key}), Table("T_B", {ToKey("One")}).AsAssociation()},
+       "class T_B: is an association with fewer than two references"},
+      {{Table("VORNSG_unavailableValue", {key})},
+       "class VORNSG_unavailableValue: has the name of the class of missing values"},
       {{FastPorts(), Ports()},
        "class T_FastPort: its superclass T_Port is not declared before it"}};
   for (const auto& [classes, reason] : rows) {
-    try {
-      MakeProvider("test", "root/test", classes);
-      ADD_FAILURE() << reason;
-    } catch (const TExplainedException& refusal) {
-      EXPECT_EQ(refusal.GetReason(), reason);
-    }
+    const auto make = [&classes = classes] { MakeProvider("test", "root/test", classes); };
+    EXPECT_EQ(RefusalOf(make), reason);
   }
+  const std::pair<std::function<void()>, std::string> others[] = {
+      {[] {
+         Table("T_A", {{nullptr, "", Constant(1)}});
+       },
+       "the name of a row is a null pointer"},
+      {[] {
+         Table("T_A", {{"N", nullptr, Constant(1)}});
+       },
+       "the description of row N is a null pointer"},
+      {[] {
+         Table("T_A", {{"N", "", Constant(1), TUnit{nullptr}}});
+       },
+       "the unit of row N is a null pointer"},
+      {[] { To(nullptr, ""); }, "the class of row To is a null pointer"},
+      {[] { Table(nullptr, {}); }, "the name of a class is a null pointer"},
+      {[&] { MakeProvider("", "n", {Table("T_A", {key})}); }, "the provider has no name"},
+      {[&] { MakeProvider("p", "", {Table("T_A", {key})}); }, "the namespace has no name"},
+      {[&] {
+         Describe<TRequest>(TDescriber("p", "n"), {Table("T_A", {other})}, {"/", {}});
+       },
+       "class T_A: has no key"}};
+  for (const auto& [make, reason] : others) EXPECT_EQ(RefusalOf(make), reason);
   EXPECT_NO_THROW(MakeProvider("test", "root/test", {Ports(), Table("T_A", {key})}));
 }
 
@@ -386,6 +435,12 @@ TEST(Units, FollowTheGrammar) {
     EXPECT_QDX_STATUS(check(unit), kQDXStatusInvalidClass);
   }
 }
+
+template <typename T, typename U>
+constexpr bool kReads = std::is_convertible_v<U, TReading<T>>;
+static_assert(kReads<double, int> && kReads<std::string, const char*>);
+static_assert(!kReads<bool, const char*> && !kReads<bool, int> && !kReads<int, double> &&
+              !kReads<int, bool> && !kReads<std::vector<int>, int>);
 
 TEST(Readings, HandOnTheirReasons) {
   const TNumber seven = 7U;

@@ -66,6 +66,10 @@ namespace NDetail {
 /// Returns whether the names are equal but for the case of their letters.
 bool AreSameName(const std::string& one, const std::string& other);
 
+/// Returns the text. Throws a TExplainedException with kQDXStatusInvalidClass, such as "the unit of
+/// row Speed is a null pointer", if it is null.
+const char* Given(const char* text, const char* what, const char* whose = "");
+
 }  // namespace NDetail
 
 /// Property names with values.
@@ -81,8 +85,12 @@ void DeclareVolatileQualifier(ICIMNamespace& ns);
 /// Throws a TExplainedException with one sentence, and kQDXStatusInvalidClass or the status of the
 /// repository, if the declarations contradict themselves or each other: no key, two properties of
 /// one name, a superclass or a referenced class that is not declared before, two classes of one
-/// name, a unit that is no PUnit.
+/// name, a unit that is no PUnit, an enumeration with numbers that the property cannot be, an
+/// association with fewer than two references.
 void CheckDeclarations(const std::vector<const TClassDeclaration*>& declarations);
+
+/// Checks the same, except for what a namespace checks when the classes are declared.
+void CheckRelations(const std::vector<const TClassDeclaration*>& declarations);
 
 }  // namespace NVORNQDX20::NDescribe
 

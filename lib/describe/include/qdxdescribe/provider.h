@@ -50,11 +50,13 @@ class TDescriber {
   const std::string& GetProviderName() const { return fProvider; }
   const std::string& GetNamespaceName() const { return fNamespaceName; }
 
+  /// Throws a TExplainedException if the provider or the namespace has no name.
+  void CheckNames() const;
   /// Throws kQDXStatusNotFound for another namespace, and for an option of the wrong type what
   /// reading it throws.
   TRequest MakeRequest(const std::string& ns, TOptionsMap options) const;
   /// Option "classes" names the wanted ones; the others are left out, except their superclasses,
-  /// their subclasses, and the classes that they refer to.
+  /// their subclasses, the classes that all these refer to, and what those need in turn.
   boost::shared_ptr<ICIMNamespace> Describe(const std::vector<TStep>& steps,
                                             const TOptionsMap& options, EExplains explains) const;
 
@@ -64,24 +66,22 @@ class TDescriber {
   std::size_t fMaxInstances;
 };
 
-/// Throws a TExplainedException with kQDXStatusInvalidClass; see CheckDeclarations.
+namespace NDetail {
+
 template <typename THost>
-void CheckClasses(const std::vector<TClassOf<THost>>& classes) {
+std::vector<const TClassDeclaration*> DeclarationsOf(const std::vector<TClassOf<THost>>& classes) {
   std::vector<const TClassDeclaration*> declarations;
   declarations.reserve(classes.size());
   for (const TClassOf<THost>& each : classes) declarations.push_back(&each.fDeclaration);
-  CheckDeclarations(declarations);
+  return declarations;
 }
 
-/// Returns a new namespace that describes the host with the classes, in their order.
-///
-/// For a namespace that no provider publishes; it has the class of missing values only if a value
-/// is missing.
+/// REQUIRES: the classes are checked.
 template <typename THost>
-boost::shared_ptr<ICIMNamespace> Describe(
-    const TDescriber& describer, const std::vector<TClassOf<THost>>& classes, const THost& host,
-    const TOptionsMap& options = {},
-    TDescriber::EExplains explains = TDescriber::EExplains::kIfMissing) {
+boost::shared_ptr<ICIMNamespace> DescribeChecked(const TDescriber& describer,
+                                                 const std::vector<TClassOf<THost>>& classes,
+                                                 const THost& host, const TOptionsMap& options,
+                                                 TDescriber::EExplains explains) {
   std::vector<TDescriber::TStep> steps;
   for (const TClassOf<THost>& each : classes) {
     steps.push_back({&each.fDeclaration, &each.fColumns, nullptr});
@@ -93,12 +93,35 @@ boost::shared_ptr<ICIMNamespace> Describe(
   return describer.Describe(steps, options, explains);
 }
 
+}  // namespace NDetail
+
+/// Throws a TExplainedException with kQDXStatusInvalidClass; see CheckDeclarations.
+template <typename THost>
+void CheckClasses(const std::vector<TClassOf<THost>>& classes) {
+  CheckDeclarations(NDetail::DeclarationsOf(classes));
+}
+
+/// Returns a new namespace that describes the host with the classes, in their order. Throws what
+/// CheckClasses throws.
+///
+/// For a namespace that no provider publishes; it has the class of missing values only if a value
+/// is missing.
+template <typename THost>
+boost::shared_ptr<ICIMNamespace> Describe(
+    const TDescriber& describer, const std::vector<TClassOf<THost>>& classes, const THost& host,
+    const TOptionsMap& options = {},
+    TDescriber::EExplains explains = TDescriber::EExplains::kIfMissing) {
+  CheckRelations(NDetail::DeclarationsOf(classes));
+  return NDetail::DescribeChecked(describer, classes, host, options, explains);
+}
+
 /// The provider itself. Each GetNamespace returns a new namespace with the current state.
 template <typename THost>
 class TTableProvider final : public INamespaceProvider {
  public:
   TTableProvider(const TDescriber& describer, std::vector<TClassOf<THost>> classes)
       : fDescriber(describer), fClasses(std::move(classes)) {
+    fDescriber.CheckNames();
     CheckClasses(fClasses);
   }
 
@@ -108,8 +131,8 @@ class TTableProvider final : public INamespaceProvider {
   boost::shared_ptr<ICIMNamespace> GetNamespace(const std::string& name,
                                                 TOptionsMap options) override {
     const TRequest request = fDescriber.MakeRequest(name, std::move(options));
-    return Describe(fDescriber, fClasses, THost(request), request.fOptions,
-                    TDescriber::EExplains::kAlways);
+    return NDetail::DescribeChecked(fDescriber, fClasses, THost(request), request.fOptions,
+                                    TDescriber::EExplains::kAlways);
   }
 
   void EnumerateNamespaceNames(const TNamespaceNameCallback& callback, TOptionsMap) override {
@@ -125,7 +148,8 @@ class TTableProvider final : public INamespaceProvider {
 /// class comes after its superclass and after those it refers to.
 ///
 /// A THost is made from the TRequest of each call, for what several classes need; it is named as in
-/// MakeProvider<TMachine>(...) unless it is the TRequest itself. Throws what CheckClasses throws.
+/// MakeProvider<TMachine>(...) unless it is the TRequest itself. Throws what CheckClasses and
+/// TDescriber::CheckNames throw.
 template <typename THost = TRequest>
 boost::shared_ptr<INamespaceProvider> MakeProvider(const std::string& provider,
                                                    const std::string& ns,

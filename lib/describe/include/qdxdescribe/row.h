@@ -204,6 +204,10 @@ struct TIsReadable<std::vector<T>>
 template <typename T>
 constexpr bool kIsNumber = std::is_arithmetic_v<T> && !std::is_same_v<T, bool>;
 
+/// How often the first type is among the others.
+template <typename T, typename... TAll>
+constexpr int kCount = (0 + ... + (std::is_same_v<T, TAll> ? 1 : 0));
+
 template <typename T>
 struct TAttributes {
   static void Apply(TPropertyDeclaration& row, TKeyAttribute) {
@@ -221,7 +225,7 @@ struct TAttributes {
   }
   static void Apply(TPropertyDeclaration& row, const TUnit& unit) {
     static_assert(kIsNumber<T>, "only a number has a unit");
-    row.fUnit = unit.fUnit;
+    row.fUnit = Given(unit.fUnit, "the unit of row ", row.fName.c_str());
   }
   static void Apply(TPropertyDeclaration& row, const TEnumeration& enumeration) {
     static_assert(std::is_integral_v<T> && kIsNumber<T>, "only an integer is an enumeration");
@@ -230,7 +234,7 @@ struct TAttributes {
   static void Apply(TPropertyDeclaration& row, ESecret secret) { row.fSecret = secret; }
   static void Apply(TPropertyDeclaration& row, const TRefersTo& target) {
     static_assert(std::is_same_v<T, TInstanceName>, "only a reference refers to a class");
-    row.fReferencedClass = target.fClass;
+    row.fReferencedClass = Given(target.fClass, "the class of row ", row.fName.c_str());
   }
 };
 
@@ -244,14 +248,25 @@ class TRow {
   /// TRefersTo, in any order.
   template <typename TReader, typename... TAttribute>
   TRow(const char* name, const char* description, TReader reader, const TAttribute&... attributes)
-      : fDeclaration(name, NDetail::NullOf<TType<TReader>>()), fRead(Reader(std::move(reader))) {
+      : fDeclaration(NDetail::Given(name, "the name of a row"), NDetail::NullOf<TType<TReader>>()),
+        fRead(Reader(std::move(reader))) {
     static_assert(NDetail::TIsReadable<TType<TReader>>::value,
                   "a row reads a bool, a number, a string, a date-time, a vector of one of these, "
                   "or a TInstanceName");
     static_assert(!std::is_same_v<TType<TReader>, TInstanceName> ||
                       (std::is_same_v<TAttribute, TRefersTo> || ...),
                   "a reference needs TRefersTo with the class it refers to");
-    fDeclaration.fDescription = description;
+    static_assert(((NDetail::kCount<TAttribute, TAttribute...> == 1) && ...),
+                  "a row has each attribute once");
+    static_assert(NDetail::kCount<TCounterAttribute, TAttribute...> +
+                          NDetail::kCount<TGaugeAttribute, TAttribute...> <
+                      2,
+                  "a counter is no gauge");
+    static_assert(NDetail::kCount<TKeyAttribute, TAttribute...> +
+                          NDetail::kCount<TVolatileAttribute, TAttribute...> <
+                      2,
+                  "a key is not volatile");
+    fDeclaration.fDescription = NDetail::Given(description, "the description of row ", name);
     (NDetail::TAttributes<TType<TReader>>::Apply(fDeclaration, attributes), ...);
   }
 

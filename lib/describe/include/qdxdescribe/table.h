@@ -123,7 +123,11 @@ class TTable {
   }
   /// An abstract class: without instances of its own.
   TTable(const char* name, const char* description, const TRows& rows)
-      : fDeclaration{name, description, {}, {}, true} {
+      : fDeclaration{NDetail::Given(name, "the name of a class"),
+                     NDetail::Given(description, "the description of class ", name),
+                     {},
+                     {},
+                     true} {
     for (const TRow<TSource, THost>& row : rows) {
       fDeclaration.fProperties.push_back(row.GetDeclaration());
       fColumns.push_back({row.GetDeclaration().fName, row.GetReader()});
