@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <csignal>
 #include <fstream>
-#include <iterator>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -17,7 +16,8 @@ using ::testing::IsSubstring;
 bool IsAnyLeft(const TInstallation& installation) {
   for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
     std::ifstream file(entry.path() / "cmdline");
-    const std::string command(std::istreambuf_iterator<char>(file), {});
+    std::string command;
+    std::getline(file, command);  // fails without an exception if the process has ended
     const bool isOrphan = command == std::string("sleep\0004711\0", 11);
     if (isOrphan || command.find(installation.Folder().parent_path().parent_path()) == 0) {
       return true;

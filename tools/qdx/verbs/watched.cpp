@@ -5,7 +5,6 @@
 
 #include <csignal>
 #include <fstream>
-#include <iterator>
 #include <limits>
 #include <new>
 #include <optional>
@@ -80,7 +79,9 @@ void RunWatched(const std::string& action, std::chrono::seconds timeout,
   // limited, since progress cannot be seen.
   job.fProgress = [&process, calls = 0]() mutable {
     std::ifstream file("/proc/" + std::to_string(process) + "/io");
-    const std::string counts(std::istreambuf_iterator<char>(file), {});
+    std::string counts;
+    // Not by an iterator, which throws if the process has ended meanwhile.
+    for (std::string line; std::getline(file, line);) counts += line;
     return counts.empty() ? std::to_string(++calls) : counts;
   };
   job.fDescriptors = descriptors;
