@@ -172,19 +172,24 @@ bool IsFinite(const T& value) {
   }
 }
 
+inline bool IsNullDate(const TCIMDateTime& date) { return date.IsNull(); }
+template <typename T>
+bool IsNullDate(const T&) {
+  return false;
+}
+
 template <typename T>
 TCell CellOf(const T& value) {
   if constexpr (kIsReading<T>) {
     return value ? CellOf(*value) : TCell{TCIMValue(), value.GetReason(), {}};
   } else if constexpr (std::is_pointer_v<T>) {
-    return value == nullptr ? TCell{} : TCell{TCIMValue(value), {}, {}};
+    if (value == nullptr) return TCell{};
+    return {TCIMValue(value), {}, {}};
   } else if constexpr (std::is_same_v<T, TInstanceName>) {
     return {TCIMValue(), value.fClass.empty() ? "refers to nothing" : "", value};
-  } else if constexpr (std::is_same_v<T, TCIMDateTime>) {
-    return value.IsNull() ? TCell{} : TCell{TCIMValue(value), {}, {}};
-  } else if (!IsFinite(value)) {
-    return {TCIMValue(), "is not a finite number", {}};
   } else {
+    if (IsNullDate(value)) return TCell{};
+    if (!IsFinite(value)) return {TCIMValue(), "is not a finite number", {}};
     return {ValueOf(value), {}, {}};
   }
 }
@@ -206,7 +211,11 @@ constexpr bool kIsNumber = std::is_arithmetic_v<T> && !std::is_same_v<T, bool>;
 
 /// How often the first type is among the others.
 template <typename T, typename... TAll>
-constexpr int kCount = (0 + ... + (std::is_same_v<T, TAll> ? 1 : 0));
+constexpr int Count() {
+  int count = 0;
+  ((count += std::is_same_v<T, TAll> ? 1 : 0), ...);
+  return count;
+}
 
 template <typename T>
 struct TAttributes {
@@ -256,14 +265,14 @@ class TRow {
     static_assert(!std::is_same_v<TType<TReader>, TInstanceName> ||
                       (std::is_same_v<TAttribute, TRefersTo> || ...),
                   "a reference needs TRefersTo with the class it refers to");
-    static_assert(((NDetail::kCount<TAttribute, TAttribute...> == 1) && ...),
+    static_assert(((NDetail::Count<TAttribute, TAttribute...>() == 1) && ...),
                   "a row has each attribute once");
-    static_assert(NDetail::kCount<TCounterAttribute, TAttribute...> +
-                          NDetail::kCount<TGaugeAttribute, TAttribute...> <
+    static_assert(NDetail::Count<TCounterAttribute, TAttribute...>() +
+                          NDetail::Count<TGaugeAttribute, TAttribute...>() <
                       2,
                   "a counter is no gauge");
-    static_assert(NDetail::kCount<TKeyAttribute, TAttribute...> +
-                          NDetail::kCount<TVolatileAttribute, TAttribute...> <
+    static_assert(NDetail::Count<TKeyAttribute, TAttribute...>() +
+                          NDetail::Count<TVolatileAttribute, TAttribute...>() <
                       2,
                   "a key is not volatile");
     fDeclaration.fDescription = NDetail::Given(description, "the description of row ", name);

@@ -76,6 +76,8 @@ TInstances<TSource> List(const TLister& list, const THost& host, const ICIMNames
     return list(host, ns);
   } else if constexpr (std::is_invocable_v<const TLister&, const THost&>) {
     return list(host);
+  } else {
+    return TMissing{};  // never called: the assertion has failed
   }
 }
 
