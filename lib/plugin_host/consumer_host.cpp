@@ -49,19 +49,9 @@ void RegisterStandIns(const std::vector<TMachineNamespace>& namespaces) {
   }
 }
 
-void Send(const TSender& sender, EConsumerMessage kind, const std::string& text = {},
-          std::int64_t number = 0, TDescriptor file = {}) {
-  TMessage message;
-  message.fKind = kind;
-  message.fNumber = number;
-  message.fTexts = {text};
-  message.fFile = std::move(file);
-  sender.Send(message);
-}
-
 bool Attempt(const TSender& sender, EConsumerMessage kind, const std::function<void()>& work) {
   const auto failure = Try(work);
-  if (failure) Send(sender, kind, failure->GetReason(), failure->GetStatusCode());
+  if (failure) sender.Send(kind, {failure->GetReason()}, failure->GetStatusCode());
   return !failure;
 }
 
@@ -81,10 +71,10 @@ void ServeConsumer(const TPluginFile& plugin, const TConsumerRequest& request,
     consumer.reset(TOSSpecific::LoadNSCLibrary(plugin.fService));
     if (!consumer) throw TExplainedException(kQDXStatusInvalidPlugin, "it creates no consumer");
   });
-  if (isLoaded) Send(sender, kLoaded);
+  if (isLoaded) sender.Send(kLoaded, {});
   bool isGood = isLoaded;
   if (isLoaded && request.fNamespaces.empty()) {
-    isGood = Attempt(sender, kFailed, [&] { Send(sender, kName, consumer->GetName({})); });
+    isGood = Attempt(sender, kFailed, [&] { sender.Send(kName, {consumer->GetName({})}); });
   }
   for (std::size_t i = 0; isGood && i < request.fNamespaces.size(); ++i) {
     const bool more = i + 1 < request.fNamespaces.size();
@@ -92,13 +82,13 @@ void ServeConsumer(const TPluginFile& plugin, const TConsumerRequest& request,
       consumer->Consume(request.fNamespaces[i].fNamespace,
                         {{NModel::kFileOption, TCIMValue(request.fFile)},
                          {NModel::kMoreOption, TCIMValue(more)}});
-      Send(sender, kConsumed);
+      sender.Send(kConsumed, {});
     });
   }
   // Its destructor is the plug-in's code, too.
   consumer.reset();
   std::fflush(nullptr);
-  Send(sender, kDone, {}, 0, std::move(output));
+  sender.Send(kDone, {}, 0, std::move(output));
 }
 
 TWorkerJob JobOf(TAskedConsumer& consumer, const TConsumerRequest& request) {

@@ -34,7 +34,7 @@ class TProviderWorker {
       for (const auto& provider : AllProviders()) {
         std::string name;
         if (!Try([&] { name = provider->GetName({}); })) {
-          Send(kProvider, {name});
+          fSender.Send(kProvider, {name});
           fProviders.emplace_back(name, provider);
         }
       }
@@ -55,18 +55,8 @@ class TProviderWorker {
       Ask(name, *provider);
       const auto time =
           std::chrono::duration_cast<std::chrono::microseconds>(TClock::now() - start);
-      Send(kTime, {name}, time.count());
+      fSender.Send(kTime, {name}, time.count());
     }
-  }
-
-  void Send(EProviderMessage kind, std::vector<std::string> texts, std::int64_t number = 0,
-            TDescriptor file = {}) const {
-    TMessage message;
-    message.fKind = kind;
-    message.fNumber = number;
-    message.fTexts = std::move(texts);
-    message.fFile = std::move(file);
-    fSender.Send(message);
   }
 
  private:
@@ -83,12 +73,8 @@ class TProviderWorker {
   }
 
   void Ask(const std::string& name, INamespaceProvider& provider) {
-    std::vector<std::string> namespaces;
-    if (fRequest.fNamespace.empty() && fRequest.fListsNamespaces) {
-      namespaces = List(name, provider);
-    } else if (!fRequest.fNamespace.empty()) {
-      namespaces = {fRequest.fNamespace};
-    }
+    std::vector<std::string> namespaces = {fRequest.fNamespace};
+    if (fRequest.fNamespace.empty()) namespaces = List(name, provider);
     if (!fRequest.fReadsNamespaces) return;
     for (const std::string& ns : namespaces) Read({name, ns}, provider);
   }
@@ -111,8 +97,8 @@ class TProviderWorker {
         isOffered = false;
       }
     });
-    if (isListed && isOffered) Send(kListed, {name});
-    for (const std::string& each : names) Send(kNamespace, {name, each});
+    if (isListed && isOffered) fSender.Send(kListed, {name});
+    for (const std::string& each : names) fSender.Send(kNamespace, {name, each});
     return names;
   }
 
@@ -137,7 +123,7 @@ class TProviderWorker {
 
   /// After a failure: what can be read before it.
   void DeliverPart(const TOrigin& origin, const boost::shared_ptr<ICIMNamespace>& ns) {
-    Send(kAsking, {origin.fProvider, origin.fNamespace, "reading"});
+    fSender.Send(kAsking, {origin.fProvider, origin.fNamespace, "reading"});
     (void)Try([&] {
       const auto part = MakeRepositoryNamespace(origin.fNamespace);
       (void)Try([&] { TCIMCopy::CopyClasses(ns, part); });
@@ -159,21 +145,21 @@ class TProviderWorker {
           ILogger::kLogWarning, [&warnings](auto, const auto& text) { warnings.push_back(text); });
       writer.Close();
     }
-    Send(kDocument, {origin.fProvider, origin.fNamespace}, 0, std::move(file));
-    for (const std::string& warning : warnings) Send(kWarning, {warning});
+    fSender.Send(kDocument, {origin.fProvider, origin.fNamespace}, 0, std::move(file));
+    for (const std::string& warning : warnings) fSender.Send(kWarning, {warning});
   }
 
   bool Attempt(const TOrigin& origin, const std::string& operation,
                const std::function<void()>& work) {
-    Send(kAsking, {origin.fProvider, origin.fNamespace, operation});
+    fSender.Send(kAsking, {origin.fProvider, origin.fNamespace, operation});
     const auto failure = Try(work);
     if (!failure) return true;
     const TExplainedException bare = WithoutName(*failure, origin.fProvider);
     const bool isMemory = bare.GetStatusCode() == kQDXStatusOutOfMemory;
-    Send(kFailure,
-         {origin.fProvider, origin.fNamespace, operation,
-          bare.GetReason() + (isMemory ? "; --memory allows more" : "")},
-         bare.GetStatusCode());
+    fSender.Send(kFailure,
+                 {origin.fProvider, origin.fNamespace, operation,
+                  bare.GetReason() + (isMemory ? "; --memory allows more" : "")},
+                 bare.GetStatusCode());
     return false;
   }
 
@@ -189,8 +175,8 @@ void ServeProviders(const TPluginFile& plugin, const TProviderRequest& request, 
   TProviderWorker worker(request, sender);
   worker.Load(plugin);
   worker.AskAll();
-  worker.Send(kAsking, {"", "", "ending"});
-  worker.Send(kDone, {});
+  sender.Send(kAsking, {"", "", "ending"});
+  sender.Send(kDone, {});
 }
 
 }  // namespace NVORNQDX20::NPluginHost

@@ -177,7 +177,7 @@ void Report(const TChild& worker, const std::string& remaining, int end) {
 
 }  // namespace
 
-void Supervise(TSupervisorEnds& ends, const TWorkerLimits& limits, const TWorkerJob& job) {
+void Supervise(TSupervisorEnds& ends, const TWorkerLimits& limits, const TWorkerJob& job) noexcept {
   CloseOthers(ends, job.fDescriptors);
   ReplaceStandardStreams(ends);
   ::setsid();  // no terminal, and no signals from one

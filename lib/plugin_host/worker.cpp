@@ -119,8 +119,7 @@ class TWorker {
 
   /// Handles what has happened. Returns whether the worker has ended, after calling its callback.
   bool Handle(const pollfd* ends) {
-    if (fStartError != 0)
-      return End({false, "it cannot be started: " + ErrorText(fStartError), {}});
+    if (fStartError != 0) return End({false, "it cannot be started: " + ErrorText(fStartError)});
     if (ends[0].revents != 0) ReceiveMessages();
     if (ends[1].revents != 0) ReadOutput();
     if (ends[2].revents != 0) return Finish();
@@ -212,7 +211,6 @@ class TWorker {
   }
 
   bool End(TWorkerEnd end) {
-    end.fOutput = fText;
     end.fTime = std::chrono::duration_cast<std::chrono::microseconds>(TClock::now() - fStart);
     fJob.fEnd(end);
     return true;
@@ -227,10 +225,10 @@ class TWorker {
 
   TWorkerEnd ExplainEnd(const std::optional<TMessage>& report) const {
     if (report && report->fKind == kNotForked) {
-      return {false, "it cannot be started: " + ErrorText(static_cast<int>(report->fNumber)), {}};
+      return {false, "it cannot be started: " + ErrorText(static_cast<int>(report->fNumber))};
     }
     const int status = report ? static_cast<int>(report->fNumber) : -1;
-    if (!fIsGivenUp && status == 0) return {true, {}, {}};
+    if (!fIsGivenUp && status == 0) return {true, {}};
     std::string reason = fWhyGivenUp;
     if (reason.empty()) reason = ExplainStatus(status) + " after " + Seconds();
     if (report && report->Text(0) != "0") {
@@ -243,7 +241,7 @@ class TWorker {
     }
     reason += fHint;
     const std::string said = OnOneLine(fText);
-    return {false, said.empty() ? reason : reason + ": " + said, {}};
+    return {false, said.empty() ? reason : reason + ": " + said};
   }
 
   std::string ExplainStatus(int status) const {
@@ -323,10 +321,6 @@ void Tell(const TWaitCallback& wait, const std::list<TWorker>& workers) {
   wait(names, std::chrono::duration_cast<std::chrono::seconds>(TClock::now() -
                                                                workers.front().GetStart()));
 }
-
-}  // namespace
-
-namespace {
 
 class TPool {
  public:

@@ -44,11 +44,8 @@ TWorkerLog::TWorkerLog(const TSender& sender)
                   if (severity == ILogger::kLogError) LastError() = text;
                   if (++count > kMaxLogEntries) return;
                   const bool isLast = count == kMaxLogEntries;
-                  TMessage message;
-                  message.fKind = kLogEntry;
-                  message.fNumber = isLast ? ILogger::kLogWarning : severity;
-                  message.fTexts = {isLast ? "further log entries were left out" : text};
-                  sender.Send(message);
+                  sender.Send(kLogEntry, {isLast ? "further log entries were left out" : text},
+                              isLast ? ILogger::kLogWarning : severity);
                 }) {
   std::set_terminate(PrintReasonAndAbort);
 }

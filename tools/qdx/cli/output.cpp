@@ -39,7 +39,9 @@ void CopyToOutput(int file) {
     WriteOutput({block, static_cast<std::size_t>(size)});
     position += size;
   }
-  if (size < 0) FailToWrite(errno);
+  if (size == 0) return;
+  throw TCommandFailure(kExitBadInput, "reading a temporary file",
+                        {kQDXStatusFileSystemError, ErrorText(errno)});
 }
 
 void CopyToFile(const std::string& from, const std::string& to) {

@@ -29,9 +29,7 @@ void CheckRootFolder(const std::string& root, const TWorkerLimits& limits) {
   const auto check = [&root](TSender& sender) {
     struct stat status {};
     const int error = ::stat(root.c_str(), &status) == 0 ? 0 : errno;
-    TMessage message;
-    message.fNumber = error == 0 && !S_ISDIR(status.st_mode) ? ENOTDIR : error;
-    sender.Send(message);
+    sender.Send(0, {}, error == 0 && !S_ISDIR(status.st_mode) ? ENOTDIR : error);
   };
   const auto receive = [&reason](TMessage&& message) {
     if (message.fNumber != 0) reason = ErrorText(static_cast<int>(message.fNumber));

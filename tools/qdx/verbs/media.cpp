@@ -150,18 +150,11 @@ TMedia ListInWorker(const boost::shared_ptr<ICIMNamespace>& ns, TWorkerLimits li
   TWorkerJob job;
   job.fName = "removable media";
   job.fWork = [&ns](TSender& sender) {
-    const auto send = [&sender](EMessage kind, std::vector<std::string> texts, int number = 0) {
-      TMessage message;
-      message.fKind = kind;
-      message.fNumber = number;
-      message.fTexts = std::move(texts);
-      sender.Send(message);
-    };
     TMedia found;
     const auto why = Try([&] { found = TOSSpecific::EnumerateRemovableMedia(ns); });
-    for (const auto& [device, description] : found) send(kMedium, {device, description});
-    if (why) send(kFailed, {why->GetReason()}, why->GetStatusCode());
-    send(kDone, {});
+    for (const auto& [device, description] : found) sender.Send(kMedium, {device, description});
+    if (why) sender.Send(kFailed, {why->GetReason()}, why->GetStatusCode());
+    sender.Send(kDone, {});
   };
   job.fReceive = [&](TMessage&& message) {
     if (message.fKind == kMedium) media.push_back({message.Text(0), message.Text(1)});

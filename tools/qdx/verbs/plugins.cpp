@@ -53,9 +53,11 @@ TJSON Describe(const TAskedLibrary& library) {
 
 /// The name is null if the consumer does not return one.
 TJSON Describe(const TAskedConsumer& consumer) {
-  const auto& [plugin, loadFailure, name, consumed, failure, isLost, warnings, output] = consumer;
+  const auto& plugin = consumer.fPlugin;
+  const auto& loadFailure = consumer.fLoadFailure;
+  const auto& failure = consumer.fFailure;
   TJSON description = Describe(plugin, loadFailure ? loadFailure : failure);
-  description["name"] = name ? TJSON(*name) : TJSON();
+  description["name"] = consumer.fName ? TJSON(*consumer.fName) : TJSON();
   if (loadFailure) PrintFailure("loading consumer " + plugin.fPath, *loadFailure);
   if (failure) PrintFailure("asking for the name of consumer " + plugin.fService, *failure);
   return description;

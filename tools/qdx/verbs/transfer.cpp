@@ -209,7 +209,7 @@ void Download(const TArguments& arguments, const std::string& file, const std::s
 void DownloadToOutput(const TArguments& arguments) {
   const TDescriptor file = OpenTemporaryFile();
   Download(arguments, PathOf(file), "temporary file", {file.Get()});
-  ReadAll(file, "temporary file", WriteOutput);
+  CopyToOutput(file.Get());
 }
 
 /// Returns the file to replace: the target of a link, and never a device.

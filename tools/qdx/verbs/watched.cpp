@@ -27,31 +27,22 @@ enum EWatchedMessage : std::uint8_t {
   kDone,         ///< The exit code.
 };
 
-void Send(const TSender& sender, EWatchedMessage kind, std::int64_t number,
-          std::vector<std::string> texts = {}) {
-  TMessage message;
-  message.fKind = kind;
-  message.fNumber = number;
-  message.fTexts = std::move(texts);
-  sender.Send(message);
-}
-
 void Work(const std::function<void()>& work, const std::string& action, const TSender& sender) {
   std::signal(SIGXFSZ, SIG_IGN);  // a file that is too large shall be a failed write
-  Send(sender, kProcess, ::getpid());
+  sender.Send(kProcess, {}, ::getpid());
   EExitCode code = kExitDone;
   try {
     work();
   } catch (const TCommandFailure& failure) {
     code = failure.GetExitCode();
     if (const auto& why = failure.GetFailure()) {
-      Send(sender, kFailed, why->GetStatusCode(), {failure.GetAction(), why->GetReason()});
+      sender.Send(kFailed, {failure.GetAction(), why->GetReason()}, why->GetStatusCode());
     }
   } catch (const std::bad_alloc&) {
     code = kExitTransferFailed;
-    Send(sender, kFailed, kQDXStatusOutOfMemory, {action, "out of memory"});
+    sender.Send(kFailed, {action, "out of memory"}, kQDXStatusOutOfMemory);
   }
-  Send(sender, kDone, code);
+  sender.Send(kDone, {}, code);
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ constexpr bool kIsSanitized = true;
 constexpr bool kIsSanitized = false;
 #endif
 
-/// A number up to 65535, which is plenty for seconds and for MiB times 16.
+/// Parses a number from 1 to the largest that the type can hold; `what` begins with the unit.
 template <typename TNumber>
 TNumber NumberOf(const std::string& text, const std::string& what) {
   TNumber number = 0;

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace NVORNQDX20::NPluginHost {
@@ -39,6 +40,11 @@ class TSender {
   /// Sends it with its file. Ends the process if that fails, since nothing else can be delivered
   /// then.
   void Send(const TMessage& message) const;
+  /// Makes the message first.
+  void Send(std::uint8_t kind, std::vector<std::string> texts, std::int64_t number = 0,
+            TDescriptor file = {}) const {
+    Send(TMessage{kind, number, std::move(texts), std::move(file)});
+  }
 
  private:
   int fSocket;

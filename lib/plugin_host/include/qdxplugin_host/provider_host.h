@@ -20,8 +20,7 @@ namespace NVORNQDX20::NPluginHost {
 /// What providers are asked for.
 struct TProviderRequest {
   std::vector<std::string> fProviders = {};  ///< By name; all if empty.
-  bool fListsNamespaces = true;              ///< Names of namespaces.
-  bool fReadsNamespaces = true;              ///< Their contents.
+  bool fReadsNamespaces = true;              ///< Their contents, not only their names.
   std::string fNamespace = {};  ///< Only this one, of the providers that have it; all if empty.
   TOptionsMap fOptions = {};    ///< Passed to the providers.
 };

@@ -37,9 +37,8 @@ struct TWorkerLimits {
 struct TWorkerEnd {
   bool fIsNormal = false;  ///< The work returned, and the process ended by itself with status 0.
   /// Otherwise why, for example "it crashed (ABRT) after 0.1 s, with 12 MB of memory: double free",
-  /// where the last part is the end of fOutput.
+  /// where the last part is the end of what it printed.
   std::string fReason;
-  std::string fOutput;  ///< The end of what it wrote to its standard streams.
   std::chrono::microseconds fTime{0};
 };
 
