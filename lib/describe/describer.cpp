@@ -91,8 +91,9 @@ class TReferences {
 
   /// Adds a new instance to what was read of its class and superclasses before.
   void Add(const boost::shared_ptr<ICIMInstance>& instance) {
+    if (fInstances.empty()) return;
+    const auto cimClass = instance->GetClass({});
     for (auto& [className, instances] : fInstances) {
-      const auto cimClass = instance->GetClass({});
       if (IsA(cimClass, className)) AddByKey(instance, KeysOf(*cimClass), instances);
     }
   }
