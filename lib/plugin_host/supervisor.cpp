@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <new>
 #include <string>
 
 #include <fcntl.h>
@@ -101,7 +102,11 @@ void RestoreSignals() {
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // after the change of user, which resets it
   if (::getppid() != supervisor) ::_exit(kWorkReturned);
   TSender sender(ends.fSocket.Get());
-  work(sender);
+  try {
+    work(sender);
+  } catch (const std::bad_alloc&) {
+    ::_exit(kOutOfMemory);
+  }
   std::exit(kWorkReturned);  // destructors of plug-ins run here, too
 }
 

@@ -15,6 +15,7 @@ enum EWorkerStatus : int {
   kWorkReturned = 0,
   kCannotDeliver = 112,
   kCannotTakeOnUser = 113,
+  kOutOfMemory = 114,
 };
 
 /// The kinds of reports.
@@ -34,7 +35,7 @@ struct TSupervisorEnds {
 /// Runs in a process that the command has forked: forks the worker, waits for it or for the end of
 /// the lifeline, kills all that the worker has started, reports and ends.
 ///
-/// An exception ends the process: it must not reach the objects of the command, such as a file that
+/// An exception of the job ends the worker: it must not reach the objects of the command, such as a file that
 /// their destructors would remove.
 ///
 /// The report is an encoded message: the wait status as its number, -1 if the worker has not ended;

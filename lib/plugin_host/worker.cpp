@@ -252,6 +252,8 @@ class TWorker {
           return "it closed the socket through which it delivers";
         case kCannotTakeOnUser:
           return "it cannot take on the privileges of the user";
+        case kOutOfMemory:
+          return "it ran out of memory";
         default:
           return "it ended with status " + std::to_string(WEXITSTATUS(status));
       }
