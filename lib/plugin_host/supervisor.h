@@ -35,8 +35,8 @@ struct TSupervisorEnds {
 /// Runs in a process that the command has forked: forks the worker, waits for it or for the end of
 /// the lifeline, kills all that the worker has started, reports and ends.
 ///
-/// An exception of the job ends the worker: it must not reach the objects of the command, such as a file that
-/// their destructors would remove.
+/// An exception of the job ends the worker: it must not reach the objects of the command, such as a
+/// file that their destructors would remove.
 ///
 /// The report is an encoded message: the wait status as its number, -1 if the worker has not ended;
 /// the peak of memory in kilobytes and a process that could not be killed as its texts.
