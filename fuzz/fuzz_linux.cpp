@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // Files of a machine: what is parsed is written as a file that parses to the same. The first byte
 // selects a mount table (0), os-release (1), fields (2), a number (3) or a text (4).
-#include <machine/fields.h>
-#include <machine/mount_table.h>
-#include <machine/os_release.h>
-#include <machine/reading.h>
+#include <sources/fields.h>
+#include <sources/mount_table.h>
+#include <sources/os_release.h>
+#include <sources/reading.h>
 
 #include <algorithm>
 

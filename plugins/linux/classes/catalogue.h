@@ -8,7 +8,7 @@
 
 #include <vector>
 
-#include "machine/host.h"
+#include "sources/host.h"
 
 namespace NVORNQDX20 {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <machine/mount_table.h>
+#include <sources/mount_table.h>
 
 #include <gtest/gtest.h>
 

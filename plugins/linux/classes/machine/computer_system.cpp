@@ -6,7 +6,7 @@
 
 #include <boost/algorithm/string/predicate.hpp>
 
-#include "catalogue.h"
+#include "classes/catalogue.h"
 
 namespace NVORNQDX20 {
 namespace {

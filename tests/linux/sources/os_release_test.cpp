@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <machine/os_release.h>
+#include <sources/os_release.h>
 
 #include <gtest/gtest.h>
 

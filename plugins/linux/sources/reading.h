@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// What all files of this plug-in use of the library of tables.
-#ifndef PLUGINS_LINUX_MACHINE_READING_H_
-#define PLUGINS_LINUX_MACHINE_READING_H_
+#ifndef PLUGINS_LINUX_SOURCES_READING_H_
+#define PLUGINS_LINUX_SOURCES_READING_H_
 
 #include <qdxdescribe/files.h>
 #include <qdxdescribe/numbers.h>
@@ -20,4 +20,4 @@ using TNumber = TReading<std::uint64_t>;
 
 }  // namespace NVORNQDX20
 
-#endif  // PLUGINS_LINUX_MACHINE_READING_H_
+#endif  // PLUGINS_LINUX_SOURCES_READING_H_

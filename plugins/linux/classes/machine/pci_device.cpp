@@ -3,8 +3,8 @@
 #include <array>
 #include <cstdio>
 
-#include "logical_device.h"
-#include "machine/fields.h"
+#include "classes/logical_device.h"
+#include "sources/fields.h"
 
 namespace NVORNQDX20 {
 namespace {

@@ -2,7 +2,7 @@
 // Class VORNSG_DiskDrive: block devices with hardware.
 #include <algorithm>
 
-#include "logical_device.h"
+#include "classes/logical_device.h"
 
 namespace NVORNQDX20 {
 namespace {

@@ -4,8 +4,8 @@
 #include <string_view>
 #include <utility>
 
-#include "logical_device.h"
-#include "machine/fields.h"
+#include "classes/logical_device.h"
+#include "sources/fields.h"
 
 namespace NVORNQDX20 {
 namespace {

@@ -2,7 +2,7 @@
 // Class VORNSG_SCSIDevice: devices of the SCSI generic driver.
 #include <array>
 
-#include "logical_device.h"
+#include "classes/logical_device.h"
 
 namespace NVORNQDX20 {
 namespace {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Parses mount tables (fstab(5), proc_pid_mounts(5)).
-#ifndef PLUGINS_LINUX_MACHINE_MOUNT_TABLE_H_
-#define PLUGINS_LINUX_MACHINE_MOUNT_TABLE_H_
+#ifndef PLUGINS_LINUX_SOURCES_MOUNT_TABLE_H_
+#define PLUGINS_LINUX_SOURCES_MOUNT_TABLE_H_
 
 #include <map>
 #include <string>
@@ -25,4 +25,4 @@ std::map<std::string, TMount> ParseMounts(std::string_view table);
 
 }  // namespace NVORNQDX20
 
-#endif  // PLUGINS_LINUX_MACHINE_MOUNT_TABLE_H_
+#endif  // PLUGINS_LINUX_SOURCES_MOUNT_TABLE_H_

@@ -2,7 +2,7 @@
 // Class VORNSG_QDXProduct: the version of this product.
 #include <qdxcore/config.h>
 
-#include "catalogue.h"
+#include "classes/catalogue.h"
 
 namespace NVORNQDX20 {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Lists of processor numbers, as the kernel writes them: "0-3,8".
-#ifndef PLUGINS_LINUX_MACHINE_CPU_LIST_H_
-#define PLUGINS_LINUX_MACHINE_CPU_LIST_H_
+#ifndef PLUGINS_LINUX_SOURCES_CPU_LIST_H_
+#define PLUGINS_LINUX_SOURCES_CPU_LIST_H_
 
 #include <optional>
 #include <set>
@@ -18,4 +18,4 @@ std::string FormatCPUList(const TCPUs& cpus);
 
 }  // namespace NVORNQDX20
 
-#endif  // PLUGINS_LINUX_MACHINE_CPU_LIST_H_
+#endif  // PLUGINS_LINUX_SOURCES_CPU_LIST_H_

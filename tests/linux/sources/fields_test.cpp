@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <machine/fields.h>
+#include <sources/fields.h>
 
-#include <machine/cpu_list.h>
+#include <sources/cpu_list.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// The described machine: its files and its names.
-#ifndef PLUGINS_LINUX_MACHINE_HOST_H_
-#define PLUGINS_LINUX_MACHINE_HOST_H_
+#ifndef PLUGINS_LINUX_SOURCES_HOST_H_
+#define PLUGINS_LINUX_SOURCES_HOST_H_
 
 #include <qdxdescribe/table.h>
 
@@ -31,4 +31,4 @@ struct THost : TFiles {
 
 }  // namespace NVORNQDX20
 
-#endif  // PLUGINS_LINUX_MACHINE_HOST_H_
+#endif  // PLUGINS_LINUX_SOURCES_HOST_H_

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Asks for the space of mounted file systems.
-#ifndef PLUGINS_LINUX_MACHINE_SPACE_H_
-#define PLUGINS_LINUX_MACHINE_SPACE_H_
+#ifndef PLUGINS_LINUX_SOURCES_SPACE_H_
+#define PLUGINS_LINUX_SOURCES_SPACE_H_
 
 #include <cstdint>
 #include <string>
@@ -24,4 +24,4 @@ TReading<TSpace> ReadSpace(const TFiles& files, const std::string& path);
 
 }  // namespace NVORNQDX20
 
-#endif  // PLUGINS_LINUX_MACHINE_SPACE_H_
+#endif  // PLUGINS_LINUX_SOURCES_SPACE_H_

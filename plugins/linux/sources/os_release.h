@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Parses the os-release file (os-release(5)).
-#ifndef PLUGINS_LINUX_MACHINE_OS_RELEASE_H_
-#define PLUGINS_LINUX_MACHINE_OS_RELEASE_H_
+#ifndef PLUGINS_LINUX_SOURCES_OS_RELEASE_H_
+#define PLUGINS_LINUX_SOURCES_OS_RELEASE_H_
 
 #include <map>
 #include <string>
@@ -16,4 +16,4 @@ std::map<std::string, std::string> ParseOSRelease(std::string_view text);
 
 }  // namespace NVORNQDX20
 
-#endif  // PLUGINS_LINUX_MACHINE_OS_RELEASE_H_
+#endif  // PLUGINS_LINUX_SOURCES_OS_RELEASE_H_

@@ -2,9 +2,9 @@
 // Class VORNSG_FileSystem: mounts that hold files.
 #include <qdxcore/schema_helper.h>
 
-#include "catalogue.h"
-#include "machine/mount_table.h"
-#include "machine/space.h"
+#include "classes/catalogue.h"
+#include "sources/mount_table.h"
+#include "sources/space.h"
 
 namespace NVORNQDX20 {
 namespace {

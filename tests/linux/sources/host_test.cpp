@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <machine/host.h>
+#include <sources/host.h>
 
-#include <machine/space.h>
+#include <sources/space.h>
 
 #include <array>
 

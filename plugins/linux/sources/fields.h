@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Parses lines of names and values, as in procfs and uevent files.
-#ifndef PLUGINS_LINUX_MACHINE_FIELDS_H_
-#define PLUGINS_LINUX_MACHINE_FIELDS_H_
+#ifndef PLUGINS_LINUX_SOURCES_FIELDS_H_
+#define PLUGINS_LINUX_SOURCES_FIELDS_H_
 
 #include <functional>
 #include <map>
@@ -39,4 +39,4 @@ class TFields {
 
 }  // namespace NVORNQDX20
 
-#endif  // PLUGINS_LINUX_MACHINE_FIELDS_H_
+#endif  // PLUGINS_LINUX_SOURCES_FIELDS_H_

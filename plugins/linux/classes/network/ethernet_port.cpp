@@ -5,7 +5,7 @@
 
 #include <boost/algorithm/string/case_conv.hpp>
 
-#include "logical_device.h"
+#include "classes/logical_device.h"
 
 namespace NVORNQDX20 {
 namespace {

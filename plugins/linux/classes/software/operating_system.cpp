@@ -9,10 +9,10 @@
 #include <iterator>
 #include <sstream>
 
-#include "catalogue.h"
-#include "machine/cpu_list.h"
-#include "machine/fields.h"
-#include "machine/os_release.h"
+#include "classes/catalogue.h"
+#include "sources/cpu_list.h"
+#include "sources/fields.h"
+#include "sources/os_release.h"
 
 namespace NVORNQDX20 {
 namespace {
