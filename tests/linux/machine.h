@@ -6,6 +6,12 @@
 #include <qdxcore/interfaces.h>
 #include <qdxcore/os_specific.h>
 #include <qdxcore/registry.h>
+#include <qdxmodel/classes.h>
+
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
 
 #include "support/expect_status.h"
 #include "support/temp_dir.h"
@@ -41,11 +47,66 @@ inline std::map<std::string, std::string> ReasonsOf(const ICIMNamespace& ns) {
   return reasons;
 }
 
+using TTexts = std::map<std::string, std::string>;
+
+/// All values of the classes, named without "VORNSG_", each behind the last key of its instance and
+/// its property: "eth0Speed"; and "Version" of the one operating system. In the place of a null
+/// stands the reason for it.
+inline TTexts ValuesOf(const ICIMNamespace& ns, const std::vector<std::string>& classes) {
+  TTexts values;
+  for (const std::string& name : classes) {
+    const auto properties = NModel::PropertiesOf(*ns.GetClass("VORNSG_" + name, {}));
+    for (const auto& instance : InstancesOf(ns, "VORNSG_" + name)) {
+      std::string owner;
+      for (const auto& property : properties) {
+        if (property.fIsKey) owner = TextOf(*instance, property.fDecl->GetName());
+      }
+      if (name == "OperatingSystem") owner.clear();
+      for (const auto& property : properties) {
+        const std::string& declared = property.fDecl->GetName();
+        values[owner + declared] = TextOf(*instance, declared);
+      }
+    }
+  }
+  for (const auto& [name, reason] : ReasonsOf(ns)) {
+    std::string& value = values[name];
+    if (value.empty() || value == "(null)") value = reason;
+  }
+  return values;
+}
+
+/// Parses lines of an owner, ": ", and texts of the form "name=text" with "; " between them.
+inline TTexts ParseTexts(const std::string& lines, const std::string& afterOwner) {
+  TTexts texts;
+  std::istringstream stream(lines);
+  for (std::string line; std::getline(stream, line);) {
+    const std::size_t colon = line.find(": ");
+    for (std::size_t at = colon; at < line.size(); at = line.find("; ", at + 1)) {
+      const std::size_t equals = line.find('=', at);
+      texts[line.substr(0, colon) + afterOwner + line.substr(at + 2, equals - at - 2)] =
+          line.substr(equals + 1, line.find("; ", equals) - equals - 1);
+    }
+  }
+  return texts;
+}
+
+/// `expected` are lines such as "eth0: Speed=1000; FullDuplex=true".
+inline void ExpectValues(const TTexts& values, const std::string& expected) {
+  for (const auto& [name, value] : ParseTexts(expected, "")) {
+    const auto found = values.find(name);
+    EXPECT_EQ(found == values.end() ? "(no such property)" : found->second, value) << name;
+  }
+}
+
 /// A machine of files, which are read again whenever something is asked about it.
 class TMachine : public TTempDir {
  public:
   boost::shared_ptr<ICIMNamespace> Namespace() const {
     return Describe({{"root", Path().string()}});
+  }
+  /// Writes short files, given as lines such as "sys/block/sda: size=8; queue/rotational=0".
+  void WriteFiles(const std::string& lines) const {
+    for (const auto& [file, text] : ParseTexts(lines, "/")) Write(file, text + "\n");
   }
   /// Of the only instance of the class.
   std::string Value(const std::string& className, const std::string& property) const {
