@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <filesystem>
 #include <iterator>
 #include <memory>
@@ -159,6 +160,18 @@ TReading<bool> TFiles::ReadFlag(const std::string& path) const {
     if (number > 1) return MissingFrom(path, "neither 0 nor 1");
     return number == 1;
   });
+}
+
+TReading<std::string> TFiles::ReadLink(const std::string& path) const {
+  const TDescriptor link = fRoot->Open(PathOf(path), O_PATH | O_NOFOLLOW);
+  struct stat status {};
+  if (!link.IsOpen()) return MissingFrom(path, ErrorText(link.GetError()));
+  if (::fstat(link.Get(), &status) != 0) return MissingFrom(path, ErrorText(errno));
+  if (!S_ISLNK(status.st_mode)) return MissingFrom(path, "not a symbolic link");
+  std::array<char, PATH_MAX> target;
+  const ssize_t size = ::readlinkat(link.Get(), "", target.data(), target.size());
+  if (size < 0) return MissingFrom(path, ErrorText(errno));
+  return std::string(target.data(), static_cast<std::size_t>(size));
 }
 
 TReading<std::vector<std::string>> TFiles::List(const std::string& path) const {

@@ -89,6 +89,9 @@ TEST_F(Files, NoLinkLeadsOutOfTheTree) {
   }
   EXPECT_EQ(Line("/../.." + fSecret), "/../.." + fSecret + ": No such file or directory");
   EXPECT_EQ(Line("/below") + Line("/share/up"), "insideinside");
+  EXPECT_EQ(TextOf(fFiles.ReadLink("/share/up")), "../share/release");
+  EXPECT_EQ(TextOf(fFiles.ReadLink("absolute")), fSecret);
+  EXPECT_EQ(TextOf(fFiles.ReadLink("share/release")), "/share/release: not a symbolic link");
 }
 
 /// Makes the kernel answer ENOSYS to openat2, for the rest of the process.

@@ -50,6 +50,9 @@ class TFiles {
   }
   /// Reads the first line, which must be "1" or "0".
   TReading<bool> ReadFlag(const std::string& path) const;
+  /// Returns what a symbolic link contains, unchanged; the reason for another file is "not a
+  /// symbolic link".
+  TReading<std::string> ReadLink(const std::string& path) const;
   /// Returns the sorted names in a folder, without those that begin with a dot.
   TReading<std::vector<std::string>> List(const std::string& path = {}) const;
 
