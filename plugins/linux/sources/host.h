@@ -5,7 +5,10 @@
 
 #include <qdxdescribe/table.h>
 
+#include <map>
+#include <memory>
 #include <string>
+#include <typeindex>
 
 #include "reading.h"
 
@@ -24,9 +27,22 @@ struct THost : TFiles {
   /// example "product_name". A placeholder such as "To be filled by O.E.M." counts as missing.
   TText ReadDMIString(const std::string& name) const;
 
+  /// Returns what several classes need of the machine, for example Shared<TTopology>(). It is made
+  /// by the constructor T(const THost&) when it is first asked for, so that its files are read
+  /// once. What the constructor throws is passed on, and the next call tries again.
+  template <typename T>
+  const T& Shared() const {
+    std::shared_ptr<const void>& shared = fShared[typeid(T)];
+    if (!shared) shared = std::make_shared<const T>(*this);
+    return *static_cast<const T*>(shared.get());
+  }
+
   TText fKernelName;     ///< "Linux"
   TText fKernelRelease;  ///< "6.1.0-18-amd64"
   TText fName;           ///< The host name.
+
+ private:
+  mutable std::map<std::type_index, std::shared_ptr<const void>> fShared;
 };
 
 }  // namespace NVORNQDX20
