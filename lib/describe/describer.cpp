@@ -68,6 +68,39 @@ class TSelection {
   std::unordered_set<const TClassDeclaration*> fDeclared;
 };
 
+/// Tells which classes belong to parts that are left out.
+class TPartSelection {
+ public:
+  TPartSelection(const std::vector<TStep>& steps, const TOptionsMap& options) : fChoice(options) {
+    for (const TStep& step : steps) {
+      const TClassDeclaration& declaration = *step.fDeclaration;
+      fSuperclasses.emplace(declaration.fName, declaration.fSuperclass);
+      if (VerdictOn(step) != NModel::TPartChoice::kChosen) AddLeftOut(declaration.fName, step);
+    }
+  }
+
+  NModel::TPartChoice::EVerdict VerdictOn(const TStep& step) const {
+    if (step.fPart->fName.empty()) return NModel::TPartChoice::kChosen;
+    return fChoice.Of(step.fPart->fName, step.fPart->fIsOnRequest);
+  }
+
+  /// Returns the part for the sake of which instances of this class are missing, or null.
+  const std::string* LeftOutPartOf(const std::string& className) const {
+    const auto found = fLeftOut.find(className);
+    return found == fLeftOut.end() ? nullptr : &found->second->fName;
+  }
+
+ private:
+  /// Adds the superclasses, too, since a reference can name one of them.
+  void AddLeftOut(std::string name, const TStep& step) {
+    while (!name.empty() && fLeftOut.emplace(name, step.fPart).second) name = fSuperclasses[name];
+  }
+
+  const NModel::TPartChoice fChoice;
+  NModel::TNameMap<std::string> fSuperclasses;
+  NModel::TNameMap<const TPart*> fLeftOut;
+};
+
 /// Resolves names of instances to references.
 class TReferences {
  public:
@@ -169,8 +202,11 @@ class TReferences {
 /// The namespace that is being made.
 class TDescription {
  public:
-  TDescription(const std::string& provider, const std::string& name)
-      : fProvider(provider), fNamespace(MakeRepositoryNamespace(name)), fReferences(fNamespace) {
+  TDescription(const std::string& provider, const std::string& name, const TPartSelection& parts)
+      : fProvider(provider),
+        fNamespace(MakeRepositoryNamespace(name)),
+        fReferences(fNamespace),
+        fParts(parts) {
     DeclareVolatileQualifier(*fNamespace);
   }
 
@@ -179,6 +215,11 @@ class TDescription {
 
   TReading<TCIMValue> FindReference(const TInstanceName& target, const std::string& required) {
     return fReferences.Find(target, required);
+  }
+
+  /// Returns the part for the sake of which the target is missing, or null.
+  const std::string* LeftOutPartOf(const TInstanceName& target) const {
+    return fParts.LeftOutPartOf(target.fClass);
   }
 
   /// Sets a reference once all instances are there.
@@ -210,7 +251,8 @@ class TDescription {
       if (reference) {
         instance->SetPropertyValue(place.fProperty, *reference, {});
       } else {
-        place.fReason = reference.GetReason();
+        const std::string* const part = LeftOutPartOf(target);
+        place.fReason = part ? "part " + *part + " is left out" : reference.GetReason();
         Miss(std::move(place));
       }
     }
@@ -241,6 +283,7 @@ class TDescription {
   const std::string fProvider;
   const TNamespace fNamespace;
   TReferences fReferences;
+  const TPartSelection& fParts;
   std::vector<TLaterReference> fLater;
   std::vector<TMissingValue> fMissing;
   std::unordered_map<std::string, std::size_t> fPlaces;  // positions in fMissing
@@ -307,7 +350,11 @@ class TInstanceWriter final : public IInstanceSink {
     if (!cell.fTarget.fClass.empty()) {
       const TReading<TCIMValue> reference =
           fDescription.FindReference(cell.fTarget, column.fReferencedClass);
-      if (!reference) return LeaveOut(column.fName + ": " + reference.GetReason());
+      if (!reference) {
+        // An association with a part that is left out is left out with it.
+        return !fDescription.LeftOutPartOf(cell.fTarget) &&
+               LeaveOut(column.fName + ": " + reference.GetReason());
+      }
       instance.SetPropertyValue(column.fName, *reference, {});
     } else if (!cell.fValue.IsNull()) {
       instance.SetPropertyValue(column.fName, cell.fValue, {});
@@ -380,6 +427,34 @@ std::vector<TStep> WantedSteps(const std::vector<TStep>& all, const TOptionsMap&
   return steps;
 }
 
+/// Replaces the descriptions of classes in other parts by nothing, or by what the caller can do,
+/// and drops the classes that nothing needs.
+std::vector<TStep> ChosenSteps(std::vector<TStep> steps, const TPartSelection& parts) {
+  NModel::TNameMap<bool> needed;
+  std::vector<TStep> chosen;
+  chosen.reserve(steps.size());
+  // What a class needs comes before it.
+  for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
+    const TClassDeclaration& declaration = *step->fDeclaration;
+    const auto verdict = parts.VerdictOn(*step);
+    if (verdict == NModel::TPartChoice::kLeftOut && needed.count(declaration.fName) == 0) continue;
+    if (verdict == NModel::TPartChoice::kNotAskedFor && step->fDescribe) {
+      step->fDescribe = [part = step->fPart](const ICIMNamespace&, IInstanceSink& sink) {
+        sink.Miss("not asked for: --with " + part->fName);
+      };
+    } else if (verdict != NModel::TPartChoice::kChosen) {
+      step->fDescribe = nullptr;
+    }
+    needed.emplace(declaration.fSuperclass, true);
+    for (const TPropertyDeclaration& each : declaration.fProperties) {
+      needed.emplace(each.fReferencedClass, true);
+    }
+    chosen.push_back(*step);
+  }
+  std::reverse(chosen.begin(), chosen.end());
+  return chosen;
+}
+
 bool IsAssociation(const TStep& step) { return step.fDeclaration->fIsAssociation; }
 
 TCell FailedCell(std::string reason) {
@@ -422,8 +497,9 @@ TRequest TDescriber::MakeRequest(const std::string& ns, TOptionsMap options) con
 
 TNamespace TDescriber::Describe(const std::vector<TStep>& steps, const TOptionsMap& options,
                                 EExplains explains) const {
-  std::vector<TStep> wanted = WantedSteps(steps, options);
-  TDescription description(fProvider, fNamespaceName);
+  const TPartSelection parts(steps, options);
+  std::vector<TStep> wanted = ChosenSteps(WantedSteps(steps, options), parts);
+  TDescription description(fProvider, fNamespaceName, parts);
   const TNamespace& ns = description.GetNamespace();
   for (const TStep& step : wanted) DeclareClass(*ns, *step.fDeclaration);
   // What associations refer to exists by then.

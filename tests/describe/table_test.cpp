@@ -5,6 +5,7 @@
 
 #include "support/expect_status.h"
 
+#include <iterator>
 #include <limits>
 #include <sstream>
 #include <stdexcept>
@@ -279,6 +280,58 @@ TEST(Tables, AreWantedTogetherWithAllThatTheyReferTo) {
         Describe<TRequest>(TDescriber("test", "n"), classes, {"/", {}}, {{"classes", names}});
     EXPECT_EQ(NamesOf(*ns), expected) << wanted;
   }
+}
+
+/// Names of parts, with blanks between them.
+TCIMValue Parts(const std::string& names) {
+  std::istringstream words(names);
+  const std::vector<TCIMValue> parts{std::istream_iterator<std::string>(words), {}};
+  return TCIMValue(TCIMValue::TCIMType::kCIMTypeString, 0, parts);
+}
+
+TEST(Tables, AreLeftOutWithTheirPart) {
+  const auto base = TTable<TOnly>("T_Base", "", {Key("0")});
+  const std::vector<TClassOf<TRequest>> classes = {
+      base, TClassOf<TRequest>(Table("T_A", {}).DerivedFrom(base)).In({"a"}),
+      TClassOf<TRequest>(Table("T_B", {Key("b"), To("T_A", "0")})).In({"b"}),
+      TClassOf<TRequest>(Table("T_U", {Key("u")})).In({"u", true}),
+      Table("T_Tie", {{"By", "", Constant(TInstanceName{"T_Base", "0"}), kKey, TRefersTo{"T_Base"}},
+                      To("T_B", "b")})
+          .AsAssociation()};
+  struct TRowOfParts {
+    TOptionsMap fOptions;
+    const char* fCounts;  // instances by class
+    TMissingReasons fReasons;
+  };
+  const std::string remedy = "not asked for: --with u";
+  const TRowOfParts rows[] = {{{}, "Base:0 A:1 B:1 U:0 Tie:1 ", {{{"T_U", "", ""}, remedy}}},
+                              {{{"with", Parts("u")}}, "Base:0 A:1 B:1 U:1 Tie:1 ", {}},
+                              {{{"only", Parts("u x")}}, "Base:0 A:0 B:0 U:1 Tie:0 ", {}},
+                              {{{"only", Parts("b")}},
+                               "Base:0 A:0 B:1 Tie:0 ",
+                               {{{"T_B", "", "To"}, "part a is left out"}}},
+                              {{{"without", Parts("b u")}},
+                               "Base:0 A:1 B:0 Tie:1 ",
+                               {{{"T_Tie", "", "To"}, "part b is left out"}}}};
+  const auto provider = MakeProvider("test", "root/test", classes);
+  for (const auto& [options, counts, reasons] : rows) {
+    const auto ns = provider->GetNamespace("root/test", options);
+    std::string counted;
+    std::istringstream names(NamesOf(*ns));
+    for (std::string name; names >> name;) {
+      if (name == "RNSG_UnavailableValue") continue;
+      counted += name + ":" + std::to_string(InstancesOf(*ns, ("T_" + name).c_str()).size()) + " ";
+    }
+    EXPECT_EQ(counted, counts);
+    EXPECT_EQ(ReadMissingReasons(*ns), reasons) << counts;
+  }
+  std::string parts;
+  dynamic_cast<const IPartsOfProvider&>(*provider).EnumerateParts(
+      [&parts](const std::string& name, bool isOnRequest) {
+        parts += name + (isOnRequest ? "? " : " ");
+        return true;
+      });
+  EXPECT_EQ(parts, "a b u? ");
 }
 
 TEST(Tables, OverrideRowsOfTheirSuperclass) {

@@ -1,28 +1,44 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "catalogue.h"
 
-/// All classes: each after its superclass, and after the classes that it refers to.
-#define QDX_LINUX_CLASSES(CLASS) \
-  CLASS(ComputerSystemClass)     \
-  CLASS(OperatingSystemClass)    \
-  CLASS(QDXProductClass)         \
-  CLASS(SCSIDeviceClass)         \
-  CLASS(LogicalDeviceClass)      \
-  CLASS(SystemDeviceClass)       \
-  CLASS(ProcessorClass)          \
-  CLASS(DiskDriveClass)          \
-  CLASS(EthernetPortClass)       \
-  CLASS(PCIDeviceClass)          \
-  CLASS(FileSystemClass)
+/// All classes, with the part that each belongs to: each after its superclass, and after the
+/// classes that it refers to.
+#define QDX_LINUX_CLASSES(CLASS)       \
+  CLASS(kAlways, ComputerSystemClass)  \
+  CLASS(kAlways, OperatingSystemClass) \
+  CLASS(kAlways, QDXProductClass)      \
+  CLASS(kDisks, SCSIDeviceClass)       \
+  CLASS(kAlways, LogicalDeviceClass)   \
+  CLASS(kAlways, SystemDeviceClass)    \
+  CLASS(kProcessors, ProcessorClass)   \
+  CLASS(kDisks, DiskDriveClass)        \
+  CLASS(kNetwork, EthernetPortClass)   \
+  CLASS(kBuses, PCIDeviceClass)        \
+  CLASS(kFileSystems, FileSystemClass)
 
 namespace NVORNQDX20 {
 
-#define QDX_DECLARE(FUNCTION) TClass FUNCTION();
+#define QDX_DECLARE(PART, FUNCTION) TClass FUNCTION();
 QDX_LINUX_CLASSES(QDX_DECLARE)
 #undef QDX_DECLARE
 
 std::vector<TClass> AllClasses() {
-#define QDX_CALL(FUNCTION) FUNCTION(),
+  // Which machine it is, and what ties the parts together.
+  const TPart kAlways;
+  const TPart kMachine{"machine"};  // chassis, boards, firmware
+  const TPart kMemory{"memory"};
+  const TPart kProcessors{"processors"};
+  const TPart kDisks{"disks"};
+  const TPart kFileSystems{"filesystems"};
+  const TPart kNetwork{"network"};
+  const TPart kBuses{"buses"};
+  const TPart kSensors{"sensors"};
+  const TPart kSystem{"system"};  // the kernel, its modules and limits
+  const TPart kServices{"services"};
+  const TPart kPackages{"packages"};
+  const TPart kUsers{"users", true};
+  const TPart kProcesses{"processes", true};
+#define QDX_CALL(PART, FUNCTION) FUNCTION().In(PART),
   return {QDX_LINUX_CLASSES(QDX_CALL)};
 #undef QDX_CALL
 }

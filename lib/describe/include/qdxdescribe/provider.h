@@ -7,12 +7,14 @@
 #ifndef QDXDESCRIBE_PROVIDER_H_
 #define QDXDESCRIBE_PROVIDER_H_
 
+#include <qdxcore/parts.h>
 #include <qdxcore/registry.h>
 #include <qdxdescribe/files.h>
 #include <qdxdescribe/table.h>
 
 #include <cstddef>
 #include <functional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,6 +34,7 @@ class TDescriber {
     const TClassDeclaration* fDeclaration;
     const std::vector<std::string>* fColumns;
     TDescribe fDescribe;
+    const TPart* fPart;
   };
 
   /// When the class of missing values is declared.
@@ -57,6 +60,8 @@ class TDescriber {
   TRequest MakeRequest(const std::string& ns, TOptionsMap options) const;
   /// Option "classes" names the wanted ones; the others are left out, except their superclasses,
   /// their subclasses, the classes that all these refer to, and what those need in turn.
+  /// Options "only", "without" and "with" choose parts; of classes in other parts, those that the
+  /// chosen ones need are declared, without instances.
   boost::shared_ptr<ICIMNamespace> Describe(const std::vector<TStep>& steps,
                                             const TOptionsMap& options, EExplains explains) const;
 
@@ -84,7 +89,7 @@ boost::shared_ptr<ICIMNamespace> DescribeChecked(const TDescriber& describer,
                                                  TDescriber::EExplains explains) {
   std::vector<TDescriber::TStep> steps;
   for (const TClassOf<THost>& each : classes) {
-    steps.push_back({&each.fDeclaration, &each.fColumns, nullptr});
+    steps.push_back({&each.fDeclaration, &each.fColumns, nullptr, &each.fPart});
     if (!each.fDescribe) continue;
     steps.back().fDescribe = [&each, &host](const ICIMNamespace& ns, IInstanceSink& sink) {
       each.fDescribe(host, ns, sink);
@@ -117,7 +122,7 @@ boost::shared_ptr<ICIMNamespace> Describe(
 
 /// The provider itself. Each GetNamespace returns a new namespace with the current state.
 template <typename THost>
-class TTableProvider final : public INamespaceProvider {
+class TTableProvider final : public INamespaceProvider, public IPartsOfProvider {
  public:
   TTableProvider(const TDescriber& describer, std::vector<TClassOf<THost>> classes)
       : fDescriber(describer), fClasses(std::move(classes)) {
@@ -137,6 +142,15 @@ class TTableProvider final : public INamespaceProvider {
 
   void EnumerateNamespaceNames(const TNamespaceNameCallback& callback, TOptionsMap) override {
     callback(fDescriber.GetNamespaceName());
+  }
+
+  /// In the order of the classes.
+  void EnumerateParts(const TPartCallback& callback) const override {
+    std::set<std::string> known = {""};
+    for (const TClassOf<THost>& each : fClasses) {
+      const TPart& part = each.fPart;
+      if (known.insert(part.fName).second && !callback(part.fName, part.fIsOnRequest)) return;
+    }
   }
 
  private:

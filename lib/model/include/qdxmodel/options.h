@@ -17,6 +17,11 @@ namespace NVORNQDX20::NModel {
 inline constexpr const char* kRootOption = "root";
 /// For a provider: the classes that the caller reads (array of strings).
 inline constexpr const char* kClassesOption = "classes";
+/// For a provider: the names of the parts that the caller wants, does not want, and wants besides
+/// those that are described unless asked (arrays of strings).
+inline constexpr const char* kOnlyOption = "only";
+inline constexpr const char* kWithoutOption = "without";
+inline constexpr const char* kWithOption = "with";
 /// For a provider or a consumer: the document, "-" for standard input or output (string).
 inline constexpr const char* kFileOption = "file";
 /// For a consumer: whether another namespace for the same file follows (boolean).
@@ -26,6 +31,25 @@ inline constexpr const char* kMoreOption = "more";
 std::string RootOf(const TOptionsMap& options);
 /// Returns nothing if the option is missing, which means all classes.
 std::optional<std::vector<std::string>> ClassesOf(const TOptionsMap& options);
+
+/// The caller's choice of parts.
+class TPartChoice {
+ public:
+  explicit TPartChoice(const TOptionsMap& options);
+
+  enum EVerdict {
+    kChosen,
+    kLeftOut,      ///< By an option.
+    kNotAskedFor,  ///< No option says anything of a part that is described only on request.
+  };
+  EVerdict Of(const std::string& part, bool isOnRequest) const;
+
+ private:
+  std::optional<std::vector<std::string>> fOnly;
+  std::vector<std::string> fWithout;
+  std::vector<std::string> fWith;
+};
+
 /// Returns nothing if the option is missing.
 std::optional<std::string> FileOf(const TOptionsMap& options);
 /// Returns false if the option is missing.
