@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Files of a machine: what is parsed is written as a file that parses to the same. The first byte
-// selects a mount table (0), os-release (1), fields (2), a number (3) or a text (4).
+// selects a mount table (0), os-release (1), fields (2), a number (3), a text (4) or the table of
+// SMBIOS (5).
 #include <sources/fields.h>
+#include <sources/firmware/smbios.h>
 #include <sources/mount_table.h>
 #include <sources/os_release.h>
 #include <sources/reading.h>
@@ -119,9 +121,36 @@ void CheckText(const std::string& text) {
   Require(joined == text);
 }
 
+void CheckSMBIOSStructure(const TSMBIOSStructure& structure) {
+  for (std::size_t offset = 0; offset < 257; ++offset) {
+    const auto number = structure.ReadNumber<std::uint16_t>(offset);
+    Require(static_cast<bool>(number) == (offset + 2 <= structure.GetLength()));
+    const TText text = structure.ReadString(offset);
+    Require(text ? !text->empty() && PrintableText(*text) == *text : !text.GetReason().empty());
+  }
+}
+
+void CheckSMBIOS(const std::string& bytes) {
+  const TSMBIOS smbios("", bytes);
+  std::string written;
+  for (const TSMBIOSStructure& structure : smbios.GetStructures()) {
+    CheckSMBIOSStructure(structure);
+    Require(smbios.Find(structure.GetHandle()) != nullptr);
+    written += *structure.ReadBytes(0, structure.GetLength()) + std::string(2, '\0');
+  }
+  const TSMBIOS again("", written);
+  Require(again.GetFlaw().empty());
+  std::string rewritten;
+  for (const TSMBIOSStructure& structure : again.GetStructures()) {
+    rewritten += *structure.ReadBytes(0, structure.GetLength()) + std::string(2, '\0');
+  }
+  Require(rewritten == written);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  return RunCheck({CheckMountTable, CheckOSRelease, CheckFields, CheckNumber, CheckText}, data,
-                  size);
+  return RunCheck(
+      {CheckMountTable, CheckOSRelease, CheckFields, CheckNumber, CheckText, CheckSMBIOS}, data,
+      size);
 }

@@ -10,6 +10,7 @@
 #include <string>
 #include <typeindex>
 
+#include "firmware/smbios.h"
 #include "reading.h"
 
 namespace NVORNQDX20 {
@@ -36,6 +37,9 @@ struct THost : TFiles {
     if (!shared) shared = std::make_shared<const T>(*this);
     return *static_cast<const T*>(shared.get());
   }
+
+  /// Returns the firmware's table, which is read when it is first asked for.
+  const TReading<TSMBIOS>& GetSMBIOS() const;
 
   TText fKernelName;     ///< "Linux"
   TText fKernelRelease;  ///< "6.1.0-18-amd64"
