@@ -9,6 +9,18 @@
 namespace NVORNQDX20 {
 namespace {
 
+std::ptrdiff_t CountEmptyClasses(const ICIMNamespace& ns) {
+  std::ptrdiff_t count = 0;
+  std::vector<boost::shared_ptr<ICIMClass>> roots;
+  ns.EnumerateClasses(TAddToVectorCallback(roots), {});
+  for (const auto& root : roots) {
+    for (const auto& each : NModel::WithSubclasses(root)) {
+      count += !each->IsAbstract({}) && NModel::InstancesOf(*each).empty() ? 1 : 0;
+    }
+  }
+  return count;
+}
+
 TEST(LinuxProvider, SaysOnceWhyAValueOrAClassIsMissing) {
   const TMachine machine;
   machine.Write("proc/sys/kernel/ostype", "Linux\n");
@@ -26,7 +38,7 @@ TEST(LinuxProvider, SaysOnceWhyAValueOrAClassIsMissing) {
   const std::string last = "1 linux: VORNSG_OperatingSystem.Version: " + reasons.at("Version");
   EXPECT_EQ(std::count(messages.begin(), messages.end(), last), 1);
   const auto ofClass = [](const auto& one) { return TextOf(*one, "PropertyName").empty(); };
-  EXPECT_EQ(std::count_if(missing.begin(), missing.end(), ofClass), 7);
+  EXPECT_EQ(std::count_if(missing.begin(), missing.end(), ofClass), CountEmptyClasses(*ns));
   EXPECT_EQ(machine.Value("VORNSG_ComputerSystem", "Name"), "");  // a key, which is never null
 }
 

@@ -3,17 +3,25 @@
 
 /// All classes, with the part that each belongs to: each after its superclass, and after the
 /// classes that it refers to.
-#define QDX_LINUX_CLASSES(CLASS)       \
-  CLASS(kAlways, ComputerSystemClass)  \
-  CLASS(kAlways, OperatingSystemClass) \
-  CLASS(kAlways, QDXProductClass)      \
-  CLASS(kDisks, SCSIDeviceClass)       \
-  CLASS(kAlways, LogicalDeviceClass)   \
-  CLASS(kAlways, SystemDeviceClass)    \
-  CLASS(kProcessors, ProcessorClass)   \
-  CLASS(kDisks, DiskDriveClass)        \
-  CLASS(kNetwork, EthernetPortClass)   \
-  CLASS(kBuses, PCIDeviceClass)        \
+#define QDX_LINUX_CLASSES(CLASS)        \
+  CLASS(kAlways, ComputerSystemClass)   \
+  CLASS(kAlways, OperatingSystemClass)  \
+  CLASS(kAlways, QDXProductClass)       \
+  CLASS(kDisks, SCSIDeviceClass)        \
+  CLASS(kAlways, LogicalDeviceClass)    \
+  CLASS(kAlways, SystemDeviceClass)     \
+  CLASS(kProcessors, ProcessorClass)    \
+  CLASS(kDisks, MediaAccessDeviceClass) \
+  CLASS(kDisks, DiskDriveClass)         \
+  CLASS(kDisks, CDROMDriveClass)        \
+  CLASS(kDisks, DVDDriveClass)          \
+  CLASS(kDisks, NVMeControllerClass)    \
+  CLASS(kDisks, StorageExtentClass)     \
+  CLASS(kDisks, DiskPartitionClass)     \
+  CLASS(kDisks, LogicalDiskClass)       \
+  CLASS(kDisks, StorageVolumeClass)     \
+  CLASS(kNetwork, EthernetPortClass)    \
+  CLASS(kBuses, PCIDeviceClass)         \
   CLASS(kFileSystems, FileSystemClass)
 
 namespace NVORNQDX20 {

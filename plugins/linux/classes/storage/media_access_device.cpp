@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: Apache-2.0
+// Class VORNSG_MediaAccessDevice: what all drives have in common.
+#include "media_access_device.h"
+
+#include <iterator>
+#include <utility>
+
+#include <boost/algorithm/string/predicate.hpp>
+
+namespace NVORNQDX20 {
+namespace {
+
+const char* const kDriveClassName = "VORNSG_MediaAccessDevice";
+
+EMedia MediaOf(const TBlockDevice& drive) {
+  if (!boost::algorithm::starts_with(drive.fKernelName, "sr")) return EMedia::kDisk;
+  return drive.fUdev.Get("ID_CDROM_DVD") ? EMedia::kDVD : EMedia::kCD;
+}
+
+/// Returns the first line that is there. A file that cannot be read is not replaced by the next.
+TText FirstLine(const TBlockDevice& drive, std::initializer_list<const char*> files,
+                const std::vector<const char*>& udev) {
+  TText line;
+  for (const char* file : files) {
+    line = drive.ReadLine(file);
+    if (line || !drive.IsAbsent(file)) return line;
+  }
+  const TText found = drive.fUdev.FirstOf(udev);
+  return found ? found.map(DecodeUdev) : line;
+}
+
+TText ReadWWN(const TDrive& drive) {
+  const std::string page = ParseIdentificationPage(drive.Read("device/vpd_pg83").ValueOr(""));
+  if (!page.empty()) return page;
+  return FirstLine(drive, {"wwid", "device/wwid"}, {"ID_WWN_WITH_EXTENSION", "ID_WWN"});
+}
+
+TDrive MakeDrive(const THost& host, const TBlockDevice& device) {
+  TDrive drive{{device.GetPath(), device.fKernelName}, device, {}, {}, {}, {}, {}, {}};
+  const std::string path = device.PathOf("");
+  drive.fName = path.substr(path.rfind('/') + 1);  // with "!" where the kernel has a slash
+  drive.fPath = host.ReadLink(path);
+  drive.fModel = FirstLine(drive, {"device/model", "device/name"}, {"ID_MODEL_ENC", "ID_MODEL"});
+  drive.fRevision =
+      FirstLine(drive, {"device/rev", "device/firmware_rev", "device/fwrev"}, {"ID_REVISION"});
+  drive.fWWN = ReadWWN(drive);
+  drive.fRemovable = drive.ReadFlag("removable");
+  drive.fATA = ParseATAPage(drive.Read("device/vpd_pg89").ValueOr(""));
+  return drive;
+}
+
+const char* const kSerialNumberPage = "device/vpd_pg80";
+
+TText ReadSerialNumberPage(const TFiles& drive) {
+  return drive.Read(kSerialNumberPage).and_then([&](const std::string& page) -> TText {
+    std::string text = ParseSerialNumberPage(page);
+    if (text.empty()) return drive.MissingFrom(kSerialNumberPage, "empty");
+    return text;
+  });
+}
+
+TText ReadSerialNumberFile(const TFiles& drive) {
+  const TText file = drive.FirstOf({"device/serial", "serial", kSerialNumberPage});
+  return file.and_then([&drive](const std::string& name) {
+    return name == kSerialNumberPage ? ReadSerialNumberPage(drive) : drive.ReadLine(name);
+  });
+}
+
+TText ReadSerialNumber(const TDrive& drive) {
+  TText serial = ReadSerialNumberFile(drive);
+  if (serial || !drive.IsAbsent(kSerialNumberPage)) return serial;
+  const TText found = drive.fUdev.FirstOf({"ID_SCSI_SERIAL", "ID_SERIAL_SHORT", "ID_SERIAL"});
+  return found ? found : serial;
+}
+
+/// SCSI has 16 characters for the model. udev asks ATA disks for all of it.
+TText ReadFullModel(const TDrive& drive) {
+  if (!drive.fATA.fModel.empty()) return drive.fATA.fModel;
+  const TText found = drive.fUdev.GetDecoded("ID_MODEL_ENC");
+  const bool isLonger = found && boost::algorithm::starts_with(*found, drive.fModel.ValueOr(""));
+  return isLonger ? found : drive.fModel;
+}
+
+/// SCSI has four characters for the revision, ATA eight.
+TText ReadFirmware(const TDrive& drive) {
+  if (!drive.fATA.fFirmware.empty()) return drive.fATA.fFirmware;
+  const TText found = drive.fUdev.Get("ID_REVISION");
+  const bool isLonger = found && boost::algorithm::starts_with(*found, drive.fRevision.ValueOr(""));
+  return isLonger ? found : drive.fRevision;
+}
+
+TNumber ReadMaxMediaSize(const TDrive& drive) {
+  if (drive.fRemovable.ValueOr(false)) return Missing("depends on the medium");
+  return Scaled(drive.fSize, 1, 1000);
+}
+
+/// Other names of the drive, and what they are.
+std::vector<std::pair<std::string, std::string>> OtherNames(const TDrive& drive) {
+  std::vector<std::pair<std::string, std::string>> names;
+  const auto add = [&names](const char* what, const TText& name) {
+    if (name) names.emplace_back(what, *name);
+  };
+  add("WWN", drive.fWWN);
+  add("serial number of udev", drive.fUdev.Get("ID_SERIAL_SHORT"));
+  add("identifier of udev", drive.fUdev.Get("ID_SERIAL"));
+  add("path of udev", drive.fUdev.Get("ID_PATH"));
+  return names;
+}
+
+/// What is in the path of a device below /sys/devices, and how it is attached then.
+constexpr std::pair<const char*, const char*> kTransports[] = {
+    {"/usb", "usb"},         {"/nvme", "nvme"}, {"/virtio", "virtio"}, {"/mmc_host/", "mmc"},
+    {"/end_device-", "sas"}, {"/rport-", "fc"}, {"/session", "iscsi"}, {"/ata", "sata"},
+    {"/vbd-", "xen"},        {"/fw", "sbp"}};
+
+}  // namespace
+
+TText ReadTransport(const TDrive& drive) {
+  const TText bus = drive.fUdev.Get("ID_BUS");
+  if (drive.fUdev.Get("ID_ATA_SATA")) return "sata";
+  if (drive.fPath) {
+    for (const auto& [part, transport] : kTransports) {
+      if (drive.fPath->find(part) != std::string::npos) return transport;
+    }
+  }
+  if (boost::algorithm::starts_with(drive.fKernelName, "nvme")) return "nvme";
+  if (boost::algorithm::starts_with(drive.fKernelName, "mmc")) return "mmc";
+  return bus ? bus : TText(Missing("neither its place in sysfs nor udev tells"));
+}
+
+TInstanceName DriveName(const TBlockDevice& drive) { return {kDriveClassName, drive.GetPath()}; }
+
+std::function<TInstances<TDrive>(const THost&)> DrivesFor(EMedia media) {
+  return [media](const THost& host) {
+    const auto& devices = host.Shared<TBlockDevices>();
+    TInstances<TDrive> drives;
+    if (!devices.GetReason().empty()) drives.Miss(devices.GetReason());
+    for (const TBlockDevice& device : devices.All()) {
+      if (device.fKind != EBlockKind::kDrive || MediaOf(device) != media) continue;
+      drives.fAll.push_back(MakeDrive(host, device));
+    }
+    return drives;
+  };
+}
+
+THostTable<TDrive> MediaAccessDeviceTable() {
+  return THostTable<TDrive>{
+      kDriveClassName,
+      "A drive: it reads and writes media, which are fixed or can be taken out.",
+      {{"Model", "The model, as the disk names it.", &TDrive::fModel},
+       {"ElementName", "The model in full, where the disk has room for 16 characters only.",
+        ReadFullModel},
+       {"Manufacturer",
+        "The maker, as the disk names it; \"ATA\" if only a model is known, a number for a virtual "
+        "disk.",
+        [](const TDrive& drive) { return FirstLine(drive, {"device/vendor"}, {"ID_VENDOR_ENC"}); }},
+       {"SerialNumber", "The serial number of the disk.", ReadSerialNumber, ESecret::kSerial},
+       {"Revision", "The revision of the firmware, as far as SCSI has room for it.",
+        &TDrive::fRevision},
+       {"FirmwareRevision", "The revision of the firmware in full.", ReadFirmware},
+       {"WWN", "The worldwide name, after \"naa.\" or \"eui.\".", &TDrive::fWWN, ESecret::kSerial},
+       {"OtherIdentifyingInfo", "Other names of the drive.",
+        [](const TDrive& drive) {
+          std::vector<std::string> names;
+          for (auto& [what, name] : OtherNames(drive)) names.push_back(name);
+          return names;
+        },
+        ESecret::kSerial},
+       {"IdentifyingDescriptions", "What the other names are, in the same order.",
+        [](const TDrive& drive) {
+          std::vector<std::string> descriptions;
+          for (auto& [what, name] : OtherNames(drive)) descriptions.push_back(what);
+          return descriptions;
+        }},
+       {"State", "What the driver makes of it: \"running\" or \"live\" if all is well.",
+        FileLine("device/state")},
+       {"Transport", "How it is attached, as in \"sata\", \"sas\", \"nvme\", \"usb\", \"virtio\".",
+        ReadTransport},
+       {"MaxMediaSize", "The size of the disk.", ReadMaxMediaSize, TUnit{"byte * 10^3"}},
+       {"DefaultBlockSize", "The smallest block that can be addressed.", &TBlockDevice::fBlockSize,
+        TUnit{"byte"}},
+       {"Removable", "Whether the medium can be taken out.", &TDrive::fRemovable},
+       {"ReadOnly", "Whether it refuses to be written.", FileFlag("ro")},
+       {"DeviceNumber", "The kernel's number, as in \"8:0\".", &TBlockDevice::fNumber}}}
+      .DerivedFrom(LogicalDeviceTable());
+}
+
+TClass MediaAccessDeviceClass() { return MediaAccessDeviceTable(); }
+
+}  // namespace NVORNQDX20

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Common parts of the classes of drives.
+#ifndef PLUGINS_LINUX_CLASSES_STORAGE_MEDIA_ACCESS_DEVICE_H_
+#define PLUGINS_LINUX_CLASSES_STORAGE_MEDIA_ACCESS_DEVICE_H_
+
+#include <functional>
+#include <string>
+
+#include "classes/logical_device.h"
+#include "sources/storage/block_devices.h"
+#include "sources/storage/vpd_pages.h"
+
+namespace NVORNQDX20 {
+
+struct TDrive : TDevice, TBlockDevice {
+  TText fPath;  ///< Its place below /sys/devices.
+  TText fModel;
+  TText fRevision;  ///< Of the firmware, perhaps cut off.
+  TText fWWN;       ///< The worldwide name.
+  TReading<bool> fRemovable;
+  TATAIdentity fATA;  ///< Without values for a disk that is not on an ATA bus.
+};
+
+enum class EMedia { kDisk, kCD, kDVD };
+
+/// The superclass of drives.
+THostTable<TDrive> MediaAccessDeviceTable();
+
+/// Returns the function that lists the drives for one kind of medium.
+std::function<TInstances<TDrive>(const THost&)> DrivesFor(EMedia media);
+
+/// Returns the name by which associations refer to the drive.
+TInstanceName DriveName(const TBlockDevice& drive);
+
+/// Returns how the drive is attached, as lsblk(8) names it: "sata", "sas", "nvme", "usb", ...
+TText ReadTransport(const TDrive& drive);
+
+}  // namespace NVORNQDX20
+
+#endif  // PLUGINS_LINUX_CLASSES_STORAGE_MEDIA_ACCESS_DEVICE_H_

@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "block_devices.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
+#include <boost/algorithm/string/predicate.hpp>
+
+namespace NVORNQDX20 {
+namespace {
+
+using boost::algorithm::starts_with;
+
+const char* const kFolder = "/sys/block";
+
+/// Drivers of hardware. Their disks may lack the link "device" in a copied tree.
+constexpr std::string_view kDrivers[] = {"cciss!", "dasd", "fd", "hd",  "mmcblk", "mtdblock",
+                                         "nvme",   "sd",   "sr", "ubd", "vd",     "xvd"};
+
+bool HasNumberAfter(std::string_view prefix, std::string_view name) {
+  return starts_with(name, prefix) && name.size() > prefix.size() &&
+         (name[prefix.size()] == '_' || (name[prefix.size()] >= '0' && name[prefix.size()] <= '9'));
+}
+
+EBlockKind KindOf(const std::string& name, const TFiles& folder) {
+  if (starts_with(name, "dm-")) return EBlockKind::kDeviceMapper;
+  if (HasNumberAfter("md", name)) return EBlockKind::kRAID;
+  if (HasNumberAfter("loop", name)) return EBlockKind::kLoop;
+  const bool isKnown =
+      std::any_of(std::begin(kDrivers), std::end(kDrivers),
+                  [&name](std::string_view driver) { return starts_with(name, driver); });
+  if (isKnown || !folder.IsAbsent("device")) return EBlockKind::kDrive;
+  return EBlockKind::kOther;
+}
+
+/// The kernel makes memory disks that nobody asked for. Of a disk with several paths, each path has
+/// a hidden device of its own.
+bool IsTaken(const std::string& name, const TFiles& folder) {
+  if (PrintableText(name) != name || HasNumberAfter("ram", name)) return false;
+  return !starts_with(name, "nvme") || !folder.ReadFlag("hidden").ValueOr(false);
+}
+
+/// In sysfs, "!" replaces a slash in the name of the device file.
+std::string KernelNameOf(std::string name) {
+  std::replace(name.begin(), name.end(), '!', '/');
+  return name;
+}
+
+/// The kernel counts sectors of 512 bytes, independent of the disk's own sector size.
+constexpr std::uint64_t kSectorSize = 512;
+
+TBlockDevice MakeDevice(const THost& host, const TFiles& folder, const TFiles& disk,
+                        const std::string& name, EBlockKind kind) {
+  const TText number = folder.ReadLine("dev");
+  return {{folder},
+          disk,
+          KernelNameOf(name),
+          kind,
+          number,
+          Scaled(folder.ReadNumber("size"), kSectorSize),
+          {},
+          {},
+          {},
+          Missing("not of the device mapper"),
+          Missing("not of the device mapper"),
+          number ? TUdevData(host, *number) : TUdevData(folder.PathOf("dev"), number)};
+}
+
+std::vector<std::string> ListSlaves(const TBlockDevice& device) {
+  std::vector<std::string> slaves = device.List("slaves").ValueOr({});
+  for (std::string& slave : slaves) slave = KernelNameOf(std::move(slave));
+  return slaves;
+}
+
+/// The sources of a mount or of a line of fstab that can name the device.
+std::vector<std::string> SourcesOf(const TBlockDevice& device) {
+  std::vector<std::string> sources = {device.GetPath()};
+  const auto add = [&sources](const std::string& prefix, const TText& name) {
+    if (name) sources.push_back(prefix + *name);
+  };
+  add("/dev/mapper/", device.fMapperName);
+  if (starts_with(device.fMapperUUID.ValueOr(""), "LVM-")) {
+    const TLogicalVolume volume = ParseLogicalVolume(*device.fMapperName);
+    sources.push_back("/dev/" + volume.fGroup + "/" + volume.fName);
+  }
+  add("UUID=", device.fUdev.Get("ID_FS_UUID"));
+  add("LABEL=", device.fUdev.GetDecoded("ID_FS_LABEL_ENC"));
+  add("PARTUUID=", device.fUdev.Get("ID_PART_ENTRY_UUID"));
+  add("PARTLABEL=", device.fUdev.GetDecoded("ID_PART_ENTRY_NAME"));
+  for (const std::string& link : device.fUdev.GetLinks()) sources.push_back("/dev/" + link);
+  return sources;
+}
+
+}  // namespace
+
+TLogicalVolume ParseLogicalVolume(const std::string& mapperName) {
+  TLogicalVolume volume;
+  std::string* name = &volume.fGroup;
+  for (std::size_t i = 0; i < mapperName.size(); ++i) {
+    const bool isDash = mapperName[i] == '-';
+    const bool isDouble = isDash && mapperName.compare(i, 2, "--") == 0;
+    if (isDash && !isDouble && name == &volume.fGroup) {
+      name = &volume.fName;
+      continue;
+    }
+    *name += mapperName[i];
+    if (isDouble) ++i;
+  }
+  return volume;
+}
+
+TBlockDevices::TBlockDevices(const THost& host) {
+  const TReading<std::vector<std::string>> names = host.List(kFolder);
+  fReason = names.GetReason();
+  if (!names) return;
+  for (const std::string& name : *names) {
+    if (IsTaken(name, host.In(kFolder).In(name))) AddDisk(host, name);
+  }
+  for (std::size_t i = 0; i < fAll.size(); ++i) AddToIndex(i);
+}
+
+void TBlockDevices::AddDisk(const THost& host, const std::string& name) {
+  const TFiles folder = host.In(kFolder).In(name);
+  TBlockDevice device = MakeDevice(host, folder, folder, name, KindOf(name, folder));
+  if (device.fKind == EBlockKind::kLoop && device.IsEmpty()) return;
+  device.fBlockSize = folder.ReadNumber("queue/logical_block_size");
+  if (device.fKind == EBlockKind::kDeviceMapper) {
+    device.fMapperName = folder.ReadLine("dm/name");
+    device.fMapperUUID = folder.ReadLine("dm/uuid");
+  }
+  if (device.fKind != EBlockKind::kDrive) device.fSlaves = ListSlaves(device);
+  fAll.push_back(device);
+  if (device.fKind != EBlockKind::kDeviceMapper) {
+    AddPartitions(host, device, folder.List().ValueOr({}));
+  }
+}
+
+void TBlockDevices::AddPartitions(const THost& host, const TBlockDevice& disk,
+                                  const std::vector<std::string>& files) {
+  for (const std::string& name : files) {
+    // The name begins with the disk's; so does that of another area of an eMMC.
+    const bool mayBePartition = name.size() > disk.fKernelName.size() &&
+                                starts_with(KernelNameOf(name), disk.fKernelName) &&
+                                PrintableText(name) == name;
+    if (!mayBePartition || disk.In(name).IsAbsent("partition")) continue;
+    TBlockDevice partition = MakeDevice(host, disk.In(name), disk, name, EBlockKind::kPartition);
+    partition.fBlockSize = disk.fBlockSize;
+    partition.fDiskName = disk.fKernelName;
+    fAll.push_back(std::move(partition));
+  }
+}
+
+void TBlockDevices::AddToIndex(std::size_t position) {
+  const TBlockDevice& device = fAll[position];
+  fByName.emplace(device.fKernelName, position);
+  if (device.fNumber) fByNumber.emplace(*device.fNumber, position);
+  for (std::string& source : SourcesOf(device)) fBySource.emplace(std::move(source), position);
+}
+
+const TBlockDevice* TBlockDevices::FindBy(const TIndex& index, const std::string& key) const {
+  const auto found = index.find(key);
+  return found == index.end() ? nullptr : &fAll[found->second];
+}
+
+const TBlockDevice* TBlockDevices::FindMounted(const std::string& number,
+                                               const std::string& source) const {
+  const TBlockDevice* const device = FindBy(fByNumber, number);
+  return device != nullptr ? device : FindBy(fBySource, source);
+}
+
+}  // namespace NVORNQDX20
