@@ -47,6 +47,8 @@ constexpr TQualifier kVolatile = {kVolatileQualifier, TType::kCIMTypeBoolean, kS
                                   kOverridden};
 constexpr TQualifier kSecret = {kSecretQualifier, TType::kCIMTypeString, kScopeProperty,
                                 kOverridden};
+constexpr TQualifier kPart = {kPartQualifier, TType::kCIMTypeString,
+                              kScopeClass | kScopeAssociation, kFlavorOverridable};
 
 /// The namespace's declaration if it has one, which may differ in scope and flavor.
 boost::shared_ptr<ICIMQualifierDecl> Find(ICIMNamespace& ns, const char* name) {
@@ -385,6 +387,7 @@ boost::shared_ptr<ICIMClass> DeclareClass(ICIMNamespace& ns, const TClassDeclara
   if (!declaration.fDescription.empty()) {
     Qualify(ns, *declared, kDescription, declaration.fDescription);
   }
+  if (!declaration.fPart.fName.empty()) Qualify(ns, *declared, kPart, declaration.fPart.fName);
   for (const TPropertyDeclaration& property : declaration.fProperties) {
     DeclareProperty(ns, declared, property);
   }

@@ -75,13 +75,13 @@ class TPartSelection {
     for (const TStep& step : steps) {
       const TClassDeclaration& declaration = *step.fDeclaration;
       fSuperclasses.emplace(declaration.fName, declaration.fSuperclass);
-      if (VerdictOn(step) != NModel::TPartChoice::kChosen) AddLeftOut(declaration.fName, step);
+      if (VerdictOn(declaration) != NModel::TPartChoice::kChosen) AddLeftOut(declaration);
     }
   }
 
-  NModel::TPartChoice::EVerdict VerdictOn(const TStep& step) const {
-    if (step.fPart->fName.empty()) return NModel::TPartChoice::kChosen;
-    return fChoice.Of(step.fPart->fName, step.fPart->fIsOnRequest);
+  NModel::TPartChoice::EVerdict VerdictOn(const TClassDeclaration& declaration) const {
+    const auto& [name, isOnRequest] = declaration.fPart;
+    return name.empty() ? NModel::TPartChoice::kChosen : fChoice.Of(name, isOnRequest);
   }
 
   /// Returns the part for the sake of which instances of this class are missing, or null.
@@ -92,8 +92,11 @@ class TPartSelection {
 
  private:
   /// Adds the superclasses, too, since a reference can name one of them.
-  void AddLeftOut(std::string name, const TStep& step) {
-    while (!name.empty() && fLeftOut.emplace(name, step.fPart).second) name = fSuperclasses[name];
+  void AddLeftOut(const TClassDeclaration& declaration) {
+    std::string name = declaration.fName;
+    while (!name.empty() && fLeftOut.emplace(name, &declaration.fPart).second) {
+      name = fSuperclasses[name];
+    }
   }
 
   const NModel::TPartChoice fChoice;
@@ -252,7 +255,7 @@ class TDescription {
         instance->SetPropertyValue(place.fProperty, *reference, {});
       } else {
         const std::string* const part = LeftOutPartOf(target);
-        place.fReason = part ? "part " + *part + " is left out" : reference.GetReason();
+        place.fReason = part ? ReasonOfPart(*part) : reference.GetReason();
         Miss(std::move(place));
       }
     }
@@ -436,10 +439,10 @@ std::vector<TStep> ChosenSteps(std::vector<TStep> steps, const TPartSelection& p
   // What a class needs comes before it.
   for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
     const TClassDeclaration& declaration = *step->fDeclaration;
-    const auto verdict = parts.VerdictOn(*step);
+    const auto verdict = parts.VerdictOn(declaration);
     if (verdict == NModel::TPartChoice::kLeftOut && needed.count(declaration.fName) == 0) continue;
     if (verdict == NModel::TPartChoice::kNotAskedFor && step->fDescribe) {
-      step->fDescribe = [part = step->fPart](const ICIMNamespace&, IInstanceSink& sink) {
+      step->fDescribe = [part = &declaration.fPart](const ICIMNamespace&, IInstanceSink& sink) {
         sink.Miss("not asked for: --with " + part->fName);
       };
     } else if (verdict != NModel::TPartChoice::kChosen) {
@@ -453,6 +456,14 @@ std::vector<TStep> ChosenSteps(std::vector<TStep> steps, const TPartSelection& p
   }
   std::reverse(chosen.begin(), chosen.end());
   return chosen;
+}
+
+/// Returns whether instances can be missing since they would refer to a part that is left out.
+bool RefersToLeftOut(const TClassDeclaration& declaration, const TPartSelection& parts) {
+  return std::any_of(declaration.fProperties.begin(), declaration.fProperties.end(),
+                     [&parts](const TPropertyDeclaration& property) {
+                       return parts.LeftOutPartOf(property.fReferencedClass) != nullptr;
+                     });
 }
 
 bool IsAssociation(const TStep& step) { return step.fDeclaration->fIsAssociation; }
@@ -508,7 +519,8 @@ TNamespace TDescriber::Describe(const std::vector<TStep>& steps, const TOptionsM
     if (!step.fDescribe) continue;
     TInstanceWriter writer(description, step, fMaxInstances);
     step.fDescribe(*ns, writer);
-    if (explains == EExplains::kAlways && writer.IsEmpty()) writer.Miss("none was found");
+    const bool isExplained = !writer.IsEmpty() || RefersToLeftOut(*step.fDeclaration, parts);
+    if (explains == EExplains::kAlways && !isExplained) writer.Miss("none was found");
   }
   description.SetReferences();
   return explains == EExplains::kIfMissing && description.IsComplete() ? ns : description.Finish();

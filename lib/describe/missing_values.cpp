@@ -42,6 +42,8 @@ void WriteMissingValues(ICIMNamespace& ns, const std::vector<TMissingValue>& val
   }
 }
 
+std::string ReasonOfPart(const std::string& part) { return "part " + part + " is left out"; }
+
 TMissingReasons ReadMissingReasons(const ICIMNamespace& ns) {
   TMissingReasons reasons;
   try {

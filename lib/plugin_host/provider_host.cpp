@@ -33,6 +33,11 @@ class TAnswer {
       case kProvider:
         fLibrary.fProviders.push_back({message.Text(0)});
         break;
+      case kPart:
+        if (TAskedProvider* provider = Find(message.Text(0))) {
+          provider->fParts.push_back({message.Text(1), message.fNumber != 0});
+        }
+        break;
       case kListed:
         if (TAskedProvider* provider = Find(message.Text(0))) provider->fNamespaces.emplace();
         break;

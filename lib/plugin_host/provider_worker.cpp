@@ -4,6 +4,7 @@
 #include <qdxcimxml/document_writer.h>
 #include <qdxcore/copy.h>
 #include <qdxcore/os_specific.h>
+#include <qdxcore/parts.h>
 #include <qdxcore/registry.h>
 #include <qdxmodel/attempt.h>
 #include <qdxrepository/repository.h>
@@ -52,6 +53,7 @@ class TProviderWorker {
       if (!wanted.empty() && std::find(wanted.begin(), wanted.end(), name) == wanted.end())
         continue;
       const auto start = TClock::now();
+      SendParts(name, *provider);
       Ask(name, *provider);
       const auto time =
           std::chrono::duration_cast<std::chrono::microseconds>(TClock::now() - start);
@@ -70,6 +72,17 @@ class TProviderWorker {
     };
     TRootObject::GetNamespaceProviderManager()->EnumerateNamespaceProviders(add);
     return all;
+  }
+
+  void SendParts(const std::string& name, const INamespaceProvider& provider) {
+    const auto* const parts = dynamic_cast<const IPartsOfProvider*>(&provider);
+    if (parts == nullptr) return;
+    Attempt({name, ""}, "listing the parts of", [&] {
+      parts->EnumerateParts([&](const std::string& part, bool isOnRequest) {
+        fSender.Send(kPart, {name, part}, isOnRequest ? 1 : 0);
+        return true;
+      });
+    });
   }
 
   void Ask(const std::string& name, INamespaceProvider& provider) {

@@ -15,6 +15,7 @@ namespace NVORNQDX20::NPluginHost {
 enum EProviderMessage : std::uint8_t {
   kAsking = kFirstFreeKind,  ///< Before each call of a plug-in: provider, namespace, operation.
   kProvider,                 ///< Its name.
+  kPart,                     ///< Provider, part; 1 if it is described only on request.
   kListed,                   ///< Provider: it lists its namespaces, each of which follows.
   kNamespace,                ///< Provider, namespace.
   kDocument,                 ///< Provider, namespace; the file is a document.

@@ -46,6 +46,15 @@ std::vector<TPropertySnapshot> PropertiesOf(const ICIMClass& cimClass,
   return properties;
 }
 
+std::string PartOf(const ICIMClass& cimClass) {
+  try {
+    const auto qualifier = cimClass.GetQualifier(NDescribe::kPartQualifier);
+    if (qualifier) return qualifier->GetValue();
+  } catch (const TQDXException&) {  // means that there is none
+  }
+  return "";
+}
+
 std::string PathOf(const ICIMInstance& instance, const TClass& cimClass,
                    const std::vector<TPropertySnapshot>& properties) {
   TCIMReference path(nullptr, {});
@@ -112,7 +121,8 @@ TClassSnapshot& TSnapshotReader::Add(const TClass& cimClass) {
                       superclass ? superclass->GetName({}) : "",
                       PropertiesOf(*cimClass, fNamespaceName, fMarksVolatile),
                       0,
-                      {}});
+                      {},
+                      PartOf(*cimClass)});
   return fClasses.back();
 }
 

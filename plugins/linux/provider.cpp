@@ -3,7 +3,8 @@
 //
 // Option "root" (string, default "/") is the folder below which all files are read: a mounted
 // image, or a tree of files of another machine. Option "classes" (array of strings) names the
-// wanted classes. GetNamespace also throws what the constructor of THostFiles throws.
+// wanted classes; options "only", "without" and "with" choose parts. GetNamespace also throws what
+// the constructor of THostFiles throws.
 #include <qdxdescribe/provider.h>
 
 #include "classes/catalogue.h"

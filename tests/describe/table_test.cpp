@@ -292,9 +292,9 @@ TCIMValue Parts(const std::string& names) {
 TEST(Tables, AreLeftOutWithTheirPart) {
   const auto base = TTable<TOnly>("T_Base", "", {Key("0")});
   const std::vector<TClassOf<TRequest>> classes = {
-      base, TClassOf<TRequest>(Table("T_A", {}).DerivedFrom(base)).In({"a"}),
-      TClassOf<TRequest>(Table("T_B", {Key("b"), To("T_A", "0")})).In({"b"}),
-      TClassOf<TRequest>(Table("T_U", {Key("u")})).In({"u", true}),
+      base, Table("T_A", {}).DerivedFrom(base).InPart({"a"}),
+      Table("T_B", {Key("b"), To("T_A", "0")}).InPart({"b"}),
+      TClassOf<TRequest>(Table("T_U", {Key("u")})).InPart({"u", true}),
       Table("T_Tie", {{"By", "", Constant(TInstanceName{"T_Base", "0"}), kKey, TRefersTo{"T_Base"}},
                       To("T_B", "b")})
           .AsAssociation()};

@@ -44,6 +44,27 @@ TEST_F(QDXCollect, WritesWhatComparesEqualUntilTheMachineChanges) {
   EXPECT_PRED_FORMAT2(IsSubstring, "    ~ SerialNumber  23A1234 -> 23A9999\n", changed.fOutput);
 }
 
+TEST_F(QDXCollect, LeavesOutPartsThatDiffThenDoesNotCompare) {
+  fTree.Write("sys/block/sda/device/model", "SSD\n");
+  const std::string collect = "\"$0\" collect --root \"$1\" ";
+  ASSERT_EQ(RunScript(collect + "-o a.xml").fExitCode, 0);
+  ASSERT_EQ(
+      RunScript(collect + "--only disks,buses --only network --without disks -o b.xml").fExitCode,
+      0);
+  const TProgramRun run = RunScript("\"$0\" diff a.xml b.xml");
+  EXPECT_EQ(run.fExitCode, 0);
+  EXPECT_EQ(run.fOutput, "");
+  EXPECT_PRED_FORMAT2(IsSubstring, "qdx: not comparing part disks: it is left out of b.xml\n",
+                      run.fErrors);
+  const std::string show = RunScript("\"$0\" show b.xml").fOutput;
+  EXPECT_PRED_FORMAT2(IsSubstring, "Parts           { network, buses }\n", show);
+  EXPECT_PRED_FORMAT2(IsNotSubstring, "VORNSG_DiskDrive", show);
+  // Nothing ties the machine to a device, whether or not a part is left out.
+  EXPECT_EQ(RunScript("rm -r \"$1/sys/block\"; " + collect + "-o a.xml >a; \"$0\" diff a.xml b.xml")
+                .fExitCode,
+            0);
+}
+
 TEST_F(QDXCollect, NamesTheDocumentAfterTheMachineForItsOwnerAlone) {
   const TProgramRun run = RunScript(
       "f=$(\"$0\" collect --root \"$1\"); echo $f; stat -c %a $f; "
@@ -129,7 +150,8 @@ TEST_F(QDXCollect, LeavesWhatWasThereWhereItCannotWrite) {
       {"ln -s no x; trap 'rm x' EXIT; \"$0\" collect -ox",
        "following link x: No such file or directory\n"},
       {"\"$0\" collect --consumer none -o x.xml", "loading consumer /"},
-      {"\"$0\" collect --provider none", "looking for provider none: no plug-in "}};
+      {"\"$0\" collect --provider none", "looking for provider none: no plug-in "},
+      {"\"$0\" collect --only disks,x", "looking for part x: no provider has it; the parts are "}};
   for (const auto& [script, error] : rows) {
     const TProgramRun run = RunScript(script);
     EXPECT_EQ(run.fExitCode, 4) << script;

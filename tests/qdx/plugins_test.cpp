@@ -10,13 +10,16 @@ TEST(QDXPlugins, AreListedInOrder) {
   installation.AddPlugin(TESTS "test_provider.so", "libtest.nsp.so");
   installation.AddLinuxProvider();
   installation.AddPlugin(TESTS "test_consumer.so", "libgood.nsc.so");
-  const TProgramRun run = installation.RunScript("\"$0\" plugins | sed 's| /.*/| |'");
+  const TProgramRun run =
+      installation.RunScript("\"$0\" plugins | sed 's| /.*/| |; /^parts of linux: /d'");
   EXPECT_EQ(run.fErrors, "");
   EXPECT_EQ(run.fOutput,
             "KIND      SERVICE  NAME               NAMESPACES  FILE\n"
             "provider  linux    linux              root/cimv2  liblinux.nsp.so\n"
             "provider  test     test               -           libtest.nsp.so\n"
-            "consumer  good     the good consumer  -           libgood.nsc.so\n");
+            "consumer  good     the good consumer  -           libgood.nsc.so\n"
+            "parts of test: small\n"
+            "parts of test on request: dear\n");
   EXPECT_EQ(installation.Run({"plugins"}).fExitCode, 0);
 }
 

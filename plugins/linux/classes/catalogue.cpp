@@ -46,7 +46,7 @@ std::vector<TClass> AllClasses() {
   const TPart kPackages{"packages"};
   const TPart kUsers{"users", true};
   const TPart kProcesses{"processes", true};
-#define QDX_CALL(PART, FUNCTION) FUNCTION().In(PART),
+#define QDX_CALL(PART, FUNCTION) FUNCTION().InPart(PART),
   return {QDX_LINUX_CLASSES(QDX_CALL)};
 #undef QDX_CALL
 }

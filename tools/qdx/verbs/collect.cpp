@@ -23,6 +23,7 @@
 #include "completeness.h"
 #include "document.h"
 #include "machine.h"
+#include "record.h"
 #include "verbs.h"
 #include "worker_options.h"
 
@@ -31,10 +32,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace NDescribe;
-
-/// The namespace with the record of the collection. Namespaces of providers with this name are not
-/// collected.
-constexpr const char* kRecordNamespaceName = "root/qdx";
 
 bool IsNamed(const ICIMNamespace& ns, const std::string& name) {
   return NModel::EqualIgnoringCase(ns.GetName({}), name);
@@ -101,7 +98,7 @@ TReading<TCIMDateTime> Now(const TRecordSource&) {
 }
 
 TTable<TOnly, TRecordSource> CollectionTable() {
-  return {"VORNSG_Collection",
+  return {kRecordClass,
           "When and where the data of this document was collected.",
           kOnly,
           // The same key in every document, so that diff matches the instances.
@@ -110,6 +107,10 @@ TTable<TOnly, TRecordSource> CollectionTable() {
            {"RootFolder", "The folder below which the files of the machine were read.",
             [](const TRecordSource& from) { return from.fMachine.GetRoot(); }, kVolatile},
            {"CollectionTime", "When the data was read.", Now, kVolatile},
+           {"Parts", "The parts of providers that were chosen.",
+            [](const TRecordSource& from) { return from.fMachine.GetParts().fChosen; }, kVolatile},
+           {kPartsLeftOut, "The parts that were left out: by an option, or since nobody asked.",
+            [](const TRecordSource& from) { return from.fMachine.GetParts().fLeftOut; }, kVolatile},
            {"ToolVersion", "The version of the tool.", Constant(QDXCORE_VERSION)}}};
 }
 

@@ -7,6 +7,7 @@
 #include "cli/output.h"
 #include "cli/terminal.h"
 #include "completeness.h"
+#include "diff_parts.h"
 #include "document.h"
 #include "verbs.h"
 
@@ -127,9 +128,11 @@ EExitCode RunDiff(const TArguments& arguments) {
     FailOnUsage("only one of the two can be standard input");
   }
   bool incomplete = false;
-  auto inA = ReadSnapshot(a, incomplete);
-  auto inB = ReadSnapshot(b, incomplete);
-  const auto differences = Compare(std::move(inA), std::move(inB), arguments.Has("all"));
+  TComparedDocument inA{a, ReadSnapshot(a, incomplete)};
+  TComparedDocument inB{b, ReadSnapshot(b, incomplete)};
+  for (const std::string& line : RemoveUnsharedParts(inA, inB)) PrintError(line);
+  const auto differences =
+      Compare(std::move(inA.fNamespaces), std::move(inB.fNamespaces), arguments.Has("all"));
   if (arguments.Has("json")) {
     TJSON list = TJSON::array();
     for (const TDifference& difference : differences) list.push_back(AsJSON(difference));
@@ -153,7 +156,8 @@ TVerb DiffVerb() {
       "object paths, whatever their order. '-' marks what only A has, '+' what only B has, '~'\n"
       "what differs, with the old and the new value.\n"
       "Properties that change while a machine runs, such as counters and free memory, are left\n"
-      "out; the manual page lists them.\n",
+      "out; the manual page lists them. So are the parts that one of the documents was collected\n"
+      "without; a line on standard error names them.\n",
       {{"json", nullptr, "Print one JSON object."},
        {"all", nullptr, "Also compare the properties that change while a machine runs."}},
       RunDiff,

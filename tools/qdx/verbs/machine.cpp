@@ -4,16 +4,19 @@
 #include <qdxcore/schema_helper.h>
 #include <qdxmodel/classes.h>
 #include <qdxmodel/names.h>
-#include <qdxmodel/options.h>
 #include <qdxsystem/error_text.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <map>
 #include <set>
 #include <utility>
 
 #include <sys/stat.h>
+
+#include <boost/algorithm/string/join.hpp>
+#include <boost/algorithm/string/split.hpp>
 
 #include "worker_options.h"
 
@@ -64,12 +67,49 @@ bool IsBetter(const TMachineNamespace& left, const TMachineNamespace& right) {
          DescribesMachine(*left.fNamespace) && !DescribesMachine(*right.fNamespace);
 }
 
+constexpr TOptionSpec kPartOptions[] = {
+    {NModel::kOnlyOption, "PARTS", "Describe only these parts, as in 'disks,network'."},
+    {NModel::kWithoutOption, "PARTS", "Leave these parts out."},
+    {NModel::kWithOption, "PARTS", "Describe also these parts, which are left out by default."}};
+
+/// Splits the names of parts at commas.
+std::vector<std::string> PartsOf(const TArguments& arguments, const char* option) {
+  std::vector<std::string> parts;
+  for (const std::string& names : arguments.GetAll(option)) {
+    std::vector<std::string> split;
+    boost::algorithm::split(split, names, [](char each) { return each == ','; });
+    parts.insert(parts.end(), split.begin(), split.end());
+  }
+  if (std::find(parts.begin(), parts.end(), "") != parts.end()) {
+    FailOnUsage(std::string("option '--") + option + "' has an empty name");
+  }
+  return parts;
+}
+
+TOptionsMap PartOptionsOf(const TArguments& arguments) {
+  TOptionsMap options;
+  for (const TOptionSpec& option : kPartOptions) {
+    if (!arguments.Has(option.fName)) continue;
+    const auto parts = PartsOf(arguments, option.fName);
+    options[option.fName] = TCIMValue(TCIMValue::TCIMType::kCIMTypeString, 0,
+                                      std::vector<TCIMValue>(parts.begin(), parts.end()));
+  }
+  return options;
+}
+
+void PrintLoadFailures(const std::vector<std::pair<std::string, TProviderFailure>>& failures) {
+  for (const auto& [file, failure] : failures) {
+    PrintFailure("loading provider " + file, failure.fFailure);
+  }
+}
+
 }  // namespace
 
 std::vector<TOptionSpec> TMachine::Options() {
   std::vector<TOptionSpec> options = {
       kRootFolderOption,
       {"provider", "NAME", "Query only this provider; can be given more than once."}};
+  options.insert(options.end(), std::begin(kPartOptions), std::end(kPartOptions));
   const auto ofWorkers = WorkerOptions();
   options.insert(options.end(), ofWorkers.begin(), ofWorkers.end());
   return options;
@@ -78,7 +118,8 @@ std::vector<TOptionSpec> TMachine::Options() {
 TMachine::TMachine(const TArguments& arguments)
     : fLimits(LimitsOf(arguments)),
       fRoot(arguments.Get(kRootFolderOption.fName, "/")),
-      fNamed(arguments.GetAll("provider")) {
+      fNamed(arguments.GetAll("provider")),
+      fPartOptions(PartOptionsOf(arguments)) {
   CheckRootFolder(fRoot, fLimits);
 }
 
@@ -128,18 +169,51 @@ bool TMachine::IsWanted(const std::string& provider) const {
 void TMachine::CheckNames(const TAnswers& answers) const {
   for (const std::string& name : fNamed) {
     if (answers.fNames.count(name) != 0) continue;
-    for (const auto& [file, failure] : answers.fLoadFailures) {
-      PrintFailure("loading provider " + file, failure.fFailure);
-    }
+    PrintLoadFailures(answers.fLoadFailures);
     throw TCommandFailure(
         kExitBadInput, "looking for provider " + name,
         {kQDXStatusNotFound, "no plug-in brings one of this name; 'qdx plugins' lists all"});
   }
 }
 
+TMachine::TParts TMachine::GetParts() const {
+  const NModel::TPartChoice choice(fPartOptions);
+  TParts parts;
+  std::set<std::string> known;
+  for (const TAskedProvider& provider : fProviders) {
+    for (const auto& [part, isOnRequest] : provider.fParts) {
+      if (!known.insert(part).second) continue;
+      const bool isChosen = choice.Of(part, isOnRequest) == NModel::TPartChoice::kChosen;
+      (isChosen ? parts.fChosen : parts.fLeftOut).push_back(part);
+    }
+  }
+  return parts;
+}
+
+/// Throws a TCommandFailure for a part that no provider has: it is misspelled, or its provider
+/// failed.
+void TMachine::CheckParts(const TAnswers& answers) const {
+  const auto& [chosen, leftOut] = GetParts();
+  std::vector<std::string> known = chosen;
+  known.insert(known.end(), leftOut.begin(), leftOut.end());
+  for (const auto& [option, parts] : fPartOptions) {
+    const std::vector<TCIMValue>& named = parts;
+    for (const std::string name : named) {
+      if (std::find(known.begin(), known.end(), name) != known.end()) continue;
+      PrintLoadFailures(answers.fLoadFailures);
+      throw TCommandFailure(
+          kExitBadInput, "looking for part " + name,
+          {kQDXStatusNotFound, known.empty() ? "no provider has parts"
+                                             : "no provider has it; the parts are " +
+                                                   boost::algorithm::join(known, ", ")});
+    }
+  }
+}
+
 /// Returns the namespaces of all libraries, as if one had delivered them.
 std::vector<TMachineNamespace> TMachine::Ask(TProviderRequest request) {
   request.fProviders = fNamed;
+  request.fOptions.insert(fPartOptions.begin(), fPartOptions.end());
   request.fOptions[NModel::kRootOption] = TCIMValue(fRoot);
   TAnswers answers;
   for (const TAskedLibrary& library :
@@ -147,6 +221,7 @@ std::vector<TMachineNamespace> TMachine::Ask(TProviderRequest request) {
     Add(library, answers);
   }
   CheckNames(answers);
+  CheckParts(answers);
   if (fNamed.empty()) {
     for (const auto& [file, failure] : answers.fLoadFailures) {
       fFailures.push_back(failure);

@@ -3,6 +3,7 @@
 #ifndef TOOLS_QDX_VERBS_MACHINE_H_
 #define TOOLS_QDX_VERBS_MACHINE_H_
 
+#include <qdxmodel/options.h>
 #include <qdxplugin_host/provider_host.h>
 
 #include <set>
@@ -31,7 +32,8 @@ inline constexpr TOptionSpec kRootFolderOption = {
 /// asks once.
 class TMachine {
  public:
-  /// The options of verbs that ask for everything: --root, --provider and those of workers.
+  /// The options of verbs that ask for everything: --root, --provider, those of parts and those of
+  /// workers.
   static std::vector<TOptionSpec> Options();
 
   /// Throws a TCommandFailure for a bad option, and if the root is not a folder.
@@ -40,7 +42,7 @@ class TMachine {
   /// Returns all namespaces, providers in ascending order of their names. Of several namespaces
   /// with the same name the first one is taken, and the others are failures; but one that describes
   /// a machine comes before those that do not. Throws a TCommandFailure if a provider that was
-  /// named does not exist.
+  /// named does not exist, or a part that no provider has.
   std::vector<TMachineNamespace> TakeAll();
 
   /// Returns kMachineNamespace, with the instances of these classes at least; null if no provider
@@ -53,6 +55,12 @@ class TMachine {
   const std::string& GetRoot() const { return fRoot; }
   const std::vector<TProviderFailure>& GetFailures() const { return fFailures; }
   const std::vector<NPluginHost::TAskedProvider>& GetProviders() const { return fProviders; }
+  /// Parts of all providers.
+  struct TParts {
+    std::vector<std::string> fChosen;
+    std::vector<std::string> fLeftOut;
+  };
+  TParts GetParts() const;
   /// Returns whether everything that the providers have was delivered as they have it.
   bool IsComplete() const { return fFailures.empty() && !fHasWarned; }
 
@@ -69,11 +77,13 @@ class TMachine {
   void Add(const NPluginHost::TAskedLibrary& library, TAnswers& answers);
   bool IsWanted(const std::string& provider) const;
   void CheckNames(const TAnswers& answers) const;
+  void CheckParts(const TAnswers& answers) const;
   std::vector<TMachineNamespace> WithoutDoubles(std::vector<TMachineNamespace> all);
 
   const NPluginHost::TWorkerLimits fLimits;
   const std::string fRoot;
   const std::vector<std::string> fNamed;
+  const TOptionsMap fPartOptions;  // to be passed to providers
   std::vector<NPluginHost::TAskedProvider> fProviders;
   std::vector<TProviderFailure> fFailures;
   bool fHasWarned = false;

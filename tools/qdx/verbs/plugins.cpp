@@ -38,7 +38,11 @@ TJSON Describe(const TAskedLibrary& library) {
   for (const TAskedProvider& provider : library.fProviders) {
     TJSON namespaces;
     if (provider.fNamespaces) namespaces = *provider.fNamespaces;
-    providers.push_back({{"name", provider.fName}, {"namespaces", namespaces}});
+    TJSON parts = TJSON::array();
+    for (const auto& [part, isOnRequest] : provider.fParts) {
+      parts.push_back({{"name", part}, {"onRequest", isOnRequest}});
+    }
+    providers.push_back({{"name", provider.fName}, {"namespaces", namespaces}, {"parts", parts}});
   }
   description["providers"] = providers;
   if (library.fLoadFailure) {
@@ -101,6 +105,20 @@ void AddProviderRows(const TJSON& library, std::vector<TTableRow>& rows) {
   }
 }
 
+/// Returns a line for the parts that are described by default, and one for the others.
+std::string FormatParts(const TJSON& provider) {
+  std::string parts[2];
+  for (const TJSON& part : provider["parts"]) {
+    std::string& names = parts[part["onRequest"].get<bool>() ? 1 : 0];
+    names += (names.empty() ? "" : ", ") + PlainText(part["name"]);
+  }
+  const std::string start = "parts of " + PlainText(provider["name"]);
+  std::vector<TTableRow> rows;
+  if (!parts[0].empty()) rows.push_back({{start + ": " + parts[0]}});
+  if (!parts[1].empty()) rows.push_back({{start + " on request: " + parts[1]}});
+  return FormatTable(rows);
+}
+
 void WriteForPeople(const TJSON& plugins) {
   std::vector<TTableRow> rows = {
       {{"KIND", "SERVICE", "NAME", "NAMESPACES", "FILE"}, TTableRow::kHeading}};
@@ -110,7 +128,11 @@ void WriteForPeople(const TJSON& plugins) {
                      FileOf(library)},
                     library["failure"].is_null() ? TTableRow::kPlain : TTableRow::kDim});
   }
-  WriteOutput(FormatTable(rows));
+  std::string parts;
+  for (const TJSON& library : plugins["providers"]) {
+    for (const TJSON& provider : library["providers"]) parts += FormatParts(provider);
+  }
+  WriteOutput(FormatTable(rows) + parts);
 }
 
 EExitCode RunPlugins(const TArguments& arguments) {

@@ -19,6 +19,9 @@ inline constexpr const char* kVolatileQualifier = "VORNSG_Volatile";
 /// Qualifier of this project: what kind of secret the value is, as one of SecretName().
 inline constexpr const char* kSecretQualifier = "VORNSG_Secret";
 
+/// Qualifier of this project: the part of its provider that the class belongs to.
+inline constexpr const char* kPartQualifier = "VORNSG_Part";
+
 /// What gives away something about a machine or its users.
 enum class ESecret { kNone, kSerial, kHostName, kAddress, kUser, kCommandLine };
 
@@ -48,6 +51,12 @@ struct TPropertyDeclaration {
   bool fIsVolatile = false;
 };
 
+/// A part of a provider, which callers choose by its name.
+struct TPart {
+  std::string fName;          ///< Empty for what is always described.
+  bool fIsOnRequest = false;  ///< Left out unless the caller asks for it.
+};
+
 struct TClassDeclaration {
   std::string fName;
   std::string fDescription;
@@ -55,6 +64,7 @@ struct TClassDeclaration {
   std::string fSuperclass = {};                   ///< Empty for a root class.
   bool fIsAbstract = false;
   bool fIsAssociation = false;
+  TPart fPart = {};
 };
 
 /// Declares and commits the class. A qualifier that the namespace does not have is declared, too.

@@ -33,6 +33,9 @@ using TMissingReasons = std::map<std::tuple<std::string, std::string, std::strin
 /// provider explains its missing values. A reason that cannot be read is left out.
 TMissingReasons ReadMissingReasons(const ICIMNamespace& ns);
 
+/// Returns the reason why a reference to a part that is left out is null.
+std::string ReasonOfPart(const std::string& part);
+
 }  // namespace NVORNQDX20::NDescribe
 
 #endif  // QDXDESCRIBE_MISSING_VALUES_H_

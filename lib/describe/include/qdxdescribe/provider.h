@@ -34,7 +34,6 @@ class TDescriber {
     const TClassDeclaration* fDeclaration;
     const std::vector<std::string>* fColumns;
     TDescribe fDescribe;
-    const TPart* fPart;
   };
 
   /// When the class of missing values is declared.
@@ -89,7 +88,7 @@ boost::shared_ptr<ICIMNamespace> DescribeChecked(const TDescriber& describer,
                                                  TDescriber::EExplains explains) {
   std::vector<TDescriber::TStep> steps;
   for (const TClassOf<THost>& each : classes) {
-    steps.push_back({&each.fDeclaration, &each.fColumns, nullptr, &each.fPart});
+    steps.push_back({&each.fDeclaration, &each.fColumns, nullptr});
     if (!each.fDescribe) continue;
     steps.back().fDescribe = [&each, &host](const ICIMNamespace& ns, IInstanceSink& sink) {
       each.fDescribe(host, ns, sink);
@@ -148,7 +147,7 @@ class TTableProvider final : public INamespaceProvider, public IPartsOfProvider 
   void EnumerateParts(const TPartCallback& callback) const override {
     std::set<std::string> known = {""};
     for (const TClassOf<THost>& each : fClasses) {
-      const TPart& part = each.fPart;
+      const TPart& part = each.fDeclaration.fPart;
       if (known.insert(part.fName).second && !callback(part.fName, part.fIsOnRequest)) return;
     }
   }

@@ -96,12 +96,6 @@ class IInstanceSink {
   ~IInstanceSink() = default;  // never deleted through this interface
 };
 
-/// A part of a provider, which callers choose by its name.
-struct TPart {
-  std::string fName;          ///< Empty for what is always described.
-  bool fIsOnRequest = false;  ///< Left out unless the caller asks for it.
-};
-
 /// A class without the type of its source, as a provider holds it.
 template <typename THost = TRequest>
 struct TClassOf {
@@ -111,11 +105,10 @@ struct TClassOf {
   /// Makes the instances. The namespace has the instances of the classes before this one. Empty if
   /// the class has no instances of its own.
   std::function<void(const THost&, const ICIMNamespace&, IInstanceSink&)> fDescribe;
-  TPart fPart = {};
 
   /// Returns this class as one of a part that callers can choose or leave out.
-  TClassOf In(TPart part) && {
-    fPart = std::move(part);
+  TClassOf InPart(TPart part) && {
+    fDeclaration.fPart = std::move(part);
     return std::move(*this);
   }
 };
@@ -178,11 +171,17 @@ class TTable {
     return std::move(*this);
   }
 
+  /// Makes this a class of a part that callers can choose or leave out.
+  TTable InPart(TPart part) && {
+    fDeclaration.fPart = std::move(part);
+    return std::move(*this);
+  }
+
   template <typename TOtherHost>
   operator TClassOf<TOtherHost>() const {
     static_assert(std::is_same_v<TOtherHost, THost>,
                   "the table has another host than the provider: MakeProvider<THost>(...)");
-    TClassOf<THost> erased{fDeclaration, {}, {}, {}};
+    TClassOf<THost> erased{fDeclaration, {}, {}};
     for (const TColumn& column : fColumns) erased.fColumns.push_back(column.fName);
     if (fList) {
       erased.fDescribe = [table = *this](const THost& host, const ICIMNamespace& ns,

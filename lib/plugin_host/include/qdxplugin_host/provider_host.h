@@ -47,11 +47,18 @@ struct TMachineNamespace {
   boost::shared_ptr<ICIMNamespace> fNamespace;
 };
 
+/// A part of what a provider describes.
+struct TProviderPart {
+  std::string fName;
+  bool fIsOnRequest = false;  ///< Left out unless the caller asks for it.
+};
+
 struct TAskedProvider {
   std::string fName;
   /// None if it does not list them.
   std::optional<std::vector<std::string>> fNamespaces = {};
   std::chrono::microseconds fTime{0};
+  std::vector<TProviderPart> fParts = {};  ///< None if it has no parts that can be chosen.
 };
 
 /// What one library delivered; after a failure, what it delivered before.

@@ -35,6 +35,7 @@ struct TClassSnapshot {
   std::vector<TPropertySnapshot> fProperties;  ///< Including inherited ones, by name.
   std::size_t fInstanceCount = 0;
   std::vector<TInstanceSnapshot> fInstances;  ///< Without those of subclasses, by path and values.
+  std::string fPart = {};                     ///< Of its provider; empty if it belongs to none.
 };
 
 /// How deep to read and to show.
