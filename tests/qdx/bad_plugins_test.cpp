@@ -73,6 +73,12 @@ TEST(QDXBadPlugins, AreNotLoadedByRootIfOthersCanWriteThem) {
                          ": root does not load it: everybody may write to folder " +
                          folder.string() + "; 'chmod o-w' takes that right away\n"
                    : "");
+  installation.AddBrokenPlugin("libcurl.so");
+  const TProgramRun upload = installation.RunScript("\"$0\" upload \"$0\" x");
+  EXPECT_PRED_FORMAT2(IsSubstring,
+                      isRoot ? "root does not load " + (folder / "libcurl.so").string() + ": every"
+                             : "libcurl.so: file too short",
+                      upload.fErrors);
 }
 
 TEST(QDXBadPlugins, MayFailOnceTheyAreLoaded) {

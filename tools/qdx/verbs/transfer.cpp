@@ -3,6 +3,8 @@
 #include <qdxcore/os_specific.h>
 #include <qdxsystem/descriptor.h>
 #include <qdxsystem/error_text.h>
+#include <qdxsystem/foreign_writers.h>
+#include <qdxsystem/read.h>
 #include <qdxsystem/write.h>
 
 #include <algorithm>
@@ -175,9 +177,27 @@ EExitCode RunUpload(const TArguments& arguments) {
   const auto timeout = TimeoutOf(arguments);
   CheckRemoteName(name);
   const TDescriptor copy = CopyOfSource(operand);
+/// The core loads the libcurl beside it, or else one of the system: with root's rights only if
+/// nobody else can have put it there.
+void RequireOwnLibcurl(const std::string& action) {
+  if (::geteuid() != 0) return;
+  struct stat command {};  // root's, if there is no /proc
+  ::stat("/proc/self/exe", &command);
+  const std::string folder = TOSSpecific::GetQDXRootPath();
+  const std::string library =
+      std::filesystem::path(folder + "/libcurl.so").lexically_normal().string();
+  std::error_code error;
+  const bool exists = std::filesystem::exists(library, error);
+  const auto writer = FindForeignWriter(exists ? library : folder + "/.", command.st_uid);
+  if (!writer) return;
+  throw TCommandFailure(kExitTransferFailed, action,
+                        {kQDXStatusAccessDenied, "root does not load " + library + ": " + *writer});
+}
+
   const std::string action =
       "uploading " + operand + " to " + WithPort(QDX_FTP_UPLOAD_HOST) + " as " + name + ".xml.gz";
   Transfer(action, timeout, {copy.Get()}, [&] {
+  RequireOwnLibcurl(action);
     const auto failure = Try([&] { TOSSpecific::FTPFile(PathOf(copy), name); });
     if (failure) FailToTransfer(action, *failure);
   });
