@@ -105,8 +105,9 @@ class TPathCheck {
 
   std::optional<std::string> CheckPlace() {
     auto found = CheckOwner();
+    // Nobody can replace what is in a sticky folder, but to the file's own folder others could add.
     const bool isSticky = S_ISDIR(fStatus.st_mode) && (fStatus.st_mode & S_ISVTX) != 0;
-    if (found || isSticky) return found;
+    if (found || (isSticky && fRest.size() > 1)) return found;
     if ((fStatus.st_mode & S_IWOTH) != 0) return Writable("everybody", "chmod o-w");
     const bool isOfGroup = (fStatus.st_mode & S_IWGRP) != 0;
     if (isOfGroup && !IsPrivateGroup(fStatus.st_gid, fStatus.st_uid)) {

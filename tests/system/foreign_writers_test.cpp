@@ -44,7 +44,9 @@ TEST(ForeignWriter, IsFoundAlongTheWholeWay) {
   const std::pair<std::string, std::string> rows[] = {
       {Found("a/file", Mode("", 0755)), "nobody"},
       {Found("a/file", Mode("a", 0757)), "everybody may write to folder a" + away},
-      {Found("a/file", Mode("a", 01777)), "nobody"},  // sticky
+      {Found("a/file", Mode("", 01777)), "nobody"},  // sticky
+      // Others cannot replace the file, but add one.
+      {Found("a/file", Mode("a", 01777)), "everybody may write to folder a" + away},
       {Found("a/file", Mode("a/file", 0646)), "everybody may write to it" + away},
       {Found("a/file", Mode("a/file", 01646)), "everybody may write to it" + away},
       {Found("a/link", Link("../b/file", "a/link")), "nobody"},
@@ -64,7 +66,7 @@ TEST(ForeignWriter, IsTheOwnerUnlessItIsTheCommands) {
     return [=](const std::string& path) {
       std::filesystem::create_symlink("../b/file", path + "a/link");
       ::lchown((path + name).c_str(), kUser, kUser);
-      ::chmod((path + "a").c_str(), 01777);
+      ::chmod(path.c_str(), 01777);
     };
   };
   const std::string may = "user nobody may write to ";

@@ -15,7 +15,8 @@ namespace NVORNQDX20 {
 /// write to folder /opt/qdx; 'chmod o-w' takes that right away". The file itself is "it".
 ///
 /// In a folder with the sticky bit, such as /tmp, nobody can replace what belongs to another user,
-/// so only its owner counts. The group of a user with the user's name and no other member counts as
+/// so only its owner counts; except in the folder of the file itself, to which others could add
+/// files. The group of a user with the user's name and no other member counts as
 /// that user. In a user namespace, users outside of it do not count.
 std::optional<std::string> FindForeignWriter(const std::string& file, uid_t owner);
 
