@@ -82,6 +82,7 @@ TEST_F(NewFile, NeverReplacesWhatAppearsMeanwhile) {
       {0, EPERM, "taken, then new"},
       {ENOSYS, 0, "taken, then new"},
       {EINVAL, 0, "taken, then new"},
+      {EPERM, 0, "taken, then new"},
       {ENOSYS, EPERM, "(Operation not permitted); --output"},
       {EACCES, 0, "Permission denied"}};
   fFolder.Write("taken", "old");
