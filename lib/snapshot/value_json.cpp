@@ -41,6 +41,15 @@ TJSON Reference(const TCIMReference& reference, const std::string& ownNamespace)
   return (leadsOut ? there + ":" : "") + reference.GetPath();
 }
 
+/// Returns whether the text looks like null, an array, or a text in quotes.
+bool IsMistakable(const std::string& text) {
+  return text.empty() || text == "-" || text[0] == '"' || text.compare(0, 2, "{ ") == 0;
+}
+
+std::string Quoted(const TJSON& text) {
+  return text.dump(-1, ' ', false, TJSON::error_handler_t::replace);
+}
+
 /// A date-time can be null within a value that is not null.
 TJSON DateTime(const TCIMDateTime& dateTime) {
   return dateTime.IsNull() ? TJSON() : TJSON(dateTime.ToString());
@@ -71,11 +80,16 @@ std::string PlainText(const TJSON& value) {
   if (value.is_null()) return "-";
   if (value.is_string()) {
     const auto& plain = value.get_ref<const std::string&>();
-    return plain.empty() || plain == "-" ? '"' + plain + '"' : plain;
+    return IsMistakable(plain) ? Quoted(value) : plain;
   }
   if (!value.is_array()) return value.dump();
   std::string text;
-  for (const TJSON& element : value) text += (text.empty() ? "{ " : ", ") + PlainText(element);
+  for (const TJSON& element : value) {
+    text += text.empty() ? "{ " : ", ";
+    const bool isList = element.is_string() &&
+                        element.get_ref<const std::string&>().find(", ") != std::string::npos;
+    text += isList ? Quoted(element) : PlainText(element);
+  }
   return text.empty() ? "{ }" : text + " }";
 }
 

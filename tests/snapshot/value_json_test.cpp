@@ -40,6 +40,9 @@ TEST(ValueJSON, LosesNothingThatReadersKeep) {
 TEST(PlainText, IsWhatPeopleRead) {
   const std::pair<TJSON, std::string> rows[] = {{nullptr, "-"},
                                                 {"-", "\"-\""},
+                                                {"\"-\"", R"("\"-\"")"},
+                                                {"{ a }", "\"{ a }\""},
+                                                {TJSON::array({"a, b", "c"}), "{ \"a, b\", c }"},
                                                 {"", "\"\""},
                                                 {"a \"b\"", "a \"b\""},
                                                 {-0.5, "-0.5"},

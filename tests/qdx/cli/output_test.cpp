@@ -6,6 +6,7 @@
 #include <csignal>
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include "qdx/cli/standard_output.h"
 
@@ -19,6 +20,12 @@ TEST(Output, IsMadeFitForATerminalOnly) {
     WriteFileName("a\x1b");
     EXPECT_EQ(output.Read(), text);
   }
+}
+
+TEST(Output, HasNoCharactersInJSONThatATerminalObeys) {
+  const TStandardOutput output(TStandardOutput::kPipe);
+  WriteJSON({{"a", "\u009b\u202e\u007f\u00e9"}});
+  EXPECT_EQ(output.Read(), "{\n  \"a\": \"\\u009b\\u202e\\u007f\u00e9\"\n}\n");
 }
 
 TEST(Output, FailsSilentlyOnceItsReaderHasGone) {

@@ -73,8 +73,8 @@ bool OutputHasReader() {
 }
 
 void WriteJSON(const nlohmann::ordered_json& document) {
-  WriteOutput(document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) +
-              "\n");
+  using TErrorHandler = nlohmann::ordered_json::error_handler_t;
+  WriteOutput(EscapedForTerminal(document.dump(2, ' ', false, TErrorHandler::replace)) + "\n");
 }
 
 }  // namespace NVORNQDX20

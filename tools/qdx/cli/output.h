@@ -26,7 +26,8 @@ void WriteFileName(const std::string& file);
 /// Returns false once the reader of a pipe has gone.
 bool OutputHasReader();
 
-/// Writes one JSON document; bytes that are not UTF-8 become U+FFFD.
+/// Writes one JSON document; bytes that are not UTF-8 become U+FFFD. Characters that a terminal
+/// obeys are escaped: "\u009b".
 void WriteJSON(const nlohmann::ordered_json& document);
 
 }  // namespace NVORNQDX20

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <string_view>
 
@@ -70,6 +71,23 @@ std::string ForTerminal(const std::string& text) {
     harmless += isHarmless ? character.fBytes : "?";
   }
   return harmless;
+}
+
+std::string EscapedForTerminal(const std::string& json) {
+  std::string escaped;
+  escaped.reserve(json.size());
+  for (std::string_view rest = json; !rest.empty();) {
+    const TUTF8Character character = TakeCharacter(rest);
+    if (!character.fCodePoint || *character.fCodePoint == '\n' ||
+        IsHarmless(*character.fCodePoint)) {
+      escaped += character.fBytes;
+    } else {
+      char text[sizeof("\\u0000")];
+      std::snprintf(text, sizeof text, "\\u%04x", static_cast<unsigned>(*character.fCodePoint));
+      escaped += text;
+    }
+  }
+  return escaped;
 }
 
 std::size_t TerminalWidth(int descriptor) {

@@ -14,6 +14,9 @@ namespace NVORNQDX20 {
 /// trusted and must not control the terminal.
 std::string ForTerminal(const std::string& text);
 
+/// Returns the JSON text with an escape sequence for each such character; line ends stay.
+std::string EscapedForTerminal(const std::string& json);
+
 /// Returns the number of columns of the terminal: what it reports, else the environment variable
 /// COLUMNS, else 80.
 std::size_t TerminalWidth(int descriptor);

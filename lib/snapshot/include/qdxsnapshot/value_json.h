@@ -20,8 +20,9 @@ using TJSON = nlohmann::ordered_json;
 /// "root/other:Class.Key=1".
 TJSON ToJSON(const TCIMValue& value, const std::string& ownNamespace);
 
-/// Returns one line: "-" for null, strings unchanged but an empty one and "-" in quotes, arrays as
-/// "{ a, b }".
+/// Returns one line: "-" for null, arrays as "{ a, b }", strings unchanged. In quotes, as in JSON,
+/// is a string that could be mistaken for another value: an empty one, "-", one that begins with a
+/// quote or "{ ", and in an array one that contains ", ".
 std::string PlainText(const TJSON& value);
 
 }  // namespace NVORNQDX20
