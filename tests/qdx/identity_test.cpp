@@ -73,7 +73,8 @@ TEST_F(QDXIdentity, NeedsARootOfWhichSomethingIsKnown) {
 }
 
 TEST_F(QDXIdentity, WritesALog) {
-  const std::string log = (fTree.Path() / "log").string();
+  const TTempDir folder;  // outside of the tree
+  const std::string log = (folder.Path() / "log").string();
   const std::string line = "TCIMSchemaHelper- Detected MTM 47111AB\n";
   ASSERT_EQ(Run({"--log", log}).fExitCode, 0);
   EXPECT_EQ(ReadWholeFile(log).find(line), std::string::npos);

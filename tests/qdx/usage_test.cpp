@@ -57,15 +57,19 @@ TEST(QDXLog, NeverReplacesWhatTheCommandReadsOrWrites) {
   const TInstallation installation;
   const TTempDir folder;
   const std::string start = "cd '" + folder.Path().string() + "' || exit 99; ";
+      {"identity --root tree --log", "tree/a", "this command also reads what is in tree\n"},
+      {"identity --root ./tree/. --log", "tree/b/new", "this command also reads what is in ./tree"},
+      {"plugins --log", "${0%/*}/../lib/qdx/new", "this command also reads what is in /"},
   installation.RunScript(start +
-                         "echo text >a; ln a hard; ln -s a link; ln -s new dangling; mkfifo pipe");
+                         "echo text >a; ln a hard; ln -s a link; ln -s new dangling; mkfifo pipe; "
+                         "mkdir -p tree/b; ln a tree/a");
   for (const auto& [words, log, why] : rows) {
     const TProgramRun run =
         installation.RunScript(start + "timeout 9 \"$0\" " + words + " \"" + log + "\"");
     EXPECT_EQ(run.fExitCode, 4) << words;
     EXPECT_PRED_FORMAT2(::testing::IsSubstring, ": " + why, run.fErrors) << words;
     EXPECT_EQ(ReadWholeFile(folder.Path() / "a"), "text\n") << words;
-    EXPECT_FALSE(exists(folder.Path() / "new")) << words;
+    for (const char* file : {"new", "tree/b/new"}) EXPECT_FALSE(exists(folder.Path() / file));
   }
 }
 

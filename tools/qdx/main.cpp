@@ -2,14 +2,17 @@
 // Parses the command line, sets up the log, and runs the verb.
 #include <qdxcore/config.h>
 #include <qdxcore/logger.h>
+#include <qdxcore/os_specific.h>
 #include <qdxcore/registry.h>
 #include <qdxsystem/descriptor.h>
 
 #include <algorithm>
 #include <csignal>
+#include <filesystem>
 #include <memory>
 #include <new>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "cli/arguments.h"
@@ -42,13 +45,22 @@ ILogger::EQDXLogSeverity SeverityNamed(const std::string& name) {
 
 using TLog = std::unique_ptr<TLogFile>;
 
+bool IsRootFolder(const std::string& folder) {
+  std::error_code error;
+  return std::filesystem::equivalent(folder, "/", error);
+}
+
 TLog OpenLog(const TArguments& arguments) {
   const auto threshold = SeverityNamed(arguments.Get("log-level", "status"));
   TRootObject::GetCoreLogger()->SetLogThreshold(threshold);
   if (!arguments.Has("log")) return nullptr;
   std::vector<std::string> others = arguments.fOperands;
   for (const std::string& output : arguments.GetAll("output")) others.push_back(output);
-  return std::make_unique<TLogFile>(arguments.Get("log", ""), threshold, others);
+  // Below "/", where every file is, the log is the operator's choice.
+  std::vector<std::string> folders = {TOSSpecific::GetQDXRootPath()};
+  const std::string root = arguments.Get("root", "/");
+  if (!IsRootFolder(root)) folders.push_back(root);
+  return std::make_unique<TLogFile>(arguments.Get("log", ""), threshold, others, folders);
 }
 
 /// "qdx help" and "qdx help VERB".

@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <iterator>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -81,7 +83,34 @@ bool IsOneOf(const struct stat& log, const std::vector<std::string>& files) {
   });
 }
 
-TDescriptor OpenLog(const std::string& file, const std::vector<std::string>& otherFiles) {
+/// Returns whether the file would be in the folder, or in one below it. Links do not matter, since
+/// folders are compared by what they are.
+bool IsBelow(const std::string& file, const std::string& folder) {
+  struct stat wanted = {};
+  if (::stat(folder.c_str(), &wanted) != 0) return false;
+  std::error_code error;
+  std::filesystem::path place =
+      std::filesystem::canonical(std::filesystem::absolute(file).parent_path(), error);
+  while (!place.empty()) {
+    struct stat status = {};
+    const bool isKnown = ::stat(place.c_str(), &status) == 0;
+    if (isKnown && status.st_dev == wanted.st_dev && status.st_ino == wanted.st_ino) return true;
+    if (place == place.root_path()) break;
+    place = place.parent_path();
+  }
+  return false;
+}
+
+void CheckPlace(const std::string& file, const std::vector<std::string>& otherFolders) {
+  if (IsStandardError(file)) return;
+  for (const std::string& folder : otherFolders) {
+    if (IsBelow(file, folder)) FailToOpen(file, "this command also reads what is in " + folder);
+  }
+}
+
+TDescriptor OpenLog(const std::string& file, const std::vector<std::string>& otherFiles,
+                    const std::vector<std::string>& otherFolders) {
+  CheckPlace(file, otherFolders);
   bool isNew = false;
   TDescriptor log = Open(file, isNew);
   const struct stat status = StatusOf(log, file);
@@ -98,9 +127,10 @@ TDescriptor OpenLog(const std::string& file, const std::vector<std::string>& oth
 }  // namespace
 
 TLogFile::TLogFile(const std::string& file, ILogger::EQDXLogSeverity threshold,
-                   const std::vector<std::string>& otherFiles)
+                   const std::vector<std::string>& otherFiles,
+                   const std::vector<std::string>& otherFolders)
     : fName(file),
-      fDescriptor(OpenLog(file, otherFiles)),
+      fDescriptor(OpenLog(file, otherFiles, otherFolders)),
       fStatus(StatusOf(fDescriptor, file)),
       fListener(threshold,
                 [this](auto severity, const auto& message) { WriteMessage(severity, message); }) {

@@ -24,9 +24,11 @@ class TLogFile {
   /// Creates the file with mode 0600, or truncates it. It must be a regular file, a terminal,
   /// /dev/null, /dev/full or, by name, /dev/stderr; no symbolic link. It must neither be one of
   /// `otherFiles`, which the command reads or writes, nor a file to which a standard stream is
-  /// redirected. Throws a TCommandFailure, without changing the file, on failure.
+  /// redirected, nor below one of the folders. Throws a TCommandFailure, without changing the file,
+  /// on failure.
   TLogFile(const std::string& file, ILogger::EQDXLogSeverity threshold,
-           const std::vector<std::string>& otherFiles);
+           const std::vector<std::string>& otherFiles,
+           const std::vector<std::string>& otherFolders = {});
   TLogFile(const TLogFile&) = delete;
   TLogFile& operator=(const TLogFile&) = delete;
 
