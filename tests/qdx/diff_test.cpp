@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <nlohmann/json.hpp>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include "cimxml/documents.h"
 #include "qdx/installation.h"
 
@@ -74,6 +77,38 @@ TEST_F(QDXDiff, WarnsOfValuesThatAreLostAndRefusesWhatIsNoDocument) {
   EXPECT_EQ(fInstallation.Run({"show", wild.Path()}).fExitCode, 3);
   EXPECT_EQ(fInstallation.Run({"diff", wild.Path(), "none.xml"}).fExitCode, 4);
   EXPECT_EQ(fInstallation.Run({"diff", "-", "-"}).fExitCode, 2);
+}
+
+TEST_F(QDXDiff, WaitsForInputThatDoesNotBlock) {
+  const std::string document = WithValue("uint8", "1");
+  const TDocumentFile file(document);
+  int ends[2];
+  ASSERT_EQ(::pipe2(ends, O_CLOEXEC | O_NONBLOCK), 0);
+  if (::fork() == 0) {
+    ::usleep(300'000);
+    ::_exit(::write(ends[1], document.data(), document.size()) < 0 ? 1 : 0);
+  }
+  ::close(ends[1]);
+  const int before = ::dup(STDIN_FILENO);
+  ::dup2(ends[0], STDIN_FILENO);
+  const TProgramRun run = fInstallation.Run({"diff", "-", file.Path()});
+  ::dup2(before, STDIN_FILENO);
+  for (const int each : {ends[0], before}) ::close(each);
+  EXPECT_EQ(run.fExitCode, 0) << run.fErrors;
+}
+
+TEST_F(QDXDiff, OfManyPropertiesTakesTimeInProportion) {
+  std::string declared;
+  for (int i = 0; i < 9000; ++i) {
+    declared += Tag("PROPERTY", "NAME='p" + std::to_string(i) + "' TYPE='uint8'");
+  }
+  TNames objects = {Class(declared)};
+  objects.resize(40, Instance(""));
+  const TDocumentFile file(Document(objects));
+  for (const std::string format : {"", " --json"}) {
+    EXPECT_EQ(fInstallation.RunScript("ulimit -t 6; \"$0\" show " + file.Path() + format).fExitCode,
+              0);
+  }
 }
 
 TEST_F(QDXDiff, IsIncompleteWhereInstancesWereLeftOut) {

@@ -30,6 +30,15 @@ TEST(QDXUsage, IsExplainedInOneLineOrOnRequest) {
   }
 }
 
+TEST(QDXUpload, GivesUpOnAFileThatDoesNotCome) {
+  const TInstallation installation;
+  const TTempDir folder;
+  const TProgramRun run = installation.RunScript(
+      "cd '" + folder.Path().string() + "'; mkfifo p; timeout 9 \"$0\" upload p x --timeout 1");
+  EXPECT_EQ(run.fExitCode, 6);
+  EXPECT_PRED_FORMAT2(::testing::IsSubstring, "qdx: reading p: ", run.fErrors);
+}
+
 TEST(QDXOutput, IsMissedWhereItCannotBeWritten) {
   const TInstallation installation;
   const TProgramRun full = installation.RunScript("\"$0\" --version >/dev/full");
@@ -48,6 +57,9 @@ TEST(QDXLog, NeverReplacesWhatTheCommandReadsOrWrites) {
       {"show - <a --log", "a", other},
       {"plugins >>a --log", "a", other},
       {"collect -o ./new --log", "new", other},
+      {"identity --root tree --log", "tree/a", "this command also reads what is in tree\n"},
+      {"identity --root ./tree/. --log", "tree/b/new", "this command also reads what is in ./tree"},
+      {"plugins --log", "${0%/*}/../lib/qdx/new", "this command also reads what is in /"},
       {"download x dangling --log", "new", other},
       {"plugins --log", "link", "it is a symbolic link\n"},
       {"plugins --log", "pipe", irregular},
@@ -57,9 +69,6 @@ TEST(QDXLog, NeverReplacesWhatTheCommandReadsOrWrites) {
   const TInstallation installation;
   const TTempDir folder;
   const std::string start = "cd '" + folder.Path().string() + "' || exit 99; ";
-      {"identity --root tree --log", "tree/a", "this command also reads what is in tree\n"},
-      {"identity --root ./tree/. --log", "tree/b/new", "this command also reads what is in ./tree"},
-      {"plugins --log", "${0%/*}/../lib/qdx/new", "this command also reads what is in /"},
   installation.RunScript(start +
                          "echo text >a; ln a hard; ln -s a link; ln -s new dangling; mkfifo pipe; "
                          "mkdir -p tree/b; ln a tree/a");

@@ -2,13 +2,13 @@
 #include "input.h"
 
 #include <qdxsystem/error_text.h>
+#include <qdxsystem/read.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <string>
 
-#include <unistd.h>
 #include <zlib.h>
 
 #include "document_error.h"
@@ -94,10 +94,7 @@ void TInput::Probe() {
 
 bool TInput::Fill() {
   if (fBegin == fEnd) fBegin = fEnd = 0;
-  ssize_t length = 0;
-  do {
-    length = ::read(fDescriptor, fBuffer.get() + fEnd, kBufferSize - fEnd);
-  } while (length < 0 && errno == EINTR);
+  const ssize_t length = ReadSome(fDescriptor, fBuffer.get() + fEnd, kBufferSize - fEnd);
   if (length < 0) throw TDocumentError(ErrorText(errno), {}, kQDXStatusFileSystemError);
   fEnd += static_cast<std::size_t>(length);
   fConsumed += static_cast<std::size_t>(length);

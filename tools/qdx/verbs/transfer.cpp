@@ -19,6 +19,7 @@
 #include <system_error>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -100,13 +101,24 @@ std::string PathOf(const TDescriptor& file) {
   return "/proc/self/fd/" + std::to_string(file.Get());
 }
 
+void WaitForData(const TDescriptor& file, const std::string& shownAs,
+                 std::chrono::seconds timeout) {
+  pollfd data = {file.Get(), POLLIN, 0};
+  const std::chrono::milliseconds time = timeout;
+  if (::poll(&data, 1, static_cast<int>(time.count())) != 0) return;
+  throw TCommandFailure(
+      kExitTransferFailed, "reading " + shownAs,
+      {kQDXStatusFail, "no data came for " + std::to_string(timeout.count()) + " s"});
+}
+
 std::uintmax_t ReadAll(const TDescriptor& file, const std::string& shownAs,
+                       std::chrono::seconds timeout,
                        const std::function<void(const std::string&)>& take) {
   char buffer[65536];
   std::uintmax_t total = 0;
   for (;;) {
-    const ssize_t count = ::read(file.Get(), buffer, sizeof buffer);
-    if (count < 0 && errno == EINTR) continue;
+    WaitForData(file, shownAs, timeout);
+    const ssize_t count = ReadSome(file.Get(), buffer, sizeof buffer);
     if (count < 0) FailOnFile("reading " + shownAs, ErrorText(errno));
     if (count == 0) return total;
     take(std::string(buffer, static_cast<std::size_t>(count)));
@@ -114,10 +126,12 @@ std::uintmax_t ReadAll(const TDescriptor& file, const std::string& shownAs,
   }
 }
 
+/// Does not wait for a writer of a pipe: ReadAll does, for a limited time.
 TDescriptor OpenSource(const std::string& operand, const std::string& shownAs) {
   // From the current position of standard input, which opening it by name would not keep.
+  constexpr int kFlags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
   TDescriptor file(operand == "-" ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
-                                  : ::open(operand.c_str(), O_RDONLY | O_CLOEXEC));
+                                  : ::open(operand.c_str(), kFlags));
   if (!file.IsOpen()) FailOnFile("reading " + shownAs, ErrorText(file.GetError()));
   return file;
 }
@@ -132,12 +146,12 @@ std::uintmax_t RemainingSize(const TDescriptor& file) {
 
 /// Returns an unnamed copy of the file to send: an error of reading it is found before the
 /// transfer, and libcurl needs a path to open.
-TDescriptor CopyOfSource(const std::string& operand) {
+TDescriptor CopyOfSource(const std::string& operand, std::chrono::seconds timeout) {
   const std::string shownAs = operand == "-" ? "standard input" : operand;
   const TDescriptor source = OpenSource(operand, shownAs);
   TDescriptor copy = OpenTemporaryFile();
   const std::uintmax_t expected = RemainingSize(source);
-  const std::uintmax_t size = ReadAll(source, shownAs, [&](const std::string& block) {
+  const std::uintmax_t size = ReadAll(source, shownAs, timeout, [&](const std::string& block) {
     if (!WriteAll(copy.Get(), block)) {
       FailOnFile("copying " + shownAs + " to a temporary file", ErrorText(errno));
     }
@@ -163,20 +177,6 @@ std::string WithPort(const std::string& host) {
   return host.find(':') == std::string::npos ? host + ":21" : host;
 }
 
-/// Runs a transfer, and prints first what it does and where it goes.
-void Transfer(const std::string& action, std::chrono::seconds timeout,
-              const std::vector<int>& descriptors, const std::function<void()>& work) {
-  ForgetProxies();
-  PrintError(action);
-  RunWatched(action, timeout, descriptors, work);
-}
-
-EExitCode RunUpload(const TArguments& arguments) {
-  const std::string operand = arguments.GetOperand(0);
-  const std::string name = arguments.GetOperand(1);
-  const auto timeout = TimeoutOf(arguments);
-  CheckRemoteName(name);
-  const TDescriptor copy = CopyOfSource(operand);
 /// The core loads the libcurl beside it, or else one of the system: with root's rights only if
 /// nobody else can have put it there.
 void RequireOwnLibcurl(const std::string& action) {
@@ -194,10 +194,24 @@ void RequireOwnLibcurl(const std::string& action) {
                         {kQDXStatusAccessDenied, "root does not load " + library + ": " + *writer});
 }
 
+/// Runs a transfer, and prints first what it does and where it goes.
+void Transfer(const std::string& action, std::chrono::seconds timeout,
+              const std::vector<int>& descriptors, const std::function<void()>& work) {
+  RequireOwnLibcurl(action);
+  ForgetProxies();
+  PrintError(action);
+  RunWatched(action, timeout, descriptors, work);
+}
+
+EExitCode RunUpload(const TArguments& arguments) {
+  const std::string operand = arguments.GetOperand(0);
+  const std::string name = arguments.GetOperand(1);
+  const auto timeout = TimeoutOf(arguments);
+  CheckRemoteName(name);
+  const TDescriptor copy = CopyOfSource(operand, timeout);
   const std::string action =
       "uploading " + operand + " to " + WithPort(QDX_FTP_UPLOAD_HOST) + " as " + name + ".xml.gz";
   Transfer(action, timeout, {copy.Get()}, [&] {
-  RequireOwnLibcurl(action);
     const auto failure = Try([&] { TOSSpecific::FTPFile(PathOf(copy), name); });
     if (failure) FailToTransfer(action, *failure);
   });
