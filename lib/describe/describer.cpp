@@ -255,7 +255,7 @@ class TDescription {
         instance->SetPropertyValue(place.fProperty, *reference, {});
       } else {
         const std::string* const part = LeftOutPartOf(target);
-        place.fReason = part ? ReasonOfPart(*part) : reference.GetReason();
+        place.fReason = part ? TReason(ReasonOfPart(*part)) : reference.GetReason();
         Miss(std::move(place));
       }
     }
@@ -279,7 +279,7 @@ class TDescription {
   static void Append(TMissingValue& first, const TMissingValue& next) {
     constexpr std::size_t kLongest = 500;
     if (first.fReason.size() < kLongest && first.fReason.find(next.fReason) == std::string::npos) {
-      first.fReason += "; " + next.fReason;
+      first.fReason.Add(next.fReason);
     }
   }
 
@@ -315,7 +315,7 @@ class TInstanceWriter final : public IInstanceSink {
   /// An instance that lacks a key, or that has the keys of another, is left out and recorded.
   bool Add(const std::vector<TCell>& cells, bool isOnly) override {
     if (++fCount > fMaxInstances) {
-      Miss("more than " + std::to_string(fMaxInstances) + ": the others are left out");
+      LeaveOut("more than " + std::to_string(fMaxInstances) + ": the others are left out");
       return false;
     }
     const auto instance = fClass->CreateInstance({});
@@ -332,7 +332,7 @@ class TInstanceWriter final : public IInstanceSink {
   /// Returns whether there are no instances, and no reason for that.
   bool IsEmpty() const { return fCount == 0 && !fHasMissed; }
 
-  void Miss(const std::string& reason) override {
+  void Miss(const TReason& reason) override {
     fHasMissed = true;
     fDescription.Miss({fClass->GetName({}), "", "", reason});
   }
@@ -379,8 +379,8 @@ class TInstanceWriter final : public IInstanceSink {
     return true;
   }
 
-  bool LeaveOut(const std::string& reason) {
-    Miss(reason);
+  bool LeaveOut(std::string reason) {
+    Miss(TReason(std::move(reason), TReason::kError));
     return false;
   }
 
@@ -395,17 +395,17 @@ class TInstanceWriter final : public IInstanceSink {
     } else if (!column.fIsKey && !cell.fValue.IsNull()) {
       instance->SetPropertyValue(column.fName, cell.fValue, {});
     }
-    std::string reason = ReasonOf(cell);
+    TReason reason = ReasonOf(cell);
     if (!reason.empty()) fDescription.Miss(Place(column, key, std::move(reason)));
   }
 
   /// Each null has a reason.
-  static std::string ReasonOf(const TCell& cell) {
+  static TReason ReasonOf(const TCell& cell) {
     const bool isNull = cell.fValue.IsNull() && cell.fTarget.fClass.empty();
     return isNull && cell.fReason.empty() ? kNotRead : cell.fReason;
   }
 
-  TMissingValue Place(const TColumn& column, const std::string& key, std::string reason) const {
+  TMissingValue Place(const TColumn& column, const std::string& key, TReason reason) const {
     return {fClass->GetName({}), key, column.fName, std::move(reason)};
   }
 
@@ -470,7 +470,7 @@ bool IsAssociation(const TStep& step) { return step.fDeclaration->fIsAssociation
 
 TCell FailedCell(std::string reason) {
   if (reason.empty()) reason = "failed without a reason";
-  return {TCIMValue(), std::move(reason), {}};
+  return {TCIMValue(), TReason(std::move(reason), TReason::kError), {}};
 }
 
 }  // namespace

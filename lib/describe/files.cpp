@@ -53,6 +53,12 @@ TDescriptor OpenWithoutLinks(int root, const std::string& path, int flags) {
   return TDescriptor(::openat(folder.Get(), name.c_str(), flags | O_NOFOLLOW));
 }
 
+bool MeansAbsent(int error) { return error == ENOENT || error == ENOTDIR; }
+
+TReason ReasonOf(int error) {
+  return {ErrorText(error), MeansAbsent(error) ? TReason::kAbsence : TReason::kError};
+}
+
 /// Stops after the maximum size, so that the caller notices a file that is too long.
 TReading<std::string> ReadToEnd(int file, std::size_t maxSize) {
   std::array<char, 16384> buffer;  // not initialised: most files have some bytes
@@ -60,7 +66,7 @@ TReading<std::string> ReadToEnd(int file, std::size_t maxSize) {
   while (text.size() <= maxSize) {
     const ssize_t count = ::read(file, buffer.data(), buffer.size());
     if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return Missing(ErrorText(errno));
+    if (count < 0) return Missing(ReasonOf(errno));
     if (count == 0) break;
     text.append(buffer.data(), static_cast<std::size_t>(count));
   }
@@ -68,14 +74,13 @@ TReading<std::string> ReadToEnd(int file, std::size_t maxSize) {
 }
 
 /// Returns why the contents cannot be read; empty for a regular file.
-std::string ObstacleTo(const TDescriptor& file) {
+TReason ObstacleTo(const TDescriptor& file) {
   struct stat status {};
-  if (!file.IsOpen()) return ErrorText(file.GetError());
-  if (::fstat(file.Get(), &status) != 0) return ErrorText(errno);
-  return S_ISREG(status.st_mode) ? "" : "not a regular file";
+  if (!file.IsOpen()) return ReasonOf(file.GetError());
+  if (::fstat(file.Get(), &status) != 0) return ReasonOf(errno);
+  if (S_ISREG(status.st_mode)) return {};
+  return {"not a regular file", TReason::kError};
 }
-
-bool MeansAbsent(int error) { return error == ENOENT || error == ENOTDIR; }
 
 [[noreturn]] void FailToOpenRoot(const std::string& root, int error) {
   LogErrorAndThrow(error == EACCES ? kQDXStatusAccessDenied : kQDXStatusFileNotFound,
@@ -115,7 +120,7 @@ class TFiles::TRoot {
 
   /// Sets the obstacle to what stands in the way of reading, or to an empty text. To open a device
   /// can start it, so the type of a file in an image is looked at first.
-  TDescriptor OpenToRead(const std::string& path, std::string& obstacle) const {
+  TDescriptor OpenToRead(const std::string& path, TReason& obstacle) const {
     const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY;
     TDescriptor file = Open(path, fIsThisMachine ? flags : O_PATH);
     obstacle = ObstacleTo(file);
@@ -136,13 +141,14 @@ class TFiles::TRoot {
 TFiles::TFiles(const TRequest& request) : fRoot(std::make_shared<TRoot>(request.fRoot)) {}
 
 TReading<std::string> TFiles::Read(const std::string& path, std::size_t maxSize) const {
-  std::string obstacle;
+  TReason obstacle;
   const TDescriptor file = fRoot->OpenToRead(PathOf(path), obstacle);
   if (!obstacle.empty()) return MissingFrom(path, obstacle);
   TReading<std::string> reading = ReadToEnd(file.Get(), maxSize);
   if (!reading) return MissingFrom(path, reading.GetReason());
   if (reading->size() > maxSize) {
-    return MissingFrom(path, "more than " + std::to_string(maxSize >> 10U) + " KiB");
+    const std::string limit = std::to_string(maxSize >> 10U) + " KiB";
+    return MissingFrom(path, {"more than " + limit, TReason::kError});
   }
   return reading;
 }
@@ -157,7 +163,7 @@ TReading<std::string> TFiles::ReadLine(const std::string& path) const {
 
 TReading<bool> TFiles::ReadFlag(const std::string& path) const {
   return ReadNumber(path).and_then([&](std::uint64_t number) -> TReading<bool> {
-    if (number > 1) return MissingFrom(path, "neither 0 nor 1");
+    if (number > 1) return MissingFrom(path, {"neither 0 nor 1", TReason::kError});
     return number == 1;
   });
 }
@@ -165,27 +171,27 @@ TReading<bool> TFiles::ReadFlag(const std::string& path) const {
 TReading<std::string> TFiles::ReadLink(const std::string& path) const {
   const TDescriptor link = fRoot->Open(PathOf(path), O_PATH | O_NOFOLLOW);
   struct stat status {};
-  if (!link.IsOpen()) return MissingFrom(path, ErrorText(link.GetError()));
-  if (::fstat(link.Get(), &status) != 0) return MissingFrom(path, ErrorText(errno));
-  if (!S_ISLNK(status.st_mode)) return MissingFrom(path, "not a symbolic link");
+  if (!link.IsOpen()) return MissingFrom(path, ReasonOf(link.GetError()));
+  if (::fstat(link.Get(), &status) != 0) return MissingFrom(path, ReasonOf(errno));
+  if (!S_ISLNK(status.st_mode)) return MissingFrom(path, {"not a symbolic link", TReason::kError});
   std::array<char, PATH_MAX> target;
   const ssize_t size = ::readlinkat(link.Get(), "", target.data(), target.size());
-  if (size < 0) return MissingFrom(path, ErrorText(errno));
+  if (size < 0) return MissingFrom(path, ReasonOf(errno));
   return std::string(target.data(), static_cast<std::size_t>(size));
 }
 
 TReading<std::vector<std::string>> TFiles::List(const std::string& path) const {
   TDescriptor folder = fRoot->Open(PathOf(path), O_RDONLY | O_DIRECTORY | O_NONBLOCK);
-  if (!folder.IsOpen()) return MissingFrom(path, ErrorText(folder.GetError()));
+  if (!folder.IsOpen()) return MissingFrom(path, ReasonOf(folder.GetError()));
   const std::unique_ptr<DIR, int (*)(DIR*)> entries(::fdopendir(folder.Get()), ::closedir);
-  if (!entries) return MissingFrom(path, ErrorText(errno));
+  if (!entries) return MissingFrom(path, ReasonOf(errno));
   (void)folder.Release();  // owned by the DIR from here on
   std::vector<std::string> names;
   errno = 0;
   while (const dirent* entry = ::readdir(entries.get())) {
     if (entry->d_name[0] != '.') names.emplace_back(entry->d_name);
   }
-  if (errno != 0) return MissingFrom(path, ErrorText(errno));
+  if (errno != 0) return MissingFrom(path, ReasonOf(errno));
   std::sort(names.begin(), names.end());
   return names;
 }
@@ -199,7 +205,7 @@ TReading<std::string> TFiles::FirstOf(std::initializer_list<const char*> paths) 
   for (const char* path : paths) {
     const int error = fRoot->Open(PathOf(path), O_PATH).GetError();
     if (error == 0) return std::string(path);
-    if (!MeansAbsent(error)) return MissingFrom(path, ErrorText(error));
+    if (!MeansAbsent(error)) return MissingFrom(path, ReasonOf(error));
   }
   return std::string(*std::prev(paths.end()));
 }
@@ -216,7 +222,7 @@ std::string TFiles::PathOf(const std::string& path) const {
   return path.front() == '/' ? path : fFolder + "/" + path;
 }
 
-TMissing TFiles::MissingFrom(const std::string& path, const std::string& reason) const {
+TMissing TFiles::MissingFrom(const std::string& path, const TReason& reason) const {
   return Missing(PathOf(path) + ": " + reason);
 }
 

@@ -16,6 +16,12 @@ TPropertyDeclaration Text(const char* name, bool isKey, const char* description)
   return text;
 }
 
+TPropertyDeclaration Flag(const char* name, const char* description) {
+  TPropertyDeclaration flag(name, TCIMValue(TCIMValue::TCIMType::kCIMTypeBoolean, 0));
+  flag.fDescription = description;
+  return flag;
+}
+
 TClassDeclaration Declaration() {
   return {kMissingValueClass,
           "A value that this machine does not have, or does not tell, and why.",
@@ -23,7 +29,20 @@ TClassDeclaration Declaration() {
            Text("Instance", true, "The key of that instance; empty where the class has only one."),
            Text("PropertyName", true,
                 "The property that is null; empty where the class lacks instances."),
-           Text("Reason", false, "What stood in the way.")}};
+           Text("Reason", false, "What stood in the way."),
+           Flag("IsError",
+                "Whether an error stood in the way, so that the machine may have the value.")}};
+}
+
+/// Returns false for documents of earlier versions, which have no such property.
+bool IsError(const ICIMInstance& instance) {
+  try {
+    const auto property = instance.GetProperty("IsError", {});
+    return property && !property->GetValue().IsNull() && property->GetValue();
+  } catch (const TQDXException& failure) {
+    if (failure.GetStatusCode() == kQDXStatusOutOfMemory) throw;
+    return false;
+  }
 }
 
 std::string Text(const ICIMInstance& instance, const char* property) {
@@ -38,7 +57,8 @@ void WriteMissingValues(ICIMNamespace& ns, const std::vector<TMissingValue>& val
     AddInstance(*missing, {{"ClassName", className},
                            {"Instance", instance},
                            {"PropertyName", property},
-                           {"Reason", reason}});
+                           {"Reason", std::string(reason)},
+                           {"IsError", reason.IsError()}});
   }
 }
 
@@ -52,7 +72,8 @@ TMissingReasons ReadMissingReasons(const ICIMNamespace& ns) {
     NModel::ForEachInstance(*missing, [&reasons](const ICIMInstance& instance) {
       reasons.emplace(std::tuple(Text(instance, "ClassName"), Text(instance, "Instance"),
                                  Text(instance, "PropertyName")),
-                      Text(instance, "Reason"));
+                      TReason(Text(instance, "Reason"),
+                              IsError(instance) ? TReason::kError : TReason::kAbsence));
     });
   } catch (const std::bad_alloc&) {
     throw;         // the reasons are not to be lost

@@ -33,7 +33,7 @@ class TFields {
   std::string SourceOf(std::string_view name) const { return fSource + ": " + std::string(name); }
 
   std::string fSource;
-  std::string fReason;  // set if the file could not be read
+  TReason fReason;  // set if the file could not be read
   std::map<std::string, std::string, std::less<>> fValues;
 };
 

@@ -68,7 +68,7 @@ class TFiles {
   /// Returns the absolute path below the root.
   std::string PathOf(const std::string& path) const;
   /// Returns a reason that names the file: "/sys/block/sda/size: " and `reason`.
-  TMissing MissingFrom(const std::string& path, const std::string& reason) const;
+  TMissing MissingFrom(const std::string& path, const TReason& reason) const;
 
   /// Returns whether the root is that of the running machine, so that system calls describe it,
   /// too.

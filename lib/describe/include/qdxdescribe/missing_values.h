@@ -6,6 +6,7 @@
 #define QDXDESCRIBE_MISSING_VALUES_H_
 
 #include <qdxcore/interfaces.h>
+#include <qdxdescribe/reading.h>
 
 #include <map>
 #include <string>
@@ -20,17 +21,18 @@ struct TMissingValue {
   std::string fClass;
   std::string fInstance;  ///< The value of its last key; empty for the only instance of a class.
   std::string fProperty;  ///< Empty if the class lacks instances.
-  std::string fReason;
+  TReason fReason;
 };
 
 /// Declares the class and adds an instance for each missing value.
 void WriteMissingValues(ICIMNamespace& ns, const std::vector<TMissingValue>& values);
 
 /// Reasons by class, instance and property, as in TMissingValue.
-using TMissingReasons = std::map<std::tuple<std::string, std::string, std::string>, std::string>;
+using TMissingReasons = std::map<std::tuple<std::string, std::string, std::string>, TReason>;
 
 /// Returns the reasons that the namespace gives: none if it lacks the class, since not every
-/// provider explains its missing values. A reason that cannot be read is left out.
+/// provider explains its missing values. A reason that cannot be read is left out. None is an error
+/// if the class does not say so, as in documents of earlier versions.
 TMissingReasons ReadMissingReasons(const ICIMNamespace& ns);
 
 /// Returns the reason why a reference to a part that is left out is null.

@@ -15,11 +15,47 @@ namespace NVORNQDX20::NDescribe {
 
 /// The reason why a value is missing: one short sentence for the operator that begins with what was
 /// read, for example "/proc/loadavg: Permission denied".
-struct TMissing {
-  std::string fReason;
+///
+/// A text that also says whether the machine may well have the value: an error stood in the way. Of
+/// a value that is not there, and of one that nobody asked for, the reason is no error. Derived
+/// from std::string so that whatever takes a text takes it.
+class TReason : public std::string {
+ public:
+  enum EKind { kAbsence, kError };
+
+  TReason() = default;
+  TReason(std::string text, EKind kind = kAbsence)
+      : std::string(std::move(text)), fIsError(kind == kError) {}
+  TReason(const char* text) : std::string(text) {}
+
+  bool IsError() const noexcept { return fIsError; }
+  /// Adds another reason, after "; ".
+  void Add(const TReason& other) {
+    append(empty() ? "" : "; ").append(other);
+    fIsError = fIsError || other.fIsError;
+  }
+
+ private:
+  bool fIsError = false;
 };
 
-inline TMissing Missing(std::string reason) { return {std::move(reason)}; }
+/// The text before a reason does not change its kind.
+inline TReason operator+(std::string text, const TReason& reason) {
+  text += reason;
+  return {std::move(text), reason.IsError() ? TReason::kError : TReason::kAbsence};
+}
+inline TReason operator+(const char* text, const TReason& reason) {
+  return std::string(text) + reason;
+}
+
+/// What a function returns that has no value to return.
+struct TMissing {
+  TReason fReason;
+};
+
+inline TMissing Missing(TReason reason) { return {std::move(reason)}; }
+/// For what exists, or may exist, but cannot be read.
+inline TMissing Failed(std::string reason) { return {TReason(std::move(reason), TReason::kError)}; }
 
 /// The reason of a null without another one.
 inline constexpr const char* kNotRead = "was not read";
@@ -91,8 +127,8 @@ class TReading {
   }
   T ValueOr(T other) const { return fValue.value_or(std::move(other)); }
   /// Empty if there is a value.
-  const std::string& GetReason() const& noexcept { return fReason; }
-  std::string GetReason() && { return std::move(fReason); }
+  TReason GetReason() const& { return fReason; }
+  TReason GetReason() && { return std::move(fReason); }
 
   /// Returns a reading of `convert(value)`, or the same reason.
   template <typename TConvert>
@@ -117,7 +153,7 @@ class TReading {
 
  private:
   std::optional<T> fValue;
-  std::string fReason;
+  TReason fReason;
 };
 
 }  // namespace NVORNQDX20::NDescribe

@@ -81,7 +81,7 @@ inline constexpr TOnlyLister kOnly;
 /// One value of an instance that is being made.
 struct TCell {
   TCIMValue fValue;       ///< Null if the value is missing, and for a reference.
-  std::string fReason;    ///< Why it is missing.
+  TReason fReason;        ///< Why it is missing.
   TInstanceName fTarget;  ///< What a reference refers to.
 };
 

@@ -47,7 +47,7 @@ struct TInstances {
   TInstances(TMissing missing) : fReason(TReading<bool>(std::move(missing)).GetReason()) {}
   TInstances(const TReading<std::vector<TSource>>& all)
       : fAll(all ? *all : std::vector<TSource>()), fReason(all.GetReason()) {}
-  TInstances(std::vector<TSource> all, std::string reason)
+  TInstances(std::vector<TSource> all, TReason reason)
       : fAll(std::move(all)), fReason(std::move(reason)) {}
   /// The only instance of its class.
   TInstances(TSource only) : fIsOnly(true) { fAll.push_back(std::move(only)); }
@@ -56,10 +56,10 @@ struct TInstances {
   }
 
   /// Adds a reason why an instance is missing.
-  void Miss(const std::string& reason) { fReason += (fReason.empty() ? "" : "; ") + reason; }
+  void Miss(const TReason& reason) { fReason.Add(reason); }
 
   std::vector<TSource> fAll;
-  std::string fReason;
+  TReason fReason;
   bool fIsOnly = false;
 };
 
@@ -90,7 +90,7 @@ class IInstanceSink {
   /// instances as are taken.
   virtual bool Add(const std::vector<TCell>& cells, bool isOnly) = 0;
   /// Records why instances are missing.
-  virtual void Miss(const std::string& reason) = 0;
+  virtual void Miss(const TReason& reason) = 0;
 
  protected:
   ~IInstanceSink() = default;  // never deleted through this interface
