@@ -39,19 +39,87 @@ TDescriptor OpenInRoot(int root, const std::string& path, int flags) {
   }
 }
 
-/// For kernels and sandboxes without openat2: follows no symbolic links, so none leads out.
-TDescriptor OpenWithoutLinks(int root, const std::string& path, int flags) {
-  // Nothing is a link, so ".." can be removed from the text.
-  const auto relative = std::filesystem::path(path).lexically_normal().relative_path();
-  TDescriptor folder(::openat(root, ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
-  for (const auto& component : relative.parent_path()) {
-    folder = TDescriptor(
-        ::openat(folder.Get(), component.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    if (!folder.IsOpen()) return folder;
-  }
-  const std::string name = relative.has_filename() ? relative.filename().string() : ".";
-  return TDescriptor(::openat(folder.Get(), name.c_str(), flags | O_NOFOLLOW));
+/// Returns what the symbolic link contains; empty, with errno set, on failure.
+std::string TargetOf(int link) {
+  std::array<char, PATH_MAX> target;
+  const ssize_t size = ::readlinkat(link, "", target.data(), target.size());
+  if (size <= 0) return {};
+  return std::string(target.data(), static_cast<std::size_t>(size));
 }
+
+/// Finds a file as openat2 does, for kernels and sandboxes without that call: one component at a
+/// time, and no link nor ".." leads out of the root.
+class TWalk {
+ public:
+  TWalk(int root, const std::string& path) {
+    fFolders.emplace_back(::openat(root, ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    Push(path);
+  }
+
+  TDescriptor Open(int flags) {
+    while (fError == 0 && fFolders.back().IsOpen() && !fRest.empty()) {
+      const std::string name = std::move(fRest.back());
+      fRest.pop_back();
+      if (name == "..") {
+        if (fFolders.size() > 1) fFolders.pop_back();
+      } else if (name != "." && !Enter(name, flags)) {
+        return TDescriptor(::openat(fFolders.back().Get(), name.c_str(), flags | O_NOFOLLOW));
+      }
+    }
+    if (fError == 0 && fFolders.back().IsOpen()) {
+      return TDescriptor(::openat(fFolders.back().Get(), ".", flags));
+    }
+    errno = fError != 0 ? fError : fFolders.back().GetError();
+    return TDescriptor(-1);
+  }
+
+ private:
+  /// Puts the components of a path in front of the rest.
+  void Push(const std::string& path) {
+    if (path.front() == '/') fFolders.erase(fFolders.begin() + 1, fFolders.end());
+    const auto end = static_cast<std::ptrdiff_t>(fRest.size());
+    for (const auto& component : std::filesystem::path(path).relative_path()) {
+      // An empty one ends a path that names a folder.
+      fRest.insert(fRest.begin() + end, component.empty() ? "." : component.string());
+    }
+  }
+
+  /// Returns false for the last component if it is no link to follow.
+  bool Enter(const std::string& name, int flags) {
+    TDescriptor file(
+        ::openat(fFolders.back().Get(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    struct stat status {};
+    if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0) {
+      fError = file.IsOpen() ? errno : file.GetError();
+    } else if (S_ISLNK(status.st_mode) && (!fRest.empty() || (flags & O_NOFOLLOW) == 0)) {
+      Follow(file.Get());
+    } else if (fRest.empty()) {
+      return false;
+    } else if (!S_ISDIR(status.st_mode)) {
+      fError = ENOTDIR;
+    } else {
+      fFolders.push_back(std::move(file));
+    }
+    return true;
+  }
+
+  void Follow(int link) {
+    constexpr int kMaxLinks = 40;
+    const std::string target = TargetOf(link);
+    if (target.empty()) {
+      fError = errno;
+    } else if (++fLinks > kMaxLinks) {
+      fError = ELOOP;
+    } else {
+      Push(target);
+    }
+  }
+
+  std::vector<TDescriptor> fFolders;  // from the root to the current one
+  std::vector<std::string> fRest;     // the next component is the last one
+  int fLinks = 0;
+  int fError = 0;
+};
 
 bool MeansAbsent(int error) { return error == ENOENT || error == ENOTDIR; }
 
@@ -115,7 +183,7 @@ class TFiles::TRoot {
     TDescriptor file = OpenInRoot(fFolder.Get(), path, flags);
     // Older sandboxes return EPERM for an unknown system call.
     if (file.GetError() != ENOSYS && file.GetError() != EPERM) return file;
-    return OpenWithoutLinks(fFolder.Get(), path, flags);
+    return TWalk(fFolder.Get(), path).Open(flags);
   }
 
   /// Sets the obstacle to what stands in the way of reading, or to an empty text. To open a device
@@ -174,10 +242,9 @@ TReading<std::string> TFiles::ReadLink(const std::string& path) const {
   if (!link.IsOpen()) return MissingFrom(path, ReasonOf(link.GetError()));
   if (::fstat(link.Get(), &status) != 0) return MissingFrom(path, ReasonOf(errno));
   if (!S_ISLNK(status.st_mode)) return MissingFrom(path, {"not a symbolic link", TReason::kError});
-  std::array<char, PATH_MAX> target;
-  const ssize_t size = ::readlinkat(link.Get(), "", target.data(), target.size());
-  if (size < 0) return MissingFrom(path, ReasonOf(errno));
-  return std::string(target.data(), static_cast<std::size_t>(size));
+  std::string target = TargetOf(link.Get());
+  if (target.empty()) return MissingFrom(path, ReasonOf(errno));
+  return target;
 }
 
 TReading<std::vector<std::string>> TFiles::List(const std::string& path) const {

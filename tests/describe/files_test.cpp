@@ -105,20 +105,27 @@ bool ForbidOpenat2() {
          ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
 }
 
-TEST_F(Files, WithoutOpenat2NoLinkIsFollowed) {
+TEST_F(Files, WithoutOpenat2LinksLeadToTheSameFiles) {
   fTree.Write("share/release", "inside");
   Link(fSecret, "absolute");
-  Link("share", "folder");
+  Link("../../../../../../../.." + fSecret, "share/relative");
+  Link("/share/.", "folder");
+  Link("folder/../folder/release", "file");
+  Link("circle/x", "circle");
   const auto read = [this] {
     if (!ForbidOpenat2()) ::_exit(9);
     const bool leadsOut = Line("/../.." + fSecret) == "outside";
     std::cerr << Line("/share/release") << ";" << Line("/absolute") << ";"
-              << Line("/folder/release") << ";" << Line("/../share/./release") << leadsOut;
+              << Line("/folder/relative") << ";" << Line("/circle") << ";" << Line("/file/x") << ";"
+              << Line("/file") << TextOf(fFiles.ReadLink("/folder")) << Line("/../share/./release")
+              << leadsOut << fFiles.List("/folder")->size();
     ::_exit(0);
   };
   EXPECT_EXIT(read(), ::testing::ExitedWithCode(0),
-              "^inside;/absolute: not a regular file;"
-              "/folder/release: Not a directory;inside0$");
+              "^inside;/absolute: No such file or directory;"
+              "/folder/relative: No such file or directory;"
+              "/circle: Too many levels of symbolic links;"
+              "/file/x: Not a directory;inside/share/.inside02$");
 }
 
 TEST_F(Files, AreReadIfTheyAreRegularAndMayBeRead) {
