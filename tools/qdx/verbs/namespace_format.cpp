@@ -1,26 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "namespace_format.h"
 
+#include <qdxsnapshot/missing.h>
 #include "cli/terminal.h"
 
 namespace NVORNQDX20 {
 namespace {
 
-/// Returns why a value is missing; empty if it is not missing, or without a reason. A key cannot be
-/// null: an empty key means that the value is missing.
-std::string ReasonFor(const TNamespaceContents& ns, const TClassSnapshot& cimClass,
-                      const TInstanceSnapshot& instance, std::size_t property) {
-  const TJSON& value = instance.fValues[property];
-  if (!value.is_null() && value != "") return "";
-  const std::string& name = cimClass.fProperties[property].fName;
-  auto reason = ns.fReasons.find({cimClass.fName, "", name});
-  for (std::size_t i = 0; i < instance.fValues.size() && reason == ns.fReasons.end(); ++i) {
-    if (!cimClass.fProperties[i].fIsKey) continue;
-    const TJSON& key = instance.fValues[i];
-    reason = ns.fReasons.find(
-        {cimClass.fName, key.is_string() ? key.get<std::string>() : PlainText(key), name});
-  }
-  return reason == ns.fReasons.end() ? "" : reason->second;
+/// Returns the reason, or an empty text for null.
+std::string TextOf(const NDescribe::TReason* reason) {
+  return reason != nullptr ? std::string(*reason) : "";
 }
 
 /// Returns why instances of the class are missing; empty if none is, or without a reason.
@@ -36,9 +25,10 @@ std::string Line(std::size_t indent, const std::string& text,
 
 std::string FormatValues(const TNamespaceContents& ns, const TClassSnapshot& cimClass,
                          const TInstanceSnapshot& instance) {
+  const TInstanceReasons reasons(ns.fReasons, cimClass, instance);
   std::vector<TTableRow> rows;
   for (std::size_t i = 0; i < instance.fValues.size(); ++i) {
-    const std::string reason = ReasonFor(ns, cimClass, instance, i);
+    const std::string reason = TextOf(reasons.Find(i));
     const bool absent = instance.fValues[i].is_null() || !reason.empty();
     const std::string text = absent ? "-" : PlainText(instance.fValues[i]);
     rows.push_back({{"      " + cimClass.fProperties[i].fName,
@@ -63,13 +53,15 @@ TJSON InstanceAsJSON(const TNamespaceContents& ns, const TClassSnapshot& cimClas
                      const TInstanceSnapshot& instance, EDepth depth) {
   TJSON json = {{"path", instance.fPath}};
   if (depth < kValues) return json;
-  TJSON values = TJSON::object();
-  TJSON absent = TJSON::object();
+  const TInstanceReasons reasons(ns.fReasons, cimClass, instance);
+  // Names are unique: they are appended without a search for each.
+  TJSON::object_t values;
+  TJSON::object_t absent;
   for (std::size_t i = 0; i < instance.fValues.size(); ++i) {
     const std::string& name = cimClass.fProperties[i].fName;
-    values[name] = instance.fValues[i];
-    const std::string reason = ReasonFor(ns, cimClass, instance, i);
-    if (!reason.empty()) absent[name] = reason;
+    values.push_back({name, instance.fValues[i]});
+    const std::string reason = TextOf(reasons.Find(i));
+    if (!reason.empty()) absent.push_back({name, reason});
   }
   json["properties"] = std::move(values);
   json["absent"] = std::move(absent);
