@@ -1,8 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxsnapshot/compare.h>
 
+#include <qdxsnapshot/missing.h>
+
 #include <algorithm>
+#include <set>
 #include <utility>
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/algorithm/string/replace.hpp>
 
 namespace NVORNQDX20 {
 namespace {
@@ -39,6 +45,59 @@ TJSON DeclarationText(const TPropertySnapshot* property) {
 /// An instance with the text that identifies it in its class.
 using TIdentified = std::pair<std::string, const TInstanceSnapshot*>;
 
+/// A class on one side.
+struct TSide {
+  const TClassSnapshot& fClass;
+  const NDescribe::TMissingReasons& fReasons;
+};
+
+/// Returns the text that all instances have as the value of the property; null if they differ.
+const std::string* CommonText(const TClassSnapshot& cimClass, std::size_t property) {
+  const std::string* common = nullptr;
+  for (const TInstanceSnapshot& instance : cimClass.fInstances) {
+    const TJSON& value = instance.fValues[property];
+    if (!value.is_string()) return nullptr;
+    const auto& text = value.get_ref<const std::string&>();
+    if (common != nullptr && text != *common) return nullptr;
+    common = &text;
+  }
+  return common;
+}
+
+/// Keys that one side does not know, by an error: then all its instances, of all classes, have an
+/// empty text for it. Without them, both sides have the same object paths.
+class TUnknownKeys {
+ public:
+  /// Adds those of a class that `unknown` lacks and that `known` has.
+  void Add(const TSide& unknown, const TSide& known) {
+    for (std::size_t i = 0; i < unknown.fClass.fProperties.size(); ++i) {
+      const TPropertySnapshot& property = unknown.fClass.fProperties[i];
+      const auto& others = known.fClass.fProperties;
+      if (!property.fIsKey || i >= others.size() || others[i].fName != property.fName) continue;
+      const std::string* const empty = CommonText(unknown.fClass, i);
+      const std::string* const text = CommonText(known.fClass, i);
+      if (empty == nullptr || !empty->empty() || text == nullptr || text->empty()) continue;
+      fKeys.insert({property.fName, *text});
+      const auto* const reason =
+          TInstanceReasons(unknown.fReasons, unknown.fClass, unknown.fClass.fInstances[0]).Find(i);
+      if (reason != nullptr && reason->IsError()) fTexts.insert(*text);
+    }
+  }
+
+  /// Returns the object path, which can contain others, without the unknown values.
+  std::string Without(std::string path) const {
+    for (const auto& [name, text] : fKeys) {
+      if (fTexts.count(text) == 0) continue;
+      boost::algorithm::replace_all(path, name + "=\"" + text + '"', name + "=\"\"");
+    }
+    return path;
+  }
+
+ private:
+  std::set<std::pair<std::string, std::string>> fKeys;  // with the values of the other side
+  std::set<std::string> fTexts;                         // those values that an error hides
+};
+
 class TComparison {
  public:
   explicit TComparison(bool all) : fAll(all) {}
@@ -57,13 +116,16 @@ class TComparison {
     std::size_t fInB;
   };
 
-  /// Adds a difference if only one side has the element.
+  /// Adds a difference if only one side has the element. `loss` says why the other may lack it.
   template <typename T>
-  void AddIfMissing(TDifference::EElement element, const std::string& owner, const T* a,
-                    const T* b) {
+  void AddIfMissing(TDifference::EElement element, const std::string& owner, const T* a, const T* b,
+                    const NDescribe::TReason* loss = nullptr) {
     if (a != nullptr && b != nullptr) return;
-    const auto change = a != nullptr ? TDifference::kRemoved : TDifference::kAdded;
-    fDifferences.push_back({element, change, fNamespace, owner, "", nullptr, nullptr});
+    const auto change = loss != nullptr ? TDifference::kUnknown
+                        : a != nullptr  ? TDifference::kRemoved
+                                        : TDifference::kAdded;
+    fDifferences.push_back({element, change, fNamespace, owner, "", nullptr, nullptr,
+                            loss != nullptr ? std::string(*loss) : ""});
   }
 
   bool IsCompared(const TPropertySnapshot& property) const { return fAll || !property.fIsVolatile; }
@@ -72,20 +134,35 @@ class TComparison {
   void CompareDeclarations(const TClassSnapshot& a, const TClassSnapshot& b);
   std::vector<TIdentified> Identify(const TClassSnapshot& cimClass) const;
   std::vector<TColumn> ColumnsOf(const TClassSnapshot& a, const TClassSnapshot& b) const;
-  void CompareValues(const TIdentified& a, const TIdentified& b,
-                     const std::vector<TColumn>& columns);
+  void CompareValues(const TIdentified& a, const TIdentified& b, const TSide& sideA,
+                     const TSide& sideB, const std::vector<TColumn>& columns);
+  bool AreEqual(const TJSON& a, const TJSON& b, const TPropertySnapshot& property) const;
 
   const bool fAll;
   std::string fNamespace;  // the current one
+  const NDescribe::TMissingReasons* fReasonsOfA = nullptr;
+  const NDescribe::TMissingReasons* fReasonsOfB = nullptr;
+  TUnknownKeys fUnknownKeys;  // of the current namespace
   std::vector<TDifference> fDifferences;
 };
 
 void TComparison::CompareNamespaces(const std::string& name, const TNamespaceSnapshot* a,
                                     const TNamespaceSnapshot* b) {
-  static const std::vector<TClassSnapshot> none;
+  static const TNamespaceSnapshot none;
   fNamespace = name;
   AddIfMissing(TDifference::kNamespace, "", a, b);
-  Merge(a != nullptr ? a->fClasses : none, b != nullptr ? b->fClasses : none, kByName,
+  const TNamespaceSnapshot& before = a != nullptr ? *a : none;
+  const TNamespaceSnapshot& after = b != nullptr ? *b : none;
+  fReasonsOfA = &before.fReasons;
+  fReasonsOfB = &after.fReasons;
+  fUnknownKeys = {};
+  Merge(before.fClasses, after.fClasses, kByName,
+        [this](const auto&, const TClassSnapshot* inA, const TClassSnapshot* inB) {
+          if (inA == nullptr || inB == nullptr) return;
+          fUnknownKeys.Add({*inA, *fReasonsOfA}, {*inB, *fReasonsOfB});
+          fUnknownKeys.Add({*inB, *fReasonsOfB}, {*inA, *fReasonsOfA});
+        });
+  Merge(before.fClasses, after.fClasses, kByName,
         [this](const auto& className, const auto* inA, const auto* inB) {
           CompareClasses(className, inA, inB);
         });
@@ -99,12 +176,16 @@ void TComparison::CompareClasses(const std::string& name, const TClassSnapshot* 
   const TClassSnapshot& after = b != nullptr ? *b : none;
   if (a != nullptr && b != nullptr) CompareDeclarations(before, after);
   const std::vector<TColumn> columns = ColumnsOf(before, after);
+  const auto* const lossOfA = FindLoss(before, *fReasonsOfA);
+  const auto* const lossOfB = FindLoss(after, *fReasonsOfB);
   Merge(
       Identify(before), Identify(after),
       [](const TIdentified& one) -> const std::string& { return one.first; },
       [&](const std::string& identity, const TIdentified* inA, const TIdentified* inB) {
-        AddIfMissing(TDifference::kInstance, identity, inA, inB);
-        if (inA != nullptr && inB != nullptr) CompareValues(*inA, *inB, columns);
+        AddIfMissing(TDifference::kInstance, identity, inA, inB,
+                     inA != nullptr ? lossOfB : lossOfA);
+        if (inA == nullptr || inB == nullptr) return;
+        CompareValues(*inA, *inB, {before, *fReasonsOfA}, {after, *fReasonsOfB}, columns);
       });
 }
 
@@ -134,7 +215,7 @@ std::vector<TIdentified> TComparison::Identify(const TClassSnapshot& cimClass) c
                                    [](const TPropertySnapshot& one) { return one.fIsKey; });
   std::vector<TIdentified> identified;
   for (const TInstanceSnapshot& instance : cimClass.fInstances) {
-    std::string identity = instance.fPath;
+    std::string identity = fUnknownKeys.Without(instance.fPath);
     for (std::size_t i = 0; i < properties.size() && !hasKeys; ++i) {
       if (!IsCompared(properties[i])) continue;
       identity += " " + properties[i].fName + "=" + Dump(instance.fValues[i]);
@@ -158,15 +239,33 @@ std::vector<TComparison::TColumn> TComparison::ColumnsOf(const TClassSnapshot& a
   return columns;
 }
 
-void TComparison::CompareValues(const TIdentified& a, const TIdentified& b,
-                                const std::vector<TColumn>& columns) {
+/// Adds the differences of values; one that a side lacks by an error is unknown.
+void TComparison::CompareValues(const TIdentified& a, const TIdentified& b, const TSide& sideA,
+                                const TSide& sideB, const std::vector<TColumn>& columns) {
+  const TInstanceReasons reasonsOfA(sideA.fReasons, sideA.fClass, *a.second);
+  const TInstanceReasons reasonsOfB(sideB.fReasons, sideB.fClass, *b.second);
   for (const TColumn& column : columns) {
     const TJSON& before = a.second->fValues[column.fInA];
     const TJSON& after = b.second->fValues[column.fInB];
-    if (before == after) continue;
-    fDifferences.push_back({TDifference::kValue, TDifference::kChanged, fNamespace, a.first,
-                            *column.fName, before, after});
+    const TPropertySnapshot& property = sideA.fClass.fProperties[column.fInA];
+    if (AreEqual(before, after, property)) continue;
+    const auto* reason = reasonsOfA.Find(column.fInA);
+    if (reason == nullptr) reason = reasonsOfB.Find(column.fInB);
+    const bool isUnknown = reason != nullptr && reason->IsError();
+    // Another class explains why the name of the machine is missing.
+    if (property.fIsKey && !isUnknown) continue;
+    fDifferences.push_back(
+        {TDifference::kValue, isUnknown ? TDifference::kUnknown : TDifference::kChanged, fNamespace,
+         a.first, *column.fName, before, after, isUnknown ? std::string(*reason) : ""});
   }
+}
+
+bool TComparison::AreEqual(const TJSON& a, const TJSON& b,
+                           const TPropertySnapshot& property) const {
+  if (a == b) return true;
+  const bool refers = boost::algorithm::starts_with(property.fType, "reference");
+  return refers && a.is_string() && b.is_string() &&
+         fUnknownKeys.Without(a.get<std::string>()) == fUnknownKeys.Without(b.get<std::string>());
 }
 
 }  // namespace

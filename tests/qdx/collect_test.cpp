@@ -65,6 +65,36 @@ TEST_F(QDXCollect, LeavesOutPartsThatDiffThenDoesNotCompare) {
             0);
 }
 
+TEST_F(QDXCollect, DistinguishesWhatCannotBeReadFromWhatIsNotThere) {
+  for (const char* device : {"sg0", "sg1"}) {
+    fTree.Write(std::string("sys/class/scsi_generic/") + device + "/device/type", "0\n");
+  }
+  const std::filesystem::path root = fTree.Path(), devices = root / "sys/class/scsi_generic";
+  ASSERT_EQ(RunScript("\"$0\" collect --root \"$1\" -o a").fExitCode, 0);
+  remove_all(devices);
+  ASSERT_EQ(RunScript("\"$0\" collect --root \"$1\" -o without").fExitCode, 0);
+  EXPECT_EQ(RunScript("\"$0\" diff a without").fExitCode, 1);
+  create_symlink("scsi_generic", devices);
+  std::filesystem::remove(root / "proc/sys/kernel/hostname");
+  create_directory(root / "proc/sys/kernel/hostname");
+  const TProgramRun collected = RunScript("\"$0\" collect --root \"$1\" -o b");
+  const std::string reason = "/sys/class/scsi_generic: Too many levels of symbolic links";
+  EXPECT_PRED_FORMAT2(IsSubstring, "describing VORNSG_SCSIDevice of root/cimv2: " + reason,
+                      collected.fErrors);
+  EXPECT_EQ(collected.fExitCode, 3);
+  EXPECT_EQ(RunScript("\"$0\" show b VORNSG_SCSIDevice").fExitCode, 3);
+  for (const auto& [words, mark] : {std::pair{"diff a b", "- "}, {"diff b a", "+ "}}) {
+    const TProgramRun run = RunScript(std::string("\"$0\" ") + words);
+    EXPECT_EQ(run.fExitCode, 3);
+    EXPECT_PRED_FORMAT2(IsSubstring, "DeviceID=\"/dev/sg1\"  (not known: " + reason + ")\n",
+                        run.fOutput);
+    EXPECT_PRED_FORMAT2(IsNotSubstring, mark + std::string("VORNSG_SCSI"), run.fOutput);
+    EXPECT_PRED_FORMAT2(IsNotSubstring, mark + std::string("VORNSG_OperatingSystem"), run.fOutput);
+    EXPECT_PRED_FORMAT2(
+        IsSubstring, "  (not known: /proc/sys/kernel/hostname: not a regular file)\n", run.fOutput);
+  }
+}
+
 TEST_F(QDXCollect, NamesTheDocumentAfterTheMachineForItsOwnerAlone) {
   const TProgramRun run = RunScript(
       "f=$(\"$0\" collect --root \"$1\"); echo $f; stat -c %a $f; "

@@ -196,6 +196,18 @@ class TCollection {
     }
   }
 
+  /// Returns whether the document lacks instances that the machine may have. Says which.
+  bool HasLoss() const {
+    bool any = false;
+    for (const TMachineNamespace& ns : fNamespaces) {
+      std::vector<TClassSnapshot> classes;
+      TSnapshotReader(*ns.fNamespace, kClasses, classes).ReadAll();
+      const auto reasons = ReadMissingReasons(*ns.fNamespace);
+      any = ReportLostInstances(ns.fOrigin.fNamespace, classes, reasons) || any;
+    }
+    return any;
+  }
+
   /// Publishes the document under a name that no file has yet.
   void WriteByDefaultName() {
     const std::string name = DefaultName(fHostName);
@@ -280,7 +292,8 @@ EExitCode RunCollect(const TArguments& arguments) {
   TCollection collection(machine, writer);
   arguments.Has("output") ? collection.WriteTo(arguments.Get("output", ""))
                           : collection.WriteByDefaultName();
-  return machine.IsComplete() && !writer.HasWarned() ? kExitDone : kExitPartlyDone;
+  const bool isComplete = machine.IsComplete() && !writer.HasWarned() && !collection.HasLoss();
+  return isComplete ? kExitDone : kExitPartlyDone;
 }
 
 std::vector<TOptionSpec> CollectOptions() {

@@ -5,6 +5,8 @@
 
 #include <boost/algorithm/string/predicate.hpp>
 
+#include <qdxsnapshot/missing.h>
+
 #include "cli/failure.h"
 
 namespace NVORNQDX20 {
@@ -49,13 +51,13 @@ bool LacksAllValues(const ICIMNamespace& ns) {
   return !isKnown && !NDescribe::ReadMissingReasons(ns).empty();
 }
 
-bool ReportLeftOutInstances(const std::string& where, const std::vector<TClassSnapshot>& classes,
-                            const NDescribe::TMissingReasons& reasons) {
+bool ReportLostInstances(const std::string& where, const std::vector<TClassSnapshot>& classes,
+                         const NDescribe::TMissingReasons& reasons) {
   bool any = false;
   for (const TClassSnapshot& cimClass : classes) {
-    const auto reason = reasons.find({cimClass.fName, "", ""});
-    if (cimClass.fInstanceCount == 0 || reason == reasons.end()) continue;
-    PrintError("describing " + cimClass.fName + " of " + where + ": " + reason->second);
+    const auto* const reason = FindLoss(cimClass, reasons);
+    if (reason == nullptr) continue;
+    PrintError("describing " + cimClass.fName + " of " + where + ": " + *reason);
     any = true;
   }
   return any;

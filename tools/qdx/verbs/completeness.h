@@ -16,10 +16,10 @@ namespace NVORNQDX20 {
 /// only values are the names of classes and what describes the tool.
 bool LacksAllValues(const ICIMNamespace& ns);
 
-/// Prints a line for each class that has instances and lacks others, "describing CLASS of WHERE:
-/// reason". Returns whether there is such a class.
-bool ReportLeftOutInstances(const std::string& where, const std::vector<TClassSnapshot>& classes,
-                            const NDescribe::TMissingReasons& reasons);
+/// Prints a line for each class that lacks instances which the machine may have, "describing CLASS
+/// of WHERE: reason". Returns whether there is such a class.
+bool ReportLostInstances(const std::string& where, const std::vector<TClassSnapshot>& classes,
+                         const NDescribe::TMissingReasons& reasons);
 
 }  // namespace NVORNQDX20
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The verb diff.
+#include <algorithm>
 #include <utility>
 
 #include <qdxsnapshot/compare.h>
@@ -18,12 +19,11 @@ namespace {
 std::vector<TNamespaceSnapshot> ReadSnapshot(const std::string& file, bool& incomplete) {
   std::vector<TNamespaceSnapshot> snapshot;
   for (const auto& ns : OpenDocument(file, incomplete)) {
-    snapshot.push_back({ns->GetName({}), {}});
+    snapshot.push_back({ns->GetName({}), {}, NDescribe::ReadMissingReasons(*ns)});
     TSnapshotReader(*ns, kValues, snapshot.back().fClasses).ReadAll();
     SortSnapshot(snapshot.back().fClasses);
-    const bool lost =
-        ReportLeftOutInstances(snapshot.back().fName + " in " + file, snapshot.back().fClasses,
-                               NDescribe::ReadMissingReasons(*ns));
+    const bool lost = ReportLostInstances(snapshot.back().fName + " in " + file,
+                                          snapshot.back().fClasses, snapshot.back().fReasons);
     incomplete = incomplete || lost;
   }
   return snapshot;
@@ -32,7 +32,7 @@ std::vector<TNamespaceSnapshot> ReadSnapshot(const std::string& file, bool& inco
 /// The names in JSON, in the order of the enumerators.
 const char* const kElements[] = {"namespace",   "class",    "superclass",
                                  "declaration", "instance", "value"};
-const char* const kChanges[] = {"removed", "added", "changed"};
+const char* const kChanges[] = {"removed", "added", "changed", "unknown"};
 
 bool IsOfClass(const TDifference& difference) {
   return difference.fElement == TDifference::kClass ||
@@ -53,6 +53,7 @@ TJSON AsJSON(const TDifference& difference) {
                 {"namespace", difference.fNamespace}};
   if (difference.fElement == TDifference::kNamespace) return json;
   json[IsOfClass(difference) ? "class" : "path"] = difference.fOwner;
+  if (difference.fChange == TDifference::kUnknown) json["reason"] = difference.fReason;
   if (!HasOldAndNew(difference)) return json;
   if (difference.fElement != TDifference::kSuperclass) json["property"] = difference.fProperty;
   json["old"] = difference.fOld;
@@ -71,7 +72,8 @@ class TListing {
       AddLine({{fNamespace}, TTableRow::kHeading});
     }
     if (!HasOldAndNew(difference)) {
-      AddLine({{MarkOf(difference) + NameOf(difference)}, StyleOf(difference)});
+      AddLine({{MarkOf(difference) + NameOf(difference) + WhyUnknown(difference)},
+               StyleOf(difference)});
       return;
     }
     const std::string owner = NameOf(difference);
@@ -79,7 +81,8 @@ class TListing {
     fOwner = owner;
     const bool isSuperclass = difference.fElement == TDifference::kSuperclass;
     const std::string changed = isSuperclass ? "(superclass)" : difference.fProperty;
-    fRows.push_back({{"    " + MarkOf(difference) + changed, ChangeOf(difference)}});
+    fRows.push_back(
+        {{"    " + MarkOf(difference) + changed, ChangeOf(difference) + WhyUnknown(difference)}});
   }
 
   std::string Finish() {
@@ -89,10 +92,15 @@ class TListing {
 
  private:
   static std::string MarkOf(const TDifference& difference) {
-    static const char* const kMarks[] = {"- ", "+ ", "~ "};
+    static const char* const kMarks[] = {"- ", "+ ", "~ ", "? "};
     return kMarks[difference.fChange];
   }
+  static std::string WhyUnknown(const TDifference& difference) {
+    const bool isUnknown = difference.fChange == TDifference::kUnknown;
+    return isUnknown ? "  (not known: " + difference.fReason + ")" : "";
+  }
   static TTableRow::EStyle StyleOf(const TDifference& difference) {
+    if (difference.fChange == TDifference::kUnknown) return TTableRow::kDim;
     return difference.fChange == TDifference::kRemoved ? TTableRow::kRemoved : TTableRow::kAdded;
   }
   static std::string NameOf(const TDifference& difference) {
@@ -142,7 +150,10 @@ EExitCode RunDiff(const TArguments& arguments) {
     for (const TDifference& difference : differences) listing.Add(difference);
     WriteOutput(listing.Finish());
   }
-  if (incomplete) return kExitPartlyDone;
+  const bool anyUnknown = std::any_of(differences.begin(), differences.end(), [](const auto& one) {
+    return one.fChange == TDifference::kUnknown;
+  });
+  if (incomplete || anyUnknown) return kExitPartlyDone;
   return differences.empty() ? kExitDone : kExitDifferent;
 }
 
@@ -154,7 +165,8 @@ TVerb DiffVerb() {
       "Compares two documents; the exit status is 1 if they differ.",
       "A and B are CIM-XML documents, '-' is standard input. Instances are matched by their\n"
       "object paths, whatever their order. '-' marks what only A has, '+' what only B has, '~'\n"
-      "what differs, with the old and the new value.\n"
+      "what differs, with the old and the new value, and '?' what one of the two does not know\n"
+      "because it could not be read.\n"
       "Properties that change while a machine runs, such as counters and free memory, are left\n"
       "out; the manual page lists them. So are the parts that one of the documents was collected\n"
       "without; a line on standard error names them.\n",

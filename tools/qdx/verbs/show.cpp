@@ -129,7 +129,7 @@ class TSelection {
     }
     const auto cimClass = boost::dynamic_pointer_cast<ICIMClass>(element);
     cimClass ? reader.ReadTree(cimClass) : reader.ReadAll();
-    const bool lost = ReportLeftOutInstances(contents.fName, contents.fClasses, contents.fReasons);
+    const bool lost = ReportLostInstances(contents.fName, contents.fClasses, contents.fReasons);
     fLacksInstances = fLacksInstances || lost;
   }
 
