@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <sources/mount_table.h>
+#include <sources/storage/credentials.h>
 
 #include <gtest/gtest.h>
 
@@ -37,6 +38,41 @@ TEST(MountTable, GivesTheMounts) {
   for (const auto& [name, text, mounts] : rows) {
     EXPECT_EQ(TextOf(ParseMounts(text)), mounts) << name;
   }
+}
+
+TEST(MountTable, ParsesMountInfo) {
+  const std::tuple<const char*, const char*, const char*> rows[] = {
+      {"tags, or none",
+       "1 2 8:1 / /a rw shared:1 master:2 - xfs /d rw\n1 2 8:1 / /b rw - xfs /d rw",
+       "/a: /d /a xfs ask\n/b: /d /b xfs ask\n"},
+      {"read-only by one of two", "1 2 8:1 / /a ro - xfs /d rw\n1 2 8:1 / /b rw,x - xfs /d ro,y",
+       "/a: /d /a xfs ro ask\n/b: /d /b xfs ro ask\n"},
+      {"no device", "1 2 0:5 / /a rw - tmpfs  rw,size=1k", "/a:  /a tmpfs ask\n"},
+      {"cut off", "1 2 8:1 / /a rw\n1 2 8:1 / /a rw -\n1 2 8:1 / /a rw - xfs\n1 2 - - / rw", ""},
+      {"an option twice", "1 2 8:1 / /a rw,x,x - xfs /d rw,x,y", "/a: /d /a xfs ask\n"}};
+  for (const auto& [name, text, mounts] : rows) {
+    EXPECT_EQ(TextOf(ParseMountInfo(text)), mounts) << name;
+  }
+  EXPECT_EQ(ParseMountInfo(std::get<1>(rows[4])).at("/a").fOptions, "rw,x,y");
+}
+
+TEST(MountTable, GivesAwayNoCredentials) {
+  const std::pair<const char*, const char*> devices[] = {
+      {"https://me:a/b@c?d@srv/x", "https://[removed]@srv/x"},
+      {"https://srv/x?token=s", "https://srv/x?[removed]"},
+      {"me@srv:x@y", "[removed]@srv:x@y"},
+      {"me@srv:/a://b", "[removed]@srv:/a://b"},
+      {"admin@1-2.fs=/", "[removed]@1-2.fs=/"},
+      {"pool@snap", "pool@snap"},
+      {"/dev/a@b:c", "/dev/a@b:c"},
+      {"srv:/x@y", "srv:/x@y"}};
+  for (const auto& [device, kept] : devices) EXPECT_EQ(WithoutCredentials(device), kept);
+  const std::pair<const char*, const char*> options[] = {
+      {"rw,user,uid=0", "rw,user,uid=0"},
+      {"a,,USER=me,b", "a,,USER=[removed],b"},
+      {"password2=a,,b,,c,d", "password2=[removed],d"},
+      {"x_token=,secretfile=/s", "x_token=[removed],secretfile=[removed]"}};
+  for (const auto& [text, kept] : options) EXPECT_EQ(OptionsWithoutCredentials(text), kept);
 }
 
 }  // namespace

@@ -10,7 +10,6 @@ namespace {
 
 struct TDisk : TDrive {
   TDiskBuild fBuild;
-  TReading<bool> fRotational;
 };
 
 TInstances<TDisk> ListDisks(const THost& host) {
@@ -19,12 +18,11 @@ TInstances<TDisk> ListDisks(const THost& host) {
   disks.fReason = std::move(drives.fReason);
   disks.fAll.reserve(drives.fAll.size());
   for (TDrive& drive : drives.fAll) {
-    TReading<bool> rotational = drive.ReadFlag("queue/rotational");
     TDiskBuild build = drive.fATA.fBuild;
     if (build.fRotationRate == 0) {
       build = ParseCharacteristicsPage(drive.Read("device/vpd_pgb1").ValueOr(""));
     }
-    disks.fAll.push_back({std::move(drive), build, std::move(rotational)});
+    disks.fAll.push_back({std::move(drive), build});
   }
   return disks;
 }
@@ -107,8 +105,7 @@ TClass DiskDriveClass() {
       "VORNSG_DiskDrive",
       "A disk, or another drive of blocks.",
       ListDisks,
-      {{"Rotational", "Whether the kernel takes it for a disk that turns.", &TDisk::fRotational},
-       {"DiskType", "Whether it has disks or memory.", DiskTypeOf,
+      {{"DiskType", "Whether it has disks or memory.", DiskTypeOf,
         TEnumeration{{0, "Unknown"},
                      {1, "Other"},
                      {2, "Hard Disk Drive"},

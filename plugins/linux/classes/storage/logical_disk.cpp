@@ -16,12 +16,20 @@ TInstances<TExtent> ListDisks(const THost& host) {
 }
 
 TReading<TLogicalVolume> VolumeOf(const TBlockDevice& disk) {
-  return disk.fMapperUUID.and_then([&disk](const std::string& uuid) {
-    return disk.fMapperName.and_then([&uuid](const std::string& name) -> TReading<TLogicalVolume> {
-      if (boost::algorithm::starts_with(uuid, "LVM-")) return ParseLogicalVolume(name);
-      return Missing("not a logical volume");
-    });
+  return disk.fMapperUUID.and_then([&disk](const std::string& uuid) -> TReading<TLogicalVolume> {
+    if (!boost::algorithm::starts_with(uuid, "LVM-")) return Missing("not a logical volume");
+    return disk.fMapperName.map(ParseLogicalVolume);
   });
+}
+
+/// A name that somebody gave with dmsetup(8) may have no group.
+auto VolumePart(std::string TLogicalVolume::*part) {
+  return [part](const TBlockDevice& disk) {
+    return VolumeOf(disk).and_then([part](const TLogicalVolume& volume) -> TText {
+      if (volume.fName.empty()) return Missing("'" + volume.fGroup + "' has no group");
+      return volume.*part;
+    });
+  };
 }
 
 TText ReadBackingFile(const TBlockDevice& disk) {
@@ -47,13 +55,9 @@ TClass LogicalDiskClass() {
        {"MapperUUID", "By which the device mapper knows it; begins with the kind.",
         &TBlockDevice::fMapperUUID},
        {"VolumeGroup", "The group that a logical volume is in.",
-        [](const TBlockDevice& disk) {
-          return VolumeOf(disk).map([](const TLogicalVolume& volume) { return volume.fGroup; });
-        }},
+        VolumePart(&TLogicalVolume::fGroup)},
        {"LogicalVolume", "The name of a logical volume in its group.",
-        [](const TBlockDevice& disk) {
-          return VolumeOf(disk).map([](const TLogicalVolume& volume) { return volume.fName; });
-        }},
+        VolumePart(&TLogicalVolume::fName)},
        {"Members", "The block devices that it is made of: of a multipath device, its paths.",
         &TBlockDevice::fSlaves},
        {"Suspended", "Whether the device mapper holds back what is read and written.",

@@ -18,15 +18,17 @@ EMedia MediaOf(const TBlockDevice& drive) {
 }
 
 /// Returns the first line that is there. A file that cannot be read is not replaced by the next.
+/// The reason is that of the first file.
 TText FirstLine(const TBlockDevice& drive, std::initializer_list<const char*> files,
                 const std::vector<const char*>& udev) {
-  TText line;
+  TText first;
   for (const char* file : files) {
-    line = drive.ReadLine(file);
+    TText line = drive.ReadLine(file);
     if (line || !drive.IsAbsent(file)) return line;
+    if (file == *files.begin()) first = std::move(line);
   }
   const TText found = drive.fUdev.FirstOf(udev);
-  return found ? found.map(DecodeUdev) : line;
+  return found ? found.map(DecodeUdev) : first;
 }
 
 TText ReadWWN(const TDrive& drive) {
@@ -36,7 +38,7 @@ TText ReadWWN(const TDrive& drive) {
 }
 
 TDrive MakeDrive(const THost& host, const TBlockDevice& device) {
-  TDrive drive{{device.GetPath(), device.fKernelName}, device, {}, {}, {}, {}, {}, {}};
+  TDrive drive{{device.GetPath(), device.fKernelName}, device, {}, {}, {}, {}, {}, {}, {}};
   const std::string path = device.PathOf("");
   drive.fName = path.substr(path.rfind('/') + 1);  // with "!" where the kernel has a slash
   drive.fPath = host.ReadLink(path);
@@ -45,6 +47,7 @@ TDrive MakeDrive(const THost& host, const TBlockDevice& device) {
       FirstLine(drive, {"device/rev", "device/firmware_rev", "device/fwrev"}, {"ID_REVISION"});
   drive.fWWN = ReadWWN(drive);
   drive.fRemovable = drive.ReadFlag("removable");
+  drive.fRotational = drive.ReadFlag("queue/rotational");
   drive.fATA = ParseATAPage(drive.Read("device/vpd_pg89").ValueOr(""));
   return drive;
 }
@@ -59,15 +62,12 @@ TText ReadSerialNumberPage(const TFiles& drive) {
   });
 }
 
-TText ReadSerialNumberFile(const TFiles& drive) {
-  const TText file = drive.FirstOf({"device/serial", "serial", kSerialNumberPage});
-  return file.and_then([&drive](const std::string& name) {
-    return name == kSerialNumberPage ? ReadSerialNumberPage(drive) : drive.ReadLine(name);
-  });
-}
-
+/// A file that cannot be read is not replaced by what udev found out.
 TText ReadSerialNumber(const TDrive& drive) {
-  TText serial = ReadSerialNumberFile(drive);
+  const TText file = drive.FirstOf({"device/serial", "serial", kSerialNumberPage});
+  if (!file) return file;
+  if (*file != kSerialNumberPage) return drive.ReadLine(*file);
+  TText serial = ReadSerialNumberPage(drive);
   if (serial || !drive.IsAbsent(kSerialNumberPage)) return serial;
   const TText found = drive.fUdev.FirstOf({"ID_SCSI_SERIAL", "ID_SERIAL_SHORT", "ID_SERIAL"});
   return found ? found : serial;
@@ -180,7 +180,8 @@ THostTable<TDrive> MediaAccessDeviceTable() {
        {"DefaultBlockSize", "The smallest block that can be addressed.", &TBlockDevice::fBlockSize,
         TUnit{"byte"}},
        {"Removable", "Whether the medium can be taken out.", &TDrive::fRemovable},
-       {"ReadOnly", "Whether it refuses to be written.", FileFlag("ro")},
+       {"Rotational", "Whether the kernel takes it for a disk that turns.", &TDrive::fRotational},
+       {"ReadOnly", "Whether it refuses to be written.", &TBlockDevice::fReadOnly},
        {"DeviceNumber", "The kernel's number, as in \"8:0\".", &TBlockDevice::fNumber}}}
       .DerivedFrom(LogicalDeviceTable());
 }

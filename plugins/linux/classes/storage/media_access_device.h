@@ -18,6 +18,7 @@ struct TDrive : TDevice, TBlockDevice {
   TText fRevision;  ///< Of the firmware, perhaps cut off.
   TText fWWN;       ///< The worldwide name.
   TReading<bool> fRemovable;
+  TReading<bool> fRotational;
   TATAIdentity fATA;  ///< Without values for a disk that is not on an ATA bus.
 };
 

@@ -39,7 +39,7 @@ std::string ReadKind(const TBlockDevice& device) {
     case EBlockKind::kDeviceMapper:
       return MapperKind(device);
     case EBlockKind::kRAID:
-      return device.ReadLine("md/level").ValueOr("md");
+      return device.fLevel.ValueOr("md");
     case EBlockKind::kLoop:
       return "loop";
     case EBlockKind::kDrive:
@@ -59,8 +59,7 @@ constexpr std::uint16_t kReadable = 1;
 constexpr std::uint16_t kReadAndWritten = 3;
 
 TReading<std::uint16_t> ReadAccess(const TBlockDevice& device) {
-  return device.ReadFlag("ro").map(
-      [](bool readOnly) { return readOnly ? kReadable : kReadAndWritten; });
+  return device.fReadOnly.map([](bool readOnly) { return readOnly ? kReadable : kReadAndWritten; });
 }
 
 }  // namespace

@@ -18,6 +18,12 @@ THostTable<TExtent> StorageExtentTable();
 /// Returns the function that lists the extents of one kind.
 std::function<TInstances<TExtent>(const THost&)> ExtentsOf(EBlockKind kind);
 
+/// Two instances that an association ties to each other.
+struct TTie {
+  TInstanceName fAntecedent;
+  TInstanceName fDependent;
+};
+
 /// Returns whether the device has an instance of VORNSG_StorageExtent or a subclass.
 bool IsExtent(const TBlockDevice& device);
 

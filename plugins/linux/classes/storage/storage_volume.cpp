@@ -13,7 +13,17 @@ namespace {
 
 struct TArray : TExtent {
   std::map<std::string, std::string> fStates;  ///< By the kernel's name of the member.
+  TReading<std::uint32_t> fMemberCount;
+  TReading<std::uint32_t> fDegraded;
 };
+
+/// While an array is reshaped, the former number follows: "11 (10)".
+TReading<std::uint32_t> ReadMemberCount(const TFiles& array) {
+  const TText count = array.ReadLine("md/raid_disks").map([](const std::string& text) {
+    return text.substr(0, text.find(' '));
+  });
+  return ToNumber<std::uint32_t>(count, array.PathOf("md/raid_disks"));
+}
 
 TInstances<TArray> ListArrays(const THost& host) {
   const TInstances<TExtent> extents = ExtentsOf(EBlockKind::kRAID)(host);
@@ -21,7 +31,8 @@ TInstances<TArray> ListArrays(const THost& host) {
   arrays.fReason = extents.fReason;
   constexpr std::string_view kPrefix = "dev-";
   for (const TExtent& extent : extents.fAll) {
-    TArray array{extent, {}};
+    TArray array{extent, {}, ReadMemberCount(extent), {}};
+    array.fDegraded = extent.ReadNumber<std::uint32_t>("md/degraded");
     for (const std::string& file : extent.List("md").ValueOr({})) {
       if (!boost::algorithm::starts_with(file, kPrefix)) continue;
       std::string state = extent.ReadLine("md/" + file + "/state").ValueOr("");
@@ -43,38 +54,25 @@ auto Members(const char* word) {
   };
 }
 
-/// While an array is reshaped, the former number follows: "11 (10)".
-TReading<std::uint32_t> ReadMemberCount(const TFiles& array) {
-  const TText count = array.ReadLine("md/raid_disks").map([](const std::string& text) {
-    return text.substr(0, text.find(' '));
-  });
-  return ToNumber<std::uint32_t>(count, array.PathOf("md/raid_disks"));
-}
-
-/// Levels without redundancy have no such file.
-TReading<std::uint32_t> ReadDegraded(const TFiles& array) {
-  return array.ReadNumber<std::uint32_t>("md/degraded");
-}
-
 /// How many members can fail as long as all are there. Of RAID 10 it is one for sure.
-TReading<std::uint32_t> ReadRedundancy(const TFiles& array) {
-  return array.ReadLine("md/level")
-      .and_then([&array](const std::string& level) -> TReading<std::uint32_t> {
-        if (level == "raid1") {
-          return ReadMemberCount(array).map(
-              [](std::uint32_t count) { return count - std::min(count, 1U); });
-        }
-        if (level == "raid4" || level == "raid5" || level == "raid10") return 1U;
-        if (level == "raid6") return 2U;
-        if (level == "raid0" || level == "linear") return 0U;
-        return Missing("level " + level + " tells nothing about redundancy");
-      });
+TReading<std::uint32_t> RedundancyOf(const TArray& array) {
+  return array.fLevel.and_then([&array](const std::string& level) -> TReading<std::uint32_t> {
+    if (level == "raid1") {
+      return array.fMemberCount.map(
+          [](std::uint32_t count) { return count - std::min(count, 1U); });
+    }
+    if (level == "raid4" || level == "raid5" || level == "raid10") return 1U;
+    if (level == "raid6") return 2U;
+    if (level == "raid0" || level == "linear") return 0U;
+    return Missing("level " + level + " tells nothing about redundancy");
+  });
 }
 
-TReading<std::uint16_t> ReadPackageRedundancy(const TFiles& array) {
-  return ReadRedundancy(array).and_then([&array](std::uint32_t redundancy) {
+/// Levels without redundancy have no file that counts missing disks.
+TReading<std::uint16_t> PackageRedundancyOf(const TArray& array) {
+  return RedundancyOf(array).and_then([&array](std::uint32_t redundancy) {
     if (redundancy == 0) return TReading<std::uint16_t>(std::uint16_t{0});
-    return ReadDegraded(array).map([redundancy](std::uint32_t degraded) {
+    return array.fDegraded.map([redundancy](std::uint32_t degraded) {
       return static_cast<std::uint16_t>(redundancy - std::min(redundancy, degraded));
     });
   });
@@ -100,19 +98,19 @@ TClass StorageVolumeClass() {
       "An array of disks that the kernel's driver md makes (software RAID).",
       ListArrays,
       {{"RAIDLevel", "As in \"raid1\"; \"container\" if it only holds other arrays.",
-        FileLine("md/level")},
+        &TBlockDevice::fLevel},
        {"ArrayState", "As in \"clean\", \"active\" or \"inactive\".", FileLine("md/array_state"),
         kVolatile},
-       {"NumberOfMembers", "The disks that it has if it is complete.", ReadMemberCount},
-       {"Degraded", "How many of these disks are missing.", ReadDegraded},
+       {"NumberOfMembers", "The disks that it has if it is complete.", &TArray::fMemberCount},
+       {"Degraded", "How many of these disks are missing.", &TArray::fDegraded},
        {"Members", "The block devices that it has now.", Members("")},
        {"FailedMembers", "Those that the kernel no longer uses.", Members("faulty")},
        {"SpareMembers", "Those that wait for another to fail.", Members("spare")},
        {"PackageRedundancy", "How many disks can still fail without a loss of data.",
-        ReadPackageRedundancy},
+        PackageRedundancyOf},
        {"NoSinglePointOfFailure", "Whether one disk can still fail without a loss of data.",
-        [](const TFiles& array) {
-          return ReadPackageRedundancy(array).map([](unsigned count) { return count > 0; });
+        [](const TArray& array) {
+          return PackageRedundancyOf(array).map([](unsigned count) { return count > 0; });
         }},
        {"SyncAction", "As in \"idle\", \"resync\", \"recover\", \"check\" or \"reshape\".",
         FileLine("md/sync_action"), kVolatile},

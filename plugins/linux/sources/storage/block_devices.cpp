@@ -60,10 +60,12 @@ TBlockDevice MakeDevice(const THost& host, const TFiles& folder, const TFiles& d
           number,
           Scaled(folder.ReadNumber("size"), kSectorSize),
           {},
+          folder.ReadFlag("ro"),
           {},
           {},
           Missing("not of the device mapper"),
           Missing("not of the device mapper"),
+          Missing("not an array"),
           number ? TUdevData(host, *number) : TUdevData(folder.PathOf("dev"), number)};
 }
 
@@ -80,8 +82,8 @@ std::vector<std::string> SourcesOf(const TBlockDevice& device) {
     if (name) sources.push_back(prefix + *name);
   };
   add("/dev/mapper/", device.fMapperName);
-  if (starts_with(device.fMapperUUID.ValueOr(""), "LVM-")) {
-    const TLogicalVolume volume = ParseLogicalVolume(*device.fMapperName);
+  const TLogicalVolume volume = ParseLogicalVolume(device.fMapperName.ValueOr(""));
+  if (starts_with(device.fMapperUUID.ValueOr(""), "LVM-") && !volume.fName.empty()) {
     sources.push_back("/dev/" + volume.fGroup + "/" + volume.fName);
   }
   add("UUID=", device.fUdev.Get("ID_FS_UUID"));
@@ -129,6 +131,7 @@ void TBlockDevices::AddDisk(const THost& host, const std::string& name) {
     device.fMapperName = folder.ReadLine("dm/name");
     device.fMapperUUID = folder.ReadLine("dm/uuid");
   }
+  if (device.fKind == EBlockKind::kRAID) device.fLevel = folder.ReadLine("md/level");
   if (device.fKind != EBlockKind::kDrive) device.fSlaves = ListSlaves(device);
   fAll.push_back(device);
   if (device.fKind != EBlockKind::kDeviceMapper) {

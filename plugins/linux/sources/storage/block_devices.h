@@ -28,13 +28,15 @@ struct TBlockDevice : TFiles {
   TFiles fDisk;
   std::string fKernelName;  ///< For example "sda1", "cciss/c0d0".
   EBlockKind fKind;
-  TText fNumber;                     ///< For example "8:1".
-  TNumber fSize;                     ///< In bytes. Of a drive: the size of its medium.
-  TNumber fBlockSize;                ///< The smallest block that can be addressed, in bytes.
+  TText fNumber;       ///< For example "8:1".
+  TNumber fSize;       ///< In bytes. Of a drive: the size of its medium.
+  TNumber fBlockSize;  ///< The smallest block that can be addressed, in bytes.
+  TReading<bool> fReadOnly;
   std::string fDiskName;             ///< Of a partition: the kernel's name of the disk.
   std::vector<std::string> fSlaves;  ///< The kernel's names of what it is made of.
   TText fMapperName;                 ///< Of the device mapper, for example "vg0-root".
   TText fMapperUUID;                 ///< Of the device mapper, for example "LVM-...".
+  TText fLevel;                      ///< Of an array, for example "raid1".
   TUdevData fUdev;
 
   /// Returns whether there is no medium in it, or a loop device has no file.
