@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // Files of a machine: what is parsed is written as a file that parses to the same. The first byte
-// selects a mount table (0), os-release (1), fields (2), a number (3), a text (4) or the table of
-// SMBIOS (5).
+// selects a mount table (0), os-release (1), fields (2), a number (3), a text (4), the table of
+// SMBIOS (5) or /proc/cpuinfo and lists of processors (6).
 #include <sources/fields.h>
 #include <sources/firmware/smbios.h>
 #include <sources/mount_table.h>
 #include <sources/os_release.h>
+#include <sources/processors/cpu_model.h>
 #include <sources/reading.h>
 
 #include <algorithm>
@@ -147,10 +148,27 @@ void CheckSMBIOS(const std::string& bytes) {
   Require(rewritten == written);
 }
 
+void CheckProcessors(const std::string& text) {
+  if (const auto cpus = ParseCPUList(text)) {
+    Require(ParseCPUList(FormatCPUList(*cpus)) == cpus);
+  }
+  if (const auto cpus = ParseCPUMask(text)) Require(cpus->empty() || *cpus->rbegin() < kMaxCPUs);
+  const TCPUInfo info{TText(text)};
+  Require(info.GetProcessors().empty() || *info.GetProcessors().rbegin() < kMaxCPUs);
+  int rest = 8;  // the others are not different
+  for (const unsigned cpu : info.GetProcessors()) {
+    if (rest-- == 0) break;
+    const TCPUModel model = IdentifyCPU(info.FieldsOf(cpu));
+    for (const TText* each : {&model.fName, &model.fVendor, &model.fModel, &model.fStepping}) {
+      Require(*each ? PrintableText(**each) == **each : !each->GetReason().empty());
+    }
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  return RunCheck(
-      {CheckMountTable, CheckOSRelease, CheckFields, CheckNumber, CheckText, CheckSMBIOS}, data,
-      size);
+  return RunCheck({CheckMountTable, CheckOSRelease, CheckFields, CheckNumber, CheckText,
+                   CheckSMBIOS, CheckProcessors},
+                  data, size);
 }

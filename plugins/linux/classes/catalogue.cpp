@@ -3,32 +3,41 @@
 
 /// All classes, with the part that each belongs to: each after its superclass, and after the
 /// classes that it refers to.
-#define QDX_LINUX_CLASSES(CLASS)             \
-  CLASS(kAlways, ComputerSystemClass)        \
-  CLASS(kAlways, OperatingSystemClass)       \
-  CLASS(kAlways, QDXProductClass)            \
-  CLASS(kDisks, SCSIDeviceClass)             \
-  CLASS(kAlways, LogicalDeviceClass)         \
-  CLASS(kAlways, SystemDeviceClass)          \
-  CLASS(kProcessors, ProcessorClass)         \
-  CLASS(kDisks, MediaAccessDeviceClass)      \
-  CLASS(kDisks, DiskDriveClass)              \
-  CLASS(kDisks, CDROMDriveClass)             \
-  CLASS(kDisks, DVDDriveClass)               \
-  CLASS(kDisks, NVMeControllerClass)         \
-  CLASS(kDisks, StorageExtentClass)          \
-  CLASS(kDisks, DiskPartitionClass)          \
-  CLASS(kDisks, LogicalDiskClass)            \
-  CLASS(kDisks, StorageVolumeClass)          \
-  CLASS(kNetwork, EthernetPortClass)         \
-  CLASS(kBuses, PCIDeviceClass)              \
-  CLASS(kDisks, MediaPresentClass)           \
-  CLASS(kDisks, BasedOnClass)                \
-  CLASS(kDisks, ControlledByClass)           \
-  CLASS(kFileSystems, FileSystemClass)       \
-  CLASS(kFileSystems, HostedFileSystemClass) \
-  CLASS(kFileSystems, ResidesOnExtentClass)  \
-  CLASS(kFileSystems, SwapSpaceClass)        \
+#define QDX_LINUX_CLASSES(CLASS)                   \
+  CLASS(kAlways, ComputerSystemClass)              \
+  CLASS(kAlways, OperatingSystemClass)             \
+  CLASS(kAlways, QDXProductClass)                  \
+  CLASS(kDisks, SCSIDeviceClass)                   \
+  CLASS(kAlways, LogicalDeviceClass)               \
+  CLASS(kAlways, SystemDeviceClass)                \
+  CLASS(kProcessors, ProcessorClass)               \
+  CLASS(kProcessors, ProcessorCoreClass)           \
+  CLASS(kProcessors, ProcessorCoreComponentClass)  \
+  CLASS(kProcessors, HardwareThreadClass)          \
+  CLASS(kProcessors, HardwareThreadComponentClass) \
+  CLASS(kProcessors, CacheMemoryClass)             \
+  CLASS(kProcessors, AssociatedCacheMemoryClass)   \
+  CLASS(kProcessors, NUMANodeClass)                \
+  CLASS(kProcessors, ProcessorVulnerabilityClass)  \
+  CLASS(kProcessors, HypervisorClass)              \
+  CLASS(kDisks, MediaAccessDeviceClass)            \
+  CLASS(kDisks, DiskDriveClass)                    \
+  CLASS(kDisks, CDROMDriveClass)                   \
+  CLASS(kDisks, DVDDriveClass)                     \
+  CLASS(kDisks, NVMeControllerClass)               \
+  CLASS(kDisks, StorageExtentClass)                \
+  CLASS(kDisks, DiskPartitionClass)                \
+  CLASS(kDisks, LogicalDiskClass)                  \
+  CLASS(kDisks, StorageVolumeClass)                \
+  CLASS(kNetwork, EthernetPortClass)               \
+  CLASS(kBuses, PCIDeviceClass)                    \
+  CLASS(kDisks, MediaPresentClass)                 \
+  CLASS(kDisks, BasedOnClass)                      \
+  CLASS(kDisks, ControlledByClass)                 \
+  CLASS(kFileSystems, FileSystemClass)             \
+  CLASS(kFileSystems, HostedFileSystemClass)       \
+  CLASS(kFileSystems, ResidesOnExtentClass)        \
+  CLASS(kFileSystems, SwapSpaceClass)              \
   CLASS(kFileSystems, MountSettingClass)
 
 namespace NVORNQDX20 {

@@ -2,16 +2,15 @@
 #include "cpu_list.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdint>
 #include <iterator>
+#include <system_error>
 
 #include "reading.h"
 
 namespace NVORNQDX20 {
 namespace {
-
-/// More than CONFIG_NR_CPUS can be.
-constexpr std::uint64_t kMaxCPUs = 65536;
 
 /// Takes a number from the front of the text.
 std::optional<std::uint64_t> TakeNumber(std::string_view& text) {
@@ -35,10 +34,32 @@ std::optional<TCPUs> ParseCPUList(std::string_view text) {
   do {
     const auto first = TakeNumber(text);
     const auto last = Take(text, '-') ? TakeNumber(text) : first;
-    if (!first || !last) return std::nullopt;
-    for (std::uint64_t i = *first; i <= *last; ++i) cpus.insert(static_cast<unsigned>(i));
+    // Ascending numbers, so that no text lists more than all of them.
+    if (!first || !last || *last < *first) return std::nullopt;
+    if (!cpus.empty() && *first <= *cpus.rbegin()) return std::nullopt;
+    for (std::uint64_t i = *first; i <= *last; ++i) {
+      cpus.insert(cpus.end(), static_cast<unsigned>(i));
+    }
   } while (Take(text, ','));
   if (!text.empty()) return std::nullopt;
+  return cpus;
+}
+
+std::optional<TCPUs> ParseCPUMask(std::string_view text) {
+  TCPUs cpus;
+  unsigned next = 0;
+  // The kernel writes all digits of each word but the first, so commas do not count.
+  for (auto at = text.rbegin(); at != text.rend(); ++at) {
+    if (*at == ',') continue;
+    unsigned bits = 0;
+    if (std::from_chars(&*at, &*at + 1, bits, 16).ec != std::errc()) return std::nullopt;
+    for (unsigned bit = 0; bit < 4; ++bit, ++next) {
+      if (((bits >> bit) & 1U) == 0) continue;
+      if (next >= kMaxCPUs) return std::nullopt;
+      cpus.insert(cpus.end(), next);
+    }
+  }
+  if (next == 0) return std::nullopt;
   return cpus;
 }
 

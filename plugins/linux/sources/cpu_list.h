@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Lists of processor numbers, as the kernel writes them: "0-3,8".
+/// Lists and masks of processor numbers, as the kernel writes them: "0-3,8".
 #ifndef PLUGINS_LINUX_SOURCES_CPU_LIST_H_
 #define PLUGINS_LINUX_SOURCES_CPU_LIST_H_
 
@@ -12,8 +12,14 @@ namespace NVORNQDX20 {
 
 using TCPUs = std::set<unsigned>;
 
-/// Returns nothing for a text in another format, and for numbers above those that Linux can have.
+/// More than CONFIG_NR_CPUS can be.
+inline constexpr unsigned kMaxCPUs = 65536;
+
+/// Returns nothing for a text in another format, for numbers that do not ascend, and for numbers
+/// above those that Linux can have.
 std::optional<TCPUs> ParseCPUList(std::string_view text);
+/// Parses a mask: "00000000,0000000f" is 0-3. Returns nothing as above.
+std::optional<TCPUs> ParseCPUMask(std::string_view text);
 std::string FormatCPUList(const TCPUs& cpus);
 
 }  // namespace NVORNQDX20

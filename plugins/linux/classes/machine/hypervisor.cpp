@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+// Class VORNSG_Hypervisor: what runs this machine, if it is a virtual one.
+#include "sources/processors/hypervisor.h"
+
+#include "classes/catalogue.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+TInstances<THypervisor> ListHypervisor(const THost& host) {
+  const auto& found = host.Shared<TFoundHypervisor>();
+  return found.fHypervisor ? TInstances<THypervisor>(*found.fHypervisor)
+                           : TInstances<THypervisor>(Missing(found.fHypervisor.GetReason()));
+}
+
+}  // namespace
+
+TClass HypervisorClass() {
+  return THostTable<THypervisor>{
+      "VORNSG_Hypervisor",
+      "The hypervisor that runs this machine.",
+      ListHypervisor,
+      {{"InstanceID", "The same on all machines, since none has two.",
+        Constant("VORNSG:hypervisor"), kKey},
+       {"Name", "By which the hypervisor is known.", &THypervisor::fName},
+       {"Manufacturer", "Its maker.", &THypervisor::fVendor},
+       {"Version", "Its version.", &THypervisor::fVersion},
+       {"VirtualizationType", "Whether the system has to be made for it: full, or para.",
+        &THypervisor::fType},
+       {"Evidence", "By what it was recognised.", &THypervisor::fEvidence}}};
+}
+
+}  // namespace NVORNQDX20
