@@ -10,6 +10,21 @@
   CLASS(kDisks, SCSIDeviceClass)                   \
   CLASS(kAlways, LogicalDeviceClass)               \
   CLASS(kAlways, SystemDeviceClass)                \
+  CLASS(kMachine, PhysicalElementClass)            \
+  CLASS(kMachine, PhysicalPackageClass)            \
+  CLASS(kMachine, ChassisClass)                    \
+  CLASS(kMachine, CardClass)                       \
+  CLASS(kMachine, BIOSElementClass)                \
+  CLASS(kMemory, MemoryArrayClass)                 \
+  CLASS(kMemory, MemorySlotClass)                  \
+  CLASS(kMemory, PhysicalMemoryClass)              \
+  CLASS(kMemory, MemoryClass)                      \
+  CLASS(kMemory, MemoryErrorCountClass)            \
+  CLASS(kMachine, ComputerSystemPackageClass)      \
+  CLASS(kMachine, SystemBIOSClass)                 \
+  CLASS(kMachine, ContainerClass)                  \
+  CLASS(kMemory, ElementInConnectorClass)          \
+  CLASS(kMemory, RealizesClass)                    \
   CLASS(kProcessors, ProcessorClass)               \
   CLASS(kProcessors, ProcessorCoreClass)           \
   CLASS(kProcessors, ProcessorCoreComponentClass)  \

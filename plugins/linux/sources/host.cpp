@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string_view>
 
 #include <sys/utsname.h>
@@ -42,6 +44,16 @@ TText ReadHostName(const TFiles& files) {
   return first.empty() || first == "(none)" ? ReadConfiguredHostName(files) : TText(first);
 }
 
+/// Where SMBIOS has what the kernel shows in a file.
+struct TDMIField {
+  std::string_view fFile;
+  std::uint8_t fType;
+  std::size_t fOffset;
+};
+constexpr TDMIField kDMIFields[] = {{"sys_vendor", 1, 0x04},      {"product_name", 1, 0x05},
+                                    {"product_version", 1, 0x06}, {"product_serial", 1, 0x07},
+                                    {"product_sku", 1, 0x19},     {"product_family", 1, 0x1A}};
+
 struct TSharedSMBIOS {
   explicit TSharedSMBIOS(const THost& host) : fReading(ReadSMBIOS(host)) {}
   TReading<TSMBIOS> fReading;
@@ -56,6 +68,13 @@ THost::THost(const TRequest& request)
       fName(ReadHostName(*this)) {}
 
 TText THost::ReadDMIString(const std::string& name) const {
+  const TReading<TSMBIOS>& smbios = GetSMBIOS();
+  const auto field = std::find_if(std::begin(kDMIFields), std::end(kDMIFields),
+                                  [&name](const TDMIField& each) { return each.fFile == name; });
+  if (smbios && field != std::end(kDMIFields)) {
+    const auto structures = smbios->OfType(field->fType);
+    if (!structures.empty()) return structures.front().ReadString(field->fOffset);
+  }
   const TFiles folder = In("/sys/class/dmi/id");
   if (folder.IsAbsent("")) {
     return Missing("no DMI table: " + folder.PathOf("") + " does not exist");

@@ -25,7 +25,8 @@ struct THost : TFiles {
   std::string GetNameAsKey() const { return fName.ValueOr(""); }
 
   /// Returns a string of the firmware's DMI table (DMTF DSP0134) by the name of its sysfs file, for
-  /// example "product_name". A placeholder such as "To be filled by O.E.M." counts as missing.
+  /// example "product_name": of the table itself if that can be read. A placeholder such as "To be
+  /// filled by O.E.M." counts as missing.
   TText ReadDMIString(const std::string& name) const;
 
   /// Returns what several classes need of the machine, for example Shared<TTopology>(). It is made
