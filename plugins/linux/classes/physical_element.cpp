@@ -34,12 +34,12 @@ TInstances<TPhysicalElement> ListFirmware(const THost& host, std::uint8_t type, 
       const std::string tag = number == 1 ? name : name + (" " + std::to_string(number));
       elements.fAll.push_back({tag, tag, structure});
     }
-    if (!smbios->GetFlaw().empty()) elements.Miss(smbios->GetFlaw());
+    if (!smbios->GetFlaw().empty()) elements.Miss({smbios->GetFlaw(), TReason::kError});
   }
   if (!elements.fAll.empty()) return elements;
   const TMissing missing =
-      Missing(smbios ? "the SMBIOS table has no structure of type " + std::to_string(type)
-                     : smbios.GetReason());
+      smbios ? Missing("the SMBIOS table has no structure of type " + std::to_string(type))
+             : Missing(smbios.GetReason());
   const TFiles folder = host.In("/sys/class/dmi/id");
   const bool isInFolder = std::any_of(
       files.begin(), files.end(), [&folder](const char* file) { return !folder.IsAbsent(file); });

@@ -41,9 +41,9 @@ class TMemoryDevices {
   const std::vector<TPhysicalElement>& GetArrays() const { return fArrays.fAll; }
   const std::vector<TMemoryErrors>& GetErrors() const { return fErrors; }
   /// Why there are none, or not all.
-  const std::string& GetReason() const { return fReason; }
-  const std::string& GetErrorsReason() const { return fErrorsReason; }
-  const std::string& GetArraysReason() const { return fArrays.fReason; }
+  const TReason& GetReason() const { return fReason; }
+  const TReason& GetErrorsReason() const { return fErrorsReason; }
+  const TReason& GetArraysReason() const { return fArrays.fReason; }
 
  private:
   void ReadErrors(const THost& host);
@@ -52,9 +52,9 @@ class TMemoryDevices {
 
   TInstances<TPhysicalElement> fArrays;
   std::vector<TMemoryDevice> fAll;
-  std::string fReason;
+  TReason fReason;
   std::vector<TMemoryErrors> fErrors;
-  std::string fErrorsReason;
+  TReason fErrorsReason;
 };
 
 /// Lists sockets for which the function returns true.

@@ -58,7 +58,7 @@ TReading<std::string> ReadEntries(const TFiles& folder) {
     return EntryNumbers(one) < EntryNumbers(other);
   });
   std::string table;
-  std::string reason;
+  TReason reason;
   for (const std::string& name : names) {
     const TReading<std::string> entry = folder.Read("entries/" + name + "/raw");
     if (reason.empty()) reason = entry.GetReason();

@@ -84,7 +84,7 @@ TEST(SMBIOS, HasTheVersionOfItsEntryPoint) {
 
 TEST(SMBIOS, IsReadFromTheTableElseFromItsEntries) {
   const TTempDir tree;
-  const auto places = [&tree] {
+  const auto places = [&tree]() -> std::string {
     const THost host({tree.Path().string(), {}});
     const TReading<TSMBIOS>& smbios = host.GetSMBIOS();
     if (!smbios) return smbios.GetReason();
