@@ -10,7 +10,7 @@
 
 namespace NVORNQDX20 {
 
-/// Bytes of a table that grow by hexadecimal text, with zeros as blanks between fields.
+/// Bytes by their hexadecimal digits, with or without blanks between them.
 inline std::string BytesOf(const std::string& hexadecimal) {
   std::string bytes;
   std::string digits;

@@ -52,11 +52,16 @@ TEST(MachineHost, HasDMIStringsThatAreNoPlaceholders) {
     tree.Write("sys/class/dmi/id/serial", text + "\n");
     return TextOf(host.ReadDMIString("serial"));
   };
-  for (const std::string text : {"To be filled by O.E.M.", "SYSTEM SERIAL NUMBER", " None ", "n/a",
-                                 "0123456789", "0000000", "00000000-0000", "......"}) {
+  for (const std::string text :
+       {"To be filled by O.E.M.", "SYSTEM SERIAL NUMBER", " None ", "n/a", "0123456789", "0000000",
+        "00000000-0000", "......", "$(default_string)", "XXXXXXX", "SerNum", "System SN", "[Empty]",
+        "A1_AssetTagNum0", "Array12_PartNumber3", "ModulePartNumber01", "To be filled by More",
+        "Dimm2_AssetTag"}) {
     EXPECT_NE(read(text).find("/serial: placeholder text '"), std::string::npos) << text;
   }
-  for (const std::string text : {"00000001", "9", "0000A00", "z", "Default A", "\xc3\xa9"}) {
+  for (const std::string text :
+       {"00000001", "9", "0000A00", "z", "Default A", "\xc3\xa9", "x", "A1_7",
+        "BSN12345678901234567", "P1_SerNumber", "None A", "Unknown-1"}) {
     EXPECT_EQ(read(text), text);
   }
 }
