@@ -44,8 +44,25 @@
   CLASS(kDisks, DiskPartitionClass)                \
   CLASS(kDisks, LogicalDiskClass)                  \
   CLASS(kDisks, StorageVolumeClass)                \
+  CLASS(kNetwork, NetworkPortClass)                \
   CLASS(kNetwork, EthernetPortClass)               \
+  CLASS(kNetwork, WiFiPortClass)                   \
+  CLASS(kNetwork, IBPortClass)                     \
+  CLASS(kNetwork, FCPortClass)                     \
+  CLASS(kNetwork, ServiceAccessPointClass)         \
+  CLASS(kNetwork, ProtocolEndpointClass)           \
+  CLASS(kNetwork, IPProtocolEndpointClass)         \
+  CLASS(kNetwork, DNSProtocolEndpointClass)        \
+  CLASS(kNetwork, RemoteServiceAccessPointClass)   \
+  CLASS(kNetwork, NextHopIPRouteClass)             \
+  CLASS(kNetwork, VLANEndpointClass)               \
+  CLASS(kNetwork, LogicalPortGroupClass)           \
+  CLASS(kNetwork, BondPortGroupClass)              \
+  CLASS(kNetwork, BridgePortGroupClass)            \
+  CLASS(kNetwork, PortImplementsEndpointClass)     \
+  CLASS(kNetwork, MemberOfPortGroupClass)          \
   CLASS(kBuses, PCIDeviceClass)                    \
+  CLASS(kNetwork, DeviceIdentityClass)             \
   CLASS(kDisks, MediaPresentClass)                 \
   CLASS(kDisks, BasedOnClass)                      \
   CLASS(kDisks, ControlledByClass)                 \
