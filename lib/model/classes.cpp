@@ -8,11 +8,24 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace NVORNQDX20::NModel {
 namespace {
 
 using TDecl = boost::shared_ptr<ICIMPropertyDecl>;
+
+/// Not by GetQualifier, which throws for every other property: that takes most of the time.
+bool IsKey(const ICIMPropertyDecl& decl) {
+  bool isKey = false;
+  decl.EnumerateQualifiers([&isKey](const boost::shared_ptr<ICIMQualifier>& qualifier) {
+    if (EqualIgnoringCase(qualifier->GetDecl()->GetName(), "Key")) {
+      isKey = qualifier->GetValue() == TCIMValue(true);
+    }
+    return true;
+  });
+  return isKey;
+}
 
 bool Declares(const ICIMClass& cimClass, const TDecl& decl) {
   try {
@@ -32,7 +45,7 @@ class TPropertyCollector {
     TClassProperty& property = fProperties[found->second];
     // A superclass enumerates again what the class has enumerated as inherited.
     const bool isAsked = !isNew && property.fDecl == decl;
-    if (!isAsked && !property.fIsKey) property.fIsKey = IsQualified(*decl, "Key");
+    if (!isAsked && !property.fIsKey) property.fIsKey = IsKey(*decl);
   }
 
   std::vector<TClassProperty> fProperties;
@@ -71,10 +84,22 @@ std::vector<boost::shared_ptr<ICIMInstance>> InstancesOf(const ICIMClass& cimCla
 
 std::vector<TDecl> OwnPropertyDeclsOf(const ICIMClass& cimClass) {
   const auto superclass = SuperclassOf(cimClass);
+  // GetPropertyDecl throws for the others, which takes most of the time.
+  std::unordered_set<std::string, TNameHash, TNameEqual> inherited;
+  for (auto above = superclass; above; above = SuperclassOf(*above)) {
+    above->EnumeratePropertyDecls(
+        [&inherited](const TDecl& decl) {
+          inherited.insert(decl->GetName());
+          return true;
+        },
+        {});
+  }
   std::vector<TDecl> own;
   cimClass.EnumeratePropertyDecls(
       [&](const TDecl& decl) {
-        if (!superclass || !Declares(*superclass, decl)) own.push_back(decl);
+        if (inherited.count(decl->GetName()) == 0 || !Declares(*superclass, decl)) {
+          own.push_back(decl);
+        }
         return true;
       },
       {});
