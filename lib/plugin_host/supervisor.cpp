@@ -8,7 +8,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
-#include <fstream>
 #include <new>
 #include <string>
 
@@ -66,9 +65,10 @@ void SetLimit(__rlimit_resource resource, rlim_t limit) {
 
 /// Returns the bytes that this process has already: a copy of those of the command.
 rlim_t AddressSpace() {
-  unsigned long pages = 0;
-  std::ifstream("/proc/self/statm") >> pages;
-  return pages * static_cast<unsigned long>(::sysconf(_SC_PAGESIZE));
+  const TDescriptor file(::open("/proc/self/statm", O_RDONLY | O_CLOEXEC));
+  char text[32] = {};
+  if (::read(file.Get(), text, sizeof text - 1) <= 0) return 0;
+  return std::strtoul(text, nullptr, 10) * static_cast<unsigned long>(::sysconf(_SC_PAGESIZE));
 }
 
 bool TakeOn(const TUser& user) {

@@ -52,8 +52,10 @@ bool IsRootFolder(const std::string& folder) {
 
 TLog OpenLog(const TArguments& arguments) {
   const auto threshold = SeverityNamed(arguments.Get("log-level", "status"));
-  TRootObject::GetCoreLogger()->SetLogThreshold(threshold);
-  if (!arguments.Has("log")) return nullptr;
+  const bool hasLog = arguments.Has("log");
+  // Without a log nobody reads more, and each entry of a plug-in is a message of its worker.
+  TRootObject::GetCoreLogger()->SetLogThreshold(hasLog ? threshold : ILogger::kLogWarning);
+  if (!hasLog) return nullptr;
   std::vector<std::string> others = arguments.fOperands;
   for (const std::string& output : arguments.GetAll("output")) others.push_back(output);
   // Below "/", where every file is, the log is the operator's choice.
