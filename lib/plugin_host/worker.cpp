@@ -33,6 +33,7 @@ constexpr std::size_t kShownOutput = 300;
 /// Far more than any machine has namespaces.
 constexpr std::size_t kMaxMessages = 100'000;
 constexpr std::uint64_t kMaxMessageBytes = std::uint64_t{64} << 20U;
+constexpr const char* kDeliveryHint = "; --delivery allows more";
 constexpr std::chrono::milliseconds kPollInterval{200};
 /// For a supervisor to end its worker, and to report: longer than it waits itself.
 constexpr std::chrono::seconds kGrace{6};
@@ -56,11 +57,21 @@ bool IsCrash(int signal) {
 
 std::string Megabytes(std::uint64_t bytes) { return std::to_string(bytes >> 20U) + " MiB"; }
 
+/// What all workers have delivered, in bytes.
+struct TDeliveries {
+  const std::size_t fJobs;
+  std::uint64_t fSum = 0;
+};
+
 /// A running worker.
 class TWorker {
  public:
-  TWorker(const TWorkerJob& job, const TWorkerLimits& limits)
-      : fJob(job), fLimits(limits), fStart(TClock::now()), fDeadline(fStart + limits.fTime) {
+  TWorker(const TWorkerJob& job, const TWorkerLimits& limits, TDeliveries& deliveries)
+      : fJob(job),
+        fLimits(limits),
+        fDeliveries(deliveries),
+        fStart(TClock::now()),
+        fDeadline(fStart + limits.fTime) {
     TPipe lifeline = OpenPipe();
     TPipe report = OpenPipe();
     TPipe output = OpenPipe();
@@ -177,9 +188,17 @@ class TWorker {
       return GiveUp("it delivers what is no file");
     }
     fDelivered += static_cast<std::uint64_t>(status.st_size);
+    fDeliveries.fSum += static_cast<std::uint64_t>(status.st_size);
     for (const std::string& text : received.fMessage->fTexts) fMessageBytes += text.size();
     if (fDelivered > fLimits.fDelivery) {
+      fHint = kDeliveryHint;
       return GiveUp("it delivers more than " + Megabytes(fLimits.fDelivery));
+    }
+    const std::uint64_t share = fLimits.fDelivery / fDeliveries.fJobs;
+    if (fDeliveries.fSum > fLimits.fDelivery && fDelivered > share) {
+      fHint = kDeliveryHint;
+      return GiveUp("all plug-ins deliver more than " + Megabytes(fLimits.fDelivery) +
+                    ", and it more than its share, " + std::to_string(share >> 10U) + " KiB");
     }
     if (fMessageBytes > kMaxMessageBytes) return GiveUp("it sends messages without end");
     fJob.fReceive(std::move(*received.fMessage));
@@ -280,6 +299,7 @@ class TWorker {
 
   const TWorkerJob& fJob;
   const TWorkerLimits& fLimits;
+  TDeliveries& fDeliveries;
   const TClock::time_point fStart;
   TClock::time_point fDeadline;
   bool fIsGivenUp = false;
@@ -327,7 +347,7 @@ void Tell(const TWaitCallback& wait, const std::list<TWorker>& workers) {
 class TPool {
  public:
   TPool(const std::vector<TWorkerJob>& jobs, const TWorkerLimits& limits)
-      : fLimits(limits), fNext(jobs.begin()), fEnd(jobs.end()) {}
+      : fLimits(limits), fDeliveries{jobs.size()}, fNext(jobs.begin()), fEnd(jobs.end()) {}
   /// After an exception: all are killed side by side.
   ~TPool() {
     for (TWorker& worker : fWorkers) worker.Abandon();
@@ -340,7 +360,7 @@ class TPool {
 
   void Start() {
     while (fNext != fEnd && fWorkers.size() < kMaxWorkers) {
-      fWorkers.emplace_back(*fNext, fLimits);
+      fWorkers.emplace_back(*fNext, fLimits, fDeliveries);
       if (fWorkers.size() > 1 && fWorkers.back().LacksResources()) {
         fWorkers.pop_back();  // until another one ends
         return;
@@ -366,6 +386,7 @@ class TPool {
 
  private:
   const TWorkerLimits& fLimits;
+  TDeliveries fDeliveries;
   std::vector<TWorkerJob>::const_iterator fNext;
   const std::vector<TWorkerJob>::const_iterator fEnd;
   std::list<TWorker> fWorkers;

@@ -124,6 +124,34 @@ TEST(Workers, EndInTheirOwnWays) {
   EXPECT_NE(ends["says why"].fReason.find(": first last"), std::string::npos);
 }
 
+TEST(Workers, MayDeliverTheirShares) {
+  std::vector<TWorkerJob> jobs;
+  std::string reasons;
+  int normal = 0;
+  for (const int kilobytes : {700, 700, 300}) {
+    jobs.push_back({"worker",
+                    [kilobytes](TSender& sender) {
+                      TDescriptor file = OpenUnnamedFile();
+                      if (kilobytes == 300) ::usleep(300'000);  // the last one
+                      if (::ftruncate(file.Get(), kilobytes << 10) != 0) ::_exit(9);
+                      Send(sender, 1, std::move(file));
+                    },
+                    [](TMessage&&) {},
+                    [&](const TWorkerEnd& end) {
+                      normal += end.fIsNormal ? 1 : 0;
+                      reasons += end.fReason;
+                    }});
+  }
+  TWorkerLimits limits;
+  limits.fDelivery = 1 << 20;
+  limits.fMemory = 0;
+  RunWorkers(jobs, limits, nullptr);
+  EXPECT_EQ(normal, 2) << reasons;
+  EXPECT_EQ(
+      reasons.find("all plug-ins deliver more than 1 MiB, and it more than its share, 341 KiB"), 0U)
+      << reasons;
+}
+
 TEST(Workers, HaveTimeAsLongAsTheyGetOn) {
   std::string progress;
   TWorkerEnd patient, idle;

@@ -34,6 +34,11 @@ TNumber NumberOf(const std::string& text, const std::string& what) {
   return number;
 }
 
+std::uint64_t BytesOf(const std::string& mebibytes) {
+  const std::string what = "MiB from 1 to 4294967295";
+  return std::uint64_t{NumberOf<std::uint32_t>(mebibytes, what)} << 20U;
+}
+
 /// Throws a TCommandFailure for an unknown user, and for another one without the privilege.
 NPluginHost::TUser UserNamed(const std::string& name) {
   const std::string action = "taking on the privileges of user " + name;
@@ -60,6 +65,7 @@ std::vector<TOptionSpec> WorkerOptions() {
   return {
       {"timeout", "SECONDS", "Give up on a plug-in after this time (30 by default)."},
       {"memory", "MIB", "Let a plug-in use so much memory (1024 by default)."},
+      {"delivery", "MIB", "Accept so much data of a plug-in (1024 by default)."},
       {"user", "NAME", "Ask providers with the privileges of this user; needs root."},
   };
 }
@@ -71,11 +77,8 @@ std::chrono::seconds SecondsOf(const std::string& text) {
 NPluginHost::TWorkerLimits LimitsOf(const TArguments& arguments) {
   NPluginHost::TWorkerLimits limits;
   if (arguments.Has("timeout")) limits.fTime = SecondsOf(arguments.Get("timeout", ""));
-  if (arguments.Has("memory")) {
-    const std::string what = "MiB from 1 to 4294967295";
-    const std::uint64_t mebibytes = NumberOf<std::uint32_t>(arguments.Get("memory", ""), what);
-    limits.fMemory = mebibytes << 20U;
-  }
+  if (arguments.Has("memory")) limits.fMemory = BytesOf(arguments.Get("memory", ""));
+  if (arguments.Has("delivery")) limits.fDelivery = BytesOf(arguments.Get("delivery", ""));
   if (kIsSanitized) limits.fMemory = 0;
   if (arguments.Has("user")) limits.fUser = UserNamed(arguments.Get("user", ""));
   return limits;

@@ -11,7 +11,7 @@
 
 namespace NVORNQDX20 {
 
-/// The options --timeout, --memory and --user.
+/// The options --timeout, --memory, --delivery and --user.
 std::vector<TOptionSpec> WorkerOptions();
 
 /// Returns the limits that they set. Throws a TCommandFailure for a bad value.

@@ -28,7 +28,8 @@ struct TWorkerLimits {
   /// Of address space that it adds to that of this process, in bytes; 0 for none, as for builds
   /// with sanitizers, which need more than any limit.
   std::uint64_t fMemory = std::uint64_t{1} << 30U;
-  /// Of what it delivers in files, and of each other file that it writes, in bytes.
+  /// Of what it delivers in files, and of each other file that it writes, in bytes. If all workers
+  /// together deliver more, each may deliver an equal part of this.
   std::uint64_t fDelivery = std::uint64_t{1} << 30U;
   std::optional<TUser> fUser;  ///< Whose privileges it takes on before it starts.
 };
