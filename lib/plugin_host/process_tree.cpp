@@ -4,14 +4,16 @@
 #include <qdxsystem/descriptor.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <memory>
-#include <string_view>
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace NVORNQDX20::NPluginHost {
@@ -44,15 +46,15 @@ TProcess ReadProcess(pid_t process) {
 
 }  // namespace
 
-std::vector<pid_t> Descendants() {
+std::vector<pid_t> Descendants(const std::set<pid_t>& excepted) {
   std::multimap<pid_t, pid_t> children;
   const std::unique_ptr<DIR, int (*)(DIR*)> folder(::opendir("/proc"), ::closedir);
   while (const dirent* const entry = folder ? ::readdir(folder.get()) : nullptr) {
     const long number = std::strtol(entry->d_name, nullptr, 10);
     if (number <= 0) continue;
     const TProcess process = ReadProcess(static_cast<pid_t>(number));
-    // An ended process that is not waited for has no effect any more.
-    if (std::string_view("XZ").find(process.fState) != std::string_view::npos) continue;
+    if (process.fState == 'X') continue;
+    if (excepted.count(static_cast<pid_t>(number)) != 0) continue;
     children.emplace(process.fParent, static_cast<pid_t>(number));
   }
   std::vector<pid_t> found = {::getpid()};
@@ -62,6 +64,29 @@ std::vector<pid_t> Descendants() {
   }
   found.erase(found.begin());
   return found;
+}
+
+TSubreaper::TSubreaper() {
+  siginfo_t ended{};
+  const bool hasNoChild = ::waitid(P_ALL, 0, &ended, WEXITED | WNOHANG | WNOWAIT) != 0;
+  fIsActive = hasNoChild && ::prctl(PR_SET_CHILD_SUBREAPER, 1) == 0;
+}
+
+TSubreaper::~TSubreaper() {
+  if (fIsActive) ::prctl(PR_SET_CHILD_SUBREAPER, 0);
+}
+
+void TSubreaper::KillOrphans(const std::set<pid_t>& children) const {
+  constexpr int mostRounds = 200;  // one of them may wait for a dead disk
+  for (int i = 0; fIsActive && i < mostRounds; ++i) {
+    const std::vector<pid_t> orphans = Descendants(children);
+    if (orphans.empty()) return;
+    for (const pid_t orphan : orphans) {
+      ::kill(orphan, SIGKILL);
+      ::waitpid(orphan, nullptr, WNOHANG);
+    }
+    ::usleep(1000);
+  }
 }
 
 bool IsUninterruptible(pid_t process) { return ReadProcess(process).fState == 'D'; }

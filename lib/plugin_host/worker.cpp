@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <list>
+#include <set>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -20,6 +21,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "process_tree.h"
 #include "supervisor.h"
 
 namespace NVORNQDX20::NPluginHost {
@@ -118,6 +120,9 @@ class TWorker {
     return fStartError == EMFILE || fStartError == ENFILE || fStartError == EAGAIN ||
            fStartError == ENOMEM;
   }
+  pid_t GetSupervisor() const { return fSupervisor; }
+  /// Whether the supervisor was killed, so that nobody has killed what the worker has started.
+  bool HasLostSupervisor() const { return fHasLostSupervisor; }
   /// Lets the supervisor kill the worker, without waiting for it.
   void Abandon() { GiveUp(""); }
 
@@ -222,6 +227,7 @@ class TWorker {
     const auto report =
         DecodeMessage({bytes, static_cast<std::size_t>(std::max<ssize_t>(size, 0))});
     EndSupervisor();
+    fHasLostSupervisor = !report;
     while (!fIsGivenUp && Receive()) {
     }
     constexpr int mostReads = 16;  // a process that cannot be killed may still write
@@ -307,6 +313,7 @@ class TWorker {
   std::string fHint;
   int fStartError = 0;
   pid_t fSupervisor = -1;
+  bool fHasLostSupervisor = false;
   TDescriptor fLifeline;
   TDescriptor fReport;
   TDescriptor fSocket;
@@ -376,15 +383,26 @@ class TPool {
     const auto woken = TClock::now();
     const auto slept = woken - before;
     const pollfd* end = ends.data();
+    bool leavesStrays = false;
     for (auto worker = fWorkers.begin(); worker != fWorkers.end(); end += 3) {
-      worker = worker->Handle(end) ? fWorkers.erase(worker) : std::next(worker);
+      const bool hasEnded = worker->Handle(end);
+      leavesStrays = leavesStrays || worker->HasLostSupervisor();
+      worker = hasEnded ? fWorkers.erase(worker) : std::next(worker);
     }
+    if (leavesStrays) fSubreaper.KillOrphans(GetSupervisors());
     auto lost = TClock::now() - woken;
     if (slept > 2 * kPollInterval) lost += slept - kPollInterval;
     for (TWorker& worker : fWorkers) worker.AddTime(lost);
   }
 
  private:
+  std::set<pid_t> GetSupervisors() const {
+    std::set<pid_t> all;
+    for (const TWorker& worker : fWorkers) all.insert(worker.GetSupervisor());
+    return all;
+  }
+
+  const TSubreaper fSubreaper;
   const TWorkerLimits& fLimits;
   TDeliveries fDeliveries;
   std::vector<TWorkerJob>::const_iterator fNext;
