@@ -122,6 +122,7 @@ struct TDocumentWriter::TParts {
   TOutput fOutput;
   TXMLWriter fXML{fOutput};
   TCountedWarning fLeftOut;
+  TCountedWarning fUnknownBits;
 };
 
 TDocumentWriter::TDocumentWriter(const std::string& file) : fParts(std::make_unique<TParts>(file)) {
@@ -145,7 +146,7 @@ void TDocumentWriter::AddNamespace(const ICIMNamespace& ns) { AddNamespace(ns, n
 void TDocumentWriter::AddNamespace(const ICIMNamespace& ns, const std::string& name) {
   TXMLWriter& xml = fParts->fXML;
   TValueWriter values(xml, ns, fParts->fLeftOut);
-  TSchemaWriter schema(xml, values);
+  TSchemaWriter schema(xml, values, fParts->fUnknownBits);
   xml.Markup("<DECLGROUP.WITHNAME>");
   values.NamespacePath(name);
   xml.Markup("\n");
@@ -164,6 +165,7 @@ void TDocumentWriter::Close() {
   fParts->fXML.Markup("</DECLARATION>\n</CIM>\n");
   fParts->fOutput.Close();
   fParts->fLeftOut.Report("values that CIM-XML cannot hold were left out of", GetFile());
+  fParts->fUnknownBits.Report("qualifiers lost unknown bits of scope or flavor in", GetFile());
   const std::size_t replaced = fParts->fXML.GetReplaced();
   if (replaced == 0) return;
   LogMessage(ILogger::kLogWarning,

@@ -15,9 +15,18 @@ const char* ParameterElement(TCIMType type) {
   return isReference ? "PARAMETER.REFERENCE" : "PARAMETER";
 }
 
+template <std::size_t size>
+bool AreKnown(std::uint32_t bits, const TFlag (&flags)[size]) {
+  for (const TFlag& flag : flags) bits &= ~flag.fBit;
+  return bits == 0;
+}
+
 }  // namespace
 
 void TSchemaWriter::QualifierDecl(const ICIMQualifierDecl& decl) {
+  if (!AreKnown(decl.GetScope(), kScopes) || !AreKnown(decl.GetFlavor(), kFlavors)) {
+    fUnknownBits.Add(decl.GetName());
+  }
   const TCIMValue& value = decl.GetDefaultValue();
   fXML.Markup("<QUALIFIER.DECLARATION").Attribute("NAME", decl.GetName());
   fXML.Attribute("TYPE", KeywordOf(value.GetType()));

@@ -6,6 +6,7 @@
 #include <qdxcore/interfaces.h>
 
 #include "value_writer.h"
+#include "xml/counted_warning.h"
 #include "xml/xml_writer.h"
 
 namespace NVORNQDX20::NCIMXML {
@@ -13,14 +14,16 @@ namespace NVORNQDX20::NCIMXML {
 /// CIM-XML has no elements for properties that are arrays of references, and for methods that
 /// return references; these are left out.
 ///
-/// Scopes and flavors are the bits of <qdxrepository/repository.h>.
+/// Scopes and flavors are the bits of <qdxrepository/repository.h>; others are left out and
+/// counted.
 ///
 /// A class's own value of a property is written as an additional PROPERTY, propagated and with the
 /// qualifier "Static", after the declaration with its default. Inherited declarations are not
 /// repeated.
 class TSchemaWriter {
  public:
-  TSchemaWriter(TXMLWriter& xml, TValueWriter& values) : fXML(xml), fValues(values) {}
+  TSchemaWriter(TXMLWriter& xml, TValueWriter& values, TCountedWarning& unknownBits)
+      : fXML(xml), fValues(values), fUnknownBits(unknownBits) {}
 
   void QualifierDecl(const ICIMQualifierDecl& decl);
   void Class(const ICIMClass& cimClass);
@@ -38,6 +41,7 @@ class TSchemaWriter {
 
   TXMLWriter& fXML;
   TValueWriter& fValues;
+  TCountedWarning& fUnknownBits;
 };
 
 }  // namespace NVORNQDX20::NCIMXML

@@ -29,8 +29,8 @@ class TDocumentWriter {
   void AddNamespace(const ICIMNamespace& ns);
   /// The same under another name than its own.
   void AddNamespace(const ICIMNamespace& ns, const std::string& name);
-  /// Completes the document and closes the file. Warns about replaced characters and about values
-  /// that were left out.
+  /// Completes the document and closes the file. Warns about replaced characters, and about values
+  /// and bits of qualifiers that were left out.
   void Close();
 
   const std::string& GetFile() const;
