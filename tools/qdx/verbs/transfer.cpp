@@ -28,8 +28,8 @@
 #include "cli/failure.h"
 #include "cli/new_file.h"
 #include "cli/output.h"
+#include "transfer_worker.h"
 #include "verbs.h"
-#include "watched.h"
 #include "worker_options.h"
 
 namespace NVORNQDX20 {
@@ -200,7 +200,7 @@ void Transfer(const std::string& action, std::chrono::seconds timeout,
   RequireOwnLibcurl(action);
   ForgetProxies();
   PrintError(action);
-  RunWatched(action, timeout, descriptors, work);
+  RunTransfer(action, timeout, descriptors, work);
 }
 
 EExitCode RunUpload(const TArguments& arguments) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Runs work that may hang, with a timeout.
-#ifndef TOOLS_QDX_VERBS_WATCHED_H_
-#define TOOLS_QDX_VERBS_WATCHED_H_
+/// Runs a transfer, which has no deadline as long as bytes move, in a worker.
+#ifndef TOOLS_QDX_VERBS_TRANSFER_WORKER_H_
+#define TOOLS_QDX_VERBS_TRANSFER_WORKER_H_
 
 #include <chrono>
 #include <functional>
@@ -16,9 +16,9 @@ namespace NVORNQDX20 {
 /// are files and a TCommandFailure.
 ///
 /// Throws a TCommandFailure on failure: that of the work, or "ACTION: reason".
-void RunWatched(const std::string& action, std::chrono::seconds timeout,
-                const std::vector<int>& descriptors, const std::function<void()>& work);
+void RunTransfer(const std::string& action, std::chrono::seconds timeout,
+                 const std::vector<int>& descriptors, const std::function<void()>& work);
 
 }  // namespace NVORNQDX20
 
-#endif  // TOOLS_QDX_VERBS_WATCHED_H_
+#endif  // TOOLS_QDX_VERBS_TRANSFER_WORKER_H_

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "watched.h"
+#include "transfer_worker.h"
 
 #include <qdxplugin_host/worker.h>
 
@@ -21,7 +21,7 @@ namespace {
 using namespace NPluginHost;
 
 /// The kinds of messages.
-enum EWatchedMessage : std::uint8_t {
+enum ETransferMessage : std::uint8_t {
   kProcess = 1,  ///< The number of the worker's process.
   kFailed,       ///< Action, reason; the status.
   kDone,         ///< The exit code.
@@ -47,8 +47,8 @@ void Work(const std::function<void()>& work, const std::string& action, const TS
 
 }  // namespace
 
-void RunWatched(const std::string& action, std::chrono::seconds timeout,
-                const std::vector<int>& descriptors, const std::function<void()>& work) {
+void RunTransfer(const std::string& action, std::chrono::seconds timeout,
+                 const std::vector<int>& descriptors, const std::function<void()>& work) {
   std::int64_t process = 0;
   std::optional<EExitCode> code;
   TWorkerJob job;
