@@ -153,19 +153,22 @@ void EraseOf(const std::string& provider, std::vector<TOfProvider>& all) {
 /// Leaves out a provider whose name is in `files`, with the file of its library, and adds others.
 void RefuseTakenNames(TAskedLibrary& library, std::map<std::string, std::string>& files) {
   std::vector<TAskedProvider> kept;
+  std::string refused;
   for (const TAskedProvider& provider : library.fProviders) {
     const auto [other, isNew] = files.try_emplace(provider.fName, library.fPlugin.fPath);
     if (isNew) {
       kept.push_back(provider);
       continue;
     }
-    library.fLoadFailure = {
-        kQDXStatusInvalidPlugin,
-        "its provider " + provider.fName + " has the name of that in " + other->second};
+    refused += (refused.empty() ? "its provider " : "; its provider ") + provider.fName +
+               " has the name of that in " + other->second;
     EraseOf(provider.fName, library.fNamespaces);
     EraseOf(provider.fName, library.fFailures);
   }
   library.fProviders = std::move(kept);
+  if (refused.empty()) return;
+  if (library.fLoadFailure) refused = library.fLoadFailure->GetReason() + "; " + refused;
+  library.fLoadFailure = {kQDXStatusInvalidPlugin, refused};
 }
 
 /// Of two providers with one name, that of the library that is installed with the command is kept,
