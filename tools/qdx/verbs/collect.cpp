@@ -223,6 +223,7 @@ class TCollection {
   void WriteTo(const std::string& file) {
     if (file == "-") {
       Write(file, "standard output");
+      fWriter.RequireContents(file, "standard output");
       return CopyToOutput(fWriter.GetOutput());
     }
     // Consumers may select the format by the suffix.
@@ -232,6 +233,7 @@ class TCollection {
     const fs::path path = fs::absolute(FileToReplace(file));
     TNewFile newFile(path.parent_path().string(), suffix, file);
     Write(newFile.GetPath(), file);
+    fWriter.RequireContents(newFile.GetPath(), file);
     newFile.Publish(path.string());
     WriteFileName(file);
   }
@@ -255,7 +257,8 @@ class TCollection {
     }
   }
 
-  /// For devices and pipes, which a file cannot replace: they get what is complete.
+  /// For devices and pipes, which a file cannot replace: they get what is complete. That is nothing
+  /// if the consumer sends the data elsewhere, and the operator gives /dev/null.
   void WriteInto(const std::string& file, const std::string& suffix) {
     std::error_code error;
     const fs::path folder = fs::temp_directory_path(error);

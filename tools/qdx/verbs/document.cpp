@@ -6,6 +6,8 @@
 
 #include <utility>
 
+#include <sys/stat.h>
+
 #include <boost/algorithm/string/replace.hpp>
 
 #include "worker_options.h"
@@ -55,6 +57,9 @@ TPluginWriter::TPluginWriter(const std::string& consumer, const TWorkerLimits& l
   if (consumer == kService) return;  // it is our own: Write() notices if it is missing
   const TAskedConsumer answer = std::move(AskConsumers({fPlugin}, limits, ShowWaiting()).front());
   if (answer.fLoadFailure) FailToLoad(*answer.fLoadFailure);
+  if (!answer.fFailure) return;
+  throw TCommandFailure(kExitNothingCollected, "asking for the name of consumer " + consumer,
+                        *answer.fFailure);
 }
 
 void TPluginWriter::FailToLoad(const TExplainedException& failure) const {
@@ -86,6 +91,16 @@ std::optional<TProviderFailure> TPluginWriter::Write(
     throw TCommandFailure(kExitBadInput, action, why);
   }
   return TProviderFailure{namespaces.at(answer.fConsumed).fOrigin, "writing", why};
+}
+
+void TPluginWriter::RequireContents(const std::string& file, const std::string& shownAs) const {
+  struct stat status {};
+  const bool isKnown =
+      (file == "-" ? ::fstat(fOutput.Get(), &status) : ::stat(file.c_str(), &status)) == 0;
+  if (!isKnown || status.st_size != 0) return;  // writing to the disk explains what is not there
+  throw TCommandFailure(
+      kExitNothingCollected, "writing document " + shownAs,
+      {kQDXStatusInvalidPlugin, "consumer " + fPlugin.fService + " wrote nothing"});
 }
 
 /// Names the consumer, unless it is the default one. Many plug-ins name themselves and the file.

@@ -42,6 +42,10 @@ class TPluginWriter {
   std::optional<TProviderFailure> Write(const std::vector<TMachineNamespace>& namespaces,
                                         const std::string& file, const std::string& shownAs);
 
+  /// Throws a TCommandFailure if the file, or for "-" the output, is empty: a document without a
+  /// namespace looks like a success.
+  void RequireContents(const std::string& file, const std::string& shownAs) const;
+
   /// Returns the file with what was written last as "-".
   int GetOutput() const { return fOutput.Get(); }
   /// Returns whether the plug-in warned that the document is not complete.
