@@ -146,7 +146,7 @@ TEST_F(QDXCollect, BeginsAnewWithoutWhatAConsumerRefuses) {
   const std::string collect = "\"$0\" collect --root \"$1\" --consumer picky --provider sample ";
   const TProgramRun run = RunScript(collect + "--provider linux -o x; s=$?; cat x; exit $s");
   EXPECT_EQ(run.fExitCode, 3);
-  EXPECT_EQ(run.fOutput, "x\nroot/cimv2\nroot/qdx\n");
+  EXPECT_EQ(run.fOutput, "x\nroot/cimv2 of linux\nroot/qdx\n");
   EXPECT_EQ(run.fErrors,
             "qdx: shortened root/cimv2\nqdx: shortened root/sample\n"
             "qdx: writing root/sample of provider sample: consumer picky: not that one\n"

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include <dlfcn.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -49,6 +50,18 @@ inline void FreeTwice() {
   void* volatile memory = ::operator new(24);
   ::operator delete(memory);
   ::operator delete(memory);  // NOLINT(clang-analyzer-cplusplus.NewDelete): that is the mistake
+}
+
+/// The only socket: that through which the worker delivers.
+inline int WorkerSocket() {
+  int socket = 3;
+  const auto isPacketSocket = [&socket] {
+    int type = 0;
+    socklen_t size = sizeof type;
+    return ::getsockopt(socket, SOL_SOCKET, SO_TYPE, &type, &size) == 0 && type == SOCK_SEQPACKET;
+  };
+  while (!isPacketSocket()) ++socket;
+  return socket;
 }
 
 inline void Misbehave(const std::string& what) {
@@ -87,6 +100,12 @@ inline void Misbehave(const std::string& what) {
     Sleep();
   }
   if (what == "stop") std::raise(SIGSTOP);
+  if (what == "noise") (void)::send(WorkerSocket(), "what is no message", 18, 0);
+  if (what == "lost") {  // its supervisor
+    LeaveOrphan(true);
+    ::kill(::getppid(), SIGKILL);
+    Sleep();
+  }
   if (what == "change") {  // harms nobody in a process of its own
     std::setlocale(LC_ALL, "");
     ::umask(0777);

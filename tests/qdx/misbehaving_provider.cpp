@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // A provider that does something wrong in one of its operations: init, name, list, open, read (an
-// enumeration) or end (its destructor).
+// enumeration) or end (its destructor). "forge" sends answers as if it were the worker, and "odd"
+// has what is hard to deliver.
 #include <qdxcore/registry.h>
+#include <qdxplugin_host/message.h>
+#include <qdxsystem/unnamed_file.h>
+#include <qdxsystem/write.h>
 
 #include "qdx/misbehaving.h"
 #include "support/class_builder.h"
@@ -23,6 +27,50 @@ void Do(const std::string& where) {
   if (Service().compare(0, end, where) == 0) Misbehave(Service().substr(end + 1));
 }
 
+/// References to the own class, to a later one and to another namespace; characters that XML cannot
+/// hold; unknown bits of a qualifier's scope.
+::TNamespace MakeOdd() {
+  ::TNamespace ns = MakeNamespace();
+  const ::TNamespace other = MakeRepositoryNamespace("root/other");
+  AddClass(other, "Foreign", {{"Key", ""}});
+  AddInstance(other, "Foreign", {{"Key", "2"}});
+  const auto own = ns->CreateClass("Odd", nullptr, {});
+  TCIMValue toOwn(TCIMValue::TCIMType::kCIMTypeReference, 0);
+  toOwn.SetReferencedClass(own);
+  Qualify(ns, own->CreatePropertyDecl("Key", "", {}), "Key", true)->Commit();
+  own->CreatePropertyDecl("Text", "", {})->Commit();
+  for (const char* name : {"ToItself", "ToLater"})
+    own->CreatePropertyDecl(name, toOwn, {})->Commit();
+  own->CreatePropertyDecl("ToOther", NullReference(other, "Foreign"), {})->Commit();
+  own->Commit({});
+  AddClass(ns, "Later", {}, {}, own);
+  AddInstance(ns, "Later", {{"Key", "2"}});
+  ns->CreateQualifierDecl("Strange", false, 1U << 30U, 1U << 30U, {})->Commit();
+  const auto odd = AddInstance(ns, "Odd",
+                               {{"Key", "1"},
+                                {"Text", std::string("a\0\1b", 4)},
+                                {"ToLater", ReferenceTo(ns, "Later.Key=\"2\"")},
+                                {"ToOther", ReferenceTo(other, "Foreign.Key=\"2\"")}});
+  odd->SetPropertyValue("ToItself", ReferenceTo(ns, "Odd.Key=\"1\""), {});
+  return ns;
+}
+
+void Forge(const std::string& what, const std::string& own) {
+  constexpr std::uint8_t provider = 3, document = 6;  // kinds of messages
+  const NPluginHost::TSender worker(WorkerSocket());
+  const auto deliver = [&worker](const std::string& of, const std::string& ns,
+                                 const std::string& contents) {
+    TDescriptor file = OpenUnnamedFile();
+    if (WriteAll(file.Get(), contents)) worker.Send(document, {of, ns}, 0, std::move(file));
+  };
+  if (what == "cut") deliver(own, "root/" + own, "<?xml version=\"1.0\"?>\n<CIM CIMVERSION=");
+  if (what == "text") deliver(own, "root/" + own, "no document");
+  if (what == "empty") deliver(own, "root/" + own, "");
+  if (what == "other") deliver("linux", "root/cimv2", "");
+  if (what == "pipe") worker.Send(document, {own, "root/" + own}, 0, OpenPipe().fReadEnd);
+  if (what == "linux") worker.Send(provider, {"linux"});
+}
+
 class TMisbehavingProvider : public INamespaceProvider {
  public:
   // NOLINTNEXTLINE(bugprone-exception-escape): one of the mistakes
@@ -41,10 +89,13 @@ class TMisbehavingProvider : public INamespaceProvider {
 
   boost::shared_ptr<ICIMNamespace> GetNamespace(const std::string&, TOptionsMap) override {
     Do("open");
+    if (Service() == "odd") return MakeOdd();
+    if (Service().compare(0, 6, "forge_") == 0) Forge(Service().substr(6), fName);
     const ::TNamespace ns = MakeNamespace();
     AddClass(ns, "A", {{"Key", ""}}, {{"Text", "x"}});
     AddInstance(ns, "A", {{"Key", "1"}});
     const auto faults = boost::make_shared<TFaults>();
+    faults->fIsEndless = Service() == "read_endless";
     faults->fWatch = [](const std::string& call) {
       if (call.find("EnumerateInstances") != call.npos) Do("read");
     };

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// Consumer "picky": writes the names of namespaces, warns of each, and refuses root/sample.
+// Consumer "picky": writes the names of namespaces and of the providers that have them, warns of
+// each, and refuses root/sample.
 #include <qdxcore/interfaces.h>
 #include <qdxcore/logger.h>
+#include <qdxcore/registry.h>
 
 #include <fstream>
 
@@ -17,7 +19,21 @@ class TPickyConsumer : public INamespaceConsumer {
     const std::string name = ns->GetName({});
     LogMessage(ILogger::kLogWarning, {"shortened ", name});
     if (name == "root/sample") LogErrorAndThrow(kQDXStatusNotSupported, {"not that one"});
-    std::ofstream(std::string(options["file"]), std::ios::app) << name << "\n";
+    std::ofstream file{std::string(options["file"]), std::ios::app};
+    file << name;
+    boost::function<bool(boost::shared_ptr<INamespaceProvider>)> write = [&](const auto& provider) {
+      provider->EnumerateNamespaceNames(
+          [&](const std::string& each) {
+            if (each == name && provider->GetNamespace(each, {})->GetName({}) == name) {
+              file << " of " << provider->GetName({});
+            }
+            return true;
+          },
+          {});
+      return true;
+    };
+    TRootObject::GetNamespaceProviderManager()->EnumerateNamespaceProviders(write);
+    file << "\n";
   }
 
  private:

@@ -46,6 +46,8 @@ struct TFaults {
   boost::function<void(const std::string&)> fWatch;
   /// Classes then enumerate only the declarations that they do not inherit, as they may.
   bool fHidesInherited = false;
+  /// Classes then enumerate their instances again and again.
+  bool fIsEndless = false;
   std::map<std::string, int> fCalls;
   std::map<std::pair<std::string, int>, NVORNQDX20::EQDXStatusCode> fFaults;
 };
@@ -223,9 +225,18 @@ struct TFaulty<ICIMClass> final : TElementWrapper<ICIMClass> {
   FAULTY(TPtr<ICIMInstance>, CreateInstance, (TOptions o), (o))
   FAULTY(TPtr<ICIMInstance>, GetInstance, (const TCIMReference& r, TOptions o) const, (r, o))
   FAULTY(void, EnumerateInstances, (TEach<ICIMInstance> v, bool d, TOptions o) const,
-         (Wrap(v), d, o))
+         (Repeated(Wrap(v)), d, o))
   FAULTY(TPtr<ICIMMethodDecl>, CreateMethodDecl, (TName n, TType t, TOptions o), (n, t, o))
   FAULTY(void, EnumerateMethodDecls, (TEach<ICIMMethodDecl> v, TOptions o) const, (Wrap(v), o))
+
+  TEnumerationCallback<ICIMInstance> Repeated(TEach<ICIMInstance> visit) const {
+    return [this, visit](const auto& real) {
+      while (visit(real)) {
+        if (!fFaults->fIsEndless) return true;
+      }
+      return false;
+    };
+  }
 
   TEnumerationCallback<ICIMPropertyDecl> ButInherited(
       const TEnumerationCallback<ICIMPropertyDecl>& visit) const {
