@@ -63,9 +63,9 @@ TEST_F(QDXMisbehavingPlugins, AreNamedAndChangeNothingElse) {
     for (const std::string& what : mistakes) {
       const std::string service = place + "_" + what;
       Add(service);
-      // What can only cost it what it has delivered already.
+      // It has delivered everything.
       const bool isLast = place == "end" && (what == "close" || what == "quick" ||
-                                             what == "noise" || what.find("it") == what.size() - 2);
+                                             what.find("it") == what.size() - 2);
       const bool isHarmless = what == "orphan" || what == "setsid" || what == "change";
       (isLast || isHarmless ? complete : named).push_back(service);
     }
