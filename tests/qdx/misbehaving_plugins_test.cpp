@@ -125,8 +125,8 @@ TEST_F(QDXMisbehavingPlugins, LeaveNoFileIfTheyAreConsumers) {
       "'; for where in init create name write end; do for what in hang busy segv abort exit _exit "
       "quick foreign one stack alloc twice close print orphan setsid forks block stop change noise "
       "lost; do (d=${where}_$what; mkdir $d; cd $d; export QDX_MISBEHAVE=$d; "
-      "\"$0\" collect --consumer misbehaving --timeout 1 --memory 200 --provider linux -o x 2>&1; "
-      "echo $where $what $? $(ls)) >$where$what & done; wait; cat $where*; done");
+      "\"$0\" collect --consumer misbehaving --timeout 3 --memory 200 --provider linux -o x 2>&1; "
+      "echo $where $what $? $(ls)) >$where-$what & done; wait; cat $where-*; done");
   std::istringstream lines(run.fOutput);
   int results = 0;
   std::string errors;

@@ -56,7 +56,7 @@ void Do(const std::string& where) {
 }
 
 void Forge(const std::string& what, const std::string& own) {
-  constexpr std::uint8_t provider = 3, document = 6;  // kinds of messages
+  constexpr std::uint8_t provider = 3, document = 7;  // kinds in provider_worker.h
   const NPluginHost::TSender worker(WorkerSocket());
   const auto deliver = [&worker](const std::string& of, const std::string& ns,
                                  const std::string& contents) {
