@@ -10,9 +10,9 @@
 #include <sstream>
 
 #include "classes/catalogue.h"
-#include "sources/cpu_list.h"
 #include "sources/fields.h"
 #include "sources/os_release.h"
+#include "sources/processors/topology.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -127,18 +127,11 @@ TReading<std::uint32_t> CountProcesses(const THost& host) {
       });
 }
 
-TReading<TCPUs> ReadCPUs(const THost& host, const char* file) {
-  const std::string path = std::string("/sys/devices/system/cpu/") + file;
-  return host.Read(path).and_then([&](const std::string& list) -> TReading<TCPUs> {
-    if (auto cpus = ParseCPUList(list.substr(0, list.find('\n')))) return *cpus;
-    return host.MissingFrom(path, "no list of processors");
-  });
-}
-
 /// The file "offline" is no use: it also lists the numbers up to the maximum of the kernel.
 TText ReadOfflineProcessors(const THost& host) {
-  return ReadCPUs(host, "present").and_then([&host](const TCPUs& present) {
-    return ReadCPUs(host, "online").map([&present](const TCPUs& online) {
+  const auto& lists = host.Shared<TCPULists>();
+  return lists.fPresent.and_then([&lists](const TCPUs& present) {
+    return lists.fOnline.map([&present](const TCPUs& online) {
       TCPUs offline;
       std::set_difference(present.begin(), present.end(), online.begin(), online.end(),
                           std::inserter(offline, offline.end()));

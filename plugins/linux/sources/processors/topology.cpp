@@ -32,8 +32,8 @@ TCPUs ListFolders(const TFiles& files) {
 }
 
 /// Kernels before 2.6.26 have no list of what is online.
-TCPUs ReadOnline(const TFiles& files, const TCPUs& folders) {
-  if (const auto online = ReadCPUSet(files, "online", "")) return *online;
+TCPUs ReadOnline(const THost& host, const TFiles& files, const TCPUs& folders) {
+  if (const auto& listed = host.Shared<TCPULists>().fOnline) return *listed;
   TCPUs online;
   for (const unsigned cpu : folders) {
     if (files.ReadFlag("cpu" + std::to_string(cpu) + "/online").ValueOr(true)) online.insert(cpu);
@@ -318,6 +318,8 @@ void Summarise(const TFiles& files, const TCPUInfo& info, TSocket& socket) {
   }
   const std::string names = JoinNames(socket);
   if (!names.empty()) socket.fModel.fName = names;
+  // Long, and the same in all cores.
+  for (TCore& core : socket.fCores) core.fModel.fFlags = core.fModel.fBugs = TWords();
 }
 
 /// Describes a socket that only firmware knows.
@@ -353,12 +355,16 @@ TReading<TCPUs> ReadCPUSet(const TFiles& files, const std::string& list, const s
   });
 }
 
+TCPULists::TCPULists(const THost& host)
+    : fPresent(ReadCPUSet(host.In(TTopology::kFolder), "present", "")),
+      fOnline(ReadCPUSet(host.In(TTopology::kFolder), "online", "")) {}
+
 TTopology::TTopology(const THost& host) {
   const TFiles files = host.In(kFolder);
   const auto& info = host.Shared<TCPUInfo>();
   const TCPUs folders = ListFolders(files);
-  TCPUs online = ReadOnline(files, folders);
-  fOffline = ReadCPUSet(files, "present", "").ValueOr(folders);
+  TCPUs online = ReadOnline(host, files, folders);
+  fOffline = host.Shared<TCPULists>().fPresent.ValueOr(folders);
   Take(online, fOffline);
 
   std::vector<TRawSocket> raw = SocketsOfSysfs(files, Take(folders, online));

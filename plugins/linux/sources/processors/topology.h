@@ -26,7 +26,7 @@ struct TCore {
   TReading<std::uint32_t> fNumber, fDie, fCluster;
   TText fType;  ///< "Performance" or "Efficiency", where a processor has cores of several kinds.
   TClockRange fClock;
-  TCPUModel fModel;
+  TCPUModel fModel;  ///< Without flags and bugs.
 };
 
 struct TSocket {
@@ -37,6 +37,14 @@ struct TSocket {
   TClockRange fClock;  ///< Of its fastest and its slowest core.
   TCPUModel fModel;    ///< Of its first logical processor; the names of all kinds of cores.
   TReading<TSMBIOSStructure> fFirmware;  ///< What firmware says about it: type 4.
+};
+
+/// The kernel's lists of logical processors.
+struct TCPULists {
+  explicit TCPULists(const THost& host);
+
+  TReading<TCPUs> fPresent;
+  TReading<TCPUs> fOnline;
 };
 
 /// The processors of a machine of which at least a part is online.
