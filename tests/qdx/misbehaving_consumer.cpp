@@ -28,6 +28,8 @@ class TMisbehavingConsumer : public INamespaceConsumer {
   }
 
   void Consume(boost::shared_ptr<ICIMNamespace> ns, TOptionsMap options) override {
+    const char* const mistake = std::getenv("QDX_MISBEHAVE");
+    if (mistake != nullptr && std::string(mistake) == "silent") return;
     std::ofstream(std::string(options["file"]), std::ios::app) << ns->GetName({}) << std::endl;
     Do("write");
   }

@@ -144,6 +144,13 @@ TEST_F(QDXMisbehavingPlugins, LeaveNoFileIfTheyAreConsumers) {
   }
   EXPECT_EQ(results, 5 * 22);
   EXPECT_FALSE(IsAnyLeft(fInstallation));
+  const TProgramRun silent = fInstallation.RunScript(
+      "cd '" + fTree.Path().string() +
+      "'; export QDX_MISBEHAVE=silent; for f in ./x - /dev/null; do "
+      "\"$0\" collect --consumer misbehaving --provider linux -o $f; echo $?; done; ls x");
+  EXPECT_EQ(silent.fOutput, "5\n5\n0\n");
+  EXPECT_PRED_FORMAT2(IsSubstring, "writing document ./x: consumer misbehaving wrote nothing\n",
+                      silent.fErrors);
 }
 
 TEST_F(QDXMisbehavingPlugins, EndWithTheCommand) {
