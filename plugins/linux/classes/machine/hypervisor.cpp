@@ -20,12 +20,13 @@ TClass HypervisorClass() {
       "VORNSG_Hypervisor",
       "The hypervisor that runs this machine.",
       ListHypervisor,
-      {{"InstanceID", "The same on all machines, since none has two.",
+      {{"InstanceID", "Always the same: a machine has one hypervisor.",
         Constant("VORNSG:hypervisor"), kKey},
        {"Name", "By which the hypervisor is known.", &THypervisor::fName},
        {"Manufacturer", "Its maker.", &THypervisor::fVendor},
        {"Version", "Its version.", &THypervisor::fVersion},
-       {"VirtualizationType", "Whether the system has to be made for it: full, or para.",
+       {"VirtualizationType",
+        "\"full\" if any system runs on it, \"para\" if the system must be made for it.",
         &THypervisor::fType},
        {"Evidence", "By what it was recognised.", &THypervisor::fEvidence}}};
 }
