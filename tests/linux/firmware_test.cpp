@@ -57,7 +57,8 @@ Board: Manufacturer=Vendor; Model=Main; SerialNumber=M1; HostingBoard=true; Remo
 Board: Replaceable=true; Location=MIDDLE; BoardType=10
 Board 2: Manufacturer=Old
 BIOS: Version=F4; ReleaseDate=20181004000000.000000+000; SystemRelease=5.14; ROMSize=34359738368
-BIOS: SMBIOSVersion=3.2; UEFI=false
+BIOS: SMBIOSVersion=3.2
+BIOS: UEFI=/sys/firmware/efi: No such file or directory
 Memory Array: Use=3; ErrorCorrection=6; MaximumMemoryCapacity=1099511627776; NumberOfSlots=5
 A DIMM 0: Capacity=17179869184; Manufacturer=Acme; SerialNumber=S1; PartNumber=P1; MemoryType=26
 A DIMM 0: FormFactor=8; MaxMemorySpeed=2656; Ranks=2; ConfiguredVoltage=1200; TotalWidth=72

@@ -50,9 +50,31 @@ struct TDMIField {
   std::uint8_t fType;
   std::size_t fOffset;
 };
-constexpr TDMIField kDMIFields[] = {{"sys_vendor", 1, 0x04},      {"product_name", 1, 0x05},
-                                    {"product_version", 1, 0x06}, {"product_serial", 1, 0x07},
-                                    {"product_sku", 1, 0x19},     {"product_family", 1, 0x1A}};
+constexpr TDMIField kDMIFields[] = {
+    {"bios_vendor", 0, 0x04},    {"bios_version", 0, 0x05},     {"bios_date", 0, 0x08},
+    {"sys_vendor", 1, 0x04},     {"product_name", 1, 0x05},     {"product_version", 1, 0x06},
+    {"product_serial", 1, 0x07}, {"product_sku", 1, 0x19},      {"product_family", 1, 0x1A},
+    {"board_vendor", 2, 0x04},   {"board_name", 2, 0x05},       {"board_version", 2, 0x06},
+    {"board_serial", 2, 0x07},   {"chassis_vendor", 3, 0x04},   {"chassis_version", 3, 0x06},
+    {"chassis_serial", 3, 0x07}, {"chassis_asset_tag", 3, 0x08}};
+
+TText ReadDMIFile(const TFiles& files, const std::string& name) {
+  const TFiles folder = files.In("/sys/class/dmi/id");
+  if (folder.IsAbsent("")) {
+    return Missing("no DMI table: " + folder.PathOf("") + " does not exist");
+  }
+  TText reading = folder.ReadLine(name);
+  if (reading && IsPlaceholder(*reading)) {
+    return folder.MissingFrom(name, "placeholder text '" + *reading + "'");
+  }
+  return reading;
+}
+
+/// The files that have been read.
+struct TDMIFiles {
+  explicit TDMIFiles(const THost&) {}
+  mutable std::map<std::string, TText> fTexts;
+};
 
 struct TSharedSMBIOS {
   explicit TSharedSMBIOS(const THost& host) : fReading(ReadSMBIOS(host)) {}
@@ -75,15 +97,11 @@ TText THost::ReadDMIString(const std::string& name) const {
     const auto structures = smbios->OfType(field->fType);
     if (!structures.empty()) return structures.front().ReadString(field->fOffset);
   }
-  const TFiles folder = In("/sys/class/dmi/id");
-  if (folder.IsAbsent("")) {
-    return Missing("no DMI table: " + folder.PathOf("") + " does not exist");
-  }
-  TText reading = folder.ReadLine(name);
-  if (reading && IsPlaceholder(*reading)) {
-    return folder.MissingFrom(name, "placeholder text '" + *reading + "'");
-  }
-  return reading;
+  // Several classes ask for the same file.
+  auto& texts = Shared<TDMIFiles>().fTexts;
+  const auto known = texts.find(name);
+  return known != texts.end() ? known->second
+                              : texts.emplace(name, ReadDMIFile(*this, name)).first->second;
 }
 
 const TReading<TSMBIOS>& THost::GetSMBIOS() const { return Shared<TSharedSMBIOS>().fReading; }

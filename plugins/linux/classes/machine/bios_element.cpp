@@ -70,8 +70,11 @@ TText ReadSMBIOSVersion(const TPhysicalElement&, const THost& host) {
   });
 }
 
-bool IsStartedByUEFI(const TPhysicalElement&, const THost& host) {
-  return !host.IsAbsent("/sys/firmware/efi");
+/// An incomplete copy may lack the folder, too.
+TReading<bool> ReadUEFI(const TPhysicalElement&, const THost& host) {
+  if (!host.IsAbsent("/sys/firmware/efi")) return true;
+  if (host.IsThisMachine() || !host.IsAbsent("/sys/firmware/acpi")) return false;
+  return host.MissingFrom("/sys/firmware/efi", "No such file or directory");
 }
 
 }  // namespace
@@ -98,7 +101,7 @@ TClass BIOSElementClass() {
         Release(0x16, "ec_firmware_release")},
        {"ROMSize", "The memory chip that it is in.", ReadROMSize, TUnit{"byte"}},
        {"SMBIOSVersion", "The version of the table that describes the machine.", ReadSMBIOSVersion},
-       {"UEFI", "Whether the running system was started by UEFI.", IsStartedByUEFI}}};
+       {"UEFI", "Whether the running system was started by UEFI.", ReadUEFI}}};
 }
 
 }  // namespace NVORNQDX20

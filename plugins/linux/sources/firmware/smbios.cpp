@@ -19,6 +19,8 @@ constexpr std::size_t kHeaderSize = 4;
 constexpr std::uint8_t kEndOfTable = 127;
 /// Handles have 16 bits, and no two structures of a sound table share one.
 constexpr std::size_t kMaxStructures = 65536;
+/// The strings of sound tables have some dozen characters.
+constexpr std::size_t kMaxString = 4096;
 const char* const kFolder = "/sys/firmware/dmi";
 
 std::uint8_t ByteOf(std::string_view bytes, std::size_t offset) {
@@ -86,6 +88,7 @@ TReading<std::string> TSMBIOSStructure::ReadString(std::size_t offset) const {
       return MissingFrom("has no string " + std::to_string(*number));
     }
     if (index == *number) {
+      if (end > kMaxString) return MissingFrom("string " + std::to_string(index) + " is too long");
       std::string text = PrintableText(strings.substr(0, end));
       if (text.empty()) return MissingFrom("not specified");
       if (IsPlaceholder(text)) return MissingFrom("placeholder text '" + text + "'");
