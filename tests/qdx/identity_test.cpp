@@ -16,6 +16,17 @@ class QDXIdentity : public ::testing::Test {
     fTree.Write("proc/sys/kernel/hostname", "srv1\n");
     fTree.Write("proc/sys/kernel/ostype", "Linux\n");
     fTree.Write("etc/os-release", "NAME='Server OS'\nVERSION_ID=9.3\n");
+    for (const std::string name : {"0", "1"}) {
+      fTree.Write("sys/devices/system/memory/memory" + name + "/state", "online\n");
+    }
+    fTree.Write("sys/devices/system/memory/block_size_bytes", "60000000\n");
+    for (const std::string name : {"sda", "sdb", "sdc"}) {
+      fTree.Write("sys/block/" + name + "/device/model", "Disk\n");
+      fTree.Write("sys/block/" + name + "/size", name == "sdb" ? "7814037168\n" : "937703088\n");
+    }
+    fTree.Write("proc/cpuinfo",
+                "processor\t: 0\nphysical id\t: 0\nmodel name\t: Xeon 8\ncpu cores\t: 1\n\n"
+                "processor\t: 1\nphysical id\t: 0\nmodel name\t: Xeon 8\ncpu cores\t: 1\n");
   }
   void WriteDMI(const std::string& name, const std::string& text) const {
     fTree.Write("sys/class/dmi/id/" + name, text + "\n");
@@ -33,6 +44,7 @@ TEST_F(QDXIdentity, IsPrintedForPeople) {
   const TProgramRun run = Run({});
   EXPECT_EQ(run.fOutput,
             "System name       srv1\n"
+            "Manufacturer      -  (/sys/class/dmi/id/sys_vendor: No such file or directory)\n"
             "Product name      Loftnode -[47111AB]-\n"
             "Machine type      4711\n"
             "Model             1AB\n"
@@ -40,6 +52,9 @@ TEST_F(QDXIdentity, IsPrintedForPeople) {
             "Operating system  Server OS\n"
             "Version           9.3\n"
             "OS type           36 (LINUX)\n"
+            "Processors        1 x Xeon 8 (1 core, 2 threads)\n"
+            "Memory            3 GiB\n"
+            "Disks             3 (2 x 480.1 GB, 4 TB)\n"
             "QDX version       " QDXCORE_VERSION "\n");
   EXPECT_EQ(run.fErrors, "");
   EXPECT_EQ(run.fExitCode, 0);
@@ -48,13 +63,30 @@ TEST_F(QDXIdentity, IsPrintedForPeople) {
 TEST_F(QDXIdentity, IsPrintedAsJSON) {
   WriteDMI("product_name", "Loftnode -[4711]-");
   WriteDMI("product_serial", "AB-123456");
-  nlohmann::json expected = nlohmann::json::parse(R"({
+  WriteDMI("sys_vendor", "VORN");
+  WriteDMI("product_family", "Lofts");
+  nlohmann::json expected = nlohmann::json::parse(R"json({
       "systemName": "srv1", "productName": "Loftnode -[4711]-", "machineType": "4711",
       "model": null, "serialNumber": "AB-123456", "operatingSystem": "Server OS",
       "version": "9.3", "osType": 36, "notes": {"serialNumber": "not seven letters or digits"},
-      "absent": {"model": "not in the product name"}})");
+      "manufacturer": "VORN", "family": "Lofts", "sku": null, "memory": "3 GiB",
+      "processors": "1 x Xeon 8 (1 core, 2 threads)", "disks": "3 (2 x 480.1 GB, 4 TB)",
+      "absent": {"model": "not in the product name",
+                 "sku": "/sys/class/dmi/id/product_sku: No such file or directory"}})json");
   expected["qdxVersion"] = QDXCORE_VERSION;
   EXPECT_EQ(nlohmann::json::parse(Run({"--json"}).fOutput), expected);
+}
+
+/// "DRACHMA" is no type DRAC with model HMA.
+TEST_F(QDXIdentity, TakesTypeAndModelFromBracketsOnly) {
+  WriteDMI("product_name", "DRACHMA");
+  WriteDMI("product_sku", "S-1");
+  const std::string output = Run({}).fOutput;
+  EXPECT_EQ(output.find("Machine type"), std::string::npos);
+  EXPECT_NE(output.find("\nSKU               S-1\n"), std::string::npos) << output;
+  const auto document = nlohmann::json::parse(Run({"--json"}).fOutput);
+  EXPECT_EQ(document["machineType"], nullptr);
+  EXPECT_EQ(document["absent"]["machineType"], "not in the product name");
 }
 
 TEST_F(QDXIdentity, NeedsARootOfWhichSomethingIsKnown) {
@@ -79,7 +111,7 @@ TEST_F(QDXIdentity, WritesALog) {
   ASSERT_EQ(Run({"--log", log}).fExitCode, 0);
   EXPECT_EQ(ReadWholeFile(log).find(line), std::string::npos);
   EXPECT_NE(ReadWholeFile(log).find("VORNSG_OperatingSystem"), std::string::npos);
-  EXPECT_EQ(ReadWholeFile(log).find("VORNSG_Processor"), std::string::npos);  // not asked for
+  EXPECT_EQ(ReadWholeFile(log).find("VORNSG_FileSystem"), std::string::npos);  // not asked for
   ASSERT_EQ(Run({"--log=" + log, "--log-level", "debug"}).fExitCode, 0);
   EXPECT_NE(ReadWholeFile(log).find(line), std::string::npos);
   EXPECT_NE(ReadWholeFile(log).find("-- QDX Log Closed"), std::string::npos);

@@ -2,8 +2,14 @@
 // The verb identity.
 #include <qdxcore/schema_helper.h>
 #include <qdxdescribe/missing_values.h>
+#include <qdxdescribe/numbers.h>
+#include <qdxmodel/classes.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
+#include <iterator>
+#include <map>
 
 #include <qdxsnapshot/value_json.h>
 #include "cli/output.h"
@@ -20,6 +26,11 @@ using TNamespace = boost::shared_ptr<ICIMNamespace>;
 using TQuery = std::function<TJSON(TNamespace)>;
 
 const char* const kProductClassName = "VORNSG_QDXProduct";
+const char* const kProcessorClassName = "VORNSG_Processor";
+const char* const kMemoryClassName = "VORNSG_Memory";
+const char* const kModuleClassName = "VORNSG_PhysicalMemory";
+const char* const kDiskClassName = "VORNSG_DiskDrive";
+const char* const kMachineTypeKey = "machineType";
 
 /// One line of the output. Class and property determine the reason for a missing value.
 struct TItem {
@@ -32,14 +43,65 @@ struct TItem {
   TQuery fRawQuery = nullptr;           ///< Used instead in that case, with this remark.
 };
 
+using TInstances = std::vector<boost::shared_ptr<ICIMInstance>>;
+
 struct TAnswer {
   TItem fItem;
   TJSON fValue;         ///< Null if it is missing.
   std::string fRemark;  ///< Why it is missing, or what is unusual about it.
 };
 
+/// The instances of a class and its subclasses; none if the provider has no such class.
+TInstances InstancesOf(const TNamespace& ns, const std::string& className) {
+  TInstances all;
+  TryUnlessOutOfMemory([&] {
+    for (const auto& cimClass : NModel::WithSubclasses(ns->GetClass(className, {}))) {
+      for (auto& instance : NModel::InstancesOf(*cimClass)) all.push_back(std::move(instance));
+    }
+  });
+  return all;
+}
+
+/// Null if the class has no such property.
+TCIMValue ValueOf(const ICIMInstance& instance, const std::string& property) {
+  TCIMValue value;
+  TryUnlessOutOfMemory([&] { value = instance.GetProperty(property, {})->GetValue(); });
+  return value;
+}
+
+/// Returns 0 for null and for what is not a number.
+std::uint64_t NumberOf(const ICIMInstance& instance, const std::string& property) {
+  const TCIMValue value = ValueOf(instance, property);
+  return value.IsNull() ? 0 : NDescribe::ParseNumber(value.ToString(10)).value_or(0);
+}
+
+/// Returns a query of a text of the machine.
+TQuery SystemText(const char* property) {
+  return [property](const TNamespace& ns) -> TJSON {
+    for (const auto& system : InstancesOf(ns, THelper::kSystemCreationClassName)) {
+      const TCIMValue value = ValueOf(*system, property);
+      if (!value.IsNull()) return value.ToString(10);
+    }
+    throw TQDXException(kQDXStatusValueIsNULL);
+  };
+}
+
+/// Throws unless the product name has machine type and model in brackets: other texts of seven
+/// letters are products of other makers.
+void CheckMTM(const TNamespace& ns) {
+  if (THelper::GetRawMTMString(ns).find("-[") == std::string::npos) {
+    throw TQDXException(kQDXStatusInvalidFormat);
+  }
+}
+
+std::string QueryMachineType(TNamespace ns) {
+  CheckMTM(ns);
+  return THelper::GetMachineType(ns);
+}
+
 /// Throws for "xxx", the placeholder for a model that the product name does not have.
 std::string QueryModel(TNamespace ns) {
+  CheckMTM(ns);
   std::string model = THelper::GetModelNumber(ns);
   if (model == "xxx") throw TQDXException(kQDXStatusInvalidFormat);
   return model;
@@ -53,28 +115,121 @@ std::string QueryRawSerialNumber(TNamespace ns) {
 
 std::string QueryVersion(TNamespace ns) { return THelper::GetDataSourceVersion(ns, {}); }
 
+std::string CountOf(std::uint64_t count, const char* one, const char* many) {
+  return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+/// Returns for example "1.5 TB" or "64 GiB": at most one digit after the point.
+std::string SizeText(std::uint64_t bytes, unsigned int unit, const char* const (&names)[6]) {
+  std::size_t name = 0;
+  double size = static_cast<double>(bytes);
+  while (size >= unit && name + 1 < std::size(names)) {
+    size /= unit;
+    ++name;
+  }
+  std::array<char, 32> text{};
+  std::snprintf(text.data(), text.size(), "%.1f", size);
+  std::string number = text.data();
+  if (number.compare(number.size() - 2, 2, ".0") == 0) number.resize(number.size() - 2);
+  return number + " " + names[name];
+}
+
+/// As people count memory.
+std::string MemoryText(std::uint64_t bytes) {
+  return SizeText(bytes, 1024, {"bytes", "KiB", "MiB", "GiB", "TiB", "PiB"});
+}
+
+/// As people count disks.
+std::string DiskText(std::uint64_t bytes) {
+  return SizeText(bytes, 1000, {"bytes", "kB", "MB", "GB", "TB", "PB"});
+}
+
+/// "2 x Xeon Gold 6130 (32 cores, 64 threads)"
+TJSON QueryProcessors(const TNamespace& ns) {
+  std::vector<std::pair<std::string, int>> models;
+  std::uint64_t cores = 0;
+  std::uint64_t threads = 0;
+  for (const auto& processor : InstancesOf(ns, kProcessorClassName)) {
+    const TCIMValue name = ValueOf(*processor, "Name");
+    const std::string model = name.IsNull() ? "unknown processor" : name.ToString(10);
+    const auto known = std::find_if(models.begin(), models.end(),
+                                    [&model](const auto& each) { return each.first == model; });
+    known == models.end() ? void(models.emplace_back(model, 1)) : void(++known->second);
+    cores += NumberOf(*processor, "NumberOfEnabledCores");
+    threads += NumberOf(*processor, "NumberOfLogicalProcessors");
+  }
+  if (models.empty()) return nullptr;
+  std::string text;
+  for (const auto& [model, count] : models) {
+    text += (text.empty() ? "" : ", ") + std::to_string(count) + " x " + model;
+  }
+  if (threads == 0) return text;
+  const std::string inCores = cores == 0 ? "" : CountOf(cores, "core", "cores") + ", ";
+  return text + " (" + inCores + CountOf(threads, "thread", "threads") + ")";
+}
+
+/// "64 GiB in 4 modules", or what the running system has of it.
+TJSON QueryMemory(const TNamespace& ns) {
+  std::uint64_t size = 0;
+  for (const auto& memory : InstancesOf(ns, kMemoryClassName)) {
+    size = std::max(NumberOf(*memory, "InstalledSize"), NumberOf(*memory, "OnlineSize"));
+  }
+  const std::size_t modules = InstancesOf(ns, kModuleClassName).size();
+  if (size != 0) {
+    const std::string inModules =
+        modules == 0 ? "" : " in " + CountOf(modules, "module", "modules");
+    return MemoryText(size) + inModules;
+  }
+  for (const auto& os : InstancesOf(ns, THelper::kOperatingSystemCreationClassName)) {
+    size = NumberOf(*os, "TotalVisibleMemorySize") << 10U;  // in KiB
+  }
+  if (size == 0) return nullptr;
+  return MemoryText(size) + " visible to the operating system";
+}
+
+/// "3 (2 x 960.2 GB, 4 TB)", the sizes in ascending order.
+TJSON QueryDisks(const TNamespace& ns) {
+  const TInstances disks = InstancesOf(ns, kDiskClassName);
+  if (disks.empty()) return nullptr;
+  std::map<std::uint64_t, int> sizes;
+  for (const auto& disk : disks) ++sizes[NumberOf(*disk, "MaxMediaSize")];
+  std::string text;
+  for (const auto& [size, count] : sizes) {
+    if (size == 0) continue;  // a drive without a medium
+    text += text.empty() ? "" : ", ";
+    text += (count == 1 ? "" : std::to_string(count) + " x ") + DiskText(size * 1000);
+  }
+  return std::to_string(disks.size()) + (text.empty() ? "" : " (" + text + ")");
+}
+
 std::vector<TItem> Items() {
   const std::string& system = THelper::kSystemCreationClassName;
   const std::string& os = THelper::kOperatingSystemCreationClassName;
   const char* const noMTM = "not in the product name";
   return {
       {"systemName", "System name", system, "Name", THelper::GetSystemName},
+      {"manufacturer", "Manufacturer", system, "Manufacturer", SystemText("Manufacturer")},
       {"productName", "Product name", system, "ProductName", THelper::GetSystemProductName},
-      {"machineType", "Machine type", system, "ProductName", THelper::GetMachineType, noMTM},
+      {kMachineTypeKey, "Machine type", system, "ProductName", QueryMachineType, noMTM},
       {"model", "Model", system, "ProductName", QueryModel, noMTM},
+      {"family", "Family", system, "Family", SystemText("Family")},
+      {"sku", "SKU", system, "SKUNumber", SystemText("SKUNumber")},
       {"serialNumber", "Serial number", system, "SerialNumber", QuerySerialNumber,
        "not seven letters or digits", QueryRawSerialNumber},
       {"operatingSystem", "Operating system", os, "Name", THelper::GetOperatingSystemName},
       {"version", "Version", os, "Version", THelper::GetOperatingSystemVersion},
       {"osType", "OS type", os, "OSType", THelper::GetOperatingSystemType},
+      {"processors", "Processors", kProcessorClassName, "", QueryProcessors},
+      {"memory", "Memory", kMemoryClassName, "", QueryMemory},
+      {"disks", "Disks", kDiskClassName, "", QueryDisks},
       {"qdxVersion", "QDX version", kProductClassName, "Version", QueryVersion},
   };
 }
 
 /// Only these classes, since describing the whole machine takes much longer.
 std::vector<std::string> ClassesOf(const std::vector<TItem>& items) {
-  std::vector<std::string> classes;
-  classes.reserve(items.size());
+  std::vector<std::string> classes = {kModuleClassName};
+  classes.reserve(items.size() + 1);
   for (const TItem& item : items) classes.push_back(item.fClass);
   return classes;
 }
@@ -88,7 +243,7 @@ TAnswer Ask(const TItem& item, TNamespace ns, const NDescribe::TMissingReasons& 
     if (item.fRawQuery) return {item, item.fRawQuery(ns), item.fFormatRemark};
   }
   // A key cannot be null: an empty text means that the value is missing.
-  if (!failure && value != "") return {item, value, ""};
+  if (!failure && value != "" && !value.is_null()) return {item, value, ""};
   const auto reason = reasons.find({item.fClass, "", item.fProperty});
   if (reason != reasons.end()) return {item, nullptr, reason->second};
   return {item, nullptr, failure ? failure->GetReason() : "empty"};
@@ -103,9 +258,22 @@ std::string TextOf(const TJSON& value) {
   return value == 36 ? "36 (LINUX)" : PlainText(value);  // the only number is the OS type
 }
 
+/// People see machine type and model, or else family and SKU, which other makers use instead.
+bool IsForPeople(const TItem& item, bool hasMTM) {
+  const std::string key = item.fKey;
+  if (key == kMachineTypeKey || key == "model") return hasMTM;
+  if (key == "family" || key == "sku") return !hasMTM;
+  return true;
+}
+
 void WriteForPeople(const std::vector<TAnswer>& answers) {
   std::vector<TTableRow> rows;
+  rows.reserve(answers.size());
+  const bool hasMTM = std::any_of(answers.begin(), answers.end(), [](const TAnswer& answer) {
+    return answer.fItem.fKey == std::string(kMachineTypeKey) && !answer.fValue.is_null();
+  });
   for (const auto& [item, value, remark] : answers) {
+    if (!IsForPeople(item, hasMTM)) continue;
     const std::string text = TextOf(value) + (remark.empty() ? "" : "  (" + remark + ")");
     rows.push_back({{item.fLabel, text}, value.is_null() ? TTableRow::kDim : TTableRow::kPlain});
   }
@@ -165,8 +333,9 @@ std::vector<TOptionSpec> IdentityOptions() {
 TVerb IdentityVerb() {
   return {"identity", "Shows the identity of this machine.",
           "The data comes from the first provider plug-in that has the namespace root/cimv2. A\n"
-          "missing value is shown as '-', with the reason. A serial number that is not seven\n"
-          "letters or digits is shown unchanged, with a note.\n",
+          "missing value is shown as '-', with the reason. Machine type and model come from a\n"
+          "product name such as 'Name -[TTTTMMM]-'; family and SKU are shown without them. A\n"
+          "serial number that is not seven letters or digits is shown unchanged, with a note.\n",
           IdentityOptions(), RunIdentity};
 }
 
