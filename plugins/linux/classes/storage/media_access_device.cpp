@@ -64,7 +64,7 @@ TText ReadSerialNumberPage(const TFiles& drive) {
 
 /// A file that cannot be read is not replaced by what udev found out.
 TText ReadSerialNumber(const TDrive& drive) {
-  const TText file = drive.FirstOf({"device/serial", "serial", kSerialNumberPage});
+  TText file = drive.FirstOf({"device/serial", "serial", kSerialNumberPage});
   if (!file) return file;
   if (*file != kSerialNumberPage) return drive.ReadLine(*file);
   TText serial = ReadSerialNumberPage(drive);

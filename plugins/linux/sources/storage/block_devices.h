@@ -59,7 +59,7 @@ class TBlockDevices {
 
   const std::vector<TBlockDevice>& All() const { return fAll; }
   /// Why there are none.
-  const std::string& GetReason() const { return fReason; }
+  const TReason& GetReason() const { return fReason; }
 
   /// Returns the device of the kernel's name, for example "sda"; a null pointer if there is none.
   const TBlockDevice* Find(const std::string& kernelName) const {
@@ -79,7 +79,7 @@ class TBlockDevices {
   const TBlockDevice* FindBy(const TIndex& index, const std::string& key) const;
 
   std::vector<TBlockDevice> fAll;
-  std::string fReason;
+  TReason fReason;
   TIndex fByName;
   TIndex fByNumber;
   TIndex fBySource;

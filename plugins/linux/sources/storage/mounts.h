@@ -22,7 +22,7 @@ struct TMounts {
   explicit TMounts(const THost& host);
 
   std::map<std::string, TMount> fAll;  ///< By the printable form of the path.
-  std::string fReason;                 ///< Why there are none.
+  TReason fReason;                     ///< Why there are none.
   bool fIsConfigured = false;          ///< From fstab: not known to be mounted.
 };
 
