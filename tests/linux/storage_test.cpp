@@ -69,6 +69,10 @@ const char* const kDeviceValues = R"(
 /dev/loop0: Kind=loop; BackingFile=/srv/image; ElementName=not of the device mapper
 /dev/loop0p1: Size=2048
 /dev/zram0: Kind=zram; Size=8192; Primordial=true
+/dev/sdc: Size=1024000; DeviceNumber=8:32; DefaultBlockSize=sysfs does not have the device
+/dev/sdc1: Size=512000; Kind=part; DeviceNumber=8:33
+/dev/nvme9n1p2: Size=4096
+/dev/md7: Size=2048; DeviceNumber=9:7
 )";
 
 /// A page of vital product data: four bytes of header before the payload.
@@ -138,6 +142,9 @@ class LinuxStorage : public ::testing::Test {
                    "E:ID_PART_ENTRY_FLAGS=0x4\n");
     fMachine.Write(udev + "8:2", "E:ID_PART_ENTRY_SCHEME=dos\nE:ID_PART_ENTRY_TYPE=0x83\n");
     fMachine.Write("sys/block/sda/sda2/partition", "6\n");
+    fMachine.Write("proc/partitions",
+                   "major minor  #blocks  name\n\n   8  0  9 sda\n 8 32 1000 sdc\n 8 33 500 sdc1\n"
+                   "259 9 8 nvme9n1\n259 10 4 nvme9n1p2\n9 7 2 md7\n1 0 8 ram0\n8 x 1 y\n");
     fMachine.Write(udev + "11:0",
                    "E:ID_CDROM=1\nE:ID_CDROM_DVD=1\nE:ID_MODEL_ENC=QEMU\\x20DVD-ROM\\x20\\x20\n"
                    "E:ID_SERIAL_SHORT=QM00003\nE:ID_REVISION=1.5.3\n");
@@ -153,8 +160,8 @@ TEST_F(LinuxStorage, HasDisksAndWhatIsMadeOfThem) {
   const std::vector<std::string> drives = {"DiskDrive", "CDROMDrive", "DVDDrive", "NVMeController"};
   TTexts values = ValuesOf(*ns, drives);
   EXPECT_EQ(InstancesOf(*ns, "VORNSG_DVDDrive").size(), 1U);
-  EXPECT_EQ(InstancesOf(*ns, "VORNSG_DiskDrive").size(), 6U);
-  EXPECT_EQ(InstancesOf(*ns, "VORNSG_StorageExtent").size(), 7U);  // no card in sdb; with zram0
+  EXPECT_EQ(InstancesOf(*ns, "VORNSG_DiskDrive").size(), 8U);
+  EXPECT_EQ(InstancesOf(*ns, "VORNSG_StorageExtent").size(), 9U);  // no card in sdb; with zram0
   for (auto& [name, value] : ValuesOf(*ns, extents)) values[name] = value;
   ExpectValues(values, kDeviceValues);
 }
@@ -162,13 +169,13 @@ TEST_F(LinuxStorage, HasDisksAndWhatIsMadeOfThem) {
 TEST_F(LinuxStorage, TiesBlockDevicesToEachOther) {
   const auto ns = fMachine.Namespace();
   using TTies = std::vector<std::string>;
-  EXPECT_EQ(
-      TiesOf(*ns, "BasedOn"),
-      (TTies{"/dev/cciss/c0d0 /dev/cciss/c0d0p1", "/dev/loop0 /dev/loop0p1", "/dev/md5 /dev/dm-0",
-             "/dev/sda /dev/sda1", "/dev/sda /dev/sda2", "/dev/sda2 /dev/dm-0"}));
+  EXPECT_EQ(TiesOf(*ns, "BasedOn"),
+            (TTies{"/dev/cciss/c0d0 /dev/cciss/c0d0p1", "/dev/loop0 /dev/loop0p1",
+                   "/dev/md5 /dev/dm-0", "/dev/nvme9n1 /dev/nvme9n1p2", "/dev/sda /dev/sda1",
+                   "/dev/sda /dev/sda2", "/dev/sda2 /dev/dm-0", "/dev/sdc /dev/sdc1"}));
   EXPECT_EQ(TiesOf(*ns, "ControlledBy"), TTies{"/dev/nvme1 /dev/nvme0n1"});
   const TTies media = TiesOf(*ns, "MediaPresent");
-  EXPECT_EQ(media.size(), 6U);
+  EXPECT_EQ(media.size(), 8U);
   EXPECT_EQ(std::count(media.begin(), media.end(), "/dev/sr0 /dev/sr0"), 1);
 }
 

@@ -7,6 +7,8 @@
 
 #include <boost/algorithm/string/predicate.hpp>
 
+#include "partitions.h"
+
 namespace NVORNQDX20 {
 namespace {
 
@@ -47,6 +49,11 @@ std::string KernelNameOf(std::string name) {
   return name;
 }
 
+std::string FileNameOf(std::string kernelName) {
+  std::replace(kernelName.begin(), kernelName.end(), '/', '!');
+  return kernelName;
+}
+
 /// The kernel counts sectors of 512 bytes, independent of the disk's own sector size.
 constexpr std::uint64_t kSectorSize = 512;
 
@@ -67,6 +74,19 @@ TBlockDevice MakeDevice(const THost& host, const TFiles& folder, const TFiles& d
           Missing("not of the device mapper"),
           Missing("not an array"),
           number ? TUdevData(host, *number) : TUdevData(folder.PathOf("dev"), number)};
+}
+
+/// In sysfs, a partition is in the folder of its disk.
+TBlockDevice MakeListed(const THost& host, const TListedDevice& listed) {
+  const bool isPartition = !listed.fDisk.empty();
+  const std::string name = FileNameOf(listed.fName);
+  const TFiles disk = host.In(kFolder).In(isPartition ? FileNameOf(listed.fDisk) : name);
+  const TFiles folder = isPartition ? disk.In(name) : disk;
+  const EBlockKind kind = isPartition ? EBlockKind::kPartition : KindOf(name, folder);
+  TBlockDevice device = MakeDevice(host, folder, disk, name, kind);
+  device.fBlockSize = Missing("sysfs does not have the device");
+  device.fDiskName = listed.fDisk;
+  return device;
 }
 
 std::vector<std::string> ListSlaves(const TBlockDevice& device) {
@@ -115,11 +135,32 @@ TLogicalVolume ParseLogicalVolume(const std::string& mapperName) {
 TBlockDevices::TBlockDevices(const THost& host) {
   const TReading<std::vector<std::string>> names = host.List(kFolder);
   fReason = names.GetReason();
-  if (!names) return;
-  for (const std::string& name : *names) {
+  if (!names && !host.IsAbsent(kFolder)) return;
+  for (const std::string& name : names.ValueOr({})) {
     if (IsTaken(name, host.In(kFolder).In(name))) AddDisk(host, name);
   }
+  AddListed(host);
+  if (!fAll.empty()) fReason = {};
   for (std::size_t i = 0; i < fAll.size(); ++i) AddToIndex(i);
+}
+
+/// Of a machine that was copied in part, sysfs may lack devices, their numbers and their sizes.
+void TBlockDevices::AddListed(const THost& host) {
+  std::unordered_map<std::string, std::size_t> known;
+  for (std::size_t i = 0; i < fAll.size(); ++i) known.emplace(fAll[i].fKernelName, i);
+  const TText list = host.Read("/proc/partitions", TFiles::kMaxTableSize);
+  for (const TListedDevice& listed : ParsePartitions(list.ValueOr(""))) {
+    if (HasNumberAfter("ram", listed.fName)) continue;
+    const auto found = known.find(listed.fName);
+    if (found == known.end()) fAll.push_back(MakeListed(host, listed));
+    TBlockDevice& device = found == known.end() ? fAll.back() : fAll[found->second];
+    if (device.fNumber && device.fSize) continue;
+    if (!device.fNumber && device.IsAbsent("dev")) {
+      device.fNumber = listed.fNumber;
+      device.fUdev = TUdevData(host, listed.fNumber);
+    }
+    if (!device.fSize && device.IsAbsent("size")) device.fSize = listed.fSize;
+  }
 }
 
 void TBlockDevices::AddDisk(const THost& host, const std::string& name) {

@@ -52,7 +52,8 @@ struct TLogicalVolume {
 /// Parses "vg--0-root", where "--" is a "-" of a name. Names that have no single "-" are all group.
 TLogicalVolume ParseLogicalVolume(const std::string& mapperName);
 
-/// The block devices by name, without hidden paths and unused memory disks.
+/// The block devices of sysfs, else of /proc/partitions; without hidden paths and unused memory
+/// disks.
 class TBlockDevices {
  public:
   explicit TBlockDevices(const THost& host);
@@ -75,6 +76,7 @@ class TBlockDevices {
   void AddDisk(const THost& host, const std::string& name);
   void AddPartitions(const THost& host, const TBlockDevice& disk,
                      const std::vector<std::string>& files);
+  void AddListed(const THost& host);
   void AddToIndex(std::size_t position);
   const TBlockDevice* FindBy(const TIndex& index, const std::string& key) const;
 
