@@ -91,9 +91,9 @@ std::string ATAPage() {
   std::string identify(512, '\0');
   PutText(identify, 23, "HXT7904Q");
   PutText(identify, 27, "SAMSUNG MZ7LH480HAHQ-00005              ");
-  identify[77 * 2] = 3 << 1;
-  identify[168 * 2] = 3;
-  identify[217 * 2] = 1;
+  identify[154] = 6;  // word 77: third generation of SATA
+  identify[336] = 3;  // word 168: 2.5 inches
+  identify[434] = 1;  // word 217: does not turn
   return Page('\x89', std::string(56, '\0') + identify);
 }
 
@@ -150,7 +150,7 @@ class LinuxStorage : public ::testing::Test {
                    "E:ID_SERIAL_SHORT=QM00003\nE:ID_REVISION=1.5.3\n");
   }
 
-  const TMachine fMachine;
+  const TMachine fMachine{};
 };
 
 TEST_F(LinuxStorage, HasDisksAndWhatIsMadeOfThem) {
