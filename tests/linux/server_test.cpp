@@ -143,6 +143,7 @@ TEST_F(LinuxServer, IsNotAnotherOneWhereItMayNotBeRead) {
   fMachine.Write("etc/fstab", "/dev/sda1 / ext4 defaults 0 0");
   fMachine.Write("sys/block/cciss!c0d0/serial", "other");
   fMachine.Write("sys/class/scsi_generic/sg0/device/type", "0");
+  fMachine.Write("sys/devices/system/cpu/cpu0/cache/index0/level", "1");
   const std::pair<const char*, const char*> rows[] = {
       {"sys/class/scsi_generic", "VORNSG_SCSIDevice"},
       {"sys/class/net", "VORNSG_EthernetPort"},
@@ -152,6 +153,7 @@ TEST_F(LinuxServer, IsNotAnotherOneWhereItMayNotBeRead) {
       {"etc/os-release", "Name"},
       {"proc/mounts", "VORNSG_FileSystem"},
       {"proc/sys/kernel/hostname", "CSName"},
+      {"sys/devices/system/cpu/cpu0/cache", "VORNSG_CacheMemory"},
       {"proc", "NumberOfProcesses"}};
   std::filesystem::permissions(fMachine.Path(), std::filesystem::perms::all);
   const uid_t user = ::geteuid();

@@ -38,10 +38,16 @@ class TCollector {
   explicit TCollector(std::vector<TCache>& all) : fAll(all) {}
 
   void EnterSocket(const std::string& id) { fSocket = id; }
+  /// Why the caches of a processor could not be listed; empty if all could.
+  const TReason& GetFailure() const { return fFailure; }
 
   void AddFolders(const TFiles& folder, unsigned cpu) {
     const auto names = folder.List();
-    for (const std::string& name : names ? *names : std::vector<std::string>()) {
+    if (!names) {
+      fFailure = names.GetReason();
+      return;
+    }
+    for (const std::string& name : *names) {
       if (name.substr(0, 5) != "index") continue;
       // A shared cache is in the folder of each processor that has it, under the same name.
       TCPUs& known = fKnown[name];
@@ -88,6 +94,7 @@ class TCollector {
 
   std::vector<TCache>& fAll;
   std::string fSocket;
+  TReason fFailure;
   std::map<std::string, TCPUs> fKnown;
   std::set<std::string> fIDs;
 };
@@ -206,10 +213,11 @@ TCaches::TCaches(const THost& host) {
   }
   if (fAll.empty()) fAll = CachesOfZ(host.Shared<TCPUInfo>().FieldsOf(0));
   if (fAll.empty()) fAll = CachesOfFirmware(host, topology.GetSockets());
-  if (fAll.empty()) {
-    fReason = topology.GetSockets().empty()
-                  ? topology.GetReason()
-                  : std::string("no processor in ") + TTopology::kFolder + " has caches";
+  fReason = collector.GetFailure();
+  if (!fAll.empty()) return;
+  if (fReason.empty()) fReason = topology.GetReason();
+  if (fReason.empty()) {
+    fReason = std::string("no processor in ") + TTopology::kFolder + " has caches";
   }
 }
 

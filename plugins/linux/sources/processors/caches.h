@@ -31,7 +31,7 @@ struct TCaches {
   explicit TCaches(const THost& host);
 
   std::vector<TCache> fAll;
-  std::string fReason;  ///< Why there are none.
+  TReason fReason;  ///< Why there are none.
 };
 
 /// Returns "L1d" for level 1 and "Data"; empty if the level is not known.

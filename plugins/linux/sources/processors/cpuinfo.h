@@ -41,8 +41,9 @@ class TCPUInfo {
 
   const TCPUs& GetProcessors() const { return fProcessors; }
   /// Why there are no processors.
-  std::string GetReason() const {
-    return fFile ? std::string(kPath) + ": names no processor" : fFile.GetReason();
+  TReason GetReason() const {
+    if (fFile) return std::string(kPath) + ": names no processor";
+    return fFile.GetReason();
   }
   /// The common fields are those before the first block and in the last one, at the end of which
   /// some architectures describe the machine.

@@ -57,7 +57,8 @@ TNUMANodes::TNUMANodes(const THost& host) {
 TReading<std::uint32_t> TNUMANodes::FindNode(unsigned cpu) const {
   const auto found = fNodeOf.find(cpu);
   if (found != fNodeOf.end()) return found->second;
-  return Missing(fReason.empty() ? std::string(kFolder) + ": no node has it" : fReason);
+  if (!fReason.empty()) return Missing(fReason);
+  return Missing(std::string(kFolder) + ": no node has it");
 }
 
 }  // namespace NVORNQDX20

@@ -28,7 +28,7 @@ struct TNUMANodes {
   TReading<std::uint32_t> FindNode(unsigned cpu) const;
 
   std::vector<TNUMANode> fAll;
-  std::string fReason;  ///< Why there are none.
+  TReason fReason;  ///< Why there are none.
 
  private:
   std::map<unsigned, std::uint32_t> fNodeOf;

@@ -67,7 +67,7 @@ class TTopology {
   const TSocket* FindSocket(unsigned processor) const;
   const TCore* FindCore(unsigned processor) const;
   /// Why there are no sockets.
-  const std::string& GetReason() const { return fReason; }
+  const TReason& GetReason() const { return fReason; }
 
  private:
   /// Adds what firmware says, if it has as many processors.
@@ -77,7 +77,7 @@ class TTopology {
   TCPUs fOffline;
   std::map<unsigned, std::size_t> fSocketOf;
   std::map<unsigned, std::size_t> fCoreOf;  // within its socket
-  std::string fReason;
+  TReason fReason;
 };
 
 /// Reads a list such as "0-3", or if there is none the mask, unless its name is empty.
