@@ -123,7 +123,7 @@ void CheckText(const std::string& text) {
 }
 
 void CheckSMBIOSStructure(const TSMBIOSStructure& structure) {
-  for (std::size_t offset = 0; offset < 257; ++offset) {
+  for (std::size_t offset = 0; offset < structure.GetLength() + 2; ++offset) {
     const auto number = structure.ReadNumber<std::uint16_t>(offset);
     Require(static_cast<bool>(number) == (offset + 2 <= structure.GetLength()));
     const TText text = structure.ReadString(offset);
