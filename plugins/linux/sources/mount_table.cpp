@@ -76,6 +76,7 @@ std::string JoinOptions(std::string_view ofMount, std::string_view ofFileSystem,
       if (option.empty() || listed.insert(option).second) joined.append(",").append(option);
     }
   }
+  joined.erase(joined.find_last_not_of(',') + 1);
   return joined;
 }
 
