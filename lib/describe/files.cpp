@@ -208,13 +208,25 @@ class TFiles::TRoot {
 
 TFiles::TFiles(const TRequest& request) : fRoot(std::make_shared<TRoot>(request.fRoot)) {}
 
-TReading<std::string> TFiles::Read(const std::string& path, std::size_t maxSize) const {
+/// Reads some bytes more than the maximum size if the file has more.
+TReading<std::string> TFiles::ReadBytes(const std::string& path, std::size_t maxSize) const {
   TReason obstacle;
   const TDescriptor file = fRoot->OpenToRead(PathOf(path), obstacle);
   if (!obstacle.empty()) return MissingFrom(path, obstacle);
   TReading<std::string> reading = ReadToEnd(file.Get(), maxSize);
   if (!reading) return MissingFrom(path, reading.GetReason());
-  if (reading->size() > maxSize) {
+  return reading;
+}
+
+TReading<std::string> TFiles::ReadStart(const std::string& path, std::size_t size) const {
+  return ReadBytes(path, size).map([size](const std::string& text) {
+    return text.substr(0, size);
+  });
+}
+
+TReading<std::string> TFiles::Read(const std::string& path, std::size_t maxSize) const {
+  TReading<std::string> reading = ReadBytes(path, maxSize);
+  if (reading && reading->size() > maxSize) {
     const std::string limit = std::to_string(maxSize >> 10U) + " KiB";
     return MissingFrom(path, {"more than " + limit, TReason::kError});
   }

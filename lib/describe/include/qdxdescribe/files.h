@@ -41,6 +41,8 @@ class TFiles {
 
   /// Returns the whole contents unchanged.
   TReading<std::string> Read(const std::string& path, std::size_t maxSize = kMaxFileSize) const;
+  /// Returns the first bytes, or all of a file that has fewer.
+  TReading<std::string> ReadStart(const std::string& path, std::size_t size) const;
   /// Returns the printable part of the first line; an empty line counts as missing.
   TReading<std::string> ReadLine(const std::string& path) const;
   /// Reads the first line, which must be a number as in ToNumber().
@@ -76,6 +78,8 @@ class TFiles {
 
  private:
   class TRoot;
+
+  TReading<std::string> ReadBytes(const std::string& path, std::size_t maxSize) const;
 
   std::shared_ptr<const TRoot> fRoot;
   std::string fFolder;  // empty for the root itself
