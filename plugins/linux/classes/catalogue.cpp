@@ -6,6 +6,7 @@
 #define QDX_LINUX_CLASSES(CLASS)                   \
   CLASS(kAlways, ComputerSystemClass)              \
   CLASS(kAlways, OperatingSystemClass)             \
+  CLASS(kAlways, RunningOSClass)                   \
   CLASS(kAlways, QDXProductClass)                  \
   CLASS(kDisks, SCSIDeviceClass)                   \
   CLASS(kAlways, LogicalDeviceClass)               \

@@ -18,9 +18,34 @@ TText AskKernel(char (utsname::*field)[65]) {
   return PrintableText(names.*field);
 }
 
-/// Reads a name from the running kernel, or from the file below another root that has its copy.
-TText ReadKernelName(const TFiles& files, const char* path, char (utsname::*field)[65]) {
-  return files.IsThisMachine() ? AskKernel(field) : files.ReadLine(path);
+/// The parts of the running kernel's description in /proc/version: "Linux version 6.1.0 (...) #1
+/// SMP".
+enum class EPart { kName, kRelease, kVersion };
+
+TText PartOf(const std::string& description, EPart part) {
+  constexpr std::string_view kMiddle = " version ";
+  const std::size_t name = description.find(kMiddle);
+  const std::size_t release = name == std::string::npos ? name : name + kMiddle.size();
+  const std::size_t version = description.rfind(" #");
+  if (release >= description.size() || (version == std::string::npos && part == EPart::kVersion)) {
+    return Missing("/proc/version: names no kernel");
+  }
+  if (part == EPart::kName) return description.substr(0, name);
+  if (part == EPart::kVersion) return description.substr(version + 1);
+  return description.substr(release, description.find(' ', release) - release);
+}
+
+/// Reads a name from the running kernel. Below another root, reads the file that has its copy, else
+/// the part of /proc/version.
+TText ReadKernelName(const TFiles& files, const char* path, char (utsname::*field)[65],
+                     EPart part) {
+  if (files.IsThisMachine()) return AskKernel(field);
+  TText name = files.ReadLine(path);
+  if (name || !files.IsAbsent(path)) return name;
+  const TText described = files.ReadLine("/proc/version").and_then([part](const std::string& line) {
+    return PartOf(line, part);
+  });
+  return described ? described : name;
 }
 
 TText ReadConfiguredHostName(const TFiles& files) {
@@ -85,8 +110,12 @@ struct TSharedSMBIOS {
 
 THost::THost(const TRequest& request)
     : TFiles(request),
-      fKernelName(ReadKernelName(*this, "/proc/sys/kernel/ostype", &utsname::sysname)),
-      fKernelRelease(ReadKernelName(*this, "/proc/sys/kernel/osrelease", &utsname::release)),
+      fKernelName(
+          ReadKernelName(*this, "/proc/sys/kernel/ostype", &utsname::sysname, EPart::kName)),
+      fKernelRelease(
+          ReadKernelName(*this, "/proc/sys/kernel/osrelease", &utsname::release, EPart::kRelease)),
+      fKernelVersion(
+          ReadKernelName(*this, "/proc/sys/kernel/version", &utsname::version, EPart::kVersion)),
       fName(ReadHostName(*this)) {}
 
 TText THost::ReadDMIString(const std::string& name) const {

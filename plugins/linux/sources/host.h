@@ -44,6 +44,7 @@ struct THost : TFiles {
 
   TText fKernelName;     ///< "Linux"
   TText fKernelRelease;  ///< "6.1.0-18-amd64"
+  TText fKernelVersion;  ///< "#1 SMP PREEMPT_DYNAMIC Debian 6.1.76-1 (2024-02-01)"
   TText fName;           ///< The host name.
 
  private:

@@ -58,4 +58,32 @@ std::map<std::string, std::string> ParseOSRelease(std::string_view text) {
   return variables;
 }
 
+TOSRelease::TOSRelease(const THost& host) {
+  const auto parse = [&host](const std::string& path) {
+    const TText file = host.Read(path);
+    return !file && host.IsAbsent(path) ? ParseOSRelease("") : file.map(ParseOSRelease);
+  };
+  fVariables = host.FirstOf({"/etc/os-release", "/usr/lib/os-release"}).and_then(parse);
+}
+
+TText TOSRelease::Get(const std::string& variable) const {
+  return fVariables.and_then([&variable](const auto& variables) -> TText {
+    const auto found = variables.find(variable);
+    if (found != variables.end() && !found->second.empty()) return found->second;
+    return Missing("no " + variable + " in os-release");
+  });
+}
+
+TText ReadReleaseOrKernel(const THost& host, const char* variable, TText THost::*ofKernel) {
+  const auto& release = host.Shared<TOSRelease>();
+  TText text = release.Get(variable);
+  if (text || !release.fVariables) return text;
+  const TText& kernel = host.*ofKernel;
+  return kernel ? kernel : Missing(text.GetReason() + ", and " + kernel.GetReason());
+}
+
+std::string OSNameAsKey(const THost& host) {
+  return ReadReleaseOrKernel(host, "NAME", &THost::fKernelName).ValueOr("");
+}
+
 }  // namespace NVORNQDX20

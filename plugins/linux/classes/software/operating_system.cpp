@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Class VORNSG_OperatingSystem: distribution and kernel, memory, processes and load.
 #include <qdxcore/schema_helper.h>
-#include <qdxcore/status.h>
 
 #include <algorithm>
 #include <array>
@@ -13,6 +12,11 @@
 #include "sources/fields.h"
 #include "sources/os_release.h"
 #include "sources/processors/topology.h"
+#include "sources/software/architecture.h"
+#include "sources/software/boot_time.h"
+#include "sources/software/container.h"
+#include "sources/software/control_group.h"
+#include "sources/software/time_zone.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -24,19 +28,11 @@ constexpr std::uint16_t kLinux = 36;
 
 /// The files that several rows need.
 struct TSystem {
-  TReading<std::map<std::string, std::string>> fRelease;
   TFields fMemory;
   TAverages fLoadAverages;
+  TText fContainer;
+  TControlGroup fGroup;
 };
-
-/// Empty if the system has no such file.
-TReading<std::map<std::string, std::string>> ReadOSRelease(const TFiles& files) {
-  const auto parse = [&files](const std::string& path) {
-    const TText file = files.Read(path);
-    return !file && files.IsAbsent(path) ? ParseOSRelease("") : file.map(ParseOSRelease);
-  };
-  return files.FirstOf({"/etc/os-release", "/usr/lib/os-release"}).and_then(parse);
-}
 
 /// Parses the first three numbers of "3.30 3.10 2.65 7/149 28102"; those after a bad one are
 /// missing.
@@ -58,20 +54,63 @@ TAverages ReadLoadAverages(const TFiles& files) {
 
 TSystem ReadSystem(const THost& host) {
   const std::string path = "/proc/meminfo";
-  return {ReadOSRelease(host), TFields(path, host.Read(path), ':'), ReadLoadAverages(host)};
+  return {TFields(path, host.Read(path), ':'), ReadLoadAverages(host), ReadContainer(host),
+          ReadControlGroup(host)};
+}
+
+auto ReleaseText(const char* variable) {
+  return [variable](const THost& host) { return host.Shared<TOSRelease>().Get(variable); };
+}
+
+/// Returns the first word that begins with a digit: "7.9.2009" of "CentOS Linux release 7.9.2009".
+TText NumberIn(const std::string& text, const std::string& source) {
+  std::istringstream words(text);
+  for (std::string word; words >> word;) {
+    if (word.front() >= '0' && word.front() <= '9') return word;
+  }
+  return Missing(source + ": no number in '" + text + "'");
+}
+
+/// Some distributions have only the major release in os-release.
+TText ReadPointRelease(const THost& host) {
+  const auto& release = host.Shared<TOSRelease>();
+  const std::string distribution = release.Get("ID").ValueOr("");
+  const std::string file = distribution == "debian"   ? "/etc/debian_version"
+                           : distribution == "centos" ? "/etc/centos-release"
+                                                      : "";
+  const TText line = file.empty() ? release.Get("VERSION") : host.ReadLine(file);
+  const TText number = line.and_then(
+      [&](const std::string& text) { return NumberIn(text, file.empty() ? "VERSION" : file); });
+  return number || !file.empty() ? number : release.Get("VERSION_ID");
+}
+
+TReading<std::int16_t> ReadCurrentTimeZone(const THost& host) {
+  return ReadTimeZoneOffset(host, std::time(nullptr));
+}
+
+/// A new image has the word "uninitialized", until it is started for the first time.
+TText ReadMachineID(const THost& host) {
+  const char* const path = "/etc/machine-id";
+  TText id = host.ReadLine(path);
+  if (id && *id == "uninitialized") return host.MissingFrom(path, "is not set yet");
+  return id;
+}
+
+/// Container managers limit the group of the container, and nothing limits that of a machine.
+TText LimitScope(const TSystem& system) {
+  return system.fContainer.map([](const std::string& kind) -> std::string {
+    return kind == kNone ? "machine" : "container";
+  });
+}
+
+template <typename T>
+auto Group(T TControlGroup::*field) {
+  return [field](const TSystem& system) { return system.fGroup.*field; };
 }
 
 /// Reads the distribution's name for itself, else the kernel's.
 auto Release(const char* variable, TText THost::*ofKernel) {
-  return [=](const TSystem& system, const THost& host) -> TText {
-    return system.fRelease.and_then([&](const auto& release) -> TText {
-      const auto found = release.find(variable);
-      if (found != release.end() && !found->second.empty()) return found->second;
-      const TText& kernel = host.*ofKernel;
-      if (kernel) return kernel;
-      return Missing(std::string("no ") + variable + " in os-release, and " + kernel.GetReason());
-    });
-  };
+  return [=](const THost& host) { return ReadReleaseOrKernel(host, variable, ofKernel); };
 }
 
 /// Decided by the kernel's name alone: distributions with other kernels have the same os-release.
@@ -90,30 +129,9 @@ auto LoadAverage(std::size_t index) {
   return [index](const TSystem& system) { return system.fLoadAverages[index]; };
 }
 
-/// The latest date of a CIM datetime: the end of the year 9999.
-constexpr std::uint64_t kLastSecond = 253'402'300'799;
-
-TReading<TCIMDateTime> ToDateTime(std::uint64_t secondsSince1970) {
-  const auto seconds = static_cast<std::time_t>(std::min(secondsSince1970, kLastSecond));
-  std::tm utc{};
-  if (secondsSince1970 <= kLastSecond && ::gmtime_r(&seconds, &utc) != nullptr) {
-    try {
-      return TCIMDateTime(
-          static_cast<std::uint16_t>(utc.tm_year + 1900),
-          static_cast<std::uint16_t>(utc.tm_mon + 1), static_cast<std::uint32_t>(utc.tm_mday),
-          static_cast<std::uint16_t>(utc.tm_hour), static_cast<std::uint16_t>(utc.tm_min),
-          static_cast<std::uint16_t>(utc.tm_sec), 0, 0);
-    } catch (const TQDXException&) {
-      // The local time zone may skip that moment; the reason below fits that case, too.
-    }
-  }
-  return Missing("/proc/stat: btime is no valid date");
-}
-
 TReading<TCIMDateTime> ReadLastBootUpTime(const THost& host) {
-  const std::string path = "/proc/stat";
-  const TFields fields(path, host.Read(path, TFiles::kMaxTableSize), ' ');
-  return fields.GetNumber("btime").and_then(ToDateTime);
+  return host.Shared<TBootTime>().fSeconds.and_then(
+      [](std::uint64_t seconds) { return ToDateTime(seconds, "/proc/stat: btime"); });
 }
 
 /// Counts the folders in /proc whose names are numbers. The image of a disk has none.
@@ -156,6 +174,18 @@ TClass OperatingSystemClass() {
        {"Version", "The version of the distribution, else the release of the kernel.",
         Release("VERSION_ID", &THost::fKernelRelease)},
        {"KernelRelease", "The release of the kernel.", &THost::fKernelRelease},
+       {"Caption", "The name and the version, as the distribution writes them.",
+        ReleaseText("PRETTY_NAME")},
+       {"DistributionID", "The short name of the distribution, as in \"debian\".",
+        ReleaseText("ID")},
+       {"PointRelease", "The version with all its parts, as in \"12.11\".", ReadPointRelease},
+       {"KernelVersion", "How and when the kernel was built.", &THost::fKernelVersion},
+       {"KernelCommandLine", "What the boot loader told the kernel.", FileLine("/proc/cmdline"),
+        ESecret::kCommandLine},
+       {"Architecture",
+        "The processors of the running kernel, in the words of uname; of an image, those that its "
+        "programs are built for.",
+        ReadArchitecture},
        {"OSType", "The kind of system; 36 is LINUX.", OSType, TEnumeration{{kLinux, "LINUX"}}},
        {"TotalVisibleMemorySize", "The memory that the kernel has.", Memory("MemTotal"), kilobytes},
        {"FreePhysicalMemory", "The memory that nothing uses.", Memory("MemFree"), kilobytes, kGauge,
@@ -170,6 +200,32 @@ TClass OperatingSystemClass() {
        {"NumberOfProcesses", "The processes that are there just now.", CountProcesses, kGauge,
         kVolatile},
        {"LastBootUpTime", "When the system was started.", ReadLastBootUpTime},
+       {"TimeZone", "The name of the time zone, as in \"Europe/Berlin\".", ReadTimeZoneName},
+       {"CurrentTimeZone", "How far its time is ahead of UTC at present.", ReadCurrentTimeZone,
+        TUnit{"minute"}, kVolatile},
+       {"MachineID", "The ID that the installation made up for itself.", ReadMachineID,
+        ESecret::kSerial},
+       {"BootID", "The ID that the kernel made up when it started.",
+        FileLine("/proc/sys/kernel/random/boot_id"), ESecret::kSerial},
+       {"Container",
+        "The kind of container that the system runs in, as in \"docker\"; \"none\" if it runs in "
+        "none, \"other\" if the kind is not known.",
+        &TSystem::fContainer},
+       {"LimitScope",
+        "What the limits belong to: the \"container\" that the system runs in, or the \"machine\". "
+        "All other values are those that the kernel has for the whole machine.",
+        LimitScope},
+       {"MemoryLimit", "The memory that all processes together may use.",
+        Group(&TControlGroup::fMemory), TUnit{"byte"}},
+       {"ProcessorLimit", "The processors' time that they may use, as a number of processors.",
+        Group(&TControlGroup::fProcessors)},
+       {"ProcessLimit", "How many processes there may be.", Group(&TControlGroup::fProcesses)},
+       {"ProcessorSet", "The numbers of the logical processors that they may use.",
+        Group(&TControlGroup::fProcessorSet)},
+       {"ControlGroupVersion", "Which of the kernel's two forms of control groups sets the limits.",
+        Group(&TControlGroup::fVersion)},
+       {"MaxNumberOfProcesses", "How many processes the kernel can number.",
+        FileNumber<std::uint32_t>("/proc/sys/kernel/pid_max")},
        {"LoadAverage1", "The processes that run or wait, over one minute.", LoadAverage(0), kGauge,
         kVolatile},
        {"LoadAverage5", "The same over five minutes.", LoadAverage(1), kGauge, kVolatile},

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "container.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include <boost/algorithm/string/predicate.hpp>
+
+namespace NVORNQDX20 {
+namespace {
+
+constexpr const char* kOther = "other";
+
+struct TSign {
+  const char* fText;
+  const char* fKind;
+};
+
+/// Parts of the control group of the first process, by which managers name what they run. The group
+/// of a container in a pod has the names of both: the inner manager comes first.
+constexpr TSign kGroups[] = {{"/docker", "docker"},
+                             {"docker-", "docker"},
+                             {"libpod", "podman"},
+                             {"kubepods", "kubernetes"},
+                             {"lxc", "lxc"},
+                             {"machine.slice/machine-", "systemd-nspawn"},
+                             {"containerd", "containerd"}};
+
+/// Variables that managers set for the first process.
+constexpr TSign kVariables[] = {{"KUBERNETES_SERVICE_HOST=", "kubernetes"}};
+
+std::string_view TakeVariable(std::string_view& block) {
+  const std::size_t end = std::min(block.find('\0'), block.size());
+  const std::string_view variable = block.substr(0, end);
+  block.remove_prefix(std::min(end + 1, block.size()));
+  return variable;
+}
+
+/// Returns what the environment of the first process says; empty if nothing.
+std::string KindInEnvironment(const THost& host) {
+  const TText block = host.Read("/proc/1/environ");
+  std::string kind;
+  for (std::string_view rest = block ? *block : std::string_view(); !rest.empty();) {
+    const std::string_view variable = TakeVariable(rest);
+    constexpr std::string_view kContainer = "container=";
+    if (variable.substr(0, kContainer.size()) == kContainer) {
+      return PrintableText(variable.substr(kContainer.size()));
+    }
+    for (const TSign& sign : kVariables) {
+      if (boost::algorithm::starts_with(variable, sign.fText)) kind = sign.fKind;
+    }
+  }
+  return kind;
+}
+
+/// Returns what files say that a container's manager makes; empty if there is none.
+std::string KindInFiles(const THost& host) {
+  for (const char* path : {"/run/systemd/container", "/run/host/container-manager"}) {
+    const TText kind = host.ReadLine(path);
+    if (kind) return *kind;
+  }
+  if (!host.IsAbsent("/run/.containerenv")) return "podman";
+  if (!host.IsAbsent("/.dockerenv")) return "docker";
+  if (!host.IsAbsent("/var/run/secrets/kubernetes.io")) return "kubernetes";
+  if (!host.IsAbsent("/proc/vz") && host.IsAbsent("/proc/bc")) return "openvz";
+  // The subsystem for Linux has a kernel whose release tells it.
+  const std::string release = host.fKernelRelease.ValueOr("");
+  return boost::algorithm::icontains(release, "microsoft") ? "wsl" : "";
+}
+
+TText KindInGroup(const THost& host) {
+  return host.Read("/proc/1/cgroup").map([&host](const std::string& groups) -> std::string {
+    for (const TSign& sign : kGroups) {
+      if (groups.find(sign.fText) != std::string::npos) return sign.fKind;
+    }
+    // The group of all processes of the kernel has no type.
+    return host.IsAbsent("/sys/fs/cgroup/cgroup.type") ? kNone : kOther;
+  });
+}
+
+}  // namespace
+
+TText ReadContainer(const THost& host) {
+  std::string kind = KindInFiles(host);
+  if (kind.empty()) kind = KindInEnvironment(host);
+  return kind.empty() ? KindInGroup(host) : TText(kind);
+}
+
+}  // namespace NVORNQDX20
