@@ -71,7 +71,18 @@
   CLASS(kFileSystems, HostedFileSystemClass)       \
   CLASS(kFileSystems, ResidesOnExtentClass)        \
   CLASS(kFileSystems, SwapSpaceClass)              \
-  CLASS(kFileSystems, MountSettingClass)
+  CLASS(kFileSystems, MountSettingClass)           \
+  CLASS(kSystem, KernelModuleClass)                \
+  CLASS(kSystem, InstalledKernelClass)             \
+  CLASS(kServices, ServiceClass)                   \
+  CLASS(kServices, TimerServiceClass)              \
+  CLASS(kServices, SocketServiceClass)             \
+  CLASS(kServices, HostedServiceClass)             \
+  CLASS(kPackages, SoftwareIdentityClass)          \
+  CLASS(kUsers, AccountClass)                      \
+  CLASS(kUsers, GroupClass)                        \
+  CLASS(kUsers, MemberOfCollectionClass)           \
+  CLASS(kProcesses, UnixProcessClass)
 
 namespace NVORNQDX20 {
 

@@ -8,6 +8,7 @@
 #include <qdxdescribe/reading.h>
 #include <qdxdescribe/text.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -17,6 +18,10 @@ using namespace NDescribe;
 
 using TText = TReading<std::string>;
 using TNumber = TReading<std::uint64_t>;
+
+/// How many entries of one kind are read: one more than a class has instances, so that the class
+/// says that others are left out.
+inline constexpr std::size_t kMaxEntries = 100'001;
 
 }  // namespace NVORNQDX20
 

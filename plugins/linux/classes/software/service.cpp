@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: Apache-2.0
+// Class VORNSG_Service: what the machine starts; and the association VORNSG_HostedService.
+#include "service.h"
+
+#include <qdxcore/schema_helper.h>
+
+namespace NVORNQDX20 {
+namespace {
+
+const char* const kServiceClass = "VORNSG_Service";
+const std::string& kSystemClass = TCIMSchemaHelper::kSystemCreationClassName;
+
+/// Services proper: units and scripts.
+TInstances<TServiceUnit> ListServices(const THost& host) {
+  const auto& units = host.Shared<TServiceUnits>();
+  TInstances<TServiceUnit> services({}, units.fReason);
+  for (const TServiceUnit& unit : units.fAll) {
+    if (unit.fIsScript || unit.HasSuffix(".service")) services.fAll.push_back(unit);
+  }
+  return services;
+}
+
+bool IsEnabled(const TServiceUnit& unit) {
+  return unit.fState == "enabled" || unit.fState == "enabled-runtime";
+}
+
+bool IsMasked(const TServiceUnit& unit) {
+  return unit.fState == "masked" || unit.fState == "masked-runtime";
+}
+
+const char* StartMode(const TServiceUnit& unit) {
+  const bool isStarted = IsEnabled(unit) || !unit.fStartedBy.empty();
+  return isStarted && !IsMasked(unit) ? "Automatic" : "Manual";
+}
+
+// From the value map of CIM_EnabledLogicalElement.EnabledDefault.
+constexpr std::uint16_t kEnabled = 2;
+constexpr std::uint16_t kDisabled = 3;
+constexpr std::uint16_t kNotApplicable = 5;
+
+std::uint16_t EnabledDefault(const TServiceUnit& unit) {
+  if (IsEnabled(unit)) return kEnabled;
+  return unit.fState == "disabled" || IsMasked(unit) ? kDisabled : kNotApplicable;
+}
+
+const char* Manager(const TServiceUnit& unit) { return unit.fIsScript ? "SysV" : "systemd"; }
+
+auto Setting(const char* section, const char* name) {
+  return [section, name](const TServiceUnit& unit) { return unit.fSettings.Get(section, name); };
+}
+
+std::string Program(const TServiceUnit& unit) {
+  return unit.fIsScript ? unit.fPath : unit.fSettings.GetProgram("Service", "ExecStart");
+}
+
+TReading<std::vector<TInstanceName>> ListServiceNames(const THost& host) {
+  std::vector<TInstanceName> names;
+  const auto& units = host.Shared<TServiceUnits>();
+  names.reserve(units.fAll.size());
+  for (const TServiceUnit& unit : units.fAll) names.push_back({kServiceClass, unit.fName});
+  return names;
+}
+
+TInstanceName System(const THost& host) { return {kSystemClass, host.GetNameAsKey()}; }
+const TInstanceName& Itself(const TInstanceName& service) { return service; }
+
+}  // namespace
+
+TInstances<TServiceUnit> UnitsWithSuffix(const THost& host, const char* suffix) {
+  const auto& units = host.Shared<TServiceUnits>();
+  TInstances<TServiceUnit> chosen;
+  for (const TServiceUnit& unit : units.fAll) {
+    if (unit.HasSuffix(suffix)) chosen.fAll.push_back(unit);
+  }
+  if (units.fAll.empty()) chosen.Miss(units.fReason);
+  return chosen;
+}
+
+THostTable<TServiceUnit> ServiceTable() {
+  return {
+      kServiceClass,
+      "A service that the machine can start.",
+      ListServices,
+      {{"SystemCreationClassName", "The class of the machine.", Constant(kSystemClass), kKey},
+       {"SystemName", "The name of the machine.", &THost::GetNameAsKey, kKey, ESecret::kHostName},
+       {"CreationClassName", "The class of the service.", kClassName, kKey},
+       {"Name", "The name of the service, as in \"ssh.service\".", &TServiceUnit::fName, kKey},
+       {"Description", "What it is, in a line; empty if it does not tell.",
+        &TServiceUnit::fDescription},
+       {"UnitFileState",
+        "Whether it is enabled, in the words of \"systemctl list-unit-files\": enabled, disabled, "
+        "static (started by others only), masked (never started), alias, indirect, generated, "
+        "transient, linked, bad (not readable); with \"-runtime\" until the next start only.",
+        &TServiceUnit::fState},
+       {"StartMode",
+        "\"Automatic\" if the machine's start, or that of another unit, starts it; else "
+        "\"Manual\".",
+        StartMode},
+       {"EnabledDefault", "Whether it is switched on; what is started by others cannot be.",
+        EnabledDefault,
+        TEnumeration{
+            {kEnabled, "Enabled"}, {kDisabled, "Disabled"}, {kNotApplicable, "Not Applicable"}}},
+       {"StartedBy", "The units that start it together with themselves.",
+        &TServiceUnit::fStartedBy},
+       {"AliasOf", "The unit of which this is another name; empty for others.",
+        &TServiceUnit::fAliasOf},
+       {"UnitFile", "The file that describes it, or the script.", &TServiceUnit::fPath},
+       {"Manager", "What starts it: \"systemd\", or \"SysV\" for a script.", Manager},
+       {"StartProgram",
+        "The program that it runs, without its arguments; empty if it runs none itself.", Program},
+       {"RunsAs", "The user whose rights it has; empty if it does not tell.",
+        Setting("Service", "User"), ESecret::kUser}}};
+}
+
+TClass ServiceClass() { return ServiceTable(); }
+
+TClass HostedServiceClass() {
+  return THostTable<TInstanceName>{
+      "VORNSG_HostedService",
+      "Ties a service to the machine that has it.",
+      ListServiceNames,
+      {{"Antecedent", "The machine.", System, kKey, TRefersTo{kSystemClass.c_str()}},
+       {"Dependent", "The service.", Itself, kKey, TRefersTo{kServiceClass}}}}
+      .AsAssociation();
+}
+
+}  // namespace NVORNQDX20

@@ -1,0 +1,331 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "units.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <map>
+#include <set>
+#include <utility>
+
+#include <boost/algorithm/string/predicate.hpp>
+
+namespace NVORNQDX20 {
+namespace {
+
+using boost::algorithm::ends_with;
+using boost::algorithm::starts_with;
+
+enum class EOrigin { kConfiguration, kRuntime, kTransient, kGenerated, kVendor };
+
+struct TFolder {
+  const char* fPath;
+  EOrigin fOrigin;
+};
+
+/// Where systemd looks for units: those in the first folder count.
+constexpr TFolder kFolders[] = {{"/etc/systemd/system.control", EOrigin::kVendor},
+                                {"/run/systemd/system.control", EOrigin::kRuntime},
+                                {"/run/systemd/transient", EOrigin::kTransient},
+                                {"/run/systemd/generator.early", EOrigin::kGenerated},
+                                {"/etc/systemd/system", EOrigin::kConfiguration},
+                                {"/run/systemd/system", EOrigin::kRuntime},
+                                {"/run/systemd/generator", EOrigin::kGenerated},
+                                {"/usr/local/lib/systemd/system", EOrigin::kVendor},
+                                {"/usr/lib/systemd/system", EOrigin::kVendor},
+                                {"/lib/systemd/system", EOrigin::kVendor},
+                                {"/run/systemd/generator.late", EOrigin::kGenerated}};
+
+/// A link to a unit that makes another one start it, or that gives it another name.
+struct TLink {
+  EOrigin fOrigin;
+  std::string fName;
+  std::string fStarter;  ///< Empty for another name.
+};
+
+std::string BaseName(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
+/// Returns "getty@.service" for "getty@tty1.service"; empty for a unit that is no instance.
+std::string TemplateOf(const std::string& name) {
+  const std::size_t at = name.find('@');
+  const std::size_t dot = name.rfind('.');
+  if (at == std::string::npos || dot == std::string::npos || dot <= at + 1) return {};
+  return name.substr(0, at + 1) + name.substr(dot);
+}
+
+bool IsRuntime(EOrigin origin) {
+  return origin != EOrigin::kConfiguration && origin != EOrigin::kVendor;
+}
+
+bool IsListed(const std::string& name) {
+  return ends_with(name, ".service") || ends_with(name, ".socket") || ends_with(name, ".timer");
+}
+
+bool Contains(const std::vector<std::string>& words, const std::string& word) {
+  return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+class TReader {
+ public:
+  TReader(const THost& host, TServiceUnits& units) : fHost(host), fUnits(units) {}
+
+  void ReadUnits() {
+    for (const TFolder& folder : kFolders) ReadFolder(folder);
+    for (const auto& [name, place] : fPlaces) AddUnit(name, place);
+    for (TServiceUnit& unit : fUnits.fAll) FollowAlias(unit);
+  }
+
+  bool Has(const std::string& unit) const { return fPlaces.count(unit) != 0; }
+
+ private:
+  struct TPlace {
+    const TFolder* fFolder;
+    TText fTarget;  // of a symbolic link
+  };
+
+  void ReadFolder(const TFolder& folder) {
+    const TFiles files = fHost.In(folder.fPath);
+    const auto names = files.List();
+    if (!names) {
+      if (!files.IsAbsent("")) AddReason(names.GetReason());
+      return;
+    }
+    // Since /lib became a link to /usr/lib, both are the same folder.
+    if (starts_with(folder.fPath, "/lib/") && fHost.ReadLink("/lib")) return;
+    for (const std::string& name : *names) {
+      for (const char* suffix : {".wants", ".requires", ".upholds"}) {
+        if (ends_with(name, suffix)) ReadStarter(folder, files.In(name), name);
+      }
+      if (ends_with(name, ".d")) ReadDropIns(files.In(name), name.substr(0, name.size() - 2));
+      if (IsListed(name) && PrintableText(name) == name) ReadName(folder, files, name);
+    }
+  }
+
+  void ReadStarter(const TFolder& folder, const TFiles& files, const std::string& name) {
+    const std::string starter = name.substr(0, name.rfind('.'));
+    const auto links = files.List();
+    if (!links) return AddReason(links.GetReason());
+    for (const std::string& link : *links) {
+      if (!IsListed(link) || !files.ReadLink(link)) continue;
+      const std::string unit = TemplateOf(link);
+      fLinks[link].push_back({folder.fOrigin, link, starter});
+      if (!unit.empty()) fLinks[unit].push_back({folder.fOrigin, link, starter});
+    }
+  }
+
+  /// Settings of a unit in files of their own: those of a name in the first folder count.
+  void ReadDropIns(const TFiles& files, const std::string& unit) {
+    if (!IsListed(unit)) return;
+    const auto names = files.List();
+    if (!names) return;
+    for (const std::string& name : *names) {
+      if (ends_with(name, ".conf")) fDropIns[unit].emplace(name, files.PathOf(name));
+    }
+  }
+
+  void ReadName(const TFolder& folder, const TFiles& files, const std::string& name) {
+    if (fPlaces.size() == kMaxEntries) return;
+    TText target = files.ReadLink(name);
+    const std::string leadsTo = target ? BaseName(*target) : name;
+    // A link of the same name enables nothing; one of an instance to its template enables that.
+    const std::string& linked = leadsTo == TemplateOf(name) ? name : leadsTo;
+    if (linked != name || leadsTo != name) fLinks[linked].push_back({folder.fOrigin, name, ""});
+    fPlaces.emplace(name, TPlace{&folder, std::move(target)});
+  }
+
+  void AddUnit(const std::string& name, const TPlace& place) {
+    TServiceUnit unit;
+    unit.fName = name;
+    unit.fPath = place.fFolder->fPath + ("/" + name);
+    const auto links = fLinks.find(name);
+    std::set<std::string> starters;
+    if (links != fLinks.end()) {
+      for (const TLink& link : links->second) starters.insert(link.fStarter);
+    }
+    starters.erase("");
+    unit.fStartedBy.assign(starters.begin(), starters.end());
+    unit.fState = StateOf(unit, place);
+    unit.fDescription = unit.fSettings.Get("Unit", "Description");
+    fUnits.fAll.push_back(std::move(unit));
+  }
+
+  /// Reads the settings of a unit that has some, and finds out whether it is enabled.
+  std::string StateOf(TServiceUnit& unit, const TPlace& place) {
+    const bool isRuntime = IsRuntime(place.fFolder->fOrigin);
+    const std::string masked = isRuntime ? "masked-runtime" : "masked";
+    if (place.fTarget) {
+      if (ends_with(*place.fTarget, "/dev/null")) return masked;
+      const std::string leadsTo = BaseName(*place.fTarget);
+      if (leadsTo != unit.fName && leadsTo != TemplateOf(unit.fName)) unit.fAliasOf = leadsTo;
+      if (fPlaces.count(unit.fAliasOf) != 0) return "alias";
+    }
+    const TText file =
+        fSize < kMaxSize ? fHost.Read(unit.fPath)
+                         : fHost.MissingFrom(unit.fPath, {"too many unit files", TReason::kError});
+    if (!file) {
+      AddReason(file.GetReason());
+      return "bad";
+    }
+    if (file->empty()) return masked;
+    fSize += file->size();
+    unit.fSettings.Add(*file);
+    for (const auto& [name, path] : fDropIns[unit.fName]) {
+      if (fSize >= kMaxSize) break;
+      const std::string dropIn = fHost.Read(path).ValueOr("");
+      fSize += dropIn.size();
+      unit.fSettings.Add(dropIn);
+    }
+    if (!unit.fAliasOf.empty()) return "alias";
+    if (place.fFolder->fOrigin == EOrigin::kGenerated) return "generated";
+    if (place.fFolder->fOrigin == EOrigin::kTransient) return "transient";
+    std::string state =
+        EnabledState(unit, [&unit](const TLink& link) { return IsKnown(unit, link); });
+    if (!state.empty()) return state;
+    if (place.fTarget && place.fFolder->fOrigin != EOrigin::kVendor) {
+      return isRuntime ? "linked-runtime" : "linked";
+    }
+    return StateOfDisabled(unit);
+  }
+
+  /// Returns whether the unit itself wants to be enabled by that link.
+  static bool IsKnown(const TServiceUnit& unit, const TLink& link) {
+    if (link.fName == unit.fName) return true;
+    if (Contains(unit.fSettings.GetWords("Install", "Alias"), link.fName)) return true;
+    const std::string instance = unit.fSettings.Get("Install", "DefaultInstance");
+    const std::size_t at = unit.fName.find('@');
+    if (instance.empty() || at == std::string::npos) return false;
+    return link.fName == unit.fName.substr(0, at + 1) + instance + unit.fName.substr(at + 1);
+  }
+
+  /// Empty if none of the links that count is there.
+  template <typename TCounts>
+  std::string EnabledState(const TServiceUnit& unit, const TCounts& counts) const {
+    const auto links = fLinks.find(unit.fName);
+    if (links == fLinks.end()) return {};
+    std::string state;
+    for (const TLink& link : links->second) {
+      if (!counts(link)) continue;
+      if (link.fOrigin == EOrigin::kConfiguration) return "enabled";
+      if (IsRuntime(link.fOrigin)) state = "enabled-runtime";
+      // What the distribution starts by itself is not switched on by anybody; but an instance is.
+      const bool isInstance = !TemplateOf(unit.fName).empty();
+      if (link.fOrigin == EOrigin::kVendor && isInstance && state.empty()) state = "static";
+    }
+    return state;
+  }
+
+  std::string StateOfDisabled(const TServiceUnit& unit) const {
+    // Under another name, it may be in use.
+    const std::string other = EnabledState(unit, [](const TLink&) { return true; });
+    if (!other.empty()) return "indirect";
+    for (const char* rule : {"WantedBy", "RequiredBy", "UpheldBy", "Alias"}) {
+      if (!unit.fSettings.GetWords("Install", rule).empty()) return "disabled";
+    }
+    return unit.fSettings.GetWords("Install", "Also").empty() ? "static" : "indirect";
+  }
+
+  const TServiceUnit* Find(const std::string& name) const {
+    const auto place = std::lower_bound(
+        fUnits.fAll.begin(), fUnits.fAll.end(), name,
+        [](const TServiceUnit& each, const std::string& wanted) { return each.fName < wanted; });
+    return place != fUnits.fAll.end() && place->fName == name ? &*place : nullptr;
+  }
+
+  /// Gives another name of a unit what the unit itself says. A loop of names leads nowhere.
+  void FollowAlias(TServiceUnit& unit) {
+    constexpr int kLongestChain = 16;
+    const TServiceUnit* aliased = Find(unit.fAliasOf);
+    if (aliased == nullptr) return;
+    for (int i = 0; i < kLongestChain && Find(aliased->fAliasOf) != nullptr; ++i) {
+      aliased = Find(aliased->fAliasOf);
+    }
+    if (Find(aliased->fAliasOf) != nullptr) {
+      unit.fState = "bad";
+      return AddReason({unit.fPath + ": leads to itself", TReason::kError});
+    }
+    unit.fAliasOf = aliased->fName;
+    unit.fDescription = aliased->fDescription;
+    unit.fSettings = aliased->fSettings;
+  }
+
+  void AddReason(const TReason& reason) {
+    constexpr std::size_t kLongest = 500;
+    if (fUnits.fReason.size() < kLongest) fUnits.fReason.Add(reason);
+  }
+
+  /// Some twenty thousand unit files of the usual size.
+  static constexpr std::size_t kMaxSize = 16U << 20U;
+
+  const THost& fHost;
+  TServiceUnits& fUnits;
+  std::size_t fSize = 0;                             // of the files that were read
+  std::map<std::string, TPlace> fPlaces;             // by name, which orders fUnits.fAll
+  std::map<std::string, std::vector<TLink>> fLinks;  // by the unit that they lead to
+  std::map<std::string, std::map<std::string, std::string>> fDropIns;
+};
+
+const char* const kScripts = "/etc/init.d";
+
+/// Returns the names of the scripts that a link such as "S01cron" starts at some run level.
+std::set<std::string> ReadStartedScripts(const THost& host) {
+  std::set<std::string> started;
+  for (const char* level : {"2", "3", "4", "5", "S"}) {
+    const auto links = host.List("/etc/rc" + std::string(level) + ".d");
+    if (!links) continue;
+    for (const std::string& link : *links) {
+      if (link.size() > 3 && link.front() == 'S') started.insert(link.substr(3));
+    }
+  }
+  return started;
+}
+
+/// Returns what the script says about itself in a comment for tools (Linux Standard Base).
+std::string DescriptionIn(const std::string& script) {
+  constexpr std::string_view kBeginning = "# Short-Description:";
+  const std::size_t begin = script.find(kBeginning);
+  if (begin == std::string::npos) return {};
+  std::string_view rest = std::string_view(script).substr(begin + kBeginning.size());
+  return PrintableText(TakeLine(rest));
+}
+
+/// Parts of the start-up itself, which lie among the scripts.
+bool IsService(const std::string& script) {
+  for (const char* other : {"README", "functions", "skeleton", "rc", "rcS", "rc.local", "halt",
+                            "killall", "single", "reboot"}) {
+    if (script == other) return false;
+  }
+  return PrintableText(script) == script && !ends_with(script, "~");
+}
+
+/// Adds the scripts that no unit replaces.
+void AddScripts(const THost& host, const TReader& reader, TServiceUnits& units) {
+  const auto scripts = host.List(kScripts);
+  if (!scripts) return;
+  const std::set<std::string> started = ReadStartedScripts(host);
+  for (const std::string& script : *scripts) {
+    const std::string name =
+        ends_with(script, ".sh") ? script.substr(0, script.size() - 3) : script;
+    if (!IsService(script) || reader.Has(name + ".service")) continue;
+    TServiceUnit unit;
+    unit.fName = script;
+    unit.fPath = kScripts + ("/" + script);
+    unit.fState = started.count(script) != 0 ? "enabled" : "disabled";
+    unit.fDescription = DescriptionIn(host.Read(unit.fPath).ValueOr(""));
+    unit.fIsScript = true;
+    units.fAll.push_back(std::move(unit));
+  }
+}
+
+}  // namespace
+
+bool TServiceUnit::HasSuffix(const std::string& suffix) const { return ends_with(fName, suffix); }
+
+TServiceUnits::TServiceUnits(const THost& host) {
+  TReader reader(host, *this);
+  reader.ReadUnits();
+  AddScripts(host, reader, *this);
+  if (!fAll.empty() || !fReason.empty()) return;
+  fReason = host.In("/usr/lib/systemd/system").List().GetReason();
+  if (fReason.empty()) fReason = "/usr/lib/systemd/system: no services";
+}
+
+}  // namespace NVORNQDX20

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+/// The services that the machine starts: units of systemd, and scripts in the manner of System V.
+#ifndef PLUGINS_LINUX_SOURCES_SOFTWARE_UNITS_H_
+#define PLUGINS_LINUX_SOURCES_SOFTWARE_UNITS_H_
+
+#include <string>
+#include <vector>
+
+#include "sources/host.h"
+#include "unit_file.h"
+
+namespace NVORNQDX20 {
+
+struct TServiceUnit {
+  bool HasSuffix(const std::string& suffix) const;
+
+  std::string fName;         ///< "ssh.service"; of a script, the name of its file.
+  std::string fPath;         ///< The file that counts, of several with the name.
+  std::string fState;        ///< As "systemctl list-unit-files" prints it, for example "enabled".
+  std::string fAliasOf;      ///< The unit of which this is another name.
+  std::string fDescription;  ///< In a line.
+  std::vector<std::string> fStartedBy;  ///< The units that have a link to start it.
+  TUnitSettings fSettings;
+  bool fIsScript = false;
+};
+
+/// All services, sockets and timers, for THost::Shared.
+struct TServiceUnits {
+  explicit TServiceUnits(const THost& host);
+
+  std::vector<TServiceUnit> fAll;
+  TReason fReason;  ///< Why there are none, or not all.
+};
+
+}  // namespace NVORNQDX20
+
+#endif  // PLUGINS_LINUX_SOURCES_SOFTWARE_UNITS_H_
