@@ -55,7 +55,7 @@ TText ArchitectureOf(const TFiles& files, const std::string& program) {
 TText ReadArchitecture(const THost& host) {
   utsname names{};
   if (host.IsThisMachine() && ::uname(&names) == 0) return PrintableText(names.machine);
-  const TText kernel = host.ReadLine("/proc/sys/kernel/arch");
+  TText kernel = host.ReadLine("/proc/sys/kernel/arch");
   if (kernel) return kernel;
   return host.FirstOf({"/usr/lib/systemd/systemd", "/lib/systemd/systemd", "/sbin/init", "/bin/sh"})
       .and_then([&host](const std::string& program) { return ArchitectureOf(host, program); });

@@ -141,7 +141,7 @@ TText ReadProcessorSet(const THierarchy& groups, bool isUnified) {
   TText innermost = groups.fGroups.back().ReadLine(file);
   for (auto group = groups.fGroups.rbegin(); !innermost && group != groups.fGroups.rend();
        ++group) {
-    const TText line = group->ReadLine(file);
+    TText line = group->ReadLine(file);
     if (line) return line;
   }
   return innermost;

@@ -151,7 +151,7 @@ class TReader {
   /// Reads the settings of a unit that has some, and finds out whether it is enabled.
   std::string StateOf(TServiceUnit& unit, const TPlace& place) {
     const bool isRuntime = IsRuntime(place.fFolder->fOrigin);
-    const std::string masked = isRuntime ? "masked-runtime" : "masked";
+    std::string masked = isRuntime ? "masked-runtime" : "masked";
     if (place.fTarget) {
       if (ends_with(*place.fTarget, "/dev/null")) return masked;
       const std::string leadsTo = BaseName(*place.fTarget);
