@@ -31,7 +31,7 @@ const char* const kValues = R"(
 : PointRelease=12.11; DistributionID=debian; MachineID=8f7e; TimeZone=Etc/UTC; CurrentTimeZone=0
 : KernelRelease=6.1.0-18; KernelVersion=#1 SMP Debian; Architecture=aarch64; BootID=b00t
 : KernelCommandLine=quiet root=/dev/sda1; MaxNumberOfProcesses=4194304; Caption=Debian 12
-: Container=other; LimitScope=container; MemoryLimit=1073741824
+: Container=other; VirtualMachine=none; LimitScope=container; MemoryLimit=1073741824
 : ProcessorLimit=1.5; ProcessLimit=not limited: /sys/fs/cgroup; ProcessorSet=0-1
 : ControlGroupVersion=2; OSType=36
 xt_nat: Size=16384; UseCount=1; UsedBy={ nf_nat, nf_tables }; State=Live; Taint=(OE); Version=1.2
@@ -196,6 +196,7 @@ TEST_F(LinuxSoftware, TellsContainersAndLimits) {
       {"proc/1/environ", std::string("container=lxc\0", 14), "Container", "lxc"},
       {".dockerenv", "", "Container", "docker"},
       {"run/systemd/container", "systemd-nspawn", "Container", "systemd-nspawn"},
+      {"sys/class/dmi/id/sys_vendor", "QEMU", "VirtualMachine", "QEMU"},
       {"etc/debian_version", "trixie/sid", "PointRelease",
        "/etc/debian_version: no number in 'trixie/sid'"},
       {"etc/os-release", "ID=ubuntu\nVERSION=\"22.04.4 LTS (J)\"", "PointRelease", "22.04.4"},

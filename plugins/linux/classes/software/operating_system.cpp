@@ -12,6 +12,7 @@
 #include "sources/fields.h"
 #include "sources/os_release.h"
 #include "sources/processors/topology.h"
+#include "sources/processors/hypervisor.h"
 #include "sources/software/architecture.h"
 #include "sources/software/boot_time.h"
 #include "sources/software/container.h"
@@ -101,6 +102,11 @@ TText LimitScope(const TSystem& system) {
   return system.fContainer.map([](const std::string& kind) -> std::string {
     return kind == kNone ? "machine" : "container";
   });
+}
+
+std::string ReadVirtualMachine(const THost& host) {
+  const auto& found = host.Shared<TFoundHypervisor>().fHypervisor;
+  return found ? found->fName.ValueOr("other") : kNone;
 }
 
 template <typename T>
@@ -211,6 +217,10 @@ TClass OperatingSystemClass() {
         "The kind of container that the system runs in, as in \"docker\"; \"none\" if it runs in "
         "none, \"other\" if the kind is not known.",
         &TSystem::fContainer},
+       {"VirtualMachine",
+        "The hypervisor that the system runs on, as in \"KVM\"; \"none\" if nothing speaks for "
+        "one, \"other\" if its name is not known.",
+        ReadVirtualMachine},
        {"LimitScope",
         "What the limits belong to: the \"container\" that the system runs in, or the \"machine\". "
         "All other values are those that the kernel has for the whole machine.",
