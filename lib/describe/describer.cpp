@@ -125,6 +125,13 @@ class TReferences {
     return ReferenceTo(*found->second);
   }
 
+  static bool IsA(boost::shared_ptr<ICIMClass> cimClass, const std::string& name) {
+    while (cimClass && !NModel::EqualIgnoringCase(cimClass->GetName({}), name)) {
+      cimClass = NModel::SuperclassOf(*cimClass);
+    }
+    return cimClass != nullptr;
+  }
+
   /// Adds a new instance to what was read of its class and superclasses before.
   void Add(const boost::shared_ptr<ICIMInstance>& instance) {
     if (fInstances.empty()) return;
@@ -170,13 +177,6 @@ class TReferences {
     if (!isNew) place->second = nullptr;
   }
 
-  static bool IsA(boost::shared_ptr<ICIMClass> cimClass, const std::string& name) {
-    while (cimClass && !NModel::EqualIgnoringCase(cimClass->GetName({}), name)) {
-      cimClass = NModel::SuperclassOf(*cimClass);
-    }
-    return cimClass != nullptr;
-  }
-
   const std::vector<std::string>& KeysOf(const ICIMClass& cimClass) {
     const auto [place, isNew] = fKeys.try_emplace(cimClass.GetName({}));
     std::vector<std::string>& keys = place->second;
@@ -201,6 +201,8 @@ class TReferences {
   NModel::TNameMap<TInstancesByKey> fInstances;
   NModel::TNameMap<std::vector<std::string>> fKeys;  // by class
 };
+
+constexpr std::size_t kLongestReason = 500;
 
 /// The namespace that is being made.
 class TDescription {
@@ -245,6 +247,18 @@ class TDescription {
     }
   }
 
+  /// Returns the errors by which instances of the class and of its subclasses are missing.
+  TReason LossOf(const std::string& className) const {
+    TReason why;
+    for (const TMissingValue& each : fMissing) {
+      const bool isKnown = why.size() > kLongestReason || why.find(each.fReason) != why.npos;
+      if (!each.fProperty.empty() || isKnown || !each.fReason.IsError()) continue;
+      const auto cimClass = fNamespace->GetClass(each.fClass, {});
+      if (TReferences::IsA(cimClass, className)) why.Add(each.fClass + ": " + each.fReason);
+    }
+    return why;
+  }
+
   /// The instance can be referred to from now on.
   void Add(const boost::shared_ptr<ICIMInstance>& instance) { fReferences.Add(instance); }
 
@@ -277,8 +291,8 @@ class TDescription {
 
   /// A class that lacks several instances has one explanation, with the first reasons.
   static void Append(TMissingValue& first, const TMissingValue& next) {
-    constexpr std::size_t kLongest = 500;
-    if (first.fReason.size() < kLongest && first.fReason.find(next.fReason) == std::string::npos) {
+    if (first.fReason.size() < kLongestReason &&
+        first.fReason.find(next.fReason) == std::string::npos) {
       first.fReason.Add(next.fReason);
     }
   }
@@ -331,6 +345,17 @@ class TInstanceWriter final : public IInstanceSink {
 
   /// Returns whether there are no instances, and no reason for that.
   bool IsEmpty() const { return fCount == 0 && !fHasMissed; }
+
+  /// An association also lacks what would refer to instances that could not be read.
+  void MissWithTargets() {
+    TReason why;
+    for (const TColumn& column : fColumns) {
+      if (column.fReferencedClass.empty()) continue;
+      const TReason ofTarget = fDescription.LossOf(column.fReferencedClass);
+      if (!ofTarget.empty() && why.find(ofTarget) == why.npos) why.Add(ofTarget);
+    }
+    if (!why.empty()) Miss(why);
+  }
 
   void Miss(const TReason& reason) override {
     fHasMissed = true;
@@ -519,6 +544,7 @@ TNamespace TDescriber::Describe(const std::vector<TStep>& steps, const TOptionsM
     if (!step.fDescribe) continue;
     TInstanceWriter writer(description, step, fMaxInstances);
     step.fDescribe(*ns, writer);
+    if (IsAssociation(step)) writer.MissWithTargets();
     const bool isExplained = !writer.IsEmpty() || RefersToLeftOut(*step.fDeclaration, parts);
     if (explains == EExplains::kAlways && !isExplained) writer.Miss("none was found");
   }
