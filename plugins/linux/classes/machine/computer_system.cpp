@@ -89,7 +89,11 @@ TText ReadProductName(const THost& host) {
   if (!name || IsTypeAndModel(*name) || name->find("-[") != std::string::npos) return name;
   const TText vendor = host.ReadDMIString("sys_vendor");
   const TText sku = host.ReadDMIString("product_sku");
-  if (!vendor || !sku || !IsMaker(*vendor) || !IsTypeAndModel(*sku)) return name;
+  // Without a part that is there and cannot be read, the name would be that of another product.
+  if (vendor.GetReason().IsError()) return vendor;
+  if (!vendor || !IsMaker(*vendor)) return name;
+  if (sku.GetReason().IsError()) return sku;
+  if (!sku || !IsTypeAndModel(*sku)) return name;
   return *name + " -[" + *sku + "]-";
 }
 
