@@ -38,6 +38,12 @@ std::string_view TakeOption(std::string_view& options) {
 /// Returns the place of the "@" after the user of "user@host:/path", or of
 /// "user@cluster.name=/path" as Ceph has it. A path has a slash before the "@".
 std::size_t FindEndOfUser(const std::string& device) {
+  // "user:password@host": rather too much is removed than too little. But "host:/path@2" has none.
+  const std::size_t colon = device.find_first_of(":/@");
+  const std::size_t last = device.rfind('@');
+  const bool hasPassword =
+      last != std::string::npos && device[colon] == ':' && device.compare(colon, 2, ":/") != 0;
+  if (hasPassword) return last;
   const std::size_t at = device.find('@');
   const bool isShare = at < device.find('/') && (device.find(':', at) != std::string::npos ||
                                                  device.find("=/", at) != std::string::npos);
@@ -48,6 +54,13 @@ std::size_t FindEndOfUser(const std::string& device) {
 
 std::string WithoutCredentials(std::string device) {
   const std::size_t scheme = device.find("://");
+  if (device.compare(0, 2, "//") == 0) {
+    const std::string share = device.substr(2);
+    const std::size_t at = std::min(share.find('@'), share.find('/'));
+    std::size_t end = FindEndOfUser(share);
+    if (end == std::string::npos && at != std::string::npos && share[at] == '@') end = at;
+    return end == std::string::npos ? device : device.replace(2, end, kRemoved);
+  }
   if (scheme == std::string::npos || device.find_first_of("/@") < scheme) {
     const std::size_t end = FindEndOfUser(device);
     return end == std::string::npos ? device : device.replace(0, end, kRemoved);
