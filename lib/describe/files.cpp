@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <iterator>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include <dirent.h>
@@ -268,7 +269,8 @@ TReading<std::vector<std::string>> TFiles::List(const std::string& path) const {
   std::vector<std::string> names;
   errno = 0;
   while (const dirent* entry = ::readdir(entries.get())) {
-    if (entry->d_name[0] != '.') names.emplace_back(entry->d_name);
+    const std::string_view name = entry->d_name;
+    if (name != "." && name != "..") names.emplace_back(name);
   }
   if (errno != 0) return MissingFrom(path, ReasonOf(errno));
   std::sort(names.begin(), names.end());

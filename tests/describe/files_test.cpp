@@ -52,7 +52,7 @@ TEST_F(Files, AreReadUpToASizeOrByTheirFirstLine) {
 
 TEST_F(Files, AreListedInOrder) {
   for (const char* name : {"d/b", "d/a/x", "d/.c", "d/B"}) fTree.Write(name, "");
-  EXPECT_EQ(*fFiles.List("/d"), (std::vector<std::string>{"B", "a", "b"}));
+  EXPECT_EQ(*fFiles.List("/d"), (std::vector<std::string>{".c", "B", "a", "b"}));
   EXPECT_EQ(fFiles.List("/d/b").GetReason(), "/d/b: Not a directory");
   EXPECT_FALSE(fFiles.IsAbsent("/d/a"));
   EXPECT_TRUE(fFiles.IsAbsent("/d/b/c"));

@@ -4,6 +4,8 @@
 #include <qdxcore/schema_helper.h>
 #include <qdxmodel/classes.h>
 
+#include "sources/device_folder.h"
+
 namespace NVORNQDX20 {
 namespace {
 
@@ -60,9 +62,12 @@ std::function<TInstances<TSysfsDevice>(const THost&)> DevicesIn(
     if (!names) return Missing(names.GetReason());
     TInstances<TSysfsDevice> devices;
     for (const std::string& name : *names) {
-      // The kernel has only printable names, and a key must be printable.
-      if (PrintableText(name) != name) continue;
       TSysfsDevice device{{name, name}, host.In(folder).In(name)};
+      const std::string obstacle = ObstacleToDevice(device, name);
+      if (!obstacle.empty()) {
+        devices.Miss(Failed(PrintableText(device.PathOf("")) + ": " + obstacle).fReason);
+        continue;
+      }
       const TReading<bool> isTaken = adapt(device);
       if (!isTaken) devices.Miss(isTaken.GetReason());
       if (isTaken.ValueOr(false)) devices.fAll.push_back(std::move(device));

@@ -55,7 +55,8 @@ class TFiles {
   /// Returns what a symbolic link contains, unchanged; the reason for another file is "not a
   /// symbolic link".
   TReading<std::string> ReadLink(const std::string& path) const;
-  /// Returns the sorted names in a folder, without those that begin with a dot.
+  /// Returns the sorted names in a folder, without "." and "..". Others can begin with a dot, too,
+  /// for example that of a network interface.
   TReading<std::vector<std::string>> List(const std::string& path = {}) const;
 
   /// Returns whether nothing has this path. False also if that cannot be found out, for example
