@@ -59,6 +59,13 @@ TEST(LinuxProvider, GivesTypeAndModelOnlyWhereTheMakerDoes) {
     machine.Write("sys/class/dmi/id/product_sku", sku);
     EXPECT_EQ(machine.Value("VORNSG_ComputerSystem", "ProductName"), productName) << sku;
   }
+  for (const std::string part : {"product_sku", "sys_vendor"}) {  // that cannot be read
+    machine.Write("sys/class/dmi/id/product_name", "Loftnode");
+    std::filesystem::remove(machine.Path() / "sys/class/dmi/id" / part);
+    std::filesystem::create_directory(machine.Path() / "sys/class/dmi/id" / part);
+    EXPECT_EQ(ReasonsOf(*machine.Namespace()).at("ProductName"),
+              "/sys/class/dmi/id/" + part + ": not a regular file");
+  }
 }
 
 TEST(LinuxProvider, NamesTheSystemAsTheDistributionElseAsTheKernelDoes) {
@@ -90,13 +97,6 @@ boost::shared_ptr<ICIMNamespace> DescribeSomeMachine() {
 TEST(LinuxProvider, DescribesSCSIDevices) {
   std::string texts;
   for (const auto& device : InstancesOf(*DescribeSomeMachine(), "VORNSG_SCSIDevice")) {
-  for (const std::string part : {"product_sku", "sys_vendor"}) {  // that cannot be read
-    machine.Write("sys/class/dmi/id/product_name", "Loftnode");
-    std::filesystem::remove(machine.Path() / "sys/class/dmi/id" / part);
-    create_directory(machine.Path() / "sys/class/dmi/id" / part);
-    EXPECT_EQ(ReasonsOf(*machine.Namespace()).at("ProductName"),
-              "/sys/class/dmi/id/" + part + ": not a regular file");
-  }
     for (const char* property : {"DeviceID", "DeviceType", "VendorID", "ProductID"}) {
       texts += TextOf(*device, property) + ";";
     }

@@ -100,7 +100,6 @@ std::vector<TClass> AllClasses() {
   const TPart kFileSystems{"filesystems"};
   const TPart kNetwork{"network"};
   const TPart kBuses{"buses"};
-  const TPart kSensors{"sensors"};
   const TPart kSystem{"system"};  // the kernel, its modules and limits
   const TPart kServices{"services"};
   const TPart kPackages{"packages"};

@@ -59,7 +59,7 @@ TNumber ReadROMSize(const TPhysicalElement& bios) {
   if (!extended) return std::uint64_t{16} << 20U;
   // The highest two bits are the unit: MiB or GiB.
   const unsigned int shift = *extended >> 14U == 1 ? 30 : 20;
-  return (std::uint64_t{*extended} & 0x3FFFU) << shift;
+  return static_cast<std::uint64_t>(*extended & 0x3FFFU) << shift;
 }
 
 TText ReadSMBIOSVersion(const TPhysicalElement&, const THost& host) {

@@ -17,7 +17,8 @@ void AddBoards(const THost& host, std::vector<TTie>& ties) {
   }
   for (const TPhysicalElement& board : ListBoards(host).fAll) {
     const auto handle = FirmwareNumber<std::uint16_t>(0x0B)(board);
-    const auto tag = handle ? tags.find(*handle) : tags.end();
+    if (!handle) continue;
+    const auto tag = tags.find(*handle);
     if (tag == tags.end()) continue;
     ties.push_back({{kChassisClassName, tag->second}, {kCardClassName, board.fTag}});
   }

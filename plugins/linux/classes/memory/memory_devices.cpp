@@ -21,9 +21,9 @@ TNumber ReadSize(const TSMBIOSStructure& socket) {
     if (size == kUnknownSize) return socket.MissingFrom("the size is unknown");
     if (size == kExtendedSize) {
       return socket.ReadNumber<std::uint32_t>(0x1C).map(
-          [](std::uint32_t extended) { return (std::uint64_t{extended} & 0x7FFFFFFFU) << kMiB; });
+          [](std::uint32_t extended) { return static_cast<std::uint64_t>(extended & 0x7FFFFFFFU) << kMiB; });
     }
-    return (std::uint64_t{size} & 0x7FFFU) << ((size & 0x8000U) != 0 ? 10U : kMiB);
+    return static_cast<std::uint64_t>(size & 0x7FFFU) << ((size & 0x8000U) != 0 ? 10U : kMiB);
   });
 }
 

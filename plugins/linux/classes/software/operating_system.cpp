@@ -104,9 +104,13 @@ TText LimitScope(const TSystem& system) {
   });
 }
 
-std::string ReadVirtualMachine(const THost& host) {
+/// Processors tell of a hypervisor; without them, nothing has been asked.
+TText ReadVirtualMachine(const THost& host) {
   const auto& found = host.Shared<TFoundHypervisor>().fHypervisor;
-  return found ? found->fName.ValueOr("other") : kNone;
+  if (found) return found->fName.ValueOr("other");
+  const auto& topology = host.Shared<TTopology>();
+  if (topology.GetSockets().empty()) return Missing(topology.GetReason());
+  return kNone;
 }
 
 template <typename T>
