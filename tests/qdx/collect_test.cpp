@@ -102,7 +102,8 @@ TEST_F(QDXCollect, NamesTheDocumentAfterTheMachineForItsOwnerAlone) {
   EXPECT_EQ(run.fExitCode, 0) << run.fOutput;
   EXPECT_PRED_FORMAT2(IsSubstring, "\n600\n", run.fOutput);
   const TProgramRun taken = RunScript(
-      "for s in 0 1 2 3; do : >\"_.-srv-1-$(date -d \"+$s sec\" +%Y%m%dT%H%M%S).xml.gz\"; done; "
+      "now=$(date +%s); for s in 0 1 2 3 4; do "
+      ": >\"_.-srv-1-$(date -d \"@$((now + s))\" +%Y%m%dT%H%M%S).xml.gz\"; done; "
       "\"$0\" collect --root \"$1\"");
   EXPECT_PRED_FORMAT2(IsSubstring, "-2.xml.gz\n", taken.fOutput);
 }

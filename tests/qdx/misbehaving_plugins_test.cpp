@@ -119,13 +119,16 @@ TEST_F(QDXMisbehavingPlugins, DeliverWhatADocumentCanHold) {
 
 TEST_F(QDXMisbehavingPlugins, LeaveNoFileIfTheyAreConsumers) {
   fInstallation.AddPlugin(TESTS "misbehaving_consumer.so", "libmisbehaving.nsc.so");
+  fTree.Write("etc/hostname", "srv1\n");
   // All mistakes in one operation at the same time.
   const TProgramRun run = fInstallation.RunScript(
       "cd '" + fFolder.Path().string() +
       "'; for where in init create name write end; do for what in hang busy segv abort exit _exit "
       "quick foreign one stack alloc twice close print orphan setsid forks block stop change noise "
       "lost; do (d=${where}_$what; mkdir $d; cd $d; export QDX_MISBEHAVE=$d; "
-      "\"$0\" collect --consumer misbehaving --timeout 3 --memory 200 --provider linux -o x 2>&1; "
+      "\"$0\" collect --consumer misbehaving --timeout 3 --memory 200 --provider linux --root '" +
+      fTree.Path().string() +
+      "' -o x 2>&1; "
       "echo $where $what $? $(ls)) >$where-$what & done; wait; cat $where-*; done");
   std::istringstream lines(run.fOutput);
   int results = 0;

@@ -40,7 +40,8 @@ bool LacksAllValues(const ICIMNamespace& ns) {
   ns.EnumerateClasses(
       [&isKnown](const boost::shared_ptr<ICIMClass>& root) {
         for (const auto& cimClass : NModel::WithSubclasses(root)) {
-          if (DescribesTool(*cimClass)) continue;
+          // What is tied together is counted by itself.
+          if (DescribesTool(*cimClass) || cimClass->IsAssociation({})) continue;
           NModel::ForEachInstance(*cimClass, [&isKnown](const ICIMInstance& instance) {
             isKnown = isKnown || HasKnownValue(instance);
           });

@@ -20,8 +20,9 @@ TNumber ReadSize(const TSMBIOSStructure& socket) {
   return socket.ReadNumber<std::uint16_t>(0x0C).and_then([&socket](std::uint16_t size) -> TNumber {
     if (size == kUnknownSize) return socket.MissingFrom("the size is unknown");
     if (size == kExtendedSize) {
-      return socket.ReadNumber<std::uint32_t>(0x1C).map(
-          [](std::uint32_t extended) { return static_cast<std::uint64_t>(extended & 0x7FFFFFFFU) << kMiB; });
+      return socket.ReadNumber<std::uint32_t>(0x1C).map([](std::uint32_t extended) {
+        return static_cast<std::uint64_t>(extended & 0x7FFFFFFFU) << kMiB;
+      });
     }
     return static_cast<std::uint64_t>(size & 0x7FFFU) << ((size & 0x8000U) != 0 ? 10U : kMiB);
   });

@@ -58,8 +58,8 @@ TBond ReadSysfs(const THost& host, const std::string& name) {
   bond.fMIIPollingInterval = bonding.ReadNumber<std::uint32_t>("miimon");
   bond.fHashPolicy = FirstWord(ReadOptional(bonding, "xmit_hash_policy"));
   bond.fPartner = ReadOptional(bonding, "ad_partner_mac").map(AddressDigits);
-  const TText members = ReadOptional(bonding, "slaves");
-  for (const std::string_view member : WordsOf(members.ValueOr(""))) {
+  const std::string members = ReadOptional(bonding, "slaves").ValueOr("");
+  for (const std::string_view member : WordsOf(members)) {
     const TFiles slave = host.In("/sys/class/net").In(std::string(member)).In("bonding_slave");
     bond.fMembers.push_back({std::string(member), slave.ReadLine("mii_status"),
                              slave.ReadNumber("link_failure_count"),
