@@ -87,8 +87,8 @@ auto DMIString(const char* name) {
 TText ReadProductName(const THost& host) {
   TText name = DMIString("product_name", &TOtherNames::fProduct)(host);
   if (!name || IsTypeAndModel(*name) || name->find("-[") != std::string::npos) return name;
-  const TText vendor = host.ReadDMIString("sys_vendor");
-  const TText sku = host.ReadDMIString("product_sku");
+  TText vendor = host.ReadDMIString("sys_vendor");
+  TText sku = host.ReadDMIString("product_sku");
   // Without a part that is there and cannot be read, the name would be that of another product.
   if (vendor.GetReason().IsError()) return vendor;
   if (!vendor || !IsMaker(*vendor)) return name;
