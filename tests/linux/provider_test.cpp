@@ -42,6 +42,37 @@ TEST(LinuxProvider, SaysOnceWhyAValueOrAClassIsMissing) {
   EXPECT_EQ(machine.Value("VORNSG_ComputerSystem", "Name"), "");  // a key, which is never null
 }
 
+TEST(LinuxProvider, SaysWhichDevicesItLeavesOut) {
+  const TMachine machine;
+  for (const char* name : {".hid0", "eth0", "e\x01th1"}) {
+    machine.Write(std::string("sys/class/net/") + name + "/type", "1\n");
+  }
+  machine.Write("sys/class/net/bonding_masters", "bond0\n");
+  std::filesystem::create_directories(machine.Path() / "sys/block");
+  create_symlink("nowhere", machine.Path() / "sys/class/net/eth9");
+  create_symlink("nowhere", machine.Path() / "sys/block/sdz");
+  machine.Write("sys/block/nvme0c0n1/hidden/no_file", "");
+  machine.Write("sys/block/nvme0c0n1/size", "8\n");
+  machine.Write("sys/block/sda/removable/no_file", "");
+  machine.Write("sys/block/sda/size", "8\n");
+  machine.Write("sys/devices/system/cpu/present", "\n");
+  machine.Write("sys/devices/system/cpu/online", "0\n");
+  const auto ns = machine.Namespace();
+  auto reasons = ReasonsOf(*ns);
+  EXPECT_EQ(InstancesOf(*ns, "VORNSG_EthernetPort").size(), 2U);
+  EXPECT_EQ(InstancesOf(*ns, "VORNSG_DiskDrive").size(), 1U);
+  const std::string ports =
+      "/sys/class/net/eth1: the name is not printable; /sys/class/net/eth9: a link that leads "
+      "nowhere";
+  const std::string disks =
+      "/sys/block/nvme0c0n1/hidden: not a regular file; /sys/block/sdz: a link that leads nowhere";
+  EXPECT_EQ(reasons["VORNSG_EthernetPort"], ports);
+  EXPECT_EQ(reasons["VORNSG_DiskDrive"], disks);
+  EXPECT_PRED_FORMAT2(::testing::IsSubstring, disks, reasons["VORNSG_SystemDevice"]);
+  EXPECT_EQ(reasons["/dev/sdaMaxMediaSize"], "/sys/block/sda/removable: not a regular file");
+  EXPECT_EQ(reasons["OfflineProcessors"], "/sys/devices/system/cpu/present: no list of processors");
+}
+
 TEST(LinuxProvider, GivesTypeAndModelOnlyWhereTheMakerDoes) {
   // Name, vendor and SKU; then the product name.
   const std::array<std::string, 4> rows[] = {

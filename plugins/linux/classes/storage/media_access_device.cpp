@@ -90,6 +90,7 @@ TText ReadFirmware(const TDrive& drive) {
 }
 
 TNumber ReadMaxMediaSize(const TDrive& drive) {
+  if (drive.fRemovable.GetReason().IsError()) return Missing(drive.fRemovable.GetReason());
   if (drive.fRemovable.ValueOr(false)) return Missing("depends on the medium");
   return Scaled(drive.fSize, 1, 1000);
 }

@@ -355,8 +355,17 @@ TReading<TCPUs> ReadCPUSet(const TFiles& files, const std::string& list, const s
   });
 }
 
+/// A machine has a processor: an empty list says nothing.
+TReading<TCPUs> ReadPresent(const TFiles& files) {
+  const char* const file = "present";
+  return ReadCPUSet(files, file, "").and_then([&](const TCPUs& cpus) -> TReading<TCPUs> {
+    if (cpus.empty()) return files.MissingFrom(file, "no list of processors");
+    return cpus;
+  });
+}
+
 TCPULists::TCPULists(const THost& host)
-    : fPresent(ReadCPUSet(host.In(TTopology::kFolder), "present", "")),
+    : fPresent(ReadPresent(host.In(TTopology::kFolder))),
       fOnline(ReadCPUSet(host.In(TTopology::kFolder), "online", "")) {}
 
 TTopology::TTopology(const THost& host) {

@@ -8,6 +8,7 @@
 #include <boost/algorithm/string/predicate.hpp>
 
 #include "partitions.h"
+#include "sources/device_folder.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -25,22 +26,27 @@ bool HasNumberAfter(std::string_view prefix, std::string_view name) {
          (name[prefix.size()] == '_' || (name[prefix.size()] >= '0' && name[prefix.size()] <= '9'));
 }
 
-EBlockKind KindOf(const std::string& name, const TFiles& folder) {
+TReading<EBlockKind> KindOf(const std::string& name, const TFiles& folder) {
   if (starts_with(name, "dm-")) return EBlockKind::kDeviceMapper;
   if (HasNumberAfter("md", name)) return EBlockKind::kRAID;
   if (HasNumberAfter("loop", name)) return EBlockKind::kLoop;
   const bool isKnown =
       std::any_of(std::begin(kDrivers), std::end(kDrivers),
                   [&name](std::string_view driver) { return starts_with(name, driver); });
-  if (isKnown || !folder.IsAbsent("device")) return EBlockKind::kDrive;
-  return EBlockKind::kOther;
+  if (isKnown) return EBlockKind::kDrive;
+  return folder.FirstOf({"device"}).map([&folder](const std::string& link) {
+    return folder.IsAbsent(link) ? EBlockKind::kOther : EBlockKind::kDrive;
+  });
 }
 
 /// The kernel makes memory disks that nobody asked for. Of a disk with several paths, each path has
 /// a hidden device of its own.
-bool IsTaken(const std::string& name, const TFiles& folder) {
-  if (PrintableText(name) != name || HasNumberAfter("ram", name)) return false;
-  return !starts_with(name, "nvme") || !folder.ReadFlag("hidden").ValueOr(false);
+TReading<bool> IsTaken(const std::string& name, const TFiles& folder) {
+  const std::string obstacle = ObstacleToDevice(folder, name);
+  if (!obstacle.empty()) return Failed(PrintableText(folder.PathOf("")) + ": " + obstacle);
+  if (HasNumberAfter("ram", name)) return false;
+  if (!starts_with(name, "nvme") || folder.IsAbsent("hidden")) return true;
+  return folder.ReadFlag("hidden").map([](bool isHidden) { return !isHidden; });
 }
 
 /// In sysfs, "!" replaces a slash in the name of the device file.
@@ -137,10 +143,12 @@ TBlockDevices::TBlockDevices(const THost& host) {
   fReason = names.GetReason();
   if (!names && !host.IsAbsent(kFolder)) return;
   for (const std::string& name : names.ValueOr({})) {
-    if (IsTaken(name, host.In(kFolder).In(name))) AddDisk(host, name);
+    const TReading<bool> isTaken = IsTaken(name, host.In(kFolder).In(name));
+    if (!isTaken) fReason.Add(isTaken.GetReason());
+    if (isTaken.ValueOr(false)) AddDisk(host, name);
   }
   AddListed(host);
-  if (!fAll.empty()) fReason = {};
+  if (!fAll.empty() && !fReason.IsError()) fReason = {};
   for (std::size_t i = 0; i < fAll.size(); ++i) AddToIndex(i);
 }
 
@@ -165,7 +173,9 @@ void TBlockDevices::AddListed(const THost& host) {
 
 void TBlockDevices::AddDisk(const THost& host, const std::string& name) {
   const TFiles folder = host.In(kFolder).In(name);
-  TBlockDevice device = MakeDevice(host, folder, folder, name, KindOf(name, folder));
+  const TReading<EBlockKind> kind = KindOf(name, folder);
+  if (!kind) return fReason.Add(kind.GetReason());
+  TBlockDevice device = MakeDevice(host, folder, folder, name, *kind);
   if (device.fKind == EBlockKind::kLoop && device.IsEmpty()) return;
   device.fBlockSize = folder.ReadNumber("queue/logical_block_size");
   if (device.fKind == EBlockKind::kDeviceMapper) {

@@ -59,7 +59,7 @@ class TBlockDevices {
   explicit TBlockDevices(const THost& host);
 
   const std::vector<TBlockDevice>& All() const { return fAll; }
-  /// Why there are none.
+  /// Why there are none, or why some are missing.
   const TReason& GetReason() const { return fReason; }
 
   /// Returns the device of the kernel's name, for example "sda"; a null pointer if there is none.
