@@ -11,6 +11,7 @@
 #include <net/if_arp.h>
 
 #include "links.h"
+#include "sources/device_folder.h"
 #include "sources/fields.h"
 #include "tables.h"
 
@@ -227,10 +228,13 @@ TReading<TPort> ReadPort(const THost& host, const TFiles& files, const std::stri
 TInstances<TPort> ListFolder(const THost& host, const std::vector<std::string>& names) {
   TInstances<TPort> ports;
   for (const std::string& name : names) {
-    // The kernel has only printable names, and a key must be printable.
-    if (PrintableText(name) != name) continue;
     const TFiles files = host.In(kFolder).In(name);
-    // A list of bonds is a file beside the folders; a copied link can lead nowhere.
+    const std::string obstacle = ObstacleToDevice(files, name);
+    if (!obstacle.empty()) {
+      ports.Miss(Failed(PrintableText(files.PathOf("")) + ": " + obstacle).fReason);
+      continue;
+    }
+    // A list of bonds is a file beside the folders.
     if (files.IsAbsent(".")) continue;
     TReading<TPort> port = ReadPort(host, files, name);
     if (port) {
