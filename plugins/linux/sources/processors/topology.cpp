@@ -355,6 +355,8 @@ TReading<TCPUs> ReadCPUSet(const TFiles& files, const std::string& list, const s
   });
 }
 
+namespace {
+
 /// A machine has a processor: an empty list says nothing.
 TReading<TCPUs> ReadPresent(const TFiles& files) {
   const char* const file = "present";
@@ -363,6 +365,8 @@ TReading<TCPUs> ReadPresent(const TFiles& files) {
     return cpus;
   });
 }
+
+}  // namespace
 
 TCPULists::TCPULists(const THost& host)
     : fPresent(ReadPresent(host.In(TTopology::kFolder))),

@@ -88,7 +88,8 @@ TBlockDevice MakeListed(const THost& host, const TListedDevice& listed) {
   const std::string name = FileNameOf(listed.fName);
   const TFiles disk = host.In(kFolder).In(isPartition ? FileNameOf(listed.fDisk) : name);
   const TFiles folder = isPartition ? disk.In(name) : disk;
-  const EBlockKind kind = isPartition ? EBlockKind::kPartition : KindOf(name, folder);
+  const EBlockKind kind =
+      isPartition ? EBlockKind::kPartition : KindOf(name, folder).ValueOr(EBlockKind::kOther);
   TBlockDevice device = MakeDevice(host, folder, disk, name, kind);
   device.fBlockSize = Missing("sysfs does not have the device");
   device.fDiskName = listed.fDisk;
