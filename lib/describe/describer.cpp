@@ -277,7 +277,8 @@ class TDescription {
 
   /// The last call.
   TNamespace Finish() {
-    WriteMissingValues(*fNamespace, fMissing);
+    fPlaces.clear();
+    WriteMissingValues(*fNamespace, std::move(fMissing));
     return fNamespace;
   }
 

@@ -14,6 +14,7 @@
 #include <iterator>
 #include <memory>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include <dirent.h>
@@ -178,6 +179,15 @@ class TFiles::TRoot {
 
   bool IsThisMachine() const { return fIsThisMachine; }
 
+  /// Returns the contents of a small file that was read before, or null.
+  const std::string* FindKept(const std::string& path) const {
+    const auto found = fKept.find(path);
+    return found == fKept.end() ? nullptr : &found->second;
+  }
+  void Keep(const std::string& path, const std::string& contents) const {
+    if (contents.size() <= kMaxKeptSize && fKept.size() < kMaxKept) fKept.emplace(path, contents);
+  }
+
   TDescriptor Open(const std::string& path, int flags) const {
     flags |= O_CLOEXEC;
     if (fIsThisMachine) return TDescriptor(::open(path.c_str(), flags));
@@ -203,16 +213,24 @@ class TFiles::TRoot {
   }
 
  private:
+  // Large files are tables, which few classes need. Together at most some 10 MB.
+  static constexpr std::size_t kMaxKeptSize = 64;
+  static constexpr std::size_t kMaxKept = 1U << 16U;
+
   TDescriptor fFolder;
   bool fIsThisMachine;
+  mutable std::unordered_map<std::string, std::string> fKept;
 };
 
 TFiles::TFiles(const TRequest& request) : fRoot(std::make_shared<TRoot>(request.fRoot)) {}
 
 /// Reads some bytes more than the maximum size if the file has more.
 TReading<std::string> TFiles::ReadBytes(const std::string& path, std::size_t maxSize) const {
+  const std::string fullPath = PathOf(path);
+  const std::string* const kept = fRoot->FindKept(fullPath);
+  if (kept != nullptr && kept->size() <= maxSize) return *kept;
   TReason obstacle;
-  const TDescriptor file = fRoot->OpenToRead(PathOf(path), obstacle);
+  const TDescriptor file = fRoot->OpenToRead(fullPath, obstacle);
   if (!obstacle.empty()) return MissingFrom(path, obstacle);
   TReading<std::string> reading = ReadToEnd(file.Get(), maxSize);
   if (!reading) return MissingFrom(path, reading.GetReason());
@@ -231,6 +249,7 @@ TReading<std::string> TFiles::Read(const std::string& path, std::size_t maxSize)
     const std::string limit = std::to_string(maxSize >> 10U) + " KiB";
     return MissingFrom(path, {"more than " + limit, TReason::kError});
   }
+  if (reading) fRoot->Keep(PathOf(path), *reading);
   return reading;
 }
 

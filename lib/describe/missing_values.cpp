@@ -5,6 +5,7 @@
 #include <qdxmodel/classes.h>
 
 #include <new>
+#include <utility>
 
 namespace NVORNQDX20::NDescribe {
 namespace {
@@ -51,9 +52,11 @@ std::string Text(const ICIMInstance& instance, const char* property) {
 
 }  // namespace
 
-void WriteMissingValues(ICIMNamespace& ns, const std::vector<TMissingValue>& values) {
+void WriteMissingValues(ICIMNamespace& ns, std::vector<TMissingValue> values) {
   const auto missing = DeclareClass(ns, Declaration());
-  for (const auto& [className, instance, property, reason] : values) {
+  for (TMissingValue& value : values) {
+    // Its memory is free for the instance.
+    const auto [className, instance, property, reason] = std::exchange(value, {});
     AddInstance(*missing, {{"ClassName", className},
                            {"Instance", instance},
                            {"PropertyName", property},

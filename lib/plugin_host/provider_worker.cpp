@@ -150,7 +150,8 @@ class TProviderWorker {
       throw TExplainedException(kQDXStatusFileSystemError, ErrorText(file.GetError()));
     }
     NCIMXML::TDocumentWriter writer(TDescriptor(::fcntl(file.Get(), F_DUPFD_CLOEXEC, 0)),
-                                    origin.fNamespace + " of provider " + origin.fProvider);
+                                    origin.fNamespace + " of provider " + origin.fProvider,
+                                    NCIMXML::TDocumentWriter::ENames::kLeftOut);
     writer.AddNamespace(ns, origin.fNamespace);
     std::vector<std::string> warnings;
     {

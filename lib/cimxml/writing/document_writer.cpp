@@ -18,6 +18,7 @@ namespace NVORNQDX20::NCIMXML {
 namespace {
 
 using TQualifierDecls = std::vector<boost::shared_ptr<ICIMQualifierDecl>>;
+using ENames = TDocumentWriter::ENames;
 using TClasses = std::vector<boost::shared_ptr<ICIMClass>>;
 
 TQualifierDecls SortedQualifierDecls(const ICIMNamespace& ns) {
@@ -55,8 +56,8 @@ TClasses SortedClasses(const ICIMNamespace& ns) {
 /// Writes the instances of one class.
 class TInstanceWriter {
  public:
-  TInstanceWriter(TXMLWriter& xml, TValueWriter& values, const ICIMClass& cimClass)
-      : fXML(xml), fValues(values), fClassName(cimClass.GetName({})) {
+  TInstanceWriter(TXMLWriter& xml, TValueWriter& values, ENames names, const ICIMClass& cimClass)
+      : fXML(xml), fValues(values), fNames(names), fClassName(cimClass.GetName({})) {
     for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
       if (HasPropertyElement(decl->GetDefaultValue().GetType())) {
         fProperties.push_back({decl->GetName(), isKey});
@@ -67,6 +68,7 @@ class TInstanceWriter {
 
   void Write(const ICIMInstance& instance) {
     if (!CanName(instance)) return;
+    if (fNames == ENames::kLeftOut) return WriteContents(instance);
     fXML.Markup("<VALUE.NAMEDOBJECT>");
     const std::size_t replaced = fXML.GetReplaced();
     fXML.Markup("<INSTANCENAME").Attribute("CLASSNAME", fClassName).Markup(">");
@@ -76,11 +78,8 @@ class TInstanceWriter {
     }
     fXML.Markup("</INSTANCENAME>\n");
     fXML.SetReplaced(replaced);  // counted again below
-    fXML.Markup("<INSTANCE").Attribute("CLASSNAME", fClassName).Markup(">\n");
-    for (const TProperty& property : fProperties) {
-      fValues.Property(property.fName, instance.GetProperty(property.fName, {})->GetValue());
-    }
-    fXML.Markup("</INSTANCE></VALUE.NAMEDOBJECT>\n");
+    WriteContents(instance);
+    fXML.Markup("</VALUE.NAMEDOBJECT>\n");
   }
 
  private:
@@ -88,6 +87,14 @@ class TInstanceWriter {
     std::string fName;
     bool fIsKey;
   };
+
+  void WriteContents(const ICIMInstance& instance) {
+    fXML.Markup("<INSTANCE").Attribute("CLASSNAME", fClassName).Markup(">\n");
+    for (const TProperty& property : fProperties) {
+      fValues.Property(property.fName, instance.GetProperty(property.fName, {})->GetValue());
+    }
+    fXML.Markup("</INSTANCE>");
+  }
 
   bool CanName(const ICIMInstance& instance) {
     for (const TProperty& property : fProperties) {
@@ -103,12 +110,14 @@ class TInstanceWriter {
 
   TXMLWriter& fXML;
   TValueWriter& fValues;
+  const ENames fNames;
   const std::string fClassName;
   std::vector<TProperty> fProperties;
 };
 
-void WriteInstances(TXMLWriter& xml, TValueWriter& values, const ICIMClass& cimClass) {
-  TInstanceWriter writer(xml, values, cimClass);
+void WriteInstances(TXMLWriter& xml, TValueWriter& values, ENames names,
+                    const ICIMClass& cimClass) {
+  TInstanceWriter writer(xml, values, names, cimClass);
   NModel::ForEachInstance(cimClass,
                           [&writer](const ICIMInstance& instance) { writer.Write(instance); });
 }
@@ -117,8 +126,10 @@ void WriteInstances(TXMLWriter& xml, TValueWriter& values, const ICIMClass& cimC
 
 struct TDocumentWriter::TParts {
   explicit TParts(const std::string& file) : fOutput(file) {}
-  TParts(TDescriptor file, const std::string& name) : fOutput(std::move(file), name) {}
+  TParts(TDescriptor file, const std::string& name, ENames names)
+      : fNames(names), fOutput(std::move(file), name) {}
 
+  const ENames fNames = ENames::kWritten;
   TOutput fOutput;
   TXMLWriter fXML{fOutput};
   TCountedWarning fLeftOut;
@@ -129,8 +140,8 @@ TDocumentWriter::TDocumentWriter(const std::string& file) : fParts(std::make_uni
   Begin();
 }
 
-TDocumentWriter::TDocumentWriter(TDescriptor file, const std::string& name)
-    : fParts(std::make_unique<TParts>(std::move(file), name)) {
+TDocumentWriter::TDocumentWriter(TDescriptor file, const std::string& name, ENames names)
+    : fParts(std::make_unique<TParts>(std::move(file), name, names)) {
   Begin();
 }
 
@@ -157,7 +168,9 @@ void TDocumentWriter::AddNamespace(const ICIMNamespace& ns, const std::string& n
     schema.Class(*cimClass);
     xml.Markup("</VALUE.NAMEDOBJECT>\n");
   }
-  for (const auto& cimClass : classes) WriteInstances(xml, values, *cimClass);
+  for (const auto& cimClass : classes) {
+    WriteInstances(xml, values, fParts->fNames, *cimClass);
+  }
   xml.Markup("</DECLGROUP.WITHNAME>\n");
 }
 

@@ -28,7 +28,8 @@ namespace NVORNQDX20::NDescribe {
 /// maximum size are read. Symbolic links never lead out of a root other than "/". The reason of a
 /// failure names the file below the root: "/etc/os-release: No such file or directory".
 ///
-/// Copies are cheap and share the root.
+/// Copies are cheap and share the root. A file of up to 64 bytes is read once: later calls return
+/// the same contents, so that the classes of one description agree.
 class TFiles {
  public:
   static constexpr std::size_t kMaxFileSize = 64U << 10U;

@@ -25,7 +25,7 @@ struct TMissingValue {
 };
 
 /// Declares the class and adds an instance for each missing value.
-void WriteMissingValues(ICIMNamespace& ns, const std::vector<TMissingValue>& values);
+void WriteMissingValues(ICIMNamespace& ns, std::vector<TMissingValue> values);
 
 /// Reasons by class, instance and property, as in TMissingValue.
 using TMissingReasons = std::map<std::tuple<std::string, std::string, std::string>, TReason>;
