@@ -75,6 +75,8 @@ TEST_F(Files, AreFoundInAFolder) {
   EXPECT_EQ(folder.ReadNumber("e/f").GetReason(), "/d/e/f: '-7' is no valid number");
   EXPECT_EQ(folder.ReadFlag("flag").GetReason(), "/d/flag: neither 0 nor 1");
   EXPECT_EQ(folder.In("none").List().GetReason(), "/d/none: No such file or directory");
+  fTree.Write("d/e/f", "8\n");  // what was read once is kept
+  EXPECT_EQ(*folder.ReadNumber<int>("e/f"), -7);
 }
 
 TEST_F(Files, NoLinkLeadsOutOfTheTree) {
