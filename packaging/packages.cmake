@@ -47,6 +47,7 @@ set(CPACK_DEBIAN_TOOL_PACKAGE_NAME qdx)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION admin)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} ${same_version}")
+set(CPACK_DEBIAN_TOOL_PACKAGE_SUGGESTS "pci.ids, usb.ids")  # names of devices
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 set(CPACK_COMPONENT_TOOL_DESCRIPTION "describe and diagnose a Linux server
 The command qdx queries its plug-ins about the machine and shows their data

@@ -134,7 +134,9 @@ TReading<std::string> ReadToEnd(int file, std::size_t maxSize) {
   std::array<char, 16384> buffer;  // not initialised: most files have some bytes
   std::string text;
   while (text.size() <= maxSize) {
-    const ssize_t count = ::read(file, buffer.data(), buffer.size());
+    // No more, since some registers that a file of the kernel shows are slow to read.
+    const std::size_t wanted = std::min(buffer.size() - 1, maxSize - text.size()) + 1;
+    const ssize_t count = ::read(file, buffer.data(), wanted);
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return Missing(ReasonOf(errno));
     if (count == 0) break;

@@ -4,6 +4,8 @@
 #include <qdxcore/schema_helper.h>
 #include <qdxmodel/classes.h>
 
+#include <utility>
+
 #include "sources/device_folder.h"
 
 namespace NVORNQDX20 {
@@ -58,16 +60,11 @@ TClass SystemDeviceClass() {
 std::function<TInstances<TSysfsDevice>(const THost&)> DevicesIn(
     const char* folder, std::function<TReading<bool>(TSysfsDevice&)> adapt) {
   return [folder, adapt](const THost& host) -> TInstances<TSysfsDevice> {
-    const TReading<std::vector<std::string>> names = host.List(folder);
-    if (!names) return Missing(names.GetReason());
+    TInstances<TDeviceFolder> folders = ListDevices(host, folder);
     TInstances<TSysfsDevice> devices;
-    for (const std::string& name : *names) {
-      TSysfsDevice device{{name, name}, host.In(folder).In(name)};
-      const std::string obstacle = ObstacleToDevice(device, name);
-      if (!obstacle.empty()) {
-        devices.Miss(Failed(PrintableText(device.PathOf("")) + ": " + obstacle).fReason);
-        continue;
-      }
+    devices.fReason = std::move(folders.fReason);
+    for (const TDeviceFolder& each : folders.fAll) {
+      TSysfsDevice device{{each.fFileName, each.fFileName}, each};
       const TReading<bool> isTaken = adapt(device);
       if (!isTaken) devices.Miss(isTaken.GetReason());
       if (isTaken.ValueOr(false)) devices.fAll.push_back(std::move(device));

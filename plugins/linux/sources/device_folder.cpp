@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "device_folder.h"
+
+#include <cmath>
+#include <vector>
+
+#include "fields.h"
+
+namespace NVORNQDX20 {
+
+std::string ObstacleToDevice(const TFiles& folder, const std::string& name) {
+  if (PrintableText(name) != name) return "the name is not printable";  // a key must be
+  const bool leadsNowhere = folder.IsAbsent("") && folder.ReadLink("");
+  return leadsNowhere ? "a link that leads nowhere" : "";
+}
+
+TInstances<TDeviceFolder> ListDevices(const TFiles& files, const char* folder) {
+  const TReading<std::vector<std::string>> names = files.List(folder);
+  if (!names) return Missing(names.GetReason());
+  TInstances<TDeviceFolder> devices;
+  devices.fAll.reserve(names->size());
+  for (const std::string& name : *names) {
+    const TFiles device = files.In(folder).In(name);
+    const std::string obstacle = ObstacleToDevice(device, name);
+    if (obstacle.empty()) {
+      devices.fAll.push_back({device, name});
+    } else {
+      devices.Miss(Failed(PrintableText(device.PathOf("")) + ": " + obstacle).fReason);
+    }
+  }
+  return devices;
+}
+
+TText ReadLinkedName(const TFiles& folder, const std::string& link) {
+  return folder.ReadLink(link).map([](const std::string& target) {
+    return PrintableText(target.substr(target.rfind('/') + 1));
+  });
+}
+
+TText ReadDriverOf(const TFiles& folder) {
+  TText linked = ReadLinkedName(folder, "driver");
+  if (linked) return linked;
+  const TText file = folder.Read("uevent");
+  const TText driver = TFields(folder.PathOf("uevent"), file, '=').Get("DRIVER");
+  return driver || !file ? driver : TText(Missing("no driver is bound to it"));
+}
+
+TNumber ReadRate(const TFiles& folder, const char* file, double multiplier) {
+  return folder.ReadLine(file).and_then([&](const std::string& line) -> TNumber {
+    constexpr double kLargest = 1e15;  // far from where a number loses its last digits
+    const auto number = ParseNumber<double>(line.substr(0, line.find(' ')));
+    if (number && *number >= 0 && *number * multiplier <= kLargest) {
+      return static_cast<std::uint64_t>(std::llround(*number * multiplier));
+    }
+    const bool isUnknown = line.substr(1, 6) == "nknown";
+    return folder.MissingFrom(file, isUnknown ? "not known" : "'" + line + "' is no valid number");
+  });
+}
+
+}  // namespace NVORNQDX20
