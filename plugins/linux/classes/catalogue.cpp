@@ -63,6 +63,13 @@
   CLASS(kNetwork, PortImplementsEndpointClass)     \
   CLASS(kNetwork, MemberOfPortGroupClass)          \
   CLASS(kBuses, PCIDeviceClass)                    \
+  CLASS(kSensors, SensorClass)                     \
+  CLASS(kSensors, NumericSensorClass)              \
+  CLASS(kSensors, ThermalZoneClass)                \
+  CLASS(kSensors, CoolingDeviceClass)              \
+  CLASS(kSensors, FanClass)                        \
+  CLASS(kSensors, ThermalCoolingDeviceClass)       \
+  CLASS(kSensors, AssociatedSensorClass)           \
   CLASS(kNetwork, DeviceIdentityClass)             \
   CLASS(kDisks, MediaPresentClass)                 \
   CLASS(kDisks, BasedOnClass)                      \
@@ -100,7 +107,8 @@ std::vector<TClass> AllClasses() {
   const TPart kFileSystems{"filesystems"};
   const TPart kNetwork{"network"};
   const TPart kBuses{"buses"};
-  const TPart kSystem{"system"};  // the kernel, its modules and limits
+  const TPart kSensors{"sensors"};  // temperatures, fans, power
+  const TPart kSystem{"system"};    // the kernel, its modules and limits
   const TPart kServices{"services"};
   const TPart kPackages{"packages"};
   const TPart kUsers{"users", true};

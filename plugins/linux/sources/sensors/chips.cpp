@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "chips.h"
+
+#include <algorithm>
+#include <limits>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+#include "sources/device_folder.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+constexpr std::int64_t kMicro = 1'000'000;
+constexpr std::uint16_t kOther = 1;
+
+/// Frequencies of more than 2 GHz do not fit in hertz.
+constexpr TQuantity kQuantities[] = {{"temp", "", 1, -3, kDegreesCelsius, kTemperature},
+                                     {"fan", "", 1, 0, 19, kTachometer},
+                                     {"in", "", 1, -3, 5, 3},
+                                     {"curr", "", 1, -3, 6, 4},
+                                     {"power", "", 1000, -3, 7, 13},
+                                     {"energy", "", kMicro, 0, 8, 6},
+                                     {"humidity", "", 1, -3, 65, 9},
+                                     {"freq", "Frequency", 1000, 3, 20, kOther},
+                                     {"intrusion", "", 1, 0, 0, kIntrusion}};
+
+const TQuantity* QuantityOf(std::string_view prefix) {
+  const auto* const found =
+      std::find_if(std::begin(kQuantities), std::end(kQuantities),
+                   [prefix](const TQuantity& each) { return prefix == each.fPrefix; });
+  return found == std::end(kQuantities) ? nullptr : found;
+}
+
+/// What makes a file's sensor one: a limit or a label alone can belong to something else.
+bool IsState(const std::string& file) {
+  for (const char* state : {"input", "average", "alarm", "fault"}) {
+    if (file == state) return true;
+  }
+  return false;
+}
+
+/// The files of a folder by sensor, in the order of quantity and number.
+using TKey = std::tuple<const TQuantity*, std::size_t, std::string>;
+using TFilesBySensor = std::map<TKey, std::vector<std::string>>;
+
+TFilesBySensor FilesIn(const TFiles& folder) {
+  TFilesBySensor sensors;
+  for (const std::string& name : folder.List().ValueOr({})) {
+    const std::size_t digits = name.find_first_of("0123456789");
+    const std::size_t line = name.find('_');
+    if (line == std::string::npos || digits >= line) continue;
+    const TQuantity* const quantity = QuantityOf(name.substr(0, digits));
+    const auto number = ParseNumber<std::uint32_t>(name.substr(digits, line - digits));
+    if (quantity == nullptr || !number || PrintableText(name) != name) continue;
+    sensors[{quantity, *number, name.substr(0, line)}].push_back(name.substr(line + 1));
+  }
+  for (auto sensor = sensors.begin(); sensor != sensors.end();) {
+    const auto& files = sensor->second;
+    const bool isSensor = std::any_of(files.begin(), files.end(), IsState);
+    sensor = isSensor ? std::next(sensor) : sensors.erase(sensor);
+  }
+  return sensors;
+}
+
+/// Returns what follows "devices/" in a link.
+std::string DeviceIn(const TText& link) {
+  constexpr std::string_view kDevices = "devices/";
+  const std::string path = PrintableText(link.ValueOr(""));
+  const std::size_t found = path.find(kDevices);
+  return found == std::string::npos ? "" : path.substr(found + kDevices.size());
+}
+
+void RemoveLast(std::string& path, const std::string& name) {
+  const std::string end = "/" + name;
+  if (path.size() < end.size() || path.substr(path.size() - end.size()) != end) return;
+  path.erase(path.size() - end.size());
+}
+
+/// Returns the path of the device below /sys/devices. The number of "hwmon3" depends on the order
+/// in which drivers were loaded, and is no part of it.
+std::string DeviceOf(const TFiles& chips, const std::string& name) {
+  std::string device = DeviceIn(chips.ReadLink(name));
+  RemoveLast(device, name);
+  RemoveLast(device, "hwmon");
+  return device.empty() ? DeviceIn(chips.ReadLink(name + "/device")) : device;
+}
+
+}  // namespace
+
+bool TChannel::Has(const char* file) const {
+  return std::binary_search(fFiles.begin(), fFiles.end(), file);
+}
+
+TReading<std::int32_t> TChannel::Read(const char* file) const {
+  const std::string path = PathOf(file);
+  return fFolder.ReadNumber<std::int64_t>(path).and_then(
+      [&](std::int64_t number) -> TReading<std::int32_t> {
+        const std::int64_t value = number / fQuantity->fKernelUnits;
+        using TLimits = std::numeric_limits<std::int32_t>;
+        if (value < TLimits::min() || value > TLimits::max()) {
+          return fFolder.MissingFrom(path, std::to_string(number) + " is out of range");
+        }
+        return static_cast<std::int32_t>(value);
+      });
+}
+
+TReading<std::int32_t> TChannel::ReadValue() const {
+  if (Has("fault") && fFolder.ReadFlag(PathOf("fault")).ValueOr(false)) {
+    return fFolder.MissingFrom(PathOf("fault"), "the sensor is faulty");
+  }
+  return Read(!Has("input") && Has("average") ? "average" : "input");
+}
+
+TChips::TChips(const THost& host) {
+  const TFiles chips = host.In("/sys/class/hwmon");
+  const auto listed = chips.List();
+  fReason = listed.GetReason();
+  auto names = listed.ValueOr({});
+  SortByNumber(names);
+  std::map<std::string, int> taken;
+  for (const std::string& name : names) {
+    TFiles folder = chips.In(name);
+    const std::string obstacle = ObstacleToDevice(folder, name);
+    if (!obstacle.empty()) {
+      fReason.Add(Failed(PrintableText(folder.PathOf("")) + ": " + obstacle).fReason);
+      continue;
+    }
+    const TText chip = folder.ReadLine(folder.FirstOf({"name", "device/name"}).ValueOr("name"));
+    TFilesBySensor sensors = FilesIn(folder);
+    // Older drivers have their files in the folder of the device.
+    if (sensors.empty() && !folder.IsAbsent("device")) {
+      folder = folder.In("device");
+      sensors = FilesIn(folder);
+    }
+    const std::string device = DeviceOf(chips, name);
+    const std::string id =
+        TakeID(taken, (device.empty() ? name : device) + "/" + chip.ValueOr("hwmon"));
+    for (auto& [key, files] : sensors) {
+      const auto& [quantity, number, sensor] = key;
+      std::sort(files.begin(), files.end());
+      fChannels.push_back(
+          {id + "/" + sensor, sensor, device, chip, folder, quantity, std::move(files)});
+    }
+  }
+  if (fChannels.empty() && fReason.empty()) {
+    fReason = names.empty() ? "no driver of the kernel watches the hardware"
+                            : "no chip in /sys/class/hwmon has a sensor";
+  }
+}
+
+void SortByNumber(std::vector<std::string>& names) {
+  const auto number = [](const std::string& name) {
+    const std::size_t digits = name.find_last_not_of("0123456789") + 1;
+    return std::make_tuple(name.substr(0, digits),
+                           ParseNumber<std::uint64_t>(name.substr(digits)).value_or(0), name);
+  };
+  std::sort(names.begin(), names.end(), [&](const std::string& one, const std::string& other) {
+    return number(one) < number(other);
+  });
+}
+
+std::string TakeID(std::map<std::string, int>& taken, const std::string& text) {
+  std::string id = text;
+  for (int& count = taken[text]; ++count > 1;) {
+    id = text + " " + std::to_string(count);
+    if (taken.emplace(id, 1).second) break;
+  }
+  return id;
+}
+
+}  // namespace NVORNQDX20

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "thermal.h"
+
+#include "chips.h"
+#include "sources/device_folder.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+constexpr int kMaxTripPoints = 64;
+
+TInstances<TThermalDevice> ListDevices(const TFiles& folder,
+                                       const TReading<std::vector<std::string>>& listed,
+                                       const std::string& prefix, const char* none) {
+  TInstances<TThermalDevice> devices;
+  devices.fReason = listed.GetReason();
+  auto names = listed.ValueOr({});
+  SortByNumber(names);
+  std::map<std::string, int> taken;
+  for (const std::string& name : names) {
+    if (name.compare(0, prefix.size(), prefix) != 0) continue;
+    const TFiles device = folder.In(name);
+    const std::string obstacle = ObstacleToDevice(device, name);
+    if (!obstacle.empty()) {
+      devices.Miss(Failed(PrintableText(device.PathOf("")) + ": " + obstacle).fReason);
+      continue;
+    }
+    const TText type = device.ReadLine("type");
+    devices.fAll.push_back({TakeID(taken, type.ValueOr(name)), name, type, device});
+  }
+  if (devices.fAll.empty() && devices.fReason.empty()) devices.Miss(none);
+  return devices;
+}
+
+}  // namespace
+
+TThermal::TThermal(const THost& host) {
+  const TFiles folder = host.In("/sys/class/thermal");
+  const auto listed = folder.List();
+  fZones = ListDevices(folder, listed, "thermal_zone", "the kernel has no thermal zone");
+  fCoolingDevices =
+      ListDevices(folder, listed, "cooling_device", "the kernel has no cooling device");
+}
+
+TTripPoints::TTripPoints(const TFiles& zone)
+    : fWarning(Missing("the zone has no such trip point")), fCritical(fWarning) {
+  for (int point = 0; point < kMaxTripPoints; ++point) {
+    const std::string name = "trip_point_" + std::to_string(point) + "_";
+    if (zone.IsAbsent(name + "type")) return;
+    const TText type = zone.ReadLine(name + "type");
+    if (!type) {  // which may be of either kind
+      if (!fWarning) fWarning = Missing(type.GetReason());
+      if (!fCritical) fCritical = Missing(type.GetReason());
+      continue;
+    }
+    const auto temperature = zone.ReadNumber<std::int32_t>(name + "temp");
+    if (type.ValueOr("") == "critical") {
+      fCritical = temperature;
+    } else if (type.ValueOr("") == "hot" || type.ValueOr("") == "passive") {
+      if (!fWarning || temperature.ValueOr(*fWarning) < *fWarning) fWarning = temperature;
+    }
+  }
+}
+
+}  // namespace NVORNQDX20
