@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Files of a machine: what is parsed is written as a file that parses to the same. The first byte
 // selects a mount table (0), os-release (1), fields (2), a number (3), a text (4), the table of
-// SMBIOS (5) or /proc/cpuinfo and lists of processors (6).
+// SMBIOS (5), /proc/cpuinfo and lists of processors (6), or a list of names such as pci.ids (7).
+#include <sources/buses/id_names.h>
 #include <sources/fields.h>
 #include <sources/firmware/smbios.h>
 #include <sources/mount_table.h>
@@ -165,10 +166,29 @@ void CheckProcessors(const std::string& text) {
   }
 }
 
+void CheckIDNames(const std::string& text) {
+  const auto all = [](const std::string&) { return true; };
+  const TNamesByID names = ParseIDNames(text, all);
+  std::string written;
+  for (const auto& [path, name] : names) {
+    Require(!name.empty() && PrintableText(name) == name);
+    const std::size_t tab = path.rfind('\t');
+    const auto level = static_cast<std::size_t>(std::count(path.begin(), path.end(), '\t'));
+    Require(level == 0 || names.count(path.substr(0, tab)) == 1);
+    written += std::string(level, '\t') + path.substr(tab + 1) + "  " + name + "\n";
+  }
+  Require(ParseIDNames(written, all) == names);
+  // What is not wanted is left out, with what is below it.
+  const auto top = [](const std::string& path) { return path.find('\t') == std::string::npos; };
+  for (const auto& [path, name] : ParseIDNames(text, top)) {
+    Require(top(path) && names.at(path) == name);
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   return RunCheck({CheckMountTable, CheckOSRelease, CheckFields, CheckNumber, CheckText,
-                   CheckSMBIOS, CheckProcessors},
+                   CheckSMBIOS, CheckProcessors, CheckIDNames},
                   data, size);
 }

@@ -82,5 +82,54 @@ TEST(LinuxBuses, HavePCIFunctions) {
                "0000:3b:00.1: PhysicalSlot=/sys/bus/pci/slots: No such file or directory");
 }
 
+/// A root hub, a hub behind it with a keyboard that has two interfaces, what has no class and no
+/// interfaces, and what is only half there.
+const char* const kUSBDevices = R"(
+sys/bus/usb/devices/usb1: idVendor=1d6b; idProduct=0002; bDeviceClass=09; maxchild=16; speed=480
+sys/bus/usb/devices/usb1: version= 2.00; bcdDevice=0601; bMaxPower=0mA; serial=0000:00:14.0
+sys/bus/usb/devices/1-0:1.0: bInterfaceClass=09; uevent=DRIVER=hub
+sys/bus/usb/devices/1-1: idVendor=046d; idProduct=0001; bDeviceClass=09; maxchild=4
+sys/bus/usb/devices/1-1.4: idVendor=046d; idProduct=c31c; bDeviceClass=00; bDeviceSubClass=00
+sys/bus/usb/devices/1-1.4: bDeviceProtocol=ff; speed=1.5; version= 1.10; bcdDevice=6402
+sys/bus/usb/devices/1-1.4: bMaxPower= 98mA; bMaxPacketSize0=8; bNumConfigurations=1; busnum=1
+sys/bus/usb/devices/1-1.4: bConfigurationValue=; devnum=17; manufacturer=Keys; serial=00000000
+sys/bus/usb/devices/1-1.4:1.0: bInterfaceClass=03; uevent=DRIVER=usbhid
+sys/bus/usb/devices/1-1.4:1.1: bInterfaceClass=03; uevent=DRIVER=usbhid
+sys/bus/usb/devices/1-1.4:1.2: bInterfaceClass=0b; uevent=A=1
+sys/bus/usb/devices/2-1: idVendor=xyz; bDeviceClass=00; speed=unknown
+sys/bus/usb/devices/usb3: speed=20000
+sys/bus/usb/devices/9-9:1.0: bInterfaceClass=03
+)";
+
+const char* const kUSBNames =
+    "046d  Keys, Inc.\n\tc31c  Keyboard\nAT 0100  Streaming\nC 00  (Defined at Interface level)\n"
+    "C 03  Human Interface Device\n\t01  Boot\nC 09  Hub\nC 0b  Chip/SmartCard\n";
+
+const char* const kUSBValues = R"(
+usb1: CreationClassName=VORNSG_USBHub; NumberOfPorts=16; Speed=480000000; USBVersion=512
+usb1: MaxPower=0; Drivers={ hub }; ClassDescription=Hub; SerialNumber=0000:00:14.0
+usb1: VendorName=/usr/share/misc/usb.ids: has no '1d6b'
+1-1: CreationClassName=VORNSG_USBHub; Drivers=no driver is bound to its interfaces
+1-1.4: CreationClassName=VORNSG_USBDevice; Name=046d:c31c; VendorID=1133; ProductID=49948
+1-1.4: VendorName=Keys, Inc.; ProductName=Keyboard; DeviceReleaseNumber=25602; Manufacturer=Keys
+1-1.4: ClassCode=0; ProtocolCode=255; InterfaceClassCodes={ 3, 11 }; Drivers={ usbhid }
+1-1.4: ClassDescription=Human Interface Device, Chip/SmartCard; Speed=1500000; USBVersion=272
+1-1.4: MaxPower=98; MaxPacketSize=8; NumberOfConfigs=1; BusNumber=1; DeviceNumber=17
+1-1.4: CurrentConfigValue=/sys/bus/usb/devices/1-1.4/bConfigurationValue: empty
+1-1.4: SerialNumber=/sys/bus/usb/devices/1-1.4/serial: placeholder text '00000000'
+2-1: VendorID=/sys/bus/usb/devices/2-1/idVendor: '0xxyz' is no valid number
+2-1: Speed=/sys/bus/usb/devices/2-1/speed: not known; ClassDescription=(Defined at Interface level)
+usb3: CreationClassName=VORNSG_USBHub; Speed=20000000000
+)";
+
+TEST(LinuxBuses, HaveUSBDevices) {
+  const TMachine machine;
+  machine.WriteFiles(kUSBDevices);
+  machine.Write("usr/share/misc/usb.ids", kUSBNames);
+  const auto ns = machine.Namespace();
+  ExpectValues(ValuesOf(*ns, {"USBDevice", "USBHub"}), kUSBValues);
+  EXPECT_EQ(InstancesOf(*ns, "VORNSG_USBDevice").size(), 2U);  // hubs and interfaces are none
+}
+
 }  // namespace
 }  // namespace NVORNQDX20

@@ -70,6 +70,8 @@
   CLASS(kSensors, FanClass)                        \
   CLASS(kSensors, ThermalCoolingDeviceClass)       \
   CLASS(kSensors, AssociatedSensorClass)           \
+  CLASS(kBuses, USBDeviceClass)                    \
+  CLASS(kBuses, USBHubClass)                       \
   CLASS(kNetwork, DeviceIdentityClass)             \
   CLASS(kDisks, MediaPresentClass)                 \
   CLASS(kDisks, BasedOnClass)                      \
