@@ -32,6 +32,12 @@ const char* const kModuleClassName = "VORNSG_PhysicalMemory";
 const char* const kDiskClassName = "VORNSG_DiskDrive";
 const char* const kMachineTypeKey = "machineType";
 
+/// What an item summarises: the properties of the instances of a class.
+struct TSource {
+  std::string fClass;
+  std::vector<std::string> fProperties;
+};
+
 /// One line of the output. Class and property determine the reason for a missing value.
 struct TItem {
   const char* fKey;
@@ -41,6 +47,7 @@ struct TItem {
   TQuery fQuery;
   const char* fFormatRemark = nullptr;  ///< The meaning of kQDXStatusInvalidFormat.
   TQuery fRawQuery = nullptr;           ///< Used instead in that case, with this remark.
+  std::vector<TSource> fSources = {};   ///< What stood in the way there is a remark.
 };
 
 using TInstances = std::vector<boost::shared_ptr<ICIMInstance>>;
@@ -202,6 +209,12 @@ TJSON QueryDisks(const TNamespace& ns) {
   return std::to_string(disks.size()) + (text.empty() ? "" : " (" + text + ")");
 }
 
+TItem Summary(const char* key, const char* label, TQuery query, std::vector<TSource> sources) {
+  TItem item{key, label, sources.front().fClass, "", std::move(query)};
+  item.fSources = std::move(sources);
+  return item;
+}
+
 std::vector<TItem> Items() {
   const std::string& system = THelper::kSystemCreationClassName;
   const std::string& os = THelper::kOperatingSystemCreationClassName;
@@ -219,19 +232,47 @@ std::vector<TItem> Items() {
       {"operatingSystem", "Operating system", os, "Name", THelper::GetOperatingSystemName},
       {"version", "Version", os, "Version", THelper::GetOperatingSystemVersion},
       {"osType", "OS type", os, "OSType", THelper::GetOperatingSystemType},
-      {"processors", "Processors", kProcessorClassName, "", QueryProcessors},
-      {"memory", "Memory", kMemoryClassName, "", QueryMemory},
-      {"disks", "Disks", kDiskClassName, "", QueryDisks},
+      Summary(
+          "processors", "Processors", QueryProcessors,
+          {{kProcessorClassName, {"Name", "NumberOfEnabledCores", "NumberOfLogicalProcessors"}}}),
+      Summary("memory", "Memory", QueryMemory,
+              {{kMemoryClassName, {"InstalledSize", "OnlineSize"}},
+               {kModuleClassName, {}},
+               {os, {"TotalVisibleMemorySize"}}}),
+      Summary("disks", "Disks", QueryDisks, {{kDiskClassName, {"MaxMediaSize"}}}),
       {"qdxVersion", "QDX version", kProductClassName, "Version", QueryVersion},
   };
 }
 
 /// Only these classes, since describing the whole machine takes much longer.
 std::vector<std::string> ClassesOf(const std::vector<TItem>& items) {
-  std::vector<std::string> classes = {kModuleClassName};
-  classes.reserve(items.size() + 1);
-  for (const TItem& item : items) classes.push_back(item.fClass);
+  std::vector<std::string> classes;
+  classes.reserve(items.size());
+  for (const TItem& item : items) {
+    classes.push_back(item.fClass);
+    for (const TSource& source : item.fSources) classes.push_back(source.fClass);
+  }
   return classes;
+}
+
+/// Returns the first error that stood in the way of the sources, and the number of the others;
+/// empty if there was none.
+std::string ErrorsIn(const std::vector<TSource>& sources,
+                     const NDescribe::TMissingReasons& reasons) {
+  std::vector<std::string> errors;
+  for (const auto& [className, properties] : sources) {
+    for (const auto& [missing, reason] : reasons) {
+      const auto& [missingClass, instance, property] = missing;
+      const bool isUsed = property.empty() || std::find(properties.begin(), properties.end(),
+                                                        property) != properties.end();
+      if (missingClass == className && isUsed && reason.IsError()) errors.push_back(reason);
+    }
+  }
+  std::sort(errors.begin(), errors.end());
+  errors.erase(std::unique(errors.begin(), errors.end()), errors.end());
+  if (errors.empty()) return "";
+  return errors.front() +
+         (errors.size() == 1 ? "" : " and " + std::to_string(errors.size() - 1) + " more");
 }
 
 TAnswer Ask(const TItem& item, TNamespace ns, const NDescribe::TMissingReasons& reasons) {
@@ -243,7 +284,9 @@ TAnswer Ask(const TItem& item, TNamespace ns, const NDescribe::TMissingReasons& 
     if (item.fRawQuery) return {item, item.fRawQuery(ns), item.fFormatRemark};
   }
   // A key cannot be null: an empty text means that the value is missing.
-  if (!failure && value != "" && !value.is_null()) return {item, value, ""};
+  std::string errors = ErrorsIn(item.fSources, reasons);
+  if (!failure && value != "" && !value.is_null()) return {item, value, std::move(errors)};
+  if (!errors.empty()) return {item, nullptr, std::move(errors)};
   const auto reason = reasons.find({item.fClass, "", item.fProperty});
   if (reason != reasons.end()) return {item, nullptr, reason->second};
   return {item, nullptr, failure ? failure->GetReason() : "empty"};
