@@ -5,6 +5,7 @@
 
 #include <qdxcore/interfaces.h>
 
+#include <initializer_list>
 #include <string>
 #include <utility>
 #include <vector>
@@ -33,6 +34,10 @@ enum class EBehavior { kNone, kCounter, kGauge };
 
 /// The texts of an enumeration's numbers (DMTF DSP0004, qualifiers ValueMap and Values).
 using TEnumeration = std::vector<std::pair<long, const char*>>;
+
+/// The same for a constant at namespace scope: one that is constexpr exists before any plug-in is
+/// asked for its classes, which happens while objects are still being initialised.
+using TConstantEnumeration = std::initializer_list<std::pair<long, const char*>>;
 
 struct TPropertyDeclaration {
   TPropertyDeclaration(std::string name, const TCIMValue& initial)

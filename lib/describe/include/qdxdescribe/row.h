@@ -240,6 +240,9 @@ struct TAttributes {
     static_assert(std::is_integral_v<T> && kIsNumber<T>, "only an integer is an enumeration");
     row.fEnumeration = enumeration;
   }
+  static void Apply(TPropertyDeclaration& row, const TConstantEnumeration& enumeration) {
+    Apply(row, TEnumeration(enumeration));
+  }
   static void Apply(TPropertyDeclaration& row, ESecret secret) { row.fSecret = secret; }
   static void Apply(TPropertyDeclaration& row, const TRefersTo& target) {
     static_assert(std::is_same_v<T, TInstanceName>, "only a reference refers to a class");
@@ -253,8 +256,8 @@ struct TAttributes {
 template <typename TSource, typename THost = TRequest>
 class TRow {
  public:
-  /// The attributes are kKey, kVolatile, kCounter, kGauge, TUnit, TEnumeration, ESecret and
-  /// TRefersTo, in any order.
+  /// The attributes are kKey, kVolatile, kCounter, kGauge, TUnit, TEnumeration or
+  /// TConstantEnumeration, ESecret and TRefersTo, in any order.
   template <typename TReader, typename... TAttribute>
   TRow(const char* name, const char* description, TReader reader, const TAttribute&... attributes)
       : fDeclaration(NDetail::Given(name, "the name of a row"), NDetail::NullOf<TType<TReader>>()),

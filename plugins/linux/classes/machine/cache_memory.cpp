@@ -10,16 +10,16 @@ namespace {
 
 const char* const kClass = "VORNSG_CacheMemory";
 
-const TEnumeration kLevels = {{1, "Other"},     {2, "Unknown"},  {3, "Primary"},
-                              {4, "Secondary"}, {5, "Tertiary"}, {6, "Not Applicable"}};
-const TEnumeration kTypes = {
+constexpr TConstantEnumeration kLevels = {{1, "Other"},     {2, "Unknown"},  {3, "Primary"},
+                                          {4, "Secondary"}, {5, "Tertiary"}, {6, "Not Applicable"}};
+constexpr TConstantEnumeration kTypes = {
     {1, "Other"}, {2, "Unknown"}, {3, "Instruction"}, {4, "Data"}, {5, "Unified"}};
-const TEnumeration kPolicies = {{1, "Other"},
-                                {2, "Unknown"},
-                                {3, "Write Back"},
-                                {4, "Write Through"},
-                                {5, "Varies with Address"},
-                                {6, "Determination Per I/O"}};
+constexpr TConstantEnumeration kPolicies = {{1, "Other"},
+                                            {2, "Unknown"},
+                                            {3, "Write Back"},
+                                            {4, "Write Through"},
+                                            {5, "Varies with Address"},
+                                            {6, "Determination Per I/O"}};
 
 struct TCacheDevice : TDevice {
   TCache fCache;

@@ -106,7 +106,7 @@ TInstances<TMemoryDevice> ListModules(const THost& host) {
       "no socket has a module");
 }
 
-const TEnumeration kCIMTypes = {
+constexpr TConstantEnumeration kCIMTypes = {
     {0, "Unknown"},    {1, "Other"},   {2, "DRAM"},   {3, "Synchronous DRAM"},
     {4, "Cache DRAM"}, {5, "EDO"},     {6, "EDRAM"},  {7, "VRAM"},
     {8, "SRAM"},       {9, "RAM"},     {10, "ROM"},   {11, "Flash"},
@@ -115,7 +115,7 @@ const TEnumeration kCIMTypes = {
     {20, "DDR"},       {21, "DDR-2"},  {22, "BRAM"},  {23, "FB-DIMM"},
     {24, "DDR3"},      {25, "FBD2"},   {26, "DDR4"},  {27, "LPDDR"},
     {28, "LPDDR2"},    {29, "LPDDR3"}, {30, "LPDDR4"}};
-const TEnumeration kCIMForms = {
+constexpr TConstantEnumeration kCIMForms = {
     {0, "Unknown"},     {1, "Other"},  {2, "SIP"},   {3, "DIP"},   {4, "ZIP"},    {5, "SOJ"},
     {6, "Proprietary"}, {7, "SIMM"},   {8, "DIMM"},  {9, "TSOP"},  {10, "PGA"},   {11, "RIMM"},
     {12, "SODIMM"},     {13, "SRIMM"}, {14, "SMD"},  {15, "SSMP"}, {16, "QFP"},   {17, "TQFP"},

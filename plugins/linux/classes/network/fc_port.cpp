@@ -72,7 +72,7 @@ std::string LinkStateOf(const std::string& state) {
   return state == "Linkdown" || state == "Offline" ? "down" : "unknown";
 }
 
-const TEnumeration kPortTypes = {{0, "Unknown"}, {1, "Other"}, {10, "N"}, {11, "NL"}};
+constexpr TConstantEnumeration kPortTypes = {{0, "Unknown"}, {1, "Other"}, {10, "N"}, {11, "NL"}};
 
 TReading<std::uint16_t> ReadPortType(const TFCPort& port) {
   return port.ReadLine("port_type").map([](const std::string& type) -> std::uint16_t {

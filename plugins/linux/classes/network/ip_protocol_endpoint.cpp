@@ -8,12 +8,12 @@ namespace {
 
 struct TIPEndpoint : TAccessPoint, TIPAddress {};
 
-const TEnumeration kAddressTypes = {{0, "Unknown"}, {1, "IPv4"}, {2, "IPv6"}};
-const TEnumeration kInterfaceTypes = {{4096, "IPv4"}, {4097, "IPv6"}};
-const TEnumeration kOrigins = {{0, "Unknown"},         {1, "Other"},      {2, "Not Applicable"},
-                               {3, "Static"},          {4, "DHCP"},       {5, "BOOTP"},
-                               {6, "IPv4 Link Local"}, {7, "DHCPv6"},     {8, "IPv6AutoConfig"},
-                               {9, "Stateless"},       {10, "Link Local"}};
+constexpr TConstantEnumeration kAddressTypes = {{0, "Unknown"}, {1, "IPv4"}, {2, "IPv6"}};
+constexpr TConstantEnumeration kInterfaceTypes = {{4096, "IPv4"}, {4097, "IPv6"}};
+constexpr TConstantEnumeration kOrigins = {
+    {0, "Unknown"},        {1, "Other"},     {2, "Not Applicable"},  {3, "Static"},
+    {4, "DHCP"},           {5, "BOOTP"},     {6, "IPv4 Link Local"}, {7, "DHCPv6"},
+    {8, "IPv6AutoConfig"}, {9, "Stateless"}, {10, "Link Local"}};
 
 TInstances<TIPEndpoint> ListEndpoints(const THost& host) {
   const TInstances<TIPAddress>& all = host.Shared<TIPAddresses>().fAll;

@@ -11,12 +11,12 @@ namespace {
 const char* const kEthernetPortClassName = "VORNSG_EthernetPort";
 const char* const kWiFiPortClassName = "VORNSG_WiFiPort";
 
-const TEnumeration kLinkTechnologies = {{0, "Unknown"},  {1, "Other"},      {2, "Ethernet"},
-                                        {3, "IB"},       {4, "FC"},         {5, "FDDI"},
-                                        {6, "ATM"},      {7, "Token Ring"}, {8, "Frame Relay"},
-                                        {9, "Infrared"}, {10, "BlueTooth"}, {11, "Wireless LAN"}};
+constexpr TConstantEnumeration kLinkTechnologies = {
+    {0, "Unknown"},     {1, "Other"},    {2, "Ethernet"},   {3, "IB"},
+    {4, "FC"},          {5, "FDDI"},     {6, "ATM"},        {7, "Token Ring"},
+    {8, "Frame Relay"}, {9, "Infrared"}, {10, "BlueTooth"}, {11, "Wireless LAN"}};
 
-const TEnumeration kEnabledStates = {{2, "Enabled"}, {3, "Disabled"}};
+constexpr TConstantEnumeration kEnabledStates = {{2, "Enabled"}, {3, "Disabled"}};
 
 std::uint16_t Technology(const TNetworkPort& port) {
   return static_cast<std::uint16_t>(port.fTechnology);

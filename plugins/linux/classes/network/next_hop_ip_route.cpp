@@ -12,16 +12,16 @@
 namespace NVORNQDX20 {
 namespace {
 
-const TEnumeration kAddressTypes = {{0, "Unknown"}, {1, "IPv4"}, {2, "IPv6"}};
-const TEnumeration kDerivations = {{0, "Unknown"},      {1, "Other"}, {2, "Connected"},
-                                   {3, "User-Defined"}, {4, "IGRP"},  {5, "EIGRP"},
-                                   {6, "RIP"},          {7, "Hello"}, {8, "EGP"},
-                                   {9, "BGP"},          {10, "ISIS"}, {11, "OSPF"}};
+constexpr TConstantEnumeration kAddressTypes = {{0, "Unknown"}, {1, "IPv4"}, {2, "IPv6"}};
+constexpr TConstantEnumeration kDerivations = {{0, "Unknown"},      {1, "Other"}, {2, "Connected"},
+                                               {3, "User-Defined"}, {4, "IGRP"},  {5, "EIGRP"},
+                                               {6, "RIP"},          {7, "Hello"}, {8, "EGP"},
+                                               {9, "BGP"},          {10, "ISIS"}, {11, "OSPF"}};
 /// The numbers of the kernel.
-const TEnumeration kActions = {{RTN_UNICAST, "Forward"},
-                               {RTN_BLACKHOLE, "Blackhole"},
-                               {RTN_UNREACHABLE, "Unreachable"},
-                               {RTN_PROHIBIT, "Prohibit"}};
+constexpr TConstantEnumeration kActions = {{RTN_UNICAST, "Forward"},
+                                           {RTN_BLACKHOLE, "Blackhole"},
+                                           {RTN_UNREACHABLE, "Unreachable"},
+                                           {RTN_PROHIBIT, "Prohibit"}};
 
 struct TProtocol {
   unsigned fNumber;

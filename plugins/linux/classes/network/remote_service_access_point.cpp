@@ -14,8 +14,9 @@ namespace {
 constexpr std::uint16_t kDefaultGateway = 2;
 constexpr std::uint16_t kDNSServer = 3;
 
-const TEnumeration kContexts = {{kDefaultGateway, "Default Gateway"}, {kDNSServer, "DNS Server"}};
-const TEnumeration kFormats = {{1, "Other"}, {3, "IPv4 Address"}, {4, "IPv6 Address"}};
+constexpr TConstantEnumeration kContexts = {{kDefaultGateway, "Default Gateway"},
+                                            {kDNSServer, "DNS Server"}};
+constexpr TConstantEnumeration kFormats = {{1, "Other"}, {3, "IPv4 Address"}, {4, "IPv6 Address"}};
 
 struct TRemotePoint : TAccessPoint {
   std::string fAddress;

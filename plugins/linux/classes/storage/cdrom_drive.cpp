@@ -24,20 +24,21 @@ std::vector<std::uint16_t> FormatsOf(const TDrive& drive) {
   return formats;
 }
 
-const THostTable<TDrive>::TRows kRows = {{"MediumSize",
-                                          "The size of the medium that was in it last.",
-                                          MediumSizeOf, TUnit{"byte * 10^3"}}};
+THostTable<TDrive>::TRows Rows() {
+  return {{"MediumSize", "The size of the medium that was in it last.", MediumSizeOf,
+           TUnit{"byte * 10^3"}}};
+}
 
 }  // namespace
 
 TClass CDROMDriveClass() {
   return THostTable<TDrive>{"VORNSG_CDROMDrive", "A drive for CDs, or one that does not say more.",
-                            DrivesFor(EMedia::kCD), kRows}
+                            DrivesFor(EMedia::kCD), Rows()}
       .DerivedFrom(MediaAccessDeviceTable());
 }
 
 TClass DVDDriveClass() {
-  THostTable<TDrive>::TRows rows = kRows;
+  THostTable<TDrive>::TRows rows = Rows();
   rows.push_back({"FormatsSupported",
                   "The media that it reads: 16 CD-ROM, 19 CD-R, 23 DVD+RW, 24 DVD-RAM, 25 DVD-ROM, "
                   "33 CD-RW, 36 DVD-R, 37 DVD-RW.",
