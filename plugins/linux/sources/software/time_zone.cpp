@@ -9,7 +9,8 @@
 namespace NVORNQDX20 {
 namespace {
 
-constexpr std::int64_t kHour = 3600;
+constexpr std::int64_t kMinute = 60;
+constexpr std::int64_t kHour = 60 * kMinute;
 constexpr std::int64_t kDay = 24 * kHour;
 const char* const kLocalTime = "/etc/localtime";
 
@@ -77,7 +78,7 @@ class TParser {
     const bool isNegative = Take('-');
     if (!isNegative) Take('+');
     std::int64_t seconds = TakeNumber(0, 167) * kHour;
-    if (Take(':')) seconds += TakeNumber(0, 59) * 60;
+    if (Take(':')) seconds += TakeNumber(0, 59) * kMinute;
     if (Take(':')) seconds += TakeNumber(0, 59);
     return isNegative ? -seconds : seconds;
   }
@@ -99,7 +100,7 @@ std::int64_t DayOfWeekday(std::int64_t year, int month, int week, int weekday) {
   constexpr int kThursday = 4;  // the first of January 1970
   const std::int64_t days = DaysBefore(year) + first + kThursday;
   const std::int64_t weekdayOfFirst = days - FloorDivide(days, 7) * 7;
-  std::int64_t day = (weekday - weekdayOfFirst + 7) % 7 + (week - 1) * 7;
+  std::int64_t day = (weekday - weekdayOfFirst + 7) % 7 + (week - 1) * std::int64_t{7};
   if (day >= DaysIn(month, year)) day -= 7;
   return first + day;
 }
