@@ -302,6 +302,12 @@ bool TFiles::IsAbsent(const std::string& path) const {
   return MeansAbsent(fRoot->Open(PathOf(path), O_PATH).GetError());
 }
 
+TReading<bool> TFiles::Exists(const std::string& path) const {
+  const int error = fRoot->Open(PathOf(path), O_PATH).GetError();
+  if (error != 0 && !MeansAbsent(error)) return MissingFrom(path, ReasonOf(error));
+  return error == 0;
+}
+
 TReading<std::string> TFiles::FirstOf(std::initializer_list<const char*> paths) const {
   if (paths.size() == 0) return Missing("no path was given");
   for (const char* path : paths) {

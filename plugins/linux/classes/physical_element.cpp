@@ -41,13 +41,15 @@ TInstances<TPhysicalElement> ListFirmware(const THost& host, std::uint8_t type, 
       smbios ? Missing("the SMBIOS table has no structure of type " + std::to_string(type))
              : Missing(smbios.GetReason());
   const TFiles folder = host.In("/sys/class/dmi/id");
-  const bool isInFolder = std::any_of(
-      files.begin(), files.end(), [&folder](const char* file) { return !folder.IsAbsent(file); });
-  if (isInFolder) {
+  for (const char* file : files) {
+    const TReading<bool> exists = folder.Exists(file);
+    if (!exists) elements.Miss(exists.GetReason());
+    if (!exists.ValueOr(false)) continue;
+    elements = {};
     elements.fAll.push_back({name, TText(name), missing});
-  } else {
-    elements.Miss(missing.fReason);
+    return elements;
   }
+  if (elements.fReason.empty()) elements.Miss(missing.fReason);
   return elements;
 }
 

@@ -63,6 +63,9 @@ class TFiles {
   /// Returns whether nothing has this path. False also if that cannot be found out, for example
   /// because a parent folder may not be searched.
   bool IsAbsent(const std::string& path) const;
+  /// Returns whether something has this path. Missing if that cannot be found out: for facts that
+  /// follow from the presence of a file.
+  TReading<bool> Exists(const std::string& path) const;
   /// Returns the first path that is not absent, else the last. Missing if that cannot be found out,
   /// so a file that exists and cannot be read is not replaced by the next.
   TReading<std::string> FirstOf(std::initializer_list<const char*> paths) const;

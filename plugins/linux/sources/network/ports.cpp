@@ -69,16 +69,18 @@ void SetTechnology(std::uint16_t type, TPort& port) {
 
 /// Returns the kind of an interface that the kernel makes: as netlink has it, else by the files
 /// that only such an interface has.
-std::string KindOf(const TFiles& files, const TText& uevent, const TLink* link) {
+TText KindOf(const TFiles& files, const TText& uevent, const TLink* link) {
   if (link != nullptr && !link->fKind.empty()) return link->fKind;
   const TText kind = TFields("uevent", uevent, '=').Get("DEVTYPE");
   if (kind || link != nullptr) return kind.ValueOr("");
   constexpr std::pair<const char*, const char*> kFiles[] = {
       {"bridge", "bridge"}, {"bonding", "bond"}, {"phy80211", "wlan"}, {"tun_flags", "tun"}};
-  const auto* const found =
-      std::find_if(std::begin(kFiles), std::end(kFiles),
-                   [&files](const auto& each) { return !files.IsAbsent(each.first); });
-  return found == std::end(kFiles) ? "" : found->second;
+  for (const auto& [file, name] : kFiles) {
+    const TReading<bool> exists = files.Exists(file);
+    if (!exists) return Missing(exists.GetReason());
+    if (*exists) return name;
+  }
+  return "";
 }
 
 TText ReadAddress(const TFiles& files, bool isEthernet) {
@@ -201,7 +203,9 @@ TReading<TPort> ReadPort(const THost& host, const TFiles& files, const std::stri
   const TLinks& links = host.Shared<TLinks>();
   if (!links.fByIndex.empty()) port.fIndex = files.ReadNumber("ifindex").ValueOr(0);
   const TLink* const link = links.Find(name, port.fIndex);
-  port.fKind = KindOf(files, files.Read("uevent"), link);
+  const TText kind = KindOf(files, files.Read("uevent"), link);
+  if (!kind) return Missing(kind.GetReason());
+  port.fKind = *kind;
   const bool isEthernet = port.fTechnology == ETech::kEthernet;
   if (isEthernet && port.fKind == "wlan") port.fTechnology = ETech::kWirelessLAN;
   if (port.fKind == "wlan") port.fKind.clear();  // the kernel names hardware by this one alone

@@ -72,7 +72,9 @@ class TCollector {
                                 {"l3_cache", 3, "Unified"}};
     for (const TKind& kind : kKinds) {
       const std::string prefix = kind.fPrefix;
-      if (folder.IsAbsent(prefix + "_size")) continue;
+      const TReading<bool> exists = folder.Exists(prefix + "_size");
+      if (!exists) fFailure = exists.GetReason();
+      if (!exists.ValueOr(false)) continue;
       TCache cache;
       cache.fLevel = kind.fLevel;
       cache.fKind = kind.fKind;

@@ -120,7 +120,8 @@ TReading<THypervisor> FindByDeviceTree(const THost& host) {
                 isXen ? "para" : kFull, path);
   }
   const char* const partition = "/proc/device-tree/ibm,partition-name";
-  if (!host.IsAbsent(partition) && !host.IsAbsent("/proc/device-tree/hmc-managed?") &&
+  if (host.Exists(partition).ValueOr(false) &&
+      host.Exists("/proc/device-tree/hmc-managed?").ValueOr(false) &&
       host.IsAbsent("/proc/device-tree/chosen/qemu,graphic-width")) {
     return Make("PowerVM", "IBM", "para", partition);
   }

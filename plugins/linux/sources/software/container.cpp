@@ -54,15 +54,21 @@ std::string KindInEnvironment(const THost& host) {
 }
 
 /// Returns what files say that a container's manager makes; empty if there is none.
-std::string KindInFiles(const THost& host) {
+TText KindInFiles(const THost& host) {
   for (const char* path : {"/run/systemd/container", "/run/host/container-manager"}) {
     const TText kind = host.ReadLine(path);
     if (kind) return *kind;
   }
-  if (!host.IsAbsent("/run/.containerenv")) return "podman";
-  if (!host.IsAbsent("/.dockerenv")) return "docker";
-  if (!host.IsAbsent("/var/run/secrets/kubernetes.io")) return "kubernetes";
-  if (!host.IsAbsent("/proc/vz") && host.IsAbsent("/proc/bc")) return "openvz";
+  constexpr std::pair<const char*, const char*> kFiles[] = {
+      {"/run/.containerenv", "podman"},
+      {"/.dockerenv", "docker"},
+      {"/var/run/secrets/kubernetes.io", "kubernetes"},
+      {"/proc/vz", "openvz"}};
+  for (const auto& [file, name] : kFiles) {
+    const TReading<bool> exists = host.Exists(file);
+    if (!exists) return Missing(exists.GetReason());
+    if (*exists && (std::string_view(name) != "openvz" || host.IsAbsent("/proc/bc"))) return name;
+  }
   // The subsystem for Linux has a kernel whose release tells it.
   const std::string release = host.fKernelRelease.ValueOr("");
   return boost::algorithm::icontains(release, "microsoft") ? "wsl" : "";
@@ -74,16 +80,16 @@ TText KindInGroup(const THost& host) {
       if (groups.find(sign.fText) != std::string::npos) return sign.fKind;
     }
     // The group of all processes of the kernel has no type.
-    return host.IsAbsent("/sys/fs/cgroup/cgroup.type") ? kNone : kOther;
+    return host.Exists("/sys/fs/cgroup/cgroup.type").ValueOr(false) ? kOther : kNone;
   });
 }
 
 }  // namespace
 
 TText ReadContainer(const THost& host) {
-  std::string kind = KindInFiles(host);
-  if (kind.empty()) kind = KindInEnvironment(host);
-  return kind.empty() ? KindInGroup(host) : TText(kind);
+  TText kind = KindInFiles(host);
+  if (kind && kind->empty()) kind = KindInEnvironment(host);
+  return kind && kind->empty() ? KindInGroup(host) : kind;
 }
 
 }  // namespace NVORNQDX20

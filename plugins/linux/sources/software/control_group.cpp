@@ -152,12 +152,14 @@ TText ReadProcessorSet(const THierarchy& groups, bool isUnified) {
 TControlGroup ReadControlGroup(const TFiles& files) {
   const TFiles mounts = files.In(kMountPoint);
   const TText table = files.Read(kFirstProcess);
-  const bool isUnified = !mounts.IsAbsent("cgroup.controllers");
-  if (!isUnified && mounts.IsAbsent("memory") && mounts.IsAbsent("cpu") &&
-      mounts.IsAbsent("pids")) {
-    const TMissing none = mounts.MissingFrom("", "no control groups");
+  const TReading<std::string> sign =
+      mounts.FirstOf({"cgroup.controllers", "memory", "cpu", "pids"});
+  if (!sign || mounts.IsAbsent(*sign)) {
+    const TMissing none =
+        sign ? mounts.MissingFrom("", "no control groups") : Missing(sign.GetReason());
     return {none, none, none, none, none};
   }
+  const bool isUnified = *sign == "cgroup.controllers";
   const auto of = [&](const char* controller) {
     return THierarchy(files, table, controller, isUnified);
   };

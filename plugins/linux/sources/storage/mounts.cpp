@@ -23,7 +23,7 @@ TMounts::TMounts(const THost& host) {
   for (const std::string path : TablesOf(host)) {
     const TText table = host.Read(path, kMaxMountTableSize);
     fReason = table.GetReason();
-    if (!table && !host.IsAbsent(path)) return;  // may differ from the next
+    if (fReason.IsError()) return;  // the next may differ
     if (!table || (table->empty() && path != kFstab)) continue;
     const bool isInfo = boost::algorithm::ends_with(path, "mountinfo");
     fAll = isInfo ? ParseMountInfo(*table) : ParseMounts(*table);
