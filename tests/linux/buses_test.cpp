@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What is on the buses of a made-up machine.
 #include "linux/machine.h"
+#include "linux/smbios_builder.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -129,6 +130,28 @@ TEST(LinuxBuses, HaveUSBDevices) {
   const auto ns = machine.Namespace();
   ExpectValues(ValuesOf(*ns, {"USBDevice", "USBHub"}), kUSBValues);
   EXPECT_EQ(InstancesOf(*ns, "VORNSG_USBDevice").size(), 2U);  // hubs and interfaces are none
+}
+
+const char* const kSlotValues = R"(
+Slot: ElementName=PCI 1; Number=1; SlotTypeDescription=PCI; ConnectorLayout=16; MaxDataWidth=32
+Slot: CurrentUsage=3; SupportsHotPlug=false; BusAddress=0000:02:1f.7
+Slot: MaxLinkWidth=SMBIOS structure 0x0009 (type 9): has no such width
+Slot 2: SlotTypeDescription=PCI Express 3 x16; ConnectorLayout=23; MaxLinkWidth=5; CurrentUsage=4
+Slot 2: SupportsHotPlug=true; BusAddress=SMBIOS structure 0x000A (type 9): bus is not told
+Slot 2: MaxDataWidth=SMBIOS structure 0x000A (type 9): has no such width
+Slot 3: SlotTypeDescription=M.2 Socket 3; ConnectorLayout=7; MaxLinkWidth=4
+Slot 3: BusAddress=SMBIOS structure 0x000B (type 9): has 12 bytes, none at offset 16
+Slot 4: SlotTypeDescription=SMBIOS has no text for type 183
+)";
+
+TEST(LinuxBuses, HaveSlots) {
+  const TMachine machine;
+  machine.Write("sys/firmware/dmi/tables/DMI",
+                SMBIOSStructure(9, 9, "01 06 05 03 03 0100 02 01 0000 02 FF", {"PCI 1"}) +
+                    SMBIOSStructure(9, 10, "01 B6 0B 04 04 0600 04 03 FFFF FF FF", {"Riser"}) +
+                    SMBIOSStructure(9, 11, "01 17 0A 04 01 0700 04", {"M2"}) +
+                    SMBIOSStructure(9, 12, "00 B7 0B"));
+  ExpectValues(ValuesOf(*machine.Namespace(), {"Slot"}), kSlotValues);
 }
 
 }  // namespace

@@ -70,6 +70,7 @@
   CLASS(kSensors, FanClass)                        \
   CLASS(kSensors, ThermalCoolingDeviceClass)       \
   CLASS(kSensors, AssociatedSensorClass)           \
+  CLASS(kBuses, SlotClass)                         \
   CLASS(kBuses, USBDeviceClass)                    \
   CLASS(kBuses, USBHubClass)                       \
   CLASS(kNetwork, DeviceIdentityClass)             \
