@@ -67,8 +67,10 @@ TReading<std::uint32_t> ReadInterrupt(const TFiles& function) {
 
 TReading<std::uint32_t> ReadIOMMUGroup(const TFiles& function) {
   const char* const link = "iommu_group";
-  if (function.IsAbsent(link)) return Missing("is in none");
-  return ToNumber<std::uint32_t>(ReadLinkedName(function, link), function.PathOf(link));
+  const TText group = ReadLinkedName(function, link);
+  // What the link leads to is outside of many copies.
+  if (!group && function.IsAbsent(link)) return Missing("is in none");
+  return ToNumber<std::uint32_t>(group, function.PathOf(link));
 }
 
 /// Links of PCI Express signal one bit per lane and transfer, before it is encoded.
@@ -98,7 +100,26 @@ TClass PCIDeviceClass() {
        {"SubsystemID", "The card, as its maker numbers them.", &TFunction::fSubsystem},
        {"SubsystemName", "The name of that card.", &TFunction::fSubsystemName},
        {"RevisionID", "The revision of the chip.", &TFunction::fRevision},
-       {"ClassCode", "What it is for: 1 storage, 2 network.", ClassCodeByte(2)},
+       {"ClassCode", "What it is for: 1 storage, 2 network.", ClassCodeByte(2),
+        TEnumeration{{0, "Pre 2.0"},
+                     {1, "Mass Storage"},
+                     {2, "Network"},
+                     {3, "Display"},
+                     {4, "Multimedia"},
+                     {5, "Memory"},
+                     {6, "Bridge"},
+                     {7, "Simple Communications"},
+                     {8, "Base Peripheral"},
+                     {9, "Input"},
+                     {10, "Docking Station"},
+                     {11, "Processor"},
+                     {12, "Serial Bus"},
+                     {13, "Wireless"},
+                     {14, "Intelligent I/O"},
+                     {15, "Satellite Communication"},
+                     {16, "Encryption/Decryption"},
+                     {17, "Data Acquisition and Signal Processing"},
+                     {255, "Other"}}},
        {"SubclassCode", "The same, more closely.", ClassCodeByte(1)},
        {"ProgrammingInterface", "How drivers control it, as its subclass numbers that.",
         ClassCodeByte(0)},
