@@ -65,12 +65,18 @@ TEST_F(QDXIdentity, IsPrintedAsJSON) {
   WriteDMI("product_serial", "AB-123456");
   WriteDMI("sys_vendor", "VORN");
   WriteDMI("product_family", "Lofts");
+  for (const std::string name : {"sdd", "sde"}) {  // whose sizes cannot be read
+    fTree.Write("sys/block/" + name + "/device/model", "Disk\n");
+    fTree.Write("sys/block/" + name + "/size/no_file", "");
+  }
   nlohmann::json expected = nlohmann::json::parse(R"json({
       "systemName": "srv1", "productName": "Loftnode -[4711]-", "machineType": "4711",
       "model": null, "serialNumber": "AB-123456", "operatingSystem": "Server OS",
-      "version": "9.3", "osType": 36, "notes": {"serialNumber": "not seven letters or digits"},
+      "version": "9.3", "osType": 36,
+      "notes": {"serialNumber": "not seven letters or digits",
+                "disks": "/sys/block/sdd/size: not a regular file and 1 more"},
       "manufacturer": "VORN", "family": "Lofts", "sku": null, "memory": "3 GiB",
-      "processors": "1 x Xeon 8 (1 core, 2 threads)", "disks": "3 (2 x 480.1 GB, 4 TB)",
+      "processors": "1 x Xeon 8 (1 core, 2 threads)", "disks": "5 (2 x 480.1 GB, 4 TB)",
       "absent": {"model": "not in the product name",
                  "sku": "/sys/class/dmi/id/product_sku: No such file or directory"}})json");
   expected["qdxVersion"] = QDXCORE_VERSION;
