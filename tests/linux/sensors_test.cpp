@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Sensors, fans and power of a made-up machine.
 #include "linux/machine.h"
+#include "linux/smbios_builder.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -26,6 +27,15 @@ sys/class/thermal/thermal_zone0: trip_point_1_type=passive; trip_point_1_temp=95
 sys/class/thermal/thermal_zone0: trip_point_2_type=hot; trip_point_2_temp=90000
 sys/class/thermal/thermal_zone2: type=acpitz; temp=1000
 sys/class/thermal/thermal_zone10: type=acpitz; trip_point_0_temp=1; trip_point_0_type=active
+sys/devices/LNX/power_supply/BAT0/hwmon/hwmon5: name=BAT0; in0_input=12229
+sys/devices/pci0/0000:01:00.0/nvme/nvme0/hwmon/hwmon6: name=nvme; temp1_input=43850
+sys/class/nvme/nvme0: model=P
+sys/bus/pci/devices/0000:00:18.3: vendor=0x1022
+sys/class/power_supply/AC: type=Mains; online=0
+sys/class/power_supply/BAT0: type=Battery; status=Charging; capacity_level=Low; current_now=-1500000
+sys/class/power_supply/BAT0: charge_full_design=4400000; charge_full=4500000; cycle_count=7
+sys/class/power_supply/BAT0: voltage_min_design=10800000; serial_number=0000; technology=LiFe
+sys/class/power_supply/BAT0: time_to_empty_avg=3659; voltage_now=12229000; model_name= LNV-45N1
 sys/class/thermal/cooling_device0: type=Processor; cur_state=-1; max_state=10
 sys/class/thermal/cooling_device1: type=TFN1; max_state=50
 )";
@@ -59,13 +69,42 @@ thermal/acpitz: UpperThresholdNonCritical=90000; Policy=step_wise; Mode=enabled;
 thermal/acpitz 2: CurrentReading=1000; Name=thermal_zone2
 thermal/acpitz 3: UpperThresholdNonCritical=the zone has no such trip point
 cooling/Processor: CoolingState=-1; MaxCoolingState=10; ActiveCooling=false
+AC: Type=Mains; Online=false; IsACInput=true; Present=the kernel tells, not the firmware
+BAT0: BatteryStatus=8; ChargingStatus=2; Status=Charging; DesignCapacity=47520; HealthPercent=100
+BAT0: FullChargeCapacity=48600; DesignVoltage=10800; Current=-1500; Voltage=12229; RechargeCount=7
+BAT0: SerialNumber=/sys/class/power_supply/BAT0/serial_number: placeholder text '0000'; Chemistry=1
+BAT0: RemainingCapacity=/sys/class/power_supply/BAT0/energy_now: No such file or directory
+BAT0: EstimatedRunTime=60; Technology=LiFe; Model=LNV-45N1
+hid: EstimatedChargeRemaining=85; Scope=Device
+hid: Status=/sys/class/power_supply/hid/status: No such file or directory
+System Power Supply: Type=Switching; Status=OK; ElementName=PS1; Location=Rear 1; Manufacturer=DELTA
+System Power Supply: SerialNumber=SN7; Model=DPS-750; Revision=A01; Present=true; Unplugged=false
+System Power Supply: AssetTag=SMBIOS structure 0x0027 (type 39): placeholder text 'To be filled by O.E.M.'
+System Power Supply: HotReplaceable=true; IsSwitchingSupply=true; TypeOfRangeSwitching=4
+System Power Supply: RatedMaxOutputPower=750; OutputPowerUnits=watt
 cooling/TFN1: MaxCoolingState=50; ActiveCooling=the type does not tell
 )";
+
+void WriteFirmware(const TMachine& machine) {
+  machine.Write("sys/firmware/dmi/tables/smbios_entry_point", SMBIOS3EntryPoint(3, 2));
+  machine.Write(
+      "sys/firmware/dmi/tables/DMI",
+      SMBIOSStructure(
+          39, 0x27, "01 01 02 03 04 05 06 07 EE02 A311 FFFF FFFF FFFF",
+          {"Rear 1", "PS1", "DELTA", "SN7", "To be filled by O.E.M.", "DPS-750", "A01"}) +
+          SMBIOSStructure(22, 0x16, "01 01 00 00 02 06 8813 302A 00 FF 0000 0000 00 0A 00000000",
+                          {"Rear", "DELL"}) +
+          SMBIOSStructure(127, 0x7F, ""));
+}
 
 class LinuxSensors : public ::testing::Test {
  protected:
   void SetUp() override {
     fMachine.WriteFiles(kSensorFiles);
+    fMachine.Write(
+        "sys/class/power_supply/hid/uevent",
+        "POWER_SUPPLY_TYPE=Battery\nPOWER_SUPPLY_CAPACITY=85\nPOWER_SUPPLY_SCOPE=Device\n");
+    WriteFirmware(fMachine);
     const auto hwmon = fMachine.Path() / "sys/class/hwmon";
     const auto link = [&](const std::string& name, const std::string& device) {
       std::filesystem::create_symlink("../../devices/" + device + "/hwmon/" + name, hwmon / name);
@@ -74,6 +113,8 @@ class LinuxSensors : public ::testing::Test {
     link("hwmon1", "pci0/0000:00:18.3");
     link("hwmon2", "platform/nct.656");
     link("hwmon3", "platform/gone");
+    link("hwmon5", "LNX/power_supply/BAT0");
+    link("hwmon6", "pci0/0000:01:00.0/nvme/nvme0");
     link("hwmon10", "platform/smc.768");
     std::filesystem::create_symlink(
         "../../../smc.768", fMachine.Path() / "sys/devices/platform/smc.768/hwmon/hwmon10/device");
@@ -84,12 +125,21 @@ class LinuxSensors : public ::testing::Test {
 
 TEST_F(LinuxSensors, HaveReadingsLimitsAndStates) {
   const auto ns = fMachine.Namespace();
-  const TTexts values =
-      ValuesOf(*ns, {"Sensor", "NumericSensor", "ThermalZone", "Fan", "ThermalCoolingDevice"});
+  const TTexts values = ValuesOf(*ns, {"Sensor", "NumericSensor", "ThermalZone", "Fan",
+                                       "ThermalCoolingDevice", "Battery", "PowerSupply"});
   ExpectValues(values, kSensorValues);
   EXPECT_EQ(InstancesOf(*ns, "VORNSG_Fan").size(), 3U);
-  EXPECT_EQ(InstancesOf(*ns, "VORNSG_AssociatedSensor").size(), 3U);
+  EXPECT_EQ(InstancesOf(*ns, "VORNSG_AssociatedSensor").size(), 11U);
+  EXPECT_EQ(InstancesOf(*ns, "VORNSG_Battery").size(), 2U);
   EXPECT_EQ(ReasonsOf(*ns)["VORNSG_Fan"], "/sys/class/hwmon/hwmon3: a link that leads nowhere");
+}
+
+TEST_F(LinuxSensors, HaveABatteryOfTheFirmwareIfTheKernelHasNone) {
+  const TMachine machine;
+  WriteFirmware(machine);
+  ExpectValues(
+      ValuesOf(*machine.Namespace(), {"Battery"}),
+      "Portable Battery: Model=DELL; Chemistry=6; DesignCapacity=50000; DesignVoltage=10800");
 }
 
 }  // namespace

@@ -69,6 +69,8 @@
   CLASS(kSensors, CoolingDeviceClass)              \
   CLASS(kSensors, FanClass)                        \
   CLASS(kSensors, ThermalCoolingDeviceClass)       \
+  CLASS(kSensors, BatteryClass)                    \
+  CLASS(kSensors, PowerSupplyClass)                \
   CLASS(kSensors, AssociatedSensorClass)           \
   CLASS(kBuses, SlotClass)                         \
   CLASS(kBuses, USBDeviceClass)                    \
