@@ -29,6 +29,7 @@ sys/class/thermal/thermal_zone2: type=acpitz; temp=1000
 sys/class/thermal/thermal_zone10: type=acpitz; trip_point_0_temp=1; trip_point_0_type=active
 sys/devices/LNX/power_supply/BAT0/hwmon/hwmon5: name=BAT0; in0_input=12229
 sys/devices/pci0/0000:01:00.0/nvme/nvme0/hwmon/hwmon6: name=nvme; temp1_input=43850
+sys/class/hwmon: hwmon7=
 sys/class/nvme/nvme0: model=P
 sys/bus/pci/devices/0000:00:18.3: vendor=0x1022
 sys/class/power_supply/AC: type=Mains; online=0
@@ -131,7 +132,9 @@ TEST_F(LinuxSensors, HaveReadingsLimitsAndStates) {
   EXPECT_EQ(InstancesOf(*ns, "VORNSG_Fan").size(), 3U);
   EXPECT_EQ(InstancesOf(*ns, "VORNSG_AssociatedSensor").size(), 11U);
   EXPECT_EQ(InstancesOf(*ns, "VORNSG_Battery").size(), 2U);
-  EXPECT_EQ(ReasonsOf(*ns)["VORNSG_Fan"], "/sys/class/hwmon/hwmon3: a link that leads nowhere");
+  EXPECT_EQ(ReasonsOf(*ns)["VORNSG_Fan"],
+            "/sys/class/hwmon/hwmon3: a link that leads nowhere; "
+            "/sys/class/hwmon/hwmon7: Not a directory");
 }
 
 TEST_F(LinuxSensors, HaveABatteryOfTheFirmwareIfTheKernelHasNone) {

@@ -26,7 +26,7 @@ TFan FanOf(const TChannel& channel) {
   fan.fName = channel.fName;
   fan.fLabel = channel.fFolder.ReadLine(channel.PathOf("label"));
   fan.fIsActive = true;
-  fan.fIsVariable = channel.Has("target") || !channel.fFolder.IsAbsent(pwm);
+  fan.fIsVariable = channel.Has("target") ? TReading<bool>(true) : channel.fFolder.Exists(pwm);
   fan.fDesiredSpeed = channel.fFolder.ReadNumber(channel.PathOf("target"));
   fan.fControlMode = channel.fFolder.ReadNumber(pwm + "_enable").and_then(ControlModeOf);
   return fan;

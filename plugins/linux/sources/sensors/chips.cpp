@@ -45,9 +45,11 @@ bool IsState(const std::string& file) {
 using TKey = std::tuple<const TQuantity*, std::size_t, std::string>;
 using TFilesBySensor = std::map<TKey, std::vector<std::string>>;
 
-TFilesBySensor FilesIn(const TFiles& folder) {
+TReading<TFilesBySensor> FilesIn(const TFiles& folder) {
   TFilesBySensor sensors;
-  for (const std::string& name : folder.List().ValueOr({})) {
+  const auto names = folder.List();
+  if (!names) return Missing(names.GetReason());
+  for (const std::string& name : *names) {
     const std::size_t digits = name.find_first_of("0123456789");
     const std::size_t line = name.find('_');
     if (line == std::string::npos || digits >= line) continue;
@@ -56,6 +58,7 @@ TFilesBySensor FilesIn(const TFiles& folder) {
     if (quantity == nullptr || !number || PrintableText(name) != name) continue;
     sensors[{quantity, *number, name.substr(0, line)}].push_back(name.substr(line + 1));
   }
+  for (auto& sensor : sensors) std::sort(sensor.second.begin(), sensor.second.end());
   for (auto sensor = sensors.begin(); sensor != sensors.end();) {
     const auto& files = sensor->second;
     const bool isSensor = std::any_of(files.begin(), files.end(), IsState);
@@ -78,13 +81,49 @@ void RemoveLast(std::string& path, const std::string& name) {
   path.erase(path.size() - end.size());
 }
 
-/// Returns the path of the device below /sys/devices. The number of "hwmon3" depends on the order
-/// in which drivers were loaded, and is no part of it.
-std::string DeviceOf(const TFiles& chips, const std::string& name) {
-  std::string device = DeviceIn(chips.ReadLink(name));
-  RemoveLast(device, name);
-  RemoveLast(device, "hwmon");
-  return device.empty() ? DeviceIn(chips.ReadLink(name + "/device")) : device;
+/// Returns the path of the device below /sys/devices; empty if no link tells it, missing if one
+/// cannot be read. The number of "hwmon3" depends on the order in which drivers were loaded, and is
+/// no part of it.
+TText DeviceOf(const TFiles& chips, const std::string& name) {
+  for (const std::string& path : {name, name + "/device"}) {
+    const TText link = chips.ReadLink(path);
+    const TReason reason = link.GetReason();
+    const bool isNone =
+        !reason.IsError() || reason == chips.MissingFrom(path, "not a symbolic link").fReason;
+    if (!link && !isNone) return link;
+    std::string device = DeviceIn(link);
+    RemoveLast(device, name);
+    RemoveLast(device, "hwmon");
+    if (!device.empty()) return device;
+  }
+  return std::string();
+}
+
+/// Reads the sensors of a chip. Missing if it cannot be told which ones, or which chip it is.
+TReading<std::vector<TChannel>> ReadChip(const TFiles& chips, const std::string& name,
+                                         std::map<std::string, int>& taken) {
+  TFiles folder = chips.In(name);
+  TReading<TFilesBySensor> sensors = FilesIn(folder);
+  const TText device = DeviceOf(chips, name);
+  const TText path = folder.FirstOf({"name", "device/name"});
+  const TText chip = path.and_then([&](const std::string& file) { return folder.ReadLine(file); });
+  // Older drivers have their files in the folder of the device.
+  if (sensors && sensors->empty() && folder.Exists("device").ValueOr(true)) {
+    folder = folder.In("device");
+    sensors = FilesIn(folder);
+  }
+  if (!sensors) return Missing(sensors.GetReason());
+  if (!device) return Missing(device.GetReason());
+  if (chip.GetReason().IsError()) return Missing(chip.GetReason());
+  const std::string id =
+      TakeID(taken, (device->empty() ? name : *device) + "/" + chip.ValueOr("hwmon"));
+  std::vector<TChannel> channels;
+  channels.reserve(sensors->size());
+  for (const auto& [key, files] : *sensors) {
+    const auto& [quantity, number, sensor] = key;
+    channels.push_back({id + "/" + sensor, sensor, *device, chip, folder, quantity, files});
+  }
+  return channels;
 }
 
 }  // namespace
@@ -121,28 +160,16 @@ TChips::TChips(const THost& host) {
   SortByNumber(names);
   std::map<std::string, int> taken;
   for (const std::string& name : names) {
-    TFiles folder = chips.In(name);
+    const TFiles folder = chips.In(name);
     const std::string obstacle = ObstacleToDevice(folder, name);
     if (!obstacle.empty()) {
       fReason.Add(Failed(PrintableText(folder.PathOf("")) + ": " + obstacle).fReason);
       continue;
     }
-    const TText chip = folder.ReadLine(folder.FirstOf({"name", "device/name"}).ValueOr("name"));
-    TFilesBySensor sensors = FilesIn(folder);
-    // Older drivers have their files in the folder of the device.
-    if (sensors.empty() && !folder.IsAbsent("device")) {
-      folder = folder.In("device");
-      sensors = FilesIn(folder);
-    }
-    const std::string device = DeviceOf(chips, name);
-    const std::string id =
-        TakeID(taken, (device.empty() ? name : device) + "/" + chip.ValueOr("hwmon"));
-    for (auto& [key, files] : sensors) {
-      const auto& [quantity, number, sensor] = key;
-      std::sort(files.begin(), files.end());
-      fChannels.push_back(
-          {id + "/" + sensor, sensor, device, chip, folder, quantity, std::move(files)});
-    }
+    const auto channels = ReadChip(chips, name, taken);
+    if (!channels) fReason.Add(channels.GetReason());
+    const auto all = channels.ValueOr({});
+    fChannels.insert(fChannels.end(), all.begin(), all.end());
   }
   if (fChannels.empty() && fReason.empty()) {
     fReason = names.empty() ? "no driver of the kernel watches the hardware"

@@ -26,6 +26,10 @@ TInstances<TThermalDevice> ListDevices(const TFiles& folder,
       continue;
     }
     const TText type = device.ReadLine("type");
+    if (type.GetReason().IsError()) {  // a part of the key
+      devices.Miss(type.GetReason());
+      continue;
+    }
     devices.fAll.push_back({TakeID(taken, type.ValueOr(name)), name, type, device});
   }
   if (devices.fAll.empty() && devices.fReason.empty()) devices.Miss(none);
@@ -46,8 +50,8 @@ TTripPoints::TTripPoints(const TFiles& zone)
     : fWarning(Missing("the zone has no such trip point")), fCritical(fWarning) {
   for (int point = 0; point < kMaxTripPoints; ++point) {
     const std::string name = "trip_point_" + std::to_string(point) + "_";
-    if (zone.IsAbsent(name + "type")) return;
     const TText type = zone.ReadLine(name + "type");
+    if (!type && !type.GetReason().IsError()) return;
     if (!type) {  // which may be of either kind
       if (!fWarning) fWarning = Missing(type.GetReason());
       if (!fCritical) fCritical = Missing(type.GetReason());
