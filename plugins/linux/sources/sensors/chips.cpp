@@ -90,7 +90,7 @@ TText DeviceOf(const TFiles& chips, const std::string& name) {
     const TReason reason = link.GetReason();
     const bool isNone =
         !reason.IsError() || reason == chips.MissingFrom(path, "not a symbolic link").fReason;
-    if (!link && !isNone) return link;
+    if (!link && !isNone) return Missing(reason);
     std::string device = DeviceIn(link);
     RemoveLast(device, name);
     RemoveLast(device, "hwmon");
