@@ -275,7 +275,8 @@ TReading<std::string> TFiles::ReadLink(const std::string& path) const {
   struct stat status {};
   if (!link.IsOpen()) return MissingFrom(path, ReasonOf(link.GetError()));
   if (::fstat(link.Get(), &status) != 0) return MissingFrom(path, ReasonOf(errno));
-  if (!S_ISLNK(status.st_mode)) return MissingFrom(path, {"not a symbolic link", TReason::kError});
+  // No error: a copy of a tree may have what a link led to in its place.
+  if (!S_ISLNK(status.st_mode)) return MissingFrom(path, "not a symbolic link");
   std::string target = TargetOf(link.Get());
   if (target.empty()) return MissingFrom(path, ReasonOf(errno));
   return target;

@@ -87,10 +87,7 @@ void RemoveLast(std::string& path, const std::string& name) {
 TText DeviceOf(const TFiles& chips, const std::string& name) {
   for (const std::string& path : {name, name + "/device"}) {
     const TText link = chips.ReadLink(path);
-    const TReason reason = link.GetReason();
-    const bool isNone =
-        !reason.IsError() || reason == chips.MissingFrom(path, "not a symbolic link").fReason;
-    if (!link && !isNone) return Missing(reason);
+    if (link.GetReason().IsError()) return Missing(link.GetReason());
     std::string device = DeviceIn(link);
     RemoveLast(device, name);
     RemoveLast(device, "hwmon");

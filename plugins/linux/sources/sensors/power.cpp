@@ -14,17 +14,20 @@ namespace NVORNQDX20 {
 TPowerSource::TPowerSource(std::string name, const TFiles& folder)
     : fName(std::move(name)),
       fFolder(folder),
-      fFields(folder.PathOf("uevent"), folder.Read("uevent"), '='),
-      fIsBattery(false) {
+      fFields(folder.PathOf("uevent"), folder.Read("uevent"), '=') {
   const TText type = Read("type");
-  fIsBattery = type ? *type == "Battery" : bool(Read("capacity"));
+  const TText capacity = type ? TText() : Read("capacity");
+  fIsBattery = type ? *type == "Battery" : bool(capacity);
+  for (const TReason& reason : {type.GetReason(), capacity.GetReason()}) {
+    if (reason.IsError()) fObstacle = reason;
+  }
 }
 
 TText TPowerSource::Read(const std::string& property) const {
   TText line = fFolder.ReadLine(property);
-  if (line || !fFolder.IsAbsent(property)) return line;
+  if (line || line.GetReason().IsError()) return line;
   TText field = fFields.Get("POWER_SUPPLY_" + boost::algorithm::to_upper_copy(property));
-  return field ? field : line;
+  return field || field.GetReason().IsError() ? field : line;
 }
 
 TText TPowerSource::ReadIdentity(const std::string& property) const {
@@ -48,13 +51,15 @@ TReading<std::int32_t> TPowerSource::ReadThousandths(const std::string& property
 
 TNumber TPowerSource::ReadDesignVoltage() const {
   const TNumber lowest = ReadNumber("voltage_min_design");
-  return lowest.ValueOr(0) != 0 ? lowest : ReadNumber("voltage_max_design");
+  if (lowest.ValueOr(0) != 0 || lowest.GetReason().IsError()) return lowest;
+  return ReadNumber("voltage_max_design");
 }
 
 TReading<std::uint32_t> TPowerSource::ReadEnergy(const std::string& property) const {
   const TNumber energy = ReadNumber("energy_" + property);
   const TNumber charge = ReadNumber("charge_" + property);
-  if (energy || !charge) return Scaled<std::uint32_t>(energy, 1, 1000);
+  if (energy || energy.GetReason().IsError() || !charge)
+    return Scaled<std::uint32_t>(energy, 1, 1000);
   return ReadDesignVoltage().and_then([&charge](std::uint64_t voltage) {
     return Scaled<std::uint32_t>(charge, voltage, 1'000'000'000);
   });
@@ -67,10 +72,15 @@ TPowerSources::TPowerSources(const THost& host) {
   for (const std::string& name : names.ValueOr({})) {
     const TFiles source = folder.In(name);
     const std::string obstacle = ObstacleToDevice(source, name);
-    if (obstacle.empty()) {
-      fAll.emplace_back(name, source);
-    } else {
+    if (!obstacle.empty()) {
       fReason.Add(Failed(PrintableText(source.PathOf("")) + ": " + obstacle).fReason);
+      continue;
+    }
+    TPowerSource power(name, source);
+    if (power.fObstacle.empty()) {
+      fAll.push_back(std::move(power));
+    } else {
+      fReason.Add(power.fObstacle);
     }
   }
 }

@@ -34,7 +34,8 @@ struct TPowerSource {
   std::string fName;  ///< "BAT0"
   TFiles fFolder;
   TFields fFields;
-  bool fIsBattery;
+  bool fIsBattery = false;
+  TReason fObstacle;  ///< Not empty if the kind could not be read.
 };
 
 struct TPowerSources {
