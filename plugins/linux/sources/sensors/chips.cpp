@@ -56,7 +56,8 @@ TReading<TFilesBySensor> FilesIn(const TFiles& folder) {
     const TQuantity* const quantity = QuantityOf(name.substr(0, digits));
     const auto number = ParseNumber<std::uint32_t>(name.substr(digits, line - digits));
     if (quantity == nullptr || !number || PrintableText(name) != name) continue;
-    sensors[{quantity, *number, name.substr(0, line)}].push_back(name.substr(line + 1));
+    const TKey key(quantity, *number, name.substr(0, line));
+    sensors[key].push_back(name.substr(line + 1));
   }
   for (auto& sensor : sensors) std::sort(sensor.second.begin(), sensor.second.end());
   for (auto sensor = sensors.begin(); sensor != sensors.end();) {

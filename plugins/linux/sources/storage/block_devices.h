@@ -18,7 +18,7 @@ enum class EBlockKind {
   kDeviceMapper,  ///< Logical volumes, encrypted devices, multipath devices.
   kRAID,          ///< An array of the driver md.
   kLoop,          ///< A file.
-  kOther          ///< Compressed memory, a disk on the network, and the like.
+  kOther          ///< Compressed memory, a disk on the network, others of their kind.
 };
 
 /// The relative paths of its files lead to its folder in sysfs.
