@@ -39,7 +39,7 @@ TText ReadLinkedName(const TFiles& folder, const std::string& link) {
 
 TText ReadDriverOf(const TFiles& folder) {
   TText linked = ReadLinkedName(folder, "driver");
-  if (linked) return linked;
+  if (linked || linked.GetReason().IsError()) return linked;
   const TText file = folder.Read("uevent");
   const TText driver = TFields(folder.PathOf("uevent"), file, '=').Get("DRIVER");
   return driver || !file ? driver : TText(Missing("no driver is bound to it"));

@@ -56,7 +56,13 @@ TReading<std::uint16_t> ReadMaxPower(const TFiles& device) {
   return ToNumber<std::uint16_t>(digits, device.PathOf(file));
 }
 
+TReading<std::vector<std::uint8_t>> InterfaceClassesOf(const TUSBDevice& device) {
+  if (!device.fInterfaceError.empty()) return Missing(device.fInterfaceError);
+  return device.fInterfaceClasses;
+}
+
 TReading<std::vector<std::string>> DriversOf(const TUSBDevice& device) {
+  if (!device.fInterfaceError.empty()) return Missing(device.fInterfaceError);
   if (device.fDrivers.empty()) return Missing("no driver is bound to its interfaces");
   return device.fDrivers;
 }
@@ -78,7 +84,7 @@ THostTable<TUSB> USBDeviceTable() {
        {"ClassCode", "What it is for; 0 if that differs by interface.", &TUSB::fClass},
        {"SubclassCode", "The same, more closely.", Hexadecimal<std::uint8_t>("bDeviceSubClass")},
        {"ProtocolCode", "How drivers talk to it.", Hexadecimal<std::uint8_t>("bDeviceProtocol")},
-       {"InterfaceClassCodes", "What its interfaces are for.", &TUSB::fInterfaceClasses},
+       {"InterfaceClassCodes", "What its interfaces are for.", InterfaceClassesOf},
        {"ClassDescription", "What it or its interfaces are for, in words.", &TUSB::fClassName},
        {"Drivers", "The drivers that serve its interfaces.", DriversOf},
        {"USBVersion", "The version of USB that it follows: two decimal digits in each byte.",

@@ -32,7 +32,7 @@ std::string DeviceOf(const std::string& interface) {
 }
 
 TUSBDevice MakeDevice(const TDeviceFolder& folder) {
-  TUSBDevice device{folder, {}, {}, {}, {}, {}, false, {}, {}, {}};
+  TUSBDevice device{folder, {}, {}, {}, {}, {}, {}, false, {}, {}, {}};
   device.fVendor = ReadUSBNumber<std::uint16_t>(folder, "idVendor");
   device.fProduct = ReadUSBNumber<std::uint16_t>(folder, "idProduct");
   device.fClass = ReadUSBNumber<std::uint8_t>(folder, "bDeviceClass");
@@ -46,6 +46,9 @@ void AddInterface(const TFiles& interface, TUSBDevice& device) {
   if (number) AddOnce(device.fInterfaceClasses, *number);
   const TText driver = ReadDriverOf(interface);
   if (driver) AddOnce(device.fDrivers, *driver);
+  for (const TReason& reason : {number.GetReason(), driver.GetReason()}) {
+    if (reason.IsError()) device.fInterfaceError = reason;
+  }
 }
 
 /// Where the list has the names of a device.
@@ -61,7 +64,8 @@ TPaths PathsOf(const TUSBDevice& device) {
   paths.fProduct = paths.fVendor.and_then([&](const std::string& vendor) {
     return device.fProduct.map([&](std::uint16_t id) { return vendor + '\t' + HexID(id); });
   });
-  paths.fClasses = device.fClass.map([&](std::uint8_t own) {
+  paths.fClasses = device.fClass.and_then([&](std::uint8_t own) -> decltype(paths.fClasses) {
+    if (own == 0 && !device.fInterfaceError.empty()) return Missing(device.fInterfaceError);
     std::vector<std::string> classes;
     const bool isOfInterfaces = own == 0 && !device.fInterfaceClasses.empty();
     for (const std::uint8_t each :
@@ -111,8 +115,13 @@ TUSBDevices::TUSBDevices(const THost& host) {
   std::map<std::string, std::size_t> places;
   for (const TDeviceFolder& folder : folders.fAll) {
     if (!DeviceOf(folder.fFileName).empty()) continue;
+    TUSBDevice device = MakeDevice(folder);
+    if (device.fClass.GetReason().IsError()) {  // it could be a hub
+      fAll.Miss(device.fClass.GetReason());
+      continue;
+    }
     places.emplace(folder.fFileName, fAll.fAll.size());
-    fAll.fAll.push_back(MakeDevice(folder));
+    fAll.fAll.push_back(std::move(device));
   }
   for (const TDeviceFolder& folder : folders.fAll) {
     const auto owner = places.find(DeviceOf(folder.fFileName));

@@ -19,6 +19,7 @@ struct TUSBDevice : TDeviceFolder {
   TReading<std::uint8_t> fClass;                ///< 0 if each interface has its own.
   std::vector<std::uint8_t> fInterfaceClasses;  ///< Each once, in the order of the interfaces.
   std::vector<std::string> fDrivers;            ///< Likewise, without interfaces that have none.
+  TReason fInterfaceError;                      ///< Why the classes or drivers may not be all.
   bool fIsHub = false;
 
   // Of the list usb.ids.

@@ -152,11 +152,15 @@ TText ReadProcessorSet(const THierarchy& groups, bool isUnified) {
 TControlGroup ReadControlGroup(const TFiles& files) {
   const TFiles mounts = files.In(kMountPoint);
   const TText table = files.Read(kFirstProcess);
-  const TReading<std::string> sign =
-      mounts.FirstOf({"cgroup.controllers", "memory", "cpu", "pids"});
-  if (!sign || mounts.IsAbsent(*sign)) {
-    const TMissing none =
-        sign ? mounts.MissingFrom("", "no control groups") : Missing(sign.GetReason());
+  TText sign = mounts.MissingFrom("", "no control groups");
+  for (const std::string file : {"cgroup.controllers", "memory", "cpu", "pids"}) {
+    const TReading<bool> exists = mounts.Exists(file);
+    if (!exists) sign = Missing(exists.GetReason());
+    if (exists && *exists) sign = file;
+    if (!exists || *exists) break;
+  }
+  if (!sign) {
+    const TMissing none = Missing(sign.GetReason());
     return {none, none, none, none, none};
   }
   const bool isUnified = *sign == "cgroup.controllers";

@@ -34,9 +34,8 @@ TReading<EBlockKind> KindOf(const std::string& name, const TFiles& folder) {
       std::any_of(std::begin(kDrivers), std::end(kDrivers),
                   [&name](std::string_view driver) { return starts_with(name, driver); });
   if (isKnown) return EBlockKind::kDrive;
-  return folder.FirstOf({"device"}).map([&folder](const std::string& link) {
-    return folder.IsAbsent(link) ? EBlockKind::kOther : EBlockKind::kDrive;
-  });
+  return folder.Exists("device").map(
+      [](bool isDrive) { return isDrive ? EBlockKind::kDrive : EBlockKind::kOther; });
 }
 
 /// The kernel makes memory disks that nobody asked for. Of a disk with several paths, each path has
