@@ -40,7 +40,7 @@ class QDXMisbehavingPlugins : public ::testing::Test {
   void Add(const std::string& service) const {
     fInstallation.AddPlugin(TESTS "misbehaving_provider.so", "lib" + service + ".nsp.so");
   }
-  TProgramRun Collect(const std::string& file, const std::string& timeout = "3") const {
+  TProgramRun Collect(const std::string& file, const std::string& timeout = "5") const {
     return fInstallation.Run(
         {"collect", "--timeout", timeout, "--root", fTree.Path(), "-o", fFolder.Path() / file});
   }
@@ -129,7 +129,7 @@ TEST_F(QDXMisbehavingPlugins, LeaveNoFileIfTheyAreConsumers) {
       "'; for where in init create name write end; do for what in hang busy segv abort exit _exit "
       "quick foreign one stack alloc twice close print orphan setsid forks block stop change noise "
       "lost; do (d=${where}_$what; mkdir $d; cd $d; export QDX_MISBEHAVE=$d; "
-      "\"$0\" collect --consumer misbehaving --timeout 3 --memory 200 --provider linux --root '" +
+      "\"$0\" collect --consumer misbehaving --timeout 5 --memory 200 --provider linux --root '" +
       fTree.Path().string() +
       "' -o x 2>&1; "
       "echo $where $what $? $(ls)) >$where-$what & done; wait; cat $where-*; done");
@@ -184,10 +184,12 @@ TEST_F(QDXMisbehavingPlugins, HaveThePrivilegesOfAUser) {
 TEST_F(QDXMisbehavingPlugins, AreWaitedForByName) {
   Add("open_hang");
   const TProgramRun seen = fInstallation.RunScript(
-      "SHELL=/bin/sh script -qec \"'$0' collect --timeout 2 -o /dev/null\" /dev/null </dev/null");
+      "SHELL=/bin/sh script -qec \"'$0' collect --provider open_hang --timeout 2 -o /dev/null\" "
+      "/dev/null </dev/null");
   EXPECT_PRED_FORMAT2(IsSubstring, "\rwaiting for provider open_hang (1 s)", seen.fOutput);
   const TProgramRun narrow = fInstallation.RunScript(
-      "SHELL=/bin/sh script -qec \"stty cols 20; '$0' collect --timeout 2 -o /dev/null\" /dev/null "
+      "SHELL=/bin/sh script -qec \"stty cols 20; '$0' collect --provider open_hang --timeout 2 -o "
+      "/dev/null\" /dev/null "
       "</dev/null");
   EXPECT_PRED_FORMAT2(IsSubstring, "\rwaiting for provide\r", narrow.fOutput);
 }
