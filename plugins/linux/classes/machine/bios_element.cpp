@@ -72,7 +72,7 @@ TText ReadSMBIOSVersion(const TPhysicalElement&, const THost& host) {
 
 /// An incomplete copy may lack the folder, too.
 TReading<bool> ReadUEFI(const TPhysicalElement&, const THost& host) {
-  const TReading<bool> isThere = host.Exists("/sys/firmware/efi");
+  TReading<bool> isThere = host.Exists("/sys/firmware/efi");
   if (!isThere || *isThere) return isThere;
   if (host.IsThisMachine() || !host.IsAbsent("/sys/firmware/acpi")) return false;
   return host.MissingFrom("/sys/firmware/efi", "No such file or directory");
