@@ -50,7 +50,7 @@ TReading<std::int32_t> TPowerSource::ReadThousandths(const std::string& property
 }
 
 TNumber TPowerSource::ReadDesignVoltage() const {
-  const TNumber lowest = ReadNumber("voltage_min_design");
+  TNumber lowest = ReadNumber("voltage_min_design");
   if (lowest.ValueOr(0) != 0 || lowest.GetReason().IsError()) return lowest;
   return ReadNumber("voltage_max_design");
 }
