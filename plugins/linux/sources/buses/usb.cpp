@@ -51,11 +51,13 @@ void AddInterface(const TFiles& interface, TUSBDevice& device) {
   }
 }
 
+using TClasses = TReading<std::vector<std::string>>;
+
 /// Where the list has the names of a device.
 struct TPaths {
   TText fVendor;
   TText fProduct;
-  TReading<std::vector<std::string>> fClasses;
+  TClasses fClasses;
 };
 
 TPaths PathsOf(const TUSBDevice& device) {
@@ -64,7 +66,7 @@ TPaths PathsOf(const TUSBDevice& device) {
   paths.fProduct = paths.fVendor.and_then([&](const std::string& vendor) {
     return device.fProduct.map([&](std::uint16_t id) { return vendor + '\t' + HexID(id); });
   });
-  paths.fClasses = device.fClass.and_then([&](std::uint8_t own) -> decltype(paths.fClasses) {
+  paths.fClasses = device.fClass.and_then([&](std::uint8_t own) -> TClasses {
     if (own == 0 && !device.fInterfaceError.empty()) return Missing(device.fInterfaceError);
     std::vector<std::string> classes;
     const bool isOfInterfaces = own == 0 && !device.fInterfaceClasses.empty();
