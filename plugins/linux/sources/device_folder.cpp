@@ -8,10 +8,12 @@
 
 namespace NVORNQDX20 {
 
-std::string ObstacleToDevice(const TFiles& folder, const std::string& name) {
-  if (PrintableText(name) != name) return "the name is not printable";  // a key must be
-  const bool leadsNowhere = folder.IsAbsent("") && folder.ReadLink("");
-  return leadsNowhere ? "a link that leads nowhere" : "";
+TReason ObstacleToDevice(const TFiles& folder, const std::string& name) {
+  const bool isPrintable = PrintableText(name) == name;  // a key must be
+  if (isPrintable && !(folder.IsAbsent("") && folder.ReadLink(""))) return {};
+  const char* const obstacle =
+      isPrintable ? ": a link that leads nowhere" : ": the name is not printable";
+  return {PrintableText(folder.PathOf("")) + obstacle, TReason::kError};
 }
 
 TInstances<TDeviceFolder> ListDevices(const TFiles& files, const char* folder) {
@@ -21,11 +23,11 @@ TInstances<TDeviceFolder> ListDevices(const TFiles& files, const char* folder) {
   devices.fAll.reserve(names->size());
   for (const std::string& name : *names) {
     const TFiles device = files.In(folder).In(name);
-    const std::string obstacle = ObstacleToDevice(device, name);
+    const TReason obstacle = ObstacleToDevice(device, name);
     if (obstacle.empty()) {
       devices.fAll.push_back({device, name});
     } else {
-      devices.Miss(Failed(PrintableText(device.PathOf("")) + ": " + obstacle).fReason);
+      devices.Miss(obstacle);
     }
   }
   return devices;

@@ -16,9 +16,9 @@ struct TDeviceFolder : TFiles {
   std::string fFileName;
 };
 
-/// Returns why a device that is listed by this name cannot be described; empty if it can, and if it
-/// is no longer there.
-std::string ObstacleToDevice(const TFiles& folder, const std::string& name);
+/// Returns why a device that is listed by this name cannot be described, which is an error; empty
+/// if it can, and if it is no longer there.
+TReason ObstacleToDevice(const TFiles& folder, const std::string& name);
 
 /// Lists the devices of a folder that can be described, by name.
 TInstances<TDeviceFolder> ListDevices(const TFiles& files, const char* folder);

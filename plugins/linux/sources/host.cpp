@@ -88,11 +88,7 @@ TText ReadDMIFile(const TFiles& files, const std::string& name) {
   if (folder.IsAbsent("")) {
     return Missing("no DMI table: " + folder.PathOf("") + " does not exist");
   }
-  TText reading = folder.ReadLine(name);
-  if (reading && IsPlaceholder(*reading)) {
-    return folder.MissingFrom(name, "placeholder text '" + *reading + "'");
-  }
-  return reading;
+  return WithoutPlaceholder(folder.ReadLine(name), folder.PathOf(name));
 }
 
 /// The files that have been read.

@@ -105,10 +105,7 @@ TReading<std::uint16_t> ReadUSBRelease(const TFiles& device, const char* file) {
 }
 
 TText ReadUSBText(const TFiles& device, const char* file) {
-  return device.ReadLine(file).and_then([&](const std::string& text) -> TText {
-    if (!IsPlaceholder(text)) return text;
-    return device.MissingFrom(file, "placeholder text '" + text + "'");
-  });
+  return WithoutPlaceholder(device.ReadLine(file), device.PathOf(file));
 }
 
 TUSBDevices::TUSBDevices(const THost& host) {

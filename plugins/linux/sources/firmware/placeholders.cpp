@@ -139,4 +139,10 @@ bool IsPlaceholder(const std::string& text) {
          IsFieldName(text) || BeginsAsPlaceholder(text);
 }
 
+NDescribe::TReading<std::string> WithoutPlaceholder(const NDescribe::TReading<std::string>& text,
+                                                    const std::string& source) {
+  if (!text || !IsPlaceholder(*text)) return text;
+  return NDescribe::Missing(source + ": placeholder text '" + *text + "'");
+}
+
 }  // namespace NVORNQDX20

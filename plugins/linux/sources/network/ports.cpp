@@ -233,9 +233,9 @@ TInstances<TPort> ListFolder(const THost& host, const std::vector<std::string>& 
   TInstances<TPort> ports;
   for (const std::string& name : names) {
     const TFiles files = host.In(kFolder).In(name);
-    const std::string obstacle = ObstacleToDevice(files, name);
+    const TReason obstacle = ObstacleToDevice(files, name);
     if (!obstacle.empty()) {
-      ports.Miss(Failed(PrintableText(files.PathOf("")) + ": " + obstacle).fReason);
+      ports.Miss(obstacle);
       continue;
     }
     // A list of bonds is a file beside the folders.

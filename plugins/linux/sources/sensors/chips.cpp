@@ -7,8 +7,6 @@
 #include <tuple>
 #include <utility>
 
-#include "sources/device_folder.h"
-
 namespace NVORNQDX20 {
 namespace {
 
@@ -132,15 +130,8 @@ bool TChannel::Has(const char* file) const {
 
 TReading<std::int32_t> TChannel::Read(const char* file) const {
   const std::string path = PathOf(file);
-  return fFolder.ReadNumber<std::int64_t>(path).and_then(
-      [&](std::int64_t number) -> TReading<std::int32_t> {
-        const std::int64_t value = number / fQuantity->fKernelUnits;
-        using TLimits = std::numeric_limits<std::int32_t>;
-        if (value < TLimits::min() || value > TLimits::max()) {
-          return fFolder.MissingFrom(path, std::to_string(number) + " is out of range");
-        }
-        return static_cast<std::int32_t>(value);
-      });
+  return InUnitsOf(fQuantity->fKernelUnits, fFolder.ReadNumber<std::int64_t>(path),
+                   fFolder.PathOf(path));
 }
 
 TReading<std::int32_t> TChannel::ReadValue() const {
@@ -151,38 +142,42 @@ TReading<std::int32_t> TChannel::ReadValue() const {
 }
 
 TChips::TChips(const THost& host) {
-  const TFiles chips = host.In("/sys/class/hwmon");
-  const auto listed = chips.List();
-  fReason = listed.GetReason();
-  auto names = listed.ValueOr({});
-  SortByNumber(names);
+  const char* const folder = "/sys/class/hwmon";
+  const TInstances<TDeviceFolder> chips = ListByNumber(host, folder);
+  fReason = chips.fReason;
   std::map<std::string, int> taken;
-  for (const std::string& name : names) {
-    const TFiles folder = chips.In(name);
-    const std::string obstacle = ObstacleToDevice(folder, name);
-    if (!obstacle.empty()) {
-      fReason.Add(Failed(PrintableText(folder.PathOf("")) + ": " + obstacle).fReason);
-      continue;
-    }
-    const auto channels = ReadChip(chips, name, taken);
+  for (const TDeviceFolder& chip : chips.fAll) {
+    const auto channels = ReadChip(host.In(folder), chip.fFileName, taken);
     if (!channels) fReason.Add(channels.GetReason());
     const auto all = channels.ValueOr({});
     fChannels.insert(fChannels.end(), all.begin(), all.end());
   }
   if (fChannels.empty() && fReason.empty()) {
-    fReason = names.empty() ? "no driver of the kernel watches the hardware"
-                            : "no chip in /sys/class/hwmon has a sensor";
+    fReason = chips.fAll.empty() ? "no driver of the kernel watches the hardware"
+                                 : "no chip in /sys/class/hwmon has a sensor";
   }
 }
 
-void SortByNumber(std::vector<std::string>& names) {
-  const auto number = [](const std::string& name) {
+TInstances<TDeviceFolder> ListByNumber(const TFiles& files, const char* folder) {
+  TInstances<TDeviceFolder> devices = ListDevices(files, folder);
+  const auto number = [](const TDeviceFolder& device) {
+    const std::string& name = device.fFileName;
     const std::size_t digits = name.find_last_not_of("0123456789") + 1;
     return std::make_tuple(name.substr(0, digits),
                            ParseNumber<std::uint64_t>(name.substr(digits)).value_or(0), name);
   };
-  std::sort(names.begin(), names.end(), [&](const std::string& one, const std::string& other) {
-    return number(one) < number(other);
+  std::sort(devices.fAll.begin(), devices.fAll.end(),
+            [&](const auto& one, const auto& other) { return number(one) < number(other); });
+  return devices;
+}
+
+TReading<std::int32_t> InUnitsOf(std::int64_t unit, const TReading<std::int64_t>& number,
+                                 const std::string& source) {
+  return number.and_then([&](std::int64_t count) -> TReading<std::int32_t> {
+    const std::int64_t value = count / unit;
+    using TLimits = std::numeric_limits<std::int32_t>;
+    if (value >= TLimits::min() && value <= TLimits::max()) return static_cast<std::int32_t>(value);
+    return Missing(source + ": " + std::to_string(count) + " is out of range");
   });
 }
 

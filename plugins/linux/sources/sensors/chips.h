@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "sources/device_folder.h"
 #include "sources/host.h"
 
 namespace NVORNQDX20 {
@@ -53,8 +54,12 @@ struct TChips {
   TReason fReason;  ///< Why there are none, or not all.
 };
 
-/// Sorts names with numbers at their ends, such as "hwmon10", by these numbers.
-void SortByNumber(std::vector<std::string>& names);
+/// Lists the devices of a folder by the numbers at the ends of their names, such as "hwmon10".
+TInstances<TDeviceFolder> ListByNumber(const TFiles& files, const char* folder);
+
+/// Returns the number in larger units. Missing if it has more than 32 bits in these, too.
+TReading<std::int32_t> InUnitsOf(std::int64_t unit, const TReading<std::int64_t>& number,
+                                 const std::string& source);
 
 /// Returns the text, or the first of "text 2", "text 3" that is not among those taken, and takes
 /// it.

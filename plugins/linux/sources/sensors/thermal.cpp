@@ -2,29 +2,19 @@
 #include "thermal.h"
 
 #include "chips.h"
-#include "sources/device_folder.h"
 
 namespace NVORNQDX20 {
 namespace {
 
 constexpr int kMaxTripPoints = 64;
 
-TInstances<TThermalDevice> ListDevices(const TFiles& folder,
-                                       const TReading<std::vector<std::string>>& listed,
-                                       const std::string& prefix, const char* none) {
-  TInstances<TThermalDevice> devices;
-  devices.fReason = listed.GetReason();
-  auto names = listed.ValueOr({});
-  SortByNumber(names);
+TInstances<TThermalDevice> Select(const TInstances<TDeviceFolder>& listed,
+                                  const std::string& prefix, const char* none) {
+  TInstances<TThermalDevice> devices({}, listed.fReason);
   std::map<std::string, int> taken;
-  for (const std::string& name : names) {
+  for (const TDeviceFolder& device : listed.fAll) {
+    const std::string& name = device.fFileName;
     if (name.compare(0, prefix.size(), prefix) != 0) continue;
-    const TFiles device = folder.In(name);
-    const std::string obstacle = ObstacleToDevice(device, name);
-    if (!obstacle.empty()) {
-      devices.Miss(Failed(PrintableText(device.PathOf("")) + ": " + obstacle).fReason);
-      continue;
-    }
     const TText type = device.ReadLine("type");
     if (type.GetReason().IsError()) {  // a part of the key
       devices.Miss(type.GetReason());
@@ -39,11 +29,9 @@ TInstances<TThermalDevice> ListDevices(const TFiles& folder,
 }  // namespace
 
 TThermal::TThermal(const THost& host) {
-  const TFiles folder = host.In("/sys/class/thermal");
-  const auto listed = folder.List();
-  fZones = ListDevices(folder, listed, "thermal_zone", "the kernel has no thermal zone");
-  fCoolingDevices =
-      ListDevices(folder, listed, "cooling_device", "the kernel has no cooling device");
+  const TInstances<TDeviceFolder> listed = ListByNumber(host, "/sys/class/thermal");
+  fZones = Select(listed, "thermal_zone", "the kernel has no thermal zone");
+  fCoolingDevices = Select(listed, "cooling_device", "the kernel has no cooling device");
 }
 
 TTripPoints::TTripPoints(const TFiles& zone)

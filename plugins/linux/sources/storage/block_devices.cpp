@@ -41,8 +41,8 @@ TReading<EBlockKind> KindOf(const std::string& name, const TFiles& folder) {
 /// The kernel makes memory disks that nobody asked for. Of a disk with several paths, each path has
 /// a hidden device of its own.
 TReading<bool> IsTaken(const std::string& name, const TFiles& folder) {
-  const std::string obstacle = ObstacleToDevice(folder, name);
-  if (!obstacle.empty()) return Failed(PrintableText(folder.PathOf("")) + ": " + obstacle);
+  const TReason obstacle = ObstacleToDevice(folder, name);
+  if (!obstacle.empty()) return Missing(obstacle);
   if (HasNumberAfter("ram", name)) return false;
   if (!starts_with(name, "nvme") || folder.IsAbsent("hidden")) return true;
   return folder.ReadFlag("hidden").map([](bool isHidden) { return !isHidden; });
