@@ -292,9 +292,11 @@ class TDescription {
 
   /// A class that lacks several instances has one explanation, with the first reasons.
   static void Append(TMissingValue& first, const TMissingValue& next) {
-    if (first.fReason.size() < kLongestReason &&
-        first.fReason.find(next.fReason) == std::string::npos) {
-      first.fReason.Add(next.fReason);
+    TReason& reason = first.fReason;
+    if (reason.size() < kLongestReason && reason.find(next.fReason) == std::string::npos) {
+      reason.Add(next.fReason);
+    } else if (next.fReason.IsError()) {
+      reason = TReason(std::move(reason), TReason::kError);
     }
   }
 

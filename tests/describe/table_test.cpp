@@ -242,6 +242,17 @@ TEST(Tables, LeaveOutWhatHasNoKeysOfItsOwn) {
   EXPECT_EQ(ReadMissingReasons(*ns), reasons);
 }
 
+TEST(Tables, KeepAnErrorThatALongReasonHasNoRoomFor) {
+  const std::string absence(600, 'x');
+  const auto list = [&absence](const TRequest&) -> TInstances<TOnly> { return {{{}}, absence}; };
+  const auto lost = [](const TOnly&) -> TReading<std::uint32_t> { return Failed("lost"); };
+  const TTable<TOnly> table{"T_Long", "", list, {{"Id", "", lost, kKey}}};
+  const auto ns = MakeProvider("test", "root/test", {table})->GetNamespace("root/test", {});
+  const TReason reason = ReadMissingReasons(*ns).at({"T_Long", "", ""});
+  EXPECT_EQ(reason, absence);
+  EXPECT_TRUE(reason.IsError());
+}
+
 TTable<TOnly> Table(const char* name, const TTable<TOnly>::TRows& rows) {
   return {name, "", kOnly, rows};
 }
