@@ -272,9 +272,10 @@ EXPORT ssize_t read(int file, void* buffer, std::size_t size) {
   // How often a pipe is read depends on the speed of the writer.
   const int error = ErrorOf(isFile ? "read" : "read-pipe");
   if (error > 0) return FailWith(error, -1);
+  if (error == kShortCall && !isFile && size > 1) size = 1;
   long count = RawCall(SYS_read, file, Word(buffer), static_cast<long>(size));
   // Some files of the kernel have nothing for a buffer of one byte.
-  if (error == kShortCall && count > 1) {
+  if (error == kShortCall && isFile && count > 1) {
     RawCall(SYS_lseek, file, 1 - count, SEEK_CUR);
     count = 1;
   }
