@@ -15,18 +15,6 @@ namespace {
 
 using TDecl = boost::shared_ptr<ICIMPropertyDecl>;
 
-/// Not by GetQualifier, which throws for every other property: that takes most of the time.
-bool IsKey(const ICIMPropertyDecl& decl) {
-  bool isKey = false;
-  decl.EnumerateQualifiers([&isKey](const boost::shared_ptr<ICIMQualifier>& qualifier) {
-    if (EqualIgnoringCase(qualifier->GetDecl()->GetName(), "Key")) {
-      isKey = qualifier->GetValue() == TCIMValue(true);
-    }
-    return true;
-  });
-  return isKey;
-}
-
 bool Declares(const ICIMClass& cimClass, const TDecl& decl) {
   try {
     return cimClass.GetPropertyDecl(decl->GetName(), {}) == decl;
@@ -45,7 +33,7 @@ class TPropertyCollector {
     TClassProperty& property = fProperties[found->second];
     // A superclass enumerates again what the class has enumerated as inherited.
     const bool isAsked = !isNew && property.fDecl == decl;
-    if (!isAsked && !property.fIsKey) property.fIsKey = IsKey(*decl);
+    if (!isAsked && !property.fIsKey) property.fIsKey = IsQualified(*decl, "Key");
   }
 
   std::vector<TClassProperty> fProperties;
@@ -58,11 +46,15 @@ class TPropertyCollector {
 }  // namespace
 
 bool IsQualified(const ICIMPropertyDecl& decl, const std::string& qualifier) {
-  try {
-    return decl.GetQualifier(qualifier)->GetValue() == TCIMValue(true);
-  } catch (const TQDXException&) {
-    return false;  // an exception means that there is none
-  }
+  // Not by GetQualifier, which throws if there is none: that takes most of the time.
+  bool isTrue = false;
+  decl.EnumerateQualifiers([&](const boost::shared_ptr<ICIMQualifier>& each) {
+    if (EqualIgnoringCase(each->GetDecl()->GetName(), qualifier)) {
+      isTrue = each->GetValue() == TCIMValue(true);
+    }
+    return true;
+  });
+  return isTrue;
 }
 
 boost::shared_ptr<ICIMClass> SuperclassOf(const ICIMClass& cimClass) {
