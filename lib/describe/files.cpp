@@ -236,6 +236,7 @@ TReading<std::string> TFiles::ReadBytes(const std::string& path, std::size_t max
   if (!obstacle.empty()) return MissingFrom(path, obstacle);
   TReading<std::string> reading = ReadToEnd(file.Get(), maxSize);
   if (!reading) return MissingFrom(path, reading.GetReason());
+  if (reading->size() <= maxSize) fRoot->Keep(fullPath, *reading);
   return reading;
 }
 
@@ -251,7 +252,6 @@ TReading<std::string> TFiles::Read(const std::string& path, std::size_t maxSize)
     const std::string limit = std::to_string(maxSize >> 10U) + " KiB";
     return MissingFrom(path, {"more than " + limit, TReason::kError});
   }
-  if (reading) fRoot->Keep(PathOf(path), *reading);
   return reading;
 }
 
