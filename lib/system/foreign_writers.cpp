@@ -13,6 +13,7 @@
 #include <grp.h>
 #include <pwd.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace NVORNQDX20 {
 namespace {
@@ -141,6 +142,13 @@ class TPathCheck {
 
 std::optional<std::string> FindForeignWriter(const std::string& file, uid_t owner) {
   return TPathCheck(fs::absolute(file), owner).Run();
+}
+
+std::optional<std::string> FindForeignWriterOfCode(const std::string& file) {
+  if (::geteuid() != 0) return std::nullopt;
+  struct stat program {};  // root's, if there is no /proc
+  ::stat("/proc/self/exe", &program);
+  return FindForeignWriter(file, program.st_uid);
 }
 
 }  // namespace NVORNQDX20

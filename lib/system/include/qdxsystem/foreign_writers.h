@@ -20,6 +20,10 @@ namespace NVORNQDX20 {
 /// that user. In a user namespace, users outside of it do not count.
 std::optional<std::string> FindForeignWriter(const std::string& file, uid_t owner);
 
+/// The same about a file whose code this process is to run: with root's rights, only what root or
+/// the owner of the program can have written. Returns nothing for other users.
+std::optional<std::string> FindForeignWriterOfCode(const std::string& file);
+
 }  // namespace NVORNQDX20
 
 #endif  // QDXSYSTEM_FOREIGN_WRITERS_H_
