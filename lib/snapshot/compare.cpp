@@ -242,15 +242,16 @@ std::vector<TComparison::TColumn> TComparison::ColumnsOf(const TClassSnapshot& a
 /// Adds the differences of values; one that a side lacks by an error is unknown.
 void TComparison::CompareValues(const TIdentified& a, const TIdentified& b, const TSide& sideA,
                                 const TSide& sideB, const std::vector<TColumn>& columns) {
-  const TInstanceReasons reasonsOfA(sideA.fReasons, sideA.fClass, *a.second);
-  const TInstanceReasons reasonsOfB(sideB.fReasons, sideB.fClass, *b.second);
   for (const TColumn& column : columns) {
     const TJSON& before = a.second->fValues[column.fInA];
     const TJSON& after = b.second->fValues[column.fInB];
     const TPropertySnapshot& property = sideA.fClass.fProperties[column.fInA];
     if (AreEqual(before, after, property)) continue;
-    const auto* reason = reasonsOfA.Find(column.fInA);
-    if (reason == nullptr) reason = reasonsOfB.Find(column.fInB);
+    const auto* reason =
+        TInstanceReasons(sideA.fReasons, sideA.fClass, *a.second).Find(column.fInA);
+    if (reason == nullptr) {
+      reason = TInstanceReasons(sideB.fReasons, sideB.fClass, *b.second).Find(column.fInB);
+    }
     const bool isUnknown = reason != nullptr && reason->IsError();
     // Another class explains why the name of the machine is missing.
     if (property.fIsKey && !isUnknown) continue;
