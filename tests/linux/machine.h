@@ -8,10 +8,14 @@
 #include <qdxcore/registry.h>
 #include <qdxmodel/classes.h>
 
+#include <filesystem>
 #include <map>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include <unistd.h>
 
 #include "support/expect_status.h"
 #include "support/temp_dir.h"
@@ -113,6 +117,27 @@ class TMachine : public TTempDir {
     return TextOf(*InstancesOf(*Namespace(), className).at(0), property);
   }
 };
+
+/// Expects that a user who may not read a file, or not enter a folder, is told so about a value, or
+/// about the instances of a class. `rows` are such files and names of ReasonsOf().
+inline void ExpectDenied(const TMachine& machine,
+                         const std::vector<std::pair<const char*, const char*>>& rows) {
+  namespace fs = std::filesystem;
+  fs::permissions(machine.Path(), fs::perms::all);
+  const uid_t user = ::geteuid();
+  for (const auto& [file, name] : rows) {
+    const auto path = machine.Path() / file;
+    const auto before = fs::status(path).permissions();
+    fs::permissions(path, fs::perms::none);
+    if (::seteuid(user == 0 ? 65534 : user) != 0) GTEST_SKIP() << "root may read anything";
+    TTexts reasons = ReasonsOf(*machine.Namespace());
+    ASSERT_EQ(::seteuid(user), 0);
+    fs::permissions(path, before);
+    const std::string& reason = reasons[name];
+    EXPECT_NE(reason.find("Permission denied"), std::string::npos)
+        << name << " without " << file << ": '" << reason << "'";
+  }
+}
 
 }  // namespace NVORNQDX20
 

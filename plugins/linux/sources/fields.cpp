@@ -1,11 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "fields.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <boost/algorithm/string/predicate.hpp>
 
 namespace NVORNQDX20 {
+
+std::vector<std::string_view> WordsOf(std::string_view line, std::string_view separators) {
+  std::vector<std::string_view> words;
+  words.reserve(11);  // the columns of /proc/net/route, which can have many lines
+  while (!line.empty()) {
+    const std::size_t end = std::min(line.find_first_of(separators), line.size());
+    if (end != 0) words.push_back(line.substr(0, end));
+    line.remove_prefix(std::min(end + 1, line.size()));
+  }
+  return words;
+}
 
 TFields::TFields(std::string source, std::string_view text, char separator)
     : fSource(std::move(source)) {

@@ -7,10 +7,14 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "reading.h"
 
 namespace NVORNQDX20 {
+
+/// Returns the words of a line, which have one or more of the separators between them.
+std::vector<std::string_view> WordsOf(std::string_view line, std::string_view separators = " \t");
 
 /// The fields of one text. Blanks around names and values are stripped; the first of two fields
 /// with the same name counts. Lines without the separator are ignored.

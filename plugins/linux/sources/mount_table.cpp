@@ -6,8 +6,9 @@
 #include <optional>
 #include <set>
 #include <utility>
+#include <vector>
 
-#include "reading.h"
+#include "fields.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -33,16 +34,6 @@ constexpr std::string_view kInterfaceTypes[] = {
 template <std::size_t kSize>
 bool IsOneOf(const std::string_view (&types)[kSize], const std::string& type) {
   return std::find(std::begin(types), std::end(types), type) != std::end(types);
-}
-
-std::vector<std::string_view> WordsOf(std::string_view line, std::string_view separators) {
-  std::vector<std::string_view> words;
-  while (!line.empty()) {
-    const std::size_t end = std::min(line.find_first_of(separators), line.size());
-    if (end != 0) words.push_back(line.substr(0, end));
-    line.remove_prefix(std::min(end + 1, line.size()));
-  }
-  return words;
 }
 
 bool IsOctal(std::string_view digits) {
@@ -114,7 +105,7 @@ std::map<std::string, TMount> ParseTable(std::string_view table, TParse parse) {
   std::map<std::string, TMount> mounts;
   std::set<std::string> uncertain;
   while (!table.empty()) {
-    std::optional<TMount> mount = parse(MountWordsOf(TakeLine(table)));
+    std::optional<TMount> mount = parse(WordsOf(TakeLine(table)));
     if (!mount || IsOneOf(kInterfaceTypes, mount->fType)) continue;
     if (!IsOneOf(kLocalTypes, mount->fType)) uncertain.insert(mount->fPath);
     const std::string key = PrintableText(mount->fPath);
@@ -147,8 +138,6 @@ std::string UnescapeMount(std::string_view word) {
   }
   return text;
 }
-
-std::vector<std::string_view> MountWordsOf(std::string_view line) { return WordsOf(line, " \t"); }
 
 bool HasMountOption(std::string_view options, std::string_view option) {
   const std::vector<std::string_view> all = WordsOf(options, ",");

@@ -6,7 +6,6 @@
 #include <map>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace NVORNQDX20 {
 
@@ -36,9 +35,6 @@ bool IsRemoteType(const std::string& type);
 
 /// Decodes blanks, tabs, line ends and backslashes, written as a backslash and three octal digits.
 std::string UnescapeMount(std::string_view word);
-
-/// Returns the words of a line of a table that has blanks between them, still escaped.
-std::vector<std::string_view> MountWordsOf(std::string_view line);
 
 /// Returns whether the comma-separated options have this one.
 bool HasMountOption(std::string_view options, std::string_view option);

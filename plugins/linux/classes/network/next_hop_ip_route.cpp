@@ -37,23 +37,26 @@ constexpr TProtocol kProtocols[] = {{RTPROT_UNSPEC, 0, ""},   {RTPROT_REDIRECT, 
                                     {RTPROT_ISIS, 10, ""},    {RTPROT_OSPF, 11, ""},
                                     {RTPROT_RIP, 6, ""},      {RTPROT_EIGRP, 5, ""}};
 
-/// Tables do not tell who made a route; one without a next hop leads to a connected network.
-std::uint16_t Derivation(const TRoute& route) {
-  const auto* const known =
+/// Null for a protocol that has no agreed number.
+const TProtocol* FindProtocol(const TRoute& route) {
+  const auto* const found =
       std::find_if(std::begin(kProtocols), std::end(kProtocols),
                    [&route](const TProtocol& each) { return each.fNumber == route.fProtocol; });
-  if (known == std::end(kProtocols)) return 1;
+  return found == std::end(kProtocols) ? nullptr : found;
+}
+
+/// Tables do not tell who made a route; one without a next hop leads to a connected network.
+std::uint16_t Derivation(const TRoute& route) {
+  const TProtocol* const known = FindProtocol(route);
+  if (known == nullptr) return 1;
   if (known->fDerivation == 0 && route.fNextHop.empty() && !route.fPort.empty()) return 2;
   return known->fDerivation;
 }
 
 std::string OtherDerivation(const TRoute& route) {
   if (Derivation(route) != 1) return {};
-  const auto* const known =
-      std::find_if(std::begin(kProtocols), std::end(kProtocols),
-                   [&route](const TProtocol& each) { return each.fNumber == route.fProtocol; });
-  return known == std::end(kProtocols) ? "protocol " + std::to_string(route.fProtocol)
-                                       : known->fOther;
+  const TProtocol* const known = FindProtocol(route);
+  return known == nullptr ? "protocol " + std::to_string(route.fProtocol) : known->fOther;
 }
 
 /// What tells a route from all others.

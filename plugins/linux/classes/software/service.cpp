@@ -53,7 +53,7 @@ std::string Program(const TServiceUnit& unit) {
   return unit.fIsScript ? unit.fPath : unit.fSettings.GetProgram("Service", "ExecStart");
 }
 
-TReading<std::vector<TInstanceName>> ListServiceNames(const THost& host) {
+std::vector<TInstanceName> ListServiceNames(const THost& host) {
   std::vector<TInstanceName> names;
   const auto& units = host.Shared<TServiceUnits>();
   names.reserve(units.fAll.size());

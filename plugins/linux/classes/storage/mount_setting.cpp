@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "sources/fields.h"
 #include "sources/storage/credentials.h"
 #include "sources/storage/mounts.h"
 #include "storage_extent.h"
@@ -27,7 +28,7 @@ TInstances<TSetting> ListSettings(const THost& host) {
   if (!table) return Missing(table.GetReason());
   TInstances<TSetting> settings;
   for (std::string_view lines = *table; !lines.empty();) {
-    const std::vector<std::string_view> words = MountWordsOf(TakeLine(lines));
+    const std::vector<std::string_view> words = WordsOf(TakeLine(lines));
     if (words.size() < 3 || words[0].front() == '#') continue;
     const auto word = [&words](std::size_t index, const char* otherwise) {
       return index < words.size() ? std::string(words[index]) : std::string(otherwise);

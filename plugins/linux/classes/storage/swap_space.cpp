@@ -3,7 +3,7 @@
 #include <qdxcore/schema_helper.h>
 
 #include "classes/catalogue.h"
-#include "sources/mount_table.h"
+#include "sources/fields.h"
 #include "sources/storage/mounts.h"
 
 namespace NVORNQDX20 {
@@ -31,7 +31,7 @@ TInstances<TSwap> ListSwaps(const THost& host) {
   std::string_view lines = *table;
   TakeLine(lines);
   while (!lines.empty()) {
-    const std::vector<std::string_view> words = MountWordsOf(TakeLine(lines));
+    const std::vector<std::string_view> words = WordsOf(TakeLine(lines));
     if (words.size() < 5) continue;
     swaps.fAll.push_back({PrintableText(UnescapeMount(words[0])), PrintableText(words[1]),
                           bytes(words[2]), bytes(words[3]),

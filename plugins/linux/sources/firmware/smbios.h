@@ -106,11 +106,7 @@ class TSMBIOS {
 /// Reads the table of the kernel, or its single structures if the kernel is older than the table.
 TReading<TSMBIOS> ReadSMBIOS(const TFiles& files);
 
-// Readers of rows. The source is derived from TSMBIOSStructure.
-template <typename T>
-auto SMBIOSNumber(std::size_t offset) {
-  return [offset](const TSMBIOSStructure& structure) { return structure.ReadNumber<T>(offset); };
-}
+// A reader of rows. The source is derived from TSMBIOSStructure.
 inline auto SMBIOSString(std::size_t offset) {
   return [offset](const TSMBIOSStructure& structure) { return structure.ReadString(offset); };
 }

@@ -10,6 +10,7 @@
 #include <sys/socket.h>
 
 #include "netlink.h"
+#include "sources/fields.h"
 #include "tables.h"
 
 namespace NVORNQDX20 {

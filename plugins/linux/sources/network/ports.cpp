@@ -272,14 +272,6 @@ class TDriverVersions {
   mutable std::map<std::string, TText> fVersions;
 };
 
-/// Copies of a tree can lack the links.
-TText DriverOf(const TFiles& device) {
-  const TText link = device.ReadLink("driver");
-  if (link) return link->substr(link->rfind('/') + 1);
-  const TText named = TFields("uevent", device.Read("uevent"), '=').Get("DRIVER");
-  return named ? named : link;
-}
-
 }  // namespace
 
 std::map<std::string, TCounters, std::less<>> ParseDeviceTable(std::string_view table) {
@@ -349,10 +341,10 @@ void ReadDriver(const THost& host, const TFiles& files, TPort& port) {
     port.fDriverVersion = std::string();
     return;
   }
-  port.fDriver = DriverOf(files.In("device"));
+  port.fDriver = ReadDriverOf(files.In("device"));
   // The device of an adapter's port can be a part of the PCI function.
   if (!port.fDriver && !port.fPCIFunction.empty()) {
-    const TText driver = DriverOf(host.In("/sys/bus/pci/devices").In(port.fPCIFunction));
+    const TText driver = ReadDriverOf(host.In("/sys/bus/pci/devices").In(port.fPCIFunction));
     if (driver) port.fDriver = driver;
   }
   port.fDriverVersion = port.fDriver.and_then(

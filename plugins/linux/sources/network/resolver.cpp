@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "resolver.h"
 
+#include "sources/fields.h"
 #include "tables.h"
 
 namespace NVORNQDX20 {

@@ -30,17 +30,6 @@ bool IsNetTableAbsent(const THost& host, const std::string& name) {
   return isAbsent(FindNetTable(host, name)) && !isAbsent(FindNetTable(host, "route"));
 }
 
-std::vector<std::string_view> WordsOf(std::string_view line) {
-  std::vector<std::string_view> words;
-  words.reserve(11);  // the columns of /proc/net/route
-  while (!line.empty()) {
-    const std::size_t end = std::min(line.find_first_of(" \t"), line.size());
-    if (end != 0) words.push_back(line.substr(0, end));
-    line.remove_prefix(std::min(end + 1, line.size()));
-  }
-  return words;
-}
-
 std::optional<std::uint64_t> ParseHex(std::string_view digits) {
   std::uint64_t number = 0;
   const char* const end = digits.data() + digits.size();

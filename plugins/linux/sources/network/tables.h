@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Tables of the kernel below /proc/net, and the words of their lines.
+/// Tables of the kernel below /proc/net, and the addresses in them.
 #ifndef PLUGINS_LINUX_SOURCES_NETWORK_TABLES_H_
 #define PLUGINS_LINUX_SOURCES_NETWORK_TABLES_H_
 
@@ -7,7 +7,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "sources/host.h"
 
@@ -23,9 +22,6 @@ TText ReadNetTable(const THost& host, const std::string& name);
 /// Returns whether the kernel has no such table, for example because IPv6 is switched off, while it
 /// has the table "route".
 bool IsNetTableAbsent(const THost& host, const std::string& name);
-
-/// Returns the words between blanks and tabs.
-std::vector<std::string_view> WordsOf(std::string_view line);
 
 /// Parses hexadecimal digits without "0x", which fit in 64 bits.
 std::optional<std::uint64_t> ParseHex(std::string_view digits);

@@ -3,8 +3,7 @@
 
 #include <unordered_set>
 
-#include "sources/mount_table.h"
-#include "sources/reading.h"
+#include "sources/fields.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -31,7 +30,7 @@ std::vector<TListedDevice> ParsePartitions(std::string_view list) {
   std::unordered_set<std::string> names;
   while (!list.empty()) {
     // Major and minor number, size in KiB, name. The first line has their names.
-    const std::vector<std::string_view> words = MountWordsOf(TakeLine(list));
+    const std::vector<std::string_view> words = WordsOf(TakeLine(list));
     if (words.size() != 4 || !ParseNumber(words[0]) || !ParseNumber(words[1])) continue;
     const TNumber size = Scaled(ToNumber(TText(std::string(words[2])), ""), 1024);
     std::string name(words[3]);
