@@ -25,11 +25,13 @@ TInstances<TBondGroup> ListBonds(const THost& host) {
   return bonds;
 }
 
-std::vector<std::string> Members(const TBondGroup& bond) {
-  std::vector<std::string> members;
-  members.reserve(bond.fMembers.size());
-  for (const TBondMember& member : bond.fMembers) members.push_back(member.fPort);
-  return members;
+TReading<std::vector<std::string>> Members(const TBondGroup& bond) {
+  return bond.fMembers.map([](const std::vector<TBondMember>& members) {
+    std::vector<std::string> ports;
+    ports.reserve(members.size());
+    for (const TBondMember& member : members) ports.push_back(member.fPort);
+    return ports;
+  });
 }
 
 }  // namespace

@@ -7,7 +7,7 @@ namespace NVORNQDX20 {
 namespace {
 
 struct TBridge : TPortGroup, TFiles {
-  std::vector<std::string> fMembers;
+  TReading<std::vector<std::string>> fMembers;
 };
 
 TInstances<TBridge> ListBridges(const THost& host) {

@@ -24,11 +24,11 @@ struct TBridges {
     for (const TPort& port : host.Shared<TPorts>().fAll.fAll) {
       if (port.fKind != "bridge") continue;
       const TFiles files = host.In("/sys/class/net").In(port.fInterface);
-      fMembers.emplace(port.fInterface, files.List("brif").ValueOr({}));
+      fMembers.emplace(port.fInterface, files.List("brif"));
     }
   }
 
-  std::map<std::string, std::vector<std::string>> fMembers;
+  std::map<std::string, TReading<std::vector<std::string>>> fMembers;
 };
 
 TInstanceName InstanceOf(const TPorts& ports, const std::string& interface) {
@@ -38,9 +38,11 @@ TInstanceName InstanceOf(const TPorts& ports, const std::string& interface) {
 
 TInstances<TMembership> ListMembers(const THost& host) {
   const TPorts& ports = host.Shared<TPorts>();
-  TInstances<TMembership> members;
-  for (const TBond& bond : host.Shared<TBonds>().fAll.fAll) {
-    for (const TBondMember& member : bond.fMembers) {
+  const TInstances<TBond>& bonds = host.Shared<TBonds>().fAll;
+  TInstances<TMembership> members({}, bonds.fReason);
+  for (const TBond& bond : bonds.fAll) {
+    if (!bond.fMembers) members.Miss(bond.fMembers.GetReason());
+    for (const TBondMember& member : bond.fMembers.ValueOr({})) {
       members.fAll.push_back({{kPortGroupClassName, bond.fName},
                               InstanceOf(ports, member.fPort),
                               member.fMIIStatus,
@@ -48,7 +50,8 @@ TInstances<TMembership> ListMembers(const THost& host) {
     }
   }
   for (const auto& [bridge, interfaces] : host.Shared<TBridges>().fMembers) {
-    for (const std::string& member : interfaces) {
+    if (!interfaces) members.Miss(interfaces.GetReason());
+    for (const std::string& member : interfaces.ValueOr({})) {
       members.fAll.push_back({{kPortGroupClassName, bridge},
                               InstanceOf(ports, member),
                               std::string(),
@@ -70,10 +73,8 @@ THostTable<TPortGroup> PortGroupTable() {
 
 TClass LogicalPortGroupClass() { return PortGroupTable(); }
 
-std::vector<std::string> MembersOfBridge(const THost& host, const std::string& bridge) {
-  const auto& members = host.Shared<TBridges>().fMembers;
-  const auto found = members.find(bridge);
-  return found == members.end() ? std::vector<std::string>() : found->second;
+TReading<std::vector<std::string>> MembersOfBridge(const THost& host, const std::string& bridge) {
+  return host.Shared<TBridges>().fMembers.at(bridge);
 }
 
 TClass MemberOfPortGroupClass() {

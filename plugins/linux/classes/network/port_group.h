@@ -20,7 +20,7 @@ inline constexpr const char* kPortGroupClassName = "VORNSG_LogicalPortGroup";
 THostTable<TPortGroup> PortGroupTable();
 
 /// Returns the members of a bridge.
-std::vector<std::string> MembersOfBridge(const THost& host, const std::string& bridge);
+TReading<std::vector<std::string>> MembersOfBridge(const THost& host, const std::string& bridge);
 
 }  // namespace NVORNQDX20
 

@@ -12,25 +12,27 @@
 namespace NVORNQDX20 {
 namespace {
 
-std::vector<TTie> ListMedia(const THost& host) {
-  std::vector<TTie> ties;
-  for (const TBlockDevice& device : host.Shared<TBlockDevices>().All()) {
+TInstances<TTie> ListMedia(const THost& host) {
+  const auto& devices = host.Shared<TBlockDevices>();
+  TInstances<TTie> ties({}, devices.GetReason());
+  for (const TBlockDevice& device : devices.All()) {
     if (device.fKind != EBlockKind::kDrive || !IsExtent(device)) continue;
-    ties.push_back({DriveName(device), ExtentName(device)});
+    ties.fAll.push_back({DriveName(device), ExtentName(device)});
   }
   return ties;
 }
 
-std::vector<TTie> ListBases(const THost& host) {
+TInstances<TTie> ListBases(const THost& host) {
   const auto& devices = host.Shared<TBlockDevices>();
-  std::vector<TTie> ties;
+  TInstances<TTie> ties({}, devices.GetReason());
   for (const TBlockDevice& device : devices.All()) {
-    std::vector<std::string> bases = device.fSlaves;
+    if (device.fSlaves.GetReason().IsError()) ties.Miss(device.fSlaves.GetReason());
+    std::vector<std::string> bases = device.fSlaves.ValueOr({});
     if (device.fKind == EBlockKind::kPartition) bases = {device.fDiskName};
     for (const std::string& name : bases) {
       const TBlockDevice* const base = devices.Find(name);
       if (base == nullptr || !IsExtent(*base) || !IsExtent(device)) continue;
-      ties.push_back({ExtentName(*base), ExtentName(device)});
+      ties.fAll.push_back({ExtentName(*base), ExtentName(device)});
     }
   }
   return ties;
@@ -45,16 +47,19 @@ std::string NamespaceOf(const std::string& path) {
 }
 
 /// The folder of a controller has those of its namespaces.
-std::vector<TTie> ListControlled(const THost& host) {
+TInstances<TTie> ListControlled(const THost& host) {
   const auto& devices = host.Shared<TBlockDevices>();
   const TFiles folder = host.In("/sys/class/nvme");
-  std::vector<TTie> ties;
-  for (const std::string& controller : folder.List().ValueOr({})) {
-    for (const std::string& file : folder.List(controller).ValueOr({})) {
+  const auto controllers = folder.List();
+  TInstances<TTie> ties({}, controllers.GetReason());
+  for (const std::string& controller : controllers.ValueOr({})) {
+    const auto files = folder.List(controller);
+    if (!files) ties.Miss(files.GetReason());
+    for (const std::string& file : files.ValueOr({})) {
       if (!boost::algorithm::starts_with(file, "nvme")) continue;
       const TBlockDevice* const drive = devices.Find(NamespaceOf(file));
       if (drive == nullptr || drive->fKind != EBlockKind::kDrive) continue;
-      ties.push_back({{"VORNSG_NVMeController", "/dev/" + controller}, DriveName(*drive)});
+      ties.fAll.push_back({{"VORNSG_NVMeController", "/dev/" + controller}, DriveName(*drive)});
     }
   }
   return ties;

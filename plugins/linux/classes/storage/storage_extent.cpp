@@ -22,7 +22,8 @@ TInstances<TExtent> List(const THost& host, const std::function<bool(const TBloc
 }
 
 /// The word before the dash: "lvm" of "LVM-...", "crypt" of "CRYPT-...", "mpath".
-std::string MapperKind(const TBlockDevice& device) {
+TText MapperKind(const TBlockDevice& device) {
+  if (device.fMapperUUID.GetReason().IsError()) return device.fMapperUUID;
   const std::string uuid = device.fMapperUUID.ValueOr("");
   std::string kind = uuid.substr(0, uuid.find('-'));
   std::transform(kind.begin(), kind.end(), kind.begin(), [](char letter) {
@@ -32,14 +33,15 @@ std::string MapperKind(const TBlockDevice& device) {
 }
 
 /// As lsblk(8) names it, and for what that has no name the name of the driver.
-std::string ReadKind(const TBlockDevice& device) {
+TText ReadKind(const TBlockDevice& device) {
   switch (device.fKind) {
     case EBlockKind::kPartition:
       return "part";
     case EBlockKind::kDeviceMapper:
       return MapperKind(device);
     case EBlockKind::kRAID:
-      return device.fLevel.ValueOr("md");
+      return device.fLevel.GetReason().IsError() ? device.fLevel
+                                                 : TText(device.fLevel.ValueOr("md"));
     case EBlockKind::kLoop:
       return "loop";
     case EBlockKind::kDrive:

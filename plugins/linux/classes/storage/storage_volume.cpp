@@ -12,7 +12,7 @@ namespace NVORNQDX20 {
 namespace {
 
 struct TArray : TExtent {
-  std::map<std::string, std::string> fStates;  ///< By the kernel's name of the member.
+  TReading<std::map<std::string, TText>> fStates;  ///< By the kernel's name of the member.
   TReading<std::uint32_t> fMemberCount;
   TReading<std::uint32_t> fDegraded;
 };
@@ -25,32 +25,52 @@ TReading<std::uint32_t> ReadMemberCount(const TFiles& array) {
   return ToNumber<std::uint32_t>(count, array.PathOf("md/raid_disks"));
 }
 
+TReading<std::map<std::string, TText>> ReadStates(const TFiles& array) {
+  return array.List("md").map([&array](const std::vector<std::string>& files) {
+    constexpr std::string_view kPrefix = "dev-";
+    std::map<std::string, TText> states;
+    for (const std::string& file : files) {
+      if (!boost::algorithm::starts_with(file, kPrefix)) continue;
+      states.emplace(file.substr(kPrefix.size()), array.ReadLine("md/" + file + "/state"));
+    }
+    return states;
+  });
+}
+
 TInstances<TArray> ListArrays(const THost& host) {
   const TInstances<TExtent> extents = ExtentsOf(EBlockKind::kRAID)(host);
-  TInstances<TArray> arrays;
-  arrays.fReason = extents.fReason;
-  constexpr std::string_view kPrefix = "dev-";
+  TInstances<TArray> arrays({}, extents.fReason);
+  arrays.fAll.reserve(extents.fAll.size());
   for (const TExtent& extent : extents.fAll) {
-    TArray array{extent, {}, ReadMemberCount(extent), {}};
-    array.fDegraded = extent.ReadNumber<std::uint32_t>("md/degraded");
-    for (const std::string& file : extent.List("md").ValueOr({})) {
-      if (!boost::algorithm::starts_with(file, kPrefix)) continue;
-      std::string state = extent.ReadLine("md/" + file + "/state").ValueOr("");
-      array.fStates.emplace(file.substr(kPrefix.size()), std::move(state));
-    }
-    arrays.fAll.push_back(std::move(array));
+    arrays.fAll.push_back({extent, ReadStates(extent), ReadMemberCount(extent),
+                           extent.ReadNumber<std::uint32_t>("md/degraded")});
   }
   return arrays;
 }
 
-/// Returns the reader of the members whose state has the word, or of all for an empty word.
-auto Members(const char* word) {
-  return [word](const TArray& array) {
-    std::vector<std::string> members;
-    for (const auto& [name, state] : array.fStates) {
-      if (state.find(word) != std::string::npos) members.push_back(name);
-    }
+using TNames = std::vector<std::string>;
+
+TReading<TNames> Members(const TArray& array) {
+  return array.fStates.map([](const std::map<std::string, TText>& states) {
+    TNames members;
+    members.reserve(states.size());
+    for (const auto& member : states) members.push_back(member.first);
     return members;
+  });
+}
+
+/// Returns the reader of the members whose state has the word.
+auto MembersThatAre(const char* word) {
+  return [word](const TArray& array) {
+    using TStates = std::map<std::string, TText>;
+    return array.fStates.and_then([word](const TStates& states) -> TReading<TNames> {
+      TNames members;
+      for (const auto& [name, state] : states) {
+        if (!state) return Missing(state.GetReason());
+        if (state->find(word) != std::string::npos) members.push_back(name);
+      }
+      return members;
+    });
   };
 }
 
@@ -103,9 +123,9 @@ TClass StorageVolumeClass() {
         kVolatile},
        {"NumberOfMembers", "The disks that it has if it is complete.", &TArray::fMemberCount},
        {"Degraded", "How many of these disks are missing.", &TArray::fDegraded},
-       {"Members", "The block devices that it has now.", Members("")},
-       {"FailedMembers", "Those that the kernel no longer uses.", Members("faulty")},
-       {"SpareMembers", "Those that wait for another to fail.", Members("spare")},
+       {"Members", "The block devices that it has now.", Members},
+       {"FailedMembers", "Those that the kernel no longer uses.", MembersThatAre("faulty")},
+       {"SpareMembers", "Those that wait for another to fail.", MembersThatAre("spare")},
        {"PackageRedundancy", "How many disks can still fail without a loss of data.",
         PackageRedundancyOf},
        {"NoSinglePointOfFailure", "Whether one disk can still fail without a loss of data.",

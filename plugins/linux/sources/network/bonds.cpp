@@ -58,13 +58,18 @@ TBond ReadSysfs(const THost& host, const std::string& name) {
   bond.fMIIPollingInterval = bonding.ReadNumber<std::uint32_t>("miimon");
   bond.fHashPolicy = FirstWord(ReadOptional(bonding, "xmit_hash_policy"));
   bond.fPartner = ReadOptional(bonding, "ad_partner_mac").map(AddressDigits);
-  const std::string members = ReadOptional(bonding, "slaves").ValueOr("");
-  for (const std::string_view member : WordsOf(members)) {
-    const TFiles slave = host.In("/sys/class/net").In(std::string(member)).In("bonding_slave");
-    bond.fMembers.push_back({std::string(member), slave.ReadLine("mii_status"),
-                             slave.ReadNumber("link_failure_count"),
-                             AddressDigits(slave.ReadLine("perm_hwaddr").ValueOr(""))});
-  }
+  bond.fMembers = ReadOptional(bonding, "slaves").map([&host](const std::string& names) {
+    const std::vector<std::string_view> words = WordsOf(names);
+    std::vector<TBondMember> members;
+    members.reserve(words.size());
+    for (const std::string_view member : words) {
+      const TFiles slave = host.In("/sys/class/net").In(std::string(member)).In("bonding_slave");
+      members.push_back({std::string(member), slave.ReadLine("mii_status"),
+                         slave.ReadNumber("link_failure_count"),
+                         AddressDigits(slave.ReadLine("perm_hwaddr").ValueOr(""))});
+    }
+    return members;
+  });
   return bond;
 }
 
@@ -76,14 +81,15 @@ TBond ReadBond(const THost& host, const std::string& name) {
 }
 
 /// The folder of bonds tells them in a tree that has no sysfs.
-std::vector<std::string> NamesOfBonds(const THost& host) {
+TReading<std::vector<std::string>> NamesOfBonds(const THost& host) {
   std::vector<std::string> names;
   for (const TPort& port : host.Shared<TPorts>().fAll.fAll) {
     if (port.fKind == "bond") names.push_back(port.fInterface);
   }
   if (!names.empty()) return names;
-  const TText folder = FindNetTable(host, "bonding");
-  return folder ? host.List(*folder).ValueOr({}) : names;
+  return FindNetTable(host, "bonding").and_then([&host](const std::string& folder) {
+    return host.List(folder);
+  });
 }
 
 }  // namespace
@@ -101,26 +107,29 @@ TBond ParseBond(const std::string& name, const std::string& source, std::string_
   bond.fHashPolicy = FirstWord(own.Get("Transmit Hash Policy"));
   bond.fPartner = own.Get("Partner Mac Address").map(AddressDigits);
   text.remove_prefix(first.size());
+  std::vector<TBondMember> members;
   while (!text.empty()) {
     text.remove_prefix(1);
     const std::string_view section = text.substr(0, text.find("\nSlave Interface:"));
     const TFields member(source, section, ':');
     const TText port = member.Get("Slave Interface");
     if (port) {
-      bond.fMembers.push_back({*port, member.Get("MII Status"),
-                               member.GetNumber("Link Failure Count"),
-                               AddressDigits(member.Get("Permanent HW addr").ValueOr(""))});
+      members.push_back({*port, member.Get("MII Status"), member.GetNumber("Link Failure Count"),
+                         AddressDigits(member.Get("Permanent HW addr").ValueOr(""))});
     }
     text.remove_prefix(section.size());
   }
+  bond.fMembers = std::move(members);
   return bond;
 }
 
 TBonds::TBonds(const THost& host) {
-  for (const std::string& name : NamesOfBonds(host)) {
+  fAll.fReason = host.Shared<TPorts>().fAll.fReason;
+  const auto names = NamesOfBonds(host);
+  if (names.GetReason().IsError()) fAll.Miss(names.GetReason());
+  for (const std::string& name : names.ValueOr({})) {
     if (PrintableText(name) == name) fAll.fAll.push_back(ReadBond(host, name));
   }
-  if (fAll.fAll.empty()) fAll.fReason = host.Shared<TPorts>().fAll.fReason;
 }
 
 }  // namespace NVORNQDX20

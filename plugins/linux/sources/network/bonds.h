@@ -27,7 +27,7 @@ struct TBond {
   TReading<std::uint32_t> fMIIPollingInterval;  ///< In milliseconds.
   TText fHashPolicy;
   TText fPartner;  ///< The address of the other end, as hexadecimal digits.
-  std::vector<TBondMember> fMembers;
+  TReading<std::vector<TBondMember>> fMembers;
 };
 
 /// The names of the modes, by their numbers.

@@ -74,7 +74,7 @@ TBlockDevice MakeDevice(const THost& host, const TFiles& folder, const TFiles& d
           {},
           folder.ReadFlag("ro"),
           {},
-          {},
+          std::vector<std::string>(),
           Missing("not of the device mapper"),
           Missing("not of the device mapper"),
           Missing("not an array"),
@@ -91,14 +91,16 @@ TBlockDevice MakeListed(const THost& host, const TListedDevice& listed) {
       isPartition ? EBlockKind::kPartition : KindOf(name, folder).ValueOr(EBlockKind::kOther);
   TBlockDevice device = MakeDevice(host, folder, disk, name, kind);
   device.fBlockSize = Missing("sysfs does not have the device");
+  device.fSlaves = Missing("sysfs does not have the device");
   device.fDiskName = listed.fDisk;
   return device;
 }
 
-std::vector<std::string> ListSlaves(const TBlockDevice& device) {
-  std::vector<std::string> slaves = device.List("slaves").ValueOr({});
-  for (std::string& slave : slaves) slave = KernelNameOf(std::move(slave));
-  return slaves;
+TReading<std::vector<std::string>> ListSlaves(const TBlockDevice& device) {
+  return device.List("slaves").map([](std::vector<std::string> slaves) {
+    for (std::string& slave : slaves) slave = KernelNameOf(std::move(slave));
+    return slaves;
+  });
 }
 
 /// The sources of a mount or of a line of fstab that can name the device.
@@ -185,8 +187,12 @@ void TBlockDevices::AddDisk(const THost& host, const std::string& name) {
   if (device.fKind == EBlockKind::kRAID) device.fLevel = folder.ReadLine("md/level");
   if (device.fKind != EBlockKind::kDrive) device.fSlaves = ListSlaves(device);
   fAll.push_back(device);
-  if (device.fKind != EBlockKind::kDeviceMapper) {
-    AddPartitions(host, device, folder.List().ValueOr({}));
+  if (device.fKind == EBlockKind::kDeviceMapper) return;
+  const auto files = folder.List();
+  if (files) {
+    AddPartitions(host, device, *files);
+  } else {
+    fReason.Add(files.GetReason());
   }
 }
 
@@ -197,7 +203,10 @@ void TBlockDevices::AddPartitions(const THost& host, const TBlockDevice& disk,
     const bool mayBePartition = name.size() > disk.fKernelName.size() &&
                                 starts_with(KernelNameOf(name), disk.fKernelName) &&
                                 PrintableText(name) == name;
-    if (!mayBePartition || disk.In(name).IsAbsent("partition")) continue;
+    if (!mayBePartition) continue;
+    const TReading<bool> isPartition = disk.In(name).Exists("partition");
+    if (!isPartition) fReason.Add(isPartition.GetReason());
+    if (!isPartition.ValueOr(false)) continue;
     TBlockDevice partition = MakeDevice(host, disk.In(name), disk, name, EBlockKind::kPartition);
     partition.fBlockSize = disk.fBlockSize;
     partition.fDiskName = disk.fKernelName;

@@ -32,11 +32,11 @@ struct TBlockDevice : TFiles {
   TNumber fSize;       ///< In bytes. Of a drive: the size of its medium.
   TNumber fBlockSize;  ///< The smallest block that can be addressed, in bytes.
   TReading<bool> fReadOnly;
-  std::string fDiskName;             ///< Of a partition: the kernel's name of the disk.
-  std::vector<std::string> fSlaves;  ///< The kernel's names of what it is made of.
-  TText fMapperName;                 ///< Of the device mapper, for example "vg0-root".
-  TText fMapperUUID;                 ///< Of the device mapper, for example "LVM-...".
-  TText fLevel;                      ///< Of an array, for example "raid1".
+  std::string fDiskName;                       ///< Of a partition: the kernel's name of the disk.
+  TReading<std::vector<std::string>> fSlaves;  ///< The kernel's names of what it is made of.
+  TText fMapperName;                           ///< Of the device mapper, for example "vg0-root".
+  TText fMapperUUID;                           ///< Of the device mapper, for example "LVM-...".
+  TText fLevel;                                ///< Of an array, for example "raid1".
   TUdevData fUdev;
 
   /// Returns whether there is no medium in it, or a loop device has no file.

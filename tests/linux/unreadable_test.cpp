@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+// Where something may not be read, no value looks as if it had been: it is missing, with the
+// reason.
+#include "linux/machine.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+const char* const kFiles = R"(
+boot: vmlinuz-6.1.0=
+lib/modules: 6.1.0/x=
+usr/lib/sysimage: rpm/x=
+usr/lib/systemd/system: a.service=[Unit]; a.service.d/1.conf=[Service]; x.target.wants/y=
+usr/lib/systemd/system: b.socket=[Socket]
+etc/systemd/system: c.service.d/1.conf=[Service]
+etc: init.d/old=; rc3.d/K01old=
+proc/1: cgroup=0::/in; stat=1; environ=
+sys/fs/cgroup: cgroup.controllers=cpu; memory.max=max; pids.max=7; cpuset.cpus.effective=0
+sys/fs/cgroup/in: cpuset.cpus.effective=0; memory.max=max
+run/systemd: container=lxc
+proc: cpuinfo=processor : 0
+proc/bus/pci: devices=0000 80861237 0
+sys/class/dmi/id: product_name=Machine
+sys/class/net/bond0: type=1; bonding/slaves=eth0; uevent=DEVTYPE=bond
+sys/class/net/br0: type=1; brif/eth1/x=; uevent=DEVTYPE=bridge
+sys/class/net/eth0: type=1; ifalias=uplink; device/uevent=DRIVER=d
+sys/block/sda: dev=8:0; size=8; removable=0; sda1/partition=1; sda1/size=2; queue/rotational=0
+sys/block/sda: device/model=M; device/vpd_pg89=; device/vpd_pgb1=
+run/udev/data: b8:0=E:ID_SERIAL=S
+sys/block/dm-0: dev=253:0; size=8; slaves/sda/x=; dm/uuid=CRYPT-u
+sys/block/md5: dev=9:5; size=8; md/level=raid1; md/dev-sdx/state=in_sync
+sys/class/nvme/nvme0: nvme0n1/x=; hwmon/hwmon6/x=
+sys/devices/pci0/nvme/nvme0/hwmon/hwmon6: name=nvme; temp1_input=43850; temp1_fault=0
+sys/class/thermal/thermal_zone0: type=acpitz; trip_point_0_type=hot; trip_point_0_temp=90000
+sys/class/thermal/thermal_zone0: trip_point_1_type=passive; trip_point_1_temp=80000
+sys/class/power_supply/BAT0: type=Battery; status=Charging; capacity_level=Low
+sys/devices/system/edac/mc/mc0: dimm0/size=8
+sys/devices/system/edac/mc: mc1/dimm0/size=8
+sys/devices/system/cpu: present=0; online=0; cpu0/topology/physical_package_id=0
+sys/devices/system/cpu: cpu0/topology/core_id=0; cpu0/topology/core_cpus_list=0
+sys/devices/system/node/node0: cpulist=0
+)";
+
+TEST(LinuxUnreadable, IsNotTakenForSomethingElse) {
+  const TMachine machine;
+  machine.WriteFiles(kFiles);
+  std::filesystem::create_directories(machine.Path() / "sys/class/hwmon");
+  std::filesystem::create_symlink("../../devices/pci0/nvme/nvme0/hwmon/hwmon6",
+                                  machine.Path() / "sys/class/hwmon/hwmon6");
+  ExpectDenied(machine, {{"sys/class/net/bond0/bonding/slaves", "bond0Members"},
+                         {"sys/class/net/bond0/bonding/slaves", "VORNSG_MemberOfPortGroup"},
+                         {"sys/class/net/br0/brif", "br0Members"},
+                         {"sys/class/net/br0/brif", "VORNSG_MemberOfPortGroup"},
+                         {"sys/class/net/eth0/device/uevent", "eth0Driver"},
+                         {"sys/block/sda", "VORNSG_DiskPartition"},
+                         {"sys/block/sda/sda1", "VORNSG_DiskPartition"},
+                         {"sys/block/dm-0/slaves", "/dev/dm-0Members"},
+                         {"sys/block/dm-0/slaves", "VORNSG_BasedOn"},
+                         {"sys/block/dm-0/dm/uuid", "/dev/dm-0Kind"},
+                         {"sys/block/md5/md", "/dev/md5Members"},
+                         {"sys/block/md5/md/dev-sdx/state", "/dev/md5FailedMembers"},
+                         {"sys/class/nvme", "VORNSG_ControlledBy"},
+                         {"sys/class/nvme/nvme0", "VORNSG_ControlledBy"},
+                         {"sys/class/nvme", "VORNSG_AssociatedSensor"}});
+}
+
+}  // namespace
+}  // namespace NVORNQDX20
