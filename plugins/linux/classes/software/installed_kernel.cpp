@@ -12,15 +12,15 @@ namespace {
 /// Kernels by their releases, as in "6.1.0-18-amd64".
 struct TKernel {
   std::string fRelease;
-  std::string fImage;
-  std::string fInitialFiles;
-  std::string fModules;
+  TText fImage = std::string();
+  TText fInitialFiles = std::string();
+  TText fModules = std::string();
 };
 
 struct TImage {
   const char* fBeginning;
   const char* fEnd;
-  std::string TKernel::*fPlace;
+  TText TKernel::*fPlace;
 };
 
 /// How distributions name the files of a kernel in /boot.
@@ -42,8 +42,8 @@ void AddImage(const std::string& folder, const std::string& name, TKernels& kern
     }
     const std::size_t begin = std::string_view(beginning).size();
     const std::size_t size = name.size() - begin - std::string_view(end).size();
-    std::string& path = kernels[name.substr(begin, size)].*place;
-    if (path.empty()) path = folder + "/" + name;
+    TText& path = kernels[name.substr(begin, size)].*place;
+    if (path->empty()) path = folder + "/" + name;
     return;
   }
 }
@@ -54,25 +54,28 @@ TInstances<TKernel> ListKernels(const THost& host) {
   TInstances<TKernel> all;
   const char* const boot = "/boot";
   const auto images = host.List(boot);
-  if (images) {
-    for (const std::string& name : *images) AddImage(boot, name, kernels);
-  }
-  const std::string modules = host.FirstOf({"/lib/modules", "/usr/lib/modules"}).ValueOr("");
-  const auto releases = host.List(modules.empty() ? "/lib/modules" : modules);
-  if (releases) {
-    for (const std::string& name : *releases) kernels[name].fModules = modules + "/" + name;
+  for (const std::string& name : images.ValueOr({})) AddImage(boot, name, kernels);
+  const TText modules = host.FirstOf({"/lib/modules", "/usr/lib/modules"});
+  const auto releases =
+      modules.and_then([&](const std::string& folder) { return host.List(folder); });
+  for (const std::string& name : releases.ValueOr({})) {
+    kernels[name].fModules = *modules + "/" + name;
   }
   for (auto& [release, kernel] : kernels) {
     // A key must be printable.
-    if (PrintableText(release) != release || (kernel.fImage.empty() && kernel.fModules.empty())) {
+    if (PrintableText(release) != release || (kernel.fImage->empty() && kernel.fModules->empty())) {
       continue;
     }
     kernel.fRelease = release;
+    if (images.GetReason().IsError()) {
+      kernel.fImage = kernel.fInitialFiles = Missing(images.GetReason());
+    }
+    if (releases.GetReason().IsError()) kernel.fModules = Missing(releases.GetReason());
     all.fAll.push_back(kernel);
   }
-  if (!all.fAll.empty()) return all;
   for (const TReason& reason : {images.GetReason(), releases.GetReason()}) {
-    if (!reason.empty()) all.Miss(reason);
+    const bool explainsNone = all.fAll.empty() && !reason.empty();
+    if (reason.IsError() || explainsNone) all.Miss(reason);
   }
   return all;
 }

@@ -20,17 +20,19 @@ TInstances<TServiceUnit> ListServices(const THost& host) {
   return services;
 }
 
-bool IsEnabled(const TServiceUnit& unit) {
-  return unit.fState == "enabled" || unit.fState == "enabled-runtime";
+bool IsEnabled(const std::string& state) {
+  return state == "enabled" || state == "enabled-runtime";
 }
+bool IsMasked(const std::string& state) { return state == "masked" || state == "masked-runtime"; }
 
-bool IsMasked(const TServiceUnit& unit) {
-  return unit.fState == "masked" || unit.fState == "masked-runtime";
-}
-
-const char* StartMode(const TServiceUnit& unit) {
-  const bool isStarted = IsEnabled(unit) || !unit.fStartedBy.empty();
-  return isStarted && !IsMasked(unit) ? "Automatic" : "Manual";
+TText StartMode(const TServiceUnit& unit) {
+  return unit.fState.and_then([&unit](const std::string& state) -> TText {
+    if (IsMasked(state)) return "Manual";
+    if (IsEnabled(state)) return "Automatic";
+    return unit.fStartedBy.map([](const std::vector<std::string>& units) -> std::string {
+      return units.empty() ? "Manual" : "Automatic";
+    });
+  });
 }
 
 // From the value map of CIM_EnabledLogicalElement.EnabledDefault.
@@ -38,19 +40,26 @@ constexpr std::uint16_t kEnabled = 2;
 constexpr std::uint16_t kDisabled = 3;
 constexpr std::uint16_t kNotApplicable = 5;
 
-std::uint16_t EnabledDefault(const TServiceUnit& unit) {
-  if (IsEnabled(unit)) return kEnabled;
-  return unit.fState == "disabled" || IsMasked(unit) ? kDisabled : kNotApplicable;
+TReading<std::uint16_t> EnabledDefault(const TServiceUnit& unit) {
+  return unit.fState.map([](const std::string& state) {
+    if (IsEnabled(state)) return kEnabled;
+    return state == "disabled" || IsMasked(state) ? kDisabled : kNotApplicable;
+  });
 }
 
 const char* Manager(const TServiceUnit& unit) { return unit.fIsScript ? "SysV" : "systemd"; }
 
 auto Setting(const char* section, const char* name) {
-  return [section, name](const TServiceUnit& unit) { return unit.fSettings.Get(section, name); };
+  return [section, name](const TServiceUnit& unit) {
+    return unit.fSettings.map(
+        [section, name](const TUnitSettings& settings) { return settings.Get(section, name); });
+  };
 }
 
-std::string Program(const TServiceUnit& unit) {
-  return unit.fIsScript ? unit.fPath : unit.fSettings.GetProgram("Service", "ExecStart");
+TText Program(const TServiceUnit& unit) {
+  if (unit.fIsScript) return unit.fPath;
+  return unit.fSettings.map(
+      [](const TUnitSettings& settings) { return settings.GetProgram("Service", "ExecStart"); });
 }
 
 std::vector<TInstanceName> ListServiceNames(const THost& host) {
@@ -68,11 +77,10 @@ const TInstanceName& Itself(const TInstanceName& service) { return service; }
 
 TInstances<TServiceUnit> UnitsWithSuffix(const THost& host, const char* suffix) {
   const auto& units = host.Shared<TServiceUnits>();
-  TInstances<TServiceUnit> chosen;
+  TInstances<TServiceUnit> chosen({}, units.fReason);
   for (const TServiceUnit& unit : units.fAll) {
     if (unit.HasSuffix(suffix)) chosen.fAll.push_back(unit);
   }
-  if (units.fAll.empty()) chosen.Miss(units.fReason);
   return chosen;
 }
 

@@ -13,18 +13,20 @@ namespace NVORNQDX20 {
 /// The superclass of all services, which has the instances of services proper.
 THostTable<TServiceUnit> ServiceTable();
 
-/// Returns the units whose names have the suffix, and the reason why there are none.
+/// Returns the units whose names have the suffix, and the reason why some may be missing.
 TInstances<TServiceUnit> UnitsWithSuffix(const THost& host, const char* suffix);
 
 /// Reads the unit that a timer or socket starts: one that the setting names, else one of the same
 /// name.
 inline auto StartedUnit(const char* section, const char* setting) {
   return [section, setting](const TServiceUnit& unit) {
-    const std::string name = unit.fSettings.Get(section, setting);
-    const std::string stem = unit.fName.substr(0, unit.fName.rfind('.'));
-    const std::string accept = unit.fSettings.Get(section, "Accept");
-    const bool isForEach = accept == "yes" || accept == "true" || accept == "on" || accept == "1";
-    return name.empty() ? stem + (isForEach ? "@.service" : ".service") : name;
+    return unit.fSettings.map([&](const TUnitSettings& settings) {
+      const std::string name = settings.Get(section, setting);
+      const std::string stem = unit.fName.substr(0, unit.fName.rfind('.'));
+      const std::string accept = settings.Get(section, "Accept");
+      const bool isForEach = accept == "yes" || accept == "true" || accept == "on" || accept == "1";
+      return name.empty() ? stem + (isForEach ? "@.service" : ".service") : name;
+    });
   };
 }
 

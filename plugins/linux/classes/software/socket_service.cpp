@@ -7,8 +7,9 @@ namespace {
 
 TInstances<TServiceUnit> ListSockets(const THost& host) { return UnitsWithSuffix(host, ".socket"); }
 
-std::vector<std::string> Listens(const TServiceUnit& unit) {
-  return unit.fSettings.GetList("Socket", "Listen");
+TReading<std::vector<std::string>> Listens(const TServiceUnit& unit) {
+  return unit.fSettings.map(
+      [](const TUnitSettings& settings) { return settings.GetList("Socket", "Listen"); });
 }
 
 }  // namespace

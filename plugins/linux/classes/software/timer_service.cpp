@@ -10,8 +10,8 @@ namespace {
 TInstances<TServiceUnit> ListTimers(const THost& host) { return UnitsWithSuffix(host, ".timer"); }
 
 /// Settings of times begin with "On": "OnCalendar", "OnBootSec"; some others do, too.
-std::vector<std::string> Times(const TServiceUnit& unit) {
-  std::vector<std::string> times = unit.fSettings.GetList("Timer", "On");
+std::vector<std::string> Times(const TUnitSettings& settings) {
+  std::vector<std::string> times = settings.GetList("Timer", "On");
   const auto isOther = [](const std::string& setting) {
     return setting.compare(0, 11, "OnCalendar=") != 0 && setting.find("Sec=") == std::string::npos;
   };
@@ -26,7 +26,8 @@ TClass TimerServiceClass() {
       "VORNSG_TimerService",
       "A timer, which starts a unit at its times.",
       ListTimers,
-      {{"Times", "When: settings such as \"OnCalendar=daily\" and \"OnBootSec=15min\".", Times},
+      {{"Times", "When: settings such as \"OnCalendar=daily\" and \"OnBootSec=15min\".",
+        [](const TServiceUnit& unit) { return unit.fSettings.map(Times); }},
        {"Unit", "What it starts.", StartedUnit("Timer", "Unit")}}}
       .DerivedFrom(ServiceTable());
 }

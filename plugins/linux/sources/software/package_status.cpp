@@ -65,7 +65,9 @@ bool IsThere(const TPackage& package) {
 
 TReason WhyNone(const TFiles& files, const TReason& reason) {
   for (const auto& [database, name] : kOtherManagers) {
-    if (!files.IsAbsent(database)) {
+    const TReading<bool> exists = files.Exists(database);
+    if (!exists) return exists.GetReason();
+    if (*exists) {
       return "the packages are those of " + std::string(name) + ", whose database " + database +
              " is not read";
     }
@@ -108,6 +110,7 @@ TPackages ReadPackages(const TFiles& files) {
   if (!database && files.IsAbsent(kDatabase)) {
     const auto names = files.List(kFolder);
     if (names) return ReadFolder(files, *names);
+    if (names.GetReason().IsError()) return {{}, names.GetReason()};
     return {{}, WhyNone(files, database.GetReason())};
   }
   TPackages packages{{}, database.GetReason()};

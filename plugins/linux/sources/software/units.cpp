@@ -86,7 +86,7 @@ class TReader {
     const TFiles files = fHost.In(folder.fPath);
     const auto names = files.List();
     if (!names) {
-      if (!files.IsAbsent("")) AddReason(names.GetReason());
+      if (!files.IsAbsent("")) LackLinks(names.GetReason());
       return;
     }
     // Since /lib became a link to /usr/lib, both are the same folder.
@@ -103,7 +103,7 @@ class TReader {
   void ReadStarter(const TFolder& folder, const TFiles& files, const std::string& name) {
     const std::string starter = name.substr(0, name.rfind('.'));
     const auto links = files.List();
-    if (!links) return AddReason(links.GetReason());
+    if (!links) return LackLinks(links.GetReason());
     for (const std::string& link : *links) {
       if (!IsListed(link) || !files.ReadLink(link)) continue;
       const std::string unit = TemplateOf(link);
@@ -116,7 +116,7 @@ class TReader {
   void ReadDropIns(const TFiles& files, const std::string& unit) {
     if (!IsListed(unit)) return;
     const auto names = files.List();
-    if (!names) return;
+    if (!names) return LackDropIns(unit, names.GetReason());
     for (const std::string& name : *names) {
       if (ends_with(name, ".conf")) fDropIns[unit].emplace(name, files.PathOf(name));
     }
@@ -142,10 +142,25 @@ class TReader {
       for (const TLink& link : links->second) starters.insert(link.fStarter);
     }
     starters.erase("");
-    unit.fStartedBy.assign(starters.begin(), starters.end());
+    unit.fStartedBy = std::vector<std::string>(starters.begin(), starters.end());
     unit.fState = StateOf(unit, place);
-    unit.fDescription = unit.fSettings.Get("Unit", "Description");
+    if (!fNoLinks.empty()) {
+      unit.fStartedBy = Missing(fNoLinks);
+      if (DependsOnLinks(*unit.fState)) unit.fState = Missing(fNoLinks);
+    }
+    const auto obstacle = fNoDropIns.find(name);
+    if (obstacle != fNoDropIns.end()) unit.fSettings = Missing(obstacle->second);
+    unit.fDescription = unit.fSettings.map(
+        [](const TUnitSettings& settings) { return settings.Get("Unit", "Description"); });
     fUnits.fAll.push_back(std::move(unit));
+  }
+
+  /// A link that cannot be read could enable the unit.
+  static bool DependsOnLinks(const std::string& state) {
+    for (const char* other : {"disabled", "static", "indirect", "linked", "linked-runtime"}) {
+      if (state == other) return true;
+    }
+    return state == "enabled-runtime";
   }
 
   /// Reads the settings of a unit that has some, and finds out whether it is enabled.
@@ -163,17 +178,15 @@ class TReader {
                          : fHost.MissingFrom(unit.fPath, {"too many unit files", TReason::kError});
     if (!file) {
       AddReason(file.GetReason());
+      unit.fSettings = Missing(file.GetReason());
       return "bad";
     }
     if (file->empty()) return masked;
     fSize += file->size();
-    unit.fSettings.Add(*file);
-    for (const auto& [name, path] : fDropIns[unit.fName]) {
-      if (fSize >= kMaxSize) break;
-      const std::string dropIn = fHost.Read(path).ValueOr("");
-      fSize += dropIn.size();
-      unit.fSettings.Add(dropIn);
-    }
+    TUnitSettings settings;
+    settings.Add(*file);
+    AddDropIns(unit.fName, settings);
+    unit.fSettings = std::move(settings);
     if (!unit.fAliasOf.empty()) return "alias";
     if (place.fFolder->fOrigin == EOrigin::kGenerated) return "generated";
     if (place.fFolder->fOrigin == EOrigin::kTransient) return "transient";
@@ -186,11 +199,24 @@ class TReader {
     return StateOfDisabled(unit);
   }
 
+  void AddDropIns(const std::string& unit, TUnitSettings& settings) {
+    for (const auto& [name, path] : fDropIns[unit]) {
+      if (fSize >= kMaxSize) break;
+      const TText dropIn = fHost.Read(path);
+      if (dropIn) {
+        fSize += dropIn->size();
+        settings.Add(*dropIn);
+      } else if (!ends_with(fHost.ReadLink(path).ValueOr(""), "/dev/null")) {  // masked
+        LackDropIns(unit, dropIn.GetReason());
+      }
+    }
+  }
+
   /// Returns whether the unit itself wants to be enabled by that link.
   static bool IsKnown(const TServiceUnit& unit, const TLink& link) {
     if (link.fName == unit.fName) return true;
-    if (Contains(unit.fSettings.GetWords("Install", "Alias"), link.fName)) return true;
-    const std::string instance = unit.fSettings.Get("Install", "DefaultInstance");
+    if (Contains(unit.fSettings->GetWords("Install", "Alias"), link.fName)) return true;
+    const std::string instance = unit.fSettings->Get("Install", "DefaultInstance");
     const std::size_t at = unit.fName.find('@');
     if (instance.empty() || at == std::string::npos) return false;
     return link.fName == unit.fName.substr(0, at + 1) + instance + unit.fName.substr(at + 1);
@@ -218,9 +244,9 @@ class TReader {
     const std::string other = EnabledState(unit, [](const TLink&) { return true; });
     if (!other.empty()) return "indirect";
     for (const char* rule : {"WantedBy", "RequiredBy", "UpheldBy", "Alias"}) {
-      if (!unit.fSettings.GetWords("Install", rule).empty()) return "disabled";
+      if (!unit.fSettings->GetWords("Install", rule).empty()) return "disabled";
     }
-    return unit.fSettings.GetWords("Install", "Also").empty() ? "static" : "indirect";
+    return unit.fSettings->GetWords("Install", "Also").empty() ? "static" : "indirect";
   }
 
   const TServiceUnit* Find(const std::string& name) const {
@@ -239,8 +265,11 @@ class TReader {
       aliased = Find(aliased->fAliasOf);
     }
     if (Find(aliased->fAliasOf) != nullptr) {
+      const TReason reason(unit.fPath + ": leads to itself", TReason::kError);
       unit.fState = "bad";
-      return AddReason({unit.fPath + ": leads to itself", TReason::kError});
+      unit.fSettings = Missing(reason);
+      unit.fDescription = Missing(reason);
+      return AddReason(reason);
     }
     unit.fAliasOf = aliased->fName;
     unit.fDescription = aliased->fDescription;
@@ -250,6 +279,14 @@ class TReader {
   void AddReason(const TReason& reason) {
     constexpr std::size_t kLongest = 500;
     if (fUnits.fReason.size() < kLongest) fUnits.fReason.Add(reason);
+  }
+  void LackLinks(const TReason& reason) {
+    AddReason(reason);
+    if (fNoLinks.empty()) fNoLinks = reason;
+  }
+  void LackDropIns(const std::string& unit, const TReason& reason) {
+    AddReason(reason);
+    fNoDropIns.emplace(unit, reason);
   }
 
   /// Some twenty thousand unit files of the usual size.
@@ -261,22 +298,32 @@ class TReader {
   std::map<std::string, TPlace> fPlaces;             // by name, which orders fUnits.fAll
   std::map<std::string, std::vector<TLink>> fLinks;  // by the unit that they lead to
   std::map<std::string, std::map<std::string, std::string>> fDropIns;
+  TReason fNoLinks;                           // why some links are not known
+  std::map<std::string, TReason> fNoDropIns;  // why settings are not known, by the unit
 };
 
 const char* const kScripts = "/etc/init.d";
 
-/// Returns the names of the scripts that a link such as "S01cron" starts at some run level.
-std::set<std::string> ReadStartedScripts(const THost& host) {
-  std::set<std::string> started;
-  for (const char* level : {"2", "3", "4", "5", "S"}) {
-    const auto links = host.List("/etc/rc" + std::string(level) + ".d");
-    if (!links) continue;
-    for (const std::string& link : *links) {
-      if (link.size() > 3 && link.front() == 'S') started.insert(link.substr(3));
+/// The scripts that a link such as "S01cron" starts at some run level.
+struct TStartedScripts {
+  explicit TStartedScripts(const THost& host) {
+    for (const char* level : {"2", "3", "4", "5", "S"}) {
+      const auto links = host.List("/etc/rc" + std::string(level) + ".d");
+      if (links.GetReason().IsError()) fReason.Add(links.GetReason());
+      for (const std::string& link : links.ValueOr({})) {
+        if (link.size() > 3 && link.front() == 'S') fNames.insert(link.substr(3));
+      }
     }
   }
-  return started;
-}
+
+  TText StateOf(const std::string& script) const {
+    if (fNames.count(script) != 0) return "enabled";
+    return fReason.empty() ? TText("disabled") : Missing(fReason);
+  }
+
+  std::set<std::string> fNames;
+  TReason fReason;  // why there may be more
+};
 
 /// Returns what the script says about itself in a comment for tools (Linux Standard Base).
 std::string DescriptionIn(const std::string& script) {
@@ -299,8 +346,9 @@ bool IsService(const std::string& script) {
 /// Adds the scripts that no unit replaces.
 void AddScripts(const THost& host, const TReader& reader, TServiceUnits& units) {
   const auto scripts = host.List(kScripts);
+  if (scripts.GetReason().IsError()) units.fReason.Add(scripts.GetReason());
   if (!scripts) return;
-  const std::set<std::string> started = ReadStartedScripts(host);
+  const TStartedScripts started(host);
   for (const std::string& script : *scripts) {
     const std::string name =
         ends_with(script, ".sh") ? script.substr(0, script.size() - 3) : script;
@@ -308,8 +356,8 @@ void AddScripts(const THost& host, const TReader& reader, TServiceUnits& units) 
     TServiceUnit unit;
     unit.fName = script;
     unit.fPath = kScripts + ("/" + script);
-    unit.fState = started.count(script) != 0 ? "enabled" : "disabled";
-    unit.fDescription = DescriptionIn(host.Read(unit.fPath).ValueOr(""));
+    unit.fState = started.StateOf(script);
+    unit.fDescription = host.Read(unit.fPath).map(DescriptionIn);
     unit.fIsScript = true;
     units.fAll.push_back(std::move(unit));
   }

@@ -14,13 +14,14 @@ namespace NVORNQDX20 {
 struct TServiceUnit {
   bool HasSuffix(const std::string& suffix) const;
 
-  std::string fName;         ///< "ssh.service"; of a script, the name of its file.
-  std::string fPath;         ///< The file that counts, of several with the name.
-  std::string fState;        ///< As "systemctl list-unit-files" prints it, for example "enabled".
-  std::string fAliasOf;      ///< The unit of which this is another name.
-  std::string fDescription;  ///< In a line.
-  std::vector<std::string> fStartedBy;  ///< The units that have a link to start it.
-  TUnitSettings fSettings;
+  std::string fName;     ///< "ssh.service"; of a script, the name of its file.
+  std::string fPath;     ///< The file that counts, of several with the name.
+  TText fState;          ///< As "systemctl list-unit-files" prints it, for example "enabled".
+  std::string fAliasOf;  ///< The unit of which this is another name.
+  TText fDescription;    ///< In a line.
+  /// The units that have a link to start it.
+  TReading<std::vector<std::string>> fStartedBy = std::vector<std::string>();
+  TReading<TUnitSettings> fSettings = TUnitSettings();
   bool fIsScript = false;
 };
 
