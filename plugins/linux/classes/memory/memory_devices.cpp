@@ -121,7 +121,9 @@ void TMemoryDevices::ReadErrors(const THost& host) {
   fErrorsReason = controllers.GetReason();
   for (const std::string& controller : controllers.ValueOr({})) {
     if (!BeginsWith(controller, "mc")) continue;
-    const auto names = folder.List(controller).ValueOr({});
+    const auto listed = folder.List(controller);
+    if (listed.GetReason().IsError()) fErrorsReason.Add(listed.GetReason());
+    const std::vector<std::string> names = listed.ValueOr({});
     // A kernel with both has the same chips in rows.
     const bool hasModules = std::any_of(names.begin(), names.end(), [](const std::string& name) {
       return BeginsWith(name, "dimm") || BeginsWith(name, "rank");

@@ -8,25 +8,28 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// Returns the device that the chip is a part of, if it has an instance.
-TInstanceName DeviceOf(const TChannel& channel, const THost& host) {
+/// Returns the device that the chip is a part of, if it has an instance; empty if it has none.
+TReading<TInstanceName> DeviceOf(const TChannel& channel, const THost& host) {
   const std::size_t slash = channel.fDevice.rfind('/');
-  if (slash == std::string::npos) return {};
+  if (slash == std::string::npos) return TInstanceName();
   const std::string name = channel.fDevice.substr(slash + 1);
   const std::string folder = channel.fDevice.substr(0, slash);
   const std::string kind = folder.substr(folder.rfind('/') + 1);
   if (kind == "power_supply") {
     for (const TPowerSource& source : host.Shared<TPowerSources>().fAll) {
       if (source.fName != name) continue;
-      return {source.fIsBattery ? "VORNSG_Battery" : "VORNSG_PowerSupply", name};
+      return TInstanceName{source.fIsBattery ? "VORNSG_Battery" : "VORNSG_PowerSupply", name};
     }
-    return {};
+    return TInstanceName();
   }
-  if (kind == "nvme" && !host.IsAbsent("/sys/class/nvme/" + name)) {
-    return {"VORNSG_NVMeController", "/dev/" + name};
+  if (kind == "nvme") {
+    return host.Exists("/sys/class/nvme/" + name).map([&name](bool exists) {
+      return exists ? TInstanceName{"VORNSG_NVMeController", "/dev/" + name} : TInstanceName();
+    });
   }
-  if (!host.IsAbsent("/sys/bus/pci/devices/" + name)) return {"VORNSG_PCIDevice", name};
-  return {};
+  return host.Exists("/sys/bus/pci/devices/" + name).map([&name](bool exists) {
+    return exists ? TInstanceName{"VORNSG_PCIDevice", name} : TInstanceName();
+  });
 }
 
 TInstances<TTie> ListTies(const THost& host) {
@@ -34,11 +37,14 @@ TInstances<TTie> ListTies(const THost& host) {
   TInstances<TTie> ties({}, chips.fReason);
   for (const TChannel& channel : chips.fChannels) {
     const std::uint16_t type = channel.fQuantity->fSensorType;
-    const TInstanceName device =
+    const TReading<TInstanceName> device =
         type == kTachometer ? TInstanceName{"VORNSG_Fan", channel.fID} : DeviceOf(channel, host);
-    if (device.fClass.empty()) continue;
+    if (!device && ties.fReason.find(device.GetReason()) == std::string::npos) {
+      ties.Miss(device.GetReason());
+    }
+    if (!device || device->fClass.empty()) continue;
     const char* const sensor = type == kIntrusion ? "VORNSG_Sensor" : "VORNSG_NumericSensor";
-    ties.fAll.push_back({{sensor, channel.fID}, device});
+    ties.fAll.push_back({{sensor, channel.fID}, *device});
   }
   if (ties.fAll.empty() && ties.fReason.empty()) ties.Miss("no sensor is of a known device");
   return ties;

@@ -34,16 +34,18 @@ std::uint16_t NumberOf(const TName (&names)[kCount], const std::string& text, st
 TReading<std::uint16_t> ReadStatus(const TPowerUnit& battery) {
   constexpr std::uint16_t kUnknown = 2, kFull = 3, kLow = 4, kCritical = 5, kCharging = 6;
   constexpr std::uint16_t kPartial = 11;
-  const std::string level = KernelText("capacity_level")(battery).ValueOr("");
-  return KernelText("status")(battery).map([&level](const std::string& status) {
+  const TText level = KernelText("capacity_level")(battery);
+  using TNumberRead = TReading<std::uint16_t>;
+  return KernelText("status")(battery).and_then([&level](const std::string& status) -> TNumberRead {
     if (status == "Unknown") return kUnknown;
     if (status == "Full") return kFull;
+    if (level.GetReason().IsError()) return Missing(level.GetReason());
     if (status == "Charging") {
       constexpr TName kLevels[] = {{"High", 7}, {"Low", 8}, {"Critical", 9}};
-      return NumberOf(kLevels, level, kCharging);
+      return NumberOf(kLevels, level.ValueOr(""), kCharging);
     }
     constexpr TName kLevels[] = {{"Full", kFull}, {"Low", kLow}, {"Critical", kCritical}};
-    return NumberOf(kLevels, level, kPartial);
+    return NumberOf(kLevels, level.ValueOr(""), kPartial);
   });
 }
 

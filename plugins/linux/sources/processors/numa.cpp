@@ -58,6 +58,9 @@ TReading<std::uint32_t> TNUMANodes::FindNode(unsigned cpu) const {
   const auto found = fNodeOf.find(cpu);
   if (found != fNodeOf.end()) return found->second;
   if (!fReason.empty()) return Missing(fReason);
+  for (const TNUMANode& node : fAll) {
+    if (!node.fCPUs) return Missing(node.fCPUs.GetReason());
+  }
   return Missing(std::string(kFolder) + ": no node has it");
 }
 

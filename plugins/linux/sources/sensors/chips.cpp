@@ -135,9 +135,9 @@ TReading<std::int32_t> TChannel::Read(const char* file) const {
 }
 
 TReading<std::int32_t> TChannel::ReadValue() const {
-  if (Has("fault") && fFolder.ReadFlag(PathOf("fault")).ValueOr(false)) {
-    return fFolder.MissingFrom(PathOf("fault"), "the sensor is faulty");
-  }
+  const TReading<bool> isFaulty = Has("fault") ? fFolder.ReadFlag(PathOf("fault")) : false;
+  if (!isFaulty) return Missing(isFaulty.GetReason());
+  if (*isFaulty) return fFolder.MissingFrom(PathOf("fault"), "the sensor is faulty");
   return Read(!Has("input") && Has("average") ? "average" : "input");
 }
 

@@ -36,22 +36,25 @@ TThermal::TThermal(const THost& host) {
 
 TTripPoints::TTripPoints(const TFiles& zone)
     : fWarning(Missing("the zone has no such trip point")), fCritical(fWarning) {
+  TReason unknown;  // why a point that is not known could be the lowest
   for (int point = 0; point < kMaxTripPoints; ++point) {
     const std::string name = "trip_point_" + std::to_string(point) + "_";
     const TText type = zone.ReadLine(name + "type");
-    if (!type && !type.GetReason().IsError()) return;
+    if (!type && !type.GetReason().IsError()) break;
     if (!type) {  // which may be of either kind
-      if (!fWarning) fWarning = Missing(type.GetReason());
+      unknown = type.GetReason();
       if (!fCritical) fCritical = Missing(type.GetReason());
       continue;
     }
     const auto temperature = zone.ReadNumber<std::int32_t>(name + "temp");
-    if (type.ValueOr("") == "critical") {
+    if (*type == "critical") {
       fCritical = temperature;
-    } else if (type.ValueOr("") == "hot" || type.ValueOr("") == "passive") {
+    } else if (*type == "hot" || *type == "passive") {
+      if (!temperature) unknown = temperature.GetReason();
       if (!fWarning || temperature.ValueOr(*fWarning) < *fWarning) fWarning = temperature;
     }
   }
+  if (!unknown.empty()) fWarning = Missing(unknown);
 }
 
 }  // namespace NVORNQDX20
