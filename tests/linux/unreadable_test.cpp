@@ -25,7 +25,7 @@ sys/class/net/bond0: type=1; bonding/slaves=eth0; uevent=DEVTYPE=bond
 sys/class/net/br0: type=1; brif/eth1/x=; uevent=DEVTYPE=bridge
 sys/class/net/eth0: type=1; ifalias=uplink; device/uevent=DRIVER=d
 sys/block/sda: dev=8:0; size=8; removable=0; sda1/partition=1; sda1/size=2; queue/rotational=0
-sys/block/sda: device/model=M; device/vpd_pg89=; device/vpd_pgb1=
+sys/block/sda: device/model=M; device/vpd_pg89=; device/vpd_pg83=; device/vpd_pgb1=
 run/udev/data: b8:0=E:ID_SERIAL=S
 sys/block/dm-0: dev=253:0; size=8; slaves/sda/x=; dm/uuid=CRYPT-u
 sys/block/md5: dev=9:5; size=8; md/level=raid1; md/dev-sdx/state=in_sync
@@ -62,10 +62,16 @@ TEST(LinuxUnreadable, IsNotTakenForSomethingElse) {
                 {"etc/init.d", "VORNSG_Service"},
                 {"etc/init.d/old", "oldDescription"},
                 {"etc/rc3.d", "oldStartMode"},
+                {"proc/1/cgroup", "MemoryLimit"},
+                {"sys/fs/cgroup/in/cpuset.cpus.effective", "ProcessorSet"},
+                {"run/systemd/container", "Container"},
+                {"sys/class/dmi/id/product_name", "VirtualMachine"},
+                {"proc/bus/pci/devices", "VirtualMachine"},
                 {"sys/class/net/bond0/bonding/slaves", "bond0Members"},
                 {"sys/class/net/bond0/bonding/slaves", "VORNSG_MemberOfPortGroup"},
                 {"sys/class/net/br0/brif", "br0Members"},
                 {"sys/class/net/br0/brif", "VORNSG_MemberOfPortGroup"},
+                {"sys/class/net/eth0/ifalias", "eth0ElementName"},
                 {"sys/class/net/eth0/device/uevent", "eth0Driver"},
                 {"sys/block/sda", "VORNSG_DiskPartition"},
                 {"sys/block/sda/sda1", "VORNSG_DiskPartition"},
@@ -74,16 +80,20 @@ TEST(LinuxUnreadable, IsNotTakenForSomethingElse) {
                 {"sys/block/dm-0/dm/uuid", "/dev/dm-0Kind"},
                 {"sys/block/md5/md", "/dev/md5Members"},
                 {"sys/block/md5/md/dev-sdx/state", "/dev/md5FailedMembers"},
-                {"sys/class/nvme", "VORNSG_ControlledBy"},
+                {"sys/block/sda/device/vpd_pg83", "/dev/sdaWWN"},
+                {"sys/block/sda/device/vpd_pg89", "/dev/sdaElementName"},
+                {"sys/block/sda/device/vpd_pg89", "/dev/sdaInterconnectSpeed"},
+                {"sys/block/sda/device/vpd_pgb1", "/dev/sdaRPM"},
+                {"run/udev/data/b8:0", "/dev/sdaOtherIdentifyingInfo"},
                 {"sys/class/nvme/nvme0", "VORNSG_ControlledBy"},
-                {"sys/class/nvme", "VORNSG_AssociatedSensor"},
                 {"sys/class/hwmon/hwmon6/temp1_fault", "pci0/nvme/nvme0/nvme/temp1CurrentReading"},
                 {"sys/class/thermal/thermal_zone0/trip_point_0_type",
                  "thermal/acpitzUpperThresholdNonCritical"},
                 {"sys/class/thermal/thermal_zone0/trip_point_1_temp",
                  "thermal/acpitzUpperThresholdNonCritical"},
                 {"sys/class/power_supply/BAT0/capacity_level", "BAT0BatteryStatus"},
-                {"sys/devices/system/edac/mc/mc0", "VORNSG_MemoryErrorCount"}});
+                {"sys/devices/system/edac/mc/mc0", "VORNSG_MemoryErrorCount"},
+                {"sys/devices/system/node/node0/cpulist", "VORNSG:cpu0NUMANode"}});
 }
 
 }  // namespace

@@ -107,6 +107,8 @@ TText LimitScope(const TSystem& system) {
 /// Processors tell of a hypervisor; without them, nothing has been asked.
 TText ReadVirtualMachine(const THost& host) {
   const auto& found = host.Shared<TFoundHypervisor>().fHypervisor;
+  const TReason reason = found ? found->fName.GetReason() : found.GetReason();
+  if (reason.IsError()) return Missing(reason);
   if (found) return found->fName.ValueOr("other");
   const auto& topology = host.Shared<TTopology>();
   if (topology.GetSockets().empty()) return Missing(topology.GetReason());

@@ -9,8 +9,18 @@ namespace NVORNQDX20 {
 namespace {
 
 struct TDisk : TDrive {
-  TDiskBuild fBuild;
+  TReading<TDiskBuild> fBuild;
 };
+
+/// Reads it from ATA's page, else from that of SCSI.
+TReading<TDiskBuild> ReadBuild(const TDrive& drive) {
+  const TReading<TDiskBuild> ofATA =
+      drive.fATA.map([](const TATAIdentity& identity) { return identity.fBuild; });
+  if (ofATA.GetReason().IsError() || (ofATA && ofATA->fRotationRate != 0)) return ofATA;
+  const TText page = drive.Read("device/vpd_pgb1");
+  return page.GetReason().IsError() ? page.map(ParseCharacteristicsPage)
+                                    : ParseCharacteristicsPage(page.ValueOr(""));
+}
 
 TInstances<TDisk> ListDisks(const THost& host) {
   TInstances<TDrive> drives = DrivesFor(EMedia::kDisk)(host);
@@ -18,11 +28,8 @@ TInstances<TDisk> ListDisks(const THost& host) {
   disks.fReason = std::move(drives.fReason);
   disks.fAll.reserve(drives.fAll.size());
   for (TDrive& drive : drives.fAll) {
-    TDiskBuild build = drive.fATA.fBuild;
-    if (build.fRotationRate == 0) {
-      build = ParseCharacteristicsPage(drive.Read("device/vpd_pgb1").ValueOr(""));
-    }
-    disks.fAll.push_back({std::move(drive), build});
+    TReading<TDiskBuild> build = ReadBuild(drive);
+    disks.fAll.push_back({std::move(drive), std::move(build)});
   }
   return disks;
 }
@@ -39,18 +46,22 @@ TReading<std::uint16_t> DiskTypeOf(const TDisk& disk) {
 }
 
 TReading<std::uint32_t> ReadRPM(const TDisk& disk) {
-  const unsigned rate = disk.fBuild.fRotationRate;
-  if (rate == 1) return Missing("does not turn");
-  // 0x0401 is the lowest speed that a disk may report.
-  if (rate < 0x0401 || rate == 0xffff) return Missing("the disk does not tell");
-  return rate;
+  return disk.fBuild.and_then([](const TDiskBuild& build) -> TReading<std::uint32_t> {
+    const unsigned rate = build.fRotationRate;
+    if (rate == 1) return Missing("does not turn");
+    // 0x0401 is the lowest speed that a disk may report.
+    if (rate < 0x0401 || rate == 0xffff) return Missing("the disk does not tell");
+    return rate;
+  });
 }
 
 TReading<std::uint16_t> FormFactorOf(const TDisk& disk) {
   constexpr unsigned kFirst = 1, kLast = 4;
-  const unsigned form = disk.fBuild.fFormFactor;
-  if (form < kFirst || form > kLast) return Missing("the disk does not tell");
-  return static_cast<std::uint16_t>(form + 2);
+  return disk.fBuild.and_then([](const TDiskBuild& build) -> TReading<std::uint16_t> {
+    const unsigned form = build.fFormFactor;
+    if (form < kFirst || form > kLast) return Missing("the disk does not tell");
+    return static_cast<std::uint16_t>(form + 2);
+  });
 }
 
 TReading<std::uint16_t> ReadInterconnectType(const TDisk& disk) {
@@ -66,8 +77,9 @@ TReading<std::uint16_t> ReadInterconnectType(const TDisk& disk) {
 }
 
 TNumber InterconnectSpeedOf(const TDisk& disk) {
-  if (disk.fATA.fLinkSpeed == 0) return Missing("the disk does not tell");
-  return disk.fATA.fLinkSpeed;
+  if (disk.fATA.GetReason().IsError()) return Missing(disk.fATA.GetReason());
+  if (!disk.fATA || disk.fATA->fLinkSpeed == 0) return Missing("the disk does not tell");
+  return disk.fATA->fLinkSpeed;
 }
 
 /// The one in use is in brackets: "none [mq-deadline] kyber".

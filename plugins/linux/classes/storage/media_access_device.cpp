@@ -28,13 +28,15 @@ TText FirstLine(const TBlockDevice& drive, std::initializer_list<const char*> fi
     if (file == *files.begin()) first = std::move(line);
   }
   const TText found = drive.fUdev.FirstOf(udev);
-  return found ? found.map(DecodeUdev) : first;
+  return found || found.GetReason().IsError() ? found.map(DecodeUdev) : first;
 }
 
 TText ReadWWN(const TDrive& drive) {
-  const std::string page = ParseIdentificationPage(drive.Read("device/vpd_pg83").ValueOr(""));
-  if (!page.empty()) return page;
-  return FirstLine(drive, {"wwid", "device/wwid"}, {"ID_WWN_WITH_EXTENSION", "ID_WWN"});
+  const TText page = drive.Read("device/vpd_pg83");
+  std::string name = ParseIdentificationPage(page.ValueOr(""));
+  if (!name.empty()) return name;
+  TText other = FirstLine(drive, {"wwid", "device/wwid"}, {"ID_WWN_WITH_EXTENSION", "ID_WWN"});
+  return other || !page.GetReason().IsError() ? other : page;
 }
 
 TDrive MakeDrive(const THost& host, const TBlockDevice& device) {
@@ -48,7 +50,7 @@ TDrive MakeDrive(const THost& host, const TBlockDevice& device) {
   drive.fWWN = ReadWWN(drive);
   drive.fRemovable = drive.ReadFlag("removable");
   drive.fRotational = drive.ReadFlag("queue/rotational");
-  drive.fATA = ParseATAPage(drive.Read("device/vpd_pg89").ValueOr(""));
+  drive.fATA = drive.Read("device/vpd_pg89").map(ParseATAPage);
   return drive;
 }
 
@@ -73,20 +75,29 @@ TText ReadSerialNumber(const TDrive& drive) {
   return found ? found : serial;
 }
 
+/// Returns the text of ATA, else what udev found if it is longer than that of SCSI. Missing if one
+/// of the first two is there and cannot be read, since that of SCSI may be cut off.
+TText LongestOf(const TDrive& drive, std::string TATAIdentity::*ofATA, const TText& ofUdev,
+                const TText& ofSCSI) {
+  if (drive.fATA && !((*drive.fATA).*ofATA).empty()) return (*drive.fATA).*ofATA;
+  const bool isLonger = ofUdev && boost::algorithm::starts_with(*ofUdev, ofSCSI.ValueOr(""));
+  if (isLonger) return ofUdev;
+  for (const TReason& reason : {drive.fATA.GetReason(), ofUdev.GetReason()}) {
+    if (reason.IsError()) return Missing(reason);
+  }
+  return ofSCSI;
+}
+
 /// SCSI has 16 characters for the model. udev asks ATA disks for all of it.
 TText ReadFullModel(const TDrive& drive) {
-  if (!drive.fATA.fModel.empty()) return drive.fATA.fModel;
-  const TText found = drive.fUdev.GetDecoded("ID_MODEL_ENC");
-  const bool isLonger = found && boost::algorithm::starts_with(*found, drive.fModel.ValueOr(""));
-  return isLonger ? found : drive.fModel;
+  return LongestOf(drive, &TATAIdentity::fModel, drive.fUdev.GetDecoded("ID_MODEL_ENC"),
+                   drive.fModel);
 }
 
 /// SCSI has four characters for the revision, ATA eight.
 TText ReadFirmware(const TDrive& drive) {
-  if (!drive.fATA.fFirmware.empty()) return drive.fATA.fFirmware;
-  const TText found = drive.fUdev.Get("ID_REVISION");
-  const bool isLonger = found && boost::algorithm::starts_with(*found, drive.fRevision.ValueOr(""));
-  return isLonger ? found : drive.fRevision;
+  return LongestOf(drive, &TATAIdentity::fFirmware, drive.fUdev.Get("ID_REVISION"),
+                   drive.fRevision);
 }
 
 TNumber ReadMaxMediaSize(const TDrive& drive) {
@@ -95,17 +106,20 @@ TNumber ReadMaxMediaSize(const TDrive& drive) {
   return Scaled(drive.fSize, 1, 1000);
 }
 
-/// Other names of the drive, and what they are.
-std::vector<std::pair<std::string, std::string>> OtherNames(const TDrive& drive) {
-  std::vector<std::pair<std::string, std::string>> names;
-  const auto add = [&names](const char* what, const TText& name) {
-    if (name) names.emplace_back(what, *name);
-  };
-  add("WWN", drive.fWWN);
-  add("serial number of udev", drive.fUdev.Get("ID_SERIAL_SHORT"));
-  add("identifier of udev", drive.fUdev.Get("ID_SERIAL"));
-  add("path of udev", drive.fUdev.Get("ID_PATH"));
-  return names;
+/// What another name of a drive is, and the name. All names are missing if one cannot be read.
+using TOtherName = std::pair<std::string, std::string>;
+TReading<std::vector<std::string>> OtherNames(const TDrive& drive, std::string TOtherName::*part) {
+  const std::pair<const char*, TText> names[] = {
+      {"WWN", drive.fWWN},
+      {"serial number of udev", drive.fUdev.Get("ID_SERIAL_SHORT")},
+      {"identifier of udev", drive.fUdev.Get("ID_SERIAL")},
+      {"path of udev", drive.fUdev.Get("ID_PATH")}};
+  std::vector<std::string> parts;
+  for (const auto& [what, name] : names) {
+    if (name.GetReason().IsError()) return Missing(name.GetReason());
+    if (name) parts.push_back(TOtherName(what, *name).*part);
+  }
+  return parts;
 }
 
 /// What is in the path of a device below /sys/devices, and how it is attached then.
@@ -126,7 +140,9 @@ TText ReadTransport(const TDrive& drive) {
   }
   if (boost::algorithm::starts_with(drive.fKernelName, "nvme")) return "nvme";
   if (boost::algorithm::starts_with(drive.fKernelName, "mmc")) return "mmc";
-  return bus ? bus : TText(Missing("neither its place in sysfs nor udev tells"));
+  return bus || bus.GetReason().IsError()
+             ? bus
+             : TText(Missing("neither its place in sysfs nor udev tells"));
 }
 
 TInstanceName DriveName(const TBlockDevice& drive) { return {kDriveClassName, drive.GetPath()}; }
@@ -161,18 +177,10 @@ THostTable<TDrive> MediaAccessDeviceTable() {
        {"FirmwareRevision", "The revision of the firmware in full.", ReadFirmware},
        {"WWN", "The worldwide name, after \"naa.\" or \"eui.\".", &TDrive::fWWN, ESecret::kSerial},
        {"OtherIdentifyingInfo", "Other names of the drive.",
-        [](const TDrive& drive) {
-          std::vector<std::string> names;
-          for (auto& [what, name] : OtherNames(drive)) names.push_back(name);
-          return names;
-        },
+        [](const TDrive& drive) { return OtherNames(drive, &TOtherName::second); },
         ESecret::kSerial},
        {"IdentifyingDescriptions", "What the other names are, in the same order.",
-        [](const TDrive& drive) {
-          std::vector<std::string> descriptions;
-          for (auto& [what, name] : OtherNames(drive)) descriptions.push_back(what);
-          return descriptions;
-        }},
+        [](const TDrive& drive) { return OtherNames(drive, &TOtherName::first); }},
        {"State", "What the driver makes of it: \"running\" or \"live\" if all is well.",
         FileLine("device/state")},
        {"Transport", "How it is attached, as in \"sata\", \"sas\", \"nvme\", \"usb\", \"virtio\".",

@@ -19,7 +19,7 @@ struct TDrive : TDevice, TBlockDevice {
   TText fWWN;       ///< The worldwide name.
   TReading<bool> fRemovable;
   TReading<bool> fRotational;
-  TATAIdentity fATA;  ///< Without values for a disk that is not on an ATA bus.
+  TReading<TATAIdentity> fATA;  ///< Missing for a disk that is not on an ATA bus.
 };
 
 enum class EMedia { kDisk, kCD, kDVD };

@@ -209,7 +209,8 @@ TReading<TPort> ReadPort(const THost& host, const TFiles& files, const std::stri
   const bool isEthernet = port.fTechnology == ETech::kEthernet;
   if (isEthernet && port.fKind == "wlan") port.fTechnology = ETech::kWirelessLAN;
   if (port.fKind == "wlan") port.fKind.clear();  // the kernel names hardware by this one alone
-  port.fAlias = OptionalText(files, "ifalias");
+  const TText alias = files.Read("ifalias");
+  port.fAlias = alias.GetReason().IsError() ? alias : TText(PrintableText(alias.ValueOr("")));
   port.fPhysicalPort = OptionalText(files, "phys_port_id");
   port.fIsEnabled =
       files.ReadNumber("flags").map([](std::uint64_t flags) { return (flags & IFF_UP) != 0; });

@@ -38,7 +38,7 @@ struct TPort {
   ELinkTechnology fTechnology = ELinkTechnology::kUnknown;
   std::string fOtherTechnology;  ///< Such as "Loopback"; empty unless the technology is kOther.
   std::string fKind;             ///< Such as "bridge"; empty for hardware.
-  std::string fAlias;            ///< Given by the administrator; may be empty.
+  TText fAlias = std::string();  ///< Given by the administrator; may be empty.
   std::string fPCIFunction;      ///< Its address; empty for a port of another bus or of none.
   std::string fPhysicalPort;     ///< Tells which ports share a plug; empty if not told.
   std::uint64_t fIndex = 0;

@@ -80,7 +80,9 @@ TReading<THypervisor> FindByXen(const THost& host) {
 TReading<THypervisor> FindByFirmware(const THost& host) {
   // The product comes first: several hypervisors run as QEMU.
   for (const char* const file : {"product_name", "sys_vendor", "board_vendor", "bios_vendor"}) {
-    const std::string text = host.ReadDMIString(file).ValueOr("");
+    const TText reading = host.ReadDMIString(file);
+    if (reading.GetReason().IsError()) return Missing(reading.GetReason());
+    const std::string text = reading.ValueOr("");
     // What Google and Amazon call so are also machines without a hypervisor.
     if (text.find(".metal") != std::string::npos) continue;
     for (const TKnown& each : kDMIStrings) {
@@ -101,14 +103,17 @@ TReading<THypervisor> FindByZ(const THost& host) {
         Make(name, StartsWith(name, "KVM") ? TText("KVM") : TText("IBM"), kFull, path);
     return found;
   }
-  if (fields.Get("LPAR Number")) return Make("PR/SM", "IBM", kFull, path);
-  return Missing("/proc/sysinfo names none");
+  const TText partition = fields.Get("LPAR Number");
+  if (partition) return Make("PR/SM", "IBM", kFull, path);
+  return Missing(partition.GetReason());
 }
 
 /// POWER and ARM: the device tree.
 TReading<THypervisor> FindByDeviceTree(const THost& host) {
   const char* const path = "/proc/device-tree/hypervisor/compatible";
-  if (const TText compatible = host.ReadLine(path)) {
+  const TText compatible = host.ReadLine(path);
+  if (compatible.GetReason().IsError()) return Missing(compatible.GetReason());
+  if (compatible) {
     const bool isKVM = StartsWith(*compatible, "linux,kvm");
     const bool isXen = StartsWith(*compatible, "xen");
     return Make(isKVM   ? "KVM"
@@ -130,8 +135,9 @@ TReading<THypervisor> FindByDeviceTree(const THost& host) {
 
 TReading<THypervisor> FindByPCI(const THost& host) {
   const char* const path = "/proc/bus/pci/devices";
-  const std::string table = host.Read(path, TFiles::kMaxTableSize).ValueOr("");
-  for (std::string_view rest = table; !rest.empty();) {
+  const TText table = host.Read(path, TFiles::kMaxTableSize);
+  if (!table) return Missing(table.GetReason());
+  for (std::string_view rest = *table; !rest.empty();) {
     const std::string_view line = TakeLine(rest);
     const std::size_t tab = line.find('\t');
     if (tab == std::string_view::npos) continue;
@@ -143,24 +149,29 @@ TReading<THypervisor> FindByPCI(const THost& host) {
   return Missing("no PCI function of a hypervisor");
 }
 
-TReading<THypervisor> FindByProcessor(const THost& host) {
+/// `failure` is why one of a known name was not found; empty if nothing failed.
+TReading<THypervisor> FindByProcessor(const THost& host, const TReason& failure) {
   for (const TSocket& socket : host.Shared<TTopology>().GetSockets()) {
     if (socket.fModel.fVendorID.ValueOr("") == "User Mode Linux") {
       return Make("User Mode Linux", "User Mode Linux", "para", TCPUInfo::kPath);
     }
     if (HasFlag(socket.fModel.fFlags, "hypervisor")) {
-      const TMissing unknown = Missing("nothing but the processor's flag tells of it");
+      const char* const none = "nothing but the processor's flag tells of it";
+      const TMissing unknown = Missing(failure.empty() ? none : failure);
       return Make(unknown, unknown, kFull, std::string(TCPUInfo::kPath) + ": flag hypervisor");
     }
   }
-  return Missing("no sign of a hypervisor");
+  return Missing(failure.empty() ? "no sign of a hypervisor" : failure);
 }
 
 TReading<THypervisor> Find(const THost& host) {
+  TReason failure;
   for (const auto find : {FindByXen, FindByFirmware, FindByZ, FindByDeviceTree, FindByPCI}) {
-    if (TReading<THypervisor> found = find(host)) return found;
+    TReading<THypervisor> found = find(host);
+    if (found) return found;
+    if (found.GetReason().IsError()) failure.Add(found.GetReason());
   }
-  return FindByProcessor(host);
+  return FindByProcessor(host, failure);
 }
 
 }  // namespace

@@ -57,7 +57,7 @@ std::string KindInEnvironment(const THost& host) {
 TText KindInFiles(const THost& host) {
   for (const char* path : {"/run/systemd/container", "/run/host/container-manager"}) {
     const TText kind = host.ReadLine(path);
-    if (kind) return *kind;
+    if (kind || kind.GetReason().IsError()) return kind;
   }
   constexpr std::pair<const char*, const char*> kFiles[] = {
       {"/run/.containerenv", "podman"},
@@ -75,12 +75,14 @@ TText KindInFiles(const THost& host) {
 }
 
 TText KindInGroup(const THost& host) {
-  return host.Read("/proc/1/cgroup").map([&host](const std::string& groups) -> std::string {
+  return host.Read("/proc/1/cgroup").and_then([&host](const std::string& groups) -> TText {
     for (const TSign& sign : kGroups) {
       if (groups.find(sign.fText) != std::string::npos) return sign.fKind;
     }
     // The group of all processes of the kernel has no type.
-    return host.Exists("/sys/fs/cgroup/cgroup.type").ValueOr(false) ? kOther : kNone;
+    return host.Exists("/sys/fs/cgroup/cgroup.type").map([](bool exists) -> std::string {
+      return exists ? kOther : kNone;
+    });
   });
 }
 

@@ -66,13 +66,14 @@ struct THierarchy {
     for (const TFiles& group : fGroups) {
       const TReading<std::optional<T>> limit = read(group);
       if (!limit) {
-        reason = limit.GetReason();
+        reason.Add(limit.GetReason());
       } else if (*limit && (!smallest || **limit < *smallest)) {
         smallest = **limit;
       }
     }
+    // A limit that cannot be read could be smaller.
+    if (reason.IsError() || (!smallest && !reason.empty())) return Missing(reason);
     if (smallest) return *smallest;
-    if (!reason.empty()) return Missing(reason);
     return Missing("not limited: " + fGroups.back().PathOf(""));
   }
 
@@ -138,13 +139,11 @@ TReading<std::optional<float>> Quota(const TFiles& group) {
 /// Returns the processors of the innermost group that names some.
 TText ReadProcessorSet(const THierarchy& groups, bool isUnified) {
   const char* const file = isUnified ? "cpuset.cpus.effective" : "cpuset.effective_cpus";
-  TText innermost = groups.fGroups.back().ReadLine(file);
-  for (auto group = groups.fGroups.rbegin(); !innermost && group != groups.fGroups.rend();
-       ++group) {
+  for (auto group = groups.fGroups.rbegin(); group != groups.fGroups.rend(); ++group) {
     TText line = group->ReadLine(file);
-    if (line) return line;
+    if (line || line.GetReason().IsError()) return line;
   }
-  return innermost;
+  return groups.fGroups.back().ReadLine(file);
 }
 
 }  // namespace
@@ -164,10 +163,15 @@ TControlGroup ReadControlGroup(const TFiles& files) {
     return {none, none, none, none, none};
   }
   const bool isUnified = *sign == "cgroup.controllers";
+  const std::uint16_t version = isUnified ? 2 : 1;
+  if (table.GetReason().IsError()) {  // which group it is, is not known
+    const TMissing unknown = Missing(table.GetReason());
+    return {version, unknown, unknown, unknown, unknown};
+  }
   const auto of = [&](const char* controller) {
     return THierarchy(files, table, controller, isUnified);
   };
-  return {isUnified ? std::uint16_t{2} : std::uint16_t{1},
+  return {version,
           of("memory").Smallest<std::uint64_t>(
               NumberIn(isUnified ? "memory.max" : "memory.limit_in_bytes")),
           of("cpu").Smallest<float>(isUnified ? UnifiedQuota : Quota),
