@@ -14,7 +14,7 @@ struct TDisk : TDrive {
 
 /// Reads it from ATA's page, else from that of SCSI.
 TReading<TDiskBuild> ReadBuild(const TDrive& drive) {
-  const TReading<TDiskBuild> ofATA =
+  TReading<TDiskBuild> ofATA =
       drive.fATA.map([](const TATAIdentity& identity) { return identity.fBuild; });
   if (ofATA.GetReason().IsError() || (ofATA && ofATA->fRotationRate != 0)) return ofATA;
   const TText page = drive.Read("device/vpd_pgb1");

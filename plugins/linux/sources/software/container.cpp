@@ -56,7 +56,7 @@ std::string KindInEnvironment(const THost& host) {
 /// Returns what files say that a container's manager makes; empty if there is none.
 TText KindInFiles(const THost& host) {
   for (const char* path : {"/run/systemd/container", "/run/host/container-manager"}) {
-    const TText kind = host.ReadLine(path);
+    TText kind = host.ReadLine(path);
     if (kind || kind.GetReason().IsError()) return kind;
   }
   constexpr std::pair<const char*, const char*> kFiles[] = {
