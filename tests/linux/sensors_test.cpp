@@ -69,7 +69,8 @@ thermal/acpitz: Name=thermal_zone0; CurrentReading=-44000; UpperThresholdCritica
 thermal/acpitz: UpperThresholdNonCritical=90000; Policy=step_wise; Mode=enabled; ElementName=acpitz
 thermal/acpitz 2: CurrentReading=1000; Name=thermal_zone2
 thermal/acpitz 3: UpperThresholdNonCritical=the zone has no such trip point
-cooling/Processor: CoolingState=-1; MaxCoolingState=10; ActiveCooling=false
+cooling/Processor: MaxCoolingState=10; ActiveCooling=false
+cooling/Processor: CoolingState=/sys/class/thermal/cooling_device0/cur_state: not known to the driver
 AC: Type=Mains; Online=false; IsACInput=true; Present=the kernel tells, not the firmware
 BAT0: BatteryStatus=8; ChargingStatus=2; Status=Charging; DesignCapacity=47520; HealthPercent=100
 BAT0: FullChargeCapacity=48600; DesignVoltage=10800; Current=-1500; Voltage=12229; RechargeCount=7
@@ -77,6 +78,7 @@ BAT0: SerialNumber=/sys/class/power_supply/BAT0/serial_number: placeholder text 
 BAT0: RemainingCapacity=/sys/class/power_supply/BAT0/energy_now: No such file or directory
 BAT0: EstimatedRunTime=60; Technology=LiFe; Model=LNV-45N1
 hid: EstimatedChargeRemaining=85; Scope=Device
+hid: RechargeCount=/sys/class/power_supply/hid/cycle_count: not known to the driver
 hid: Status=/sys/class/power_supply/hid/status: No such file or directory
 System Power Supply: Type=Switching; Status=OK; ElementName=PS1; Location=Rear 1; Manufacturer=DELTA
 System Power Supply: SerialNumber=SN7; Model=DPS-750; Revision=A01; Present=true; Unplugged=false
@@ -104,7 +106,8 @@ class LinuxSensors : public ::testing::Test {
     fMachine.WriteFiles(kSensorFiles);
     fMachine.Write(
         "sys/class/power_supply/hid/uevent",
-        "POWER_SUPPLY_TYPE=Battery\nPOWER_SUPPLY_CAPACITY=85\nPOWER_SUPPLY_SCOPE=Device\n");
+        "POWER_SUPPLY_TYPE=Battery\nPOWER_SUPPLY_CAPACITY=85\nPOWER_SUPPLY_SCOPE=Device\n"
+        "POWER_SUPPLY_CYCLE_COUNT=0\n");
     WriteFirmware(fMachine);
     const auto hwmon = fMachine.Path() / "sys/class/hwmon";
     const auto link = [&](const std::string& name, const std::string& device) {
@@ -140,9 +143,11 @@ TEST_F(LinuxSensors, HaveReadingsLimitsAndStates) {
 TEST_F(LinuxSensors, HaveABatteryOfTheFirmwareIfTheKernelHasNone) {
   const TMachine machine;
   WriteFirmware(machine);
+  const auto ns = machine.Namespace();
   ExpectValues(
-      ValuesOf(*machine.Namespace(), {"Battery"}),
+      ValuesOf(*ns, {"Battery"}),
       "Portable Battery: Model=DELL; Chemistry=6; DesignCapacity=50000; DesignVoltage=10800");
+  EXPECT_EQ(ReasonsOf(*ns).count("VORNSG_Battery"), 0U);  // all that there is was found
 }
 
 }  // namespace

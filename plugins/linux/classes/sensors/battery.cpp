@@ -120,6 +120,14 @@ auto Minutes(const char* now, const char* average) {
   };
 }
 
+/// Drivers have 0 for a count that the battery does not keep.
+TReading<std::uint32_t> CountCharges(const TPowerUnit& battery) {
+  const char* const property = "cycle_count";
+  auto count = KernelNumber<std::uint32_t>(property)(battery);
+  if (!count || *count != 0) return count;
+  return battery.fKernel->fFolder.MissingFrom(property, "not known to the driver");
+}
+
 TReading<bool> ReadPresent(const TPowerUnit& battery) {
   return KernelNumber<std::uint32_t>("present")(battery).map(
       [](std::uint32_t number) { return number != 0; });
@@ -182,8 +190,7 @@ TClass BatteryClass() {
         TUnit{"percent"}, kGauge, kVolatile},
        {"DesignVoltage", "The voltage that it was made for.", ReadDesignVoltage,
         TUnit{"volt * 10^-3"}},
-       {"RechargeCount", "How often it was charged; many drivers have 0 if they do not know.",
-        KernelNumber<std::uint32_t>("cycle_count"), kCounter, kVolatile},
+       {"RechargeCount", "How often it was charged.", CountCharges, kCounter, kVolatile},
        {"Voltage", "The voltage now.", KernelThousandths("voltage_now"), TUnit{"volt * 10^-3"},
         kGauge, kVolatile},
        {"Current", "The current now.", KernelThousandths("current_now"), TUnit{"ampere * 10^-3"},

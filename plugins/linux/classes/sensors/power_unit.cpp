@@ -21,6 +21,8 @@ void AddOfFirmware(TInstances<TPowerUnit>& units, const THost& host, std::uint8_
     units.fAll.push_back({{element.fTag, element.fName}, missing, element.fStructure});
   }
   if (elements.fReason.IsError() || units.fAll.empty()) units.Miss(elements.fReason);
+  // Without a folder of the kernel's, those of the firmware are all that there are.
+  if (!units.fAll.empty() && !units.fReason.IsError()) units.fReason = {};
 }
 
 }  // namespace NVORNQDX20

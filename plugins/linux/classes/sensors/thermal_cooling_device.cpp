@@ -20,6 +20,14 @@ TReading<bool> IsActive(const std::string& type) {
   return Missing("the type does not tell");
 }
 
+/// Some drivers have -1 for a state that they do not know, for example while they do not cool.
+TReading<std::int64_t> ReadState(const TFiles& device) {
+  const char* const file = "cur_state";
+  auto state = device.ReadNumber<std::int64_t>(file);
+  if (state && *state < 0) return device.MissingFrom(file, "not known to the driver");
+  return state;
+}
+
 TInstances<TThermalCoolingDevice> ListDevices(const THost& host) {
   const auto& devices = host.Shared<TThermal>().fCoolingDevices;
   TInstances<TThermalCoolingDevice> all({}, devices.fReason);
@@ -39,9 +47,7 @@ TClass ThermalCoolingDeviceClass() {
       "VORNSG_ThermalCoolingDevice",
       "A fan, a processor that can be slowed down, or what else the kernel can cool with.",
       ListDevices,
-      // Some drivers have -1 for a state that they do not know.
-      {{"CoolingState", "How much it cools now.", FileNumber<std::int64_t>("cur_state"), kGauge,
-        kVolatile},
+      {{"CoolingState", "How much it cools now.", ReadState, kGauge, kVolatile},
        {"MaxCoolingState", "The most that it can cool; 0 is for not at all.",
         FileNumber<std::int64_t>("max_state")}}}
       .DerivedFrom(CoolingDeviceTable());
