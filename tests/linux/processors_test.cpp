@@ -103,16 +103,19 @@ TEST_P(LinuxOddProcessors, AreCounted) {
 INSTANTIATE_TEST_SUITE_P(
     Machines, LinuxOddProcessors,
     ::testing::Values(
-        TOddMachine{"ClustersOfAChipAreNoSockets",
-                    R"(
+        TOddMachine{
+            "ClustersOfAChipAreNoSockets",
+            R"(
 sys/devices/system/cpu: present=0-1; online=0-1
 sys/devices/system/cpu/cpu0/topology: physical_package_id=0; core_id=0; core_siblings_list=0
 sys/devices/system/cpu/cpu1/topology: physical_package_id=1; core_id=0; core_siblings_list=1
 )",
-                    "processor: 0\nCPU implementer: 0x41\nCPU part: 0xd46\n\n"
-                    "processor: 1\nCPU implementer: 0x41\nCPU part: 0xd4e\n",
-                    "1 2 2 0 ",
-                    "CPU0: Name=Cortex-A510, Cortex-X3\nVORNSG:CPU0-0.1: Name=Cortex-X3\n"},
+            "processor: 0\nCPU implementer: 0x41\nCPU part: 0xd46\nFeatures: fp\n\n"
+            "processor: 1\nCPU implementer: 0x41\nCPU part: 0xd4e\n",
+            "1 2 2 0 ",
+            "CPU0: Name=Cortex-A510, Cortex-X3\nVORNSG:CPU0-0.1: Name=Cortex-X3\n"
+            "CPU0: VirtualizationTechnology=no flag of the processor names any\n"
+            "VORNSG:CPU0-0: CoreType=the kernel tells models, which differ, but no types\n"},
         TOddMachine{"SocketsOfOneKindAre",
                     R"(
 sys/devices/system/cpu: present=0-1; online=0-1
@@ -132,7 +135,9 @@ sys/devices/system/cpu/cpu10/topology: physical_package_id=-1; core_siblings_lis
                     "cpu: TI UltraSparc II\ntype: sun4u\nState:\nCPU6: online\nCPU10: online\n",
                     "2 2 2 2 ",
                     "CPU1: Name=TI UltraSparc II; FamilyID=sun4u; DataWidth=64\n"
-                    "CPU0: MaxClockSpeed=248\nL1d-10: NumberOfBlocks=16384\n"},
+                    "CPU0: MaxClockSpeed=248\nL1d-10: NumberOfBlocks=16384\n"
+                    "L1d-10: Ways=/sys/devices/system/cpu/cpu10/l1_dcache_size: of SPARC, which "
+                    "tells no more\n"},
         TOddMachine{"OldKernelsHaveNoLists",
                     R"(
 sys/devices/system/cpu/cpu0/topology: physical_package_id=0; core_siblings=00000000,00000003
@@ -154,7 +159,8 @@ sys/devices/system/cpu/cpu0/topology: physical_package_id=0; core_siblings_list=
                     "vendor_id: IBM/S390\ncache0: level=1 type=Data scope=Private size=96K "
                     "line_size=256 associativity=6\nprocessor 0: version = FF, machine = 2964\n",
                     "1 1 1 1 ",
-                    "CPU0: Name=IBM z13 (type 2964)\nL1d: NumberOfBlocks=98304; Ways=6\n"}),
+                    "CPU0: Name=IBM z13 (type 2964)\nL1d: NumberOfBlocks=98304; Ways=6\n"
+                    "L1d: Sets=/proc/cpuinfo: cache0: no number of sets\n"}),
     [](const auto& test) { return std::string(test.param.fName); });
 
 TEST(LinuxProcessors, AreThoseOfFirmwareWithoutAKernel) {
@@ -178,8 +184,10 @@ TEST(LinuxProcessors, AreThoseOfFirmwareWithoutAKernel) {
   std::string cache(0x13, '\0');
   cache[0] = 7;
   cache[2] = 7;
+  cache[6] = 2;
   cache[9] = 64;
-  cache[0x11] = 5;
+  cache[0x11] = 1;
+  cache[0x12] = 7;
   const std::string strings("SOCKET 0\0A processor\0", 21);
   machine.Write("sys/firmware/dmi/tables/DMI",
                 structure(socket, strings) + structure(empty, strings) + structure(cache, "") +
@@ -190,8 +198,10 @@ TEST(LinuxProcessors, AreThoseOfFirmwareWithoutAKernel) {
   ExpectValues(ValuesOf(*ns, kClasses), R"(
 CPU0: Name=A processor; SocketDesignation=SOCKET 0; NumberOfEnabledCores=4; MaxClockSpeed=100
 CPU0: CPUStatus=1; NumberOfLogicalProcessors=firmware does not say what is online
-CPU0-L1: NumberOfBlocks=65536; Level=3; CacheType=5
+CPU0-L1: NumberOfBlocks=65536; Level=3; CacheType=1; WritePolicy=5; Ways=8
 )");
+  EXPECT_EQ(ReasonsOf(*ns)["VORNSG_ProcessorCore"],
+            "CPU0: only the kernel lists cores, and its files are missing");
 }
 
 }  // namespace

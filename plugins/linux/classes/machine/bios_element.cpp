@@ -65,7 +65,7 @@ TNumber ReadROMSize(const TPhysicalElement& bios) {
 TText ReadSMBIOSVersion(const TPhysicalElement&, const THost& host) {
   return host.GetSMBIOS().and_then([](const TSMBIOS& smbios) -> TText {
     const unsigned int version = smbios.GetVersion();
-    if (version == 0) return Missing("/sys/firmware/dmi/tables/smbios_entry_point: no version");
+    if (version == 0) return Missing("no entry point of SMBIOS tells it");
     return std::to_string(version >> 8U) + "." + std::to_string(version & 0xFFU);
   });
 }

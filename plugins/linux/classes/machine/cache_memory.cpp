@@ -63,6 +63,8 @@ TReading<std::uint16_t> Type(const TCacheDevice& device) {
 }
 
 TReading<std::uint16_t> WritePolicy(const TCacheDevice& device) {
+  constexpr std::uint16_t kVaries = 5;
+  if (device.fCache.fWritePolicy.ValueOr("") == "Varies") return kVaries;
   return NumberOf(device.fCache.fWritePolicy, "WriteBack", "WriteThrough");
 }
 

@@ -115,7 +115,7 @@ TText VirtualizationTechnology(const TProcessor& processor) {
   if (HasFlag(flags, "vmx")) return "VT-x";
   if (HasFlag(flags, "svm")) return "AMD-V";
   if (!flags) return Missing(flags.GetReason());
-  return Missing("the processor has none, or firmware switched it off");
+  return Missing("no flag of the processor names any");
 }
 
 TReading<std::uint16_t> CountThreads(const TProcessor& processor) {

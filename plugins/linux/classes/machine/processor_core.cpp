@@ -15,7 +15,11 @@ TInstances<TCore> ListCores(const THost& host) {
   TInstances<TCore> cores({}, topology.GetReason());
   for (const TSocket& socket : topology.GetSockets()) {
     cores.fAll.insert(cores.fAll.end(), socket.fCores.begin(), socket.fCores.end());
-    if (socket.fCores.empty()) cores.Miss(socket.fID + ": " + socket.fCoreCount.GetReason());
+    if (!socket.fCores.empty()) continue;
+    const TReason unknown = socket.fCoreCount.GetReason();
+    cores.Miss(
+        socket.fID + ": " +
+        (unknown.empty() ? "only the kernel lists cores, and its files are missing" : unknown));
   }
   return cores;
 }

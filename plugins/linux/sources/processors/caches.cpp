@@ -80,6 +80,10 @@ class TCollector {
       cache.fKind = kind.fKind;
       cache.fSize = folder.ReadNumber(prefix + "_size");
       cache.fLineSize = ReadKnown(folder, (prefix + "_line_size").c_str());
+      const TMissing unknown =
+          folder.MissingFrom(prefix + "_size", "of SPARC, which tells no more");
+      cache.fWays = cache.fSets = unknown;
+      cache.fWritePolicy = unknown;
       cache.fUsers = TCPUs{cpu};
       Add(std::move(cache));
     }
@@ -125,6 +129,8 @@ std::vector<TCache> CachesOfZ(const TCPUFields& fields) {
     cache.fSize = ParseCacheSize(TakeField(*line, "size"), source);
     cache.fLineSize = ToNumber<std::uint32_t>(TakeField(*line, "line_size"), source);
     cache.fWays = ToNumber<std::uint32_t>(TakeField(*line, "associativity"), source);
+    cache.fSets = Missing(source + ": no number of sets");
+    cache.fWritePolicy = Missing(source + ": no policy of writes");
     cache.fUsers = Missing(source + ": does not say which processors share it");
     cache.fID = CacheName(cache.fLevel, cache.fKind);
     if (!cache.fID.empty()) all.push_back(std::move(cache));
@@ -157,6 +163,19 @@ TText NameOf(const TReading<unsigned>& number, std::initializer_list<const char*
   return Missing("firmware does not know it");
 }
 
+/// Returns how many lines can hold the same address: the associativity of DSP0134.
+TReading<std::uint32_t> WaysOfFirmware(const TSMBIOSStructure& structure) {
+  constexpr std::size_t kAssociativity = 0x12;
+  constexpr std::uint32_t kWays[] = {0, 0, 0, 1, 2, 4, 0, 8, 16, 12, 24, 32, 48, 64, 20};
+  return structure.ReadNumber<std::uint8_t>(kAssociativity)
+      .and_then([&](std::uint8_t number) -> TReading<std::uint32_t> {
+        if (number < std::size(kWays) && kWays[number] != 0) return kWays[number];
+        constexpr std::uint8_t kFully = 6;
+        return structure.MissingFrom(number == kFully ? "fully associative"
+                                                      : "firmware does not know it");
+      });
+}
+
 TCache CacheOfFirmware(const TSMBIOSStructure& structure) {
   constexpr std::size_t kConfiguration = 0x05, kType = 0x11;
   const auto configuration = structure.ReadNumber<std::uint16_t>(kConfiguration);
@@ -165,13 +184,14 @@ TCache CacheOfFirmware(const TSMBIOSStructure& structure) {
   cache.fLevel = configuration.map(
       [](std::uint16_t bits) { return static_cast<std::uint16_t>((bits & 7U) + 1U); });
   cache.fKind = NameOf(structure.ReadNumber<std::uint8_t>(kType).map(widen),
-                       {nullptr, nullptr, nullptr, "Instruction", "Data", "Unified"});
+                       {nullptr, "Other", nullptr, "Instruction", "Data", "Unified"});
   cache.fWritePolicy =
       NameOf(configuration.map([](std::uint16_t bits) { return (bits >> 8U) & 3U; }),
-             {"WriteThrough", "WriteBack"});
+             {"WriteThrough", "WriteBack", "Varies"});
   cache.fSize = FirmwareSize(structure);
+  cache.fWays = WaysOfFirmware(structure);
   const TMissing unknown = structure.MissingFrom("firmware does not say it");
-  cache.fLineSize = cache.fWays = cache.fSets = unknown;
+  cache.fLineSize = cache.fSets = unknown;
   cache.fUsers = unknown;
   return cache;
 }

@@ -273,6 +273,17 @@ TCPUModel ReadModel(const TFiles& files, const TCPUInfo& info, unsigned cpu) {
   return model;
 }
 
+/// For cores of different models, such as those of ARM, the kernel has no lists by type.
+void ExplainCoreTypes(TSocket& socket) {
+  const auto isOfFirstModel = [&socket](const TCore& core) {
+    return core.fModel.fName.ValueOr("") == socket.fCores.front().fModel.fName.ValueOr("");
+  };
+  if (std::all_of(socket.fCores.begin(), socket.fCores.end(), isOfFirstModel)) return;
+  for (TCore& core : socket.fCores) {
+    if (!core.fType) core.fType = Missing("the kernel tells models, which differ, but no types");
+  }
+}
+
 void ReadCores(const TFiles& files, const TCPUInfo& info, const TCoreTypes& types,
                TSocket& socket) {
   for (TCore& core : socket.fCores) {
@@ -282,6 +293,7 @@ void ReadCores(const TFiles& files, const TCPUInfo& info, const TCoreTypes& type
     core.fClock = ReadClock(FolderOf(files, first));
     if (!core.fClock.fMax && core.fModel.fFixedClock) core.fClock.fMax = core.fModel.fFixedClock;
   }
+  ExplainCoreTypes(socket);
 }
 
 /// Returns the names of all kinds of cores, each once, in their order.
