@@ -188,6 +188,9 @@ const char* const kMountInfo =
     "72 67 0:50 / /tmp rw - tmpfs  rw,size=1k\n"
     "73 67 0:51 / /share rw - cifs //srv/x rw,username=me,password=a,,b,uid=0\n"
     "74 67 0:52 / /ssh rw - fuse.sshfs me@srv:/home rw,user_id=0\n"
+    "76 67 0:53 / /auto rw - autofs systemd-1 rw\n"
+    "77 67 0:54 / /work rw - lustre 10.0.0.1@o2ib:10.0.0.2@o2ib:/work rw\n"
+    "78 67 0:55 / /proc/bus/usb rw - usbfs /proc/bus/usb rw\n"
     "broken 67 8:1\n75 67 8:1 / /lost rw - vfat\n";
 
 const char* const kMountValues = R"(
@@ -198,6 +201,8 @@ const char* const kMountValues = R"(
 /tmp: Device=; SourceDevice=; PersistenceType=3; MountOptions=rw,size=1k
 /share: MountOptions=rw,username=[removed],password=[removed],uid=0; PersistenceType=4
 /ssh: Device=[removed]@srv:/home; PersistenceType=4; MountOptions=rw,user_id=0
+/auto: PersistenceType=0
+/work: Device=10.0.0.1@o2ib:10.0.0.2@o2ib:/work; PersistenceType=4
 /dev/dm-1: Type=partition; Size=1047552; UsedSpace=1024; Priority=-2
 /swap file: Type=file; Size=2048; Priority=5
 )";
@@ -227,11 +232,11 @@ TEST_F(LinuxStorage, KnowsWhatIsMountedAndWhatIsConfigured) {
   TTexts values = ValuesOf(*ns, {"FileSystem"});
   for (auto& [name, value] : ValuesOf(*ns, {"SwapSpace"})) values[name] = value;
   ExpectValues(ValuesOf(*ns, {"MountSetting"}), kFstabValues);
-  EXPECT_EQ(InstancesOf(*ns, "VORNSG_FileSystem").size(), 6U);
+  EXPECT_EQ(InstancesOf(*ns, "VORNSG_FileSystem").size(), 8U);
   ExpectValues(values, kMountValues);
   EXPECT_EQ(TiesOf(*ns, "ResidesOnExtent"),
             (std::vector<std::string>{"/dev/dm-0 /", "/dev/sda1 /boot", "/dev/sda1 /mnt"}));
-  EXPECT_EQ(TiesOf(*ns, "HostedFileSystem", "PartComponent", "PartComponent").size(), 6U);
+  EXPECT_EQ(TiesOf(*ns, "HostedFileSystem", "PartComponent", "PartComponent").size(), 8U);
 }
 
 }  // namespace

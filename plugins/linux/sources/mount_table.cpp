@@ -29,7 +29,7 @@ constexpr std::string_view kInterfaceTypes[] = {
     "binfmt_misc", "bpf",       "cgroup",   "cgroup2", "configfs",  "debugfs",
     "devpts",      "devtmpfs",  "efivarfs", "fusectl", "hugetlbfs", "mqueue",
     "nfsd",        "nsfs",      "proc",     "pstore",  "rootfs",    "rpc_pipefs",
-    "securityfs",  "selinuxfs", "sysfs",    "tracefs"};
+    "securityfs",  "selinuxfs", "sysfs",    "tracefs", "usbfs"};
 
 template <std::size_t kSize>
 bool IsOneOf(const std::string_view (&types)[kSize], const std::string& type) {

@@ -49,7 +49,7 @@ auto Inodes(std::uint64_t TSpace::*field) {
 }
 
 std::string DeviceOf(const TFileSystem& system) {
-  return WithoutCredentials(PrintableText(system.fMount.fDevice));
+  return WithoutCredentials(PrintableText(system.fMount.fDevice), system.fMount.fType);
 }
 
 TText FolderOf(const TFileSystem& system) {
@@ -57,13 +57,17 @@ TText FolderOf(const TFileSystem& system) {
   return PrintableText(system.fMount.fFolder);
 }
 
-constexpr std::uint16_t kPersistent = 2, kTemporary = 3, kExternal = 4;
+constexpr std::uint16_t kUnknown = 0, kPersistent = 2, kTemporary = 3, kExternal = 4;
 
 std::uint16_t PersistenceTypeOf(const TFileSystem& system) {
   for (const char* inMemory : {"tmpfs", "ramfs"}) {
     if (system.fMount.fType == inMemory) return kTemporary;
   }
-  return IsRemoteType(system.fMount.fType) ? kExternal : kPersistent;
+  const std::string& type = system.fMount.fType;
+  if (IsRemoteType(type)) return kExternal;
+  // A program decides, or what is mounted there when it is used.
+  const bool isOpen = type == "autofs" || type == "fuse" || type.compare(0, 5, "fuse.") == 0;
+  return isOpen ? kUnknown : kPersistent;
 }
 
 }  // namespace

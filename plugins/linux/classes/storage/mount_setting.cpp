@@ -43,7 +43,7 @@ TInstances<TSetting> ListSettings(const THost& host) {
 bool HasPath(const TSetting& setting) { return setting.fPath.front() == '/'; }
 
 std::string DeviceOf(const TSetting& setting) {
-  return WithoutCredentials(PrintableText(setting.fDevice));
+  return WithoutCredentials(PrintableText(setting.fDevice), setting.fType);
 }
 
 /// Several lines for swap space have the same word in the place of a path.

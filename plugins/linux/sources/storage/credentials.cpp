@@ -52,7 +52,9 @@ std::size_t FindEndOfUser(const std::string& device) {
 
 }  // namespace
 
-std::string WithoutCredentials(std::string device) {
+std::string WithoutCredentials(std::string device, const std::string& fileSystemType) {
+  // Its servers are addresses in networks: "10.0.0.1@o2ib:/home".
+  if (fileSystemType == "lustre") return device;
   const std::size_t scheme = device.find("://");
   if (device.compare(0, 2, "//") == 0) {
     const std::string share = device.substr(2);
