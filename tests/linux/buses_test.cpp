@@ -97,7 +97,7 @@ sys/bus/usb/devices/1-1.4:1.0: bInterfaceClass=03; uevent=DRIVER=usbhid
 sys/bus/usb/devices/1-1.4:1.1: bInterfaceClass=03; uevent=DRIVER=usbhid
 sys/bus/usb/devices/1-1.4:1.2: bInterfaceClass=0b; uevent=A=1
 sys/bus/usb/devices/2-1: idVendor=xyz; bDeviceClass=00; speed=unknown
-sys/bus/usb/devices/usb3: speed=20000
+sys/bus/usb/devices/usb3: speed=20000; bMaxPacketSize0=9
 sys/bus/usb/devices/9-9:1.0: bInterfaceClass=03
 )";
 
@@ -120,6 +120,7 @@ usb1: VendorName=/usr/share/misc/usb.ids: has no '1d6b'
 2-1: VendorID=/sys/bus/usb/devices/2-1/idVendor: '0xxyz' is no valid number
 2-1: Speed=/sys/bus/usb/devices/2-1/speed: not known; ClassDescription=(Defined at Interface level)
 usb3: CreationClassName=VORNSG_USBHub; Speed=20000000000
+usb3: MaxPacketSize=/sys/bus/usb/devices/usb3/bMaxPacketSize0: 512 bytes are out of range
 )";
 
 TEST(LinuxBuses, HaveUSBDevices) {

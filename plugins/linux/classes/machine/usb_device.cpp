@@ -56,6 +56,15 @@ TReading<std::uint16_t> ReadMaxPower(const TFiles& device) {
   return ToNumber<std::uint16_t>(digits, device.PathOf(file));
 }
 
+/// From USB 3 on, the number is the exponent of two of a size that a byte cannot hold.
+TReading<std::uint8_t> ReadMaxPacketSize(const TFiles& device) {
+  const char* const file = "bMaxPacketSize0";
+  constexpr std::uint8_t kExponent = 9;
+  auto size = device.ReadNumber<std::uint8_t>(file);
+  if (size && *size == kExponent) return device.MissingFrom(file, "512 bytes are out of range");
+  return size;
+}
+
 TReading<std::vector<std::uint8_t>> InterfaceClassesOf(const TUSBDevice& device) {
   if (!device.fInterfaceError.empty()) return Missing(device.fInterfaceError);
   return device.fInterfaceClasses;
@@ -92,8 +101,8 @@ THostTable<TUSB> USBDeviceTable() {
        {"Speed", "The speed of its link.", ReadSpeed, TUnit{"bit / second"}},
        {"MaxPower", "The most current that it takes from the bus.", ReadMaxPower,
         TUnit{"ampere * 10^-3"}},
-       {"MaxPacketSize", "The largest packet of its control endpoint.",
-        FileNumber<std::uint8_t>("bMaxPacketSize0"), TUnit{"byte"}},
+       {"MaxPacketSize", "The largest packet of its control endpoint.", ReadMaxPacketSize,
+        TUnit{"byte"}},
        {"NumberOfConfigs", "The configurations that it has.",
         FileNumber<std::uint8_t>("bNumConfigurations")},
        {"CurrentConfigValue", "The one in use.", FileNumber<std::uint8_t>("bConfigurationValue")},
