@@ -32,7 +32,8 @@ const char* const kValues = R"(
 : PointRelease=12.11; DistributionID=debian; MachineID=8f7e; TimeZone=Etc/UTC; CurrentTimeZone=0
 : KernelRelease=6.1.0-18; KernelVersion=#1 SMP Debian; Architecture=aarch64; BootID=b00t
 : KernelCommandLine=quiet root=/dev/sda1; MaxNumberOfProcesses=4194304; Caption=Debian 12
-: Container=other; VirtualMachine=none; LimitScope=container; MemoryLimit=1073741824
+: Container=other; LimitScope=container; MemoryLimit=1073741824
+: VirtualMachine=nothing is there that would tell of a hypervisor
 : ProcessorLimit=1.5; ProcessLimit=not limited: /sys/fs/cgroup; ProcessorSet=0-1
 : ControlGroupVersion=2; OSType=36
 xt_nat: Size=16384; UseCount=1; UsedBy={ nf_nat, nf_tables }; State=Live; Taint=(OE); Version=1.2
@@ -170,6 +171,7 @@ made.service: UnitFileState=generated
 passing.service: UnitFileState=transient
 loop1.service: UnitFileState=bad; AliasOf=loop2.service
 missing.service: UnitFileState=bad
+missing.service: EnabledDefault=/etc/systemd/system/missing.service: No such file or directory
 u@x.service: UnitFileState=static
 huge.service: UnitFileState=bad
 a.timer: Times={ OnCalendar=daily, OnBootSec=5min }; Unit=a.service; UnitFileState=static
@@ -197,7 +199,7 @@ TEST_F(LinuxSoftware, TellsContainersAndLimits) {
       {"proc/1/environ", std::string("container=lxc\0", 14), "Container", "lxc"},
       {".dockerenv", "", "Container", "docker"},
       {"run/systemd/container", "systemd-nspawn", "Container", "systemd-nspawn"},
-      {"sys/class/dmi/id/sys_vendor", "QEMU", "VirtualMachine", "QEMU"},
+      {"sys/class/dmi/id/product_name", "CloudStack KVM Hypervisor", "VirtualMachine", "KVM"},
       {"etc/debian_version", "trixie/sid", "PointRelease",
        "/etc/debian_version: no number in 'trixie/sid'"},
       {"etc/os-release", "ID=ubuntu\nVERSION=\"22.04.4 LTS (J)\"", "PointRelease", "22.04.4"},
@@ -232,6 +234,8 @@ TEST_F(LinuxSoftware, SaysWhyNothingIsThere) {
             "the packages are those of rpm, whose database /var/lib/rpm is not read");
   fMachine.Write("var/lib/dpkg/status.d/base", "Package: base\nVersion: 1\n");
   EXPECT_EQ(InstancesOf(*fMachine.Namespace(), "VORNSG_SoftwareIdentity").size(), 1U);
+  fs::remove_all(fMachine.Path() / "proc/1");
+  EXPECT_EQ(OS("NumberOfProcesses"), "/proc: shows no process 1, so that others may be hidden");
   fs::remove_all(fMachine.Path() / "usr");
   fs::remove_all(fMachine.Path() / "etc/init.d");
   EXPECT_EQ(why("VORNSG_Service"), "/usr/lib/systemd/system: No such file or directory");

@@ -104,6 +104,18 @@ TText LimitScope(const TSystem& system) {
   });
 }
 
+/// Returns whether something is there that would tell of a hypervisor: of processors, only those of
+/// x86 do.
+bool MayTellOfHypervisor(const THost& host) {
+  for (const TSocket& socket : host.Shared<TTopology>().GetSockets()) {
+    if (HasFlag(socket.fModel.fFlags, "cx8")) return true;
+  }
+  for (const char* const path : {"/sys/class/dmi/id", "/proc/device-tree", "/proc/sysinfo"}) {
+    if (host.Exists(path).ValueOr(false)) return true;
+  }
+  return bool(host.GetSMBIOS());
+}
+
 /// Processors tell of a hypervisor; without them, nothing has been asked.
 TText ReadVirtualMachine(const THost& host) {
   const auto& found = host.Shared<TFoundHypervisor>().fHypervisor;
@@ -112,6 +124,9 @@ TText ReadVirtualMachine(const THost& host) {
   if (found) return found->fName.ValueOr("other");
   const auto& topology = host.Shared<TTopology>();
   if (topology.GetSockets().empty()) return Missing(topology.GetReason());
+  if (!MayTellOfHypervisor(host)) {
+    return Missing("nothing is there that would tell of a hypervisor");
+  }
   return kNone;
 }
 
@@ -153,6 +168,10 @@ TReading<std::uint32_t> CountProcesses(const THost& host) {
       [&](const std::vector<std::string>& names) -> TReading<std::uint32_t> {
         const auto count = std::count_if(names.begin(), names.end(), isNumber);
         if (count == 0) return Missing("/proc: shows no processes");
+        // The option "hidepid" of /proc hides those of other users; a copy may have a few only.
+        if (std::find(names.begin(), names.end(), "1") == names.end()) {
+          return Missing("/proc: shows no process 1, so that others may be hidden");
+        }
         return static_cast<std::uint32_t>(count);
       });
 }

@@ -41,8 +41,9 @@ constexpr std::uint16_t kDisabled = 3;
 constexpr std::uint16_t kNotApplicable = 5;
 
 TReading<std::uint16_t> EnabledDefault(const TServiceUnit& unit) {
-  return unit.fState.map([](const std::string& state) {
+  return unit.fState.and_then([&](const std::string& state) -> TReading<std::uint16_t> {
     if (IsEnabled(state)) return kEnabled;
+    if (state == "bad") return Missing(unit.fSettings.GetReason());
     return state == "disabled" || IsMasked(state) ? kDisabled : kNotApplicable;
   });
 }

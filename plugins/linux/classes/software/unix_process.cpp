@@ -2,6 +2,8 @@
 // Class VORNSG_UnixProcess: the processes that run just now.
 #include <qdxcore/schema_helper.h>
 
+#include <algorithm>
+
 #include "classes/catalogue.h"
 #include "sources/os_release.h"
 #include "sources/software/boot_time.h"
@@ -12,6 +14,13 @@ namespace {
 
 TInstances<TProcess> ListProcesses(const THost& host) {
   TProcesses processes = ReadProcesses(host);
+  const bool hasFirst = std::any_of(processes.fAll.begin(), processes.fAll.end(),
+                                    [](const TProcess& process) { return process.fID == "1"; });
+  // The option "hidepid" of /proc hides those of other users.
+  if (host.IsThisMachine() && !hasFirst && !processes.fAll.empty()) {
+    processes.fReason.Add(
+        {"/proc: shows no process 1, so that others may be hidden", TReason::kError});
+  }
   return {std::move(processes.fAll), std::move(processes.fReason)};
 }
 

@@ -39,7 +39,8 @@ constexpr TKnown kDMIStrings[] = {{"KVM", "KVM", "KVM"},
                                   {"Apple Virtualization", "Virtualization", "Apple"},
                                   {"DigitalOcean", "KVM", "KVM"},
                                   {"oVirt", "KVM", "KVM"},
-                                  {"RHEV Hypervisor", "KVM", "KVM"}};
+                                  {"RHEV Hypervisor", "KVM", "KVM"},
+                                  {"CloudStack KVM", "KVM", "KVM"}};
 
 /// Vendor and device of PCI functions that only hypervisors have, as /proc/bus/pci/devices has
 /// them.
