@@ -38,9 +38,8 @@ TInstanceName InstanceOf(const TPorts& ports, const std::string& interface) {
 
 TInstances<TMembership> ListMembers(const THost& host) {
   const TPorts& ports = host.Shared<TPorts>();
-  const TInstances<TBond>& bonds = host.Shared<TBonds>().fAll;
-  TInstances<TMembership> members({}, bonds.fReason);
-  for (const TBond& bond : bonds.fAll) {
+  TInstances<TMembership> members;
+  for (const TBond& bond : host.Shared<TBonds>().fAll.fAll) {
     if (!bond.fMembers) members.Miss(bond.fMembers.GetReason());
     for (const TBondMember& member : bond.fMembers.ValueOr({})) {
       members.fAll.push_back({{kPortGroupClassName, bond.fName},

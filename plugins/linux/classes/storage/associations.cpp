@@ -12,19 +12,20 @@
 namespace NVORNQDX20 {
 namespace {
 
-TInstances<TTie> ListMedia(const THost& host) {
-  const auto& devices = host.Shared<TBlockDevices>();
-  TInstances<TTie> ties({}, devices.GetReason());
-  for (const TBlockDevice& device : devices.All()) {
+// What the tied classes lack is added to their associations by itself.
+
+std::vector<TTie> ListMedia(const THost& host) {
+  std::vector<TTie> ties;
+  for (const TBlockDevice& device : host.Shared<TBlockDevices>().All()) {
     if (device.fKind != EBlockKind::kDrive || !IsExtent(device)) continue;
-    ties.fAll.push_back({DriveName(device), ExtentName(device)});
+    ties.push_back({DriveName(device), ExtentName(device)});
   }
   return ties;
 }
 
 TInstances<TTie> ListBases(const THost& host) {
   const auto& devices = host.Shared<TBlockDevices>();
-  TInstances<TTie> ties({}, devices.GetReason());
+  TInstances<TTie> ties;
   for (const TBlockDevice& device : devices.All()) {
     if (device.fSlaves.GetReason().IsError()) ties.Miss(device.fSlaves.GetReason());
     std::vector<std::string> bases = device.fSlaves.ValueOr({});
@@ -50,9 +51,8 @@ std::string NamespaceOf(const std::string& path) {
 TInstances<TTie> ListControlled(const THost& host) {
   const auto& devices = host.Shared<TBlockDevices>();
   const TFiles folder = host.In("/sys/class/nvme");
-  const auto controllers = folder.List();
-  TInstances<TTie> ties({}, controllers.GetReason());
-  for (const std::string& controller : controllers.ValueOr({})) {
+  TInstances<TTie> ties;
+  for (const std::string& controller : folder.List().ValueOr({})) {
     const auto files = folder.List(controller);
     if (!files) ties.Miss(files.GetReason());
     for (const std::string& file : files.ValueOr({})) {
