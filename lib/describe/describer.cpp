@@ -15,6 +15,7 @@
 #include <exception>
 #include <functional>
 #include <iterator>
+#include <map>
 #include <new>
 #include <optional>
 #include <unordered_map>
@@ -309,6 +310,36 @@ class TDescription {
   std::unordered_map<std::string, std::size_t> fPlaces;  // positions in fMissing
 };
 
+/// Why instances of one class lack a property.
+class TReasonsOfProperty {
+ public:
+  void Add(const std::string& instance, const TReason& reason) {
+    fInstances[{reason, reason.IsError()}].push_back(instance);
+  }
+
+  /// Of thousands of instances most lack a property for the same reason. It is recorded once,
+  /// without an instance, unless that would name one: `isEmptyKey` if an instance has an empty key.
+  void Record(TDescription& description, const std::string& className, const std::string& property,
+              bool isEmptyKey) {
+    const auto hasFewer = [](const auto& one, const auto& other) {
+      return one.second.size() < other.second.size();
+    };
+    const auto commonest = std::max_element(fInstances.begin(), fInstances.end(), hasFewer);
+    for (auto each = fInstances.begin(); each != fInstances.end(); ++each) {
+      const auto& [text, isError] = each->first;
+      std::vector<std::string>& instances = each->second;
+      if (each == commonest && instances.size() > 1 && !isEmptyKey) instances = {""};
+      for (std::string& instance : instances) {
+        description.Miss({className, std::move(instance), property,
+                          TReason(text, isError ? TReason::kError : TReason::kAbsence)});
+      }
+    }
+  }
+
+ private:
+  std::map<std::pair<std::string, bool>, std::vector<std::string>> fInstances;
+};
+
 /// Adds the instances of one class.
 class TInstanceWriter final : public IInstanceSink {
  public:
@@ -325,7 +356,7 @@ class TInstanceWriter final : public IInstanceSink {
       const auto referenced = property->fDecl->GetDefaultValue().GetReferencedClass();
       if (property->fIsKey) fLastKey = fColumns.size();
       fColumns.push_back(
-          {name, property->fIsKey, isText, referenced ? referenced->GetName({}) : ""});
+          {name, property->fIsKey, isText, referenced ? referenced->GetName({}) : "", {}});
     }
   }
 
@@ -342,8 +373,17 @@ class TInstanceWriter final : public IInstanceSink {
     const std::string key = isOnly || !fLastKey ? std::string() : KeyText(cells[*fLastKey]);
     if (!Commit(*instance, key)) return true;
     fDescription.Add(instance);
+    fHasEmptyKey = fHasEmptyKey || key.empty();
     for (std::size_t i = 0; i < cells.size(); ++i) SetValue(instance, fColumns[i], cells[i], key);
     return true;
+  }
+
+  /// Records why values are missing, once all instances are there.
+  void Explain() {
+    for (TColumn& column : fColumns) {
+      column.fReasons.Record(fDescription, fClass->GetName({}), column.fName,
+                             fHasEmptyKey || column.fIsKey);
+    }
   }
 
   /// Returns whether there are no instances, and no reason for that.
@@ -371,6 +411,7 @@ class TInstanceWriter final : public IInstanceSink {
     bool fIsKey;
     bool fIsText;
     std::string fReferencedClass;
+    TReasonsOfProperty fReasons;
   };
 
   static std::string KeyText(const TCell& key) {
@@ -414,27 +455,23 @@ class TInstanceWriter final : public IInstanceSink {
 
   /// Keys are set already. A property that is not set keeps the declared default: null of the
   /// declared type.
-  void SetValue(const boost::shared_ptr<ICIMInstance>& instance, const TColumn& column,
-                const TCell& cell, const std::string& key) {
+  void SetValue(const boost::shared_ptr<ICIMInstance>& instance, TColumn& column, const TCell& cell,
+                const std::string& key) {
     const bool isReference = !cell.fTarget.fClass.empty();
     if (isReference && !column.fIsKey) {
-      fDescription.SetReferenceLater(instance, Place(column, key, ""), cell.fTarget,
-                                     column.fReferencedClass);
+      fDescription.SetReferenceLater(instance, {fClass->GetName({}), key, column.fName, ""},
+                                     cell.fTarget, column.fReferencedClass);
     } else if (!column.fIsKey && !cell.fValue.IsNull()) {
       instance->SetPropertyValue(column.fName, cell.fValue, {});
     }
-    TReason reason = ReasonOf(cell);
-    if (!reason.empty()) fDescription.Miss(Place(column, key, std::move(reason)));
+    const TReason reason = ReasonOf(cell);
+    if (!reason.empty()) column.fReasons.Add(key, reason);
   }
 
   /// Each null has a reason.
   static TReason ReasonOf(const TCell& cell) {
     const bool isNull = cell.fValue.IsNull() && cell.fTarget.fClass.empty();
     return isNull && cell.fReason.empty() ? kNotRead : cell.fReason;
-  }
-
-  TMissingValue Place(const TColumn& column, const std::string& key, TReason reason) const {
-    return {fClass->GetName({}), key, column.fName, std::move(reason)};
   }
 
   TDescription& fDescription;
@@ -444,6 +481,7 @@ class TInstanceWriter final : public IInstanceSink {
   std::optional<std::size_t> fLastKey;
   std::size_t fCount = 0;
   bool fHasMissed = false;
+  bool fHasEmptyKey = false;
 };
 
 /// Returns the steps of the wanted classes, and of those that they need.
@@ -547,6 +585,7 @@ TNamespace TDescriber::Describe(const std::vector<TStep>& steps, const TOptionsM
     if (!step.fDescribe) continue;
     TInstanceWriter writer(description, step, fMaxInstances);
     step.fDescribe(*ns, writer);
+    writer.Explain();
     if (IsAssociation(step)) writer.MissWithTargets();
     const bool isExplained = !writer.IsEmpty() || RefersToLeftOut(*step.fDeclaration, parts);
     if (explains == EExplains::kAlways && !isExplained) writer.Miss("none was found");

@@ -27,7 +27,9 @@ TClassDeclaration Declaration() {
   return {kMissingValueClass,
           "A value that this machine does not have, or does not tell, and why.",
           {Text("ClassName", true, "The class of the instance that lacks it."),
-           Text("Instance", true, "The key of that instance; empty where the class has only one."),
+           Text("Instance", true,
+                "The key of that instance; empty where the class has only one, and for all "
+                "instances that lack the value for the same reason."),
            Text("PropertyName", true,
                 "The property that is null; empty where the class lacks instances."),
            Text("Reason", false, "What stood in the way."),

@@ -22,11 +22,14 @@ TInstanceReasons::TInstanceReasons(const TMissingReasons& reasons, const TClassS
     const TJSON& key = instance.fValues[i];
     fKeys.push_back(key.is_string() ? key.get<std::string>() : PlainText(key));
   }
+  // What all instances lack for the same reason is explained once, without a key.
+  fKeys.emplace_back();
 }
 
 const TReason* TInstanceReasons::Find(std::size_t property) const {
   const TJSON& value = fInstance.fValues[property];
-  if (fReasons.empty() || (!value.is_null() && value != "")) return nullptr;
+  const bool isMissing = value.is_null() || (fClass.fProperties[property].fIsKey && value == "");
+  if (fReasons.empty() || !isMissing) return nullptr;
   const std::string& name = fClass.fProperties[property].fName;
   for (const std::string& key : fKeys) {
     const auto found = fReasons.find({fClass.fName, key, name});

@@ -242,6 +242,39 @@ TEST(Tables, LeaveOutWhatHasNoKeysOfItsOwn) {
   EXPECT_EQ(ReadMissingReasons(*ns), reasons);
 }
 
+TEST(Tables, ExplainOnceWhatManyInstancesLackForTheSameReason) {
+  struct TLack {
+    std::string fName;
+    TNumber fSize;
+  };
+  const auto reasonsOf = [](const std::vector<TLack>& all) {
+    const TTable<TLack> table{"T_Lack",
+                              "",
+                              [&all](const TRequest&) { return all; },
+                              {{"Name", "", &TLack::fName, kKey}, {"Size", "", &TLack::fSize}}};
+    const auto provider = MakeProvider("test", "root/test", {table});
+    return ReadMissingReasons(*provider->GetNamespace("root/test", {}));
+  };
+  const TReason error("gone", TReason::kError);
+  const std::vector<TLack> some = {{"a", Missing(error)},
+                                   {"b", Missing("gone")},
+                                   {"c", 1U},
+                                   {"d", Failed("gone")},
+                                   {"e", Missing("far")}};
+  const TMissingReasons shared = {{{"T_Lack", "", "Size"}, error},
+                                  {{"T_Lack", "b", "Size"}, "gone"},
+                                  {{"T_Lack", "e", "Size"}, "far"}};
+  const TMissingReasons reasons = reasonsOf(some);
+  EXPECT_EQ(reasons, shared);
+  EXPECT_TRUE(reasons.at({"T_Lack", "", "Size"}).IsError());
+  // An instance without a name would be taken for all of them.
+  const TMissingReasons separate = {{{"T_Lack", "", "Size"}, "gone"},
+                                    {{"T_Lack", "a", "Size"}, "far"},
+                                    {{"T_Lack", "b", "Size"}, "far"}};
+  EXPECT_EQ(reasonsOf({{"", Missing("gone")}, {"a", Missing("far")}, {"b", Missing("far")}}),
+            separate);
+}
+
 TEST(Tables, KeepAnErrorThatALongReasonHasNoRoomFor) {
   const std::string absence(600, 'x');
   const auto list = [&absence](const TRequest&) -> TInstances<TOnly> { return {{{}}, absence}; };

@@ -6,6 +6,7 @@
 #include <qdxcore/interfaces.h>
 #include <qdxcore/os_specific.h>
 #include <qdxcore/registry.h>
+#include <qdxdescribe/missing_values.h>
 #include <qdxmodel/classes.h>
 
 #include <filesystem>
@@ -57,7 +58,15 @@ using TTexts = std::map<std::string, std::string>;
 /// its property: "eth0Speed"; and "Version" of the one operating system. In the place of a null
 /// stands the reason for it.
 inline TTexts ValuesOf(const ICIMNamespace& ns, const std::vector<std::string>& classes) {
-  TTexts values;
+  const auto reasons = NDescribe::ReadMissingReasons(ns);
+  const auto reasonOf = [&reasons](const ICIMInstance& instance, const std::string& owner,
+                                   const std::string& property) {
+    const std::string& className = instance.GetClass({})->GetName({});
+    auto found = reasons.find({className, owner, property});
+    if (found == reasons.end()) found = reasons.find({className, "", property});
+    return found == reasons.end() ? "" : found->second;
+  };
+  TTexts values = ReasonsOf(ns);
   for (const std::string& name : classes) {
     const auto properties = NModel::PropertiesOf(*ns.GetClass("VORNSG_" + name, {}));
     for (const auto& instance : InstancesOf(ns, "VORNSG_" + name)) {
@@ -68,13 +77,12 @@ inline TTexts ValuesOf(const ICIMNamespace& ns, const std::vector<std::string>& 
       if (name == "OperatingSystem") owner.clear();
       for (const auto& property : properties) {
         const std::string& declared = property.fDecl->GetName();
-        values[owner + declared] = TextOf(*instance, declared);
+        std::string text = TextOf(*instance, declared);
+        const bool isMissing = text == "(null)" || (property.fIsKey && text.empty());
+        const std::string reason = isMissing ? reasonOf(*instance, owner, declared) : "";
+        values[owner + declared] = reason.empty() ? text : reason;
       }
     }
-  }
-  for (const auto& [name, reason] : ReasonsOf(ns)) {
-    std::string& value = values[name];
-    if (value.empty() || value == "(null)") value = reason;
   }
   return values;
 }

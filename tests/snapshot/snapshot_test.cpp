@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <qdxsnapshot/missing.h>
 #include <qdxsnapshot/snapshot.h>
 
 #include "support/class_builder.h"
@@ -25,6 +26,29 @@ std::string TextOf(const std::vector<TClassSnapshot>& classes) {
     text += "\n";
   }
   return text;
+}
+
+TEST(InstanceReasons, AreItsOwnOrThoseOfAllThatLackTheValue) {
+  TClassSnapshot disk;
+  disk.fName = "Disk";
+  for (const char* name : {"Id", "Size", "Maker"}) {
+    disk.fProperties.push_back({name, "string", disk.fProperties.empty(), false, nullptr});
+  }
+  const NDescribe::TMissingReasons reasons = {{{"Disk", "a", "Size"}, "own"},
+                                              {{"Disk", "", "Size"}, "shared"},
+                                              {{"Disk", "", "Maker"}, "shared"},
+                                              {{"Disk", "", "Id"}, "key"}};
+  const std::pair<TInstanceSnapshot, std::vector<std::string>> rows[] = {
+      {{"", {"a", nullptr, nullptr}}, {"", "own", "shared"}},
+      {{"", {"b", nullptr, ""}}, {"", "shared", ""}},
+      {{"", {"", 1, "x"}}, {"key", "", ""}}};
+  for (const auto& [instance, expected] : rows) {
+    const TInstanceReasons found(reasons, disk, instance);
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+      const NDescribe::TReason* const reason = found.Find(i);
+      EXPECT_EQ(reason == nullptr ? "" : *reason, expected[i]) << instance.fValues;
+    }
+  }
 }
 
 TEST(Snapshot, GoesAsDeepAsItIsAskedToAndIsSorted) {

@@ -19,7 +19,9 @@ inline constexpr const char* kMissingValueClass = "VORNSG_UnavailableValue";
 
 struct TMissingValue {
   std::string fClass;
-  std::string fInstance;  ///< The value of its last key; empty for the only instance of a class.
+  /// The value of its last key. Empty for the only instance of a class, and for all instances that
+  /// lack the property without a reason of their own.
+  std::string fInstance;
   std::string fProperty;  ///< Empty if the class lacks instances.
   TReason fReason;
 };

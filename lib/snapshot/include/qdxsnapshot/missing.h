@@ -32,7 +32,7 @@ class TInstanceReasons {
   const NDescribe::TMissingReasons& fReasons;
   const TClassSnapshot& fClass;
   const TInstanceSnapshot& fInstance;
-  std::vector<std::string> fKeys = {""};  // that of the only instance of a class, then its own
+  std::vector<std::string> fKeys;  // its own first
 };
 
 }  // namespace NVORNQDX20
