@@ -202,10 +202,11 @@ TEST_F(ObjectPath, ThatIsBadIsLoggedAndRefused) {
       {R"(C.a="1\")", R"(closing '"')"}, {R"(C.a)", "property value"},
       {R"(C.a="1"x="2")", "'.' or ','"}, {R"(Link.From="C.a="k"x")", "'.' or ','"},
   };
-  for (const auto& [path, missing] : rows) {
+  for (const auto& row : rows) {
+    const std::string& path = row.first;
     const TLogCapture log;
     EXPECT_QDX_STATUS(RoundTrip(path), kQDXStatusInvalidReference) << path;
-    EXPECT_EQ(log.Messages().at(0), "0 Reference missing " + missing + ", path=" + path);
+    EXPECT_EQ(log.Messages().at(0), "0 Reference missing " + row.second + ", path=" + path);
   }
 }
 

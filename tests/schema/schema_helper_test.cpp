@@ -100,11 +100,12 @@ TEST(SchemaHelperRawTexts, SayWhatIsMissing) {
       {MakeOne({}), "didn't find ProductName property"},
       {MakeOne({{"ProductName", kNoText}}), "ProductName is NULL"},
       {MakeOne({{"ProductName", 5U}}), "ProductName wasn't a string"}};
-  for (const auto& [ns, message] : rows) {
+  for (const auto& row : rows) {
+    const TNamespace& ns = row.first;
     const TLogCapture log;
     EXPECT_QDX_STATUS(THelper::GetRawMTMString(ns), kQDXStatusNotFound);
     EXPECT_QDX_STATUS(THelper::GetRawSerialNumberString(ns, {}), kQDXStatusNotFound);
-    EXPECT_EQ(log.Messages().at(0), "3 TCIMSchemaHelper: " + message);
+    EXPECT_EQ(log.Messages().at(0), "3 TCIMSchemaHelper: " + row.second);
   }
 }
 
