@@ -2,6 +2,7 @@
 // Where something may not be read, no value looks as if it had been: it is missing, with the
 // reason.
 #include "linux/machine.h"
+#include "linux/smbios_builder.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -31,6 +32,9 @@ sys/block/dm-0: dev=253:0; size=8; slaves/sda/x=; dm/uuid=CRYPT-u
 sys/block/md5: dev=9:5; size=8; md/level=raid1; md/dev-sdx/state=in_sync
 sys/class/nvme/nvme0: nvme0n1/x=; hwmon/hwmon6/x=
 sys/devices/pci0/nvme/nvme0/hwmon/hwmon6: name=nvme; temp1_input=43850; temp1_fault=0
+sys/devices/pci0/nvme/nvme0/hwmon/hwmon6: power1_input=5; power1_label=pout1
+proc/net: vlan/config=; route=
+sys/devices/cpu_core: cpus=1-2
 sys/class/thermal/thermal_zone0: type=acpitz; trip_point_0_type=hot; trip_point_0_temp=90000
 sys/class/thermal/thermal_zone0: trip_point_1_type=passive; trip_point_1_temp=80000
 sys/class/power_supply/BAT0: type=Battery; status=Charging; capacity_level=Low
@@ -87,6 +91,9 @@ TEST(LinuxUnreadable, IsNotTakenForSomethingElse) {
                 {"run/udev/data/b8:0", "/dev/sdaOtherIdentifyingInfo"},
                 {"sys/class/nvme/nvme0", "VORNSG_ControlledBy"},
                 {"sys/class/hwmon/hwmon6/temp1_fault", "pci0/nvme/nvme0/nvme/temp1CurrentReading"},
+                {"sys/class/hwmon/hwmon6/power1_label", "pci0/nvme/nvme0/nvme/power1SensorType"},
+                {"sys/devices/cpu_core/cpus", "VORNSG:CPU0-0CoreType"},
+                {"proc/net/vlan", "VORNSG_VLANEndpoint"},
                 {"sys/class/thermal/thermal_zone0/trip_point_0_type",
                  "thermal/acpitzUpperThresholdNonCritical"},
                 {"sys/class/thermal/thermal_zone0/trip_point_1_temp",
@@ -94,6 +101,21 @@ TEST(LinuxUnreadable, IsNotTakenForSomethingElse) {
                 {"sys/class/power_supply/BAT0/capacity_level", "BAT0BatteryStatus"},
                 {"sys/devices/system/edac/mc/mc0", "VORNSG_MemoryErrorCount"},
                 {"sys/devices/system/node/node0/cpulist", "VORNSG:cpu0NUMANode"}});
+}
+
+/// Where other sources are missing, these are the only ones.
+TEST(LinuxUnreadable, IsNotLeftOutWhereOtherSourcesAreMissing) {
+  const TMachine machine;
+  machine.WriteFiles(
+      "proc: partitions=; net/dev=\n"
+      "etc: os-release=VERSION_ID=1\n"
+      "sys/hypervisor: type=xen; version/major=4; version/minor=17; version/extra=.1\n"
+      "sys/firmware/dmi/entries: 16-0/raw=\n");
+  machine.Write("sys/firmware/dmi/entries/1-0/raw", SMBIOSStructure(1, 0x1, ""));
+  ExpectDenied(machine, {{"proc/partitions", "VORNSG_DiskDrive"},
+                         {"proc/net/dev", "VORNSG_NetworkPort"},
+                         {"sys/hypervisor/version/extra", "Version"},
+                         {"sys/firmware/dmi/entries/16-0/raw", "VORNSG_MemoryArray"}});
 }
 
 }  // namespace

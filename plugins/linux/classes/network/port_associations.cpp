@@ -25,6 +25,7 @@ TInstances<TTie> ListEndpoints(const THost& host) {
     add(address.fPort, kIPEndpointClassName, NameOf(address));
   }
   for (const TVLAN& vlan : host.Shared<TVLANs>().fAll.fAll) {
+    if (vlan.fParent.GetReason().IsError()) ties.Miss(vlan.fParent.GetReason());
     add(vlan.fParent.ValueOr(""), kVLANEndpointClassName, vlan.fInterface);
   }
   return ties;

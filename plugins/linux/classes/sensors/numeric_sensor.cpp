@@ -24,8 +24,9 @@ TNumericSensor SensorOf(const TChannel& channel) {
   TNumericSensor sensor;
   static_cast<TSensor&>(sensor) = SensorOfChannel(channel);
   // The output of a power supply has a label such as "pout1" (PMBus).
-  if (sensor.fType == kPowerConsumption && sensor.fLabel.ValueOr("").rfind("pout", 0) == 0) {
-    sensor.fType = kPowerProduction;
+  if (channel.fQuantity->fSensorType == kPowerConsumption) {
+    if (sensor.fLabel.ValueOr("").rfind("pout", 0) == 0) sensor.fType = kPowerProduction;
+    if (sensor.fLabel.GetReason().IsError()) sensor.fType = Missing(sensor.fLabel.GetReason());
   }
   sensor.fBaseUnits = channel.fQuantity->fBaseUnits;
   sensor.fUnitModifier = channel.fQuantity->fUnitModifier;

@@ -17,7 +17,7 @@ inline constexpr std::uint16_t kPowerConsumption = 13, kPowerProduction = 14;
 struct TSensor : TDevice {
   TText fLabel;
   TText fChip;
-  std::uint16_t fType = 0;
+  TReading<std::uint16_t> fType;
   TText fOtherType;
   TText fState;
   TReading<std::vector<std::string>> fStates;

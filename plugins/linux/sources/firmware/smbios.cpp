@@ -52,7 +52,7 @@ std::pair<std::uint64_t, std::uint64_t> EntryNumbers(const std::string& name) {
 }
 
 /// Returns the structures one after the other, as in the table.
-TReading<std::string> ReadEntries(const TFiles& folder) {
+TReading<std::string> ReadEntries(const TFiles& folder, std::string& flaw) {
   const TReading<std::vector<std::string>> listed = folder.List("entries");
   if (!listed) return Missing(listed.GetReason());
   std::vector<std::string> names = *listed;
@@ -69,6 +69,7 @@ TReading<std::string> ReadEntries(const TFiles& folder) {
     if (ByteOf(bytes, 0) != kEndOfTable) table += bytes;
     if (table.size() > TFiles::kMaxTableSize) return folder.MissingFrom("entries", "too large");
   }
+  if (reason.IsError()) flaw = reason;
   if (!table.empty()) return table;
   return reason.empty() ? folder.MissingFrom("entries", "empty") : Missing(reason);
 }
@@ -135,7 +136,8 @@ TSMBIOS::TEntryPoint TSMBIOS::ParseEntryPoint(std::string_view bytes) {
   return {};
 }
 
-TSMBIOS::TSMBIOS(std::string_view entryPoint, std::string table) {
+TSMBIOS::TSMBIOS(std::string_view entryPoint, std::string table, std::string flaw)
+    : fFlaw(std::move(flaw)) {
   const TEntryPoint entry = ParseEntryPoint(entryPoint);
   fVersion = entry.fVersion;
   const auto bytes = std::make_shared<const std::string>(std::move(table));
@@ -181,10 +183,11 @@ TReading<TSMBIOS> ReadSMBIOS(const TFiles& files) {
   }
   const TReading<std::string> first = folder.FirstOf({"tables/DMI", "entries"});
   if (!first) return Missing(first.GetReason());
+  std::string flaw;
   const TReading<std::string> table =
-      *first == "entries" ? ReadEntries(folder) : folder.Read(*first, TFiles::kMaxTableSize);
-  return table.map([&folder](const std::string& bytes) {
-    return TSMBIOS(folder.Read("tables/smbios_entry_point").ValueOr(""), bytes);
+      *first == "entries" ? ReadEntries(folder, flaw) : folder.Read(*first, TFiles::kMaxTableSize);
+  return table.map([&](const std::string& bytes) {
+    return TSMBIOS(folder.Read("tables/smbios_entry_point").ValueOr(""), bytes, flaw);
   });
 }
 

@@ -76,8 +76,9 @@ class TSMBIOS {
  public:
   /// Parses the bytes of a table and of its entry point, which has the version and, for older
   /// firmware, the number of structures; it may be empty. Nothing is refused for a wrong checksum.
-  /// A damaged table has the structures before the damage, and a flaw.
-  TSMBIOS(std::string_view entryPoint, std::string table);
+  /// A damaged table has the structures before the damage, and a flaw. `flaw` is that of a table
+  /// of which parts could not be read.
+  TSMBIOS(std::string_view entryPoint, std::string table, std::string flaw = {});
 
   /// Major and minor version in one byte each, for example 0x0208; 0 if it is unknown.
   std::uint16_t GetVersion() const { return fVersion; }

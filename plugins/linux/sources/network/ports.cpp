@@ -163,10 +163,14 @@ void TakeStatistics(const TCounters& from, TPort& port) {
 
 /// The counters of all interfaces, for a tree without those of sysfs.
 struct TDeviceTable {
-  explicit TDeviceTable(const THost& host)
-      : fDevices(ParseDeviceTable(ReadNetTable(host, "dev").ValueOr(""))) {}
+  explicit TDeviceTable(const THost& host) {
+    const TText table = ReadNetTable(host, "dev");
+    fDevices = ParseDeviceTable(table.ValueOr(""));
+    if (table.GetReason().IsError()) fFailure = table.GetReason();
+  }
 
   std::map<std::string, TCounters, std::less<>> fDevices;
+  TReason fFailure;  ///< Why the table cannot be read; empty if it is not there.
 };
 
 void ReadStatistics(const THost& host, const TFiles& files, TPort& port) {
@@ -366,7 +370,10 @@ TPorts::TPorts(const THost& host) {
     const TReading<TPort> port = ReadPort(host, host.In(kFolder).In(name), name);
     if (port) fAll.fAll.push_back(*port);
   }
-  if (fAll.fAll.empty()) fAll.Miss(names.GetReason());
+  if (!fAll.fAll.empty()) return;
+  fAll.Miss(names.GetReason());
+  const TReason& failure = host.Shared<TDeviceTable>().fFailure;
+  if (!failure.empty()) fAll.Miss(failure);
 }
 
 const TPort* TPorts::Find(std::string_view interface) const {

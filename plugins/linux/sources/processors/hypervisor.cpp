@@ -71,8 +71,10 @@ TReading<THypervisor> FindByXen(const THost& host) {
                            folder.PathOf("type"));
   const TText major = folder.ReadLine("version/major");
   found.fVersion = major.and_then([&](const std::string& number) {
-    return folder.ReadLine("version/minor").map([&](const std::string& minor) {
-      return number + "." + minor + folder.ReadLine("version/extra").ValueOr("");
+    return folder.ReadLine("version/minor").and_then([&](const std::string& minor) -> TText {
+      const TText extra = folder.ReadLine("version/extra");  // can be empty
+      if (extra.GetReason().IsError()) return Missing(extra.GetReason());
+      return number + "." + minor + extra.ValueOr("");
     });
   });
   return found;

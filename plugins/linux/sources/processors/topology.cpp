@@ -240,6 +240,9 @@ struct TCoreTypes {
     if (has(fPerformance)) return "Performance";
     if (has(fEfficiency)) return "Efficiency";
     if (has(fLowPower)) return "Low power";
+    for (const TReading<TCPUs>* cpus : {&fPerformance, &fEfficiency, &fLowPower}) {
+      if (cpus->GetReason().IsError()) return Missing(cpus->GetReason());
+    }
     return Missing("the processor has cores of one type only, as far as the kernel says");
   }
 

@@ -159,6 +159,7 @@ void TBlockDevices::AddListed(const THost& host) {
   std::unordered_map<std::string, std::size_t> known;
   for (std::size_t i = 0; i < fAll.size(); ++i) known.emplace(fAll[i].fKernelName, i);
   const TText list = host.Read("/proc/partitions", TFiles::kMaxTableSize);
+  if (fAll.empty() && list.GetReason().IsError()) fReason.Add(list.GetReason());
   for (const TListedDevice& listed : ParsePartitions(list.ValueOr(""))) {
     if (HasNumberAfter("ram", listed.fName)) continue;
     const auto found = known.find(listed.fName);
