@@ -155,6 +155,12 @@ sys/devices/system/cpu/cpu0/topology: physical_package_id=0; core_siblings_list=
                     "1 2 2 0 ", "CPU0: NumberOfEnabledCores=2\n"},
         TOddMachine{"CoresThatNobodyNamesAreNotInvented", "", "processor: 0\nprocessor: 1\n",
                     "1 0 2 0 ", "CPU0: NumberOfEnabledCores=/proc/cpuinfo: no 'cpu cores'\n"},
+        TOddMachine{"LoongArchHasNamesOfItsOwn", "",
+                    "system type: generic\n\nprocessor: 0\npackage: 0\ncore: 0\n"
+                    "Address Sizes: 48 bits physical, 47 bits virtual\nFeatures: cpucfg lvz\n",
+                    "1 1 1 0 ",
+                    "CPU0: PhysicalAddressWidth=48; VirtualAddressWidth=47; "
+                    "VirtualizationTechnology=LVZ\n"},
         TOddMachine{"CachesOfIBMZ", "",
                     "vendor_id: IBM/S390\ncache0: level=1 type=Data scope=Private size=96K "
                     "line_size=256 associativity=6\nprocessor 0: version = FF, machine = 2964\n",

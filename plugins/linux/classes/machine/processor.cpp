@@ -114,6 +114,7 @@ TText VirtualizationTechnology(const TProcessor& processor) {
   const TWords& flags = processor.fSocket.fModel.fFlags;
   if (HasFlag(flags, "vmx")) return "VT-x";
   if (HasFlag(flags, "svm")) return "AMD-V";
+  if (HasFlag(flags, "lvz")) return "LVZ";
   if (!flags) return Missing(flags.GetReason());
   return Missing("no flag of the processor names any");
 }

@@ -83,7 +83,8 @@ TWords Flags(const TCPUFields& fields) {
 /// Returns the number before the word in "46 bits physical, 48 bits virtual".
 TReading<std::uint16_t> AddressBits(const TCPUFields& fields, const char* word) {
   const char* const name = "address sizes";
-  return fields.Get({name}).and_then([&](const std::string& text) -> TReading<std::uint16_t> {
+  const TText sizes = fields.Get({name, "Address Sizes"});
+  return sizes.and_then([&](const std::string& text) -> TReading<std::uint16_t> {
     for (const std::string& part : Split(text, ",")) {
       const std::vector<std::string> words = Split(part, " ");
       if (words.size() != 3 || words[1] != "bits" || words[2] != word) continue;
