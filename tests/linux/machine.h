@@ -13,7 +13,6 @@
 #include <map>
 #include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <unistd.h>
@@ -126,14 +125,14 @@ class TMachine : public TTempDir {
   }
 };
 
-/// Expects that a user who may not read a file, or not enter a folder, is told so about a value, or
-/// about the instances of a class. `rows` are such files and names of ReasonsOf().
-inline void ExpectDenied(const TMachine& machine,
-                         const std::vector<std::pair<const char*, const char*>>& rows) {
+/// Expects that a user who may not read a file, or not enter a folder, is told so about values or
+/// the instances of classes. `rows` are lines such as "proc: mounts=VORNSG_FileSystem; 1/stat=...",
+/// with names of ReasonsOf() that have a comma between them.
+inline void ExpectDenied(const TMachine& machine, const std::string& rows) {
   namespace fs = std::filesystem;
   fs::permissions(machine.Path(), fs::perms::all);
   const uid_t user = ::geteuid();
-  for (const auto& [file, name] : rows) {
+  for (const auto& [file, names] : ParseTexts(rows, "/")) {
     const auto path = machine.Path() / file;
     const auto before = fs::status(path).permissions();
     fs::permissions(path, fs::perms::none);
@@ -141,9 +140,11 @@ inline void ExpectDenied(const TMachine& machine,
     TTexts reasons = ReasonsOf(*machine.Namespace());
     ASSERT_EQ(::seteuid(user), 0);
     fs::permissions(path, before);
-    const std::string& reason = reasons[name];
-    EXPECT_NE(reason.find("Permission denied"), std::string::npos)
-        << name << " without " << file << ": '" << reason << "'";
+    std::istringstream stream(names);
+    for (std::string name; std::getline(stream, name, ',');) {
+      EXPECT_NE(reasons[name].find("Permission denied"), std::string::npos)
+          << name << " without " << file << ": '" << reasons[name] << "'";
+    }
   }
 }
 

@@ -144,16 +144,15 @@ TEST_F(LinuxServer, IsNotAnotherOneWhereItMayNotBeRead) {
   fMachine.Write("sys/block/cciss!c0d0/serial", "other");
   fMachine.Write("sys/class/scsi_generic/sg0/device/type", "0");
   fMachine.Write("sys/devices/system/cpu/cpu0/cache/index0/level", "1");
-  ExpectDenied(fMachine, {{"sys/class/scsi_generic", "VORNSG_SCSIDevice"},
-                          {"sys/class/net", "VORNSG_EthernetPort"},
-                          {"sys/class/net/eth0/type", "VORNSG_EthernetPort"},
-                          {"sys/class/dmi", "Manufacturer"},
-                          {"sys/block/cciss!c0d0/device/serial", "/dev/cciss/c0d0SerialNumber"},
-                          {"etc/os-release", "Name"},
-                          {"proc/mounts", "VORNSG_FileSystem"},
-                          {"proc/sys/kernel/hostname", "CSName"},
-                          {"sys/devices/system/cpu/cpu0/cache", "VORNSG_CacheMemory"},
-                          {"proc", "NumberOfProcesses"}});
+  ExpectDenied(fMachine, R"(
+.: proc=NumberOfProcesses
+proc: mounts=VORNSG_FileSystem; sys/kernel/hostname=CSName
+etc: os-release=Name
+sys/class: scsi_generic=VORNSG_SCSIDevice; net=VORNSG_EthernetPort; dmi=Manufacturer
+sys/class/net/eth0: type=VORNSG_EthernetPort
+sys/block: cciss!c0d0/device/serial=/dev/cciss/c0d0SerialNumber
+sys/devices/system/cpu/cpu0: cache=VORNSG_CacheMemory
+)");
 }
 
 TEST_F(LinuxServer, MayHaveManyProcessorsAndFileSystems) {

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Where something may not be read, no value looks as if it had been: it is missing, with the
-// reason.
+// Where something may not be read, no value looks as if it had been.
 #include "linux/machine.h"
 #include "linux/smbios_builder.h"
 
@@ -8,114 +7,81 @@ namespace NVORNQDX20 {
 namespace {
 
 const char* const kFiles = R"(
-boot: vmlinuz-6.1.0=
-lib/modules: 6.1.0/x=
-usr/lib/sysimage: rpm/x=
+.: boot/vmlinuz-6.1.0=; lib/modules/6.1.0/x=; usr/lib/sysimage/rpm/x=; run/systemd/container=lxc
 usr/lib/systemd/system: a.service=[Unit]; a.service.d/1.conf=[Service]; x.target.wants/y=
-usr/lib/systemd/system: b.socket=[Socket]
-etc/systemd/system: c.service.d/1.conf=[Service]
-etc: init.d/old=; rc3.d/K01old=
+etc: systemd/system/c.service.d/1.conf=[Service]; init.d/old=; rc3.d/K01old=
 proc/1: cgroup=0::/in; stat=1; environ=
-sys/fs/cgroup: cgroup.controllers=cpu; memory.max=max; pids.max=7; cpuset.cpus.effective=0
-sys/fs/cgroup/in: cpuset.cpus.effective=0; memory.max=max
-run/systemd: container=lxc
-proc: cpuinfo=processor : 0
-proc/bus/pci: devices=0000 80861237 0
-sys/class/dmi/id: product_name=Machine
-sys/class/net/bond0: type=1; bonding/slaves=eth0; uevent=DEVTYPE=bond
-sys/class/net/br0: type=1; brif/eth1/x=; uevent=DEVTYPE=bridge
+proc: cpuinfo=processor : 0; bus/pci/devices=0000 80861237 0; net/vlan/config=; net/route=
+sys/fs/cgroup: cgroup.controllers=cpu; cpuset.cpus.effective=0; in/cpuset.cpus.effective=0
+sys/class: dmi/id/product_name=Machine; power_supply/BAT0/type=Battery; hwmon/x=
+sys/class: power_supply/BAT0/status=Charging; power_supply/BAT0/capacity_level=Low
+sys/class/net: bond0/type=1; bond0/bonding/slaves=eth0; br0/type=1; br0/brif/eth1/x=
 sys/class/net/eth0: type=1; ifalias=uplink; device/uevent=DRIVER=d
 sys/block/sda: dev=8:0; size=8; removable=0; sda1/partition=1; sda1/size=2; queue/rotational=0
-sys/block/sda: device/model=M; device/vpd_pg89=; device/vpd_pg83=; device/vpd_pgb1=
+sys/block/sda/device: model=M; vpd_pg89=; vpd_pg83=; vpd_pgb1=
 run/udev/data: b8:0=E:ID_SERIAL=S
-sys/block/dm-0: dev=253:0; size=8; slaves/sda/x=; dm/uuid=CRYPT-u
-sys/block/md5: dev=9:5; size=8; md/level=raid1; md/dev-sdx/state=in_sync
-sys/class/nvme/nvme0: nvme0n1/x=; hwmon/hwmon6/x=
+sys/block: dm-0/dev=253:0; dm-0/size=8; dm-0/slaves/sda/x=; dm-0/dm/uuid=CRYPT-u
+sys/block: md5/dev=9:5; md5/size=8; md5/md/level=raid1; md5/md/dev-sdx/state=in_sync
+sys/class: nvme/nvme0/nvme0n1/x=; net/br0/uevent=DEVTYPE=bridge; net/bond0/uevent=DEVTYPE=bond
 sys/devices/pci0/nvme/nvme0/hwmon/hwmon6: name=nvme; temp1_input=43850; temp1_fault=0
 sys/devices/pci0/nvme/nvme0/hwmon/hwmon6: power1_input=5; power1_label=pout1
-proc/net: vlan/config=; route=
-sys/devices/cpu_core: cpus=1-2
 sys/class/thermal/thermal_zone0: type=acpitz; trip_point_0_type=hot; trip_point_0_temp=90000
 sys/class/thermal/thermal_zone0: trip_point_1_type=passive; trip_point_1_temp=80000
-sys/class/power_supply/BAT0: type=Battery; status=Charging; capacity_level=Low
-sys/devices/system/edac/mc/mc0: dimm0/size=8
-sys/devices/system/edac/mc: mc1/dimm0/size=8
+sys/devices: cpu_core/cpus=1-2; system/node/node0/cpulist=0
+sys/devices/system/edac/mc: mc0/dimm0/size=8; mc1/dimm0/size=8
 sys/devices/system/cpu: present=0; online=0; cpu0/topology/physical_package_id=0
 sys/devices/system/cpu: cpu0/topology/core_id=0; cpu0/topology/core_cpus_list=0
-sys/devices/system/node/node0: cpulist=0
 )";
 
 TEST(LinuxUnreadable, IsNotTakenForSomethingElse) {
   const TMachine machine;
   machine.WriteFiles(kFiles);
-  std::filesystem::create_directories(machine.Path() / "sys/class/hwmon");
   std::filesystem::create_symlink("../../devices/pci0/nvme/nvme0/hwmon/hwmon6",
                                   machine.Path() / "sys/class/hwmon/hwmon6");
-  ExpectDenied(machine,
-               {{"boot", "6.1.0Image"},
-                {"boot", "6.1.0InitialFiles"},
-                {"boot", "VORNSG_InstalledKernel"},
-                {"lib/modules", "6.1.0Modules"},
-                {"usr/lib/sysimage", "VORNSG_SoftwareIdentity"},
-                {"usr/lib/systemd/system/a.service", "a.serviceStartProgram"},
-                {"usr/lib/systemd/system/a.service", "a.serviceRunsAs"},
-                {"usr/lib/systemd/system/a.service.d", "VORNSG_Service"},
-                {"usr/lib/systemd/system/a.service.d/1.conf", "VORNSG_Service"},
-                {"usr/lib/systemd/system/x.target.wants", "a.serviceUnitFileState"},
-                {"etc/systemd/system", "VORNSG_TimerService"},
-                {"etc/init.d", "VORNSG_Service"},
-                {"etc/init.d/old", "oldDescription"},
-                {"etc/rc3.d", "oldStartMode"},
-                {"proc/1/cgroup", "MemoryLimit"},
-                {"sys/fs/cgroup/in/cpuset.cpus.effective", "ProcessorSet"},
-                {"run/systemd/container", "Container"},
-                {"sys/class/dmi/id/product_name", "VirtualMachine"},
-                {"proc/bus/pci/devices", "VirtualMachine"},
-                {"sys/class/net/bond0/bonding/slaves", "bond0Members"},
-                {"sys/class/net/bond0/bonding/slaves", "VORNSG_MemberOfPortGroup"},
-                {"sys/class/net/br0/brif", "br0Members"},
-                {"sys/class/net/br0/brif", "VORNSG_MemberOfPortGroup"},
-                {"sys/class/net/eth0/ifalias", "eth0ElementName"},
-                {"sys/class/net/eth0/device/uevent", "eth0Driver"},
-                {"sys/block/sda", "VORNSG_DiskPartition"},
-                {"sys/block/sda/sda1", "VORNSG_DiskPartition"},
-                {"sys/block/dm-0/slaves", "/dev/dm-0Members"},
-                {"sys/block/dm-0/slaves", "VORNSG_BasedOn"},
-                {"sys/block/dm-0/dm/uuid", "/dev/dm-0Kind"},
-                {"sys/block/md5/md", "/dev/md5Members"},
-                {"sys/block/md5/md/dev-sdx/state", "/dev/md5FailedMembers"},
-                {"sys/block/sda/device/vpd_pg83", "/dev/sdaWWN"},
-                {"sys/block/sda/device/vpd_pg89", "/dev/sdaElementName"},
-                {"sys/block/sda/device/vpd_pg89", "/dev/sdaInterconnectSpeed"},
-                {"sys/block/sda/device/vpd_pgb1", "/dev/sdaRPM"},
-                {"run/udev/data/b8:0", "/dev/sdaOtherIdentifyingInfo"},
-                {"sys/class/nvme/nvme0", "VORNSG_ControlledBy"},
-                {"sys/class/hwmon/hwmon6/temp1_fault", "pci0/nvme/nvme0/nvme/temp1CurrentReading"},
-                {"sys/class/hwmon/hwmon6/power1_label", "pci0/nvme/nvme0/nvme/power1SensorType"},
-                {"sys/devices/cpu_core/cpus", "VORNSG:CPU0-0CoreType"},
-                {"proc/net/vlan", "VORNSG_VLANEndpoint"},
-                {"sys/class/thermal/thermal_zone0/trip_point_0_type",
-                 "thermal/acpitzUpperThresholdNonCritical"},
-                {"sys/class/thermal/thermal_zone0/trip_point_1_temp",
-                 "thermal/acpitzUpperThresholdNonCritical"},
-                {"sys/class/power_supply/BAT0/capacity_level", "BAT0BatteryStatus"},
-                {"sys/devices/system/edac/mc/mc0", "VORNSG_MemoryErrorCount"},
-                {"sys/devices/system/node/node0/cpulist", "VORNSG:cpu0NUMANode"}});
+  ExpectDenied(machine, R"(
+.: boot=6.1.0Image,6.1.0InitialFiles,VORNSG_InstalledKernel; lib/modules=6.1.0Modules
+usr/lib: sysimage=VORNSG_SoftwareIdentity
+usr/lib/systemd/system: a.service=a.serviceStartProgram,a.serviceRunsAs
+usr/lib/systemd/system: a.service.d=VORNSG_Service; a.service.d/1.conf=VORNSG_Service
+usr/lib/systemd/system: x.target.wants=a.serviceUnitFileState
+etc: systemd/system=VORNSG_TimerService; rc3.d=oldStartMode
+etc: init.d=VORNSG_Service; init.d/old=oldDescription
+proc: 1/cgroup=MemoryLimit; bus/pci/devices=VirtualMachine; net/vlan=VORNSG_VLANEndpoint
+sys/fs/cgroup: in/cpuset.cpus.effective=ProcessorSet
+run: systemd/container=Container; udev/data/b8:0=/dev/sdaOtherIdentifyingInfo
+sys/class: dmi/id/product_name=VirtualMachine; nvme/nvme0=VORNSG_ControlledBy
+sys/class/net: bond0/bonding/slaves=bond0Members,VORNSG_MemberOfPortGroup
+sys/class/net: br0/brif=br0Members,VORNSG_MemberOfPortGroup
+sys/class/net/eth0: ifalias=eth0ElementName; device/uevent=eth0Driver
+sys/block: sda=VORNSG_DiskPartition; sda/sda1=VORNSG_DiskPartition
+sys/block/dm-0: slaves=/dev/dm-0Members,VORNSG_BasedOn; dm/uuid=/dev/dm-0Kind
+sys/block/md5: md=/dev/md5Members; md/dev-sdx/state=/dev/md5FailedMembers
+sys/block/sda/device: vpd_pg89=/dev/sdaElementName,/dev/sdaInterconnectSpeed
+sys/block/sda/device: vpd_pg83=/dev/sdaWWN; vpd_pgb1=/dev/sdaRPM
+sys/class/hwmon/hwmon6: temp1_fault=pci0/nvme/nvme0/nvme/temp1CurrentReading
+sys/class/hwmon/hwmon6: power1_label=pci0/nvme/nvme0/nvme/power1SensorType
+sys/class/thermal/thermal_zone0: trip_point_0_type=thermal/acpitzUpperThresholdNonCritical
+sys/class/thermal/thermal_zone0: trip_point_1_temp=thermal/acpitzUpperThresholdNonCritical
+sys/class/power_supply/BAT0: capacity_level=BAT0BatteryStatus
+sys/devices: cpu_core/cpus=VORNSG:CPU0-0CoreType; system/edac/mc/mc0=VORNSG_MemoryErrorCount
+sys/devices/system/node/node0: cpulist=VORNSG:cpu0NUMANode
+)");
 }
 
 /// Where other sources are missing, these are the only ones.
 TEST(LinuxUnreadable, IsNotLeftOutWhereOtherSourcesAreMissing) {
   const TMachine machine;
-  machine.WriteFiles(
-      "proc: partitions=; net/dev=\n"
-      "etc: os-release=VERSION_ID=1\n"
-      "sys/hypervisor: type=xen; version/major=4; version/minor=17; version/extra=.1\n"
-      "sys/firmware/dmi/entries: 16-0/raw=\n");
+  machine.WriteFiles(R"(
+.: proc/partitions=; proc/net/dev=; etc/os-release=VERSION_ID=1
+sys/hypervisor: type=xen; version/major=4; version/minor=17; version/extra=.1
+sys/firmware/dmi/entries: 16-0/raw=
+)");
   machine.Write("sys/firmware/dmi/entries/1-0/raw", SMBIOSStructure(1, 0x1, ""));
-  ExpectDenied(machine, {{"proc/partitions", "VORNSG_DiskDrive"},
-                         {"proc/net/dev", "VORNSG_NetworkPort"},
-                         {"sys/hypervisor/version/extra", "Version"},
-                         {"sys/firmware/dmi/entries/16-0/raw", "VORNSG_MemoryArray"}});
+  ExpectDenied(machine, R"(
+proc: partitions=VORNSG_DiskDrive; net/dev=VORNSG_NetworkPort
+sys/hypervisor/version: extra=Version
+sys/firmware/dmi/entries/16-0: raw=VORNSG_MemoryArray
+)");
 }
 
 }  // namespace
