@@ -139,6 +139,8 @@ TEST_F(LinuxSoftware, HasServicesInTheStatesOfSystemd) {
   Link("loop1.service", admin + "loop2.service");
   Link("/opt/far.service", admin + "far.service");
   Link("/opt/missing.service", admin + "missing.service");
+  Link("nowhere", admin + "y.target.wants");
+  Link("nowhere", admin + "off.service.d/1.conf");
   Link("u@.service", vendor + "u@x.service");
   fMachine.Write("opt/far.service", "[Service]\nExecStart=/opt/far SECRET\nUser=far\n");
   fMachine.Write(vendor + "empty.service", "");

@@ -282,9 +282,10 @@ class TReader {
   }
   void LackLinks(const TReason& reason) {
     AddReason(reason);
-    if (fNoLinks.empty()) fNoLinks = reason;
+    if (reason.IsError() && fNoLinks.empty()) fNoLinks = reason;
   }
   void LackDropIns(const std::string& unit, const TReason& reason) {
+    if (!reason.IsError()) return;  // a link that leads nowhere
     AddReason(reason);
     fNoDropIns.emplace(unit, reason);
   }
