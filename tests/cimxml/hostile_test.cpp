@@ -24,7 +24,8 @@ std::string Refusal(const std::string& content, EQDXStatusCode status) {
   int end = 0;
   std::sscanf(rest.c_str(), "line %u, column %u:%n", &line, &column, &end);
   if (end == 0) return rest;
-  return std::to_string(line) + ":" + std::to_string(column) + rest.substr(end);
+  return std::to_string(line) + ":" + std::to_string(column) +
+         rest.substr(static_cast<std::size_t>(end));
 }
 
 std::string Repeated(const std::string& text, int count) {

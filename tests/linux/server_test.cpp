@@ -75,7 +75,7 @@ class LinuxServer : public ::testing::Test {
   }
   TTexts Values() const { return ValuesOf(*fMachine.Namespace(), kClasses); }
 
-  const TMachine fMachine;
+  const TMachine fMachine{};
 };
 
 TEST_F(LinuxServer, IsDescribed) {

@@ -81,7 +81,7 @@ class LinuxSoftware : public ::testing::Test {
     return ValuesOf(*fMachine.Namespace(), {"OperatingSystem"}).at(property);
   }
 
-  const TMachine fMachine;
+  const TMachine fMachine{};
 };
 
 TEST_F(LinuxSoftware, IsDescribed) {

@@ -28,7 +28,7 @@ inline std::string ServiceOf(void* symbol) {
 }
 
 inline std::uint64_t Overflow(std::uint64_t depth) {
-  volatile char frame[4096] = {};
+  volatile unsigned char frame[4096] = {};
   frame[depth % sizeof frame] = 1;
   return depth == ~std::uint64_t{0} ? 0 : Overflow(depth + 1) + frame[0];
 }
