@@ -62,6 +62,9 @@ struct TBuildStampNote {
 
 /// One for each source file, since those of one library may have been built differently.
 static constexpr TBuildStampNote kBuildStampNote
+#ifdef __clang__
+    [[gnu::no_sanitize_address]]  // clang would write unused bytes behind it
+#endif
     [[gnu::used, gnu::section(".note.qdxcore"), gnu::aligned(4)]] = {
         sizeof(kBuildStampOwner),
         sizeof(TBuildStamp),
