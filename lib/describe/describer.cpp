@@ -15,11 +15,12 @@
 #include <exception>
 #include <functional>
 #include <iterator>
-#include <map>
 #include <new>
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
+
+#include "shared_reasons.h"
 
 namespace NVORNQDX20::NDescribe {
 namespace {
@@ -310,36 +311,6 @@ class TDescription {
   std::unordered_map<std::string, std::size_t> fPlaces;  // positions in fMissing
 };
 
-/// Why instances of one class lack a property.
-class TReasonsOfProperty {
- public:
-  void Add(const std::string& instance, const TReason& reason) {
-    fInstances[{reason, reason.IsError()}].push_back(instance);
-  }
-
-  /// Of thousands of instances most lack a property for the same reason. It is recorded once,
-  /// without an instance, unless that would name one: `isEmptyKey` if an instance has an empty key.
-  void Record(TDescription& description, const std::string& className, const std::string& property,
-              bool isEmptyKey) {
-    const auto hasFewer = [](const auto& one, const auto& other) {
-      return one.second.size() < other.second.size();
-    };
-    const auto commonest = std::max_element(fInstances.begin(), fInstances.end(), hasFewer);
-    for (auto each = fInstances.begin(); each != fInstances.end(); ++each) {
-      const auto& [text, isError] = each->first;
-      std::vector<std::string>& instances = each->second;
-      if (each == commonest && instances.size() > 1 && !isEmptyKey) instances = {""};
-      for (std::string& instance : instances) {
-        description.Miss({className, std::move(instance), property,
-                          TReason(text, isError ? TReason::kError : TReason::kAbsence)});
-      }
-    }
-  }
-
- private:
-  std::map<std::pair<std::string, bool>, std::vector<std::string>> fInstances;
-};
-
 /// Adds the instances of one class.
 class TInstanceWriter final : public IInstanceSink {
  public:
@@ -380,9 +351,11 @@ class TInstanceWriter final : public IInstanceSink {
 
   /// Records why values are missing, once all instances are there.
   void Explain() {
-    for (TColumn& column : fColumns) {
-      column.fReasons.Record(fDescription, fClass->GetName({}), column.fName,
-                             fHasEmptyKey || column.fIsKey);
+    for (const TColumn& column : fColumns) {
+      const bool mayShare = !fHasEmptyKey && !column.fIsKey;
+      for (auto& [key, reason] : column.fReasons.Summarize(mayShare)) {
+        fDescription.Miss({fClass->GetName({}), std::move(key), column.fName, std::move(reason)});
+      }
     }
   }
 
@@ -411,7 +384,7 @@ class TInstanceWriter final : public IInstanceSink {
     bool fIsKey;
     bool fIsText;
     std::string fReferencedClass;
-    TReasonsOfProperty fReasons;
+    TSharedReasons fReasons;
   };
 
   static std::string KeyText(const TCell& key) {

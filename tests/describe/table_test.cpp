@@ -267,6 +267,21 @@ TEST(Tables, ExplainOnceWhatManyInstancesLackForTheSameReason) {
   const TMissingReasons reasons = reasonsOf(some);
   EXPECT_EQ(reasons, shared);
   EXPECT_TRUE(reasons.at({"T_Lack", "", "Size"}).IsError());
+  // What is not there is shared with the names of the files that differ; errors are not.
+  const auto file = [](const char* name) {
+    return Missing(std::string("/sys/") + name + ": gone");
+  };
+  const TMissingReasons files = {{{"T_Lack", "", "Size"}, "/sys/*_max: gone"},
+                                 {{"T_Lack", "d", "Size"}, "/sys/hw1/temp1_min: gone"},
+                                 {{"T_Lack", "e", "Size"}, TReason("/sys/hw1/temp7_max: gone")}};
+  EXPECT_EQ(reasonsOf({{"a", file("hw1/temp1_max")},
+                       {"b", file("hw12/temp1_max")},
+                       {"c", file("x/y/temp2_max")},
+                       {"d", file("hw1/temp1_min")},
+                       {"e", Failed("/sys/hw1/temp7_max: gone")}}),
+            files);
+  const TMissingReasons numbers = {{{"T_Lack", "", "Size"}, "/sys/hw*/temp1: gone"}};
+  EXPECT_EQ(reasonsOf({{"a", file("hw12/temp1")}, {"b", file("hw1/temp1")}}), numbers);
   // An instance without a name would be taken for all of them.
   const TMissingReasons separate = {{{"T_Lack", "", "Size"}, "gone"},
                                     {{"T_Lack", "a", "Size"}, "far"},
