@@ -41,12 +41,17 @@ inline std::string TextOf(const ICIMInstance& instance, const std::string& prope
   return value.IsNull() ? "(null)" : value.ToString(10);
 }
 
-/// Why values are null, by instance and property; why a class has no instances, by its name.
+/// Why values are null, by instance and property, those of several instances by class and property;
+/// why a class has no instances, by its name.
 inline std::map<std::string, std::string> ReasonsOf(const ICIMNamespace& ns) {
   std::map<std::string, std::string> reasons;
   for (const auto& missing : InstancesOf(ns, "VORNSG_UnavailableValue")) {
-    const std::string name = TextOf(*missing, "Instance") + TextOf(*missing, "PropertyName");
-    reasons[name.empty() ? TextOf(*missing, "ClassName") : name] = TextOf(*missing, "Reason");
+    const std::string className = TextOf(*missing, "ClassName");
+    const std::string property = TextOf(*missing, "PropertyName");
+    std::string owner = TextOf(*missing, "Instance");
+    const bool isShared = owner.empty() && InstancesOf(ns, className).size() > 1;
+    if (isShared || property.empty()) owner = className;
+    reasons[owner + property] = TextOf(*missing, "Reason");
   }
   return reasons;
 }

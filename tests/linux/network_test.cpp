@@ -205,7 +205,7 @@ TEST_F(LinuxNetwork, IsFoundInTheTablesOfAProcess) {
   fMachine.Write("proc/1/net/bonding/bond0", kBond);
   const auto ns = fMachine.Namespace();
   ExpectValues(ValuesOf(*ns, kClasses), R"(
-eth0: LinkTechnology=0; BytesReceived=7; LinkState=/sys/class/net/eth0/operstate: No such file or directory
+eth0: LinkTechnology=0; BytesReceived=7; LinkState=/sys/class/net/eth*/operstate: No such file or directory
 eth0 192.0.2.7/24: SubnetMask=255.255.255.0
 bond0: Mode=1; Members={ eth0, eth1 }; ActiveMember=eth1; MIIPollingInterval=200
 )");

@@ -136,7 +136,7 @@ sys/devices/system/cpu/cpu10/topology: physical_package_id=-1; core_siblings_lis
                     "2 2 2 2 ",
                     "CPU1: Name=TI UltraSparc II; FamilyID=sun4u; DataWidth=64\n"
                     "CPU0: MaxClockSpeed=248\nL1d-10: NumberOfBlocks=16384\n"
-                    "L1d-10: Ways=/sys/devices/system/cpu/cpu10/l1_dcache_size: of SPARC, which "
+                    "L1d-10: Ways=/sys/devices/system/cpu/cpu*/l1_dcache_size: of SPARC, which "
                     "tells no more\n"},
         TOddMachine{"OldKernelsHaveNoLists",
                     R"(

@@ -63,7 +63,7 @@ pci0/0000:00:18.3/pmbus/energy1: SensorType=6; BaseUnits=8; UnitModifier=0; Curr
 pci0/0000:00:18.3/pmbus/humidity1: SensorType=9; BaseUnits=65; CurrentReading=45500
 pci0/0000:00:18.3/pmbus/freq1: OtherSensorTypeDescription=Frequency; CurrentReading=2500000
 pci0/0000:00:18.3/pmbus 2/temp1: CurrentReading=1
-platform/smc.768/smc/fan1: CurrentReading=1998; DesiredSpeed=/sys/class/hwmon/hwmon10/device/fan1_target: No such file or directory
+platform/smc.768/smc/fan1: CurrentReading=1998; DesiredSpeed=/sys/class/hwmon/hwmon*_target: No such file or directory
 hwmon4/bare/temp1: CurrentReading=55000; UpperThresholdFatal=99000
 thermal/acpitz: Name=thermal_zone0; CurrentReading=-44000; UpperThresholdCritical=105000
 thermal/acpitz: UpperThresholdNonCritical=90000; Policy=step_wise; Mode=enabled; ElementName=acpitz
@@ -75,7 +75,7 @@ AC: Type=Mains; Online=false; IsACInput=true; Present=the kernel tells, not the 
 BAT0: BatteryStatus=8; ChargingStatus=2; Status=Charging; DesignCapacity=47520; HealthPercent=100
 BAT0: FullChargeCapacity=48600; DesignVoltage=10800; Current=-1500; Voltage=12229; RechargeCount=7
 BAT0: SerialNumber=/sys/class/power_supply/BAT0/serial_number: placeholder text '0000'; Chemistry=1
-BAT0: RemainingCapacity=/sys/class/power_supply/BAT0/energy_now: No such file or directory
+BAT0: RemainingCapacity=/sys/class/power_supply/*/energy_now: No such file or directory
 BAT0: EstimatedRunTime=60; Technology=LiFe; Model=LNV-45N1
 hid: EstimatedChargeRemaining=85; Scope=Device
 hid: RechargeCount=/sys/class/power_supply/hid/cycle_count: not known to the driver
