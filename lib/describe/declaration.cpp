@@ -236,9 +236,9 @@ bool IsWithin(long number) {
          (number < 0 || static_cast<unsigned long>(number) <= TLimits::max());
 }
 
-/// Returns whether an integer of this type can be the number.
+/// Returns whether an integer of this type, or an element of an array of it, can be the number.
 bool Holds(unsigned int type, long number) {
-  switch (type) {
+  switch (type & ~static_cast<unsigned int>(TType::kCIMTypeArray)) {
     case TType::kCIMTypeUint8:
       return IsWithin<std::uint8_t>(number);
     case TType::kCIMTypeSint8:

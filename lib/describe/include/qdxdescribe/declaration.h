@@ -32,7 +32,8 @@ const char* SecretName(ESecret secret);
 /// How a number behaves over time (DMTF DSP0004, qualifiers Counter and Gauge).
 enum class EBehavior { kNone, kCounter, kGauge };
 
-/// The texts of an enumeration's numbers (DMTF DSP0004, qualifiers ValueMap and Values).
+/// The texts of an enumeration's numbers (DMTF DSP0004, qualifiers ValueMap and Values). Of an
+/// array, they are those of each element.
 using TEnumeration = std::vector<std::pair<long, const char*>>;
 
 /// The same for a constant at namespace scope: one that is constexpr exists before any plug-in is

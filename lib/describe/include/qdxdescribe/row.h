@@ -209,6 +209,16 @@ struct TIsReadable<std::vector<T>>
 template <typename T>
 constexpr bool kIsNumber = std::is_arithmetic_v<T> && !std::is_same_v<T, bool>;
 
+/// The type of an array's elements; of another value its own.
+template <typename T>
+struct TElement {
+  using TType = T;
+};
+template <typename T>
+struct TElement<std::vector<T>> {
+  using TType = T;
+};
+
 /// How often the first type is among the others.
 template <typename T, typename... TAll>
 constexpr int Count() {
@@ -237,7 +247,9 @@ struct TAttributes {
     row.fUnit = Given(unit.fUnit, "the unit of row ", row.fName.c_str());
   }
   static void Apply(TPropertyDeclaration& row, const TEnumeration& enumeration) {
-    static_assert(std::is_integral_v<T> && kIsNumber<T>, "only an integer is an enumeration");
+    using TNumber = typename TElement<T>::TType;
+    static_assert(std::is_integral_v<TNumber> && kIsNumber<TNumber>,
+                  "only an integer, or an array of integers, is an enumeration");
     row.fEnumeration = enumeration;
   }
   static void Apply(TPropertyDeclaration& row, const TConstantEnumeration& enumeration) {

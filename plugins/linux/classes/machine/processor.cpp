@@ -246,11 +246,15 @@ TClass ProcessorClass() {
         Firmware(&TFirmwareSocket::ReadBusClock), megahertz},
        {"CPUStatus", "What firmware did with it.", Firmware(Status), kStatuses},
        {"UpgradeMethod", "The kind of its socket.", Firmware(UpgradeMethod), kUpgradeMethods},
-       {"Characteristics",
-        "What it can do, as firmware says: 2 is 64 bits, 4 virtual machines, 5 several threads in "
-        "a "
-        "core, 6 memory that is not executed, 7 less power when idle.",
-        Firmware(Characteristics)}}}
+       {"Characteristics", "What it can do, as firmware says.", Firmware(Characteristics),
+        TEnumeration{{0, "Unknown"},
+                     {2, "64-bit Capable"},
+                     {3, "32-bit Capable"},
+                     {4, "Enhanced Virtualization"},
+                     {5, "Hardware Thread"},
+                     {6, "NX-bit"},
+                     {7, "Power/Performance Control"},
+                     {8, "Core Frequency Boosting"}}}}}
       .DerivedFrom(LogicalDeviceTable());
 }
 

@@ -39,10 +39,15 @@ TClass CDROMDriveClass() {
 
 TClass DVDDriveClass() {
   THostTable<TDrive>::TRows rows = Rows();
-  rows.push_back({"FormatsSupported",
-                  "The media that it reads: 16 CD-ROM, 19 CD-R, 23 DVD+RW, 24 DVD-RAM, 25 DVD-ROM, "
-                  "33 CD-RW, 36 DVD-R, 37 DVD-RW.",
-                  FormatsOf});
+  rows.push_back({"FormatsSupported", "The media that it reads.", FormatsOf,
+                  TEnumeration{{16, "CD-ROM"},
+                               {19, "CD Recordable"},
+                               {23, "DVD-RW+"},
+                               {24, "DVD-RAM"},
+                               {25, "DVD-ROM"},
+                               {33, "CD-RW"},
+                               {36, "DVD Recordable"},
+                               {37, "DVD-RW"}}});
   return THostTable<TDrive>{"VORNSG_DVDDrive", "A drive for DVDs and CDs.", DrivesFor(EMedia::kDVD),
                             rows}
       .DerivedFrom(MediaAccessDeviceTable());
