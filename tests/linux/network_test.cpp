@@ -90,7 +90,10 @@ br0: Kind=bridge; Members={ vnet1 }; SpanningTree=false
 ib0: LinkTechnology=3; CurrentAddress=80000048FE800000000000000002C90300F9BFA1
 lo: OtherLinkTechnology=Loopback; LinkState=unknown
 lo: PermanentAddress=/sys/class/net/lo/address: only zeros
-old: LinkTechnology=0; ActiveMaximumTransmissionUnit=576
+lo: Kind=; Driver=no driver is bound to it
+old: LinkTechnology=0; ActiveMaximumTransmissionUnit=576; Kind=/sys/class/net/*/uevent: No such file or directory
+old: ElementName=/sys/class/net/*/ifalias: No such file or directory
+old: Driver=/sys/class/net/*/uevent: No such file or directory
 tun0: OtherLinkTechnology=Tunnel; Kind=tun; Driver=tun
 wlan0: LinkTechnology=11; CurrentAddress=525400000007; Kind=
 mlx4_0/1: Adapter=mlx4_0; FirmwareVersion=2.31.5050; Speed=2500000000; PortState=ACTIVE

@@ -14,7 +14,7 @@ TInstances<TBridge> ListBridges(const THost& host) {
   const TInstances<TPort>& ports = host.Shared<TPorts>().fAll;
   TInstances<TBridge> bridges({}, ports.fReason);
   for (const TPort& port : ports.fAll) {
-    if (port.fKind != "bridge") continue;
+    if (!port.IsOfKind("bridge")) continue;
     bridges.fAll.push_back({{port.fInterface},
                             host.In("/sys/class/net").In(port.fInterface).In("bridge"),
                             MembersOfBridge(host, port.fInterface)});

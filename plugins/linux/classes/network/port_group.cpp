@@ -22,7 +22,7 @@ struct TMembership {
 struct TBridges {
   explicit TBridges(const THost& host) {
     for (const TPort& port : host.Shared<TPorts>().fAll.fAll) {
-      if (port.fKind != "bridge") continue;
+      if (!port.IsOfKind("bridge")) continue;
       const TFiles files = host.In("/sys/class/net").In(port.fInterface);
       fMembers.emplace(port.fInterface, files.List("brif"));
     }

@@ -84,7 +84,7 @@ TBond ReadBond(const THost& host, const std::string& name) {
 TReading<std::vector<std::string>> NamesOfBonds(const THost& host) {
   std::vector<std::string> names;
   for (const TPort& port : host.Shared<TPorts>().fAll.fAll) {
-    if (port.fKind == "bond") names.push_back(port.fInterface);
+    if (port.IsOfKind("bond")) names.push_back(port.fInterface);
   }
   if (!names.empty()) return names;
   return FindNetTable(host, "bonding").and_then([&host](const std::string& folder) {

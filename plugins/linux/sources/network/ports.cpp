@@ -21,6 +21,7 @@ namespace {
 using ETech = ELinkTechnology;
 
 const char* const kFolder = "/sys/class/net";
+constexpr const char* kLoopback = "Loopback";
 
 struct THardwareType {
   std::uint16_t fNumber;
@@ -41,7 +42,7 @@ constexpr THardwareType kHardwareTypes[] = {
     {ARPHRD_TUNNEL, ETech::kOther, "Tunnel"},
     {ARPHRD_TUNNEL6, ETech::kOther, "Tunnel"},
     {ARPHRD_FRAD, ETech::kFrameRelay, ""},
-    {ARPHRD_LOOPBACK, ETech::kOther, "Loopback"},
+    {ARPHRD_LOOPBACK, ETech::kOther, kLoopback},
     {ARPHRD_FDDI, ETech::kFDDI, ""},
     {ARPHRD_SIT, ETech::kOther, "Tunnel"},
     {ARPHRD_IPGRE, ETech::kOther, "Tunnel"},
@@ -68,11 +69,12 @@ void SetTechnology(std::uint16_t type, TPort& port) {
 }
 
 /// Returns the kind of an interface that the kernel makes: as netlink has it, else by the files
-/// that only such an interface has.
-TText KindOf(const TFiles& files, const TText& uevent, const TLink* link) {
+/// that only such an interface has. Without netlink, what has none of them may be of any kind.
+TText KindOf(const TFiles& files, const TPort& port, const TLink* link) {
   if (link != nullptr && !link->fKind.empty()) return link->fKind;
-  const TText kind = TFields("uevent", uevent, '=').Get("DEVTYPE");
-  if (kind || link != nullptr) return kind.ValueOr("");
+  TText kind = TFields(files.PathOf("uevent"), files.Read("uevent"), '=').Get("DEVTYPE");
+  if (kind) return kind;
+  if (link != nullptr || port.fOtherTechnology == kLoopback) return "";
   constexpr std::pair<const char*, const char*> kFiles[] = {
       {"bridge", "bridge"}, {"bonding", "bond"}, {"phy80211", "wlan"}, {"tun_flags", "tun"}};
   for (const auto& [file, name] : kFiles) {
@@ -80,7 +82,8 @@ TText KindOf(const TFiles& files, const TText& uevent, const TLink* link) {
     if (!exists) return Missing(exists.GetReason());
     if (*exists) return name;
   }
-  return "";
+  return files.Exists("device").and_then(
+      [&kind](bool isHardware) { return isHardware ? TText("") : kind; });
 }
 
 TText ReadAddress(const TFiles& files, bool isEthernet) {
@@ -207,14 +210,12 @@ TReading<TPort> ReadPort(const THost& host, const TFiles& files, const std::stri
   const TLinks& links = host.Shared<TLinks>();
   if (!links.fByIndex.empty()) port.fIndex = files.ReadNumber("ifindex").ValueOr(0);
   const TLink* const link = links.Find(name, port.fIndex);
-  const TText kind = KindOf(files, files.Read("uevent"), link);
-  if (!kind) return Missing(kind.GetReason());
-  port.fKind = *kind;
+  port.fKind = KindOf(files, port, link);
+  if (port.fKind.GetReason().IsError()) return Missing(port.fKind.GetReason());
   const bool isEthernet = port.fTechnology == ETech::kEthernet;
-  if (isEthernet && port.fKind == "wlan") port.fTechnology = ETech::kWirelessLAN;
-  if (port.fKind == "wlan") port.fKind.clear();  // the kernel names hardware by this one alone
-  const TText alias = files.Read("ifalias");
-  port.fAlias = alias.GetReason().IsError() ? alias : TText(PrintableText(alias.ValueOr("")));
+  if (isEthernet && port.IsOfKind("wlan")) port.fTechnology = ETech::kWirelessLAN;
+  if (port.IsOfKind("wlan")) port.fKind = "";  // the kernel names hardware by this one alone
+  port.fAlias = files.Read("ifalias").map(PrintableText);
   port.fPhysicalPort = OptionalText(files, "phys_port_id");
   port.fIsEnabled =
       files.ReadNumber("flags").map([](std::uint64_t flags) { return (flags & IFF_UP) != 0; });
@@ -342,8 +343,10 @@ void ReadDriver(const THost& host, const TFiles& files, TPort& port) {
     port.fPCIFunction = PCIFunctionIn(files.ReadLink("device").ValueOr(""));
   }
   if (files.IsAbsent("device")) {
-    port.fDriver = port.fKind;
-    port.fDriverVersion = std::string();
+    port.fDriver = port.fKind.and_then([](const std::string& kind) {
+      return kind.empty() ? TText(Missing("no driver is bound to it")) : TText(kind);
+    });
+    port.fDriverVersion = port.fDriver.map([](const std::string&) { return std::string(); });
     return;
   }
   port.fDriver = ReadDriverOf(files.In("device"));

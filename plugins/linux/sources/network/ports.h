@@ -37,7 +37,7 @@ struct TPort {
   std::string fInterface;  ///< The kernel's name, such as "eth0".
   ELinkTechnology fTechnology = ELinkTechnology::kUnknown;
   std::string fOtherTechnology;  ///< Such as "Loopback"; empty unless the technology is kOther.
-  std::string fKind;             ///< Such as "bridge"; empty for hardware.
+  TText fKind = std::string();   ///< Such as "bridge"; empty for hardware.
   TText fAlias = std::string();  ///< Given by the administrator; may be empty.
   std::string fPCIFunction;      ///< Its address; empty for a port of another bus or of none.
   std::string fPhysicalPort;     ///< Tells which ports share a plug; empty if not told.
@@ -62,6 +62,8 @@ struct TPort {
   TNumber fMulticastReceived;
   TNumber fCollisions;
   TNumber fCarrierChanges;
+
+  bool IsOfKind(const char* kind) const { return fKind.ValueOr("") == kind; }
 };
 
 /// A table of counters by a name. Missing for an interface that the table lacks.

@@ -29,7 +29,7 @@ TVLANs::TVLANs(const THost& host) {
   const TLinks& links = host.Shared<TLinks>();
   // The table needs a module of the kernel, which need not be there.
   for (const TPort& port : host.Shared<TPorts>().fAll.fAll) {
-    if (port.fKind != "vlan" || vlans.count(port.fInterface) != 0) continue;
+    if (!port.IsOfKind("vlan") || vlans.count(port.fInterface) != 0) continue;
     TVLAN vlan{port.fInterface, Missing(table.GetReason()), Missing(table.GetReason())};
     const TLink* const link = links.Find(port.fInterface, port.fIndex);
     if (link != nullptr && link->fVLAN) vlan.fID = *link->fVLAN;
