@@ -184,6 +184,7 @@ a.socket: Listen={ ListenStream=22 }; Unit=a@.service
                            "/missing.service: No such file or directory"}) {
     EXPECT_NE(reason.find(part), std::string::npos) << reason;
   }
+  EXPECT_EQ(ReasonsOf(*ns).count("VORNSG_TimerService"), 0U);  // services are no timers
 }
 
 TEST_F(LinuxSoftware, TellsContainersAndLimits) {
@@ -238,6 +239,8 @@ TEST_F(LinuxSoftware, SaysWhyNothingIsThere) {
   EXPECT_EQ(InstancesOf(*fMachine.Namespace(), "VORNSG_SoftwareIdentity").size(), 1U);
   fs::remove_all(fMachine.Path() / "proc/1");
   EXPECT_EQ(OS("NumberOfProcesses"), "/proc: shows no process 1, so that others may be hidden");
+  fMachine.Write("usr/lib/systemd/system/huge.service", std::string(70000, 'x'));
+  EXPECT_EQ(why("VORNSG_SocketService"), "no unit's name ends with .socket");
   fs::remove_all(fMachine.Path() / "usr");
   fs::remove_all(fMachine.Path() / "etc/init.d");
   EXPECT_EQ(why("VORNSG_Service"), "/usr/lib/systemd/system: No such file or directory");

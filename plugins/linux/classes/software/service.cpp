@@ -13,10 +13,11 @@ const std::string& kSystemClass = TCIMSchemaHelper::kSystemCreationClassName;
 /// Services proper: units and scripts.
 TInstances<TServiceUnit> ListServices(const THost& host) {
   const auto& units = host.Shared<TServiceUnits>();
-  TInstances<TServiceUnit> services({}, units.fReason);
+  TInstances<TServiceUnit> services({}, units.ReasonFor(".service"));
   for (const TServiceUnit& unit : units.fAll) {
     if (unit.fIsScript || unit.HasSuffix(".service")) services.fAll.push_back(unit);
   }
+  if (services.fAll.empty() && services.fReason.empty()) services.Miss("no unit is a service");
   return services;
 }
 
@@ -78,9 +79,12 @@ const TInstanceName& Itself(const TInstanceName& service) { return service; }
 
 TInstances<TServiceUnit> UnitsWithSuffix(const THost& host, const char* suffix) {
   const auto& units = host.Shared<TServiceUnits>();
-  TInstances<TServiceUnit> chosen({}, units.fReason);
+  TInstances<TServiceUnit> chosen({}, units.ReasonFor(suffix));
   for (const TServiceUnit& unit : units.fAll) {
     if (unit.HasSuffix(suffix)) chosen.fAll.push_back(unit);
+  }
+  if (chosen.fAll.empty() && chosen.fReason.empty()) {
+    chosen.Miss(std::string("no unit's name ends with ") + suffix);
   }
   return chosen;
 }

@@ -60,6 +60,11 @@ bool IsListed(const std::string& name) {
   return ends_with(name, ".service") || ends_with(name, ".socket") || ends_with(name, ".timer");
 }
 
+/// Returns ".service" for "ssh.service".
+std::string SuffixOf(const std::string& name) {
+  return name.substr(std::min(name.rfind('.'), name.size()));
+}
+
 bool Contains(const std::vector<std::string>& words, const std::string& word) {
   return std::find(words.begin(), words.end(), word) != words.end();
 }
@@ -86,8 +91,9 @@ class TReader {
     const TFiles files = fHost.In(folder.fPath);
     const auto names = files.List();
     if (!names) {
-      if (!files.IsAbsent("")) LackLinks(names.GetReason());
-      return;
+      if (files.IsAbsent("")) return;
+      Add(fUnits.fReason, names.GetReason());
+      return LackLinks(names.GetReason());
     }
     // Since /lib became a link to /usr/lib, both are the same folder.
     if (starts_with(folder.fPath, "/lib/") && fHost.ReadLink("/lib")) return;
@@ -177,7 +183,7 @@ class TReader {
         fSize < kMaxSize ? fHost.Read(unit.fPath)
                          : fHost.MissingFrom(unit.fPath, {"too many unit files", TReason::kError});
     if (!file) {
-      AddReason(file.GetReason());
+      AddReason(unit.fName, file.GetReason());
       unit.fSettings = Missing(file.GetReason());
       return "bad";
     }
@@ -269,24 +275,27 @@ class TReader {
       unit.fState = "bad";
       unit.fSettings = Missing(reason);
       unit.fDescription = Missing(reason);
-      return AddReason(reason);
+      return AddReason(unit.fName, reason);
     }
     unit.fAliasOf = aliased->fName;
     unit.fDescription = aliased->fDescription;
     unit.fSettings = aliased->fSettings;
   }
 
-  void AddReason(const TReason& reason) {
+  static void Add(TReason& all, const TReason& reason) {
     constexpr std::size_t kLongest = 500;
-    if (fUnits.fReason.size() < kLongest) fUnits.fReason.Add(reason);
+    if (all.size() < kLongest) all.Add(reason);
+  }
+  /// What is wrong with one unit says nothing about those of another suffix.
+  void AddReason(const std::string& unit, const TReason& reason) {
+    Add(fUnits.fReasons[SuffixOf(unit)], reason);
   }
   void LackLinks(const TReason& reason) {
-    AddReason(reason);
     if (reason.IsError() && fNoLinks.empty()) fNoLinks = reason;
   }
   void LackDropIns(const std::string& unit, const TReason& reason) {
     if (!reason.IsError()) return;  // a link that leads nowhere
-    AddReason(reason);
+    AddReason(unit, reason);
     fNoDropIns.emplace(unit, reason);
   }
 
@@ -347,7 +356,7 @@ bool IsService(const std::string& script) {
 /// Adds the scripts that no unit replaces.
 void AddScripts(const THost& host, const TReader& reader, TServiceUnits& units) {
   const auto scripts = host.List(kScripts);
-  if (scripts.GetReason().IsError()) units.fReason.Add(scripts.GetReason());
+  if (scripts.GetReason().IsError()) units.fReasons[".service"].Add(scripts.GetReason());
   if (!scripts) return;
   const TStartedScripts started(host);
   for (const std::string& script : *scripts) {
@@ -368,11 +377,18 @@ void AddScripts(const THost& host, const TReader& reader, TServiceUnits& units) 
 
 bool TServiceUnit::HasSuffix(const std::string& suffix) const { return ends_with(fName, suffix); }
 
+TReason TServiceUnits::ReasonFor(const std::string& suffix) const {
+  TReason reason = fReason;
+  const auto own = fReasons.find(suffix);
+  if (own != fReasons.end()) reason.Add(own->second);
+  return reason;
+}
+
 TServiceUnits::TServiceUnits(const THost& host) {
   TReader reader(host, *this);
   reader.ReadUnits();
   AddScripts(host, reader, *this);
-  if (!fAll.empty() || !fReason.empty()) return;
+  if (!fAll.empty() || !fReason.empty() || !fReasons.empty()) return;
   fReason = host.In("/usr/lib/systemd/system").List().GetReason();
   if (fReason.empty()) fReason = "/usr/lib/systemd/system: no services";
 }

@@ -3,6 +3,7 @@
 #ifndef PLUGINS_LINUX_SOURCES_SOFTWARE_UNITS_H_
 #define PLUGINS_LINUX_SOURCES_SOFTWARE_UNITS_H_
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -29,8 +30,12 @@ struct TServiceUnit {
 struct TServiceUnits {
   explicit TServiceUnits(const THost& host);
 
+  /// Returns why there are none with the suffix, such as ".timer", or not all.
+  TReason ReasonFor(const std::string& suffix) const;
+
   std::vector<TServiceUnit> fAll;
-  TReason fReason;  ///< Why there are none, or not all.
+  TReason fReason;                          ///< Why there are none, or not all, of any suffix.
+  std::map<std::string, TReason> fReasons;  ///< What else is wrong with units of a suffix.
 };
 
 }  // namespace NVORNQDX20
