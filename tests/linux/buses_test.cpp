@@ -135,12 +135,12 @@ TEST(LinuxBuses, HaveUSBDevices) {
 const char* const kSlotValues = R"(
 Slot: ElementName=PCI 1; Number=1; SlotTypeDescription=PCI; ConnectorLayout=16; MaxDataWidth=32
 Slot: CurrentUsage=3; SupportsHotPlug=false; BusAddress=0000:02:1f.7
-Slot: MaxLinkWidth=SMBIOS structure 0x0009 (type 9): has no such width
+Slot: MaxLinkWidth=SMBIOS structure of type 9: has no such width
 Slot 2: SlotTypeDescription=PCI Express 3 x16; ConnectorLayout=23; MaxLinkWidth=5; CurrentUsage=4
-Slot 2: SupportsHotPlug=true; BusAddress=SMBIOS structure 0x000A (type 9): bus is not told
-Slot 2: MaxDataWidth=SMBIOS structure 0x000A (type 9): has no such width
+Slot 2: SupportsHotPlug=true; BusAddress=SMBIOS structure of type 9: bus is not told
+Slot 2: MaxDataWidth=SMBIOS structure of type 9: has no such width
 Slot 3: SlotTypeDescription=M.2 Socket 3; ConnectorLayout=7; MaxLinkWidth=4
-Slot 3: BusAddress=SMBIOS structure 0x000B (type 9): has 12 bytes, none at offset 16
+Slot 3: BusAddress=SMBIOS structure of type 9: has 12 bytes, none at offset 16
 Slot 4: SlotTypeDescription=SMBIOS has no text for type 183
 )";
 

@@ -76,15 +76,15 @@ TEST(Firmware, DescribesTheMachine) {
   machine.Write(kFolder + "DMI", Table());
   const auto ns = machine.Namespace();
   ExpectValues(ValuesOf(*ns, kClasses), kValues);
-  const std::string structure = "SMBIOS structure 0x";
+  const std::string structure = "SMBIOS structure of type ";
   const std::map<std::string, std::string> reasons = {
-      {"SerialNumber", "0001 (type 1): placeholder text 'System SN'"},
-      {"ChassisUserTracking", "0004 (type 3): not specified"},
-      {"BIOSControllerRelease", "0000 (type 0): has no release"},
-      {"Board 2BoardType", "0003 (type 2): has 8 bytes, none at offset 13"},
-      {"A DIMM 0PositionInRow", "1200 (type 20): unknown"},
-      {"B DIMM 0SerialNumber", "1101 (type 17): placeholder text 'SerNum1'"},
-      {"Memory 5Capacity", "1104 (type 17): the size is unknown"}};
+      {"SerialNumber", "1: placeholder text 'System SN'"},
+      {"ChassisUserTracking", "3: not specified"},
+      {"BIOSControllerRelease", "0: has no release"},
+      {"Board 2BoardType", "2: has 8 bytes, none at offset 13"},
+      {"A DIMM 0PositionInRow", "20: unknown"},
+      {"B DIMM 0SerialNumber", "17: placeholder text 'SerNum1'"},
+      {"Memory 5Capacity", "17: the size is unknown"}};
   const TTexts values = ValuesOf(*ns, kClasses);
   for (const auto& [name, reason] : reasons) {
     const auto found = values.find(name);

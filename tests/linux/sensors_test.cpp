@@ -82,7 +82,7 @@ hid: RechargeCount=/sys/class/power_supply/hid/cycle_count: not known to the dri
 hid: Status=/sys/class/power_supply/hid/status: No such file or directory
 System Power Supply: Type=Switching; Status=OK; ElementName=PS1; Location=Rear 1; Manufacturer=DELTA
 System Power Supply: SerialNumber=SN7; Model=DPS-750; Revision=A01; Present=true; Unplugged=false
-System Power Supply: AssetTag=SMBIOS structure 0x0027 (type 39): placeholder text 'To be filled by O.E.M.'
+System Power Supply: AssetTag=SMBIOS structure of type 39: placeholder text 'To be filled by O.E.M.'
 System Power Supply: HotReplaceable=true; IsSwitchingSupply=true; TypeOfRangeSwitching=4
 System Power Supply: RatedMaxOutputPower=750; OutputPowerUnits=watt
 cooling/TFN1: MaxCoolingState=50; ActiveCooling=the type does not tell

@@ -86,10 +86,10 @@ TReading<std::string> TSMBIOSStructure::ReadString(std::size_t offset) const {
     const std::size_t end = strings.find('\0');
     // A string that the end of the table cuts off has no zero.
     if (end == std::string_view::npos || end == 0) {
-      return MissingFrom("has no string " + std::to_string(*number));
+      return Damaged("has no string " + std::to_string(*number));
     }
     if (index == *number) {
-      if (end > kMaxString) return MissingFrom("string " + std::to_string(index) + " is too long");
+      if (end > kMaxString) return Damaged("string " + std::to_string(index) + " is too long");
       std::string text = PrintableText(strings.substr(0, end));
       if (text.empty()) return MissingFrom("not specified");
       if (IsPlaceholder(text)) return MissingFrom("placeholder text '" + text + "'");
@@ -105,6 +105,10 @@ TReading<std::string> TSMBIOSStructure::ReadBytes(std::size_t offset, std::size_
 }
 
 TMissing TSMBIOSStructure::MissingFrom(const std::string& reason) const {
+  return Missing("SMBIOS structure of type " + std::to_string(GetType()) + ": " + reason);
+}
+
+TMissing TSMBIOSStructure::Damaged(const std::string& reason) const {
   std::array<char, 48> name{};
   std::snprintf(name.data(), name.size(),
                 "SMBIOS structure 0x%04X (type %u): ", static_cast<unsigned int>(GetHandle()),

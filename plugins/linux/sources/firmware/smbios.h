@@ -49,7 +49,8 @@ class TSMBIOSStructure {
   /// Reads bytes as they are.
   TReading<std::string> ReadBytes(std::size_t offset, std::size_t count) const;
 
-  /// Returns a reason that names the structure: "SMBIOS structure 0x0011 (type 17): " and `reason`.
+  /// Returns a reason that names the type: "SMBIOS structure of type 17: " and `reason`. Without
+  /// the handle, it is the same for all structures of which it is true.
   TMissing MissingFrom(const std::string& reason) const;
 
  private:
@@ -65,6 +66,8 @@ class TSMBIOSStructure {
   }
   std::uint64_t LittleEndian(std::size_t offset, std::size_t count) const;
   TMissing TooShortFor(std::size_t offset) const;
+  /// Returns a reason that tells by its handle which structure is damaged.
+  TMissing Damaged(const std::string& reason) const;
 
   std::shared_ptr<const std::string> fTable;
   std::size_t fBegin;

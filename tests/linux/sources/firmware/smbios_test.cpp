@@ -34,12 +34,12 @@ TEST(SMBIOS, ReadsFieldsAndStrings) {
       SMBIOSStructure(1, 0x1234, fields, {"Maker", " Box \x01", "  ", "Default String"}) + kEnd);
   EXPECT_EQ(smbios.GetFlaw(), "");
   const TSMBIOSStructure& one = *smbios.Find(0x1234);
-  const std::string name = "SMBIOS structure 0x1234 (type 1): ";
+  const std::string name = "SMBIOS structure of type 1: ";
   EXPECT_EQ(TextOf(one.ReadString(4)), "Maker");
   EXPECT_EQ(TextOf(one.ReadString(5)), "Box");
   EXPECT_EQ(TextOf(one.ReadString(6)), name + "not specified");
   EXPECT_EQ(TextOf(one.ReadString(7)), name + "placeholder text 'Default String'");
-  EXPECT_EQ(TextOf(one.ReadString(8)), name + "has no string 5");
+  EXPECT_EQ(TextOf(one.ReadString(8)), "SMBIOS structure 0x1234 (type 1): has no string 5");
   EXPECT_EQ(TextOf(one.ReadString(17)), name + "has 17 bytes, none at offset 17");
   EXPECT_EQ(TextOf(one.ReadNumber<std::uint16_t>(9)), "61183");
   EXPECT_EQ(TextOf(one.ReadNumber<std::uint64_t>(9)), "9843086184167632639");
