@@ -7,9 +7,9 @@ namespace NVORNQDX20 {
 namespace {
 
 const std::string kFolder = "sys/firmware/dmi/tables/";
-const std::vector<std::string> kClasses = {"ComputerSystem", "Chassis",     "Card",
-                                           "BIOSElement",    "MemoryArray", "MemorySlot",
-                                           "PhysicalMemory", "Memory",      "MemoryErrorCount"};
+const std::vector<std::string> kClasses = {
+    "ComputerSystem", "Chassis",        "Card",   "BIOSElement",      "MemoryArray",
+    "MemorySlot",     "PhysicalMemory", "Memory", "MemoryErrorCount", "MappedMemory"};
 
 std::string Zeros(int count) { return std::string(static_cast<std::size_t>(count) * 2, '0'); }
 
@@ -42,7 +42,10 @@ std::string Table() {
          Module(0x1103, "0000", "00000000", {"DIMM 3"}) +
          Module(0x1104, "FFFF", "00000000", {"DIMM 3"}) +
          SMBIOSStructure(20, 0x1200, "00000000 FFFFFF00 0011 0000 FF 02 01") +
-         SMBIOSStructure(127, 0x7F, "");
+         SMBIOSStructure(19, 0x1300, "00000000 FFFFFF00 0010 02") +
+         SMBIOSStructure(19, 0x1301,
+                         "FFFFFFFF FFFFFFFF 0010 01 0000000001000000 FFFFFFFF01000000") +
+         SMBIOSStructure(19, 0x1302, "01000000 00000000 0110 01") + SMBIOSStructure(127, 0x7F, "");
 }
 
 /// What stands before the colon is the instance.
@@ -64,6 +67,10 @@ A DIMM 0: Capacity=17179869184; Manufacturer=Acme; SerialNumber=S1; PartNumber=P
 A DIMM 0: FormFactor=8; MaxMemorySpeed=2656; Ranks=2; ConfiguredVoltage=1200; TotalWidth=72
 A DIMM 0: InterleavePosition=2; MemoryTypeDescription=DDR4; Populated=true
 B DIMM 0: Capacity=137438953472; DeviceLocator=DIMM 0; BankLabel=B
+Memory Array Mapped Address: StartingAddress=0; EndingAddress=17179869183; Size=17179869184
+Memory Array Mapped Address: PartitionWidth=2; MemoryArray=Memory Array
+Memory Array Mapped Address 2: StartingAddress=4294967296; EndingAddress=8589934591
+Memory Array Mapped Address 2: Size=4294967296
 DIMM 2: Capacity=524288; MemoryArray=Memory Array
 Memory 4: Populated=false; DeviceLocator=DIMM 3
 Memory 5: Populated=true
@@ -84,6 +91,8 @@ TEST(Firmware, DescribesTheMachine) {
       {"Board 2BoardType", "2: has 8 bytes, none at offset 13"},
       {"A DIMM 0PositionInRow", "20: unknown"},
       {"B DIMM 0SerialNumber", "17: placeholder text 'SerNum1'"},
+      {"Memory Array Mapped Address 3Size", "19: ends before it begins"},
+      {"Memory Array Mapped Address 3MemoryArray", "19: names no array of the table"},
       {"Memory 5Capacity", "17: the size is unknown"}};
   const TTexts values = ValuesOf(*ns, kClasses);
   for (const auto& [name, reason] : reasons) {

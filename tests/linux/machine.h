@@ -5,12 +5,14 @@
 
 #include <qdxcore/interfaces.h>
 #include <qdxcore/os_specific.h>
+#include <qdxcore/reference.h>
 #include <qdxcore/registry.h>
 #include <qdxdescribe/missing_values.h>
 #include <qdxmodel/classes.h>
 
 #include <filesystem>
 #include <map>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -54,6 +56,30 @@ inline std::map<std::string, std::string> ReasonsOf(const ICIMNamespace& ns) {
     reasons[owner + property] = TextOf(*missing, "Reason");
   }
   return reasons;
+}
+
+inline std::string LastKeyOf(const ICIMInstance& instance) {
+  std::string key;
+  for (const auto& property : NModel::PropertiesOf(*instance.GetClass({}))) {
+    if (property.fIsKey) key = TextOf(instance, property.fDecl->GetName());
+  }
+  return key;
+}
+
+/// The last keys of both ends of all instances, as in "eth0 - eth0 192.0.2.7/24".
+inline std::set<std::string> EndsOfTies(const ICIMNamespace& ns, const std::string& association) {
+  std::set<std::string> ties;
+  for (const auto& tie : InstancesOf(ns, association)) {
+    std::string ends;
+    for (const auto& property : NModel::PropertiesOf(*tie->GetClass({}))) {
+      if (!property.fIsKey) continue;
+      const TCIMReference reference = tie->GetProperty(property.fDecl->GetName(), {})->GetValue();
+      const auto end = boost::dynamic_pointer_cast<ICIMInstance>(reference.GetCIMElement());
+      ends += (ends.empty() ? "" : " - ") + (end ? LastKeyOf(*end) : "nothing");
+    }
+    ties.insert(ends);
+  }
+  return ties;
 }
 
 using TTexts = std::map<std::string, std::string>;

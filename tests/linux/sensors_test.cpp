@@ -30,6 +30,16 @@ sys/class/thermal/thermal_zone10: type=acpitz; trip_point_0_temp=1; trip_point_0
 sys/devices/LNX/power_supply/BAT0/hwmon/hwmon5: name=BAT0; in0_input=12229
 sys/devices/pci0/0000:01:00.0/nvme/nvme0/hwmon/hwmon6: name=nvme; temp1_input=43850
 sys/class/hwmon: hwmon7=
+sys/devices/platform/coretemp.5/hwmon/hwmon8: name=coretemp; temp1_input=1; temp1_label=Package id 1
+sys/devices/platform/coretemp.5/hwmon/hwmon8: temp2_input=2; temp2_label=Core 0
+sys/devices/platform/coretemp.0/hwmon/hwmon9: name=coretemp; temp2_input=3; temp2_label=Core 0
+sys/devices/system/cpu: present=0-1; online=0-1; cpu0/topology/physical_package_id=0
+sys/devices/system/cpu: cpu1/topology/physical_package_id=1; cpu0/topology/core_cpus_list=0
+sys/devices/system/cpu: cpu1/topology/core_cpus_list=1; cpu0/topology/package_cpus_list=0
+sys/devices/system/cpu: cpu1/topology/package_cpus_list=1
+sys/devices/pci0/ata1/0:0:0:0/hwmon/hwmon11: name=drivetemp; temp1_input=33000
+sys/devices/pci0/ata1/0:0:0:0/block: sda/size=8
+sys/block/sda: size=8
 sys/class/nvme/nvme0: model=P
 sys/bus/pci/devices/0000:00:18.3: vendor=0x1022
 sys/class/power_supply/AC: type=Mains; online=0
@@ -119,7 +129,10 @@ class LinuxSensors : public ::testing::Test {
     link("hwmon3", "platform/gone");
     link("hwmon5", "LNX/power_supply/BAT0");
     link("hwmon6", "pci0/0000:01:00.0/nvme/nvme0");
+    link("hwmon8", "platform/coretemp.5");
+    link("hwmon9", "platform/coretemp.0");
     link("hwmon10", "platform/smc.768");
+    link("hwmon11", "pci0/ata1/0:0:0:0");
     std::filesystem::create_symlink(
         "../../../smc.768", fMachine.Path() / "sys/devices/platform/smc.768/hwmon/hwmon10/device");
   }
@@ -133,7 +146,14 @@ TEST_F(LinuxSensors, HaveReadingsLimitsAndStates) {
                                        "ThermalCoolingDevice", "Battery", "PowerSupply"});
   ExpectValues(values, kSensorValues);
   EXPECT_EQ(InstancesOf(*ns, "VORNSG_Fan").size(), 3U);
-  EXPECT_EQ(InstancesOf(*ns, "VORNSG_AssociatedSensor").size(), 11U);
+  EXPECT_EQ(InstancesOf(*ns, "VORNSG_AssociatedSensor").size(), 15U);
+  const std::set<std::string> ties = EndsOfTies(*ns, "VORNSG_AssociatedSensor");
+  for (const char* tie :
+       {"platform/coretemp.5/coretemp/temp1 - CPU1", "platform/coretemp.5/coretemp/temp2 - CPU1",
+        "platform/coretemp.0/coretemp/temp2 - CPU0", "pci0/ata1/0:0:0:0/drivetemp/temp1 - /dev/sda",
+        "pci0/0000:01:00.0/nvme/nvme0/nvme/temp1 - /dev/nvme0"}) {
+    EXPECT_EQ(ties.count(tie), 1U) << tie;
+  }
   EXPECT_EQ(InstancesOf(*ns, "VORNSG_Battery").size(), 2U);
   EXPECT_EQ(ReasonsOf(*ns)["VORNSG_Fan"],
             "/sys/class/hwmon/hwmon3: a link that leads nowhere; "
@@ -148,6 +168,52 @@ TEST_F(LinuxSensors, HaveABatteryOfTheFirmwareIfTheKernelHasNone) {
       ValuesOf(*ns, {"Battery"}),
       "Portable Battery: Model=DELL; Chemistry=6; DesignCapacity=50000; DesignVoltage=10800");
   EXPECT_EQ(ReasonsOf(*ns).count("VORNSG_Battery"), 0U);  // all that there is was found
+}
+
+const char* const kProbeValues = R"(
+Voltage Probe: ElementName=12V; BaseUnits=5; UnitModifier=-3; SensorType=3; Location=7; Status=3
+Voltage Probe: MaxReadable=13200; MinReadable=10800; Resolution=10; Tolerance=50; Accuracy=250
+Voltage Probe: NominalReading=12000; LowerThresholdNonCritical=11000; UpperThresholdFatal=13000
+Voltage Probe: UpperThresholdNonCritical=SMBIOS structure of type 36: unknown
+Voltage Probe: CurrentReading=the firmware's table has no readings
+Voltage Probe 2: MaxReadable=40000; Resolution=SMBIOS structure of type 26: 5 tenths of the unit are no whole number
+Voltage Probe 2: Location=SMBIOS structure of type 26: number 31 has no meaning in SMBIOS
+Voltage Probe 2: NominalReading=SMBIOS structure of type 26: has 20 bytes, none at offset 20
+Voltage Probe 2: UpperThresholdFatal=the firmware's table has no limits for it
+Temperature Probe: BaseUnits=2; MinReadable=-40000; MaxReadable=125000; Resolution=500; Location=12
+Temperature Probe: NominalReading=SMBIOS structure of type 28: unknown; Status=4
+Electrical Current Probe: BaseUnits=6; MaxReadable=SMBIOS structure of type 29: unknown
+Cooling Device: ElementName=Fan 1; DeviceType=3; Status=3; CoolingUnitGroup=1; NominalSpeed=6000
+Cooling Device: ActiveCooling=true
+Cooling Device 2: DeviceType=17; ActiveCooling=false
+Cooling Device 2: CoolingUnitGroup=SMBIOS structure of type 27: is in no group
+Cooling Device 2: NominalSpeed=SMBIOS structure of type 27: has 12 bytes, none at offset 12
+Cooling Device 2: ElementName=SMBIOS structure of type 27: has 12 bytes, none at offset 14
+Cooling Device 3: DeviceType=SMBIOS structure of type 27: number 30 has no meaning in SMBIOS
+)";
+
+TEST(FirmwareSensors, AreDescribedWithoutReadings) {
+  const TMachine machine;
+  machine.Write("sys/firmware/dmi/tables/DMI",
+                SMBIOSStructure(26, 1, "01 67 9033 302A 6400 3200 FA00 00000000 E02E", {"12V"}) +
+                    SMBIOSStructure(26, 2, "00 7F 409C 0000 0500 0000 0000 00000000") +
+                    SMBIOSStructure(28, 3, "00 8C E204 70FE F401 0500 0080 00000000 0080") +
+                    SMBIOSStructure(29, 4, "00 43 0080 0080 0080 0080 0080 00000000 0080") +
+                    SMBIOSStructure(27, 5, "0300 63 01 00000000 7017 01", {"Fan 1"}) +
+                    SMBIOSStructure(27, 6, "FFFF 71 00 00000000") +
+                    SMBIOSStructure(27, 7, "0100 5E 00 00000000 0080 00") +
+                    SMBIOSStructure(35, 8, "00 0000 0100 0900") +
+                    SMBIOSStructure(36, 9, "F82A 0080 0080 0080 0080 C832") +
+                    SMBIOSStructure(35, 10, "00 0000 0200 0100") +  // limits that are none
+                    SMBIOSStructure(39, 11, "00 00 00 00 00 00 00 00 0000 0000 0100 0500 0400") +
+                    SMBIOSStructure(127, 0x7F, ""));
+  const auto ns = machine.Namespace();
+  ExpectValues(ValuesOf(*ns, {"FirmwareSensor", "FirmwareCoolingDevice"}), kProbeValues);
+  EXPECT_EQ(EndsOfTies(*ns, "VORNSG_AssociatedSensor"),
+            (std::set<std::string>{"Temperature Probe - Cooling Device",
+                                   "Voltage Probe - Cooling Device 3",
+                                   "Voltage Probe - System Power Supply",
+                                   "Electrical Current Probe - System Power Supply"}));
 }
 
 }  // namespace

@@ -21,6 +21,7 @@
   CLASS(kMemory, PhysicalMemoryClass)              \
   CLASS(kMemory, MemoryClass)                      \
   CLASS(kMemory, MemoryErrorCountClass)            \
+  CLASS(kMemory, MappedMemoryClass)                \
   CLASS(kMachine, ComputerSystemPackageClass)      \
   CLASS(kMachine, SystemBIOSClass)                 \
   CLASS(kMachine, ContainerClass)                  \
@@ -66,8 +67,10 @@
   CLASS(kSensors, SensorClass)                     \
   CLASS(kSensors, NumericSensorClass)              \
   CLASS(kSensors, ThermalZoneClass)                \
+  CLASS(kSensors, FirmwareSensorClass)             \
   CLASS(kSensors, CoolingDeviceClass)              \
   CLASS(kSensors, FanClass)                        \
+  CLASS(kSensors, FirmwareCoolingDeviceClass)      \
   CLASS(kSensors, ThermalCoolingDeviceClass)       \
   CLASS(kSensors, BatteryClass)                    \
   CLASS(kSensors, PowerSupplyClass)                \

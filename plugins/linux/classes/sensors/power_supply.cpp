@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Class VORNSG_PowerSupply: what feeds the machine.
+#include "firmware_probe.h"
 #include "power_unit.h"
 
 namespace NVORNQDX20 {
@@ -10,7 +11,7 @@ namespace {
 TInstances<TPowerUnit> ListSupplies(const THost& host) {
   TInstances<TPowerUnit> supplies;
   AddOfKernel(supplies, host, false);
-  AddOfFirmware(supplies, host, 39, "System Power Supply");
+  AddOfFirmware(supplies, host, 39, kFirmwareSupplyName);
   return supplies;
 }
 
