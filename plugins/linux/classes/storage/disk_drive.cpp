@@ -94,8 +94,12 @@ TText ReadScheduler(const TFiles& disk) {
 
 /// An eMMC and a UFS disk estimate how much of their life is used, in tenths: "0x01 0x02" for two
 /// kinds of memory, and 0x0b for what exceeds it.
-TReading<std::uint8_t> ReadLifeTimeUsed(const TFiles& disk) {
+TReading<std::uint8_t> ReadLifeTimeUsed(const TDisk& disk) {
   const char* const path = "device/life_time";
+  const bool isNVMe = disk.fKernelName.compare(0, 4, "nvme") == 0;
+  if (isNVMe && disk.IsAbsent(path)) {
+    return Missing("no file has it: the health log of an NVMe disk (page 2) is read by ioctl only");
+  }
   return disk.ReadLine(path).and_then([&](const std::string& line) -> TReading<std::uint8_t> {
     const std::size_t blank = line.find(' ');
     const auto first = ParseNumber<std::uint8_t>(line.substr(0, blank));
