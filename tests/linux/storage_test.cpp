@@ -23,6 +23,11 @@ sys/block/sr0: dev=11:0; size=2097151; removable=1; ro=1; device/vendor=QEMU
 sys/block/nvme0n1: dev=259:0; size=8; nsid=1; wwid=eui.0025; device/firmware_rev=EXA7301Q; hidden=0
 sys/block/nvme0c1n1: hidden=1; size=8
 sys/class/nvme/nvme1: model=P; serial=S; firmware_rev=F; state=live; cntlid=3; nvme0c1n1/size=8
+sys/class/scsi_tape/st0: dev=9:0; device/vendor=HP; device/model=Ultrium 8-SCSI; device/rev=N9SG
+sys/class/scsi_tape/st0: stats/read_byte_cnt=7; stats/write_cnt=3; device/vpd_pg80=x
+sys/class/scsi_tape: nst0/dev=9:128; st0a/dev=9:96; st1/uevent=; stx/dev=9:1
+sys/class/scsi_generic/sg3/device: model=Ultrium; scsi_tape/st0/dev=9:0; scsi_tape/nst0/dev=9:128
+sys/class/scsi_generic/sg4/device: block/sda/size=1; block/gone/size=1
 sys/block/dm-0: dev=253:0; size=64; dm/name=vg--a-lv-root; dm/uuid=LVM-uuid; dm/suspended=1
 sys/block/dm-0: slaves/sda2/size=4096; slaves/md5/size=8; queue/logical_block_size=4096
 sys/block/dm-1: dev=253:1; size=64; dm/name=safe; dm/uuid=CRYPT-LUKS2-uuid-safe
@@ -57,6 +62,10 @@ const char* const kDeviceValues = R"(
 /dev/mmcblk0: Model=SD16G; LifeTimeUsed=100; Transport=mmc
 /dev/sr0: MediumSize=1073741; SerialNumber=QM00003; Model=QEMU DVD-ROM; Revision=1.5.3; Kind=rom
 /dev/sr0: MaxMediaSize=depends on the medium
+/dev/st0: Model=Ultrium 8-SCSI; Manufacturer=HP; Revision=N9SG; SerialNumber=HUJ5; Removable=true
+/dev/st0: MaxMediaSize=depends on the medium; NonRewindingDevice=/dev/nst0; BytesRead=7; Writes=3
+/dev/st1: NonRewindingDevice=/sys/class/scsi_tape/nst1: No such file or directory
+/dev/nvme0n1: LifeTimeUsed=no file has it: the health log of an NVMe disk (page 2) is read by ioctl only
 /dev/nvme0n1: WWN=eui.0025; FirmwareRevision=EXA7301Q; NamespaceID=1; Transport=nvme
 /dev/nvme1: Model=P; SerialNumber=S; FirmwareRevision=F; State=live; ControllerID=3
 /dev/dm-0: Name=dm-0; Kind=lvm; ElementName=vg--a-lv-root; VolumeGroup=vg-a; LogicalVolume=lv-root
@@ -131,6 +140,7 @@ class LinuxStorage : public ::testing::Test {
                          std::string("\x01\x13\0\x08portname", 12) +
                          std::string("\x01\x03\0\x08\x50\x02\x53\x8e\x40\xa1\xb2\xc3", 12)));
     fMachine.Write(sda + "vpd_pg89", ATAPage());
+    fMachine.Write("sys/class/scsi_tape/st0/device/vpd_pg80", Page('\x80', "HUJ5"));
     const std::string udev = "run/udev/data/b";
     fMachine.Write(udev + "8:0",
                    "S:disk/by-id/ata-1\nE:ID_ATA_SATA=1\nE:ID_PART_TABLE_TYPE=gpt\n"
@@ -157,10 +167,12 @@ TEST_F(LinuxStorage, HasDisksAndWhatIsMadeOfThem) {
   const auto ns = fMachine.Namespace();
   const std::vector<std::string> extents = {"StorageExtent", "DiskPartition", "LogicalDisk",
                                             "StorageVolume"};
-  const std::vector<std::string> drives = {"DiskDrive", "CDROMDrive", "DVDDrive", "NVMeController"};
+  const std::vector<std::string> drives = {"DiskDrive", "CDROMDrive", "DVDDrive", "TapeDrive",
+                                           "NVMeController"};
   TTexts values = ValuesOf(*ns, drives);
   EXPECT_EQ(InstancesOf(*ns, "VORNSG_DVDDrive").size(), 1U);
   EXPECT_EQ(InstancesOf(*ns, "VORNSG_DiskDrive").size(), 8U);
+  EXPECT_EQ(InstancesOf(*ns, "VORNSG_TapeDrive").size(), 2U);
   EXPECT_EQ(InstancesOf(*ns, "VORNSG_StorageExtent").size(), 9U);  // no card in sdb; with zram0
   for (auto& [name, value] : ValuesOf(*ns, extents)) values[name] = value;
   ExpectValues(values, kDeviceValues);
@@ -173,6 +185,8 @@ TEST_F(LinuxStorage, TiesBlockDevicesToEachOther) {
             (TTies{"/dev/cciss/c0d0 /dev/cciss/c0d0p1", "/dev/loop0 /dev/loop0p1",
                    "/dev/md5 /dev/dm-0", "/dev/nvme9n1 /dev/nvme9n1p2", "/dev/sda /dev/sda1",
                    "/dev/sda /dev/sda2", "/dev/sda2 /dev/dm-0", "/dev/sdc /dev/sdc1"}));
+  EXPECT_EQ(TiesOf(*ns, "ConcreteIdentity", "SystemElement", "SameElement"),
+            (TTies{"/dev/sg3 /dev/st0", "/dev/sg4 /dev/sda"}));
   EXPECT_EQ(TiesOf(*ns, "ControlledBy"), TTies{"/dev/nvme1 /dev/nvme0n1"});
   const TTies media = TiesOf(*ns, "MediaPresent");
   EXPECT_EQ(media.size(), 8U);

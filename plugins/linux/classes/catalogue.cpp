@@ -41,6 +41,7 @@
   CLASS(kDisks, DiskDriveClass)                    \
   CLASS(kDisks, CDROMDriveClass)                   \
   CLASS(kDisks, DVDDriveClass)                     \
+  CLASS(kDisks, TapeDriveClass)                    \
   CLASS(kDisks, NVMeControllerClass)               \
   CLASS(kDisks, StorageExtentClass)                \
   CLASS(kDisks, DiskPartitionClass)                \
@@ -82,6 +83,7 @@
   CLASS(kDisks, MediaPresentClass)                 \
   CLASS(kDisks, BasedOnClass)                      \
   CLASS(kDisks, ControlledByClass)                 \
+  CLASS(kDisks, ConcreteIdentityClass)             \
   CLASS(kFileSystems, FileSystemClass)             \
   CLASS(kFileSystems, HostedFileSystemClass)       \
   CLASS(kFileSystems, ResidesOnExtentClass)        \

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Classes VORNSG_MediaPresent, VORNSG_BasedOn and VORNSG_ControlledBy: what block devices are made
-// of, and what they are attached to.
+// Classes VORNSG_MediaPresent, VORNSG_BasedOn, VORNSG_ControlledBy and VORNSG_ConcreteIdentity:
+// what block devices are made of, what they are attached to, and which SCSI devices drives are.
 #include <algorithm>
 #include <string>
 
@@ -65,6 +65,30 @@ TInstances<TTie> ListControlled(const THost& host) {
   return ties;
 }
 
+/// The folder of a SCSI device has those of the disk or the tape drive that it is.
+TInstances<TTie> ListIdentities(const THost& host) {
+  const auto& devices = host.Shared<TBlockDevices>();
+  const TFiles folder = host.In("/sys/class/scsi_generic");
+  TInstances<TTie> ties;
+  const auto add = [&](const std::string& generic, const char* kind, auto isDrive) {
+    const auto names = folder.List(generic + "/device/" + kind);
+    if (names.GetReason().IsError()) ties.Miss(names.GetReason());
+    for (const std::string& name : names.ValueOr({})) {
+      if (!isDrive(name)) continue;
+      ties.fAll.push_back(
+          {{"VORNSG_SCSIDevice", "/dev/" + generic}, {"VORNSG_MediaAccessDevice", "/dev/" + name}});
+    }
+  };
+  for (const std::string& generic : folder.List().ValueOr({})) {
+    add(generic, "block", [&devices](const std::string& name) {
+      const TBlockDevice* const drive = devices.Find(name);
+      return drive != nullptr && drive->fKind == EBlockKind::kDrive;
+    });
+    add(generic, "scsi_tape", IsTapeDrive);
+  }
+  return ties;
+}
+
 }  // namespace
 
 TClass MediaPresentClass() {
@@ -99,6 +123,17 @@ TClass ControlledByClass() {
       {{"Antecedent", "The controller.", &TTie::fAntecedent, kKey,
         TRefersTo{"VORNSG_NVMeController"}},
        {"Dependent", "The disk.", &TTie::fDependent, kKey, TRefersTo{"VORNSG_MediaAccessDevice"}}}}
+      .AsAssociation();
+}
+
+TClass ConcreteIdentityClass() {
+  return THostTable<TTie>{"VORNSG_ConcreteIdentity",
+                          "Ties a SCSI device to the drive that it is.",
+                          ListIdentities,
+                          {{"SystemElement", "The SCSI device.", &TTie::fAntecedent, kKey,
+                            TRefersTo{"VORNSG_SCSIDevice"}},
+                           {"SameElement", "The drive.", &TTie::fDependent, kKey,
+                            TRefersTo{"VORNSG_MediaAccessDevice"}}}}
       .AsAssociation();
 }
 

@@ -39,21 +39,6 @@ TText ReadWWN(const TDrive& drive) {
   return other || !page.GetReason().IsError() ? other : page;
 }
 
-TDrive MakeDrive(const THost& host, const TBlockDevice& device) {
-  TDrive drive{{device.GetPath(), device.fKernelName}, device, {}, {}, {}, {}, {}, {}, {}};
-  const std::string path = device.PathOf("");
-  drive.fName = path.substr(path.rfind('/') + 1);  // with "!" where the kernel has a slash
-  drive.fPath = host.ReadLink(path);
-  drive.fModel = FirstLine(drive, {"device/model", "device/name"}, {"ID_MODEL_ENC", "ID_MODEL"});
-  drive.fRevision =
-      FirstLine(drive, {"device/rev", "device/firmware_rev", "device/fwrev"}, {"ID_REVISION"});
-  drive.fWWN = ReadWWN(drive);
-  drive.fRemovable = drive.ReadFlag("removable");
-  drive.fRotational = drive.ReadFlag("queue/rotational");
-  drive.fATA = drive.Read("device/vpd_pg89").map(ParseATAPage);
-  return drive;
-}
-
 const char* const kSerialNumberPage = "device/vpd_pg80";
 
 TText ReadSerialNumberPage(const TFiles& drive) {
@@ -146,6 +131,21 @@ TText ReadTransport(const TDrive& drive) {
 }
 
 TInstanceName DriveName(const TBlockDevice& drive) { return {kDriveClassName, drive.GetPath()}; }
+
+TDrive MakeDrive(const THost& host, const TBlockDevice& device) {
+  TDrive drive{{device.GetPath(), device.fKernelName}, device, {}, {}, {}, {}, {}, {}, {}};
+  const std::string path = device.PathOf("");
+  drive.fName = path.substr(path.rfind('/') + 1);  // with "!" where the kernel has a slash
+  drive.fPath = host.ReadLink(path);
+  drive.fModel = FirstLine(drive, {"device/model", "device/name"}, {"ID_MODEL_ENC", "ID_MODEL"});
+  drive.fRevision =
+      FirstLine(drive, {"device/rev", "device/firmware_rev", "device/fwrev"}, {"ID_REVISION"});
+  drive.fWWN = ReadWWN(drive);
+  drive.fRemovable = drive.ReadFlag("removable");
+  drive.fRotational = drive.ReadFlag("queue/rotational");
+  drive.fATA = drive.Read("device/vpd_pg89").map(ParseATAPage);
+  return drive;
+}
 
 std::function<TInstances<TDrive>(const THost&)> DrivesFor(EMedia media) {
   return [media](const THost& host) {

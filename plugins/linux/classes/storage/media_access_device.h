@@ -30,6 +30,13 @@ THostTable<TDrive> MediaAccessDeviceTable();
 /// Returns the function that lists the drives for one kind of medium.
 std::function<TInstances<TDrive>(const THost&)> DrivesFor(EMedia media);
 
+/// Reads what all drives have in common.
+TDrive MakeDrive(const THost& host, const TBlockDevice& device);
+
+/// Returns whether the name in sysfs is that of a tape drive: "st0", not another mode of it such as
+/// "nst0" or "st0a".
+bool IsTapeDrive(const std::string& name);
+
 /// Returns the name by which associations refer to the drive.
 TInstanceName DriveName(const TBlockDevice& drive);
 
