@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // Files about disks and mounts. The first byte selects a table of mountinfo (0), the device (1) or
-// the options (2) of a mount, pages of vital product data (3) or data of udev (4).
+// the options (2) of a mount, pages of vital product data (3), data of udev (4) or a volume group
+// of LVM (5).
 #include <sources/mount_table.h>
 #include <sources/storage/block_devices.h>
 #include <sources/storage/credentials.h>
+#include <sources/storage/lvm_metadata.h>
 #include <sources/storage/udev_data.h>
 #include <sources/storage/vpd_pages.h>
 
@@ -96,8 +98,51 @@ void CheckUdev(const std::string& text) {
   Require(volume.fGroup.size() + volume.fName.size() <= text.size());
 }
 
+std::string Quoted(const std::string& text) {
+  std::string quoted = "\"";
+  for (const char character : text) {
+    if (character == '"' || character == '\\') quoted += '\\';
+    quoted += character;
+  }
+  return quoted + '"';
+}
+
+/// The number of sections, which are no deeper than allowed.
+std::size_t WriteSection(const TLVMSection& section, int depth, std::string& text) {
+  Require(depth < 8 && section.fName.size() <= 128);
+  std::size_t count = 1;
+  for (const auto& [name, values] : section.fValues) {
+    text += name + " = [";
+    for (const std::string& value : values) text += (text.back() == '[' ? "" : ",") + Quoted(value);
+    text += "]\n";
+  }
+  for (const TLVMSection& inner : section.fSections) {
+    text += inner.fName + " {\n";
+    count += WriteSection(inner, depth + 1, text);
+    text += "}\n";
+  }
+  return count;
+}
+
+void CheckVolumeGroup(const std::string& text) {
+  const auto parsed = ParseLVMText(text);
+  const auto group = ParseVolumeGroup("source", text);
+  if (group && group->fFreeExtents) Require(*group->fFreeExtents <= *group->fExtents);
+  if (!parsed) return Require(!group);
+  std::string written;
+  const std::size_t count = WriteSection(*parsed, 0, written);
+  std::string again;
+  const auto reparsed = ParseLVMText(written);
+  Require(static_cast<bool>(reparsed));
+  Require(WriteSection(*reparsed, 0, again) == count && again == written);
+  const TLVMNames names = ParseLVMMapperUUID(text);
+  Require(names.fGroupUUID.size() == names.fVolumeUUID.size());
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  return RunCheck({CheckMountInfo, CheckDevice, CheckOptions, CheckPages, CheckUdev}, data, size);
+  return RunCheck(
+      {CheckMountInfo, CheckDevice, CheckOptions, CheckPages, CheckUdev, CheckVolumeGroup}, data,
+      size);
 }

@@ -193,6 +193,43 @@ TEST_F(LinuxStorage, TiesBlockDevicesToEachOther) {
   EXPECT_EQ(std::count(media.begin(), media.end(), "/dev/sr0 /dev/sr0"), 1);
 }
 
+TEST_F(LinuxStorage, KnowsVolumeGroups) {
+  const std::string saved(32, 's');
+  const std::string unsaved = "abcdefghijklmnopqrstuvwxyz012345";
+  fMachine.WriteFiles(
+      "sys/block/dm-0/dm: uuid=LVM-" + saved + std::string(32, 'v') +
+      "\nsys/block: dm-3/dev=253:3; dm-3/size=8; dm-3/dm/name=vg1-a-real\n" +
+      "sys/block/dm-3: slaves/sda1/x=; dm/uuid=LVM-" + unsaved + std::string(32, 'w') + "-real\n" +
+      "sys/block: dm-4/dev=253:4; dm-4/size=8; dm-4/dm/name=vg1-a\n" +
+      "sys/block/dm-4: slaves/dm-3/x=; dm/uuid=LVM-" + unsaved + std::string(32, 'w') + "\n");
+  fMachine.Write("run/udev/data/b202:0", "E:ID_FS_UUID=pv-x\n");
+  fMachine.Write("etc/lvm/backup/vg-a",
+                 "vg-a { id = \"ssssss-ssss-ssss-ssss-ssss-ssss-ssssss\" extent_size = 8192\n"
+                 "seqno = 7 status = [\"READ\"]\n"
+                 "physical_volumes { pv0 { id = \"pv-x\" device = \"/dev/gone\" pe_count = 9 }\n"
+                 "pv1 { id = \"pv-y\" device = \"/dev/cciss/c0d0\" pe_count = 1 }\n"
+                 "pv2 { id = \"pv-z\" device = \"/dev/sda1\" status = [\"MISSING\"] } } }\n");
+  fMachine.Write("etc/lvm/backup/broken", "vg {");
+  const auto ns = fMachine.Namespace();
+  ExpectValues(ValuesOf(*ns, {"StoragePool"}), R"(
+VORNSG:vg-a: PoolID=vg-a; Active=true; ExtentSize=4194304; SequenceNumber=7; Status={ READ }
+VORNSG:vg-a: TotalManagedSpace=the saved text has no pe_count
+VORNSG:vg1: UUID=abcdef-ghij-klmn-opqr-stuv-wxyz-012345; Active=true
+VORNSG:vg1: TotalManagedSpace=/etc/lvm/backup/vg1: No such file or directory
+)");
+  ExpectValues(ValuesOf(*ns, {"PhysicalVolume"}), R"(
+VORNSG:vg-a/pv0: Device=/dev/xvda; SavedDevice=/dev/gone; TotalSpace=37748736; FreeSpace=37748736
+VORNSG:vg-a/pv1: Device=/dev/cciss/c0d0
+VORNSG:vg-a/pv2: Device=no block device is known to be the physical volume; Status={ MISSING }
+)");
+  using TTies = std::vector<std::string>;
+  EXPECT_EQ(TiesOf(*ns, "ConcreteComponent", "GroupComponent", "PartComponent"),
+            (TTies{"VORNSG:vg-a /dev/cciss/c0d0", "VORNSG:vg-a /dev/md5", "VORNSG:vg-a /dev/sda2",
+                   "VORNSG:vg-a /dev/xvda", "VORNSG:vg1 /dev/sda1"}));
+  EXPECT_EQ(TiesOf(*ns, "AllocatedFromStoragePool"),
+            (TTies{"VORNSG:vg-a /dev/dm-0", "VORNSG:vg1 /dev/dm-3", "VORNSG:vg1 /dev/dm-4"}));
+}
+
 const char* const kMountInfo =
     "67 0 253:0 /@root / rw,relatime shared:1 master:2 - btrfs /dev/root "
     "rw,subvol=/@root,relatime\n"

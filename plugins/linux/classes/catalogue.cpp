@@ -80,6 +80,10 @@
   CLASS(kBuses, USBDeviceClass)                    \
   CLASS(kBuses, USBHubClass)                       \
   CLASS(kNetwork, DeviceIdentityClass)             \
+  CLASS(kDisks, StoragePoolClass)                  \
+  CLASS(kDisks, PhysicalVolumeClass)               \
+  CLASS(kDisks, ConcreteComponentClass)            \
+  CLASS(kDisks, AllocatedFromStoragePoolClass)     \
   CLASS(kDisks, MediaPresentClass)                 \
   CLASS(kDisks, BasedOnClass)                      \
   CLASS(kDisks, ControlledByClass)                 \

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "volume_groups.h"
+
+#include <algorithm>
+
+namespace NVORNQDX20 {
+namespace {
+
+const char* const kFolder = "/etc/lvm/backup";
+
+void AddOnce(std::vector<std::string>& names, const std::string& name) {
+  if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
+}
+
+void AddSaved(const THost& host, TVolumeGroups& groups) {
+  const TFiles folder = host.In(kFolder);
+  const auto names = folder.List();
+  if (!names && !folder.IsAbsent("")) groups.fReason.Add(names.GetReason());
+  for (const std::string& name : names.ValueOr({})) {
+    const TText text = folder.Read(name, TFiles::kMaxTableSize);
+    const TReading<TVolumeGroup> group = text.and_then([&](const std::string& each) {
+      return ParseVolumeGroup(PrintableText(folder.PathOf(name)), each);
+    });
+    if (!group) {
+      groups.fReason.Add(group.GetReason());
+      continue;
+    }
+    TKnownGroup known;
+    static_cast<TVolumeGroup&>(known) = *group;
+    groups.fAll.push_back(std::move(known));
+  }
+}
+
+/// A group of which only the device mapper knows.
+TKnownGroup UnsavedGroup(const THost& host, const std::string& name, const std::string& uuid) {
+  const TFiles folder = host.In(kFolder);
+  const TReason unread = folder.Read(name, TFiles::kMaxTableSize).GetReason();
+  const TMissing missing =
+      unread.empty() ? folder.MissingFrom(name, "does not have the group") : Missing(unread);
+  TKnownGroup group;
+  group.fName = name;
+  group.fUUID = uuid;
+  group.fSequence = group.fExtentSize = group.fExtents = group.fFreeExtents = missing;
+  group.fStatus = missing;
+  group.fLogicalVolumes = missing;
+  return group;
+}
+
+/// Returns "abcdef-ghij-..." as LVM writes it.
+std::string WithHyphens(const std::string& uuid) {
+  constexpr std::size_t kParts[] = {6, 4, 4, 4, 4, 4, 6};
+  std::string text;
+  std::size_t at = 0;
+  for (const std::size_t size : kParts) {
+    text += (at == 0 ? "" : "-") + uuid.substr(at, size);
+    at += size;
+  }
+  return text;
+}
+
+TKnownGroup& GroupOf(const THost& host, const TBlockDevice& volume, const std::string& uuid,
+                     TVolumeGroups& groups) {
+  for (TKnownGroup& group : groups.fAll) {
+    if (group.fUUID && WithoutHyphens(*group.fUUID) == uuid) return group;
+  }
+  std::string name = ParseLogicalVolume(volume.fMapperName.ValueOr("")).fGroup;
+  if (name.empty()) name = WithHyphens(uuid);
+  groups.fAll.push_back(UnsavedGroup(host, name, WithHyphens(uuid)));
+  return groups.fAll.back();
+}
+
+void AddActive(const THost& host, const TBlockDevices& devices, TVolumeGroups& groups) {
+  for (const TBlockDevice& device : devices.All()) {
+    const std::string uuid = ParseLVMMapperUUID(device.fMapperUUID.ValueOr("")).fGroupUUID;
+    if (uuid.empty()) continue;
+    TKnownGroup& group = GroupOf(host, device, uuid, groups);
+    group.fVolumes.push_back(device.fKernelName);
+    for (const std::string& name : device.fSlaves.ValueOr({})) {
+      const TBlockDevice* const slave = devices.Find(name);
+      if (slave == nullptr) continue;
+      const TLVMNames inner = ParseLVMMapperUUID(slave->fMapperUUID.ValueOr(""));
+      if (inner.fGroupUUID != uuid) AddOnce(group.fMembers, name);
+    }
+  }
+}
+
+/// Finds the device of each physical volume, by what udev found in it. The path that LVM has saved
+/// is only a hint: another disk may have it by now.
+void FindDevices(const TBlockDevices& devices, TVolumeGroups& groups) {
+  std::map<std::string, std::string> names;
+  for (const TBlockDevice& device : devices.All()) {
+    const TText uuid = device.fUdev.Get("ID_FS_UUID");
+    if (uuid) names.emplace(*uuid, device.fKernelName);
+  }
+  for (TKnownGroup& group : groups.fAll) {
+    for (const TPhysicalVolume& volume : group.fPhysicalVolumes) {
+      if (!volume.fUUID) continue;
+      const auto found = names.find(*volume.fUUID);
+      const TBlockDevice* const hinted = devices.FindMounted("", volume.fDevice.ValueOr(""));
+      const bool isLikely = hinted != nullptr && !hinted->fUdev.Get("ID_FS_UUID");
+      if (found == names.end() && !isLikely) continue;
+      const std::string& name = found == names.end() ? hinted->fKernelName : found->second;
+      groups.fDevices.emplace(*volume.fUUID, name);
+      AddOnce(group.fMembers, name);
+    }
+  }
+}
+
+}  // namespace
+
+TVolumeGroups::TVolumeGroups(const THost& host) {
+  const auto& devices = host.Shared<TBlockDevices>();
+  AddSaved(host, *this);
+  AddActive(host, devices, *this);
+  for (TKnownGroup& group : fAll) group.fIsActive = !group.fVolumes.empty();
+  FindDevices(devices, *this);
+  if (devices.GetReason().IsError()) fReason.Add(devices.GetReason());
+  if (fAll.empty() && fReason.empty()) {
+    fReason = "neither the device mapper nor " + std::string(kFolder) + " has a volume group";
+  }
+}
+
+TText TVolumeGroups::FindDevice(const TPhysicalVolume& volume) const {
+  const auto found = fDevices.find(volume.fUUID.ValueOr(""));
+  if (found != fDevices.end()) return "/dev/" + found->second;
+  return Missing("no block device is known to be the physical volume");
+}
+
+}  // namespace NVORNQDX20
