@@ -61,12 +61,13 @@ TNumber ReadNominalSpeed(const TFirmwareCoolingDevice& device) {
 
 std::vector<TTie> ListFirmwareSensorTies(const THost& host) {
   const std::map<std::uint16_t, std::string> probes = ListProbeIDs(host);
+  constexpr std::uint16_t kNoHandle = 0xFFFF;
   std::vector<TTie> ties;
   const auto add = [&](std::uint8_t type, const char* name, const char* className,
                        std::size_t offset) {
     for (const TPhysicalElement& device : ListFirmware(host, type, name, {}).fAll) {
       const auto handle = device.fStructure->ReadNumber<std::uint16_t>(offset);
-      const auto probe = handle ? probes.find(*handle) : probes.end();
+      const auto probe = probes.find(handle.ValueOr(kNoHandle));
       if (probe == probes.end()) continue;
       ties.push_back({{kFirmwareSensorClassName, probe->second}, {className, device.fTag}});
     }
