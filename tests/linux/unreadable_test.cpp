@@ -21,6 +21,9 @@ sys/block/sda: dev=8:0; size=8; removable=0; sda1/partition=1; sda1/size=2; queu
 sys/block/sda/device: model=M; vpd_pg89=; vpd_pg83=; vpd_pgb1=
 run/udev/data: b8:0=E:ID_SERIAL=S
 sys/block: dm-0/dev=253:0; dm-0/size=8; dm-0/slaves/sda/x=; dm-0/dm/uuid=CRYPT-u
+etc/lvm/backup: vg=vg { }
+sys/class/scsi_tape: st0/dev=9:0
+sys/class/scsi_generic/sg0/device: block/sda/x=; scsi_tape/st0/x=
 sys/block: md5/dev=9:5; md5/size=8; md5/md/level=raid1; md5/md/dev-sdx/state=in_sync
 sys/class: nvme/nvme0/nvme0n1/x=; net/br0/uevent=DEVTYPE=bridge; net/bond0/uevent=DEVTYPE=bond
 sys/devices/pci0/nvme/nvme0/hwmon/hwmon6: name=nvme; temp1_input=43850; temp1_fault=0
@@ -45,6 +48,9 @@ usr/lib/systemd/system: a.service=a.serviceStartProgram,a.serviceRunsAs
 usr/lib/systemd/system: a.service.d=VORNSG_Service; a.service.d/1.conf=VORNSG_Service
 usr/lib/systemd/system: x.target.wants=a.serviceUnitFileState
 etc: systemd/system=VORNSG_TimerService; rc3.d=oldStartMode
+etc: lvm/backup=VORNSG_StoragePool,VORNSG_PhysicalVolume; lvm/backup/vg=VORNSG_StoragePool
+sys/class: scsi_tape=VORNSG_TapeDrive
+sys/class/scsi_generic/sg0/device: block=VORNSG_ConcreteIdentity; scsi_tape=VORNSG_ConcreteIdentity
 etc: init.d=VORNSG_Service; init.d/old=oldDescription
 proc: 1/cgroup=MemoryLimit; bus/pci/devices=VirtualMachine; net/vlan=VORNSG_VLANEndpoint
 sys/fs/cgroup: in/cpuset.cpus.effective=ProcessorSet

@@ -84,8 +84,14 @@ void AddActive(const THost& host, const TBlockDevices& devices, TVolumeGroups& g
   }
 }
 
-/// Finds the device of each physical volume, by what udev found in it. The path that LVM has saved
-/// is only a hint: another disk may have it by now.
+/// The path that LVM has saved is only a hint: another disk may have it by now. Returns the
+/// kernel's name of the device if udev does not know what is in it; else an empty text.
+std::string HintedName(const TBlockDevices& devices, const std::string& path) {
+  const TBlockDevice* const device = devices.FindMounted("", path);
+  return device != nullptr && !device->fUdev.Get("ID_FS_UUID") ? device->fKernelName : "";
+}
+
+/// Finds the device of each physical volume, by what udev found in it.
 void FindDevices(const TBlockDevices& devices, TVolumeGroups& groups) {
   std::map<std::string, std::string> names;
   for (const TBlockDevice& device : devices.All()) {
@@ -96,10 +102,9 @@ void FindDevices(const TBlockDevices& devices, TVolumeGroups& groups) {
     for (const TPhysicalVolume& volume : group.fPhysicalVolumes) {
       if (!volume.fUUID) continue;
       const auto found = names.find(*volume.fUUID);
-      const TBlockDevice* const hinted = devices.FindMounted("", volume.fDevice.ValueOr(""));
-      const bool isLikely = hinted != nullptr && !hinted->fUdev.Get("ID_FS_UUID");
-      if (found == names.end() && !isLikely) continue;
-      const std::string& name = found == names.end() ? hinted->fKernelName : found->second;
+      const std::string name =
+          found != names.end() ? found->second : HintedName(devices, volume.fDevice.ValueOr(""));
+      if (name.empty()) continue;
       groups.fDevices.emplace(*volume.fUUID, name);
       AddOnce(group.fMembers, name);
     }
