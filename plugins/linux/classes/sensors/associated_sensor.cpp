@@ -18,9 +18,9 @@ std::optional<std::uint32_t> NumberAfter(const char* prefix, const std::string& 
   return ParseNumber<std::uint32_t>(text.substr(size));
 }
 
-/// The sensors of processors. One of each chip has a label such as "Package id 0", which tells in
-/// which socket the chip is; the number in the name of the driver is that of the socket, too,
-/// unless a processor has several dies.
+/// The sensors of processors. One of each chip has a label such as "Package id 0", which names its
+/// socket. The number in the name of the device is that of the socket, too, unless a processor has
+/// several dies.
 class TProcessorSensors {
  public:
   static constexpr const char* kDriver = "coretemp.";

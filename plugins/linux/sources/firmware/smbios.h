@@ -66,7 +66,7 @@ class TSMBIOSStructure {
   }
   std::uint64_t LittleEndian(std::size_t offset, std::size_t count) const;
   TMissing TooShortFor(std::size_t offset) const;
-  /// Returns a reason that tells by its handle which structure is damaged.
+  /// Returns a reason that names the damaged structure by its handle.
   TMissing Damaged(const std::string& reason) const;
 
   std::shared_ptr<const std::string> fTable;

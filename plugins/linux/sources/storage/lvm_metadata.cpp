@@ -15,8 +15,8 @@ namespace {
 
 /// Groups, volumes, and segments are at the fourth level.
 constexpr int kMaxDepth = 8;
-/// More than 10,000 volumes have.
-constexpr std::size_t kMaxSettings = 500'000;
+/// Some 5,000 volumes have as many.
+constexpr std::size_t kMaxSettings = 100'000;
 /// LVM's own names have up to 127 characters.
 constexpr std::size_t kMaxName = 128;
 constexpr std::uint64_t kSector = 512;

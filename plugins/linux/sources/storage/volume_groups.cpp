@@ -7,6 +7,8 @@ namespace NVORNQDX20 {
 namespace {
 
 const char* const kFolder = "/etc/lvm/backup";
+/// Of all files; a group of a hundred volumes has some 100 KiB.
+constexpr std::size_t kMaxSize = 16U << 20U;
 
 void AddOnce(std::vector<std::string>& names, const std::string& name) {
   if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
@@ -16,8 +18,14 @@ void AddSaved(const THost& host, TVolumeGroups& groups) {
   const TFiles folder = host.In(kFolder);
   const auto names = folder.List();
   if (!names && !folder.IsAbsent("")) groups.fReason.Add(names.GetReason());
+  std::size_t size = 0;
   for (const std::string& name : names.ValueOr({})) {
     const TText text = folder.Read(name, TFiles::kMaxTableSize);
+    size += text.ValueOr("").size();
+    if (size > kMaxSize) {
+      groups.fReason.Add({kFolder + std::string(": too large"), TReason::kError});
+      return;
+    }
     const TReading<TVolumeGroup> group = text.and_then([&](const std::string& each) {
       return ParseVolumeGroup(PrintableText(folder.PathOf(name)), each);
     });
