@@ -127,6 +127,13 @@ class QDXCORE_EXPORT TCIMReferenceImpl {
   void AddKeyValue(const std::string& name, const TCIMValue& value);
   void AddKeyValue(const std::string& name, TCIMValue&& value);
   void EnumerateKeyBindings(const TKeyBindingCallback& callback) const;
+  /// The key bindings themselves, without a copy of each; valid until this body changes.
+  const std::map<std::string, TCIMValue>& GetKeyBindings() const { return fKeyBindings; }
+  const TOptionsMap& GetOptions() const { return fOptions; }
+  /// Like AddKeyValue. REQUIRES: the class declares a property with this name and type.
+  void BindKey(const std::string& name, TCIMValue&& value) {
+    fKeyBindings.emplace_hint(fKeyBindings.end(), name, std::move(value));
+  }
   std::string GetPath() const;
   boost::shared_ptr<ICIMElement> GetCIMElement();
   bool operator==(const TCIMReference& other) const;

@@ -248,6 +248,11 @@ class QDXCORE_EXPORT TCIMValue {
   /// again.
   operator std::vector<TCIMValue>&() const;
 
+  /// Returns the content without copying it, valid until this value is set or destroyed; null for a
+  /// null value and for other types.
+  const std::string* FindString() const noexcept;
+  const TCIMReference* FindReference() const noexcept;
+
   /// Returns whether type and content are the same. For null values, also compares the maximum size
   /// of arrays and the identity of the referenced class of scalar references. Ignores the maximum
   /// size of arrays that are not null.

@@ -219,6 +219,16 @@ TCIMValue::operator std::vector<TCIMValue>&() const {
   return *fImpl;
 }
 
+const std::string* TCIMValue::FindString() const noexcept {
+  if (!fImpl || fType != TCIMType::kCIMTypeString) return nullptr;
+  return &static_cast<const TCIMStringValueImpl&>(*fImpl).GetContent();
+}
+
+const TCIMReference* TCIMValue::FindReference() const noexcept {
+  if (!fImpl || fType != TCIMType::kCIMTypeReference) return nullptr;
+  return &static_cast<const TCIMReferenceValueImpl&>(*fImpl).GetContent();
+}
+
 bool TCIMValue::operator==(const TCIMValue& other) const {
   if (IsNull() != other.IsNull() || fType != other.fType) return false;
   if (!IsNull()) return *fImpl == other;

@@ -114,6 +114,7 @@ class TContentValueImpl : public TClonable<TPayload> {
   explicit TContentValueImpl(const T& content) : fContent(content) {}
 
   operator T() const override { return fContent; }
+  const T& GetContent() const { return fContent; }
 
   bool operator==(const TCIMValue& other) const override {
     return other.GetType() == kType && !other.IsNull() && fContent == ContentOf(other);
