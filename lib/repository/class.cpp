@@ -101,8 +101,9 @@ void TClass::EnumeratePropertyDecls(const TEnumerationCallback<ICIMPropertyDecl>
 
 void TClass::SetStaticPropertyValue(const std::string& name, const TCIMValue& value, TOptionsMap) {
   const std::size_t slot = SlotOf(name);
-  TCIMValue stored = StoredValue(slot, value);
-  Replace(fStaticValues[slot], std::move(stored));
+  const TPropertyDecl& decl = DeclAt(slot);
+  RequireType(value.GetType(), decl.GetType(), decl);
+  Replace(fStaticValues[slot], WeakCopy(value, *this));
 }
 
 void TClass::EnumerateStaticProperties(const TEnumerationCallback<ICIMProperty>& callback,
@@ -125,18 +126,18 @@ boost::shared_ptr<ICIMInstance> TClass::CreateInstance(TOptionsMap) {
 }
 
 boost::shared_ptr<ICIMInstance> TClass::GetInstance(const TCIMReference& path, TOptionsMap) const {
-  std::vector<TCIMValue> keys(GetKeySlots().size());
-  std::size_t bound = 0;
-  path.EnumerateKeyBindings([&](const std::pair<std::string, TCIMValue>& binding) {
-    ++bound;
-    const auto slot = fProperties.Position(binding.first);
+  const auto& bindings = path.GetBody()->GetKeyBindings();
+  std::vector<TStoredValue> keys(GetKeySlots().size());
+  if (bindings.size() != keys.size()) return nullptr;
+  for (const auto& [name, value] : bindings) {
+    const auto slot = fProperties.Position(name);
     const auto key = std::find(GetKeySlots().begin(), GetKeySlots().end(), slot);
-    if (key == GetKeySlots().end()) return false;
-    const auto position = static_cast<std::size_t>(key - GetKeySlots().begin());
-    Replace(keys[position], WeakCopy(binding.second, *this));
-    return true;
-  });
-  TInstance* const found = bound == keys.size() ? fInstances.Find(keys) : nullptr;
+    if (key == GetKeySlots().end() || value.IsNull() || value.GetType() != DeclAt(*key).GetType()) {
+      return nullptr;
+    }
+    keys[static_cast<std::size_t>(key - GetKeySlots().begin())] = TStoredValue(value, *this);
+  }
+  TInstance* const found = fInstances.Find(keys);
   return found == nullptr ? nullptr : found->Handle();
 }
 
@@ -207,10 +208,8 @@ const TCIMValue& TClass::InitialValueAt(std::size_t slot) const {
   }
 }
 
-TCIMValue TClass::StoredValue(std::size_t slot, const TCIMValue& value) const {
-  const TPropertyDecl& decl = DeclAt(slot);
-  RequireType(value.GetType(), decl.GetType(), decl);
-  return WeakCopy(value, *this);
+TCIMValue TClass::BoundValueAt(std::size_t slot) const {
+  return BoundCopy(ValueAt(slot), fNamespace);
 }
 
 bool TClass::IsKeySlot(std::size_t slot) const {

@@ -94,11 +94,9 @@ class TClass final : public ICIMClass,
   TPropertyDecl& DeclAt(std::size_t slot) const { return fProperties.At(slot); }
   /// REQUIRES: this class has a static value for the slot.
   const TCIMValue& ValueAt(std::size_t slot) const { return fStaticValues.at(slot); }
+  TCIMValue BoundValueAt(std::size_t slot) const;
   /// Returns the value of an instance for which none was set.
   const TCIMValue& InitialValueAt(std::size_t slot) const;
-  /// Returns the value in its stored form, see values.h. Throws kQDXStatusTypeMismatch if its type
-  /// differs from the declared one.
-  TCIMValue StoredValue(std::size_t slot, const TCIMValue& value) const;
   bool IsKeySlot(std::size_t slot) const;
   const std::vector<std::size_t>& GetKeySlots() const { return fInstances.GetKeySlots(); }
 

@@ -15,17 +15,19 @@
 
 namespace NVORNQDX20::NRepository {
 
-TInstance::TInstance(TClass& cimClass) : fClass(cimClass), fValues(cimClass.SlotCount()) {}
+TInstance::TInstance(TClass& cimClass)
+    : fClass(cimClass), fValues(std::make_unique<TStoredValue[]>(cimClass.SlotCount())) {}
 
 void TInstance::Commit(TOptionsMap) {
   if (fIsCommitted) throw CommittedAlready(Description());
   for (const std::size_t slot : fClass.GetKeySlots()) {
-    if (ValueAt(slot).IsNull()) {
+    TStoredValue& key = fValues[slot];
+    // Store a key that comes from a static or default value, so that it does not change with it.
+    if (!key.IsSet()) key = TStoredValue(fClass.InitialValueAt(slot), fClass);
+    if (key.IsNull()) {
       throw TExplainedException(kQDXStatusInvalidInstance,
                                 "an instance lacks its key, " + DeclAt(slot).Description());
     }
-    // Store a key that comes from a static or default value, so that it does not change with it.
-    Replace(fValues[slot], TCIMValue(ValueAt(slot)));
   }
   if (!fClass.AddInstance(shared_from_this())) throw Taken(Description());
   fIsCommitted = true;
@@ -44,13 +46,27 @@ void TInstance::SetPropertyValue(const std::string& name, const TCIMValue& value
                               Description() + " is committed already: its key " +
                                   DeclAt(slot).GetName() + " cannot change");
   }
-  Replace(fValues[slot], fClass.StoredValue(slot, value));
+  const TPropertyDecl& decl = DeclAt(slot);
+  RequireType(value.GetType(), decl.GetType(), decl);
+  Store(slot, TStoredValue(value, fClass));
 }
 
 void TInstance::EnumerateProperties(const TEnumerationCallback<ICIMProperty>& callback,
                                     TOptionsMap) const {
-  for (std::size_t slot = 0; slot < fValues.size(); ++slot) {
+  for (std::size_t slot = 0; slot < fClass.SlotCount(); ++slot) {
     if (!callback(MakeProperty(slot))) return;
+  }
+}
+
+void TInstance::EnumerateValues(const TInstanceValueCallback& callback) const {
+  bool goesOn = true;
+  for (std::size_t slot = 0; goesOn && slot < fClass.SlotCount(); ++slot) {
+    const TStoredValue& stored = fValues[slot];
+    const TCIMValue* const present =
+        stored.IsSet() ? stored.FindBoxed() : &fClass.InitialValueAt(slot);
+    goesOn = present != nullptr && !HoldsReferences(present->GetType())
+                 ? callback(slot, *present)
+                 : callback(slot, BoundValueAt(slot));
   }
 }
 
@@ -58,7 +74,7 @@ std::string TInstance::Description() const {
   TCIMReference path(nullptr, {});
   path.SetClass(fClass.Handle());
   for (const std::size_t slot : fClass.GetKeySlots()) {
-    path.AddKeyValue(DeclAt(slot).GetName(), ValueAt(slot));
+    path.AddKeyValue(DeclAt(slot).GetName(), BoundValueAt(slot));
   }
   return "instance " + path.GetPath();
 }
@@ -68,9 +84,14 @@ TNamespace& TInstance::GetNamespace() const { return fClass.GetNamespace(); }
 TPropertyDecl& TInstance::DeclAt(std::size_t slot) const { return fClass.DeclAt(slot); }
 
 const TCIMValue& TInstance::ValueAt(std::size_t slot) const {
-  const TCIMValue& value = fValues[slot];
-  const bool isSet = value.GetType() != TCIMValue::TCIMType::kCIMTypeNone;
-  return isSet ? value : fClass.InitialValueAt(slot);
+  TStoredValue& stored = fValues[slot];
+  return stored.IsSet() ? stored.Get(DeclAt(slot).GetType()) : fClass.InitialValueAt(slot);
+}
+
+TCIMValue TInstance::BoundValueAt(std::size_t slot) const {
+  const TStoredValue& stored = fValues[slot];
+  if (stored.IsSet()) return stored.ToValue(DeclAt(slot).GetType(), GetNamespace());
+  return BoundCopy(fClass.InitialValueAt(slot), GetNamespace());
 }
 
 boost::shared_ptr<TInstance> TInstance::Handle() const {

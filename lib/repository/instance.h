@@ -4,12 +4,15 @@
 #define LIB_REPOSITORY_INSTANCE_H_
 
 #include <qdxcore/interfaces.h>
+#include <qdxcore/values.h>
 
 #include <cstddef>
+#include <memory>
 #include <string>
-#include <vector>
 
 #include <boost/smart_ptr/enable_shared_from_this.hpp>
+
+#include "stored_value.h"
 
 namespace NVORNQDX20::NRepository {
 
@@ -17,7 +20,9 @@ class TClass;
 class TNamespace;
 class TPropertyDecl;
 
-class TInstance final : public ICIMInstance, public boost::enable_shared_from_this<TInstance> {
+class TInstance final : public ICIMInstance,
+                        public IValuesOfInstance,
+                        public boost::enable_shared_from_this<TInstance> {
  public:
   /// REQUIRES: the class is committed.
   explicit TInstance(TClass& cimClass);
@@ -30,20 +35,26 @@ class TInstance final : public ICIMInstance, public boost::enable_shared_from_th
                         TOptionsMap options) override;
   void EnumerateProperties(const TEnumerationCallback<ICIMProperty>& callback,
                            TOptionsMap options) const override;
+  void EnumerateValues(const TInstanceValueCallback& callback) const override;
 
   /// REQUIRES: the keys have values.
   std::string Description() const;
   TNamespace& GetNamespace() const;
   TPropertyDecl& DeclAt(std::size_t slot) const;
-  /// In the stored form, see values.h.
+  /// REQUIRES: the property holds no references.
   const TCIMValue& ValueAt(std::size_t slot) const;
+  TCIMValue BoundValueAt(std::size_t slot) const;
+  /// What is stored; not set if the instance has the value of its class.
+  const TStoredValue& StoredAt(std::size_t slot) const { return fValues[slot]; }
+  /// Sets a value of the declared type.
+  void Store(std::size_t slot, TStoredValue&& value) { fValues[slot] = std::move(value); }
   boost::shared_ptr<TInstance> Handle() const;
 
  private:
   boost::shared_ptr<ICIMProperty> MakeProperty(std::size_t slot) const;
 
   TClass& fClass;
-  std::vector<TCIMValue> fValues;  // without a type where no value was set
+  const std::unique_ptr<TStoredValue[]> fValues;  // by slot
   bool fIsCommitted = false;
 };
 

@@ -1,56 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "instance_table.h"
 
-#include <qdxcore/reference.h>
 #include <qdxmodel/hash.h>
-#include <qdxmodel/visit.h>
-
-#include <algorithm>
-#include <functional>
-#include <string>
 
 #include "instance.h"
+#include "property.h"
 
 namespace NVORNQDX20::NRepository {
 namespace {
 
-using NModel::THasher;
+using TType = TStoredValue::TType;
 
-template <typename T>
-void AddTo(THasher& hasher, const T& value) {
-  hasher.Add(std::hash<T>()(value));
-}
-
-void AddTo(THasher& hasher, const std::string& value) { hasher.Add(value); }
-
-/// Equal points in time have different texts if their offsets differ, but the same distance to a
-/// third point.
-void AddTo(THasher& hasher, const TCIMDateTime& value) {
-  const TCIMDateTime origin =
-      value.IsInterval() ? TCIMDateTime(0, 0, 0, 0, 0) : TCIMDateTime(2000, 1, 1, 0, 0, 0, 0, 0);
-  hasher.Add(value.IsInterval() ? 1 : 0);
-  hasher.Add((value - origin).ToString());
-}
-
-void AddTo(THasher& hasher, const TCIMValue& value);
-
-void AddTo(THasher& hasher, const TCIMReference& value) {
-  AddTo(hasher, value.GetClass().get());
-  value.EnumerateKeyBindings([&](const std::pair<std::string, TCIMValue>& binding) {
-    hasher.Add(binding.first);
-    AddTo(hasher, binding.second);
-    return true;
-  });
-}
-
-/// Values that compare equal have equal hashes.
-void AddTo(THasher& hasher, const TCIMValue& value) {
-  NModel::VisitScalar(value, [&](const auto& native) { AddTo(hasher, native); });
-}
-
-std::size_t HashOf(const std::vector<const TCIMValue*>& keys) {
-  THasher hasher(NModel::ProcessHashKey());
-  for (const TCIMValue* key : keys) AddTo(hasher, *key);
+/// Returns the hash of keys, of which the n-th is keyAt(n), of type typeAt(n).
+template <typename TKeyAt, typename TTypeAt>
+std::size_t HashOf(std::size_t count, const TKeyAt& keyAt, const TTypeAt& typeAt) {
+  NModel::THasher hasher(NModel::ProcessHashKey());
+  for (std::size_t i = 0; i < count; ++i) keyAt(i).AddTo(hasher, typeAt(i));
   return hasher.Get();
 }
 
@@ -61,42 +26,40 @@ bool TInstanceTable::Add(const boost::shared_ptr<TInstance>& instance) {
     fInstances.push_back(instance);
     return true;
   }
-  const TKeys keys = KeysOf(*instance);
-  const std::size_t hash = HashOf(keys);
-  if (Find(keys, hash) != nullptr) return false;
+  const auto keyAt = [&](std::size_t i) -> const TStoredValue& {
+    return instance->StoredAt(fKeySlots[i]);
+  };
+  const std::size_t hash = HashOf(fKeySlots.size(), keyAt, [&](std::size_t i) -> TType {
+    return instance->DeclAt(fKeySlots[i]).GetType();
+  });
+  if (FindBy(keyAt, hash) != nullptr) return false;
   fIndex.Reserve();
   fInstances.push_back(instance);
   fIndex.Add(hash, fInstances.size() - 1);
   return true;
 }
 
-TInstance* TInstanceTable::Find(const std::vector<TCIMValue>& keys) const {
-  if (fKeySlots.empty()) return nullptr;
-  TKeys pointers;
-  pointers.reserve(keys.size());
-  for (const TCIMValue& key : keys) {
-    if (key.IsNull()) return nullptr;
-    pointers.push_back(&key);
-  }
-  return Find(pointers, HashOf(pointers));
+TInstance* TInstanceTable::Find(const std::vector<TStoredValue>& keys) const {
+  if (fKeySlots.empty() || fInstances.empty()) return nullptr;
+  const auto keyAt = [&](std::size_t i) -> const TStoredValue& { return keys[i]; };
+  const TInstance& any = *fInstances.front();
+  const std::size_t hash = HashOf(fKeySlots.size(), keyAt, [&](std::size_t i) -> TType {
+    return any.DeclAt(fKeySlots[i]).GetType();
+  });
+  return FindBy(keyAt, hash);
 }
 
-TInstanceTable::TKeys TInstanceTable::KeysOf(const TInstance& instance) const {
-  TKeys keys;
-  keys.reserve(fKeySlots.size());
-  for (const std::size_t slot : fKeySlots) keys.push_back(&instance.ValueAt(slot));
-  return keys;
-}
-
-bool TInstanceTable::HasKeys(const TInstance& instance, const TKeys& keys) const {
-  return std::equal(
-      keys.begin(), keys.end(), fKeySlots.begin(), fKeySlots.end(),
-      [&](const TCIMValue* key, std::size_t slot) { return *key == instance.ValueAt(slot); });
-}
-
-TInstance* TInstanceTable::Find(const TKeys& keys, std::size_t hash) const {
-  const auto found =
-      fIndex.Find(hash, [&](std::size_t position) { return HasKeys(*fInstances[position], keys); });
+template <typename TKeyAt>
+TInstance* TInstanceTable::FindBy(const TKeyAt& keyAt, std::size_t hash) const {
+  const auto found = fIndex.Find(hash, [&](std::size_t position) {
+    const TInstance& instance = *fInstances[position];
+    for (std::size_t i = 0; i < fKeySlots.size(); ++i) {
+      const std::size_t slot = fKeySlots[i];
+      const TType type = instance.DeclAt(slot).GetType();
+      if (!keyAt(i).Equals(instance.StoredAt(slot), type)) return false;
+    }
+    return true;
+  });
   return found ? fInstances[*found].get() : nullptr;
 }
 

@@ -3,8 +3,6 @@
 #ifndef LIB_REPOSITORY_INSTANCE_TABLE_H_
 #define LIB_REPOSITORY_INSTANCE_TABLE_H_
 
-#include <qdxcore/value.h>
-
 #include <cstddef>
 #include <utility>
 #include <vector>
@@ -12,6 +10,7 @@
 #include <boost/shared_ptr.hpp>
 
 #include "hash_index.h"
+#include "stored_value.h"
 
 namespace NVORNQDX20::NRepository {
 
@@ -27,8 +26,9 @@ class TInstanceTable {
   /// change afterwards.
   [[nodiscard]] bool Add(const boost::shared_ptr<TInstance>& instance);
 
-  /// `keys` are in the order of the key slots. Returns null if there is no such instance.
-  TInstance* Find(const std::vector<TCIMValue>& keys) const;
+  /// `keys` are in the order of the key slots, of the declared types and not null. Returns null if
+  /// there is no such instance.
+  TInstance* Find(const std::vector<TStoredValue>& keys) const;
 
   /// Calls `visit` for the instances present at the call, until it returns false. Returns whether
   /// all were visited.
@@ -42,11 +42,9 @@ class TInstanceTable {
   }
 
  private:
-  using TKeys = std::vector<const TCIMValue*>;
-  TKeys KeysOf(const TInstance& instance) const;
-  bool HasKeys(const TInstance& instance, const TKeys& keys) const;
-  /// Returns null if there is no such instance.
-  TInstance* Find(const TKeys& keys, std::size_t hash) const;
+  /// Finds an instance whose key in the n-th key slot equals keyAt(n).
+  template <typename TKeyAt>
+  TInstance* FindBy(const TKeyAt& keyAt, std::size_t hash) const;
 
   std::vector<std::size_t> fKeySlots;
   std::vector<boost::shared_ptr<TInstance>> fInstances;

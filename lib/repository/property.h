@@ -62,9 +62,8 @@ class TProperty final : public ICIMProperty {
       : fSource(std::move(source)), fSlot(slot) {}
 
   const TCIMValue& GetValue() const override {
-    const TCIMValue& stored = fSource->ValueAt(fSlot);
-    if (!HoldsReferences(stored.GetType())) return stored;
-    Replace(fBound, BoundCopy(stored, fSource->GetNamespace()));
+    if (!HoldsReferences(fSource->DeclAt(fSlot).GetType())) return fSource->ValueAt(fSlot);
+    Replace(fBound, fSource->BoundValueAt(fSlot));
     return fBound;
   }
   boost::shared_ptr<const ICIMPropertyDecl> GetDecl() const override {

@@ -27,9 +27,9 @@ class TRebinding {
   virtual boost::shared_ptr<ICIMClass> Class(TClass& cimClass) const = 0;
 
   TCIMValue Copy(const TCIMValue& value) const;
+  TClass* OwnClass(const boost::shared_ptr<ICIMClass>& cimClass) const;
 
  private:
-  TClass* OwnClass(const boost::shared_ptr<ICIMClass>& cimClass) const;
   TCIMValue CopyArray(const TCIMValue& value) const;
   TCIMValue CopyNull(const TCIMValue& value) const;
   TCIMValue CopyReference(const TCIMValue& value) const;
@@ -65,18 +65,17 @@ TCIMValue TRebinding::CopyNull(const TCIMValue& value) const {
 }
 
 TCIMValue TRebinding::CopyReference(const TCIMValue& value) const {
-  const TCIMReference reference = value;
+  const TCIMReference& reference = *value.FindReference();
   TClass* const own = OwnClass(reference.GetClass());
   if (own == nullptr) return value;
   TCIMReference copy(reference);  // copies the options, which have no setter
   copy.Clear();
   copy.SetNamespace(GetNamespace());
   copy.SetClass(Class(*own));
-  reference.EnumerateKeyBindings([&](const std::pair<std::string, TCIMValue>& binding) {
+  for (const auto& [name, key] : reference.GetBody()->GetKeyBindings()) {
     // In the declared spelling, since references compare key names byte by byte.
-    copy.AddKeyValue(own->GetPropertyDecl(binding.first, {})->GetName(), Copy(binding.second));
-    return true;
-  });
+    copy.AddKeyValue(own->GetPropertyDecl(name, {})->GetName(), Copy(key));
+  }
   return TCIMValue(copy);
 }
 
@@ -130,6 +129,13 @@ void RequireType(TCIMType given, TCIMType declared, const IDescribed& element) {
 
 TCIMValue WeakCopy(const TCIMValue& value, const TClass& user) {
   return TWeakening(user).Copy(value);
+}
+
+TClass* OwnClass(const boost::shared_ptr<ICIMClass>& cimClass, const TClass& user) {
+  const TWeakening weakening(user);
+  TClass* const own = weakening.OwnClass(cimClass);
+  if (own != nullptr) (void)weakening.Class(*own);
+  return own;
 }
 
 TCIMValue BoundCopy(const TCIMValue& value, TNamespace& ns) { return TBinding(ns).Copy(value); }

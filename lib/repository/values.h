@@ -8,6 +8,7 @@
 #ifndef LIB_REPOSITORY_VALUES_H_
 #define LIB_REPOSITORY_VALUES_H_
 
+#include <qdxcore/interfaces.h>
 #include <qdxcore/value.h>
 
 #include <string>
@@ -36,6 +37,10 @@ void RequireType(TCIMValue::TCIMType given, TCIMValue::TCIMType declared,
 /// kQDXStatusInvalidReference for a class of the same namespace that is not committed, unless it is
 /// `user` itself.
 TCIMValue WeakCopy(const TCIMValue& value, const TClass& user);
+
+/// Returns the class if it is one of `user`'s namespace, else null. Throws
+/// kQDXStatusInvalidReference if it is not committed, unless it is `user` itself.
+TClass* OwnClass(const boost::shared_ptr<ICIMClass>& cimClass, const TClass& user);
 
 /// Returns a stored value in the form that callers get.
 TCIMValue BoundCopy(const TCIMValue& value, TNamespace& ns);

@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: Apache-2.0
+/// The value of a property in an instance, in sixteen bytes.
+///
+/// A namespace can have a million instances, of which most values are numbers and short texts: they
+/// need no memory of their own. What is rare is a TCIMValue in the stored form of values.h. The
+/// type is that of the declaration, so it is not stored but passed.
+#ifndef LIB_REPOSITORY_STORED_VALUE_H_
+#define LIB_REPOSITORY_STORED_VALUE_H_
+
+#include <qdxcore/value.h>
+#include <qdxmodel/hash.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+#include <type_traits>
+
+namespace NVORNQDX20::NRepository {
+
+class TClass;
+class TNamespace;
+struct TStoredReference;
+
+class TStoredValue {
+ public:
+  using TType = TCIMValue::TCIMType;
+
+  /// Not set: the instance has the value of its class.
+  TStoredValue() noexcept = default;
+  /// Stores a value for an instance of `user`. Throws what WeakCopy() throws, and
+  /// kQDXStatusNotFound for a key that the class of a reference does not declare.
+  TStoredValue(const TCIMValue& value, const TClass& user);
+  TStoredValue(TStoredValue&& other) noexcept { swap(*this, other); }
+  TStoredValue& operator=(TStoredValue&& other) noexcept {
+    TStoredValue taken(static_cast<TStoredValue&&>(other));
+    swap(*this, taken);
+    return *this;
+  }
+  ~TStoredValue() { Destroy(); }
+
+  static TStoredValue Null() noexcept;
+  static TStoredValue Text(std::string_view text);
+  template <typename TNumber>
+  static TStoredValue Number(TNumber number) noexcept {
+    static_assert(std::is_arithmetic_v<TNumber>);
+    TStoredValue stored;
+    std::memcpy(stored.fBytes, &number, sizeof number);
+    stored.fKind = kNumber;
+    return stored;
+  }
+  /// A reference without keys to a class of the namespace; AddKey() adds its keys.
+  static TStoredValue Reference(TClass& cimClass);
+
+  /// REQUIRES: this is a Reference(), to which no key of this slot was added.
+  void AddKey(std::size_t slot, TStoredValue&& value);
+
+  bool IsSet() const noexcept { return fKind != kUnset; }
+  bool IsNull() const noexcept;
+  /// Returns the value in the form that callers get. REQUIRES: it is set.
+  TCIMValue ToValue(TType type, TNamespace& ns) const;
+  /// Returns the value itself, valid until it is set again. REQUIRES: it is set, and the type holds
+  /// no references. The first call for a number or a text changes how it is stored.
+  const TCIMValue& Get(TType type);
+  /// Returns the value if it is stored as one, else null.
+  const TCIMValue* FindBoxed() const noexcept { return fKind == kBoxed ? Boxed() : nullptr; }
+
+  bool Equals(const TStoredValue& other, TType type) const;
+  /// Values that are equal have equal hashes.
+  void AddTo(NModel::THasher& hasher, TType type) const;
+
+  friend void swap(TStoredValue& left, TStoredValue& right) noexcept {
+    unsigned char bytes[sizeof(TStoredValue)];
+    std::memcpy(bytes, static_cast<void*>(&left), sizeof bytes);
+    std::memcpy(static_cast<void*>(&left), static_cast<void*>(&right), sizeof bytes);
+    std::memcpy(static_cast<void*>(&right), bytes, sizeof bytes);
+  }
+
+ private:
+  enum EKind : std::uint8_t { kUnset, kNull, kNumber, kShortText, kLongText, kReference, kBoxed };
+  struct TLongText;
+  static constexpr std::size_t kMaxShortText = 14;
+
+  template <typename T>
+  T Load() const noexcept {
+    T content;
+    std::memcpy(&content, fBytes, sizeof content);
+    return content;
+  }
+  void Point(EKind kind, const void* target) noexcept {
+    std::memcpy(fBytes, &target, sizeof target);
+    fKind = kind;
+  }
+  TCIMValue* Boxed() const noexcept { return Load<TCIMValue*>(); }
+  TStoredReference* Referred() const noexcept { return Load<TStoredReference*>(); }
+  bool IsText() const noexcept { return fKind == kShortText || fKind == kLongText; }
+  std::string_view TextOf() const noexcept;
+  void Box(TCIMValue&& value);
+  void Destroy() noexcept;
+  void SetReference(const TCIMValue& value, const TClass& user);
+  TCIMValue WithoutOwner(TType type) const;
+
+  alignas(8) unsigned char fBytes[kMaxShortText] = {};
+  std::uint8_t fSize = 0;  // of a short text
+  EKind fKind = kUnset;
+};
+
+static_assert(sizeof(TStoredValue) == 16);
+
+}  // namespace NVORNQDX20::NRepository
+
+#endif  // LIB_REPOSITORY_STORED_VALUE_H_
