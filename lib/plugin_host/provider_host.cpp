@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxplugin_host/provider_host.h>
 
-#include <qdxcimxml/document_reader.h>
 #include <qdxcore/logger.h>
 #include <qdxmodel/attempt.h>
 #include <qdxmodel/names.h>
+#include <qdxplugin_host/image.h>
+#include <qdxsystem/error_text.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <map>
 #include <set>
 #include <utility>
@@ -19,6 +21,9 @@
 
 namespace NVORNQDX20::NPluginHost {
 namespace {
+
+/// Bytes of memory for a namespace. Those of real machines need a tenth of it.
+constexpr std::size_t kMaxImageMemory = std::size_t{768} << 20U;
 
 /// A library that is being asked. It trusts no message.
 class TAnswer {
@@ -47,7 +52,7 @@ class TAnswer {
           fExpected.insert({message.Text(0), message.Text(1)});
         }
         break;
-      case kDocument:
+      case kImage:
         Read({message.Text(0), message.Text(1)}, message.fFile);
         break;
       case kFailure:
@@ -102,7 +107,7 @@ class TAnswer {
     fLibrary.fFailures.push_back({origin, operation.fName, failure});
   }
 
-  /// Returns whether this is the first document about a namespace that was asked for.
+  /// Returns whether this is the first image of a namespace that was asked for.
   bool IsExpected(const TOrigin& origin) {
     if (Find(origin.fProvider) == nullptr) return false;
     return fExpected.erase({origin.fProvider, origin.fNamespace}) != 0 ||
@@ -116,19 +121,21 @@ class TAnswer {
       return Fail(operation, {kQDXStatusInvalidPlugin, "it delivers what it was not asked for"});
     }
     ::fcntl(file.Get(), F_ADD_SEALS, F_SEAL_WRITE | F_SEAL_GROW | F_SEAL_SHRINK);
-    std::vector<std::string> warnings;
+    const std::string name = origin.fNamespace + " of provider " + origin.fProvider;
+    off_t offset = 0;
+    const auto read = [&](char* buffer, std::size_t size) {
+      const ssize_t count = ::pread(file.Get(), buffer, size, offset);
+      if (count < 0) throw TExplainedException(kQDXStatusFileSystemError, ErrorText(errno));
+      offset += count;
+      return static_cast<std::size_t>(count);
+    };
     const auto failure = Try([&] {
-      const TLogListener listener(ILogger::kLogWarning, [&warnings](auto severity, auto& text) {
-        if (severity == ILogger::kLogWarning) warnings.push_back(text);
-      });
-      if (::lseek(file.Get(), 0, SEEK_SET) != 0) {
-        throw TExplainedException(kQDXStatusFail, "its answer is no file");
+      const TImage image = ReadImage(origin.fNamespace, read, kMaxImageMemory);
+      fLibrary.fNamespaces.push_back({origin, image.fNamespace});
+      for (const std::string& warning : image.fWarnings) {
+        fLibrary.fWarnings.push_back(name + ": " + warning);
       }
-      const std::string name = origin.fNamespace + " of provider " + origin.fProvider;
-      const auto namespaces = NCIMXML::ReadDocument(name, file.Get());
-      fLibrary.fNamespaces.push_back({origin, namespaces->GetNamespace(origin.fNamespace, {})});
     });
-    for (std::string& warning : warnings) fLibrary.fWarnings.push_back(std::move(warning));
     if (failure) Fail({origin, "reading the answer about"}, *failure);
   }
 

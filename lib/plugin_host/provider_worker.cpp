@@ -1,20 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "provider_worker.h"
 
-#include <qdxcimxml/document_writer.h>
 #include <qdxcore/copy.h>
 #include <qdxcore/os_specific.h>
 #include <qdxcore/parts.h>
 #include <qdxcore/registry.h>
 #include <qdxmodel/attempt.h>
+#include <qdxplugin_host/image.h>
 #include <qdxrepository/repository.h>
 #include <qdxsystem/error_text.h>
 #include <qdxsystem/unnamed_file.h>
+#include <qdxsystem/write.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <utility>
-
-#include <fcntl.h>
 
 #include "worker_log.h"
 
@@ -149,18 +149,14 @@ class TProviderWorker {
     if (!file.IsOpen()) {
       throw TExplainedException(kQDXStatusFileSystemError, ErrorText(file.GetError()));
     }
-    NCIMXML::TDocumentWriter writer(TDescriptor(::fcntl(file.Get(), F_DUPFD_CLOEXEC, 0)),
-                                    origin.fNamespace + " of provider " + origin.fProvider,
-                                    NCIMXML::TDocumentWriter::ENames::kLeftOut);
-    writer.AddNamespace(ns, origin.fNamespace);
-    std::vector<std::string> warnings;
-    {
-      const TLogListener listener(
-          ILogger::kLogWarning, [&warnings](auto, const auto& text) { warnings.push_back(text); });
-      writer.Close();
-    }
-    fSender.Send(kDocument, {origin.fProvider, origin.fNamespace}, 0, std::move(file));
-    for (const std::string& warning : warnings) fSender.Send(kWarning, {warning});
+    const auto write = [&file](std::string_view bytes) {
+      if (WriteAll(file.Get(), bytes)) return;
+      throw TExplainedException(kQDXStatusFileSystemError, ErrorText(errno));
+    };
+    const auto warnings = WriteImage(ns, write);
+    const std::string where = origin.fNamespace + " of provider " + origin.fProvider;
+    fSender.Send(kImage, {origin.fProvider, origin.fNamespace}, 0, std::move(file));
+    for (const std::string& warning : warnings) fSender.Send(kWarning, {where + ": " + warning});
   }
 
   bool Attempt(const TOrigin& origin, const std::string& operation,

@@ -18,7 +18,7 @@ enum EProviderMessage : std::uint8_t {
   kPart,                     ///< Provider, part; 1 if it is described only on request.
   kListed,                   ///< Provider: it lists its namespaces, each of which follows.
   kNamespace,                ///< Provider, namespace.
-  kDocument,                 ///< Provider, namespace; the file is a document.
+  kImage,                    ///< Provider, namespace; the file is an image.
   kFailure,                  ///< Provider, namespace, operation, reason; the status.
   kWarning,                  ///< A line.
   kTime,                     ///< Provider; microseconds.

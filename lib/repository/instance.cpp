@@ -19,6 +19,10 @@ TInstance::TInstance(TClass& cimClass)
     : fClass(cimClass), fValues(std::make_unique<TStoredValue[]>(cimClass.SlotCount())) {}
 
 void TInstance::Commit(TOptionsMap) {
+  if (!CommitIfNew()) throw Taken(Description());
+}
+
+bool TInstance::CommitIfNew() {
   if (fIsCommitted) throw CommittedAlready(Description());
   for (const std::size_t slot : fClass.GetKeySlots()) {
     TStoredValue& key = fValues[slot];
@@ -29,8 +33,8 @@ void TInstance::Commit(TOptionsMap) {
                                 "an instance lacks its key, " + DeclAt(slot).Description());
     }
   }
-  if (!fClass.AddInstance(shared_from_this())) throw Taken(Description());
-  fIsCommitted = true;
+  fIsCommitted = fClass.AddInstance(shared_from_this());
+  return fIsCommitted;
 }
 
 boost::shared_ptr<ICIMClass> TInstance::GetClass(TOptionsMap) const { return fClass.Handle(); }
@@ -58,16 +62,12 @@ void TInstance::EnumerateProperties(const TEnumerationCallback<ICIMProperty>& ca
   }
 }
 
-void TInstance::EnumerateValues(const TInstanceValueCallback& callback) const {
-  bool goesOn = true;
-  for (std::size_t slot = 0; goesOn && slot < fClass.SlotCount(); ++slot) {
-    const TStoredValue& stored = fValues[slot];
-    const TCIMValue* const present =
-        stored.IsSet() ? stored.FindBoxed() : &fClass.InitialValueAt(slot);
-    goesOn = present != nullptr && !HoldsReferences(present->GetType())
-                 ? callback(slot, *present)
-                 : callback(slot, BoundValueAt(slot));
-  }
+void TInstance::ReadValue(std::size_t slot, const TValueCallback& callback) const {
+  const TStoredValue& stored = fValues[slot];
+  const TCIMValue* const present =
+      stored.IsSet() ? stored.FindBoxed() : &fClass.InitialValueAt(slot);
+  if (present != nullptr && !HoldsReferences(present->GetType())) return callback(*present);
+  callback(BoundValueAt(slot));
 }
 
 std::string TInstance::Description() const {

@@ -35,8 +35,10 @@ class TInstance final : public ICIMInstance,
                         TOptionsMap options) override;
   void EnumerateProperties(const TEnumerationCallback<ICIMProperty>& callback,
                            TOptionsMap options) const override;
-  void EnumerateValues(const TInstanceValueCallback& callback) const override;
+  void ReadValue(std::size_t slot, const TValueCallback& callback) const override;
 
+  /// Like Commit(), but returns false if an instance with the same keys exists.
+  [[nodiscard]] bool CommitIfNew();
   /// REQUIRES: the keys have values.
   std::string Description() const;
   TNamespace& GetNamespace() const;

@@ -49,6 +49,13 @@ class TStoredValue {
     stored.fKind = kNumber;
     return stored;
   }
+  /// The same from the bytes of the native type, of which there are at most eight.
+  static TStoredValue Number(std::string_view bytes) noexcept {
+    TStoredValue stored;
+    std::memcpy(stored.fBytes, bytes.data(), bytes.size());
+    stored.fKind = kNumber;
+    return stored;
+  }
   /// A reference without keys to a class of the namespace; AddKey() adds its keys.
   static TStoredValue Reference(TClass& cimClass);
 

@@ -56,18 +56,18 @@ void Do(const std::string& where) {
 }
 
 void Forge(const std::string& what, const std::string& own) {
-  constexpr std::uint8_t provider = 3, document = 7;  // kinds in provider_worker.h
+  constexpr std::uint8_t provider = 3, image = 7;  // kinds in provider_worker.h
   const NPluginHost::TSender worker(WorkerSocket());
   const auto deliver = [&worker](const std::string& of, const std::string& ns,
                                  const std::string& contents) {
     TDescriptor file = OpenUnnamedFile();
-    if (WriteAll(file.Get(), contents)) worker.Send(document, {of, ns}, 0, std::move(file));
+    if (WriteAll(file.Get(), contents)) worker.Send(image, {of, ns}, 0, std::move(file));
   };
-  if (what == "cut") deliver(own, "root/" + own, "<?xml version=\"1.0\"?>\n<CIM CIMVERSION=");
-  if (what == "text") deliver(own, "root/" + own, "no document");
+  if (what == "cut") deliver(own, "root/" + own, "qdx image 1\n\2");
+  if (what == "text") deliver(own, "root/" + own, "no image");
   if (what == "empty") deliver(own, "root/" + own, "");
   if (what == "other") deliver("linux", "root/cimv2", "");
-  if (what == "pipe") worker.Send(document, {own, "root/" + own}, 0, OpenPipe().fReadEnd);
+  if (what == "pipe") worker.Send(image, {own, "root/" + own}, 0, OpenPipe().fReadEnd);
   if (what == "linux") worker.Send(provider, {"linux"});
 }
 

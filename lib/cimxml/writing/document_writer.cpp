@@ -3,6 +3,7 @@
 
 #include <qdxcore/logger.h>
 #include <qdxmodel/classes.h>
+#include <qdxmodel/property_reader.h>
 
 #include <algorithm>
 #include <utility>
@@ -18,7 +19,6 @@ namespace NVORNQDX20::NCIMXML {
 namespace {
 
 using TQualifierDecls = std::vector<boost::shared_ptr<ICIMQualifierDecl>>;
-using ENames = TDocumentWriter::ENames;
 using TClasses = std::vector<boost::shared_ptr<ICIMClass>>;
 
 TQualifierDecls SortedQualifierDecls(const ICIMNamespace& ns) {
@@ -56,53 +56,54 @@ TClasses SortedClasses(const ICIMNamespace& ns) {
 /// Writes the instances of one class.
 class TInstanceWriter {
  public:
-  TInstanceWriter(TXMLWriter& xml, TValueWriter& values, ENames names, const ICIMClass& cimClass)
-      : fXML(xml), fValues(values), fNames(names), fClassName(cimClass.GetName({})) {
-    for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
-      if (HasPropertyElement(decl->GetDefaultValue().GetType())) {
-        fProperties.push_back({decl->GetName(), isKey});
-      }
-    }
+  TInstanceWriter(TXMLWriter& xml, TValueWriter& values, const ICIMClass& cimClass)
+      : fXML(xml), fValues(values), fClassName(cimClass.GetName({})), fReader(cimClass) {
     fValues.BeginClass(fClassName);
   }
 
   void Write(const ICIMInstance& instance) {
-    if (!CanName(instance)) return;
-    if (fNames == ENames::kLeftOut) return WriteContents(instance);
+    fReader.Begin(instance);
+    if (!ReadKeys()) return;
     fXML.Markup("<VALUE.NAMEDOBJECT>");
     const std::size_t replaced = fXML.GetReplaced();
     fXML.Markup("<INSTANCENAME").Attribute("CLASSNAME", fClassName).Markup(">");
-    for (const TProperty& property : fProperties) {
-      if (!property.fIsKey) continue;
-      fValues.KeyBinding(property.fName, instance.GetProperty(property.fName, {})->GetValue());
+    const auto& properties = fReader.GetProperties();
+    for (std::size_t i = 0; i < properties.size(); ++i) {
+      if (IsKey(i)) fValues.KeyBinding(properties[i].fName, fKeys[i]);
     }
     fXML.Markup("</INSTANCENAME>\n");
     fXML.SetReplaced(replaced);  // counted again below
-    WriteContents(instance);
-    fXML.Markup("</VALUE.NAMEDOBJECT>\n");
+    fXML.Markup("<INSTANCE").Attribute("CLASSNAME", fClassName).Markup(">\n");
+    for (std::size_t i = 0; i < properties.size(); ++i) {
+      const auto& property = properties[i];
+      if (!HasPropertyElement(property.fType)) continue;
+      const auto write = [&](const TCIMValue& value) { fValues.Property(property.fName, value); };
+      if (property.fIsKey) {
+        write(fKeys[i]);
+      } else {
+        fReader.Read(i, write);
+      }
+    }
+    fXML.Markup("</INSTANCE></VALUE.NAMEDOBJECT>\n");
   }
 
  private:
-  struct TProperty {
-    std::string fName;
-    bool fIsKey;
-  };
-
-  void WriteContents(const ICIMInstance& instance) {
-    fXML.Markup("<INSTANCE").Attribute("CLASSNAME", fClassName).Markup(">\n");
-    for (const TProperty& property : fProperties) {
-      fValues.Property(property.fName, instance.GetProperty(property.fName, {})->GetValue());
-    }
-    fXML.Markup("</INSTANCE>");
+  bool IsKey(std::size_t property) const {
+    const auto& [name, type, isKey] = fReader.GetProperties()[property];
+    return isKey && HasPropertyElement(type);
   }
 
-  bool CanName(const ICIMInstance& instance) {
-    for (const TProperty& property : fProperties) {
-      if (!property.fIsKey) continue;
-      const auto key = instance.GetProperty(property.fName, {});
-      const char* const obstacle = TValueWriter::ObstacleToKey(key->GetValue());
+  /// Returns whether they can be written.
+  bool ReadKeys() {
+    const auto& properties = fReader.GetProperties();
+    fKeys.clear();
+    fKeys.resize(properties.size());
+    for (std::size_t i = 0; i < properties.size(); ++i) {
+      if (!IsKey(i)) continue;
+      fReader.Read(i, [&](const TCIMValue& value) { fKeys[i].Set(value); });
+      const char* const obstacle = TValueWriter::ObstacleToKey(fKeys[i]);
       if (obstacle == nullptr) continue;
-      fValues.LeaveOut(property.fName, obstacle);
+      fValues.LeaveOut(properties[i].fName, obstacle);
       return false;
     }
     return true;
@@ -110,14 +111,13 @@ class TInstanceWriter {
 
   TXMLWriter& fXML;
   TValueWriter& fValues;
-  const ENames fNames;
   const std::string fClassName;
-  std::vector<TProperty> fProperties;
+  NModel::TPropertyReader fReader;
+  std::vector<TCIMValue> fKeys;  // by property, those of the instance that is being written
 };
 
-void WriteInstances(TXMLWriter& xml, TValueWriter& values, ENames names,
-                    const ICIMClass& cimClass) {
-  TInstanceWriter writer(xml, values, names, cimClass);
+void WriteInstances(TXMLWriter& xml, TValueWriter& values, const ICIMClass& cimClass) {
+  TInstanceWriter writer(xml, values, cimClass);
   NModel::ForEachInstance(cimClass,
                           [&writer](const ICIMInstance& instance) { writer.Write(instance); });
 }
@@ -126,10 +126,8 @@ void WriteInstances(TXMLWriter& xml, TValueWriter& values, ENames names,
 
 struct TDocumentWriter::TParts {
   explicit TParts(const std::string& file) : fOutput(file) {}
-  TParts(TDescriptor file, const std::string& name, ENames names)
-      : fNames(names), fOutput(std::move(file), name) {}
+  TParts(TDescriptor file, const std::string& name) : fOutput(std::move(file), name) {}
 
-  const ENames fNames = ENames::kWritten;
   TOutput fOutput;
   TXMLWriter fXML{fOutput};
   TCountedWarning fLeftOut;
@@ -140,8 +138,8 @@ TDocumentWriter::TDocumentWriter(const std::string& file) : fParts(std::make_uni
   Begin();
 }
 
-TDocumentWriter::TDocumentWriter(TDescriptor file, const std::string& name, ENames names)
-    : fParts(std::make_unique<TParts>(std::move(file), name, names)) {
+TDocumentWriter::TDocumentWriter(TDescriptor file, const std::string& name)
+    : fParts(std::make_unique<TParts>(std::move(file), name)) {
   Begin();
 }
 
@@ -168,9 +166,7 @@ void TDocumentWriter::AddNamespace(const ICIMNamespace& ns, const std::string& n
     schema.Class(*cimClass);
     xml.Markup("</VALUE.NAMEDOBJECT>\n");
   }
-  for (const auto& cimClass : classes) {
-    WriteInstances(xml, values, fParts->fNames, *cimClass);
-  }
+  for (const auto& cimClass : classes) WriteInstances(xml, values, *cimClass);
   xml.Markup("</DECLGROUP.WITHNAME>\n");
 }
 

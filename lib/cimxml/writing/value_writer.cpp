@@ -19,27 +19,18 @@ std::string_view ValueTypeOf(TCIMType type) {
   return isText ? "string" : "numeric";
 }
 
-bool HasKeys(const TCIMReference& reference) {
-  bool hasKeys = false;
-  reference.EnumerateKeyBindings([&](const std::pair<std::string, TCIMValue>&) {
-    hasKeys = true;
-    return false;
-  });
-  return hasKeys;
-}
-
 /// Returns why CIM-XML has no element for the value; null if it has one. The elements of an array
 /// are checked one by one elsewhere.
 const char* Obstacle(const TCIMValue& value) {
   if (value.IsNull() || value.IsArray()) return nullptr;
   if (!CanSpell(value)) return "a date-time longer than 25 characters";
-  if (!value.IsReference()) return nullptr;
-  const char* obstacle = nullptr;
-  TCIMReference(value).EnumerateKeyBindings([&](const std::pair<std::string, TCIMValue>& binding) {
-    obstacle = TValueWriter::ObstacleToKey(binding.second);
-    return obstacle == nullptr;
-  });
-  return obstacle;
+  const TCIMReference* const reference = value.FindReference();
+  if (reference == nullptr) return nullptr;
+  for (const auto& [name, key] : reference->GetBody()->GetKeyBindings()) {
+    const char* const obstacle = TValueWriter::ObstacleToKey(key);
+    if (obstacle != nullptr) return obstacle;
+  }
+  return nullptr;
 }
 
 }  // namespace
@@ -73,10 +64,20 @@ bool TValueWriter::CanHold(const std::string& member, const TCIMValue& value) {
 void TValueWriter::Element(const std::string& member, const TCIMValue& value) {
   if (value.IsArray()) {
     Array(member, value);
-  } else if (value.IsReference()) {
-    Reference(value);
+  } else if (const TCIMReference* const reference = value.FindReference()) {
+    Reference(*reference);
   } else {
-    fXML.Markup("<VALUE>").Text(WriteLiteral(value)).Markup("</VALUE>");
+    fXML.Markup("<VALUE>");
+    Literal(value);
+    fXML.Markup("</VALUE>");
+  }
+}
+
+void TValueWriter::Literal(const TCIMValue& value) {
+  if (const std::string* const text = value.FindString()) {
+    fXML.Text(*text);
+  } else {
+    fXML.Text(WriteLiteral(value));
   }
 }
 
@@ -118,13 +119,14 @@ void TValueWriter::NamespacePath(const std::string& name) {
 
 void TValueWriter::KeyBinding(const std::string& name, const TCIMValue& value) {
   fXML.Markup("<KEYBINDING").Attribute("NAME", name).Markup(">");
-  if (value.IsReference()) {
-    Reference(value);
+  if (const TCIMReference* const reference = value.FindReference()) {
+    Reference(*reference);
   } else {
     const TCIMType type = value.GetType();
     fXML.Markup("<KEYVALUE").Attribute("VALUETYPE", ValueTypeOf(type));
     fXML.Attribute("TYPE", KeywordOf(type)).Markup(">");
-    fXML.Text(WriteLiteral(value)).Markup("</KEYVALUE>");
+    Literal(value);
+    fXML.Markup("</KEYVALUE>");
   }
   fXML.Markup("</KEYBINDING>");
 }
@@ -143,7 +145,7 @@ void TValueWriter::Array(const std::string& member, const TCIMValue& value) {
 }
 
 void TValueWriter::Reference(const TCIMReference& reference) {
-  const bool hasKeys = HasKeys(reference);
+  const bool hasKeys = !reference.GetBody()->GetKeyBindings().empty();
   const bool isOwn = IsOwnNamespace(reference);
   const char* const path = hasKeys ? "LOCALINSTANCEPATH" : "LOCALCLASSPATH";
   fXML.Markup("<VALUE.REFERENCE>");
@@ -162,10 +164,7 @@ void TValueWriter::ClassOrInstanceName(const TCIMReference& reference, bool hasK
     return;
   }
   fXML.Markup("<INSTANCENAME").Attribute("CLASSNAME", reference.GetClassName()).Markup(">");
-  reference.EnumerateKeyBindings([this](const std::pair<std::string, TCIMValue>& binding) {
-    KeyBinding(binding.first, binding.second);
-    return true;
-  });
+  for (const auto& [name, key] : reference.GetBody()->GetKeyBindings()) KeyBinding(name, key);
   fXML.Markup("</INSTANCENAME>");
 }
 

@@ -45,6 +45,7 @@ class TValueWriter {
   bool CanHold(const std::string& member, const TCIMValue& value);
   void Element(const std::string& member, const TCIMValue& value);
   void Array(const std::string& member, const TCIMValue& value);
+  void Literal(const TCIMValue& value);
   void Reference(const TCIMReference& reference);
   void ClassOrInstanceName(const TCIMReference& reference, bool hasKeys);
   bool IsOwnNamespace(const TCIMReference& reference) const;

@@ -21,11 +21,8 @@ class TDocumentWriter {
   /// truncated and keeps its mode; a new one gets mode 0600. A name that ends in ".gz" gives a gzip
   /// file.
   explicit TDocumentWriter(const std::string& file);
-  /// Whether instances are written with their names, which repeat the keys among their properties.
-  enum class ENames { kWritten, kLeftOut };
-  /// Writes from the current position of an open file; `name` is used in messages. A document
-  /// without names of instances is for the reader of this library.
-  TDocumentWriter(TDescriptor file, const std::string& name, ENames names = ENames::kWritten);
+  /// Writes from the current position of an open file; `name` is used in messages.
+  TDocumentWriter(TDescriptor file, const std::string& name);
   /// Leaves an incomplete file unless Close() was called.
   ~TDocumentWriter();
 

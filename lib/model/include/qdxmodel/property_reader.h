@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Reads the values of many instances of one class, as quickly as each instance allows.
+#ifndef QDXMODEL_PROPERTY_READER_H_
+#define QDXMODEL_PROPERTY_READER_H_
+
+#include <qdxcore/interfaces.h>
+#include <qdxcore/values.h>
+#include <qdxmodel/classes.h>
+#include <qdxmodel/names.h>
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace NVORNQDX20::NModel {
+
+class TPropertyReader {
+ public:
+  struct TProperty {
+    std::string fName;
+    TCIMValue::TCIMType fType;
+    bool fIsKey;
+  };
+
+  /// The class must outlive the reader.
+  explicit TPropertyReader(const ICIMClass& cimClass) {
+    TNameMap<std::size_t> indexes;
+    cimClass.EnumeratePropertyDecls(
+        [&indexes, index = std::size_t{0}](const auto& decl) mutable {
+          indexes.emplace(decl->GetName(), index++);
+          return true;
+        },
+        {});
+    for (const auto& [decl, isKey] : PropertiesOf(cimClass)) {
+      const auto found = indexes.find(decl->GetName());
+      fIndexes.push_back(found == indexes.end() ? kNotEnumerated : found->second);
+      fProperties.push_back({decl->GetName(), decl->GetType(), isKey});
+    }
+  }
+
+  /// In the order of PropertiesOf().
+  const std::vector<TProperty>& GetProperties() const { return fProperties; }
+
+  /// Chooses the instance, which must live as long as it is read.
+  void Begin(const ICIMInstance& instance) {
+    fInstance = &instance;
+    fQuick = dynamic_cast<const IValuesOfInstance*>(&instance);
+  }
+
+  /// Calls `visit(const TCIMValue&)` with the value of a property of GetProperties(), which is
+  /// valid until `visit` returns. Passes on what the instance throws.
+  template <typename TVisit>
+  void Read(std::size_t property, const TVisit& visit) const {
+    if (fQuick != nullptr && fIndexes[property] != kNotEnumerated) {
+      fQuick->ReadValue(fIndexes[property], std::cref(visit));
+    } else {
+      visit(fInstance->GetProperty(fProperties[property].fName, {})->GetValue());
+    }
+  }
+
+ private:
+  static constexpr std::size_t kNotEnumerated = static_cast<std::size_t>(-1);
+
+  std::vector<TProperty> fProperties;
+  std::vector<std::size_t> fIndexes;
+  const ICIMInstance* fInstance = nullptr;
+  const IValuesOfInstance* fQuick = nullptr;
+};
+
+}  // namespace NVORNQDX20::NModel
+
+#endif  // QDXMODEL_PROPERTY_READER_H_

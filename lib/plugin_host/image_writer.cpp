@@ -1,0 +1,469 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxplugin_host/image.h>
+
+#include <qdxcore/reference.h>
+#include <qdxcore/status.h>
+#include <qdxmodel/classes.h>
+#include <qdxmodel/names.h>
+#include <qdxmodel/property_reader.h>
+#include <qdxmodel/type.h>
+#include <qdxmodel/visit.h>
+#include <qdxrepository/repository.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <type_traits>
+#include <utility>
+
+#include "image_format.h"
+
+namespace NVORNQDX20::NPluginHost {
+namespace {
+
+using TType = TCIMValue::TCIMType;
+using TClass = boost::shared_ptr<ICIMClass>;
+
+/// Writes to a text what records are made of.
+void PutNumber(std::string& out, std::uint64_t number) {
+  for (; number >= 0x80; number >>= 7U) out += static_cast<char>(number | 0x80U);
+  out += static_cast<char>(number);
+}
+
+void PutText(std::string& out, std::string_view text) {
+  PutNumber(out, text.size());
+  out += text;
+}
+
+template <typename T>
+void PutNative(std::string& out, const T& number) {
+  out.append(reinterpret_cast<const char*>(&number), sizeof number);
+}
+
+void Put(std::string& out, const std::string& text) { PutText(out, text); }
+
+void Put(std::string& out, const TCIMDateTime& time) {
+  out += static_cast<char>(time.IsInterval());
+  for (const std::uint64_t field :
+       {std::uint64_t{time.GetYear()}, std::uint64_t{time.GetMonth()}, std::uint64_t{time.GetDay()},
+        std::uint64_t{time.GetHour()}, std::uint64_t{time.GetMinute()},
+        std::uint64_t{time.GetSecond()}, std::uint64_t{time.GetMicroSeconds()}}) {
+    PutNumber(out, field);
+  }
+  PutNative(out, time.GetUTCOffset());
+}
+
+template <typename T>
+void Put(std::string& out, const T& number) {
+  static_assert(std::is_arithmetic_v<T>);
+  PutNative(out, number);
+}
+
+bool IsNull(const TCIMValue& value) {
+  const bool isTime = !value.IsNull() && value.GetType() == TType::kCIMTypeDateTime;
+  return value.IsNull() || (isTime && TCIMDateTime(value).IsNull());
+}
+
+/// Values that are left out for one reason.
+struct TLosses {
+  const char* fWhat;
+  std::size_t fCount = 0;
+  std::string fFirst = {};
+
+  void Add(const std::string& where) {
+    if (fCount++ == 0) fFirst = where;
+  }
+};
+
+struct TMember {
+  std::string fName;
+  TType fType;
+  bool fIsKey;
+};
+
+/// A class that is written, or is being written while what it needs is written before it.
+struct TWrittenClass {
+  std::optional<std::uint64_t> fNumber = {};
+  std::size_t fDepth = 1;
+  std::vector<TMember> fMembers = {};  // by position
+  NModel::TNameMap<std::size_t> fPositions = {};
+
+  void Add(const TMember& member) {
+    const auto [found, isNew] = fPositions.emplace(member.fName, fMembers.size());
+    if (isNew) fMembers.push_back(member);
+  }
+};
+
+class TImageWriter {
+ public:
+  TImageWriter(const ICIMNamespace& ns, const std::function<void(std::string_view)>& write)
+      : fNamespace(ns), fName(ns.GetName({})), fWrite(write), fClasses(1), fKeyDecls(1) {}
+
+  std::vector<std::string> Write() {
+    fOut = kImageStart;
+    fNamespace.EnumerateQualifierDecls(
+        [this](const auto& decl) {
+          (void)NumberOf(*decl);
+          return true;
+        },
+        {});
+    std::vector<TClass> roots;
+    fNamespace.EnumerateClasses(TAddToVectorCallback(roots), {});
+    std::vector<TClass> all;
+    for (const TClass& root : roots) {
+      for (const TClass& each : NModel::WithSubclasses(root)) {
+        (void)NumberOf(each);
+        all.push_back(each);
+      }
+    }
+    for (const TClass& each : all) WriteInstances(each);
+    fOut += static_cast<char>(kEnd);
+    Flush();
+    std::vector<std::string> warnings;
+    for (const TLosses* losses : {&fUnnamed, &fMistyped, &fUnreachable}) {
+      if (losses->fCount == 0) continue;
+      warnings.push_back(std::to_string(losses->fCount) + " " + losses->fWhat +
+                         " were left out, the first: " + losses->fFirst);
+    }
+    return warnings;
+  }
+
+ private:
+  void Flush() {
+    fWrite(fOut);
+    fOut.clear();
+  }
+  void Append(const std::string& record) {
+    constexpr std::size_t kAtOnce = std::size_t{1} << 18U;
+    fOut += record;
+    if (fOut.size() >= kAtOnce) Flush();
+  }
+
+  std::uint64_t NumberOf(const ICIMQualifierDecl& decl) {
+    const auto [found, isNew] = fDecls.emplace(decl.GetName(), fDeclCount);
+    if (isNew) AppendDecl(0, decl.GetName(), decl.GetDefaultValue(), decl);
+    return found->second;
+  }
+
+  template <typename TDecl>
+  void AppendDecl(std::uint64_t ns, const std::string& name, const TCIMValue& value,
+                  const TDecl& decl) {
+    std::string record(1, static_cast<char>(kQualifierDecl));
+    PutNumber(record, ns);
+    PutText(record, name);
+    PutValue(record, value, name);
+    PutNumber(record, decl.GetScope());
+    PutNumber(record, decl.GetFlavor());
+    Append(record);
+    ++fDeclCount;
+  }
+
+  /// The number of the qualifier Key in another namespace.
+  std::uint64_t NumberOfKey(std::uint64_t ns) {
+    struct TKey {
+      static std::uint32_t GetScope() { return kScopeAny; }
+      static std::uint32_t GetFlavor() { return kFlavorToSubclass; }
+    };
+    if (!fKeyDecls[ns]) {
+      fKeyDecls[ns] = fDeclCount;
+      AppendDecl(ns, "Key", TCIMValue(TType::kCIMTypeBoolean, 0), TKey());
+    }
+    return *fKeyDecls[ns];
+  }
+
+  std::uint64_t NumberOf(const std::string& otherNamespace) {
+    const auto [found, isNew] = fOthers.emplace(otherNamespace, fClasses.size());
+    if (isNew) {
+      std::string record(1, static_cast<char>(kOtherNamespace));
+      PutText(record, otherNamespace);
+      Append(record);
+      fClasses.emplace_back();
+      fKeyDecls.emplace_back();
+    }
+    return found->second;
+  }
+
+  std::uint64_t NumberOf(const TClass& cimClass) { return *Written(cimClass).fNumber; }
+
+  /// Returns the class after writing it if it is not written yet, with all that it needs before it.
+  const TWrittenClass& Written(const TClass& cimClass) {
+    const std::string& name = cimClass->GetName({});
+    const auto [found, isNew] = fClasses[0].emplace(name, nullptr);
+    if (isNew) found->second = std::make_unique<TWrittenClass>();
+    TWrittenClass& written = *found->second;
+    if (written.fNumber) return written;
+    if (!isNew) {
+      throw TExplainedException(kQDXStatusInvalidReference,
+                                "class " + name + " needs class " + fDeclaring.back() +
+                                    ", which needs it, to be declared first");
+    }
+    fDeclaring.push_back(name);
+    const TClass superclass = NModel::SuperclassOf(*cimClass);
+    if (superclass) {
+      const TWrittenClass& above = Written(superclass);
+      written.fDepth = above.fDepth + 1;
+      written.fMembers = above.fMembers;
+      written.fPositions = above.fPositions;
+    }
+    if (written.fDepth > kMaxImageDepth) {
+      throw TExplainedException(kQDXStatusInvalidClass, "class " + name + " has more than " +
+                                                            std::to_string(kMaxImageDepth - 1) +
+                                                            " superclasses");
+    }
+    for (const auto& [decl, isKey] : NModel::PropertiesOf(*cimClass)) {
+      written.Add({decl->GetName(), decl->GetType(), isKey});
+    }
+    // Twice: the first time writes what the class needs, which takes numbers before its own.
+    (void)RecordOf(*cimClass, superclass, written, 0);
+    const std::uint64_t number = fClassCount++;
+    Append(RecordOf(*cimClass, superclass, written, number));
+    written.fNumber = number;
+    fDeclaring.pop_back();
+    return written;
+  }
+
+  std::string RecordOf(const ICIMClass& cimClass, const TClass& superclass,
+                       const TWrittenClass& written, std::uint64_t ownNumber) {
+    fOwnNumber = ownNumber;
+    std::string record(1, static_cast<char>(kClass));
+    PutNumber(record, 0);
+    PutText(record, cimClass.GetName({}));
+    PutNumber(record, superclass ? NumberOf(superclass) + 1 : 0);
+    PutQualifiers(record, cimClass);
+    const auto decls = NModel::OwnPropertyDeclsOf(cimClass);
+    PutNumber(record, decls.size());
+    for (const auto& decl : decls) {
+      PutText(record, decl->GetName());
+      PutValue(record, decl->GetDefaultValue(), decl->GetName());
+      PutQualifiers(record, *decl);
+    }
+    PutMethods(record, cimClass);
+    PutStaticValues(record, cimClass, written);
+    return record;
+  }
+
+  template <typename TQualified>
+  void PutQualifiers(std::string& record, const TQualified& element) {
+    std::vector<boost::shared_ptr<ICIMQualifier>> qualifiers;
+    element.EnumerateQualifiers(TAddToVectorCallback(qualifiers));
+    PutNumber(record, qualifiers.size());
+    for (const auto& qualifier : qualifiers) {
+      const auto decl = qualifier->GetDecl();
+      PutNumber(record, NumberOf(*decl));
+      PutContent(record, qualifier->GetValue(), decl->GetDefaultValue().GetType(), decl->GetName());
+    }
+  }
+
+  void PutMethods(std::string& record, const ICIMClass& cimClass) {
+    std::vector<boost::shared_ptr<ICIMMethodDecl>> methods;
+    cimClass.EnumerateMethodDecls(TAddToVectorCallback(methods), {});
+    PutNumber(record, methods.size());
+    for (const auto& method : methods) {
+      PutText(record, method->GetName());
+      PutNumber(record, method->GetReturnType());
+      PutQualifiers(record, *method);
+      std::vector<boost::shared_ptr<ICIMParameterDecl>> parameters;
+      method->EnumerateParameterDecls(TAddToVectorCallback(parameters));
+      PutNumber(record, parameters.size());
+      for (const auto& parameter : parameters) {
+        PutText(record, parameter->GetName());
+        PutNumber(record, parameter->GetType());
+        PutQualifiers(record, *parameter);
+      }
+    }
+  }
+
+  void PutStaticValues(std::string& record, const ICIMClass& cimClass,
+                       const TWrittenClass& written) {
+    std::vector<boost::shared_ptr<ICIMProperty>> values;
+    cimClass.EnumerateStaticProperties(TAddToVectorCallback(values), {});
+    PutNumber(record, values.size());
+    for (const auto& value : values) {
+      const std::string& name = value->GetDecl()->GetName();
+      const std::size_t position = written.fPositions.at(name);
+      PutNumber(record, position);
+      PutContent(record, value->GetValue(), written.fMembers[position].fType, name);
+    }
+  }
+
+  /// Returns null if another namespace has no such key, or needs the class for itself.
+  const TWrittenClass* Written(std::uint64_t ns, const TCIMReferenceImpl& reference,
+                               const ICIMClass& cimClass) {
+    const std::string& name = cimClass.GetName({});
+    if (const auto found = fClasses[ns].find(name); found != fClasses[ns].end()) {
+      return found->second->fNumber ? found->second.get() : nullptr;
+    }
+    TWrittenClass& written =
+        *fClasses[ns].emplace(name, std::make_unique<TWrittenClass>()).first->second;
+    // Of a class in another namespace only the keys, and what is used as one.
+    std::vector<std::pair<TMember, TCIMValue>> properties;
+    const auto& bindings = reference.GetKeyBindings();
+    for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
+      if (!isKey && bindings.count(decl->GetName()) == 0) continue;
+      written.Add({decl->GetName(), decl->GetType(), isKey});
+      properties.emplace_back(written.fMembers.back(), decl->GetDefaultValue());
+    }
+    std::string list;
+    for (const auto& [member, value] : properties) {
+      PutText(list, member.fName);
+      PutNumber(list, member.fType);
+      const TClass target = value.GetReferencedClass();
+      const TWrittenClass* const referred =
+          target ? Written(ns, TCIMReferenceImpl(fNoReference, nullptr, {}), *target) : nullptr;
+      list += static_cast<char>(referred != nullptr ? kNullReference : kNull);
+      if (referred != nullptr) PutNumber(list, *referred->fNumber + 1);
+      PutNumber(list, member.fIsKey ? 1 : 0);
+      if (!member.fIsKey) continue;
+      PutNumber(list, NumberOfKey(ns));
+      PutContent(list, TCIMValue(true), TType::kCIMTypeBoolean, name);
+    }
+    std::string record(1, static_cast<char>(kClass));
+    PutNumber(record, ns);
+    PutText(record, name);
+    PutNumber(record, 0);
+    PutNumber(record, 0);
+    PutNumber(record, properties.size());
+    record += list;
+    PutNumber(record, 0);
+    PutNumber(record, 0);
+    Append(record);
+    written.fNumber = fClassCount++;
+    return &written;
+  }
+
+  void PutValue(std::string& out, const TCIMValue& value, const std::string& where) {
+    PutNumber(out, value.GetType());
+    PutContent(out, value, value.GetType(), where);
+  }
+
+  /// `where` is for the warning if it is left out.
+  void PutContent(std::string& out, const TCIMValue& value, TType type, const std::string& where) {
+    if (value.GetType() != type) {
+      fMistyped.Add(where);
+      out += static_cast<char>(kNull);
+    } else if (IsNull(value)) {
+      PutNull(out, value);
+    } else if (value.IsArray()) {
+      const std::vector<TCIMValue>& elements = value;
+      out += static_cast<char>(kPresent);
+      PutNumber(out, value.GetMaxArraySize());
+      PutNumber(out, elements.size());
+      for (const TCIMValue& each : elements)
+        PutContent(out, each, NModel::ElementType(type), where);
+    } else if (const TCIMReference* const reference = value.FindReference()) {
+      PutReference(out, *reference->GetBody(), where);
+    } else if (const std::string* const text = value.FindString()) {
+      out += static_cast<char>(kPresent);
+      PutText(out, *text);
+    } else {
+      out += static_cast<char>(kPresent);
+      NModel::VisitScalar(value, [&](const auto& native) {
+        using T = std::decay_t<decltype(native)>;
+        if constexpr (!std::is_same_v<T, TCIMReference>) Put(out, native);
+      });
+    }
+  }
+
+  void PutNull(std::string& out, const TCIMValue& value) {
+    const TClass target = value.IsReference() ? value.GetReferencedClass() : nullptr;
+    if (value.IsArray() && value.GetMaxArraySize() != 0) {
+      out += static_cast<char>(kNullArray);
+      PutNumber(out, value.GetMaxArraySize());
+    } else if (target) {
+      out += static_cast<char>(kNullReference);
+      PutNumber(out, IsBeingDeclared(*target) ? fOwnNumber + 1 : NumberOf(target) + 1);
+    } else {
+      out += static_cast<char>(kNull);
+    }
+  }
+
+  /// A class may refer to itself before it is declared.
+  bool IsBeingDeclared(const ICIMClass& cimClass) const {
+    return !fDeclaring.empty() &&
+           NModel::EqualIgnoringCase(fDeclaring.back(), cimClass.GetName({}));
+  }
+
+  void PutReference(std::string& out, const TCIMReferenceImpl& reference,
+                    const std::string& where) {
+    const auto ns = reference.GetNamespace();
+    const TClass cimClass = reference.GetClass();
+    const bool isOwn =
+        !ns || ns.get() == &fNamespace || NModel::EqualIgnoringCase(ns->GetName({}), fName);
+    const TWrittenClass* const target =
+        isOwn ? &Written(cimClass) : Written(NumberOf(ns->GetName({})), reference, *cimClass);
+    std::string keys;
+    bool isReachable = target != nullptr && fReferenceDepth < kMaxImageDepth;
+    ++fReferenceDepth;
+    for (const auto& [name, key] : reference.GetKeyBindings()) {
+      const auto found = isReachable ? target->fPositions.find(name) : target->fPositions.end();
+      isReachable = isReachable && found != target->fPositions.end();
+      if (!isReachable) break;
+      PutNumber(keys, found->second);
+      PutContent(keys, key, target->fMembers[found->second].fType, where);
+    }
+    --fReferenceDepth;
+    out += static_cast<char>(isReachable ? kPresent : kNull);
+    if (!isReachable) return fUnreachable.Add(where);
+    PutNumber(out, *target->fNumber);
+    PutNumber(out, reference.GetKeyBindings().size());
+    out += keys;
+  }
+
+  void WriteInstances(const TClass& cimClass) {
+    const TWrittenClass& written = Written(cimClass);
+    NModel::TPropertyReader reader(*cimClass);
+    const auto& properties = reader.GetProperties();
+    std::string record(1, static_cast<char>(kInstancesOf));
+    PutNumber(record, *written.fNumber);
+    PutNumber(record, properties.size());
+    for (const auto& property : properties) {
+      PutNumber(record, written.fPositions.at(property.fName));
+    }
+    bool isFirst = true;
+    NModel::ForEachInstance(*cimClass, [&](const ICIMInstance& instance) {
+      if (std::exchange(isFirst, false)) Append(record);
+      record.assign(1, static_cast<char>(kInstance));
+      reader.Begin(instance);
+      bool isNamed = true;
+      for (std::size_t i = 0; i < properties.size(); ++i) {
+        const auto& property = properties[i];
+        reader.Read(i, [&](const TCIMValue& value) {
+          isNamed = isNamed && (!property.fIsKey || !IsNull(value));
+          PutContent(record, value, property.fType, property.fName);
+        });
+      }
+      if (isNamed) {
+        Append(record);
+      } else {
+        fUnnamed.Add(cimClass->GetName({}));
+      }
+    });
+  }
+
+  const ICIMNamespace& fNamespace;
+  const std::string fName;
+  const std::function<void(std::string_view)>& fWrite;
+  std::string fOut;
+  NModel::TNameMap<std::uint64_t> fDecls;
+  std::uint64_t fDeclCount = 0;
+  NModel::TNameMap<std::uint64_t> fOthers;
+  std::vector<NModel::TNameMap<std::unique_ptr<TWrittenClass>>> fClasses;  // by namespace
+  std::vector<std::optional<std::uint64_t>> fKeyDecls;                     // by namespace
+  std::uint64_t fClassCount = 0;
+  std::vector<std::string> fDeclaring;  // classes that are being written
+  std::uint64_t fOwnNumber = 0;         // of the last of them
+  std::size_t fReferenceDepth = 0;
+  TCIMReference fNoReference{nullptr, {}};
+  TLosses fUnnamed{"instances that lack a key"};
+  TLosses fMistyped{"values of another type than declared"};
+  TLosses fUnreachable{"references that cannot be followed"};
+};
+
+}  // namespace
+
+std::vector<std::string> WriteImage(const ICIMNamespace& ns,
+                                    const std::function<void(std::string_view)>& write) {
+  return TImageWriter(ns, write).Write();
+}
+
+}  // namespace NVORNQDX20::NPluginHost

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Adds many instances to a class of a repository namespace: by the positions of the properties
+/// instead of their names, and without a TCIMValue for a text or a number.
+#ifndef QDXREPOSITORY_INSTANCE_ADDER_H_
+#define QDXREPOSITORY_INSTANCE_ADDER_H_
+
+#include <qdxcore/interfaces.h>
+
+#include <cstddef>
+#include <memory>
+#include <string_view>
+
+#include <boost/shared_ptr.hpp>
+
+namespace NVORNQDX20 {
+
+/// A position is that of the declaration in ICIMClass::EnumeratePropertyDecls, from 0. A property
+/// that is not set has the value of its class.
+class TInstanceAdder {
+ public:
+  /// Throws kQDXStatusInvalidClass if the class is not a committed class of a namespace of
+  /// MakeRepositoryNamespace(), or abstract.
+  explicit TInstanceAdder(const boost::shared_ptr<ICIMClass>& cimClass);
+  ~TInstanceAdder();
+
+  /// Starts an instance, in place of one that was not committed.
+  void Begin();
+  /// Each returns false, and sets nothing, if the declared type is another one. REQUIRES: Begin()
+  /// was called, and the class has the property.
+  bool Set(std::size_t position, const TCIMValue& value);
+  bool SetText(std::size_t position, std::string_view text);
+  /// `bytes` are those of the native type, in the order of this machine; as many as it has.
+  bool SetNumber(std::size_t position, std::string_view bytes);
+  void SetNull(std::size_t position);
+  /// Adds the instance. Returns false, and adds nothing, if one with the same keys exists. Throws
+  /// kQDXStatusInvalidInstance if a key is null.
+  bool Commit();
+
+ private:
+  struct TParts;
+  const std::unique_ptr<TParts> fParts;
+};
+
+}  // namespace NVORNQDX20
+
+#endif  // QDXREPOSITORY_INSTANCE_ADDER_H_

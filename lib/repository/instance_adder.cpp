@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxrepository/instance_adder.h>
+
+#include <qdxcore/status.h>
+#include <qdxmodel/visit.h>
+
+#include <type_traits>
+#include <utility>
+
+#include <boost/smart_ptr/make_shared.hpp>
+
+#include "class.h"
+#include "instance.h"
+#include "namespace.h"
+#include "property.h"
+#include "stored_value.h"
+
+namespace NVORNQDX20 {
+
+using NRepository::TClass;
+using NRepository::TInstance;
+using NRepository::TStoredValue;
+
+namespace {
+
+std::size_t SizeOfNumber(TCIMValue::TCIMType type) {
+  return NModel::VisitType(type, [](auto native) -> std::size_t {
+    using T = typename decltype(native)::TType;
+    if constexpr (std::is_arithmetic_v<T>) {
+      return sizeof(T);
+    } else {
+      return 0;
+    }
+  });
+}
+
+}  // namespace
+
+struct TInstanceAdder::TParts {
+  boost::shared_ptr<TClass> fClass;
+  boost::shared_ptr<TInstance> fInstance = nullptr;
+
+  TCIMValue::TCIMType TypeAt(std::size_t position) const {
+    return fClass->DeclAt(position).GetType();
+  }
+};
+
+TInstanceAdder::TInstanceAdder(const boost::shared_ptr<ICIMClass>& cimClass)
+    : fParts(std::make_unique<TParts>(TParts{boost::dynamic_pointer_cast<TClass>(cimClass)})) {
+  if (!fParts->fClass || !fParts->fClass->IsCommitted() || cimClass->IsAbstract({})) {
+    throw TExplainedException(kQDXStatusInvalidClass,
+                              "no class of a repository that can have instances");
+  }
+}
+
+TInstanceAdder::~TInstanceAdder() = default;
+
+void TInstanceAdder::Begin() { fParts->fInstance = boost::make_shared<TInstance>(*fParts->fClass); }
+
+bool TInstanceAdder::Set(std::size_t position, const TCIMValue& value) {
+  if (value.GetType() != fParts->TypeAt(position)) return false;
+  fParts->fInstance->Store(position, TStoredValue(value, *fParts->fClass));
+  return true;
+}
+
+bool TInstanceAdder::SetText(std::size_t position, std::string_view text) {
+  if (fParts->TypeAt(position) != TCIMValue::TCIMType::kCIMTypeString) return false;
+  fParts->fInstance->Store(position, TStoredValue::Text(text));
+  return true;
+}
+
+bool TInstanceAdder::SetNumber(std::size_t position, std::string_view bytes) {
+  const std::size_t size = SizeOfNumber(fParts->TypeAt(position));
+  if (size == 0 || size != bytes.size()) return false;
+  fParts->fInstance->Store(position, TStoredValue::Number(bytes));
+  return true;
+}
+
+void TInstanceAdder::SetNull(std::size_t position) {
+  fParts->fInstance->Store(position, TStoredValue::Null());
+}
+
+bool TInstanceAdder::Commit() {
+  const boost::shared_ptr<TInstance> instance = std::exchange(fParts->fInstance, nullptr);
+  return instance->CommitIfNew();
+}
+
+}  // namespace NVORNQDX20
