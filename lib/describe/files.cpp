@@ -41,12 +41,20 @@ TDescriptor OpenInRoot(int root, const std::string& path, int flags) {
   }
 }
 
-/// Returns what the symbolic link contains; empty, with errno set, on failure.
-std::string TargetOf(int link) {
+/// Returns what the symbolic link contains; empty, with errno set, on failure: EINVAL if it is
+/// none.
+std::string TargetOf(int folder, const char* name) {
   std::array<char, PATH_MAX> target;
-  const ssize_t size = ::readlinkat(link, "", target.data(), target.size());
+  const ssize_t size = ::readlinkat(folder, name, target.data(), target.size());
   if (size <= 0) return {};
   return std::string(target.data(), static_cast<std::size_t>(size));
+}
+
+std::string TargetOf(int link) {
+  std::string target = TargetOf(link, "");
+  // readlinkat says that there is no such file if the descriptor is of something else.
+  if (target.empty() && errno == ENOENT) errno = EINVAL;
+  return target;
 }
 
 /// Finds a file as openat2 does, for kernels and sandboxes without that call: one component at a
@@ -129,8 +137,9 @@ TReason ReasonOf(int error) {
   return {ErrorText(error), MeansAbsent(error) ? TReason::kAbsence : TReason::kError};
 }
 
-/// Stops after the maximum size, so that the caller notices a file that is too long.
-TReading<std::string> ReadToEnd(int file, std::size_t maxSize) {
+/// Stops after the maximum size, so that the caller notices a file that is too long. `size` is that
+/// of a file with these contents, or 0: most files of the kernel have another size than they tell.
+TReading<std::string> ReadToEnd(int file, std::size_t size, std::size_t maxSize) {
   std::array<char, 16384> buffer;  // not initialised: most files have some bytes
   std::string text;
   while (text.size() <= maxSize) {
@@ -141,6 +150,7 @@ TReading<std::string> ReadToEnd(int file, std::size_t maxSize) {
     if (count < 0) return Missing(ReasonOf(errno));
     if (count == 0) break;
     text.append(buffer.data(), static_cast<std::size_t>(count));
+    if (text.size() == size) break;
   }
   return text;
 }
@@ -199,10 +209,45 @@ class TFiles::TRoot {
     return TWalk(fFolder.Get(), path).Open(flags);
   }
 
-  /// Sets the obstacle to what stands in the way of reading, or to an empty text. To open a device
-  /// can start it, so the type of a file in an image is looked at first.
-  TDescriptor OpenToRead(const std::string& path, TReason& obstacle) const {
+  /// Returns 0 if the path names something, else the errno.
+  int Probe(const std::string& path) const {
+    struct stat status {};
+    const TPlace place = FindPlace(path);
+    if (place.fFolder >= 0) {
+      if (::fstatat(place.fFolder, place.fName, &status, AT_SYMLINK_NOFOLLOW) != 0) return errno;
+      if (!S_ISLNK(status.st_mode)) return 0;
+    }
+    return Open(path, O_PATH).GetError();
+  }
+
+  /// Returns the target of a symbolic link; empty, with errno set, on failure.
+  std::string ReadLink(const std::string& path) const {
+    const TPlace place = FindPlace(path);
+    if (place.fFolder >= 0) return TargetOf(place.fFolder, place.fName);
+    const TDescriptor link = Open(path, O_PATH | O_NOFOLLOW);
+    errno = link.GetError();
+    return link.IsOpen() ? TargetOf(link.Get()) : std::string();
+  }
+
+  /// Sets the obstacle to what stands in the way of reading, or to an empty text, and the size if
+  /// the contents have it. To open a device can start it, so the type of a file in an image is
+  /// looked at first.
+  TDescriptor OpenToRead(const std::string& path, TReason& obstacle, std::size_t& size) const {
     const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY;
+    const TPlace place = FindPlace(path);
+    if (place.fFolder >= 0) {
+      struct stat status {};
+      if (::fstatat(place.fFolder, place.fName, &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        obstacle = ReasonOf(errno);
+        return {};
+      }
+      if (S_ISREG(status.st_mode)) {
+        TDescriptor file(::openat(place.fFolder, place.fName, flags | O_NOFOLLOW | O_CLOEXEC));
+        obstacle = file.IsOpen() ? TReason() : ReasonOf(file.GetError());
+        size = static_cast<std::size_t>(status.st_size);
+        return file;
+      }
+    }
     TDescriptor file = Open(path, fIsThisMachine ? flags : O_PATH);
     obstacle = ObstacleTo(file);
     if (fIsThisMachine || !obstacle.empty()) return file;
@@ -215,6 +260,35 @@ class TFiles::TRoot {
   }
 
  private:
+  struct TFolder {
+    std::string fPath;
+    TDescriptor fDescriptor;
+  };
+  /// A name in a folder; the descriptor is negative where the whole path is to be resolved.
+  struct TPlace {
+    int fFolder = -1;
+    const char* fName = nullptr;
+  };
+
+  /// Most files are read beside others: in an image, to resolve the path of each below the root
+  /// takes most of the time. The path must live as long as the result.
+  TPlace FindPlace(const std::string& path) const {
+    const std::size_t slash = path.rfind('/');
+    if (fIsThisMachine || slash == path.npos) return {};
+    const char* const name = path.c_str() + slash + 1;
+    if (*name == '\0' || name == std::string_view(".") || name == std::string_view("..")) return {};
+    const std::string_view folder(path.data(), slash + 1);
+    auto found = std::find_if(fFolders.begin(), fFolders.end(),
+                              [folder](const TFolder& each) { return each.fPath == folder; });
+    if (found == fFolders.end()) {
+      TDescriptor opened = Open(std::string(folder), O_PATH | O_DIRECTORY);
+      if (!opened.IsOpen()) return {};
+      found = fFolders.begin() + static_cast<std::ptrdiff_t>(fOldest++ % fFolders.size());
+      *found = {std::string(folder), std::move(opened)};
+    }
+    return {found->fDescriptor.Get(), name};
+  }
+
   // Large files are tables, which few classes need. Together at most some 10 MB.
   static constexpr std::size_t kMaxKeptSize = 64;
   static constexpr std::size_t kMaxKept = 1U << 16U;
@@ -222,6 +296,8 @@ class TFiles::TRoot {
   TDescriptor fFolder;
   bool fIsThisMachine;
   mutable std::unordered_map<std::string, std::string> fKept;
+  mutable std::array<TFolder, 8> fFolders;  // the last ones in which files were looked for
+  mutable std::size_t fOldest = 0;
 };
 
 TFiles::TFiles(const TRequest& request) : fRoot(std::make_shared<TRoot>(request.fRoot)) {}
@@ -232,9 +308,10 @@ TReading<std::string> TFiles::ReadBytes(const std::string& path, std::size_t max
   const std::string* const kept = fRoot->FindKept(fullPath);
   if (kept != nullptr && kept->size() <= maxSize) return *kept;
   TReason obstacle;
-  const TDescriptor file = fRoot->OpenToRead(fullPath, obstacle);
+  std::size_t size = 0;
+  const TDescriptor file = fRoot->OpenToRead(fullPath, obstacle, size);
   if (!obstacle.empty()) return MissingFrom(path, obstacle);
-  TReading<std::string> reading = ReadToEnd(file.Get(), maxSize);
+  TReading<std::string> reading = ReadToEnd(file.Get(), size, maxSize);
   if (!reading) return MissingFrom(path, reading.GetReason());
   if (reading->size() <= maxSize) fRoot->Keep(fullPath, *reading);
   return reading;
@@ -271,15 +348,11 @@ TReading<bool> TFiles::ReadFlag(const std::string& path) const {
 }
 
 TReading<std::string> TFiles::ReadLink(const std::string& path) const {
-  const TDescriptor link = fRoot->Open(PathOf(path), O_PATH | O_NOFOLLOW);
-  struct stat status {};
-  if (!link.IsOpen()) return MissingFrom(path, ReasonOf(link.GetError()));
-  if (::fstat(link.Get(), &status) != 0) return MissingFrom(path, ReasonOf(errno));
+  std::string target = fRoot->ReadLink(PathOf(path));
+  if (!target.empty()) return target;
   // No error: a copy of a tree may have what a link led to in its place.
-  if (!S_ISLNK(status.st_mode)) return MissingFrom(path, "not a symbolic link");
-  std::string target = TargetOf(link.Get());
-  if (target.empty()) return MissingFrom(path, ReasonOf(errno));
-  return target;
+  if (errno == EINVAL) return MissingFrom(path, "not a symbolic link");
+  return MissingFrom(path, ReasonOf(errno));
 }
 
 TReading<std::vector<std::string>> TFiles::List(const std::string& path) const {
@@ -300,11 +373,11 @@ TReading<std::vector<std::string>> TFiles::List(const std::string& path) const {
 }
 
 bool TFiles::IsAbsent(const std::string& path) const {
-  return MeansAbsent(fRoot->Open(PathOf(path), O_PATH).GetError());
+  return MeansAbsent(fRoot->Probe(PathOf(path)));
 }
 
 TReading<bool> TFiles::Exists(const std::string& path) const {
-  const int error = fRoot->Open(PathOf(path), O_PATH).GetError();
+  const int error = fRoot->Probe(PathOf(path));
   if (error != 0 && !MeansAbsent(error)) return MissingFrom(path, ReasonOf(error));
   return error == 0;
 }
@@ -312,7 +385,7 @@ TReading<bool> TFiles::Exists(const std::string& path) const {
 TReading<std::string> TFiles::FirstOf(std::initializer_list<const char*> paths) const {
   if (paths.size() == 0) return Missing("no path was given");
   for (const char* path : paths) {
-    const int error = fRoot->Open(PathOf(path), O_PATH).GetError();
+    const int error = fRoot->Probe(PathOf(path));
     if (error == 0) return std::string(path);
     if (!MeansAbsent(error)) return MissingFrom(path, ReasonOf(error));
   }
