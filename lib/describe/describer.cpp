@@ -9,6 +9,7 @@
 #include <qdxmodel/classes.h>
 #include <qdxmodel/names.h>
 #include <qdxmodel/options.h>
+#include <qdxmodel/property_reader.h>
 #include <qdxrepository/repository.h>
 
 #include <algorithm>
@@ -147,6 +148,18 @@ class TReferences {
   /// By the last key; null if several instances have the same.
   using TInstancesByKey = std::unordered_map<std::string, boost::shared_ptr<ICIMInstance>>;
 
+  struct TKeys {
+    explicit TKeys(const ICIMClass& cimClass) : fReader(cimClass) {
+      const auto& properties = fReader.GetProperties();
+      for (std::size_t i = 0; i < properties.size(); ++i) {
+        if (properties[i].fIsKey) fPositions.push_back(i);
+      }
+    }
+
+    NModel::TPropertyReader fReader;
+    std::vector<std::size_t> fPositions;
+  };
+
   /// Reads the instances once, when the first reference asks for one of them.
   const TInstancesByKey& InstancesOf(const std::string& className) {
     const auto [place, isNew] = fInstances.try_emplace(className);
@@ -167,41 +180,41 @@ class TReferences {
     const auto cimClass = ClassOf(className);
     if (!cimClass) return;
     for (const auto& each : NModel::WithSubclasses(cimClass)) {
-      const std::vector<std::string>& keys = KeysOf(*each);
+      TKeys& keys = KeysOf(*each);
       for (const auto& instance : NModel::InstancesOf(*each)) AddByKey(instance, keys, instances);
     }
   }
 
-  static void AddByKey(const boost::shared_ptr<ICIMInstance>& instance,
-                       const std::vector<std::string>& keys, TInstancesByKey& instances) {
-    std::string key = instance->GetProperty(keys.back(), {})->GetValue().ToString(10);
+  static void AddByKey(const boost::shared_ptr<ICIMInstance>& instance, TKeys& keys,
+                       TInstancesByKey& instances) {
+    keys.fReader.Begin(*instance);
+    std::string key;
+    keys.fReader.Read(keys.fPositions.back(),
+                      [&key](const TCIMValue& value) { key = value.ToString(10); });
     const auto [place, isNew] = instances.emplace(std::move(key), instance);
     if (!isNew) place->second = nullptr;
   }
 
-  const std::vector<std::string>& KeysOf(const ICIMClass& cimClass) {
-    const auto [place, isNew] = fKeys.try_emplace(cimClass.GetName({}));
-    std::vector<std::string>& keys = place->second;
-    if (!isNew) return keys;
-    for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
-      if (isKey) keys.push_back(decl->GetName());
-    }
-    return keys;
+  TKeys& KeysOf(const ICIMClass& cimClass) {
+    return fKeys.try_emplace(cimClass.GetName({}), cimClass).first->second;
   }
 
   TCIMValue ReferenceTo(const ICIMInstance& instance) {
     const auto cimClass = instance.GetClass({});
+    TKeys& keys = KeysOf(*cimClass);
+    keys.fReader.Begin(instance);
     TCIMReference reference(fNamespace, {});
     reference.SetClass(cimClass);
-    for (const std::string& key : KeysOf(*cimClass)) {
-      reference.AddKeyValue(key, instance.GetProperty(key, {})->GetValue());
+    for (const std::size_t key : keys.fPositions) {
+      const std::string& name = keys.fReader.GetProperties()[key].fName;
+      keys.fReader.Read(key, [&](const TCIMValue& value) { reference.AddKeyValue(name, value); });
     }
     return TCIMValue(reference);
   }
 
   TNamespace fNamespace;
   NModel::TNameMap<TInstancesByKey> fInstances;
-  NModel::TNameMap<std::vector<std::string>> fKeys;  // by class
+  NModel::TNameMap<TKeys> fKeys;  // by class
 };
 
 constexpr std::size_t kLongestReason = 500;

@@ -109,14 +109,11 @@ class TImageWriter {
         {});
     std::vector<TClass> roots;
     fNamespace.EnumerateClasses(TAddToVectorCallback(roots), {});
-    std::vector<TClass> all;
     for (const TClass& root : roots) {
-      for (const TClass& each : NModel::WithSubclasses(root)) {
-        (void)NumberOf(each);
-        all.push_back(each);
-      }
+      for (const TClass& each : NModel::WithSubclasses(root)) (void)NumberOf(each);
     }
-    for (const TClass& each : all) WriteInstances(each);
+    // A reference to a class that is not enumerated adds it.
+    for (std::size_t i = 0; i < fOwnClasses.size(); ++i) WriteInstances(TClass(fOwnClasses[i]));
     fOut += static_cast<char>(kEnd);
     Flush();
     std::vector<std::string> warnings;
@@ -218,6 +215,7 @@ class TImageWriter {
     const std::uint64_t number = fClassCount++;
     Append(RecordOf(*cimClass, superclass, written, number));
     written.fNumber = number;
+    fOwnClasses.push_back(cimClass);
     fDeclaring.pop_back();
     return written;
   }
@@ -371,9 +369,28 @@ class TImageWriter {
       PutNumber(out, value.GetMaxArraySize());
     } else if (target) {
       out += static_cast<char>(kNullReference);
-      PutNumber(out, IsBeingDeclared(*target) ? fOwnNumber + 1 : NumberOf(target) + 1);
+      PutNumber(out, NumberOfReferenced(target) + 1);
     } else {
       out += static_cast<char>(kNull);
+    }
+  }
+
+  /// A class does not tell its namespace: one that this namespace has not is of another one.
+  std::uint64_t NumberOfReferenced(const TClass& target) {
+    if (IsBeingDeclared(*target)) return fOwnNumber;
+    if (HasClass(target->GetName({}))) return NumberOf(target);
+    const TWrittenClass* const other =
+        Written(NumberOf(std::string()), TCIMReferenceImpl(fNoReference, nullptr, {}), *target);
+    return other != nullptr ? *other->fNumber : NumberOf(target);
+  }
+
+  bool HasClass(const std::string& name) const {
+    if (fClasses[0].count(name) != 0) return true;
+    try {
+      return fNamespace.GetClass(name, {}) != nullptr;
+    } catch (const TQDXException& failure) {
+      if (failure.GetStatusCode() != kQDXStatusNotFound) throw;
+      return false;
     }
   }
 
@@ -450,6 +467,7 @@ class TImageWriter {
   std::vector<NModel::TNameMap<std::unique_ptr<TWrittenClass>>> fClasses;  // by namespace
   std::vector<std::optional<std::uint64_t>> fKeyDecls;                     // by namespace
   std::uint64_t fClassCount = 0;
+  std::vector<TClass> fOwnClasses;      // in the order of their numbers
   std::vector<std::string> fDeclaring;  // classes that are being written
   std::uint64_t fOwnNumber = 0;         // of the last of them
   std::size_t fReferenceDepth = 0;

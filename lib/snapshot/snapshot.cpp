@@ -5,10 +5,12 @@
 #include <qdxcore/status.h>
 #include <qdxdescribe/declaration.h>
 #include <qdxmodel/classes.h>
+#include <qdxmodel/property_reader.h>
 #include <qdxmodel/type.h>
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 #include "volatile_names.h"
 
@@ -55,29 +57,60 @@ std::string PartOf(const ICIMClass& cimClass) {
   return "";
 }
 
-std::string PathOf(const ICIMInstance& instance, const TClass& cimClass,
-                   const std::vector<TPropertySnapshot>& properties) {
-  TCIMReference path(nullptr, {});
-  path.SetClass(cimClass);
-  for (const TPropertySnapshot& property : properties) {
-    if (!property.fIsKey) continue;
-    path.AddKeyValue(property.fName, instance.GetProperty(property.fName, {})->GetValue());
+/// Adds instances of one class to its snapshot.
+class TInstanceReader {
+ public:
+  TInstanceReader(const TClass& cimClass, TClassSnapshot& snapshot, const std::string& ownNamespace,
+                  EDepth depth)
+      : fClass(cimClass),
+        fSnapshot(snapshot),
+        fOwnNamespace(ownNamespace),
+        fDepth(depth),
+        fReader(*cimClass) {
+    fPositions.reserve(snapshot.fProperties.size());
+    for (const TPropertySnapshot& property : snapshot.fProperties) {
+      fPositions.push_back(fReader.PositionOf(property.fName));
+    }
   }
-  return path.GetPath();
-}
 
-TInstanceSnapshot SnapshotOf(const ICIMInstance& instance, const TClass& cimClass,
-                             const std::vector<TPropertySnapshot>& properties,
-                             const std::string& ownNamespace, EDepth depth) {
-  TInstanceSnapshot snapshot{PathOf(instance, cimClass, properties), {}};
-  if (depth < kValues) return snapshot;
-  snapshot.fValues.reserve(properties.size());
-  for (const TPropertySnapshot& property : properties) {
-    const auto value = instance.GetProperty(property.fName, {});
-    snapshot.fValues.push_back(ToJSON(value->GetValue(), ownNamespace));
+  void Add(const ICIMInstance& instance) {
+    if (fDepth >= kInstances) {
+      fReader.Begin(instance);
+      TInstanceSnapshot read{ReadPath(), {}};
+      if (fDepth >= kValues) ReadValues(read.fValues);
+      fSnapshot.fInstances.push_back(std::move(read));
+    }
+    ++fSnapshot.fInstanceCount;
   }
-  return snapshot;
-}
+
+ private:
+  std::string ReadPath() const {
+    TCIMReference path(nullptr, {});
+    path.SetClass(fClass);
+    for (std::size_t i = 0; i < fPositions.size(); ++i) {
+      const TPropertySnapshot& property = fSnapshot.fProperties[i];
+      if (!property.fIsKey) continue;
+      fReader.Read(fPositions[i],
+                   [&](const TCIMValue& value) { path.AddKeyValue(property.fName, value); });
+    }
+    return path.GetPath();
+  }
+
+  void ReadValues(std::vector<TJSON>& values) const {
+    values.reserve(fPositions.size());
+    for (const std::size_t position : fPositions) {
+      fReader.Read(position,
+                   [&](const TCIMValue& value) { values.push_back(ToJSON(value, fOwnNamespace)); });
+    }
+  }
+
+  const TClass fClass;
+  TClassSnapshot& fSnapshot;
+  const std::string& fOwnNamespace;
+  const EDepth fDepth;
+  NModel::TPropertyReader fReader;
+  std::vector<std::size_t> fPositions;  // in the reader, of the snapshot's properties
+};
 
 }  // namespace
 
@@ -102,17 +135,16 @@ void TSnapshotReader::ReadAll() {
 void TSnapshotReader::ReadTree(const TClass& root) {
   if (fDepth < kClasses) return;
   for (const TClass& cimClass : NModel::WithSubclasses(root)) {
-    TClassSnapshot& snapshot = Add(cimClass);
-    NModel::ForEachInstance(*cimClass, [&](const ICIMInstance& instance) {
-      AddInstance(snapshot, instance, cimClass);
-    });
+    TInstanceReader reader(cimClass, Add(cimClass), fNamespaceName, fDepth);
+    NModel::ForEachInstance(*cimClass,
+                            [&reader](const ICIMInstance& instance) { reader.Add(instance); });
   }
 }
 
 void TSnapshotReader::ReadInstance(const ICIMInstance& instance) {
   if (fDepth < kClasses) return;
   const TClass cimClass = instance.GetClass({});
-  AddInstance(Add(cimClass), instance, cimClass);
+  TInstanceReader(cimClass, Add(cimClass), fNamespaceName, fDepth).Add(instance);
 }
 
 TClassSnapshot& TSnapshotReader::Add(const TClass& cimClass) {
@@ -124,15 +156,6 @@ TClassSnapshot& TSnapshotReader::Add(const TClass& cimClass) {
                       {},
                       PartOf(*cimClass)});
   return fClasses.back();
-}
-
-void TSnapshotReader::AddInstance(TClassSnapshot& snapshot, const ICIMInstance& instance,
-                                  const TClass& cimClass) const {
-  if (fDepth >= kInstances) {
-    snapshot.fInstances.push_back(
-        SnapshotOf(instance, cimClass, snapshot.fProperties, fNamespaceName, fDepth));
-  }
-  ++snapshot.fInstanceCount;
 }
 
 void SortSnapshot(std::vector<TClassSnapshot>& classes) {

@@ -8,6 +8,7 @@
 #include <qdxmodel/classes.h>
 #include <qdxmodel/names.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <functional>
 #include <string>
@@ -41,6 +42,14 @@ class TPropertyReader {
 
   /// In the order of PropertiesOf().
   const std::vector<TProperty>& GetProperties() const { return fProperties; }
+
+  /// Returns the position of a property in GetProperties(). REQUIRES: the class has it.
+  std::size_t PositionOf(const std::string& name) const {
+    const auto found = std::find_if(
+        fProperties.begin(), fProperties.end(),
+        [&name](const TProperty& each) { return EqualIgnoringCase(each.fName, name); });
+    return static_cast<std::size_t>(found - fProperties.begin());
+  }
 
   /// Chooses the instance, which must live as long as it is read.
   void Begin(const ICIMInstance& instance) {

@@ -56,8 +56,6 @@ class TSnapshotReader {
 
  private:
   TClassSnapshot& Add(const boost::shared_ptr<ICIMClass>& cimClass);
-  void AddInstance(TClassSnapshot& snapshot, const ICIMInstance& instance,
-                   const boost::shared_ptr<ICIMClass>& cimClass) const;
 
   const ICIMNamespace& fNamespace;
   const std::string fNamespaceName;

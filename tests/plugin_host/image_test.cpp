@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxplugin_host/image.h>
+
+#include "cimxml/documents.h"
+
+#include <cmath>
+#include <limits>
+
+namespace NVORNQDX20 {
+namespace {
+
+using NPluginHost::ReadImage;
+using NPluginHost::TImage;
+using TCIMType = TCIMValue::TCIMType;
+
+constexpr std::size_t kMemory = std::size_t{1} << 24U;
+
+struct TWritten {
+  std::string fBytes = {};
+  TNames fWarnings = {};
+};
+
+TWritten WriteImage(const ICIMNamespace& ns) {
+  TWritten written;
+  written.fWarnings =
+      NPluginHost::WriteImage(ns, [&written](std::string_view bytes) { written.fBytes += bytes; });
+  return written;
+}
+
+/// In pieces of this size.
+TImage ReadImage(const std::string& bytes, const std::string& name = "test", std::size_t piece = 3,
+                 std::size_t memory = kMemory) {
+  std::string_view rest = bytes;
+  const auto read = [&](char* buffer, std::size_t size) {
+    const std::size_t count = std::min({size, piece, rest.size()});
+    std::copy_n(rest.begin(), count, buffer);
+    rest.remove_prefix(count);
+    return count;
+  };
+  return ReadImage(name, read, memory);
+}
+
+TCIMValue Number(double number) { return TCIMValue(number); }
+
+/// All types, nulls and arrays; references to the own class, into each other and out of the
+/// namespace; overriding, static values, methods and qualifiers.
+TNamespace MakeFilled(std::size_t longest = 20) {
+  const TNamespace other = MakeRepositoryNamespace("root/other");
+  for (const char* name : {"Key", "Strange"}) {
+    other->CreateQualifierDecl(name, false, kScopeAny, kFlavorToSubclass, {})->Commit();
+  }
+  AddClass(other, "Far", {{"Id", 0U}}, {{"Text", ""}});
+  AddInstance(other, "Far", {{"Id", 7U}});
+  const TNamespace ns = MakeNamespace();
+  const auto all =
+      AddClass(ns, "All", {{"Id", ""}, {"When", TCIMDateTime("20200101120000.000000+060")}},
+               {{"Bool", true},
+                {"Small", static_cast<signed char>(-7)},
+                {"Large", 18446744073709551615UL},
+                {"Low", std::numeric_limits<long>::min()},
+                {"Real32", 0.1F},
+                {"Real64", Number(-0.0)},
+                {"Text", kNoText},
+                {"Time", TCIMDateTime(123456, 1, 2, 3, 4)},
+                {"Texts", TCIMValue(TCIMType::kCIMTypeString, 5)},
+                {"Numbers", TCIMValue(TCIMType::kCIMTypeUint16, 3)}});
+  AddDerived(ns, "More", all, {{"Bool", false}, {"Extra", std::string(100, 'x')}});
+  ns->GetClass("More", {})->SetStaticPropertyValue("Small", static_cast<signed char>(3), {});
+  const std::vector<TCIMValue> texts = {TCIMValue("a"), kNoText,
+                                        TCIMValue(std::string(longest, 'b'))};
+  AddInstance(ns, "All",
+              {{"Id", "short"}, {"Texts", TCIMValue(TCIMType::kCIMTypeString, 5, texts)}});
+  AddInstance(ns, "All",
+              {{"Id", "a text that is longer"}, {"Text", "\xC3\xA9"}, {"Real64", Number(NAN)}});
+  AddInstance(
+      ns, "More",
+      {{"Id", ""}, {"Numbers", TCIMValue(TCIMType::kCIMTypeUint16 | TCIMType::kCIMTypeArray, 0U)}});
+  const auto from = NullReference(ns, "All");
+  AddClass(ns, "Link", {{"From", from}, {"Far", NullReference(other, "Far")}}, {{"To", from}});
+  const auto one = ReferenceTo(ns, R"(All.Id="short",When="20200101120000.000000+060")");
+  AddInstance(ns, "Link",
+              {{"From", one}, {"Far", ReferenceTo(other, "Far.Id=\"7\"")}, {"To", one}});
+  AddClass(ns, "Chain", {{"Link", NullReference(ns, "Link")}});
+  const auto link =
+      AddInstance(ns, "Chain", {{"Link", [&] {
+                                   TCIMReference path(ns, {});
+                                   path.SetClassName("Link");
+                                   path.AddKeyValue("From", one);
+                                   path.AddKeyValue("Far", ReferenceTo(other, "Far.Id=\"7\""));
+                                   return TCIMValue(path);
+                                 }()}});
+  return ns;
+}
+
+TEST(Image, GivesTheSameNamespace) {
+  std::vector<TNamespace> namespaces = {MakeFilled(200000)};
+  for (const std::string& name : NamesIn(QDX_EVERYTHING)) {
+    namespaces.push_back(Read(QDX_EVERYTHING, name));
+  }
+  for (const TNamespace& ns : namespaces) {
+    const TWritten written = WriteImage(*ns);
+    EXPECT_EQ(written.fWarnings, TNames{});
+    const TImage image = ReadImage(written.fBytes, ns->GetName({}), 100000);
+    EXPECT_EQ(image.fWarnings, TNames{});
+    EXPECT_EQ(Written({image.fNamespace}), Written({ns}));
+    EXPECT_EQ(WriteImage(*image.fNamespace).fBytes, written.fBytes);
+  }
+}
+
+TEST(Image, TellsWhatItLeavesOutAndWhatItReplaces) {
+  const TNamespace ns = MakeNamespace();
+  AddClass(ns, "A", {{"Id", ""}});
+  AddInstance(ns, "A", {{"Id", std::string("a\0\x1b\xff", 4)}});
+  AddInstance(ns, "A", {{"Id", std::string("a\x1b\x1b\x1b", 4)}});
+  const TImage image = ReadImage(WriteImage(*ns).fBytes);
+  EXPECT_EQ(image.fWarnings, (TNames{"1 instances with the keys of another one were left out",
+                                     "6 characters that a document cannot hold were replaced"}));
+}
+
+/// Returns the status, or kQDXStatusOK for a namespace, which must be whole.
+EQDXStatusCode TryToRead(const std::string& bytes, std::size_t memory = kMemory) {
+  try {
+    (void)WriteImage(*ReadImage(bytes, "test", bytes.size(), memory).fNamespace);
+    return kQDXStatusOK;
+  } catch (const TQDXException& failure) {
+    return failure.GetStatusCode();
+  }
+}
+
+TEST(Image, IsRefusedIfItIsCutOrTooLarge) {
+  const std::string bytes = WriteImage(*MakeFilled()).fBytes;
+  for (std::size_t size = 0; size<bytes.size(); size += size> 2000 ? 97 : 1) {
+    EXPECT_EQ(TryToRead(bytes.substr(0, size)), kQDXStatusInvalidPlugin) << size;
+  }
+  EXPECT_EQ(TryToRead(bytes + "\1"), kQDXStatusInvalidPlugin);
+  EXPECT_EQ(TryToRead(bytes, 10000), kQDXStatusInvalidPlugin);
+  // A length of 100 MB without the bytes needs no memory.
+  EXPECT_EQ(TryToRead(std::string("qdx image 1\n\1\x80\x80\x80\x30")), kQDXStatusInvalidPlugin);
+}
+
+TEST(Image, IsReadWithAnyByteChanged) {
+  const std::string bytes = WriteImage(*MakeFilled()).fBytes;
+  std::size_t refused = 0;
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    std::string changed = bytes;
+    changed[i] = static_cast<char>(changed[i] ^ (i % 3 == 0 ? 0x80 : 1));
+    refused += TryToRead(changed) != kQDXStatusOK ? 1 : 0;
+  }
+  EXPECT_GT(refused, bytes.size() / 3);
+}
+
+}  // namespace
+}  // namespace NVORNQDX20
