@@ -8,6 +8,7 @@
 #include <qdxcore/status.h>
 
 #include <string>
+#include <string_view>
 
 namespace NVORNQDX20::NRepository {
 
@@ -29,6 +30,10 @@ TExplainedException NotFound(const IDescribed& owner, const char* kind, const st
 TExplainedException Taken(const std::string& description);
 /// kQDXStatusInvalidOpSequence
 TExplainedException CommittedAlready(const std::string& description);
+
+/// Throws kQDXStatusInvalidCIMName unless the text is a CIM identifier: a letter, an underscore or
+/// a non-ASCII character, then also digits (DMTF DSP0004, naming). Does not depend on the locale.
+void RequireCIMName(std::string_view name);
 
 }  // namespace NVORNQDX20::NRepository
 

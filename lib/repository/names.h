@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The syntax of CIM names, and a table of named elements.
+/// A table of named elements.
 #ifndef LIB_REPOSITORY_NAMES_H_
 #define LIB_REPOSITORY_NAMES_H_
 
@@ -14,12 +14,6 @@
 #include "hash_index.h"
 
 namespace NVORNQDX20::NRepository {
-
-/// Returns whether the text is a CIM identifier: a letter, an underscore or a non-ASCII character,
-/// then also digits (DMTF DSP0004, naming). Does not depend on the locale.
-bool IsCIMName(std::string_view name);
-/// Throws kQDXStatusInvalidCIMName if the name is not a CIM identifier.
-void RequireCIMName(std::string_view name);
 
 /// Elements in the order in which they were added, with a look-up by GetName(). Does not own them;
 /// they must outlive the table.

@@ -200,6 +200,22 @@ TEST(CIMValueSwap, ExchangesAllOfEveryPair) {
   }
 }
 
+TEST(CIMValue, LendsTextsAndReferencesOnly) {
+  const boost::shared_ptr<ICIMNamespace> ns = MakeRepositoryNamespace("test");
+  TCIMReference reference(ns, {});
+  reference.SetClass(ns->CreateClass("T_One", nullptr, {}));
+  const TCIMValue text("a"), path(reference);
+  ASSERT_NE(text.FindString(), nullptr);
+  EXPECT_EQ(*text.FindString(), "a");
+  ASSERT_NE(path.FindReference(), nullptr);
+  EXPECT_TRUE(*path.FindReference() == reference);
+  for (const TCIMValue& other :
+       {Null(kString), Null(kReference), TCIMValue(1), TCIMValue(kString, 1, {text})}) {
+    EXPECT_EQ(other.FindString(), nullptr);
+    EXPECT_EQ(other.FindReference(), nullptr);
+  }
+}
+
 TEST(CIMValueReferencedClass, StaysWhereCopiesLeaveIt) {
   const boost::shared_ptr<ICIMNamespace> ns = MakeRepositoryNamespace("test");
   const auto one = ns->CreateClass("T_One", nullptr, {}),

@@ -2,6 +2,7 @@
 #include <qdxrepository/repository.h>
 
 #include <qdxcore/reference.h>
+#include <qdxcore/values.h>
 
 #include "support/class_builder.h"
 #include "support/expect_status.h"
@@ -70,6 +71,45 @@ TEST(Repository, ComparesKeysWhereTheHashesAreTheSame) {
   const TNamespace ns = MakeFilled();
   const double nan = std::numeric_limits<double>::quiet_NaN();  // never equal to itself
   for (int i = 0; i < 2; ++i) EXPECT_NO_THROW(AddInstance(ns, "T_Disk", {{"Rate", nan}}));
+}
+
+TEST(Repository, KeepsTheAddressesOfValuesThatWereRead) {
+  const TNamespace ns = MakeFilled();
+  const TCIMReference path(ns, R"(T_Disk.Id="1",Rate="-0",Seen="20200101110000.000000+000")", {});
+  const auto disk = path.GetClass()->GetInstance(path, {});
+  std::vector<std::pair<const TCIMValue*, TCIMValue>> read;
+  for (const char* name : {"Id", "Seen", "Rate", "Names", "Id"}) {
+    const TCIMValue& value = disk->GetProperty(name, {})->GetValue();
+    read.emplace_back(&value, value);
+  }
+  EXPECT_EQ(read.front().first, read.back().first);
+  for (const auto& [address, value] : read) EXPECT_EQ(*address, value);
+  // A key that was read is still the same key.
+  EXPECT_EQ(path.GetClass()->GetInstance(path, {}), disk);
+}
+
+TEST(Repository, ReadsTheSameValuesByPosition) {
+  const TNamespace ns = MakeFilled();
+  for (const char* name : {"T_Disk", "T_FastDisk", "T_Link", "T_Chain"}) {
+    const auto cimClass = ns->GetClass(name, {});
+    std::vector<boost::shared_ptr<ICIMInstance>> instances;
+    cimClass->EnumerateInstances(TAddToVectorCallback(instances), false, {});
+    ASSERT_FALSE(instances.empty());
+    const auto& quick = dynamic_cast<const IValuesOfInstance&>(*instances.front());
+    for (int pass = 0; pass < 2; ++pass) {  // the second time after they were read by name
+      std::size_t position = 0;
+      cimClass->EnumeratePropertyDecls(
+          [&](const auto& decl) {
+            int calls = 0;
+            TCIMValue value;
+            quick.ReadValue(position++, [&](const TCIMValue& each) { value = each, ++calls; });
+            EXPECT_EQ(value, instances.front()->GetProperty(decl->GetName(), {})->GetValue());
+            EXPECT_EQ(calls, 1);
+            return true;
+          },
+          {});
+    }
+  }
 }
 
 TEST(Repository, AnswersTheClosestStaticValueOrTheDefault) {
