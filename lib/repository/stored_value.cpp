@@ -74,7 +74,8 @@ struct TStoredValue::TLongText {
   char fText[sizeof(std::size_t)];  // as many as the size says
 };
 
-TStoredValue::TStoredValue(const TCIMValue& value, const TClass& user) {
+// Delegates, so that a key that fails leaves no memory behind: this object is complete by then.
+TStoredValue::TStoredValue(const TCIMValue& value, const TClass& user) : TStoredValue() {
   const TType type = value.GetType();
   if (const std::string* const text = value.FindString()) {
     *this = Text(*text);
