@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What workers send. Messages: what is taken from a packet has the size that is allowed, and is
-// written as the same packet. Images: any bytes give a namespace or a TQDXException, and a namespace
-// that was read is written as an image that reads and writes the same.
+// written as the same packet. Images: any bytes give a namespace or a TQDXException, and a
+// namespace that was read is written as an image that reads and writes the same.
 #include <qdxcore/status.h>
 #include <qdxplugin_host/image.h>
 #include <qdxplugin_host/message.h>
@@ -41,12 +41,13 @@ void CheckMessage(const std::string& packet) {
 }
 
 void CheckImage(const std::string& bytes) {
-  std::string written;
+  TImage image;
   try {
-    written = Written(Read(bytes));
+    image = Read(bytes);
   } catch (const TQDXException&) {
     return;
   }
+  const std::string written = Written(image);
   Require(Written(Read(written)) == written);
 }
 

@@ -243,7 +243,7 @@ class TFiles::TRoot {
       }
       if (S_ISREG(status.st_mode)) {
         TDescriptor file(::openat(place.fFolder, place.fName, flags | O_NOFOLLOW | O_CLOEXEC));
-        obstacle = file.IsOpen() ? TReason() : ReasonOf(file.GetError());
+        obstacle = ObstacleTo(file);
         size = static_cast<std::size_t>(status.st_size);
         return file;
       }

@@ -22,10 +22,11 @@ enum EImageRecord : std::uint8_t {
   kOtherNamespace,  ///< Name.
   kQualifierDecl,   ///< Name, value, scope, flavor.
   /// Namespace; name; superclass + 1, or 0; qualifiers; the own properties: name, value,
-  /// qualifiers; methods: name, type, qualifiers, parameters: name, type, qualifiers; static
-  /// values: property, value. Lists begin with their lengths. A property has the position of the
-  /// overridden one, else the next free one.
+  /// qualifiers; methods: name, type, qualifiers, parameters: name, type, qualifiers.
+  /// Lists begin with their lengths. A property has the position of the overridden one, else the
+  /// next free one.
   kClass,
+  kStaticValue,  ///< Class, property, content.
   /// Class; the positions of the properties whose values its next instances have.
   kInstancesOf,
   kInstance,  ///< The contents.

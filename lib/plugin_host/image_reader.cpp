@@ -30,6 +30,7 @@ constexpr std::size_t kMemberBytes = 64;
 constexpr std::size_t kElementBytes = 512;  // a declaration of a property, method or qualifier
 constexpr std::size_t kInstanceBytes = 128;
 constexpr std::size_t kStoredBytes = 16;
+constexpr std::size_t kBoxedBytes = 128;  // of a value that does not fit in these
 constexpr std::size_t kReferenceBytes = 128;
 
 class TImageReader {
@@ -76,6 +77,9 @@ class TImageReader {
         return true;
       case kClass:
         ReadClass();
+        return true;
+      case kStaticValue:
+        ReadStaticValue();
         return true;
       case kInstancesOf:
         ReadInstancesOf();
@@ -131,10 +135,13 @@ class TImageReader {
     });
     cimClass.Commit({});
     ReadMembers(fClasses.back());
-    ForEach([&] {
-      const auto& decl = Element(fClasses.back().fMembers);
-      cimClass.SetStaticPropertyValue(decl->GetName(), ReadContent(decl->GetType()), {});
-    });
+  }
+
+  void ReadStaticValue() {
+    TReadClass& read = Element(fClasses);
+    fInput.Hold(kElementBytes);
+    const auto& decl = Element(read.fMembers);
+    read.fClass->SetStaticPropertyValue(decl->GetName(), ReadContent(decl->GetType()), {});
   }
 
   void ReadMembers(TReadClass& read) {
@@ -205,6 +212,7 @@ class TImageReader {
       (void)fInput.Byte();
       (void)instances.SetNumber(position, ReadNative(type));
     } else {
+      fInput.Hold(kBoxedBytes);
       (void)instances.Set(position, ReadContent(type));
     }
   }
@@ -275,7 +283,11 @@ class TImageReader {
   }
 
   TCIMValue ReadScalar(TType type) {
-    if (type == TType::kCIMTypeString) return TCIMValue(fInput.Text());
+    if (type == TType::kCIMTypeString) {
+      const std::string_view text = fInput.TextView();
+      fInput.Hold(text.size());  // what holds it is copied
+      return TCIMValue(std::string(text));
+    }
     if (type == TType::kCIMTypeDateTime) return ReadTime();
     if (type == TType::kCIMTypeReference) return ReadReference();
     return NModel::VisitType(type, [&](auto native) -> TCIMValue {

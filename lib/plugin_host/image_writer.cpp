@@ -75,6 +75,11 @@ struct TLosses {
   }
 };
 
+/// Whether the content of a value is one, neither null nor left out.
+bool IsPresent(const std::string& out, std::size_t content) {
+  return static_cast<std::uint8_t>(out[content]) == kPresent;
+}
+
 struct TMember {
   std::string fName;
   TType fType;
@@ -113,7 +118,11 @@ class TImageWriter {
       for (const TClass& each : NModel::WithSubclasses(root)) (void)NumberOf(each);
     }
     // A reference to a class that is not enumerated adds it.
-    for (std::size_t i = 0; i < fOwnClasses.size(); ++i) WriteInstances(TClass(fOwnClasses[i]));
+    for (std::size_t i = 0; i < fOwnClasses.size(); ++i) {
+      const TClass cimClass = fOwnClasses[i];
+      WriteStaticValues(*cimClass);
+      WriteInstances(cimClass);
+    }
     fOut += static_cast<char>(kEnd);
     Flush();
     std::vector<std::string> warnings;
@@ -182,13 +191,26 @@ class TImageWriter {
 
   std::uint64_t NumberOf(const TClass& cimClass) { return *Written(cimClass).fNumber; }
 
+  /// Returns null if this namespace has no such class, or does not tell.
+  TClass FindClass(const std::string& name) const {
+    try {
+      return fNamespace.GetClass(name, {});
+    } catch (const TQDXException& failure) {
+      if (failure.GetStatusCode() == kQDXStatusOutOfMemory) throw;
+      return nullptr;
+    }
+  }
+
   /// Returns the class after writing it if it is not written yet, with all that it needs before it.
-  const TWrittenClass& Written(const TClass& cimClass) {
-    const std::string& name = cimClass->GetName({});
+  const TWrittenClass& Written(const TClass& named) {
+    const std::string name = named->GetName({});
     const auto [found, isNew] = fClasses[0].emplace(name, nullptr);
     if (isNew) found->second = std::make_unique<TWrittenClass>();
     TWrittenClass& written = *found->second;
     if (written.fNumber) return written;
+    // A class of another namespace can have the same name.
+    const TClass own = isNew ? FindClass(name) : nullptr;
+    const TClass cimClass = own ? own : named;
     if (!isNew) {
       throw TExplainedException(kQDXStatusInvalidReference,
                                 "class " + name + " needs class " + fDeclaring.back() +
@@ -211,9 +233,17 @@ class TImageWriter {
       written.Add({decl->GetName(), decl->GetType(), isKey});
     }
     // Twice: the first time writes what the class needs, which takes numbers before its own.
-    (void)RecordOf(*cimClass, superclass, written, 0);
+    const TLosses mistyped = fMistyped;
+    const TLosses unreachable = fUnreachable;
+    (void)RecordOf(*cimClass, superclass, 0);
+    fMistyped = mistyped;
+    fUnreachable = unreachable;
     const std::uint64_t number = fClassCount++;
-    Append(RecordOf(*cimClass, superclass, written, number));
+    Append(RecordOf(*cimClass, superclass, number));
+    if (fClassCount != number + 1) {
+      throw TExplainedException(kQDXStatusInvalidClass,
+                                "class " + name + " changes while it is read");
+    }
     written.fNumber = number;
     fOwnClasses.push_back(cimClass);
     fDeclaring.pop_back();
@@ -221,7 +251,7 @@ class TImageWriter {
   }
 
   std::string RecordOf(const ICIMClass& cimClass, const TClass& superclass,
-                       const TWrittenClass& written, std::uint64_t ownNumber) {
+                       std::uint64_t ownNumber) {
     fOwnNumber = ownNumber;
     std::string record(1, static_cast<char>(kClass));
     PutNumber(record, 0);
@@ -231,12 +261,19 @@ class TImageWriter {
     const auto decls = NModel::OwnPropertyDeclsOf(cimClass);
     PutNumber(record, decls.size());
     for (const auto& decl : decls) {
+      const TCIMValue& value = decl->GetDefaultValue();
       PutText(record, decl->GetName());
-      PutValue(record, decl->GetDefaultValue(), decl->GetName());
+      if (value.IsNull() && value.IsReference() && !value.GetReferencedClass()) {
+        // It has to name a class, whichever.
+        PutNumber(record, value.GetType());
+        record += static_cast<char>(kNullReference);
+        PutNumber(record, ownNumber + 1);
+      } else {
+        PutValue(record, value, decl->GetName());
+      }
       PutQualifiers(record, *decl);
     }
     PutMethods(record, cimClass);
-    PutStaticValues(record, cimClass, written);
     return record;
   }
 
@@ -271,16 +308,18 @@ class TImageWriter {
     }
   }
 
-  void PutStaticValues(std::string& record, const ICIMClass& cimClass,
-                       const TWrittenClass& written) {
+  void WriteStaticValues(const ICIMClass& cimClass) {
+    const TWrittenClass& written = *fClasses[0].at(cimClass.GetName({}));
     std::vector<boost::shared_ptr<ICIMProperty>> values;
     cimClass.EnumerateStaticProperties(TAddToVectorCallback(values), {});
-    PutNumber(record, values.size());
     for (const auto& value : values) {
       const std::string& name = value->GetDecl()->GetName();
       const std::size_t position = written.fPositions.at(name);
+      std::string record(1, static_cast<char>(kStaticValue));
+      PutNumber(record, *written.fNumber);
       PutNumber(record, position);
       PutContent(record, value->GetValue(), written.fMembers[position].fType, name);
+      Append(record);
     }
   }
 
@@ -293,11 +332,12 @@ class TImageWriter {
     }
     TWrittenClass& written =
         *fClasses[ns].emplace(name, std::make_unique<TWrittenClass>()).first->second;
-    // Of a class in another namespace only the keys, and what is used as one.
+    // Of the references of a class in another namespace only the keys, and what is used as one.
     std::vector<std::pair<TMember, TCIMValue>> properties;
     const auto& bindings = reference.GetKeyBindings();
     for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
-      if (!isKey && bindings.count(decl->GetName()) == 0) continue;
+      const bool isReference = NModel::ElementType(decl->GetType()) == TType::kCIMTypeReference;
+      if (isReference && !isKey && bindings.count(decl->GetName()) == 0) continue;
       written.Add({decl->GetName(), decl->GetType(), isKey});
       properties.emplace_back(written.fMembers.back(), decl->GetDefaultValue());
     }
@@ -322,7 +362,6 @@ class TImageWriter {
     PutNumber(record, 0);
     PutNumber(record, properties.size());
     record += list;
-    PutNumber(record, 0);
     PutNumber(record, 0);
     Append(record);
     written.fNumber = fClassCount++;
@@ -378,20 +417,11 @@ class TImageWriter {
   /// A class does not tell its namespace: one that this namespace has not is of another one.
   std::uint64_t NumberOfReferenced(const TClass& target) {
     if (IsBeingDeclared(*target)) return fOwnNumber;
-    if (HasClass(target->GetName({}))) return NumberOf(target);
+    const std::string& name = target->GetName({});
+    if (fClasses[0].count(name) != 0 || FindClass(name)) return NumberOf(target);
     const TWrittenClass* const other =
         Written(NumberOf(std::string()), TCIMReferenceImpl(fNoReference, nullptr, {}), *target);
     return other != nullptr ? *other->fNumber : NumberOf(target);
-  }
-
-  bool HasClass(const std::string& name) const {
-    if (fClasses[0].count(name) != 0) return true;
-    try {
-      return fNamespace.GetClass(name, {}) != nullptr;
-    } catch (const TQDXException& failure) {
-      if (failure.GetStatusCode() != kQDXStatusNotFound) throw;
-      return false;
-    }
   }
 
   /// A class may refer to itself before it is declared.
@@ -406,6 +436,11 @@ class TImageWriter {
     const TClass cimClass = reference.GetClass();
     const bool isOwn =
         !ns || ns.get() == &fNamespace || NModel::EqualIgnoringCase(ns->GetName({}), fName);
+    if (isOwn && IsBeingDeclared(*cimClass) && reference.GetKeyBindings().empty()) {
+      out += static_cast<char>(kPresent);
+      PutNumber(out, fOwnNumber);
+      return PutNumber(out, 0);
+    }
     const TWrittenClass* const target =
         isOwn ? &Written(cimClass) : Written(NumberOf(ns->GetName({})), reference, *cimClass);
     std::string keys;
@@ -416,11 +451,14 @@ class TImageWriter {
       isReachable = isReachable && found != target->fPositions.end();
       if (!isReachable) break;
       PutNumber(keys, found->second);
+      const std::size_t content = keys.size();
       PutContent(keys, key, target->fMembers[found->second].fType, where);
+      isReachable = IsNull(key) || IsPresent(keys, content);
     }
     --fReferenceDepth;
     out += static_cast<char>(isReachable ? kPresent : kNull);
-    if (!isReachable) return fUnreachable.Add(where);
+    if (!isReachable && fReferenceDepth == 0) fUnreachable.Add(where);
+    if (!isReachable) return;
     PutNumber(out, *target->fNumber);
     PutNumber(out, reference.GetKeyBindings().size());
     out += keys;
@@ -444,10 +482,11 @@ class TImageWriter {
       bool isNamed = true;
       for (std::size_t i = 0; i < properties.size(); ++i) {
         const auto& property = properties[i];
+        const std::size_t content = record.size();
         reader.Read(i, [&](const TCIMValue& value) {
-          isNamed = isNamed && (!property.fIsKey || !IsNull(value));
           PutContent(record, value, property.fType, property.fName);
         });
+        isNamed = isNamed && (!property.fIsKey || IsPresent(record, content));
       }
       if (isNamed) {
         Append(record);

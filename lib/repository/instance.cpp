@@ -25,13 +25,16 @@ void TInstance::Commit(TOptionsMap) {
 bool TInstance::CommitIfNew() {
   if (fIsCommitted) throw CommittedAlready(Description());
   for (const std::size_t slot : fClass.GetKeySlots()) {
-    TStoredValue& key = fValues[slot];
-    // Store a key that comes from a static or default value, so that it does not change with it.
-    if (!key.IsSet()) key = TStoredValue(fClass.InitialValueAt(slot), fClass);
-    if (key.IsNull()) {
+    const TStoredValue& key = fValues[slot];
+    if (key.IsSet() ? key.IsNull() : fClass.InitialValueAt(slot).IsNull()) {
       throw TExplainedException(kQDXStatusInvalidInstance,
                                 "an instance lacks its key, " + DeclAt(slot).Description());
     }
+  }
+  for (const std::size_t slot : fClass.GetKeySlots()) {
+    // Store a key that comes from a static or default value, so that it does not change with it.
+    TStoredValue& key = fValues[slot];
+    if (!key.IsSet()) key = TStoredValue(fClass.InitialValueAt(slot), fClass);
   }
   fIsCommitted = fClass.AddInstance(shared_from_this());
   return fIsCommitted;

@@ -132,6 +132,8 @@ void TStoredValue::AddKey(std::size_t slot, TStoredValue&& value) {
   auto& keys = reference.fKeys;
   auto place = keys.end();
   while (place != keys.begin() && reference.NameOf(*std::prev(place)) > name) --place;
+  // Names in another case are the same key, and the first one counts.
+  if (place != keys.begin() && std::prev(place)->fSlot == slot) return;
   keys.insert(place, {slot, std::move(value)});
 }
 

@@ -59,7 +59,7 @@ class TStoredValue {
   /// A reference without keys to a class of the namespace; AddKey() adds its keys.
   static TStoredValue Reference(TClass& cimClass);
 
-  /// REQUIRES: this is a Reference(), to which no key of this slot was added.
+  /// A key that was added before keeps its value. REQUIRES: this is a Reference().
   void AddKey(std::size_t slot, TStoredValue&& value);
 
   bool IsSet() const noexcept { return fKind != kUnset; }

@@ -89,6 +89,17 @@ TNamespace MakeFilled(std::size_t longest = 20) {
                                    path.AddKeyValue("Far", ReferenceTo(other, "Far.Id=\"7\""));
                                    return TCIMValue(path);
                                  }()}});
+  // The class has the name of one in the other namespace, and values that refer to itself.
+  AddClass(other, "Self", {{"Far", 0U}});
+  AddClass(ns, "Before", {{"Id", ""}}, {{"Other", NullReference(other, "Self")}});
+  const auto self = ns->CreateClass("Self", nullptr, {});
+  TCIMReference toSelf(ns, {});
+  toSelf.SetClass(self);
+  Qualify(ns, self->CreatePropertyDecl("Id", "", {}), "Key", true)->Commit();
+  self->CreatePropertyDecl("Class", TCIMValue(toSelf), {})->Commit();
+  self->Commit({});
+  AddInstance(ns, "Self", {{"Id", "own"}});
+  self->SetStaticPropertyValue("Class", ReferenceTo(ns, "Self.Id=\"own\""), {});
   return ns;
 }
 
@@ -117,14 +128,40 @@ TEST(Image, TellsWhatItLeavesOutAndWhatItReplaces) {
                                      "6 characters that a document cannot hold were replaced"}));
 }
 
+TEST(Image, LeavesOutInstancesWhoseKeysItCannotHold) {
+  const TNamespace ns = MakeNamespace();
+  const auto cimClass = ns->CreateClass("A", nullptr, {});
+  TCIMValue null(TCIMType::kCIMTypeReference, 0);
+  null.SetReferencedClass(cimClass);
+  Qualify(ns, cimClass->CreatePropertyDecl("Id", null, {}), "Key", true)->Commit();
+  cimClass->Commit({});
+  TCIMReference deep(ns, {});
+  deep.SetClassName("A");
+  for (int i = 0; i < 150; ++i) {
+    TCIMReference inner(deep);
+    deep.Clear();
+    deep.SetNamespace(ns);
+    deep.SetClassName("A");
+    deep.AddKeyValue("Id", TCIMValue(inner));
+    if (i % 50 == 0) AddInstance(ns, "A", {{"Id", TCIMValue(deep)}});
+  }
+  const TWritten written = WriteImage(*ns);
+  EXPECT_EQ(written.fWarnings,
+            (TNames{"1 instances that lack a key were left out, the first: A",
+                    "1 references that cannot be followed were left out, the first: Id"}));
+  EXPECT_EQ(ReadImage(written.fBytes).fWarnings, TNames{});
+}
+
 /// Returns the status, or kQDXStatusOK for a namespace, which must be whole.
 EQDXStatusCode TryToRead(const std::string& bytes, std::size_t memory = kMemory) {
+  TImage image;
   try {
-    (void)WriteImage(*ReadImage(bytes, "test", bytes.size(), memory).fNamespace);
-    return kQDXStatusOK;
+    image = ReadImage(bytes, "test", bytes.size(), memory);
   } catch (const TQDXException& failure) {
     return failure.GetStatusCode();
   }
+  EXPECT_FALSE(WriteImage(*image.fNamespace).fBytes.empty());
+  return kQDXStatusOK;
 }
 
 TEST(Image, IsRefusedIfItIsCutOrTooLarge) {

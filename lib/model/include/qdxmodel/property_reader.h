@@ -25,7 +25,7 @@ class TPropertyReader {
   };
 
   /// The class must outlive the reader.
-  explicit TPropertyReader(const ICIMClass& cimClass) {
+  explicit TPropertyReader(const ICIMClass& cimClass) : fClass(&cimClass) {
     TNameMap<std::size_t> indexes;
     cimClass.EnumeratePropertyDecls(
         [&indexes, index = std::size_t{0}](const auto& decl) mutable {
@@ -55,6 +55,9 @@ class TPropertyReader {
   void Begin(const ICIMInstance& instance) {
     fInstance = &instance;
     fQuick = dynamic_cast<const IValuesOfInstance*>(&instance);
+    // A provider that passes on the instances of another one may declare its class in another
+    // order.
+    if (fQuick != nullptr && instance.GetClass({}).get() != fClass) fQuick = nullptr;
   }
 
   /// Calls `visit(const TCIMValue&)` with the value of a property of GetProperties(), which is
@@ -71,6 +74,7 @@ class TPropertyReader {
  private:
   static constexpr std::size_t kNotEnumerated = static_cast<std::size_t>(-1);
 
+  const ICIMClass* fClass;
   std::vector<TProperty> fProperties;
   std::vector<std::size_t> fIndexes;
   const ICIMInstance* fInstance = nullptr;

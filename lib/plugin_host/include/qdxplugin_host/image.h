@@ -32,8 +32,9 @@ struct TImage {
 };
 
 /// Reads an image as a namespace of this name. `read` puts up to so many bytes there, and returns
-/// how many, 0 at the end. Throws kQDXStatusInvalidPlugin for bytes that WriteImage() cannot have
-/// written, and for an image that needs more than `maxMemory` bytes.
+/// how many, 0 at the end. Throws kQDXStatusInvalidPlugin for bytes that are no image, and for an
+/// image that needs more than about `maxMemory` bytes; and what the repository throws for objects
+/// that cannot be, such as a class with a bad name.
 TImage ReadImage(const std::string& name,
                  const std::function<std::size_t(char*, std::size_t)>& read, std::size_t maxMemory);
 
