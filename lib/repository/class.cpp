@@ -4,6 +4,7 @@
 #include <qdxcore/reference.h>
 #include <qdxcore/status.h>
 #include <qdxmodel/type.h>
+#include <qdxrepository/repository.h>
 
 #include <algorithm>
 #include <utility>
@@ -254,4 +255,24 @@ std::vector<const TClass*> TClass::WithDescendants() const {
   return classes;
 }
 
+void TClass::SetReferenceDefault(const std::string& name, const TCIMValue& value) {
+  TPropertyDecl& decl = DeclAt(SlotOf(name));
+  if (&decl.GetOwner() != this) throw NotFound(*this, "own property", name);
+  RequireType(value.GetType(), decl.GetType(), decl);
+  decl.SetReferenceDefault(value);
+}
+
 }  // namespace NVORNQDX20::NRepository
+
+namespace NVORNQDX20 {
+
+void SetReferenceDefault(ICIMClass& cimClass, const std::string& property, const TCIMValue& value) {
+  auto* const own = dynamic_cast<NRepository::TClass*>(&cimClass);
+  if (own == nullptr) {
+    throw TExplainedException(kQDXStatusInvalidClass,
+                              "class " + cimClass.GetName({}) + " is not of this kind");
+  }
+  own->SetReferenceDefault(property, value);
+}
+
+}  // namespace NVORNQDX20

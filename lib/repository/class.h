@@ -80,6 +80,7 @@ class TClass final : public ICIMClass,
   boost::shared_ptr<TClass> Handle() const;
 
   void AddProperty(TPropertyDecl& decl);
+  void SetReferenceDefault(const std::string& name, const TCIMValue& value);
   /// Makes room, so that AddSubclass() cannot fail.
   void ReserveSubclass() { ReserveOne(fSubclasses); }
   void AddSubclass(TClass& subclass) { fSubclasses.push_back(&subclass); }

@@ -16,10 +16,20 @@ TPropertyDecl::TPropertyDecl(TClass& owner, const std::string& name, const TCIMV
       fDefaultValue(WeakCopy(defaultValue, owner)),
       fQualifiers(*this, owner, overridden == nullptr ? nullptr : &overridden->fQualifiers) {
   RequireCIMName(name);
-  if (fDefaultValue.IsReference() && !fDefaultValue.GetReferencedClass()) {
+  RequireReferencedClass(fDefaultValue);
+}
+
+void TPropertyDecl::RequireReferencedClass(const TCIMValue& value) const {
+  if (value.IsReference() && !value.GetReferencedClass()) {
     throw TExplainedException(kQDXStatusInvalidReference,
                               Description() + " does not say which class it refers to");
   }
+}
+
+void TPropertyDecl::SetReferenceDefault(const TCIMValue& value) {
+  RequireReferencedClass(value);
+  Replace(fDefaultValue, WeakCopy(value, GetOwner()));
+  fHold.reset();
 }
 
 boost::shared_ptr<ICIMQualifier> TPropertyDecl::AddQualifier(

@@ -39,8 +39,11 @@ class TPropertyDecl final : public ICIMPropertyDecl, public IDescribed {
   const TClass& GetOwner() const { return fQualifiers.GetOwner(); }
   bool IsKey() const { return fQualifiers.IsTrue("Key"); }
   boost::shared_ptr<TPropertyDecl> Handle();
+  void SetReferenceDefault(const TCIMValue& value);
 
  private:
+  void RequireReferencedClass(const TCIMValue& value) const;
+
   /// Shared by the holders of a declaration of type reference: its bound default value, which the
   /// declaration itself must not own.
   struct THold {
@@ -49,7 +52,7 @@ class TPropertyDecl final : public ICIMPropertyDecl, public IDescribed {
   };
 
   const std::string fName;
-  const TCIMValue fDefaultValue;
+  TCIMValue fDefaultValue;
   TQualifierSet fQualifiers;
   boost::weak_ptr<const THold> fHold;
 };

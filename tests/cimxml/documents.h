@@ -6,6 +6,8 @@
 #include <qdxcimxml/document_reader.h>
 #include <qdxcimxml/document_writer.h>
 
+#include <cstdio>
+
 #include "support/class_builder.h"
 #include "support/expect_status.h"
 #include "support/log_capture.h"
@@ -38,6 +40,20 @@ inline void Write(const std::string& file, const std::vector<TNamespace>& namesp
   writer.Close();
 }
 
+/// Returns "2:68 REASON" for the message "N cimxml: FILE: line 2, column 68: REASON", and what
+/// follows the file for others.
+inline std::string Placed(const std::string& message, const std::string& file) {
+  const std::size_t start = message.find(file + ": ");
+  if (start == std::string::npos) return message;
+  const std::string rest = message.substr(start + file.size() + 2);
+  unsigned int line = 0, column = 0;
+  int end = 0;
+  std::sscanf(rest.c_str(), "line %u, column %u:%n", &line, &column, &end);
+  if (end == 0) return rest;
+  return std::to_string(line) + ":" + std::to_string(column) +
+         rest.substr(static_cast<std::size_t>(end));
+}
+
 /// A document of its own in a folder of its own.
 struct TDocumentFile : public TTempDir {
   explicit TDocumentFile(const std::string& content) { Write("d.xml", content); }
@@ -55,6 +71,19 @@ inline std::string ReadAndWritten(const std::string& file) {
   std::vector<TNamespace> namespaces;
   for (const std::string& name : NamesIn(file)) namespaces.push_back(Read(file, name));
   return Written(namespaces);
+}
+
+/// Reads a document that is taken, perhaps not whole: one line for each warning, as Placed() has
+/// it.
+inline TNames WarningsOf(const std::string& content) {
+  const TDocumentFile file(content);
+  const TLogCapture log;
+  EXPECT_NO_THROW(NamesIn(file.Path())) << content.substr(0, 300);
+  TNames warnings;
+  for (const std::string& message : log.Messages()) {
+    warnings.push_back(Placed(message, file.Path()));
+  }
+  return warnings;
 }
 
 inline std::string Tag(const std::string& name, const std::string& attributes,

@@ -121,8 +121,9 @@ TEST(CIMXMLDocumentOfAnotherTool, MayContradictItself) {
   const std::string end = file.Path() + ", the first: ";
   EXPECT_EQ(log.Messages(),
             (TNames{"1 cimxml: 1 responses are errors in " + end + "error \"6\"",
-                    "1 cimxml: 1 instances with the keys of another one were left out of " + end +
-                        "line 2",
+                    "1 cimxml: " + file.Path() +
+                        ": line 2, column 1: instance C.Id=\"8\" is left out: another instance "
+                        "has the same keys",
                     "1 cimxml: 1 instances have another class or other keys than their names in " +
                         end + "line 1"}));
 }

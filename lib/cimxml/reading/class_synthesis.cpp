@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-// Declares classes that a document uses without declaring them.
-#include "object_readers.h"
-
+// Makes classes that a document uses without declaring them.
 #include <qdxmodel/names.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <optional>
 #include <utility>
 
-#include "document.h"
+#include "object_makers.h"
 #include "object_path.h"
 #include "value_reader.h"
 #include "xml/document_limits.h"
@@ -20,23 +21,26 @@ struct TProperty {
   TCIMType fType;
   /// The element that gives the class of a reference: a property or a VALUE.REFERENCE. Null for
   /// other types.
-  const TElement* fReference;
-  bool fIsKey;
-  bool fIsGuessed;  ///< The type was derived from the numbers seen so far.
+  const TElement* fReference = nullptr;
+  bool fIsGuessed = false;        ///< The type was derived from the numbers seen so far.
+  bool fIsInName = false;         ///< The name of an instance has it; without instances, a name.
+  std::size_t fInstances = 0;     ///< Instances that have it.
+  std::size_t fLastInstance = 0;  ///< The last of them, from 1.
 };
-
-/// A number without TYPE gets the largest type.
-TCIMType TypeOfNumber(const TElement& value) {
-  for (const TCIMType type :
-       {TCIMType::kCIMTypeUint64, TCIMType::kCIMTypeSint64, TCIMType::kCIMTypeReal64}) {
-    if (ReadLiteral(type, value.fText)) return type;
-  }
-  value.Refuse(Shown(value.fText) + " is no number");
-}
 
 bool IsGuessed(const TElement& value) {
   const std::string* const valueType = value.Find("VALUETYPE");
   return value.Find("TYPE") == nullptr && valueType != nullptr && *valueType == "numeric";
+}
+
+/// Returns what gives the class of a reference in a property: a property without value, or its
+/// VALUE.REFERENCE.
+TElement ClassSourceOf(const TElement& reference) {
+  const TElement* const value = reference.Child("VALUE.REFERENCE");
+  const bool isNamed = !IsProperty(reference) || reference.Find("REFERENCECLASS") != nullptr;
+  TElement source = isNamed || value == nullptr ? reference : *value;
+  if (IsProperty(source)) source.fChildren.clear();
+  return source;
 }
 
 /// Returns the type that holds both numbers.
@@ -46,103 +50,130 @@ TCIMType CommonType(TCIMType left, TCIMType right) {
   return isReal ? TCIMType::kCIMTypeReal64 : TCIMType::kCIMTypeSint64;
 }
 
-TCIMType TypeOfKey(const TElement& value) {
-  if (value.Is("VALUE.REFERENCE")) return TCIMType::kCIMTypeReference;
-  if (value.Find("TYPE") != nullptr) return TypeAttribute(value);
-  const std::string* const valueType = value.Find("VALUETYPE");
-  if (valueType == nullptr || *valueType == "string") return TCIMType::kCIMTypeString;
-  if (*valueType == "boolean") return TCIMType::kCIMTypeBoolean;
-  return TypeOfNumber(value);
-}
-
 class TSynthesis {
  public:
-  /// Adds the properties of an instance, then the keys of its name.
-  void AddUse(const TElement& usedBy) {
-    const TElement* const instance = usedBy.Is("INSTANCE") ? &usedBy : usedBy.Child("INSTANCE");
-    if (instance != nullptr) {
-      for (const TElement& child : instance->fChildren) {
-        if (!child.Is("QUALIFIER")) AddProperty(child);
-      }
+  /// Adds the properties of an instance, and the keys of its name.
+  void AddInstance(const TClassUse& use) {
+    ++fInstanceCount;
+    for (const TElement& child : FindInstance(*use.fElement)->fChildren) {
+      if (IsProperty(child)) AddProperty(use, child);
     }
-    const TElement* const name = usedBy.Is("INSTANCENAME") ? &usedBy : FindName(usedBy);
-    if (name != nullptr && instance != nullptr) AddKeys(*name);
-    if (name == &usedBy) AddKeys(usedBy);
+    const TElement* const name = FindName(*use.fElement);
+    if (name != nullptr) AddName(use, *name);
+  }
+
+  /// Adds the keys of a name; `use` may be an object with a name.
+  void AddName(const TClassUse& use, const TElement& name) {
+    for (const TKeyBinding& binding : KeyBindingsOf(name)) {
+      if (binding.fName.empty()) name.Refuse("a key without name, of a class without declaration");
+      if (!IsDeclared(use, binding.fName)) AddKey(binding, &name == use.fElement);
+    }
   }
 
   const std::vector<TProperty>& Properties() const { return fProperties; }
 
+  bool IsKey(const TProperty& property) const {
+    return property.fIsInName && property.fInstances == fInstanceCount && !IsArray(property.fType);
+  }
+
  private:
+  static bool IsDeclared(const TClassUse& use, const std::string& name) {
+    const TSubclass* declaring = use.fClass;
+    while (declaring != nullptr && declaring->fProperties.count(name) == 0) {
+      declaring = declaring->fParent;
+    }
+    return declaring != nullptr;
+  }
+
   TProperty& At(const std::string& name, TCIMType type) {
     const auto [found, isNew] = fPositions.emplace(name, fProperties.size());
-    if (isNew) fProperties.push_back({name, type, nullptr, false, false});
+    if (isNew) fProperties.push_back({name, type});
     return fProperties[found->second];
   }
 
-  void AddProperty(const TElement& element) {
-    TProperty& property = At(element.Get("NAME"), TypeOfProperty(element));
-    if (std::exchange(property.fIsGuessed, false)) property.fType = TypeOfProperty(element);
-    const bool tellsClass =
-        element.Find("REFERENCECLASS") != nullptr || element.Child("VALUE.REFERENCE") != nullptr;
-    if (tellsClass && property.fReference == nullptr) property.fReference = &element;
+  void CountInstance(TProperty& property) {
+    if (std::exchange(property.fLastInstance, fInstanceCount) != fInstanceCount) {
+      ++property.fInstances;
+    }
   }
 
-  void AddKeys(const TElement& name) {
-    for (const TKeyBinding& binding : KeyBindingsOf(name)) {
-      if (binding.fName.empty()) name.Refuse("a key without name, of a class without declaration");
-      const std::size_t known = fProperties.size();
-      const TCIMType type = TypeOfKey(*binding.fValue);
-      TProperty& property = At(binding.fName, type);
-      if (fProperties.size() != known) property.fIsGuessed = IsGuessed(*binding.fValue);
-      if (property.fIsGuessed) property.fType = CommonType(property.fType, type);
-      property.fIsKey = true;
-      if (property.fReference == nullptr) property.fReference = binding.fValue;
-    }
+  void AddProperty(const TClassUse& use, const TElement& element) {
+    const std::string& name = element.Get("NAME");
+    if (IsDeclared(use, name)) return;
+    TProperty& property = At(name, TypeOfProperty(element));
+    if (std::exchange(property.fIsGuessed, false)) property.fType = TypeOfProperty(element);
+    if (FindValueOf(element) != nullptr) CountInstance(property);
+    if (NamesClass(element) && property.fReference == nullptr) property.fReference = &element;
+  }
+
+  void AddKey(const TKeyBinding& binding, bool isReference) {
+    const std::size_t known = fProperties.size();
+    const TCIMType type = TypeOfKey(*binding.fValue);
+    TProperty& property = At(binding.fName, type);
+    if (fProperties.size() != known) property.fIsGuessed = IsGuessed(*binding.fValue);
+    if (property.fIsGuessed) property.fType = CommonType(property.fType, type);
+    const bool isReferenceKey = binding.fValue->Is("VALUE.REFERENCE");
+    if (isReferenceKey && property.fReference == nullptr) property.fReference = binding.fValue;
+    if (!isReference) CountInstance(property);
+    if (!isReference || fInstanceCount == 0) property.fIsInName = true;
   }
 
   std::vector<TProperty> fProperties;
   NModel::TNameMap<std::size_t> fPositions;
+  std::size_t fInstanceCount = 0;
 };
 
-boost::shared_ptr<ICIMClass> ReferencedClass(TNamespaceReader& ns, const TElement& reference) {
-  const std::string* const named = reference.Find("REFERENCECLASS");
-  if (named != nullptr) return ns.ClassNamed(*named, reference).fClass;
-  const bool isPath = reference.Is("VALUE.REFERENCE");
-  const TElement& path = isPath ? reference : *reference.Child("VALUE.REFERENCE");
-  const TElement& name = NameOf(path);
-  return ns.GetDocument().NamespaceOf(path, ns).ClassNamed(ClassNameOf(name), name).fClass;
+/// A use with a fault is reported when its own object is made; what precedes the fault counts.
+template <typename TWork>
+void IgnoringFaults(TWork&& work) {
+  try {
+    work();
+  } catch (const TDocumentError& error) {
+    if (error.fIsFatal) throw;
+  }
 }
 
-TCIMValue NullOf(TNamespaceReader& ns, const TProperty& property,
-                 const boost::shared_ptr<ICIMClass>& owner) {
-  TCIMValue null(property.fType, 0);
-  if (!null.IsReference()) return null;
-  // A reference of unknown class refers to its own class.
-  null.SetReferencedClass(
-      property.fReference == nullptr ? owner : ReferencedClass(ns, *property.fReference));
-  return null;
+TSynthesis Collected(const std::vector<TClassUse>& uses) {
+  TSynthesis synthesis;
+  for (const TClassUse& use : uses) {
+    if (FindInstance(*use.fElement) == nullptr) continue;
+    IgnoringFaults([&] { synthesis.AddInstance(use); });
+  }
+  for (const TClassUse& use : uses) {
+    if (FindInstance(*use.fElement) != nullptr) continue;
+    IgnoringFaults([&] { synthesis.AddName(use, *use.fElement); });
+  }
+  return synthesis;
 }
 
 }  // namespace
 
-boost::shared_ptr<ICIMClass> SynthesizeClass(TNamespaceReader& ns, const std::string& name,
-                                             const std::vector<const TElement*>& uses) {
-  TSynthesis synthesis;
-  for (const TElement* usedBy : uses) synthesis.AddUse(*usedBy);
+void MakeUndeclaredClass(TSpace& space, const std::string& name, const TElement& usedBy,
+                         const std::vector<TClassUse>& uses, bool mayHaveKeys) {
+  const TSynthesis synthesis = Collected(uses);
   if (synthesis.Properties().size() > kMaxMembers) {
-    uses.back()->Refuse("a class has more than " + std::to_string(kMaxMembers) + " members");
+    usedBy.Refuse("a class has more than " + std::to_string(kMaxMembers) + " members");
   }
-  return AsPartOf(*uses.back(), "class " + Shown(name), [&] {
-    auto created = ns.GetNamespace()->CreateClass(name, nullptr, {});
-    ns.GetState().fDeclaring.back().fClass.fClass = created;
+  AsPartOf(usedBy, [&] {
+    const auto created = space.GetNamespace()->CreateClass(name, nullptr, {});
+    std::vector<TUnresolved> unresolved;
     for (const TProperty& property : synthesis.Properties()) {
-      const auto decl =
-          created->CreatePropertyDecl(property.fName, NullOf(ns, property, created), {});
-      if (property.fIsKey) decl->AddQualifier(ns.KeyDecl(), true)->Commit();
+      TCIMValue null(property.fType, 0);
+      if (null.IsReference()) {
+        null.SetReferencedClass(created);
+        if (property.fReference != nullptr) {
+          unresolved.push_back({created, property.fName, ClassSourceOf(*property.fReference)});
+        }
+      }
+      const auto decl = created->CreatePropertyDecl(property.fName, null, {});
+      if (mayHaveKeys && synthesis.IsKey(property)) {
+        decl->AddQualifier(KeyDecl(space), true)->Commit();
+      }
       decl->Commit();
     }
     created->Commit({});
-    return created;
+    AddMadeClass(space, created, nullptr, usedBy);
+    for (TUnresolved& each : unresolved) space.Unresolved().push_back(std::move(each));
   });
 }
 

@@ -29,20 +29,21 @@ TElement* FindChild(TElement& object, std::string_view name) {
   return found == object.fChildren.end() ? nullptr : &*found;
 }
 
-std::string At(const TPosition& position) {
-  return ": line " + std::to_string(position.fLine) + ", column " +
-         std::to_string(position.fColumn);
-}
-
 }  // namespace
 
-void TDocument::BeginGroup(const TElement& group) {
-  fGroup = nullptr;
-  fHasObjectPaths = group.Is("DECLGROUP.WITHPATH");
-}
+void TDocument::BeginGroup(const TElement&) { fGroup = nullptr; }
 
 void TDocument::AddObject(TElement&& object, std::size_t bytes) {
-  fState.BeginObject(bytes);
+  fState.fMemory.BeginObject(bytes);
+  try {
+    Add(std::move(object), bytes);
+  } catch (const TDocumentError& error) {
+    if (error.fIsFatal) throw;
+    fState.LeaveOut("<" + std::string(object.fName) + ">", error);
+  }
+}
+
+void TDocument::Add(TElement&& object, std::size_t bytes) {
   fHasObjects = fHasObjects || !IsOneOf(object, {"ERROR", "PARAMVALUE"});
   if (IsOneOf(object, {"LOCALNAMESPACEPATH", "NAMESPACEPATH"})) {
     fGroup = &List(*NamespaceNameOf(object));
@@ -59,81 +60,82 @@ void TDocument::AddObject(TElement&& object, std::size_t bytes) {
   } else if (object.Is("ERROR")) {
     AddError(object);
   } else if (!object.Is("PARAMVALUE")) {  // the state of an enumeration
-    object.Refuse("<" + std::string(object.fName) + "> is no object of a namespace");
+    object.Refuse("it is no object of a namespace");
   }
-}
-
-void TDocument::EndGroup() {
-  if (!fHasObjectPaths) Group();
 }
 
 void TDocument::AddNamedObject(TElement&& object, std::size_t bytes) {
   const auto path = NamespaceNameOf(object);
-  TNamespaceReader& ns = path ? List(*path) : Group();
+  TNamespaceBuilder& builder = path ? List(*path) : Group();
   TElement* const cimClass = FindChild(object, "CLASS");
   if (cimClass != nullptr) {
-    ns.AddClass(std::move(*cimClass), bytes);
+    builder.AddClass(std::move(*cimClass), bytes);
   } else if (FindChild(object, "INSTANCE") != nullptr) {
-    ns.AddInstance(std::move(object), bytes);
+    builder.AddInstance(std::move(object), bytes);
   } else {
-    object.Refuse("<" + std::string(object.fName) + "> has neither class nor instance");
+    object.Refuse("it has neither class nor instance");
   }
 }
 
 /// An error response does not invalidate the other responses.
 void TDocument::AddError(const TElement& error) {
   const std::string* const description = error.Find("DESCRIPTION");
-  if (fErrors.GetCount() == 0) fFirstError = error.fPosition;
-  fErrors.Add("error " + Shown(error.Get("CODE")) +
-              (description == nullptr ? "" : ", " + Shown(*description)));
+  if (fState.fErrors.GetCount() == 0) fFirstError = error.fPosition;
+  fState.fErrors.Add("error " + Shown(error.Get("CODE")) +
+                     (description == nullptr ? "" : ", " + Shown(*description)));
 }
 
 void TDocument::Complete() {
-  if (fErrors.GetCount() != 0 && !fHasObjects) {
-    throw TDocumentError("a response with " + fErrors.GetFirst(), fFirstError);
+  if (fState.fErrors.GetCount() != 0 && !fHasObjects) {
+    throw TDocumentError("a response with " + fState.fErrors.GetFirst(), fFirstError);
   }
-  fState.fIsComplete = true;
-  for (TNamespaceReader* ns : fListed) ns->NoteReferences();
-  for (TNamespaceReader* ns : fListed) ns->BuildClasses();
-  for (TNamespaceReader* ns : fListed) ns->BuildInstances();
+  if (fListed.empty()) List(kDefaultNamespace);
+  // References may add namespaces while their uses are noted.
+  for (std::size_t i = 0; i < fBuilders.size(); ++i) fBuilders[i]->NoteUses();
+  for (TNamespaceBuilder* each : fBuilders) each->MakeClasses();
+  for (std::size_t i = 0; i < fBuilders.size(); ++i) fBuilders[i]->ResolveReferences();
+  for (std::size_t i = 0; i < fBuilders.size(); ++i) fBuilders[i]->MakeInstances();
 }
 
-TNamespaceReader& TDocument::NamespaceOf(const TElement& reference, TNamespaceReader& own) {
+TNamespaceBuilder& TDocument::BuilderOf(const TElement& reference, TNamespaceBuilder& own) {
+  const auto name = NamespaceNameOf(reference);
+  return name ? *Entry(*name).fBuilder : own;
+}
+
+TSpace& TDocument::SpaceOf(const TElement& reference, TSpace& own) {
   const auto name = NamespaceNameOf(reference);
   return name ? *Entry(*name).fBuilder : own;
 }
 
 TDocument::TEntry& TDocument::Entry(const std::string& name) {
   TEntry& entry = fNamespaces[name];
-  if (fNamespaces.size() > kMaxNamespaces)
-    throw TDocumentError("more than " + std::to_string(kMaxNamespaces) + " namespaces");
-  if (!entry.fBuilder) entry.fBuilder = std::make_unique<TNamespaceReader>(*this, fState, name);
+  if (fNamespaces.size() > kMaxNamespaces) {
+    TDocumentError error("more than " + std::to_string(kMaxNamespaces) + " namespaces");
+    error.fIsFatal = true;
+    throw error;
+  }
+  if (!entry.fBuilder) {
+    entry.fBuilder = std::make_unique<TNamespaceBuilder>(*this, fState, name);
+    fBuilders.push_back(entry.fBuilder.get());
+  }
   return entry;
 }
 
 boost::shared_ptr<TRepositoryProvider> TDocument::GetNamespaces() const {
   auto namespaces = boost::make_shared<TRepositoryProvider>("cimxml");
-  for (const TNamespaceReader* ns : fListed) namespaces->AddNamespace(ns->GetNamespace());
+  for (const TNamespaceBuilder* each : fListed) namespaces->AddNamespace(each->GetNamespace());
   return namespaces;
 }
 
-TNamespaceReader& TDocument::List(const std::string& name) {
+TNamespaceBuilder& TDocument::List(const std::string& name) {
   TEntry& entry = Entry(name);
   if (!std::exchange(entry.fIsListed, true)) fListed.push_back(entry.fBuilder.get());
   return *entry.fBuilder;
 }
 
-TNamespaceReader& TDocument::Group() {
+TNamespaceBuilder& TDocument::Group() {
   if (fGroup == nullptr) fGroup = &List(kDefaultNamespace);
   return *fGroup;
-}
-
-void TDocument::Report(const std::string& name) const {
-  fErrors.Report("responses are errors in", name);
-  fState.fDuplicates.Report("instances with the keys of another one were left out of", name);
-  fState.fContradictions.Report("instances have another class or other keys than their names in",
-                                name);
-  fState.fUnheldDateTimes.Report("date-times that cannot be held were read as null from", name);
 }
 
 boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int descriptor) {
@@ -144,8 +146,8 @@ boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int
     document.Complete();
   } catch (const TDocumentError& error) {
     const bool isOfFile = error.fStatus != kQDXStatusInvalidDataCollectionDocument;
-    LogErrorAndThrow(error.fStatus,
-                     {"cimxml: ", name, isOfFile ? "" : At(error.fPosition), ": ", error.what()});
+    LogErrorAndThrow(error.fStatus, {"cimxml: ", name, isOfFile ? "" : AtPosition(error.fPosition),
+                                     ": ", error.what()});
   }
   document.Report(name);
   return document.GetNamespaces();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The state of a document that is being read: its namespaces, and how objects get into them.
+/// A document that is being read: gives each object to the builder of its namespace.
 #ifndef LIB_CIMXML_READING_DOCUMENT_H_
 #define LIB_CIMXML_READING_DOCUMENT_H_
 
@@ -10,49 +10,46 @@
 #include <string>
 #include <vector>
 
-#include "namespace_reader.h"
+#include "namespace_builder.h"
 #include "xml/element.h"
 #include "xml/parser.h"
 
 namespace NVORNQDX20::NCIMXML {
 
-class TDocument final : public IObjectSink {
+class TDocument final : public IObjectSink, public IBuilders {
  public:
   void BeginGroup(const TElement& group) override;
-  std::size_t GetRoom() const override { return fState.GetRoom(); }
+  std::size_t GetRoom() const override { return fState.fMemory.GetRoom(); }
   void AddObject(TElement&& object, std::size_t bytes) override;
-  void EndGroup() override;
-  /// Builds everything that waits for the end of the document. The last call.
+  /// Makes everything that waits for the end of the document. The last call.
   void Complete();
 
-  /// Returns the namespace that a reference names, else `own`. The document need not contain it.
-  TNamespaceReader& NamespaceOf(const TElement& reference, TNamespaceReader& own);
   boost::shared_ptr<TRepositoryProvider> GetNamespaces() const;
-  /// Warns about what was changed in reading.
-  void Report(const std::string& name) const;
+  /// Warns about what was left out or changed in reading.
+  void Report(const std::string& name) const { fState.Report(name); }
 
  private:
-  TNamespaceReader& List(const std::string& name);
-  TNamespaceReader& Group();
-  void AddNamedObject(TElement&& object, std::size_t bytes);
-
-  void AddError(const TElement& error);
-
-  TReadingState fState;
-  TCountedWarning fErrors;  // error responses
-  TPosition fFirstError;
-  bool fHasObjects = false;
   struct TEntry {
-    std::unique_ptr<TNamespaceReader> fBuilder;
+    std::unique_ptr<TNamespaceBuilder> fBuilder;
     bool fIsListed = false;
   };
 
+  TSpace& SpaceOf(const TElement& reference, TSpace& own) override;
+  TNamespaceBuilder& BuilderOf(const TElement& reference, TNamespaceBuilder& own) override;
   TEntry& Entry(const std::string& name);
+  TNamespaceBuilder& List(const std::string& name);
+  TNamespaceBuilder& Group();
+  void Add(TElement&& object, std::size_t bytes);
+  void AddNamedObject(TElement&& object, std::size_t bytes);
+  void AddError(const TElement& error);
 
+  TReadingState fState;
+  TPosition fFirstError;
+  bool fHasObjects = false;
   NModel::TNameMap<TEntry> fNamespaces;
-  std::vector<TNamespaceReader*> fListed;  // in the document, not only referred to
-  TNamespaceReader* fGroup = nullptr;
-  bool fHasObjectPaths = false;  // in the current group
+  std::vector<TNamespaceBuilder*> fBuilders;  // all of them in their order
+  std::vector<TNamespaceBuilder*> fListed;    // in the document, not only referred to
+  TNamespaceBuilder* fGroup = nullptr;
 };
 
 }  // namespace NVORNQDX20::NCIMXML

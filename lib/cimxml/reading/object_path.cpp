@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "object_path.h"
 
+#include <qdxmodel/names.h>
+
+#include <algorithm>
+
 namespace NVORNQDX20::NCIMXML {
 namespace {
 
@@ -51,6 +55,21 @@ const TElement& NameOf(const TElement& reference) {
 
 const std::string& ClassNameOf(const TElement& name) {
   return name.Get(name.Is("CLASSNAME") ? "NAME" : "CLASSNAME");
+}
+
+bool IsProperty(const TElement& element) { return element.fName.substr(0, 8) == "PROPERTY"; }
+
+bool NamesClass(const TElement& property) {
+  return property.Find("REFERENCECLASS") != nullptr || property.Child("VALUE.REFERENCE") != nullptr;
+}
+
+bool IsQualified(const TElement& element, std::string_view qualifier) {
+  return std::any_of(
+      element.fChildren.begin(), element.fChildren.end(), [qualifier](const TElement& child) {
+        return child.Is("QUALIFIER") && NModel::EqualIgnoringCase(child.Get("NAME"), qualifier) &&
+               child.Child("VALUE") != nullptr &&
+               NModel::EqualIgnoringCase(child.Child("VALUE")->fText, "true");
+      });
 }
 
 std::vector<TKeyBinding> KeyBindingsOf(const TElement& name) {

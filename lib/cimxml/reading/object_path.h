@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "xml/cim_type.h"
@@ -22,6 +23,12 @@ const TElement* FindName(const TElement& element);
 const TElement& NameOf(const TElement& reference);
 /// Returns the class in a name.
 const std::string& ClassNameOf(const TElement& name);
+
+bool IsProperty(const TElement& element);
+/// Returns whether a reference property names the class that it refers to.
+bool NamesClass(const TElement& property);
+/// Returns whether a child QUALIFIER with this name, in any case, is true.
+bool IsQualified(const TElement& element, std::string_view qualifier);
 
 struct TKeyBinding {
   std::string fName;       ///< Empty if the only key has no name.

@@ -11,57 +11,41 @@
 #include <utility>
 #include <vector>
 
-#include "document.h"
 #include "object_path.h"
 #include "xml/literal.h"
 
 namespace NVORNQDX20::NCIMXML {
 namespace {
 
-/// Formats a place such as: line 12, PROPERTY "InstallDate".
-std::string PlaceOf(const TElement& value, const TElement& holder) {
+/// Names the holder of a value for a message: <PROPERTY> "p".
+std::string NameOfHolder(const TElement& holder) {
   const std::string* const name = holder.Find("NAME");
-  return "line " + std::to_string(value.fPosition.fLine) +
-         (name == nullptr ? "" : ", " + std::string(holder.fName) + " " + Shown(*name));
+  return "<" + std::string(holder.fName) + ">" + (name == nullptr ? "" : " " + Shown(*name));
 }
 
-TCIMValue ReadText(TNamespaceReader& ns, TCIMType type, const TElement& element,
-                   const TElement& holder) {
+TCIMValue ReadText(TSpace& space, TCIMType type, const TElement& element, const TElement& holder) {
+  constexpr std::size_t kBody = 48;  // with the allocator's overhead
+  space.GetMemory().AddContents(sizeof(TCIMValue) + kBody + element.fText.size(), element);
+  const bool isEmpty = type != TCIMType::kCIMTypeString && IsBlank(element.fText);
+  if (isEmpty && element.fChildren.empty()) {
+    space.GetState().Warn(element, "an empty value of " + NameOfHolder(holder) + " is no " +
+                                       std::string(KeywordOf(type)) + "; it is read as null");
+    return TCIMValue(type, 0);
+  }
   std::optional<TCIMValue> value = ReadLiteral(type, element.fText);
   if (!value || !element.fChildren.empty()) {
     element.Refuse(Shown(element.fText) + " is no " + std::string(KeywordOf(type)));
   }
-  constexpr std::size_t kBody = 48;  // with the allocator's overhead
-  ns.GetState().AddContents(sizeof(TCIMValue) + kBody + element.fText.size(), element);
-  if (value->IsNull()) ns.GetState().fUnheldDateTimes.Add(PlaceOf(element, holder));
   return std::move(*value);
 }
 
-TCIMValue ReadArray(TNamespaceReader& ns, TCIMType type, unsigned int size, const TElement& array,
-                    const TElement& holder) {
-  const TCIMType elementType = ElementType(type);
-  std::vector<TCIMValue> elements;
-  elements.reserve(array.fChildren.size());
-  for (const TElement& child : array.fChildren) {
-    if (child.Is("VALUE.NULL")) {
-      ns.GetState().AddContents(sizeof(TCIMValue), child);
-      elements.emplace_back(elementType, 0U);
-    } else if (child.Is("VALUE")) {
-      elements.push_back(ReadText(ns, elementType, child, holder));
-    } else {
-      array.RefuseChild(child);
-    }
-  }
-  return TCIMValue(elementType, size, elements);
-}
-
-TCIMValue ReadReference(TNamespaceReader& ns, const TElement& element) {
+TCIMValue ReadReference(TSpace& space, const TElement& element) {
   const TElement& name = NameOf(element);
-  TNamespaceReader& target = ns.GetDocument().NamespaceOf(element, ns);
+  TSpace& target = space.GetSpaces().SpaceOf(element, space);
   constexpr std::size_t kReferenceBytes = 256;
-  ns.GetState().AddHeld(kReferenceBytes, element);
+  space.GetMemory().AddHeld(kReferenceBytes, element);
   TCIMReference reference(target.GetNamespace(), {});
-  const boost::shared_ptr<ICIMClass> cimClass = target.ClassNamed(ClassNameOf(name), name).fClass;
+  const boost::shared_ptr<ICIMClass> cimClass = target.GetClass(ClassNameOf(name), name).fClass;
   reference.SetClass(cimClass);
   for (const TKeyBinding& binding : KeyBindingsOf(name)) {
     const std::string& key = binding.fName.empty() ? OnlyKeyOf(*cimClass, name) : binding.fName;
@@ -71,26 +55,26 @@ TCIMValue ReadReference(TNamespaceReader& ns, const TElement& element) {
   return TCIMValue(reference);
 }
 
-const TElement* FindValue(const TElement& holder) {
-  for (const TElement& child : holder.fChildren) {
-    if (!child.Is("QUALIFIER") && !child.Is("SCOPE")) return &child;
+TCIMValue ReadArray(TSpace& space, TCIMType type, unsigned int size, const TElement& array,
+                    const TElement& holder) {
+  const TCIMType elementType = ElementType(type);
+  std::vector<TCIMValue> elements;
+  elements.reserve(array.fChildren.size());
+  for (const TElement& child : array.fChildren) {
+    if (child.Is("VALUE.NULL")) {
+      space.GetMemory().AddContents(sizeof(TCIMValue), child);
+      elements.emplace_back(elementType, 0U);
+    } else if (elementType == TCIMType::kCIMTypeReference && child.Is("VALUE.REFERENCE")) {
+      elements.push_back(ReadReference(space, child));
+    } else if (elementType != TCIMType::kCIMTypeReference && child.Is("VALUE")) {
+      elements.push_back(ReadText(space, elementType, child, holder));
+      const bool isUnheld = elements.back().IsNull() && !IsBlank(child.fText);
+      if (isUnheld) space.GetState().fUnheldDateTimes.Add(PlaceOf(child, holder));
+    } else {
+      array.RefuseChild(child);
+    }
   }
-  return nullptr;
-}
-
-}  // namespace
-
-TCIMType TypeAttribute(const TElement& element) {
-  const std::string& keyword = element.Get("TYPE");
-  const TCIMType type = TypeOf(keyword);
-  if (type == TCIMType::kCIMTypeNone) element.Refuse(Shown(keyword) + " is no type");
-  return type;
-}
-
-TCIMType TypeOfProperty(const TElement& property) {
-  if (property.Is("PROPERTY.REFERENCE")) return TCIMType::kCIMTypeReference;
-  const TCIMType type = TypeAttribute(property);
-  return property.Is("PROPERTY.ARRAY") ? ArrayOf(type) : type;
+  return TCIMValue(elementType, size, elements);
 }
 
 unsigned int ArraySizeOf(const TElement& element) {
@@ -105,46 +89,112 @@ unsigned int ArraySizeOf(const TElement& element) {
   return size;
 }
 
-TCIMValue ReadValue(TNamespaceReader& ns, TCIMType type, const TElement& holder) {
-  const unsigned int size = ArraySizeOf(holder);
-  const TElement* const value = FindValue(holder);
-  if (value == nullptr) return IsArray(type) ? TCIMValue(type, size) : TCIMValue(type, 0);
-  const bool isReference = type == TCIMType::kCIMTypeReference;
-  const char* const expected =
-      IsArray(type) ? "VALUE.ARRAY" : (isReference ? "VALUE.REFERENCE" : "VALUE");
-  if (!value->Is(expected)) holder.RefuseChild(*value);
-  if (isReference) return ReadReference(ns, *value);
-  return IsArray(type) ? ReadArray(ns, type, size, *value, holder)
-                       : ReadText(ns, type, *value, holder);
+void WarnOfOtherValues(TSpace& space, const TElement& holder, const TElement& first) {
+  for (const TElement& child : holder.fChildren) {
+    const bool isOther = &child != &first && !child.Is("QUALIFIER") && !child.Is("SCOPE");
+    if (!isOther) continue;
+    space.GetState().Warn(child, "a second value of " + NameOfHolder(holder) + " is ignored");
+  }
 }
 
-TCIMValue ReadPropertyValue(TNamespaceReader& ns, const TElement& property) {
-  TCIMValue value = ReadValue(ns, TypeOfProperty(property), property);
+}  // namespace
+
+TCIMType TypeAttribute(const TElement& element) {
+  const std::string& keyword = element.Get("TYPE");
+  const TCIMType type = TypeOf(keyword);
+  if (type == TCIMType::kCIMTypeNone) element.Refuse(Shown(keyword) + " is no type");
+  return type;
+}
+
+TCIMType TypeOfProperty(const TElement& property) {
+  if (property.Is("PROPERTY.REFERENCE")) return TCIMType::kCIMTypeReference;
+  if (property.Is("PROPERTY.REFARRAY")) return ArrayOf(TCIMType::kCIMTypeReference);
+  const TCIMType type = TypeAttribute(property);
+  return property.Is("PROPERTY.ARRAY") ? ArrayOf(type) : type;
+}
+
+TCIMType TypeOfKey(const TElement& value) {
+  if (value.Is("VALUE.REFERENCE")) return TCIMType::kCIMTypeReference;
+  if (value.Find("TYPE") != nullptr) return TypeAttribute(value);
+  const std::string* const valueType = value.Find("VALUETYPE");
+  if (valueType == nullptr || *valueType == "string") return TCIMType::kCIMTypeString;
+  if (*valueType == "boolean") return TCIMType::kCIMTypeBoolean;
+  for (const TCIMType type :
+       {TCIMType::kCIMTypeUint64, TCIMType::kCIMTypeSint64, TCIMType::kCIMTypeReal64}) {
+    if (ReadLiteral(type, value.fText)) return type;
+  }
+  value.Refuse(Shown(value.fText) + " is no number");
+}
+
+const TElement* FindValueOf(const TElement& holder) {
+  for (const TElement& child : holder.fChildren) {
+    if (!child.Is("QUALIFIER") && !child.Is("SCOPE")) return &child;
+  }
+  return nullptr;
+}
+
+TCIMValue ReadValue(TSpace& space, TCIMType type, const TElement& holder) {
+  const unsigned int size = ArraySizeOf(holder);
+  const TElement* const value = FindValueOf(holder);
+  if (value == nullptr) return IsArray(type) ? TCIMValue(type, size) : TCIMValue(type, 0);
+  WarnOfOtherValues(space, holder, *value);
+  const bool isReference = ElementType(type) == TCIMType::kCIMTypeReference;
+  const char* const scalar = isReference ? "VALUE.REFERENCE" : "VALUE";
+  const char* const array = isReference ? "VALUE.REFARRAY" : "VALUE.ARRAY";
+  if (!value->Is(IsArray(type) ? array : scalar)) holder.RefuseChild(*value);
+  if (IsArray(type)) return ReadArray(space, type, size, *value, holder);
+  return isReference ? ReadReference(space, *value) : ReadText(space, type, *value, holder);
+}
+
+TCIMValue ReadPropertyValue(TSpace& space, const TElement& property) {
+  TCIMValue value = ReadValue(space, TypeOfProperty(property), property);
   const std::string* const className = property.Find("REFERENCECLASS");
   if (value.IsReference() && value.IsNull() && className != nullptr) {
-    value.SetReferencedClass(ns.ClassNamed(*className, property).fClass);
+    value.SetReferencedClass(space.GetClass(*className, property).fClass);
   }
   return value;
 }
 
-TCIMValue ReadKeyValue(TNamespaceReader& ns, TCIMType type, const TElement& value) {
+TCIMValue ReadKeyValue(TSpace& space, TCIMType type, const TElement& value) {
   const bool isReference = type == TCIMType::kCIMTypeReference;
   if (value.Is("VALUE.REFERENCE") != isReference) {
     value.Refuse("the key is declared as " + std::string(KeywordOf(type)));
   }
-  if (isReference) return ReadReference(ns, value);
-  TCIMValue key = ReadText(ns, type, value, value);
+  if (isReference) return ReadReference(space, value);
+  TCIMValue key = ReadText(space, type, value, value);
   if (key.IsNull()) value.Refuse("a key cannot be null");
   return key;
 }
 
-boost::shared_ptr<const ICIMPropertyDecl> DeclOf(const ICIMClass& cimClass, const std::string& name,
-                                                 const TElement& usedBy) {
+const TElement* FindUnheldDateTime(const TCIMValue& value, const TElement& holder) {
+  if (value.GetType() != TCIMType::kCIMTypeDateTime || !value.IsNull()) return nullptr;
+  const TElement* const text = FindValueOf(holder);
+  return text == nullptr || IsBlank(text->fText) ? nullptr : text;
+}
+
+std::string PlaceOf(const TElement& value, const TElement& holder) {
+  const std::string* const name = holder.Find("NAME");
+  return "line " + std::to_string(value.fPosition.fLine) +
+         (name == nullptr ? "" : ", " + std::string(holder.fName) + " " + Shown(*name));
+}
+
+boost::shared_ptr<const ICIMPropertyDecl> FindDecl(const ICIMClass& cimClass,
+                                                   const std::string& name) {
   try {
     return cimClass.GetPropertyDecl(name, {});
-  } catch (const TQDXException&) {
+  } catch (const TQDXException& e) {
+    if (e.GetStatusCode() != kQDXStatusNotFound) throw;
+    return nullptr;
+  }
+}
+
+boost::shared_ptr<const ICIMPropertyDecl> DeclOf(const ICIMClass& cimClass, const std::string& name,
+                                                 const TElement& usedBy) {
+  auto decl = FindDecl(cimClass, name);
+  if (!decl) {
     usedBy.Refuse("class " + Shown(cimClass.GetName({})) + " has no property " + Shown(name));
   }
+  return decl;
 }
 
 std::string OnlyKeyOf(const ICIMClass& cimClass, const TElement& usedBy) {

@@ -4,11 +4,12 @@
 #define LIB_CIMXML_READING_VALUE_READER_H_
 
 #include <qdxcore/interfaces.h>
+#include <qdxcore/status.h>
 #include <qdxcore/value.h>
 
 #include <string>
 
-#include "namespace_reader.h"
+#include "space.h"
 #include "xml/cim_type.h"
 #include "xml/element.h"
 
@@ -16,17 +17,29 @@ namespace NVORNQDX20::NCIMXML {
 
 /// Returns the type in TYPE; a missing or unknown one is an error.
 TCIMType TypeAttribute(const TElement& element);
-/// Returns the type of a PROPERTY, PROPERTY.ARRAY or PROPERTY.REFERENCE.
+/// Returns the type of any kind of PROPERTY.
 TCIMType TypeOfProperty(const TElement& property);
-unsigned int ArraySizeOf(const TElement& element);
+/// Returns the type of a KEYVALUE or VALUE.REFERENCE; a number without type gets the largest one.
+TCIMType TypeOfKey(const TElement& value);
+
+/// Returns the first child that can be a value; null if there is none.
+const TElement* FindValueOf(const TElement& holder);
 
 /// Reads the value among the children of the element; null of that type if there is none.
-TCIMValue ReadValue(TNamespaceReader& ns, TCIMType type, const TElement& holder);
+TCIMValue ReadValue(TSpace& space, TCIMType type, const TElement& holder);
 /// Reads the value of a property; a null reference gets its class if the element names one.
-TCIMValue ReadPropertyValue(TNamespaceReader& ns, const TElement& property);
+TCIMValue ReadPropertyValue(TSpace& space, const TElement& property);
 /// Reads a KEYVALUE or VALUE.REFERENCE; never null.
-TCIMValue ReadKeyValue(TNamespaceReader& ns, TCIMType type, const TElement& value);
+TCIMValue ReadKeyValue(TSpace& space, TCIMType type, const TElement& value);
 
+/// Returns the VALUE of a well-formed date-time that was read as null; else null.
+const TElement* FindUnheldDateTime(const TCIMValue& value, const TElement& holder);
+/// Formats a place such as: line 12, PROPERTY "InstallDate".
+std::string PlaceOf(const TElement& value, const TElement& holder);
+
+/// Returns the declaration of a property; null if the class has none.
+boost::shared_ptr<const ICIMPropertyDecl> FindDecl(const ICIMClass& cimClass,
+                                                   const std::string& name);
 /// Returns the declaration of a property; a missing one is an error.
 boost::shared_ptr<const ICIMPropertyDecl> DeclOf(const ICIMClass& cimClass, const std::string& name,
                                                  const TElement& usedBy);
@@ -35,13 +48,14 @@ std::string OnlyKeyOf(const ICIMClass& cimClass, const TElement& usedBy);
 
 /// Calls `work`; turns an exception of the repository into an error of the element.
 template <typename TWork>
-auto AsPartOf(const TElement& element, const std::string& what, TWork&& work) {
+auto AsPartOf(const TElement& element, TWork&& work) {
   try {
     return work();
   } catch (const TExplainedException& e) {
-    element.Refuse(what + ": " + e.GetReason());
+    element.Refuse(e.GetReason());
   } catch (const TQDXException& e) {
-    element.Refuse(what + ": " + e.what());
+    if (e.GetStatusCode() == kQDXStatusOutOfMemory) throw;
+    element.Refuse(e.what());
   }
 }
 

@@ -30,13 +30,20 @@ struct TDocumentError final : std::exception {
   std::string fReason;
   TPosition fPosition;
   EQDXStatusCode fStatus;
+  /// The document is refused, even if only one object was being made.
+  bool fIsFatal = false;
 };
 
-/// The error of a document that exceeds kMaxHeldBytes.
+/// Formats ": line L, column C".
+std::string AtPosition(const TPosition& position);
+
+/// The error of a document that exceeds kMaxHeldBytes. It is fatal.
 TDocumentError TooMuchHeld(TPosition position = {});
 
 /// Returns a part of the document for use in a reason: short, on one line, in double quotes.
 std::string Shown(std::string_view text);
+/// The same without quotes.
+std::string Plain(std::string_view text);
 
 }  // namespace NVORNQDX20::NCIMXML
 

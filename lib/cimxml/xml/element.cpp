@@ -44,6 +44,7 @@ constexpr std::string_view kElements[] = {"CIM",
                                           "PARAMVALUE",
                                           "PROPERTY",
                                           "PROPERTY.ARRAY",
+                                          "PROPERTY.REFARRAY",
                                           "PROPERTY.REFERENCE",
                                           "QUALIFIER",
                                           "QUALIFIER.DECLARATION",
@@ -58,6 +59,7 @@ constexpr std::string_view kElements[] = {"CIM",
                                           "VALUE.OBJECT",
                                           "VALUE.OBJECTWITHLOCALPATH",
                                           "VALUE.OBJECTWITHPATH",
+                                          "VALUE.REFARRAY",
                                           "VALUE.REFERENCE"};
 
 constexpr std::string_view kAttributes[] = {
@@ -96,10 +98,11 @@ const std::string& TElement::Get(std::string_view attribute) const {
 bool TElement::GetFlag(std::string_view attribute, bool absent) const {
   const std::string* const value = Find(attribute);
   if (value == nullptr) return absent;
-  if (*value != "true" && *value != "false") {
+  const bool isTrue = NModel::EqualIgnoringCase(*value, "true");
+  if (!isTrue && !NModel::EqualIgnoringCase(*value, "false")) {
     Refuse(std::string(attribute) + " is neither true nor false, but " + Shown(*value));
   }
-  return *value == "true";
+  return isTrue;
 }
 
 const TElement* TElement::Child(std::string_view name) const {
@@ -131,8 +134,15 @@ void TElement::RefuseChild(const TElement& child) const {
 }
 
 TDocumentError TooMuchHeld(TPosition position) {
-  return TDocumentError("the document needs more than " + InMiB(kMaxHeldBytes) + " of memory",
-                        position);
+  TDocumentError error("the document needs more than " + InMiB(kMaxHeldBytes) + " of memory",
+                       position);
+  error.fIsFatal = true;
+  return error;
+}
+
+std::string AtPosition(const TPosition& position) {
+  return ": line " + std::to_string(position.fLine) + ", column " +
+         std::to_string(position.fColumn);
 }
 
 std::string Shown(std::string_view text) {
@@ -140,6 +150,11 @@ std::string Shown(std::string_view text) {
   std::replace_if(
       shown.begin(), shown.end(), [](unsigned char c) { return c < ' '; }, ' ');
   return shown;
+}
+
+std::string Plain(std::string_view text) {
+  const std::string shown = Shown(text);
+  return shown.substr(1, shown.size() - 2);
 }
 
 }  // namespace NVORNQDX20::NCIMXML

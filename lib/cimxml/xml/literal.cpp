@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <string>
 #include <system_error>
 #include <type_traits>
 #include <utility>
@@ -58,14 +59,24 @@ std::optional<TCIMValue> Number(std::string_view text, int base) {
   return TCIMValue(number);
 }
 
+/// Whether a hexadecimal number follows its sign: CIM-XML writes -0x1F.
+bool IsHexadecimal(std::string_view text) {
+  if (StartsWith(text, "-")) text.remove_prefix(1);
+  return StartsWith(text, "0x") || StartsWith(text, "0X");
+}
+
 template <typename T>
 std::optional<TCIMValue> ReadInteger(std::string_view text) {
   text = Trimmed(text);
-  if (StartsWith(text, "+")) text.remove_prefix(1);
-  const bool isHexadecimal = StartsWith(text, "0x") || StartsWith(text, "0X");
-  if (isHexadecimal) text.remove_prefix(2);
-  if (isHexadecimal && StartsWith(text, "-")) return std::nullopt;
-  return Number<T>(text, isHexadecimal ? 16 : 10);
+  if (StartsWith(text, "+")) {
+    text.remove_prefix(1);
+    if (StartsWith(text, "-")) return std::nullopt;
+  }
+  if (!IsHexadecimal(text)) return Number<T>(text, 10);
+  const std::string_view sign = text.substr(0, StartsWith(text, "-") ? 1 : 0);
+  text.remove_prefix(sign.size() + 2);
+  if (StartsWith(text, "-")) return std::nullopt;
+  return Number<T>(std::string(sign) + std::string(text), 16);
 }
 
 template <typename T>
@@ -149,6 +160,8 @@ bool CanSpell(const TCIMValue& value) {
   return IsAbsent(value) || value.GetType() != TCIMType::kCIMTypeDateTime ||
          TCIMDateTime(value).ToString().size() == kDateTimeLength;
 }
+
+bool IsBlank(std::string_view text) { return Trimmed(text).empty(); }
 
 std::string WriteLiteral(const TCIMValue& value) {
   return NModel::VisitScalar(value, [](auto native) { return Write(std::move(native)); });

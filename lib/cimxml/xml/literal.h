@@ -23,6 +23,9 @@ bool CanSpell(const TCIMValue& value);
 /// digits as needed to read back the same number.
 std::string WriteLiteral(const TCIMValue& value);
 
+/// Returns whether the text is empty or white space only.
+bool IsBlank(std::string_view text);
+
 /// Parses a scalar; nothing if the text is not one of that type. Null of the type for a well-formed
 /// date-time that TCIMDateTime cannot hold, for example one with wildcards.
 std::optional<TCIMValue> ReadLiteral(TCIMType type, std::string_view text);

@@ -210,9 +210,7 @@ void TParser::StartObject(TElement&& element) {
 
 void TParser::End() {
   if (fOpen.empty()) {
-    const TContainer& container = *fContainers.back();
     fContainers.pop_back();
-    if (container.fIsGroup) fSink.EndGroup();
     return;
   }
   fOpen.pop_back();

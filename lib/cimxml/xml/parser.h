@@ -19,7 +19,6 @@ class IObjectSink {
   virtual std::size_t GetRoom() const = 0;
   /// `object` is the path of the group or one of its objects; `bytes` is its size in memory.
   virtual void AddObject(TElement&& object, std::size_t bytes) = 0;
-  virtual void EndGroup() = 0;
 };
 
 /// Reads the whole document. Builds each object as a tree, passes it to the sink and drops it.

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "reading_state.h"
+
+#include <qdxcore/logger.h>
+
+#include <algorithm>
+
+#include "xml/document_limits.h"
+
+namespace NVORNQDX20::NCIMXML {
+
+void TMemoryAccount::AddHeld(std::size_t bytes, const TElement& element) {
+  fHeldBytes += bytes;
+  if (fHeldBytes + fObjectBytes > kMaxHeldBytes) throw TooMuchHeld(element.fPosition);
+}
+
+std::size_t TMemoryAccount::GetRoom() const {
+  return kMaxHeldBytes - std::min(fHeldBytes, kMaxHeldBytes);
+}
+
+void TWarnings::Add(const TPosition& position, const std::string& text) {
+  constexpr std::size_t kMostLines = 20;
+  if (++fCount <= kMostLines) fLines.push_back({position, text});
+}
+
+void TWarnings::Report(const std::string& name, std::string_view others) const {
+  for (const TLine& line : fLines) {
+    LogMessage(ILogger::kLogWarning,
+               {"cimxml: ", name, AtPosition(line.fPosition), ": ", line.fText});
+  }
+  const std::size_t more = fCount - fLines.size();
+  if (more == 0) return;
+  LogMessage(ILogger::kLogWarning,
+             {"cimxml: ", name, ": ", std::to_string(more), " more ", std::string(others)});
+}
+
+void TReadingState::Report(const std::string& name) const {
+  fErrors.Report("responses are errors in", name);
+  fLeftOut.Report(name, "objects are left out");
+  fChanged.Report(name, "parts of objects are ignored or changed");
+  fContradictions.Report("instances have another class or other keys than their names in", name);
+  fUnheldDateTimes.Report("date-times that cannot be held were read as null from", name);
+}
+
+}  // namespace NVORNQDX20::NCIMXML

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+/// What all parts of the reader share: the account of memory, and the record of what was lost.
+#ifndef LIB_CIMXML_READING_READING_STATE_H_
+#define LIB_CIMXML_READING_READING_STATE_H_
+
+#include <qdxcore/value.h>
+#include <qdxmodel/names.h>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "xml/counted_warning.h"
+#include "xml/element.h"
+
+namespace NVORNQDX20::NCIMXML {
+
+/// Counts the memory that a document needs, against the limit.
+class TMemoryAccount {
+ public:
+  /// Begins to read an object of this size.
+  void BeginObject(std::size_t bytes) { fObjectBytes = bytes; }
+  /// Throws a fatal TDocumentError above the limit.
+  void AddHeld(std::size_t bytes, const TElement& element);
+  void AddValues(std::size_t values, const TElement& element) {
+    AddHeld(values * sizeof(TCIMValue), element);
+  }
+  /// Counts the contents of a value twice until the next object: setting a property copies it.
+  void AddContents(std::size_t bytes, const TElement& element) {
+    fObjectBytes += bytes;
+    AddHeld(bytes, element);
+  }
+  std::size_t GetRoom() const;
+
+ private:
+  std::size_t fHeldBytes = 0;
+  std::size_t fObjectBytes = 0;  // of the object that is being read
+};
+
+/// The warnings about a document: a line for each of the first ones, and the number of the others.
+class TWarnings {
+ public:
+  void Add(const TPosition& position, const std::string& text);
+  /// Logs "cimxml: NAME: line L, column C: TEXT" for each.
+  void Report(const std::string& name, std::string_view others) const;
+
+ private:
+  struct TLine {
+    TPosition fPosition;
+    std::string fText;
+  };
+  std::vector<TLine> fLines;
+  std::size_t fCount = 0;
+};
+
+struct TReadingState {
+  /// Records an object that could not be taken. `object` is a text such as: class "C".
+  void LeaveOut(const std::string& object, const TDocumentError& error) {
+    fLeftOut.Add(error.fPosition, object + " is left out: " + error.fReason);
+  }
+  /// Records a part of an object that was ignored or changed.
+  void Warn(const TElement& place, const std::string& text) { fChanged.Add(place.fPosition, text); }
+  void Report(const std::string& name) const;
+
+  TMemoryAccount fMemory;
+  TWarnings fLeftOut;       // objects
+  TWarnings fChanged;       // parts of objects
+  TCountedWarning fErrors;  // error responses
+  TCountedWarning fUnheldDateTimes;
+  TCountedWarning fContradictions;  // names that contradict their instances
+};
+
+}  // namespace NVORNQDX20::NCIMXML
+
+#endif  // LIB_CIMXML_READING_READING_STATE_H_
