@@ -22,6 +22,12 @@ struct TReadClass {
   std::size_t fDepth = 1;       // including superclasses
 };
 
+/// What a reference refers to.
+struct TTarget {
+  boost::shared_ptr<ICIMNamespace> fNamespace;
+  boost::shared_ptr<ICIMClass> fClass;
+};
+
 class TSpace;
 
 /// Finds the namespace of a reference.
@@ -65,6 +71,8 @@ class TSpace {
     return *found;
   }
   void AddClass(const std::string& name, const TReadClass& made) { fClasses.emplace(name, made); }
+  /// Returns what stands in for a declared class; empty before it is made.
+  TTarget& StandIn(const std::string& signature) { return fStandIns[signature]; }
   std::deque<TUnresolved>& Unresolved() { return fUnresolved; }
 
  private:
@@ -72,6 +80,7 @@ class TSpace {
   TReadingState& fState;
   const boost::shared_ptr<ICIMNamespace> fNamespace;
   NModel::TNameMap<TReadClass> fClasses;
+  NModel::TNameMap<TTarget> fStandIns;
   std::deque<TUnresolved> fUnresolved;  // their elements must not move
 };
 

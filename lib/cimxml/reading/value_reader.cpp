@@ -5,6 +5,7 @@
 #include <qdxcore/status.h>
 #include <qdxmodel/classes.h>
 
+#include <algorithm>
 #include <charconv>
 #include <optional>
 #include <system_error>
@@ -39,15 +40,58 @@ TCIMValue ReadText(TSpace& space, TCIMType type, const TElement& element, const 
   return std::move(*value);
 }
 
+/// Returns a class of the same name that has the keys of a reference, for a reference by other
+/// properties than those of the class. It is in a namespace of its own, so that no one else finds
+/// it.
+const TTarget& StandInFor(TSpace& space, const ICIMClass& declared,
+                          const std::vector<TKeyBinding>& bindings) {
+  const std::string& className = declared.GetName({});
+  std::vector<std::pair<std::string, TCIMType>> keys;
+  std::string signature = className;
+  for (const TKeyBinding& binding : bindings) {
+    const auto decl = FindDecl(declared, binding.fName);
+    keys.emplace_back(binding.fName, decl ? decl->GetType() : TypeOfKey(*binding.fValue));
+    // A key that is a reference could own the namespace that owns it.
+    if (keys.back().second == TCIMType::kCIMTypeReference) {
+      binding.fValue->Refuse("class " + Shown(className) + " has no property " +
+                             Shown(binding.fName));
+    }
+    signature += '.' + binding.fName + ':' + std::string(KeywordOf(keys.back().second));
+  }
+  TTarget& standIn = space.StandIn(signature);
+  if (standIn.fClass) return standIn;
+  constexpr std::size_t kStandInBytes = 4096;
+  space.GetMemory().AddHeld(kStandInBytes + signature.size(), *bindings.front().fValue);
+  const auto ns = MakeRepositoryNamespace(space.GetNamespace()->GetName({}));
+  const auto made = ns->CreateClass(className, nullptr, {});
+  for (const auto& [key, type] : keys) {
+    if (!FindDecl(*made, key)) made->CreatePropertyDecl(key, TCIMValue(type, 0), {})->Commit();
+  }
+  made->Commit({});
+  standIn = {ns, made};
+  return standIn;
+}
+
+/// Returns the class that has the keys of a reference, and its namespace.
+TTarget TargetOf(TSpace& space, const TElement& name, const std::vector<TKeyBinding>& bindings) {
+  const auto declared = space.GetClass(ClassNameOf(name), name).fClass;
+  const bool hasAll = std::all_of(bindings.begin(), bindings.end(), [&](const auto& binding) {
+    return binding.fName.empty() || FindDecl(*declared, binding.fName);
+  });
+  if (hasAll) return {space.GetNamespace(), declared};
+  return StandInFor(space, *declared, bindings);
+}
+
 TCIMValue ReadReference(TSpace& space, const TElement& element) {
   const TElement& name = NameOf(element);
   TSpace& target = space.GetSpaces().SpaceOf(element, space);
   constexpr std::size_t kReferenceBytes = 256;
   space.GetMemory().AddHeld(kReferenceBytes, element);
-  TCIMReference reference(target.GetNamespace(), {});
-  const boost::shared_ptr<ICIMClass> cimClass = target.GetClass(ClassNameOf(name), name).fClass;
+  const std::vector<TKeyBinding> bindings = KeyBindingsOf(name);
+  const auto [ns, cimClass] = TargetOf(target, name, bindings);
+  TCIMReference reference(ns, {});
   reference.SetClass(cimClass);
-  for (const TKeyBinding& binding : KeyBindingsOf(name)) {
+  for (const TKeyBinding& binding : bindings) {
     const std::string& key = binding.fName.empty() ? OnlyKeyOf(*cimClass, name) : binding.fName;
     const auto decl = DeclOf(*cimClass, key, *binding.fValue);
     reference.AddKeyValue(decl->GetName(), ReadKeyValue(target, decl->GetType(), *binding.fValue));
