@@ -54,7 +54,9 @@ const struct {
                Instance(Property("string", ""), Binding("k", "VALUETYPE='boolean'", "FALSE"))}),
      {Begin("NAME='C'") + "<PROPERTY.ARRAY NAME='a' TYPE='uint8'>\n", Key("k", "boolean"),
       "<PROPERTY NAME='p' TYPE='string'>\n", Property("string", "")}},
-    {Document({kLink}), {Key("id", "uint64"), "REFERENCECLASS='C'>", "TYPE='uint64'>5</KEYVALUE>"}},
+    {"<CIM><DECLARATION><DECLGROUP>" + kNamespace + "<VALUE.OBJECT>" + kLink +
+         "</VALUE.OBJECT></DECLGROUP></DECLARATION></CIM>",
+     {Key("id", "uint64"), "REFERENCECLASS='C'>", "TYPE='uint64'>5</KEYVALUE>"}},
     {Document({Class("<PROPERTY NAME='p' TYPE='sint8' PROPAGATED='true' CLASSORIGIN='B'/>",
                      "NAME='D' SUPERCLASS='B'")}),
      {Begin("NAME='B'") + "</CLASS>",

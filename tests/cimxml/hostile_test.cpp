@@ -167,9 +167,11 @@ TEST(BadGzipFile, IsRefusedWithItsStatus) {
   }
 }
 
-TEST(GzipFile, MayHaveSeveralMembersAndAnyName) {
+TEST(GzipFile, MayHaveSeveralMembersAndPaddingAndAnyName) {
   const std::string text = Document({});
-  const TDocumentFile file(Compressed(text.substr(0, 40)) + Compressed(text.substr(40)));
+  const std::string padding(1 << 17, '\0');
+  const TDocumentFile file(Compressed(text.substr(0, 40)) + padding + Compressed(text.substr(40)) +
+                           padding);
   EXPECT_EQ(NamesIn(file.Path()), TNames{"root/cimv2"});
 }
 

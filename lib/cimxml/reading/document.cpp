@@ -18,6 +18,7 @@ namespace NVORNQDX20::NCIMXML {
 namespace {
 
 constexpr char kDefaultNamespace[] = "root/cimv2";
+constexpr std::size_t kMostStrayText = 100;
 
 bool IsOneOf(const TElement& element, std::initializer_list<std::string_view> names) {
   return std::find(names.begin(), names.end(), element.fName) != names.end();
@@ -31,7 +32,21 @@ TElement* FindChild(TElement& object, std::string_view name) {
 
 }  // namespace
 
-void TDocument::BeginGroup(const TElement&) { fGroup = nullptr; }
+void TDocument::BeginContainer(const TElement& container, bool isGroup) {
+  if (isGroup) fGroup = nullptr;
+  if (IsOneOf(container, {"IMETHODCALL", "METHODCALL", "EXPMETHODCALL"})) {
+    fIsInCall = true;
+    if (fCall.fLine == 0) fCall = container.fPosition;
+  } else if (IsOneOf(container, {"DECLARATION", "SIMPLERSP", "SIMPLEEXPRSP"})) {
+    fIsInCall = false;
+  }
+  if (container.Is("METHODRESPONSE") && fResponse.fLine == 0) fResponse = container.fPosition;
+}
+
+void TDocument::AddStrayText(const TElement& holder) {
+  fState.Warn(holder, "text in <" + std::string(holder.fName) +
+                          "> is ignored: " + Shown(holder.fText.substr(0, kMostStrayText)));
+}
 
 void TDocument::AddObject(TElement&& object, std::size_t bytes) {
   fState.fMemory.BeginObject(bytes);
@@ -44,8 +59,9 @@ void TDocument::AddObject(TElement&& object, std::size_t bytes) {
 }
 
 void TDocument::Add(TElement&& object, std::size_t bytes) {
-  fHasObjects = fHasObjects || !IsOneOf(object, {"ERROR", "PARAMVALUE"});
   if (IsOneOf(object, {"LOCALNAMESPACEPATH", "NAMESPACEPATH"})) {
+    const TElement* const host = FindHost(object);
+    if (host != nullptr) fState.fHosts.AddOwn(*host);
     fGroup = &List(*NamespaceNameOf(object));
   } else if (object.Is("QUALIFIER.DECLARATION")) {
     Group().AddQualifierDecl(object);
@@ -59,22 +75,73 @@ void TDocument::Add(TElement&& object, std::size_t bytes) {
     AddNamedObject(std::move(object), bytes);
   } else if (object.Is("ERROR")) {
     AddError(object);
-  } else if (!object.Is("PARAMVALUE")) {  // the state of an enumeration
-    object.Refuse("it is no object of a namespace");
+  } else {
+    AddValue(std::move(object), bytes);
   }
 }
 
+/// Names of objects are instances of which only the keys are known. Those in calls say what is
+/// asked for. Values are results of methods, or the state of an enumeration.
+void TDocument::AddValue(TElement&& value, std::size_t bytes) {
+  const bool isName = IsOneOf(value, {"INSTANCENAME", "INSTANCEPATH", "LOCALINSTANCEPATH",
+                                      "OBJECTPATH", "VALUE.REFERENCE"});
+  if (isName && !fIsInCall) {
+    AddName(std::move(value), bytes);
+  } else if (value.Is("VALUE.REFARRAY")) {
+    for (TElement& each : value.fChildren) {
+      if (!fIsInCall && each.Is("VALUE.REFERENCE")) AddName(std::move(each), bytes);
+      bytes = 0;  // of all of them
+    }
+  } else if (!isName &&
+             !IsOneOf(value, {"VALUE", "VALUE.ARRAY", "VALUE.NULL", "CLASSNAME", "CLASSPATH",
+                              "LOCALCLASSPATH", "CORRELATOR", "RESPONSEDESTINATION"})) {
+    value.Refuse("it is no object of a namespace");
+  }
+}
+
+void TDocument::AddName(TElement&& path, std::size_t bytes) {
+  const TElement* const name = path.Is("INSTANCENAME") ? &path : FindName(path);
+  if (name == nullptr) path.Refuse("it names nothing");
+  if (name->Is("CLASSNAME")) return;
+  TNamespaceBuilder& builder = BuilderFor(path);
+  TElement object;
+  object.fName = "OBJECTPATH";
+  object.fPosition = path.fPosition;
+  TElement& instance = object.fChildren.emplace_back();
+  instance.fName = "INSTANCE";
+  instance.fPosition = name->fPosition;
+  instance.fAttributes.push_back({"CLASSNAME", name->Get("CLASSNAME")});
+  object.fChildren.push_back(*name);
+  builder.AddInstanceName(std::move(object), bytes + instance.Bytes());
+}
+
 void TDocument::AddNamedObject(TElement&& object, std::size_t bytes) {
-  const auto path = NamespaceNameOf(object);
-  TNamespaceBuilder& builder = path ? List(*path) : Group();
+  TNamespaceBuilder& builder = BuilderFor(object);
   TElement* const cimClass = FindChild(object, "CLASS");
+  TElement* const first = cimClass != nullptr ? cimClass : FindChild(object, "INSTANCE");
+  if (first == nullptr) object.Refuse("it has neither class nor instance");
+  for (const TElement& child : object.fChildren) {
+    const bool isOther = &child != first && (child.Is("CLASS") || child.Is("INSTANCE"));
+    if (isOther) {
+      fState.Warn(child, Described(builder, child) + " is ignored: it follows another object in <" +
+                             std::string(object.fName) + ">");
+    }
+  }
   if (cimClass != nullptr) {
     builder.AddClass(std::move(*cimClass), bytes);
-  } else if (FindChild(object, "INSTANCE") != nullptr) {
-    builder.AddInstance(std::move(object), bytes);
   } else {
-    object.Refuse("it has neither class nor instance");
+    builder.AddInstance(std::move(object), bytes);
   }
+}
+
+/// Returns the builder of the namespace in the path of an object, else that of its group.
+TNamespaceBuilder& TDocument::BuilderFor(const TElement& object) {
+  const auto path = NamespaceNameOf(object);
+  if (!path) return Group();
+  fHasObjects = true;
+  const TElement* const host = FindHost(object);
+  if (host != nullptr) fState.fHosts.AddOwn(*host);
+  return List(*path);
 }
 
 /// An error response does not invalidate the other responses.
@@ -85,10 +152,17 @@ void TDocument::AddError(const TElement& error) {
                      (description == nullptr ? "" : ", " + Shown(*description)));
 }
 
-void TDocument::Complete() {
-  if (fState.fErrors.GetCount() != 0 && !fHasObjects) {
+void TDocument::RequireObjects() const {
+  if (fHasObjects) return;
+  if (fState.fErrors.GetCount() != 0) {
     throw TDocumentError("a response with " + fState.fErrors.GetFirst(), fFirstError);
   }
+  if (fCall.fLine != 0) throw TDocumentError("a request, not a response", fCall);
+  if (fResponse.fLine != 0) throw TDocumentError("a response without objects", fResponse);
+}
+
+void TDocument::Complete() {
+  RequireObjects();
   if (fListed.empty()) List(kDefaultNamespace);
   // References may add namespaces while their uses are noted.
   for (std::size_t i = 0; i < fBuilders.size(); ++i) fBuilders[i]->NoteUses();
@@ -134,6 +208,7 @@ TNamespaceBuilder& TDocument::List(const std::string& name) {
 }
 
 TNamespaceBuilder& TDocument::Group() {
+  fHasObjects = true;
   if (fGroup == nullptr) fGroup = &List(kDefaultNamespace);
   return *fGroup;
 }

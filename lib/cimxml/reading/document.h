@@ -18,7 +18,8 @@ namespace NVORNQDX20::NCIMXML {
 
 class TDocument final : public IObjectSink, public IBuilders {
  public:
-  void BeginGroup(const TElement& group) override;
+  void BeginContainer(const TElement& container, bool isGroup) override;
+  void AddStrayText(const TElement& holder) override;
   std::size_t GetRoom() const override { return fState.fMemory.GetRoom(); }
   void AddObject(TElement&& object, std::size_t bytes) override;
   /// Makes everything that waits for the end of the document. The last call.
@@ -39,12 +40,19 @@ class TDocument final : public IObjectSink, public IBuilders {
   TEntry& Entry(const std::string& name);
   TNamespaceBuilder& List(const std::string& name);
   TNamespaceBuilder& Group();
+  TNamespaceBuilder& BuilderFor(const TElement& object);
   void Add(TElement&& object, std::size_t bytes);
   void AddNamedObject(TElement&& object, std::size_t bytes);
+  void AddName(TElement&& path, std::size_t bytes);
+  void AddValue(TElement&& value, std::size_t bytes);
+  void RequireObjects() const;
   void AddError(const TElement& error);
 
   TReadingState fState;
   TPosition fFirstError;
+  TPosition fCall;      // the first call of a method
+  TPosition fResponse;  // the first response to one
+  bool fIsInCall = false;
   bool fHasObjects = false;
   NModel::TNameMap<TEntry> fNamespaces;
   std::vector<TNamespaceBuilder*> fBuilders;  // all of them in their order

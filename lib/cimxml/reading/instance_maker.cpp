@@ -5,7 +5,10 @@
 #include <qdxmodel/names.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "object_makers.h"
@@ -23,7 +26,9 @@ class TInstanceMaker {
       : fSpace(space),
         fClass(*cimClass),
         fElement(instance),
-        fTarget(cimClass->CreateInstance({})) {}
+        fTarget(cimClass->CreateInstance({})) {
+    fGiven.reserve(instance.fChildren.size());
+  }
 
   void SetKeysFromName(const TElement& name) {
     if (!NModel::EqualIgnoringCase(ClassNameOf(name), fElement.Get("CLASSNAME"))) {
@@ -63,8 +68,8 @@ class TInstanceMaker {
     fTarget->SetPropertyValue(name, value, {});
   }
 
-  void Commit() {
-    CommitTarget();
+  void Commit(bool isNameOnly) {
+    if (!CommitTarget() && !isNameOnly) fElement.Refuse("another instance has the same keys");
     if (fIsContradictory) {
       fSpace.GetState().fContradictions.Add("line " + std::to_string(fElement.fPosition.fLine));
     }
@@ -72,18 +77,21 @@ class TInstanceMaker {
   }
 
  private:
-  void CommitTarget() {
+  /// Returns false if there is such an instance.
+  bool CommitTarget() {
     try {
       fTarget->Commit({});
+      return true;
     } catch (const TQDXException& e) {
       if (e.GetStatusCode() != kQDXStatusAlreadyExists) throw;
-      fElement.Refuse("another instance has the same keys");
+      return false;
     }
   }
 
   void WarnOfRepeatedProperties() {
+    if (!HasRepeatedProperties()) return;
     const auto byDecl = [](const auto& left, const auto& right) {
-      return left.first < right.first;
+      return std::less<>()(left.first, right.first);
     };
     std::stable_sort(fGiven.begin(), fGiven.end(), byDecl);
     for (std::size_t i = 1; i < fGiven.size(); ++i) {
@@ -92,6 +100,18 @@ class TInstanceMaker {
       fSpace.GetState().Warn(property, "property " + Shown(property.Get("NAME")) +
                                            " is given twice; the last value is taken");
     }
+  }
+
+  /// Sorting takes longer than comparing a few. With many, returns true without a look.
+  bool HasRepeatedProperties() const {
+    constexpr std::size_t kFew = 32;
+    if (fGiven.size() > kFew) return true;
+    for (std::size_t i = 1; i < fGiven.size(); ++i) {
+      for (std::size_t j = 0; j < i; ++j) {
+        if (fGiven[i].first == fGiven[j].first) return true;
+      }
+    }
+    return false;
   }
 
   TSpace& fSpace;
@@ -163,7 +183,8 @@ void MakeInstance(TSpace& space, const TElement& object) {
       // Qualifiers of instances are ignored.
       if (!child.Is("QUALIFIER")) maker.SetProperty(child);
     }
-    maker.Commit();
+    // The document may have the whole instance, too.
+    maker.Commit(object.Is("OBJECTPATH"));
   });
 }
 

@@ -15,6 +15,19 @@ bool MayHoldReference(const TElement& element) {
   return !element.Is("PROPERTY") && !element.Is("PROPERTY.ARRAY") && !element.Is("KEYVALUE");
 }
 
+/// Returns false if there is surely no reference in an instance or its name.
+bool MayHaveReferences(const TElement& object) {
+  for (const TElement& child : object.fChildren) {
+    const bool isPlain = !MayHoldReference(child) || child.Is("QUALIFIER");
+    const bool isKey = child.Is("KEYBINDING") && child.fChildren.size() == 1 &&
+                       !MayHoldReference(child.fChildren.front());
+    const bool isPart = child.Is("INSTANCE") || child.Is("INSTANCENAME");
+    const bool hasNone = isPlain || isKey || (isPart && !MayHaveReferences(child));
+    if (!hasNone) return true;
+  }
+  return false;
+}
+
 /// Returns the class in the name within a reference; null if there is none.
 const std::string* FindClassName(const TElement& name) {
   return name.Find(name.Is("CLASSNAME") ? "NAME" : "CLASSNAME");
@@ -129,6 +142,7 @@ void TNamespaceBuilder::Wait(std::deque<TElement>& queue, TElement&& object, std
 
 bool TNamespaceBuilder::IsReady(const TElement& object) {
   if (!MakeClassIfPossible(FindInstance(object)->Get("CLASSNAME"))) return false;
+  if (!MayHaveReferences(object)) return true;
   return ForEachReference(fBuilders, *this, object,
                           [](TNamespaceBuilder& target, const std::string& className, auto&) {
                             return target.MakeClassIfPossible(className);

@@ -10,16 +10,26 @@ namespace {
 
 bool IsPath(const TElement& element) {
   return element.Is("CLASSPATH") || element.Is("LOCALCLASSPATH") || element.Is("INSTANCEPATH") ||
-         element.Is("LOCALINSTANCEPATH");
+         element.Is("LOCALINSTANCEPATH") || element.Is("OBJECTPATH");
+}
+
+/// Appends the parts of a name between slashes, without empty ones.
+void AppendParts(std::string_view name, std::string& joined) {
+  while (!name.empty()) {
+    const std::size_t slash = std::min(name.find('/'), name.size());
+    if (slash != 0 && !joined.empty()) joined += '/';
+    joined += name.substr(0, slash);
+    name.remove_prefix(std::min(slash + 1, name.size()));
+  }
 }
 
 std::string JoinedNames(const TElement& localPath) {
   std::string joined;
   for (const TElement& part : localPath.fChildren) {
     if (!part.Is("NAMESPACE")) localPath.RefuseChild(part);
-    if (&part != &localPath.fChildren.front()) joined += '/';
-    joined += part.Get("NAME");
+    AppendParts(part.Get("NAME"), joined);
   }
+  if (joined.empty()) localPath.Refuse("a namespace without name");
   return joined;
 }
 
@@ -43,6 +53,14 @@ const TElement* FindName(const TElement& element) {
   for (const TElement& child : element.fChildren) {
     if (child.Is("INSTANCENAME") || child.Is("CLASSNAME")) return &child;
     if (IsPath(child)) return FindName(child);
+  }
+  return nullptr;
+}
+
+const TElement* FindHost(const TElement& element) {
+  if (element.Is("NAMESPACEPATH")) return element.Child("HOST");
+  for (const TElement& child : element.fChildren) {
+    if (child.Is("NAMESPACEPATH") || IsPath(child)) return FindHost(child);
   }
   return nullptr;
 }

@@ -16,6 +16,9 @@ namespace NVORNQDX20::NCIMXML {
 /// Returns the namespace in a path, or in an object with its path; nothing if it has none.
 std::optional<std::string> NamespaceNameOf(const TElement& element);
 
+/// Returns the HOST in a path, or in an object with its path; null if it has none.
+const TElement* FindHost(const TElement& element);
+
 /// Returns the INSTANCENAME or CLASSNAME of a path, or of an object with its name or path; null if
 /// there is none.
 const TElement* FindName(const TElement& element);

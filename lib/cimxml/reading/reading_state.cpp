@@ -34,10 +34,33 @@ void TWarnings::Report(const std::string& name, std::string_view others) const {
              {"cimxml: ", name, ": ", std::to_string(more), " more ", std::string(others)});
 }
 
+void THosts::AddOfReference(const TElement& host) {
+  const auto [found, isNew] = fHosts.try_emplace(host.fText);
+  if (found->second.fReferences++ != 0) return;
+  found->second.fOrder = fHosts.size();
+  found->second.fFirst = host.fPosition;
+}
+
+void THosts::Report(const std::string& name) const {
+  std::size_t count = 0;
+  const std::pair<const std::string, THost>* first = nullptr;
+  for (const auto& each : fHosts) {
+    if (each.second.fIsOwn) continue;
+    count += each.second.fReferences;
+    if (first == nullptr || each.second.fOrder < first->second.fOrder) first = &each;
+  }
+  if (first == nullptr) return;
+  LogMessage(ILogger::kLogWarning,
+             {"cimxml: ", std::to_string(count), " references lost their host, which no object of ",
+              name, " has, the first: line ", std::to_string(first->second.fFirst.fLine), ", host ",
+              Shown(first->first)});
+}
+
 void TReadingState::Report(const std::string& name) const {
   fErrors.Report("responses are errors in", name);
   fLeftOut.Report(name, "objects are left out");
   fChanged.Report(name, "parts of objects are ignored or changed");
+  fHosts.Report(name);
   fContradictions.Report("instances have another class or other keys than their names in", name);
   fUnheldDateTimes.Report("date-times that cannot be held were read as null from", name);
 }

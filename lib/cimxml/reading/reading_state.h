@@ -54,6 +54,25 @@ class TWarnings {
   std::size_t fCount = 0;
 };
 
+/// Finds references to other machines: those whose host no object of the document has.
+class THosts {
+ public:
+  /// Notes the host of an object, or of the namespace of objects.
+  void AddOwn(const TElement& host) { fHosts[host.fText].fIsOwn = true; }
+  void AddOfReference(const TElement& host);
+  /// Warns of references that lost their host.
+  void Report(const std::string& name) const;
+
+ private:
+  struct THost {
+    bool fIsOwn = false;
+    std::size_t fReferences = 0;
+    std::size_t fOrder = 0;  // of the first reference
+    TPosition fFirst;
+  };
+  NModel::TNameMap<THost> fHosts;
+};
+
 struct TReadingState {
   /// Records an object that could not be taken. `object` is a text such as: class "C".
   void LeaveOut(const std::string& object, const TDocumentError& error) {
@@ -64,6 +83,7 @@ struct TReadingState {
   void Report(const std::string& name) const;
 
   TMemoryAccount fMemory;
+  THosts fHosts;
   TWarnings fLeftOut;       // objects
   TWarnings fChanged;       // parts of objects
   TCountedWarning fErrors;  // error responses

@@ -85,6 +85,8 @@ TTarget TargetOf(TSpace& space, const TElement& name, const std::vector<TKeyBind
 TCIMValue ReadReference(TSpace& space, const TElement& element) {
   const TElement& name = NameOf(element);
   TSpace& target = space.GetSpaces().SpaceOf(element, space);
+  const TElement* const host = FindHost(element);
+  if (host != nullptr) space.GetState().fHosts.AddOfReference(*host);
   constexpr std::size_t kReferenceBytes = 256;
   space.GetMemory().AddHeld(kReferenceBytes, element);
   const std::vector<TKeyBinding> bindings = KeyBindingsOf(name);

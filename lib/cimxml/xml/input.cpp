@@ -116,11 +116,18 @@ std::size_t TInput::Inflate(char* buffer, std::size_t size) {
       RequireMember();
       return 0;
     }
+    if (fDecompressor->IsAtEndOfMember()) SkipPadding();
+    if (fBegin == fEnd) continue;
     const unsigned char* in = fBuffer.get() + fBegin;
     fDecompressor->Inflate(in, fEnd - fBegin, out, size);
     fBegin = static_cast<std::size_t>(in - fBuffer.get());
   }
   return static_cast<std::size_t>(out - buffer);
+}
+
+/// Tapes and archives pad a file with zeros; no member begins with one.
+void TInput::SkipPadding() {
+  while (fBegin != fEnd && fBuffer[fBegin] == 0) ++fBegin;
 }
 
 void TInput::RequireMember() {

@@ -32,6 +32,7 @@ class TInput {
   bool Fill();
   std::size_t Copy(char* buffer, std::size_t size);
   std::size_t Inflate(char* buffer, std::size_t size);
+  void SkipPadding();
   void RequireMember();
   void RequireWithinLimits() const;
 

@@ -21,9 +21,10 @@ namespace {
 constexpr std::size_t kDateTimeLength = 25;
 constexpr char kWildcard = '*';
 
+constexpr std::string_view kBlanks = " \t\r\n";
+
 /// White space around numbers, booleans and date-times is ignored; strings are kept unchanged.
 std::string_view Trimmed(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r\n";
   const std::size_t start = text.find_first_not_of(kBlanks);
   if (start == std::string_view::npos) return {};
   return text.substr(start, text.find_last_not_of(kBlanks) - start + 1);
@@ -161,7 +162,9 @@ bool CanSpell(const TCIMValue& value) {
          TCIMDateTime(value).ToString().size() == kDateTimeLength;
 }
 
-bool IsBlank(std::string_view text) { return Trimmed(text).empty(); }
+bool IsBlank(std::string_view text) {
+  return text.find_first_not_of(kBlanks) == std::string_view::npos;
+}
 
 std::string WriteLiteral(const TCIMValue& value) {
   return NModel::VisitScalar(value, [](auto native) { return Write(std::move(native)); });

@@ -14,29 +14,56 @@
 #include <expat.h>
 
 #include "document_limits.h"
+#include "encoding.h"
+#include "literal.h"
 
 namespace NVORNQDX20::NCIMXML {
 namespace {
 
+enum class EHolds { kNoObjects, kObjects };
+enum class EGroup { kNone, kGroup };
+
 struct TContainer {
   std::string_view fName;
   std::string_view fParent;
-  bool fIsGroup;  ///< It names a namespace of its own.
-  bool fHasObjects;
+  EGroup fGroup = EGroup::kNone;  ///< Whether it can name a namespace of its own.
+  EHolds fHolds = EHolds::kNoObjects;
 };
 
 /// The elements that contain objects, and their ancestors.
-constexpr TContainer kContainers[] = {{"CIM", "", false, false},
-                                      {"DECLARATION", "CIM", false, false},
-                                      {"DECLGROUP", "DECLARATION", true, true},
-                                      {"DECLGROUP.WITHNAME", "DECLARATION", true, true},
-                                      {"DECLGROUP.WITHPATH", "DECLARATION", true, true},
-                                      {"MESSAGE", "CIM", true, false},
-                                      {"MULTIRSP", "MESSAGE", false, false},
-                                      {"SIMPLERSP", "MESSAGE", false, false},
-                                      {"SIMPLERSP", "MULTIRSP", false, false},
-                                      {"IMETHODRESPONSE", "SIMPLERSP", false, true},
-                                      {"IRETURNVALUE", "IMETHODRESPONSE", false, true}};
+constexpr TContainer kContainers[] = {
+    {"CIM", ""},
+    {"DECLARATION", "CIM"},
+    {"DECLGROUP", "DECLARATION", EGroup::kGroup, EHolds::kObjects},
+    {"DECLGROUP.WITHNAME", "DECLARATION", EGroup::kGroup, EHolds::kObjects},
+    {"DECLGROUP.WITHPATH", "DECLARATION", EGroup::kGroup, EHolds::kObjects},
+    {"MESSAGE", "CIM", EGroup::kGroup},
+    {"MULTIRSP", "MESSAGE"},
+    {"SIMPLERSP", "MESSAGE"},
+    {"SIMPLERSP", "MULTIRSP"},
+    {"IMETHODRESPONSE", "SIMPLERSP", EGroup::kNone, EHolds::kObjects},
+    {"IRETURNVALUE", "IMETHODRESPONSE", EGroup::kNone, EHolds::kObjects},
+    {"PARAMVALUE", "IMETHODRESPONSE", EGroup::kNone, EHolds::kObjects},
+    {"METHODRESPONSE", "SIMPLERSP", EGroup::kNone, EHolds::kObjects},
+    {"RETURNVALUE", "METHODRESPONSE", EGroup::kNone, EHolds::kObjects},
+    {"PARAMVALUE", "METHODRESPONSE", EGroup::kNone, EHolds::kObjects},
+    {"MULTIREQ", "MESSAGE"},
+    {"SIMPLEREQ", "MESSAGE", EGroup::kNone, EHolds::kObjects},
+    {"SIMPLEREQ", "MULTIREQ", EGroup::kNone, EHolds::kObjects},
+    {"IMETHODCALL", "SIMPLEREQ", EGroup::kGroup, EHolds::kObjects},
+    {"IPARAMVALUE", "IMETHODCALL", EGroup::kNone, EHolds::kObjects},
+    {"METHODCALL", "SIMPLEREQ", EGroup::kGroup, EHolds::kObjects},
+    {"PARAMVALUE", "METHODCALL", EGroup::kNone, EHolds::kObjects},
+    {"MULTIEXPREQ", "MESSAGE"},
+    {"SIMPLEEXPREQ", "MESSAGE", EGroup::kNone, EHolds::kObjects},
+    {"SIMPLEEXPREQ", "MULTIEXPREQ", EGroup::kNone, EHolds::kObjects},
+    {"EXPMETHODCALL", "SIMPLEEXPREQ", EGroup::kGroup, EHolds::kObjects},
+    {"EXPPARAMVALUE", "EXPMETHODCALL", EGroup::kNone, EHolds::kObjects},
+    {"MULTIEXPRSP", "MESSAGE"},
+    {"SIMPLEEXPRSP", "MESSAGE"},
+    {"SIMPLEEXPRSP", "MULTIEXPRSP"},
+    {"EXPMETHODRESPONSE", "SIMPLEEXPRSP", EGroup::kNone, EHolds::kObjects},
+    {"IRETURNVALUE", "EXPMETHODRESPONSE", EGroup::kNone, EHolds::kObjects}};
 
 const TContainer* FindContainer(std::string_view name, const TContainer* parent) {
   const std::string_view parentName = parent == nullptr ? std::string_view() : parent->fName;
@@ -44,6 +71,10 @@ const TContainer* FindContainer(std::string_view name, const TContainer* parent)
       std::begin(kContainers), std::end(kContainers),
       [&](const TContainer& each) { return each.fName == name && each.fParent == parentName; });
   return found == std::end(kContainers) ? nullptr : found;
+}
+
+bool HoldsText(const TElement& element) {
+  return element.Is("VALUE") || element.Is("KEYVALUE") || element.Is("HOST");
 }
 
 class TParser {
@@ -60,6 +91,7 @@ class TParser {
     XML_SetAttlistDeclHandler(fParser.get(), &OnAttlistDecl);
     XML_SetStartDoctypeDeclHandler(fParser.get(), &OnDoctype);
     XML_SetDefaultHandlerExpand(fParser.get(), &OnMarkup);
+    XML_SetUnknownEncodingHandler(fParser.get(), &OnEncoding, nullptr);
   }
 
   void Run() {
@@ -111,6 +143,10 @@ class TParser {
     parser.Guarded([&] { parser.fTag.append(text, static_cast<std::size_t>(length)); });
   }
 
+  static int OnEncoding(void*, const XML_Char* name, XML_Encoding* encoding) {
+    return FillEncoding(name, encoding->map) ? XML_STATUS_OK : XML_STATUS_ERROR;
+  }
+
   /// Exceptions must not pass through expat, so they are stored until it returns.
   template <typename TWork>
   void Guarded(TWork&& work) noexcept {
@@ -130,6 +166,7 @@ class TParser {
   void Start(const XML_Char* name, const XML_Char** attributes);
   void End();
   void Text(std::string_view text);
+  void StrayText(std::string_view text);
   bool StartContainer(const TElement& element);
   void StartObject(TElement&& element);
   TElement MakeElement(const XML_Char* name, const XML_Char** attributes);
@@ -193,11 +230,11 @@ bool TParser::StartContainer(const TElement& element) {
   if (container != nullptr) {
     fBytes = 0;
     fContainers.push_back(container);
-    if (container->fIsGroup) fSink.BeginGroup(element);
+    fSink.BeginContainer(element, container->fGroup == EGroup::kGroup);
     return true;
   }
   if (parent == nullptr) element.Refuse("no CIM-XML document");
-  if (!parent->fHasObjects) {
+  if (parent->fHolds == EHolds::kNoObjects) {
     element.Refuse("<" + std::string(element.fName) + "> holds nothing of a namespace");
   }
   return false;
@@ -213,6 +250,10 @@ void TParser::End() {
     fContainers.pop_back();
     return;
   }
+  const TElement& ended = *fOpen.back();
+  if (!ended.fText.empty() && !HoldsText(ended) && !IsBlank(ended.fText)) {
+    fSink.AddStrayText(ended);
+  }
   fOpen.pop_back();
   if (!fOpen.empty()) return;
   fSink.AddObject(std::move(fObject), std::exchange(fBytes, 0));
@@ -221,12 +262,24 @@ void TParser::End() {
 }
 
 void TParser::Text(std::string_view text) {
-  if (fOpen.empty()) return;
+  if (fOpen.empty()) {
+    if (!fContainers.empty() && !IsBlank(text)) StrayText(text);
+    return;
+  }
   std::string& target = fOpen.back()->fText;
   if (target.size() + text.size() > kMaxTextBytes)
     throw TDocumentError("a value is longer than " + InMiB(kMaxTextBytes));
   target += text;
   AddBytes(text.size());
+}
+
+/// Text outside of objects. It can come in many parts.
+void TParser::StrayText(std::string_view text) {
+  TElement holder;
+  holder.fName = fContainers.back()->fName;
+  holder.fPosition = Position();
+  holder.fText = text;
+  fSink.AddStrayText(holder);
 }
 
 TElement TParser::MakeElement(const XML_Char* name, const XML_Char** attributes) {

@@ -14,7 +14,11 @@ namespace NVORNQDX20::NCIMXML {
 class IObjectSink {
  public:
   virtual ~IObjectSink();
-  virtual void BeginGroup(const TElement& group) = 0;
+  /// Begins an element that holds objects, or other such elements; `isGroup` if it can name a
+  /// namespace for them.
+  virtual void BeginContainer(const TElement& container, bool isGroup) = 0;
+  /// Passes an element that has text, which must not have any.
+  virtual void AddStrayText(const TElement& holder) = 0;
   /// Returns the memory that is left for the next object, in bytes.
   virtual std::size_t GetRoom() const = 0;
   /// `object` is the path of the group or one of its objects; `bytes` is its size in memory.

@@ -1,0 +1,207 @@
+// SPDX-License-Identifier: Apache-2.0
+// What other tools write in documents that is unusual: it is taken, or its loss is reported.
+#include <algorithm>
+
+#include "cimxml/documents.h"
+#include "support/expect_status.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+const std::string kKey = "<QUALIFIER NAME='Key' TYPE='boolean'><VALUE>true</VALUE></QUALIFIER>";
+const std::string kKeyed =
+    Class(Tag("PROPERTY", "NAME='Id' TYPE='uint32'", kKey) + "<PROPERTY NAME='p' TYPE='uint8'/>");
+
+std::string Id(const std::string& value) {
+  return "<PROPERTY NAME='Id' TYPE='uint32'><VALUE>" + value + "</VALUE></PROPERTY>";
+}
+
+std::string Named(const std::string& name, const std::string& key) {
+  return Tag("INSTANCENAME", "CLASSNAME='" + name + "'", Binding("Id", "TYPE='uint32'", key));
+}
+
+std::string Whole(const std::string& key) { return Tag("INSTANCE", "CLASSNAME='C'", Id(key)); }
+
+std::string Path(const std::string& host, const std::string& ns) {
+  return "<NAMESPACEPATH><HOST>" + host + "</HOST><LOCALNAMESPACEPATH><NAMESPACE NAME='" + ns +
+         "'/></LOCALNAMESPACEPATH></NAMESPACEPATH>";
+}
+
+std::string Group(const std::string& content) {
+  return "<CIM><DECLARATION><DECLGROUP>" + content + "</DECLGROUP></DECLARATION></CIM>";
+}
+
+std::string Message(const std::string& content) {
+  return "<CIM><MESSAGE ID='1' PROTOCOLVERSION='1.0'>" + content + "</MESSAGE></CIM>";
+}
+
+std::string LinkTo(const std::string& host) {
+  return "<VALUE.OBJECT><INSTANCE CLASSNAME='L'><PROPERTY.REFERENCE NAME='r'><VALUE.REFERENCE>"
+         "<INSTANCEPATH>" +
+         Path(host, "root/cimv2") + Named("C", "7") +
+         "</INSTANCEPATH></VALUE.REFERENCE></PROPERTY.REFERENCE></INSTANCE></VALUE.OBJECT>";
+}
+
+const std::string kCall =
+    "<IMETHODCALL NAME='X'><LOCALNAMESPACEPATH><NAMESPACE NAME='root'/>"
+    "<NAMESPACE NAME='cimv2'/></LOCALNAMESPACEPATH>";
+
+const struct {
+  const char* fName;
+  std::string fDocument;
+  TNames fWarnings;
+  TNames fRead;  ///< Appear in what is written, with ' for each ".
+} kStrange[] = {
+    // What would be lost without a word.
+    {"SecondInstance",
+     Document({kKeyed, Whole("7") + Whole("8")}),
+     {"3:116 an instance of class \"C\" is ignored: it follows another object in "
+      "<VALUE.NAMEDOBJECT>"},
+     {Id("7")}},
+    {"SecondValue",
+     Document(
+         {Class(Tag("PROPERTY", "NAME='p' TYPE='uint8'", "<VALUE>1</VALUE><VALUE>2</VALUE>"))}),
+     {"2:84 a second value of <PROPERTY> \"p\" is ignored"},
+     {"<VALUE>1</VALUE></PROPERTY>\n</CLASS>"}},
+    {"StrayText",
+     "<CIM>one" + Document({Class("two")})
+                      .substr(std::string("<CIM CIMVERSION='2.0' "
+                                          "DTDVERSION='2.4'>")
+                                  .size()),
+     {"1:6 text in <CIM> is ignored: \"one\"", "2:20 text in <CLASS> is ignored: \"two\""},
+     {"<CLASS NAME='C'>"}},
+    {"PropertyGivenTwice",
+     Document({kKeyed, Tag("INSTANCE", "CLASSNAME='C'",
+                           Id("7") + Property("uint8", "1") + Property("uint8", "2"))}),
+     {"3:164 property \"p\" is given twice; the last value is taken"},
+     {Property("uint8", "2")}},
+    {"PropertyDeclaredTwice",
+     Document({Class(Property("uint8", "1") + Property("string", "x"))}),
+     {"2:95 property \"p\" of class \"C\" is declared twice; the first declaration is taken"},
+     {"<VALUE>1</VALUE></PROPERTY>\n</CLASS>"}},
+    {"EmptyNumber",
+     WithValue("uint8", " "),
+     {"3:119 an empty value of <PROPERTY> \"p\" is no uint8; it is read as null"},
+     {"<PROPERTY NAME='p' TYPE='uint8'/>"}},
+    {"ForeignHost",
+     Group(Path("here", "root/cimv2") + LinkTo("there") + LinkTo("HERE")),
+     {"1 cimxml: 1 references lost their host, which no object of FILE has, the first: line 1, "
+      "host \"there\""},
+     {"<KEYBINDING NAME='Id'>"}},
+    // Namespaces.
+    {"NoInventedNamespace",
+     "<CIM><DECLARATION><DECLGROUP.WITHNAME><VALUE.OBJECTWITHLOCALPATH><LOCALCLASSPATH>"
+     "<LOCALNAMESPACEPATH><NAMESPACE NAME='other'/></LOCALNAMESPACEPATH><CLASSNAME NAME='C'/>"
+     "</LOCALCLASSPATH><CLASS NAME='C'/></VALUE.OBJECTWITHLOCALPATH></DECLGROUP.WITHNAME>"
+     "</DECLARATION></CIM>",
+     {},
+     {"<DECLGROUP.WITHNAME><LOCALNAMESPACEPATH><NAMESPACE NAME='other'/></LOCALNAMESPACEPATH>"}},
+    {"NamespaceWithEmptyParts",
+     Group(Path("h", "/root//x:y/")),
+     {},
+     {"<NAMESPACE NAME='root'/><NAMESPACE NAME='x:y'/></LOCALNAMESPACEPATH>"}},
+    {"NamespaceWithoutName",
+     Group(Path("h", "//") + "<VALUE.OBJECT><CLASS NAME='C'/>"
+                             "</VALUE.OBJECT>"),
+     {"1:59 <NAMESPACEPATH> is left out: a namespace without name"},
+     {"<NAMESPACE NAME='root'/><NAMESPACE NAME='cimv2'/>", "<CLASS NAME='C'>"}},
+    // Spellings.
+    {"FlagsInCapitals",
+     Document(
+         {Class("<QUALIFIER NAME='Q' TYPE='string' TOSUBCLASS='FALSE'/>"), "<CLASS NAME='D'/>"}),
+     {},
+     {"<QUALIFIER.DECLARATION NAME='Q' TYPE='string' TOSUBCLASS='false'>"}},
+    {"NegativeHexadecimal", WithValue("sint16", "-0x7F"), {}, {Property("sint16", "-127")}},
+    {"StaticInLowerCase",
+     Document({Class(Property("uint8", "1") +
+                     Tag("PROPERTY", "NAME='p' TYPE='uint8' PROPAGATED='True'",
+                         "<QUALIFIER NAME='static' TYPE='boolean'><VALUE>TRUE</VALUE></QUALIFIER>"
+                         "<VALUE>2</VALUE>"))}),
+     {},
+     {"PROPAGATED='true'><QUALIFIER NAME='Static' TYPE='boolean'><VALUE>TRUE</VALUE>"
+      "</QUALIFIER><VALUE>2<"}},
+    {"EuroInISO885915",
+     "<?xml version='1.0' encoding='ISO-8859-15'?>" + WithValue("string", "\xA4"),
+     {},
+     {Property("string", "\xE2\x82\xAC")}},
+    {"EuroInWindows1252",
+     "<?xml version='1.0' encoding='windows-1252'?>" + WithValue("string", "\x80"),
+     {},
+     {Property("string", "\xE2\x82\xAC")}},
+    {"ArrayOfReferences",
+     Document({kKeyed,
+               "<INSTANCE CLASSNAME='L'><PROPERTY.REFARRAY NAME='r'><VALUE.REFARRAY>"
+               "<VALUE.REFERENCE>" +
+                   Named("C", "7") +
+                   "</VALUE.REFERENCE><VALUE.NULL/>"
+                   "</VALUE.REFARRAY></PROPERTY.REFARRAY></INSTANCE>"}),
+     {},
+     {"<INSTANCE CLASSNAME='L'>"}},
+    // Messages of all kinds.
+    {"Request",
+     Message("<SIMPLEREQ>" + kCall + "<IPARAMVALUE NAME='NewInstance'>" + Whole("7") +
+             "</IPARAMVALUE></IMETHODCALL></SIMPLEREQ>"),
+     {},
+     {Id("7")}},
+    {"ResponseOfAMethod",
+     Message("<SIMPLERSP><METHODRESPONSE NAME='X'><RETURNVALUE PARAMTYPE='uint32'><VALUE>0</VALUE>"
+             "</RETURNVALUE><PARAMVALUE NAME='Job' PARAMTYPE='reference'><VALUE.REFERENCE>" +
+             Named("C", "7") + "</VALUE.REFERENCE></PARAMVALUE><PARAMVALUE NAME='Made'>" +
+             Tag("INSTANCE", "CLASSNAME='D'", Id("8")) +
+             "</PARAMVALUE></METHODRESPONSE></SIMPLERSP>"),
+     {},
+     {Id("7"), Id("8")}},
+    {"Indication",
+     Message("<SIMPLEEXPREQ><EXPMETHODCALL NAME='ExportIndication'>"
+             "<EXPPARAMVALUE NAME='NewIndication'>" +
+             Whole("7") + "</EXPPARAMVALUE></EXPMETHODCALL></SIMPLEEXPREQ>"),
+     {},
+     {Id("7")}},
+    {"NamesAndThenTheWhole",
+     Message("<SIMPLERSP><IMETHODRESPONSE NAME='X'><IRETURNVALUE><OBJECTPATH><INSTANCEPATH>" +
+             Path("h", "root/cimv2") + Named("C", "7") + "</INSTANCEPATH></OBJECTPATH>" +
+             Named("C", "8") + Tag("INSTANCE", "CLASSNAME='C'", Id("8") + Property("uint8", "2")) +
+             "</IRETURNVALUE></IMETHODRESPONSE></SIMPLERSP>"),
+     {},
+     {Id("7"), Property("uint8", "2")}}};
+
+TEST(StrangeCIMXMLDocument, IsReadAndItsLossesAreReported) {
+  for (const auto& strange : kStrange) {
+    TNames warnings = WarningsOf(strange.fDocument);
+    for (std::string& warning : warnings) {
+      const std::size_t file = warning.find("/tmp/");
+      if (file != std::string::npos) {
+        warning.replace(file, warning.find("d.xml") + 5 - file, "FILE");
+      }
+    }
+    EXPECT_EQ(warnings, strange.fWarnings) << strange.fName;
+    const TDocumentFile file(strange.fDocument);
+    const TLogCapture log;
+    std::string written = ReadAndWritten(file.Path());
+    std::replace(written.begin(), written.end(), '"', '\'');
+    for (const std::string& expected : strange.fRead) {
+      EXPECT_NE(written.find(expected), std::string::npos)
+          << strange.fName << ": " << expected << " in\n"
+          << written;
+    }
+  }
+}
+
+TEST(StrangeCIMXMLDocument, IsRefusedIfItHasNoObjects) {
+  const std::string get = Message("<SIMPLEREQ>" + kCall + "<IPARAMVALUE NAME='InstanceName'>" +
+                                  Named("C", "7") + "</IPARAMVALUE></IMETHODCALL></SIMPLEREQ>");
+  const std::string result = Message(
+      "<SIMPLERSP><METHODRESPONSE NAME='X'><RETURNVALUE><VALUE>0</VALUE></RETURNVALUE>"
+      "</METHODRESPONSE></SIMPLERSP>");
+  const std::pair<std::string, std::string> kCases[] = {
+      {get, "1:55 a request, not a response"}, {result, "1:55 a response without objects"}};
+  for (const auto& [document, reason] : kCases) {
+    const TDocumentFile file(document);
+    const TLogCapture log;
+    EXPECT_QDX_STATUS(NamesIn(file.Path()), kQDXStatusInvalidDataCollectionDocument);
+    EXPECT_EQ(Placed(log.Messages().at(0), file.Path()), reason);
+  }
+}
+
+}  // namespace
+}  // namespace NVORNQDX20
