@@ -52,10 +52,19 @@ std::string Text(const ICIMInstance& instance, const char* property) {
   return instance.GetProperty(property, {})->GetValue();
 }
 
+boost::shared_ptr<ICIMClass> FindOrDeclare(ICIMNamespace& ns) {
+  try {
+    return ns.GetClass(kMissingValueClass, {});
+  } catch (const TQDXException& failure) {
+    if (failure.GetStatusCode() != kQDXStatusNotFound) throw;
+    return DeclareClass(ns, Declaration());
+  }
+}
+
 }  // namespace
 
 void WriteMissingValues(ICIMNamespace& ns, std::vector<TMissingValue> values) {
-  const auto missing = DeclareClass(ns, Declaration());
+  const auto missing = FindOrDeclare(ns);
   for (TMissingValue& value : values) {
     // Its memory is free for the instance.
     const auto [className, instance, property, reason] = std::exchange(value, {});

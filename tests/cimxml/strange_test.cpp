@@ -137,6 +137,27 @@ const struct {
                    "</VALUE.REFARRAY></PROPERTY.REFARRAY></INSTANCE>"}),
      {},
      {"<INSTANCE CLASSNAME='L'>"}},
+    // Date-times that cannot be held: the text is the reason, and is found by the key.
+    {"WildcardDateTime",
+     Document({Class(Tag("PROPERTY", "NAME='Id' TYPE='uint32'", kKey) +
+                     "<PROPERTY NAME='p' TYPE='datetime'/>"),
+               Tag("INSTANCE", "CLASSNAME='C'",
+                   Id("7") + Property("datetime", "2004031514****.******+060")),
+               Tag("INSTANCE", "CLASSNAME='C'",
+                   Id("8") + Property("datetime", "2004031515****.******+060"))}),
+     {},
+     {"<PROPERTY NAME='Instance' TYPE='string'><VALUE>7</VALUE></PROPERTY>\n"
+      "<PROPERTY NAME='PropertyName' TYPE='string'><VALUE>p</VALUE></PROPERTY>\n"
+      "<PROPERTY NAME='Reason' TYPE='string'><VALUE>the document says "
+      "&quot;2004031514****.******+060&quot;</VALUE>",
+      "<VALUE>8</VALUE>", "&quot;2004031515****.******+060&quot;</VALUE>"}},
+    {"WildcardsWithoutKeys",
+     Document({Class("<PROPERTY NAME='p' TYPE='datetime'/>"),
+               Instance(Property("datetime", "2004031514****.******+060")),
+               Instance(Property("datetime", "2004031515****.******+060"))}),
+     {"1 cimxml: 1 date-times that cannot be held were read as null from FILE, the first: line 4, "
+      "PROPERTY \"p\""},
+     {"&quot;2004031514****.******+060&quot;</VALUE>"}},
     // Messages of all kinds.
     {"Request",
      Message("<SIMPLEREQ>" + kCall + "<IPARAMVALUE NAME='NewInstance'>" + Whole("7") +

@@ -79,6 +79,15 @@ TEST_F(QDXDiff, WarnsOfValuesThatAreLostAndRefusesWhatIsNoDocument) {
   EXPECT_EQ(fInstallation.Run({"diff", "-", "-"}).fExitCode, 2);
 }
 
+TEST_F(QDXDiff, ComparesTheTextsOfDateTimesThatCannotBeHeld) {
+  const TDocumentFile one(WithValue("datetime", "200403151430**.******+060"));
+  const TDocumentFile other(WithValue("datetime", "200403151431**.******+060"));
+  EXPECT_EQ(fInstallation.Run({"diff", one.Path(), one.Path()}).fExitCode, 0);
+  const TProgramRun run = fInstallation.Run({"diff", one.Path(), other.Path()});
+  EXPECT_EQ(run.fExitCode, 1) << run.fErrors;
+  EXPECT_NE(run.fOutput.find("200403151431**.******+060"), std::string::npos) << run.fOutput;
+}
+
 TEST_F(QDXDiff, WaitsForInputThatDoesNotBlock) {
   const std::string document = WithValue("uint8", "1");
   const TDocumentFile file(document);

@@ -169,6 +169,7 @@ void TDocument::Complete() {
   for (TNamespaceBuilder* each : fBuilders) each->MakeClasses();
   for (std::size_t i = 0; i < fBuilders.size(); ++i) fBuilders[i]->ResolveReferences();
   for (std::size_t i = 0; i < fBuilders.size(); ++i) fBuilders[i]->MakeInstances();
+  for (TNamespaceBuilder* each : fBuilders) each->Reasons().Write(*each->GetNamespace(), fState);
 }
 
 TNamespaceBuilder& TDocument::BuilderOf(const TElement& reference, TNamespaceBuilder& own) {

@@ -58,7 +58,8 @@ class TInstanceMaker {
     const TCIMValue value = ReadPropertyValue(fSpace, property);
     const TElement* const unheld = FindUnheldDateTime(value, property);
     if (unheld != nullptr) {
-      fSpace.GetState().fUnheldDateTimes.Add(PlaceOf(*unheld, property));
+      fSpace.GetMemory().AddHeld(kReasonBytes + unheld->fText.size(), *unheld);
+      fUnheld.emplace_back(&property, unheld);
     }
     const auto key = fKeys.empty() ? fKeys.end() : fKeys.find(name);
     if (key != fKeys.end()) {
@@ -69,14 +70,22 @@ class TInstanceMaker {
   }
 
   void Commit(bool isNameOnly) {
-    if (!CommitTarget() && !isNameOnly) fElement.Refuse("another instance has the same keys");
+    if (!CommitTarget()) {
+      if (isNameOnly) return;
+      fElement.Refuse("another instance has the same keys");
+    }
     if (fIsContradictory) {
       fSpace.GetState().fContradictions.Add("line " + std::to_string(fElement.fPosition.fLine));
     }
     WarnOfRepeatedProperties();
+    for (const auto& [property, text] : fUnheld) {
+      fSpace.Reasons().Add(fClass, *fTarget, *property, *text);
+    }
   }
 
  private:
+  static constexpr std::size_t kReasonBytes = 1024;
+
   /// Returns false if there is such an instance.
   bool CommitTarget() {
     try {
@@ -121,6 +130,7 @@ class TInstanceMaker {
   bool fIsContradictory = false;      // a property contradicts the instance's name
   NModel::TNameMap<TCIMValue> fKeys;  // from the instance's name
   std::vector<std::pair<const ICIMPropertyDecl*, const TElement*>> fGiven;
+  std::vector<std::pair<const TElement*, const TElement*>> fUnheld;  // properties, their VALUEs
 };
 
 /// Formats a value of a key for a message.

@@ -11,6 +11,7 @@
 #include <deque>
 #include <string>
 
+#include "missing_reasons.h"
 #include "reading_state.h"
 #include "xml/element.h"
 
@@ -73,6 +74,7 @@ class TSpace {
   void AddClass(const std::string& name, const TReadClass& made) { fClasses.emplace(name, made); }
   /// Returns what stands in for a declared class; empty before it is made.
   TTarget& StandIn(const std::string& signature) { return fStandIns[signature]; }
+  TMissingReasons& Reasons() { return fReasons; }
   std::deque<TUnresolved>& Unresolved() { return fUnresolved; }
 
  private:
@@ -81,6 +83,7 @@ class TSpace {
   const boost::shared_ptr<ICIMNamespace> fNamespace;
   NModel::TNameMap<TReadClass> fClasses;
   NModel::TNameMap<TTarget> fStandIns;
+  TMissingReasons fReasons;
   std::deque<TUnresolved> fUnresolved;  // their elements must not move
 };
 

@@ -17,6 +17,10 @@ class TCountedWarning {
   void Add(std::string where) {
     if (fCount++ == 0) fFirst = std::move(where);
   }
+  void Add(const TCountedWarning& other) {
+    if (fCount == 0) fFirst = other.fFirst;
+    fCount += other.fCount;
+  }
   std::size_t GetCount() const { return fCount; }
   const std::string& GetFirst() const { return fFirst; }
   /// Logs "cimxml: N WHAT FILE, the first: WHERE" if there was any event.

@@ -26,7 +26,7 @@ struct TMissingValue {
   TReason fReason;
 };
 
-/// Declares the class and adds an instance for each missing value.
+/// Declares the class, unless the namespace has it, and adds an instance for each missing value.
 void WriteMissingValues(ICIMNamespace& ns, std::vector<TMissingValue> values);
 
 /// Reasons by class, instance and property, as in TMissingValue.

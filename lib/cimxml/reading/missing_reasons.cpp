@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "missing_reasons.h"
+
+#include <qdxcore/interfaces.h>
+#include <qdxcore/reference.h>
+#include <qdxcore/status.h>
+#include <qdxdescribe/missing_values.h>
+#include <qdxmodel/classes.h>
+
+#include <algorithm>
+#include <optional>
+
+#include "value_reader.h"
+#include "xml/literal.h"
+
+namespace NVORNQDX20::NCIMXML {
+namespace {
+
+/// Formats a key as reasons name it.
+std::string TextOf(const TCIMValue& key) {
+  if (key.IsReference()) return TCIMReference(key).GetPath();
+  if (key.GetType() != TCIMType::kCIMTypeBoolean) return WriteLiteral(key);
+  return static_cast<bool>(key) ? "true" : "false";
+}
+
+/// Returns nothing for an instance without keys among others.
+std::optional<std::string> LastKeyOf(const ICIMClass& cimClass, const ICIMInstance& instance) {
+  const auto properties = NModel::PropertiesOf(cimClass);
+  const auto last = std::find_if(properties.rbegin(), properties.rend(),
+                                 [](const auto& property) { return property.fIsKey; });
+  if (last != properties.rend()) {
+    return TextOf(instance.GetProperty(last->fDecl->GetName(), {})->GetValue());
+  }
+  std::size_t count = 0;
+  cimClass.EnumerateInstances([&count](const auto&) { return ++count < 2; }, false, {});
+  if (count > 1) return std::nullopt;
+  return std::string();
+}
+
+bool IsRecorded(ICIMNamespace& ns, NDescribe::TMissingValue value) {
+  try {
+    std::vector<NDescribe::TMissingValue> values;
+    values.push_back(std::move(value));
+    NDescribe::WriteMissingValues(ns, std::move(values));
+    return true;
+  } catch (const TQDXException& e) {
+    // The document declares the class in another way, or has another reason.
+    if (e.GetStatusCode() == kQDXStatusOutOfMemory) throw;
+    return false;
+  }
+}
+
+}  // namespace
+
+void TMissingReasons::Add(const ICIMClass& cimClass, const ICIMInstance& instance,
+                          const TElement& property, const TElement& text) {
+  const auto key = LastKeyOf(cimClass, instance);
+  const std::string place = PlaceOf(text, property);
+  if (!key) return fUnrecorded.Add(place);
+  const auto decl = FindDecl(cimClass, property.Get("NAME"));
+  const auto [known, isNew] = fTexts.try_emplace(
+      std::tuple(cimClass.GetName({}), *key, decl->GetName()), TText{text.fText, place});
+  if (!isNew && known->second.fText != text.fText) fUnrecorded.Add(place);
+}
+
+void TMissingReasons::Write(ICIMNamespace& ns, TReadingState& state) {
+  for (const auto& [place, text] : fTexts) {
+    const auto& [cimClass, key, property] = place;
+    const NDescribe::TReason reason("the document says " + Shown(text.fText),
+                                    NDescribe::TReason::kAbsence);
+    if (!IsRecorded(ns, {cimClass, key, property, reason})) fUnrecorded.Add(text.fPlace);
+  }
+  state.fUnheldDateTimes.Add(fUnrecorded);
+  fTexts.clear();
+}
+
+}  // namespace NVORNQDX20::NCIMXML

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+/// The texts of date-times that cannot be held, as the reasons why their properties are null.
+#ifndef LIB_CIMXML_READING_MISSING_REASONS_H_
+#define LIB_CIMXML_READING_MISSING_REASONS_H_
+
+#include <map>
+#include <string>
+#include <tuple>
+
+#include "reading_state.h"
+#include "xml/element.h"
+
+namespace NVORNQDX20 {
+class ICIMClass;
+class ICIMInstance;
+class ICIMNamespace;
+}  // namespace NVORNQDX20
+
+namespace NVORNQDX20::NCIMXML {
+
+/// Collects the reasons of one namespace, and adds them to it in the end.
+class TMissingReasons {
+ public:
+  /// `property` has a VALUE that was read as null, `text`, and belongs to the committed instance.
+  void Add(const ICIMClass& cimClass, const ICIMInstance& instance, const TElement& property,
+           const TElement& text);
+  /// Counts those that cannot be recorded: of one among several instances without keys, and where
+  /// the document itself explains the property.
+  void Write(ICIMNamespace& ns, TReadingState& state);
+
+ private:
+  struct TText {
+    std::string fText;
+    std::string fPlace;
+  };
+  /// By class, key and property.
+  std::map<std::tuple<std::string, std::string, std::string>, TText> fTexts;
+  TCountedWarning fUnrecorded;
+};
+
+}  // namespace NVORNQDX20::NCIMXML
+
+#endif  // LIB_CIMXML_READING_MISSING_REASONS_H_
