@@ -214,11 +214,12 @@ TNamespaceBuilder& TDocument::Group() {
   return *fGroup;
 }
 
-boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int descriptor) {
-  TDocument document;
+boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int descriptor,
+                                                    const TReadingLimits& limits) {
+  TDocument document(limits);
   try {
-    TInput input(descriptor);
-    ParseDocument(input, document);
+    TInput input(descriptor, limits);
+    ParseDocument(input, document, limits);
     document.Complete();
   } catch (const TDocumentError& error) {
     const bool isOfFile = error.fStatus != kQDXStatusInvalidDataCollectionDocument;

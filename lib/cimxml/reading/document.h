@@ -18,6 +18,8 @@ namespace NVORNQDX20::NCIMXML {
 
 class TDocument final : public IObjectSink, public IBuilders {
  public:
+  explicit TDocument(const TReadingLimits& limits) : fState(limits) {}
+
   void BeginContainer(const TElement& container, bool isGroup) override;
   void AddStrayText(const TElement& holder) override;
   std::size_t GetRoom() const override { return fState.fMemory.GetRoom(); }

@@ -22,11 +22,12 @@ namespace {
   LogErrorAndThrow(code, {"cimxml: ", file == "-" ? "standard input" : file, ": ", reason});
 }
 
-boost::shared_ptr<TRepositoryProvider> ReadFile(const std::string& file) {
-  if (file == "-") return ReadDocument("standard input", STDIN_FILENO);
+boost::shared_ptr<TRepositoryProvider> ReadFile(const std::string& file,
+                                                const TReadingLimits& limits) {
+  if (file == "-") return ReadDocument("standard input", STDIN_FILENO, limits);
   const TDescriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
   if (!descriptor.IsOpen()) Refuse(file);
-  return ReadDocument(file, descriptor.Get());
+  return ReadDocument(file, descriptor.Get(), limits);
 }
 
 }  // namespace
@@ -52,7 +53,7 @@ boost::shared_ptr<TRepositoryProvider> TDocumentCache::Read(const std::string& f
   const TIdentity identity(file);
   if (!fLast || !(identity == fLastIdentity)) {
     fLast.reset();  // frees the old document before the new one is read
-    fLast = ReadFile(file);
+    fLast = ReadFile(file, fLimits);
     fLastIdentity = identity;
   }
   return fLast;

@@ -11,11 +11,11 @@ namespace NVORNQDX20::NCIMXML {
 
 void TMemoryAccount::AddHeld(std::size_t bytes, const TElement& element) {
   fHeldBytes += bytes;
-  if (fHeldBytes + fObjectBytes > kMaxHeldBytes) throw TooMuchHeld(element.fPosition);
+  if (fHeldBytes + fObjectBytes > fLimits.HeldBytes()) throw fLimits.TooMuchHeld(element.fPosition);
 }
 
 std::size_t TMemoryAccount::GetRoom() const {
-  return kMaxHeldBytes - std::min(fHeldBytes, kMaxHeldBytes);
+  return fLimits.HeldBytes() - std::min(fHeldBytes, fLimits.HeldBytes());
 }
 
 void TWarnings::Add(const TPosition& position, const std::string& text) {

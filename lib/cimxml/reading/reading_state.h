@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "xml/counted_warning.h"
+#include "xml/document_limits.h"
 #include "xml/element.h"
 
 namespace NVORNQDX20::NCIMXML {
@@ -19,6 +20,8 @@ namespace NVORNQDX20::NCIMXML {
 /// Counts the memory that a document needs, against the limit.
 class TMemoryAccount {
  public:
+  explicit TMemoryAccount(const TReadingLimits& limits) : fLimits(limits) {}
+
   /// Begins to read an object of this size.
   void BeginObject(std::size_t bytes) { fObjectBytes = bytes; }
   /// Throws a fatal TDocumentError above the limit.
@@ -34,6 +37,7 @@ class TMemoryAccount {
   std::size_t GetRoom() const;
 
  private:
+  const TDocumentLimits fLimits;
   std::size_t fHeldBytes = 0;
   std::size_t fObjectBytes = 0;  // of the object that is being read
 };
@@ -74,6 +78,8 @@ class THosts {
 };
 
 struct TReadingState {
+  explicit TReadingState(const TReadingLimits& limits) : fMemory(limits) {}
+
   /// Records an object that could not be taken. `object` is a text such as: class "C".
   void LeaveOut(const std::string& object, const TDocumentError& error) {
     fLeftOut.Add(error.fPosition, object + " is left out: " + error.fReason);

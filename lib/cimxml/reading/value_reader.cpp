@@ -183,7 +183,7 @@ TCIMValue ReadValue(TSpace& space, TCIMType type, const TElement& holder) {
   const unsigned int size = ArraySizeOf(holder);
   const TElement* const value = FindValueOf(holder);
   if (value == nullptr) return IsArray(type) ? TCIMValue(type, size) : TCIMValue(type, 0);
-  WarnOfOtherValues(space, holder, *value);
+  if (holder.fChildren.size() > 1) WarnOfOtherValues(space, holder, *value);
   const bool isReference = ElementType(type) == TCIMType::kCIMTypeReference;
   const char* const scalar = isReference ? "VALUE.REFERENCE" : "VALUE";
   const char* const array = isReference ? "VALUE.REFARRAY" : "VALUE.ARRAY";

@@ -37,9 +37,6 @@ struct TDocumentError final : std::exception {
 /// Formats ": line L, column C".
 std::string AtPosition(const TPosition& position);
 
-/// The error of a document that exceeds kMaxHeldBytes. It is fatal.
-TDocumentError TooMuchHeld(TPosition position = {});
-
 /// Returns a part of the document for use in a reason: short, on one line, in double quotes.
 std::string Shown(std::string_view text);
 /// The same without quotes.

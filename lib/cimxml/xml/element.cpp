@@ -4,14 +4,11 @@
 #include <qdxmodel/names.h>
 
 #include <algorithm>
-#include <iterator>
-
-#include "document_limits.h"
+#include <cstddef>
 
 namespace NVORNQDX20::NCIMXML {
 namespace {
 
-// Sorted by bytes, for the binary search.
 constexpr std::string_view kElements[] = {"CIM",
                                           "CLASS",
                                           "CLASSNAME",
@@ -85,17 +82,48 @@ constexpr std::string_view kAttributes[] = {
     "PROPAGATED", "PROPERTY",     "REFERENCE", "REFERENCECLASS", "SUPERCLASS",  "TOINSTANCE",
     "TOSUBCLASS", "TRANSLATABLE", "TYPE",      "VALUETYPE"};
 
-template <typename TNames>
-std::string_view FindIn(const TNames& names, std::string_view name) {
-  const auto* const found = std::lower_bound(std::begin(names), std::end(names), name);
-  return found != std::end(names) && *found == name ? *found : std::string_view();
-}
+/// Finds names by a hash that is computed when the library is compiled.
+template <std::size_t kCount>
+class TNameTable {
+ public:
+  explicit constexpr TNameTable(const std::string_view (&names)[kCount]) : fNames(names) {
+    static_assert(kCount < kSlots / 2);
+    for (std::size_t i = 0; i < kCount; ++i) {
+      std::size_t slot = SlotOf(names[i]);
+      while (fSlots[slot] != 0) slot = (slot + 1) % kSlots;
+      fSlots[slot] = static_cast<unsigned char>(i + 1);
+    }
+  }
+
+  std::string_view Find(std::string_view name) const {
+    if (name.empty()) return {};
+    for (std::size_t slot = SlotOf(name); fSlots[slot] != 0; slot = (slot + 1) % kSlots) {
+      const std::string_view& found = fNames[fSlots[slot] - 1U];
+      if (found == name) return found;
+    }
+    return {};
+  }
+
+ private:
+  static constexpr std::size_t kSlots = 256;
+  static constexpr std::size_t SlotOf(std::string_view name) {
+    const auto at = [name](std::size_t i) { return static_cast<unsigned char>(name[i]); };
+    return (name.size() * 37 + at(0) * 5U + at(name.size() / 2) * 11U + at(name.size() - 1)) %
+           kSlots;
+  }
+
+  const std::string_view (&fNames)[kCount];
+  unsigned char fSlots[kSlots] = {};  // 0 for none, else the number of the name from 1
+};
+
+constexpr TNameTable kElementTable(kElements);
+constexpr TNameTable kAttributeTable(kAttributes);
 
 }  // namespace
 
-std::string_view KnownElement(std::string_view name) { return FindIn(kElements, name); }
+std::string_view KnownElement(std::string_view name) { return kElementTable.Find(name); }
 
-std::string_view KnownAttribute(std::string_view name) { return FindIn(kAttributes, name); }
+std::string_view KnownAttribute(std::string_view name) { return kAttributeTable.Find(name); }
 
 const std::string* TElement::Find(std::string_view attribute) const {
   for (const TAttribute& each : fAttributes) {
@@ -148,13 +176,6 @@ const TElement& TElement::OnlyChild() const {
 void TElement::RefuseChild(const TElement& child) const {
   child.Refuse("<" + std::string(child.fName) + "> does not belong into <" + std::string(fName) +
                ">");
-}
-
-TDocumentError TooMuchHeld(TPosition position) {
-  TDocumentError error("the document needs more than " + InMiB(kMaxHeldBytes) + " of memory",
-                       position);
-  error.fIsFatal = true;
-  return error;
 }
 
 std::string AtPosition(const TPosition& position) {

@@ -71,7 +71,8 @@ class TDecompressor {
   std::size_t fConsumed = 0;  // bytes of all members
 };
 
-TInput::TInput(int descriptor) : fDescriptor(descriptor), fBuffer(new unsigned char[kBufferSize]) {}
+TInput::TInput(int descriptor, const TReadingLimits& limits)
+    : fDescriptor(descriptor), fLimits(limits), fBuffer(new unsigned char[kBufferSize]) {}
 
 TInput::~TInput() = default;
 
@@ -136,8 +137,8 @@ void TInput::RequireMember() {
 }
 
 void TInput::RequireWithinLimits() const {
-  if (fDelivered > kMaxDocumentBytes) {
-    throw TDocumentError("larger than " + std::to_string(kMaxDocumentBytes) + " bytes");
+  if (fDelivered > fLimits.DocumentBytes()) {
+    throw fLimits.Exceeded("larger than " + InMiB(fLimits.DocumentBytes()));
   }
   if (fDelivered > kSmallDocumentBytes && fDelivered / kMaxInflation > fConsumed) {
     throw TDocumentError("more than " + std::to_string(kMaxInflation) +

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <memory>
 
+#include "document_limits.h"
+
 namespace NVORNQDX20::NCIMXML {
 
 class TDecompressor;
@@ -13,7 +15,7 @@ class TDecompressor;
 class TInput {
  public:
   /// Reads from the current position of the descriptor. Does not close it.
-  explicit TInput(int descriptor);
+  TInput(int descriptor, const TReadingLimits& limits);
   ~TInput();
   TInput(const TInput&) = delete;
   TInput& operator=(const TInput&) = delete;
@@ -37,6 +39,7 @@ class TInput {
   void RequireWithinLimits() const;
 
   const int fDescriptor;
+  const TDocumentLimits fLimits;
   const std::unique_ptr<unsigned char[]> fBuffer;
   std::size_t fBegin = 0;  // start of the unused part of the buffer
   std::size_t fEnd = 0;

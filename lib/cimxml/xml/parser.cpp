@@ -79,8 +79,11 @@ bool HoldsText(const TElement& element) {
 
 class TParser {
  public:
-  TParser(TInput& input, IObjectSink& sink)
-      : fInput(input), fSink(sink), fParser(XML_ParserCreate(nullptr), &XML_ParserFree) {
+  TParser(TInput& input, IObjectSink& sink, const TReadingLimits& limits)
+      : fInput(input),
+        fSink(sink),
+        fLimits(limits),
+        fParser(XML_ParserCreate(nullptr), &XML_ParserFree) {
     if (!fParser) throw TQDXException(kQDXStatusOutOfMemory);
     XML_SetUserData(fParser.get(), this);
     XML_SetElementHandler(fParser.get(), &OnStart, &OnEnd);
@@ -179,6 +182,7 @@ class TParser {
 
   TInput& fInput;
   IObjectSink& fSink;
+  const TDocumentLimits fLimits;
   const std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(&XML_ParserFree)> fParser;
   std::exception_ptr fFailure;
   std::size_t fFed = 0;
@@ -315,16 +319,19 @@ void TParser::RequireKnownEntities() {
 
 void TParser::AddBytes(std::size_t bytes) {
   fBytes += bytes;
-  if (fBytes > kMaxObjectBytes) {
-    throw TDocumentError("an object needs more than " + InMiB(kMaxObjectBytes) + " of memory");
+  if (fBytes > fLimits.ObjectBytes()) {
+    throw fLimits.Exceeded("an object needs more than " + InMiB(fLimits.ObjectBytes()) +
+                           " of memory");
   }
-  if (fBytes > fRoom) throw TooMuchHeld();
+  if (fBytes > fRoom) throw fLimits.TooMuchHeld();
 }
 
 }  // namespace
 
 IObjectSink::~IObjectSink() = default;
 
-void ParseDocument(TInput& input, IObjectSink& sink) { TParser(input, sink).Run(); }
+void ParseDocument(TInput& input, IObjectSink& sink, const TReadingLimits& limits) {
+  TParser(input, sink, limits).Run();
+}
 
 }  // namespace NVORNQDX20::NCIMXML

@@ -28,7 +28,7 @@ class IObjectSink {
 /// Reads the whole document. Builds each object as a tree, passes it to the sink and drops it.
 /// Throws TDocumentError with the current position, unless the sink or the input has set one;
 /// passes on other exceptions of the sink.
-void ParseDocument(TInput& input, IObjectSink& sink);
+void ParseDocument(TInput& input, IObjectSink& sink, const TReadingLimits& limits);
 
 }  // namespace NVORNQDX20::NCIMXML
 

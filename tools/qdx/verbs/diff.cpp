@@ -16,9 +16,10 @@ namespace NVORNQDX20 {
 namespace {
 
 /// Sets `incomplete` if values were lost.
-std::vector<TNamespaceSnapshot> ReadSnapshot(const std::string& file, bool& incomplete) {
+std::vector<TNamespaceSnapshot> ReadSnapshot(const std::string& file, const TArguments& arguments,
+                                             bool& incomplete) {
   std::vector<TNamespaceSnapshot> snapshot;
-  for (const auto& ns : OpenDocument(file, incomplete)) {
+  for (const auto& ns : OpenDocument(file, arguments, incomplete)) {
     snapshot.push_back({ns->GetName({}), {}, NDescribe::ReadMissingReasons(*ns)});
     TSnapshotReader(*ns, kValues, snapshot.back().fClasses).ReadAll();
     SortSnapshot(snapshot.back().fClasses);
@@ -136,8 +137,8 @@ EExitCode RunDiff(const TArguments& arguments) {
     FailOnUsage("only one of the two can be standard input");
   }
   bool incomplete = false;
-  TComparedDocument inA{a, ReadSnapshot(a, incomplete)};
-  TComparedDocument inB{b, ReadSnapshot(b, incomplete)};
+  TComparedDocument inA{a, ReadSnapshot(a, arguments, incomplete)};
+  TComparedDocument inB{b, ReadSnapshot(b, arguments, incomplete)};
   for (const std::string& line : RemoveUnsharedParts(inA, inB)) PrintError(line);
   const auto differences =
       Compare(std::move(inA.fNamespaces), std::move(inB.fNamespaces), arguments.Has("all"));
@@ -170,7 +171,8 @@ TVerb DiffVerb() {
       "Properties that change while a machine runs, such as counters and free memory, are left\n"
       "out; the manual page lists them. So are the parts that one of the documents was collected\n"
       "without; a line on standard error names them.\n",
-      {{"json", nullptr, "Print one JSON object."},
+      {{"memory", "MIB", "Let each document need so much memory."},
+       {"json", nullptr, "Print one JSON object."},
        {"all", nullptr, "Also compare the properties that change while a machine runs."}},
       RunDiff,
       {{"A"}, {"B"}}};

@@ -20,9 +20,17 @@ using namespace NPluginHost;
 /// What messages of the reader and of the default consumer begin with.
 const char* const kService = "cimxml";
 
+NCIMXML::TReadingLimits ReadingLimitsOf(const TArguments& arguments) {
+  NCIMXML::TReadingLimits limits;
+  limits.fHowToRaise = "--memory sets another limit";
+  if (arguments.Has("memory")) limits.fMemory = BytesOf(arguments.Get("memory", ""));
+  return limits;
+}
+
 }  // namespace
 
-TNamespaces OpenDocument(const std::string& file, bool& incomplete) {
+TNamespaces OpenDocument(const std::string& file, const TArguments& arguments, bool& incomplete) {
+  const NCIMXML::TReadingLimits limits = ReadingLimitsOf(arguments);
   const std::string shownAs = file == "-" ? "standard input" : file;
   TNamespaces namespaces;
   std::vector<std::string> warnings;
@@ -31,7 +39,7 @@ TNamespaces OpenDocument(const std::string& file, bool& incomplete) {
     const TLogListener listener(ILogger::kLogWarning, [&](auto severity, const auto& message) {
       if (severity == ILogger::kLogWarning) warnings.push_back(message);
     });
-    NCIMXML::TDocumentCache documents;
+    NCIMXML::TDocumentCache documents(limits);
     const auto document = documents.Read(file);
     document->EnumerateNamespaceNames(
         [&](const std::string& name) {

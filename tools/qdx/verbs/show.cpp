@@ -72,7 +72,8 @@ TRequest RequestOf(const TArguments& arguments) {
     request.fElement = TElementName(first);
   }
   for (const TOptionSpec& option : TMachine::Options()) {
-    if (!request.fFile.empty() && arguments.Has(option.fName)) {
+    const bool isOfReader = option.fName == std::string_view("memory");
+    if (!isOfReader && !request.fFile.empty() && arguments.Has(option.fName)) {
       FailOnUsage(std::string("option '--") + option.fName + "' cannot be used with a file");
     }
   }
@@ -140,9 +141,9 @@ class TSelection {
 };
 
 /// Returns whether all values of the document could be read.
-bool AddDocument(const std::string& file, TSelection& selection) {
+bool AddDocument(const std::string& file, const TArguments& arguments, TSelection& selection) {
   bool incomplete = false;
-  for (const auto& ns : OpenDocument(file, incomplete)) {
+  for (const auto& ns : OpenDocument(file, arguments, incomplete)) {
     selection.Add({"", ns->GetName({})}, ns);
   }
   return !incomplete;
@@ -195,7 +196,7 @@ EExitCode RunShow(const TArguments& arguments) {
   const TRequest request = RequestOf(arguments);
   TSelection selection(request);
   const bool complete = request.fFile.empty() ? AddLiveMachine(arguments, selection)
-                                              : AddDocument(request.fFile, selection);
+                                              : AddDocument(request.fFile, arguments, selection);
   const auto found = selection.TakeFound();
   if (found.empty()) {
     FailToFind(request, complete || !request.fFile.empty(), selection.GetLookupFailure());

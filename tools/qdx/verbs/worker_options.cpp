@@ -34,11 +34,6 @@ TNumber NumberOf(const std::string& text, const std::string& what) {
   return number;
 }
 
-std::uint64_t BytesOf(const std::string& mebibytes) {
-  const std::string what = "MiB from 1 to 4294967295";
-  return std::uint64_t{NumberOf<std::uint32_t>(mebibytes, what)} << 20U;
-}
-
 /// Throws a TCommandFailure for an unknown user, and for another one without the privilege.
 NPluginHost::TUser UserNamed(const std::string& name) {
   const std::string action = "taking on the privileges of user " + name;
@@ -68,6 +63,11 @@ std::vector<TOptionSpec> WorkerOptions() {
       {"delivery", "MIB", "Accept so much data of a plug-in (1024 by default)."},
       {"user", "NAME", "Ask providers with the privileges of this user; needs root."},
   };
+}
+
+std::uint64_t BytesOf(const std::string& mebibytes) {
+  const std::string what = "MiB from 1 to 4294967295";
+  return std::uint64_t{NumberOf<std::uint32_t>(mebibytes, what)} << 20U;
 }
 
 std::chrono::seconds SecondsOf(const std::string& text) {

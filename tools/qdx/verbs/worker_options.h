@@ -5,6 +5,8 @@
 
 #include <qdxplugin_host/worker.h>
 
+#include <cstdint>
+#include <string>
 #include <vector>
 
 #include "cli/arguments.h"
@@ -16,6 +18,9 @@ std::vector<TOptionSpec> WorkerOptions();
 
 /// Returns the limits that they set. Throws a TCommandFailure for a bad value.
 NPluginHost::TWorkerLimits LimitsOf(const TArguments& arguments);
+
+/// Parses a number of MiB from 1 to 4294967295. Throws a TCommandFailure for anything else.
+std::uint64_t BytesOf(const std::string& mebibytes);
 
 /// Parses a number of seconds from 1 to 65535. Throws a TCommandFailure for anything else.
 std::chrono::seconds SecondsOf(const std::string& text);

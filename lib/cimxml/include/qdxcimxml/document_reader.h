@@ -5,8 +5,10 @@
 
 #include <qdxrepository/repository.h>
 
+#include <cstdint>
 #include <ctime>
 #include <string>
+#include <utility>
 
 #include <sys/types.h>
 
@@ -14,22 +16,44 @@
 
 namespace NVORNQDX20::NCIMXML {
 
+/// Limits against documents that are made to exhaust the machine. Others stay far below them.
+struct TReadingLimits {
+  /// Bytes that the objects of a document may need: by default half of the memory of this machine,
+  /// but at least 768 MiB and at most 8 GiB. A document may be as large as that, and at least 2
+  /// GiB; two thirds of it may be in one object while it is read.
+  std::uint64_t fMemory = DefaultMemory();
+  /// Follows a message about this limit: how to raise it. May be empty.
+  std::string fHowToRaise;
+
+  static std::uint64_t DefaultMemory();
+};
+
 /// Reads a document from the current position of the descriptor. Returns one namespace for each
-/// namespace path in the document; objects without a path are in "root/cimv2". Does not close the
-/// descriptor; `name` is used in messages.
+/// namespace path in the document; objects without a path are in "root/cimv2", and so is nothing if
+/// there is no namespace. Does not close the descriptor; `name` is used in messages.
 ///
 /// Undeclared qualifiers and classes are declared from their uses: a qualifier from its first use,
-/// a class at the end of the document, from its instances and the key bindings of references to it.
+/// a class at the end of the document, from all objects of it and of its subclasses, and the key
+/// bindings of references to it.
 ///
-/// Failures are logged. Throws kQDXStatusInvalidDataCollectionDocument for a bad document, with
-/// "line L, column C" in the reason; kQDXStatusFileSystemError if the file cannot be read;
+/// An object that cannot be taken is left out, with a warning that names the object, "line L,
+/// column C" and the reason; so is a part of an object. Of many warnings, the first 20 are logged
+/// one by one. A date-time that TCIMDateTime refuses is null; its text is recorded as the reason in
+/// class VORNSG_UnavailableValue, if the instance can be identified.
+///
+/// Failures are logged. Throws kQDXStatusInvalidDataCollectionDocument for what is not well-formed,
+/// is no CIM-XML, has no objects but is a request or an error, or exceeds a limit, with "line L,
+/// column C" in the reason; kQDXStatusFileSystemError if the file cannot be read;
 /// kQDXStatusInvalidGzipFile for a bad gzip header; kQDXStatusCorruptGzipFile for other errors in
 /// the compression.
-boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int descriptor);
+boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int descriptor,
+                                                    const TReadingLimits& limits = {});
 
 /// Reads documents by file name, and caches the last one.
 class TDocumentCache {
  public:
+  explicit TDocumentCache(TReadingLimits limits = {}) : fLimits(std::move(limits)) {}
+
   /// Returns the document in the file, or on standard input for "-". Reads it again only if the
   /// file has changed since the last call; a pipe is read once. Throws kQDXStatusAccessDenied
   /// without permission and kQDXStatusFileNotFound if the file cannot be opened for another reason,
@@ -49,6 +73,7 @@ class TDocumentCache {
     timespec fTime{};
   };
 
+  const TReadingLimits fLimits;
   boost::shared_ptr<TRepositoryProvider> fLast;
   TIdentity fLastIdentity;
 };
