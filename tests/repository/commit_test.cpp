@@ -99,6 +99,24 @@ TEST(RepositoryCommit, TakesEachCIMNameOnce) {
     EXPECT_EQ(s.Contents(), contents);    \
   } while (false)
 
+TEST(RepositoryCommit, LetsCommittedClassesReferToTheirSubclasses) {
+  TSample s;
+  const auto top = s.Class("T_Top");
+  TCIMValue self(TCIMType::kCIMTypeReference, 0);
+  self.SetReferencedClass(top);
+  s.Property(top, "Part", self);
+  top->Commit({});
+  const auto below = s.Class("T_Below", top);
+  TCIMValue toBelow(TCIMType::kCIMTypeReference, 0);
+  toBelow.SetReferencedClass(below);
+  EXPECT_QDX_STATUS(SetReferenceDefault(*top, "Part", toBelow), kQDXStatusInvalidReference);
+  below->Commit({});
+  SetReferenceDefault(*top, "Part", toBelow);
+  for (const auto& each : {top, below}) {
+    EXPECT_EQ(each->GetPropertyDecl("Part", {})->GetDefaultValue().GetReferencedClass(), below);
+  }
+}
+
 TEST(RepositoryCommit, RefusesWhatBreaksARule) {
   const TCIMValue kChar(TCIMType::kCIMTypeChar, 0);
   const TCIMValue kToNothing(TCIMType::kCIMTypeReference, 0);
@@ -111,6 +129,10 @@ TEST(RepositoryCommit, RefusesWhatBreaksARule) {
   EXPECT_REFUSED(kQDXStatusInvalidProperty, s.Qualifier("New", 0, NullReference(s.fNs, "T_Base")));
   EXPECT_REFUSED(kQDXStatusInvalidProperty, s.fSub->CreateMethodDecl("New", kArrayType, {}));
   EXPECT_REFUSED(kQDXStatusInvalidReference, s.Property(s.fSub, "New", kToNothing));
+  const TSample fresh;
+  const TCIMValue kToBase = NullReference(fresh.fNs, "T_Base");
+  EXPECT_REFUSED(kQDXStatusTypeMismatch, SetReferenceDefault(*s.fBase, "Id", kToBase));
+  EXPECT_REFUSED(kQDXStatusNotFound, SetReferenceDefault(*s.fSub, "Id", 1U));
   EXPECT_REFUSED(kQDXStatusTypeMismatch, s.Qualify(s.fSub, "Abstract", "true"));
   EXPECT_REFUSED(kQDXStatusTypeMismatch, s.fSub->SetStaticPropertyValue("Id", 1, {}));
   EXPECT_REFUSED(kQDXStatusTypeMismatch, s.Property(s.fSub, "name", 1U));

@@ -179,7 +179,8 @@ TNamespaceBuilder& TDocument::BuilderOf(const TElement& reference, TNamespaceBui
 
 TSpace& TDocument::SpaceOf(const TElement& reference, TSpace& own) {
   const auto name = NamespaceNameOf(reference);
-  return name ? *Entry(*name).fBuilder : own;
+  if (!name) return own;
+  return *Entry(*name).fBuilder;
 }
 
 TDocument::TEntry& TDocument::Entry(const std::string& name) {

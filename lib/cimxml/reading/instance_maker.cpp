@@ -42,8 +42,11 @@ class TInstanceMaker {
         continue;
       }
       const TCIMValue value = ReadKeyValue(fSpace, decl->GetType(), *binding.fValue);
+      if (!fKeys.emplace(key, value).second) {
+        fIsContradictory = true;
+        continue;
+      }
       fTarget->SetPropertyValue(key, value, {});
-      fKeys.emplace(key, value);
     }
   }
 
@@ -78,9 +81,7 @@ class TInstanceMaker {
       fSpace.GetState().fContradictions.Add("line " + std::to_string(fElement.fPosition.fLine));
     }
     WarnOfRepeatedProperties();
-    for (const auto& [property, text] : fUnheld) {
-      fSpace.Reasons().Add(fClass, *fTarget, *property, *text);
-    }
+    if (!fUnheld.empty()) fSpace.Reasons().Add(fClass, *fTarget, fUnheld);
   }
 
  private:
@@ -130,8 +131,11 @@ class TInstanceMaker {
   bool fIsContradictory = false;      // a property contradicts the instance's name
   NModel::TNameMap<TCIMValue> fKeys;  // from the instance's name
   std::vector<std::pair<const ICIMPropertyDecl*, const TElement*>> fGiven;
-  std::vector<std::pair<const TElement*, const TElement*>> fUnheld;  // properties, their VALUEs
+  std::vector<TMissingReasons::TUnheld> fUnheld;
 };
+
+/// The keys that a message has.
+constexpr std::size_t kMostKeys = 4;
 
 /// Formats a value of a key for a message.
 std::string ShownValue(const TElement& value) {
@@ -140,12 +144,14 @@ std::string ShownValue(const TElement& value) {
 
 /// The keys of an instance without name, as far as its class is known.
 std::string KeysAmongProperties(const TSpace& space, const TElement& instance) {
+  std::size_t count = 0;
   const std::string* const className = instance.Find("CLASSNAME");
   const TReadClass* const made = className == nullptr ? nullptr : space.FindClass(*className);
   std::string keys;
   if (made == nullptr) return keys;
   for (const auto& [decl, isKey] : NModel::PropertiesOf(*made->fClass)) {
     if (!isKey) continue;
+    if (++count > kMostKeys) return keys + ",...";
     for (const TElement& child : instance.fChildren) {
       const std::string* const name = IsProperty(child) ? child.Find("NAME") : nullptr;
       const TElement* const value = child.Child("VALUE");
@@ -160,7 +166,6 @@ std::string KeysAmongProperties(const TSpace& space, const TElement& instance) {
 }
 
 std::string KeysOfName(const TElement& name) {
-  constexpr std::size_t kMostKeys = 4;
   std::size_t count = 0;
   std::string keys;
   for (const TElement& child : name.fChildren) {

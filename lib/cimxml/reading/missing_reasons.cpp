@@ -53,14 +53,19 @@ bool IsRecorded(ICIMNamespace& ns, NDescribe::TMissingValue value) {
 }  // namespace
 
 void TMissingReasons::Add(const ICIMClass& cimClass, const ICIMInstance& instance,
-                          const TElement& property, const TElement& text) {
+                          const std::vector<TUnheld>& unheld) {
   const auto key = LastKeyOf(cimClass, instance);
-  const std::string place = PlaceOf(text, property);
-  if (!key) return fUnrecorded.Add(place);
-  const auto decl = FindDecl(cimClass, property.Get("NAME"));
-  const auto [known, isNew] = fTexts.try_emplace(
-      std::tuple(cimClass.GetName({}), *key, decl->GetName()), TText{text.fText, place});
-  if (!isNew && known->second.fText != text.fText) fUnrecorded.Add(place);
+  for (const auto& [property, text] : unheld) {
+    const std::string place = PlaceOf(*text, *property);
+    if (!key) {
+      fUnrecorded.Add(place);
+      continue;
+    }
+    const auto decl = FindDecl(cimClass, property->Get("NAME"));
+    const auto [known, isNew] = fTexts.try_emplace(
+        std::tuple(cimClass.GetName({}), *key, decl->GetName()), TText{text->fText, place});
+    if (!isNew && known->second.fText != text->fText) fUnrecorded.Add(place);
+  }
 }
 
 void TMissingReasons::Write(ICIMNamespace& ns, TReadingState& state) {

@@ -6,6 +6,8 @@
 #include <map>
 #include <string>
 #include <tuple>
+#include <utility>
+#include <vector>
 
 #include "reading_state.h"
 #include "xml/element.h"
@@ -21,9 +23,12 @@ namespace NVORNQDX20::NCIMXML {
 /// Collects the reasons of one namespace, and adds them to it in the end.
 class TMissingReasons {
  public:
-  /// `property` has a VALUE that was read as null, `text`, and belongs to the committed instance.
-  void Add(const ICIMClass& cimClass, const ICIMInstance& instance, const TElement& property,
-           const TElement& text);
+  /// A property, and its VALUE that was read as null.
+  using TUnheld = std::pair<const TElement*, const TElement*>;
+
+  /// Adds those of a committed instance.
+  void Add(const ICIMClass& cimClass, const ICIMInstance& instance,
+           const std::vector<TUnheld>& unheld);
   /// Counts those that cannot be recorded: of one among several instances without keys, and where
   /// the document itself explains the property.
   void Write(ICIMNamespace& ns, TReadingState& state);

@@ -96,7 +96,8 @@ bool TNamespaceBuilder::Attempt(const TElement& object, TWork&& work) {
     return true;
   } catch (const TDocumentError& error) {
     if (error.fIsFatal) throw;
-    GetState().LeaveOut(Described(*this, object), error);
+    const bool isShown = GetState().fLeftOut.HasRoom();
+    GetState().LeaveOut(isShown ? Described(*this, object) : "", error);
     return false;
   }
 }

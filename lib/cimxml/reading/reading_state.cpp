@@ -19,7 +19,6 @@ std::size_t TMemoryAccount::GetRoom() const {
 }
 
 void TWarnings::Add(const TPosition& position, const std::string& text) {
-  constexpr std::size_t kMostLines = 20;
   if (++fCount <= kMostLines) fLines.push_back({position, text});
 }
 

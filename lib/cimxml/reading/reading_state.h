@@ -46,10 +46,14 @@ class TMemoryAccount {
 class TWarnings {
  public:
   void Add(const TPosition& position, const std::string& text);
+  /// Whether the text of the next warning matters.
+  bool HasRoom() const { return fLines.size() < kMostLines; }
   /// Logs "cimxml: NAME: line L, column C: TEXT" for each.
   void Report(const std::string& name, std::string_view others) const;
 
  private:
+  static constexpr std::size_t kMostLines = 20;
+
   struct TLine {
     TPosition fPosition;
     std::string fText;

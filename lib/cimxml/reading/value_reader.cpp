@@ -61,7 +61,9 @@ const TTarget& StandInFor(TSpace& space, const ICIMClass& declared,
   TTarget& standIn = space.StandIn(signature);
   if (standIn.fClass) return standIn;
   constexpr std::size_t kStandInBytes = 4096;
-  space.GetMemory().AddHeld(kStandInBytes + signature.size(), *bindings.front().fValue);
+  constexpr std::size_t kKeyBytes = 1024;
+  space.GetMemory().AddHeld(kStandInBytes + keys.size() * kKeyBytes + signature.size(),
+                            *bindings.front().fValue);
   const auto ns = MakeRepositoryNamespace(space.GetNamespace()->GetName({}));
   const auto made = ns->CreateClass(className, nullptr, {});
   for (const auto& [key, type] : keys) {

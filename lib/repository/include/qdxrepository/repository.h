@@ -108,10 +108,10 @@ inline constexpr std::uint32_t kFlavorTranslatable = 1U << 3;
 boost::shared_ptr<ICIMNamespace> MakeRepositoryNamespace(const std::string& name);
 
 /// Sets the default of a reference property that the class itself declares, even if the class is
-/// committed. For classes that refer to each other, or to their own subclasses: each property refers
-/// to its own class until all of them are committed. Callers that hold the declaration keep the old
-/// default. Throws as CreatePropertyDecl, and kQDXStatusInvalidClass for a class that is not made
-/// here.
+/// committed. For classes that refer to each other, or to their own subclasses: each property
+/// refers to its own class until all of them are committed. Callers that hold the declaration keep
+/// the old default. Throws as CreatePropertyDecl, kQDXStatusTypeMismatch for another type, and
+/// kQDXStatusInvalidClass for a class that is not made here.
 void SetReferenceDefault(ICIMClass& cimClass, const std::string& property, const TCIMValue& value);
 
 /// A provider of namespaces that were made beforehand. Their names compare without regard to case.
