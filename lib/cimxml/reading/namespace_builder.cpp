@@ -74,7 +74,7 @@ std::string Undeclared(const std::string& name) {
 
 /// A property with its name and whether it is a key.
 TSubclass SubclassOf(const TElement& cimClass, const TSubclass* parent) {
-  TSubclass subclass{&cimClass, parent, {}};
+  TSubclass subclass{&cimClass, parent, parent == nullptr ? 1 : parent->fDepth + 1, {}};
   for (const TElement& child : cimClass.fChildren) {
     const std::string* const name = IsProperty(child) ? child.Find("NAME") : nullptr;
     if (name != nullptr) subclass.fProperties[*name] = IsQualified(child, "Key");
@@ -222,7 +222,10 @@ void TNamespaceBuilder::MakeUndeclared(const std::string& name, const TElement& 
     }
   };
   addSubclasses(name, nullptr);
+  // Deeper ones cannot be made; to look at them for each class that is left out would take the
+  // square of their number.
   for (std::size_t i = 0; i < subclasses.size(); ++i) {
+    if (subclasses[i].fDepth >= kMaxClassDepth) break;
     addSubclasses(subclasses[i].fElement->Get("NAME"), &subclasses[i]);
   }
   try {

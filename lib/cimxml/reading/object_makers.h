@@ -8,7 +8,7 @@
 
 #include <qdxcore/interfaces.h>
 
-#include <deque>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -42,6 +42,7 @@ void Resolve(TSpace& space, const TUnresolved& unresolved);
 struct TSubclass {
   const TElement* fElement = nullptr;
   const TSubclass* fParent = nullptr;  ///< Null if its superclass is the undeclared class.
+  std::size_t fDepth = 1;              ///< Levels below the undeclared class.
   NModel::TNameMap<bool> fProperties;  ///< Each with whether it is a key.
 };
 
