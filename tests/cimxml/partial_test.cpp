@@ -111,6 +111,12 @@ const TPartial kPartial[] = {
                Instance("", Binding("k", "TYPE='datetime'", "20040315143000.000000+060"))}),
      {LeftOut("2:69", "instance C.k=\"********000000.000000:000\"", "a key cannot be null")},
      {"20040315143000.000000+060"}},
+    {"ReferenceToABadName",
+     Document(
+         {Class("<PROPERTY.REFERENCE NAME='r' REFERENCECLASS='a b'/>"), Class("", "NAME='D'")}),
+     {LeftOut("2:36", "class \"a b\", which is not declared,", "\"a b\" is no CIM name"),
+      LeftOut("2:36", "the value of property \"r\" of class \"C\"", "class \"a b\" is missing")},
+     {"<PROPERTY.REFERENCE NAME='r' REFERENCECLASS='C'>", "<CLASS NAME='D'>"}},
     {"SubclassOfWhatIsLeftOut",
      Document({Class("<PROPERTY TYPE='uint8'/>"), Class("", "NAME='D' SUPERCLASS='C'"),
                Tag("INSTANCE", "CLASSNAME='D'", Property("uint8", "3"))}),

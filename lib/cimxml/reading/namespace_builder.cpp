@@ -168,7 +168,7 @@ bool TNamespaceBuilder::MakeDeclared(const std::string& name) {
   TSource& source = fSources.at(name);
   source.fIsFaulty = !Attempt(source.fElement, [&] { NCIMXML::MakeClass(*this, source.fElement); });
   if (source.fIsFaulty) return false;
-  fSources.erase(name);
+  if (!fKeepsSources) fSources.erase(name);
   return true;
 }
 
@@ -265,6 +265,7 @@ void TNamespaceBuilder::NoteUsesIn(const TElement& object) {
 }
 
 void TNamespaceBuilder::NoteUses() {
+  fKeepsSources = true;
   for (const TElement& object : fWaitingInstances) NoteUsesIn(object);
   for (const TElement& object : fInstanceNames) NoteUsesIn(object);
   for (const std::string& name : fSourceOrder) {
@@ -278,7 +279,8 @@ void TNamespaceBuilder::MakeClasses() {
   GetMemory().BeginObject(0);
   for (const std::string& name : fSourceOrder) {
     const auto source = fSources.find(name);
-    const bool isWaiting = source != fSources.end() && !source->second.fIsFaulty;
+    const bool isWaiting =
+        source != fSources.end() && !source->second.fIsFaulty && FindClass(name) == nullptr;
     if (isWaiting) MakeClass(name, source->second.fElement);
   }
   for (const std::string& name : fUseOrder) {

@@ -52,7 +52,7 @@ class TNamespaceBuilder final : public TSpace {
   void MakeInstances();
 
  private:
-  /// A declared class that has not been made.
+  /// A declared class. When uses have been noted, it is kept after it is made: they may be in it.
   struct TSource {
     TElement fElement;
     bool fIsFaulty = false;  // it is left out
@@ -81,6 +81,7 @@ class TNamespaceBuilder final : public TSpace {
   NModel::TNameMap<TSource> fSources;
   std::vector<std::string> fSourceOrder;
   std::size_t fWalk = 0;
+  bool fKeepsSources = false;
   std::deque<TElement> fWaitingInstances;
   std::deque<TElement> fInstanceNames;
   NModel::TNameMap<TUses> fUses;
