@@ -26,7 +26,8 @@ enum EImageRecord : std::uint8_t {
   /// Lists begin with their lengths. A property has the position of the overridden one, else the
   /// next free one.
   kClass,
-  kStaticValue,  ///< Class, property, content.
+  kReferredClass,  ///< Class, own property, class to which it refers instead of its own.
+  kStaticValue,    ///< Class, property, content.
   /// Class; the positions of the properties whose values its next instances have.
   kInstancesOf,
   kInstance,  ///< The contents.

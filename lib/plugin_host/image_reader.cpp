@@ -78,6 +78,9 @@ class TImageReader {
       case kClass:
         ReadClass();
         return true;
+      case kReferredClass:
+        ReadReferredClass();
+        return true;
       case kStaticValue:
         ReadStaticValue();
         return true;
@@ -135,6 +138,14 @@ class TImageReader {
     });
     cimClass.Commit({});
     ReadMembers(fClasses.back());
+  }
+
+  void ReadReferredClass() {
+    TReadClass& read = Element(fClasses);
+    const auto& decl = Element(read.fMembers);
+    TCIMValue value(TType::kCIMTypeReference, 0U);
+    value.SetReferencedClass(Element(fClasses).fClass);
+    SetReferenceDefault(*read.fClass, decl->GetName(), value);
   }
 
   void ReadStaticValue() {

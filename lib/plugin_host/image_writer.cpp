@@ -11,6 +11,7 @@
 #include <qdxrepository/repository.h>
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <type_traits>
@@ -233,11 +234,7 @@ class TImageWriter {
       written.Add({decl->GetName(), decl->GetType(), isKey});
     }
     // Twice: the first time writes what the class needs, which takes numbers before its own.
-    const TLosses mistyped = fMistyped;
-    const TLosses unreachable = fUnreachable;
-    (void)RecordOf(*cimClass, superclass, 0);
-    fMistyped = mistyped;
-    fUnreachable = unreachable;
+    (void)RecordOf(*cimClass, superclass, kRehearsal);
     const std::uint64_t number = fClassCount++;
     Append(RecordOf(*cimClass, superclass, number));
     if (fClassCount != number + 1) {
@@ -245,14 +242,17 @@ class TImageWriter {
                                 "class " + name + " changes while it is read");
     }
     written.fNumber = number;
+    fOwnNames.emplace(number, name);
     fOwnClasses.push_back(cimClass);
     fDeclaring.pop_back();
+    if (fDeclaring.empty()) WriteReferredClasses();
     return written;
   }
 
   std::string RecordOf(const ICIMClass& cimClass, const TClass& superclass,
                        std::uint64_t ownNumber) {
     fOwnNumber = ownNumber;
+    const bool rehearsed = std::exchange(fRehearses, ownNumber == kRehearsal);
     std::string record(1, static_cast<char>(kClass));
     PutNumber(record, 0);
     PutText(record, cimClass.GetName({}));
@@ -263,7 +263,10 @@ class TImageWriter {
     for (const auto& decl : decls) {
       const TCIMValue& value = decl->GetDefaultValue();
       PutText(record, decl->GetName());
-      if (value.IsNull() && value.IsReference() && !value.GetReferencedClass()) {
+      const TClass target = value.IsReference() ? value.GetReferencedClass() : nullptr;
+      const bool isCircle = target && IsWaitedFor(*target);
+      if (isCircle && !fRehearses) fCircles.push_back({ownNumber, decl->GetName(), target});
+      if (isCircle || (value.IsNull() && value.IsReference() && !target)) {
         // It has to name a class, whichever.
         PutNumber(record, value.GetType());
         record += static_cast<char>(kNullReference);
@@ -274,6 +277,7 @@ class TImageWriter {
       PutQualifiers(record, *decl);
     }
     PutMethods(record, cimClass);
+    fRehearses = rehearsed;
     return record;
   }
 
@@ -376,7 +380,7 @@ class TImageWriter {
   /// `where` is for the warning if it is left out.
   void PutContent(std::string& out, const TCIMValue& value, TType type, const std::string& where) {
     if (value.GetType() != type) {
-      fMistyped.Add(where);
+      Lose(fMistyped, where);
       out += static_cast<char>(kNull);
     } else if (IsNull(value)) {
       PutNull(out, value);
@@ -424,6 +428,34 @@ class TImageWriter {
     return other != nullptr ? *other->fNumber : NumberOf(target);
   }
 
+  /// Returns whether the class cannot be written now: it, or a superclass, is being written, and
+  /// needs what is being written last.
+  bool IsWaitedFor(const ICIMClass& target) const {
+    if (IsBeingDeclared(target)) return false;
+    const auto found = fClasses[0].find(target.GetName({}));
+    if (found != fClasses[0].end()) return !found->second->fNumber;
+    const TClass superclass = NModel::SuperclassOf(target);
+    return superclass && (IsBeingDeclared(*superclass) || IsWaitedFor(*superclass));
+  }
+
+  /// Classes that refer to each other, or to their own subclasses, refer to themselves at first.
+  void WriteReferredClasses() {
+    const std::vector<TCircle> circles = std::exchange(fCircles, {});
+    for (const auto& [number, property, target] : circles) {
+      const std::uint64_t referred = NumberOf(target);
+      const TWrittenClass& written = *fClasses[0].at(fOwnNames.at(number));
+      std::string record(1, static_cast<char>(kReferredClass));
+      PutNumber(record, number);
+      PutNumber(record, written.fPositions.at(property));
+      PutNumber(record, referred);
+      Append(record);
+    }
+  }
+
+  void Lose(TLosses& losses, const std::string& where) const {
+    if (!fRehearses) losses.Add(where);
+  }
+
   /// A class may refer to itself before it is declared.
   bool IsBeingDeclared(const ICIMClass& cimClass) const {
     return !fDeclaring.empty() &&
@@ -441,6 +473,10 @@ class TImageWriter {
       PutNumber(out, fOwnNumber);
       return PutNumber(out, 0);
     }
+    if (isOwn && !fDeclaring.empty() && (IsBeingDeclared(*cimClass) || IsWaitedFor(*cimClass))) {
+      out += static_cast<char>(kNull);
+      return Lose(fUnreachable, where);
+    }
     const TWrittenClass* const target =
         isOwn ? &Written(cimClass) : Written(NumberOf(ns->GetName({})), reference, *cimClass);
     std::string keys;
@@ -457,7 +493,7 @@ class TImageWriter {
     }
     --fReferenceDepth;
     out += static_cast<char>(isReachable ? kPresent : kNull);
-    if (!isReachable && fReferenceDepth == 0) fUnreachable.Add(where);
+    if (!isReachable && fReferenceDepth == 0) Lose(fUnreachable, where);
     if (!isReachable) return;
     PutNumber(out, *target->fNumber);
     PutNumber(out, reference.GetKeyBindings().size());
@@ -491,7 +527,7 @@ class TImageWriter {
       if (isNamed) {
         Append(record);
       } else {
-        fUnnamed.Add(cimClass->GetName({}));
+        Lose(fUnnamed, cimClass->GetName({}));
       }
     });
   }
@@ -506,9 +542,18 @@ class TImageWriter {
   std::vector<NModel::TNameMap<std::unique_ptr<TWrittenClass>>> fClasses;  // by namespace
   std::vector<std::optional<std::uint64_t>> fKeyDecls;                     // by namespace
   std::uint64_t fClassCount = 0;
-  std::vector<TClass> fOwnClasses;      // in the order of their numbers
-  std::vector<std::string> fDeclaring;  // classes that are being written
-  std::uint64_t fOwnNumber = 0;         // of the last of them
+  struct TCircle {
+    std::uint64_t fClass;
+    std::string fProperty;
+    TClass fTarget;
+  };
+  std::vector<TCircle> fCircles;
+  std::map<std::uint64_t, std::string> fOwnNames;  // by number
+  std::vector<TClass> fOwnClasses;                 // in the order of their numbers
+  std::vector<std::string> fDeclaring;             // classes that are being written
+  static constexpr std::uint64_t kRehearsal = static_cast<std::uint64_t>(-1);
+  bool fRehearses = false;       // a record that is not appended
+  std::uint64_t fOwnNumber = 0;  // of the last of them
   std::size_t fReferenceDepth = 0;
   TCIMReference fNoReference{nullptr, {}};
   TLosses fUnnamed{"instances that lack a key"};
