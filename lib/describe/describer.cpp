@@ -9,7 +9,6 @@
 #include <qdxmodel/classes.h>
 #include <qdxmodel/names.h>
 #include <qdxmodel/options.h>
-#include <qdxmodel/property_reader.h>
 #include <qdxrepository/repository.h>
 
 #include <algorithm>
@@ -21,6 +20,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "instance_references.h"
 #include "shared_reasons.h"
 
 namespace NVORNQDX20::NDescribe {
@@ -107,116 +107,6 @@ class TPartSelection {
   NModel::TNameMap<const TPart*> fLeftOut;
 };
 
-/// Resolves names of instances to references.
-class TReferences {
- public:
-  explicit TReferences(TNamespace ns) : fNamespace(std::move(ns)) {}
-
-  /// Finds an instance of the class `required` or of a subclass.
-  TReading<TCIMValue> Find(const TInstanceName& name, const std::string& required) {
-    const auto& instances = InstancesOf(name.fClass);
-    const auto found = instances.find(name.fKey);
-    if (found == instances.end()) {
-      const bool hasClass = ClassOf(name.fClass) != nullptr;
-      return Missing("there is no " +
-                     (hasClass ? name.fClass + " " + name.fKey : "class " + name.fClass));
-    }
-    if (!found->second) return Missing("there are several " + name.fClass + " " + name.fKey);
-    if (!IsA(found->second->GetClass({}), required)) {
-      return Missing(name.fClass + " " + name.fKey + " is no " + required);
-    }
-    return ReferenceTo(*found->second);
-  }
-
-  static bool IsA(boost::shared_ptr<ICIMClass> cimClass, const std::string& name) {
-    while (cimClass && !NModel::EqualIgnoringCase(cimClass->GetName({}), name)) {
-      cimClass = NModel::SuperclassOf(*cimClass);
-    }
-    return cimClass != nullptr;
-  }
-
-  /// Adds a new instance to what was read of its class and superclasses before.
-  void Add(const boost::shared_ptr<ICIMInstance>& instance) {
-    if (fInstances.empty()) return;
-    const auto cimClass = instance->GetClass({});
-    for (auto& [className, instances] : fInstances) {
-      if (IsA(cimClass, className)) AddByKey(instance, KeysOf(*cimClass), instances);
-    }
-  }
-
- private:
-  /// By the last key; null if several instances have the same.
-  using TInstancesByKey = std::unordered_map<std::string, boost::shared_ptr<ICIMInstance>>;
-
-  struct TKeys {
-    explicit TKeys(const ICIMClass& cimClass) : fReader(cimClass) {
-      const auto& properties = fReader.GetProperties();
-      for (std::size_t i = 0; i < properties.size(); ++i) {
-        if (properties[i].fIsKey) fPositions.push_back(i);
-      }
-    }
-
-    NModel::TPropertyReader fReader;
-    std::vector<std::size_t> fPositions;
-  };
-
-  /// Reads the instances once, when the first reference asks for one of them.
-  const TInstancesByKey& InstancesOf(const std::string& className) {
-    const auto [place, isNew] = fInstances.try_emplace(className);
-    if (isNew) Read(className, place->second);
-    return place->second;
-  }
-
-  /// Returns null for a class that is not wanted or not known.
-  boost::shared_ptr<ICIMClass> ClassOf(const std::string& name) const {
-    try {
-      return fNamespace->GetClass(name, {});
-    } catch (const TQDXException&) {
-      return nullptr;
-    }
-  }
-
-  void Read(const std::string& className, TInstancesByKey& instances) {
-    const auto cimClass = ClassOf(className);
-    if (!cimClass) return;
-    for (const auto& each : NModel::WithSubclasses(cimClass)) {
-      TKeys& keys = KeysOf(*each);
-      for (const auto& instance : NModel::InstancesOf(*each)) AddByKey(instance, keys, instances);
-    }
-  }
-
-  static void AddByKey(const boost::shared_ptr<ICIMInstance>& instance, TKeys& keys,
-                       TInstancesByKey& instances) {
-    keys.fReader.Begin(*instance);
-    std::string key;
-    keys.fReader.Read(keys.fPositions.back(),
-                      [&key](const TCIMValue& value) { key = value.ToString(10); });
-    const auto [place, isNew] = instances.emplace(std::move(key), instance);
-    if (!isNew) place->second = nullptr;
-  }
-
-  TKeys& KeysOf(const ICIMClass& cimClass) {
-    return fKeys.try_emplace(cimClass.GetName({}), cimClass).first->second;
-  }
-
-  TCIMValue ReferenceTo(const ICIMInstance& instance) {
-    const auto cimClass = instance.GetClass({});
-    TKeys& keys = KeysOf(*cimClass);
-    keys.fReader.Begin(instance);
-    TCIMReference reference(fNamespace, {});
-    reference.SetClass(cimClass);
-    for (const std::size_t key : keys.fPositions) {
-      const std::string& name = keys.fReader.GetProperties()[key].fName;
-      keys.fReader.Read(key, [&](const TCIMValue& value) { reference.AddKeyValue(name, value); });
-    }
-    return TCIMValue(reference);
-  }
-
-  TNamespace fNamespace;
-  NModel::TNameMap<TInstancesByKey> fInstances;
-  NModel::TNameMap<TKeys> fKeys;  // by class
-};
-
 constexpr std::size_t kLongestReason = 500;
 
 /// The namespace that is being made.
@@ -269,7 +159,7 @@ class TDescription {
       const bool isKnown = why.size() > kLongestReason || why.find(each.fReason) != why.npos;
       if (!each.fProperty.empty() || isKnown || !each.fReason.IsError()) continue;
       const auto cimClass = fNamespace->GetClass(each.fClass, {});
-      if (TReferences::IsA(cimClass, className)) why.Add(each.fClass + ": " + each.fReason);
+      if (TInstanceReferences::IsA(cimClass, className)) why.Add(each.fClass + ": " + each.fReason);
     }
     return why;
   }
@@ -317,7 +207,7 @@ class TDescription {
 
   const std::string fProvider;
   const TNamespace fNamespace;
-  TReferences fReferences;
+  TInstanceReferences fReferences;
   const TPartSelection& fParts;
   std::vector<TLaterReference> fLater;
   std::vector<TMissingValue> fMissing;

@@ -7,98 +7,22 @@
 #include <qdxmodel/names.h>
 #include <qdxmodel/property_reader.h>
 #include <qdxmodel/type.h>
-#include <qdxmodel/visit.h>
 #include <qdxrepository/repository.h>
 
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
-#include <type_traits>
 #include <utility>
 
 #include "image_format.h"
+#include "image_output.h"
 
 namespace NVORNQDX20::NPluginHost {
 namespace {
 
 using TType = TCIMValue::TCIMType;
 using TClass = boost::shared_ptr<ICIMClass>;
-
-/// Writes to a text what records are made of.
-void PutNumber(std::string& out, std::uint64_t number) {
-  for (; number >= 0x80; number >>= 7U) out += static_cast<char>(number | 0x80U);
-  out += static_cast<char>(number);
-}
-
-void PutText(std::string& out, std::string_view text) {
-  PutNumber(out, text.size());
-  out += text;
-}
-
-template <typename T>
-void PutNative(std::string& out, const T& number) {
-  out.append(reinterpret_cast<const char*>(&number), sizeof number);
-}
-
-void Put(std::string& out, const std::string& text) { PutText(out, text); }
-
-void Put(std::string& out, const TCIMDateTime& time) {
-  out += static_cast<char>(time.IsInterval());
-  for (const std::uint64_t field :
-       {std::uint64_t{time.GetYear()}, std::uint64_t{time.GetMonth()}, std::uint64_t{time.GetDay()},
-        std::uint64_t{time.GetHour()}, std::uint64_t{time.GetMinute()},
-        std::uint64_t{time.GetSecond()}, std::uint64_t{time.GetMicroSeconds()}}) {
-    PutNumber(out, field);
-  }
-  PutNative(out, time.GetUTCOffset());
-}
-
-template <typename T>
-void Put(std::string& out, const T& number) {
-  static_assert(std::is_arithmetic_v<T>);
-  PutNative(out, number);
-}
-
-bool IsNull(const TCIMValue& value) {
-  const bool isTime = !value.IsNull() && value.GetType() == TType::kCIMTypeDateTime;
-  return value.IsNull() || (isTime && TCIMDateTime(value).IsNull());
-}
-
-/// Values that are left out for one reason.
-struct TLosses {
-  const char* fWhat;
-  std::size_t fCount = 0;
-  std::string fFirst = {};
-
-  void Add(const std::string& where) {
-    if (fCount++ == 0) fFirst = where;
-  }
-};
-
-/// Whether the content of a value is one, neither null nor left out.
-bool IsPresent(const std::string& out, std::size_t content) {
-  return static_cast<std::uint8_t>(out[content]) == kPresent;
-}
-
-struct TMember {
-  std::string fName;
-  TType fType;
-  bool fIsKey;
-};
-
-/// A class that is written, or is being written while what it needs is written before it.
-struct TWrittenClass {
-  std::optional<std::uint64_t> fNumber = {};
-  std::size_t fDepth = 1;
-  std::vector<TMember> fMembers = {};  // by position
-  NModel::TNameMap<std::size_t> fPositions = {};
-
-  void Add(const TMember& member) {
-    const auto [found, isNew] = fPositions.emplace(member.fName, fMembers.size());
-    if (isNew) fMembers.push_back(member);
-  }
-};
 
 class TImageWriter {
  public:
@@ -398,10 +322,7 @@ class TImageWriter {
       PutText(out, *text);
     } else {
       out += static_cast<char>(kPresent);
-      NModel::VisitScalar(value, [&](const auto& native) {
-        using T = std::decay_t<decltype(native)>;
-        if constexpr (!std::is_same_v<T, TCIMReference>) Put(out, native);
-      });
+      PutScalar(out, value);
     }
   }
 

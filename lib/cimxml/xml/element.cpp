@@ -112,7 +112,7 @@ class TNameTable {
            kSlots;
   }
 
-  const std::string_view* fNames;  // a reference to the array makes g++ 12 warn of its bounds
+  const std::string_view* fNames;     // a reference to the array makes g++ 12 warn of its bounds
   unsigned char fSlots[kSlots] = {};  // 0 for none, else the number of the name from 1
 };
 
