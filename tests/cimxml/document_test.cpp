@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <limits>
 #include <memory>
 
 #include <sys/stat.h>
@@ -84,6 +85,34 @@ TEST(CIMXMLDocumentWriter, LeavesOutOnlyWhatTheFormatHasNoElementFor) {
             std::string::npos);
   EXPECT_EQ(written.find("\"r\""), std::string::npos);
   EXPECT_EQ(Written({Read(file.Path(), "test")}), written);
+}
+
+TEST(CIMXMLDocumentWriter, WritesRealsWithAPointAndOnlyFiniteOnes) {
+  using L = std::numeric_limits<double>;
+  const std::pair<TCIMValue, std::string> kCases[] = {
+      {2.0, "2.0"},
+      {2.0F, "2.0"},
+      {-0.0, "-0.0"},
+      {0.1F, "0.1"},
+      {1e21, "1.0e+21"},
+      {-2.5e-300, "-2.5e-300"},
+      {1.0 / 3, "0.3333333333333333"},
+      {L::quiet_NaN(), ""},
+      {L::infinity(), ""},
+      {-std::numeric_limits<float>::infinity(), ""}};
+  const TLogCapture log;
+  for (const auto& [value, text] : kCases) {
+    const TNamespace ns = MakeNamespace();
+    AddClass(ns, "C", {}, {{"p", value}});
+    const std::string tag = text.empty() ? "<VALUE.NULL/>" : "<VALUE>" + text + "</VALUE>";
+    AddClass(ns, "D", {}, {{"q", TCIMValue(value.GetType(), 0, {value})}});
+    const std::string written = Written({ns});
+    EXPECT_EQ(written.find("<VALUE>" + text + "</VALUE></PROPERTY>") == std::string::npos,
+              text.empty());
+    EXPECT_NE(written.find("<VALUE.ARRAY>" + tag), std::string::npos) << text;
+  }
+  ASSERT_EQ(log.Messages().size(), 3U);
+  EXPECT_NE(log.Messages()[0].find(": 2 values that CIM-XML cannot hold"), std::string::npos);
 }
 
 TEST(CIMXMLDocumentWriter, WritesWhatClassesInheritAndDoNotEnumerate) {

@@ -93,7 +93,7 @@ const struct {
     {"<?xml version='1.0' encoding='ISO-8859-1'?>" + WithValue("string", "\xE4"),
      {Property("string", "\xC3\xA4")}},
     {WithValue("uint16", " 0xFFff\n"), {Property("uint16", "65535")}},
-    {WithValue("real64", "+1.0E+3"), {Property("real64", "1000")}},
+    {WithValue("real64", "+1.0E+3"), {Property("real64", "1000.0")}},
     {WithValue("char16", "x"), {Property("string", "x")}}};
 
 TEST(CIMXMLDocumentOfAnotherTool, IsRead) {

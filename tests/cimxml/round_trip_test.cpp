@@ -22,8 +22,7 @@ std::vector<std::vector<TCIMValue>> Extremes() {
 template <typename T>
 std::vector<TCIMValue> Reals() {
   using L = std::numeric_limits<T>;
-  return {T{0.1F},         T(-0.0),       T(1) / 3,       L::max(),      L::min(),
-          L::denorm_min(), L::infinity(), -L::infinity(), L::quiet_NaN()};
+  return {T{0.1F}, T(-0.0), T(2), T(1) / 3, T(1e21F), L::max(), L::min(), L::denorm_min()};
 }
 
 /// What could get lost: each list holds values of one type.
@@ -70,8 +69,6 @@ std::vector<TCIMValue> ValuesIn(const TNamespace& ns) {
   return values;
 }
 
-bool IsNaN(const TCIMValue& value) { return !value.IsNull() && value != TCIMValue(value); }
-
 TEST(CIMXMLDocument, GivesBackEachValue) {
   const TNamespace ns = MakeAllTypes();
   const std::string document = Written({ns});
@@ -80,7 +77,7 @@ TEST(CIMXMLDocument, GivesBackEachValue) {
   const auto values = ValuesIn(Read(file.Path(), "TEST"));
   ASSERT_EQ(values.size(), expected.size());
   for (std::size_t i = 0; i < values.size(); ++i) {
-    EXPECT_TRUE(values[i] == expected[i] || (IsNaN(values[i]) && IsNaN(expected[i]))) << i;
+    EXPECT_TRUE(values[i] == expected[i]) << i;
     EXPECT_EQ(values[i].GetMaxArraySize(), expected[i].GetMaxArraySize());
   }
   EXPECT_TRUE(ReadAndWritten(file.Path()) == document);

@@ -23,9 +23,8 @@ std::string_view ValueTypeOf(TCIMType type) {
 /// are checked one by one elsewhere.
 const char* Obstacle(const TCIMValue& value) {
   if (value.IsNull() || value.IsArray()) return nullptr;
-  if (!CanSpell(value)) return "a date-time longer than 25 characters";
   const TCIMReference* const reference = value.FindReference();
-  if (reference == nullptr) return nullptr;
+  if (reference == nullptr) return ObstacleToLiteral(value);
   for (const auto& [name, key] : reference->GetBody()->GetKeyBindings()) {
     const char* const obstacle = TValueWriter::ObstacleToKey(key);
     if (obstacle != nullptr) return obstacle;

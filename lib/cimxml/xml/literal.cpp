@@ -20,6 +20,7 @@ namespace {
 
 constexpr std::size_t kDateTimeLength = 25;
 constexpr char kWildcard = '*';
+constexpr const char* kNotFinite = "a real that is not a finite number";
 
 constexpr std::string_view kBlanks = " \t\r\n";
 
@@ -39,15 +40,28 @@ std::string Write(std::string value) { return value; }
 std::string Write(const TCIMDateTime& value) { return value.ToString(); }
 std::string Write(const TCIMReference& value) { return value.GetPath(); }
 
+/// The form of real numbers has a point, which the standard library leaves out of whole numbers.
+std::string WithPoint(std::string text) {
+  const std::size_t place = text.find_first_of(".e");
+  if (place == std::string::npos) {
+    text += ".0";
+  } else if (text[place] == 'e') {
+    text.insert(place, ".0");
+  }
+  return text;
+}
+
 template <typename T>
 std::string Write(T number) {
-  if constexpr (std::is_floating_point_v<T>) {
-    if (std::isnan(number)) return "NaN";
-    if (std::isinf(number)) return number < 0 ? "-INF" : "INF";
-  }
   char text[32];
-  const auto end = std::to_chars(text, text + sizeof(text), number).ptr;
-  return std::string(text, end);
+  std::string written(text, std::to_chars(text, text + sizeof(text), number).ptr);
+  if constexpr (std::is_floating_point_v<T>) return WithPoint(std::move(written));
+  return written;
+}
+
+template <typename T>
+bool IsNotFinite(const TCIMValue& value) {
+  return !std::isfinite(static_cast<T>(value));
 }
 
 /// The whole text must be a number that fits the type.
@@ -157,9 +171,20 @@ bool IsAbsent(const TCIMValue& value) {
   return value.GetType() == TCIMType::kCIMTypeDateTime && TCIMDateTime(value).IsNull();
 }
 
-bool CanSpell(const TCIMValue& value) {
-  return IsAbsent(value) || value.GetType() != TCIMType::kCIMTypeDateTime ||
-         TCIMDateTime(value).ToString().size() == kDateTimeLength;
+const char* ObstacleToLiteral(const TCIMValue& value) {
+  if (IsAbsent(value)) return nullptr;
+  switch (value.GetType()) {
+    case TCIMType::kCIMTypeDateTime:
+      return TCIMDateTime(value).ToString().size() == kDateTimeLength
+                 ? nullptr
+                 : "a date-time longer than 25 characters";
+    case TCIMType::kCIMTypeReal32:
+      return IsNotFinite<float>(value) ? kNotFinite : nullptr;
+    case TCIMType::kCIMTypeReal64:
+      return IsNotFinite<double>(value) ? kNotFinite : nullptr;
+    default:
+      return nullptr;
+  }
 }
 
 bool IsBlank(std::string_view text) {

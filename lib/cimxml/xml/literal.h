@@ -16,11 +16,12 @@ namespace NVORNQDX20::NCIMXML {
 /// Returns whether the value is null or holds a null date-time.
 bool IsAbsent(const TCIMValue& value);
 
-/// Returns false for a date-time whose text is longer than 25 characters, which is invalid.
-bool CanSpell(const TCIMValue& value);
+/// Returns why CIM-XML has no text for a scalar; null if it has one. It has none for a date-time
+/// that needs more than 25 characters, and for infinities and NaN.
+const char* ObstacleToLiteral(const TCIMValue& value);
 
-/// Formats a scalar. REQUIRES: CanSpell(), not IsAbsent(), not a reference. Reals get as many
-/// digits as needed to read back the same number.
+/// Formats a scalar. REQUIRES: ObstacleToLiteral() is null, not IsAbsent(), not a reference. Reals
+/// get a point, and as many digits as needed to read back the same number.
 std::string WriteLiteral(const TCIMValue& value);
 
 /// Returns whether the text is empty or white space only.
