@@ -115,6 +115,36 @@ TEST(CIMXMLDocumentWriter, WritesRealsWithAPointAndOnlyFiniteOnes) {
   EXPECT_NE(log.Messages()[0].find(": 2 values that CIM-XML cannot hold"), std::string::npos);
 }
 
+TEST(CIMXMLDocumentWriter, TellsTheSizeOfAnArrayOnlyWhereItIsFixed) {
+  using TType = TCIMValue::TCIMType;
+  const auto array = [](unsigned int size, const std::vector<TCIMValue>& elements) {
+    return TCIMValue(TType::kCIMTypeSint32, size, elements);
+  };
+  const TCIMValue null(TType::kCIMTypeSint32, 2), one = array(2, {1}), two = array(2, {1, 2});
+  struct {
+    TCIMValue fDeclared, fValue;
+    std::size_t fTold;
+  } const kCases[] = {{null, two, 2},
+                      {two, null, 2},
+                      {two, two, 2},
+                      // A maximum, or a size that only one value has.
+                      {null, one, 1},
+                      {one, two, 0},
+                      {array(0, {}), two, 0}};
+  for (const auto& [declared, value, told] : kCases) {
+    const TNamespace ns = MakeNamespace();
+    AddClass(ns, "C", {}, {{"p", declared}});
+    AddInstance(ns, "C", {{"p", value}});
+    const std::string written = Written({ns});
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = written.find("ARRAYSIZE=\"2\"", at)) != std::string::npos;
+         ++at) {
+      ++count;
+    }
+    EXPECT_EQ(count, told) << written;
+  }
+}
+
 TEST(CIMXMLDocumentWriter, WritesWhatClassesInheritAndDoNotEnumerate) {
   const TNamespace ns = MakeNamespace();
   const auto top = AddClass(ns, "T_Top", {{"Id", 0}}, {{"Name", ""}});

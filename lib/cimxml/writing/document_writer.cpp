@@ -59,6 +59,9 @@ class TInstanceWriter {
   TInstanceWriter(TXMLWriter& xml, TValueWriter& values, const ICIMClass& cimClass)
       : fXML(xml), fValues(values), fClassName(cimClass.GetName({})), fReader(cimClass) {
     fValues.BeginClass(fClassName);
+    for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
+      fDeclaredSizes.push_back(TValueWriter::FixedSizeOf(decl->GetDefaultValue()));
+    }
   }
 
   void Write(const ICIMInstance& instance) {
@@ -77,7 +80,9 @@ class TInstanceWriter {
     for (std::size_t i = 0; i < properties.size(); ++i) {
       const auto& property = properties[i];
       if (!HasPropertyElement(property.fType)) continue;
-      const auto write = [&](const TCIMValue& value) { fValues.Property(property.fName, value); };
+      const auto write = [&](const TCIMValue& value) {
+        fValues.Property(property.fName, value, fDeclaredSizes[i]);
+      };
       if (property.fIsKey) {
         write(fKeys[i]);
       } else {
@@ -113,6 +118,7 @@ class TInstanceWriter {
   TValueWriter& fValues;
   const std::string fClassName;
   NModel::TPropertyReader fReader;
+  std::vector<unsigned int> fDeclaredSizes;  // by property
   std::vector<TCIMValue> fKeys;  // by property, those of the instance that is being written
 };
 

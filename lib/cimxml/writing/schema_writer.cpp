@@ -31,9 +31,8 @@ void TSchemaWriter::QualifierDecl(const ICIMQualifierDecl& decl) {
   fXML.Markup("<QUALIFIER.DECLARATION").Attribute("NAME", decl.GetName());
   fXML.Attribute("TYPE", KeywordOf(value.GetType()));
   if (value.IsArray()) fXML.Attribute("ISARRAY", "true");
-  if (value.GetMaxArraySize() != 0) {
-    fXML.Attribute("ARRAYSIZE", std::to_string(value.GetMaxArraySize()));
-  }
+  const unsigned int fixedSize = TValueWriter::FixedSizeOf(value);
+  if (fixedSize != 0) fXML.Attribute("ARRAYSIZE", std::to_string(fixedSize));
   Flavor(decl.GetFlavor());
   fXML.Markup(">");
   Scope(decl.GetScope());
@@ -106,7 +105,7 @@ void TSchemaWriter::PropertyDecl(const ICIMPropertyDecl& decl) {
   }
   const char* const element = TValueWriter::PropertyElement(value.GetType());
   fXML.Markup("<").Markup(element);
-  fValues.PropertyAttributes(decl.GetName(), value, true);
+  fValues.PropertyAttributes(decl.GetName(), value, TValueWriter::FixedSizeOf(value), true);
   fXML.Markup(">\n");
   Qualifiers(decl);
   fValues.Value(decl.GetName(), value);
@@ -119,7 +118,7 @@ void TSchemaWriter::StaticProperty(const ICIMProperty& property) {
   if (!HasPropertyElement(value.GetType())) return;
   const char* const element = TValueWriter::PropertyElement(value.GetType());
   fXML.Markup("<").Markup(element);
-  fValues.PropertyAttributes(decl->GetName(), value, true);
+  fValues.PropertyAttributes(decl->GetName(), value, TValueWriter::FixedSizeOf(value), true);
   fXML.Attribute("PROPAGATED", "true").Markup(">");
   fXML.Markup("<QUALIFIER NAME=\"Static\" TYPE=\"boolean\"><VALUE>TRUE</VALUE></QUALIFIER>");
   fValues.Value(decl->GetName(), value);

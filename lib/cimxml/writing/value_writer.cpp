@@ -34,6 +34,13 @@ const char* Obstacle(const TCIMValue& value) {
 
 }  // namespace
 
+unsigned int TValueWriter::FixedSizeOf(const TCIMValue& value) {
+  const unsigned int size = value.IsArray() ? value.GetMaxArraySize() : 0;
+  if (size == 0 || value.IsNull()) return size;
+  const std::vector<TCIMValue>& elements = value;
+  return elements.size() == size ? size : 0;
+}
+
 const char* TValueWriter::PropertyElement(TCIMType type) {
   if (type == TCIMType::kCIMTypeReference) return "PROPERTY.REFERENCE";
   return IsArray(type) ? "PROPERTY.ARRAY" : "PROPERTY";
@@ -81,21 +88,21 @@ void TValueWriter::Literal(const TCIMValue& value) {
 }
 
 void TValueWriter::PropertyAttributes(const std::string& name, const TCIMValue& value,
-                                      bool withClass) {
+                                      unsigned int fixedSize, bool withClass) {
   fXML.Attribute("NAME", name);
   if (!value.IsReference()) fXML.Attribute("TYPE", KeywordOf(value.GetType()));
-  if (value.IsArray() && value.GetMaxArraySize() != 0) {
-    fXML.Attribute("ARRAYSIZE", std::to_string(value.GetMaxArraySize()));
-  }
+  if (fixedSize != 0) fXML.Attribute("ARRAYSIZE", std::to_string(fixedSize));
   const auto referenced = withClass ? value.GetReferencedClass() : nullptr;
   if (referenced) fXML.Attribute("REFERENCECLASS", referenced->GetName({}));
 }
 
-void TValueWriter::Property(const std::string& name, const TCIMValue& value) {
+void TValueWriter::Property(const std::string& name, const TCIMValue& value,
+                            unsigned int declaredSize) {
   const char* const element = PropertyElement(value.GetType());
   fXML.Markup("<").Markup(element);
   // A non-null reference has its class in its path.
-  PropertyAttributes(name, value, value.IsNull());
+  const bool isFixed = declaredSize != 0 && FixedSizeOf(value) == declaredSize;
+  PropertyAttributes(name, value, isFixed ? declaredSize : 0, value.IsNull());
   if (!CanHold(name, value)) {
     fXML.Markup("/>\n");
     return;

@@ -22,6 +22,9 @@ class TValueWriter {
 
   /// Returns "PROPERTY", "PROPERTY.ARRAY" or "PROPERTY.REFERENCE".
   static const char* PropertyElement(TCIMType type);
+  /// Returns the number of elements that all values of such an array have; 0 if it may change, which
+  /// a value with less elements than its maximum shows.
+  static unsigned int FixedSizeOf(const TCIMValue& value);
   /// Returns why an instance name cannot contain the key; null if it can.
   static const char* ObstacleToKey(const TCIMValue& value);
 
@@ -32,10 +35,11 @@ class TValueWriter {
   /// Writes VALUE, VALUE.ARRAY or VALUE.REFERENCE; nothing for a null value. `member` is the owner
   /// of the value, for messages.
   void Value(const std::string& member, const TCIMValue& value);
-  /// Writes the attributes of a property's start tag.
-  void PropertyAttributes(const std::string& name, const TCIMValue& value, bool withClass);
-  /// Writes a complete property of an instance.
-  void Property(const std::string& name, const TCIMValue& value);
+  /// Writes the attributes of a property's start tag; ARRAYSIZE unless `fixedSize` is 0.
+  void PropertyAttributes(const std::string& name, const TCIMValue& value, unsigned int fixedSize,
+                          bool withClass);
+  /// Writes a complete property of an instance. `declaredSize` is FixedSizeOf() its declaration.
+  void Property(const std::string& name, const TCIMValue& value, unsigned int declaredSize);
   void NamespacePath(const std::string& name);
   /// REQUIRES: ObstacleToKey() is null for the value.
   void KeyBinding(const std::string& name, const TCIMValue& value);
