@@ -54,4 +54,8 @@ bool HasMore(const TOptionsMap& options) {
   return Find<bool>(options, kMoreOption).value_or(false);
 }
 
+bool IsForOldReaders(const TOptionsMap& options) {
+  return Find<bool>(options, kOldReadersOption).value_or(false);
+}
+
 }  // namespace NVORNQDX20::NModel

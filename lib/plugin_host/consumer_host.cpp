@@ -79,9 +79,10 @@ void ServeConsumer(const TPluginFile& plugin, const TConsumerRequest& request,
   for (std::size_t i = 0; isGood && i < request.fNamespaces.size(); ++i) {
     const bool more = i + 1 < request.fNamespaces.size();
     isGood = Attempt(sender, kFailed, [&] {
-      consumer->Consume(request.fNamespaces[i].fNamespace,
-                        {{NModel::kFileOption, TCIMValue(request.fFile)},
-                         {NModel::kMoreOption, TCIMValue(more)}});
+      TOptionsMap options = request.fOptions;
+      options[NModel::kFileOption] = TCIMValue(request.fFile);
+      options[NModel::kMoreOption] = TCIMValue(more);
+      consumer->Consume(request.fNamespaces[i].fNamespace, options);
       sender.Send(kConsumed, {});
     });
   }

@@ -27,7 +27,8 @@ std::string RequiredFileOf(const TOptionsMap& options) {
 /// Option "file" (string) is the file name, or "-" for standard output; see TDocumentWriter. With
 /// option "more" (boolean) true, the document stays open and the next call for the same file adds
 /// its namespace; a call without it completes the document. A failure, a call for another file, and
-/// the destructor leave an open document incomplete.
+/// the destructor leave an open document incomplete. Option "oldreaders" (boolean) true begins a
+/// document for old readers; see EReaders.
 class TCIMXMLConsumer final : public INamespaceConsumer {
  public:
   const std::string& GetName(TOptionsMap) const override { return fName; }
@@ -38,7 +39,8 @@ class TCIMXMLConsumer final : public INamespaceConsumer {
     std::unique_ptr<TDocumentWriter> document = std::move(fOpen);
     if (!document || document->GetFile() != file) {
       document.reset();  // closed first: the new file may be the same one
-      document = std::make_unique<TDocumentWriter>(file);
+      document = std::make_unique<TDocumentWriter>(
+          file, NModel::IsForOldReaders(options) ? NCIMXML::kOldReaders : NCIMXML::kCurrentReaders);
     }
     document->AddNamespace(*ns);
     if (more) {

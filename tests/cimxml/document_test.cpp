@@ -145,6 +145,30 @@ TEST(CIMXMLDocumentWriter, TellsTheSizeOfAnArrayOnlyWhereItIsFixed) {
   }
 }
 
+TEST(CIMXMLDocumentWriter, ServesReadersOfTheFirstVersions) {
+  const TDocumentFile file("");
+  const TLogCapture log;
+  NCIMXML::TDocumentWriter writer(file.Path(), NCIMXML::kOldReaders);
+  for (const std::string& name : NamesIn(QDX_EVERYTHING)) {
+    writer.AddNamespace(*Read(QDX_EVERYTHING, name));
+  }
+  writer.Close();
+  EXPECT_EQ(log.Messages(),
+            TNames{"1 cimxml: 2 values that CIM-XML cannot hold were left out of " + file.Path() +
+                   ", the first: root/near:List: an array with null elements"});
+  const std::string written = ReadWholeFile(file.Path());
+  EXPECT_EQ(written.find("VALUE.NULL"), std::string::npos);
+  EXPECT_NE(written.find(R"(DTDVERSION="2.0")"), std::string::npos);
+  EXPECT_NE(written.find(R"(<METHOD NAME="Stop" TYPE="uint32">)"), std::string::npos);
+  EXPECT_NE(written.find(R"(<KEYVALUE VALUETYPE="numeric">-3<)"), std::string::npos);
+  // The type of the key is that of the property.
+  const TCIMReference to = Read(file.Path(), "root/near")
+                               ->GetClass("Link", {})
+                               ->GetPropertyDecl("To", {})
+                               ->GetDefaultValue();
+  EXPECT_EQ(to.GetPath(), "Target.Id=\"-3\"");
+}
+
 TEST(CIMXMLDocumentWriter, WritesWhatClassesInheritAndDoNotEnumerate) {
   const TNamespace ns = MakeNamespace();
   const auto top = AddClass(ns, "T_Top", {{"Id", 0}}, {{"Name", ""}});

@@ -157,6 +157,13 @@ TEST_F(QDXCollect, BeginsAnewWithoutWhatAConsumerRefuses) {
   EXPECT_EQ(RunScript(warned).fExitCode, 3);
 }
 
+TEST_F(QDXCollect, WritesForOldReadersOnRequest) {
+  const TProgramRun run = RunScript(
+      "for o in '' --old-readers; do \"$0\" collect $o --root \"$1\" -o x.xml >y; "
+      "grep -o 'DTDVERSION=[^>]*' x.xml; rm -f x.xml y; done");
+  EXPECT_EQ(run.fOutput, "DTDVERSION=\"2.4\"\nDTDVERSION=\"2.0\"\n");
+}
+
 TEST_F(QDXCollect, WritesNothingWhereNothingIsCollected) {
   const TProgramRun empty = RunScript("mkdir e; \"$0\" collect --root e; s=$?; rmdir e; exit $s");
   EXPECT_EQ(empty.fExitCode, 5);

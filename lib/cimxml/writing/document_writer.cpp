@@ -131,16 +131,19 @@ void WriteInstances(TXMLWriter& xml, TValueWriter& values, const ICIMClass& cimC
 }  // namespace
 
 struct TDocumentWriter::TParts {
-  explicit TParts(const std::string& file) : fOutput(file) {}
-  TParts(TDescriptor file, const std::string& name) : fOutput(std::move(file), name) {}
+  TParts(const std::string& file, EReaders readers) : fOutput(file), fReaders(readers) {}
+  TParts(TDescriptor file, const std::string& name)
+      : fOutput(std::move(file), name), fReaders(kCurrentReaders) {}
 
   TOutput fOutput;
+  const EReaders fReaders;
   TXMLWriter fXML{fOutput};
   TCountedWarning fLeftOut;
   TCountedWarning fUnknownBits;
 };
 
-TDocumentWriter::TDocumentWriter(const std::string& file) : fParts(std::make_unique<TParts>(file)) {
+TDocumentWriter::TDocumentWriter(const std::string& file, EReaders readers)
+    : fParts(std::make_unique<TParts>(file, readers)) {
   Begin();
 }
 
@@ -152,15 +155,17 @@ TDocumentWriter::TDocumentWriter(TDescriptor file, const std::string& name)
 TDocumentWriter::~TDocumentWriter() = default;
 
 void TDocumentWriter::Begin() {
-  fParts->fXML.Markup("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n")
-      .Markup("<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.4\">\n<DECLARATION>\n");
+  fParts->fXML.Markup("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<CIM")
+      .Attribute("CIMVERSION", "2.0")
+      .Attribute("DTDVERSION", fParts->fReaders == kOldReaders ? "2.0" : "2.4")
+      .Markup(">\n<DECLARATION>\n");
 }
 
 void TDocumentWriter::AddNamespace(const ICIMNamespace& ns) { AddNamespace(ns, ns.GetName({})); }
 
 void TDocumentWriter::AddNamespace(const ICIMNamespace& ns, const std::string& name) {
   TXMLWriter& xml = fParts->fXML;
-  TValueWriter values(xml, ns, fParts->fLeftOut);
+  TValueWriter values(xml, ns, fParts->fReaders, fParts->fLeftOut);
   TSchemaWriter schema(xml, values, fParts->fUnknownBits);
   xml.Markup("<DECLGROUP.WITHNAME>");
   values.NamespacePath(name);

@@ -132,7 +132,11 @@ void TSchemaWriter::Method(const ICIMMethodDecl& method) {
     return;
   }
   fXML.Markup("<METHOD").Attribute("NAME", method.GetName());
-  if (type != TCIMType::kCIMTypeNone) fXML.Attribute("TYPE", KeywordOf(type));
+  if (type != TCIMType::kCIMTypeNone) {
+    fXML.Attribute("TYPE", KeywordOf(type));
+  } else if (fValues.GetReaders() == kOldReaders) {
+    fXML.Attribute("TYPE", KeywordOf(TCIMType::kCIMTypeUint32));  // the usual type of a result
+  }
   fXML.Markup(">\n");
   Qualifiers(method);
   method.EnumerateParameterDecls([this](const boost::shared_ptr<ICIMParameterDecl>& parameter) {

@@ -4,6 +4,7 @@
 #include <qdxcore/reference.h>
 #include <qdxmodel/names.h>
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -30,6 +31,13 @@ const char* Obstacle(const TCIMValue& value) {
     if (obstacle != nullptr) return obstacle;
   }
   return nullptr;
+}
+
+bool HasNullElement(const TCIMValue& array) {
+  const std::vector<TCIMValue>& elements = array;
+  return std::any_of(elements.begin(), elements.end(), [](const TCIMValue& element) {
+    return IsAbsent(element) || Obstacle(element) != nullptr;
+  });
 }
 
 }  // namespace
@@ -62,7 +70,10 @@ void TValueWriter::Value(const std::string& member, const TCIMValue& value) {
 
 bool TValueWriter::CanHold(const std::string& member, const TCIMValue& value) {
   if (IsAbsent(value)) return false;
-  const char* const obstacle = Obstacle(value);
+  const char* obstacle = Obstacle(value);
+  if (fReaders == kOldReaders && value.IsArray() && HasNullElement(value)) {
+    obstacle = "an array with null elements";
+  }
   if (obstacle != nullptr) LeaveOut(member, obstacle);
   return obstacle == nullptr;
 }
@@ -130,7 +141,8 @@ void TValueWriter::KeyBinding(const std::string& name, const TCIMValue& value) {
   } else {
     const TCIMType type = value.GetType();
     fXML.Markup("<KEYVALUE").Attribute("VALUETYPE", ValueTypeOf(type));
-    fXML.Attribute("TYPE", KeywordOf(type)).Markup(">");
+    if (fReaders == kCurrentReaders) fXML.Attribute("TYPE", KeywordOf(type));
+    fXML.Markup(">");
     Literal(value);
     fXML.Markup("</KEYVALUE>");
   }

@@ -3,6 +3,7 @@
 #ifndef LIB_CIMXML_WRITING_VALUE_WRITER_H_
 #define LIB_CIMXML_WRITING_VALUE_WRITER_H_
 
+#include <qdxcimxml/document_writer.h>
 #include <qdxcore/interfaces.h>
 
 #include <string>
@@ -17,13 +18,15 @@ namespace NVORNQDX20::NCIMXML {
 class TValueWriter {
  public:
   /// Paths contain a namespace only if it is not `ns`.
-  TValueWriter(TXMLWriter& xml, const ICIMNamespace& ns, TCountedWarning& leftOut)
-      : fXML(xml), fNamespace(ns), fLeftOut(leftOut) {}
+  TValueWriter(TXMLWriter& xml, const ICIMNamespace& ns, EReaders readers, TCountedWarning& leftOut)
+      : fXML(xml), fNamespace(ns), fReaders(readers), fLeftOut(leftOut) {}
+
+  EReaders GetReaders() const { return fReaders; }
 
   /// Returns "PROPERTY", "PROPERTY.ARRAY" or "PROPERTY.REFERENCE".
   static const char* PropertyElement(TCIMType type);
-  /// Returns the number of elements that all values of such an array have; 0 if it may change, which
-  /// a value with less elements than its maximum shows.
+  /// Returns the number of elements that all values of such an array have; 0 if it may change,
+  /// which a value with fewer elements than its maximum shows.
   static unsigned int FixedSizeOf(const TCIMValue& value);
   /// Returns why an instance name cannot contain the key; null if it can.
   static const char* ObstacleToKey(const TCIMValue& value);
@@ -56,6 +59,7 @@ class TValueWriter {
 
   TXMLWriter& fXML;
   const ICIMNamespace& fNamespace;
+  const EReaders fReaders;
   TCountedWarning& fLeftOut;
   std::string fClassName;  // empty outside a class
 };

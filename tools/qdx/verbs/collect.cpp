@@ -6,6 +6,7 @@
 #include <qdxcore/schema_helper.h>
 #include <qdxdescribe/provider.h>
 #include <qdxmodel/names.h>
+#include <qdxmodel/options.h>
 #include <qdxrepository/repository.h>
 #include <qdxsystem/error_text.h>
 
@@ -291,7 +292,9 @@ EExitCode RunCollect(const TArguments& arguments) {
     FailOnUsage("option '--consumer' needs option '--output'");
   }
   TMachine machine(arguments);
-  TPluginWriter writer(consumer, LimitsOf(arguments));
+  TOptionsMap options;
+  if (arguments.Has("old-readers")) options[NModel::kOldReadersOption] = TCIMValue(true);
+  TPluginWriter writer(consumer, LimitsOf(arguments), options);
   TCollection collection(machine, writer);
   arguments.Has("output") ? collection.WriteTo(arguments.Get("output", ""))
                           : collection.WriteByDefaultName();
@@ -302,7 +305,8 @@ EExitCode RunCollect(const TArguments& arguments) {
 std::vector<TOptionSpec> CollectOptions() {
   std::vector<TOptionSpec> options = {
       {"output", "FILE", "Write this file; '-' is standard output.", 'o'},
-      {"consumer", "NAME", "Write with this consumer plug-in instead of a CIM-XML document."}};
+      {"consumer", "NAME", "Write with this consumer plug-in instead of a CIM-XML document."},
+      {"old-readers", nullptr, "Write what also old CIM-XML readers understand."}};
   const auto machine = TMachine::Options();
   options.insert(options.end(), machine.begin(), machine.end());
   return options;

@@ -59,8 +59,11 @@ TNamespaces OpenDocument(const std::string& file, const TArguments& arguments, b
 
 const char* const TPluginWriter::kDefaultConsumer = kService;
 
-TPluginWriter::TPluginWriter(const std::string& consumer, const TWorkerLimits& limits)
-    : fPlugin(PluginOf(EPluginKind::kConsumer, consumer)), fLimits(limits) {
+TPluginWriter::TPluginWriter(const std::string& consumer, const TWorkerLimits& limits,
+                             TOptionsMap options)
+    : fPlugin(PluginOf(EPluginKind::kConsumer, consumer)),
+      fLimits(limits),
+      fOptions(std::move(options)) {
   fLimits.fUser.reset();             // the file belongs to the user of the command
   if (consumer == kService) return;  // it is our own: Write() notices if it is missing
   const TAskedConsumer answer = std::move(AskConsumers({fPlugin}, limits, ShowWaiting()).front());
@@ -84,7 +87,7 @@ std::optional<TProviderFailure> TPluginWriter::Write(
     return file == "-" ? message : boost::algorithm::replace_all_copy(message, file, shownAs);
   };
   const std::string action = "writing document " + shownAs;
-  TAskedConsumer answer = Consume(fPlugin, {namespaces, file}, fLimits, ShowWaiting());
+  TAskedConsumer answer = Consume(fPlugin, {namespaces, file, fOptions}, fLimits, ShowWaiting());
   for (const std::string& warning : answer.fWarnings) {
     if (fWarnings.insert(warning).second) PrintError(shown(warning));
   }

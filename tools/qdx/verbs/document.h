@@ -30,8 +30,10 @@ class TPluginWriter {
  public:
   static const char* const kDefaultConsumer;
 
-  /// Throws a TCommandFailure if the plug-in cannot be used.
-  TPluginWriter(const std::string& consumer, const NPluginHost::TWorkerLimits& limits);
+  /// The consumer gets `options` besides those that name the file. Throws a TCommandFailure if the
+  /// plug-in cannot be used.
+  TPluginWriter(const std::string& consumer, const NPluginHost::TWorkerLimits& limits,
+                TOptionsMap options = {});
 
   /// Writes one document; "-" is GetOutput(). The document writer compresses if the name ends in
   /// ".gz". Messages name the file `shownAs`; the plug-in's warnings are printed to standard error,
@@ -57,6 +59,7 @@ class TPluginWriter {
 
   const NPluginHost::TPluginFile fPlugin;
   NPluginHost::TWorkerLimits fLimits;
+  const TOptionsMap fOptions;
   TDescriptor fOutput;
   std::set<std::string> fWarnings;  // printed ones, which the next attempt does not print again
 };

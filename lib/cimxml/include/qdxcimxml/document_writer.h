@@ -11,6 +11,15 @@
 
 namespace NVORNQDX20::NCIMXML {
 
+/// The readers that a document is for.
+enum EReaders {
+  kCurrentReaders,
+  /// Those of the first versions of the DTD, and those that insist on the type of a method. An
+  /// array with null elements is null, and is counted as left out. A method that returns nothing
+  /// returns uint32. The values of keys have no type besides that of their property.
+  kOldReaders,
+};
+
 /// Streams: nothing of a namespace is kept in memory. Classes are sorted by name, instances are in
 /// the order of the namespace, so that equal contents give equal documents.
 ///
@@ -20,7 +29,7 @@ class TDocumentWriter {
   /// Opens the file, or standard output for "-", and begins the document. An existing file is
   /// truncated and keeps its mode; a new one gets mode 0600. A name that ends in ".gz" gives a gzip
   /// file.
-  explicit TDocumentWriter(const std::string& file);
+  explicit TDocumentWriter(const std::string& file, EReaders readers = kCurrentReaders);
   /// Writes from the current position of an open file; `name` is used in messages.
   TDocumentWriter(TDescriptor file, const std::string& name);
   /// Leaves an incomplete file unless Close() was called.

@@ -26,6 +26,8 @@ inline constexpr const char* kWithOption = "with";
 inline constexpr const char* kFileOption = "file";
 /// For a consumer: whether another namespace for the same file follows (boolean).
 inline constexpr const char* kMoreOption = "more";
+/// For a consumer: whether old readers shall understand what it writes (boolean).
+inline constexpr const char* kOldReadersOption = "oldreaders";
 
 /// Returns "/" if the option is missing.
 std::string RootOf(const TOptionsMap& options);
@@ -54,6 +56,7 @@ class TPartChoice {
 std::optional<std::string> FileOf(const TOptionsMap& options);
 /// Returns false if the option is missing.
 bool HasMore(const TOptionsMap& options);
+bool IsForOldReaders(const TOptionsMap& options);
 
 }  // namespace NVORNQDX20::NModel
 

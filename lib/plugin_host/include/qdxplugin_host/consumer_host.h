@@ -34,7 +34,8 @@ std::vector<TAskedConsumer> AskConsumers(const std::vector<TPluginFile>& plugins
 /// What a consumer is to write.
 struct TConsumerRequest {
   std::vector<TMachineNamespace> fNamespaces;
-  std::string fFile;  ///< "-" for standard output, which becomes fOutput.
+  std::string fFile;          ///< "-" for standard output, which becomes fOutput.
+  TOptionsMap fOptions = {};  ///< Besides "file" and "more".
 };
 
 /// Passes the namespaces to the consumer, in this order, until it fails. In its process providers
