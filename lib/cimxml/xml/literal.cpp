@@ -172,10 +172,9 @@ bool IsAbsent(const TCIMValue& value) {
 }
 
 const char* ObstacleToLiteral(const TCIMValue& value) {
-  if (IsAbsent(value)) return nullptr;
   switch (value.GetType()) {
     case TCIMType::kCIMTypeDateTime:
-      return TCIMDateTime(value).ToString().size() == kDateTimeLength
+      return IsAbsent(value) || TCIMDateTime(value).ToString().size() == kDateTimeLength
                  ? nullptr
                  : "a date-time longer than 25 characters";
     case TCIMType::kCIMTypeReal32:

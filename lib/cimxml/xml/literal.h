@@ -16,8 +16,8 @@ namespace NVORNQDX20::NCIMXML {
 /// Returns whether the value is null or holds a null date-time.
 bool IsAbsent(const TCIMValue& value);
 
-/// Returns why CIM-XML has no text for a scalar; null if it has one. It has none for a date-time
-/// that needs more than 25 characters, and for infinities and NaN.
+/// Returns why CIM-XML has no text for a scalar that is not null; null if it has one. It has none
+/// for a date-time that needs more than 25 characters, and for infinities and NaN.
 const char* ObstacleToLiteral(const TCIMValue& value);
 
 /// Formats a scalar. REQUIRES: ObstacleToLiteral() is null, not IsAbsent(), not a reference. Reals
