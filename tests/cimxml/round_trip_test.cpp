@@ -101,6 +101,36 @@ TEST(CIMXMLDocument, GivesBackEachDeclarationAndReference) {
   EXPECT_EQ(to.GetNamespace(), Read(QDX_EVERYTHING, "far"));
 }
 
+/// The mark of a static value may be a declared qualifier, too.
+TEST(CIMXMLDocument, HoldsAPropertyWithAStaticValueOnce) {
+  for (const bool isDeclared : {false, true}) {
+    const TNamespace ns = MakeNamespace();
+    if (isDeclared) ns->CreateQualifierDecl("static", false, kScopeAny, 0, {})->Commit();
+    const auto made = ns->CreateClass("C", nullptr, {});
+    for (const TCIMValue& value : {TCIMValue(TType::kCIMTypeUint8, 0), TCIMValue(1)}) {
+      const auto decl = made->CreatePropertyDecl(value.IsNull() ? "null" : "one", value, {});
+      if (isDeclared) Qualify(ns, decl, "static", true);
+      decl->Commit();
+    }
+    made->SetStaticPropertyValue("null", TCIMValue(static_cast<unsigned char>(2)), {});
+    made->SetStaticPropertyValue("one", TCIMValue(2), {});
+    made->Commit({});
+    const TLogCapture log;
+    const TDocumentFile file(Written({ns}));
+    ASSERT_EQ(log.Messages().size(), 1U);
+    EXPECT_NE(log.Messages()[0].find("C.one: the default of a static property"), std::string::npos);
+    const std::string text = ReadWholeFile(file.Path());
+    EXPECT_EQ(text.find("NAME=\"null\""), text.rfind("NAME=\"null\""));
+    EXPECT_EQ(ReadAndWritten(file.Path()), text);
+    std::vector<boost::shared_ptr<ICIMProperty>> values;
+    Read(file.Path(), "test")
+        ->GetClass("C", {})
+        ->EnumerateStaticProperties(TAddToVectorCallback(values), {});
+    ASSERT_EQ(values.size(), 2U);
+    EXPECT_EQ(values[1]->GetValue(), TCIMValue(2));
+  }
+}
+
 TEST(CIMXMLDocument, OmitsTheOwnNamespaceInAnyCase) {
   const TNamespace ns = MakeRepositoryNamespace("root/a"), same = MakeRepositoryNamespace("ROOT/A");
   AddClass(same, "C", {});

@@ -118,8 +118,7 @@ const struct {
                          "<QUALIFIER NAME='static' TYPE='boolean'><VALUE>TRUE</VALUE></QUALIFIER>"
                          "<VALUE>2</VALUE>"))}),
      {},
-     {"PROPAGATED='true'><QUALIFIER NAME='Static' TYPE='boolean'><VALUE>TRUE</VALUE>"
-      "</QUALIFIER><VALUE>2<"}},
+     {"<QUALIFIER NAME='Static' TYPE='boolean'><VALUE>TRUE</VALUE></QUALIFIER>\n<VALUE>2<"}},
     {"EuroInISO885915",
      "<?xml version='1.0' encoding='ISO-8859-15'?>" + WithValue("string", "\xA4"),
      {},

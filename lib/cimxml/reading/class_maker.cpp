@@ -91,7 +91,22 @@ class TClassMaker {
 
   void AddQualifiers(ICIMNamedElement& target, const TElement& element) {
     for (const TElement& child : element.fChildren) {
-      if (child.Is("QUALIFIER")) AddQualifier(target, child);
+      if (child.Is("QUALIFIER") && !IsMark(child)) AddQualifier(target, child);
+    }
+  }
+
+  /// Our own documents use "Static" without a declaration, as a mark of the class's own value.
+  bool IsMark(const TElement& qualifier) const {
+    return NModel::EqualIgnoringCase(qualifier.Get("NAME"), "Static") && !IsDeclared("Static");
+  }
+
+  bool IsDeclared(const std::string& qualifier) const {
+    try {
+      fSpace.GetNamespace()->GetQualifierDecl(qualifier, {});
+      return true;
+    } catch (const TQDXException& e) {
+      if (e.GetStatusCode() != kQDXStatusNotFound) throw;
+      return false;
     }
   }
 
@@ -146,6 +161,7 @@ class TClassMaker {
     const auto decl = fTarget->CreatePropertyDecl(property.Get("NAME"), value, {});
     AddQualifiers(*decl, property);
     decl->Commit();
+    if (IsQualified(property, "Static")) SetStaticValue(property);
   }
 
   static TCIMType ParameterType(const TElement& parameter) {

@@ -2,8 +2,14 @@
 #include "schema_writer.h"
 
 #include <qdxmodel/classes.h>
+#include <qdxmodel/names.h>
 #include <qdxrepository/repository.h>
 
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+#include "xml/literal.h"
 #include "xml/qualifier_flags.h"
 
 namespace NVORNQDX20::NCIMXML {
@@ -13,6 +19,19 @@ const char* ParameterElement(TCIMType type) {
   const bool isReference = ElementType(type) == TCIMType::kCIMTypeReference;
   if (IsArray(type)) return isReference ? "PARAMETER.REFARRAY" : "PARAMETER.ARRAY";
   return isReference ? "PARAMETER.REFERENCE" : "PARAMETER";
+}
+
+constexpr const char* kStatic = "Static";
+constexpr std::string_view kStaticQualifier =
+    R"(<QUALIFIER NAME="Static" TYPE="boolean"><VALUE>TRUE</VALUE></QUALIFIER>)";
+
+bool HasQualifier(const ICIMPropertyDecl& element, const std::string& name) {
+  bool isThere = false;
+  element.EnumerateQualifiers([&](const boost::shared_ptr<ICIMQualifier>& qualifier) {
+    isThere = NModel::EqualIgnoringCase(qualifier->GetDecl()->GetName(), name);
+    return !isThere;
+  });
+  return isThere;
 }
 
 template <std::size_t size>
@@ -48,13 +67,7 @@ void TSchemaWriter::Class(const ICIMClass& cimClass) {
   }
   fXML.Markup(">\n");
   Qualifiers(cimClass);
-  for (const auto& decl : NModel::OwnPropertyDeclsOf(cimClass)) PropertyDecl(*decl);
-  cimClass.EnumerateStaticProperties(
-      [this](const boost::shared_ptr<ICIMProperty>& property) {
-        StaticProperty(*property);
-        return true;
-      },
-      {});
+  Properties(cimClass);
   cimClass.EnumerateMethodDecls(
       [this](const boost::shared_ptr<ICIMMethodDecl>& method) {
         Method(*method);
@@ -62,6 +75,23 @@ void TSchemaWriter::Class(const ICIMClass& cimClass) {
       },
       {});
   fXML.Markup("</CLASS>");
+}
+
+void TSchemaWriter::Properties(const ICIMClass& cimClass) {
+  std::vector<boost::shared_ptr<ICIMProperty>> inherited;
+  cimClass.EnumerateStaticProperties(TAddToVectorCallback(inherited), {});
+  for (const auto& decl : NModel::OwnPropertyDeclsOf(cimClass)) {
+    const auto own = std::find_if(inherited.begin(), inherited.end(), [&](const auto& property) {
+      return NModel::EqualIgnoringCase(property->GetDecl()->GetName(), decl->GetName());
+    });
+    if (own == inherited.end()) {
+      PropertyDecl(*decl, nullptr);
+    } else {
+      PropertyDecl(*decl, &(*own)->GetValue());
+      inherited.erase(own);
+    }
+  }
+  for (const auto& property : inherited) StaticProperty(*property);
 }
 
 void TSchemaWriter::Flavor(std::uint32_t flavor) {
@@ -97,17 +127,23 @@ void TSchemaWriter::Qualifiers(const TQualified& element) {
   });
 }
 
-void TSchemaWriter::PropertyDecl(const ICIMPropertyDecl& decl) {
-  const TCIMValue& value = decl.GetDefaultValue();
-  if (!HasPropertyElement(value.GetType())) {
+void TSchemaWriter::PropertyDecl(const ICIMPropertyDecl& decl, const TCIMValue* staticValue) {
+  const TCIMValue& declared = decl.GetDefaultValue();
+  const TCIMValue& value = staticValue == nullptr ? declared : *staticValue;
+  if (!HasPropertyElement(declared.GetType())) {
     fValues.LeaveOut(decl.GetName(), "an array of references");
     return;
   }
   const char* const element = TValueWriter::PropertyElement(value.GetType());
   fXML.Markup("<").Markup(element);
-  fValues.PropertyAttributes(decl.GetName(), value, TValueWriter::FixedSizeOf(value), true);
+  fValues.PropertyAttributes(decl.GetName(), declared, TValueWriter::FixedSizeOf(value), true);
   fXML.Markup(">\n");
   Qualifiers(decl);
+  if (staticValue != nullptr) {
+    if (!HasQualifier(decl, kStatic)) fXML.Markup(kStaticQualifier).Markup("\n");
+    const bool hasOtherDefault = !IsAbsent(declared) && declared != *staticValue;
+    if (hasOtherDefault) fValues.LeaveOut(decl.GetName(), "the default of a static property");
+  }
   fValues.Value(decl.GetName(), value);
   fXML.Markup("</").Markup(element).Markup(">\n");
 }
@@ -120,7 +156,7 @@ void TSchemaWriter::StaticProperty(const ICIMProperty& property) {
   fXML.Markup("<").Markup(element);
   fValues.PropertyAttributes(decl->GetName(), value, TValueWriter::FixedSizeOf(value), true);
   fXML.Attribute("PROPAGATED", "true").Markup(">");
-  fXML.Markup("<QUALIFIER NAME=\"Static\" TYPE=\"boolean\"><VALUE>TRUE</VALUE></QUALIFIER>");
+  fXML.Markup(kStaticQualifier);
   fValues.Value(decl->GetName(), value);
   fXML.Markup("</").Markup(element).Markup(">\n");
 }

@@ -17,9 +17,10 @@ namespace NVORNQDX20::NCIMXML {
 /// Scopes and flavors are the bits of <qdxrepository/repository.h>; others are left out and
 /// counted.
 ///
-/// A class's own value of a property is written as an additional PROPERTY, propagated and with the
-/// qualifier "Static", after the declaration with its default. Inherited declarations are not
-/// repeated.
+/// The PROPERTY of a class's own value has the qualifier "Static". If the class declares the
+/// property, it is the declaration, with the value in place of the default, which is left out if it
+/// is another one. If the property is inherited, it is propagated. Other inherited declarations are
+/// not repeated.
 class TSchemaWriter {
  public:
   TSchemaWriter(TXMLWriter& xml, TValueWriter& values, TCountedWarning& unknownBits)
@@ -34,7 +35,9 @@ class TSchemaWriter {
   void Qualifier(const ICIMQualifier& qualifier);
   template <typename TQualified>
   void Qualifiers(const TQualified& element);
-  void PropertyDecl(const ICIMPropertyDecl& decl);
+  void Properties(const ICIMClass& cimClass);
+  /// `staticValue` is null if the class has no value of its own for the property.
+  void PropertyDecl(const ICIMPropertyDecl& decl, const TCIMValue* staticValue);
   void StaticProperty(const ICIMProperty& property);
   void Method(const ICIMMethodDecl& method);
   void Parameter(const ICIMParameterDecl& parameter);
