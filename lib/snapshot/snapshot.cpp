@@ -147,6 +147,13 @@ void TSnapshotReader::ReadInstance(const ICIMInstance& instance) {
   TInstanceReader(cimClass, Add(cimClass), fNamespaceName, fDepth).Add(instance);
 }
 
+void TSnapshotReader::ReadInstances(const TClass& cimClass,
+                                    const std::vector<boost::shared_ptr<ICIMInstance>>& instances) {
+  if (fDepth < kClasses) return;
+  TInstanceReader reader(cimClass, Add(cimClass), fNamespaceName, fDepth);
+  for (const auto& instance : instances) reader.Add(*instance);
+}
+
 TClassSnapshot& TSnapshotReader::Add(const TClass& cimClass) {
   const TClass superclass = NModel::SuperclassOf(*cimClass);
   fClasses.push_back({cimClass->GetName({}),

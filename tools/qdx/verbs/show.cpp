@@ -4,83 +4,31 @@
 #include <qdxmodel/names.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
+#include <functional>
+#include <map>
 #include <utility>
+
+#include <qdxsnapshot/associations.h>
 
 #include "cli/output.h"
 #include "completeness.h"
 #include "document.h"
+#include "format/namespace_format.h"
+#include "format/schema_format.h"
 #include "machine.h"
-#include "namespace_format.h"
+#include "show_request.h"
 #include "verbs.h"
 
 namespace NVORNQDX20 {
 namespace {
 
-/// A class, or an instance by its object path; in any namespace unless one is named.
-struct TElementName {
-  explicit TElementName(const std::string& text) : fText(text), fPath(text) {
-    const std::size_t colon = text.find_first_of(":\"");
-    if (colon == std::string::npos || text[colon] != ':') return;
-    fNamespace = text.substr(0, colon);
-    fPath = text.substr(colon + 1);
-  }
-
-  std::string fText;  ///< As given; empty for everything.
-  std::string fNamespace;
-  std::string fPath;
+/// What the request names in a namespace.
+struct TFoundElement {
+  TMachineNamespace fOrigin;
+  boost::shared_ptr<ICIMElement> fElement;  ///< Null for the whole namespace.
 };
 
-/// The request of the command line.
-struct TRequest {
-  std::string fFile;  ///< Empty for the live machine.
-  TElementName fElement{""};
-  EDepth fDepth = kValues;
-};
-
-/// Returns whether the text looks like a name, or like a name, a dot and "=": unlikely file names.
-bool CanNameElement(const std::string& text) {
-  const std::string path = TElementName(text).fPath;
-  const std::size_t end =
-      path.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_");
-  if (end == 0 || path.empty()) return false;
-  return end == std::string::npos || (path[end] == '.' && path.find('=', end) != std::string::npos);
-}
-
-bool NamesFile(const std::string& operand) {
-  std::error_code ignored;
-  return operand == "-" || std::filesystem::exists(operand, ignored) || !CanNameElement(operand);
-}
-
-EDepth DepthOf(const std::string& text) {
-  if (text.size() != 1 || text[0] < '0' || text[0] > '3') {
-    FailOnUsage("option '--depth' needs a number from 0 to 3");
-  }
-  return static_cast<EDepth>(text[0] - '0');
-}
-
-TRequest RequestOf(const TArguments& arguments) {
-  const std::string first = arguments.GetOperand(0);
-  const std::string second = arguments.GetOperand(1);
-  TRequest request;
-  request.fDepth = DepthOf(arguments.Get("depth", "3"));
-  if (!second.empty() || (!first.empty() && NamesFile(first))) {
-    request.fFile = first;
-    request.fElement = TElementName(second);
-  } else {
-    request.fElement = TElementName(first);
-  }
-  for (const TOptionSpec& option : TMachine::Options()) {
-    const bool isOfReader = option.fName == std::string_view("memory");
-    if (!isOfReader && !request.fFile.empty() && arguments.Has(option.fName)) {
-      FailOnUsage(std::string("option '--") + option.fName + "' cannot be used with a file");
-    }
-  }
-  return request;
-}
-
-/// Reads the requested elements of each namespace; of a namespace that fails, what was read before.
+/// Finds the requested element in each namespace.
 class TSelection {
  public:
   explicit TSelection(const TRequest& request)
@@ -88,31 +36,25 @@ class TSelection {
         fLookupFailure(kQDXStatusNotFound, request.fFile.empty() ? "no such class, instance or file"
                                                                  : "no such class or instance") {}
 
-  void Add(const TOrigin& origin, const boost::shared_ptr<ICIMNamespace>& ns) {
+  /// Returns what was found, in the order of the names of the namespaces.
+  std::vector<TFoundElement> Find(const std::vector<TMachineNamespace>& namespaces) {
+    std::vector<TFoundElement> found;
     const std::string& wanted = fRequest.fElement.fNamespace;
-    if (!wanted.empty() && !NModel::EqualIgnoringCase(wanted, origin.fNamespace)) {
-      return;
+    for (const TMachineNamespace& ns : namespaces) {
+      if (!wanted.empty() && !NModel::EqualIgnoringCase(wanted, ns.fOrigin.fNamespace)) continue;
+      const auto element = FindIn(ns.fNamespace);
+      if (element || fRequest.fElement.fText.empty()) found.push_back({ns, element});
     }
-    const auto element = Find(ns);
-    if (!element && !fRequest.fElement.fText.empty()) return;
-    fFound.push_back({origin.fNamespace, origin.fProvider, {}, NDescribe::ReadMissingReasons(*ns)});
-    Read(*ns, element);
-  }
-
-  /// Moves out the results, sorted by name.
-  std::vector<TNamespaceContents> TakeFound() {
-    for (TNamespaceContents& ns : fFound) SortSnapshot(ns.fClasses);
-    std::stable_sort(fFound.begin(), fFound.end(),
-                     [](const auto& a, const auto& b) { return a.fName < b.fName; });
-    return std::move(fFound);
+    std::stable_sort(found.begin(), found.end(), [](const auto& left, const auto& right) {
+      return left.fOrigin.fOrigin.fNamespace < right.fOrigin.fOrigin.fNamespace;
+    });
+    return found;
   }
   const TExplainedException& GetLookupFailure() const { return fLookupFailure; }
-  /// Returns whether a class lacks some of its instances.
-  bool LacksInstances() const { return fLacksInstances; }
 
  private:
   /// Null if the namespace does not have the element, or if no element is requested.
-  boost::shared_ptr<ICIMElement> Find(const boost::shared_ptr<ICIMNamespace>& ns) {
+  boost::shared_ptr<ICIMElement> FindIn(const boost::shared_ptr<ICIMNamespace>& ns) {
     boost::shared_ptr<ICIMElement> element;
     if (fRequest.fElement.fText.empty()) return element;
     const auto failure =
@@ -121,39 +63,160 @@ class TSelection {
     return element;
   }
 
-  /// Reads into the last namespace; all of it without an element.
-  void Read(const ICIMNamespace& ns, const boost::shared_ptr<ICIMElement>& element) {
-    const TNamespaceContents& contents = fFound.back();
-    TSnapshotReader reader(ns, fRequest.fDepth, fFound.back().fClasses);
-    if (const auto instance = boost::dynamic_pointer_cast<ICIMInstance>(element)) {
-      return reader.ReadInstance(*instance);
+  const TRequest& fRequest;
+  TExplainedException fLookupFailure;
+};
+
+TNamespaceContents EmptyContents(const TMachineNamespace& ns) {
+  return {ns.fOrigin.fNamespace,
+          ns.fOrigin.fProvider,
+          {},
+          NDescribe::ReadMissingReasons(*ns.fNamespace)};
+}
+
+boost::shared_ptr<ICIMClass> ClassOf(const TFoundElement& found) {
+  return boost::dynamic_pointer_cast<ICIMClass>(found.fElement);
+}
+
+boost::shared_ptr<ICIMInstance> InstanceOf(const TFoundElement& found) {
+  return boost::dynamic_pointer_cast<ICIMInstance>(found.fElement);
+}
+
+/// Reads the elements; of a namespace that fails, what was read before. Clears `complete` if a
+/// class lacks some of its instances.
+std::vector<TNamespaceContents> ReadContents(const std::vector<TFoundElement>& found, EDepth depth,
+                                             bool& complete) {
+  std::vector<TNamespaceContents> all;
+  all.reserve(found.size());
+  for (const TFoundElement& each : found) {
+    TNamespaceContents& contents = all.emplace_back(EmptyContents(each.fOrigin));
+    TSnapshotReader reader(*each.fOrigin.fNamespace, depth, contents.fClasses);
+    if (const auto instance = InstanceOf(each)) {
+      reader.ReadInstance(*instance);
+      continue;
     }
-    const auto cimClass = boost::dynamic_pointer_cast<ICIMClass>(element);
+    const auto cimClass = ClassOf(each);
     cimClass ? reader.ReadTree(cimClass) : reader.ReadAll();
-    const bool lost = ReportLostInstances(contents.fName, contents.fClasses, contents.fReasons);
-    fLacksInstances = fLacksInstances || lost;
+    if (ReportLostInstances(contents.fName, contents.fClasses, contents.fReasons)) complete = false;
+    SortSnapshot(contents.fClasses);
+  }
+  return all;
+}
+
+std::vector<TNamespaceSchema> ReadSchemas(const std::vector<TFoundElement>& found) {
+  std::vector<TNamespaceSchema> all;
+  for (const TFoundElement& each : found) {
+    const auto& [origin, ns] = each.fOrigin;
+    TNamespaceSchema schema{origin.fNamespace, origin.fProvider, {}, {}};
+    if (const auto cimClass = ClassOf(each)) {
+      schema.fClasses.push_back(ReadSchema(cimClass));
+    } else {
+      schema.fQualifiers = ReadQualifiers(*ns);
+      for (const TClassNode& node : ReadClassTree(*ns, nullptr)) {
+        schema.fClasses.push_back(ReadSchema(ns->GetClass(node.fName, {})));
+      }
+    }
+    all.push_back(std::move(schema));
+  }
+  return all;
+}
+
+std::vector<TNamespaceTree> ReadTrees(const std::vector<TFoundElement>& found) {
+  std::vector<TNamespaceTree> all;
+  for (const TFoundElement& each : found) {
+    const auto& [origin, ns] = each.fOrigin;
+    all.push_back({origin.fNamespace, origin.fProvider, ReadClassTree(*ns, ClassOf(each))});
+  }
+  return all;
+}
+
+/// Walks the associations of an instance, through all namespaces.
+class TWalk {
+ public:
+  TWalk(const TRequest& request, const std::vector<TMachineNamespace>& namespaces)
+      : fRequest(request), fOrigins(namespaces) {
+    for (const TMachineNamespace& ns : namespaces) fNamespaces.push_back(ns.fNamespace);
+    CheckClass();
+  }
+
+  void From(const TFoundElement& start) {
+    const auto instance = InstanceOf(start);
+    const auto ns = std::find(fNamespaces.begin(), fNamespaces.end(), start.fOrigin.fNamespace);
+    const TFoundInstance target{static_cast<std::size_t>(ns - fNamespaces.begin()), instance};
+    const TAssociationSearch search(fNamespaces);
+    // The namespace of the instance is shown even if nothing is found.
+    fFound[target.fNamespace];
+    if (fRequest.fView == EView::kReferences) return Add(search.FindReferences(target));
+    const auto associators = search.FindAssociators(target);
+    Add(associators.fInstances);
+    fMissing.insert(fMissing.end(), associators.fMissing.begin(), associators.fMissing.end());
+  }
+
+  /// Clears `complete` if an association leads to an instance that is missing.
+  std::vector<TNamespaceContents> Read(bool& complete) const {
+    std::vector<TNamespaceContents> all;
+    for (const auto& [ns, classes] : fFound) {
+      TNamespaceContents& contents = all.emplace_back(EmptyContents(fOrigins[ns]));
+      TSnapshotReader reader(*fNamespaces[ns], fRequest.fDepth, contents.fClasses);
+      for (const auto& [name, instances] : classes) {
+        reader.ReadInstances(instances.front()->GetClass({}), instances);
+      }
+      SortSnapshot(contents.fClasses);
+    }
+    std::stable_sort(all.begin(), all.end(),
+                     [](const auto& left, const auto& right) { return left.fName < right.fName; });
+    if (!fMissing.empty()) complete = false;
+    for (const std::string& path : fMissing) PrintError("no instance " + path);
+    return all;
+  }
+
+ private:
+  using TInstances = std::vector<boost::shared_ptr<ICIMInstance>>;
+
+  /// Throws a TCommandFailure if no namespace has the class of the request.
+  void CheckClass() const {
+    const std::string& name = fRequest.fClass;
+    const auto hasClass = [&name](const auto& ns) {
+      boost::shared_ptr<ICIMClass> cimClass;
+      (void)Try([&] { cimClass = ns->GetClass(name, {}); });
+      return cimClass != nullptr;
+    };
+    if (name.empty() || std::any_of(fNamespaces.begin(), fNamespaces.end(), hasClass)) return;
+    throw TCommandFailure(kExitBadInput, "looking for " + name,
+                          {kQDXStatusNotFound, "no such class"});
+  }
+
+  void Add(const std::vector<TFoundInstance>& found) {
+    for (const auto& [ns, instance] : found) {
+      const auto cimClass = instance->GetClass({});
+      if (!fRequest.fClass.empty() && !IsOrDerivesFrom(cimClass, fRequest.fClass)) continue;
+      fFound[ns][cimClass->GetName({})].push_back(instance);
+    }
   }
 
   const TRequest& fRequest;
-  std::vector<TNamespaceContents> fFound;
-  TExplainedException fLookupFailure;
-  bool fLacksInstances = false;
+  const std::vector<TMachineNamespace>& fOrigins;
+  TNamespaces fNamespaces;
+  std::map<std::size_t, std::map<std::string, TInstances>> fFound;
+  std::vector<std::string> fMissing;
 };
 
-/// Returns whether all values of the document could be read.
-bool AddDocument(const std::string& file, const TArguments& arguments, TSelection& selection) {
+std::vector<TMachineNamespace> OpenDocumentOf(const TRequest& request, const TArguments& arguments,
+                                              bool& complete) {
   bool incomplete = false;
-  for (const auto& ns : OpenDocument(file, arguments, incomplete)) {
-    selection.Add({"", ns->GetName({})}, ns);
+  std::vector<TMachineNamespace> namespaces;
+  for (const auto& ns : OpenDocument(request.fFile, arguments, incomplete)) {
+    namespaces.push_back({{"", ns->GetName({})}, ns});
   }
-  return !incomplete;
+  if (incomplete) complete = false;
+  return namespaces;
 }
 
-/// Returns whether all providers succeeded.
-bool AddLiveMachine(const TArguments& arguments, TSelection& selection) {
+std::vector<TMachineNamespace> OpenMachine(const TArguments& arguments, bool& complete) {
   TMachine machine(arguments);
-  for (const auto& [origin, ns] : machine.TakeAll()) selection.Add(origin, ns);
-  return machine.IsComplete();
+  auto namespaces = machine.TakeAll();
+  if (!machine.IsComplete()) complete = false;
+  return namespaces;
 }
 
 /// Returns the error in the text of an element, without the text itself, which the core repeats and
@@ -192,26 +255,63 @@ TExplainedException ExplainInvalidElement(const TExplainedException& failure) {
                         {kQDXStatusNotFound, "it has no namespaces"});
 }
 
-EExitCode RunShow(const TArguments& arguments) {
-  const TRequest request = RequestOf(arguments);
-  TSelection selection(request);
-  const bool complete = request.fFile.empty() ? AddLiveMachine(arguments, selection)
-                                              : AddDocument(request.fFile, arguments, selection);
-  const auto found = selection.TakeFound();
-  if (found.empty()) {
-    FailToFind(request, complete || !request.fFile.empty(), selection.GetLookupFailure());
-  }
-  arguments.Has("json") ? WriteJSON(NamespacesAsJSON(found, request.fDepth))
-                        : WriteOutput(FormatNamespaces(found));
-  return complete && !selection.LacksInstances() ? kExitDone : kExitPartlyDone;
+using TPrint = std::function<void()>;
+
+TPrint PrinterOfJSON(TJSON json) {
+  return [json = std::move(json)] { WriteJSON(json); };
 }
 
-std::vector<TOptionSpec> ShowOptions() {
-  std::vector<TOptionSpec> options = TMachine::Options();
-  options.push_back(
-      {"depth", "N", "Stop at namespaces (0), classes (1), instances (2) or values (3)."});
-  options.push_back({"json", nullptr, "Print one JSON object."});
-  return options;
+TPrint PrinterOfText(std::string text) {
+  return [text = std::move(text)] { WriteOutput(text); };
+}
+
+TPrint PrinterOf(std::vector<TNamespaceContents> contents, EDepth depth, bool asJSON) {
+  return [contents = std::move(contents), depth, asJSON] {
+    asJSON ? WriteJSON(NamespacesAsJSON(contents, depth)) : WriteOutput(FormatNamespaces(contents));
+  };
+}
+
+/// Reads what the request shows, and returns a function that prints it without the namespaces:
+/// their memory is free then. Clears `complete` if something is missing.
+TPrint ReadView(const TRequest& request, bool asJSON, const std::vector<TFoundElement>& found,
+                const std::vector<TMachineNamespace>& namespaces, bool& complete) {
+  switch (request.fView) {
+    case EView::kSchema:
+      return asJSON ? PrinterOfJSON(SchemaAsJSON(ReadSchemas(found)))
+                    : PrinterOfText(FormatSchema(ReadSchemas(found)));
+    case EView::kMOF:
+      return PrinterOfText(FormatMOF(ReadSchemas(found)));
+    case EView::kTree:
+      return asJSON ? PrinterOfJSON(TreeAsJSON(ReadTrees(found)))
+                    : PrinterOfText(FormatTree(ReadTrees(found)));
+    case EView::kAssociators:
+    case EView::kReferences: {
+      TWalk walk(request, namespaces);
+      for (const TFoundElement& each : found) walk.From(each);
+      return PrinterOf(walk.Read(complete), request.fDepth, asJSON);
+    }
+    case EView::kContents:
+      break;
+  }
+  return PrinterOf(ReadContents(found, request.fDepth, complete), request.fDepth, asJSON);
+}
+
+EExitCode RunShow(const TArguments& arguments) {
+  const TRequest request = RequestOf(arguments);
+  bool complete = true;
+  TPrint print;
+  {
+    const auto namespaces = request.fFile.empty() ? OpenMachine(arguments, complete)
+                                                  : OpenDocumentOf(request, arguments, complete);
+    TSelection selection(request);
+    const auto found = selection.Find(namespaces);
+    if (found.empty()) {
+      FailToFind(request, complete || !request.fFile.empty(), selection.GetLookupFailure());
+    }
+    print = ReadView(request, arguments.Has("json"), found, namespaces, complete);
+  }
+  print();
+  return complete ? kExitDone : kExitPartlyDone;
 }
 
 }  // namespace
@@ -224,10 +324,12 @@ TVerb ShowVerb() {
       "ELEMENT is a class, shown with all its subclasses, or an object path such as\n"
       "'VORNSG_SCSIDevice.DeviceID=\"/dev/sg0\"'; 'root/cimv2:' before it searches only that\n"
       "namespace. A single argument is FILE if a file with this name exists, or if it cannot be\n"
-      "an element.\n",
+      "an element. --associators and --references take a CLASS after an object path.\n",
       ShowOptions(),
       RunShow,
-      {{"FILE", TOperandSpec::kOptional}, {"ELEMENT", TOperandSpec::kOptional}}};
+      {{"FILE", TOperandSpec::kOptional},
+       {"ELEMENT", TOperandSpec::kOptional},
+       {"CLASS", TOperandSpec::kOptional}}};
 }
 
 }  // namespace NVORNQDX20

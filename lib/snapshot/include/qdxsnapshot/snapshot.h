@@ -53,6 +53,9 @@ class TSnapshotReader {
   void ReadTree(const boost::shared_ptr<ICIMClass>& root);
   /// Reads the class of the instance, with this instance only.
   void ReadInstance(const ICIMInstance& instance);
+  /// Reads a class with only these instances, which must be of this class.
+  void ReadInstances(const boost::shared_ptr<ICIMClass>& cimClass,
+                     const std::vector<boost::shared_ptr<ICIMInstance>>& instances);
 
  private:
   TClassSnapshot& Add(const boost::shared_ptr<ICIMClass>& cimClass);

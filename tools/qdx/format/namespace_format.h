@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Formats namespaces with their contents, as text for people and as JSON.
-#ifndef TOOLS_QDX_VERBS_NAMESPACE_FORMAT_H_
-#define TOOLS_QDX_VERBS_NAMESPACE_FORMAT_H_
+#ifndef TOOLS_QDX_FORMAT_NAMESPACE_FORMAT_H_
+#define TOOLS_QDX_FORMAT_NAMESPACE_FORMAT_H_
 
 #include <qdxdescribe/missing_values.h>
 
@@ -29,4 +29,4 @@ TJSON NamespacesAsJSON(const std::vector<TNamespaceContents>& namespaces, EDepth
 
 }  // namespace NVORNQDX20
 
-#endif  // TOOLS_QDX_VERBS_NAMESPACE_FORMAT_H_
+#endif  // TOOLS_QDX_FORMAT_NAMESPACE_FORMAT_H_

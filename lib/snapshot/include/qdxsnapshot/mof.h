@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Declarations as MOF text (DMTF DSP0004, MOF).
+///
+/// What the grammar cannot express is replaced, and a comment beside it tells what it was: an empty
+/// array, a real that is not a number, a method without a type, a reference to an unknown class.
+#ifndef QDXSNAPSHOT_MOF_H_
+#define QDXSNAPSHOT_MOF_H_
+
+#include <string>
+
+#include <qdxsnapshot/schema.h>
+
+namespace NVORNQDX20 {
+
+/// Returns the text as a string in quotes. Control characters, and those that change the direction
+/// of writing, are escaped; bytes that are not UTF-8 become U+FFFD.
+std::string QuotedForMOF(const std::string& text);
+
+/// Returns the declaration of a class: what it declares itself, without what it inherits. Names are
+/// written unchanged.
+std::string ClassAsMOF(const TClassSchema& cimClass);
+
+/// Returns the declaration of a qualifier.
+std::string QualifierAsMOF(const TQualifierSchema& qualifier);
+
+}  // namespace NVORNQDX20
+
+#endif  // QDXSNAPSHOT_MOF_H_

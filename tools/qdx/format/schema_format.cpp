@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "schema_format.h"
+
+#include <qdxmodel/type.h>
+
+#include <utility>
+
+#include <qdxsnapshot/mof.h>
+#include "cli/terminal.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+using TType = TCIMValue::TCIMType;
+
+std::string Line(std::size_t indent, const std::string& text,
+                 TTableRow::EStyle style = TTableRow::kPlain) {
+  return FormatTable({{{std::string(indent, ' ') + text}, style}});
+}
+
+std::string Heading(const std::string& name, const std::string& provider) {
+  return Line(0, name + (provider.empty() ? "" : "  (provider " + provider + ")"),
+              TTableRow::kHeading);
+}
+
+/// Sanitises every line for the terminal: names are not escaped.
+std::string Sanitised(const std::string& text) {
+  std::string lines;
+  for (std::size_t start = 0; start < text.size();) {
+    const std::size_t end = text.find('\n', start);
+    lines += ForTerminal(text.substr(start, end - start)) + '\n';
+    start = end == std::string::npos ? text.size() : end + 1;
+  }
+  return lines;
+}
+
+std::string PropertySignature(const TPropertySchema& property, const std::string& ns) {
+  const TCIMValue& value = property.fDefault;
+  std::string text = property.fReferencedClass.empty() ? NModel::TypeText(value.GetType())
+                                                       : property.fReferencedClass + " reference";
+  if (value.IsArray() && value.GetMaxArraySize() != 0) {
+    text.insert(text.size() - 1, std::to_string(value.GetMaxArraySize()));
+  }
+  text += " " + property.fName;
+  return value.IsNull() ? text : text + " = " + PlainText(ToJSON(value, ns));
+}
+
+/// Returns what is to be said about a property or method of the class besides its signature.
+std::string RemarkOn(const TFeatureOrigin& origin, const std::string& className, bool isKey) {
+  std::string remark = isKey ? "key" : "";
+  const auto add = [&remark](const std::string& text) {
+    remark += (remark.empty() ? "" : ", ") + text;
+  };
+  if (origin.fClass != className) add("from " + origin.fClass);
+  if (!origin.fOverridden.empty()) add("overrides " + origin.fOverridden);
+  return remark.empty() ? "" : "  (" + remark + ")";
+}
+
+std::string FormatQualifiers(const std::vector<TQualifierValue>& qualifiers, std::size_t indent,
+                             const std::string& ns) {
+  std::vector<TTableRow> rows;
+  rows.reserve(qualifiers.size());
+  for (const auto& [name, value] : qualifiers) {
+    rows.push_back(
+        {{std::string(indent, ' ') + name, PlainText(ToJSON(value, ns))}, TTableRow::kDim});
+  }
+  return FormatTable(rows);
+}
+
+std::string FormatMethod(const TMethodSchema& method, const std::string& className,
+                         const std::string& ns) {
+  std::string text = Line(4, NModel::TypeText(method.fReturnType) + " " + method.fName + "()" +
+                                 RemarkOn(method.fOrigin, className, false));
+  text += FormatQualifiers(method.fQualifiers, 6, ns);
+  for (const TParameterSchema& parameter : method.fParameters) {
+    text += Line(6, NModel::TypeText(parameter.fType) + " " + parameter.fName);
+    text += FormatQualifiers(parameter.fQualifiers, 8, ns);
+  }
+  return text;
+}
+
+std::string FormatClass(const TClassSchema& cimClass, const std::string& ns) {
+  const std::string& superclass = cimClass.fSuperclass;
+  std::string text =
+      Line(2, cimClass.fName + (superclass.empty() ? "" : "  (subclass of " + superclass + ")"));
+  text += FormatQualifiers(cimClass.fQualifiers, 4, ns);
+  for (const TPropertySchema& property : cimClass.fProperties) {
+    text += Line(4, PropertySignature(property, ns) +
+                        RemarkOn(property.fOrigin, cimClass.fName, property.fIsKey));
+    text += FormatQualifiers(property.fQualifiers, 6, ns);
+  }
+  for (const TMethodSchema& method : cimClass.fMethods) {
+    text += FormatMethod(method, cimClass.fName, ns);
+  }
+  return text;
+}
+
+TJSON TextOrNull(const std::string& text) { return text.empty() ? TJSON() : TJSON(text); }
+
+TJSON QualifiersAsJSON(const std::vector<TQualifierValue>& qualifiers, const std::string& ns) {
+  TJSON json = TJSON::object();
+  for (const auto& [name, value] : qualifiers) json[name] = ToJSON(value, ns);
+  return json;
+}
+
+TJSON PropertyAsJSON(const TPropertySchema& property, const std::string& ns) {
+  const TCIMValue& value = property.fDefault;
+  TJSON json = {{"property", property.fName}, {"type", NModel::TypeText(value.GetType())}};
+  if (value.IsArray() && value.GetMaxArraySize() != 0) json["size"] = value.GetMaxArraySize();
+  if (!property.fReferencedClass.empty()) json["referencedClass"] = property.fReferencedClass;
+  json["key"] = property.fIsKey;
+  json["default"] = ToJSON(value, ns);
+  json["declaredIn"] = property.fOrigin.fClass;
+  json["overrides"] = TextOrNull(property.fOrigin.fOverridden);
+  json["qualifiers"] = QualifiersAsJSON(property.fQualifiers, ns);
+  return json;
+}
+
+TJSON MethodAsJSON(const TMethodSchema& method, const std::string& ns) {
+  TJSON parameters = TJSON::array();
+  for (const auto& [name, type, qualifiers] : method.fParameters) {
+    parameters.push_back({{"parameter", name},
+                          {"type", NModel::TypeText(type)},
+                          {"qualifiers", QualifiersAsJSON(qualifiers, ns)}});
+  }
+  return {{"method", method.fName},
+          {"type", NModel::TypeText(method.fReturnType)},
+          {"declaredIn", method.fOrigin.fClass},
+          {"overrides", TextOrNull(method.fOrigin.fOverridden)},
+          {"qualifiers", QualifiersAsJSON(method.fQualifiers, ns)},
+          {"parameters", std::move(parameters)}};
+}
+
+TJSON ClassAsJSON(const TClassSchema& cimClass, const std::string& ns) {
+  TJSON properties = TJSON::array();
+  for (const auto& each : cimClass.fProperties) properties.push_back(PropertyAsJSON(each, ns));
+  TJSON methods = TJSON::array();
+  for (const auto& each : cimClass.fMethods) methods.push_back(MethodAsJSON(each, ns));
+  return {{"class", cimClass.fName},
+          {"superclass", TextOrNull(cimClass.fSuperclass)},
+          {"association", cimClass.fIsAssociation},
+          {"qualifiers", QualifiersAsJSON(cimClass.fQualifiers, ns)},
+          {"properties", std::move(properties)},
+          {"methods", std::move(methods)}};
+}
+
+/// Returns the namespaces with what `asJSON` returns for each of their `members`.
+template <typename TNamespace, typename TMembers, typename TAsJSON>
+TJSON NamespacesOf(const std::vector<TNamespace>& namespaces, TMembers TNamespace::*members,
+                   const TAsJSON& asJSON) {
+  TJSON all = TJSON::array();
+  for (const TNamespace& ns : namespaces) {
+    TJSON classes = TJSON::array();
+    for (const auto& each : ns.*members) classes.push_back(asJSON(each, ns.fName));
+    all.push_back({{"namespace", ns.fName},
+                   {"provider", TextOrNull(ns.fProvider)},
+                   {"classes", std::move(classes)}});
+  }
+  return {{"namespaces", std::move(all)}};
+}
+
+}  // namespace
+
+std::string FormatSchema(const std::vector<TNamespaceSchema>& namespaces) {
+  std::string text;
+  for (const TNamespaceSchema& ns : namespaces) {
+    text += Heading(ns.fName, ns.fProvider);
+    for (const TClassSchema& cimClass : ns.fClasses) text += FormatClass(cimClass, ns.fName);
+  }
+  return text;
+}
+
+TJSON SchemaAsJSON(const std::vector<TNamespaceSchema>& namespaces) {
+  return NamespacesOf(namespaces, &TNamespaceSchema::fClasses, ClassAsJSON);
+}
+
+std::string FormatMOF(const std::vector<TNamespaceSchema>& namespaces) {
+  std::string text;
+  for (const TNamespaceSchema& ns : namespaces) {
+    text += "#pragma namespace (" + QuotedForMOF(ns.fName) + ")\n";
+    for (const TQualifierSchema& qualifier : ns.fQualifiers) {
+      text += "\n" + QualifierAsMOF(qualifier);
+    }
+    for (const TClassSchema& cimClass : ns.fClasses) text += "\n" + ClassAsMOF(cimClass);
+  }
+  return Sanitised(text);
+}
+
+std::string FormatTree(const std::vector<TNamespaceTree>& namespaces) {
+  std::string text;
+  for (const TNamespaceTree& ns : namespaces) {
+    text += Heading(ns.fName, ns.fProvider);
+    for (const TClassNode& node : ns.fNodes) {
+      const std::size_t count = node.fInstanceCount;
+      const std::string instances = count == 0   ? ""
+                                    : count == 1 ? "  (1 instance)"
+                                                 : "  (" + std::to_string(count) + " instances)";
+      text += Line(2 + 2 * node.fDepth, node.fName + instances);
+    }
+  }
+  return text;
+}
+
+TJSON TreeAsJSON(const std::vector<TNamespaceTree>& namespaces) {
+  return NamespacesOf(namespaces, &TNamespaceTree::fNodes,
+                      [](const TClassNode& node, const std::string&) -> TJSON {
+                        return {{"class", node.fName},
+                                {"superclass", TextOrNull(node.fSuperclass)},
+                                {"instanceCount", node.fInstanceCount}};
+                      });
+}
+
+}  // namespace NVORNQDX20

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "show_request.h"
+
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "cli/failure.h"
+#include "machine.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+/// Returns whether the text looks like a name, a dot and "=".
+bool CanNameInstance(const std::string& text, std::size_t end) {
+  return end != std::string::npos && text[end] == '.' && text.find('=', end) != std::string::npos;
+}
+
+std::size_t EndOfName(const std::string& path) {
+  return path.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_");
+}
+
+bool NamesInstance(const std::string& text) {
+  const std::string path = TElementName(text).fPath;
+  return CanNameInstance(path, EndOfName(path));
+}
+
+/// Returns whether the text looks like a class or an instance: unlikely file names.
+bool CanNameElement(const std::string& text) {
+  const std::string path = TElementName(text).fPath;
+  const std::size_t end = EndOfName(path);
+  if (end == 0 || path.empty()) return false;
+  return end == std::string::npos || CanNameInstance(path, end);
+}
+
+bool NamesFile(const std::string& operand) {
+  std::error_code ignored;
+  return operand == "-" || std::filesystem::exists(operand, ignored) || !CanNameElement(operand);
+}
+
+EDepth DepthOf(const std::string& text) {
+  if (text.size() != 1 || text[0] < '0' || text[0] > '3') {
+    FailOnUsage("option '--depth' needs a number from 0 to 3");
+  }
+  return static_cast<EDepth>(text[0] - '0');
+}
+
+/// Returns the view that an option chooses, after checking that no other option contradicts it.
+EView ViewOf(const TArguments& arguments) {
+  static constexpr std::pair<const char*, EView> kViews[] = {{"schema", EView::kSchema},
+                                                             {"mof", EView::kMOF},
+                                                             {"tree", EView::kTree},
+                                                             {"associators", EView::kAssociators},
+                                                             {"references", EView::kReferences}};
+  const char* chosen = nullptr;
+  EView view = EView::kContents;
+  const auto refuse = [&chosen](const std::string& other) {
+    FailOnUsage(std::string("option '--") + chosen + "' cannot be used with '--" + other + "'");
+  };
+  for (const auto& [option, its] : kViews) {
+    if (!arguments.Has(option)) continue;
+    // MOF is a form of the schema.
+    if (chosen != nullptr && its != EView::kMOF) refuse(option);
+    chosen = option;
+    view = its;
+  }
+  if (view == EView::kMOF && arguments.Has("json")) refuse("json");
+  if (chosen != nullptr && !IsWalk(view) && arguments.Has("depth")) refuse("depth");
+  return view;
+}
+
+/// A walk takes [FILE] PATH [CLASS], the other views [FILE] [ELEMENT].
+void SetOperands(const std::vector<std::string>& operands, TRequest& request) {
+  const bool isWalk = IsWalk(request.fView);
+  const std::size_t count = operands.size();
+  std::size_t next = 0;
+  const bool isSurelyFile = count == 3 || (count == 2 && (!isWalk || NamesInstance(operands[1])));
+  if (isSurelyFile || (count != 0 && NamesFile(operands[0]))) {
+    request.fFile = operands[next++];
+  }
+  if (next < count) request.fElement = TElementName(operands[next++]);
+  if (next < count) request.fClass = operands[next];
+  if (!isWalk && !request.fClass.empty()) {
+    FailOnUsage("operand CLASS needs the option '--associators' or '--references'");
+  }
+}
+
+void CheckElement(const TRequest& request) {
+  const bool isInstance = NamesInstance(request.fElement.fText);
+  if (IsWalk(request.fView) && !isInstance) {
+    FailOnUsage("options '--associators' and '--references' need the object path of an instance");
+  }
+  if (request.fView != EView::kContents && !IsWalk(request.fView) && isInstance) {
+    FailOnUsage("options '--schema', '--mof' and '--tree' need a class, not an object path");
+  }
+}
+
+}  // namespace
+
+TRequest RequestOf(const TArguments& arguments) {
+  TRequest request;
+  request.fView = ViewOf(arguments);
+  request.fDepth = DepthOf(arguments.Get("depth", "3"));
+  SetOperands(arguments.fOperands, request);
+  CheckElement(request);
+  for (const TOptionSpec& option : TMachine::Options()) {
+    const bool isOfReader = option.fName == std::string_view("memory");
+    if (!isOfReader && !request.fFile.empty() && arguments.Has(option.fName)) {
+      FailOnUsage(std::string("option '--") + option.fName + "' cannot be used with a file");
+    }
+  }
+  return request;
+}
+
+std::vector<TOptionSpec> ShowOptions() {
+  std::vector<TOptionSpec> options = TMachine::Options();
+  options.push_back(
+      {"depth", "N", "Stop at namespaces (0), classes (1), instances (2) or values (3)."});
+  options.push_back({"json", nullptr, "Print one JSON object."});
+  options.push_back({"schema", nullptr,
+                     "Show the declaration of a class, with what it inherits; without ELEMENT of "
+                     "all classes."});
+  options.push_back({"mof", nullptr, "Print the declarations as MOF text."});
+  options.push_back(
+      {"tree", nullptr, "Show the tree of classes, with the number of instances of each."});
+  options.push_back({"associators", nullptr,
+                     "Show the instances associated with ELEMENT, an object path; only those of "
+                     "CLASS if one is given."});
+  options.push_back({"references", nullptr,
+                     "Show the associations that refer to ELEMENT, an object path; only those of "
+                     "CLASS if one is given."});
+  return options;
+}
+
+}  // namespace NVORNQDX20

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: Apache-2.0
+/// The command line of the verb show.
+#ifndef TOOLS_QDX_VERBS_SHOW_REQUEST_H_
+#define TOOLS_QDX_VERBS_SHOW_REQUEST_H_
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include <qdxsnapshot/snapshot.h>
+
+#include "cli/arguments.h"
+
+namespace NVORNQDX20 {
+
+/// A class, or an instance by its object path; in any namespace unless one is named.
+struct TElementName {
+  explicit TElementName(const std::string& text) : fText(text), fPath(text) {
+    const std::size_t colon = text.find_first_of(":\"");
+    if (colon == std::string::npos || text[colon] != ':') return;
+    fNamespace = text.substr(0, colon);
+    fPath = text.substr(colon + 1);
+  }
+
+  std::string fText;  ///< As given; empty for everything.
+  std::string fNamespace;
+  std::string fPath;
+};
+
+/// What to show.
+enum class EView { kContents, kSchema, kMOF, kTree, kAssociators, kReferences };
+
+inline bool IsWalk(EView view) { return view == EView::kAssociators || view == EView::kReferences; }
+
+/// The request of the command line.
+struct TRequest {
+  EView fView = EView::kContents;
+  std::string fFile;  ///< Empty for the live machine.
+  TElementName fElement{""};
+  std::string fClass;  ///< The class to which a walk is limited; empty for all.
+  EDepth fDepth = kValues;
+};
+
+/// Throws a TCommandFailure for options and operands that contradict each other.
+TRequest RequestOf(const TArguments& arguments);
+
+/// The options of the verb.
+std::vector<TOptionSpec> ShowOptions();
+
+}  // namespace NVORNQDX20
+
+#endif  // TOOLS_QDX_VERBS_SHOW_REQUEST_H_
