@@ -117,18 +117,11 @@ std::vector<TOptionSpec> ShowOptions() {
   options.push_back(
       {"depth", "N", "Stop at namespaces (0), classes (1), instances (2) or values (3)."});
   options.push_back({"json", nullptr, "Print one JSON object."});
-  options.push_back({"schema", nullptr,
-                     "Show the declaration of a class, with what it inherits; without ELEMENT of "
-                     "all classes."});
-  options.push_back({"mof", nullptr, "Print the declarations as MOF text."});
-  options.push_back(
-      {"tree", nullptr, "Show the tree of classes, with the number of instances of each."});
-  options.push_back({"associators", nullptr,
-                     "Show the instances associated with ELEMENT, an object path; only those of "
-                     "CLASS if one is given."});
-  options.push_back({"references", nullptr,
-                     "Show the associations that refer to ELEMENT, an object path; only those of "
-                     "CLASS if one is given."});
+  options.push_back({"schema", nullptr, "Show the declaration of a class, or of all."});
+  options.push_back({"mof", nullptr, "Print declarations as MOF text."});
+  options.push_back({"tree", nullptr, "Show the tree of classes."});
+  options.push_back({"associators", nullptr, "Show what is associated with an object path."});
+  options.push_back({"references", nullptr, "Show the associations of an object path."});
   return options;
 }
 
