@@ -54,7 +54,7 @@ TInstance FindInstance(const ICIMNamespace& ns, const TCIMReference& path) {
   (void)TryUnlessOutOfMemory([&] { named = ns.GetClass(path.GetClassName(), {}); });
   if (!named) return nullptr;
   for (const TClass& each : NModel::WithSubclasses(named)) {
-    const TInstance instance = InstanceOf(*each, path);
+    TInstance instance = InstanceOf(*each, path);
     if (instance) return instance;
   }
   return nullptr;

@@ -120,7 +120,7 @@ std::string ScalarText(const TCIMValue& value) {
 
 /// Returns the texts with `between` them; in a line of their own each if one line is too short.
 std::string Listed(const TTexts& texts, const std::string& between, std::size_t indent) {
-  const std::string line = boost::algorithm::join(texts, between + " ");
+  std::string line = boost::algorithm::join(texts, between + " ");
   if (texts.size() < 2 || indent + line.size() <= kLineWidth) return line;
   const std::string end = "\n" + std::string(indent, ' ');
   return end + boost::algorithm::join(texts, between + end);
