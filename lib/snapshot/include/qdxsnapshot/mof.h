@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Declarations as MOF text (DMTF DSP0004, MOF).
 ///
-/// What the grammar cannot express is replaced, and a comment beside it tells what it was: an empty
-/// array, a real that is not a number, a method without a type, a reference to an unknown class.
+/// What the grammar cannot express is replaced, and a comment beside it gives the original: an
+/// empty array, a real that is not a number, a method without a type, a reference to an unknown
+/// class.
 #ifndef QDXSNAPSHOT_MOF_H_
 #define QDXSNAPSHOT_MOF_H_
 
