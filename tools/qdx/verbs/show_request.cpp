@@ -2,6 +2,7 @@
 #include "show_request.h"
 
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
