@@ -231,14 +231,14 @@ void TStoredValue::AddTo(THasher& hasher, TType type) const {
 
 std::string_view TStoredValue::TextOf() const noexcept {
   if (fKind == kShortText) return {reinterpret_cast<const char*>(fBytes), fSize};
-  const auto* const text = Load<const TLongText*>();
+  const auto* const text = Target<const TLongText>();
   return {text->fText, text->fSize};
 }
 
 void TStoredValue::Box(TCIMValue&& value) { Point(kBoxed, new TCIMValue(std::move(value))); }
 
 void TStoredValue::Destroy() noexcept {
-  if (fKind == kLongText) ::operator delete(Load<TLongText*>());
+  if (fKind == kLongText) ::operator delete(Target<TLongText>());
   if (fKind == kReference) delete Referred();
   if (fKind == kBoxed) delete Boxed();
 }

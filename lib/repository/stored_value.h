@@ -90,16 +90,24 @@ class TStoredValue {
 
   template <typename T>
   T Load() const noexcept {
+    static_assert(std::is_arithmetic_v<T> && sizeof(T) <= kMaxShortText);
     T content;
     std::memcpy(&content, fBytes, sizeof content);
     return content;
   }
-  void Point(EKind kind, const void* target) noexcept {
+  /// Returns what Point() stored.
+  template <typename T>
+  T* Target() const noexcept {
+    void* target = nullptr;
+    std::memcpy(&target, fBytes, sizeof target);
+    return static_cast<T*>(target);
+  }
+  void Point(EKind kind, void* target) noexcept {
     std::memcpy(fBytes, &target, sizeof target);
     fKind = kind;
   }
-  TCIMValue* Boxed() const noexcept { return Load<TCIMValue*>(); }
-  TStoredReference* Referred() const noexcept { return Load<TStoredReference*>(); }
+  TCIMValue* Boxed() const noexcept { return Target<TCIMValue>(); }
+  TStoredReference* Referred() const noexcept { return Target<TStoredReference>(); }
   bool IsText() const noexcept { return fKind == kShortText || fKind == kLongText; }
   std::string_view TextOf() const noexcept;
   void Box(TCIMValue&& value);
