@@ -26,8 +26,8 @@ enum EImageRecord : std::uint8_t {
   /// Lists begin with their lengths. A property has the position of the overridden one, else the
   /// next free one.
   kClass,
-  kReferredClass,  ///< Class, own property, class to which it refers instead of its own.
-  kStaticValue,    ///< Class, property, content.
+  kLateDefault,  ///< Class, own property of type reference, content.
+  kStaticValue,  ///< Class, property, content.
   /// Class; the positions of the properties whose values its next instances have.
   kInstancesOf,
   kInstance,  ///< The contents.

@@ -78,8 +78,8 @@ class TImageReader {
       case kClass:
         ReadClass();
         return true;
-      case kReferredClass:
-        ReadReferredClass();
+      case kLateDefault:
+        ReadLateDefault();
         return true;
       case kStaticValue:
         ReadStaticValue();
@@ -140,11 +140,11 @@ class TImageReader {
     ReadMembers(fClasses.back());
   }
 
-  void ReadReferredClass() {
+  void ReadLateDefault() {
     TReadClass& read = Element(fClasses);
+    fInput.Hold(kElementBytes);
     const auto& decl = Element(read.fMembers);
-    TCIMValue value(TType::kCIMTypeReference, 0U);
-    value.SetReferencedClass(Element(fClasses).fClass);
+    const TCIMValue value = ReadContent(TType::kCIMTypeReference);
     SetReferenceDefault(*read.fClass, decl->GetName(), value);
   }
 

@@ -169,7 +169,7 @@ class TImageWriter {
     fOwnNames.emplace(number, name);
     fOwnClasses.push_back(cimClass);
     fDeclaring.pop_back();
-    if (fDeclaring.empty()) WriteReferredClasses();
+    if (fDeclaring.empty()) WriteLateDefaults();
     return written;
   }
 
@@ -188,9 +188,11 @@ class TImageWriter {
       const TCIMValue& value = decl->GetDefaultValue();
       PutText(record, decl->GetName());
       const TClass target = value.IsReference() ? value.GetReferencedClass() : nullptr;
-      const bool isCircle = target && IsWaitedFor(*target);
-      if (isCircle && !fRehearses) fCircles.push_back({ownNumber, decl->GetName(), target});
-      if (isCircle || (value.IsNull() && value.IsReference() && !target)) {
+      // What a default refers to can need the class.
+      const bool isLate =
+          value.IsReference() && (!value.IsNull() || (target && IsWaitedFor(*target)));
+      if (isLate && !fRehearses) fLateDefaults.push_back({ownNumber, decl});
+      if (isLate || (value.IsNull() && value.IsReference() && !target)) {
         // It has to name a class, whichever.
         PutNumber(record, value.GetType());
         record += static_cast<char>(kNullReference);
@@ -359,17 +361,17 @@ class TImageWriter {
     return superclass && (IsBeingDeclared(*superclass) || IsWaitedFor(*superclass));
   }
 
-  /// Classes that refer to each other, or to their own subclasses, refer to themselves at first.
-  void WriteReferredClasses() {
-    const std::vector<TCircle> circles = std::exchange(fCircles, {});
-    for (const auto& [number, property, target] : circles) {
-      const std::uint64_t referred = NumberOf(target);
+  /// Until then such properties refer to their own class.
+  void WriteLateDefaults() {
+    const std::vector<TLateDefault> defaults = std::exchange(fLateDefaults, {});
+    for (const auto& [number, decl] : defaults) {
       const TWrittenClass& written = *fClasses[0].at(fOwnNames.at(number));
-      std::string record(1, static_cast<char>(kReferredClass));
+      std::string record(1, static_cast<char>(kLateDefault));
       PutNumber(record, number);
-      PutNumber(record, written.fPositions.at(property));
-      PutNumber(record, referred);
-      Append(record);
+      PutNumber(record, written.fPositions.at(decl->GetName()));
+      const std::size_t content = record.size();
+      PutContent(record, decl->GetDefaultValue(), TType::kCIMTypeReference, decl->GetName());
+      if (static_cast<std::uint8_t>(record[content]) != kNull) Append(record);
     }
   }
 
@@ -463,12 +465,11 @@ class TImageWriter {
   std::vector<NModel::TNameMap<std::unique_ptr<TWrittenClass>>> fClasses;  // by namespace
   std::vector<std::optional<std::uint64_t>> fKeyDecls;                     // by namespace
   std::uint64_t fClassCount = 0;
-  struct TCircle {
+  struct TLateDefault {
     std::uint64_t fClass;
-    std::string fProperty;
-    TClass fTarget;
+    boost::shared_ptr<ICIMPropertyDecl> fDecl;
   };
-  std::vector<TCircle> fCircles;
+  std::vector<TLateDefault> fLateDefaults;
   std::map<std::uint64_t, std::string> fOwnNames;  // by number
   std::vector<TClass> fOwnClasses;                 // in the order of their numbers
   std::vector<std::string> fDeclaring;             // classes that are being written

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <memory>
 #include <utility>
 
 namespace NVORNQDX20 {
@@ -47,7 +48,8 @@ class TFeatures {
     TFeatureOrigin fOrigin;
     std::size_t fLevel;  // of the class, 0 for the root class
     bool fIsKey = false;
-    TCIMValue fStatic = {};
+    /// A pointer, since features are moved, and assigning a value of another type can fail.
+    std::shared_ptr<const TCIMValue> fStatic = nullptr;
   };
 
   /// Adds a declaration of a class below all those before.
@@ -98,7 +100,7 @@ std::vector<TPropertySchema> ReadProperties(const std::vector<TClass>& line) {
           auto& feature = features.Add(decl, className, level);
           if (feature.fLevel != level) return true;
           feature.fIsKey = feature.fIsKey || NModel::IsQualified(*decl, "Key");
-          feature.fStatic = TCIMValue();
+          feature.fStatic = nullptr;
           return true;
         },
         {});
@@ -108,8 +110,7 @@ std::vector<TPropertySchema> ReadProperties(const std::vector<TClass>& line) {
           if (feature == nullptr) return true;
           // A value of a class's own is a declaration: nothing above has it.
           TProperties::Redeclare(*feature, className, level);
-          TCIMValue value = property->GetValue();
-          swap(feature->fStatic, value);
+          feature->fStatic = std::make_shared<const TCIMValue>(property->GetValue());
           return true;
         },
         {});
@@ -118,8 +119,7 @@ std::vector<TPropertySchema> ReadProperties(const std::vector<TClass>& line) {
   for (const auto& feature : features.Take()) {
     const TCIMValue& declared = feature.fDecl->GetDefaultValue();
     const auto referenced = declared.GetReferencedClass();
-    properties.push_back({feature.fDecl->GetName(),
-                          feature.fStatic.IsNull() ? declared : feature.fStatic,
+    properties.push_back({feature.fDecl->GetName(), feature.fStatic ? *feature.fStatic : declared,
                           referenced ? referenced->GetName({}) : "", feature.fIsKey,
                           feature.fOrigin, QualifiersOf(*feature.fDecl)});
   }
@@ -184,16 +184,16 @@ TClassSchema ReadSchema(const TClass& cimClass) {
 }
 
 std::vector<TQualifierSchema> ReadQualifiers(const ICIMNamespace& ns) {
+  std::vector<boost::shared_ptr<ICIMQualifierDecl>> decls;
+  ns.EnumerateQualifierDecls(TAddToVectorCallback(decls), {});
+  std::sort(decls.begin(), decls.end(),
+            [](const auto& left, const auto& right) { return left->GetName() < right->GetName(); });
   std::vector<TQualifierSchema> qualifiers;
-  ns.EnumerateQualifierDecls(
-      [&qualifiers](const boost::shared_ptr<ICIMQualifierDecl>& each) {
-        qualifiers.push_back(
-            {each->GetName(), each->GetDefaultValue(), each->GetScope(), each->GetFlavor()});
-        return true;
-      },
-      {});
-  std::sort(qualifiers.begin(), qualifiers.end(),
-            [](const auto& left, const auto& right) { return left.fName < right.fName; });
+  qualifiers.reserve(decls.size());
+  for (const auto& each : decls) {
+    qualifiers.push_back(
+        {each->GetName(), each->GetDefaultValue(), each->GetScope(), each->GetFlavor()});
+  }
   return qualifiers;
 }
 

@@ -105,6 +105,8 @@ TNamespace MakeFilled(std::size_t longest = 20) {
   self->CreatePropertyDecl("Class", TCIMValue(toSelf), {})->Commit();
   self->Commit({});
   AddInstance(ns, "Self", {{"Id", "own"}});
+  SetReferenceDefault(*one, "Two", ReferenceTo(ns, "Two.Id=\"2\""));
+  SetReferenceDefault(*one, "Sub", ReferenceTo(ns, "OneSub.Id=\"3\""));
   self->SetStaticPropertyValue("Class", ReferenceTo(ns, "Self.Id=\"own\""), {});
   return ns;
 }

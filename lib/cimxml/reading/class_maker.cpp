@@ -91,13 +91,15 @@ class TClassMaker {
 
   void AddQualifiers(ICIMNamedElement& target, const TElement& element) {
     for (const TElement& child : element.fChildren) {
-      if (child.Is("QUALIFIER") && !IsMark(child)) AddQualifier(target, child);
+      if (child.Is("QUALIFIER") && !IsMark(child, element)) AddQualifier(target, child);
     }
   }
 
   /// Our own documents use "Static" without a declaration, as a mark of the class's own value.
-  bool IsMark(const TElement& qualifier) const {
-    return NModel::EqualIgnoringCase(qualifier.Get("NAME"), "Static") && !IsDeclared("Static");
+  bool IsMark(const TElement& qualifier, const TElement& element) const {
+    return NModel::EqualIgnoringCase(qualifier.Get("NAME"), "Static") &&
+           element.fName.substr(0, 8) == "PROPERTY" && IsQualified(element, "Static") &&
+           !IsDeclared("Static");
   }
 
   bool IsDeclared(const std::string& qualifier) const {

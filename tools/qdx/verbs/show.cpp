@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <functional>
 #include <map>
+#include <set>
 #include <utility>
 
 #include <qdxsnapshot/associations.h>
@@ -190,6 +191,8 @@ class TWalk {
     for (const auto& [ns, instance] : found) {
       const auto cimClass = instance->GetClass({});
       if (!fRequest.fClass.empty() && !IsOrDerivesFrom(cimClass, fRequest.fClass)) continue;
+      // Several starting points can lead to the same one.
+      if (!fSeen.insert(instance.get()).second) continue;
       fFound[ns][cimClass->GetName({})].push_back(instance);
     }
   }
@@ -197,6 +200,7 @@ class TWalk {
   const TRequest& fRequest;
   const std::vector<TMachineNamespace>& fOrigins;
   TNamespaces fNamespaces;
+  std::set<const ICIMInstance*> fSeen;
   std::map<std::size_t, std::map<std::string, TInstances>> fFound;
   std::vector<std::string> fMissing;
 };
