@@ -64,6 +64,12 @@ const struct {
                InstanceOf("C", ""),
                Class(Tag("PROPERTY", "NAME='Id' TYPE='uint32'", kKey), "NAME='D'")}),
      {Declared("r", "D"), "<KEYBINDING NAME='Id'>"}},
+    {"ClassOfAReferenceWithValue",
+     Document({Name("D", Binding("k", "", "b")) + InstanceOf("D", ""),
+               InstanceOf("L", Tag("PROPERTY.REFERENCE", "NAME='r' REFERENCECLASS='E'",
+                                   "<VALUE.REFERENCE>" + Name("D", Binding("k", "", "b")) +
+                                       "</VALUE.REFERENCE>"))}),
+     {Declared("r", "E"), "<CLASS NAME='E'>", "<INSTANCE CLASSNAME='L'>"}},
     {"InstancesThatReferToEachOther",
      Document({InstanceOf("A", Reference("to", Name("B", Binding("k", "", "b")))),
                Name("B", Binding("k", "", "b")) +

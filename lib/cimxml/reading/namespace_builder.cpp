@@ -33,24 +33,28 @@ const std::string* FindClassName(const TElement& name) {
   return name.Find(name.Is("CLASSNAME") ? "NAME" : "CLASSNAME");
 }
 
-/// Returns the class of a null reference; null if the property is another one.
-const std::string* FindNullClass(const TElement& property) {
-  if (!property.Is("PROPERTY.REFERENCE") || FindValueOf(property) != nullptr) return nullptr;
-  return property.Find("REFERENCECLASS");
+/// Returns the class that a reference property must refer to, whether it has a value or not; null
+/// if it names none. The value of a class is enough: it may refer to another namespace, and then
+/// the class is there.
+const std::string* FindPropertyClass(const TElement& property, bool isOfInstance) {
+  if (!property.Is("PROPERTY.REFERENCE")) return nullptr;
+  const bool isUsed = isOfInstance || FindValueOf(property) == nullptr;
+  return isUsed ? property.Find("REFERENCECLASS") : nullptr;
 }
 
 /// Calls `visit(builder, className, element)` for each class that the references within the object
 /// name, also in keys of other references, until it returns false. The element is the name in a
-/// reference, or the property that is a null reference. Returns whether all were visited.
+/// reference, or a reference property. Returns whether all were visited.
 template <typename TVisit>
 bool ForEachReference(IBuilders& builders, TNamespaceBuilder& own, const TElement& object,
                       TVisit&& visit) {
+  const bool isInstance = FindInstance(object) != nullptr;
   std::vector<std::pair<const TElement*, TNamespaceBuilder*>> open{{&object, &own}};
   while (!open.empty()) {
     const auto [element, builder] = open.back();
     open.pop_back();
-    const std::string* const nullClass = FindNullClass(*element);
-    if (nullClass != nullptr && !visit(*builder, *nullClass, *element)) return false;
+    const std::string* const propertyClass = FindPropertyClass(*element, isInstance);
+    if (propertyClass != nullptr && !visit(*builder, *propertyClass, *element)) return false;
     for (const TElement& child : element->fChildren) {
       if (!MayHoldReference(child)) continue;
       if (!child.Is("VALUE.REFERENCE")) {
