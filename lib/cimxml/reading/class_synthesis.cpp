@@ -23,8 +23,9 @@ struct TProperty {
   /// other types.
   const TElement* fReference = nullptr;
   bool fIsGuessed = false;        ///< The type was derived from the numbers seen so far.
-  bool fIsInName = false;         ///< The name of an instance has it; without instances, a name.
-  std::size_t fInstances = 0;     ///< Instances that have it.
+  bool fIsInName = false;         ///< The name of an instance has it.
+  bool fIsInReference = false;    ///< Another name has it.
+  std::size_t fInstances = 0;     ///< Instances without fault that have it.
   std::size_t fLastInstance = 0;  ///< The last of them, from 1.
 };
 
@@ -50,16 +51,34 @@ TCIMType CommonType(TCIMType left, TCIMType right) {
   return isReal ? TCIMType::kCIMTypeReal64 : TCIMType::kCIMTypeSint64;
 }
 
+/// Throws if the text cannot be a value of the type.
+void RequireText(TCIMType type, const TElement& value) {
+  const bool isText = type == TCIMType::kCIMTypeString || type == TCIMType::kCIMTypeReference;
+  if (isText || IsBlank(value.fText) || ReadLiteral(type, value.fText)) return;
+  value.Refuse(Shown(value.fText) + " is no " + std::string(KeywordOf(type)));
+}
+
+/// Throws if the value of a property cannot be read: then it does not give the property's type.
+void RequireReadable(TCIMType type, const TElement& property) {
+  const TElement* const value = FindValueOf(property);
+  if (value == nullptr) return;
+  if (!IsArray(type)) return RequireText(type, *value);
+  for (const TElement& each : value->fChildren) RequireText(ElementType(type), each);
+}
+
 class TSynthesis {
  public:
-  /// Adds the properties of an instance, and the keys of its name.
+  /// Adds the properties of an instance, and the keys of its name. If it throws, the instance does
+  /// not matter for keys, and will be left out.
   void AddInstance(const TClassUse& use) {
-    ++fInstanceCount;
+    fGiven.clear();
+    fNamed.clear();
     for (const TElement& child : FindInstance(*use.fElement)->fChildren) {
       if (IsProperty(child)) AddProperty(use, child);
     }
     const TElement* const name = FindName(*use.fElement);
     if (name != nullptr) AddName(use, *name);
+    CountInstance(name != nullptr);
   }
 
   /// Adds the keys of a name; `use` may be an object with a name.
@@ -73,7 +92,8 @@ class TSynthesis {
   const std::vector<TProperty>& Properties() const { return fProperties; }
 
   bool IsKey(const TProperty& property) const {
-    return property.fIsInName && property.fInstances == fInstanceCount && !IsArray(property.fType);
+    const bool isNamed = fHasNames ? property.fIsInName : property.fIsInReference;
+    return isNamed && property.fInstances == fInstanceCount && !IsArray(property.fType);
   }
 
  private:
@@ -91,39 +111,59 @@ class TSynthesis {
     return fProperties[found->second];
   }
 
-  void CountInstance(TProperty& property) {
-    if (std::exchange(property.fLastInstance, fInstanceCount) != fInstanceCount) {
-      ++property.fInstances;
+  void CountInstance(bool hasName) {
+    ++fInstanceCount;
+    fHasNames = fHasNames || hasName;
+    for (const std::size_t each : fGiven) {
+      TProperty& property = fProperties[each];
+      if (std::exchange(property.fLastInstance, fInstanceCount) != fInstanceCount) {
+        ++property.fInstances;
+      }
     }
+    for (const std::size_t each : fNamed) fProperties[each].fIsInName = true;
+  }
+
+  std::size_t PositionOf(const TProperty& property) const {
+    return static_cast<std::size_t>(&property - fProperties.data());
   }
 
   void AddProperty(const TClassUse& use, const TElement& element) {
     const std::string& name = element.Get("NAME");
     if (IsDeclared(use, name)) return;
-    TProperty& property = At(name, TypeOfProperty(element));
-    if (std::exchange(property.fIsGuessed, false)) property.fType = TypeOfProperty(element);
-    if (FindValueOf(element) != nullptr) CountInstance(property);
+    const TCIMType type = TypeOfProperty(element);
+    if (fPositions.count(name) == 0) RequireReadable(type, element);
+    TProperty& property = At(name, type);
+    if (std::exchange(property.fIsGuessed, false)) property.fType = type;
+    if (FindValueOf(element) != nullptr) fGiven.push_back(PositionOf(property));
     if (NamesClass(element) && property.fReference == nullptr) property.fReference = &element;
   }
 
   void AddKey(const TKeyBinding& binding, bool isReference) {
     const std::size_t known = fProperties.size();
     const TCIMType type = TypeOfKey(*binding.fValue);
+    if (fPositions.count(binding.fName) == 0) RequireText(type, *binding.fValue);
     TProperty& property = At(binding.fName, type);
     if (fProperties.size() != known) property.fIsGuessed = IsGuessed(*binding.fValue);
     if (property.fIsGuessed) property.fType = CommonType(property.fType, type);
     const bool isReferenceKey = binding.fValue->Is("VALUE.REFERENCE");
     if (isReferenceKey && property.fReference == nullptr) property.fReference = binding.fValue;
-    if (!isReference) CountInstance(property);
-    if (!isReference || fInstanceCount == 0) property.fIsInName = true;
+    if (isReference) {
+      property.fIsInReference = true;
+    } else {
+      fGiven.push_back(PositionOf(property));
+      fNamed.push_back(PositionOf(property));
+    }
   }
 
   std::vector<TProperty> fProperties;
   NModel::TNameMap<std::size_t> fPositions;
-  std::size_t fInstanceCount = 0;
+  std::size_t fInstanceCount = 0;   // without fault
+  bool fHasNames = false;           // one of them has a name
+  std::vector<std::size_t> fGiven;  // by the instance that is being added
+  std::vector<std::size_t> fNamed;  // of them, those in its name
 };
 
-/// A use with a fault is reported when its own object is made; what precedes the fault counts.
+/// A use with a fault is reported when its own object is made; what precedes the fault is added.
 template <typename TWork>
 void IgnoringFaults(TWork&& work) {
   try {

@@ -54,7 +54,8 @@ struct TClassUse {
 
 /// Makes a root class with the properties of its uses that no subclass declares, in the order in
 /// which they first appear, those of instances first. Keys are the properties in names of instances
-/// that all instances have; without instances, those in all names.
+/// that all instances have; if no instance has a name, those in other names. Instances with a fault
+/// do not matter for keys, and a value that cannot be read does not for the type of a property.
 void MakeUndeclaredClass(TSpace& space, const std::string& name, const TElement& usedBy,
                          const std::vector<TClassUse>& uses, bool mayHaveKeys);
 
