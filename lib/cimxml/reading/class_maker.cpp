@@ -60,15 +60,7 @@ class TClassMaker {
 
   void Fill() {
     for (const TElement& child : fElement.fChildren) {
-      if (child.Is("QUALIFIER")) {
-        AddQualifier(*fTarget, child);
-      } else if (IsProperty(child)) {
-        AddProperty(child);
-      } else if (child.Is("METHOD")) {
-        AddMethod(child);
-      } else {
-        fElement.RefuseChild(child);
-      }
+      Attempt({child}, [&] { Add(child); });
     }
   }
 
@@ -77,6 +69,40 @@ class TClassMaker {
 
  private:
   using TNames = NModel::TNameMap<bool>;
+
+  /// For messages: <QUALIFIER> "q" of <PROPERTY> "p".
+  struct TPart {
+    const TElement& fElement;
+    const TElement* fOwner = nullptr;  ///< Null if it is the class.
+    const char* fAspect = "";          ///< Such as "the value of ".
+  };
+
+  /// Leaves out a part of the class, and records it, if `work` throws: the instances need the
+  /// others.
+  template <typename TWork>
+  void Attempt(const TPart& part, TWork&& work) {
+    try {
+      AsPartOf(part.fElement, work);
+    } catch (const TDocumentError& error) {
+      if (error.fIsFatal) throw;
+      const std::string owner = part.fOwner == nullptr ? "" : " of " + NameOfHolder(*part.fOwner);
+      fSpace.GetState().fChanged.Add(
+          error.fPosition, part.fAspect + NameOfHolder(part.fElement) + owner + " of class " +
+                               Shown(fElement.Get("NAME")) + " is left out: " + error.fReason);
+    }
+  }
+
+  void Add(const TElement& child) {
+    if (child.Is("QUALIFIER")) {
+      AddQualifier(*fTarget, child);
+    } else if (IsProperty(child)) {
+      AddProperty(child);
+    } else if (child.Is("METHOD")) {
+      AddMethod(child);
+    } else {
+      fElement.RefuseChild(child);
+    }
+  }
 
   void AddQualifier(ICIMNamedElement& target, const TElement& qualifier) {
     const auto decl = QualifierDeclFor(fSpace, qualifier);
@@ -91,7 +117,10 @@ class TClassMaker {
 
   void AddQualifiers(ICIMNamedElement& target, const TElement& element) {
     for (const TElement& child : element.fChildren) {
-      if (child.Is("QUALIFIER") && !IsMark(child, element)) AddQualifier(target, child);
+      if (!child.Is("QUALIFIER")) continue;
+      Attempt({child, &element}, [&] {
+        if (!IsMark(child, element)) AddQualifier(target, child);
+      });
     }
   }
 
@@ -150,8 +179,11 @@ class TClassMaker {
   void DeclareProperty(const TElement& property) {
     const TCIMType type = TypeOfProperty(property);
     const bool isReference = type == TCIMType::kCIMTypeReference;
-    TCIMValue value = isReference ? TCIMValue(type, 0) : ReadCounted(fSpace, type, property);
-    if (isReference) {
+    TCIMValue value(type, 0);
+    if (!isReference) {
+      Attempt({property, nullptr, "the value of "},
+              [&] { value = ReadCounted(fSpace, type, property); });
+    } else {
       // The classes of a document may refer to each other in a circle, or to their own subclasses.
       // So a reference gets its class when all are made; until then, or if none is named, it is
       // this class.
@@ -180,10 +212,12 @@ class TClassMaker {
     AddQualifiers(*method, element);
     for (const TElement& child : element.fChildren) {
       if (child.Is("QUALIFIER")) continue;
-      if (child.fName.substr(0, 9) != "PARAMETER") element.RefuseChild(child);
-      const auto parameter = method->CreateParameterDecl(child.Get("NAME"), ParameterType(child));
-      AddQualifiers(*parameter, child);
-      parameter->Commit();
+      Attempt({child, &element}, [&] {
+        if (child.fName.substr(0, 9) != "PARAMETER") element.RefuseChild(child);
+        const auto parameter = method->CreateParameterDecl(child.Get("NAME"), ParameterType(child));
+        AddQualifiers(*parameter, child);
+        parameter->Commit();
+      });
     }
   }
 

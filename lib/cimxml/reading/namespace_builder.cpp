@@ -210,6 +210,15 @@ void TNamespaceBuilder::AddUses(const std::string& name, const TSubclass* subcla
 }
 
 void TNamespaceBuilder::MakeUndeclared(const std::string& name, const TElement& usedBy) {
+  try {
+    MakeFromUses(name, usedBy);
+  } catch (const TDocumentError& error) {
+    if (error.fIsFatal) throw;
+    GetState().LeaveOut(Undeclared(name), error);
+  }
+}
+
+void TNamespaceBuilder::MakeFromUses(const std::string& name, const TElement& usedBy) {
   std::vector<TClassUse> uses;
   AddUses(name, nullptr, uses);
   bool mayHaveKeys = true;
@@ -232,12 +241,7 @@ void TNamespaceBuilder::MakeUndeclared(const std::string& name, const TElement& 
     if (subclasses[i].fDepth >= kMaxClassDepth) break;
     addSubclasses(subclasses[i].fElement->Get("NAME"), &subclasses[i]);
   }
-  try {
-    MakeUndeclaredClass(*this, name, usedBy, uses, mayHaveKeys);
-  } catch (const TDocumentError& error) {
-    if (error.fIsFatal) throw;
-    GetState().LeaveOut(Undeclared(name), error);
-  }
+  MakeUndeclaredClass(*this, name, usedBy, uses, mayHaveKeys);
 }
 
 TNamespaceBuilder::TUses& TNamespaceBuilder::NoteUse(const std::string& className,

@@ -69,6 +69,7 @@ class TNamespaceBuilder final : public TSpace {
   void MakeClass(const std::string& name, const TElement& usedBy);
   bool MakeDeclared(const std::string& name);
   void MakeUndeclared(const std::string& name, const TElement& usedBy);
+  void MakeFromUses(const std::string& name, const TElement& usedBy);
   void AddUses(const std::string& name, const TSubclass* subclass, std::vector<TClassUse>& uses);
   void Wait(std::deque<TElement>& queue, TElement&& object, std::size_t bytes);
   TUses& NoteUse(const std::string& className, const TElement& usedBy);

@@ -26,7 +26,8 @@ boost::shared_ptr<ICIMQualifierDecl> KeyDecl(TSpace& space);
 
 /// Makes a class. A propagated property is a declaration of the superclass and is skipped, or, with
 /// the qualifier "Static", the class's own value. Values of reference properties are added to
-/// TSpace::Unresolved().
+/// TSpace::Unresolved(). A property, method, qualifier or value with a fault is left out of the
+/// class and recorded.
 void MakeClass(TSpace& space, const TElement& element);
 
 /// Adds a committed class to the space; `superclass` is null for a root class.

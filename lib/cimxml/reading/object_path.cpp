@@ -84,9 +84,10 @@ bool NamesClass(const TElement& property) {
 bool IsQualified(const TElement& element, std::string_view qualifier) {
   return std::any_of(
       element.fChildren.begin(), element.fChildren.end(), [qualifier](const TElement& child) {
-        return child.Is("QUALIFIER") && NModel::EqualIgnoringCase(child.Get("NAME"), qualifier) &&
-               child.Child("VALUE") != nullptr &&
-               NModel::EqualIgnoringCase(child.Child("VALUE")->fText, "true");
+        const std::string* const name = child.Is("QUALIFIER") ? child.Find("NAME") : nullptr;
+        const TElement* const value = child.Child("VALUE");
+        return name != nullptr && value != nullptr && NModel::EqualIgnoringCase(*name, qualifier) &&
+               NModel::EqualIgnoringCase(value->fText, "true");
       });
 }
 

@@ -18,12 +18,6 @@
 namespace NVORNQDX20::NCIMXML {
 namespace {
 
-/// Names the holder of a value for a message: <PROPERTY> "p".
-std::string NameOfHolder(const TElement& holder) {
-  const std::string* const name = holder.Find("NAME");
-  return "<" + std::string(holder.fName) + ">" + (name == nullptr ? "" : " " + Shown(*name));
-}
-
 TCIMValue ReadText(TSpace& space, TCIMType type, const TElement& element, const TElement& holder) {
   constexpr std::size_t kBody = 48;  // with the allocator's overhead
   space.GetMemory().AddContents(sizeof(TCIMValue) + kBody + element.fText.size(), element);
@@ -146,6 +140,11 @@ void WarnOfOtherValues(TSpace& space, const TElement& holder, const TElement& fi
 }
 
 }  // namespace
+
+std::string NameOfHolder(const TElement& holder) {
+  const std::string* const name = holder.Find("NAME");
+  return "<" + std::string(holder.fName) + ">" + (name == nullptr ? "" : " " + Shown(*name));
+}
 
 TCIMType TypeAttribute(const TElement& element) {
   const std::string& keyword = element.Get("TYPE");

@@ -15,6 +15,9 @@
 
 namespace NVORNQDX20::NCIMXML {
 
+/// Names the holder of a value for a message: <PROPERTY> "p".
+std::string NameOfHolder(const TElement& holder);
+
 /// Returns the type in TYPE; a missing or unknown one is an error.
 TCIMType TypeAttribute(const TElement& element);
 /// Returns the type of any kind of PROPERTY.
