@@ -153,6 +153,11 @@ TEST(BadCIMXMLDocument, NeedsTooMuchMemory) {
             "the document needs more than 33 MiB" + reason);
   EXPECT_EQ(RefusalOf(Document({Repeated("<VALUE/>", 1 << 16)}), 9 * kMiB),
             "an object needs more than 6 MiB" + reason);
+  const std::string group =
+      "<DECLGROUP><NAMESPACEPATH><HOST>#</HOST><LOCALNAMESPACEPATH><NAMESPACE NAME='n'/>"
+      "</LOCALNAMESPACEPATH></NAMESPACEPATH></DECLGROUP>";
+  EXPECT_EQ(RefusalOf("<CIM><DECLARATION>" + Numbered(group, 5000) + "</DECLARATION></CIM>", kMiB),
+            "the document needs more than 1 MiB" + reason);
   EXPECT_EQ(RefusalOf(Document({"<INSTANCE CLASSNAME='L'><PROPERTY.REFARRAY NAME='r'>"
                                 "<VALUE.REFARRAY>" +
                                 Repeated(reference, 9000) +

@@ -2,6 +2,7 @@
 #include "reading_state.h"
 
 #include <qdxcore/logger.h>
+#include <qdxmodel/names.h>
 
 #include <algorithm>
 
@@ -33,26 +34,36 @@ void TWarnings::Report(const std::string& name, std::string_view others) const {
              {"cimxml: ", name, ": ", std::to_string(more), " more ", std::string(others)});
 }
 
+THosts::THost& THosts::At(const TElement& host) {
+  const auto [found, isNew] = fHosts.try_emplace(NModel::TNameHash()(host.fText));
+  if (isNew) {
+    constexpr std::size_t kHostBytes = 256;  // with the allocator's overhead
+    fMemory.AddHeld(kHostBytes, host);
+    found->second.fShown = Shown(host.fText);
+  }
+  return found->second;
+}
+
 void THosts::AddOfReference(const TElement& host) {
-  const auto [found, isNew] = fHosts.try_emplace(host.fText);
-  if (found->second.fReferences++ != 0) return;
-  found->second.fOrder = fHosts.size();
-  found->second.fFirst = host.fPosition;
+  THost& found = At(host);
+  if (found.fReferences++ != 0) return;
+  found.fOrder = fHosts.size();
+  found.fFirst = host.fPosition;
 }
 
 void THosts::Report(const std::string& name) const {
   std::size_t count = 0;
-  const std::pair<const std::string, THost>* first = nullptr;
-  for (const auto& each : fHosts) {
-    if (each.second.fIsOwn) continue;
-    count += each.second.fReferences;
-    if (first == nullptr || each.second.fOrder < first->second.fOrder) first = &each;
+  const THost* first = nullptr;
+  for (const auto& [hash, each] : fHosts) {
+    if (each.fIsOwn) continue;
+    count += each.fReferences;
+    if (first == nullptr || each.fOrder < first->fOrder) first = &each;
   }
   if (first == nullptr) return;
-  LogMessage(ILogger::kLogWarning,
-             {"cimxml: ", std::to_string(count), " references lost their host, which no object of ",
-              name, " has, the first: line ", std::to_string(first->second.fFirst.fLine), ", host ",
-              Shown(first->first)});
+  LogMessage(
+      ILogger::kLogWarning,
+      {"cimxml: ", std::to_string(count), " references lost their host, which no object of ", name,
+       " has, the first: line ", std::to_string(first->fFirst.fLine), ", host ", first->fShown});
 }
 
 void TReadingState::Report(const std::string& name) const {

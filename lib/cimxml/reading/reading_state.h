@@ -4,11 +4,11 @@
 #define LIB_CIMXML_READING_READING_STATE_H_
 
 #include <qdxcore/value.h>
-#include <qdxmodel/names.h>
 
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "xml/counted_warning.h"
@@ -65,8 +65,10 @@ class TWarnings {
 /// Finds references to other machines: those whose host no object of the document has.
 class THosts {
  public:
+  explicit THosts(TMemoryAccount& memory) : fMemory(memory) {}
+
   /// Notes the host of an object, or of the namespace of objects.
-  void AddOwn(const TElement& host) { fHosts[host.fText].fIsOwn = true; }
+  void AddOwn(const TElement& host) { At(host).fIsOwn = true; }
   void AddOfReference(const TElement& host);
   /// Warns of references that lost their host.
   void Report(const std::string& name) const;
@@ -77,8 +79,14 @@ class THosts {
     std::size_t fReferences = 0;
     std::size_t fOrder = 0;  // of the first reference
     TPosition fFirst;
+    std::string fShown;  // the name for a message, so it is short
   };
-  NModel::TNameMap<THost> fHosts;
+
+  THost& At(const TElement& host);
+
+  TMemoryAccount& fMemory;
+  // By the hash of the name: names can be long. Two names with the same hash would count as one.
+  std::unordered_map<std::size_t, THost> fHosts;
 };
 
 struct TReadingState {
@@ -93,7 +101,7 @@ struct TReadingState {
   void Report(const std::string& name) const;
 
   TMemoryAccount fMemory;
-  THosts fHosts;
+  THosts fHosts{fMemory};
   TWarnings fLeftOut;       // objects
   TWarnings fChanged;       // parts of objects
   TCountedWarning fErrors;  // error responses
