@@ -58,6 +58,20 @@ const struct {
      {"3:116 an instance of class \"C\" is ignored: it follows another object in "
       "<VALUE.NAMEDOBJECT>"},
      {Id("7")}},
+    {"OtherPartsOfANamedObject",
+     Document({kKeyed, Named("C", "7") + Named("C", "8") + Whole("7") + Property("uint8", "1")}),
+     {"3:134 <INSTANCENAME> is ignored: it follows another name in <VALUE.NAMEDOBJECT>",
+      "3:344 <PROPERTY> is ignored: it does not belong into <VALUE.NAMEDOBJECT>"},
+     {Id("7")}},
+    {"ValuesAmongDeclarations",
+     Group("<VALUE>1</VALUE><VALUE.ARRAY/><CLASSNAME NAME='C'/><OBJECTPATH><CLASSNAME NAME='C'/>"
+           "</OBJECTPATH>" +
+           kKeyed),
+     {"1:30 <VALUE> is left out: it is no object of a namespace",
+      "1:46 <VALUE.ARRAY> is left out: it is no object of a namespace",
+      "1:60 <CLASSNAME> is left out: it is no object of a namespace",
+      "1:81 <OBJECTPATH> is left out: it names a class, which is no object of a namespace"},
+     {"<CLASS NAME='C'>"}},
     {"SecondValue",
      Document(
          {Class(Tag("PROPERTY", "NAME='p' TYPE='uint8'", "<VALUE>1</VALUE><VALUE>2</VALUE>"))}),
@@ -103,7 +117,8 @@ const struct {
     {"NamespaceWithoutName",
      Group(Path("h", "//") + "<VALUE.OBJECT><CLASS NAME='C'/>"
                              "</VALUE.OBJECT>"),
-     {"1:59 <NAMESPACEPATH> is left out: a namespace without name"},
+     {"1:59 <NAMESPACEPATH> is left out: a namespace without name; the objects after it are read "
+      "into root/cimv2"},
      {"<NAMESPACE NAME='root'/><NAMESPACE NAME='cimv2'/>", "<CLASS NAME='C'>"}},
     // Spellings.
     {"FlagsInCapitals",

@@ -24,6 +24,12 @@ bool IsOneOf(const TElement& element, std::initializer_list<std::string_view> na
   return std::find(names.begin(), names.end(), element.fName) != names.end();
 }
 
+/// Returns whether it names an object, perhaps with its namespace.
+bool IsName(const TElement& element) {
+  return IsOneOf(element, {"INSTANCENAME", "CLASSNAME", "INSTANCEPATH", "CLASSPATH",
+                           "LOCALINSTANCEPATH", "LOCALCLASSPATH", "OBJECTPATH"});
+}
+
 TElement* FindChild(TElement& object, std::string_view name) {
   const auto found = std::find_if(object.fChildren.begin(), object.fChildren.end(),
                                   [&](const TElement& child) { return child.Is(name); });
@@ -40,6 +46,7 @@ void TDocument::BeginContainer(const TElement& container, bool isGroup) {
   } else if (IsOneOf(container, {"DECLARATION", "SIMPLERSP", "SIMPLEEXPRSP"})) {
     fIsInCall = false;
   }
+  if (IsOneOf(container, {"DECLARATION", "MESSAGE"})) fIsInMessage = container.Is("MESSAGE");
   if (container.Is("METHODRESPONSE") && fResponse.fLine == 0) fResponse = container.fPosition;
 }
 
@@ -60,9 +67,7 @@ void TDocument::AddObject(TElement&& object, std::size_t bytes) {
 
 void TDocument::Add(TElement&& object, std::size_t bytes) {
   if (IsOneOf(object, {"LOCALNAMESPACEPATH", "NAMESPACEPATH"})) {
-    const TElement* const host = FindHost(object);
-    if (host != nullptr) fState.fHosts.AddOwn(*host);
-    fGroup = &List(*NamespaceNameOf(object));
+    BeginGroup(object);
   } else if (object.Is("QUALIFIER.DECLARATION")) {
     Group().AddQualifierDecl(object);
   } else if (object.Is("CLASS")) {
@@ -80,8 +85,22 @@ void TDocument::Add(TElement&& object, std::size_t bytes) {
   }
 }
 
+/// Objects after a path that names nothing are taken as objects without a path.
+void TDocument::BeginGroup(const TElement& path) {
+  fGroup = nullptr;
+  const TElement* const host = FindHost(path);
+  if (host != nullptr) fState.fHosts.AddOwn(*host);
+  try {
+    fGroup = &List(*NamespaceNameOf(path));
+  } catch (TDocumentError& error) {
+    if (!error.fIsFatal)
+      error.fReason += std::string("; the objects after it are read into ") + kDefaultNamespace;
+    throw;
+  }
+}
+
 /// Names of objects are instances of which only the keys are known. Those in calls say what is
-/// asked for. Values are results of methods, or the state of an enumeration.
+/// asked for. Values and names of classes are results in messages, or the state of an enumeration.
 void TDocument::AddValue(TElement&& value, std::size_t bytes) {
   const bool isName = IsOneOf(value, {"INSTANCENAME", "INSTANCEPATH", "LOCALINSTANCEPATH",
                                       "OBJECTPATH", "VALUE.REFERENCE"});
@@ -93,8 +112,9 @@ void TDocument::AddValue(TElement&& value, std::size_t bytes) {
       bytes = 0;  // of all of them
     }
   } else if (!isName &&
-             !IsOneOf(value, {"VALUE", "VALUE.ARRAY", "VALUE.NULL", "CLASSNAME", "CLASSPATH",
-                              "LOCALCLASSPATH", "CORRELATOR", "RESPONSEDESTINATION"})) {
+             !(fIsInMessage &&
+               IsOneOf(value, {"VALUE", "VALUE.ARRAY", "VALUE.NULL", "CLASSNAME", "CLASSPATH",
+                               "LOCALCLASSPATH", "CORRELATOR", "RESPONSEDESTINATION"}))) {
     value.Refuse("it is no object of a namespace");
   }
 }
@@ -102,7 +122,10 @@ void TDocument::AddValue(TElement&& value, std::size_t bytes) {
 void TDocument::AddName(TElement&& path, std::size_t bytes) {
   const TElement* const name = path.Is("INSTANCENAME") ? &path : FindName(path);
   if (name == nullptr) path.Refuse("it names nothing");
-  if (name->Is("CLASSNAME")) return;
+  if (name->Is("CLASSNAME")) {
+    if (!fIsInMessage) path.Refuse("it names a class, which is no object of a namespace");
+    return;
+  }
   TNamespaceBuilder& builder = BuilderFor(path);
   TElement object;
   object.fName = "OBJECTPATH";
@@ -120,17 +143,33 @@ void TDocument::AddNamedObject(TElement&& object, std::size_t bytes) {
   TElement* const cimClass = FindChild(object, "CLASS");
   TElement* const first = cimClass != nullptr ? cimClass : FindChild(object, "INSTANCE");
   if (first == nullptr) object.Refuse("it has neither class nor instance");
-  for (const TElement& child : object.fChildren) {
-    const bool isOther = &child != first && (child.Is("CLASS") || child.Is("INSTANCE"));
-    if (isOther) {
-      fState.Warn(child, Described(builder, child) + " is ignored: it follows another object in <" +
-                             std::string(object.fName) + ">");
-    }
-  }
+  WarnOfOthers(object, *first, builder);
   if (cimClass != nullptr) {
     builder.AddClass(std::move(*cimClass), bytes);
   } else {
     builder.AddInstance(std::move(object), bytes);
+  }
+}
+
+/// Warns of all but the object, one name and one namespace.
+void TDocument::WarnOfOthers(const TElement& holder, const TElement& object, const TSpace& space) {
+  const TElement* name = nullptr;
+  const TElement* path = nullptr;
+  for (const TElement& child : holder.fChildren) {
+    const bool isObject = child.Is("CLASS") || child.Is("INSTANCE");
+    const bool isPath = IsOneOf(child, {"LOCALNAMESPACEPATH", "NAMESPACEPATH"});
+    const TElement*& known = isPath ? path : name;
+    const bool isTaken = &child == &object || (known == nullptr && (isPath || IsName(child)));
+    if (isTaken) {
+      if (&child != &object) known = &child;
+      continue;
+    }
+    const std::string what =
+        isObject ? Described(space, child) : "<" + std::string(child.fName) + ">";
+    const char* const why = isObject                  ? "it follows another object in <"
+                            : isPath || IsName(child) ? "it follows another name in <"
+                                                      : "it does not belong into <";
+    fState.Warn(child, what + " is ignored: " + why + std::string(holder.fName) + ">");
   }
 }
 

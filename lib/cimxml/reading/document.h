@@ -44,7 +44,9 @@ class TDocument final : public IObjectSink, public IBuilders {
   TNamespaceBuilder& Group();
   TNamespaceBuilder& BuilderFor(const TElement& object);
   void Add(TElement&& object, std::size_t bytes);
+  void BeginGroup(const TElement& path);
   void AddNamedObject(TElement&& object, std::size_t bytes);
+  void WarnOfOthers(const TElement& holder, const TElement& object, const TSpace& space);
   void AddName(TElement&& path, std::size_t bytes);
   void AddValue(TElement&& value, std::size_t bytes);
   void RequireObjects() const;
@@ -55,6 +57,7 @@ class TDocument final : public IObjectSink, public IBuilders {
   TPosition fCall;      // the first call of a method
   TPosition fResponse;  // the first response to one
   bool fIsInCall = false;
+  bool fIsInMessage = false;  // else in declarations, which are objects only
   bool fHasObjects = false;
   NModel::TNameMap<TEntry> fNamespaces;
   std::vector<TNamespaceBuilder*> fBuilders;  // all of them in their order
