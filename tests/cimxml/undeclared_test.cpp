@@ -74,6 +74,14 @@ const struct {
                                    "<VALUE.REFERENCE>" + Name("D", Binding("k", "", "b")) +
                                        "</VALUE.REFERENCE>"))}),
      {Declared("r", "E"), "<CLASS NAME='E'>", "<INSTANCE CLASSNAME='L'>"}},
+    {"KeyWithAReferenceAsDefault",
+     Document({kKeyed,
+               Class(Tag("PROPERTY.REFERENCE", "NAME='r' REFERENCECLASS='C'",
+                         kKey + "<VALUE.REFERENCE>" +
+                             Name("C", Binding("Id", "TYPE='uint32'", "7")) + "</VALUE.REFERENCE>"),
+                     "NAME='A'"),
+               InstanceOf("A", "")}),
+     {"<INSTANCE CLASSNAME='A'>"}},
     {"InstancesThatReferToEachOther",
      Document({InstanceOf("A", Reference("to", Name("B", Binding("k", "", "b")))),
                Name("B", Binding("k", "", "b")) +

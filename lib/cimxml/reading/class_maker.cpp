@@ -4,6 +4,7 @@
 #include <qdxmodel/names.h>
 #include <qdxrepository/repository.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <utility>
 
@@ -276,20 +277,25 @@ void MakeClass(TSpace& space, const TElement& element) {
     TClassMaker maker(space, element, created);
     maker.Fill();
     created->Commit({});
-    AddMadeClass(space, created, parent, element);
-    for (TUnresolved& each : maker.TakeUnresolved()) space.Unresolved().push_back(std::move(each));
+    std::vector<TUnresolved> unresolved = maker.TakeUnresolved();
+    const bool hasValue = std::any_of(unresolved.begin(), unresolved.end(), [](const auto& each) {
+      return FindValueOf(each.fSource) != nullptr;
+    });
+    AddMadeClass(space, created, parent, element, hasValue);
+    for (TUnresolved& each : unresolved) space.Unresolved().push_back(std::move(each));
   });
 }
 
 void AddMadeClass(TSpace& space, const boost::shared_ptr<ICIMClass>& made,
-                  const TReadClass* superclass, const TElement& usedBy) {
+                  const TReadClass* superclass, const TElement& usedBy, bool hasUnresolvedValue) {
   std::vector<boost::shared_ptr<ICIMPropertyDecl>> decls;
   made->EnumeratePropertyDecls(TAddToVectorCallback(decls), {});
   constexpr std::size_t kClassBytes = 1024;
   space.GetMemory().AddHeld(kClassBytes, usedBy);
   space.GetMemory().AddValues(2 * decls.size(), usedBy);  // a class has a table of its properties
   space.AddClass(made->GetName({}),
-                 {made, decls.size(), superclass == nullptr ? 1 : superclass->fDepth + 1});
+                 {made, decls.size(), superclass == nullptr ? 1 : superclass->fDepth + 1,
+                  hasUnresolvedValue || (superclass != nullptr && superclass->fIsUnresolved)});
 }
 
 void Resolve(TSpace& space, const TUnresolved& unresolved) {

@@ -212,7 +212,7 @@ void MakeUndeclaredClass(TSpace& space, const std::string& name, const TElement&
       decl->Commit();
     }
     created->Commit({});
-    AddMadeClass(space, created, nullptr, usedBy);
+    AddMadeClass(space, created, nullptr, usedBy, false);
     for (TUnresolved& each : unresolved) space.Unresolved().push_back(std::move(each));
   });
 }

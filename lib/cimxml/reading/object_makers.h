@@ -30,9 +30,10 @@ boost::shared_ptr<ICIMQualifierDecl> KeyDecl(TSpace& space);
 /// class and recorded.
 void MakeClass(TSpace& space, const TElement& element);
 
-/// Adds a committed class to the space; `superclass` is null for a root class.
+/// Adds a committed class to the space; `superclass` is null for a root class. Instances of a class
+/// with an unresolved value must wait until it is resolved.
 void AddMadeClass(TSpace& space, const boost::shared_ptr<ICIMClass>& made,
-                  const TReadClass* superclass, const TElement& usedBy);
+                  const TReadClass* superclass, const TElement& usedBy, bool hasUnresolvedValue);
 
 /// Gives a reference property its value.
 void Resolve(TSpace& space, const TUnresolved& unresolved);

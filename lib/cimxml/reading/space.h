@@ -21,6 +21,7 @@ struct TReadClass {
   boost::shared_ptr<ICIMClass> fClass;
   std::size_t fProperties = 0;  // including inherited ones
   std::size_t fDepth = 1;       // including superclasses
+  bool fIsUnresolved = false;   // some of them wait for the value of a reference
 };
 
 /// What a reference refers to.
