@@ -152,7 +152,7 @@ TEST(BadCIMXMLDocument, NeedsTooMuchMemory) {
   EXPECT_EQ(RefusalOf(Document(objects), 33 * kMiB),
             "the document needs more than 33 MiB" + reason);
   EXPECT_EQ(RefusalOf(Document({Repeated("<VALUE/>", 1 << 16)}), 9 * kMiB),
-            "an object needs more than 6 MiB" + reason);
+            "an object needs more than two thirds of 9 MiB" + reason);
   const std::string group =
       "<DECLGROUP><NAMESPACEPATH><HOST>#</HOST><LOCALNAMESPACEPATH><NAMESPACE NAME='n'/>"
       "</LOCALNAMESPACEPATH></NAMESPACEPATH></DECLGROUP>";

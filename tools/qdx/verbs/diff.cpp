@@ -171,7 +171,7 @@ TVerb DiffVerb() {
       "Properties that change while a machine runs, such as counters and free memory, are left\n"
       "out; the manual page lists them. So are the parts that one of the documents was collected\n"
       "without; a line on standard error names them.\n",
-      {{"memory", "MIB", "Let each document need so much memory."},
+      {{"memory", "MIB", "Let a document use so much memory (half of all by default)."},
        {"json", nullptr, "Print one JSON object."},
        {"all", nullptr, "Also compare the properties that change while a machine runs."}},
       RunDiff,

@@ -21,7 +21,7 @@ namespace NVORNQDX20 {
 using TNamespaces = std::vector<boost::shared_ptr<ICIMNamespace>>;
 
 /// Returns the namespaces of a document in its order; "-" is standard input. Prints the reader's
-/// warnings to standard error, and then sets `incomplete`. The option --memory raises the limits of
+/// warnings to standard error, and then sets `incomplete`. The option --memory sets the limits of
 /// the reader. Throws a TCommandFailure if the document cannot be read.
 TNamespaces OpenDocument(const std::string& file, const TArguments& arguments, bool& incomplete);
 

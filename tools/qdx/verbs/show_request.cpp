@@ -115,6 +115,10 @@ TRequest RequestOf(const TArguments& arguments) {
 
 std::vector<TOptionSpec> ShowOptions() {
   std::vector<TOptionSpec> options = TMachine::Options();
+  for (TOptionSpec& option : options) {
+    if (option.fName != std::string_view("memory")) continue;
+    option.fHelp = "Let a plug-in (1024 by default) or FILE (half of all memory) use so much.";
+  }
   options.push_back(
       {"depth", "N", "Stop at namespaces (0), classes (1), instances (2) or values (3)."});
   options.push_back({"json", nullptr, "Print one JSON object."});
