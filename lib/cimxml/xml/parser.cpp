@@ -320,8 +320,8 @@ void TParser::RequireKnownEntities() {
 void TParser::AddBytes(std::size_t bytes) {
   fBytes += bytes;
   if (fBytes > fLimits.ObjectBytes()) {
-    throw fLimits.Exceeded("an object needs more than two thirds of " +
-                           InMiB(fLimits.HeldBytes()) + " of memory");
+    throw fLimits.Exceeded("an object needs more than two thirds of " + InMiB(fLimits.HeldBytes()) +
+                           " of memory");
   }
   if (fBytes > fRoom) throw fLimits.TooMuchHeld();
 }
