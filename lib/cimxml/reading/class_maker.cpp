@@ -87,7 +87,7 @@ class TClassMaker {
     } catch (const TDocumentError& error) {
       if (error.fIsFatal) throw;
       const std::string owner = part.fOwner == nullptr ? "" : " of " + NameOfHolder(*part.fOwner);
-      fSpace.GetState().fChanged.Add(
+      fSpace.GetState().Warn(
           error.fPosition, part.fAspect + NameOfHolder(part.fElement) + owner + " of class " +
                                Shown(fElement.Get("NAME")) + " is left out: " + error.fReason);
     }
@@ -95,7 +95,7 @@ class TClassMaker {
 
   void Add(const TElement& child) {
     if (child.Is("QUALIFIER")) {
-      AddQualifier(*fTarget, child);
+      AddQualifier(*fTarget, child, ScopeOfClass());
     } else if (IsProperty(child)) {
       AddProperty(child);
     } else if (child.Is("METHOD")) {
@@ -105,8 +105,13 @@ class TClassMaker {
     }
   }
 
-  void AddQualifier(ICIMNamedElement& target, const TElement& qualifier) {
+  /// `scope` has the bits of which the qualifier needs one.
+  void AddQualifier(ICIMNamedElement& target, const TElement& qualifier, std::uint32_t scope) {
     const auto decl = QualifierDeclFor(fSpace, qualifier);
+    if ((decl->GetScope() & scope) == 0) {
+      fSpace.GetState().fDefects.Add(qualifier.fPosition, "qualifier " + Shown(decl->GetName()) +
+                                                              " is outside of its declared scope");
+    }
     const TCIMValue& declared = decl->GetDefaultValue();
     const TCIMValue value = ReadCounted(fSpace, declared.GetType(), qualifier);
     const bool isNullArray = value.IsNull() && value.IsArray();
@@ -116,11 +121,25 @@ class TClassMaker {
         ->Commit();
   }
 
+  /// A superclass can be an indication, which the interface does not report; so a qualifier for
+  /// indications is taken on every class.
+  std::uint32_t ScopeOfClass() const {
+    const bool isAssociation = IsQualified(fElement, "Association") || fTarget->IsAssociation({});
+    return isAssociation ? kScopeAssociation : kScopeClass | kScopeIndication;
+  }
+
+  static std::uint32_t ScopeOfMember(const TElement& element) {
+    if (element.Is("METHOD")) return kScopeMethod;
+    if (element.Is("PROPERTY.REFERENCE") || element.Is("PROPERTY.REFARRAY")) return kScopeReference;
+    return IsProperty(element) ? kScopeProperty : kScopeParameter;
+  }
+
   void AddQualifiers(ICIMNamedElement& target, const TElement& element) {
+    const std::uint32_t scope = ScopeOfMember(element);
     for (const TElement& child : element.fChildren) {
       if (!child.Is("QUALIFIER")) continue;
       Attempt({child, &element}, [&] {
-        if (!IsMark(child, element)) AddQualifier(target, child);
+        if (!IsMark(child, element)) AddQualifier(target, child, scope);
       });
     }
   }

@@ -3,9 +3,12 @@
 
 #include <qdxcimxml/document_reader.h>
 #include <qdxcore/logger.h>
+#include <qdxmodel/attempt.h>
+#include <qdxmodel/classes.h>
 
 #include <algorithm>
 #include <initializer_list>
+#include <set>
 #include <utility>
 
 #include <boost/make_shared.hpp>
@@ -36,9 +39,22 @@ TElement* FindChild(TElement& object, std::string_view name) {
   return found == object.fChildren.end() ? nullptr : &*found;
 }
 
+bool HasInstance(const ICIMClass& cimClass, const TCIMReference& path) {
+  bool isThere = false;
+  (void)TryUnlessOutOfMemory([&] { isThere = cimClass.GetInstance(path, {}) != nullptr; });
+  return isThere;
+}
+
+bool HasInstances(const ICIMClass& cimClass) {
+  bool isEmpty = true;
+  cimClass.EnumerateInstances([&isEmpty](const auto&) { return isEmpty = false; }, true, {});
+  return !isEmpty;
+}
+
 }  // namespace
 
 void TDocument::BeginContainer(const TElement& container, bool isGroup) {
+  fHasBegun = true;
   if (isGroup) fGroup = nullptr;
   if (IsOneOf(container, {"IMETHODCALL", "METHODCALL", "EXPMETHODCALL"})) {
     fIsInCall = true;
@@ -187,8 +203,10 @@ TNamespaceBuilder& TDocument::BuilderFor(const TElement& object) {
 void TDocument::AddError(const TElement& error) {
   const std::string* const description = error.Find("DESCRIPTION");
   if (fState.fErrors.GetCount() == 0) fFirstError = error.fPosition;
-  fState.fErrors.Add("error " + Shown(error.Get("CODE")) +
-                     (description == nullptr ? "" : ", " + Shown(*description)));
+  const std::string text = "error " + Shown(error.Get("CODE")) +
+                           (description == nullptr ? "" : ", " + Shown(*description));
+  fState.fErrors.Add(text);
+  fState.fDefects.Add(error.fPosition, "a response with " + text);
 }
 
 void TDocument::RequireObjects() const {
@@ -209,6 +227,42 @@ void TDocument::Complete() {
   for (std::size_t i = 0; i < fBuilders.size(); ++i) fBuilders[i]->ResolveReferences();
   for (std::size_t i = 0; i < fBuilders.size(); ++i) fBuilders[i]->MakeInstances();
   for (TNamespaceBuilder* each : fBuilders) each->Reasons().Write(*each->GetNamespace(), fState);
+  ReportLostReferences();
+}
+
+void TDocument::ReportLostReferences() {
+  // Names often repeat the properties of their instances.
+  std::set<std::pair<std::string, std::string>> reported;
+  for (const TNotedReference& each : fState.fDefects.GetReferences()) {
+    if (!IsLost(each)) continue;
+    const std::string path = each.fReference.GetPath();
+    if (!reported.emplace(each.fObject, each.fNamespace + ':' + path).second) continue;
+    fState.fDefects.Add(each.fPosition, each.fObject,
+                        "the reference leads nowhere: " + Plain(path));
+  }
+}
+
+/// A class without declaration and instances is not in the document, so its instances are
+/// elsewhere.
+bool TDocument::IsLost(const TNotedReference& reference) {
+  const auto target = fNamespaces.find(reference.fNamespace);
+  const bool isElsewhere = target == fNamespaces.end() || !target->second.fIsListed ||
+                           (!reference.fHost.empty() && !fState.fHosts.IsOwn(reference.fHost));
+  if (isElsewhere) return false;
+  const TNamespaceBuilder& builder = *target->second.fBuilder;
+  const TReadClass* const named = builder.FindClass(reference.fReference.GetClassName());
+  if (named == nullptr || HasInstance(*named->fClass, reference.fReference)) return false;
+  // A reference can name the class that its property declares.
+  for (const auto& each : NModel::WithSubclasses(named->fClass)) {
+    if (HasInstance(*each, reference.fReference)) return false;
+  }
+  return builder.Declares(named->fClass->GetName({})) || HasInstances(*named->fClass);
+}
+
+void TDocument::ReportEnd(const TDocumentError& error) const {
+  const bool isOfDocument =
+      !error.fIsFatal && error.fStatus == kQDXStatusInvalidDataCollectionDocument;
+  if (fHasBegun && isOfDocument) fState.fDefects.AddLast(error);
 }
 
 TNamespaceBuilder& TDocument::BuilderOf(const TElement& reference, TNamespaceBuilder& own) {
@@ -255,13 +309,15 @@ TNamespaceBuilder& TDocument::Group() {
 }
 
 boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int descriptor,
-                                                    const TReadingLimits& limits) {
-  TDocument document(limits);
+                                                    const TReadingLimits& limits,
+                                                    const TDefectListener& onDefect) {
+  TDocument document(limits, onDefect);
   try {
     TInput input(descriptor, limits);
     ParseDocument(input, document, limits);
     document.Complete();
   } catch (const TDocumentError& error) {
+    document.ReportEnd(error);
     const bool isOfFile = error.fStatus != kQDXStatusInvalidDataCollectionDocument;
     LogErrorAndThrow(error.fStatus, {"cimxml: ", name, isOfFile ? "" : AtPosition(error.fPosition),
                                      ": ", error.what()});

@@ -18,7 +18,8 @@ namespace NVORNQDX20::NCIMXML {
 
 class TDocument final : public IObjectSink, public IBuilders {
  public:
-  explicit TDocument(const TReadingLimits& limits) : fState(limits) {}
+  TDocument(const TReadingLimits& limits, const TDefectListener& onDefect)
+      : fState(limits, onDefect) {}
 
   void BeginContainer(const TElement& container, bool isGroup) override;
   void AddStrayText(const TElement& holder) override;
@@ -28,8 +29,12 @@ class TDocument final : public IObjectSink, public IBuilders {
   void Complete();
 
   boost::shared_ptr<TRepositoryProvider> GetNamespaces() const;
-  /// Warns about what was left out or changed in reading.
-  void Report(const std::string& name) const { fState.Report(name); }
+  /// Warns about what was left out or changed in reading, unless the document is checked.
+  void Report(const std::string& name) const {
+    if (!fState.fDefects.AreWanted()) fState.Report(name);
+  }
+  /// Reports what ends the reading as a defect, if the document has begun.
+  void ReportEnd(const TDocumentError& error) const;
 
  private:
   struct TEntry {
@@ -50,12 +55,15 @@ class TDocument final : public IObjectSink, public IBuilders {
   void AddName(TElement&& path, std::size_t bytes);
   void AddValue(TElement&& value, std::size_t bytes);
   void RequireObjects() const;
+  void ReportLostReferences();
+  bool IsLost(const TNotedReference& reference);
   void AddError(const TElement& error);
 
   TReadingState fState;
   TPosition fFirstError;
   TPosition fCall;      // the first call of a method
   TPosition fResponse;  // the first response to one
+  bool fHasBegun = false;
   bool fIsInCall = false;
   bool fIsInMessage = false;  // else in declarations, which are objects only
   bool fHasObjects = false;

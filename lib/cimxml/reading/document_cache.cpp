@@ -22,15 +22,16 @@ namespace {
   LogErrorAndThrow(code, {"cimxml: ", file == "-" ? "standard input" : file, ": ", reason});
 }
 
-boost::shared_ptr<TRepositoryProvider> ReadFile(const std::string& file,
-                                                const TReadingLimits& limits) {
-  if (file == "-") return ReadDocument("standard input", STDIN_FILENO, limits);
+}  // namespace
+
+boost::shared_ptr<TRepositoryProvider> ReadDocumentFile(const std::string& file,
+                                                        const TReadingLimits& limits,
+                                                        const TDefectListener& onDefect) {
+  if (file == "-") return ReadDocument("standard input", STDIN_FILENO, limits, onDefect);
   const TDescriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
   if (!descriptor.IsOpen()) Refuse(file);
-  return ReadDocument(file, descriptor.Get(), limits);
+  return ReadDocument(file, descriptor.Get(), limits, onDefect);
 }
-
-}  // namespace
 
 TDocumentCache::TIdentity::TIdentity(const std::string& file) {
   struct stat status {};
@@ -53,7 +54,7 @@ boost::shared_ptr<TRepositoryProvider> TDocumentCache::Read(const std::string& f
   const TIdentity identity(file);
   if (!fLast || !(identity == fLastIdentity)) {
     fLast.reset();  // frees the old document before the new one is read
-    fLast = ReadFile(file, fLimits);
+    fLast = ReadDocumentFile(file, fLimits);
     fLastIdentity = identity;
   }
   return fLast;

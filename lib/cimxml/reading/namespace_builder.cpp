@@ -95,12 +95,13 @@ bool HasKeys(const TSubclass& subclass) {
 
 template <typename TWork>
 bool TNamespaceBuilder::Attempt(const TElement& object, TWork&& work) {
+  const TDefects::TMaking making(GetState().fDefects, *this, object);
   try {
     work();
     return true;
   } catch (const TDocumentError& error) {
     if (error.fIsFatal) throw;
-    const bool isShown = GetState().fLeftOut.HasRoom();
+    const bool isShown = GetState().fLeftOut.HasRoom() || GetState().fDefects.AreWanted();
     GetState().LeaveOut(isShown ? Described(*this, object) : "", error);
     return false;
   }
@@ -122,6 +123,12 @@ void TNamespaceBuilder::AddClass(TElement&& element, std::size_t bytes) {
     source = std::move(element);
     const std::string* const superclass = source.Find("SUPERCLASS");
     if (superclass != nullptr) fSubclasses[*superclass].push_back(&source);
+  });
+}
+
+bool TNamespaceBuilder::Declares(const std::string& className) const {
+  return std::any_of(fSourceOrder.begin(), fSourceOrder.end(), [&](const std::string& each) {
+    return NModel::EqualIgnoringCase(each, className);
   });
 }
 

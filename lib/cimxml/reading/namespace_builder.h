@@ -44,6 +44,9 @@ class TNamespaceBuilder final : public TSpace {
   /// Adds an instance of which only the name is known; unless the document has it, too.
   void AddInstanceName(TElement&& object, std::size_t bytes);
 
+  /// Returns whether the document declares the class, rightly or not.
+  bool Declares(const std::string& className) const;
+
   // Called at the end of the document, each for all namespaces before the next one. The first may
   // add namespaces.
   void NoteUses();

@@ -51,6 +51,11 @@ void THosts::AddOfReference(const TElement& host) {
   found.fFirst = host.fPosition;
 }
 
+bool THosts::IsOwn(const std::string& host) const {
+  const auto found = fHosts.find(host);
+  return found != fHosts.end() && found->second.fIsOwn;
+}
+
 void THosts::Report(const std::string& name) const {
   std::size_t count = 0;
   const THost* first = nullptr;

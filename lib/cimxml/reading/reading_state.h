@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "defects.h"
 #include "xml/counted_warning.h"
 #include "xml/document_limits.h"
 #include "xml/element.h"
@@ -70,6 +71,8 @@ class THosts {
   /// Notes the host of an object, or of the namespace of objects.
   void AddOwn(const TElement& host) { At(host).fIsOwn = true; }
   void AddOfReference(const TElement& host);
+  /// Returns whether an object of the document has this host.
+  bool IsOwn(const std::string& host) const;
   /// Warns of references that lost their host.
   void Report(const std::string& name) const;
 
@@ -90,17 +93,24 @@ class THosts {
 };
 
 struct TReadingState {
-  explicit TReadingState(const TReadingLimits& limits) : fMemory(limits) {}
+  TReadingState(const TReadingLimits& limits, const TDefectListener& onDefect)
+      : fMemory(limits), fDefects(onDefect) {}
 
   /// Records an object that could not be taken. `object` is a text such as: class "C".
   void LeaveOut(const std::string& object, const TDocumentError& error) {
     fLeftOut.Add(error.fPosition, object + " is left out: " + error.fReason);
+    fDefects.Add(error.fPosition, object, "left out: " + error.fReason);
   }
   /// Records a part of an object that was ignored or changed.
-  void Warn(const TElement& place, const std::string& text) { fChanged.Add(place.fPosition, text); }
+  void Warn(const TPosition& place, const std::string& text) {
+    fChanged.Add(place, text);
+    fDefects.Add(place, text);
+  }
+  void Warn(const TElement& place, const std::string& text) { Warn(place.fPosition, text); }
   void Report(const std::string& name) const;
 
   TMemoryAccount fMemory;
+  TDefects fDefects;
   THosts fHosts{fMemory};
   TWarnings fLeftOut;       // objects
   TWarnings fChanged;       // parts of objects

@@ -31,7 +31,27 @@ TCIMValue ReadText(TSpace& space, TCIMType type, const TElement& element, const 
   if (!value || !element.fChildren.empty()) {
     element.Refuse(Shown(element.fText) + " is no " + std::string(KeywordOf(type)));
   }
+  // A date-time may have wildcards; another one that is null has fields that are out of range.
+  const bool isBad = type == TCIMType::kCIMTypeDateTime && value->IsNull() &&
+                     element.fText.find('*') == std::string::npos;
+  if (isBad) {
+    space.GetState().fDefects.Add(
+        element.fPosition,
+        Shown(element.fText) + " of " + NameOfHolder(holder) + " is no point in time");
+  }
   return std::move(*value);
+}
+
+void Note(TSpace& space, const TSpace& target, const TCIMReference& reference,
+          const TElement& element) {
+  TDefects& defects = space.GetState().fDefects;
+  if (!defects.AreWanted()) return;
+  const TElement* const host = FindHost(element);
+  TNotedReference noted{reference, target.GetNamespace()->GetName({}),
+                        host == nullptr ? "" : host->fText, element.fPosition,
+                        defects.CurrentObject()};
+  space.GetMemory().AddHeld(sizeof noted + noted.fObject.size(), element);
+  defects.NoteReference(std::move(noted));
 }
 
 /// Returns a class of the same name that has the keys of a reference, for a reference by other
@@ -94,6 +114,7 @@ TCIMValue ReadReference(TSpace& space, const TElement& element) {
     const auto decl = DeclOf(*cimClass, key, *binding.fValue);
     reference.AddKeyValue(decl->GetName(), ReadKeyValue(target, decl->GetType(), *binding.fValue));
   }
+  Note(space, target, reference, element);
   return TCIMValue(reference);
 }
 

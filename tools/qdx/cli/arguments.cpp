@@ -78,14 +78,16 @@ TArguments ParseArguments(const std::vector<TOptionSpec>& options, const TWords&
 
 void CheckOperands(const std::string& verb, const std::vector<TOperandSpec>& specs,
                    const TWords& operands) {
-  if (operands.size() > specs.size()) {
+  const bool isRepeated = !specs.empty() && specs.back().fPresence == TOperandSpec::kRepeated;
+  if (operands.size() > specs.size() && !isRepeated) {
     FailOnUsage("unexpected argument '" + operands[specs.size()] + "'");
   }
   for (std::size_t i = 0; i < operands.size(); ++i) {
-    if (operands[i].empty()) FailOnUsage(std::string("an argument is empty: ") + specs[i].fName);
+    const TOperandSpec& spec = specs[std::min(i, specs.size() - 1)];
+    if (operands[i].empty()) FailOnUsage(std::string("an argument is empty: ") + spec.fName);
   }
   for (std::size_t missing = operands.size(); missing < specs.size(); ++missing) {
-    if (specs[missing].fPresence == TOperandSpec::kRequired) {
+    if (specs[missing].fPresence != TOperandSpec::kOptional) {
       FailOnUsage(verb + " needs an argument: " + specs[missing].fName);
     }
   }

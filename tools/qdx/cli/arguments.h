@@ -17,8 +17,11 @@ struct TOptionSpec {
 };
 
 struct TOperandSpec {
-  const char* fName;                                              ///< The placeholder in the help.
-  enum EPresence { kRequired, kOptional } fPresence = kRequired;  ///< Optional ones come last.
+  /// Optional ones come last. A repeated one is the last, and is given at least once.
+  enum EPresence { kRequired, kOptional, kRepeated };
+
+  const char* fName;  ///< The placeholder in the help.
+  EPresence fPresence = kRequired;
 };
 
 struct TArguments {

@@ -8,7 +8,7 @@ namespace NVORNQDX20 {
 /// Scripts depend on the numbers.
 enum EExitCode : int {
   kExitDone = 0,       ///< Also: compared and equal.
-  kExitDifferent = 1,  ///< Only for verbs that compare.
+  kExitDifferent = 1,  ///< Only of diff, and for defects of validate.
   kExitUsage = 2,
   kExitPartlyDone = 3,  ///< A plug-in failed or warned, values or instances were lost, or the log
                         ///< could not be written; the rest was delivered. Instead of 0 and 1.

@@ -27,11 +27,29 @@ NCIMXML::TReadingLimits ReadingLimitsOf(const TArguments& arguments) {
   return limits;
 }
 
+std::string ShownAs(const std::string& file) { return file == "-" ? "standard input" : file; }
+
+TNamespaces NamespacesOf(TRepositoryProvider& document) {
+  TNamespaces namespaces;
+  document.EnumerateNamespaceNames(
+      [&](const std::string& name) {
+        namespaces.push_back(document.GetNamespace(name, {}));
+        return true;
+      },
+      {});
+  return namespaces;
+}
+
+[[noreturn]] void FailToRead(const std::string& file, const TExplainedException& failure) {
+  const std::string shownAs = ShownAs(file);
+  throw TCommandFailure(kExitBadInput, "reading document " + shownAs,
+                        WithoutName(WithoutName(failure, kService), shownAs));
+}
+
 }  // namespace
 
 TNamespaces OpenDocument(const std::string& file, const TArguments& arguments, bool& incomplete) {
   const NCIMXML::TReadingLimits limits = ReadingLimitsOf(arguments);
-  const std::string shownAs = file == "-" ? "standard input" : file;
   TNamespaces namespaces;
   std::vector<std::string> warnings;
   const auto failure = Try([&] {
@@ -40,21 +58,26 @@ TNamespaces OpenDocument(const std::string& file, const TArguments& arguments, b
       if (severity == ILogger::kLogWarning) warnings.push_back(message);
     });
     NCIMXML::TDocumentCache documents(limits);
-    const auto document = documents.Read(file);
-    document->EnumerateNamespaceNames(
-        [&](const std::string& name) {
-          namespaces.push_back(document->GetNamespace(name, {}));
-          return true;
-        },
-        {});
+    namespaces = NamespacesOf(*documents.Read(file));
   });
   for (const std::string& warning : warnings) PrintError(warning);
   incomplete = incomplete || !warnings.empty();
-  if (failure) {
-    throw TCommandFailure(kExitBadInput, "reading document " + shownAs,
-                          WithoutName(WithoutName(*failure, kService), shownAs));
-  }
+  if (failure) FailToRead(file, *failure);
   return namespaces;
+}
+
+TCheckedDocument CheckDocument(const std::string& file, const TArguments& arguments) {
+  const NCIMXML::TReadingLimits limits = ReadingLimitsOf(arguments);
+  TCheckedDocument checked;
+  const auto failure = Try([&] {
+    const auto document = NCIMXML::ReadDocumentFile(
+        file, limits,
+        [&checked](const NCIMXML::TDefect& defect) { checked.fDefects.push_back(defect); });
+    checked.fNamespaces = NamespacesOf(*document);
+  });
+  const bool isExplained = !checked.fDefects.empty() && checked.fDefects.back().fEndsReading;
+  if (failure && !isExplained) FailToRead(file, *failure);
+  return checked;
 }
 
 const char* const TPluginWriter::kDefaultConsumer = kService;

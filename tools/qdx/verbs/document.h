@@ -3,6 +3,7 @@
 #ifndef TOOLS_QDX_VERBS_DOCUMENT_H_
 #define TOOLS_QDX_VERBS_DOCUMENT_H_
 
+#include <qdxcimxml/document_reader.h>
 #include <qdxcore/interfaces.h>
 #include <qdxplugin_host/consumer_host.h>
 
@@ -24,6 +25,14 @@ using TNamespaces = std::vector<boost::shared_ptr<ICIMNamespace>>;
 /// warnings to standard error, and then sets `incomplete`. The option --memory sets the limits of
 /// the reader. Throws a TCommandFailure if the document cannot be read.
 TNamespaces OpenDocument(const std::string& file, const TArguments& arguments, bool& incomplete);
+
+struct TCheckedDocument {
+  std::vector<NCIMXML::TDefect> fDefects;
+  TNamespaces fNamespaces;  ///< Empty if a defect ends the reading.
+};
+
+/// Reads a document with all its defects, and prints nothing. Otherwise as OpenDocument().
+TCheckedDocument CheckDocument(const std::string& file, const TArguments& arguments);
 
 /// Writes namespaces to files with a consumer plug-in.
 class TPluginWriter {

@@ -25,7 +25,8 @@ std::string FormatOperands(const std::vector<TOperandSpec>& operands) {
   std::string text;
   for (const auto& [name, presence] : operands) {
     const bool optional = presence == TOperandSpec::kOptional;
-    text += (optional ? " [" : " ") + std::string(name) + (optional ? "]" : "");
+    const char* const end = presence == TOperandSpec::kRepeated ? "..." : "";
+    text += (optional ? " [" : " ") + std::string(name) + (optional ? "]" : end);
   }
   return text;
 }
@@ -40,7 +41,7 @@ std::string FormatVerbs() {
 const char* const kExitCodes =
     "Exit status:\n"
     "  0  done, or the same\n"
-    "  1  different (diff)\n"
+    "  1  different (diff), or with defects (validate)\n"
     "  2  wrong usage\n"
     "  3  partly done: something failed or was lost, the rest was delivered\n"
     "  4  a named folder or file, or standard output, cannot be used\n"
@@ -50,9 +51,9 @@ const char* const kExitCodes =
 }  // namespace
 
 const std::vector<TVerb>& AllVerbs() {
-  static const std::vector<TVerb> verbs = {IdentityVerb(), CollectVerb(), ShowVerb(),
-                                           DiffVerb(),     PluginsVerb(), MediaVerb(),
-                                           UploadVerb(),   DownloadVerb()};
+  static const std::vector<TVerb> verbs = {IdentityVerb(), CollectVerb(),  ShowVerb(),
+                                           DiffVerb(),     ValidateVerb(), PluginsVerb(),
+                                           MediaVerb(),    UploadVerb(),   DownloadVerb()};
   return verbs;
 }
 

@@ -29,6 +29,7 @@ TVerb MediaVerb();
 TVerb PluginsVerb();
 TVerb ShowVerb();
 TVerb UploadVerb();
+TVerb ValidateVerb();
 
 /// Every verb, in the order of the help.
 const std::vector<TVerb>& AllVerbs();

@@ -5,8 +5,10 @@
 
 #include <qdxrepository/repository.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <ctime>
+#include <functional>
 #include <string>
 #include <utility>
 
@@ -28,6 +30,17 @@ struct TReadingLimits {
   static std::uint64_t DefaultMemory();
 };
 
+/// A fault of a document.
+struct TDefect {
+  std::size_t fLine = 0;    ///< From 1; 0 if unknown.
+  std::size_t fColumn = 0;  ///< From 1; 0 if unknown.
+  std::string fObject;  ///< The object with the fault, such as: class "C". Empty outside of one.
+  std::string fMessage;
+  bool fEndsReading = false;  ///< What follows in the document was not read.
+};
+/// Receives each defect. What it throws ends the reading and is passed on.
+using TDefectListener = std::function<void(const TDefect&)>;
+
 /// Reads a document from the current position of the descriptor. Returns one namespace for each
 /// namespace path in the document; objects without a path are in "root/cimv2", and so is nothing if
 /// there is no namespace. Does not close the descriptor; `name` is used in messages.
@@ -46,8 +59,21 @@ struct TReadingLimits {
 /// column C" in the reason; kQDXStatusFileSystemError if the file cannot be read;
 /// kQDXStatusInvalidGzipFile for a bad gzip header; kQDXStatusCorruptGzipFile for other errors in
 /// the compression.
+///
+/// With `onDefect`, the document is checked: each defect is passed on, in no particular order,
+/// instead of the warnings. These are defects, too: a null key, a qualifier outside of its declared
+/// scope, and a reference to an instance that the document lacks, unless its namespace, its host or
+/// its class is not in the document. If a document turns out not to be well-formed or has an
+/// unknown element, that is the last defect before the exception.
 boost::shared_ptr<TRepositoryProvider> ReadDocument(const std::string& name, int descriptor,
-                                                    const TReadingLimits& limits = {});
+                                                    const TReadingLimits& limits = {},
+                                                    const TDefectListener& onDefect = {});
+
+/// The same for a file by name, or standard input for "-". Throws what TDocumentCache::Read()
+/// throws.
+boost::shared_ptr<TRepositoryProvider> ReadDocumentFile(const std::string& file,
+                                                        const TReadingLimits& limits = {},
+                                                        const TDefectListener& onDefect = {});
 
 /// Reads documents by file name, and caches the last one.
 class TDocumentCache {
