@@ -43,14 +43,16 @@ TEST(QDXValidate, NamesEachDefectAndItsObject) {
   };
   const TRow rows[] = {
       {AnInstance(Id("1") + ReferenceTo("1") + Property("datetime", "200403151430**.******+060")),
-       0, ": no defects, 1 class, 1 instance in 1 namespace\n"},
+       0, ": no defects, 2 classes, 2 instances in 1 namespace\n"},
       {AnInstance(Id("1") + ReferenceTo("2")), 1,
-       ":4:182: instance C.Id=\"1\": the reference leads nowhere: C.Id=\"2\"\n"},
-      {AnInstance(""), 1, ":4:15: an instance of class \"C\": key \"Id\" is null\n"},
+       ":4:148: instance C.Id=\"1\": the reference leads nowhere: C.Id=\"2\"\n"},
+      {AnInstance(""), 1,
+       ":4:15: an instance of class \"C\": left out: an instance lacks its key, property Id of "
+       "class C\n"},
       {AnInstance(Id("1") + Property("string", "x")), 1,
-       ":4:103: instance C.Id=\"1\": left out: property \"p\" is declared with another type\n"},
-      {AnInstance(Id("1") + Property("datetime", "20041315143000.000000+060")), 1,
-       ":4:136: instance C.Id=\"1\": \"20041315143000.000000+060\" of <PROPERTY> \"p\" is no point "
+       ":4:100: instance C.Id=\"1\": left out: property \"p\" is declared with another type\n"},
+      {AnInstance(Id("1") + Property("datetime", "20040315256000.000000+060")), 1,
+       ":4:137: instance C.Id=\"1\": \"20040315256000.000000+060\" of <PROPERTY> \"p\" is no point "
        "in time\n"},
       {"<VALUE.OBJECT><CLASS NAME='D'><QUALIFIER NAME='Note' TYPE='string'/></CLASS>"
        "</VALUE.OBJECT>\n",

@@ -73,7 +73,6 @@ class TInstanceMaker {
   }
 
   void Commit(bool isNameOnly) {
-    if (fSpace.GetState().fDefects.AreWanted()) ReportNullKeys();
     if (!CommitTarget()) {
       if (isNameOnly) return;
       fElement.Refuse("another instance has the same keys");
@@ -89,14 +88,6 @@ class TInstanceMaker {
 
  private:
   static constexpr std::size_t kReasonBytes = 1024;
-
-  void ReportNullKeys() const {
-    for (const auto& [decl, isKey] : NModel::PropertiesOf(fClass)) {
-      if (!isKey || !fTarget->GetProperty(decl->GetName(), {})->GetValue().IsNull()) continue;
-      fSpace.GetState().fDefects.Add(fElement.fPosition,
-                                     "key " + Shown(decl->GetName()) + " is null");
-    }
-  }
 
   /// Returns false if there is such an instance.
   bool CommitTarget() {

@@ -308,6 +308,10 @@ void TNamespaceBuilder::MakeClasses() {
 void TNamespaceBuilder::ResolveReferences() {
   for (const TUnresolved& each : Unresolved()) {
     GetMemory().BeginObject(0);
+    TElement owner;
+    owner.fName = "CLASS";
+    owner.fAttributes = {{"NAME", each.fClass->GetName({})}};
+    const TDefects::TMaking making(GetState().fDefects, *this, owner);
     try {
       Resolve(*this, each);
     } catch (const TDocumentError& error) {

@@ -114,7 +114,7 @@ TCIMValue ReadReference(TSpace& space, const TElement& element) {
     const auto decl = DeclOf(*cimClass, key, *binding.fValue);
     reference.AddKeyValue(decl->GetName(), ReadKeyValue(target, decl->GetType(), *binding.fValue));
   }
-  Note(space, target, reference, element);
+  if (name.Is("INSTANCENAME")) Note(space, target, reference, element);
   return TCIMValue(reference);
 }
 

@@ -61,7 +61,7 @@ using TDefectListener = std::function<void(const TDefect&)>;
 /// the compression.
 ///
 /// With `onDefect`, the document is checked: each defect is passed on, in no particular order,
-/// instead of the warnings. These are defects, too: a null key, a qualifier outside of its declared
+/// instead of the warnings. These are defects, too: a qualifier outside of its declared
 /// scope, and a reference to an instance that the document lacks, unless its namespace, its host or
 /// its class is not in the document. If a document turns out not to be well-formed or has an
 /// unknown element, that is the last defect before the exception.
