@@ -51,9 +51,9 @@ TEST(QDXValidate, NamesEachDefectAndItsObject) {
        "class C\n"},
       {AnInstance(Id("1") + Property("string", "x")), 1,
        ":4:100: instance C.Id=\"1\": left out: property \"p\" is declared with another type\n"},
-      {AnInstance(Id("1") + Property("datetime", "20040315256000.000000+060")), 1,
-       ":4:137: instance C.Id=\"1\": \"20040315256000.000000+060\" of <PROPERTY> \"p\" is no point "
-       "in time\n"},
+      {AnInstance(Id("1") + Property("datetime", "00000001256000.000000:000")), 1,
+       ":4:135: instance C.Id=\"1\": \"00000001256000.000000:000\" of <PROPERTY> \"p\" is no "
+       "date-time\n"},
       {"<VALUE.OBJECT><CLASS NAME='D'><QUALIFIER NAME='Note' TYPE='string'/></CLASS>"
        "</VALUE.OBJECT>\n",
        1, ":4:31: class \"D\": qualifier \"Note\" is outside of its declared scope\n"},

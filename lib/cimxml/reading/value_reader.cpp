@@ -35,9 +35,8 @@ TCIMValue ReadText(TSpace& space, TCIMType type, const TElement& element, const 
   const bool isBad = type == TCIMType::kCIMTypeDateTime && value->IsNull() &&
                      element.fText.find('*') == std::string::npos;
   if (isBad) {
-    space.GetState().fDefects.Add(
-        element.fPosition,
-        Shown(element.fText) + " of " + NameOfHolder(holder) + " is no point in time");
+    space.GetState().fDefects.Add(element.fPosition, Shown(element.fText) + " of " +
+                                                         NameOfHolder(holder) + " is no date-time");
   }
   return std::move(*value);
 }
