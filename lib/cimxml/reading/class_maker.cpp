@@ -87,9 +87,9 @@ class TClassMaker {
     } catch (const TDocumentError& error) {
       if (error.fIsFatal) throw;
       const std::string owner = part.fOwner == nullptr ? "" : " of " + NameOfHolder(*part.fOwner);
-      fSpace.GetState().Warn(
-          error.fPosition, part.fAspect + NameOfHolder(part.fElement) + owner + " of class " +
-                               Shown(fElement.Get("NAME")) + " is left out: " + error.fReason);
+      fSpace.GetState().Warn(error.fPosition, part.fAspect + NameOfHolder(part.fElement) + owner +
+                                                  " of class " + Shown(fElement.Get("NAME")) +
+                                                  " is left out: " + error.fReason);
     }
   }
 
