@@ -52,7 +52,7 @@ void THosts::AddOfReference(const TElement& host) {
 }
 
 bool THosts::IsOwn(const std::string& host) const {
-  const auto found = fHosts.find(host);
+  const auto found = fHosts.find(NModel::TNameHash()(host));
   return found != fHosts.end() && found->second.fIsOwn;
 }
 
