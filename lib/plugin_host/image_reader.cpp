@@ -219,7 +219,7 @@ class TImageReader {
     if (fInput.Peek() == kPresent && type == TType::kCIMTypeString) {
       (void)fInput.Byte();
       (void)instances.SetText(position, fInput.TextView());
-    } else if (fInput.Peek() == kPresent && SizeOf(type) != 0) {
+    } else if (fInput.Peek() == kPresent && NModel::SizeOfNumber(type) != 0) {
       (void)fInput.Byte();
       (void)instances.SetNumber(position, ReadNative(type));
     } else {
@@ -228,20 +228,9 @@ class TImageReader {
     }
   }
 
-  static std::size_t SizeOf(TType type) {
-    return NModel::VisitType(type, [](auto native) -> std::size_t {
-      using T = typename decltype(native)::TType;
-      if constexpr (std::is_arithmetic_v<T>) {
-        return sizeof(T);
-      } else {
-        return 0;
-      }
-    });
-  }
-
   /// Returns the bytes of a number.
   std::string_view ReadNative(TType type) {
-    const std::string_view bytes = fInput.Take(SizeOf(type));
+    const std::string_view bytes = fInput.Take(NModel::SizeOfNumber(type));
     const bool isBoolean = type == TType::kCIMTypeBoolean;
     if (isBoolean && static_cast<unsigned char>(bytes.front()) > 1) fInput.Fail("no boolean");
     return bytes;

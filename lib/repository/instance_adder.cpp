@@ -4,7 +4,6 @@
 #include <qdxcore/status.h>
 #include <qdxmodel/visit.h>
 
-#include <type_traits>
 #include <utility>
 
 #include <boost/smart_ptr/make_shared.hpp>
@@ -20,21 +19,6 @@ namespace NVORNQDX20 {
 using NRepository::TClass;
 using NRepository::TInstance;
 using NRepository::TStoredValue;
-
-namespace {
-
-std::size_t SizeOfNumber(TCIMValue::TCIMType type) {
-  return NModel::VisitType(type, [](auto native) -> std::size_t {
-    using T = typename decltype(native)::TType;
-    if constexpr (std::is_arithmetic_v<T>) {
-      return sizeof(T);
-    } else {
-      return 0;
-    }
-  });
-}
-
-}  // namespace
 
 struct TInstanceAdder::TParts {
   boost::shared_ptr<TClass> fClass;
@@ -70,7 +54,7 @@ bool TInstanceAdder::SetText(std::size_t position, std::string_view text) {
 }
 
 bool TInstanceAdder::SetNumber(std::size_t position, std::string_view bytes) {
-  const std::size_t size = SizeOfNumber(fParts->TypeAt(position));
+  const std::size_t size = NModel::SizeOfNumber(fParts->TypeAt(position));
   if (size == 0 || size != bytes.size()) return false;
   fParts->fInstance->Store(position, TStoredValue::Number(bytes));
   return true;

@@ -13,6 +13,8 @@
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
 
+#include <algorithm>
+
 namespace NVORNQDX20 {
 
 using TNames = std::vector<std::string>;
@@ -84,6 +86,17 @@ inline TNames WarningsOf(const std::string& content) {
     warnings.push_back(Placed(message, file.Path()));
   }
   return warnings;
+}
+
+/// Expects these parts, with ' for ", in the document that is written of what was read.
+inline void ExpectRead(const std::string& document, const TNames& parts, const std::string& name) {
+  const TDocumentFile file(document);
+  const TLogCapture log;
+  std::string written = ReadAndWritten(file.Path());
+  std::replace(written.begin(), written.end(), '"', '\'');
+  for (const std::string& part : parts) {
+    EXPECT_NE(written.find(part), std::string::npos) << name << ": " << part << " in\n" << written;
+  }
 }
 
 inline std::string Tag(const std::string& name, const std::string& attributes,

@@ -132,8 +132,6 @@ void WriteInstances(TXMLWriter& xml, TValueWriter& values, const ICIMClass& cimC
 
 struct TDocumentWriter::TParts {
   TParts(const std::string& file, EReaders readers) : fOutput(file), fReaders(readers) {}
-  TParts(TDescriptor file, const std::string& name)
-      : fOutput(std::move(file), name), fReaders(kCurrentReaders) {}
 
   TOutput fOutput;
   const EReaders fReaders;
@@ -144,11 +142,6 @@ struct TDocumentWriter::TParts {
 
 TDocumentWriter::TDocumentWriter(const std::string& file, EReaders readers)
     : fParts(std::make_unique<TParts>(file, readers)) {
-  Begin();
-}
-
-TDocumentWriter::TDocumentWriter(TDescriptor file, const std::string& name)
-    : fParts(std::make_unique<TParts>(std::move(file), name)) {
   Begin();
 }
 

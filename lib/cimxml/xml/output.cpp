@@ -74,11 +74,6 @@ TOutput::TOutput(const std::string& file)
   Require(fDescriptor.IsOpen());
 }
 
-TOutput::TOutput(TDescriptor file, const std::string& name)
-    : fFile(name), fDescriptor(std::move(file)) {
-  Require(fDescriptor.IsOpen());
-}
-
 TOutput::~TOutput() = default;
 
 void TOutput::Close() {

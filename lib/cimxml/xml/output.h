@@ -19,8 +19,6 @@ class TOutput {
   /// "-" is standard output. An existing file is truncated and keeps its mode; a new one gets mode
   /// 0600. A gzip file has no name and time in its header, so that equal contents give equal files.
   explicit TOutput(const std::string& file);
-  /// Takes over an open file, which is not compressed.
-  TOutput(TDescriptor file, const std::string& name);
   /// Leaves an incomplete file unless Close() was called.
   ~TOutput();
   TOutput(const TOutput&) = delete;

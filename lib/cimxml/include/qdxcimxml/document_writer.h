@@ -4,7 +4,6 @@
 #define QDXCIMXML_DOCUMENT_WRITER_H_
 
 #include <qdxcore/interfaces.h>
-#include <qdxsystem/descriptor.h>
 
 #include <memory>
 #include <string>
@@ -30,8 +29,6 @@ class TDocumentWriter {
   /// truncated and keeps its mode; a new one gets mode 0600. A name that ends in ".gz" gives a gzip
   /// file.
   explicit TDocumentWriter(const std::string& file, EReaders readers = kCurrentReaders);
-  /// Writes from the current position of an open file; `name` is used in messages.
-  TDocumentWriter(TDescriptor file, const std::string& name);
   /// Leaves an incomplete file unless Close() was called.
   ~TDocumentWriter();
 

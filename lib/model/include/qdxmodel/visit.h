@@ -12,6 +12,7 @@
 #include <qdxcore/status.h>
 #include <qdxcore/value.h>
 
+#include <cstddef>
 #include <string>
 #include <type_traits>
 
@@ -66,6 +67,18 @@ decltype(auto) VisitType(TCIMValue::TCIMType type, TVisit&& visit) {
       break;
   }
   return visit(TNative<void>());
+}
+
+/// Returns how many bytes the native type of a number or boolean has; 0 for other types.
+inline std::size_t SizeOfNumber(TCIMValue::TCIMType type) {
+  return VisitType(type, [](auto native) -> std::size_t {
+    using T = typename decltype(native)::TType;
+    if constexpr (std::is_arithmetic_v<T>) {
+      return sizeof(T);
+    } else {
+      return 0;
+    }
+  });
 }
 
 /// Calls `visit` with the content of a scalar, and returns its result. Throws

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// A namespace as bytes, for another process of the same build on the same machine.
 ///
-/// Quicker than a document by an order of magnitude: numbers are in their native form, classes and
+/// Quicker than a document: numbers are in their native form, classes and
 /// properties are told by their positions. The reader trusts nothing that it reads.
 #ifndef QDXPLUGIN_HOST_IMAGE_H_
 #define QDXPLUGIN_HOST_IMAGE_H_
