@@ -21,12 +21,12 @@
 
 #include "cli/new_file.h"
 #include "cli/output.h"
-#include "completeness.h"
-#include "document.h"
-#include "machine.h"
-#include "record.h"
+#include "input/completeness.h"
+#include "input/document.h"
+#include "input/machine.h"
+#include "input/record.h"
+#include "input/worker_options.h"
 #include "verbs.h"
-#include "worker_options.h"
 
 namespace NVORNQDX20 {
 namespace {

@@ -7,9 +7,9 @@
 #include "cli/failure.h"
 #include "cli/output.h"
 #include "cli/terminal.h"
-#include "completeness.h"
-#include "diff_parts.h"
-#include "document.h"
+#include "input/completeness.h"
+#include "input/diff_parts.h"
+#include "input/document.h"
 #include "verbs.h"
 
 namespace NVORNQDX20 {

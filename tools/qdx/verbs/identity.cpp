@@ -14,9 +14,9 @@
 #include <qdxsnapshot/value_json.h>
 #include "cli/output.h"
 #include "cli/terminal.h"
-#include "machine.h"
+#include "input/machine.h"
+#include "input/worker_options.h"
 #include "verbs.h"
-#include "worker_options.h"
 
 namespace NVORNQDX20 {
 namespace {

@@ -12,11 +12,11 @@
 #include <qdxsnapshot/associations.h>
 
 #include "cli/output.h"
-#include "completeness.h"
-#include "document.h"
 #include "format/namespace_format.h"
 #include "format/schema_format.h"
-#include "machine.h"
+#include "input/completeness.h"
+#include "input/document.h"
+#include "input/machine.h"
 #include "show_request.h"
 #include "verbs.h"
 

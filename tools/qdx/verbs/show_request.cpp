@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "cli/failure.h"
-#include "machine.h"
+#include "input/machine.h"
 
 namespace NVORNQDX20 {
 namespace {

@@ -28,9 +28,9 @@
 #include "cli/failure.h"
 #include "cli/new_file.h"
 #include "cli/output.h"
+#include "input/worker_options.h"
 #include "transfer_worker.h"
 #include "verbs.h"
-#include "worker_options.h"
 
 namespace NVORNQDX20 {
 namespace {

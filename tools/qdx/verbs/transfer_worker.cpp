@@ -13,7 +13,7 @@
 #include <unistd.h>
 
 #include "cli/failure.h"
-#include "worker_options.h"
+#include "input/worker_options.h"
 
 namespace NVORNQDX20 {
 namespace {

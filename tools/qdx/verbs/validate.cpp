@@ -10,7 +10,7 @@
 #include "cli/failure.h"
 #include "cli/output.h"
 #include "cli/terminal.h"
-#include "document.h"
+#include "input/document.h"
 #include "verbs.h"
 
 namespace NVORNQDX20 {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// How much of a machine a namespace describes.
-#ifndef TOOLS_QDX_VERBS_COMPLETENESS_H_
-#define TOOLS_QDX_VERBS_COMPLETENESS_H_
+#ifndef TOOLS_QDX_INPUT_COMPLETENESS_H_
+#define TOOLS_QDX_INPUT_COMPLETENESS_H_
 
 #include <qdxdescribe/missing_values.h>
 
@@ -23,4 +23,4 @@ bool ReportLostInstances(const std::string& where, const std::vector<TClassSnaps
 
 }  // namespace NVORNQDX20
 
-#endif  // TOOLS_QDX_VERBS_COMPLETENESS_H_
+#endif  // TOOLS_QDX_INPUT_COMPLETENESS_H_

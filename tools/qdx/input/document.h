@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Documents: namespaces in a file.
-#ifndef TOOLS_QDX_VERBS_DOCUMENT_H_
-#define TOOLS_QDX_VERBS_DOCUMENT_H_
+#ifndef TOOLS_QDX_INPUT_DOCUMENT_H_
+#define TOOLS_QDX_INPUT_DOCUMENT_H_
 
 #include <qdxcimxml/document_reader.h>
 #include <qdxcore/interfaces.h>
@@ -75,4 +75,4 @@ class TPluginWriter {
 
 }  // namespace NVORNQDX20
 
-#endif  // TOOLS_QDX_VERBS_DOCUMENT_H_
+#endif  // TOOLS_QDX_INPUT_DOCUMENT_H_

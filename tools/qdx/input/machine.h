@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Asks all providers about this machine, or about one below another root folder.
-#ifndef TOOLS_QDX_VERBS_MACHINE_H_
-#define TOOLS_QDX_VERBS_MACHINE_H_
+#ifndef TOOLS_QDX_INPUT_MACHINE_H_
+#define TOOLS_QDX_INPUT_MACHINE_H_
 
 #include <qdxmodel/options.h>
 #include <qdxplugin_host/provider_host.h>
@@ -94,4 +94,4 @@ std::vector<NPluginHost::TPluginFile> FindPluginsOrFail(NPluginHost::EPluginKind
 
 }  // namespace NVORNQDX20
 
-#endif  // TOOLS_QDX_VERBS_MACHINE_H_
+#endif  // TOOLS_QDX_INPUT_MACHINE_H_

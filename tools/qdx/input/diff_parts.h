@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Leaves out of a comparison the parts that one of two documents does not have.
-#ifndef TOOLS_QDX_VERBS_DIFF_PARTS_H_
-#define TOOLS_QDX_VERBS_DIFF_PARTS_H_
+#ifndef TOOLS_QDX_INPUT_DIFF_PARTS_H_
+#define TOOLS_QDX_INPUT_DIFF_PARTS_H_
 
 #include <string>
 #include <vector>
@@ -23,4 +23,4 @@ std::vector<std::string> RemoveUnsharedParts(TComparedDocument& a, TComparedDocu
 
 }  // namespace NVORNQDX20
 
-#endif  // TOOLS_QDX_VERBS_DIFF_PARTS_H_
+#endif  // TOOLS_QDX_INPUT_DIFF_PARTS_H_

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Names in the record of a collection, which the verb collect writes and others read.
-#ifndef TOOLS_QDX_VERBS_RECORD_H_
-#define TOOLS_QDX_VERBS_RECORD_H_
+#ifndef TOOLS_QDX_INPUT_RECORD_H_
+#define TOOLS_QDX_INPUT_RECORD_H_
 
 namespace NVORNQDX20 {
 
@@ -14,4 +14,4 @@ inline constexpr const char* kPartsLeftOut = "PartsLeftOut";
 
 }  // namespace NVORNQDX20
 
-#endif  // TOOLS_QDX_VERBS_RECORD_H_
+#endif  // TOOLS_QDX_INPUT_RECORD_H_

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// The options with the limits of plug-ins, and the line that says who is being waited for.
-#ifndef TOOLS_QDX_VERBS_WORKER_OPTIONS_H_
-#define TOOLS_QDX_VERBS_WORKER_OPTIONS_H_
+#ifndef TOOLS_QDX_INPUT_WORKER_OPTIONS_H_
+#define TOOLS_QDX_INPUT_WORKER_OPTIONS_H_
 
 #include <qdxplugin_host/worker.h>
 
@@ -30,4 +30,4 @@ NPluginHost::TWaitCallback ShowWaiting();
 
 }  // namespace NVORNQDX20
 
-#endif  // TOOLS_QDX_VERBS_WORKER_OPTIONS_H_
+#endif  // TOOLS_QDX_INPUT_WORKER_OPTIONS_H_
