@@ -9,9 +9,11 @@
 #include <qdxmodel/type.h>
 
 #include <algorithm>
+#include <numeric>
 #include <tuple>
 #include <utility>
 
+#include "property_details.h"
 #include "volatile_names.h"
 
 namespace NVORNQDX20 {
@@ -31,21 +33,6 @@ bool HasQualifierDecl(const ICIMNamespace& ns, const char* name) {
   } catch (const TQDXException&) {
     return false;  // an exception means that there is none
   }
-}
-
-std::vector<TPropertySnapshot> PropertiesOf(const ICIMClass& cimClass,
-                                            const std::string& ownNamespace, bool marksVolatile) {
-  std::vector<TPropertySnapshot> properties;
-  for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
-    const std::string& name = decl->GetName();
-    const bool isVolatile = marksVolatile
-                                ? NModel::IsQualified(*decl, NDescribe::kVolatileQualifier)
-                                : HasVolatileName(name);
-    properties.push_back({name, NModel::TypeText(decl->GetType()), isKey, isVolatile,
-                          ToJSON(decl->GetDefaultValue(), ownNamespace)});
-  }
-  SortByName(properties);
-  return properties;
 }
 
 std::string PartOf(const ICIMClass& cimClass) {
@@ -154,15 +141,40 @@ void TSnapshotReader::ReadInstances(const TClass& cimClass,
   for (const auto& instance : instances) reader.Add(*instance);
 }
 
+std::vector<TPropertySnapshot> TSnapshotReader::PropertiesOf(const TClass& cimClass) const {
+  std::vector<TPropertySnapshot> properties;
+  for (const auto& [decl, isKey] : NModel::PropertiesOf(*cimClass)) {
+    const std::string& name = decl->GetName();
+    const bool isVolatile = fMarksVolatile
+                                ? NModel::IsQualified(*decl, NDescribe::kVolatileQualifier)
+                                : HasVolatileName(name);
+    properties.push_back({name, NModel::TypeText(decl->GetType()), isKey, isVolatile,
+                          ToJSON(decl->GetDefaultValue(), fNamespaceName)});
+  }
+  ReadPropertyDetails(cimClass, fDepth >= kValues, properties);
+  SortByName(properties);
+  return properties;
+}
+
 TClassSnapshot& TSnapshotReader::Add(const TClass& cimClass) {
   const TClass superclass = NModel::SuperclassOf(*cimClass);
   fClasses.push_back({cimClass->GetName({}),
                       superclass ? superclass->GetName({}) : "",
-                      PropertiesOf(*cimClass, fNamespaceName, fMarksVolatile),
+                      PropertiesOf(cimClass),
                       0,
                       {},
                       PartOf(*cimClass)});
   return fClasses.back();
+}
+
+std::vector<std::size_t> InOrderOfDeclaration(const TClassSnapshot& cimClass) {
+  const std::vector<TPropertySnapshot>& properties = cimClass.fProperties;
+  std::vector<std::size_t> indexes(properties.size());
+  std::iota(indexes.begin(), indexes.end(), std::size_t{0});
+  std::stable_sort(indexes.begin(), indexes.end(), [&properties](std::size_t a, std::size_t b) {
+    return properties[a].fPosition < properties[b].fPosition;
+  });
+  return indexes;
 }
 
 void SortSnapshot(std::vector<TClassSnapshot>& classes) {

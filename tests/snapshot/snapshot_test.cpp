@@ -75,5 +75,30 @@ TEST(Snapshot, GoesAsDeepAsItIsAskedToAndIsSorted) {
   }
 }
 
+TEST(Snapshot, HasWhatTheDeclarationsSay) {
+  const TNamespace ns = MakeNamespace();
+  NDescribe::TClassDeclaration base{"Base", {}, {{"Size", 0U}, {"Id", 0}}};
+  base.fProperties[0].fDescription = "How large it is.";
+  base.fProperties[0].fUnit = "byte";
+  base.fProperties[0].fEnumeration = {{0, "Empty"}};
+  base.fProperties[1].fIsKey = true;
+  base.fProperties[1].fSecret = NDescribe::ESecret::kSerial;
+  NDescribe::DeclareClass(*ns, base);
+  NDescribe::TClassDeclaration derived{"Derived", {}, {{"Able", true}, {"Size", 0U}}, "Base"};
+  derived.fProperties[1].fUnit = "bit";
+  NDescribe::DeclareClass(*ns, derived);
+
+  std::vector<TClassSnapshot> classes;
+  TSnapshotReader(*ns, kValues, classes).ReadAll();
+  ASSERT_EQ(classes.size(), 2U);
+  const auto& properties = classes[1].fProperties;
+  EXPECT_EQ(InOrderOfDeclaration(classes[1]), (std::vector<std::size_t>{2, 1, 0}));
+  EXPECT_EQ(properties[1].fSecret, "serial");
+  EXPECT_EQ(properties[2].fUnit, "bit");
+  EXPECT_EQ(properties[2].fDescription, "How large it is.");
+  ASSERT_EQ(properties[2].fValueNames.size(), 1U);
+  EXPECT_EQ(properties[2].fValueNames[0].second, "Empty");
+}
+
 }  // namespace
 }  // namespace NVORNQDX20

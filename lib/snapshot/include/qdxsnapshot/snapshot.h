@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <boost/shared_ptr.hpp>
@@ -16,12 +17,25 @@
 
 namespace NVORNQDX20 {
 
+/// What the order of the elements of an array means (DMTF DSP0004, qualifier ArrayType).
+enum class EArrayType { kBag, kOrdered, kIndexed };
+
 struct TPropertySnapshot {
   std::string fName;
   std::string fType;  ///< As in "uint8" or "string[]".
   bool fIsKey = false;
   bool fIsVolatile = false;  ///< Changes while nobody changes the machine.
   TJSON fDefault;
+  /// In the order of declaration: those of the topmost superclass come first.
+  std::size_t fPosition = 0;
+
+  // The rest is what the qualifiers say, read only down to kValues.
+  std::string fDescription = {};
+  std::string fUnit = {};  ///< A PUnit (DMTF DSP0004, annex C), such as "hertz * 10^6".
+  /// Pairs of ValueMap and Values. Without a ValueMap, the values have the numbers from 0.
+  std::vector<std::pair<std::string, std::string>> fValueNames = {};
+  EArrayType fArrayType = EArrayType::kBag;
+  std::string fSecret = {};  ///< What kind of secret the value is; empty for none.
 };
 
 struct TInstanceSnapshot {
@@ -59,6 +73,7 @@ class TSnapshotReader {
 
  private:
   TClassSnapshot& Add(const boost::shared_ptr<ICIMClass>& cimClass);
+  std::vector<TPropertySnapshot> PropertiesOf(const boost::shared_ptr<ICIMClass>& cimClass) const;
 
   const ICIMNamespace& fNamespace;
   const std::string fNamespaceName;
@@ -66,6 +81,9 @@ class TSnapshotReader {
   const EDepth fDepth;
   std::vector<TClassSnapshot>& fClasses;
 };
+
+/// Returns the indexes of the class's properties in the order of declaration.
+std::vector<std::size_t> InOrderOfDeclaration(const TClassSnapshot& cimClass);
 
 /// Sorts the classes by name, and the instances of each by path and values.
 void SortSnapshot(std::vector<TClassSnapshot>& classes);
