@@ -1,0 +1,304 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxdisplay/value_text.h>
+
+#include <qdxmodel/names.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <iterator>
+#include <optional>
+#include <string_view>
+#include <system_error>
+
+#include <qdxdisplay/quantity.h>
+
+namespace NVORNQDX20 {
+namespace {
+
+template <typename T>
+std::optional<T> Parsed(std::string_view text) {
+  T number{};
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  if (stop != end || error != std::errc()) return std::nullopt;
+  return number;
+}
+
+/// Returns the number in a value of a numeric property; those of 64 bits are texts.
+std::optional<long double> NumberIn(const TJSON& value) {
+  if (value.is_number_unsigned()) return static_cast<long double>(value.get<std::uint64_t>());
+  if (value.is_number_integer()) return static_cast<long double>(value.get<std::int64_t>());
+  if (value.is_number_float()) return static_cast<long double>(value.get<double>());
+  if (!value.is_string()) return std::nullopt;
+  const auto& text = value.get_ref<const std::string&>();
+  if (const auto number = Parsed<std::uint64_t>(text)) return static_cast<long double>(*number);
+  if (const auto number = Parsed<std::int64_t>(text)) return static_cast<long double>(*number);
+  return std::nullopt;
+}
+
+bool StartsWith(std::string_view text, std::string_view start) {
+  return text.substr(0, start.size()) == start;
+}
+
+bool EndsWith(std::string_view text, std::string_view end) {
+  return text.size() >= end.size() &&
+         NModel::EqualIgnoringCase(text.substr(text.size() - end.size()), end);
+}
+
+/// The type without "[]".
+std::string_view ElementType(const TPropertySnapshot& property) {
+  std::string_view type = property.fType;
+  return type.substr(0, type.find('['));
+}
+
+bool IsNumeric(const TPropertySnapshot& property) {
+  const std::string_view type = ElementType(property);
+  return StartsWith(type, "uint") || StartsWith(type, "sint") || StartsWith(type, "real");
+}
+
+/// Returns whether the number is in "8..15", "..15" or "8..", of which ".." is all others.
+bool IsInRange(long double number, std::string_view range) {
+  const std::size_t dots = range.find("..");
+  if (dots == std::string_view::npos || range.size() == 2) return false;
+  const std::string_view from = range.substr(0, dots);
+  const std::string_view to = range.substr(dots + 2);
+  const auto first = Parsed<std::int64_t>(from);
+  const auto last = Parsed<std::int64_t>(to);
+  if ((!first && !from.empty()) || (!last && !to.empty())) return false;
+  return (!first || number >= static_cast<long double>(*first)) &&
+         (!last || number <= static_cast<long double>(*last));
+}
+
+/// Returns the name that Values has for the value; null for none.
+const std::string* NameOf(const TJSON& value, const TPropertySnapshot& property) {
+  const auto& names = property.fValueNames;
+  const auto find = [&names](const auto& matches) -> const std::string* {
+    const auto found = std::find_if(names.begin(), names.end(), matches);
+    return found == names.end() ? nullptr : &found->second;
+  };
+  const std::string text = value.is_string() ? value.get<std::string>() : value.dump();
+  if (const auto* name = find([&text](const auto& each) { return each.first == text; })) {
+    return name;
+  }
+  const auto number = NumberIn(value);
+  if (!number || !IsNumeric(property)) return nullptr;
+  if (const auto* name =
+          find([&number](const auto& each) { return IsInRange(*number, each.first); })) {
+    return name;
+  }
+  return find([](const auto& each) { return each.first == ".."; });
+}
+
+bool AreDigits(std::string_view text) {
+  return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+/// "20040315143000.000000+060"; the offset is in minutes.
+std::optional<std::string> PointText(std::string_view text) {
+  const auto offset = Parsed<int>(text.substr(22));
+  if (!offset || (text[21] != '+' && text[21] != '-')) return std::nullopt;
+  std::string out(text.substr(0, 4));
+  static constexpr struct {
+    std::size_t fPosition;
+    char fBefore;
+  } kParts[] = {{4, '-'}, {6, '-'}, {8, ' '}, {10, ':'}, {12, ':'}};
+  for (const auto& [position, before] : kParts) {
+    out += before;
+    out += text.substr(position, 2);
+  }
+  std::string_view fraction = text.substr(15, 6);
+  fraction = fraction.substr(0, fraction.find_last_not_of('0') + 1);
+  if (!fraction.empty()) out.append(".").append(fraction);
+  const auto two = [](int number) { return (number < 10 ? "0" : "") + std::to_string(number); };
+  return out + " " + text[21] + two(*offset / 60) + ":" + two(*offset % 60);
+}
+
+/// "00000012030405.000000:000": days, hours, minutes, seconds.
+std::optional<std::string> IntervalText(std::string_view text) {
+  const auto part = [text](std::size_t start, std::size_t size) {
+    return static_cast<long double>(*Parsed<std::uint32_t>(text.substr(start, size)));
+  };
+  return FormatDuration(part(0, 8) * 86400 + part(8, 2) * 3600 + part(10, 2) * 60 + part(12, 2) +
+                        part(15, 6) / 1e6L);
+}
+
+/// None if some digits are unknown, "*".
+std::optional<std::string> DateTimeText(std::string_view text) {
+  const bool isComplete = text.size() == 25 && text[14] == '.' && AreDigits(text.substr(0, 14)) &&
+                          AreDigits(text.substr(15, 6)) && AreDigits(text.substr(22));
+  if (!isComplete) return std::nullopt;
+  return text[21] == ':' ? IntervalText(text) : PointText(text);
+}
+
+/// "525400123456", as the DMTF writes addresses of ports.
+std::optional<std::string> PortAddressText(const std::string& text) {
+  constexpr std::size_t kMAC = 12;
+  constexpr std::size_t kEUI64 = 16;
+  const bool isHex = text.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
+  if (!isHex || (text.size() != kMAC && text.size() != kEUI64)) return std::nullopt;
+  std::string address;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (i != 0 && i % 2 == 0) address += ':';
+    address += NModel::Lower(text[i]);
+  }
+  return address;
+}
+
+bool IsPortAddress(const TPropertySnapshot& property) {
+  return EndsWith(property.fName, "Address") || EndsWith(property.fName, "Addresses");
+}
+
+/// The numbers by which PCI and USB know makers and products, and where their names are.
+struct TBusID {
+  const char* fNumber;
+  const char* fName;
+};
+constexpr TBusID kBusIDs[] = {{"VendorID", "VendorName"},
+                              {"PCIDeviceID", "DeviceName"},
+                              {"SubsystemVendorID", "SubsystemVendorName"},
+                              {"SubsystemID", "SubsystemName"},
+                              {"ProductID", "ProductName"}};
+
+const TBusID* BusIDOf(const TPropertySnapshot& property) {
+  if (property.fType != "uint16") return nullptr;
+  const auto found =
+      std::find_if(std::begin(kBusIDs), std::end(kBusIDs), [&property](const TBusID& id) {
+        return NModel::EqualIgnoringCase(id.fNumber, property.fName);
+      });
+  return found == std::end(kBusIDs) ? nullptr : found;
+}
+
+std::string HexText(const TJSON& value) {
+  char text[sizeof("ffff")];
+  const auto [end, error] =
+      std::to_chars(text, std::end(text), value.is_number() ? value.get<std::uint16_t>() : 0, 16);
+  const std::string digits(text, end);
+  return std::string(4 - std::min<std::size_t>(4, digits.size()), '0') + digits;
+}
+
+std::string TextOfText(const std::string& text, const TJSON& value,
+                       const TPropertySnapshot& property) {
+  if (ElementType(property) == "datetime") {
+    return DateTimeText(text).value_or(PlainText(value));
+  }
+  if (ElementType(property) == "string" && IsPortAddress(property)) {
+    return PortAddressText(text).value_or(PlainText(value));
+  }
+  return PlainText(value);
+}
+
+std::string ScalarText(const TJSON& value, const TPropertySnapshot& property) {
+  if (value.is_null()) return PlainText(value);
+  if (const std::string* const name = NameOf(value, property)) {
+    const std::string plain = PlainText(value);
+    return *name == plain || name->empty() ? plain : plain + " (" + *name + ")";
+  }
+  if (IsNumeric(property)) {
+    const auto number = property.fUnit.empty() ? std::nullopt : NumberIn(value);
+    if (number) return FormatQuantity(*number, property.fUnit);
+    return BusIDOf(property) != nullptr && value.is_number() ? HexText(value) : PlainText(value);
+  }
+  return value.is_string() ? TextOfText(value.get_ref<const std::string&>(), value, property)
+                           : PlainText(value);
+}
+
+/// Finds a value of the instance by the name of its property; null if the class has none.
+const TJSON* ValueNamed(const TClassSnapshot& cimClass, const TInstanceSnapshot& instance,
+                        const char* name) {
+  const auto& properties = cimClass.fProperties;
+  for (std::size_t i = 0; i < properties.size(); ++i) {
+    if (NModel::EqualIgnoringCase(properties[i].fName, name)) return &instance.fValues[i];
+  }
+  return nullptr;
+}
+
+/// The PUnits of the numbers that BaseUnits of a sensor can have; the other numbers have none.
+struct TBaseUnit {
+  int fNumber;
+  const char* fUnit;
+};
+constexpr TBaseUnit kBaseUnits[] = {{2, "degree celsius"},
+                                    {3, "degree fahrenheit"},
+                                    {4, "kelvin"},
+                                    {5, "volt"},
+                                    {6, "ampere"},
+                                    {7, "watt"},
+                                    {8, "joule"},
+                                    {10, "volt * ampere"},
+                                    {12, "lumen"},
+                                    {15, "pascal * 10^3"},
+                                    {19, "revolution / minute"},
+                                    {20, "hertz"},
+                                    {21, "second"},
+                                    {22, "minute"},
+                                    {23, "hour"},
+                                    {24, "day"},
+                                    {27, "inch"},
+                                    {31, "meter"},
+                                    {65, "percent"}};
+
+/// Returns whether the number is in the units of the sensor that has it.
+bool IsReading(const TPropertySnapshot& property) {
+  static constexpr const char* kEnds[] = {"Reading",    "NonCritical", "Critical",
+                                          "Fatal",      "NormalMax",   "NormalMin",
+                                          "Hysteresis", "MaxReadable", "MinReadable"};
+  return IsNumeric(property) && property.fUnit.empty() && property.fValueNames.empty() &&
+         std::any_of(std::begin(kEnds), std::end(kEnds),
+                     [&property](const char* end) { return EndsWith(property.fName, end); });
+}
+
+/// Returns the unit of the readings of a sensor as a PUnit; empty if it has none.
+std::string UnitOfReadings(const TClassSnapshot& cimClass, const TInstanceSnapshot& instance) {
+  const TJSON* const base = ValueNamed(cimClass, instance, "BaseUnits");
+  const TJSON* const modifier = ValueNamed(cimClass, instance, "UnitModifier");
+  const TJSON* const rate = ValueNamed(cimClass, instance, "RateUnits");
+  const bool isRate = rate != nullptr && !rate->is_null() && *rate != 0;
+  if (base == nullptr || isRate) return "";
+  const auto found = std::find_if(std::begin(kBaseUnits), std::end(kBaseUnits),
+                                  [base](const TBaseUnit& each) { return *base == each.fNumber; });
+  if (found == std::end(kBaseUnits)) return "";
+  const bool isModified = modifier != nullptr && modifier->is_number_integer();
+  return found->fUnit + (isModified ? " * 10^" + modifier->dump() : "");
+}
+
+}  // namespace
+
+std::string TextForPeople(const TJSON& value, const TPropertySnapshot& property) {
+  if (!value.is_array()) return ScalarText(value, property);
+  TJSON texts = TJSON::array();
+  for (const TJSON& element : value) {
+    // A text is put in quotes by PlainText() if it needs them.
+    const bool isText = element.is_string() && ElementType(property) == "string";
+    const std::string text = ScalarText(element, property);
+    texts.push_back(isText && text == PlainText(element) ? element : TJSON(text));
+  }
+  return PlainText(texts);
+}
+
+std::string TextForPeople(const TClassSnapshot& cimClass, const TInstanceSnapshot& instance,
+                          std::size_t property) {
+  const TPropertySnapshot& declared = cimClass.fProperties[property];
+  const TJSON& value = instance.fValues[property];
+  if (IsReading(declared) && value.is_number()) {
+    const std::string unit = UnitOfReadings(cimClass, instance);
+    if (!unit.empty()) return FormatQuantity(*NumberIn(value), unit);
+  }
+  std::string text = TextForPeople(value, declared);
+  const TBusID* const id = BusIDOf(declared);
+  const TJSON* const name = id == nullptr ? nullptr : ValueNamed(cimClass, instance, id->fName);
+  if (name != nullptr && name->is_string() && !value.is_null())
+    text += " (" + PlainText(*name) + ")";
+  return text;
+}
+
+std::pair<std::string, std::string> DistinctTexts(const TJSON& one, const TJSON& other,
+                                                  const TPropertySnapshot& property) {
+  std::pair<std::string, std::string> texts(TextForPeople(one, property),
+                                            TextForPeople(other, property));
+  if (texts.first == texts.second) texts = {PlainText(one), PlainText(other)};
+  return texts;
+}
+
+}  // namespace NVORNQDX20
