@@ -43,11 +43,11 @@ const struct {
   std::string fDocument;
   const char* fReason;
 } kBad[] = {
-    {"", "1:1 no element found"},
-    {"<CIM>\n  <DECLARATION>", "2:16 no element found"},
+    {"", "1:1 the file is empty"},
+    {"<CIM>\n  <DECLARATION>", "2:16 the document ends too early"},
     {WithValue("string", "\x01"), "3:127 not well-formed (invalid token)"},
-    {"<html/>", "1:1 unknown element \"html\""},
-    {"<CLASS/>", "1:1 no CIM-XML document"},
+    {"<html/>", "1:1 no CIM-XML document: it begins with element \"html\""},
+    {"<CLASS/>", "1:1 no CIM-XML document: it begins with element \"CLASS\""},
     {"<CIM>\n<CLASS NAME='C'/></CIM>", "2:1 <CLASS> holds nothing of a namespace"},
     // Entities: nested ones, one from elsewhere, one that nothing declares.
     {"<!DOCTYPE CIM [<!ENTITY a 'a'><!ENTITY b '&a;'>]><CIM>&b;</CIM>", "1:27 declares an entity"},

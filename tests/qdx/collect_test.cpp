@@ -178,8 +178,6 @@ TEST_F(QDXCollect, WritesNothingWhereNothingIsCollected) {
 
 TEST_F(QDXCollect, LeavesWhatWasThereWhereItCannotWrite) {
   const std::pair<std::string, std::string> rows[] = {
-      {"\"$0\" collect -o no/x.xml", "writing no/x.xml: No such file or directory\n"},
-      {"\"$0\" collect -o /dev/full", "writing document /dev/full: No space left on device\n"},
       // With room for what the provider delivers, but not for the record as well.
       {"\"$0\" collect -o x.xml >x; n=$(stat -c %s x.xml); rm x; echo old >x.xml; "
        "ulimit -f $((n / 1024 - 1)); \"$0\" collect -o x.xml; s=$?; grep -q old * && rm x.xml; "
@@ -187,9 +185,7 @@ TEST_F(QDXCollect, LeavesWhatWasThereWhereItCannotWrite) {
        "writing document x.xml: File too large\n"},
       {"ln -s no x; trap 'rm x' EXIT; \"$0\" collect -ox",
        "following link x: No such file or directory\n"},
-      {"\"$0\" collect --consumer none -o x.xml", "loading consumer /"},
-      {"\"$0\" collect --provider none", "looking for provider none: no plug-in "},
-      {"\"$0\" collect --only disks,x", "looking for part x: no provider has it; the parts are "}};
+      {"\"$0\" collect --consumer none -o x.xml", "loading consumer /"}};
   for (const auto& [script, error] : rows) {
     const TProgramRun run = RunScript(script);
     EXPECT_EQ(run.fExitCode, 4) << script;

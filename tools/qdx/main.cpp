@@ -15,6 +15,8 @@
 #include <system_error>
 #include <vector>
 
+#include <boost/algorithm/string/join.hpp>
+
 #include "cli/arguments.h"
 #include "cli/failure.h"
 #include "cli/log_file.h"
@@ -39,7 +41,9 @@ ILogger::EQDXLogSeverity SeverityNamed(const std::string& name) {
   // In the order of the severities.
   const std::vector<std::string> names = {"error", "warning", "status", "debug", "verbose"};
   const auto found = std::find(names.begin(), names.end(), name);
-  if (found == names.end()) FailOnUsage("unknown log level '" + name + "'");
+  if (found == names.end()) {
+    FailOnUsage("unknown log level '" + name + "', none of " + boost::algorithm::join(names, ", "));
+  }
   return static_cast<ILogger::EQDXLogSeverity>(found - names.begin());
 }
 
@@ -74,7 +78,7 @@ EExitCode RunHelp(const std::vector<std::string>& operands) {
   return kExitDone;
 }
 
-EExitCode RunVerb(const TVerb& verb, TArguments arguments, TLog& log) {
+void CheckUsage(const TVerb& verb, const TArguments& arguments) {
   const std::vector<TOptionSpec> options = OptionsOf(verb);
   for (const auto& [name, values] : arguments.fOptions) {
     const auto has = [&name = name](const TOptionSpec& option) { return name == option.fName; };
@@ -82,10 +86,19 @@ EExitCode RunVerb(const TVerb& verb, TArguments arguments, TLog& log) {
       FailOnUsage(std::string(verb.fName) + " has no option '--" + name + "'");
     }
   }
-  arguments.fOperands.erase(arguments.fOperands.begin());  // the verb itself
   CheckOperands(verb.fName, verb.fOperands, arguments.fOperands);
-  log = OpenLog(arguments);
-  return verb.fRun(arguments);
+}
+
+EExitCode RunVerb(const TVerb& verb, TArguments arguments, TLog& log) {
+  arguments.fOperands.erase(arguments.fOperands.begin());  // the verb itself
+  try {
+    CheckUsage(verb, arguments);
+    log = OpenLog(arguments);
+    return verb.fRun(arguments);
+  } catch (TCommandFailure& failure) {
+    failure.SetVerb(verb.fName);
+    throw;
+  }
 }
 
 /// Runs the command line `words`, which excludes the program's name. Throws a TCommandFailure, or

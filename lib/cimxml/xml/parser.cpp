@@ -166,6 +166,7 @@ class TParser {
   }
 
   bool Feed();
+  std::string WhyRefused(bool isAtEnd) const;
   void Start(const XML_Char* name, const XML_Char** attributes);
   void End();
   void Text(std::string_view text);
@@ -204,7 +205,7 @@ bool TParser::Feed() {
   const XML_Status status = XML_ParseBuffer(fParser.get(), static_cast<int>(length), last);
   if (fFailure) std::rethrow_exception(fFailure);
   if (status != XML_STATUS_OK) {
-    throw TDocumentError(XML_ErrorString(XML_GetErrorCode(fParser.get())));
+    throw TDocumentError(WhyRefused(last));
   }
   // expat buffers an unfinished tag or comment.
   fFed += length;
@@ -212,6 +213,14 @@ bool TParser::Feed() {
   if (!last && fFed - done > kMaxTagBytes)
     throw TDocumentError("a tag or a comment is longer than " + InMiB(kMaxTagBytes));
   return !last;
+}
+
+/// Says what an error of expat means for who has the file.
+std::string TParser::WhyRefused(bool isAtEnd) const {
+  if (isAtEnd && fFed == 0) return "the file is empty";
+  if (isAtEnd && !fContainers.empty()) return "the document ends too early";
+  const std::string reason = XML_ErrorString(XML_GetErrorCode(fParser.get()));
+  return fContainers.empty() ? "no XML document: " + reason : reason;
 }
 
 void TParser::Start(const XML_Char* name, const XML_Char** attributes) {
@@ -237,7 +246,9 @@ bool TParser::StartContainer(const TElement& element) {
     fSink.BeginContainer(element, container->fGroup == EGroup::kGroup);
     return true;
   }
-  if (parent == nullptr) element.Refuse("no CIM-XML document");
+  if (parent == nullptr) {
+    element.Refuse("no CIM-XML document: it begins with element " + Shown(element.fName));
+  }
   if (parent->fHolds == EHolds::kNoObjects) {
     element.Refuse("<" + std::string(element.fName) + "> holds nothing of a namespace");
   }
@@ -290,7 +301,11 @@ TElement TParser::MakeElement(const XML_Char* name, const XML_Char** attributes)
   TElement element;
   element.fName = KnownElement(name);
   element.fPosition = Position();
-  if (element.fName.empty()) element.Refuse("unknown element " + Shown(name));
+  if (element.fName.empty()) {
+    const bool isFirst = fContainers.empty() && fOpen.empty();
+    element.Refuse(isFirst ? "no CIM-XML document: it begins with element " + Shown(name)
+                           : "unknown element " + Shown(name));
+  }
   std::size_t count = 0;
   for (; *attributes != nullptr; attributes += 2) {
     if (++count > kMaxAttributes)

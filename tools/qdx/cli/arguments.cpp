@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "arguments.h"
 
+#include <qdxmodel/nearest_name.h>
+
 #include <algorithm>
 
 #include "failure.h"
@@ -16,7 +18,12 @@ const TOptionSpec& FindOption(const std::vector<TOptionSpec>& options, const std
         const bool isLetter = option.fLetter != '\0' && word == std::string("-") + option.fLetter;
         return isLetter || word == std::string("--") + option.fName;
       });
-  if (found == options.end()) FailOnUsage("unknown option '" + word + "'");
+  if (found == options.end()) {
+    TWords known;
+    known.reserve(options.size());
+    for (const TOptionSpec& option : options) known.push_back(std::string("--") + option.fName);
+    FailOnUsage("unknown option '" + word + "'" + NModel::SuggestedName(word, known));
+  }
   return *found;
 }
 

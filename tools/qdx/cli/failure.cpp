@@ -44,12 +44,14 @@ void TCommandFailure::Print() const {
   if (fFailure) {
     PrintAndLog(line, fFailure->GetStatusCode());
   } else if (!line.empty()) {
-    PrintError(line);
+    const char* const end = line.back() == '?' ? " " : ". ";
+    const std::string help = fVerb.empty() ? "qdx --help" : "qdx help " + fVerb;
+    PrintError(line + end + "Try '" + help + "'.");
   }
 }
 
 void FailOnUsage(const std::string& mistake) {
-  throw TCommandFailure(kExitUsage, mistake + ". Try 'qdx --help'.");
+  throw TCommandFailure(TCommandFailure::TMistake{mistake});
 }
 
 }  // namespace NVORNQDX20

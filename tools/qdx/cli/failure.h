@@ -23,7 +23,8 @@ void PrintFailure(const std::string& action, const TExplainedException& failure)
 /// Writes "qdx: " and the line to standard error.
 void PrintError(const std::string& line);
 
-/// Ends the command with kExitUsage and a line with the mistake and how to get help.
+/// Ends the command with kExitUsage and a line with the mistake and how to get help: about the
+/// verb, if TCommandFailure::SetVerb() names it.
 [[noreturn]] void FailOnUsage(const std::string& mistake);
 
 /// Ends the command with this exit status.
@@ -32,6 +33,9 @@ class TCommandFailure : public std::runtime_error, public TPassedOn {
   TCommandFailure(EExitCode code, const std::string& action, const TExplainedException& failure);
   /// Prints nothing: the reason has been printed already, or the reader of the output has gone.
   explicit TCommandFailure(EExitCode code) : std::runtime_error(""), fExitCode(code) {}
+
+  /// Names the verb whose usage is wrong. Changes nothing for another failure.
+  void SetVerb(const std::string& verb) { fVerb = verb; }
 
   EExitCode GetExitCode() const { return fExitCode; }
   const std::string& GetAction() const { return fAction; }
@@ -42,11 +46,15 @@ class TCommandFailure : public std::runtime_error, public TPassedOn {
 
  private:
   friend void FailOnUsage(const std::string& mistake);
-  TCommandFailure(EExitCode code, const std::string& line)
-      : std::runtime_error(line), fExitCode(code) {}
+  struct TMistake {
+    std::string fText;
+  };
+  explicit TCommandFailure(const TMistake& mistake)
+      : std::runtime_error(mistake.fText), fExitCode(kExitUsage) {}
 
   EExitCode fExitCode;
   std::string fAction;
+  std::string fVerb;
   std::optional<TExplainedException> fFailure;
 };
 

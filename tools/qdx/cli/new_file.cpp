@@ -46,6 +46,12 @@ void RemoveOnSignals() {
   throw TCommandFailure(kExitBadInput, "writing " + shownAs, {kQDXStatusFileSystemError, why});
 }
 
+std::string WhyNotCreated(int error) {
+  if (error == ENOENT) return "its folder does not exist";
+  if (error == EACCES) return "no permission to create a file in its folder";
+  return ErrorText(error);
+}
+
 /// Writes the new directory entry to the disk, so that it survives a power failure. Errors are
 /// ignored, for example in a folder without read permission: the file is in place anyway.
 void SyncFolderOf(const std::string& path) {
@@ -74,7 +80,7 @@ TNewFile::TNewFile(const std::string& folder, const std::string& suffix,
   // mkostemp fills in the handler's path, so that a signal never leaves a file behind.
   *std::copy(pattern.begin(), pattern.end(), gPath) = '\0';
   fDescriptor = TDescriptor(::mkostemps(gPath, static_cast<int>(suffix.size()), O_CLOEXEC));
-  if (!fDescriptor.IsOpen()) FailToWrite(shownAs, ErrorText(fDescriptor.GetError()));
+  if (!fDescriptor.IsOpen()) FailToWrite(shownAs, WhyNotCreated(fDescriptor.GetError()));
   fPath = gPath;
 }
 

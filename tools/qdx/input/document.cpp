@@ -4,9 +4,11 @@
 #include <qdxcimxml/document_reader.h>
 #include <qdxcore/logger.h>
 
+#include <cerrno>
 #include <utility>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <boost/algorithm/string/replace.hpp>
 
@@ -23,7 +25,7 @@ const char* const kService = "cimxml";
 NCIMXML::TReadingLimits ReadingLimitsOf(const TArguments& arguments) {
   NCIMXML::TReadingLimits limits;
   limits.fHowToRaise = "--memory sets another limit";
-  if (arguments.Has("memory")) limits.fMemory = BytesOf(arguments.Get("memory", ""));
+  if (arguments.Has("memory")) limits.fMemory = BytesOf(arguments, "memory");
   return limits;
 }
 
@@ -40,10 +42,22 @@ TNamespaces NamespacesOf(TRepositoryProvider& document) {
   return namespaces;
 }
 
+/// Returns what the operator can do about a file that cannot be read; empty if that is plain.
+std::string RemedyFor(const std::string& file) {
+  if (file == "-") return "";
+  struct stat status {};
+  if (::stat(file.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
+    return "; --root describes the machine whose files are in a folder";
+  }
+  const bool isForbidden = ::access(file.c_str(), R_OK) != 0 && errno == EACCES;
+  return isForbidden ? "; read it as its owner or as root" : "";
+}
+
 [[noreturn]] void FailToRead(const std::string& file, const TExplainedException& failure) {
   const std::string shownAs = ShownAs(file);
+  const auto why = WithoutName(WithoutName(failure, kService), shownAs);
   throw TCommandFailure(kExitBadInput, "reading document " + shownAs,
-                        WithoutName(WithoutName(failure, kService), shownAs));
+                        {why.GetStatusCode(), why.GetReason() + RemedyFor(file)});
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <qdxcore/schema_helper.h>
 #include <qdxmodel/classes.h>
 #include <qdxmodel/names.h>
+#include <qdxmodel/nearest_name.h>
 #include <qdxsystem/error_text.h>
 
 #include <algorithm>
@@ -204,8 +205,9 @@ void TMachine::CheckParts(const TAnswers& answers) const {
       throw TCommandFailure(
           kExitBadInput, "looking for part " + name,
           {kQDXStatusNotFound, known.empty() ? "no provider has parts"
-                                             : "no provider has it; the parts are " +
-                                                   boost::algorithm::join(known, ", ")});
+                                             : "no provider has it, only " +
+                                                   boost::algorithm::join(known, ", ") +
+                                                   NModel::SuggestedName(name, known)});
     }
   }
 }

@@ -23,13 +23,14 @@ constexpr bool kIsSanitized = true;
 constexpr bool kIsSanitized = false;
 #endif
 
-/// Parses a number from 1 to the largest that the type can hold; `what` begins with the unit.
+/// Parses the value of an option: a number from 1 to the largest that the type can hold; `what`
+/// begins with the unit.
 template <typename TNumber>
-TNumber NumberOf(const std::string& text, const std::string& what) {
+TNumber NumberOf(const std::string& text, const char* option, const std::string& what) {
   TNumber number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error != std::errc() || end != text.data() + text.size() || number == 0) {
-    FailOnUsage("'" + text + "' is not a number of " + what);
+    FailOnUsage(std::string("--") + option + " is '" + text + "', not a number of " + what);
   }
   return number;
 }
@@ -65,20 +66,22 @@ std::vector<TOptionSpec> WorkerOptions() {
   };
 }
 
-std::uint64_t BytesOf(const std::string& mebibytes) {
+std::uint64_t BytesOf(const TArguments& arguments, const char* option) {
   const std::string what = "MiB from 1 to 4294967295";
-  return std::uint64_t{NumberOf<std::uint32_t>(mebibytes, what)} << 20U;
+  return std::uint64_t{NumberOf<std::uint32_t>(arguments.Get(option, ""), option, what)} << 20U;
 }
 
-std::chrono::seconds SecondsOf(const std::string& text) {
-  return std::chrono::seconds(NumberOf<std::uint16_t>(text, "seconds from 1 to 65535"));
+std::chrono::seconds SecondsOf(const TArguments& arguments, const char* option,
+                               const std::string& defaultValue) {
+  const std::string text = arguments.Get(option, defaultValue);
+  return std::chrono::seconds(NumberOf<std::uint16_t>(text, option, "seconds from 1 to 65535"));
 }
 
 NPluginHost::TWorkerLimits LimitsOf(const TArguments& arguments) {
   NPluginHost::TWorkerLimits limits;
-  if (arguments.Has("timeout")) limits.fTime = SecondsOf(arguments.Get("timeout", ""));
-  if (arguments.Has("memory")) limits.fMemory = BytesOf(arguments.Get("memory", ""));
-  if (arguments.Has("delivery")) limits.fDelivery = BytesOf(arguments.Get("delivery", ""));
+  if (arguments.Has("timeout")) limits.fTime = SecondsOf(arguments, "timeout", "");
+  if (arguments.Has("memory")) limits.fMemory = BytesOf(arguments, "memory");
+  if (arguments.Has("delivery")) limits.fDelivery = BytesOf(arguments, "delivery");
   if (kIsSanitized) limits.fMemory = 0;
   if (arguments.Has("user")) limits.fUser = UserNamed(arguments.Get("user", ""));
   return limits;

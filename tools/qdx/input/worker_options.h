@@ -19,11 +19,14 @@ std::vector<TOptionSpec> WorkerOptions();
 /// Returns the limits that they set. Throws a TCommandFailure for a bad value.
 NPluginHost::TWorkerLimits LimitsOf(const TArguments& arguments);
 
-/// Parses a number of MiB from 1 to 4294967295. Throws a TCommandFailure for anything else.
-std::uint64_t BytesOf(const std::string& mebibytes);
+/// Returns the value of an option in bytes. Throws a TCommandFailure unless it is a number of MiB
+/// from 1 to 4294967295.
+std::uint64_t BytesOf(const TArguments& arguments, const char* option);
 
-/// Parses a number of seconds from 1 to 65535. Throws a TCommandFailure for anything else.
-std::chrono::seconds SecondsOf(const std::string& text);
+/// Returns the value of an option. Throws a TCommandFailure unless it is a number of seconds from 1
+/// to 65535.
+std::chrono::seconds SecondsOf(const TArguments& arguments, const char* option,
+                               const std::string& defaultValue);
 
 /// Returns a function that shows on a terminal, after a second, who is being waited for.
 NPluginHost::TWaitCallback ShowWaiting();

@@ -46,7 +46,7 @@ const TOptionSpec kTimeoutOption = {"timeout", "SECONDS",
 }
 
 std::chrono::seconds TimeoutOf(const TArguments& arguments) {
-  return SecondsOf(arguments.Get(kTimeoutOption.fName, kDefaultTimeout));
+  return SecondsOf(arguments, kTimeoutOption.fName, kDefaultTimeout);
 }
 
 /// Shortens a message of the core: removes the name of the operation, which means nothing to an

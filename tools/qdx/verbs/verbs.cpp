@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "verbs.h"
 
+#include <qdxmodel/nearest_name.h>
+
 #include "cli/failure.h"
 #include "cli/terminal.h"
 
@@ -61,14 +63,16 @@ const TVerb& FindVerb(const std::string& name) {
   for (const TVerb& verb : AllVerbs()) {
     if (name == verb.fName) return verb;
   }
-  FailOnUsage("unknown verb '" + name + "'");
+  std::vector<std::string> known = {"help"};
+  for (const TVerb& verb : AllVerbs()) known.emplace_back(verb.fName);
+  FailOnUsage("unknown verb '" + name + "'" + NModel::SuggestedName(name, known));
 }
 
 const std::vector<TOptionSpec>& CommonOptions() {
   static const std::vector<TOptionSpec> options = {
       {"log", "FILE", "Write a log to FILE, which is truncated first."},
       {"log-level", "LEVEL", "Log error, warning, status (the default), debug or verbose."},
-      {"help", nullptr, "Print help for the verb, and exit."},
+      {"help", nullptr, "Print help for the verb, and exit.", 'h'},
       {"version", nullptr, "Print the version, and exit."}};
   return options;
 }
