@@ -45,7 +45,6 @@ struct TMember {
 /// A class that is written, or is being written while what it needs is written before it.
 struct TWrittenClass {
   std::optional<std::uint64_t> fNumber = {};
-  std::size_t fDepth = 1;
   std::vector<TMember> fMembers = {};  // by position
   NModel::TNameMap<std::size_t> fPositions = {};
 

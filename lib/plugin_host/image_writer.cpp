@@ -10,6 +10,7 @@
 #include <qdxrepository/repository.h>
 
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <memory>
 #include <optional>
@@ -126,6 +127,16 @@ class TImageWriter {
     }
   }
 
+  /// A class can be its own superclass.
+  static void RequireShallow(const TClass& cimClass) {
+    TClass above = cimClass;
+    for (std::size_t i = 0; i < kMaxImageDepth && above; ++i) above = NModel::SuperclassOf(*above);
+    if (!above) return;
+    throw TExplainedException(kQDXStatusInvalidClass,
+                              "class " + cimClass->GetName({}) + " has more than " +
+                                  std::to_string(kMaxImageDepth - 1) + " superclasses");
+  }
+
   /// Returns the class after writing it if it is not written yet, with all that it needs before it.
   const TWrittenClass& Written(const TClass& named) {
     const std::string name = named->GetName({});
@@ -141,18 +152,13 @@ class TImageWriter {
                                 "class " + name + " needs class " + fDeclaring.back() +
                                     ", which needs it, to be declared first");
     }
+    RequireShallow(cimClass);
     fDeclaring.push_back(name);
     const TClass superclass = NModel::SuperclassOf(*cimClass);
     if (superclass) {
       const TWrittenClass& above = Written(superclass);
-      written.fDepth = above.fDepth + 1;
       written.fMembers = above.fMembers;
       written.fPositions = above.fPositions;
-    }
-    if (written.fDepth > kMaxImageDepth) {
-      throw TExplainedException(kQDXStatusInvalidClass, "class " + name + " has more than " +
-                                                            std::to_string(kMaxImageDepth - 1) +
-                                                            " superclasses");
     }
     for (const auto& [decl, isKey] : NModel::PropertiesOf(*cimClass)) {
       written.Add({decl->GetName(), decl->GetType(), isKey});
@@ -253,13 +259,15 @@ class TImageWriter {
     }
   }
 
-  /// Returns null if another namespace has no such key, or needs the class for itself.
+  /// Returns null if another namespace has no such key, or needs the class for itself, or if so
+  /// many are being written that the stack may end.
   const TWrittenClass* Written(std::uint64_t ns, const TCIMReferenceImpl& reference,
                                const ICIMClass& cimClass) {
     const std::string& name = cimClass.GetName({});
     if (const auto found = fClasses[ns].find(name); found != fClasses[ns].end()) {
       return found->second->fNumber ? found->second.get() : nullptr;
     }
+    if (fOthersDepth >= kMaxImageDepth) return nullptr;
     TWrittenClass& written =
         *fClasses[ns].emplace(name, std::make_unique<TWrittenClass>()).first->second;
     // Of the references of a class in another namespace only the keys, and what is used as one.
@@ -271,31 +279,47 @@ class TImageWriter {
       written.Add({decl->GetName(), decl->GetType(), isKey});
       properties.emplace_back(written.fMembers.back(), decl->GetDefaultValue());
     }
-    std::string list;
+    // First what the class needs, which takes numbers before its own.
+    ++fOthersDepth;
     for (const auto& [member, value] : properties) {
-      PutText(list, member.fName);
-      PutNumber(list, member.fType);
       const TClass target = value.GetReferencedClass();
-      const TWrittenClass* const referred =
-          target ? Written(ns, TCIMReferenceImpl(fNoReference, nullptr, {}), *target) : nullptr;
-      list += static_cast<char>(referred != nullptr ? kNullReference : kNull);
-      if (referred != nullptr) PutNumber(list, *referred->fNumber + 1);
-      PutNumber(list, member.fIsKey ? 1 : 0);
-      if (!member.fIsKey) continue;
-      PutNumber(list, NumberOfKey(ns));
-      PutContent(list, TCIMValue(true), TType::kCIMTypeBoolean, name);
+      if (target) (void)Written(ns, TCIMReferenceImpl(fNoReference, nullptr, {}), *target);
+      if (member.fIsKey) (void)NumberOfKey(ns);
     }
+    --fOthersDepth;
     std::string record(1, static_cast<char>(kClass));
     PutNumber(record, ns);
     PutText(record, name);
     PutNumber(record, 0);
     PutNumber(record, 0);
     PutNumber(record, properties.size());
-    record += list;
+    for (const auto& [member, value] : properties) {
+      PutText(record, member.fName);
+      PutNumber(record, member.fType);
+      PutOtherDefault(record, ns, value);
+      PutNumber(record, member.fIsKey ? 1 : 0);
+      if (!member.fIsKey) continue;
+      PutNumber(record, NumberOfKey(ns));
+      PutContent(record, TCIMValue(true), TType::kCIMTypeBoolean, name);
+    }
     PutNumber(record, 0);
     Append(record);
     written.fNumber = fClassCount++;
     return &written;
+  }
+
+  /// The default of a property of a class in another namespace, which gets the next number. A
+  /// reference has to name a class: that one if its own is not there.
+  void PutOtherDefault(std::string& record, std::uint64_t ns, const TCIMValue& value) {
+    if (!value.IsReference()) {
+      record += static_cast<char>(kNull);
+      return;
+    }
+    const TClass target = value.GetReferencedClass();
+    const auto found = target ? fClasses[ns].find(target->GetName({})) : fClasses[ns].end();
+    const bool isThere = found != fClasses[ns].end() && found->second->fNumber;
+    record += static_cast<char>(kNullReference);
+    PutNumber(record, (isThere ? *found->second->fNumber : fClassCount) + 1);
   }
 
   void PutValue(std::string& out, const TCIMValue& value, const std::string& where) {
@@ -352,19 +376,28 @@ class TImageWriter {
   }
 
   /// Returns whether the class cannot be written now: it, or a superclass, is being written, and
-  /// needs what is being written last.
+  /// needs what is being written last; or so many are being written that the stack may end.
   bool IsWaitedFor(const ICIMClass& target) const {
     if (IsBeingDeclared(target)) return false;
     const auto found = fClasses[0].find(target.GetName({}));
     if (found != fClasses[0].end()) return !found->second->fNumber;
-    const TClass superclass = NModel::SuperclassOf(target);
-    return superclass && (IsBeingDeclared(*superclass) || IsWaitedFor(*superclass));
+    if (fDeclaring.size() >= kMaxImageDepth) return true;
+    TClass superclass = NModel::SuperclassOf(target);
+    for (std::size_t i = 0; i < kMaxImageDepth && superclass; ++i) {
+      if (IsBeingDeclared(*superclass)) return true;
+      const auto above = fClasses[0].find(superclass->GetName({}));
+      if (above != fClasses[0].end()) return !above->second->fNumber;
+      superclass = NModel::SuperclassOf(*superclass);
+    }
+    return false;
   }
 
-  /// Until then such properties refer to their own class.
+  /// Until then such properties refer to their own class. To write one may write other classes, and
+  /// add to the late defaults.
   void WriteLateDefaults() {
-    const std::vector<TLateDefault> defaults = std::exchange(fLateDefaults, {});
-    for (const auto& [number, decl] : defaults) {
+    if (std::exchange(fWritesLateDefaults, true)) return;
+    for (; !fLateDefaults.empty(); fLateDefaults.pop_front()) {
+      const auto [number, decl] = fLateDefaults.front();
       const TWrittenClass& written = *fClasses[0].at(fOwnNames.at(number));
       std::string record(1, static_cast<char>(kLateDefault));
       PutNumber(record, number);
@@ -373,6 +406,7 @@ class TImageWriter {
       PutContent(record, decl->GetDefaultValue(), TType::kCIMTypeReference, decl->GetName());
       if (static_cast<std::uint8_t>(record[content]) != kNull) Append(record);
     }
+    fWritesLateDefaults = false;
   }
 
   void Lose(TLosses& losses, const std::string& where) const {
@@ -469,7 +503,8 @@ class TImageWriter {
     std::uint64_t fClass;
     boost::shared_ptr<ICIMPropertyDecl> fDecl;
   };
-  std::vector<TLateDefault> fLateDefaults;
+  std::deque<TLateDefault> fLateDefaults;
+  bool fWritesLateDefaults = false;
   std::map<std::uint64_t, std::string> fOwnNames;  // by number
   std::vector<TClass> fOwnClasses;                 // in the order of their numbers
   std::vector<std::string> fDeclaring;             // classes that are being written
@@ -477,6 +512,7 @@ class TImageWriter {
   bool fRehearses = false;       // a record that is not appended
   std::uint64_t fOwnNumber = 0;  // of the last of them
   std::size_t fReferenceDepth = 0;
+  std::size_t fOthersDepth = 0;  // of classes in other namespaces that need one another
   TCIMReference fNoReference{nullptr, {}};
   TLosses fUnnamed{"instances that lack a key"};
   TLosses fMistyped{"values of another type than declared"};

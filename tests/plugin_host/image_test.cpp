@@ -53,7 +53,7 @@ TNamespace MakeFilled(std::size_t longest = 20) {
   AddInstance(other, "Far", {{"Id", 7U}});
   const TNamespace ns = MakeNamespace();
   const auto all =
-      AddClass(ns, "All", {{"Id", ""}, {"When", TCIMDateTime("20200101120000.000000+060")}},
+      AddClass(ns, "All", {{"Id", ""}, {"When", TCIMDateTime("20200101112000.000000+060")}},
                {{"Bool", true},
                 {"Small", static_cast<signed char>(-7)},
                 {"Large", 18446744073709551615UL},
@@ -77,7 +77,7 @@ TNamespace MakeFilled(std::size_t longest = 20) {
       {{"Id", ""}, {"Numbers", TCIMValue(TCIMType::kCIMTypeUint16 | TCIMType::kCIMTypeArray, 0U)}});
   const auto from = NullReference(ns, "All");
   AddClass(ns, "Link", {{"From", from}, {"Far", NullReference(other, "Far")}}, {{"To", from}});
-  const auto first = ReferenceTo(ns, R"(All.Id="short",When="20200101120000.000000+060")");
+  const auto first = ReferenceTo(ns, R"(All.Id="short",When="20200101112000.000000+060")");
   AddInstance(ns, "Link",
               {{"From", first}, {"Far", ReferenceTo(other, "Far.Id=\"7\"")}, {"To", first}});
   AddClass(ns, "Chain", {{"Link", NullReference(ns, "Link")}});
@@ -112,7 +112,7 @@ TNamespace MakeFilled(std::size_t longest = 20) {
 }
 
 TEST(Image, GivesTheSameNamespace) {
-  std::vector<TNamespace> namespaces = {MakeFilled(200000)};
+  std::vector<TNamespace> namespaces = {MakeFilled(120000)};
   for (const std::string& name : NamesIn(QDX_EVERYTHING)) {
     namespaces.push_back(Read(QDX_EVERYTHING, name));
   }
@@ -124,6 +124,43 @@ TEST(Image, GivesTheSameNamespace) {
     EXPECT_EQ(Written({image.fNamespace}), Written({ns}));
     // Which class of a circle is the first depends on where the other begins.
     EXPECT_EQ(WriteImage(*image.fNamespace).fBytes.size(), written.fBytes.size());
+  }
+}
+
+/// A class with a key, a reference to itself.
+boost::shared_ptr<ICIMClass> AddLink(const TNamespace& ns, const std::string& name) {
+  const auto link = ns->CreateClass(name, nullptr, {});
+  TCIMValue self(TCIMType::kCIMTypeReference, 0);
+  self.SetReferencedClass(link);
+  Qualify(ns, link->CreatePropertyDecl("Next", self, {}), "Key", true)->Commit();
+  link->Commit({});
+  return link;
+}
+
+/// Each class needs the next one; the last one needs the first, which closes a circle.
+void AddCircle(const TNamespace& ns, int length) {
+  std::vector<boost::shared_ptr<ICIMClass>> links;
+  for (int i = 0; i < length; ++i) links.push_back(AddLink(ns, "C" + std::to_string(i)));
+  for (int i = 0; i < length; ++i) {
+    TCIMValue next(TCIMType::kCIMTypeReference, 0);
+    next.SetReferencedClass(links[static_cast<std::size_t>((i + 1) % length)]);
+    SetReferenceDefault(*links[static_cast<std::size_t>(i)], "Next", next);
+  }
+}
+
+TEST(Image, NeedsNoStackForClassesThatNeedOneAnother) {
+  const TNamespace other = MakeRepositoryNamespace("root/other");
+  other->CreateQualifierDecl("Key", false, kScopeAny, kFlavorToSubclass, {})->Commit();
+  AddCircle(other, 12000);
+  const TNamespace far = MakeNamespace();
+  AddClass(far, "Before", {{"Id", ""}}, {{"Other", NullReference(other, "C0")}});
+  const TNamespace near = MakeNamespace();
+  AddCircle(near, 12000);
+  for (const TNamespace& ns : {near, far}) {
+    const TWritten written = WriteImage(*ns);
+    EXPECT_EQ(written.fWarnings, TNames{});
+    const TImage image = ReadImage(written.fBytes, "test", 100000, 8 * kMemory);
+    EXPECT_TRUE(Written({image.fNamespace}) == Written({ns}));
   }
 }
 
