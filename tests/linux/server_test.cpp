@@ -39,6 +39,7 @@ sys/devices/system/cpu: present=0-3,6,8; online=0-1,6; cpu0/cpufreq/cpuinfo_max_
 sys/devices/system/cpu: cpu1/cpufreq/cpuinfo_max_freq=3000000
 sys/class/dmi/id: sys_vendor=V; product_name=P; product_serial=S
 proc: stat=btime 1079361000; loadavg=0.50 12.25 3.00 2/149 28102; 1/stat=1; 77/stat=77; mounts=
+proc: uptime=90061.99 1.00
 proc/sys/kernel: tainted=512; ostype=Linux; osrelease=6.1.0; hostname=srv1
 )";
 
@@ -47,7 +48,7 @@ const char* const kValues = R"(
 : TotalVisibleMemorySize=64; FreePhysicalMemory=16; AvailablePhysicalMemory=48; KernelTaint=512
 : SizeStoredInPagingFiles=32; FreeSpaceInPagingFiles=0; NumberOfProcesses=2; OfflineProcessors=2-3,8
 : LoadAverage1=0.5; LoadAverage5=12.25; LoadAverage15=3; KernelRelease=6.1.0
-: LastBootUpTime=20040315143000.000000+000
+: LastBootUpTime=20040315143000.000000+000; SystemUpTime=90061
 CPU0: Name=Xeon 8; Manufacturer=GenuineIntel; Stepping=7; Microcode=0x5003
 CPU0: MaxClockSpeed=3900; CurrentClockSpeed=2100; NumberOfEnabledCores=2
 CPU0: NumberOfLogicalProcessors=2
@@ -117,6 +118,7 @@ TEST_F(LinuxServer, HasNullsForWhatItsFilesDoNotTell) {
       {"proc/meminfo", "MemTotal: 64 MB", "TotalVisibleMemorySize", "not in kB"},
       {"proc/meminfo", std::string(70000, 'x'), "FreePhysicalMemory", "more than 64 KiB"},
       {"proc/stat", "btime 253402300800", "LastBootUpTime", "no valid date"},
+      {"proc/uptime", "-1.00 2.00", "SystemUpTime", "no number of seconds"},
       {"proc/sys/kernel/ostype", "GNU/kFreeBSD", "OSType", "the kernel is 'GNU/kFreeBSD', not"},
       {"proc/loadavg", "0.5 -1.0 2", "LoadAverage5", "not three numbers"},
       {"sys/block/sda/removable", "1", "/dev/sdaMaxMediaSize", "on the medium"},

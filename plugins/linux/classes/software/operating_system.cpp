@@ -161,6 +161,17 @@ TReading<TCIMDateTime> ReadLastBootUpTime(const THost& host) {
       [](std::uint64_t seconds) { return ToDateTime(seconds, "/proc/stat: btime"); });
 }
 
+/// Takes the whole seconds of "350735.47 234388.90"; the second number is the time of idle
+/// processors.
+TNumber ReadUpTime(const THost& host) {
+  const char* const path = "/proc/uptime";
+  return host.ReadLine(path).and_then([&](const std::string& line) -> TNumber {
+    const auto seconds = ParseNumber(line.substr(0, line.find_first_of(". ")));
+    if (!seconds) return host.MissingFrom(path, "no number of seconds");
+    return *seconds;
+  });
+}
+
 /// Counts the folders in /proc whose names are numbers. The image of a disk has none.
 TReading<std::uint32_t> CountProcesses(const THost& host) {
   const auto isNumber = [](const std::string& name) { return ParseNumber(name).has_value(); };
@@ -231,6 +242,7 @@ TClass OperatingSystemClass() {
        {"NumberOfProcesses", "The processes that are there just now.", CountProcesses, kGauge,
         kVolatile},
        {"LastBootUpTime", "When the system was started.", ReadLastBootUpTime},
+       {"SystemUpTime", "How long ago that was.", ReadUpTime, TUnit{"second"}, kCounter, kVolatile},
        {"TimeZone", "The name of the time zone, as in \"Europe/Berlin\".", ReadTimeZoneName},
        {"CurrentTimeZone", "How far its time is ahead of UTC at present.", ReadCurrentTimeZone,
         TUnit{"minute"}, kVolatile},
