@@ -165,6 +165,25 @@ const struct {
       "<PROPERTY NAME='Reason' TYPE='string'><VALUE>the document says "
       "&quot;2004031514****.******+060&quot;</VALUE>",
       "<VALUE>8</VALUE>", "&quot;2004031515****.******+060&quot;</VALUE>"}},
+    {"WildcardsInAnArray",
+     Document(
+         {Class(Tag("PROPERTY", "NAME='Id' TYPE='uint32'", kKey) +
+                "<PROPERTY.ARRAY NAME='p' TYPE='datetime'/>"),
+          Tag("INSTANCE", "CLASSNAME='C'",
+              Id("7") + Tag("PROPERTY.ARRAY", "NAME='p' TYPE='datetime'",
+                            "<VALUE.ARRAY><VALUE>2004031514****.******+060</VALUE><VALUE.NULL/>"
+                            "<VALUE>20040315140000.000000+060</VALUE>"
+                            "<VALUE>2005031514****.******+060</VALUE></VALUE.ARRAY>"))}),
+     {},
+     {"<VALUE>the document says [0] &quot;2004031514****.******+060&quot;, "
+      "[3] &quot;2005031514****.******+060&quot;</VALUE>"}},
+    {"WildcardsOfAClass",
+     Document({Class(Tag("PROPERTY.ARRAY", "NAME='p' TYPE='datetime'",
+                         "<VALUE.ARRAY><VALUE>2004031514****.******+060</VALUE>"
+                         "<VALUE>2005031514****.******+060</VALUE></VALUE.ARRAY>"))}),
+     {"1 cimxml: 2 date-times that cannot be held were read as null from FILE, the first: line 2, "
+      "PROPERTY.ARRAY \"p\""},
+     {}},
     {"WildcardsWithoutKeys",
      Document({Class("<PROPERTY NAME='p' TYPE='datetime'/>"),
                Instance(Property("datetime", "2004031514****.******+060")),

@@ -39,8 +39,9 @@ bool IsArrayDecl(const TElement& decl) {
 /// Reads a value that has no place for a reason; so one that cannot be held is counted.
 TCIMValue ReadCounted(TSpace& space, TCIMType type, const TElement& holder) {
   TCIMValue value = ReadValue(space, type, holder);
-  const TElement* const unheld = FindUnheldDateTime(value, holder);
-  if (unheld != nullptr) space.GetState().fUnheldDateTimes.Add(PlaceOf(*unheld, holder));
+  for (const TUnheldDateTime& unheld : FindUnheldDateTimes(value, holder)) {
+    space.GetState().fUnheldDateTimes.Add(PlaceOf(*unheld.fValue, holder));
+  }
   return value;
 }
 

@@ -59,10 +59,10 @@ class TInstanceMaker {
     }
     fGiven.emplace_back(decl.get(), &property);
     const TCIMValue value = ReadPropertyValue(fSpace, property);
-    const TElement* const unheld = FindUnheldDateTime(value, property);
-    if (unheld != nullptr) {
-      fSpace.GetMemory().AddHeld(kReasonBytes + unheld->fText.size(), *unheld);
-      fUnheld.emplace_back(&property, unheld);
+    std::vector<TUnheldDateTime> unheld = FindUnheldDateTimes(value, property);
+    if (!unheld.empty()) {
+      fSpace.GetMemory().AddHeld(kReasonBytes + unheld.size() * kReasonTextBytes, property);
+      fUnheld.push_back({&property, std::move(unheld)});
     }
     const auto key = fKeys.empty() ? fKeys.end() : fKeys.find(name);
     if (key != fKeys.end()) {
@@ -88,6 +88,7 @@ class TInstanceMaker {
 
  private:
   static constexpr std::size_t kReasonBytes = 1024;
+  static constexpr std::size_t kReasonTextBytes = 128;
 
   /// Returns false if there is such an instance.
   bool CommitTarget() {

@@ -37,6 +37,17 @@ std::optional<std::string> LastKeyOf(const ICIMClass& cimClass, const ICIMInstan
   return std::string();
 }
 
+/// Returns: the document says "A", or of an array: the document says [0] "A", [2] "B".
+std::string ReasonOf(const std::vector<TUnheldDateTime>& values) {
+  std::string reason = "the document says";
+  const char* separator = " ";
+  for (const auto& [value, index] : values) {
+    reason += separator + (index ? "[" + std::to_string(*index) + "] " : "") + Shown(value->fText);
+    separator = ", ";
+  }
+  return reason;
+}
+
 bool IsRecorded(ICIMNamespace& ns, NDescribe::TMissingValue value) {
   try {
     std::vector<NDescribe::TMissingValue> values;
@@ -55,25 +66,25 @@ bool IsRecorded(ICIMNamespace& ns, NDescribe::TMissingValue value) {
 void TMissingReasons::Add(const ICIMClass& cimClass, const ICIMInstance& instance,
                           const std::vector<TUnheld>& unheld) {
   const auto key = LastKeyOf(cimClass, instance);
-  for (const auto& [property, text] : unheld) {
-    const std::string place = PlaceOf(*text, *property);
+  for (const auto& [property, values] : unheld) {
+    TText text{ReasonOf(values), {}};
+    for (const TUnheldDateTime& each : values) text.fPlaces.Add(PlaceOf(*each.fValue, *property));
     if (!key) {
-      fUnrecorded.Add(place);
+      fUnrecorded.Add(text.fPlaces);
       continue;
     }
     const auto decl = FindDecl(cimClass, property->Get("NAME"));
-    const auto [known, isNew] = fTexts.try_emplace(
-        std::tuple(cimClass.GetName({}), *key, decl->GetName()), TText{text->fText, place});
-    if (!isNew && known->second.fText != text->fText) fUnrecorded.Add(place);
+    const auto [known, isNew] =
+        fTexts.try_emplace(std::tuple(cimClass.GetName({}), *key, decl->GetName()), text);
+    if (!isNew && known->second.fReason != text.fReason) fUnrecorded.Add(text.fPlaces);
   }
 }
 
 void TMissingReasons::Write(ICIMNamespace& ns, TReadingState& state) {
   for (const auto& [place, text] : fTexts) {
     const auto& [cimClass, key, property] = place;
-    const NDescribe::TReason reason("the document says " + Shown(text.fText),
-                                    NDescribe::TReason::kAbsence);
-    if (!IsRecorded(ns, {cimClass, key, property, reason})) fUnrecorded.Add(text.fPlace);
+    const NDescribe::TReason reason(text.fReason, NDescribe::TReason::kAbsence);
+    if (!IsRecorded(ns, {cimClass, key, property, reason})) fUnrecorded.Add(text.fPlaces);
   }
   state.fUnheldDateTimes.Add(fUnrecorded);
   fTexts.clear();

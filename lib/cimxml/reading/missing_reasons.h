@@ -3,10 +3,11 @@
 #ifndef LIB_CIMXML_READING_MISSING_REASONS_H_
 #define LIB_CIMXML_READING_MISSING_REASONS_H_
 
+#include <cstddef>
 #include <map>
+#include <optional>
 #include <string>
 #include <tuple>
-#include <utility>
 #include <vector>
 
 #include "reading_state.h"
@@ -20,11 +21,20 @@ class ICIMNamespace;
 
 namespace NVORNQDX20::NCIMXML {
 
+/// The VALUE of a date-time that was read as null.
+struct TUnheldDateTime {
+  const TElement* fValue;
+  std::optional<std::size_t> fIndex;  ///< In an array.
+};
+
 /// Collects the reasons of one namespace, and adds them to it in the end.
 class TMissingReasons {
  public:
-  /// A property, and its VALUE that was read as null.
-  using TUnheld = std::pair<const TElement*, const TElement*>;
+  /// A property and what it lacks: one date-time, or some of an array.
+  struct TUnheld {
+    const TElement* fProperty;
+    std::vector<TUnheldDateTime> fValues;
+  };
 
   /// Adds those of a committed instance.
   void Add(const ICIMClass& cimClass, const ICIMInstance& instance,
@@ -35,8 +45,8 @@ class TMissingReasons {
 
  private:
   struct TText {
-    std::string fText;
-    std::string fPlace;
+    std::string fReason;
+    TCountedWarning fPlaces;
   };
   /// By class, key and property.
   std::map<std::tuple<std::string, std::string, std::string>, TText> fTexts;

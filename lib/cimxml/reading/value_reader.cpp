@@ -130,8 +130,6 @@ TCIMValue ReadArray(TSpace& space, TCIMType type, unsigned int size, const TElem
       elements.push_back(ReadReference(space, child));
     } else if (elementType != TCIMType::kCIMTypeReference && child.Is("VALUE")) {
       elements.push_back(ReadText(space, elementType, child, holder));
-      const bool isUnheld = elements.back().IsNull() && !IsBlank(child.fText);
-      if (isUnheld) space.GetState().fUnheldDateTimes.Add(PlaceOf(child, holder));
     } else {
       array.RefuseChild(child);
     }
@@ -233,10 +231,22 @@ TCIMValue ReadKeyValue(TSpace& space, TCIMType type, const TElement& value) {
   return key;
 }
 
-const TElement* FindUnheldDateTime(const TCIMValue& value, const TElement& holder) {
-  if (value.GetType() != TCIMType::kCIMTypeDateTime || !value.IsNull()) return nullptr;
-  const TElement* const text = FindValueOf(holder);
-  return text == nullptr || IsBlank(text->fText) ? nullptr : text;
+std::vector<TUnheldDateTime> FindUnheldDateTimes(const TCIMValue& value, const TElement& holder) {
+  std::vector<TUnheldDateTime> unheld;
+  const bool isTime = ElementType(value.GetType()) == TCIMType::kCIMTypeDateTime;
+  const TElement* const given = isTime ? FindValueOf(holder) : nullptr;
+  if (given == nullptr || value.IsArray() == value.IsNull()) return unheld;
+  if (!value.IsArray()) {
+    if (!IsBlank(given->fText)) unheld.push_back({given, std::nullopt});
+    return unheld;
+  }
+  const std::vector<TCIMValue>& elements = value;
+  std::size_t index = 0;
+  for (const TElement& child : given->fChildren) {
+    if (elements[index].IsNull() && !IsBlank(child.fText)) unheld.push_back({&child, index});
+    ++index;
+  }
+  return unheld;
 }
 
 std::string PlaceOf(const TElement& value, const TElement& holder) {

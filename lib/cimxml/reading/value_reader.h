@@ -8,6 +8,7 @@
 #include <qdxcore/value.h>
 
 #include <string>
+#include <vector>
 
 #include "space.h"
 #include "xml/cim_type.h"
@@ -35,8 +36,8 @@ TCIMValue ReadPropertyValue(TSpace& space, const TElement& property);
 /// Reads a KEYVALUE or VALUE.REFERENCE; never null.
 TCIMValue ReadKeyValue(TSpace& space, TCIMType type, const TElement& value);
 
-/// Returns the VALUE of a well-formed date-time that was read as null; else null.
-const TElement* FindUnheldDateTime(const TCIMValue& value, const TElement& holder);
+/// Returns the VALUE of each well-formed date-time that was read as null.
+std::vector<TUnheldDateTime> FindUnheldDateTimes(const TCIMValue& value, const TElement& holder);
 /// Formats a place such as: line 12, PROPERTY "InstallDate".
 std::string PlaceOf(const TElement& value, const TElement& holder);
 

@@ -51,8 +51,8 @@ using TDefectListener = std::function<void(const TDefect&)>;
 ///
 /// An object that cannot be taken is left out, with a warning that names the object, "line L,
 /// column C" and the reason; so is a part of an object. Of many warnings, the first 20 are logged
-/// one by one. A date-time that TCIMDateTime refuses is null; its text is recorded as the reason in
-/// class VORNSG_UnavailableValue, if the instance can be identified.
+/// one by one. A date-time that TCIMDateTime refuses is null, also in an array; its text is recorded
+/// as the reason in class VORNSG_UnavailableValue, if the instance can be identified.
 ///
 /// Failures are logged. Throws kQDXStatusInvalidDataCollectionDocument for what is not well-formed,
 /// is no CIM-XML, has no objects but is a request or an error, or exceeds a limit, with "line L,
