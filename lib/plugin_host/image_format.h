@@ -22,9 +22,9 @@ enum EImageRecord : std::uint8_t {
   kOtherNamespace,  ///< Name.
   kQualifierDecl,   ///< Name, value, scope, flavor.
   /// Namespace; name; superclass + 1, or 0; qualifiers; the own properties: name, value,
-  /// qualifiers; methods: name, type, qualifiers, parameters: name, type, qualifiers.
-  /// Lists begin with their lengths. A property has the position of the overridden one, else the
-  /// next free one.
+  /// qualifiers; methods: name, type, qualifiers, parameters: name, type, the name of the
+  /// referenced class or an empty text, qualifiers. Lists begin with their lengths. A property has
+  /// the position of the overridden one, else the next free one.
   kClass,
   kLateDefault,  ///< Class, own property of type reference, content.
   kStaticValue,  ///< Class, property, content.

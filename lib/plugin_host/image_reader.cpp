@@ -2,6 +2,7 @@
 #include <qdxplugin_host/image.h>
 
 #include <qdxcore/reference.h>
+#include <qdxcore/reference_parameter.h>
 #include <qdxcore/status.h>
 #include <qdxmodel/type.h>
 #include <qdxmodel/visit.h>
@@ -170,6 +171,8 @@ class TImageReader {
       fInput.Hold(kElementBytes);
       const std::string name = fInput.Text();
       const auto parameter = method.CreateParameterDecl(name, ReadType());
+      const std::string referenced = fInput.Text();
+      if (!referenced.empty()) SetReferencedClassName(*parameter, referenced);
       ReadQualifiers(*parameter);
       parameter->Commit();
     });

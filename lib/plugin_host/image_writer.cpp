@@ -2,6 +2,7 @@
 #include <qdxplugin_host/image.h>
 
 #include <qdxcore/reference.h>
+#include <qdxcore/reference_parameter.h>
 #include <qdxcore/status.h>
 #include <qdxmodel/classes.h>
 #include <qdxmodel/names.h>
@@ -239,6 +240,7 @@ class TImageWriter {
       for (const auto& parameter : parameters) {
         PutText(record, parameter->GetName());
         PutNumber(record, parameter->GetType());
+        PutText(record, GetReferencedClassName(*parameter));
         PutQualifiers(record, *parameter);
       }
     }

@@ -30,6 +30,15 @@ void TParameterDecl::Commit() {
   fQualifiers.Close();
 }
 
+void TParameterDecl::SetReferencedClassName(const std::string& name) {
+  fQualifiers.RequireOpen();
+  if (!HoldsReferences(fType)) {
+    throw TExplainedException(kQDXStatusTypeMismatch, Description() + " is no reference");
+  }
+  if (!name.empty()) RequireCIMName(name);
+  fReferencedClass = name;
+}
+
 std::string TParameterDecl::Description() const {
   return "parameter " + fName + " of " + fMethod.Description();
 }

@@ -4,6 +4,7 @@
 #define LIB_REPOSITORY_METHOD_H_
 
 #include <qdxcore/interfaces.h>
+#include <qdxcore/reference_parameter.h>
 
 #include <memory>
 #include <string>
@@ -17,7 +18,9 @@ namespace NVORNQDX20::NRepository {
 class TClass;
 class TMethodDecl;
 
-class TParameterDecl final : public ICIMParameterDecl, public IDescribed {
+class TParameterDecl final : public ICIMParameterDecl,
+                             public IReferenceParameterDecl,
+                             public IDescribed {
  public:
   TParameterDecl(TMethodDecl& method, const std::string& name, TCIMValue::TCIMType type,
                  const TParameterDecl* overridden);
@@ -29,12 +32,16 @@ class TParameterDecl final : public ICIMParameterDecl, public IDescribed {
   TCIMValue::TCIMType GetType() const override { return fType; }
   void EnumerateQualifiers(const TEnumerationCallback<ICIMQualifier>& callback) const override;
 
+  std::string GetReferencedClassName() const override { return fReferencedClass; }
+  void SetReferencedClassName(const std::string& name) override;
+
   std::string Description() const override;
 
  private:
   TMethodDecl& fMethod;
   const std::string fName;
   const TCIMValue::TCIMType fType;
+  std::string fReferencedClass;  // empty if not known
   TQualifierSet fQualifiers;
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Copies classes, and what they declare, to another namespace.
 #include <qdxcore/copy.h>
+#include <qdxcore/reference_parameter.h>
 #include <qdxcore/status.h>
 
 #include <cstdint>
@@ -135,6 +136,8 @@ bool TCopyParameterDecl::operator()(boost::shared_ptr<ICIMParameterDecl> decl) c
   const std::string& name = decl->GetName();
   const boost::shared_ptr<ICIMParameterDecl> copy =
       fTargetMethod->CreateParameterDecl(name, decl->GetType());
+  const std::string referenced = GetReferencedClassName(*decl);
+  if (!referenced.empty()) SetReferencedClassName(*copy, referenced);
   decl->EnumerateQualifiers(TCopyQualifier{copy, fTarget});
   copy->Commit();
   return true;

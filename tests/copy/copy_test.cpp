@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxcore/copy.h>
+#include <qdxcore/reference_parameter.h>
 
 #include "support/class_builder.h"
 #include "support/faulty_provider.h"
@@ -131,6 +132,13 @@ TNamespace MakeSource() {
   const TCIMValue toBase = NullReference(ns, "T_Base");
   AddClass(ns, "T_Link", {{"From", toBase}}, {{"To", toBase}}, root, true);
   AddDerived(ns, "T_Node", root, {});
+  const auto user = ns->CreateClass("T_User", nullptr, {});
+  const auto method = user->CreateMethodDecl("Use", TCIMType::kCIMTypeUint32, {});
+  const auto links =
+      method->CreateParameterDecl("Links", TCIMType::kCIMTypeReference | TCIMType::kCIMTypeArray);
+  SetReferencedClassName(*links, "T_Link");
+  links->Commit();
+  user->Commit({});
   AddClass(ns, "T_Meta", {{"Of", NullReference(ns, "T_Link")}}, {}, nullptr, true, true);
   const auto middle = ns->CreateClass("T_Middle", base, {});
   Qualify(ns, middle->CreatePropertyDecl("Name", "middle", {}), "Override", "Name")->Commit();
@@ -158,7 +166,7 @@ TEST(Copy, LeavesOutInstancesOfPluginsAndRepeatsInheritedOverriding) {
   int asked = 0;
   faults->fWatch = [&](const std::string& c) { asked += c == "ICIMClass::EnumerateInstances(0)"; };
   TCIMCopy::CopyClasses(MakeFaultyNamespace(MakeSource(), faults), target);
-  EXPECT_EQ(asked, 6);  // not of T_Plugin, T_Meta
+  EXPECT_EQ(asked, 7);  // not of T_Plugin, T_Meta
   const auto declared = [&](const char* name, const char* property) {
     return target->GetClass(name, {})->GetPropertyDecl(property, {});
   };
@@ -186,6 +194,23 @@ TEST(Copy, BindsReferencesToTheTarget) {
         TCIMValue(TCIMType::kCIMTypeUint8, 4), TCIMValue("text")}) {
     EXPECT_EQ(TCIMCopy::CopyValue(value, target), value);
   }
+}
+
+TEST(Copy, KeepsTheClassesThatParametersReferTo) {
+  std::string classes;
+  const auto add = [&](const boost::shared_ptr<ICIMParameterDecl>& parameter) {
+    classes += GetReferencedClassName(*parameter);
+    return true;
+  };
+  MakeCopy()
+      ->GetClass("T_User", {})
+      ->EnumerateMethodDecls(
+          [&](const auto& method) {
+            method->EnumerateParameterDecls(add);
+            return true;
+          },
+          {});
+  EXPECT_EQ(classes, "T_Link");
 }
 
 TEST(Copy, CannotReferToAClassThatTheTargetLacks) {
