@@ -94,7 +94,16 @@ const struct {
      {Property("string", "\xC3\xA4")}},
     {WithValue("uint16", " 0xFFff\n"), {Property("uint16", "65535")}},
     {WithValue("real64", "+1.0E+3"), {Property("real64", "1000.0")}},
-    {WithValue("char16", "x"), {Property("string", "x")}}};
+    // What strings are.
+    {WithValue("char16", "x"), {Property("char16", "x")}},
+    {Document({Instance(
+         Tag("PROPERTY", "NAME='p' TYPE='string' EMBEDDEDOBJECT='object'", "<VALUE>&lt;x</VALUE>") +
+         "<PROPERTY NAME='c' TYPE='char16'/>")}),
+     {"<PROPERTY NAME='p' TYPE='string' EmbeddedObject='object'>\n",
+      "<PROPERTY NAME='p' TYPE='string' EmbeddedObject='object'><VALUE>&lt;x</VALUE>",
+      "<PROPERTY NAME='c' TYPE='char16'>\n"}},
+    {Document({Class("<METHOD NAME='m'/>")}),
+     {"<METHOD NAME='m' TYPE='uint32'>\n<QUALIFIER NAME='VORNSG_NoReturnValue' "}}};
 
 TEST(CIMXMLDocumentOfAnotherTool, IsRead) {
   for (const auto& foreign : kForeign) {

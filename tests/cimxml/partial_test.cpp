@@ -72,7 +72,7 @@ const TPartial kPartial[] = {
       LeftOut("2:312", "<METHOD> \"m\" of class \"C\"", "method m of class C is there already"),
       LeftOut("2:330", "<QUALIFIER> of class \"C\"", "<QUALIFIER> has no NAME"),
       LeftOut("2:356", "<HOST> of class \"C\"", "<HOST> does not belong into <CLASS>")},
-     {"<PROPERTY NAME='Id' TYPE='uint32'>\n<QUALIFIER NAME='Key'", "<METHOD NAME='M'>", kGood,
+     {"<PROPERTY NAME='Id' TYPE='uint32'>\n<QUALIFIER NAME='Key'", "<METHOD NAME='M' ", kGood,
       Id("8")}},
     {"BadName",
      Document({Class("", "NAME='a b'")}),

@@ -93,6 +93,27 @@ const struct {
      Document({Class(Property("uint8", "1") + Property("string", "x"))}),
      {"2:95 property \"p\" of class \"C\" is declared twice; the first declaration is taken"},
      {"<VALUE>1</VALUE></PROPERTY>\n</CLASS>"}},
+    {"KindsOfText",
+     Document({Class("<PROPERTY NAME='n' TYPE='uint8' EmbeddedObject='object'/><PROPERTY NAME='p' "
+                     "TYPE='string' EmbeddedObject='char16'/>"),
+               Tag("INSTANCE", "CLASSNAME='C'",
+                   "<PROPERTY NAME='p' TYPE='string' EmbeddedObject='instance'/>"
+                   "<PROPERTY NAME='p' TYPE='char16'/>")}),
+     {"2:36 EmbeddedObject=\"object\" of <PROPERTY> \"n\" is ignored",
+      "2:93 EmbeddedObject=\"char16\" of <PROPERTY> \"p\" is ignored",
+      "3:104 property \"p\" is given twice; the last value is taken",
+      "1 cimxml: 1 values are embedded objects of another kind than declared in FILE, the first: "
+      "line 3, PROPERTY \"p\""},
+     {"<PROPERTY NAME='p' TYPE='string'>"}},
+    {"ClassesOfParameters",
+     Document({Class("<METHOD NAME='m' TYPE='uint8'><PARAMETER.REFERENCE NAME='a' "
+                     "REFERENCECLASS='b c'/><PARAMETER.REFERENCE NAME='d' REFERENCECLASS=''/>"
+                     "<PARAMETER NAME='n' TYPE='uint8' REFERENCECLASS='C'/></METHOD>")}),
+     {"2:66 the referenced class of <PARAMETER.REFERENCE> \"a\" of <METHOD> \"m\" of class \"C\" "
+      "is "
+      "left out: \"b c\" is no CIM name"},
+     {"<PARAMETER.REFERENCE NAME='a'>", "<PARAMETER.REFERENCE NAME='d'>",
+      "<PARAMETER NAME='n' TYPE='uint8'>"}},
     {"EmptyNumber",
      WithValue("uint8", " "),
      {"3:119 an empty value of <PROPERTY> \"p\" is no uint8; it is read as null"},

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Makes declarations of qualifiers and classes.
+#include <qdxcore/reference_parameter.h>
 #include <qdxcore/status.h>
 #include <qdxmodel/names.h>
 #include <qdxrepository/repository.h>
@@ -12,6 +13,7 @@
 #include "object_path.h"
 #include "value_reader.h"
 #include "xml/document_limits.h"
+#include "xml/marks.h"
 #include "xml/qualifier_flags.h"
 
 namespace NVORNQDX20::NCIMXML {
@@ -145,11 +147,11 @@ class TClassMaker {
     }
   }
 
-  /// Our own documents use "Static" without a declaration, as a mark of the class's own value.
   bool IsMark(const TElement& qualifier, const TElement& element) const {
-    return NModel::EqualIgnoringCase(qualifier.Get("NAME"), "Static") &&
-           element.fName.substr(0, 8) == "PROPERTY" && IsQualified(element, "Static") &&
-           !IsDeclared("Static");
+    const std::string& name = qualifier.Get("NAME");
+    if (element.Is("METHOD")) return NModel::EqualIgnoringCase(name, kNoReturnValue);
+    return NModel::EqualIgnoringCase(name, kStatic) && IsProperty(element) &&
+           IsQualified(element, kStatic) && !IsDeclared(kStatic);
   }
 
   bool IsDeclared(const std::string& qualifier) const {
@@ -160,6 +162,23 @@ class TClassMaker {
       if (e.GetStatusCode() != kQDXStatusNotFound) throw;
       return false;
     }
+  }
+
+  /// Keeps what the value of a string does not show. `decl` must have its other qualifiers.
+  template <typename TDecl>
+  void AddStringKind(TDecl& decl, const TElement& element) {
+    const auto kind = StringKindOf(element);
+    const std::string* const embedded = FindEmbeddedObject(element);
+    if (embedded != nullptr && kind == NDescribe::EStringKind::kText) {
+      fSpace.GetState().Warn(element, "EmbeddedObject=" + Shown(*embedded) + " of " +
+                                          NameOfHolder(element) + " is ignored");
+    }
+    if (kind == NDescribe::EStringKind::kText || kind == NDescribe::StringKindOf(decl)) return;
+    Attempt({element, nullptr, "what the text is of "}, [&] {
+      constexpr std::size_t kQualifierBytes = 256;
+      fSpace.GetMemory().AddHeld(kQualifierBytes, element);
+      NDescribe::AddStringKind(*fSpace.GetNamespace(), decl, kind);
+    });
   }
 
   bool HasProperty(const std::string& name) const {
@@ -182,7 +201,7 @@ class TClassMaker {
                                            " is declared twice; the first declaration is taken");
     } else if (!isInherited) {
       DeclareProperty(property);
-    } else if (IsQualified(property, "Static")) {
+    } else if (IsQualified(property, kStatic)) {
       SetStaticValue(property);
     }
   }
@@ -215,8 +234,9 @@ class TClassMaker {
     }
     const auto decl = fTarget->CreatePropertyDecl(property.Get("NAME"), value, {});
     AddQualifiers(*decl, property);
+    AddStringKind(*decl, property);
     decl->Commit();
-    if (IsQualified(property, "Static")) SetStaticValue(property);
+    if (IsQualified(property, kStatic)) SetStaticValue(property);
   }
 
   static TCIMType ParameterType(const TElement& parameter) {
@@ -226,17 +246,29 @@ class TClassMaker {
     return parameter.Is("PARAMETER.ARRAY") ? ArrayOf(type) : type;
   }
 
+  void SetReferencedClass(ICIMParameterDecl& parameter, const TElement& element,
+                          const TElement& method) {
+    const std::string* const name = element.Find("REFERENCECLASS");
+    if (name == nullptr || ElementType(parameter.GetType()) != TCIMType::kCIMTypeReference) return;
+    Attempt({element, &method, "the referenced class of "},
+            [&] { SetReferencedClassName(parameter, *name); });
+  }
+
   void AddMethod(const TElement& element) {
     TCIMType type = TCIMType::kCIMTypeNone;
-    if (element.Find("TYPE") != nullptr) type = TypeAttribute(element);
+    const bool hasType = element.Find("TYPE") != nullptr && !IsQualified(element, kNoReturnValue);
+    if (hasType) type = TypeAttribute(element);
     const auto method = fTarget->CreateMethodDecl(element.Get("NAME"), type, {});
     AddQualifiers(*method, element);
+    AddStringKind(*method, element);
     for (const TElement& child : element.fChildren) {
       if (child.Is("QUALIFIER")) continue;
       Attempt({child, &element}, [&] {
         if (child.fName.substr(0, 9) != "PARAMETER") element.RefuseChild(child);
         const auto parameter = method->CreateParameterDecl(child.Get("NAME"), ParameterType(child));
+        SetReferencedClass(*parameter, child, element);
         AddQualifiers(*parameter, child);
+        AddStringKind(*parameter, child);
         parameter->Commit();
       });
     }

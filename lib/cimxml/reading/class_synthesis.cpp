@@ -22,6 +22,7 @@ struct TProperty {
   /// The element that gives the class of a reference: a property or a VALUE.REFERENCE. Null for
   /// other types.
   const TElement* fReference = nullptr;
+  NDescribe::EStringKind fStringKind = NDescribe::EStringKind::kText;
   bool fIsGuessed = false;        ///< The type was derived from the numbers seen so far.
   bool fIsInName = false;         ///< The name of an instance has it.
   bool fIsInReference = false;    ///< Another name has it.
@@ -134,6 +135,9 @@ class TSynthesis {
     if (fPositions.count(name) == 0) RequireReadable(type, element);
     TProperty& property = At(name, type);
     if (std::exchange(property.fIsGuessed, false)) property.fType = type;
+    if (property.fStringKind == NDescribe::EStringKind::kText) {
+      property.fStringKind = StringKindOf(element);
+    }
     if (FindValueOf(element) != nullptr) fGiven.push_back(PositionOf(property));
     if (NamesClass(element) && property.fReference == nullptr) property.fReference = &element;
   }
@@ -208,6 +212,9 @@ void MakeUndeclaredClass(TSpace& space, const std::string& name, const TElement&
       const auto decl = created->CreatePropertyDecl(property.fName, null, {});
       if (mayHaveKeys && synthesis.IsKey(property)) {
         decl->AddQualifier(KeyDecl(space), true)->Commit();
+      }
+      if (property.fStringKind != NDescribe::EStringKind::kText) {
+        NDescribe::AddStringKind(*space.GetNamespace(), *decl, property.fStringKind);
       }
       decl->Commit();
     }

@@ -58,6 +58,7 @@ class TInstanceMaker {
       property.Refuse("property " + Shown(name) + " is declared with another type");
     }
     fGiven.emplace_back(decl.get(), &property);
+    if (FindEmbeddedObject(property) != nullptr) RequireEmbedded(*decl, property);
     const TCIMValue value = ReadPropertyValue(fSpace, property);
     std::vector<TUnheldDateTime> unheld = FindUnheldDateTimes(value, property);
     if (!unheld.empty()) {
@@ -89,6 +90,13 @@ class TInstanceMaker {
  private:
   static constexpr std::size_t kReasonBytes = 1024;
   static constexpr std::size_t kReasonTextBytes = 128;
+
+  /// The declaration keeps what a text is, so it is lost if the declaration is another one.
+  void RequireEmbedded(const ICIMPropertyDecl& decl, const TElement& property) {
+    if (StringKindOf(property) == NDescribe::StringKindOf(decl)) return;
+    TCountedWarning& warning = fSpace.GetState().fNotEmbedded;
+    warning.Add(warning.GetCount() == 0 ? PlaceOf(property, property) : std::string());
+  }
 
   /// Returns false if there is such an instance.
   bool CommitTarget() {

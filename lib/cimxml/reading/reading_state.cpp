@@ -77,6 +77,7 @@ void TReadingState::Report(const std::string& name) const {
   fChanged.Report(name, "parts of objects are ignored or changed");
   fHosts.Report(name);
   fContradictions.Report("instances have another class or other keys than their names in", name);
+  fNotEmbedded.Report("values are embedded objects of another kind than declared in", name);
   fUnheldDateTimes.Report("date-times that cannot be held were read as null from", name);
 }
 

@@ -116,6 +116,7 @@ struct TReadingState {
   TWarnings fChanged;       // parts of objects
   TCountedWarning fErrors;  // error responses
   TCountedWarning fUnheldDateTimes;
+  TCountedWarning fNotEmbedded;     // values that are embedded objects by their own word
   TCountedWarning fContradictions;  // names that contradict their instances
 };
 

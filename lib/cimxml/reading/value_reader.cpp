@@ -178,6 +178,24 @@ TCIMType TypeOfProperty(const TElement& property) {
   return property.Is("PROPERTY.ARRAY") ? ArrayOf(type) : type;
 }
 
+const std::string* FindEmbeddedObject(const TElement& property) {
+  const std::string* const found = property.Find("EmbeddedObject");
+  return found != nullptr ? found : property.Find("EMBEDDEDOBJECT");
+}
+
+NDescribe::EStringKind StringKindOf(const TElement& declaration) {
+  using NDescribe::EStringKind;
+  const std::string* const type = declaration.Find("TYPE");
+  if (type == nullptr) return EStringKind::kText;
+  if (*type == KeywordOf(TCIMType::kCIMTypeChar)) return EStringKind::kCharacter;
+  const std::string* const embedded = FindEmbeddedObject(declaration);
+  if (embedded == nullptr || *type != KeywordOf(TCIMType::kCIMTypeString)) {
+    return EStringKind::kText;
+  }
+  const EStringKind kind = NDescribe::StringKindOf(*embedded);
+  return kind == EStringKind::kCharacter ? EStringKind::kText : kind;
+}
+
 TCIMType TypeOfKey(const TElement& value) {
   if (value.Is("VALUE.REFERENCE")) return TCIMType::kCIMTypeReference;
   if (value.Find("TYPE") != nullptr) return TypeAttribute(value);

@@ -6,6 +6,7 @@
 #include <qdxcore/interfaces.h>
 #include <qdxcore/status.h>
 #include <qdxcore/value.h>
+#include <qdxdescribe/string_kind.h>
 
 #include <string>
 #include <vector>
@@ -23,6 +24,11 @@ std::string NameOfHolder(const TElement& holder);
 TCIMType TypeAttribute(const TElement& element);
 /// Returns the type of any kind of PROPERTY.
 TCIMType TypeOfProperty(const TElement& property);
+/// Returns the attribute EmbeddedObject of a property, which some programs write in capital
+/// letters; null if there is none.
+const std::string* FindEmbeddedObject(const TElement& property);
+/// Returns what the strings of a property, parameter or method are; kText for other types.
+NDescribe::EStringKind StringKindOf(const TElement& declaration);
 /// Returns the type of a KEYVALUE or VALUE.REFERENCE; a number without type gets the largest one.
 TCIMType TypeOfKey(const TElement& value);
 

@@ -6,6 +6,7 @@
 #include <qdxmodel/property_reader.h>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -60,7 +61,8 @@ class TInstanceWriter {
       : fXML(xml), fValues(values), fClassName(cimClass.GetName({})), fReader(cimClass) {
     fValues.BeginClass(fClassName);
     for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
-      fDeclaredSizes.push_back(TValueWriter::FixedSizeOf(decl->GetDefaultValue()));
+      fDeclared.push_back(
+          {TValueWriter::FixedSizeOf(decl->GetDefaultValue()), NDescribe::StringKindOf(*decl)});
     }
   }
 
@@ -72,7 +74,7 @@ class TInstanceWriter {
     fXML.Markup("<INSTANCENAME").Attribute("CLASSNAME", fClassName).Markup(">");
     const auto& properties = fReader.GetProperties();
     for (std::size_t i = 0; i < properties.size(); ++i) {
-      if (IsKey(i)) fValues.KeyBinding(properties[i].fName, fKeys[i]);
+      if (IsKey(i)) fValues.KeyBinding(properties[i].fName, fKeys[i], fDeclared[i].fStringKind);
     }
     fXML.Markup("</INSTANCENAME>\n");
     fXML.SetReplaced(replaced);  // counted again below
@@ -81,7 +83,7 @@ class TInstanceWriter {
       const auto& property = properties[i];
       if (!HasPropertyElement(property.fType)) continue;
       const auto write = [&](const TCIMValue& value) {
-        fValues.Property(property.fName, value, fDeclaredSizes[i]);
+        fValues.Property(property.fName, value, fDeclared[i]);
       };
       if (property.fIsKey) {
         write(fKeys[i]);
@@ -118,14 +120,16 @@ class TInstanceWriter {
   TValueWriter& fValues;
   const std::string fClassName;
   NModel::TPropertyReader fReader;
-  std::vector<unsigned int> fDeclaredSizes;  // by property
+  std::vector<TDeclaredProperty> fDeclared;  // by property
   std::vector<TCIMValue> fKeys;  // by property, those of the instance that is being written
 };
 
 void WriteInstances(TXMLWriter& xml, TValueWriter& values, const ICIMClass& cimClass) {
-  TInstanceWriter writer(xml, values, cimClass);
-  NModel::ForEachInstance(cimClass,
-                          [&writer](const ICIMInstance& instance) { writer.Write(instance); });
+  std::optional<TInstanceWriter> writer;  // most classes of a schema have no instances
+  NModel::ForEachInstance(cimClass, [&](const ICIMInstance& instance) {
+    if (!writer) writer.emplace(xml, values, cimClass);
+    writer->Write(instance);
+  });
 }
 
 }  // namespace

@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "schema_writer.h"
 
+#include <qdxcore/reference_parameter.h>
 #include <qdxmodel/classes.h>
 #include <qdxmodel/names.h>
 #include <qdxrepository/repository.h>
 
 #include <algorithm>
-#include <string_view>
 #include <vector>
 
 #include "xml/literal.h"
+#include "xml/marks.h"
 #include "xml/qualifier_flags.h"
 
 namespace NVORNQDX20::NCIMXML {
@@ -20,10 +21,6 @@ const char* ParameterElement(TCIMType type) {
   if (IsArray(type)) return isReference ? "PARAMETER.REFARRAY" : "PARAMETER.ARRAY";
   return isReference ? "PARAMETER.REFERENCE" : "PARAMETER";
 }
-
-constexpr const char* kStatic = "Static";
-constexpr std::string_view kStaticQualifier =
-    R"(<QUALIFIER NAME="Static" TYPE="boolean"><VALUE>TRUE</VALUE></QUALIFIER>)";
 
 bool HasQualifier(const ICIMPropertyDecl& element, const std::string& name) {
   bool isThere = false;
@@ -43,6 +40,7 @@ bool AreKnown(std::uint32_t bits, const TFlag (&flags)[size]) {
 }  // namespace
 
 void TSchemaWriter::QualifierDecl(const ICIMQualifierDecl& decl) {
+  if (NDescribe::IsStringKindQualifier(decl.GetName())) return;
   if (!AreKnown(decl.GetScope(), kScopes) || !AreKnown(decl.GetFlavor(), kFlavors)) {
     fUnknownBits.Add(decl.GetName());
   }
@@ -111,12 +109,18 @@ void TSchemaWriter::Scope(std::uint32_t scope) {
 
 void TSchemaWriter::Qualifier(const ICIMQualifier& qualifier) {
   const auto decl = qualifier.GetDecl();
+  if (NDescribe::IsStringKindQualifier(decl->GetName())) return;
   fXML.Markup("<QUALIFIER").Attribute("NAME", decl->GetName());
   fXML.Attribute("TYPE", KeywordOf(decl->GetDefaultValue().GetType()));
   Flavor(decl->GetFlavor());
   fXML.Markup(">");
   fValues.Value(decl->GetName(), qualifier.GetValue());
   fXML.Markup("</QUALIFIER>\n");
+}
+
+void TSchemaWriter::Mark(std::string_view name) {
+  fXML.Markup("<QUALIFIER").Attribute("NAME", name).Attribute("TYPE", "boolean");
+  fXML.Markup("><VALUE>TRUE</VALUE></QUALIFIER>\n");
 }
 
 template <typename TQualified>
@@ -136,11 +140,13 @@ void TSchemaWriter::PropertyDecl(const ICIMPropertyDecl& decl, const TCIMValue* 
   }
   const char* const element = TValueWriter::PropertyElement(value.GetType());
   fXML.Markup("<").Markup(element);
-  fValues.PropertyAttributes(decl.GetName(), declared, TValueWriter::FixedSizeOf(value), true);
+  fValues.PropertyAttributes(decl.GetName(), declared,
+                             {TValueWriter::FixedSizeOf(value), NDescribe::StringKindOf(decl)},
+                             true);
   fXML.Markup(">\n");
   Qualifiers(decl);
   if (staticValue != nullptr) {
-    if (!HasQualifier(decl, kStatic)) fXML.Markup(kStaticQualifier).Markup("\n");
+    if (!HasQualifier(decl, kStatic)) Mark(kStatic);
     const bool hasOtherDefault = !IsAbsent(declared) && declared != *staticValue;
     if (hasOtherDefault) fValues.LeaveOut(decl.GetName(), "the default of a static property");
   }
@@ -154,9 +160,11 @@ void TSchemaWriter::StaticProperty(const ICIMProperty& property) {
   if (!HasPropertyElement(value.GetType())) return;
   const char* const element = TValueWriter::PropertyElement(value.GetType());
   fXML.Markup("<").Markup(element);
-  fValues.PropertyAttributes(decl->GetName(), value, TValueWriter::FixedSizeOf(value), true);
-  fXML.Attribute("PROPAGATED", "true").Markup(">");
-  fXML.Markup(kStaticQualifier);
+  fValues.PropertyAttributes(decl->GetName(), value,
+                             {TValueWriter::FixedSizeOf(value), NDescribe::StringKindOf(*decl)},
+                             true);
+  fXML.Attribute("PROPAGATED", "true").Markup(">\n");
+  Mark(kStatic);
   fValues.Value(decl->GetName(), value);
   fXML.Markup("</").Markup(element).Markup(">\n");
 }
@@ -168,13 +176,14 @@ void TSchemaWriter::Method(const ICIMMethodDecl& method) {
     return;
   }
   fXML.Markup("<METHOD").Attribute("NAME", method.GetName());
-  if (type != TCIMType::kCIMTypeNone) {
-    fXML.Attribute("TYPE", KeywordOf(type));
-  } else if (fValues.GetReaders() == kOldReaders) {
-    fXML.Attribute("TYPE", KeywordOf(TCIMType::kCIMTypeUint32));  // the usual type of a result
-  }
+  // A TYPE is optional in CIM-XML, but programs refuse methods that lack it. The usual type of a
+  // result takes its place, with a mark by which it is not taken for one.
+  const bool hasType = type != TCIMType::kCIMTypeNone;
+  fValues.TypeAttribute(hasType ? type : TCIMType(TCIMType::kCIMTypeUint32),
+                        NDescribe::StringKindOf(method));
   fXML.Markup(">\n");
   Qualifiers(method);
+  if (!hasType) Mark(kNoReturnValue);
   method.EnumerateParameterDecls([this](const boost::shared_ptr<ICIMParameterDecl>& parameter) {
     Parameter(*parameter);
     return true;
@@ -187,7 +196,9 @@ void TSchemaWriter::Parameter(const ICIMParameterDecl& parameter) {
   const char* const element = ParameterElement(type);
   fXML.Markup("<").Markup(element).Attribute("NAME", parameter.GetName());
   if (ElementType(type) != TCIMType::kCIMTypeReference) {
-    fXML.Attribute("TYPE", KeywordOf(type));
+    fValues.TypeAttribute(type, NDescribe::StringKindOf(parameter));
+  } else if (const std::string name = GetReferencedClassName(parameter); !name.empty()) {
+    fXML.Attribute("REFERENCECLASS", name);
   }
   fXML.Markup(">\n");
   Qualifiers(parameter);

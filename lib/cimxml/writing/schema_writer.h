@@ -5,6 +5,8 @@
 
 #include <qdxcore/interfaces.h>
 
+#include <string_view>
+
 #include "value_writer.h"
 #include "xml/counted_warning.h"
 #include "xml/xml_writer.h"
@@ -21,6 +23,9 @@ namespace NVORNQDX20::NCIMXML {
 /// property, it is the declaration, with the value in place of the default, which is left out if it
 /// is another one. If the property is inherited, it is propagated. Other inherited declarations are
 /// not repeated.
+///
+/// What a string is declared as is written as such: as the type char16, or as the attribute
+/// EmbeddedObject, which older readers do not know.
 class TSchemaWriter {
  public:
   TSchemaWriter(TXMLWriter& xml, TValueWriter& values, TCountedWarning& unknownBits)
@@ -33,6 +38,8 @@ class TSchemaWriter {
   void Flavor(std::uint32_t flavor);
   void Scope(std::uint32_t scope);
   void Qualifier(const ICIMQualifier& qualifier);
+  /// Writes a qualifier of xml/marks.h.
+  void Mark(std::string_view name);
   template <typename TQualified>
   void Qualifiers(const TQualified& element);
   void Properties(const ICIMClass& cimClass);

@@ -98,22 +98,33 @@ void TValueWriter::Literal(const TCIMValue& value) {
   }
 }
 
+void TValueWriter::TypeAttribute(TCIMType type, NDescribe::EStringKind kind) {
+  const bool isCharacter =
+      kind == NDescribe::EStringKind::kCharacter && ElementType(type) == TCIMType::kCIMTypeString;
+  fXML.Attribute("TYPE", KeywordOf(isCharacter ? TCIMType(TCIMType::kCIMTypeChar) : type));
+}
+
 void TValueWriter::PropertyAttributes(const std::string& name, const TCIMValue& value,
-                                      unsigned int fixedSize, bool withClass) {
+                                      const TDeclaredProperty& declared, bool withClass) {
   fXML.Attribute("NAME", name);
-  if (!value.IsReference()) fXML.Attribute("TYPE", KeywordOf(value.GetType()));
-  if (fixedSize != 0) fXML.Attribute("ARRAYSIZE", std::to_string(fixedSize));
+  if (!value.IsReference()) TypeAttribute(value.GetType(), declared.fStringKind);
+  if (declared.fFixedSize != 0) fXML.Attribute("ARRAYSIZE", std::to_string(declared.fFixedSize));
+  const bool isEmbedded = declared.fStringKind >= NDescribe::EStringKind::kEmbeddedObject;
+  if (isEmbedded && fReaders == kCurrentReaders) {
+    fXML.Attribute("EmbeddedObject", NDescribe::KeywordOf(declared.fStringKind));
+  }
   const auto referenced = withClass ? value.GetReferencedClass() : nullptr;
   if (referenced) fXML.Attribute("REFERENCECLASS", referenced->GetName({}));
 }
 
 void TValueWriter::Property(const std::string& name, const TCIMValue& value,
-                            unsigned int declaredSize) {
+                            const TDeclaredProperty& declared) {
   const char* const element = PropertyElement(value.GetType());
   fXML.Markup("<").Markup(element);
   // A non-null reference has its class in its path.
-  const bool isFixed = declaredSize != 0 && FixedSizeOf(value) == declaredSize;
-  PropertyAttributes(name, value, isFixed ? declaredSize : 0, value.IsNull());
+  const bool isFixed = declared.fFixedSize != 0 && FixedSizeOf(value) == declared.fFixedSize;
+  PropertyAttributes(name, value, {isFixed ? declared.fFixedSize : 0, declared.fStringKind},
+                     value.IsNull());
   if (!CanHold(name, value)) {
     fXML.Markup("/>\n");
     return;
@@ -134,14 +145,15 @@ void TValueWriter::NamespacePath(const std::string& name) {
   fXML.Markup("</LOCALNAMESPACEPATH>");
 }
 
-void TValueWriter::KeyBinding(const std::string& name, const TCIMValue& value) {
+void TValueWriter::KeyBinding(const std::string& name, const TCIMValue& value,
+                              NDescribe::EStringKind kind) {
   fXML.Markup("<KEYBINDING").Attribute("NAME", name).Markup(">");
   if (const TCIMReference* const reference = value.FindReference()) {
     Reference(*reference);
   } else {
     const TCIMType type = value.GetType();
     fXML.Markup("<KEYVALUE").Attribute("VALUETYPE", ValueTypeOf(type));
-    if (fReaders == kCurrentReaders) fXML.Attribute("TYPE", KeywordOf(type));
+    if (fReaders == kCurrentReaders) TypeAttribute(type, kind);
     fXML.Markup(">");
     Literal(value);
     fXML.Markup("</KEYVALUE>");

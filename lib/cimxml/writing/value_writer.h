@@ -5,6 +5,7 @@
 
 #include <qdxcimxml/document_writer.h>
 #include <qdxcore/interfaces.h>
+#include <qdxdescribe/string_kind.h>
 
 #include <string>
 
@@ -13,6 +14,12 @@
 #include "xml/xml_writer.h"
 
 namespace NVORNQDX20::NCIMXML {
+
+/// What a class declares, and the elements of its instances repeat.
+struct TDeclaredProperty {
+  unsigned int fFixedSize = 0;  ///< TValueWriter::FixedSizeOf() the declaration.
+  NDescribe::EStringKind fStringKind = NDescribe::EStringKind::kText;
+};
 
 /// A value that CIM-XML cannot express becomes null, and is counted in `leftOut`.
 class TValueWriter {
@@ -38,14 +45,17 @@ class TValueWriter {
   /// Writes VALUE, VALUE.ARRAY or VALUE.REFERENCE; nothing for a null value. `member` is the owner
   /// of the value, for messages.
   void Value(const std::string& member, const TCIMValue& value);
-  /// Writes the attributes of a property's start tag; ARRAYSIZE unless `fixedSize` is 0.
-  void PropertyAttributes(const std::string& name, const TCIMValue& value, unsigned int fixedSize,
-                          bool withClass);
-  /// Writes a complete property of an instance. `declaredSize` is FixedSizeOf() its declaration.
-  void Property(const std::string& name, const TCIMValue& value, unsigned int declaredSize);
+  /// Writes the attributes of a property's start tag; ARRAYSIZE unless the fixed size is 0.
+  void PropertyAttributes(const std::string& name, const TCIMValue& value,
+                          const TDeclaredProperty& declared, bool withClass);
+  /// Writes a complete property of an instance.
+  void Property(const std::string& name, const TCIMValue& value, const TDeclaredProperty& declared);
   void NamespacePath(const std::string& name);
   /// REQUIRES: ObstacleToKey() is null for the value.
-  void KeyBinding(const std::string& name, const TCIMValue& value);
+  void KeyBinding(const std::string& name, const TCIMValue& value,
+                  NDescribe::EStringKind kind = NDescribe::EStringKind::kText);
+  /// Writes the attribute TYPE; not for references.
+  void TypeAttribute(TCIMType type, NDescribe::EStringKind kind);
 
  private:
   /// Returns whether CIM-XML can express the value; counts a value that it cannot express.

@@ -77,10 +77,10 @@ constexpr std::string_view kElements[] = {"CIM",
                                           "VALUE.REFERENCE"};
 
 constexpr std::string_view kAttributes[] = {
-    "ARRAYSIZE",  "ASSOCIATION",  "CLASS",     "CLASSNAME",      "CODE",        "DESCRIPTION",
-    "INDICATION", "ISARRAY",      "METHOD",    "NAME",           "OVERRIDABLE", "PARAMETER",
-    "PROPAGATED", "PROPERTY",     "REFERENCE", "REFERENCECLASS", "SUPERCLASS",  "TOINSTANCE",
-    "TOSUBCLASS", "TRANSLATABLE", "TYPE",      "VALUETYPE"};
+    "ARRAYSIZE",      "ASSOCIATION",    "CLASS",      "CLASSNAME",    "CODE",      "DESCRIPTION",
+    "EMBEDDEDOBJECT", "EmbeddedObject", "INDICATION", "ISARRAY",      "METHOD",    "NAME",
+    "OVERRIDABLE",    "PARAMETER",      "PROPAGATED", "PROPERTY",     "REFERENCE", "REFERENCECLASS",
+    "SUPERCLASS",     "TOINSTANCE",     "TOSUBCLASS", "TRANSLATABLE", "TYPE",      "VALUETYPE"};
 
 /// Finds names by a hash that is computed when the library is compiled.
 template <std::size_t kCount>
