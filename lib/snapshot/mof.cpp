@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <iterator>
+#include <optional>
 #include <string_view>
 #include <type_traits>
 
@@ -22,6 +23,7 @@ namespace NVORNQDX20 {
 namespace {
 
 using TType = TCIMValue::TCIMType;
+using NDescribe::EStringKind;
 using TTexts = std::vector<std::string>;
 
 constexpr std::size_t kLineWidth = 90;
@@ -112,9 +114,21 @@ std::string Literal(T number) {
   return literal;
 }
 
+/// Returns a text that is declared as a character in single quotes.
+std::string CharacterText(const std::string& text) {
+  std::string_view rest = text;
+  const auto codePoint = rest.empty() ? std::nullopt : TakeCharacter(rest).fCodePoint;
+  constexpr char32_t kLast = 0xFFFF;
+  if (!codePoint || *codePoint > kLast || !rest.empty()) return "null /* no character */";
+  const std::string escape = text == "'" ? "\\'" : EscapeOf(*codePoint);
+  return "'" + (escape.empty() ? text : escape) + "'";
+}
+
 /// Returns a value without its parentheses or braces.
-std::string ScalarText(const TCIMValue& value) {
+std::string ScalarText(const TCIMValue& value, bool isCharacter = false) {
   if (value.IsNull()) return "null";
+  const std::string* const text = isCharacter ? value.FindString() : nullptr;
+  if (text != nullptr) return CharacterText(*text);
   return NModel::VisitScalar(value, [](const auto& native) { return Literal(native); });
 }
 
@@ -131,10 +145,11 @@ std::string StringText(const std::string& text, std::size_t indent) {
 }
 
 /// Returns "{...}"; the value must have elements.
-std::string ArrayText(const std::vector<TCIMValue>& elements, std::size_t indent) {
+std::string ArrayText(const std::vector<TCIMValue>& elements, std::size_t indent,
+                      bool areCharacters = false) {
   TTexts texts;
   texts.reserve(elements.size());
-  for (const TCIMValue& element : elements) texts.push_back(ScalarText(element));
+  for (const TCIMValue& element : elements) texts.push_back(ScalarText(element, areCharacters));
   return "{" + Listed(texts, ",", indent) + "}";
 }
 
@@ -144,12 +159,14 @@ bool IsEmptyArray(const TCIMValue& value) {
   return elements.empty();
 }
 
-std::string InitializerText(const TCIMValue& value, std::size_t indent) {
+std::string InitializerText(const TCIMValue& value, std::size_t indent,
+                            EStringKind kind = EStringKind::kText) {
+  const bool isCharacter = kind == EStringKind::kCharacter;
   if (value.IsNull()) return "";
   if (IsEmptyArray(value)) return " /* = an empty array */";
-  if (value.IsArray()) return " = " + ArrayText(value, indent);
-  const std::string* const text = value.FindString();
-  return " = " + (text != nullptr ? StringText(*text, indent) : ScalarText(value));
+  if (value.IsArray()) return " = " + ArrayText(value, indent, isCharacter);
+  const std::string* const text = isCharacter ? nullptr : value.FindString();
+  return " = " + (text != nullptr ? StringText(*text, indent) : ScalarText(value, isCharacter));
 }
 
 std::string QualifierText(const TQualifierValue& qualifier, std::size_t indent) {
@@ -177,14 +194,27 @@ std::string QualifierList(const std::vector<TQualifierValue>& qualifiers, std::s
   return "[" + boost::algorithm::join(texts, ",\n" + std::string(indent + 1, ' ')) + "]" + end;
 }
 
+/// The words that the grammar reserves, each between blanks. Names of qualifiers may be such words.
+constexpr std::string_view kReserved =
+    " any as association boolean char16 class datetime disableoverride enableoverride false flavor"
+    " indication instance method null of parameter pragma property qualifier real32 real64 ref"
+    " reference restricted schema scope sint16 sint32 sint64 sint8 string tosubclass translatable"
+    " true uint16 uint32 uint64 uint8 ";
+
+std::string Name(const std::string& name) {
+  const bool isReserved = kReserved.find(" " + NModel::Folded(name) + " ") != kReserved.npos;
+  return isReserved ? name + "_ /* " + name + " */" : name;
+}
+
 /// Returns a keyword, or the class of a reference. Types that MOF lacks get a comment.
-std::string DataType(TType type, const std::string& referencedClass) {
+std::string DataType(TType type, const std::string& referencedClass, EStringKind kind) {
   const TType element = NModel::ElementType(type);
-  if (element == TType::kCIMTypeChar) return "char16";
+  if (kind == EStringKind::kCharacter || element == TType::kCIMTypeChar) return "char16";
   if (!NModel::HasKeyword(type)) return "/* no type */ uint32";
+  if (kind != EStringKind::kText) return "string /* embedded " + NDescribe::KeywordOf(kind) + " */";
   if (element != TType::kCIMTypeReference) return element.ToString();
   return (referencedClass.empty() ? "/* of an unknown class */ CIM_ManagedElement"
-                                  : referencedClass) +
+                                  : Name(referencedClass)) +
          " REF";
 }
 
@@ -195,22 +225,24 @@ std::string ArrayMark(const TCIMValue& value) {
 }
 
 std::string PropertyText(const TPropertySchema& property) {
+  const TCIMValue& value = property.fDefault;
   return "  " + QualifierList(property.fQualifiers, 2, "", "\n  ") +
-         DataType(property.fDefault.GetType(), property.fReferencedClass) + " " + property.fName +
-         ArrayMark(property.fDefault) + InitializerText(property.fDefault, 6) + ";\n";
+         DataType(value.GetType(), property.fReferencedClass, property.fStringKind) + " " +
+         Name(property.fName) + ArrayMark(value) + InitializerText(value, 6, property.fStringKind) +
+         (property.fIsStatic ? " /* static */;\n" : ";\n");
 }
 
 std::string ParameterText(const TParameterSchema& parameter) {
   return "\n    " + QualifierList(parameter.fQualifiers, 4, "", "\n    ") +
-         DataType(parameter.fType, "") + " " + parameter.fName +
-         (NModel::IsArray(parameter.fType) ? "[]" : "");
+         DataType(parameter.fType, parameter.fReferencedClass, parameter.fStringKind) + " " +
+         Name(parameter.fName) + (NModel::IsArray(parameter.fType) ? "[]" : "");
 }
 
 std::string MethodText(const TMethodSchema& method) {
   TTexts parameters;
   for (const TParameterSchema& each : method.fParameters) parameters.push_back(ParameterText(each));
   return "  " + QualifierList(method.fQualifiers, 2, "", "\n  ") +
-         DataType(method.fReturnType, "") + " " + method.fName + "(" +
+         DataType(method.fReturnType, "", method.fStringKind) + " " + Name(method.fName) + "(" +
          boost::algorithm::join(parameters, ",") + ");\n";
 }
 
@@ -227,7 +259,8 @@ TTexts ScopeNames(std::uint32_t scope) {
     if ((scope & bit) != 0) names.emplace_back(name);
   }
   // The grammar requires one.
-  if (names.empty() || names.size() == std::size(kScopeNames)) return {"any"};
+  if (names.empty()) return {"any /* none */"};
+  if (names.size() == std::size(kScopeNames)) return {"any"};
   return names;
 }
 
@@ -242,8 +275,9 @@ std::string ClassAsMOF(const TClassSchema& cimClass) {
   const std::string kind = cimClass.fIsAssociation  ? "Association"
                            : cimClass.fIsIndication ? "Indication"
                                                     : "";
-  std::string text = QualifierList(cimClass.fQualifiers, 0, kind, "\n") + "class " + cimClass.fName;
-  if (!cimClass.fSuperclass.empty()) text += " : " + cimClass.fSuperclass;
+  std::string text =
+      QualifierList(cimClass.fQualifiers, 0, kind, "\n") + "class " + Name(cimClass.fName);
+  if (!cimClass.fSuperclass.empty()) text += " : " + Name(cimClass.fSuperclass);
   text += " {\n";
   for (const TPropertySchema& property : cimClass.fProperties) {
     if (property.fOrigin.fClass == cimClass.fName) text += PropertyText(property);
@@ -256,7 +290,8 @@ std::string ClassAsMOF(const TClassSchema& cimClass) {
 
 std::string QualifierAsMOF(const TQualifierSchema& qualifier) {
   const TCIMValue& value = qualifier.fDefault;
-  return "Qualifier " + qualifier.fName + " : " + DataType(value.GetType(), "") + ArrayMark(value) +
+  return "Qualifier " + qualifier.fName + " : " +
+         DataType(value.GetType(), "", EStringKind::kText) + ArrayMark(value) +
          InitializerText(value, 4) + ",\n    Scope(" +
          boost::algorithm::join(ScopeNames(qualifier.fScope), ", ") + "),\n    Flavor(" +
          boost::algorithm::join(FlavorNames(qualifier.fFlavor), ", ") + ");\n";

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxsnapshot/schema.h>
 
+#include <qdxcore/reference_parameter.h>
 #include <qdxmodel/classes.h>
 #include <qdxmodel/names.h>
 
@@ -14,11 +15,13 @@ namespace {
 
 using TClass = boost::shared_ptr<ICIMClass>;
 
+/// Without the one that the kinds of strings are made of.
 template <typename TQualified>
 std::vector<TQualifierValue> QualifiersOf(const TQualified& element) {
   std::vector<TQualifierValue> qualifiers;
   element.EnumerateQualifiers([&qualifiers](const boost::shared_ptr<ICIMQualifier>& each) {
-    qualifiers.push_back({each->GetDecl()->GetName(), each->GetValue()});
+    const std::string& name = each->GetDecl()->GetName();
+    if (!NDescribe::IsStringKindQualifier(name)) qualifiers.push_back({name, each->GetValue()});
     return true;
   });
   return qualifiers;
@@ -121,6 +124,7 @@ std::vector<TPropertySchema> ReadProperties(const std::vector<TClass>& line) {
     const auto referenced = declared.GetReferencedClass();
     properties.push_back({feature.fDecl->GetName(), feature.fStatic ? *feature.fStatic : declared,
                           referenced ? referenced->GetName({}) : "", feature.fIsKey,
+                          feature.fStatic != nullptr, NDescribe::StringKindOf(*feature.fDecl),
                           feature.fOrigin, QualifiersOf(*feature.fDecl)});
   }
   return properties;
@@ -129,7 +133,8 @@ std::vector<TPropertySchema> ReadProperties(const std::vector<TClass>& line) {
 std::vector<TParameterSchema> ParametersOf(const ICIMMethodDecl& method) {
   std::vector<TParameterSchema> parameters;
   method.EnumerateParameterDecls([&parameters](const boost::shared_ptr<ICIMParameterDecl>& each) {
-    parameters.push_back({each->GetName(), each->GetType(), QualifiersOf(*each)});
+    parameters.push_back({each->GetName(), each->GetType(), GetReferencedClassName(*each),
+                          NDescribe::StringKindOf(*each), QualifiersOf(*each)});
     return true;
   });
   return parameters;
@@ -147,8 +152,8 @@ std::vector<TMethodSchema> ReadMethods(const std::vector<TClass>& line) {
   }
   std::vector<TMethodSchema> methods;
   for (const auto& [decl, origin, level, isKey, value] : features.Take()) {
-    methods.push_back(
-        {decl->GetName(), decl->GetReturnType(), origin, QualifiersOf(*decl), ParametersOf(*decl)});
+    methods.push_back({decl->GetName(), decl->GetReturnType(), NDescribe::StringKindOf(*decl),
+                       origin, QualifiersOf(*decl), ParametersOf(*decl)});
   }
   return methods;
 }
@@ -191,6 +196,7 @@ std::vector<TQualifierSchema> ReadQualifiers(const ICIMNamespace& ns) {
   std::vector<TQualifierSchema> qualifiers;
   qualifiers.reserve(decls.size());
   for (const auto& each : decls) {
+    if (NDescribe::IsStringKindQualifier(each->GetName())) continue;
     qualifiers.push_back(
         {each->GetName(), each->GetDefaultValue(), each->GetScope(), each->GetFlavor()});
   }

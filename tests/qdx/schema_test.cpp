@@ -25,7 +25,8 @@ const char* const kDocument = R"xml(<?xml version="1.0"?>
 <PROPERTY NAME="Size" TYPE="uint64"><VALUE>5</VALUE></PROPERTY>
 <METHOD NAME="Reset" TYPE="uint32">
 <PARAMETER NAME="Force" TYPE="boolean"><QUALIFIER NAME="Note" TYPE="string"><VALUE>now</VALUE></QUALIFIER></PARAMETER>
-<PARAMETER.ARRAY NAME="Names" TYPE="string"/></METHOD>
+<PARAMETER.ARRAY NAME="Names" TYPE="string"/>
+<PARAMETER.REFARRAY NAME="Ref" REFERENCECLASS="T_Link"/></METHOD>
 </CLASS></VALUE.OBJECT>
 <VALUE.OBJECT><CLASS NAME="T_Sub" SUPERCLASS="T_Base">
 <PROPERTY NAME="Size" TYPE="uint64"><VALUE>7</VALUE></PROPERTY>
@@ -35,6 +36,9 @@ const char* const kDocument = R"xml(<?xml version="1.0"?>
 <PROPERTY NAME="Since" TYPE="datetime"><VALUE>20040315143000.000000+060</VALUE></PROPERTY>
 <PROPERTY.ARRAY NAME="Four" TYPE="sint8" ARRAYSIZE="4"><VALUE.ARRAY><VALUE>-1</VALUE><VALUE>2</VALUE></VALUE.ARRAY></PROPERTY.ARRAY>
 <PROPERTY.ARRAY NAME="None" TYPE="string"><VALUE.ARRAY/></PROPERTY.ARRAY>
+<PROPERTY.ARRAY NAME="Letters" TYPE="char16"><VALUE.ARRAY><VALUE>'</VALUE><VALUE>&#9;</VALUE><VALUE>ab</VALUE></VALUE.ARRAY></PROPERTY.ARRAY>
+<PROPERTY NAME="Id" TYPE="string" PROPAGATED="true"><QUALIFIER NAME="Static" TYPE="boolean"><VALUE>TRUE</VALUE></QUALIFIER><VALUE>own</VALUE></PROPERTY>
+<PROPERTY NAME="Part" TYPE="string" EmbeddedObject="instance"/>
 <PROPERTY NAME="Kind" TYPE="uint8"><QUALIFIER NAME="Values" TYPE="string"><VALUE.ARRAY><VALUE>a, b</VALUE><VALUE/></VALUE.ARRAY></QUALIFIER></PROPERTY>
 </CLASS></VALUE.OBJECT>
 <VALUE.OBJECT><CLASS NAME="T_Link">
@@ -96,6 +100,8 @@ class QDXSchema : public ::testing::Test {
 TEST_F(QDXSchema, ShowsWhatAClassDeclaresAndInherits) {
   EXPECT_EQ(Show({"T_Sub", "--schema"}).fOutput, R"(root/t
   T_Sub  (subclass of T_Base)
+    string Id = own  (key, static, overrides T_Base)
+      Key  true
     uint64 Size = 7  (overrides T_Base)
     real32 Ratio = 2.0
     real64 Far = 1e+21
@@ -103,19 +109,20 @@ TEST_F(QDXSchema, ShowsWhatAClassDeclaresAndInherits) {
     datetime Since = 20040315143000.000000+060
     sint8[4] Four = { -1, 2 }
     string[] None = { }
+    char16[] Letters = { ', ?, ab }
+    string Part  (embedded instance)
     uint8 Kind
       Values  { "a, b", "" }
-    string Id  (key, from T_Base)
-      Key  true
     uint32 Reset()  (from T_Base)
       boolean Force
         Note  now
       string[] Names
+      T_Link reference[] Ref
 )");
   const auto json = nlohmann::json::parse(Show({"t_sub", "--schema", "--json"}).fOutput);
   const auto& shown = json["namespaces"][0]["classes"][0];
   EXPECT_EQ(shown["superclass"], "T_Base");
-  EXPECT_EQ(shown["properties"][0],
+  EXPECT_EQ(shown["properties"][1],
             nlohmann::json::parse(R"({"property": "Size", "type": "uint64", "key": false,
                 "default": "7", "declaredIn": "T_Sub", "overrides": "T_Base", "qualifiers": {}})"));
   EXPECT_EQ(shown["methods"][0]["parameters"][0], nlohmann::json::parse(R"({"parameter": "Force",
@@ -149,10 +156,13 @@ class T_Base {
   uint32 Reset(
     [Note ("now")]
     boolean Force,
-    string Names[]);
+    string Names[],
+    T_Link REF Ref_ /* Ref */[]);
 };
 
 class T_Sub : T_Base {
+  [Key]
+  string Id = "own" /* static */;
   uint64 Size = 7;
   real32 Ratio = 2.0;
   real64 Far = 1.0e+21;
@@ -160,6 +170,8 @@ class T_Sub : T_Base {
   datetime Since = "20040315143000.000000+060";
   sint8 Four[4] = {-1, 2};
   string None[] /* = an empty array */;
+  char16 Letters[] = {'\'', '\t', null /* no character */};
+  string /* embedded instance */ Part;
   [Values {"a, b", ""}]
   uint8 Kind;
 };

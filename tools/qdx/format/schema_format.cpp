@@ -11,6 +11,7 @@
 namespace NVORNQDX20 {
 namespace {
 
+using NDescribe::EStringKind;
 using TType = TCIMValue::TCIMType;
 
 std::string Line(std::size_t indent, const std::string& text,
@@ -34,10 +35,24 @@ std::string Sanitised(const std::string& text) {
   return lines;
 }
 
+/// Returns a type such as "uint8[]" or "CIM_Disk reference".
+std::string TypeOf(TType type, EStringKind kind, const std::string& referencedClass = "") {
+  const std::string text = NModel::TypeText(type);
+  if (kind == EStringKind::kCharacter) {
+    return NDescribe::KeywordOf(kind) + (NModel::IsArray(type) ? "[]" : "");
+  }
+  return referencedClass.empty() ? text : referencedClass + " " + text;
+}
+
+/// Returns "object" or "instance"; empty if the strings are something else.
+std::string EmbeddedIn(const TPropertySchema& property) {
+  const bool isEmbedded = property.fStringKind >= EStringKind::kEmbeddedObject;
+  return isEmbedded ? NDescribe::KeywordOf(property.fStringKind) : "";
+}
+
 std::string PropertySignature(const TPropertySchema& property, const std::string& ns) {
   const TCIMValue& value = property.fDefault;
-  std::string text = property.fReferencedClass.empty() ? NModel::TypeText(value.GetType())
-                                                       : property.fReferencedClass + " reference";
+  std::string text = TypeOf(value.GetType(), property.fStringKind, property.fReferencedClass);
   if (value.IsArray() && value.GetMaxArraySize() != 0) {
     text.insert(text.size() - 1, std::to_string(value.GetMaxArraySize()));
   }
@@ -45,14 +60,27 @@ std::string PropertySignature(const TPropertySchema& property, const std::string
   return value.IsNull() ? text : text + " = " + PlainText(ToJSON(value, ns));
 }
 
-/// Returns what is to be said about a property or method of the class besides its signature.
-std::string RemarkOn(const TFeatureOrigin& origin, const std::string& className, bool isKey) {
-  std::string remark = isKey ? "key" : "";
-  const auto add = [&remark](const std::string& text) {
-    remark += (remark.empty() ? "" : ", ") + text;
-  };
-  if (origin.fClass != className) add("from " + origin.fClass);
-  if (!origin.fOverridden.empty()) add("overrides " + origin.fOverridden);
+/// Adds to a remark such as "key, from C".
+void AddRemark(std::string& remark, const std::string& text) {
+  remark += (remark.empty() ? "" : ", ") + text;
+}
+
+/// Returns what is to be said about the value of a property.
+std::string RemarkOnValue(const TPropertySchema& property) {
+  std::string remark;
+  const std::string embedded = EmbeddedIn(property);
+  if (property.fIsKey) AddRemark(remark, "key");
+  if (property.fIsStatic) AddRemark(remark, "static");
+  if (!embedded.empty()) AddRemark(remark, "embedded " + embedded);
+  return remark;
+}
+
+/// Returns what is to be said about a property or method of the class besides its signature,
+/// beginning with `remark`.
+std::string RemarkOn(const TFeatureOrigin& origin, const std::string& className,
+                     std::string remark = "") {
+  if (origin.fClass != className) AddRemark(remark, "from " + origin.fClass);
+  if (!origin.fOverridden.empty()) AddRemark(remark, "overrides " + origin.fOverridden);
   return remark.empty() ? "" : "  (" + remark + ")";
 }
 
@@ -69,11 +97,12 @@ std::string FormatQualifiers(const std::vector<TQualifierValue>& qualifiers, std
 
 std::string FormatMethod(const TMethodSchema& method, const std::string& className,
                          const std::string& ns) {
-  std::string text = Line(4, NModel::TypeText(method.fReturnType) + " " + method.fName + "()" +
-                                 RemarkOn(method.fOrigin, className, false));
+  std::string text = Line(4, TypeOf(method.fReturnType, method.fStringKind) + " " + method.fName +
+                                 "()" + RemarkOn(method.fOrigin, className));
   text += FormatQualifiers(method.fQualifiers, 6, ns);
   for (const TParameterSchema& parameter : method.fParameters) {
-    text += Line(6, NModel::TypeText(parameter.fType) + " " + parameter.fName);
+    text += Line(6, TypeOf(parameter.fType, parameter.fStringKind, parameter.fReferencedClass) +
+                        " " + parameter.fName);
     text += FormatQualifiers(parameter.fQualifiers, 8, ns);
   }
   return text;
@@ -86,7 +115,7 @@ std::string FormatClass(const TClassSchema& cimClass, const std::string& ns) {
   text += FormatQualifiers(cimClass.fQualifiers, 4, ns);
   for (const TPropertySchema& property : cimClass.fProperties) {
     text += Line(4, PropertySignature(property, ns) +
-                        RemarkOn(property.fOrigin, cimClass.fName, property.fIsKey));
+                        RemarkOn(property.fOrigin, cimClass.fName, RemarkOnValue(property)));
     text += FormatQualifiers(property.fQualifiers, 6, ns);
   }
   for (const TMethodSchema& method : cimClass.fMethods) {
@@ -105,10 +134,14 @@ TJSON QualifiersAsJSON(const std::vector<TQualifierValue>& qualifiers, const std
 
 TJSON PropertyAsJSON(const TPropertySchema& property, const std::string& ns) {
   const TCIMValue& value = property.fDefault;
-  TJSON json = {{"property", property.fName}, {"type", NModel::TypeText(value.GetType())}};
+  TJSON json = {{"property", property.fName},
+                {"type", TypeOf(value.GetType(), property.fStringKind)}};
   if (value.IsArray() && value.GetMaxArraySize() != 0) json["size"] = value.GetMaxArraySize();
   if (!property.fReferencedClass.empty()) json["referencedClass"] = property.fReferencedClass;
   json["key"] = property.fIsKey;
+  if (property.fIsStatic) json["static"] = true;
+  const std::string embedded = EmbeddedIn(property);
+  if (!embedded.empty()) json["embedded"] = embedded;
   json["default"] = ToJSON(value, ns);
   json["declaredIn"] = property.fOrigin.fClass;
   json["overrides"] = TextOrNull(property.fOrigin.fOverridden);
@@ -116,15 +149,21 @@ TJSON PropertyAsJSON(const TPropertySchema& property, const std::string& ns) {
   return json;
 }
 
+TJSON ParameterAsJSON(const TParameterSchema& parameter, const std::string& ns) {
+  TJSON json = {{"parameter", parameter.fName},
+                {"type", TypeOf(parameter.fType, parameter.fStringKind)}};
+  if (!parameter.fReferencedClass.empty()) json["referencedClass"] = parameter.fReferencedClass;
+  json["qualifiers"] = QualifiersAsJSON(parameter.fQualifiers, ns);
+  return json;
+}
+
 TJSON MethodAsJSON(const TMethodSchema& method, const std::string& ns) {
   TJSON parameters = TJSON::array();
-  for (const auto& [name, type, qualifiers] : method.fParameters) {
-    parameters.push_back({{"parameter", name},
-                          {"type", NModel::TypeText(type)},
-                          {"qualifiers", QualifiersAsJSON(qualifiers, ns)}});
+  for (const TParameterSchema& parameter : method.fParameters) {
+    parameters.push_back(ParameterAsJSON(parameter, ns));
   }
   return {{"method", method.fName},
-          {"type", NModel::TypeText(method.fReturnType)},
+          {"type", TypeOf(method.fReturnType, method.fStringKind)},
           {"declaredIn", method.fOrigin.fClass},
           {"overrides", TextOrNull(method.fOrigin.fOverridden)},
           {"qualifiers", QualifiersAsJSON(method.fQualifiers, ns)},

@@ -5,6 +5,7 @@
 #define QDXSNAPSHOT_SCHEMA_H_
 
 #include <qdxcore/interfaces.h>
+#include <qdxdescribe/string_kind.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -31,6 +32,8 @@ struct TPropertySchema {
   TCIMValue fDefault;  ///< Has the declared type; the static value if a class sets one.
   std::string fReferencedClass;
   bool fIsKey = false;
+  bool fIsStatic = false;  ///< The value is a static one.
+  NDescribe::EStringKind fStringKind = NDescribe::EStringKind::kText;
   TFeatureOrigin fOrigin;
   std::vector<TQualifierValue> fQualifiers;  ///< Of the nearest declaration.
 };
@@ -38,12 +41,15 @@ struct TPropertySchema {
 struct TParameterSchema {
   std::string fName;
   TCIMValue::TCIMType fType;
+  std::string fReferencedClass;  ///< Empty if not known.
+  NDescribe::EStringKind fStringKind = NDescribe::EStringKind::kText;
   std::vector<TQualifierValue> fQualifiers;
 };
 
 struct TMethodSchema {
   std::string fName;
   TCIMValue::TCIMType fReturnType;
+  NDescribe::EStringKind fStringKind = NDescribe::EStringKind::kText;
   TFeatureOrigin fOrigin;
   std::vector<TQualifierValue> fQualifiers;
   std::vector<TParameterSchema> fParameters;
