@@ -174,7 +174,7 @@ class TClassMaker {
                                           NameOfHolder(element) + " is ignored");
     }
     if (kind == NDescribe::EStringKind::kText || kind == NDescribe::StringKindOf(decl)) return;
-    Attempt({element, nullptr, "what the text is of "}, [&] {
+    Attempt({element, nullptr, "the kind of text of "}, [&] {
       constexpr std::size_t kQualifierBytes = 256;
       fSpace.GetMemory().AddHeld(kQualifierBytes, element);
       NDescribe::AddStringKind(*fSpace.GetNamespace(), decl, kind);
@@ -260,7 +260,7 @@ class TClassMaker {
     if (hasType) type = TypeAttribute(element);
     const auto method = fTarget->CreateMethodDecl(element.Get("NAME"), type, {});
     AddQualifiers(*method, element);
-    AddStringKind(*method, element);
+    if (hasType) AddStringKind(*method, element);
     for (const TElement& child : element.fChildren) {
       if (child.Is("QUALIFIER")) continue;
       Attempt({child, &element}, [&] {
