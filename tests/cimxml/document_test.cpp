@@ -215,5 +215,77 @@ TEST(CIMXMLPlugins, DoNothingWithoutAFile) {
   EXPECT_EQ(log.Messages(), TNames{"0 cimxml: /: Is a directory"});
 }
 
+/// Returns the classes of all instances.
+TNames ClassesOfInstancesIn(const ICIMNamespace& ns) {
+  std::vector<boost::shared_ptr<ICIMClass>> roots;
+  ns.EnumerateClasses(TAddToVectorCallback(roots), {});
+  TNames names;
+  for (const auto& root : roots) {
+    const auto add = [&names](const boost::shared_ptr<ICIMInstance>& each) {
+      return names.push_back(each->GetClass({})->GetName({})), true;
+    };
+    root->EnumerateInstances(add, true, {});
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+TEST(CIMXMLDocument, KeepsTheInstancesOfChosenClasses) {
+  const auto named = [](const std::string& cimClass, const std::string& others = "") {
+    return Tag("INSTANCENAME", "CLASSNAME='" + cimClass + "'", Binding("Id", "", "7")) +
+           Tag("INSTANCE", "CLASSNAME='" + cimClass + "'", others);
+  };
+  const std::string id =
+      Tag("PROPERTY", "NAME='Id' TYPE='string'",
+          "<QUALIFIER NAME='Key' TYPE='boolean'><VALUE>true</VALUE></QUALIFIER>");
+  const std::string wild =
+      "<PROPERTY NAME='w' TYPE='datetime'><VALUE>2004031514****.******+060</VALUE></PROPERTY>";
+  const std::string toOther =
+      "<PROPERTY.REFERENCE NAME='r'><VALUE.REFERENCE>"
+      "<INSTANCENAME CLASSNAME='Other'><KEYBINDING NAME='Id'><KEYVALUE>7</KEYVALUE></KEYBINDING>"
+      "</INSTANCENAME></VALUE.REFERENCE></PROPERTY.REFERENCE>";
+  TNames objects{named("Sub"),
+                 named("Other"),
+                 named("Undeclared"),
+                 Class(id + "<PROPERTY NAME='w' TYPE='datetime'/>"
+                            "<PROPERTY.REFERENCE NAME='r' REFERENCECLASS='Other'/>"),
+                 Class("", "NAME='Sub' SUPERCLASS='C'"),
+                 Class(id + "<PROPERTY NAME='t' TYPE='string'/>", "NAME='Other'"),
+                 named("C", wild + toOther)};
+  const std::string text(1000, 'x');
+  for (int i = 0; i < 3000; ++i) {
+    const std::string number = "<VALUE>" + std::to_string(i) + "</VALUE></PROPERTY>";
+    objects.push_back(Tag("INSTANCE", "CLASSNAME='Other'",
+                          "<PROPERTY NAME='Id' TYPE='string'>" + number +
+                              "<PROPERTY NAME='t' TYPE='string'><VALUE>" + text +
+                              "</VALUE></PROPERTY>"));
+  }
+  const TDocumentFile file(Document(objects));
+  NCIMXML::TReadingLimits limits;
+  limits.fMemory = 1 << 20;
+  const TLogCapture log;
+  EXPECT_QDX_STATUS(NCIMXML::ReadDocumentFile(file.Path(), limits),
+                    kQDXStatusInvalidDataCollectionDocument);
+  const struct {
+    TNames fChosen;
+    TNames fClasses;
+  } kCases[] = {
+      {{"c"}, {"C", "Sub", "VORNSG_UnavailableValue"}},
+      {{"Sub", "Undeclared"}, {"Sub", "Undeclared"}},
+      {{}, {}},
+  };
+  for (const auto& each : kCases) {
+    limits.fInstancesOf = each.fChosen;
+    const auto ns = NCIMXML::ReadDocumentFile(file.Path(), limits)->GetNamespace("root/cimv2", {});
+    EXPECT_EQ(ClassesOfInstancesIn(*ns), each.fClasses);
+    if (each.fChosen == TNames{"c"}) {
+      const auto kept = ns->GetClass("C", {})->GetInstance(ReferenceTo(ns, "C.Id=\"7\""), {});
+      EXPECT_EQ(kept->GetProperty("r", {})->GetValue().ToString(10), "Other.Id=\"7\"");
+    }
+    EXPECT_NO_THROW(ns->GetClass("Undeclared", {}));
+  }
+  EXPECT_EQ(log.Messages().size(), 1U);  // of the first attempt
+}
+
 }  // namespace
 }  // namespace NVORNQDX20

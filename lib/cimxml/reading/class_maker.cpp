@@ -345,9 +345,14 @@ void AddMadeClass(TSpace& space, const boost::shared_ptr<ICIMClass>& made,
   constexpr std::size_t kClassBytes = 1024;
   space.GetMemory().AddHeld(kClassBytes, usedBy);
   space.GetMemory().AddValues(2 * decls.size(), usedBy);  // a class has a table of its properties
-  space.AddClass(made->GetName({}),
-                 {made, decls.size(), superclass == nullptr ? 1 : superclass->fDepth + 1,
-                  hasUnresolvedValue || (superclass != nullptr && superclass->fIsUnresolved)});
+  TReadClass read{made, decls.size(), 1, hasUnresolvedValue,
+                  space.GetState().fChoice.Has(made->GetName({}))};
+  if (superclass != nullptr) {
+    read.fDepth += superclass->fDepth;
+    read.fIsUnresolved = read.fIsUnresolved || superclass->fIsUnresolved;
+    read.fIsChosen = read.fIsChosen || superclass->fIsChosen;
+  }
+  space.AddClass(made->GetName({}), read);
 }
 
 void Resolve(TSpace& space, const TUnresolved& unresolved) {

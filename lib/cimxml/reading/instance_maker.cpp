@@ -198,6 +198,7 @@ const TElement* FindInstance(const TElement& object) {
 void MakeInstance(TSpace& space, const TElement& object) {
   const TElement& instance = *FindInstance(object);
   const TReadClass& read = space.GetClass(instance.Get("CLASSNAME"), instance);
+  if (!read.fIsChosen) return;
   constexpr std::size_t kInstanceBytes = 128;
   space.GetMemory().AddHeld(kInstanceBytes, instance);
   space.GetMemory().AddValues(read.fProperties, instance);

@@ -155,7 +155,8 @@ void TNamespaceBuilder::Wait(std::deque<TElement>& queue, TElement&& object, std
 bool TNamespaceBuilder::IsReady(const TElement& object) {
   const std::string& name = FindInstance(object)->Get("CLASSNAME");
   if (!MakeClassIfPossible(name)) return false;
-  if (FindClass(name)->fIsUnresolved) return false;  // its keys may have such a value
+  const TReadClass& read = *FindClass(name);
+  if (read.fIsUnresolved && read.fIsChosen) return false;  // its keys may have such a value
   if (!MayHaveReferences(object)) return true;
   return ForEachReference(fBuilders, *this, object,
                           [](TNamespaceBuilder& target, const std::string& className, auto&) {

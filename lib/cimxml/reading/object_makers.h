@@ -66,8 +66,8 @@ void MakeUndeclaredClass(TSpace& space, const std::string& name, const TElement&
 /// Returns the INSTANCE of an object, or the object itself if it is one; null if there is none.
 const TElement* FindInstance(const TElement& object);
 
-/// Adds an instance. Keys are taken from its properties, else from its name; a property that
-/// contradicts the name wins, and is counted.
+/// Adds an instance, if its class is chosen. Keys are taken from its properties, else from its
+/// name; a property that contradicts the name wins, and is counted.
 void MakeInstance(TSpace& space, const TElement& object);
 
 /// Formats an object for a message, as far as it is known: instance C.Id="7".

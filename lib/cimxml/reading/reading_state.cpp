@@ -2,6 +2,7 @@
 #include "reading_state.h"
 
 #include <qdxcore/logger.h>
+#include <qdxdescribe/missing_values.h>
 #include <qdxmodel/names.h>
 
 #include <algorithm>
@@ -69,6 +70,13 @@ void THosts::Report(const std::string& name) const {
       ILogger::kLogWarning,
       {"cimxml: ", std::to_string(count), " references lost their host, which no object of ", name,
        " has, the first: line ", std::to_string(first->fFirst.fLine), ", host ", first->fShown});
+}
+
+TInstanceChoice::TInstanceChoice(const TReadingLimits& limits)
+    : fIsLimited(limits.fInstancesOf.has_value()) {
+  if (!fIsLimited) return;
+  fClasses[NDescribe::kMissingValueClass] = true;
+  for (const std::string& each : *limits.fInstancesOf) fClasses[each] = true;
 }
 
 void TReadingState::Report(const std::string& name) const {

@@ -4,6 +4,7 @@
 #define LIB_CIMXML_READING_READING_STATE_H_
 
 #include <qdxcore/value.h>
+#include <qdxmodel/names.h>
 
 #include <cstddef>
 #include <string>
@@ -92,9 +93,23 @@ class THosts {
   std::unordered_map<std::size_t, THost> fHosts;
 };
 
+/// The classes whose instances are kept.
+class TInstanceChoice {
+ public:
+  explicit TInstanceChoice(const TReadingLimits& limits);
+  /// Returns whether the class was chosen by its own name.
+  bool Has(const std::string& className) const {
+    return !fIsLimited || fClasses.count(className) != 0;
+  }
+
+ private:
+  const bool fIsLimited;
+  NModel::TNameMap<bool> fClasses;
+};
+
 struct TReadingState {
   TReadingState(const TReadingLimits& limits, const TDefectListener& onDefect)
-      : fMemory(limits), fDefects(onDefect) {}
+      : fChoice(limits), fMemory(limits), fDefects(onDefect) {}
 
   /// Records an object that could not be taken. `object` is a text such as: class "C".
   void LeaveOut(const std::string& object, const TDocumentError& error) {
@@ -109,6 +124,7 @@ struct TReadingState {
   void Warn(const TElement& place, const std::string& text) { Warn(place.fPosition, text); }
   void Report(const std::string& name) const;
 
+  const TInstanceChoice fChoice;
   TMemoryAccount fMemory;
   TDefects fDefects;
   THosts fHosts{fMemory};

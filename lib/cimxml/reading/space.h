@@ -22,6 +22,7 @@ struct TReadClass {
   std::size_t fProperties = 0;  // including inherited ones
   std::size_t fDepth = 1;       // including superclasses
   bool fIsUnresolved = false;   // some of them wait for the value of a reference
+  bool fIsChosen = true;        // its instances are kept
 };
 
 /// What a reference refers to.

@@ -62,8 +62,10 @@ std::string RemedyFor(const std::string& file) {
 
 }  // namespace
 
-TNamespaces OpenDocument(const std::string& file, const TArguments& arguments, bool& incomplete) {
-  const NCIMXML::TReadingLimits limits = ReadingLimitsOf(arguments);
+TNamespaces OpenDocument(const std::string& file, const TArguments& arguments, bool& incomplete,
+                         const std::optional<std::vector<std::string>>& instancesOf) {
+  NCIMXML::TReadingLimits limits = ReadingLimitsOf(arguments);
+  limits.fInstancesOf = instancesOf;
   TNamespaces namespaces;
   std::vector<std::string> warnings;
   const auto failure = Try([&] {

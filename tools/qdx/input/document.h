@@ -23,8 +23,10 @@ using TNamespaces = std::vector<boost::shared_ptr<ICIMNamespace>>;
 
 /// Returns the namespaces of a document in its order; "-" is standard input. Prints the reader's
 /// warnings to standard error, and then sets `incomplete`. The option --memory sets the limits of
-/// the reader. Throws a TCommandFailure if the document cannot be read.
-TNamespaces OpenDocument(const std::string& file, const TArguments& arguments, bool& incomplete);
+/// the reader. With `instancesOf`, only instances of these classes and their subclasses are there,
+/// and the reasons of missing values. Throws a TCommandFailure if the document cannot be read.
+TNamespaces OpenDocument(const std::string& file, const TArguments& arguments, bool& incomplete,
+                         const std::optional<std::vector<std::string>>& instancesOf = {});
 
 struct TCheckedDocument {
   std::vector<NCIMXML::TDefect> fDefects;

@@ -209,7 +209,8 @@ std::vector<TMachineNamespace> OpenDocumentOf(const TRequest& request, const TAr
                                               bool& complete) {
   bool incomplete = false;
   std::vector<TMachineNamespace> namespaces;
-  for (const auto& ns : OpenDocument(request.fFile, arguments, incomplete)) {
+  for (const auto& ns :
+       OpenDocument(request.fFile, arguments, incomplete, ShownInstancesOf(request))) {
     namespaces.push_back({{"", ns->GetName({})}, ns});
   }
   if (incomplete) complete = false;

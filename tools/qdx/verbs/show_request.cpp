@@ -113,6 +113,17 @@ TRequest RequestOf(const TArguments& arguments) {
   return request;
 }
 
+std::optional<std::vector<std::string>> ShownInstancesOf(const TRequest& request) {
+  using TClasses = std::vector<std::string>;
+  if (request.fView == EView::kSchema || request.fView == EView::kMOF) return TClasses();
+  // The tree has the numbers of all instances.
+  const bool isElement =
+      request.fView == EView::kContents && CanNameElement(request.fElement.fText);
+  if (!isElement) return std::nullopt;
+  const std::string& path = request.fElement.fPath;
+  return TClasses{path.substr(0, EndOfName(path))};
+}
+
 std::vector<TOptionSpec> ShowOptions() {
   std::vector<TOptionSpec> options = TMachine::Options();
   for (TOptionSpec& option : options) {

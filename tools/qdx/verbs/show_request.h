@@ -4,6 +4,7 @@
 #define TOOLS_QDX_VERBS_SHOW_REQUEST_H_
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,9 @@ struct TRequest {
 
 /// Throws a TCommandFailure for options and operands that contradict each other.
 TRequest RequestOf(const TArguments& arguments);
+
+/// Returns the classes of which instances can be shown; nothing for all.
+std::optional<std::vector<std::string>> ShownInstancesOf(const TRequest& request);
 
 /// The options of the verb.
 std::vector<TOptionSpec> ShowOptions();

@@ -9,8 +9,10 @@
 #include <cstdint>
 #include <ctime>
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <sys/types.h>
 
@@ -18,7 +20,8 @@
 
 namespace NVORNQDX20::NCIMXML {
 
-/// Limits against documents that are made to exhaust the machine. Others stay far below them.
+/// What a document may need, and what of it is kept. The limits are against documents that are made
+/// to exhaust the machine; others stay far below them.
 struct TReadingLimits {
   /// Bytes that the objects of a document may need: by default half of the memory of this machine,
   /// but at least 768 MiB and at most 8 GiB. A document may be as large as that, and at least 2
@@ -26,6 +29,10 @@ struct TReadingLimits {
   std::uint64_t fMemory = DefaultMemory();
   /// Follows a message about this limit: how to raise it. May be empty.
   std::string fHowToRaise;
+  /// The classes whose instances are kept, with those of their subclasses, and the reasons of
+  /// missing values; by default all. What is not kept needs no memory, and its faults are not
+  /// reported.
+  std::optional<std::vector<std::string>> fInstancesOf = {};
 
   static std::uint64_t DefaultMemory();
 };
@@ -51,8 +58,8 @@ using TDefectListener = std::function<void(const TDefect&)>;
 ///
 /// An object that cannot be taken is left out, with a warning that names the object, "line L,
 /// column C" and the reason; so is a part of an object. Of many warnings, the first 20 are logged
-/// one by one. A date-time that TCIMDateTime refuses is null, also in an array; its text is recorded
-/// as the reason in class VORNSG_UnavailableValue, if the instance can be identified.
+/// one by one. A date-time that TCIMDateTime refuses is null, also in an array; its text is
+/// recorded as the reason in class VORNSG_UnavailableValue, if the instance can be identified.
 ///
 /// Failures are logged. Throws kQDXStatusInvalidDataCollectionDocument for what is not well-formed,
 /// is no CIM-XML, has no objects but is a request or an error, or exceeds a limit, with "line L,
