@@ -343,7 +343,11 @@ void AddMadeClass(TSpace& space, const boost::shared_ptr<ICIMClass>& made,
   std::vector<boost::shared_ptr<ICIMPropertyDecl>> decls;
   made->EnumeratePropertyDecls(TAddToVectorCallback(decls), {});
   constexpr std::size_t kClassBytes = 1024;
-  space.GetMemory().AddHeld(kClassBytes, usedBy);
+  std::size_t names = 2 * made->GetName({}).size();
+  for (std::size_t i = superclass == nullptr ? 0 : superclass->fProperties; i < decls.size(); ++i) {
+    names += decls[i]->GetName().size();
+  }
+  space.GetMemory().AddHeld(kClassBytes + names, usedBy);
   space.GetMemory().AddValues(2 * decls.size(), usedBy);  // a class has a table of its properties
   TReadClass read{made, decls.size(), 1, hasUnresolvedValue,
                   space.GetState().fChoice.Has(made->GetName({}))};

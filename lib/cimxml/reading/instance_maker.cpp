@@ -61,10 +61,7 @@ class TInstanceMaker {
     if (FindEmbeddedObject(property) != nullptr) RequireEmbedded(*decl, property);
     const TCIMValue value = ReadPropertyValue(fSpace, property);
     std::vector<TUnheldDateTime> unheld = FindUnheldDateTimes(value, property);
-    if (!unheld.empty()) {
-      fSpace.GetMemory().AddHeld(kReasonBytes + unheld.size() * kReasonTextBytes, property);
-      fUnheld.push_back({&property, std::move(unheld)});
-    }
+    if (!unheld.empty()) fUnheld.push_back({&property, std::move(unheld)});
     const auto key = fKeys.empty() ? fKeys.end() : fKeys.find(name);
     if (key != fKeys.end()) {
       if (value.IsNull()) return;
@@ -84,13 +81,11 @@ class TInstanceMaker {
                                      "it has another class or other keys than its name");
     }
     WarnOfRepeatedProperties();
-    if (!fUnheld.empty()) fSpace.Reasons().Add(fClass, *fTarget, fUnheld);
+    if (fUnheld.empty()) return;
+    fSpace.GetMemory().AddHeld(fSpace.Reasons().Add(fClass, *fTarget, fUnheld), fElement);
   }
 
  private:
-  static constexpr std::size_t kReasonBytes = 1024;
-  static constexpr std::size_t kReasonTextBytes = 128;
-
   /// The declaration keeps what a text is, so it is lost if the declaration is another one.
   void RequireEmbedded(const ICIMPropertyDecl& decl, const TElement& property) {
     if (StringKindOf(property) == NDescribe::StringKindOf(decl)) return;

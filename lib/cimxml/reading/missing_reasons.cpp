@@ -63,8 +63,10 @@ bool IsRecorded(ICIMNamespace& ns, NDescribe::TMissingValue value) {
 
 }  // namespace
 
-void TMissingReasons::Add(const ICIMClass& cimClass, const ICIMInstance& instance,
-                          const std::vector<TUnheld>& unheld) {
+std::size_t TMissingReasons::Add(const ICIMClass& cimClass, const ICIMInstance& instance,
+                                 const std::vector<TUnheld>& unheld) {
+  constexpr std::size_t kReasonBytes = 1024;
+  std::size_t bytes = 0;
   const auto key = LastKeyOf(cimClass, instance);
   for (const auto& [property, values] : unheld) {
     TText text{ReasonOf(values), {}};
@@ -77,7 +79,12 @@ void TMissingReasons::Add(const ICIMClass& cimClass, const ICIMInstance& instanc
     const auto [known, isNew] =
         fTexts.try_emplace(std::tuple(cimClass.GetName({}), *key, decl->GetName()), text);
     if (!isNew && known->second.fReason != text.fReason) fUnrecorded.Add(text.fPlaces);
+    if (!isNew) continue;
+    const std::size_t texts =
+        cimClass.GetName({}).size() + key->size() + decl->GetName().size() + text.fReason.size();
+    bytes += kReasonBytes + 2 * texts;
   }
+  return bytes;
 }
 
 void TMissingReasons::Write(ICIMNamespace& ns, TReadingState& state) {

@@ -36,9 +36,9 @@ class TMissingReasons {
     std::vector<TUnheldDateTime> fValues;
   };
 
-  /// Adds those of a committed instance.
-  void Add(const ICIMClass& cimClass, const ICIMInstance& instance,
-           const std::vector<TUnheld>& unheld);
+  /// Adds those of a committed instance. Returns the bytes that they need, also when written.
+  std::size_t Add(const ICIMClass& cimClass, const ICIMInstance& instance,
+                  const std::vector<TUnheld>& unheld);
   /// Counts those that cannot be recorded: of one among several instances without keys, and where
   /// the document itself explains the property.
   void Write(ICIMNamespace& ns, TReadingState& state);

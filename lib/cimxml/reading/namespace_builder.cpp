@@ -11,6 +11,9 @@
 namespace NVORNQDX20::NCIMXML {
 namespace {
 
+/// Of a container, for a name.
+constexpr std::size_t kNodeBytes = 64;
+
 bool MayHoldReference(const TElement& element) {
   return !element.Is("PROPERTY") && !element.Is("PROPERTY.ARRAY") && !element.Is("KEYVALUE");
 }
@@ -114,22 +117,22 @@ void TNamespaceBuilder::AddQualifierDecl(const TElement& element) {
 void TNamespaceBuilder::AddClass(TElement&& element, std::size_t bytes) {
   Attempt(element, [&] {
     const std::string& name = element.Get("NAME");
-    const bool isNew = FindClass(name) == nullptr && fSources.count(name) == 0;
-    if (!isNew) element.Refuse("it is declared twice");
+    if (Declares(name)) element.Refuse("it is declared twice");
     GetMemory().BeginObject(0);
-    GetMemory().AddHeld(bytes, element);
+    GetMemory().AddHeld(bytes + 3 * (kNodeBytes + name.size()), element);
+    fDeclared.emplace(name, true);
     fSourceOrder.push_back(name);
     TElement& source = fSources[name].fElement;
     source = std::move(element);
     const std::string* const superclass = source.Find("SUPERCLASS");
-    if (superclass != nullptr) fSubclasses[*superclass].push_back(&source);
+    if (superclass == nullptr) return;
+    GetMemory().AddHeld(kNodeBytes + superclass->size(), source);
+    fSubclasses[*superclass].push_back(&source);
   });
 }
 
 bool TNamespaceBuilder::Declares(const std::string& className) const {
-  return std::any_of(fSourceOrder.begin(), fSourceOrder.end(), [&](const std::string& each) {
-    return NModel::EqualIgnoringCase(each, className);
-  });
+  return fDeclared.count(className) != 0;
 }
 
 void TNamespaceBuilder::AddInstance(TElement&& object, std::size_t bytes) {
@@ -258,6 +261,7 @@ TNamespaceBuilder::TUses& TNamespaceBuilder::NoteUse(const std::string& classNam
                                                      const TElement& usedBy) {
   const auto [noted, isNew] = fUses.try_emplace(className);
   if (isNew) {
+    GetMemory().AddHeld(2 * (kNodeBytes + className.size()), usedBy);
     noted->second.fFirst = &usedBy;
     fUseOrder.push_back(className);
   }

@@ -84,6 +84,7 @@ class TNamespaceBuilder final : public TSpace {
   IBuilders& fBuilders;
   NModel::TNameMap<TSource> fSources;
   std::vector<std::string> fSourceOrder;
+  NModel::TNameMap<bool> fDeclared;  // all of them, rightly or not
   std::size_t fWalk = 0;
   bool fKeepsSources = false;
   std::deque<TElement> fWaitingInstances;

@@ -49,7 +49,8 @@ void Note(TSpace& space, const TSpace& target, const TCIMReference& reference,
   TNotedReference noted{reference, target.GetNamespace()->GetName({}),
                         host == nullptr ? "" : host->fText, element.fPosition,
                         defects.CurrentObject()};
-  space.GetMemory().AddHeld(sizeof noted + noted.fObject.size(), element);
+  space.GetMemory().AddHeld(
+      sizeof noted + noted.fNamespace.size() + noted.fHost.size() + noted.fObject.size(), element);
   defects.NoteReference(std::move(noted));
 }
 
