@@ -28,11 +28,11 @@ namespace {
 /// The kinds of messages, with their texts and number.
 enum EConsumerMessage : std::uint8_t {
   kLoaded = kFirstFreeKind,
-  kLoadFailed,  ///< Reason; the status.
-  kName,        ///< Its name.
-  kConsumed,    ///< One more namespace.
-  kFailed,      ///< Reason; the status.
-  kDone,        ///< The last message.
+  kLoadFailed,   ///< Reason; the status.
+  kName,         ///< Its name.
+  kConsumed,     ///< One more namespace.
+  kFailed,       ///< Reason; the status.
+  kAllConsumed,  ///< The last message.
 };
 
 /// Lets consumers that look providers up find those that the namespaces came from.
@@ -89,7 +89,7 @@ void ServeConsumer(const TPluginFile& plugin, const TConsumerRequest& request,
   // Its destructor is the plug-in's code, too.
   consumer.reset();
   std::fflush(nullptr);
-  sender.Send(kDone, {}, 0, std::move(output));
+  sender.Send(kAllConsumed, {}, 0, std::move(output));
 }
 
 TWorkerJob JobOf(TAskedConsumer& consumer, const TConsumerRequest& request) {
@@ -116,7 +116,7 @@ TWorkerJob JobOf(TAskedConsumer& consumer, const TConsumerRequest& request) {
           case kFailed:
             consumer.fFailure = {StatusOf(message.fNumber), message.Text(0)};
             break;
-          case kDone:
+          case kAllConsumed:
             *isDone = true;
             consumer.fOutput = std::move(message.fFile);
             break;

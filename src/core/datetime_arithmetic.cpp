@@ -15,7 +15,7 @@ __extension__ typedef __int128 TMicroseconds;
 
 constexpr TMicroseconds kPerSecond = 1000000;
 
-[[noreturn]] void Refuse() { throw TQDXException(kQDXStatusInvalidDateTime); }
+[[noreturn]] void RefuseTime() { throw TQDXException(kQDXStatusInvalidDateTime); }
 
 template <typename T>
 T Magnitude(T number) {
@@ -54,7 +54,7 @@ TCIMDateTime MakeInterval(TMicroseconds total) {
 std::tm LocalTime(TMicroseconds seconds) {
   const auto time = static_cast<std::time_t>(seconds);
   std::tm local{};
-  if (time != seconds || ::localtime_r(&time, &local) == nullptr) Refuse();
+  if (time != seconds || ::localtime_r(&time, &local) == nullptr) RefuseTime();
   return local;
 }
 
@@ -99,7 +99,7 @@ int CompareNumbers(std::uint32_t left, std::uint32_t right) {
 
 /// Returns a number less than, equal to or greater than 0; fractions decide between equal seconds.
 int Compare(const TCIMDateTimeImpl& left, const TCIMDateTimeImpl& right) {
-  if (left.IsNull() || right.IsNull() || left.IsInterval() != right.IsInterval()) Refuse();
+  if (left.IsNull() || right.IsNull() || left.IsInterval() != right.IsInterval()) RefuseTime();
   const int seconds =
       left.IsInterval()
           ? CompareNumbers(SecondsOf(left), SecondsOf(right))
@@ -119,7 +119,7 @@ bool TCIMDateTimeImpl::operator<(const TCIMDateTime& other) const {
 
 TCIMDateTime TCIMDateTimeImpl::operator+(const TCIMDateTime& other) const {
   const TCIMDateTimeImpl& right = *other.GetBody();
-  if (fNull || right.fNull || (!fInterval && !right.fInterval)) Refuse();
+  if (fNull || right.fNull || (!fInterval && !right.fInterval)) RefuseTime();
   if (fInterval && right.fInterval)
     return MakeInterval(MicrosecondsOf(*this) + MicrosecondsOf(right));
   return fInterval ? AddToPoint(right, *this) : AddToPoint(*this, right);
@@ -127,7 +127,7 @@ TCIMDateTime TCIMDateTimeImpl::operator+(const TCIMDateTime& other) const {
 
 TCIMDateTime TCIMDateTimeImpl::operator-(const TCIMDateTime& other) const {
   const TCIMDateTimeImpl& right = *other.GetBody();
-  if (fNull || right.fNull) Refuse();
+  if (fNull || right.fNull) RefuseTime();
   if (fInterval && right.fInterval) {
     return MakeInterval(Magnitude(MicrosecondsOf(right) - MicrosecondsOf(*this)));
   }

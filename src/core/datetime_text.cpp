@@ -12,7 +12,7 @@ constexpr std::size_t kTextLength = 25;
 constexpr std::size_t kPointPosition = 14;
 constexpr std::size_t kSignPosition = 21;
 
-[[noreturn]] void Refuse() { throw TQDXException(kQDXStatusInvalidDateTime); }
+[[noreturn]] void RefuseDateTime() { throw TQDXException(kQDXStatusInvalidDateTime); }
 
 std::uint32_t ReadNumber(const char* digits, int count) {
   std::uint32_t number = 0;
@@ -69,7 +69,7 @@ void AppendQuantity(std::string& text, std::uint32_t number, const char* unit) {
 }  // namespace
 
 void TCIMDateTimeImpl::Set(const std::string& text) {
-  if (!HasShapeOfDateTime(text)) Refuse();
+  if (!HasShapeOfDateTime(text)) RefuseDateTime();
   const char* const digits = text.data();
   const auto field = [digits](int position, int count) {
     return static_cast<std::uint16_t>(ReadNumber(digits + position, count));
@@ -81,18 +81,18 @@ void TCIMDateTimeImpl::Set(const std::string& text) {
   const char sign = text[kSignPosition];
   const auto offset = static_cast<std::int16_t>(field(22, 3));
   if (sign == ':') {
-    if (offset != 0) Refuse();
+    if (offset != 0) RefuseDateTime();
     Set(std::uint32_t{field(0, 8)}, field(8, 2), field(10, 2), field(12, 2), microseconds);
   } else if (sign == '+' || sign == '-') {
     Set(field(0, 4), field(4, 2), field(6, 2), field(8, 2), field(10, 2), field(12, 2),
         microseconds, static_cast<std::int16_t>(sign == '-' ? -offset : offset));
   } else {
-    Refuse();
+    RefuseDateTime();
   }
 }
 
 std::string TCIMDateTimeImpl::ToString() const {
-  if (fNull) Refuse();
+  if (fNull) RefuseDateTime();
   TFieldWriter text;
   if (fInterval) {
     text.Number(fDay, 8);
@@ -112,7 +112,7 @@ std::string TCIMDateTimeImpl::ToString() const {
 }
 
 std::string TCIMDateTimeImpl::ToUIString() const {
-  if (fNull) Refuse();
+  if (fNull) RefuseDateTime();
   if (fInterval) {
     std::string text;
     AppendQuantity(text, fDay, "day");

@@ -14,14 +14,14 @@ namespace {
 using NDescribe::EStringKind;
 using TType = TCIMValue::TCIMType;
 
-std::string Line(std::size_t indent, const std::string& text,
-                 TTableRow::EStyle style = TTableRow::kPlain) {
+std::string SchemaLine(std::size_t indent, const std::string& text,
+                       TTableRow::EStyle style = TTableRow::kPlain) {
   return FormatTable({{{std::string(indent, ' ') + text}, style}});
 }
 
 std::string Heading(const std::string& name, const std::string& provider) {
-  return Line(0, name + (provider.empty() ? "" : "  (provider " + provider + ")"),
-              TTableRow::kHeading);
+  return SchemaLine(0, name + (provider.empty() ? "" : "  (provider " + provider + ")"),
+                    TTableRow::kHeading);
 }
 
 /// Sanitises every line for the terminal: names are not escaped.
@@ -97,25 +97,26 @@ std::string FormatQualifiers(const std::vector<TQualifierValue>& qualifiers, std
 
 std::string FormatMethod(const TMethodSchema& method, const std::string& className,
                          const std::string& ns) {
-  std::string text = Line(4, TypeOf(method.fReturnType, method.fStringKind) + " " + method.fName +
-                                 "()" + RemarkOn(method.fOrigin, className));
+  std::string text = SchemaLine(4, TypeOf(method.fReturnType, method.fStringKind) + " " +
+                                       method.fName + "()" + RemarkOn(method.fOrigin, className));
   text += FormatQualifiers(method.fQualifiers, 6, ns);
   for (const TParameterSchema& parameter : method.fParameters) {
-    text += Line(6, TypeOf(parameter.fType, parameter.fStringKind, parameter.fReferencedClass) +
-                        " " + parameter.fName);
+    text +=
+        SchemaLine(6, TypeOf(parameter.fType, parameter.fStringKind, parameter.fReferencedClass) +
+                          " " + parameter.fName);
     text += FormatQualifiers(parameter.fQualifiers, 8, ns);
   }
   return text;
 }
 
-std::string FormatClass(const TClassSchema& cimClass, const std::string& ns) {
+std::string FormatDeclaration(const TClassSchema& cimClass, const std::string& ns) {
   const std::string& superclass = cimClass.fSuperclass;
-  std::string text =
-      Line(2, cimClass.fName + (superclass.empty() ? "" : "  (subclass of " + superclass + ")"));
+  std::string text = SchemaLine(
+      2, cimClass.fName + (superclass.empty() ? "" : "  (subclass of " + superclass + ")"));
   text += FormatQualifiers(cimClass.fQualifiers, 4, ns);
   for (const TPropertySchema& property : cimClass.fProperties) {
-    text += Line(4, PropertySignature(property, ns) +
-                        RemarkOn(property.fOrigin, cimClass.fName, RemarkOnValue(property)));
+    text += SchemaLine(4, PropertySignature(property, ns) +
+                              RemarkOn(property.fOrigin, cimClass.fName, RemarkOnValue(property)));
     text += FormatQualifiers(property.fQualifiers, 6, ns);
   }
   for (const TMethodSchema& method : cimClass.fMethods) {
@@ -170,7 +171,7 @@ TJSON MethodAsJSON(const TMethodSchema& method, const std::string& ns) {
           {"parameters", std::move(parameters)}};
 }
 
-TJSON ClassAsJSON(const TClassSchema& cimClass, const std::string& ns) {
+TJSON DeclarationAsJSON(const TClassSchema& cimClass, const std::string& ns) {
   TJSON properties = TJSON::array();
   for (const auto& each : cimClass.fProperties) properties.push_back(PropertyAsJSON(each, ns));
   TJSON methods = TJSON::array();
@@ -204,13 +205,13 @@ std::string FormatSchema(const std::vector<TNamespaceSchema>& namespaces) {
   std::string text;
   for (const TNamespaceSchema& ns : namespaces) {
     text += Heading(ns.fName, ns.fProvider);
-    for (const TClassSchema& cimClass : ns.fClasses) text += FormatClass(cimClass, ns.fName);
+    for (const TClassSchema& cimClass : ns.fClasses) text += FormatDeclaration(cimClass, ns.fName);
   }
   return text;
 }
 
 TJSON SchemaAsJSON(const std::vector<TNamespaceSchema>& namespaces) {
-  return NamespacesOf(namespaces, &TNamespaceSchema::fClasses, ClassAsJSON);
+  return NamespacesOf(namespaces, &TNamespaceSchema::fClasses, DeclarationAsJSON);
 }
 
 std::string FormatMOF(const std::vector<TNamespaceSchema>& namespaces) {
@@ -234,7 +235,7 @@ std::string FormatTree(const std::vector<TNamespaceTree>& namespaces) {
       const std::string instances = count == 0   ? ""
                                     : count == 1 ? "  (1 instance)"
                                                  : "  (" + std::to_string(count) + " instances)";
-      text += Line(2 + 2 * node.fDepth, node.fName + instances);
+      text += SchemaLine(2 + 2 * node.fDepth, node.fName + instances);
     }
   }
   return text;

@@ -8,7 +8,7 @@
 namespace NVORNQDX20 {
 namespace {
 
-const char* const kClass = "VORNSG_CacheMemory";
+const char* const kCacheClass = "VORNSG_CacheMemory";
 
 constexpr TConstantEnumeration kLevels = {{1, "Other"},     {2, "Unknown"},  {3, "Primary"},
                                           {4, "Secondary"}, {5, "Tertiary"}, {6, "Not Applicable"}};
@@ -89,7 +89,7 @@ TInstances<TCacheDevice> ListCachesOfSockets(const THost& host) {
 TClass CacheMemoryClass() {
   const TUnit bytes{"byte"};
   return THostTable<TCacheDevice>{
-      kClass,
+      kCacheClass,
       "A cache of a processor; one that cores share is one instance.",
       ListCaches,
       {{"Level", "How close it is to the core.", Level, kLevels},
@@ -112,9 +112,9 @@ TClass AssociatedCacheMemoryClass() {
       ListCachesOfSockets,
       {{"Antecedent", "The cache.",
         [](const TCacheDevice& cache) {
-          return TInstanceName{kClass, cache.fID};
+          return TInstanceName{kCacheClass, cache.fID};
         },
-        kKey, TRefersTo{kClass}},
+        kKey, TRefersTo{kCacheClass}},
        {"Dependent", "The processor.", SocketOf, kKey, TRefersTo{"VORNSG_Processor"}}}}
       .AsAssociation();
 }

@@ -7,49 +7,49 @@
 namespace NVORNQDX20 {
 namespace {
 
-const char* const kTypes[] = {"Unknown",
-                              "Other",
-                              "Unknown",
-                              "Desktop",
-                              "Low Profile Desktop",
-                              "Pizza Box",
-                              "Mini Tower",
-                              "Tower",
-                              "Portable",
-                              "LapTop",
-                              "Notebook",
-                              "Hand Held",
-                              "Docking Station",
-                              "All in One",
-                              "Sub Notebook",
-                              "Space-Saving",
-                              "Lunch Box",
-                              "Main System Chassis",
-                              "Expansion Chassis",
-                              "SubChassis",
-                              "Bus Expansion Chassis",
-                              "Peripheral Chassis",
-                              "Storage Chassis",
-                              "Rack Mount Chassis",
-                              "Sealed-Case PC",
-                              "Multi-System Chassis",
-                              "CompactPCI",
-                              "AdvancedTCA",
-                              "Blade",
-                              "Blade Enclosure",
-                              "Tablet",
-                              "Convertible",
-                              "Detachable",
-                              "IoT Gateway",
-                              "Embedded PC",
-                              "Mini PC",
-                              "Stick PC"};
+const char* const kChassisTypes[] = {"Unknown",
+                                     "Other",
+                                     "Unknown",
+                                     "Desktop",
+                                     "Low Profile Desktop",
+                                     "Pizza Box",
+                                     "Mini Tower",
+                                     "Tower",
+                                     "Portable",
+                                     "LapTop",
+                                     "Notebook",
+                                     "Hand Held",
+                                     "Docking Station",
+                                     "All in One",
+                                     "Sub Notebook",
+                                     "Space-Saving",
+                                     "Lunch Box",
+                                     "Main System Chassis",
+                                     "Expansion Chassis",
+                                     "SubChassis",
+                                     "Bus Expansion Chassis",
+                                     "Peripheral Chassis",
+                                     "Storage Chassis",
+                                     "Rack Mount Chassis",
+                                     "Sealed-Case PC",
+                                     "Multi-System Chassis",
+                                     "CompactPCI",
+                                     "AdvancedTCA",
+                                     "Blade",
+                                     "Blade Enclosure",
+                                     "Tablet",
+                                     "Convertible",
+                                     "Detachable",
+                                     "IoT Gateway",
+                                     "Embedded PC",
+                                     "Mini PC",
+                                     "Stick PC"};
 constexpr std::uint8_t kRackMount = 23;
 
 TEnumeration Types() {
   TEnumeration types;
-  types.reserve(std::size(kTypes));
-  for (const char* const type : kTypes) types.emplace_back(types.size(), type);
+  types.reserve(std::size(kChassisTypes));
+  for (const char* const type : kChassisTypes) types.emplace_back(types.size(), type);
   types[2].second = types[23].second = types[25].second = "SMBIOS Reserved";
   types[28].second = "Blade Enclosure";
   types[29].second = "SMBIOS Reserved";
@@ -72,7 +72,7 @@ TReading<std::uint16_t> ReadPackageType(const TPhysicalElement& chassis, const T
 
 TText ReadTypeDescription(const TPhysicalElement& chassis, const THost& host) {
   return ReadType(chassis, host).and_then([](std::uint8_t type) -> TText {
-    if (type < std::size(kTypes)) return std::string(kTypes[type]);
+    if (type < std::size(kChassisTypes)) return std::string(kChassisTypes[type]);
     return Missing("SMBIOS has no text for type " + std::to_string(type));
   });
 }

@@ -7,7 +7,7 @@
 namespace NVORNQDX20 {
 namespace {
 
-const char* const kClass = "VORNSG_HardwareThread";
+const char* const kThreadClass = "VORNSG_HardwareThread";
 
 // EnabledState of the DMTF's schema.
 constexpr std::uint16_t kEnabled = 2;
@@ -19,7 +19,9 @@ struct TThread {
   std::string fCore;  ///< Empty if it is not known.
 };
 
-std::string IDOf(const TThread& thread) { return "VORNSG:cpu" + std::to_string(thread.fNumber); }
+std::string ThreadIDOf(const TThread& thread) {
+  return "VORNSG:cpu" + std::to_string(thread.fNumber);
+}
 
 /// Those that are online, by their sockets, and then the others.
 TInstances<TThread> ListThreads(const THost& host) {
@@ -52,10 +54,10 @@ TReading<std::uint32_t> NodeOf(const TThread& thread, const THost& host) {
 
 TClass HardwareThreadClass() {
   return THostTable<TThread>{
-      kClass,
+      kThreadClass,
       "A logical processor: one thread of a core.",
       ListThreads,
-      {{"InstanceID", "Tells the logical processor from all others.", IDOf, kKey},
+      {{"InstanceID", "Tells the logical processor from all others.", ThreadIDOf, kKey},
        {"Number", "The kernel's number.", &TThread::fNumber},
        {"EnabledState", "Whether it is online.", &TThread::fState,
         TEnumeration{{kEnabled, "Enabled"}, {kDisabled, "Disabled"}}},
@@ -73,9 +75,9 @@ TClass HardwareThreadComponentClass() {
                                kKey, TRefersTo{"VORNSG_ProcessorCore"}},
                               {"PartComponent", "The logical processor.",
                                [](const TThread& thread) {
-                                 return TInstanceName{kClass, IDOf(thread)};
+                                 return TInstanceName{kThreadClass, ThreadIDOf(thread)};
                                },
-                               kKey, TRefersTo{kClass}}}}
+                               kKey, TRefersTo{kThreadClass}}}}
       .AsAssociation();
 }
 

@@ -12,7 +12,7 @@ TInstances<TNUMANode> ListNodes(const THost& host) {
   return {nodes.fAll, nodes.fReason};
 }
 
-std::string IDOf(const TNUMANode& node) { return "VORNSG:node" + std::to_string(node.fNumber); }
+std::string NodeIDOf(const TNUMANode& node) { return "VORNSG:node" + std::to_string(node.fNumber); }
 
 /// Reads a line such as "Node 0 MemTotal: 64 kB".
 auto Memory(const char* field) {
@@ -30,7 +30,7 @@ TClass NUMANodeClass() {
       "VORNSG_NUMANode",
       "A NUMA node: processors, memory, and how far the other nodes are.",
       ListNodes,
-      {{"InstanceID", "Tells the node from all others.", IDOf, kKey},
+      {{"InstanceID", "Tells the node from all others.", NodeIDOf, kKey},
        {"Number", "The kernel's number.", &TNUMANode::fNumber},
        {"LogicalProcessors", "The numbers of its logical processors; empty if it has none.",
         [](const TNUMANode& node) { return node.fCPUs.map(FormatCPUList); }},

@@ -14,7 +14,7 @@ struct TFunction : TDevice, TPCIFunction {
 };
 
 /// Names the function by vendor and device, as in "8086:1572".
-TText NameOf(const TPCIFunction& function) {
+TText PCINameOf(const TPCIFunction& function) {
   return function.fVendor.and_then([&](std::uint16_t vendor) {
     return function.fDevice.map(
         [vendor](std::uint16_t device) { return HexID(vendor) + ":" + HexID(device); });
@@ -27,7 +27,7 @@ TInstances<TFunction> ListFunctions(const THost& host) {
   functions.fReason = std::move(known.fReason);
   functions.fAll.reserve(known.fAll.size());
   for (TPCIFunction& each : known.fAll) {
-    TDevice device{each.fFileName, NameOf(each)};
+    TDevice device{each.fFileName, PCINameOf(each)};
     const TReading<TPCIAddress> address = ParsePCIAddress(each.fFileName);
     functions.fAll.push_back({std::move(device), std::move(each), address});
   }

@@ -135,7 +135,7 @@ auto Firmware(TRead read) {
   return [read](const TProcessor& processor) { return processor.fSocket.fFirmware.and_then(read); };
 }
 
-auto FirmwareText(std::size_t offset) { return Firmware(SMBIOSString(offset)); }
+auto SocketText(std::size_t offset) { return Firmware(SMBIOSString(offset)); }
 
 TReading<std::uint16_t> Family(const TSMBIOSStructure& socket) {
   const auto family = socket.ReadNumber<std::uint8_t>(TFirmwareSocket::kFamily);
@@ -231,15 +231,15 @@ TClass ProcessorClass() {
        {"NumberOfHardwareThreads", "Its threads, also those that are not in use.",
         Firmware(&TFirmwareSocket::ReadThreads)},
        {"SocketDesignation", "What is written next to its socket.",
-        FirmwareText(TFirmwareSocket::kDesignation)},
+        SocketText(TFirmwareSocket::kDesignation)},
        {"FirmwareName", "The name by which firmware knows it.",
-        FirmwareText(TFirmwareSocket::kVersion)},
-       {"SerialNumber", "Its serial number.", FirmwareText(TFirmwareSocket::kSerialNumber),
+        SocketText(TFirmwareSocket::kVersion)},
+       {"SerialNumber", "Its serial number.", SocketText(TFirmwareSocket::kSerialNumber),
         ESecret::kSerial},
-       {"AssetTag", "The tag of its owner.", FirmwareText(TFirmwareSocket::kAssetTag),
+       {"AssetTag", "The tag of its owner.", SocketText(TFirmwareSocket::kAssetTag),
         ESecret::kSerial},
        {"PartNumber", "The number by which it is ordered.",
-        FirmwareText(TFirmwareSocket::kPartNumber)},
+        SocketText(TFirmwareSocket::kPartNumber)},
        {"Family", "The family, a number of DMTF DSP0134.", Firmware(Family)},
        {"UniqueID", "What it identifies itself with: on x86 its model and features.", Firmware(ID)},
        {"ExternalBusClockSpeed", "The clock speed of its bus.",

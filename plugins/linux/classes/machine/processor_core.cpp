@@ -6,9 +6,9 @@
 namespace NVORNQDX20 {
 namespace {
 
-const char* const kClass = "VORNSG_ProcessorCore";
+const char* const kCoreClass = "VORNSG_ProcessorCore";
 
-std::string IDOf(const TCore& core) { return "VORNSG:" + core.fID; }
+std::string CoreIDOf(const TCore& core) { return "VORNSG:" + core.fID; }
 
 TInstances<TCore> ListCores(const THost& host) {
   const auto& topology = host.Shared<TTopology>();
@@ -25,12 +25,12 @@ TInstances<TCore> ListCores(const THost& host) {
 }
 
 template <typename T>
-auto Model(T TCPUModel::*member) {
+auto CoreModel(T TCPUModel::*member) {
   return [member](const TCore& core) { return core.fModel.*member; };
 }
 
 template <typename T>
-auto Clock(T TClockRange::*member) {
+auto CoreClock(T TClockRange::*member) {
   return [member](const TCore& core) { return core.fClock.*member; };
 }
 
@@ -40,20 +40,20 @@ TClass ProcessorCoreClass() {
   const TUnit megahertz{"hertz * 10^6"};
   constexpr std::uint16_t kEnabled = 2;
   return THostTable<TCore>{
-      kClass,
+      kCoreClass,
       "A core of a processor of which at least one thread is online.",
       ListCores,
-      {{"InstanceID", "Tells the core from all others.", IDOf, kKey},
-       {"Name", "The model of the core.", Model(&TCPUModel::fName)},
+      {{"InstanceID", "Tells the core from all others.", CoreIDOf, kKey},
+       {"Name", "The model of the core.", CoreModel(&TCPUModel::fName)},
        {"CoreEnabledState", "Whether it is in use; others are not seen.", Constant(kEnabled),
         TEnumeration{{kEnabled, "Core Enabled"}}},
        {"CoreType", "Its kind, if the processor has several.", &TCore::fType},
        {"CoreNumber", "The kernel's number of the core within its socket.", &TCore::fNumber},
        {"DieNumber", "The kernel's number of the die within its socket.", &TCore::fDie},
        {"ClusterNumber", "The kernel's number of the cluster within its socket.", &TCore::fCluster},
-       {"Stepping", "The revision within its model.", Model(&TCPUModel::fStepping)},
-       {"MaxClockSpeed", "The highest clock speed.", Clock(&TClockRange::fMax), megahertz},
-       {"MinClockSpeed", "The lowest clock speed.", Clock(&TClockRange::fMin), megahertz},
+       {"Stepping", "The revision within its model.", CoreModel(&TCPUModel::fStepping)},
+       {"MaxClockSpeed", "The highest clock speed.", CoreClock(&TClockRange::fMax), megahertz},
+       {"MinClockSpeed", "The lowest clock speed.", CoreClock(&TClockRange::fMin), megahertz},
        {"LogicalProcessors", "The numbers of its threads that are online.",
         [](const TCore& core) { return FormatCPUList(core.fThreads); }}}};
 }
@@ -69,9 +69,9 @@ TClass ProcessorCoreComponentClass() {
                              kKey, TRefersTo{"VORNSG_Processor"}},
                             {"PartComponent", "The core.",
                              [](const TCore& core) {
-                               return TInstanceName{kClass, IDOf(core)};
+                               return TInstanceName{kCoreClass, CoreIDOf(core)};
                              },
-                             kKey, TRefersTo{kClass}}}}
+                             kKey, TRefersTo{kCoreClass}}}}
       .AsAssociation();
 }
 

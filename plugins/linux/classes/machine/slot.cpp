@@ -9,46 +9,46 @@ namespace NVORNQDX20 {
 namespace {
 
 /// From number 1 on.
-const char* const kTypes[] = {"Other",
-                              "Unknown",
-                              "ISA",
-                              "MCA",
-                              "EISA",
-                              "PCI",
-                              "PC Card (PCMCIA)",
-                              "VLB",
-                              "Proprietary",
-                              "Processor Card",
-                              "Proprietary Memory Card",
-                              "I/O Riser Card",
-                              "NuBus",
-                              "PCI-66",
-                              "AGP",
-                              "AGP 2x",
-                              "AGP 4x",
-                              "PCI-X",
-                              "AGP 8x",
-                              "M.2 Socket 1-DP",
-                              "M.2 Socket 1-SD",
-                              "M.2 Socket 2",
-                              "M.2 Socket 3",
-                              "MXM Type I",
-                              "MXM Type II",
-                              "MXM Type III (standard connector)",
-                              "MXM Type III (HE connector)",
-                              "MXM Type IV",
-                              "MXM 3.0 Type A",
-                              "MXM 3.0 Type B",
-                              "PCI Express 2 SFF-8639 (U.2)",
-                              "PCI Express 3 SFF-8639 (U.2)",
-                              "PCI Express Mini 52-pin with bottom-side keep-outs",
-                              "PCI Express Mini 52-pin without bottom-side keep-outs",
-                              "PCI Express Mini 76-pin",
-                              "PCI Express 4 SFF-8639 (U.2)",
-                              "PCI Express 5 SFF-8639 (U.2)",
-                              "OCP NIC 3.0 Small Form Factor (SFF)",
-                              "OCP NIC 3.0 Large Form Factor (LFF)",
-                              "OCP NIC Prior to 3.0"};
+const char* const kSlotTypes[] = {"Other",
+                                  "Unknown",
+                                  "ISA",
+                                  "MCA",
+                                  "EISA",
+                                  "PCI",
+                                  "PC Card (PCMCIA)",
+                                  "VLB",
+                                  "Proprietary",
+                                  "Processor Card",
+                                  "Proprietary Memory Card",
+                                  "I/O Riser Card",
+                                  "NuBus",
+                                  "PCI-66",
+                                  "AGP",
+                                  "AGP 2x",
+                                  "AGP 4x",
+                                  "PCI-X",
+                                  "AGP 8x",
+                                  "M.2 Socket 1-DP",
+                                  "M.2 Socket 1-SD",
+                                  "M.2 Socket 2",
+                                  "M.2 Socket 3",
+                                  "MXM Type I",
+                                  "MXM Type II",
+                                  "MXM Type III (standard connector)",
+                                  "MXM Type III (HE connector)",
+                                  "MXM Type IV",
+                                  "MXM 3.0 Type A",
+                                  "MXM 3.0 Type B",
+                                  "PCI Express 2 SFF-8639 (U.2)",
+                                  "PCI Express 3 SFF-8639 (U.2)",
+                                  "PCI Express Mini 52-pin with bottom-side keep-outs",
+                                  "PCI Express Mini 52-pin without bottom-side keep-outs",
+                                  "PCI Express Mini 76-pin",
+                                  "PCI Express 4 SFF-8639 (U.2)",
+                                  "PCI Express 5 SFF-8639 (U.2)",
+                                  "OCP NIC 3.0 Small Form Factor (SFF)",
+                                  "OCP NIC 3.0 Large Form Factor (LFF)",
+                                  "OCP NIC Prior to 3.0"};
 constexpr std::uint8_t kPCI = 0x06, kPCI66 = 0x0e, kPCIX = 0x12;
 
 /// Types of PCI Express: the first of each generation, which are followed by those with widths.
@@ -71,23 +71,23 @@ const TGeneration* GenerationOf(unsigned int type) {
   return nullptr;
 }
 
-TReading<std::uint8_t> ReadType(const TPhysicalElement& slot) {
+TReading<std::uint8_t> ReadSlotType(const TPhysicalElement& slot) {
   return FirmwareNumber<std::uint8_t>(0x05)(slot);
 }
 
-TText ReadTypeDescription(const TPhysicalElement& slot) {
-  return ReadType(slot).and_then([](unsigned int type) -> TText {
+TText DescribeSlotType(const TPhysicalElement& slot) {
+  return ReadSlotType(slot).and_then([](unsigned int type) -> TText {
     const TGeneration* const generation = GenerationOf(type);
     if (generation != nullptr) {
       return std::string(generation->fName) + kWidths[type - generation->fFirst];
     }
-    if (type > 0 && type <= std::size(kTypes)) return std::string(kTypes[type - 1]);
+    if (type > 0 && type <= std::size(kSlotTypes)) return std::string(kSlotTypes[type - 1]);
     return Missing("SMBIOS has no text for type " + std::to_string(type));
   });
 }
 
 TReading<std::uint16_t> ReadLayout(const TPhysicalElement& slot) {
-  return ReadType(slot).map([](unsigned int type) -> std::uint16_t {
+  return ReadSlotType(slot).map([](unsigned int type) -> std::uint16_t {
     constexpr std::uint16_t kLayoutPCI = 16, kLayoutPCIX = 17, kLayoutPCIe = 18, kLayoutSlot = 7;
     const TGeneration* const generation = GenerationOf(type);
     if (generation != nullptr) {
@@ -139,7 +139,7 @@ TClass SlotClass() {
       ListSlots,
       {{"ElementName", "What is written beside it.", FirmwareText(0x04)},
        {"Number", "The number that the maker has given it.", FirmwareNumber<std::uint16_t>(0x09)},
-       {"SlotTypeDescription", "As in \"PCI Express 3 x8\".", ReadTypeDescription},
+       {"SlotTypeDescription", "As in \"PCI Express 3 x8\".", DescribeSlotType},
        {"ConnectorLayout", "Which cards fit in.", ReadLayout,
         TEnumeration{{7, "Slot"},
                      {16, "PCI"},

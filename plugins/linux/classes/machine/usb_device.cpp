@@ -11,7 +11,7 @@ namespace {
 
 struct TUSB : TDevice, TUSBDevice {};
 
-TText NameOf(const TUSBDevice& device) {
+TText USBNameOf(const TUSBDevice& device) {
   return device.fVendor.and_then([&](std::uint16_t vendor) {
     return device.fProduct.map(
         [vendor](std::uint16_t product) { return HexID(vendor) + ":" + HexID(product); });
@@ -25,7 +25,7 @@ auto DevicesWhich(bool areHubs) {
     devices.fReason = known.fReason;
     devices.fAll.reserve(known.fAll.size());
     for (const TUSBDevice& each : known.fAll) {
-      if (each.fIsHub == areHubs) devices.fAll.push_back({{each.fFileName, NameOf(each)}, each});
+      if (each.fIsHub == areHubs) devices.fAll.push_back({{each.fFileName, USBNameOf(each)}, each});
     }
     return devices;
   };

@@ -35,7 +35,7 @@ TNumber SpeedOf(const TFiles& port, const char* file, const std::string& text) {
   return static_cast<std::uint64_t>(std::llround(*number * (unit == " Gbit" ? 1e9 : 1e6)));
 }
 
-TNumber ReadSpeed(const TFiles& port) {
+TNumber ReadFCSpeed(const TFiles& port) {
   return port.ReadLine("speed").and_then(
       [&port](const std::string& text) { return SpeedOf(port, "speed", text); });
 }
@@ -67,7 +67,7 @@ auto Counter(const char* file) {
   return [file](const TFCPort& port) { return ReadCounter(port, file); };
 }
 
-std::string LinkStateOf(const std::string& state) {
+std::string FCLinkStateOf(const std::string& state) {
   if (state == "Online") return "up";
   return state == "Linkdown" || state == "Offline" ? "down" : "unknown";
 }
@@ -83,7 +83,7 @@ TReading<std::uint16_t> ReadPortType(const TFCPort& port) {
   });
 }
 
-TInstances<TFCPort> ListPorts(const THost& host) {
+TInstances<TFCPort> ListFCPorts(const THost& host) {
   const auto hosts = DevicesIn("/sys/class/fc_host", [](TSysfsDevice&) { return true; })(host);
   TInstances<TFCPort> ports({}, hosts.fReason);
   ports.fAll.reserve(hosts.fAll.size());
@@ -93,10 +93,10 @@ TInstances<TFCPort> ListPorts(const THost& host) {
     port.fTechnology = ELinkTechnology::kFibreChannel;
     port.fPermanentAddress = ReadName(device, "port_name");
     port.fAddress = ReadName(device, "port_id");
-    port.fLinkState = port.fPortState.map(LinkStateOf);
+    port.fLinkState = port.fPortState.map(FCLinkStateOf);
     port.fIsEnabled =
         port.fPortState.map([](const std::string& each) { return each != "Offline"; });
-    port.fSpeed = ReadSpeed(device);
+    port.fSpeed = ReadFCSpeed(device);
     port.fFullDuplex = true;
     port.fMTU = Missing("not told for Fibre Channel");
     LackCounters(port, "not counted for Fibre Channel");
@@ -119,7 +119,7 @@ TClass FCPortClass() {
   return THostTable<TFCPort>{
       "VORNSG_FCPort",
       "A port of a Fibre Channel adapter.",
-      ListPorts,
+      ListFCPorts,
       {{"PortType", "Its role on the link.", ReadPortType, kPortTypes},
        {"PortState", "What the driver makes of it, as in \"Online\".", &TFCPort::fPortState},
        {"MaxSpeed", "The highest speed that it can have.", ReadMaxSpeed, TUnit{"bit / second"}},

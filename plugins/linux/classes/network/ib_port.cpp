@@ -25,13 +25,13 @@ TText ReadState(const TFiles& port, const char* file) {
   });
 }
 
-std::string LinkStateOf(const std::string& state) {
+std::string IBLinkStateOf(const std::string& state) {
   if (state == "ACTIVE") return "up";
   return state == "DOWN" ? "down" : "dormant";
 }
 
 /// Reads "2.5 Gb/sec (1X SDR)".
-TNumber ReadSpeed(const TFiles& port) {
+TNumber ReadIBSpeed(const TFiles& port) {
   return port.ReadLine("rate").and_then([&port](const std::string& text) -> TNumber {
     const std::size_t unit = text.find(" Gb/sec");
     const auto number = ParseNumber<double>(text.substr(0, unit));
@@ -79,11 +79,11 @@ TIBPort ReadPort(const THost& host, const TSysfsDevice& adapter, const std::stri
   port.fTechnology = TechnologyOf(files);
   port.fPermanentAddress = ReadPortGUID(files);
   port.fAddress = port.fPermanentAddress;
-  port.fLinkState = port.fPortState.map(LinkStateOf);
+  port.fLinkState = port.fPortState.map(IBLinkStateOf);
   port.fIsEnabled = ReadState(files, "phys_state").map([](const std::string& state) {
     return state != "Disabled";
   });
-  port.fSpeed = ReadSpeed(files);
+  port.fSpeed = ReadIBSpeed(files);
   port.fFullDuplex = true;
   port.fMTU = Missing("not told for InfiniBand");
   LackCounters(port, "not counted for InfiniBand");
@@ -100,7 +100,7 @@ TIBPort ReadPort(const THost& host, const TSysfsDevice& adapter, const std::stri
   return port;
 }
 
-TInstances<TIBPort> ListPorts(const THost& host) {
+TInstances<TIBPort> ListIBPorts(const THost& host) {
   const auto adapters = DevicesIn(kFolder, [](TSysfsDevice&) { return true; })(host);
   TInstances<TIBPort> ports({}, adapters.fReason);
   for (const TSysfsDevice& adapter : adapters.fAll) {
@@ -120,7 +120,7 @@ TClass IBPortClass() {
   return THostTable<TIBPort>{
       "VORNSG_IBPort",
       "A port of an adapter for InfiniBand, or for the same over Ethernet.",
-      ListPorts,
+      ListIBPorts,
       {{"Adapter", "The adapter, as the kernel names it.", &TIBPort::fAdapter},
        {"PortNumber", "The number of the port in the adapter.", &TIBPort::fPortNumber},
        {"PortState", "The state of the link, as in \"ACTIVE\".", &TIBPort::fPortState},

@@ -8,14 +8,14 @@ namespace {
 
 struct TIPEndpoint : TAccessPoint, TIPAddress {};
 
-constexpr TConstantEnumeration kAddressTypes = {{0, "Unknown"}, {1, "IPv4"}, {2, "IPv6"}};
+constexpr TConstantEnumeration kEndpointAddressTypes = {{0, "Unknown"}, {1, "IPv4"}, {2, "IPv6"}};
 constexpr TConstantEnumeration kInterfaceTypes = {{4096, "IPv4"}, {4097, "IPv6"}};
 constexpr TConstantEnumeration kOrigins = {
     {0, "Unknown"},        {1, "Other"},     {2, "Not Applicable"},  {3, "Static"},
     {4, "DHCP"},           {5, "BOOTP"},     {6, "IPv4 Link Local"}, {7, "DHCPv6"},
     {8, "IPv6AutoConfig"}, {9, "Stateless"}, {10, "Link Local"}};
 
-TInstances<TIPEndpoint> ListEndpoints(const THost& host) {
+TInstances<TIPEndpoint> ListIPEndpoints(const THost& host) {
   const TInstances<TIPAddress>& all = host.Shared<TIPAddresses>().fAll;
   TInstances<TIPEndpoint> endpoints({}, all.fReason);
   endpoints.fAll.reserve(all.fAll.size());
@@ -41,14 +41,14 @@ TClass IPProtocolEndpointClass() {
   return THostTable<TIPEndpoint>{
       kIPEndpointClassName,
       "An IP address of this machine.",
-      ListEndpoints,
+      ListIPEndpoints,
       {{"IPv4Address", "The address; empty if it is one of IPv6.",
         [](const TIPEndpoint& each) { return AddressIf(each, false); }, ESecret::kAddress},
        {"IPv6Address", "The address; empty if it is one of IPv4.",
         [](const TIPEndpoint& each) { return AddressIf(each, true); }, ESecret::kAddress},
        {"AddressType", "The version of the protocol.",
         [](const TIPEndpoint& each) -> std::uint16_t { return each.fIsIPv6 ? 2 : 1; },
-        kAddressTypes},
+        kEndpointAddressTypes},
        {"ProtocolIFType", "The same, with the numbers of all protocols.",
         [](const TIPEndpoint& each) -> std::uint16_t { return each.fIsIPv6 ? 4097 : 4096; },
         kInterfaceTypes},

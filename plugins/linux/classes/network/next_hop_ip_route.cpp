@@ -12,7 +12,7 @@
 namespace NVORNQDX20 {
 namespace {
 
-constexpr TConstantEnumeration kAddressTypes = {{0, "Unknown"}, {1, "IPv4"}, {2, "IPv6"}};
+constexpr TConstantEnumeration kRouteAddressTypes = {{0, "Unknown"}, {1, "IPv4"}, {2, "IPv6"}};
 constexpr TConstantEnumeration kDerivations = {{0, "Unknown"},      {1, "Other"}, {2, "Connected"},
                                                {3, "User-Defined"}, {4, "IGRP"},  {5, "EIGRP"},
                                                {6, "RIP"},          {7, "Hello"}, {8, "EGP"},
@@ -87,7 +87,8 @@ TClass NextHopIPRouteClass() {
        {"PrefixLength", "The bits of the address that name the network.",
         [](const TRoute& each) { return static_cast<std::uint8_t>(each.fPrefixLength); }},
        {"AddressType", "The version of the protocol.",
-        [](const TRoute& each) -> std::uint16_t { return each.fIsIPv6 ? 2 : 1; }, kAddressTypes},
+        [](const TRoute& each) -> std::uint16_t { return each.fIsIPv6 ? 2 : 1; },
+        kRouteAddressTypes},
        {"NextHopAddress", "The router that it leads over; empty for a connected network.",
         [](const TRoute& each) { return AddressText(each.fNextHop); }, ESecret::kAddress},
        {"PortName", "The interface that it leads over; empty if it leads nowhere.", &TRoute::fPort},

@@ -13,7 +13,7 @@ struct TTie {
   TInstanceName fOther;
 };
 
-TInstances<TTie> ListEndpoints(const THost& host) {
+TInstances<TTie> ListTies(const THost& host) {
   const TPorts& ports = host.Shared<TPorts>();
   TInstances<TTie> ties;
   const auto add = [&](const std::string& interface, const char* endpoint, std::string name) {
@@ -48,7 +48,7 @@ TClass PortImplementsEndpointClass() {
   return THostTable<TTie>{
       "VORNSG_PortImplementsEndpoint",
       "Ties a port to an address or a virtual LAN that it carries.",
-      ListEndpoints,
+      ListTies,
       {{"Antecedent", "The port.", &TTie::fOne, kKey, TRefersTo{kNetworkPortClassName}},
        {"Dependent", "What it carries.", &TTie::fOther, kKey,
         TRefersTo{kProtocolEndpointClassName}}}}

@@ -8,7 +8,7 @@ namespace {
 
 struct TVLANEndpoint : TAccessPoint, TVLAN {};
 
-TInstances<TVLANEndpoint> ListEndpoints(const THost& host) {
+TInstances<TVLANEndpoint> ListVLANEndpoints(const THost& host) {
   const TInstances<TVLAN>& all = host.Shared<TVLANs>().fAll;
   TInstances<TVLANEndpoint> endpoints({}, all.fReason);
   endpoints.fAll.reserve(all.fAll.size());
@@ -22,7 +22,7 @@ TClass VLANEndpointClass() {
   return THostTable<TVLANEndpoint>{
       kVLANEndpointClassName,
       "A virtual LAN that this machine takes part in, by the name of its interface.",
-      ListEndpoints,
+      ListVLANEndpoints,
       {{"VLANID", "The number of the virtual LAN.", &TVLANEndpoint::fID},
        {"PortName", "The interface whose link carries it.", &TVLANEndpoint::fParent}}}
       .DerivedFrom(ProtocolEndpointTable());

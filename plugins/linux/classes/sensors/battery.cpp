@@ -31,7 +31,7 @@ std::uint16_t NumberOf(const TName (&names)[kCount], const std::string& text, st
   return found == std::end(names) ? other : found->fNumber;
 }
 
-TReading<std::uint16_t> ReadStatus(const TPowerUnit& battery) {
+TReading<std::uint16_t> ReadBatteryStatus(const TPowerUnit& battery) {
   constexpr std::uint16_t kUnknown = 2, kFull = 3, kLow = 4, kCritical = 5, kCharging = 6;
   constexpr std::uint16_t kPartial = 11;
   const TText level = KernelText("capacity_level")(battery);
@@ -148,7 +148,7 @@ TClass BatteryClass() {
        {"Present", "Whether the battery is in its bay.", ReadPresent},
        {"Scope", "\"System\" if it feeds the machine, \"Device\" if it feeds something else.",
         KernelText("scope")},
-       {"BatteryStatus", "Its charge, roughly.", ReadStatus,
+       {"BatteryStatus", "Its charge, roughly.", ReadBatteryStatus,
         TEnumeration{{1, "Other"},
                      {2, "Unknown"},
                      {3, "Fully Charged"},

@@ -21,7 +21,7 @@ TReading<bool> IsActive(std::uint8_t type) {
   return type != kHeatPipe && type != kPassive;
 }
 
-TInstances<TFirmwareCoolingDevice> ListDevices(const THost& host) {
+TInstances<TFirmwareCoolingDevice> ListFirmwareDevices(const THost& host) {
   const auto elements = ListFirmware(host, kFirmwareCoolingType, kFirmwareCoolingName, {});
   TInstances<TFirmwareCoolingDevice> devices({}, elements.fReason);
   devices.fAll.reserve(elements.fAll.size());
@@ -38,7 +38,7 @@ TReading<std::uint8_t> ReadDeviceType(const TFirmwareCoolingDevice& device) {
   return ReadType(*device.fStructure);
 }
 
-TReading<std::uint8_t> ReadStatus(const TFirmwareCoolingDevice& device) {
+TReading<std::uint8_t> ReadDeviceStatus(const TFirmwareCoolingDevice& device) {
   return ReadBits(*device.fStructure, 0x06, 5, 6);
 }
 
@@ -86,7 +86,7 @@ TClass FirmwareCoolingDeviceClass() {
       kFirmwareCoolingClassName,
       "A fan, or what else cools, as the firmware's table describes it, without its speed now. The "
       "kernel may know the same fan by a chip.",
-      ListDevices,
+      ListFirmwareDevices,
       {{"DeviceType", "What it is.", ReadDeviceType,
         TEnumeration{{1, "Other"},
                      {2, "Unknown"},
@@ -99,7 +99,7 @@ TClass FirmwareCoolingDeviceClass() {
                      {9, "Integrated Refrigeration"},
                      {16, "Active Cooling"},
                      {17, "Passive Cooling"}}},
-       {"Status", "How it was when the machine started.", ReadStatus, kProbeStatuses},
+       {"Status", "How it was when the machine started.", ReadDeviceStatus, kProbeStatuses},
        {"CoolingUnitGroup", "The group of those that replace each other.", ReadUnitGroup},
        {"NominalSpeed", "The speed that it is made for.", ReadNominalSpeed,
         TUnit{"revolution / minute"}}}}

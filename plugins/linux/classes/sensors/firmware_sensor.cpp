@@ -130,7 +130,7 @@ TReading<std::uint8_t> ReadLocation(const TProbe& probe) {
   return ReadBits(*probe.fStructure, 0x05, 0, probe.fKind->fSensorType == kTemperature ? 15 : 11);
 }
 
-TReading<std::uint8_t> ReadStatus(const TProbe& probe) {
+TReading<std::uint8_t> ReadProbeStatus(const TProbe& probe) {
   return ReadBits(*probe.fStructure, 0x05, 5, 6);
 }
 
@@ -168,7 +168,8 @@ TClass FirmwareSensorClass() {
                      {13, "Back Panel Board"},
                      {14, "Power System Board"},
                      {15, "Drive Back Plane"}}},
-       {"Status", "How what it watches was when the machine started.", ReadStatus, kProbeStatuses},
+       {"Status", "How what it watches was when the machine started.", ReadProbeStatus,
+        kProbeStatuses},
        {"MaxReadable", "The highest that it can read.", Value(0x06)},
        {"MinReadable", "The lowest that it can read.", Value(0x08)},
        {"Resolution", "The smallest difference that it can tell.", ReadResolution},

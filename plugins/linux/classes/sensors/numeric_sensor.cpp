@@ -41,7 +41,7 @@ TNumericSensor SensorOf(const TChannel& channel) {
   return sensor;
 }
 
-TInstances<TNumericSensor> ListSensors(const THost& host) {
+TInstances<TNumericSensor> ListNumericSensors(const THost& host) {
   const auto& chips = host.Shared<TChips>();
   TInstances<TNumericSensor> sensors({}, chips.fReason);
   for (const TChannel& channel : chips.fChannels) {
@@ -81,7 +81,7 @@ THostTable<TNumericSensor> NumericSensorTable() {
   return THostTable<TNumericSensor>{
       "VORNSG_NumericSensor",
       "A sensor that reads a number. All its numbers are in BaseUnits * 10 ^ UnitModifier.",
-      ListSensors,
+      ListNumericSensors,
       {{"BaseUnits", "What is counted.", &TNumericSensor::fBaseUnits, units},
        {"UnitModifier", "The power of ten of that: -3 is for thousandths.",
         &TNumericSensor::fUnitModifier},

@@ -40,7 +40,7 @@ TText NameOf(const TPowerUnit& supply, std::uint16_t number, const char* const (
   return supply.fFirmware->MissingFrom("unknown");
 }
 
-TText ReadType(const TPowerUnit& supply) {
+TText ReadSupplyType(const TPowerUnit& supply) {
   if (supply.fKernel) return supply.fKernel->Read("type");
   return Characteristic(supply, 10, 4).and_then([&](std::uint16_t type) {
     constexpr const char* kTypes[] = {"",        "Other", "",          "Linear",   "Switching",
@@ -49,7 +49,7 @@ TText ReadType(const TPowerUnit& supply) {
   });
 }
 
-TText ReadStatus(const TPowerUnit& supply) {
+TText ReadSupplyStatus(const TPowerUnit& supply) {
   if (supply.fKernel) return supply.fKernel->Read("status");
   return Characteristic(supply, 7, 3).and_then([&](std::uint16_t status) {
     constexpr const char* kStates[] = {"", "Other", "", "OK", "Non-critical", "Critical"};
@@ -105,8 +105,8 @@ TClass PowerSupplyClass() {
       "VORNSG_PowerSupply",
       "A power supply in the chassis, an adapter, or another source of power.",
       ListSupplies,
-      {{"Type", "The kind, as the kernel or the firmware names it.", ReadType},
-       {"Status", "How it is.", ReadStatus},
+      {{"Type", "The kind, as the kernel or the firmware names it.", ReadSupplyType},
+       {"Status", "How it is.", ReadSupplyStatus},
        {"ElementName", "The name that the firmware has for it.", FirmwareLine(0x06)},
        {"Location", "Where it is in the machine.", FirmwareLine(0x05)},
        {"Manufacturer", "The maker.", UnitIdentity("manufacturer", 0x07)},

@@ -12,7 +12,7 @@ bool Contains(const std::string& text, const char* part) {
   return text.find(part) != std::string::npos;
 }
 
-TReading<bool> IsActive(const std::string& type) {
+TReading<bool> IsActiveFan(const std::string& type) {
   if (Contains(type, "Fan") || Contains(type, "fan")) return true;
   for (const char* slower : {"Processor", "powerclamp", "cpufreq", "cpuidle", "devfreq"}) {
     if (Contains(type, slower)) return false;
@@ -28,13 +28,13 @@ TReading<std::int64_t> ReadState(const TFiles& device) {
   return state;
 }
 
-TInstances<TThermalCoolingDevice> ListDevices(const THost& host) {
+TInstances<TThermalCoolingDevice> ListThermalDevices(const THost& host) {
   const auto& devices = host.Shared<TThermal>().fCoolingDevices;
   TInstances<TThermalCoolingDevice> all({}, devices.fReason);
   all.fAll.reserve(devices.fAll.size());
   for (const TThermalDevice& each : devices.fAll) {
     all.fAll.push_back(
-        {{{"cooling/" + each.fID, each.fName}, each.fType, each.fType.and_then(IsActive)},
+        {{{"cooling/" + each.fID, each.fName}, each.fType, each.fType.and_then(IsActiveFan)},
          each.fFolder});
   }
   return all;
@@ -46,7 +46,7 @@ TClass ThermalCoolingDeviceClass() {
   return THostTable<TThermalCoolingDevice>{
       "VORNSG_ThermalCoolingDevice",
       "A fan, a processor that can be slowed down, or what else the kernel can cool with.",
-      ListDevices,
+      ListThermalDevices,
       {{"CoolingState", "How much it cools now.", ReadState, kGauge, kVolatile},
        {"MaxCoolingState", "The most that it can cool; 0 is for not at all.",
         FileNumber<std::int64_t>("max_state")}}}

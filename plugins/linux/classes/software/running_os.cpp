@@ -9,10 +9,10 @@ namespace NVORNQDX20 {
 namespace {
 
 const std::string& kOSClass = TCIMSchemaHelper::kOperatingSystemCreationClassName;
-const std::string& kSystemClass = TCIMSchemaHelper::kSystemCreationClassName;
+const std::string& kMachineClass = TCIMSchemaHelper::kSystemCreationClassName;
 
-TInstanceName System(const THost& host) { return {kOSClass, OSNameAsKey(host)}; }
-TInstanceName Machine(const THost& host) { return {kSystemClass, host.GetNameAsKey()}; }
+TInstanceName RunningSystem(const THost& host) { return {kOSClass, OSNameAsKey(host)}; }
+TInstanceName Machine(const THost& host) { return {kMachineClass, host.GetNameAsKey()}; }
 
 }  // namespace
 
@@ -21,8 +21,8 @@ TClass RunningOSClass() {
       "VORNSG_RunningOS",
       "Ties the operating system to the machine on which it runs.",
       kOnly,
-      {{"Antecedent", "The operating system.", System, kKey, TRefersTo{kOSClass.c_str()}},
-       {"Dependent", "The machine.", Machine, kKey, TRefersTo{kSystemClass.c_str()}}}}
+      {{"Antecedent", "The operating system.", RunningSystem, kKey, TRefersTo{kOSClass.c_str()}},
+       {"Dependent", "The machine.", Machine, kKey, TRefersTo{kMachineClass.c_str()}}}}
       .AsAssociation();
 }
 

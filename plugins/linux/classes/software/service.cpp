@@ -72,7 +72,7 @@ std::vector<TInstanceName> ListServiceNames(const THost& host) {
   return names;
 }
 
-TInstanceName System(const THost& host) { return {kSystemClass, host.GetNameAsKey()}; }
+TInstanceName HostSystem(const THost& host) { return {kSystemClass, host.GetNameAsKey()}; }
 const TInstanceName& Itself(const TInstanceName& service) { return service; }
 
 }  // namespace
@@ -132,7 +132,7 @@ TClass HostedServiceClass() {
       "VORNSG_HostedService",
       "Ties a service to the machine that has it.",
       ListServiceNames,
-      {{"Antecedent", "The machine.", System, kKey, TRefersTo{kSystemClass.c_str()}},
+      {{"Antecedent", "The machine.", HostSystem, kKey, TRefersTo{kSystemClass.c_str()}},
        {"Dependent", "The service.", Itself, kKey, TRefersTo{kServiceClass}}}}
       .AsAssociation();
 }

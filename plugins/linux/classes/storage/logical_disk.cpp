@@ -7,7 +7,7 @@
 namespace NVORNQDX20 {
 namespace {
 
-TInstances<TExtent> ListDisks(const THost& host) {
+TInstances<TExtent> ListLogicalDisks(const THost& host) {
   TInstances<TExtent> disks = ExtentsOf(EBlockKind::kDeviceMapper)(host);
   for (TExtent& loop : ExtentsOf(EBlockKind::kLoop)(host).fAll) {
     disks.fAll.push_back(std::move(loop));
@@ -49,7 +49,7 @@ TClass LogicalDiskClass() {
       "VORNSG_LogicalDisk",
       "A disk that the kernel makes of others or of a file: a logical volume, an encrypted or a "
       "multipath device, a loop device.",
-      ListDisks,
+      ListLogicalDisks,
       {{"ElementName", "The name that the device mapper has for it, as in \"vg0-root\".",
         &TBlockDevice::fMapperName},
        {"MapperUUID", "By which the device mapper knows it; begins with the kind.",

@@ -42,13 +42,13 @@ TInstances<TSetting> ListSettings(const THost& host) {
 
 bool HasPath(const TSetting& setting) { return setting.fPath.front() == '/'; }
 
-std::string DeviceOf(const TSetting& setting) {
+std::string MountedDevice(const TSetting& setting) {
   return WithoutCredentials(PrintableText(setting.fDevice), setting.fType);
 }
 
 /// Several lines for swap space have the same word in the place of a path.
 std::string NameOf(const TSetting& setting) {
-  return HasPath(setting) ? PrintableText(setting.fPath) : DeviceOf(setting);
+  return HasPath(setting) ? PrintableText(setting.fPath) : MountedDevice(setting);
 }
 
 std::string ReadSource(const TSetting& setting, const THost& host) {
@@ -56,7 +56,7 @@ std::string ReadSource(const TSetting& setting, const THost& host) {
   std::string source = setting.fDevice;
   source.erase(std::remove(source.begin(), source.end(), '"'), source.end());
   const TBlockDevice* const device = host.Shared<TBlockDevices>().FindMounted({}, source);
-  return device == nullptr ? DeviceOf(setting) : device->GetPath();
+  return device == nullptr ? MountedDevice(setting) : device->GetPath();
 }
 
 TReading<bool> ReadIsMounted(const TSetting& setting, const THost& host) {
@@ -81,7 +81,7 @@ TClass MountSettingClass() {
       "A line of fstab: a file system or a swap space that is configured.",
       ListSettings,
       {{"InstanceID", "Where it is to be mounted; of swap space, the device.", NameOf, kKey},
-       {"Device", "What is to be mounted, as the line names it.", DeviceOf},
+       {"Device", "What is to be mounted, as the line names it.", MountedDevice},
        {"SourceDevice",
         "The kernel's device file of that; the same as Device if there is no such block device.",
         ReadSource},

@@ -27,7 +27,9 @@ TInstances<TMember> ListMembers(const THost& host) {
   return members;
 }
 
-std::string IDOf(const TMember& member) { return "VORNSG:" + member.fGroup + "/" + member.fName; }
+std::string VolumeIDOf(const TMember& member) {
+  return "VORNSG:" + member.fGroup + "/" + member.fName;
+}
 
 TNumber CountFree(const TMember& member) {
   return member.fExtents.and_then([&member](std::uint64_t all) {
@@ -40,7 +42,7 @@ TNumber CountFree(const TMember& member) {
 
 /// Reads a number of extents as bytes.
 template <typename TCount>
-auto Bytes(TCount count) {
+auto VolumeBytes(TCount count) {
   return [count](const TMember& member) {
     const TNumber extents = std::invoke(count, member);
     return member.fExtentSize.and_then(
@@ -56,7 +58,7 @@ TClass PhysicalVolumeClass() {
       "VORNSG_PhysicalVolume",
       "A disk or partition of a volume group of LVM, as LVM saved it at the last change.",
       ListMembers,
-      {{"InstanceID", "Tells it from others.", IDOf, kKey},
+      {{"InstanceID", "Tells it from others.", VolumeIDOf, kKey},
        {"VolumeGroup", "The group.", &TMember::fGroup},
        {"UUID", "By which LVM knows it.", &TPhysicalVolume::fUUID},
        {"Device", "The block device that it is on now.", &TMember::fBlockDevice},
@@ -65,8 +67,8 @@ TClass PhysicalVolumeClass() {
        {"Status", "What may be done with it; \"MISSING\" if LVM did not find it.",
         &TPhysicalVolume::fStatus},
        {"DeviceSize", "The size of the block device.", &TPhysicalVolume::fSize, bytes},
-       {"TotalSpace", "What volumes can use.", Bytes(&TPhysicalVolume::fExtents), bytes},
-       {"FreeSpace", "What no volume uses.", Bytes(CountFree), bytes},
+       {"TotalSpace", "What volumes can use.", VolumeBytes(&TPhysicalVolume::fExtents), bytes},
+       {"FreeSpace", "What no volume uses.", VolumeBytes(CountFree), bytes},
        {"ExtentCount", "How many pieces it has.", &TPhysicalVolume::fExtents},
        {"UsedExtentCount", "How many of them volumes use.", &TPhysicalVolume::fUsedExtents}}};
 }

@@ -9,7 +9,7 @@ namespace {
 
 const char* const kPoolClassName = "VORNSG_StoragePool";
 
-std::string IDOf(const TKnownGroup& group) { return "VORNSG:" + group.fName; }
+std::string PoolIDOf(const TKnownGroup& group) { return "VORNSG:" + group.fName; }
 
 TInstances<TKnownGroup> ListPools(const THost& host) {
   const auto& groups = host.Shared<TVolumeGroups>();
@@ -17,7 +17,7 @@ TInstances<TKnownGroup> ListPools(const THost& host) {
 }
 
 /// Reads a number of extents as bytes.
-auto Bytes(TNumber TVolumeGroup::*extents) {
+auto PoolBytes(TNumber TVolumeGroup::*extents) {
   return [extents](const TKnownGroup& group) {
     return (group.*extents).and_then([&group](std::uint64_t count) {
       return group.fExtentSize.and_then(
@@ -35,7 +35,7 @@ auto TiesTo(std::vector<std::string> TKnownGroup::*names) {
       for (const std::string& name : group.*names) {
         const TBlockDevice* const device = devices.Find(name);
         if (device == nullptr || !IsExtent(*device)) continue;
-        ties.push_back({{kPoolClassName, IDOf(group)}, ExtentName(*device)});
+        ties.push_back({{kPoolClassName, PoolIDOf(group)}, ExtentName(*device)});
       }
     }
     return ties;
@@ -51,14 +51,15 @@ TClass StoragePoolClass() {
       "A volume group of LVM. What its text says is what LVM saved at the last change of the "
       "group.",
       ListPools,
-      {{"InstanceID", "Tells the group from others.", IDOf, kKey},
+      {{"InstanceID", "Tells the group from others.", PoolIDOf, kKey},
        {"PoolID", "The name of the group.", &TVolumeGroup::fName},
        {"UUID", "By which LVM knows the group.", &TVolumeGroup::fUUID},
        {"Active", "Whether the kernel has a volume of it now.", &TKnownGroup::fIsActive},
        {"Status", "What may be done with it, as in \"READ\", \"WRITE\" and \"RESIZEABLE\".",
         &TVolumeGroup::fStatus},
-       {"TotalManagedSpace", "Its size.", Bytes(&TVolumeGroup::fExtents), bytes},
-       {"RemainingManagedSpace", "What no volume uses.", Bytes(&TVolumeGroup::fFreeExtents), bytes},
+       {"TotalManagedSpace", "Its size.", PoolBytes(&TVolumeGroup::fExtents), bytes},
+       {"RemainingManagedSpace", "What no volume uses.", PoolBytes(&TVolumeGroup::fFreeExtents),
+        bytes},
        {"ExtentSize", "The size of the pieces that volumes consist of.", &TVolumeGroup::fExtentSize,
         bytes},
        {"ExtentCount", "How many pieces it has.", &TVolumeGroup::fExtents},

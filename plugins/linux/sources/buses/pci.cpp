@@ -115,7 +115,7 @@ class TPCISlots {
 };
 
 /// Where the list has the names of a function.
-struct TPaths {
+struct TPCIPaths {
   TText fVendor;
   TText fDevice;
   TText fSubsystemVendor;
@@ -124,14 +124,14 @@ struct TPaths {
   TText fSubclass;
 };
 
-TPaths PathsOf(const TPCIFunction& function) {
+TPCIPaths PathsOf(const TPCIFunction& function) {
   using TID = TReading<std::uint16_t>;
   const auto join = [](const TText& path, char separator, const TID& id) {
     return path.and_then([&](const std::string& begin) {
       return id.map([&](std::uint16_t number) { return begin + separator + HexID(number); });
     });
   };
-  TPaths paths;
+  TPCIPaths paths;
   paths.fVendor = function.fVendor.map(HexID<std::uint16_t>);
   paths.fDevice = join(paths.fVendor, '\t', function.fDevice);
   // Without a subsystem, both numbers are 0.
@@ -147,7 +147,7 @@ TPaths PathsOf(const TPCIFunction& function) {
   return paths;
 }
 
-void SetNames(TPCIFunction& function, const TPaths& paths, const TIDNames& names) {
+void SetNames(TPCIFunction& function, const TPCIPaths& paths, const TIDNames& names) {
   const auto nameOf = [&names](const TText& path) {
     return path.and_then([&names](const std::string& known) { return names.Get(known); });
   };
@@ -211,12 +211,12 @@ TInstances<TPCIFunction> ListPCIFunctions(const THost& host) {
   TInstances<TPCIFunction> functions;
   functions.fReason = std::move(folders.fReason);
   functions.fAll.reserve(folders.fAll.size());
-  std::vector<TPaths> paths;
+  std::vector<TPCIPaths> paths;
   paths.reserve(folders.fAll.size());
   std::set<std::string> wanted;
   for (const TDeviceFolder& folder : folders.fAll) {
     functions.fAll.push_back(MakeFunction(folder, slots));
-    const TPaths& own = paths.emplace_back(PathsOf(functions.fAll.back()));
+    const TPCIPaths& own = paths.emplace_back(PathsOf(functions.fAll.back()));
     for (const TText* path : {&own.fVendor, &own.fDevice, &own.fSubsystemVendor, &own.fSubsystem,
                               &own.fClass, &own.fSubclass}) {
       if (*path) wanted.insert(**path);

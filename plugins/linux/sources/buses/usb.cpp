@@ -54,14 +54,14 @@ void AddInterface(const TFiles& interface, TUSBDevice& device) {
 using TClasses = TReading<std::vector<std::string>>;
 
 /// Where the list has the names of a device.
-struct TPaths {
+struct TUSBPaths {
   TText fVendor;
   TText fProduct;
   TClasses fClasses;
 };
 
-TPaths PathsOf(const TUSBDevice& device) {
-  TPaths paths;
+TUSBPaths PathsOf(const TUSBDevice& device) {
+  TUSBPaths paths;
   paths.fVendor = device.fVendor.map(HexID<std::uint16_t>);
   paths.fProduct = paths.fVendor.and_then([&](const std::string& vendor) {
     return device.fProduct.map([&](std::uint16_t id) { return vendor + '\t' + HexID(id); });
@@ -79,7 +79,7 @@ TPaths PathsOf(const TUSBDevice& device) {
   return paths;
 }
 
-void SetNames(TUSBDevice& device, const TPaths& paths, const TIDNames& names) {
+void SetNames(TUSBDevice& device, const TUSBPaths& paths, const TIDNames& names) {
   const auto nameOf = [&names](const std::string& path) { return names.Get(path); };
   device.fVendorName = paths.fVendor.and_then(nameOf);
   device.fProductName = paths.fProduct.and_then(nameOf);
@@ -126,11 +126,11 @@ TUSBDevices::TUSBDevices(const THost& host) {
     const auto owner = places.find(DeviceOf(folder.fFileName));
     if (owner != places.end()) AddInterface(folder, fAll.fAll[owner->second]);
   }
-  std::vector<TPaths> paths;
+  std::vector<TUSBPaths> paths;
   paths.reserve(fAll.fAll.size());
   std::set<std::string> wanted;
   for (const TUSBDevice& device : fAll.fAll) {
-    const TPaths& own = paths.emplace_back(PathsOf(device));
+    const TUSBPaths& own = paths.emplace_back(PathsOf(device));
     for (const TText* path : {&own.fVendor, &own.fProduct}) {
       if (*path) wanted.insert(**path);
     }

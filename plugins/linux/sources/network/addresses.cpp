@@ -95,7 +95,7 @@ std::vector<TTrieEntry> LocalEntries(std::string_view table) {
   return entries;
 }
 
-TInstances<TIPAddress> ReadTables(const THost& host) {
+TInstances<TIPAddress> ReadAddressTables(const THost& host) {
   const TText trie = ReadNetTable(host, "fib_trie");
   const TText second = ReadNetTable(host, "if_inet6");
   TInstances<TIPAddress> all(trie.map([&host](const std::string& table) {
@@ -192,7 +192,7 @@ TIPAddresses::TIPAddresses(const THost& host) {
       return;
     }
   }
-  fAll = ReadTables(host);
+  fAll = ReadAddressTables(host);
 }
 
 }  // namespace NVORNQDX20

@@ -123,7 +123,7 @@ void AddDumped(const rtmsg& header, std::string_view attributes, const TLinks& l
   });
 }
 
-TInstances<TRoute> ReadTables(const THost& host) {
+TInstances<TRoute> ReadRouteTables(const THost& host) {
   const TText first = ReadNetTable(host, "route");
   const TText second = ReadNetTable(host, "ipv6_route");
   TInstances<TRoute> all(first.map([](const std::string& table) { return ParseRoutes(table); }));
@@ -200,7 +200,7 @@ TRoutes::TRoutes(const THost& host) {
       return;
     }
   }
-  fAll = ReadTables(host);
+  fAll = ReadRouteTables(host);
 }
 
 }  // namespace NVORNQDX20

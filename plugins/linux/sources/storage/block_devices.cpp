@@ -15,7 +15,7 @@ namespace {
 
 using boost::algorithm::starts_with;
 
-const char* const kFolder = "/sys/block";
+const char* const kDiskFolder = "/sys/block";
 
 /// Drivers of hardware. Their disks may lack the link "device" in a copied tree.
 constexpr std::string_view kDrivers[] = {"cciss!", "dasd", "fd", "hd",  "mmcblk", "mtdblock",
@@ -85,7 +85,7 @@ TBlockDevice MakeDevice(const THost& host, const TFiles& folder, const TFiles& d
 TBlockDevice MakeListed(const THost& host, const TListedDevice& listed) {
   const bool isPartition = !listed.fDisk.empty();
   const std::string name = FileNameOf(listed.fName);
-  const TFiles disk = host.In(kFolder).In(isPartition ? FileNameOf(listed.fDisk) : name);
+  const TFiles disk = host.In(kDiskFolder).In(isPartition ? FileNameOf(listed.fDisk) : name);
   const TFiles folder = isPartition ? disk.In(name) : disk;
   const EBlockKind kind =
       isPartition ? EBlockKind::kPartition : KindOf(name, folder).ValueOr(EBlockKind::kOther);
@@ -141,11 +141,11 @@ TLogicalVolume ParseLogicalVolume(const std::string& mapperName) {
 }
 
 TBlockDevices::TBlockDevices(const THost& host) {
-  const TReading<std::vector<std::string>> names = host.List(kFolder);
+  const TReading<std::vector<std::string>> names = host.List(kDiskFolder);
   fReason = names.GetReason();
-  if (!names && !host.IsAbsent(kFolder)) return;
+  if (!names && !host.IsAbsent(kDiskFolder)) return;
   for (const std::string& name : names.ValueOr({})) {
-    const TReading<bool> isTaken = IsTaken(name, host.In(kFolder).In(name));
+    const TReading<bool> isTaken = IsTaken(name, host.In(kDiskFolder).In(name));
     if (!isTaken) fReason.Add(isTaken.GetReason());
     if (isTaken.ValueOr(false)) AddDisk(host, name);
   }
@@ -175,7 +175,7 @@ void TBlockDevices::AddListed(const THost& host) {
 }
 
 void TBlockDevices::AddDisk(const THost& host, const std::string& name) {
-  const TFiles folder = host.In(kFolder).In(name);
+  const TFiles folder = host.In(kDiskFolder).In(name);
   const TReading<EBlockKind> kind = KindOf(name, folder);
   if (!kind) return fReason.Add(kind.GetReason());
   TBlockDevice device = MakeDevice(host, folder, folder, name, *kind);

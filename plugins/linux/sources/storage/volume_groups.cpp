@@ -6,7 +6,7 @@
 namespace NVORNQDX20 {
 namespace {
 
-const char* const kFolder = "/etc/lvm/backup";
+const char* const kBackupFolder = "/etc/lvm/backup";
 /// Of all files; a group of a hundred volumes has some 100 KiB.
 constexpr std::size_t kMaxSize = 16U << 20U;
 
@@ -15,7 +15,7 @@ void AddOnce(std::vector<std::string>& names, const std::string& name) {
 }
 
 void AddSaved(const THost& host, TVolumeGroups& groups) {
-  const TFiles folder = host.In(kFolder);
+  const TFiles folder = host.In(kBackupFolder);
   const auto names = folder.List();
   if (!names && !folder.IsAbsent("")) groups.fReason.Add(names.GetReason());
   std::size_t size = 0;
@@ -23,7 +23,7 @@ void AddSaved(const THost& host, TVolumeGroups& groups) {
     const TText text = folder.Read(name, TFiles::kMaxTableSize);
     size += text.ValueOr("").size();
     if (size > kMaxSize) {
-      groups.fReason.Add({kFolder + std::string(": too large"), TReason::kError});
+      groups.fReason.Add({kBackupFolder + std::string(": too large"), TReason::kError});
       return;
     }
     const TReading<TVolumeGroup> group = text.and_then([&](const std::string& each) {
@@ -41,7 +41,7 @@ void AddSaved(const THost& host, TVolumeGroups& groups) {
 
 /// A group of which only the device mapper knows.
 TKnownGroup UnsavedGroup(const THost& host, const std::string& name, const std::string& uuid) {
-  const TFiles folder = host.In(kFolder);
+  const TFiles folder = host.In(kBackupFolder);
   const TReason unread = folder.Read(name, TFiles::kMaxTableSize).GetReason();
   const TMissing missing =
       unread.empty() ? folder.MissingFrom(name, "does not have the group") : Missing(unread);
@@ -129,7 +129,7 @@ TVolumeGroups::TVolumeGroups(const THost& host) {
   FindDevices(devices, *this);
   if (devices.GetReason().IsError()) fReason.Add(devices.GetReason());
   if (fAll.empty() && fReason.empty()) {
-    fReason = "neither the device mapper nor " + std::string(kFolder) + " has a volume group";
+    fReason = "neither the device mapper nor " + std::string(kBackupFolder) + " has a volume group";
   }
 }
 
