@@ -8,7 +8,6 @@
 #include <qdxmodel/names.h>
 #include <qdxmodel/options.h>
 #include <qdxrepository/repository.h>
-#include <qdxsystem/error_text.h>
 
 #include <algorithm>
 #include <cctype>
@@ -21,6 +20,7 @@
 
 #include "cli/new_file.h"
 #include "cli/output.h"
+#include "cli/whole_file.h"
 #include "input/completeness.h"
 #include "input/document.h"
 #include "input/machine.h"
@@ -166,17 +166,6 @@ std::string DefaultName(const std::string& hostName) {
   return file + stamp;
 }
 
-/// Returns whether the path is a device, a pipe or a folder, which a file cannot replace.
-bool IsNotReplaceable(const std::string& path) {
-  std::error_code error;
-  const fs::file_status status = fs::status(path, error);
-  if (!fs::status_known(status)) {
-    throw TCommandFailure(kExitBadInput, "writing " + path,
-                          {kQDXStatusFileSystemError, ErrorText(error.value())});
-  }
-  return fs::exists(status) && !fs::is_regular_file(status);
-}
-
 [[noreturn]] void FailToCollect(const TMachine& machine, const std::string& reason) {
   throw TCommandFailure(kExitNothingCollected, "collecting the machine below " + machine.GetRoot(),
                         {kQDXStatusNotFound, reason});
@@ -230,7 +219,7 @@ class TCollection {
     // Consumers may select the format by the suffix.
     const std::size_t dot = std::min(file.rfind('.'), file.size());
     const std::string suffix = file.find('/', dot) == std::string::npos ? file.substr(dot) : "";
-    if (IsNotReplaceable(file)) return WriteInto(file, suffix);
+    if (!IsReplaceable(file)) return WriteInto(file, suffix);
     const fs::path path = fs::absolute(FileToReplace(file));
     TNewFile newFile(path.parent_path().string(), suffix, file);
     Write(newFile.GetPath(), file);

@@ -53,9 +53,9 @@ const char* const kExitCodes =
 }  // namespace
 
 const std::vector<TVerb>& AllVerbs() {
-  static const std::vector<TVerb> verbs = {IdentityVerb(), CollectVerb(),  ShowVerb(),
-                                           DiffVerb(),     ValidateVerb(), PluginsVerb(),
-                                           MediaVerb(),    UploadVerb(),   DownloadVerb()};
+  static const std::vector<TVerb> verbs = {
+      IdentityVerb(), CollectVerb(), ShowVerb(),  ReportVerb(), DiffVerb(),
+      ValidateVerb(), PluginsVerb(), MediaVerb(), UploadVerb(), DownloadVerb()};
   return verbs;
 }
 

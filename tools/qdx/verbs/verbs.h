@@ -27,6 +27,7 @@ TVerb DownloadVerb();
 TVerb IdentityVerb();
 TVerb MediaVerb();
 TVerb PluginsVerb();
+TVerb ReportVerb();
 TVerb ShowVerb();
 TVerb UploadVerb();
 TVerb ValidateVerb();

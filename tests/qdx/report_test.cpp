@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "qdx/installation.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+class QDXReport : public ::testing::Test {
+ protected:
+  QDXReport() {
+    fQDX.AddLinuxProvider();
+    fQDX.AddDocumentPlugins();
+    fQDX.AddPlugin(QDX_HTML_WRITER, "libhtml.nsc.so");
+    fFolder.Write("machine/etc/hostname", "<host>\n");
+    fFolder.Write("machine/proc/sys/kernel/hostname", "<host>\n");
+  }
+  std::string PathOf(const std::string& name) const { return fFolder.Path() / name; }
+  static bool IsPage(const std::string& text) {
+    return text.rfind("<!DOCTYPE html>", 0) == 0 &&
+           text.find("<h1 tabindex=\"-1\">&lt;host&gt;</h1>") != std::string::npos &&
+           text.rfind("</html>\n") == text.size() - 8;
+  }
+
+  const TInstallation fQDX;
+  const TTempDir fFolder;
+};
+
+TEST_F(QDXReport, DescribesMachinesAndDocuments) {
+  const std::string page = PathOf("page.html");
+  const auto written = fQDX.Run({"report", "--root", PathOf("machine"), "-o", page});
+  EXPECT_EQ(written.fExitCode, 0) << written.fErrors;
+  EXPECT_EQ(written.fOutput, page + "\n");
+  EXPECT_TRUE(IsPage(ReadWholeFile(page)));
+  EXPECT_EQ(std::filesystem::status(page).permissions(),
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+  const std::string document = PathOf("document.xml");
+  fQDX.Run({"collect", "--root", PathOf("machine"), "-o", document});
+  EXPECT_TRUE(IsPage(fQDX.Run({"report", document, "-o", "-"}).fOutput));
+  EXPECT_TRUE(
+      IsPage(fQDX.RunScript("\"$0\" report - -o /dev/stdout <" + document + " | cat").fOutput));
+  // The plug-in gets the namespaces one by one.
+  const std::string collected = PathOf("collected.html");
+  const auto run =
+      fQDX.Run({"collect", "--root", PathOf("machine"), "--consumer", "html", "-o", collected});
+  EXPECT_EQ(run.fExitCode, 0) << run.fErrors;
+  const std::string text = ReadWholeFile(collected);
+  EXPECT_TRUE(IsPage(text));
+  EXPECT_NE(text.find("\"namespaces\":[\"root/cimv2\",\"root/qdx\"]"), std::string::npos);
+}
+
+TEST_F(QDXReport, SaysWhatIsWrong) {
+  struct TRow {
+    std::vector<std::string> fWords;
+    int fExitCode;
+    std::string fError;
+  };
+  const std::string machine = PathOf("machine");
+  const TRow rows[] = {
+      {{"report"}, 2, "option '--output' is missing"},
+      {{"report", "x.xml", "--root", machine, "-o", "-"},
+       2,
+       "option '--root' cannot be used with a file"},
+      {{"report", PathOf("none.xml"), "-o", PathOf("page.html")}, 4, "No such file or directory"},
+      {{"report", PathOf("machine/etc/hostname"), "-o", PathOf("page.html")},
+       4,
+       "reading document"},
+      {{"report", "--root", machine, "-o", PathOf("none/page.html")},
+       4,
+       "its folder does not exist"},
+      {{"report", "--root", machine, "-o", machine}, 4, "Is a directory"},
+      {{"report", "--root", machine, "-o", "/dev/full"}, 4, "No space left on device"},
+      {{"collect", "--root", machine, "--consumer", "html", "-o", "/dev/full"},
+       4,
+       "No space left on device"}};
+  for (const TRow& row : rows) {
+    const auto run = fQDX.Run(row.fWords);
+    EXPECT_EQ(run.fExitCode, row.fExitCode) << run.fErrors;
+    EXPECT_NE(run.fErrors.find(row.fError), std::string::npos) << run.fErrors;
+  }
+  EXPECT_FALSE(std::filesystem::exists(PathOf("page.html")));
+}
+
+}  // namespace
+}  // namespace NVORNQDX20
