@@ -26,6 +26,12 @@ std::string Hundredths(double number) {
   return text;
 }
 
+/// The day of a CIM date-time, or the text itself.
+std::string DayOf(const std::string& dateTime) {
+  if (dateTime.size() < 8) return dateTime;
+  return dateTime.substr(0, 4) + "-" + dateTime.substr(4, 2) + "-" + dateTime.substr(6, 2);
+}
+
 std::string LoadOf(const TOperatingSystem& system) {
   std::vector<std::string> loads;
   for (const auto& load : system.fLoad) {
@@ -56,8 +62,8 @@ THTML MachineFacts(const TSummary& summary) {
       {"Serial number", product.fSerialNumber},
       {"Chassis", product.fShape},
       {"Board", Joined({product.fBoardManufacturer, product.fBoard})},
-      {"Firmware", Joined({firmware.fManufacturer, firmware.fVersion,
-                           firmware.fReleaseDate.substr(0, 8), uefi})},
+      {"Firmware",
+       Joined({firmware.fManufacturer, firmware.fVersion, DayOf(firmware.fReleaseDate), uefi})},
       {"Operating system", system.fName},
       {"Kernel", Joined({system.fKernel, system.fArchitecture})},
       {"Container", system.fContainer},
