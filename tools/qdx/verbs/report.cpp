@@ -25,7 +25,7 @@ void RefuseOptionsOfMachine(const TArguments& arguments) {
   }
 }
 
-TNamespaces OpenMachine(const TArguments& arguments, bool& incomplete) {
+TNamespaces NamespacesOfMachine(const TArguments& arguments, bool& incomplete) {
   TMachine machine(arguments);
   TNamespaces namespaces;
   for (const TMachineNamespace& ns : machine.TakeAll()) namespaces.push_back(ns.fNamespace);
@@ -47,8 +47,8 @@ EExitCode RunReport(const TArguments& arguments) {
   const std::string file = arguments.GetOperand(0);
   if (!file.empty()) RefuseOptionsOfMachine(arguments);
   bool incomplete = false;
-  const TNamespaces namespaces =
-      file.empty() ? OpenMachine(arguments, incomplete) : OpenDocument(file, arguments, incomplete);
+  const TNamespaces namespaces = file.empty() ? NamespacesOfMachine(arguments, incomplete)
+                                              : OpenDocument(file, arguments, incomplete);
   WriteWholeFile(MakeReport(namespaces), arguments.Get("output", ""));
   return incomplete ? kExitPartlyDone : kExitDone;
 }
