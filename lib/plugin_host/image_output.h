@@ -27,7 +27,8 @@ bool IsPresent(const std::string& out, std::size_t content);
 
 /// Values that are left out for one reason.
 struct TLosses {
-  const char* fWhat;
+  const char* fOne;
+  const char* fMany;
   std::size_t fCount = 0;
   std::string fFirst = {};
 

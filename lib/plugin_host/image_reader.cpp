@@ -4,6 +4,7 @@
 #include <qdxcore/reference.h>
 #include <qdxcore/reference_parameter.h>
 #include <qdxcore/status.h>
+#include <qdxmodel/counted.h>
 #include <qdxmodel/type.h>
 #include <qdxmodel/visit.h>
 #include <qdxrepository/instance_adder.h>
@@ -46,12 +47,14 @@ class TImageReader {
     if (!fInput.IsAtEnd()) fInput.Fail("bytes after its end");
     TImage image{fNamespaces.front()};
     if (fDuplicates != 0) {
-      image.fWarnings.push_back(std::to_string(fDuplicates) +
-                                " instances with the keys of another one were left out");
+      image.fWarnings.push_back(
+          NModel::Counted(fDuplicates, "instance with the keys of another one was left out",
+                          "instances with the keys of another one were left out"));
     }
     if (fInput.GetReplaced() != 0) {
-      image.fWarnings.push_back(std::to_string(fInput.GetReplaced()) +
-                                " characters that a document cannot hold were replaced");
+      image.fWarnings.push_back(NModel::Counted(
+          fInput.GetReplaced(), "character that a document cannot hold was replaced",
+          "characters that a document cannot hold were replaced"));
     }
     return image;
   }

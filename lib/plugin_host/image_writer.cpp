@@ -5,6 +5,7 @@
 #include <qdxcore/reference_parameter.h>
 #include <qdxcore/status.h>
 #include <qdxmodel/classes.h>
+#include <qdxmodel/counted.h>
 #include <qdxmodel/names.h>
 #include <qdxmodel/property_reader.h>
 #include <qdxmodel/type.h>
@@ -55,8 +56,8 @@ class TImageWriter {
     std::vector<std::string> warnings;
     for (const TLosses* losses : {&fUnnamed, &fMistyped, &fUnreachable}) {
       if (losses->fCount == 0) continue;
-      warnings.push_back(std::to_string(losses->fCount) + " " + losses->fWhat +
-                         " were left out, the first: " + losses->fFirst);
+      warnings.push_back(NModel::Counted(losses->fCount, losses->fOne, losses->fMany) +
+                         " left out, the first: " + losses->fFirst);
     }
     return warnings;
   }
@@ -516,9 +517,11 @@ class TImageWriter {
   std::size_t fReferenceDepth = 0;
   std::size_t fOthersDepth = 0;  // of classes in other namespaces that need one another
   TCIMReference fNoReference{nullptr, {}};
-  TLosses fUnnamed{"instances that lack a key"};
-  TLosses fMistyped{"values of another type than declared"};
-  TLosses fUnreachable{"references that cannot be followed"};
+  TLosses fUnnamed{"instance that lacks a key was", "instances that lack a key were"};
+  TLosses fMistyped{"value of another type than declared was",
+                    "values of another type than declared were"};
+  TLosses fUnreachable{"reference that cannot be followed was",
+                       "references that cannot be followed were"};
 };
 
 }  // namespace

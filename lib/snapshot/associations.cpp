@@ -47,19 +47,6 @@ TInstance InstanceOf(const ICIMClass& cimClass, const TCIMReference& path) {
   return instance;
 }
 
-/// Returns the instance with these keys of the class, or of one of its subclasses: a reference can
-/// name the class that its property declares.
-TInstance FindInstance(const ICIMNamespace& ns, const TCIMReference& path) {
-  TClass named;
-  (void)TryUnlessOutOfMemory([&] { named = ns.GetClass(path.GetClassName(), {}); });
-  if (!named) return nullptr;
-  for (const TClass& each : NModel::WithSubclasses(named)) {
-    TInstance instance = InstanceOf(*each, path);
-    if (instance) return instance;
-  }
-  return nullptr;
-}
-
 TCIMReference PathOf(const ICIMInstance& instance) {
   const TClass cimClass = instance.GetClass({});
   TCIMReference path(nullptr, {});
@@ -72,6 +59,17 @@ TCIMReference PathOf(const ICIMInstance& instance) {
 }
 
 }  // namespace
+
+TInstance FindInstance(const ICIMNamespace& ns, const TCIMReference& path) {
+  TClass named;
+  (void)TryUnlessOutOfMemory([&] { named = ns.GetClass(path.GetClassName(), {}); });
+  if (!named) return nullptr;
+  for (const TClass& each : NModel::WithSubclasses(named)) {
+    TInstance instance = InstanceOf(*each, path);
+    if (instance) return instance;
+  }
+  return nullptr;
+}
 
 /// The instance to which references shall lead.
 class TAssociationSearch::TTarget {
@@ -124,6 +122,11 @@ std::size_t TAssociationSearch::NamespaceOf(const TCIMReference& reference, std:
   if (!ns || ns == fNamespaces[own]) return own;
   const auto found = fPositions.find(ns->GetName({}));
   return found == fPositions.end() ? fNamespaces.size() : found->second;
+}
+
+std::string TAssociationSearch::NameOf(const TCIMReference& reference, std::size_t own) const {
+  const auto ns = reference.GetNamespace();
+  return (ns ? *ns : *fNamespaces[own]).GetName({});
 }
 
 /// Calls `visit(association, ns, others)` for each instance that refers to the target; `others` are
@@ -186,7 +189,7 @@ TAssociationSearch::TAssociators TAssociationSearch::FindAssociators(
       if (instance) {
         found.fInstances.push_back({ns, instance});
       } else {
-        found.fMissing.push_back(path);
+        found.fMissing.push_back(NameOf(reference, own) + ':' + path);
       }
     }
   });

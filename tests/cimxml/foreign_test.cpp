@@ -131,12 +131,12 @@ TEST(CIMXMLDocumentOfAnotherTool, MayContradictItself) {
   EXPECT_NE(ReadAndWritten(file.Path()).find("TYPE=\"uint32\">8<"), std::string::npos);
   const std::string end = file.Path() + ", the first: ";
   EXPECT_EQ(log.Messages(),
-            (TNames{"1 cimxml: 1 responses are errors in " + end + "error \"6\"",
+            (TNames{"1 cimxml: 1 response is an error in " + end + "error \"6\"",
                     "1 cimxml: " + file.Path() +
                         ": line 2, column 1: instance C.Id=\"8\" is left out: another instance "
                         "has the same keys",
-                    "1 cimxml: 1 instances have another class or other keys than their names in " +
-                        end + "line 1"}));
+                    "1 cimxml: 1 instance has another class or other keys than its name in " + end +
+                        "line 1"}));
 }
 
 }  // namespace

@@ -102,7 +102,7 @@ const struct {
      {"2:36 EmbeddedObject=\"object\" of <PROPERTY> \"n\" is ignored",
       "2:93 EmbeddedObject=\"char16\" of <PROPERTY> \"p\" is ignored",
       "3:104 property \"p\" is given twice; the last value is taken",
-      "1 cimxml: 1 values are embedded objects of another kind than declared in FILE, the first: "
+      "1 cimxml: 1 value is an embedded object of another kind than declared in FILE, the first: "
       "line 3, PROPERTY \"p\""},
      {"<PROPERTY NAME='p' TYPE='string'>"}},
     {"ClassesOfParameters",
@@ -120,7 +120,7 @@ const struct {
      {"<PROPERTY NAME='p' TYPE='uint8'/>"}},
     {"ForeignHost",
      Group(Path("here", "root/cimv2") + LinkTo("there") + LinkTo("HERE")),
-     {"1 cimxml: 1 references lost their host, which no object of FILE has, the first: line 1, "
+     {"1 cimxml: 1 reference lost its host, which no object of FILE has, the first: line 1, "
       "host \"there\""},
      {"<KEYBINDING NAME='Id'>"}},
     // Namespaces.
@@ -209,7 +209,7 @@ const struct {
      Document({Class("<PROPERTY NAME='p' TYPE='datetime'/>"),
                Instance(Property("datetime", "2004031514****.******+060")),
                Instance(Property("datetime", "2004031515****.******+060"))}),
-     {"1 cimxml: 1 date-times that cannot be held were read as null from FILE, the first: line 4, "
+     {"1 cimxml: 1 date-time that cannot be held was read as null from FILE, the first: line 4, "
       "PROPERTY \"p\""},
      {"&quot;2004031514****.******+060&quot;</VALUE>"}},
     // Messages of all kinds.

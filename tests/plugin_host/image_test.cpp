@@ -170,7 +170,7 @@ TEST(Image, TellsWhatItLeavesOutAndWhatItReplaces) {
   AddInstance(ns, "A", {{"Id", std::string("a\0\x1b\xff", 4)}});
   AddInstance(ns, "A", {{"Id", std::string("a\x1b\x1b\x1b", 4)}});
   const TImage image = ReadImage(WriteImage(*ns).fBytes);
-  EXPECT_EQ(image.fWarnings, (TNames{"1 instances with the keys of another one were left out",
+  EXPECT_EQ(image.fWarnings, (TNames{"1 instance with the keys of another one was left out",
                                      "6 characters that a document cannot hold were replaced"}));
 }
 
@@ -193,8 +193,8 @@ TEST(Image, LeavesOutInstancesWhoseKeysItCannotHold) {
   }
   const TWritten written = WriteImage(*ns);
   EXPECT_EQ(written.fWarnings,
-            (TNames{"1 instances that lack a key were left out, the first: A",
-                    "1 references that cannot be followed were left out, the first: Id"}));
+            (TNames{"1 instance that lacks a key was left out, the first: A",
+                    "1 reference that cannot be followed was left out, the first: Id"}));
   EXPECT_EQ(ReadImage(written.fBytes).fWarnings, TNames{});
 }
 

@@ -70,7 +70,7 @@ TEST_F(QDXDiff, WarnsOfValuesThatAreLostAndRefusesWhatIsNoDocument) {
   const TDocumentFile wild(Document({Class(Property("datetime", "200403151430**.******+060"))}));
   const TProgramRun run =
       fInstallation.Run({"diff", wild.Path(), wild.Path(), "--log-level=error"});
-  const std::string warning = "qdx: cimxml: 1 date-times that cannot be held were read as null ";
+  const std::string warning = "qdx: cimxml: 1 date-time that cannot be held was read as null ";
   EXPECT_EQ(run.fErrors.find(warning), 0U) << run.fErrors;
   const std::string script = "\"$0\" diff - '" + wild.Path() + "' <'" + wild.Path() + "'";
   EXPECT_EQ(fInstallation.RunScript(script).fExitCode, 3);

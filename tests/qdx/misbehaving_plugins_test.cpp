@@ -107,7 +107,7 @@ TEST_F(QDXMisbehavingPlugins, DeliverWhatADocumentCanHold) {
   EXPECT_EQ(
       run.fErrors,
       "qdx: root/odd of provider odd: 2 characters that a document cannot hold were replaced\n"
-      "qdx: cimxml: 1 qualifiers lost unknown bits of scope or flavor in " +
+      "qdx: cimxml: 1 qualifier lost unknown bits of scope or flavor in " +
           x + ", the first: Strange\n");
   EXPECT_EQ(run.fExitCode, 3);
   for (const std::vector<std::string>& arguments :

@@ -211,6 +211,7 @@ TEST_F(QDXSchema, WalksAssociations) {
                         0,
                         "  T_Sub  (2 instances)\n" + s + "    T_Sub.Id=\"t\"\n"},
                        {{"T_Sub.Id=\"s\"", "--associators"}, 0, base + sub + s},
+                       {{"T_Base.Id=\"s\"", "--associators"}, 0, base + sub + s},
                        {{"T_Sub.Id=\"s\"", "T_Sub", "--associators"}, 0, sub + s},
                        {{"T_Sub.Id=\"s\"", "--associators", "T_Link"}, 0, ""},
                        {{"T_Sub.Id=\"t\"", "--associators"}, 3, base},
@@ -224,7 +225,7 @@ TEST_F(QDXSchema, WalksAssociations) {
     const TProgramRun run = Show(row.fWords);
     EXPECT_EQ(run.fOutput, "root/t\n" + row.fOutput) << run.fErrors;
     EXPECT_EQ(run.fExitCode, row.fExitCode);
-    EXPECT_EQ(run.fErrors, row.fExitCode == 0 ? "" : "qdx: no instance T_Sub.Id=\"none\"\n");
+    EXPECT_EQ(run.fErrors, row.fExitCode == 0 ? "" : "qdx: no instance root/t:T_Sub.Id=\"none\"\n");
   }
 }
 

@@ -3,6 +3,7 @@
 
 #include <qdxcore/logger.h>
 #include <qdxdescribe/missing_values.h>
+#include <qdxmodel/counted.h>
 #include <qdxmodel/names.h>
 
 #include <algorithm>
@@ -24,7 +25,8 @@ void TWarnings::Add(const TPosition& position, const std::string& text) {
   if (++fCount <= kMostLines) fLines.push_back({position, text});
 }
 
-void TWarnings::Report(const std::string& name, std::string_view others) const {
+void TWarnings::Report(const std::string& name, const std::string& other,
+                       const std::string& others) const {
   for (const TLine& line : fLines) {
     LogMessage(ILogger::kLogWarning,
                {"cimxml: ", name, AtPosition(line.fPosition), ": ", line.fText});
@@ -32,7 +34,7 @@ void TWarnings::Report(const std::string& name, std::string_view others) const {
   const std::size_t more = fCount - fLines.size();
   if (more == 0) return;
   LogMessage(ILogger::kLogWarning,
-             {"cimxml: ", name, ": ", std::to_string(more), " more ", std::string(others)});
+             {"cimxml: ", name, ": ", NModel::Counted(more, "more " + other, "more " + others)});
 }
 
 THosts::THost& THosts::At(const TElement& host) {
@@ -68,8 +70,9 @@ void THosts::Report(const std::string& name) const {
   if (first == nullptr) return;
   LogMessage(
       ILogger::kLogWarning,
-      {"cimxml: ", std::to_string(count), " references lost their host, which no object of ", name,
-       " has, the first: line ", std::to_string(first->fFirst.fLine), ", host ", first->fShown});
+      {"cimxml: ", NModel::Counted(count, "reference lost its host", "references lost their hosts"),
+       ", which no object of ", name, " has, the first: line ", std::to_string(first->fFirst.fLine),
+       ", host ", first->fShown});
 }
 
 TInstanceChoice::TInstanceChoice(const TReadingLimits& limits)
@@ -80,13 +83,17 @@ TInstanceChoice::TInstanceChoice(const TReadingLimits& limits)
 }
 
 void TReadingState::Report(const std::string& name) const {
-  fErrors.Report("responses are errors in", name);
-  fLeftOut.Report(name, "objects are left out");
-  fChanged.Report(name, "parts of objects are ignored or changed");
+  fErrors.Report("response is an error in", "responses are errors in", name);
+  fLeftOut.Report(name, "object is left out", "objects are left out");
+  fChanged.Report(name, "part of an object is ignored or changed",
+                  "parts of objects are ignored or changed");
   fHosts.Report(name);
-  fContradictions.Report("instances have another class or other keys than their names in", name);
-  fNotEmbedded.Report("values are embedded objects of another kind than declared in", name);
-  fUnheldDateTimes.Report("date-times that cannot be held were read as null from", name);
+  fContradictions.Report("instance has another class or other keys than its name in",
+                         "instances have another class or other keys than their names in", name);
+  fNotEmbedded.Report("value is an embedded object of another kind than declared in",
+                      "values are embedded objects of another kind than declared in", name);
+  fUnheldDateTimes.Report("date-time that cannot be held was read as null from",
+                          "date-times that cannot be held were read as null from", name);
 }
 
 }  // namespace NVORNQDX20::NCIMXML

@@ -50,8 +50,9 @@ class TWarnings {
   void Add(const TPosition& position, const std::string& text);
   /// Whether the text of the next warning matters.
   bool HasRoom() const { return fLines.size() < kMostLines; }
-  /// Logs "cimxml: NAME: line L, column C: TEXT" for each.
-  void Report(const std::string& name, std::string_view others) const;
+  /// Logs "cimxml: NAME: line L, column C: TEXT" for each, and the number of those without a line:
+  /// "N more OTHERS".
+  void Report(const std::string& name, const std::string& other, const std::string& others) const;
 
  private:
   static constexpr std::size_t kMostLines = 20;

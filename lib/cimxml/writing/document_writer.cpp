@@ -181,13 +181,17 @@ void TDocumentWriter::AddNamespace(const ICIMNamespace& ns, const std::string& n
 void TDocumentWriter::Close() {
   fParts->fXML.Markup("</DECLARATION>\n</CIM>\n");
   fParts->fOutput.Close();
-  fParts->fLeftOut.Report("values that CIM-XML cannot hold were left out of", GetFile());
-  fParts->fUnknownBits.Report("qualifiers lost unknown bits of scope or flavor in", GetFile());
+  fParts->fLeftOut.Report("value that CIM-XML cannot hold was left out of",
+                          "values that CIM-XML cannot hold were left out of", GetFile());
+  fParts->fUnknownBits.Report("qualifier lost unknown bits of scope or flavor in",
+                              "qualifiers lost unknown bits of scope or flavor in", GetFile());
   const std::size_t replaced = fParts->fXML.GetReplaced();
   if (replaced == 0) return;
   LogMessage(ILogger::kLogWarning,
-             {"cimxml: ", std::to_string(replaced),
-              " characters that XML cannot hold were replaced in ", GetFile()});
+             {"cimxml: ",
+              NModel::Counted(replaced, "character that XML cannot hold was replaced in ",
+                              "characters that XML cannot hold were replaced in "),
+              GetFile()});
 }
 
 const std::string& TDocumentWriter::GetFile() const { return fParts->fOutput.GetFile(); }

@@ -4,6 +4,7 @@
 #define LIB_CIMXML_XML_COUNTED_WARNING_H_
 
 #include <qdxcore/logger.h>
+#include <qdxmodel/counted.h>
 
 #include <cstddef>
 #include <string>
@@ -23,11 +24,11 @@ class TCountedWarning {
   }
   std::size_t GetCount() const { return fCount; }
   const std::string& GetFirst() const { return fFirst; }
-  /// Logs "cimxml: N WHAT FILE, the first: WHERE" if there was any event.
-  void Report(const std::string& what, const std::string& file) const {
+  /// Logs "cimxml: 1 ONE FILE, the first: WHERE" or "cimxml: N MANY FILE, ..." if there was any.
+  void Report(const std::string& one, const std::string& many, const std::string& file) const {
     if (fCount == 0) return;
-    LogMessage(ILogger::kLogWarning,
-               {"cimxml: ", std::to_string(fCount), " ", what, " ", file, ", the first: ", fFirst});
+    LogMessage(ILogger::kLogWarning, {"cimxml: ", NModel::Counted(fCount, one, many), " ", file,
+                                      ", the first: ", fFirst});
   }
 
  private:

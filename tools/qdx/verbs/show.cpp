@@ -61,6 +61,10 @@ class TSelection {
     const auto failure =
         Try([&] { element = TCIMReference(ns, fRequest.fElement.fPath, {}).GetCIMElement(); });
     if (failure && failure->GetStatusCode() != kQDXStatusNotFound) fLookupFailure = *failure;
+    // The path may name a superclass, as references do.
+    if (!element)
+      (void)Try(
+          [&] { element = FindInstance(*ns, TCIMReference(ns, fRequest.fElement.fPath, {})); });
     return element;
   }
 

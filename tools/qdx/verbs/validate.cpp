@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The verb validate.
 #include <qdxmodel/classes.h>
+#include <qdxmodel/counted.h>
 
 #include <algorithm>
 #include <tuple>
@@ -17,11 +18,8 @@ namespace NVORNQDX20 {
 namespace {
 
 using NCIMXML::TDefect;
+using NModel::Counted;
 using TJSON = nlohmann::ordered_json;
-
-std::string Counted(std::size_t count, const std::string& one, const std::string& many) {
-  return std::to_string(count) + " " + (count == 1 ? one : many);
-}
 
 /// Returns "N classes, M instances in K namespaces".
 std::string ContentsOf(const TNamespaces& namespaces) {

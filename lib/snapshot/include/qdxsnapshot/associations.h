@@ -31,7 +31,8 @@ class TAssociationSearch {
 
   struct TAssociators {
     std::vector<TFoundInstance> fInstances;  ///< Each once.
-    std::vector<std::string> fMissing;  ///< Paths to which an association refers, without instance.
+    /// Paths with their namespaces, to which an association refers, without instance.
+    std::vector<std::string> fMissing;
   };
   /// Finds what the other references of those instances lead to.
   TAssociators FindAssociators(const TFoundInstance& target) const;
@@ -41,10 +42,15 @@ class TAssociationSearch {
   template <typename TVisit>
   void ForEachReference(const TFoundInstance& target, const TVisit& visit) const;
   std::size_t NamespaceOf(const TCIMReference& reference, std::size_t own) const;
+  std::string NameOf(const TCIMReference& reference, std::size_t own) const;
 
   const std::vector<boost::shared_ptr<ICIMNamespace>>& fNamespaces;
   NModel::TNameMap<std::size_t> fPositions;
 };
+
+/// Returns the instance with the keys of the path, of its class or of one of the subclasses: a
+/// reference can name the class that its property declares. Null if there is none.
+boost::shared_ptr<ICIMInstance> FindInstance(const ICIMNamespace& ns, const TCIMReference& path);
 
 /// Returns whether the class, or one of its superclasses, has this name.
 bool IsOrDerivesFrom(const boost::shared_ptr<ICIMClass>& cimClass, const std::string& name);
