@@ -49,14 +49,25 @@ TEST_F(QDXDiff, NamesWhatDiffers) {
             "~ class Disk\n"
             "    + Type    string\n"
             "    ~ UpTime  string -> uint32 = 1\n"
-            "~ Disk.Id=\"1\"\n"
-            "    ~ Size  5 -> -\n"
-            "+ Disk.Id=\"3\"\n"
             "~ class Note\n"
             "    ~ (superclass)  - -> Base\n"
-            "+ Note Text=\"x\"\n"
             "- class Old\n"
-            "- Old.Id=\"o\"\n");
+            "~ Disk 1\n"
+            "    ~ Size  5 -> -\n"
+            "+ Disk 3\n"
+            "+ Note Text=\"x\"\n"
+            "- Old o\n");
+  EXPECT_EQ(fInstallation.Run({"diff", fileA, fileB, "--summary"}).fOutput,
+            "1 changed, 2 added, 1 removed in 4 devices; 5 differences of declarations\n");
+  EXPECT_EQ(fInstallation.Run({"diff", fileA, fileA, "--summary"}).fOutput, "no differences\n");
+  const TProgramRun ignoring =
+      fInstallation.Run({"diff", fileA, fileB, "--ignore=note", "--ignore", "OLD", "--ignore=base",
+                         "--ignore=dusk", "--ignore=disk.type", "--ignore=disk.uptime", "--raw"});
+  EXPECT_EQ(ignoring.fOutput, "test\n~ Disk.Id=\"1\"\n    ~ Size  5 -> -\n+ Disk.Id=\"3\"\n");
+  EXPECT_EQ(ignoring.fErrors, "qdx: ignoring dusk has no effect: neither document has it\n");
+  for (const char* const wrong : {".x", "x.", "x.y.z"}) {
+    EXPECT_EQ(fInstallation.Run({"diff", fileA, fileB, "--ignore", wrong}).fExitCode, 2) << wrong;
+  }
   const std::string json = fInstallation.Run({"diff", fileB, fileA, "--json", "--all"}).fOutput;
   auto differences = nlohmann::json::parse(json)["differences"];
   EXPECT_EQ(differences[3]["path"], "Disk.Id=\"1\"");
@@ -64,6 +75,52 @@ TEST_F(QDXDiff, NamesWhatDiffers) {
   EXPECT_EQ(differences[3]["old"], nullptr);
   EXPECT_EQ(differences[3]["new"], "5");
   EXPECT_EQ(differences[4]["property"], "UpTime");
+  EXPECT_EQ(differences[4]["device"], "Disk.Id=\"1\"");
+}
+
+TEST_F(QDXDiff, ShowsDevicesWithTheirPartsAndConsequences) {
+  const auto make = [](const char* machine, const char* size, std::vector<const char*> partitions) {
+    const TNamespace ns = MakeNamespace();
+    const std::string ofMachine = std::string("\",SystemName=\"") + machine + "\"";
+    for (const char* name : {"X_DiskDrive", "X_DiskPartition"}) {
+      AddClass(ns, name, {{"DeviceID", kNoText}, {"SystemName", kNoText}},
+               {{"Size", TCIMValue(TCIMValue::TCIMType::kCIMTypeUint64, 0)},
+                {"Flags", TCIMValue(TCIMValue::TCIMType::kCIMTypeString, 1)}});
+    }
+    AddClass(ns, "X_BasedOn",
+             {{"Antecedent", NullReference(ns, "X_DiskDrive")},
+              {"Dependent", NullReference(ns, "X_DiskPartition")}},
+             {}, nullptr, true);
+    std::vector<TCIMValue> flags = {"a", "b", "c", "d", "e", size};
+    AddInstance(ns, "X_DiskDrive",
+                {{"DeviceID", "sda"},
+                 {"SystemName", machine},
+                 {"Size", std::strtoul(size, nullptr, 10)},
+                 {"Flags", TCIMValue(TCIMValue::TCIMType::kCIMTypeString, 1, flags)}});
+    for (const char* each : partitions) {
+      AddInstance(ns, "X_DiskPartition", {{"DeviceID", each}, {"SystemName", machine}});
+      AddInstance(ns, "X_BasedOn",
+                  {{"Antecedent", ReferenceTo(ns, "X_DiskDrive.DeviceID=\"sda" + ofMachine)},
+                   {"Dependent", ReferenceTo(ns, std::string("X_DiskPartition.DeviceID=\"") + each +
+                                                     ofMachine)}});
+    }
+    return ns;
+  };
+  const std::string a = File(make("web1", "5", {"sda1"}), "a.xml");
+  const std::string b = File(make("web2", "6", {"sda1", "sda2"}), "b.xml");
+  const TProgramRun run = fInstallation.Run({"diff", a, b, "--across-hosts"});
+  EXPECT_EQ(run.fOutput,
+            "test\n"
+            "~ DiskDrive sda\n"
+            "    ~ Flags  without { 5 }, with { 6 }\n"
+            "    ~ Size   5 -> 6\n"
+            "    + DiskPartition sda2  (with 1 association)\n")
+      << run.fErrors;
+  const TProgramRun plain = fInstallation.Run({"diff", a, b, "--summary"});
+  EXPECT_EQ(plain.fOutput, "3 added, 2 removed in 2 devices\n");
+  EXPECT_EQ(
+      plain.fErrors,
+      "qdx: the machines are web1 and web2: --across-hosts lets their names count as equal\n");
 }
 
 TEST_F(QDXDiff, WarnsOfValuesThatAreLostAndRefusesWhatIsNoDocument) {

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "diff_parts.h"
 
-#include <qdxdescribe/missing_values.h>
+#include <qdxdescribe/declaration.h>
+#include <qdxmodel/attempt.h>
+#include <qdxmodel/classes.h>
 #include <qdxmodel/names.h>
+#include <qdxmodel/type.h>
 
 #include <algorithm>
 #include <iterator>
@@ -14,107 +17,60 @@ namespace NVORNQDX20 {
 namespace {
 
 using TParts = std::set<std::string>;
+using TClass = boost::shared_ptr<ICIMClass>;
 
-const char* const kReference = "reference";
-
-/// Returns null if the class has no such property.
-const TJSON& ValueOf(const TClassSnapshot& cimClass, const TInstanceSnapshot& instance,
-                     const char* property) {
-  static const TJSON none;
-  for (std::size_t i = 0; i < cimClass.fProperties.size(); ++i) {
-    if (cimClass.fProperties[i].fName == property) return instance.fValues[i];
-  }
-  return none;
-}
-
+/// Returns the parts that a document lacks, as its record says.
 TParts PartsLeftOutOf(const TComparedDocument& document) {
   TParts parts;
-  for (const TNamespaceSnapshot& ns : document.fNamespaces) {
-    if (!NModel::EqualIgnoringCase(ns.fName, kRecordNamespaceName)) continue;
-    for (const TClassSnapshot& cimClass : ns.fClasses) {
-      if (cimClass.fName != kRecordClass) continue;
-      for (const TInstanceSnapshot& record : cimClass.fInstances) {
-        for (const TJSON& part : ValueOf(cimClass, record, kPartsLeftOut)) {
-          if (part.is_string()) parts.insert(part.get<std::string>());
+  for (const TComparedNamespace& ns : document.fNamespaces) {
+    if (!NModel::EqualIgnoringCase(ns.fNamespace->GetName({}), kRecordNamespaceName)) continue;
+    // A document of others need not have the class or the property.
+    (void)TryUnlessOutOfMemory([&] {
+      for (const auto& record : NModel::InstancesOf(*ns.fNamespace->GetClass(kRecordClass, {}))) {
+        const TCIMValue value = record->GetProperty(kPartsLeftOut, {})->GetValue();
+        if (value.IsNull() || !value.IsArray()) continue;
+        const std::vector<TCIMValue>& names = value;
+        for (const TCIMValue& part : names) {
+          if (const std::string* const name = part.FindString()) parts.insert(*name);
         }
       }
-    }
+    });
   }
   return parts;
 }
 
-/// Removes parts from documents.
-class TRemoval {
- public:
-  explicit TRemoval(TParts parts) : fParts(std::move(parts)) {}
+std::string PartOf(const ICIMClass& cimClass) {
+  std::string part;
+  (void)TryUnlessOutOfMemory([&] {
+    const auto qualifier = cimClass.GetQualifier(NDescribe::kPartQualifier);
+    const std::string* const name = qualifier ? qualifier->GetValue().FindString() : nullptr;
+    if (name != nullptr) part = *name;
+  });
+  return part;
+}
 
-  /// Remembers the classes to be removed, of which one document may have only the references.
-  void Add(const TComparedDocument& document) {
-    for (const TNamespaceSnapshot& ns : document.fNamespaces) {
-      for (const TClassSnapshot& cimClass : ns.fClasses) {
-        if (fParts.count(cimClass.fPart) != 0) fClasses.insert(cimClass.fName);
-        if (HasReferences(cimClass)) fReferring.insert(cimClass.fName);
-      }
-    }
+bool HasReferences(const ICIMClass& cimClass) {
+  const auto properties = NModel::PropertiesOf(cimClass);
+  return std::any_of(properties.begin(), properties.end(), [](const auto& each) {
+    return each.fDecl->GetType() == TCIMValue::TCIMType::kCIMTypeReference;
+  });
+}
+
+/// Adds the classes of the parts, of which one document may have only the references.
+void AddClasses(const TComparedDocument& document, TLeftOut& leftOut) {
+  for (const TComparedNamespace& ns : document.fNamespaces) {
+    ns.fNamespace->EnumerateClasses(
+        [&leftOut](const TClass& root) {
+          for (const TClass& each : NModel::WithSubclasses(root)) {
+            const std::string name = NModel::Folded(each->GetName({}));
+            if (leftOut.fParts.count(PartOf(*each)) != 0) leftOut.fClasses.insert(name);
+            if (HasReferences(*each)) leftOut.fReferring.insert(name);
+          }
+          return true;
+        },
+        {});
   }
-
-  void RemoveFrom(TComparedDocument& document) const {
-    for (TNamespaceSnapshot& ns : document.fNamespaces) {
-      const auto isRemoved = [this](const TClassSnapshot& each) { return Has(each.fName); };
-      ns.fClasses.erase(std::remove_if(ns.fClasses.begin(), ns.fClasses.end(), isRemoved),
-                        ns.fClasses.end());
-      for (TClassSnapshot& cimClass : ns.fClasses) RemoveFrom(cimClass);
-    }
-  }
-
- private:
-  static bool HasReferences(const TClassSnapshot& cimClass) {
-    return std::any_of(cimClass.fProperties.begin(), cimClass.fProperties.end(),
-                       [](const TPropertySnapshot& each) { return each.fType == kReference; });
-  }
-
-  bool Has(const std::string& className) const { return fClasses.count(className) != 0; }
-
-  void RemoveFrom(TClassSnapshot& cimClass) const {
-    const bool isOfReasons = cimClass.fName == NDescribe::kMissingValueClass;
-    const auto isRemoved = [&](TInstanceSnapshot& instance) {
-      return isOfReasons ? ExplainsRemoved(cimClass, instance)
-                         : RemoveReferences(cimClass, instance);
-    };
-    auto& instances = cimClass.fInstances;
-    instances.erase(std::remove_if(instances.begin(), instances.end(), isRemoved), instances.end());
-  }
-
-  bool ExplainsRemoved(const TClassSnapshot& reasons, const TInstanceSnapshot& instance) const {
-    const TJSON& owner = ValueOf(reasons, instance, "ClassName");
-    const TJSON& reason = ValueOf(reasons, instance, "Reason");
-    const std::string name = owner.is_string() ? owner.get<std::string>() : "";
-    // Why there are none, or fewer, can be the missing part.
-    const bool isOfClass = ValueOf(reasons, instance, "PropertyName") == "";
-    return Has(name) || (isOfClass && !fParts.empty() && fReferring.count(name) != 0) ||
-           std::any_of(fParts.begin(), fParts.end(), [&reason](const std::string& part) {
-             return reason == NDescribe::ReasonOfPart(part);
-           });
-  }
-
-  /// Returns whether a key refers to a removed class. Other references become null.
-  bool RemoveReferences(const TClassSnapshot& cimClass, TInstanceSnapshot& instance) const {
-    for (std::size_t i = 0; i < cimClass.fProperties.size(); ++i) {
-      const TPropertySnapshot& property = cimClass.fProperties[i];
-      TJSON& value = instance.fValues[i];
-      if (property.fType != kReference || !value.is_string()) continue;
-      const std::string path = value.get<std::string>();
-      if (!Has(path.substr(0, path.find('.')))) continue;
-      if (property.fIsKey) return true;
-      value = nullptr;
-    }
-    return false;
-  }
-
-  const TParts fParts;
-  std::set<std::string> fClasses;
-  std::set<std::string> fReferring;  // classes with references
-};
+}
 
 void AddLines(const TParts& leftOut, const TParts& others, const std::string& file,
               std::vector<std::string>& lines) {
@@ -128,20 +84,20 @@ void AddLines(const TParts& leftOut, const TParts& others, const std::string& fi
 
 }  // namespace
 
-std::vector<std::string> RemoveUnsharedParts(TComparedDocument& a, TComparedDocument& b) {
+TLeftOut FindUnsharedParts(const TComparedDocument& a, const TComparedDocument& b,
+                           std::vector<std::string>& lines) {
   const TParts fromA = PartsLeftOutOf(a);
   const TParts fromB = PartsLeftOutOf(b);
-  TParts parts = fromA;
-  parts.insert(fromB.begin(), fromB.end());
-  TRemoval removal(parts);
-  removal.Add(a);
-  removal.Add(b);
-  removal.RemoveFrom(a);
-  removal.RemoveFrom(b);
-  std::vector<std::string> lines;
+  TLeftOut leftOut;
+  leftOut.fParts = fromA;
+  leftOut.fParts.insert(fromB.begin(), fromB.end());
+  if (!leftOut.fParts.empty()) {
+    AddClasses(a, leftOut);
+    AddClasses(b, leftOut);
+  }
   AddLines(fromA, fromB, a.fFile, lines);
   AddLines(fromB, fromA, b.fFile, lines);
-  return lines;
+  return leftOut;
 }
 
 }  // namespace NVORNQDX20

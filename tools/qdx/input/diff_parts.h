@@ -6,20 +6,20 @@
 #include <string>
 #include <vector>
 
-#include <qdxsnapshot/compare.h>
+#include <qdxcompare/compare.h>
 
 namespace NVORNQDX20 {
 
 /// A document in a comparison.
 struct TComparedDocument {
   std::string fFile;
-  std::vector<TNamespaceSnapshot> fNamespaces;
+  std::vector<TComparedNamespace> fNamespaces;
 };
 
-/// Removes from both documents the classes of parts that one of them was collected without,
-/// references to these classes, and reasons why values of these are missing. Returns a line for
-/// each part that only one document has.
-std::vector<std::string> RemoveUnsharedParts(TComparedDocument& a, TComparedDocument& b);
+/// Returns the parts that one of the documents was collected without, with their classes. Adds a
+/// line for each part that only one document has.
+TLeftOut FindUnsharedParts(const TComparedDocument& a, const TComparedDocument& b,
+                           std::vector<std::string>& lines);
 
 }  // namespace NVORNQDX20
 

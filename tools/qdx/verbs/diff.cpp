@@ -1,12 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 // The verb diff.
+#include <qdxmodel/attempt.h>
+#include <qdxmodel/classes.h>
+#include <qdxmodel/names.h>
+
 #include <algorithm>
+#include <optional>
 #include <utility>
 
-#include <qdxsnapshot/compare.h>
+#include <qdxcompare/compare.h>
+
 #include "cli/failure.h"
 #include "cli/output.h"
-#include "cli/terminal.h"
+#include "format/diff_format.h"
 #include "input/completeness.h"
 #include "input/diff_parts.h"
 #include "input/document.h"
@@ -15,120 +21,121 @@
 namespace NVORNQDX20 {
 namespace {
 
+using TClass = boost::shared_ptr<ICIMClass>;
+
+/// Returns the class, if the namespace has it, with the number of its instances only.
+std::optional<TClassSnapshot> CountInstances(const ICIMNamespace& ns, const std::string& name) {
+  TClass cimClass;
+  (void)TryUnlessOutOfMemory([&] { cimClass = ns.GetClass(name, {}); });
+  if (!cimClass) return std::nullopt;
+  TClassSnapshot counted;
+  counted.fName = cimClass->GetName({});
+  NModel::ForEachInstance(*cimClass, [&](const ICIMInstance&) { ++counted.fInstanceCount; });
+  return counted;
+}
+
+/// Prints a line for each class that lacks instances. Returns whether there is such a class.
+bool ReportLosses(const TComparedNamespace& ns, const std::string& file) {
+  std::vector<TClassSnapshot> explained;
+  for (const auto& [where, reason] : ns.fReasons) {
+    const auto& [className, instance, property] = where;
+    if (!instance.empty() || !property.empty()) continue;
+    auto counted = CountInstances(*ns.fNamespace, className);
+    if (counted) explained.push_back(std::move(*counted));
+  }
+  return ReportLostInstances(ns.fNamespace->GetName({}) + " in " + file, explained, ns.fReasons);
+}
+
 /// Sets `incomplete` if values were lost.
-std::vector<TNamespaceSnapshot> ReadSnapshot(const std::string& file, const TArguments& arguments,
-                                             bool& incomplete) {
-  std::vector<TNamespaceSnapshot> snapshot;
+TComparedDocument Open(const std::string& file, const TArguments& arguments, bool& incomplete) {
+  TComparedDocument document{file, {}};
   for (const auto& ns : OpenDocument(file, arguments, incomplete)) {
-    snapshot.push_back({ns->GetName({}), {}, NDescribe::ReadMissingReasons(*ns)});
-    TSnapshotReader(*ns, kValues, snapshot.back().fClasses).ReadAll();
-    SortSnapshot(snapshot.back().fClasses);
-    const bool lost = ReportLostInstances(snapshot.back().fName + " in " + file,
-                                          snapshot.back().fClasses, snapshot.back().fReasons);
+    document.fNamespaces.push_back({ns, NDescribe::ReadMissingReasons(*ns)});
+    const bool lost = ReportLosses(document.fNamespaces.back(), file);
     incomplete = incomplete || lost;
   }
-  return snapshot;
+  return document;
 }
 
-/// The names in JSON, in the order of the enumerators.
-const char* const kElements[] = {"namespace",   "class",    "superclass",
-                                 "declaration", "instance", "value"};
-const char* const kChanges[] = {"removed", "added", "changed", "unknown"};
-
-bool IsOfClass(const TDifference& difference) {
-  return difference.fElement == TDifference::kClass ||
-         difference.fElement == TDifference::kSuperclass ||
-         difference.fElement == TDifference::kDeclaration;
+/// Parses "CLASS" or "CLASS.PROPERTY".
+TIgnored ParseIgnored(const std::string& text) {
+  const std::size_t dot = text.find('.');
+  const std::string name = text.substr(0, dot);
+  const std::string property = dot == std::string::npos ? "" : text.substr(dot + 1);
+  const bool lacksProperty = dot != std::string::npos && property.empty();
+  if (name.empty() || lacksProperty || property.find('.') != std::string::npos) {
+    FailOnUsage("option '--ignore' needs CLASS or CLASS.PROPERTY, not " + NModel::Quoted(text));
+  }
+  return {name, property};
 }
 
-/// Returns whether the difference is within an element that both sides have.
-bool HasOldAndNew(const TDifference& difference) {
-  return difference.fElement == TDifference::kSuperclass ||
-         difference.fElement == TDifference::kDeclaration ||
-         difference.fElement == TDifference::kValue;
-}
-
-TJSON AsJSON(const TDifference& difference) {
-  TJSON json = {{"change", kChanges[difference.fChange]},
-                {"element", kElements[difference.fElement]},
-                {"namespace", difference.fNamespace}};
-  if (difference.fElement == TDifference::kNamespace) return json;
-  json[IsOfClass(difference) ? "class" : "path"] = difference.fOwner;
-  if (difference.fChange == TDifference::kUnknown) json["reason"] = difference.fReason;
-  if (!HasOldAndNew(difference)) return json;
-  if (difference.fElement != TDifference::kSuperclass) json["property"] = difference.fProperty;
-  json["old"] = difference.fOld;
-  json["new"] = difference.fNew;
-  return json;
-}
-
-/// Formats differences for people: a heading for each namespace; a line for each element that only
-/// one side has; and for an element that differs, its line and a line for each property.
-class TListing {
- public:
-  void Add(const TDifference& difference) {
-    if (difference.fNamespace != fNamespace) {
-      fNamespace = difference.fNamespace;
-      fOwner.clear();
-      AddLine({{fNamespace}, TTableRow::kHeading});
+/// Returns whether a document has the class, and the property if one is named.
+bool Exists(const TIgnored& ignored, const TComparedDocument& document) {
+  bool exists = false;
+  const auto visit = [&](const TClass& root) {
+    for (const TClass& each : NModel::WithSubclasses(root)) {
+      if (exists || !NamesClass(ignored, each->GetName({}))) continue;
+      const auto properties = NModel::PropertiesOf(*each);
+      exists = ignored.fProperty.empty() ||
+               std::any_of(properties.begin(), properties.end(), [&](const auto& property) {
+                 return NModel::EqualIgnoringCase(property.fDecl->GetName(), ignored.fProperty);
+               });
     }
-    if (!HasOldAndNew(difference)) {
-      AddLine({{MarkOf(difference) + NameOf(difference) + WhyUnknown(difference)},
-               StyleOf(difference)});
-      return;
-    }
-    const std::string owner = NameOf(difference);
-    if (owner != fOwner) AddLine({{"~ " + owner}});
-    fOwner = owner;
-    const bool isSuperclass = difference.fElement == TDifference::kSuperclass;
-    const std::string changed = isSuperclass ? "(superclass)" : difference.fProperty;
-    fRows.push_back(
-        {{"    " + MarkOf(difference) + changed, ChangeOf(difference) + WhyUnknown(difference)}});
+    return !exists;
+  };
+  for (const TComparedNamespace& ns : document.fNamespaces) {
+    ns.fNamespace->EnumerateClasses(visit, {});
   }
+  return exists;
+}
 
-  std::string Finish() {
-    EndTable();
-    return fText;
+/// Sets the names of the machines, if they count as equal.
+void SetMachines(const TComparedDocument& a, const TComparedDocument& b, bool areEqual,
+                 TComparisonOptions& options) {
+  const std::string ofA = FindMachineName(a.fNamespaces);
+  const std::string ofB = FindMachineName(b.fNamespaces);
+  if (areEqual) {
+    if (ofA.empty()) PrintError("no name of a machine in " + a.fFile);
+    if (ofB.empty()) PrintError("no name of a machine in " + b.fFile);
+    options.fMachineOfA = ofA;
+    options.fMachineOfB = ofB;
+  } else if (!ofA.empty() && !ofB.empty() && !NModel::EqualIgnoringCase(ofA, ofB)) {
+    PrintError("the machines are " + ofA + " and " + ofB +
+               ": --across-hosts lets their names count as equal");
   }
+}
 
- private:
-  static std::string MarkOf(const TDifference& difference) {
-    static const char* const kMarks[] = {"- ", "+ ", "~ ", "? "};
-    return kMarks[difference.fChange];
+TComparisonOptions OptionsOf(const TArguments& arguments, std::vector<TIgnored> ignored,
+                             const TComparedDocument& a, const TComparedDocument& b) {
+  TComparisonOptions options;
+  options.fAll = arguments.Has("all");
+  options.fSchema = arguments.Has("schema");
+  SetMachines(a, b, arguments.Has("across-hosts"), options);
+  for (const TIgnored& each : ignored) {
+    if (Exists(each, a) || Exists(each, b)) continue;
+    const std::string property = each.fProperty.empty() ? "" : "." + each.fProperty;
+    PrintError("ignoring " + each.fClass + property + " has no effect: neither document has it");
   }
-  static std::string WhyUnknown(const TDifference& difference) {
-    const bool isUnknown = difference.fChange == TDifference::kUnknown;
-    return isUnknown ? "  (not known: " + difference.fReason + ")" : "";
-  }
-  static TTableRow::EStyle StyleOf(const TDifference& difference) {
-    if (difference.fChange == TDifference::kUnknown) return TTableRow::kDim;
-    return difference.fChange == TDifference::kRemoved ? TTableRow::kRemoved : TTableRow::kAdded;
-  }
-  static std::string NameOf(const TDifference& difference) {
-    if (difference.fElement == TDifference::kNamespace) return "namespace " + difference.fNamespace;
-    return (IsOfClass(difference) ? "class " : "") + difference.fOwner;
-  }
-  static std::string ChangeOf(const TDifference& difference) {
-    if (difference.fChange == TDifference::kRemoved) return PlainText(difference.fOld);
-    if (difference.fChange == TDifference::kAdded) return PlainText(difference.fNew);
-    return PlainText(difference.fOld) + " -> " + PlainText(difference.fNew);
-  }
+  options.fIgnored = std::move(ignored);
+  std::vector<std::string> lines;
+  options.fLeftOut = FindUnsharedParts(a, b, lines);
+  for (const std::string& line : lines) PrintError(line);
+  return options;
+}
 
-  void AddLine(const TTableRow& row) {
-    EndTable();
-    fText += FormatTable({row});
+void Write(const std::vector<TDifference>& differences, const TArguments& arguments) {
+  if (arguments.Has("json")) {
+    TJSON json = {{"a", arguments.GetOperand(0)}, {"b", arguments.GetOperand(1)}};
+    const bool isSummary = arguments.Has("summary");
+    json[isSummary ? "summary" : "differences"] =
+        isSummary ? SummaryAsJSON(SummaryOf(differences)) : DifferencesAsJSON(differences);
+    WriteJSON(json);
+  } else if (arguments.Has("summary")) {
+    WriteOutput(FormatSummary(SummaryOf(differences)) + "\n");
+  } else {
+    WriteOutput(FormatDifferences(differences, arguments.Has("raw")));
   }
-  /// Aligns the properties of one element.
-  void EndTable() {
-    fText += FormatTable(fRows);
-    fRows.clear();
-  }
-
-  std::string fText;
-  std::string fNamespace;
-  std::string fOwner;
-  std::vector<TTableRow> fRows;
-};
+}
 
 EExitCode RunDiff(const TArguments& arguments) {
   const std::string a = arguments.GetOperand(0);
@@ -136,21 +143,14 @@ EExitCode RunDiff(const TArguments& arguments) {
   if (a == "-" && b == "-") {
     FailOnUsage("only one of the two can be standard input");
   }
+  std::vector<TIgnored> ignored;
+  for (const std::string& text : arguments.GetAll("ignore")) ignored.push_back(ParseIgnored(text));
   bool incomplete = false;
-  TComparedDocument inA{a, ReadSnapshot(a, arguments, incomplete)};
-  TComparedDocument inB{b, ReadSnapshot(b, arguments, incomplete)};
-  for (const std::string& line : RemoveUnsharedParts(inA, inB)) PrintError(line);
+  const TComparedDocument inA = Open(a, arguments, incomplete);
+  const TComparedDocument inB = Open(b, arguments, incomplete);
   const auto differences =
-      Compare(std::move(inA.fNamespaces), std::move(inB.fNamespaces), arguments.Has("all"));
-  if (arguments.Has("json")) {
-    TJSON list = TJSON::array();
-    for (const TDifference& difference : differences) list.push_back(AsJSON(difference));
-    WriteJSON({{"a", a}, {"b", b}, {"differences", list}});
-  } else {
-    TListing listing;
-    for (const TDifference& difference : differences) listing.Add(difference);
-    WriteOutput(listing.Finish());
-  }
+      Compare(inA.fNamespaces, inB.fNamespaces, OptionsOf(arguments, std::move(ignored), inA, inB));
+  Write(differences, arguments);
   const bool anyUnknown = std::any_of(differences.begin(), differences.end(), [](const auto& one) {
     return one.fChange == TDifference::kUnknown;
   });
@@ -165,13 +165,18 @@ TVerb DiffVerb() {
       "diff",
       "Compares two documents; the exit status is 1 if they differ.",
       "A and B are CIM-XML documents, '-' is standard input. Instances are matched by their\n"
-      "object paths, whatever their order. '-' marks what only A has, '+' what only B has, '~'\n"
-      "what differs, with the old and the new value, and '?' what one of the two does not know\n"
-      "because it could not be read.\n"
+      "object paths, whatever their order, and listed by device. '-' marks what only A has, '+'\n"
+      "what only B has, '~' what differs, with the old and the new value, and '?' what one of the\n"
+      "two does not know because it could not be read.\n"
       "Properties that change while a machine runs, such as counters and free memory, are left\n"
       "out; the manual page lists them. So are the parts that one of the documents was collected\n"
       "without; a line on standard error names them.\n",
-      {{"memory", "MIB", "Let a document use so much memory (half of all by default)."},
+      {{"across-hosts", nullptr, "Let the name of one machine count as that of the other."},
+       {"ignore", "NAME", "Leave out CLASS or CLASS.PROPERTY; can be given again."},
+       {"summary", nullptr, "Only count the differences, in one line."},
+       {"raw", nullptr, "Show whole object paths and values without units."},
+       {"schema", nullptr, "Also compare qualifiers and methods."},
+       {"memory", "MIB", "Let a document use so much memory (half of all by default)."},
        {"json", nullptr, "Print one JSON object."},
        {"all", nullptr, "Also compare the properties that change while a machine runs."}},
       RunDiff,
