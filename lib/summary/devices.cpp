@@ -39,7 +39,7 @@ std::map<std::string, std::vector<std::string>> ReadAddresses(const ICIMNamespac
   return all;
 }
 
-bool ComesBefore(const TPort& left, const TPort& right) {
+bool PortComesBefore(const TPort& left, const TPort& right) {
   const auto key = [](const TPort& port) {
     return std::tuple(port.fAddresses.empty(), !port.fKind.empty(), port.fLinkState != "up");
   };
@@ -62,7 +62,7 @@ void ReadPorts(const ICIMNamespace& ns, std::vector<TPort>& ports) {
     port.fAddresses = addresses[port.fName];
     ports.push_back(std::move(port));
   });
-  std::stable_sort(ports.begin(), ports.end(), ComesBefore);
+  std::stable_sort(ports.begin(), ports.end(), PortComesBefore);
 }
 
 /// Returns whether such a function does the work of a card. Others are parts of each board, such as

@@ -12,8 +12,11 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 namespace NVORNQDX20::NSummary {
@@ -56,6 +59,24 @@ using TVisitFacts = std::function<void(const TFacts&)>;
 
 /// Visits the instances of a class and its subclasses; none if the namespace has no such class.
 void ForEach(const ICIMNamespace& ns, const char* className, const TVisitFacts& visit);
+
+/// Groups of parts that are alike, in the order in which they are met.
+template <typename TPart, typename... TKeys>
+class TGroups {
+ public:
+  explicit TGroups(std::vector<TPart>& parts) : fParts(parts) {}
+
+  /// Returns the group with these properties, which is the part itself if there was none.
+  TPart& GroupOf(TPart part, const TKeys&... keys) {
+    const auto [group, isNew] = fIndexes.emplace(std::tuple(keys...), fParts.size());
+    if (isNew) fParts.push_back(std::move(part));
+    return fParts[group->second];
+  }
+
+ private:
+  std::vector<TPart>& fParts;
+  std::map<std::tuple<TKeys...>, std::size_t> fIndexes;
+};
 
 /// Returns number * factor; nothing if that is too large.
 TNumber Times(const TNumber& number, std::uint64_t factor);

@@ -37,15 +37,12 @@ constexpr TSubject kSubjects[] = {
     {"memory errors", "VORNSG_MemoryErrorCount", "", false},
     {"disks", "VORNSG_DiskDrive", "", true},
     {"sizes of disks", "VORNSG_DiskDrive", "Size", false},
-    {"models of disks", "VORNSG_DiskDrive", "Model", false},
     {"states of disks", "VORNSG_DiskDrive", "State", false},
     {"arrays", "VORNSG_StorageVolume", "", false},
     {"states of arrays", "VORNSG_StorageVolume", "Degraded", false},
-    {"what file systems are on", "VORNSG_BasedOn", "", false},
     {"file systems", "VORNSG_FileSystem", "", true},
     {"space of file systems", "VORNSG_FileSystem", "FileSystemSize", false},
     {"network ports", "VORNSG_EthernetPort", "", true},
-    {"speeds of ports", "VORNSG_EthernetPort", "Speed", false},
     {"states of ports", "VORNSG_EthernetPort", "LinkState", false},
     {"addresses", "VORNSG_IPProtocolEndpoint", "", true},
     {"cards", "VORNSG_PCIDevice", "", true},
@@ -74,6 +71,22 @@ void Add(std::vector<TGap>& gaps, TGap::EKind kind, const TReason& reason, const
   same->fSubjects.emplace_back(subject);
 }
 
+/// Returns whether it is known in spite of the reason: from another source, or of other parts.
+bool IsKnown(const TSummary& summary, std::string_view subject) {
+  const TOperatingSystem& os = summary.fOperatingSystem;
+  if (subject == "operating system") return !os.fName.empty();
+  if (subject == "uptime") return !os.fBootTime.empty();
+  if (subject == "addresses") {
+    return std::any_of(summary.fPorts.begin(), summary.fPorts.end(),
+                       [](const TPort& port) { return !port.fAddresses.empty(); });
+  }
+  if (subject == "names of cards") {
+    return std::all_of(summary.fCards.begin(), summary.fCards.end(),
+                       [](const TCards& cards) { return !cards.fVendor.empty(); });
+  }
+  return subject == "memory" && summary.fMemory.fBytes.has_value();
+}
+
 }  // namespace
 
 void ReadGaps(const ICIMNamespace& ns, TSummary& summary) {
@@ -87,7 +100,7 @@ void ReadGaps(const ICIMNamespace& ns, TSummary& summary) {
     }
     if (worst == nullptr) continue;
     const TGap::EKind kind = KindOf(*worst);
-    if (kind == TGap::kNotThere && !isExpected) continue;
+    if (kind == TGap::kNotThere && (!isExpected || IsKnown(summary, name))) continue;
     Add(summary.fGaps, kind, *worst, name);
   }
 }

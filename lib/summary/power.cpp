@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 // Batteries and power supplies.
-#include <algorithm>
-#include <tuple>
 #include <utility>
 
 #include "facts.h"
@@ -10,7 +8,7 @@ namespace NVORNQDX20::NSummary {
 namespace {
 
 /// Empty if nothing is known to be wrong.
-std::string FaultOf(const TFacts& supply) {
+std::string SupplyFaultOf(const TFacts& supply) {
   if (supply.Flag("Present") == false) return "not present";
   if (supply.Flag("Unplugged") == true) return "unplugged";
   const std::string status = supply.Text("Status");
@@ -29,21 +27,13 @@ void ReadPower(const ICIMNamespace& ns, TSummary& summary) {
                                   facts.Number("EstimatedChargeRemaining"),
                                   facts.Number("HealthPercent")});
   });
-  std::vector<TPowerSupplies>& all = summary.fPowerSupplies;
-  ForEach(ns, "VORNSG_PowerSupply", [&all](const TFacts& facts) {
-    TPowerSupplies supply;
-    supply.fCount = 1;
-    supply.fModel = facts.Text("Model");
-    if (facts.Text("OutputPowerUnits") == "watt") {
-      supply.fWatts = facts.Number("RatedMaxOutputPower");
-    }
-    supply.fFault = FaultOf(facts);
-    const auto key = [](const TPowerSupplies& each) {
-      return std::tie(each.fFault, each.fModel, each.fWatts);
-    };
-    const auto same = std::find_if(all.begin(), all.end(),
-                                   [&](const auto& each) { return key(each) == key(supply); });
-    same == all.end() ? all.push_back(std::move(supply)) : void(++same->fCount);
+  TGroups<TPowerSupplies, std::string, TNumber, std::string> groups(summary.fPowerSupplies);
+  ForEach(ns, "VORNSG_PowerSupply", [&groups](const TFacts& facts) {
+    const std::string model = facts.Text("Model");
+    const bool isInWatts = facts.Text("OutputPowerUnits") == "watt";
+    const TNumber watts = isInWatts ? facts.Number("RatedMaxOutputPower") : TNumber();
+    const std::string fault = SupplyFaultOf(facts);
+    ++groups.GroupOf({0, model, watts, fault}, model, watts, fault).fCount;
   });
 }
 

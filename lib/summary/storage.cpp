@@ -14,7 +14,7 @@ namespace {
 
 std::string LastPart(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
-std::string NameOf(const TFacts& device) {
+std::string BlockDeviceName(const TFacts& device) {
   const std::string name = device.Text("Name");
   return name.empty() ? LastPart(device.Text("DeviceID")) : name;
 }
@@ -26,7 +26,7 @@ TDisks::EMedium MediumOf(const TFacts& disk) {
   return type == kSolidStateType ? TDisks::kSolidState : TDisks::kUnknown;
 }
 
-std::string FaultOf(const std::string& state) {
+std::string DiskFaultOf(const std::string& state) {
   return state == "running" || state == "live" ? "" : state;
 }
 
@@ -61,16 +61,13 @@ class TDrives {
   std::ptrdiff_t fStepsLeft = 1'000'000;
 };
 
-auto KeyOf(const TDisks& disks) {
-  return std::tie(disks.fState, disks.fBytes, disks.fMedium, disks.fTransport, disks.fModel);
-}
-
 void ReadDisks(const ICIMNamespace& ns, TSummary& summary, TDrives& drives) {
-  std::vector<TDisks> all;
+  TGroups<TDisks, TNumber, TDisks::EMedium, std::string, std::string, std::string> groups(
+      summary.fDisks);
   ForEach(ns, "VORNSG_DiskDrive", [&](const TFacts& facts) {
+    const std::string name = BlockDeviceName(facts);
+    drives.AddDrive(facts.Text("DeviceID"), name);
     TDisks disk;
-    disk.fNames = {NameOf(facts)};
-    drives.AddDrive(facts.Text("DeviceID"), disk.fNames.front());
     disk.fBytes = facts.Number("Size");
     if (!disk.fBytes) disk.fBytes = Times(facts.Number("MaxMediaSize"), 1000);
     if (disk.fBytes == 0) disk.fBytes.reset();
@@ -78,20 +75,11 @@ void ReadDisks(const ICIMNamespace& ns, TSummary& summary, TDrives& drives) {
     disk.fTransport = facts.Text("Transport");
     disk.fModel = facts.Text("ElementName");
     if (disk.fModel.empty()) disk.fModel = facts.Text("Model");
-    disk.fState = FaultOf(facts.Text("State"));
-    all.push_back(std::move(disk));
+    disk.fState = DiskFaultOf(facts.Text("State"));
+    TDisks& group =
+        groups.GroupOf(disk, disk.fBytes, disk.fMedium, disk.fTransport, disk.fModel, disk.fState);
+    group.fNames.push_back(name);
   });
-  std::map<decltype(KeyOf(std::declval<TDisks&>())), std::size_t> groups;
-  summary.fDisks.reserve(all.size());  // the keys refer to the elements
-  for (TDisks& disk : all) {
-    const auto known = groups.find(KeyOf(disk));
-    if (known != groups.end()) {
-      summary.fDisks[known->second].fNames.push_back(std::move(disk.fNames.front()));
-      continue;
-    }
-    summary.fDisks.push_back(std::move(disk));
-    groups.emplace(KeyOf(summary.fDisks.back()), summary.fDisks.size() - 1);
-  }
   std::stable_sort(summary.fDisks.begin(), summary.fDisks.end(),
                    [](const TDisks& left, const TDisks& right) {
                      // What is not well comes first, then what is large.
@@ -103,7 +91,7 @@ void ReadDisks(const ICIMNamespace& ns, TSummary& summary, TDrives& drives) {
 void ReadArrays(const ICIMNamespace& ns, std::vector<TArray>& arrays) {
   ForEach(ns, "VORNSG_StorageVolume", [&arrays](const TFacts& facts) {
     TArray array;
-    array.fName = NameOf(facts);
+    array.fName = BlockDeviceName(facts);
     array.fLevel = facts.Text("RAIDLevel");
     array.fState = facts.Text("ArrayState");
     array.fBytes = facts.Number("Size");
@@ -133,7 +121,7 @@ bool KeepsFiles(const TFacts& facts, const TFileSystem& system) {
 }
 
 /// The root, what can be written, and the fullest first.
-bool ComesBefore(const TFileSystem& left, const TFileSystem& right) {
+bool SystemComesBefore(const TFileSystem& left, const TFileSystem& right) {
   const auto key = [](const TFileSystem& system) {
     const double size = static_cast<double>(system.fBytes.value_or(0));
     const double free = static_cast<double>(system.fAvailableBytes.value_or(0));
@@ -172,7 +160,7 @@ void ReadFileSystems(const ICIMNamespace& ns, std::vector<TFileSystem>& systems,
     sources.push_back(std::move(source));
   });
   for (std::size_t i = 0; i < systems.size(); ++i) systems[i].fDisks = drives.Below(sources[i]);
-  std::stable_sort(systems.begin(), systems.end(), ComesBefore);
+  std::stable_sort(systems.begin(), systems.end(), SystemComesBefore);
 }
 
 }  // namespace

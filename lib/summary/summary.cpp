@@ -2,7 +2,7 @@
 #include <qdxsummary/summary.h>
 
 #include <algorithm>
-#include <tuple>
+#include <utility>
 
 #include "facts.h"
 
@@ -64,31 +64,30 @@ void ReadOperatingSystem(const ICIMNamespace& ns, TOperatingSystem& os, TMemory&
 }
 
 void ReadProcessors(const ICIMNamespace& ns, std::vector<TProcessors>& all) {
-  ForEach(ns, "VORNSG_Processor", [&all](const TFacts& facts) {
+  TGroups<TProcessors, std::string, TNumber> groups(all);
+  ForEach(ns, "VORNSG_Processor", [&groups](const TFacts& facts) {
     const std::string name = facts.Text("Name");
     const TNumber hertz = Times(facts.Number("MaxClockSpeed"), 1'000'000);
-    auto same = std::find_if(all.begin(), all.end(), [&](const TProcessors& each) {
-      return each.fName == name && each.fMaxHertz == hertz;
-    });
-    if (same == all.end()) same = all.insert(all.end(), {0, name, 0, 0, hertz});
-    ++same->fCount;
-    same->fCores += facts.Number("NumberOfEnabledCores").value_or(0);
-    same->fThreads += facts.Number("NumberOfLogicalProcessors").value_or(0);
+    TProcessors& group = groups.GroupOf({0, name, 0, 0, hertz}, name, hertz);
+    ++group.fCount;
+    group.fCores += facts.Number("NumberOfEnabledCores").value_or(0);
+    group.fThreads += facts.Number("NumberOfLogicalProcessors").value_or(0);
   });
 }
 
-void AddModule(std::vector<TModules>& all, const TFacts& facts) {
-  TModules module{1, facts.Number("Capacity"), facts.Text("MemoryTypeDescription"),
-                  Times(facts.Number("ConfiguredMemoryClockSpeed"), 1'000'000)};
-  if (!module.fTransfersPerSecond) {
-    module.fTransfersPerSecond = Times(facts.Number("MaxMemorySpeed"), 1'000'000);
-  }
-  const auto key = [](const TModules& each) {
-    return std::tie(each.fBytes, each.fType, each.fTransfersPerSecond);
-  };
-  const auto same = std::find_if(all.begin(), all.end(),
-                                 [&](const TModules& each) { return key(each) == key(module); });
-  same == all.end() ? all.push_back(std::move(module)) : void(++same->fCount);
+void ReadModules(const ICIMNamespace& ns, std::vector<TModules>& all) {
+  TGroups<TModules, TNumber, std::string, TNumber> groups(all);
+  ForEach(ns, "VORNSG_PhysicalMemory", [&groups](const TFacts& facts) {
+    const TNumber bytes = facts.Number("Capacity");
+    const std::string type = facts.Text("MemoryTypeDescription");
+    TNumber speed = facts.Number("ConfiguredMemoryClockSpeed");
+    if (!speed) speed = facts.Number("MaxMemorySpeed");
+    speed = Times(speed, 1'000'000);
+    ++groups.GroupOf({0, bytes, type, speed}, bytes, type, speed).fCount;
+  });
+  std::stable_sort(all.begin(), all.end(), [](const TModules& left, const TModules& right) {
+    return left.fBytes > right.fBytes;
+  });
 }
 
 void ReadMemory(const ICIMNamespace& ns, TMemory& memory) {
@@ -102,11 +101,7 @@ void ReadMemory(const ICIMNamespace& ns, TMemory& memory) {
     const bool isFree = !facts.Flag("Populated").value_or(true);
     memory.fFreeSlots = memory.fFreeSlots.value_or(0) + (isFree ? 1 : 0);
   });
-  ForEach(ns, "VORNSG_PhysicalMemory",
-          [&memory](const TFacts& facts) { AddModule(memory.fModules, facts); });
-  std::stable_sort(
-      memory.fModules.begin(), memory.fModules.end(),
-      [](const TModules& left, const TModules& right) { return left.fBytes > right.fBytes; });
+  ReadModules(ns, memory.fModules);
   const auto add = [](TNumber& sum, const TNumber& more) {
     if (more) sum = sum.value_or(0) + *more;
   };

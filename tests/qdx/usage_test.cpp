@@ -10,8 +10,7 @@ TEST(QDXUsage, IsExplainedInOneLineOrOnRequest) {
     std::vector<std::string> fWords;
     std::string fText;  ///< Within the output, or all of the error but for its end.
     int fExitCode = 2;
-  } rows[] = {{{}, "no verb is given"},
-              {{"help", "frob"}, "unknown verb 'frob'"},
+  } rows[] = {{{"help", "frob"}, "unknown verb 'frob'"},
               {{"help", "identity", "x"}, "unexpected argument 'x'"},
               {{"--help"}, "  identity  Shows the identity", 0},
               {{"help", "identity"}, "  --root DIR         Describe", 0},

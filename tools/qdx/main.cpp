@@ -90,7 +90,9 @@ void CheckUsage(const TVerb& verb, const TArguments& arguments) {
 }
 
 EExitCode RunVerb(const TVerb& verb, TArguments arguments, TLog& log) {
-  arguments.fOperands.erase(arguments.fOperands.begin());  // the verb itself
+  if (!arguments.fOperands.empty()) {
+    arguments.fOperands.erase(arguments.fOperands.begin());  // the verb itself
+  }
   try {
     CheckUsage(verb, arguments);
     log = OpenLog(arguments);
@@ -115,7 +117,7 @@ EExitCode RunCommand(const std::vector<std::string>& words, TLog& log) {
     WriteOutput(operands.empty() ? GeneralHelp() : HelpFor(FindVerb(operands[0])));
     return kExitDone;
   }
-  if (operands.empty()) FailOnUsage("no verb is given");
+  if (operands.empty()) return RunVerb(FindVerb("summary"), arguments, log);
   return RunVerb(FindVerb(operands[0]), arguments, log);
 }
 

@@ -12,6 +12,7 @@
 #include <iterator>
 #include <map>
 #include <set>
+#include <string_view>
 #include <utility>
 
 #include <sys/stat.h>
@@ -72,6 +73,8 @@ constexpr TOptionSpec kPartOptions[] = {
     {NModel::kOnlyOption, "PARTS", "Describe only these parts, as in 'disks,network'."},
     {NModel::kWithoutOption, "PARTS", "Leave these parts out."},
     {NModel::kWithOption, "PARTS", "Describe also these parts, which are left out by default."}};
+
+constexpr std::string_view kMemoryOption = "memory";
 
 /// Splits the names of parts at commas.
 std::vector<std::string> PartsOf(const TArguments& arguments, const char* option) {
@@ -257,6 +260,21 @@ std::vector<TMachineNamespace> TMachine::WithoutDoubles(std::vector<TMachineName
   const auto isLeftOut = [](const TMachineNamespace& ns) { return !ns.fNamespace; };
   all.erase(std::remove_if(all.begin(), all.end(), isLeftOut), all.end());
   return all;
+}
+
+std::vector<TOptionSpec> BesideFile(std::vector<TOptionSpec> options) {
+  for (TOptionSpec& option : options) {
+    if (option.fName != kMemoryOption) continue;
+    option.fHelp = "Let a plug-in (1024 by default) or FILE (half of all memory) use so much.";
+  }
+  return options;
+}
+
+void RefuseOptionsWithFile(const TArguments& arguments) {
+  for (const TOptionSpec& option : TMachine::Options()) {
+    if (option.fName == kMemoryOption || !arguments.Has(option.fName)) continue;
+    FailOnUsage(std::string("option '--") + option.fName + "' cannot be used with a file");
+  }
 }
 
 std::vector<TPluginFile> FindPluginsOrFail(EPluginKind kind) {

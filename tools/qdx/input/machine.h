@@ -89,6 +89,12 @@ class TMachine {
   bool fHasWarned = false;
 };
 
+/// Returns options of the machine for a verb that reads a document instead if an operand FILE is
+/// given: --memory limits that, too.
+std::vector<TOptionSpec> BesideFile(std::vector<TOptionSpec> options);
+/// Throws a TCommandFailure for the other options of the machine. REQUIRES: a FILE is given.
+void RefuseOptionsWithFile(const TArguments& arguments);
+
 /// Throws a TCommandFailure if the folder cannot be read.
 std::vector<NPluginHost::TPluginFile> FindPluginsOrFail(NPluginHost::EPluginKind kind);
 

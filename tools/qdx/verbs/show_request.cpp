@@ -104,12 +104,7 @@ TRequest RequestOf(const TArguments& arguments) {
   request.fDepth = DepthOf(arguments.Get("depth", "3"));
   SetOperands(arguments.fOperands, request);
   CheckElement(request);
-  for (const TOptionSpec& option : TMachine::Options()) {
-    const bool isOfReader = option.fName == std::string_view("memory");
-    if (!isOfReader && !request.fFile.empty() && arguments.Has(option.fName)) {
-      FailOnUsage(std::string("option '--") + option.fName + "' cannot be used with a file");
-    }
-  }
+  if (!request.fFile.empty()) RefuseOptionsWithFile(arguments);
   return request;
 }
 
@@ -125,11 +120,7 @@ std::optional<std::vector<std::string>> ShownInstancesOf(const TRequest& request
 }
 
 std::vector<TOptionSpec> ShowOptions() {
-  std::vector<TOptionSpec> options = TMachine::Options();
-  for (TOptionSpec& option : options) {
-    if (option.fName != std::string_view("memory")) continue;
-    option.fHelp = "Let a plug-in (1024 by default) or FILE (half of all memory) use so much.";
-  }
+  std::vector<TOptionSpec> options = BesideFile(TMachine::Options());
   options.push_back(
       {"depth", "N", "Stop at namespaces (0), classes (1), instances (2) or values (3)."});
   options.push_back({"json", nullptr, "Print one JSON object."});

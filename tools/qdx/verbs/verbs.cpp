@@ -54,8 +54,8 @@ const char* const kExitCodes =
 
 const std::vector<TVerb>& AllVerbs() {
   static const std::vector<TVerb> verbs = {
-      IdentityVerb(), CollectVerb(), ShowVerb(),  ReportVerb(), DiffVerb(),
-      ValidateVerb(), PluginsVerb(), MediaVerb(), UploadVerb(), DownloadVerb()};
+      SummaryVerb(),  IdentityVerb(), CollectVerb(), ShowVerb(),   ReportVerb(),  DiffVerb(),
+      ValidateVerb(), PluginsVerb(),  MediaVerb(),   UploadVerb(), DownloadVerb()};
   return verbs;
 }
 
@@ -84,8 +84,8 @@ std::vector<TOptionSpec> OptionsOf(const TVerb& verb) {
 }
 
 std::string GeneralHelp() {
-  return "Usage: qdx VERB [OPTION]...\n"
-         "Describes and diagnoses this machine.\n\nVerbs:\n" +
+  return "Usage: qdx [VERB] [OPTION]...\n"
+         "Describes and diagnoses this machine. Without a verb, 'summary' is run.\n\nVerbs:\n" +
          FormatVerbs() + "\nOptions of every verb:\n" + FormatOptions(CommonOptions()) + "\n" +
          kExitCodes + "\n'qdx help VERB' explains a verb.\n";
 }

@@ -29,6 +29,7 @@ TVerb MediaVerb();
 TVerb PluginsVerb();
 TVerb ReportVerb();
 TVerb ShowVerb();
+TVerb SummaryVerb();
 TVerb UploadVerb();
 TVerb ValidateVerb();
 
