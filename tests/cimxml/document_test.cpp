@@ -128,7 +128,8 @@ TEST(CIMXMLDocumentWriter, TellsTheSizeOfAnArrayOnlyWhereItIsFixed) {
                       {two, null, 2},
                       {two, two, 2},
                       // A maximum, or a size that only one value has.
-                      {null, one, 1},
+                      {null, one, 0},
+                      {two, one, 0},
                       {one, two, 0},
                       {array(0, {}), two, 0}};
   for (const auto& [declared, value, told] : kCases) {

@@ -47,7 +47,8 @@ TNamespace MakeAllTypes() {
   for (std::vector<TCIMValue> values : Samples()) {
     const TType type = values.front().GetType();
     const std::string name = type.ToString();
-    AddClass(ns, name, {{"id", 0U}}, {{"a", TCIMValue(type, 7)}, {"b", TCIMValue(type, 0)}});
+    AddClass(ns, name, {{"id", 0U}},
+             {{"a", TCIMValue(type | TType::kCIMTypeArray, 0U)}, {"b", TCIMValue(type, 0)}});
     unsigned int id = 0;
     for (const TCIMValue& value : values) AddInstance(ns, name, {{"id", ++id}, {"b", value}});
     AddInstance(ns, name, {{"id", ++id}, {"a", TCIMValue(type, 0, {})}});

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Asks another program whether documents have the elements and attributes of CIM-XML.
+#include <qdxcore/reference_parameter.h>
 #include <qdxcore/status.h>
 
 #include <array>
@@ -46,8 +47,11 @@ TNamespace MakeAllDeclarations() {
     if (type == TType::kCIMTypeReference) null.SetReferencedClass(target);
     cimClass->CreatePropertyDecl(name, null, {})->Commit();
     cimClass->SetStaticPropertyValue(name, null, {});
-    method->CreateParameterDecl(name, TType(type))->Commit();
-    method->CreateParameterDecl(name + "s", TType(type | TType::kCIMTypeArray))->Commit();
+    for (const TType each : {TType(type), TType(type | TType::kCIMTypeArray)}) {
+      const auto parameter = method->CreateParameterDecl(name + (each == type ? "" : "s"), each);
+      if (type == TType::kCIMTypeReference) SetReferencedClassName(*parameter, "Later");
+      parameter->Commit();
+    }
     if (type == TType::kCIMTypeReference) continue;
     const TCIMValue array(TType(type), 2);
     cimClass->CreatePropertyDecl(name + "s", array, {})->Commit();
@@ -70,6 +74,11 @@ TEST_F(CIMXMLDocumentValidity, HoldsForAllThatIsWritten) {
   AddClass(ns, "C", {{"b", true}, {"d", TCIMDateTime(1, 2, 3, 4, 5)}, {"r", 0.5}, {"s", "<"}});
   AddInstance(ns, "C", {});
   EXPECT_EQ(FaultsOf(Written({ns})), "");
+}
+
+TEST(CIMXMLDocument, GivesBackADeclarationOfEachType) {
+  const TDocumentFile file(Written({MakeAllDeclarations()}));
+  EXPECT_EQ(ReadAndWritten(file.Path()), ReadWholeFile(file.Path()));
 }
 
 TEST_F(CIMXMLDocumentValidity, IsCheckedIndeed) {

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "array_sizes.h"
 #include "schema_writer.h"
 #include "value_writer.h"
 #include "xml/counted_warning.h"
@@ -57,12 +58,12 @@ TClasses SortedClasses(const ICIMNamespace& ns) {
 /// Writes the instances of one class.
 class TInstanceWriter {
  public:
-  TInstanceWriter(TXMLWriter& xml, TValueWriter& values, const ICIMClass& cimClass)
+  TInstanceWriter(TXMLWriter& xml, TValueWriter& values, const TArraySizes& sizes,
+                  const ICIMClass& cimClass)
       : fXML(xml), fValues(values), fClassName(cimClass.GetName({})), fReader(cimClass) {
     fValues.BeginClass(fClassName);
     for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
-      fDeclared.push_back(
-          {TValueWriter::FixedSizeOf(decl->GetDefaultValue()), NDescribe::StringKindOf(*decl)});
+      fDeclared.push_back({sizes.Declared(*decl), NDescribe::StringKindOf(*decl)});
     }
   }
 
@@ -124,10 +125,11 @@ class TInstanceWriter {
   std::vector<TCIMValue> fKeys;  // by property, those of the instance that is being written
 };
 
-void WriteInstances(TXMLWriter& xml, TValueWriter& values, const ICIMClass& cimClass) {
+void WriteInstances(TXMLWriter& xml, TValueWriter& values, const TArraySizes& sizes,
+                    const ICIMClass& cimClass) {
   std::optional<TInstanceWriter> writer;  // most classes of a schema have no instances
   NModel::ForEachInstance(cimClass, [&](const ICIMInstance& instance) {
-    if (!writer) writer.emplace(xml, values, cimClass);
+    if (!writer) writer.emplace(xml, values, sizes, cimClass);
     writer->Write(instance);
   });
 }
@@ -163,7 +165,8 @@ void TDocumentWriter::AddNamespace(const ICIMNamespace& ns) { AddNamespace(ns, n
 void TDocumentWriter::AddNamespace(const ICIMNamespace& ns, const std::string& name) {
   TXMLWriter& xml = fParts->fXML;
   TValueWriter values(xml, ns, fParts->fReaders, fParts->fLeftOut);
-  TSchemaWriter schema(xml, values, fParts->fUnknownBits);
+  TArraySizes sizes;
+  TSchemaWriter schema(xml, values, sizes, fParts->fUnknownBits);
   xml.Markup("<DECLGROUP.WITHNAME>");
   values.NamespacePath(name);
   xml.Markup("\n");
@@ -174,7 +177,7 @@ void TDocumentWriter::AddNamespace(const ICIMNamespace& ns, const std::string& n
     schema.Class(*cimClass);
     xml.Markup("</VALUE.NAMEDOBJECT>\n");
   }
-  for (const auto& cimClass : classes) WriteInstances(xml, values, *cimClass);
+  for (const auto& cimClass : classes) WriteInstances(xml, values, sizes, *cimClass);
   xml.Markup("</DECLGROUP.WITHNAME>\n");
 }
 

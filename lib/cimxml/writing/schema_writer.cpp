@@ -48,7 +48,7 @@ void TSchemaWriter::QualifierDecl(const ICIMQualifierDecl& decl) {
   fXML.Markup("<QUALIFIER.DECLARATION").Attribute("NAME", decl.GetName());
   fXML.Attribute("TYPE", KeywordOf(value.GetType()));
   if (value.IsArray()) fXML.Attribute("ISARRAY", "true");
-  const unsigned int fixedSize = TValueWriter::FixedSizeOf(value);
+  const unsigned int fixedSize = TArraySizes::SizeOf(value);
   if (fixedSize != 0) fXML.Attribute("ARRAYSIZE", std::to_string(fixedSize));
   Flavor(decl.GetFlavor());
   fXML.Markup(">");
@@ -83,9 +83,9 @@ void TSchemaWriter::Properties(const ICIMClass& cimClass) {
       return NModel::EqualIgnoringCase(property->GetDecl()->GetName(), decl->GetName());
     });
     if (own == inherited.end()) {
-      PropertyDecl(*decl, nullptr);
+      PropertyDecl(*decl, nullptr, fSizes.Declare(cimClass, decl));
     } else {
-      PropertyDecl(*decl, &(*own)->GetValue());
+      PropertyDecl(*decl, &(*own)->GetValue(), TArraySizes::SizeOf((*own)->GetValue()));
       inherited.erase(own);
     }
   }
@@ -131,7 +131,8 @@ void TSchemaWriter::Qualifiers(const TQualified& element) {
   });
 }
 
-void TSchemaWriter::PropertyDecl(const ICIMPropertyDecl& decl, const TCIMValue* staticValue) {
+void TSchemaWriter::PropertyDecl(const ICIMPropertyDecl& decl, const TCIMValue* staticValue,
+                                 unsigned int fixedSize) {
   const TCIMValue& declared = decl.GetDefaultValue();
   const TCIMValue& value = staticValue == nullptr ? declared : *staticValue;
   if (!HasPropertyElement(declared.GetType())) {
@@ -140,8 +141,7 @@ void TSchemaWriter::PropertyDecl(const ICIMPropertyDecl& decl, const TCIMValue* 
   }
   const char* const element = TValueWriter::PropertyElement(value.GetType());
   fXML.Markup("<").Markup(element);
-  fValues.PropertyAttributes(decl.GetName(), declared,
-                             {TValueWriter::FixedSizeOf(value), NDescribe::StringKindOf(decl)},
+  fValues.PropertyAttributes(decl.GetName(), declared, {fixedSize, NDescribe::StringKindOf(decl)},
                              true);
   fXML.Markup(">\n");
   Qualifiers(decl);
@@ -161,8 +161,7 @@ void TSchemaWriter::StaticProperty(const ICIMProperty& property) {
   const char* const element = TValueWriter::PropertyElement(value.GetType());
   fXML.Markup("<").Markup(element);
   fValues.PropertyAttributes(decl->GetName(), value,
-                             {TValueWriter::FixedSizeOf(value), NDescribe::StringKindOf(*decl)},
-                             true);
+                             {TArraySizes::SizeOf(value), NDescribe::StringKindOf(*decl)}, true);
   fXML.Attribute("PROPAGATED", "true").Markup(">\n");
   Mark(kStatic);
   fValues.Value(decl->GetName(), value);

@@ -7,6 +7,7 @@
 
 #include <string_view>
 
+#include "array_sizes.h"
 #include "value_writer.h"
 #include "xml/counted_warning.h"
 #include "xml/xml_writer.h"
@@ -28,8 +29,10 @@ namespace NVORNQDX20::NCIMXML {
 /// EmbeddedObject, which older readers do not know.
 class TSchemaWriter {
  public:
-  TSchemaWriter(TXMLWriter& xml, TValueWriter& values, TCountedWarning& unknownBits)
-      : fXML(xml), fValues(values), fUnknownBits(unknownBits) {}
+  /// Adds the properties of classes to `sizes`.
+  TSchemaWriter(TXMLWriter& xml, TValueWriter& values, TArraySizes& sizes,
+                TCountedWarning& unknownBits)
+      : fXML(xml), fValues(values), fSizes(sizes), fUnknownBits(unknownBits) {}
 
   void QualifierDecl(const ICIMQualifierDecl& decl);
   void Class(const ICIMClass& cimClass);
@@ -44,13 +47,15 @@ class TSchemaWriter {
   void Qualifiers(const TQualified& element);
   void Properties(const ICIMClass& cimClass);
   /// `staticValue` is null if the class has no value of its own for the property.
-  void PropertyDecl(const ICIMPropertyDecl& decl, const TCIMValue* staticValue);
+  void PropertyDecl(const ICIMPropertyDecl& decl, const TCIMValue* staticValue,
+                    unsigned int fixedSize);
   void StaticProperty(const ICIMProperty& property);
   void Method(const ICIMMethodDecl& method);
   void Parameter(const ICIMParameterDecl& parameter);
 
   TXMLWriter& fXML;
   TValueWriter& fValues;
+  TArraySizes& fSizes;
   TCountedWarning& fUnknownBits;
 };
 

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "array_sizes.h"
 #include "xml/literal.h"
 
 namespace NVORNQDX20::NCIMXML {
@@ -41,13 +42,6 @@ bool HasNullElement(const TCIMValue& array) {
 }
 
 }  // namespace
-
-unsigned int TValueWriter::FixedSizeOf(const TCIMValue& value) {
-  const unsigned int size = value.IsArray() ? value.GetMaxArraySize() : 0;
-  if (size == 0 || value.IsNull()) return size;
-  const std::vector<TCIMValue>& elements = value;
-  return elements.size() == size ? size : 0;
-}
 
 const char* TValueWriter::PropertyElement(TCIMType type) {
   if (type == TCIMType::kCIMTypeReference) return "PROPERTY.REFERENCE";
@@ -122,7 +116,8 @@ void TValueWriter::Property(const std::string& name, const TCIMValue& value,
   const char* const element = PropertyElement(value.GetType());
   fXML.Markup("<").Markup(element);
   // A non-null reference has its class in its path.
-  const bool isFixed = declared.fFixedSize != 0 && FixedSizeOf(value) == declared.fFixedSize;
+  const bool isFixed =
+      declared.fFixedSize != 0 && TArraySizes::SizeOf(value) == declared.fFixedSize;
   PropertyAttributes(name, value, {isFixed ? declared.fFixedSize : 0, declared.fStringKind},
                      value.IsNull());
   if (!CanHold(name, value)) {

@@ -17,7 +17,7 @@ namespace NVORNQDX20::NCIMXML {
 
 /// What a class declares, and the elements of its instances repeat.
 struct TDeclaredProperty {
-  unsigned int fFixedSize = 0;  ///< TValueWriter::FixedSizeOf() the declaration.
+  unsigned int fFixedSize = 0;  ///< 0 if the number of elements may change.
   NDescribe::EStringKind fStringKind = NDescribe::EStringKind::kText;
 };
 
@@ -32,9 +32,6 @@ class TValueWriter {
 
   /// Returns "PROPERTY", "PROPERTY.ARRAY" or "PROPERTY.REFERENCE".
   static const char* PropertyElement(TCIMType type);
-  /// Returns the number of elements that all values of such an array have; 0 if it may change,
-  /// which a value with fewer elements than its maximum shows.
-  static unsigned int FixedSizeOf(const TCIMValue& value);
   /// Returns why an instance name cannot contain the key; null if it can.
   static const char* ObstacleToKey(const TCIMValue& value);
 
