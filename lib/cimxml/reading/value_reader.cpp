@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstddef>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -180,6 +181,8 @@ TCIMType TypeOfProperty(const TElement& property) {
 }
 
 const std::string* FindEmbeddedObject(const TElement& property) {
+  constexpr std::size_t kUsual = 2;  // NAME and TYPE
+  if (property.fAttributes.size() <= kUsual) return nullptr;
   const std::string* const found = property.Find("EmbeddedObject");
   return found != nullptr ? found : property.Find("EMBEDDEDOBJECT");
 }
