@@ -78,8 +78,9 @@ void THosts::Report(const std::string& name) const {
 TInstanceChoice::TInstanceChoice(const TReadingLimits& limits)
     : fIsLimited(limits.fInstancesOf.has_value()) {
   if (!fIsLimited) return;
-  fClasses[NDescribe::kMissingValueClass] = true;
   for (const std::string& each : *limits.fInstancesOf) fClasses[each] = true;
+  // Instances of all classes add reasons to those of the document.
+  fIsLimited = fClasses.emplace(NDescribe::kMissingValueClass, true).second;
 }
 
 void TReadingState::Report(const std::string& name) const {

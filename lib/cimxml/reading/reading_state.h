@@ -104,7 +104,7 @@ class TInstanceChoice {
   }
 
  private:
-  const bool fIsLimited;
+  bool fIsLimited;
   NModel::TNameMap<bool> fClasses;
 };
 

@@ -30,8 +30,8 @@ struct TReadingLimits {
   /// Follows a message about this limit: how to raise it. May be empty.
   std::string fHowToRaise;
   /// The classes whose instances are kept, with those of their subclasses, and the reasons of
-  /// missing values; by default all. What is not kept needs no memory, and its faults are not
-  /// reported.
+  /// missing values. By default all; with VORNSG_UnavailableValue all, since each can add a reason.
+  /// What is not kept needs no memory, and its faults are not reported.
   std::optional<std::vector<std::string>> fInstancesOf = {};
 
   static std::uint64_t DefaultMemory();
