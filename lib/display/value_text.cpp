@@ -38,7 +38,7 @@ std::optional<long double> NumberIn(const TJSON& value) {
   return std::nullopt;
 }
 
-bool StartsWith(std::string_view text, std::string_view start) {
+bool BeginsWith(std::string_view text, std::string_view start) {
   return text.substr(0, start.size()) == start;
 }
 
@@ -55,7 +55,7 @@ std::string_view ElementType(const TPropertySnapshot& property) {
 
 bool IsNumeric(const TPropertySnapshot& property) {
   const std::string_view type = ElementType(property);
-  return StartsWith(type, "uint") || StartsWith(type, "sint") || StartsWith(type, "real");
+  return BeginsWith(type, "uint") || BeginsWith(type, "sint") || BeginsWith(type, "real");
 }
 
 /// Returns whether the number is in "8..15", "..15" or "8..", of which ".." is all others.
