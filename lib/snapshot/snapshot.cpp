@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxsnapshot/snapshot.h>
 
-#include <qdxcore/reference.h>
 #include <qdxcore/status.h>
 #include <qdxdescribe/declaration.h>
 #include <qdxmodel/classes.h>
-#include <qdxmodel/property_reader.h>
 #include <qdxmodel/type.h>
 
 #include <algorithm>
@@ -13,6 +11,7 @@
 #include <tuple>
 #include <utility>
 
+#include "instance_reader.h"
 #include "property_details.h"
 #include "volatile_names.h"
 
@@ -45,58 +44,24 @@ std::string PartOf(const ICIMClass& cimClass) {
 }
 
 /// Adds instances of one class to its snapshot.
-class TInstanceReader {
+class TInstanceAdder {
  public:
-  TInstanceReader(const TClass& cimClass, TClassSnapshot& snapshot, const std::string& ownNamespace,
-                  EDepth depth)
-      : fClass(cimClass),
-        fSnapshot(snapshot),
-        fOwnNamespace(ownNamespace),
-        fDepth(depth),
-        fReader(*cimClass) {
-    fPositions.reserve(snapshot.fProperties.size());
-    for (const TPropertySnapshot& property : snapshot.fProperties) {
-      fPositions.push_back(fReader.PositionOf(property.fName));
-    }
-  }
+  TInstanceAdder(const TClass& cimClass, TClassSnapshot& snapshot, const std::string& ownNamespace,
+                 EDepth depth)
+      : fSnapshot(snapshot), fDepth(depth), fReader(cimClass, snapshot, ownNamespace) {}
 
   void Add(const ICIMInstance& instance) {
-    if (fDepth >= kInstances) {
-      fReader.Begin(instance);
-      TInstanceSnapshot read{ReadPath(), {}};
-      if (fDepth >= kValues) ReadValues(read.fValues);
-      fSnapshot.fInstances.push_back(std::move(read));
-    }
     ++fSnapshot.fInstanceCount;
+    if (fDepth < kInstances) return;
+    fReader.Begin(instance);
+    fSnapshot.fInstances.push_back({fReader.ReadPath(), {}});
+    if (fDepth >= kValues) fSnapshot.fInstances.back().fValues = fReader.ReadValues();
   }
 
  private:
-  std::string ReadPath() const {
-    TCIMReference path(nullptr, {});
-    path.SetClass(fClass);
-    for (std::size_t i = 0; i < fPositions.size(); ++i) {
-      const TPropertySnapshot& property = fSnapshot.fProperties[i];
-      if (!property.fIsKey) continue;
-      fReader.Read(fPositions[i],
-                   [&](const TCIMValue& value) { path.AddKeyValue(property.fName, value); });
-    }
-    return path.GetPath();
-  }
-
-  void ReadValues(std::vector<TJSON>& values) const {
-    values.reserve(fPositions.size());
-    for (const std::size_t position : fPositions) {
-      fReader.Read(position,
-                   [&](const TCIMValue& value) { values.push_back(ToJSON(value, fOwnNamespace)); });
-    }
-  }
-
-  const TClass fClass;
   TClassSnapshot& fSnapshot;
-  const std::string& fOwnNamespace;
   const EDepth fDepth;
-  NModel::TPropertyReader fReader;
-  std::vector<std::size_t> fPositions;  // in the reader, of the snapshot's properties
+  TInstanceReader fReader;
 };
 
 }  // namespace
@@ -122,7 +87,7 @@ void TSnapshotReader::ReadAll() {
 void TSnapshotReader::ReadTree(const TClass& root) {
   if (fDepth < kClasses) return;
   for (const TClass& cimClass : NModel::WithSubclasses(root)) {
-    TInstanceReader reader(cimClass, Add(cimClass), fNamespaceName, fDepth);
+    TInstanceAdder reader(cimClass, Add(cimClass), fNamespaceName, fDepth);
     NModel::ForEachInstance(*cimClass,
                             [&reader](const ICIMInstance& instance) { reader.Add(instance); });
   }
@@ -131,14 +96,16 @@ void TSnapshotReader::ReadTree(const TClass& root) {
 void TSnapshotReader::ReadInstance(const ICIMInstance& instance) {
   if (fDepth < kClasses) return;
   const TClass cimClass = instance.GetClass({});
-  TInstanceReader(cimClass, Add(cimClass), fNamespaceName, fDepth).Add(instance);
+  TInstanceAdder(cimClass, Add(cimClass), fNamespaceName, fDepth).Add(instance);
 }
 
 void TSnapshotReader::ReadInstances(const TClass& cimClass,
                                     const std::vector<boost::shared_ptr<ICIMInstance>>& instances) {
   if (fDepth < kClasses) return;
-  TInstanceReader reader(cimClass, Add(cimClass), fNamespaceName, fDepth);
-  for (const auto& instance : instances) reader.Add(*instance);
+  TClassSnapshot& snapshot = Add(cimClass);
+  if (instances.empty()) return;
+  TInstanceAdder adder(cimClass, snapshot, fNamespaceName, fDepth);
+  for (const auto& instance : instances) adder.Add(*instance);
 }
 
 std::vector<TPropertySnapshot> TSnapshotReader::PropertiesOf(const TClass& cimClass) const {
