@@ -212,7 +212,10 @@ std::string KeysLabel(const std::vector<TKey>& keys, int depth) {
   for (const bool isSilent : {false, true}) {
     for (const TKey& key : keys) {
       if (!isSilent && IsSilentKey(key.fName)) continue;
-      label += (label.empty() ? "" : " ") + LabelOf(key.fValue, true, depth + 1);
+      const std::string part = LabelOf(key.fValue, true, depth + 1);
+      // The label of a reference has blanks.
+      const bool isReference = part != key.fValue;
+      label += (label.empty() ? "" : isReference ? ", " : " ") + part;
     }
     if (!label.empty()) break;  // else every key is silent: they are all that there is
   }

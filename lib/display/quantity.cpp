@@ -11,6 +11,7 @@
 #include <optional>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace NVORNQDX20 {
 namespace {
@@ -28,8 +29,8 @@ std::string_view Trimmed(std::string_view text) {
   return text.substr(start, text.find_last_not_of(' ') - start + 1);
 }
 
-std::optional<double> NumberOf(std::string_view text) {
-  double number = 0;
+std::optional<long double> NumberOf(std::string_view text) {
+  long double number = 0;
   if (!text.empty() && text.front() == '+') text.remove_prefix(1);
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, number);
@@ -44,7 +45,7 @@ std::optional<long double> FactorOf(std::string_view text) {
   const auto base = NumberOf(Trimmed(text.substr(0, hat)));
   const auto exponent = NumberOf(Trimmed(text.substr(hat + 1)));
   if (!base || !exponent) return std::nullopt;
-  return std::pow(static_cast<long double>(*base), static_cast<long double>(*exponent));
+  return std::pow(*base, *exponent);
 }
 
 /// "degree (celsius)" and "Degree Celsius" are one unit.
@@ -208,18 +209,67 @@ std::string Plain(long double number) {
   return Formatted(number, std::chars_format::general, digits);
 }
 
+const TKnownUnit* FindUnit(const std::string& name) {
+  const auto found = std::find_if(std::begin(kUnits), std::end(kUnits),
+                                  [&name](const TKnownUnit& each) { return each.fName == name; });
+  return found == std::end(kUnits) ? nullptr : found;
+}
+
+/// How many seconds a unit of time has, by what people call it; 0 for no unit of time.
+long double SecondsOf(std::string_view name) {
+  static constexpr std::pair<std::string_view, long double> kNames[] = {
+      {"s", 1},        {"second", 1},   {"seconds", 1}, {"min", 60},     {"minute", 60},
+      {"minutes", 60}, {"h", 3600},     {"hour", 3600}, {"hours", 3600}, {"d", 86400},
+      {"day", 86400},  {"days", 86400}, {"ms", 1e-3L}};
+  for (const auto& [each, seconds] : kNames) {
+    if (NModel::EqualIgnoringCase(each, name)) return seconds;
+  }
+  return 0;
+}
+
+/// Returns what the letters after a number multiply it by: "GB", "G", "Gi"; none if unknown.
+std::optional<long double> FactorOfSuffix(std::string_view suffix, const TKnownUnit& unit) {
+  if (unit.fForm == EForm::kTime) {
+    const long double seconds = SecondsOf(suffix);
+    return seconds == 0 ? std::nullopt : std::optional(seconds / unit.fFactor);
+  }
+  const std::string_view symbol = unit.fSymbol;
+  if (suffix.size() >= symbol.size() &&
+      NModel::EqualIgnoringCase(suffix.substr(suffix.size() - symbol.size()), symbol)) {
+    suffix.remove_suffix(symbol.size());
+  }
+  // The only small prefix: that of large ones in the wrong case is none.
+  if (suffix == "m" && unit.fForm == EForm::kThousandths) return 1e-3L;
+  for (std::size_t i = 0; i <= kMostPrefix; ++i) {
+    const auto power = static_cast<long double>(i);
+    if (NModel::EqualIgnoringCase(suffix, kDecimalPrefixes[i])) return std::pow(1000.0L, power);
+    if (NModel::EqualIgnoringCase(suffix, kBinaryPrefixes[i])) return std::pow(1024.0L, power);
+  }
+  return std::nullopt;
+}
+
 }  // namespace
+
+std::optional<long double> ParseQuantity(const std::string& text, const std::string& unit) {
+  const std::string_view typed = Trimmed(text);
+  const std::size_t size = std::min(typed.find_first_not_of("+-0123456789."), typed.size());
+  const auto number = NumberOf(typed.substr(0, size));
+  const std::string_view suffix = Trimmed(typed.substr(size));
+  if (!number || suffix.empty()) return number;
+  const TUnitParts parts = PartsOf(unit);
+  const TKnownUnit* const known = FindUnit(parts.fName);
+  const auto factor = known == nullptr ? std::nullopt : FactorOfSuffix(suffix, *known);
+  if (!factor) return std::nullopt;
+  return *number * *factor / parts.fScale;
+}
 
 std::string FormatQuantity(long double number, const std::string& unit) {
   if (unit.empty()) return Plain(number);
   const TUnitParts parts = PartsOf(unit);
   const long double scaled = number * parts.fScale;
   if (!std::isfinite(scaled)) return Plain(number) + " " + unit;
-  const auto known =
-      std::find_if(std::begin(kUnits), std::end(kUnits),
-                   [&parts](const TKnownUnit& each) { return each.fName == parts.fName; });
-  return known == std::end(kUnits) ? Plain(number) + " " + unit
-                                   : FormatAs(*known, scaled, parts.fIsBinary);
+  const TKnownUnit* const known = FindUnit(parts.fName);
+  return known == nullptr ? Plain(number) + " " + unit : FormatAs(*known, scaled, parts.fIsBinary);
 }
 
 std::string FormatDuration(long double seconds) {

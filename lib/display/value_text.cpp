@@ -12,6 +12,7 @@
 #include <string_view>
 #include <system_error>
 
+#include <qdxdisplay/names.h>
 #include <qdxdisplay/quantity.h>
 
 namespace NVORNQDX20 {
@@ -24,18 +25,6 @@ std::optional<T> Parsed(std::string_view text) {
   const auto [stop, error] = std::from_chars(text.data(), end, number);
   if (stop != end || error != std::errc()) return std::nullopt;
   return number;
-}
-
-/// Returns the number in a value of a numeric property; those of 64 bits are texts.
-std::optional<long double> NumberIn(const TJSON& value) {
-  if (value.is_number_unsigned()) return static_cast<long double>(value.get<std::uint64_t>());
-  if (value.is_number_integer()) return static_cast<long double>(value.get<std::int64_t>());
-  if (value.is_number_float()) return static_cast<long double>(value.get<double>());
-  if (!value.is_string()) return std::nullopt;
-  const auto& text = value.get_ref<const std::string&>();
-  if (const auto number = Parsed<std::uint64_t>(text)) return static_cast<long double>(*number);
-  if (const auto number = Parsed<std::int64_t>(text)) return static_cast<long double>(*number);
-  return std::nullopt;
 }
 
 bool BeginsWith(std::string_view text, std::string_view start) {
@@ -69,26 +58,6 @@ bool IsInRange(long double number, std::string_view range) {
   if ((!first && !from.empty()) || (!last && !to.empty())) return false;
   return (!first || number >= static_cast<long double>(*first)) &&
          (!last || number <= static_cast<long double>(*last));
-}
-
-/// Returns the name that Values has for the value; null for none.
-const std::string* NameOf(const TJSON& value, const TPropertySnapshot& property) {
-  const auto& names = property.fValueNames;
-  const auto find = [&names](const auto& matches) -> const std::string* {
-    const auto found = std::find_if(names.begin(), names.end(), matches);
-    return found == names.end() ? nullptr : &found->second;
-  };
-  const std::string text = value.is_string() ? value.get<std::string>() : value.dump();
-  if (const auto* name = find([&text](const auto& each) { return each.first == text; })) {
-    return name;
-  }
-  const auto number = NumberIn(value);
-  if (!number || !IsNumeric(property)) return nullptr;
-  if (const auto* name =
-          find([&number](const auto& each) { return IsInRange(*number, each.first); })) {
-    return name;
-  }
-  return find([](const auto& each) { return each.first == ".."; });
 }
 
 bool AreDigits(std::string_view text) {
@@ -186,12 +155,13 @@ std::string TextOfText(const std::string& text, const TJSON& value,
   if (ElementType(property) == "string" && IsPortAddress(property)) {
     return PortAddressText(text).value_or(PlainText(value));
   }
+  if (ElementType(property) == "reference") return InstanceLabel(text);
   return PlainText(value);
 }
 
 std::string ScalarText(const TJSON& value, const TPropertySnapshot& property) {
   if (value.is_null()) return PlainText(value);
-  if (const std::string* const name = NameOf(value, property)) {
+  if (const std::string* const name = NameOfValue(value, property)) {
     const std::string plain = PlainText(value);
     return *name == plain || name->empty() ? plain : plain + " (" + *name + ")";
   }
@@ -204,14 +174,16 @@ std::string ScalarText(const TJSON& value, const TPropertySnapshot& property) {
                            : PlainText(value);
 }
 
-/// Finds a value of the instance by the name of its property; null if the class has none.
+/// Finds a value of the instance by the name of its property; null if the class has none. Quickly:
+/// it is called for each of many properties.
 const TJSON* ValueNamed(const TClassSnapshot& cimClass, const TInstanceSnapshot& instance,
-                        const char* name) {
+                        std::string_view name) {
   const auto& properties = cimClass.fProperties;
-  for (std::size_t i = 0; i < properties.size(); ++i) {
-    if (NModel::EqualIgnoringCase(properties[i].fName, name)) return &instance.fValues[i];
-  }
-  return nullptr;
+  const auto found = std::lower_bound(
+      properties.begin(), properties.end(), name,
+      [](const TPropertySnapshot& each, std::string_view wanted) { return each.fName < wanted; });
+  if (found == properties.end() || found->fName != name) return nullptr;
+  return &instance.fValues[static_cast<std::size_t>(found - properties.begin())];
 }
 
 /// The PUnits of the numbers that BaseUnits of a sensor can have; the other numbers have none.
@@ -264,6 +236,43 @@ std::string UnitOfReadings(const TClassSnapshot& cimClass, const TInstanceSnapsh
 }
 
 }  // namespace
+
+std::optional<long double> NumberIn(const TJSON& value) {
+  if (value.is_number_unsigned()) return static_cast<long double>(value.get<std::uint64_t>());
+  if (value.is_number_integer()) return static_cast<long double>(value.get<std::int64_t>());
+  if (value.is_number_float()) return static_cast<long double>(value.get<double>());
+  if (!value.is_string()) return std::nullopt;
+  const auto& text = value.get_ref<const std::string&>();
+  if (const auto number = Parsed<std::uint64_t>(text)) return static_cast<long double>(*number);
+  if (const auto number = Parsed<std::int64_t>(text)) return static_cast<long double>(*number);
+  return std::nullopt;
+}
+
+const std::string* NameOfValue(const TJSON& value, const TPropertySnapshot& property) {
+  const auto& names = property.fValueNames;
+  if (names.empty()) return nullptr;
+  const auto find = [&names](const auto& matches) -> const std::string* {
+    const auto found = std::find_if(names.begin(), names.end(), matches);
+    return found == names.end() ? nullptr : &found->second;
+  };
+  const std::string text = value.is_string() ? value.get<std::string>() : value.dump();
+  if (const auto* name = find([&text](const auto& each) { return each.first == text; })) {
+    return name;
+  }
+  const auto number = NumberIn(value);
+  if (!number || !IsNumeric(property)) return nullptr;
+  if (const auto* name =
+          find([&number](const auto& each) { return IsInRange(*number, each.first); })) {
+    return name;
+  }
+  return find([](const auto& each) { return each.first == ".."; });
+}
+
+std::string UnitOf(const TClassSnapshot& cimClass, const TInstanceSnapshot& instance,
+                   std::size_t property) {
+  const TPropertySnapshot& declared = cimClass.fProperties[property];
+  return IsReading(declared) ? UnitOfReadings(cimClass, instance) : declared.fUnit;
+}
 
 std::string TextForPeople(const TJSON& value, const TPropertySnapshot& property) {
   if (!value.is_array()) return ScalarText(value, property);

@@ -53,7 +53,7 @@ TEST(InstanceLabels, HaveTheKeysThatSaySomething) {
       {R"(X_Run.CSName="a",OSName="b")", "Run a b"},
       {R"(X_A.Name="say \"hi\", \\ you",Id="2")", R"(A say "hi", \ you 2)"},
       {R"(X_On.Antecedent="X_Disk.DeviceID=\"sda\"",Dependent="root/x:X_Part.DeviceID=\"sda1\"")",
-       "On Disk sda Part sda1"},
+       "On Disk sda, Part sda1"},
       {"X_Only", "X_Only"},
       {R"(X_A.Name="open)", R"(X_A.Name="open)"},
       {"", ""}};

@@ -55,5 +55,29 @@ TEST(Quantity, HasTheUnitThatPeopleRead) {
   for (const auto& [number, unit, text] : rows) EXPECT_EQ(FormatQuantity(number, unit), text);
 }
 
+TEST(Quantity, IsReadAsPeopleTypeIt) {
+  const struct {
+    const char* fText;
+    const char* fUnit;
+    std::optional<double> fNumber;
+  } rows[] = {{"100", "byte", 100},
+              {"100 GB", "byte", 100e9},
+              {"64gib", "byte * 2^10", 67108864},
+              {"1.5T", "byte", 1.5e12},
+              {"3.2GHz", "hertz * 10^6", 3200},
+              {"500 mA", "ampere * 10^-3", 500},
+              {"2h", "minute", 120},
+              {"18446744073709551615", "", 18446744073709551615.0},
+              {"100 GB", "hertz", std::nullopt},
+              {"GB", "byte", std::nullopt},
+              {"1-2", "byte", std::nullopt},
+              {"", "byte", std::nullopt}};
+  for (const auto& [text, unit, number] : rows) {
+    const auto parsed = ParseQuantity(text, unit);
+    EXPECT_EQ(parsed.has_value(), number.has_value()) << text;
+    EXPECT_DOUBLE_EQ(static_cast<double>(parsed.value_or(0)), number.value_or(0)) << text;
+  }
+}
+
 }  // namespace
 }  // namespace NVORNQDX20
