@@ -127,7 +127,10 @@ TEST_F(QDXCollect, GoesOnWithoutWhatFailsAndSaysSoInTheDocument) {
   EXPECT_PRED_FORMAT2(IsNotSubstring, "[Warning]", ReadWholeFile(log));
   const std::string logged = "\nPRQ_[Error] " + line + " [kQDXStatusAlreadyExists]\n";
   EXPECT_PRED_FORMAT2(IsSubstring, logged, ReadWholeFile(log));
-  const auto failures = fInstallation.Run({"show", file, "VORNSG_CollectionFailure"}).fOutput;
+  const auto failures =
+      fInstallation
+          .Run({"show", file, "VORNSG_CollectionFailure", "--properties=Operation,Provider,Reason"})
+          .fOutput;
   for (const std::string failure :
        {"loading\n      Provider   a\n      Reason     it is cut off\n",
         "opening\n      Provider   bad\n      Reason     the table is locked\n",

@@ -111,7 +111,8 @@ TEST_F(QDXMisbehavingPlugins, DeliverWhatADocumentCanHold) {
           x + ", the first: Strange\n");
   EXPECT_EQ(run.fExitCode, 3);
   for (const std::vector<std::string>& arguments :
-       {std::vector<std::string>{"show", x, "root/odd:Odd"}, {"show", "root/odd:Odd"}}) {
+       {std::vector<std::string>{"show", "--raw", x, "root/odd:Odd"},
+        {"show", "--raw", "root/odd:Odd"}}) {
     EXPECT_PRED_FORMAT2(IsSubstring,
                         "      Text      a\uFFFD\uFFFDb\n"
                         "      ToItself  Odd.Key=\"1\"\n"

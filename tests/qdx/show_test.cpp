@@ -23,7 +23,8 @@ TEST_F(QDXShow, GivesJSON) {
   const auto run = fInstallation.Run({"show", fDocument, "Sample_Many.Number=\"1\"", "--json"});
   const auto expected = nlohmann::ordered_json::parse(R"({"namespaces": [{
       "namespace": "root/sample", "provider": null, "classes": [{
-          "class": "Sample_Many", "instanceCount": 1, "instances": [{
+          "class": "Sample_Many", "instanceCount": 1, "types": {"Number": {"type": "uint32"},
+          "Text": {"type": "string"}, "UpTime": {"type": "uint32"}}, "instances": [{
               "path": "Sample_Many.Number=\"1\"",
               "properties": {"Number": 1, "Text": "xxx", "UpTime": 0}, "absent": {}}]}]}]})");
   EXPECT_EQ(run.fOutput, expected.dump(2) + "\n");
@@ -37,8 +38,9 @@ TEST_F(QDXShow, CutsATreeAtTheDepth) {
   for (int i = 0; i < 4; ++i) {
     tree += levels[i];
     const std::string depth = "--depth=" + std::to_string(i);
-    EXPECT_EQ(fInstallation.Run({"show", fDocument, path, depth}).fOutput, "root/sample" + tree);
-    EXPECT_EQ(fInstallation.Run({"show", "--provider=sample", depth, path}).fOutput,
+    EXPECT_EQ(fInstallation.Run({"show", fDocument, path, "--all", depth}).fOutput,
+              "root/sample" + tree);
+    EXPECT_EQ(fInstallation.Run({"show", "--provider=sample", "--all", depth, path}).fOutput,
               "root/sample  (provider sample)" + tree);
   }
   EXPECT_EQ(fInstallation.Run({"show", "--depth=0", fDocument, "Sample_Many"}).fOutput,
@@ -76,10 +78,106 @@ TEST_F(QDXShow, GivesTheReasonWhyAClassLacksInstances) {
   const std::string shown =
       fInstallation.Run({"show", "--root", root, "VORNSG_EthernetPort"}).fOutput;
   EXPECT_PRED_FORMAT2(::testing::IsSubstring, "VORNSG_EthernetPort  (1 instance)", shown);
-  EXPECT_EQ(shown.substr(shown.rfind("    -  (")), "    -  (" + reason + ")\n");
+  EXPECT_EQ(shown.substr(shown.rfind("    -  (")),
+            "    -  (" + reason + ")\n(left out: 3 keys; --all shows them)\n");
   const auto json = nlohmann::json::parse(
       fInstallation.Run({"show", "--root", root, "VORNSG_EthernetPort", "--json"}).fOutput);
   EXPECT_EQ(json["namespaces"][0]["classes"][0]["absent"], reason);
+}
+
+/// A machine with two thermometers.
+class QDXShowMachine : public ::testing::Test {
+ protected:
+  QDXShowMachine() {
+    fInstallation.AddLinuxProvider();
+    fFolder.Write("proc/sys/kernel/hostname", "srv1\n");
+    const std::string chip = "sys/class/hwmon/hwmon0/";
+    fFolder.Write(chip + "name", "chip\n");
+    fFolder.Write(chip + "temp1_input", "41500\n");
+    fFolder.Write(chip + "temp1_label", "CPU, \"hot\"\n");
+    fFolder.Write(chip + "temp2_input", "30000\n");
+  }
+
+  TProgramRun Show(std::vector<std::string> words) const {
+    words.insert(words.begin(), {"show", "--root", fFolder.Path().string()});
+    return fInstallation.Run(words);
+  }
+
+  const TInstallation fInstallation;
+  const TTempDir fFolder;
+};
+
+TEST_F(QDXShowMachine, IsForPeople) {
+  const std::string shown = Show({"numericSENSOR"}).fOutput;
+  EXPECT_PRED_FORMAT2(::testing::IsSubstring,
+                      "\n    NumericSensor hwmon0/chip/temp1\n      Name             ", shown);
+  EXPECT_PRED_FORMAT2(::testing::IsSubstring, "  41.5 \u00b0C\n", shown);
+  EXPECT_PRED_FORMAT2(::testing::IsSubstring, "  2 (Temperature)\n", shown);
+  EXPECT_PRED_FORMAT2(::testing::IsSubstring, "\n(left out: 6 keys; --all shows them)\n", shown);
+  EXPECT_PRED_FORMAT2(::testing::IsSubstring, "  41500\n",
+                      Show({"NumericSensor", "--raw"}).fOutput);
+}
+
+TEST_F(QDXShowMachine, PicksAndFilters) {
+  const std::pair<std::vector<std::string>, std::string> rows[] = {
+      {{"--properties", "currentreading,DeviceID", "--csv"},
+       "currentreading,DeviceID\r\n41500,hwmon0/chip/temp1\r\n30000,hwmon0/chip/temp2\r\n"},
+      {{"--properties=ElementName", "--csv", "--where", "Name=TEMP1"},
+       "ElementName\r\n\"CPU, \"\"hot\"\"\"\r\n"},
+      {{"--properties", "Name,CurrentReading", "--table", "--where=CurrentReading>=30000"},
+       "root/cimv2  (provider linux)\n  VORNSG_NumericSensor  (2 instances)\n"
+       "    Name   CurrentReading\n    temp1  41.5 \u00b0C\n    temp2  30 \u00b0C\n"},
+      {{"--properties", "Name", "--csv", "--where", "CurrentReading<40\u00b0C"},
+       "Name\r\ntemp2\r\n"},
+      {{"--properties", "Name", "--csv", "--where", "SensorType=temperature", "--where",
+        "Name!=temp2"},
+       "Name\r\ntemp1\r\n"},
+      {{"--properties", "Name", "--csv", "--where", "ElementName~hot"}, "Name\r\ntemp1\r\n"},
+      {{"--properties", "Name", "--csv", "--where", "ElementName="}, "Name\r\ntemp2\r\n"},
+      {{"--properties", "Name", "--where", "Name=x"},
+       "root/cimv2  (provider linux)\n  VORNSG_NumericSensor  (0 of 2 instances)\n"}};
+  for (auto [words, output] : rows) {
+    words.insert(words.begin(), "NumericSensor");
+    EXPECT_EQ(Show(words).fOutput, output) << words.back();
+  }
+}
+
+TEST_F(QDXShowMachine, CountsWhatItLeavesOut) {
+  const std::string shown = Show({}).fOutput;
+  const std::string last = shown.substr(shown.rfind('\n', shown.size() - 2) + 1);
+  EXPECT_EQ(last.substr(0, 11), "(left out: ");
+  for (const char* const kind : {" missing values", " keys", " associations", " explanations",
+                                 " classes without instances; --all shows them)"}) {
+    EXPECT_PRED_FORMAT2(::testing::IsSubstring, kind, last);
+  }
+  EXPECT_PRED_FORMAT2(::testing::IsNotSubstring, "VORNSG_UnavailableValue", shown);
+  const std::string all = Show({"--all"}).fOutput;
+  EXPECT_PRED_FORMAT2(::testing::IsSubstring, "\n  VORNSG_UnavailableValue  (", all);
+  EXPECT_PRED_FORMAT2(::testing::IsNotSubstring, "(left out", all);
+}
+
+TEST_F(QDXShowMachine, UnderstandsNamesOfClasses) {
+  const std::tuple<std::vector<std::string>, int, std::string> rows[] = {
+      {{"NumericSensr"},
+       4,
+       "looking for NumericSensr: no such class, instance or file; did you mean "
+       "'VORNSG_NumericSensor'?\n"},
+      {{"s"}, 4, "looking for s: several classes are called so: VORNSG_"},
+      {{"disk", "--where", "Sixe>1"},
+       4,
+       "looking for property Sixe: no class that is shown has it; did you mean 'Size'?\n"},
+      {{"disk", "--properties", "a,,b"}, 2, "option '--properties' needs names"},
+      {{"disk", "--where", "=3"}, 2, "option '--where' needs a property"},
+      {{"sensors", "--where", "CurrentReading>hot"},
+       2,
+       "option '--where' compares the number CurrentReading with 'hot'"},
+      {{"disk", "--csv", "--json"}, 2, "option '--json' cannot be used with '--csv'"},
+      {{"--csv"}, 2, "option '--csv' needs a class or an object path"}};
+  for (const auto& [words, exitCode, error] : rows) {
+    const TProgramRun run = Show(words);
+    EXPECT_EQ(run.fExitCode, exitCode) << run.fErrors;
+    EXPECT_PRED_FORMAT2(::testing::IsSubstring, "qdx: " + error, run.fErrors);
+  }
 }
 
 TEST_F(QDXShow, TellsAnAuthorOfTheMistake) {

@@ -6,6 +6,7 @@
 #include <qdxsystem/write.h>
 
 #include <cerrno>
+#include <cstddef>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -29,6 +30,17 @@ namespace {
 
 void WriteOutput(const std::string& text) {
   if (!WriteAll(STDOUT_FILENO, text)) FailToWrite(errno);
+}
+
+void TOutputBuffer::Add(const std::string& text) {
+  constexpr std::size_t kEnough = 65536;
+  fText += text;
+  if (fText.size() >= kEnough) Flush();
+}
+
+void TOutputBuffer::Flush() {
+  if (!fText.empty()) WriteOutput(fText);
+  fText.clear();
 }
 
 void CopyToOutput(int file) {

@@ -13,6 +13,18 @@ namespace NVORNQDX20 {
 /// pipe has gone.
 void WriteOutput(const std::string& text);
 
+/// Collects small texts and writes large ones.
+class TOutputBuffer {
+ public:
+  /// Throws what WriteOutput() throws.
+  void Add(const std::string& text);
+  /// Writes what is left. Throws what WriteOutput() throws.
+  void Flush();
+
+ private:
+  std::string fText;
+};
+
 /// Writes a whole file, from its start, to standard output. Throws what WriteOutput() throws.
 void CopyToOutput(int file);
 

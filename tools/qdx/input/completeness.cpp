@@ -52,14 +52,19 @@ bool LacksAllValues(const ICIMNamespace& ns) {
   return !isKnown && !NDescribe::ReadMissingReasons(ns).empty();
 }
 
+bool ReportLostInstances(const std::string& where, const TClassSnapshot& cimClass,
+                         const NDescribe::TMissingReasons& reasons) {
+  const auto* const reason = FindLoss(cimClass, reasons);
+  if (reason == nullptr) return false;
+  PrintError("describing " + cimClass.fName + " of " + where + ": " + *reason);
+  return true;
+}
+
 bool ReportLostInstances(const std::string& where, const std::vector<TClassSnapshot>& classes,
                          const NDescribe::TMissingReasons& reasons) {
   bool any = false;
   for (const TClassSnapshot& cimClass : classes) {
-    const auto* const reason = FindLoss(cimClass, reasons);
-    if (reason == nullptr) continue;
-    PrintError("describing " + cimClass.fName + " of " + where + ": " + *reason);
-    any = true;
+    if (ReportLostInstances(where, cimClass, reasons)) any = true;
   }
   return any;
 }

@@ -16,8 +16,11 @@ namespace NVORNQDX20 {
 /// only values are the names of classes and what describes the tool.
 bool LacksAllValues(const ICIMNamespace& ns);
 
-/// Prints a line for each class that lacks instances which the machine may have, "describing CLASS
-/// of WHERE: reason". Returns whether there is such a class.
+/// Prints a line if the class lacks instances which the machine may have, "describing CLASS of
+/// WHERE: reason". Returns whether it does.
+bool ReportLostInstances(const std::string& where, const TClassSnapshot& cimClass,
+                         const NDescribe::TMissingReasons& reasons);
+/// The same for each class. Returns whether there is such a class.
 bool ReportLostInstances(const std::string& where, const std::vector<TClassSnapshot>& classes,
                          const NDescribe::TMissingReasons& reasons);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "show_request.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
@@ -66,8 +67,48 @@ EView ViewOf(const TArguments& arguments) {
     view = its;
   }
   if (view == EView::kMOF && arguments.Has("json")) refuse("json");
-  if (chosen != nullptr && !IsWalk(view) && arguments.Has("depth")) refuse("depth");
+  if (chosen == nullptr || IsWalk(view)) return view;
+  for (const char* const other : {"depth", "table", "csv", "where", "properties", "raw", "all"}) {
+    if (arguments.Has(other)) refuse(other);
+  }
   return view;
+}
+
+EForm FormOf(const TArguments& arguments) {
+  static constexpr std::pair<const char*, EForm> kForms[] = {
+      {"json", EForm::kJSON}, {"table", EForm::kTable}, {"csv", EForm::kCSV}};
+  const char* chosen = nullptr;
+  EForm form = EForm::kText;
+  for (const auto& [option, its] : kForms) {
+    if (!arguments.Has(option)) continue;
+    if (chosen != nullptr) {
+      FailOnUsage(std::string("option '--") + chosen + "' cannot be used with '--" + option + "'");
+    }
+    chosen = option;
+    form = its;
+  }
+  const bool isTable = form == EForm::kTable || form == EForm::kCSV;
+  if (isTable && arguments.Has("depth")) {
+    FailOnUsage(std::string("option '--") + chosen + "' cannot be used with '--depth'");
+  }
+  return form;
+}
+
+/// Splits the names at their commas.
+std::vector<std::string> PropertiesOf(const TArguments& arguments) {
+  std::vector<std::string> names;
+  for (const std::string& list : arguments.GetAll("properties")) {
+    for (std::size_t start = 0; start <= list.size();) {
+      const std::size_t end = std::min(list.find(',', start), list.size());
+      const std::size_t first = std::min(list.find_first_not_of(' ', start), end);
+      std::string name = list.substr(first, end - first);
+      name.erase(name.find_last_not_of(' ') + 1);
+      if (name.empty()) FailOnUsage("option '--properties' needs names with commas between them");
+      names.push_back(std::move(name));
+      start = end + 1;
+    }
+  }
+  return names;
 }
 
 /// A walk takes [FILE] PATH [CLASS], the other views [FILE] [ELEMENT].
@@ -91,6 +132,9 @@ void CheckElement(const TRequest& request) {
   if (IsWalk(request.fView) && !isInstance) {
     FailOnUsage("options '--associators' and '--references' need the object path of an instance");
   }
+  if (request.fForm == EForm::kCSV && request.fElement.fText.empty()) {
+    FailOnUsage("option '--csv' needs a class or an object path");
+  }
   if (request.fView != EView::kContents && !IsWalk(request.fView) && isInstance) {
     FailOnUsage("options '--schema', '--mof' and '--tree' need a class, not an object path");
   }
@@ -101,12 +145,19 @@ void CheckElement(const TRequest& request) {
 TRequest RequestOf(const TArguments& arguments) {
   TRequest request;
   request.fView = ViewOf(arguments);
-  request.fDepth = DepthOf(arguments.Get("depth", "3"));
+  request.fForm = FormOf(arguments);
+  request.fStyle.fDepth = DepthOf(arguments.Get("depth", "3"));
+  request.fStyle.fProperties = PropertiesOf(arguments);
+  request.fStyle.fIsRaw = arguments.Has("raw");
+  request.fStyle.fShowsAll = arguments.Has("all");
+  for (const std::string& each : arguments.GetAll("where")) request.fConditions.emplace_back(each);
   SetOperands(arguments.fOperands, request);
   CheckElement(request);
   if (!request.fFile.empty()) RefuseOptionsWithFile(arguments);
   return request;
 }
+
+bool IsShortName(const std::string& className) { return className.find('_') == std::string::npos; }
 
 std::optional<std::vector<std::string>> ShownInstancesOf(const TRequest& request) {
   using TClasses = std::vector<std::string>;
@@ -116,14 +167,23 @@ std::optional<std::vector<std::string>> ShownInstancesOf(const TRequest& request
       request.fView == EView::kContents && CanNameElement(request.fElement.fText);
   if (!isElement) return std::nullopt;
   const std::string& path = request.fElement.fPath;
-  return TClasses{path.substr(0, EndOfName(path))};
+  const std::string name = path.substr(0, EndOfName(path));
+  // What is meant by a short name is not known before the classes are.
+  if (IsShortName(name)) return std::nullopt;
+  return TClasses{name};
 }
 
 std::vector<TOptionSpec> ShowOptions() {
   std::vector<TOptionSpec> options = BesideFile(TMachine::Options());
   options.push_back(
       {"depth", "N", "Stop at namespaces (0), classes (1), instances (2) or values (3)."});
-  options.push_back({"json", nullptr, "Print one JSON object."});
+  options.push_back({"where", "CONDITION", "Show instances with this value: 'Size>100GB'."});
+  options.push_back({"properties", "NAMES", "Show only these properties, in this order."});
+  options.push_back({"table", nullptr, "Show each class as a table."});
+  options.push_back({"csv", nullptr, "Print one table as CSV, with bare values."});
+  options.push_back({"json", nullptr, "Print one JSON object, with bare values."});
+  options.push_back({"raw", nullptr, "Show values without units and names."});
+  options.push_back({"all", nullptr, "Show also keys, associations and what is missing."});
   options.push_back({"schema", nullptr, "Show the declaration of a class, or of all."});
   options.push_back({"mof", nullptr, "Print declarations as MOF text."});
   options.push_back({"tree", nullptr, "Show the tree of classes."});

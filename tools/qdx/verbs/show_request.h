@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include <qdxsnapshot/snapshot.h>
-
 #include "cli/arguments.h"
+#include "format/condition.h"
+#include "format/contents_format.h"
 
 namespace NVORNQDX20 {
 
@@ -33,17 +33,25 @@ enum class EView { kContents, kSchema, kMOF, kTree, kAssociators, kReferences };
 
 inline bool IsWalk(EView view) { return view == EView::kAssociators || view == EView::kReferences; }
 
+/// How to print it.
+enum class EForm { kText, kTable, kCSV, kJSON };
+
 /// The request of the command line.
 struct TRequest {
   EView fView = EView::kContents;
   std::string fFile;  ///< Empty for the live machine.
   TElementName fElement{""};
   std::string fClass;  ///< The class to which a walk is limited; empty for all.
-  EDepth fDepth = kValues;
+  EForm fForm = EForm::kText;
+  TContentsStyle fStyle;
+  std::vector<TCondition> fConditions;  ///< All have to match.
 };
 
 /// Throws a TCommandFailure for options and operands that contradict each other.
 TRequest RequestOf(const TArguments& arguments);
+
+/// Returns whether the name of a class has no prefix, so that it may be a shorter one.
+bool IsShortName(const std::string& className);
 
 /// Returns the classes of which instances can be shown; nothing for all.
 std::optional<std::vector<std::string>> ShownInstancesOf(const TRequest& request);
