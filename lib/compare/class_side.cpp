@@ -140,7 +140,7 @@ bool TClassSide::IsLeftOut() const {
 }
 
 bool TClassSide::ExplainsLeftOut() const {
-  if (fLeftOut.fParts.empty()) return false;
+  if (fLeftOut.fParts.empty() && fLeftOut.fClasses.empty()) return false;
   const std::string owner = NModel::Folded(TextOfCurrent("classname"));
   const std::string reason = TextOfCurrent("reason");
   // The missing part can be the reason why there are none, or fewer.

@@ -29,11 +29,36 @@ void SortByName(std::vector<TNamed<T>>& elements) {
                    [](const auto& one, const auto& other) { return one.fFolded < other.fFolded; });
 }
 
+/// Calls `visit(const TClass&)` for each class of a namespace.
+template <typename TVisit>
+void ForEachClass(const ICIMNamespace& ns, const TVisit& visit) {
+  ns.EnumerateClasses(
+      [&visit](const TClass& root) {
+        for (const TClass& each : NModel::WithSubclasses(root)) visit(each);
+        return true;
+      },
+      {});
+}
+
+/// Leaves out whole classes that are ignored, and so what refers to their instances.
+void LeaveOutIgnored(const std::vector<TComparedNamespace>& namespaces,
+                     TComparisonOptions& options) {
+  for (const TIgnored& ignored : options.fIgnored) {
+    if (!ignored.fProperty.empty()) continue;
+    for (const TComparedNamespace& ns : namespaces) {
+      ForEachClass(*ns.fNamespace, [&](const TClass& each) {
+        const std::string& name = each->GetName({});
+        if (NamesClass(ignored, name)) options.fLeftOut.fClasses.insert(NModel::Folded(name));
+      });
+    }
+  }
+}
+
 const auto kByName = [](const auto& element) -> const std::string& { return element.fFolded; };
 
 class TComparison {
  public:
-  explicit TComparison(const TComparisonOptions& options) : fOptions(options) {}
+  explicit TComparison(TComparisonOptions options) : fOptions(std::move(options)) {}
 
   // One of `a` and `b` may be null.
   void CompareNamespaces(const TComparedNamespace* a, const TComparedNamespace* b);
@@ -41,9 +66,8 @@ class TComparison {
 
  private:
   std::vector<TNamed<TClass>> ClassesOf(const TSide& side) const;
-  bool IsCompared(const std::string& className) const;
 
-  const TComparisonOptions& fOptions;
+  const TComparisonOptions fOptions;
   TFindings fFindings;
   std::vector<std::unique_ptr<const TSide>> fSides;
 };
@@ -76,25 +100,14 @@ void TComparison::CompareNamespaces(const TComparedNamespace* a, const TCompared
 std::vector<TNamed<TClass>> TComparison::ClassesOf(const TSide& side) const {
   std::vector<TNamed<TClass>> classes;
   if (!side.fNamespace.fNamespace) return classes;
-  side.fNamespace.fNamespace->EnumerateClasses(
-      [&](const TClass& root) {
-        for (const TClass& each : NModel::WithSubclasses(root)) {
-          const std::string& name = each->GetName({});
-          if (IsCompared(name)) classes.push_back({NModel::Folded(name), each});
-        }
-        return true;
-      },
-      {});
+  ForEachClass(*side.fNamespace.fNamespace, [&](const TClass& each) {
+    std::string folded = NModel::Folded(each->GetName({}));
+    if (fOptions.fLeftOut.fClasses.count(folded) == 0) {
+      classes.push_back({std::move(folded), each});
+    }
+  });
   SortByName(classes);
   return classes;
-}
-
-bool TComparison::IsCompared(const std::string& className) const {
-  return fOptions.fLeftOut.fClasses.count(NModel::Folded(className)) == 0 &&
-         std::none_of(fOptions.fIgnored.begin(), fOptions.fIgnored.end(),
-                      [&className](const TIgnored& each) {
-                        return each.fProperty.empty() && NamesClass(each, className);
-                      });
 }
 
 std::vector<TDifference> TComparison::Finish() {
@@ -127,7 +140,10 @@ bool NamesClass(const TIgnored& ignored, const std::string& className) {
 std::vector<TDifference> Compare(const std::vector<TComparedNamespace>& a,
                                  const std::vector<TComparedNamespace>& b,
                                  const TComparisonOptions& options) {
-  TComparison comparison(options);
+  TComparisonOptions effective = options;
+  LeaveOutIgnored(a, effective);
+  LeaveOutIgnored(b, effective);
+  TComparison comparison(std::move(effective));
   const auto elementOf = [](const auto* named) {
     return named == nullptr ? nullptr : named->fElement;
   };

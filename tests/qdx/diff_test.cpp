@@ -75,7 +75,6 @@ TEST_F(QDXDiff, NamesWhatDiffers) {
   EXPECT_EQ(differences[3]["old"], nullptr);
   EXPECT_EQ(differences[3]["new"], "5");
   EXPECT_EQ(differences[4]["property"], "UpTime");
-  EXPECT_EQ(differences[4]["device"], "Disk.Id=\"1\"");
 }
 
 TEST_F(QDXDiff, ShowsDevicesWithTheirPartsAndConsequences) {
@@ -116,6 +115,14 @@ TEST_F(QDXDiff, ShowsDevicesWithTheirPartsAndConsequences) {
             "    ~ Size   5 -> 6\n"
             "    + DiskPartition sda2  (with 1 association)\n")
       << run.fErrors;
+  const auto json = nlohmann::json::parse(
+      fInstallation.Run({"diff", a, b, "--across-hosts", "--json"}).fOutput)["differences"];
+  EXPECT_EQ(json[0]["follows"], json[3]["path"]);
+  EXPECT_EQ(json[3]["device"], json[1]["path"]);
+  EXPECT_EQ(
+      fInstallation.Run({"diff", a, b, "--across-hosts", "--summary", "--ignore=diskpartition"})
+          .fOutput,
+      "1 changed in 1 device\n");
   const TProgramRun plain = fInstallation.Run({"diff", a, b, "--summary"});
   EXPECT_EQ(plain.fOutput, "3 added, 2 removed in 2 devices\n");
   EXPECT_EQ(

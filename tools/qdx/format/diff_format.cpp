@@ -41,7 +41,9 @@ TJSON AsJSON(const TDifference& difference) {
                 {"namespace", difference.fNamespace}};
   if (difference.fElement == TDifference::kNamespace) return json;
   json[IsOfInstance(difference) ? "path" : "class"] = difference.fOwner;
-  if (IsOfInstance(difference)) json["device"] = difference.fDevice;
+  if (difference.fDevice != difference.fOwner && IsOfInstance(difference)) {
+    json["device"] = difference.fDevice;
+  }
   if (!difference.fFollows.empty()) json["follows"] = difference.fFollows;
   if (difference.fChange == TDifference::kUnknown) json["reason"] = difference.fReason;
   if (!HasOldAndNew(difference)) return json;
