@@ -11,7 +11,8 @@ function heading(text, ...after) {
 }
 
 function classLink(cimClass, text = cimClass.label) {
-  return element("a", { href: `#class-${contents.classes.indexOf(cimClass)}` }, text);
+  const address = `#class-${contents.classes.indexOf(cimClass)}`;
+  return element("a", { href: address }, shortened(text));
 }
 
 function facts(pairs) {
@@ -24,8 +25,8 @@ function facts(pairs) {
 function classView(cimClass) {
   const ns = contents.namespaces[cimClass.namespace];
   const parts = [
-    heading(cimClass.label),
-    element("p", { class: "origin" }, `${ns}: ${cimClass.name}`,
+    heading(shortened(cimClass.label)),
+    element("p", { class: "origin" }, `${ns}: `, longText(cimClass.name),
             cimClass.superclass ? `, a ${cimClass.superclass}` : ""),
   ];
   if (cimClass.missing !== undefined) {
@@ -155,7 +156,11 @@ function missingView() {
       },
       { title: "Instance", cell: (row) => row[2] || (row[3] ? "all" : "") },
       { title: "Property", cell: (row) => row[3] || "instances" },
-      { title: "Reason", cell: (row) => contents.texts[row[4]] },
+      {
+        title: "Reason",
+        cell: (row) => contents.texts[row[4]],
+        show: (row) => longText(contents.texts[row[4]]),
+      },
       { title: "Kind", cell: (row) => (row[5] ? "error" : "not there") },
     ],
     rows);

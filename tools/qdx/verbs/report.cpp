@@ -42,6 +42,17 @@ TNamespaces NamespacesOfMachine(const TArguments& arguments, bool& incomplete) {
   return namespaces;
 }
 
+/// Prints a line for each class that lacks instances. Returns whether there is such a class.
+bool HasLoss(const TNamespaces& namespaces) {
+  bool any = false;
+  for (const auto& ns : namespaces) {
+    std::vector<TClassSnapshot> classes;
+    TSnapshotReader(*ns, kClasses, classes).ReadAll();
+    any = ReportLostInstances(ns->GetName({}), classes, NDescribe::ReadMissingReasons(*ns)) || any;
+  }
+  return any;
+}
+
 EExitCode RunReport(const TArguments& arguments) {
   if (!arguments.Has("output")) FailOnUsage("option '--output' is missing");
   const std::string file = arguments.GetOperand(0);
@@ -49,6 +60,7 @@ EExitCode RunReport(const TArguments& arguments) {
   bool incomplete = false;
   const TNamespaces namespaces = file.empty() ? NamespacesOfMachine(arguments, incomplete)
                                               : OpenDocument(file, arguments, incomplete);
+  incomplete = HasLoss(namespaces) || incomplete;
   WriteWholeFile(MakeReport(namespaces), arguments.Get("output", ""));
   return incomplete ? kExitPartlyDone : kExitDone;
 }
