@@ -47,6 +47,22 @@ TEST_F(QDXReport, DescribesMachinesAndDocuments) {
   EXPECT_NE(text.find("\"namespaces\":[\"root/cimv2\",\"root/qdx\"]"), std::string::npos);
 }
 
+TEST_F(QDXReport, HasDifferences) {
+  const std::string a = PathOf("a.xml");
+  const std::string b = PathOf("b.xml");
+  fQDX.Run({"collect", "--root", PathOf("machine"), "-o", a});
+  fFolder.Write("machine/etc/os-release", "ID=debian\nPRETTY_NAME='<b>new</b>'\n");
+  fQDX.Run({"collect", "--root", PathOf("machine"), "-o", b});
+  const auto run = fQDX.Run({"diff", a, b, "--html", PathOf("page.html")});
+  EXPECT_EQ(run.fExitCode, 1) << run.fErrors;
+  EXPECT_EQ(run.fOutput, PathOf("page.html") + "\n");
+  const std::string page = ReadWholeFile(PathOf("page.html"));
+  EXPECT_NE(page.find("&lt;b&gt;new&lt;/b&gt;"), std::string::npos);
+  const auto same = fQDX.Run({"diff", a, a, "--html", "-"});
+  EXPECT_EQ(same.fExitCode, 0) << same.fErrors;
+  EXPECT_NE(same.fOutput.find("<p>no differences</p>"), std::string::npos);
+}
+
 TEST_F(QDXReport, SaysWhatIsWrong) {
   struct TRow {
     std::vector<std::string> fWords;
@@ -68,6 +84,9 @@ TEST_F(QDXReport, SaysWhatIsWrong) {
        "its folder does not exist"},
       {{"report", "--root", machine, "-o", machine}, 4, "Is a directory"},
       {{"report", "--root", machine, "-o", "/dev/full"}, 4, "No space left on device"},
+      {{"diff", "a", "b", "--html", "-", "--json"},
+       2,
+       "option '--json' cannot be used with '--html'"},
       {{"collect", "--root", machine, "--consumer", "html", "-o", "/dev/full"},
        4,
        "No space left on device"}};

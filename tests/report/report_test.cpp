@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <qdxreport/diff_report.h>
 #include <qdxreport/report.h>
 
 #include <qdxdescribe/missing_values.h>
@@ -87,6 +88,43 @@ TEST(Report, AllowsNoScriptButItsOwn) {
   ASSERT_NE(policy, std::string::npos);
   EXPECT_EQ(page.find("unsafe"), std::string::npos);
   EXPECT_LT(policy, page.find("<style>"));
+}
+
+TEST(DiffReport, GroupsByDeviceAndEscapes) {
+  const auto declaration = std::make_shared<TPropertySnapshot>();
+  declaration->fName = "Size";
+  declaration->fType = "uint64";
+  declaration->fUnit = "byte";
+  const std::string disk = "X_Disk.Id=\"<a>\"";
+  TDifference size{
+      TDifference::kValue, TDifference::kChanged, "test", disk, "Size", "512000000000", nullptr};
+  size.fOldDeclaration = size.fNewDeclaration = declaration;
+  size.fDevice = disk;
+  TDifference gone{TDifference::kInstance, TDifference::kRemoved, "test", "X_Tie.Id=1", "", {}, {}};
+  gone.fDevice = gone.fFollows = disk;
+  const TDifference added{TDifference::kClass, TDifference::kAdded, "test", "X_New<", "", {}, {}};
+  const std::string text(1 << 20, '<');
+  const TDifference other{TDifference::kDeclaration,
+                          TDifference::kUnknown,
+                          "test",
+                          "X_Disk",
+                          "Text",
+                          "\u202e",
+                          text,
+                          "\0why"s};
+  const std::string page = MakeDiffReport("<old>", "new", "2 changed", {size, gone, added, other});
+  const char* const expected[] = {"<h1>&lt;old&gt; \u2192 new</h1><p>2 changed</p>",
+                                  "<h2>Disk &lt;a&gt;</h2>",
+                                  "<td class=\"text\">512 GB</td><td class=\"text\">\u2013</td>",
+                                  "<summary>1 consequence</summary>",
+                                  "X_New&lt;",
+                                  "[U+202E]",
+                                  "[U+0000]why",
+                                  "\u2026 (1046576 more bytes)",
+                                  "script-src 'none'"};
+  for (const char* const each : expected) EXPECT_NE(page.find(each), std::string::npos) << each;
+  EXPECT_EQ(page.find("<script"), std::string::npos);
+  EXPECT_LT(page.size(), 50000U);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <qdxmodel/attempt.h>
 #include <qdxmodel/classes.h>
 #include <qdxmodel/names.h>
+#include <qdxreport/diff_report.h>
 
 #include <algorithm>
 #include <optional>
@@ -12,6 +13,7 @@
 
 #include "cli/failure.h"
 #include "cli/output.h"
+#include "cli/whole_file.h"
 #include "format/diff_format.h"
 #include "input/completeness.h"
 #include "input/diff_parts.h"
@@ -123,8 +125,22 @@ TComparisonOptions OptionsOf(const TArguments& arguments, std::vector<TIgnored> 
   return options;
 }
 
+void CheckHTML(const TArguments& arguments) {
+  if (!arguments.Has("html")) return;
+  for (const char* const option : {"json", "summary", "raw"}) {
+    if (arguments.Has(option)) {
+      FailOnUsage(std::string("option '--") + option + "' cannot be used with '--html'");
+    }
+  }
+}
+
 void Write(const std::vector<TDifference>& differences, const TArguments& arguments) {
-  if (arguments.Has("json")) {
+  if (arguments.Has("html")) {
+    const std::string summary = FormatSummary(SummaryOf(differences));
+    WriteWholeFile(
+        MakeDiffReport(arguments.GetOperand(0), arguments.GetOperand(1), summary, differences),
+        arguments.Get("html", ""));
+  } else if (arguments.Has("json")) {
     TJSON json = {{"a", arguments.GetOperand(0)}, {"b", arguments.GetOperand(1)}};
     const bool isSummary = arguments.Has("summary");
     json[isSummary ? "summary" : "differences"] =
@@ -143,6 +159,7 @@ EExitCode RunDiff(const TArguments& arguments) {
   if (a == "-" && b == "-") {
     FailOnUsage("only one of the two can be standard input");
   }
+  CheckHTML(arguments);
   std::vector<TIgnored> ignored;
   for (const std::string& text : arguments.GetAll("ignore")) ignored.push_back(ParseIgnored(text));
   bool incomplete = false;
@@ -174,6 +191,7 @@ TVerb DiffVerb() {
       {{"across-hosts", nullptr, "Let the name of one machine count as that of the other."},
        {"ignore", "NAME", "Leave out CLASS or CLASS.PROPERTY; can be given again."},
        {"summary", nullptr, "Only count the differences, in one line."},
+       {"html", "FILE", "Write an HTML page; '-' is standard output."},
        {"raw", nullptr, "Show whole object paths and values without units."},
        {"schema", nullptr, "Also compare qualifiers and methods."},
        {"memory", "MIB", "Let a document use so much memory (half of all by default)."},
