@@ -59,8 +59,7 @@ std::string NameOf(const TDifference& difference) {
 }
 
 THTML Change(const TDifference& difference) {
-  THTML word =
-      TextElement("strong", kStyles[difference.fChange], kChanges[difference.fChange]);
+  THTML word = TextElement("strong", kStyles[difference.fChange], kChanges[difference.fChange]);
   if (difference.fReason.empty()) return word;
   return word + " " + TextElement("span", "quiet", Cut(difference.fReason));
 }
