@@ -372,6 +372,8 @@ const char* SecretName(ESecret secret) {
       return "user";
     case ESecret::kCommandLine:
       return "command line";
+    case ESecret::kMountSource:
+      return "mount source";
   }
   return "";
 }

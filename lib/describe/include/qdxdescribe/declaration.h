@@ -24,7 +24,15 @@ inline constexpr const char* kSecretQualifier = "VORNSG_Secret";
 inline constexpr const char* kPartQualifier = "VORNSG_Part";
 
 /// What gives away something about a machine or its users.
-enum class ESecret { kNone, kSerial, kHostName, kAddress, kUser, kCommandLine };
+enum class ESecret {
+  kNone,
+  kSerial,
+  kHostName,
+  kAddress,
+  kUser,
+  kCommandLine,
+  kMountSource,  ///< May hold addresses, names of hosts and UUIDs; "/dev/sda1" is no secret.
+};
 
 /// Returns the value of kSecretQualifier, for example "serial"; empty for kNone.
 const char* SecretName(ESecret secret);

@@ -56,7 +56,8 @@ TClass DiskPartitionClass() {
         FromUdev("ID_PART_ENTRY_TYPE")},
        {"PartitionType", "Which kind of entry of a DOS table it is.", ReadPartitionType,
         TEnumeration{{0, "Unknown"}, {1, "Primary"}, {2, "Extended"}, {3, "Logical"}}},
-       {"PartitionUUID", "The UUID of the entry in the table.", FromUdev("ID_PART_ENTRY_UUID")},
+       {"PartitionUUID", "The UUID of the entry in the table.", FromUdev("ID_PART_ENTRY_UUID"),
+        ESecret::kSerial},
        {"PartitionLabel", "The name in the table.", DecodedFromUdev("ID_PART_ENTRY_NAME")},
        {"Bootable", "Whether the table marks it as active.", ReadBootable}}}
       .DerivedFrom(StorageExtentTable());

@@ -82,7 +82,7 @@ TClass FileSystemClass() {
        {"CSName", "The name of the machine.", &THost::GetNameAsKey, kKey, ESecret::kHostName},
        {"CreationClassName", "The name of this class.", kClassName, kKey},
        {"Name", "Where it is mounted.", &TFileSystem::fName, kKey},
-       {"Device", "What is mounted.", DeviceOf},
+       {"Device", "What is mounted.", DeviceOf, ESecret::kMountSource},
        {"FileSystemType", "Its type, as in \"ext4\".",
         [](const TFileSystem& each) { return PrintableText(each.fMount.fType); }},
        {"ReadOnly", "Whether it refuses to be written.",
@@ -98,11 +98,13 @@ TClass FileSystemClass() {
         "device, the same as Device.",
         [](const TFileSystem& each) {
           return each.fDevice == nullptr ? DeviceOf(each) : each.fDevice->GetPath();
-        }},
+        },
+        ESecret::kMountSource},
        {"MountOptions", "The options of the mount and of the file system.",
         [](const TFileSystem& each) {
           return OptionsWithoutCredentials(PrintableText(each.fMount.fOptions));
-        }},
+        },
+        ESecret::kMountSource},
        {"MountedFolder",
         "The folder of the file system that is mounted: not \"/\" for a bind mount or a "
         "subvolume.",

@@ -53,7 +53,7 @@ TClass LogicalDiskClass() {
       {{"ElementName", "The name that the device mapper has for it, as in \"vg0-root\".",
         &TBlockDevice::fMapperName},
        {"MapperUUID", "By which the device mapper knows it; begins with the kind.",
-        &TBlockDevice::fMapperUUID},
+        &TBlockDevice::fMapperUUID, ESecret::kSerial},
        {"VolumeGroup", "The group that a logical volume is in.",
         VolumePart(&TLogicalVolume::fGroup)},
        {"LogicalVolume", "The name of a logical volume in its group.",

@@ -109,7 +109,8 @@ THostTable<TExtent> StorageExtentTable() {
         }},
        {"ContentType", "What udev found in it, as in \"ext4\", \"LVM2_member\" or \"swap\".",
         FromUdev("ID_FS_TYPE")},
-       {"ContentUUID", "The UUID of what udev found in it.", FromUdev("ID_FS_UUID")},
+       {"ContentUUID", "The UUID of what udev found in it.", FromUdev("ID_FS_UUID"),
+        ESecret::kSerial},
        {"ContentLabel", "The label of what udev found in it.", DecodedFromUdev("ID_FS_LABEL_ENC")}}}
       .DerivedFrom(LogicalDeviceTable());
 }

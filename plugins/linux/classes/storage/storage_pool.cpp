@@ -53,7 +53,7 @@ TClass StoragePoolClass() {
       ListPools,
       {{"InstanceID", "Tells the group from others.", PoolIDOf, kKey},
        {"PoolID", "The name of the group.", &TVolumeGroup::fName},
-       {"UUID", "By which LVM knows the group.", &TVolumeGroup::fUUID},
+       {"UUID", "By which LVM knows the group.", &TVolumeGroup::fUUID, ESecret::kSerial},
        {"Active", "Whether the kernel has a volume of it now.", &TKnownGroup::fIsActive},
        {"Status", "What may be done with it, as in \"READ\", \"WRITE\" and \"RESIZEABLE\".",
         &TVolumeGroup::fStatus},

@@ -142,7 +142,7 @@ TClass StorageVolumeClass() {
         FileNumber("md/chunk_size"), TUnit{"byte"}},
        {"MetadataVersion", "The format of the superblocks of its members.",
         FileLine("md/metadata_version")},
-       {"UUID", "The UUID of the array.", FileLine("md/uuid")}}}
+       {"UUID", "The UUID of the array.", FileLine("md/uuid"), ESecret::kSerial}}}
       .DerivedFrom(StorageExtentTable());
 }
 
