@@ -14,17 +14,18 @@
 #include <cstddef>
 #include <ctime>
 #include <filesystem>
+#include <optional>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "cli/new_file.h"
 #include "cli/output.h"
-#include "cli/whole_file.h"
 #include "input/completeness.h"
 #include "input/document.h"
+#include "input/document_file.h"
 #include "input/machine.h"
 #include "input/record.h"
+#include "input/redaction.h"
 #include "input/worker_options.h"
 #include "verbs.h"
 
@@ -174,9 +175,11 @@ std::string DefaultName(const std::string& hostName) {
 /// Collects namespaces and writes the document.
 class TCollection {
  public:
-  TCollection(TMachine& machine, TPluginWriter& writer)
+  /// `redaction` is null for a document with all values as they are.
+  TCollection(TMachine& machine, TPluginWriter& writer, TDocumentRedaction* redaction)
       : fMachine(machine),
         fWriter(writer),
+        fRedaction(redaction),
         fNamespaces(TakeNamespaces(machine)),
         fHostName(HostName(fNamespaces, machine.GetRoot())) {
     if (fNamespaces.empty()) FailToCollect(machine, "no provider has data");
@@ -184,6 +187,7 @@ class TCollection {
     if (std::all_of(fNamespaces.begin(), fNamespaces.end(), lacksAll)) {
       FailToCollect(machine, "all values are missing; 'qdx show' gives the reasons");
     }
+    if (fRedaction != nullptr) fRedaction->Learn(NamespacesAndRecord(), "the machine");
   }
 
   /// Returns whether the document lacks instances that the machine may have. Says which.
@@ -200,7 +204,8 @@ class TCollection {
 
   /// Publishes the document under a name that no file has yet.
   void WriteByDefaultName() {
-    const std::string name = DefaultName(fHostName);
+    const std::string name =
+        DefaultName(fRedaction == nullptr ? fHostName : fRedaction->Redact(fHostName));
     std::string file = name + kDefaultSuffix;
     TNewFile newFile(".", kDefaultSuffix, file);
     Write(newFile.GetPath(), file);
@@ -211,21 +216,9 @@ class TCollection {
   }
 
   void WriteTo(const std::string& file) {
-    if (file == "-") {
-      Write(file, "standard output");
-      fWriter.RequireContents(file, "standard output");
-      return CopyToOutput(fWriter.GetOutput());
-    }
-    // Consumers may select the format by the suffix.
-    const std::size_t dot = std::min(file.rfind('.'), file.size());
-    const std::string suffix = file.find('/', dot) == std::string::npos ? file.substr(dot) : "";
-    if (!IsReplaceable(file)) return WriteInto(file, suffix);
-    const fs::path path = fs::absolute(FileToReplace(file));
-    TNewFile newFile(path.parent_path().string(), suffix, file);
-    Write(newFile.GetPath(), file);
-    fWriter.RequireContents(newFile.GetPath(), file);
-    newFile.Publish(path.string());
-    WriteFileName(file);
+    WriteDocument(file, fWriter, [this](const std::string& path, const std::string& shownAs) {
+      Write(path, shownAs);
+    });
   }
 
  private:
@@ -238,23 +231,18 @@ class TCollection {
     return all;
   }
 
+  TNamespaceList NamespacesToWrite() const {
+    TNamespaceList all = NamespacesAndRecord();
+    return fRedaction == nullptr ? all : fRedaction->Redact(all);
+  }
+
   /// Leaves out a namespace that the consumer refuses, and starts the document again.
   void Write(const std::string& file, const std::string& shownAs) {
-    while (const auto refusal = fWriter.Write(NamespacesAndRecord(), file, shownAs)) {
+    while (const auto refusal = fWriter.Write(NamespacesToWrite(), file, shownAs)) {
       LeaveOut(*refusal, shownAs);
       if (fNamespaces.empty()) FailToCollect(fMachine, "the consumer refuses every namespace");
       if (file != "-") fs::resize_file(file, 0);
     }
-  }
-
-  /// For devices and pipes, which a file cannot replace: they get what is complete. That is nothing
-  /// if the consumer sends the data elsewhere, and the operator gives /dev/null.
-  void WriteInto(const std::string& file, const std::string& suffix) {
-    std::error_code error;
-    const fs::path folder = fs::temp_directory_path(error);
-    const TNewFile newFile(error ? "/tmp" : folder.string(), suffix, file);
-    Write(newFile.GetPath(), file);
-    CopyToFile(newFile.GetPath(), file);
   }
 
   void LeaveOut(const TProviderFailure& refusal, const std::string& shownAs) {
@@ -271,6 +259,7 @@ class TCollection {
 
   TMachine& fMachine;
   TPluginWriter& fWriter;
+  TDocumentRedaction* const fRedaction;
   TNamespaceList fNamespaces;
   const std::string fHostName;
 };
@@ -280,15 +269,22 @@ EExitCode RunCollect(const TArguments& arguments) {
   if (consumer != TPluginWriter::kDefaultConsumer && !arguments.Has("output")) {
     FailOnUsage("option '--consumer' needs option '--output'");
   }
+  std::optional<TDocumentRedaction> redaction;
+  if (arguments.Has("redact")) redaction.emplace(arguments);
+  for (const TOptionSpec& option : RedactionOptions()) {
+    if (redaction || !arguments.Has(option.fName)) continue;
+    FailOnUsage(std::string("option '--") + option.fName + "' needs option '--redact'");
+  }
   TMachine machine(arguments);
   TOptionsMap options;
   if (arguments.Has("old-readers")) options[NModel::kOldReadersOption] = TCIMValue(true);
   TPluginWriter writer(consumer, LimitsOf(arguments), options);
-  TCollection collection(machine, writer);
+  TCollection collection(machine, writer, redaction ? &*redaction : nullptr);
   arguments.Has("output") ? collection.WriteTo(arguments.Get("output", ""))
                           : collection.WriteByDefaultName();
+  const bool hasLost = redaction && redaction->ReportLoss();
   const bool isComplete = machine.IsComplete() && !writer.HasWarned() && !collection.HasLoss();
-  return isComplete ? kExitDone : kExitPartlyDone;
+  return isComplete && !hasLost ? kExitDone : kExitPartlyDone;
 }
 
 std::vector<TOptionSpec> CollectOptions() {
@@ -296,6 +292,10 @@ std::vector<TOptionSpec> CollectOptions() {
       {"output", "FILE", "Write this file; '-' is standard output.", 'o'},
       {"consumer", "NAME", "Write with this consumer plug-in instead of a CIM-XML document."},
       {"old-readers", nullptr, "Write what also old CIM-XML readers understand."}};
+  options.push_back(
+      {"redact", nullptr, "Replace what is secret by pseudonyms, as 'qdx redact' does."});
+  const auto ofRedaction = RedactionOptions();
+  options.insert(options.end(), ofRedaction.begin(), ofRedaction.end());
   const auto machine = TMachine::Options();
   options.insert(options.end(), machine.begin(), machine.end());
   return options;

@@ -54,8 +54,8 @@ const char* const kExitCodes =
 
 const std::vector<TVerb>& AllVerbs() {
   static const std::vector<TVerb> verbs = {
-      SummaryVerb(),  IdentityVerb(), CollectVerb(), ShowVerb(),   ReportVerb(),  DiffVerb(),
-      ValidateVerb(), PluginsVerb(),  MediaVerb(),   UploadVerb(), DownloadVerb()};
+      SummaryVerb(),  IdentityVerb(), CollectVerb(), ShowVerb(),  ReportVerb(), DiffVerb(),
+      ValidateVerb(), RedactVerb(),   PluginsVerb(), MediaVerb(), UploadVerb(), DownloadVerb()};
   return verbs;
 }
 

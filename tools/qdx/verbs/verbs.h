@@ -27,6 +27,7 @@ TVerb DownloadVerb();
 TVerb IdentityVerb();
 TVerb MediaVerb();
 TVerb PluginsVerb();
+TVerb RedactVerb();
 TVerb ReportVerb();
 TVerb ShowVerb();
 TVerb SummaryVerb();
