@@ -6,6 +6,9 @@
 #include <utility>
 
 #include <qdxsnapshot/mof.h>
+
+#include "cli/json_stream.h"
+#include "cli/output.h"
 #include "cli/terminal.h"
 
 namespace NVORNQDX20 {
@@ -184,47 +187,79 @@ TJSON DeclarationAsJSON(const TClassSchema& cimClass, const std::string& ns) {
           {"methods", std::move(methods)}};
 }
 
-/// Returns the namespaces with what `asJSON` returns for each of their `members`.
-template <typename TNamespace, typename TMembers, typename TAsJSON>
-TJSON NamespacesOf(const std::vector<TNamespace>& namespaces, TMembers TNamespace::*members,
-                   const TAsJSON& asJSON) {
-  TJSON all = TJSON::array();
-  for (const TNamespace& ns : namespaces) {
-    TJSON classes = TJSON::array();
-    for (const auto& each : ns.*members) classes.push_back(asJSON(each, ns.fName));
-    all.push_back({{"namespace", ns.fName},
-                   {"provider", TextOrNull(ns.fProvider)},
-                   {"classes", std::move(classes)}});
+class TSchemaText final : public ISchemaFormat {
+ public:
+  void BeginNamespace(const std::string& name, const std::string& provider,
+                      const std::vector<TQualifierSchema>&) override {
+    fNamespace = name;
+    fOutput.Add(Heading(name, provider));
   }
-  return {{"namespaces", std::move(all)}};
-}
+  void AddClass(const TClassSchema& cimClass) override {
+    fOutput.Add(FormatDeclaration(cimClass, fNamespace));
+  }
+  void EndNamespace() override {}
+  void End() override { fOutput.Flush(); }
+
+ private:
+  TOutputBuffer fOutput;
+  std::string fNamespace;
+};
+
+class TSchemaMOF final : public ISchemaFormat {
+ public:
+  void BeginNamespace(const std::string& name, const std::string&,
+                      const std::vector<TQualifierSchema>& qualifiers) override {
+    Add("#pragma namespace (" + QuotedForMOF(name) + ")\n");
+    for (const TQualifierSchema& qualifier : qualifiers) Add("\n" + QualifierAsMOF(qualifier));
+  }
+  void AddClass(const TClassSchema& cimClass) override { Add("\n" + ClassAsMOF(cimClass)); }
+  void EndNamespace() override {}
+  void End() override { fOutput.Flush(); }
+
+ private:
+  void Add(const std::string& text) { fOutput.Add(Sanitised(text)); }
+
+  TOutputBuffer fOutput;
+};
+
+class TSchemaJSON final : public ISchemaFormat {
+ public:
+  TSchemaJSON() {
+    fStream.BeginObject();
+    fStream.BeginArray("namespaces");
+  }
+  void BeginNamespace(const std::string& name, const std::string& provider,
+                      const std::vector<TQualifierSchema>&) override {
+    fNamespace = name;
+    fStream.BeginObject();
+    fStream.Add("namespace", name);
+    fStream.Add("provider", TextOrNull(provider));
+    fStream.BeginArray("classes");
+  }
+  void AddClass(const TClassSchema& cimClass) override {
+    fStream.Add("", DeclarationAsJSON(cimClass, fNamespace));
+  }
+  void EndNamespace() override {
+    fStream.End();
+    fStream.End();
+  }
+  void End() override {
+    fStream.End();
+    fStream.End();
+  }
+
+ private:
+  TJSONStream fStream;
+  std::string fNamespace;
+};
 
 }  // namespace
 
-std::string FormatSchema(const std::vector<TNamespaceSchema>& namespaces) {
-  std::string text;
-  for (const TNamespaceSchema& ns : namespaces) {
-    text += Heading(ns.fName, ns.fProvider);
-    for (const TClassSchema& cimClass : ns.fClasses) text += FormatDeclaration(cimClass, ns.fName);
-  }
-  return text;
-}
+std::unique_ptr<ISchemaFormat> MakeSchemaText() { return std::make_unique<TSchemaText>(); }
 
-TJSON SchemaAsJSON(const std::vector<TNamespaceSchema>& namespaces) {
-  return NamespacesOf(namespaces, &TNamespaceSchema::fClasses, DeclarationAsJSON);
-}
+std::unique_ptr<ISchemaFormat> MakeSchemaJSON() { return std::make_unique<TSchemaJSON>(); }
 
-std::string FormatMOF(const std::vector<TNamespaceSchema>& namespaces) {
-  std::string text;
-  for (const TNamespaceSchema& ns : namespaces) {
-    text += "#pragma namespace (" + QuotedForMOF(ns.fName) + ")\n";
-    for (const TQualifierSchema& qualifier : ns.fQualifiers) {
-      text += "\n" + QualifierAsMOF(qualifier);
-    }
-    for (const TClassSchema& cimClass : ns.fClasses) text += "\n" + ClassAsMOF(cimClass);
-  }
-  return Sanitised(text);
-}
+std::unique_ptr<ISchemaFormat> MakeSchemaMOF() { return std::make_unique<TSchemaMOF>(); }
 
 std::string FormatTree(const std::vector<TNamespaceTree>& namespaces) {
   std::string text;
@@ -242,12 +277,19 @@ std::string FormatTree(const std::vector<TNamespaceTree>& namespaces) {
 }
 
 TJSON TreeAsJSON(const std::vector<TNamespaceTree>& namespaces) {
-  return NamespacesOf(namespaces, &TNamespaceTree::fNodes,
-                      [](const TClassNode& node, const std::string&) -> TJSON {
-                        return {{"class", node.fName},
-                                {"superclass", TextOrNull(node.fSuperclass)},
-                                {"instanceCount", node.fInstanceCount}};
-                      });
+  TJSON all = TJSON::array();
+  for (const TNamespaceTree& ns : namespaces) {
+    TJSON classes = TJSON::array();
+    for (const TClassNode& node : ns.fNodes) {
+      classes.push_back({{"class", node.fName},
+                         {"superclass", TextOrNull(node.fSuperclass)},
+                         {"instanceCount", node.fInstanceCount}});
+    }
+    all.push_back({{"namespace", ns.fName},
+                   {"provider", TextOrNull(ns.fProvider)},
+                   {"classes", std::move(classes)}});
+  }
+  return {{"namespaces", std::move(all)}};
 }
 
 }  // namespace NVORNQDX20

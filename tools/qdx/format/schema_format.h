@@ -3,6 +3,7 @@
 #ifndef TOOLS_QDX_FORMAT_SCHEMA_FORMAT_H_
 #define TOOLS_QDX_FORMAT_SCHEMA_FORMAT_H_
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -11,20 +12,25 @@
 
 namespace NVORNQDX20 {
 
-/// Declarations of a namespace.
-struct TNamespaceSchema {
-  std::string fName;
-  std::string fProvider;  ///< Empty for a document.
-  std::vector<TQualifierSchema> fQualifiers;
-  std::vector<TClassSchema> fClasses;
+/// Prints declarations one by one: a class has all that it inherits, so all together need much
+/// memory. Each call throws what WriteOutput() throws.
+class ISchemaFormat {
+ public:
+  virtual ~ISchemaFormat() = default;
+  /// `provider` is empty for a document.
+  virtual void BeginNamespace(const std::string& name, const std::string& provider,
+                              const std::vector<TQualifierSchema>& qualifiers) = 0;
+  virtual void AddClass(const TClassSchema& cimClass) = 0;
+  virtual void EndNamespace() = 0;
+  virtual void End() = 0;
 };
 
-/// Returns each class with its qualifiers, properties and methods, including inherited ones with
-/// the class that declares them.
-std::string FormatSchema(const std::vector<TNamespaceSchema>& namespaces);
-TJSON SchemaAsJSON(const std::vector<TNamespaceSchema>& namespaces);
-/// Returns the declarations of qualifiers and of classes, without what classes inherit.
-std::string FormatMOF(const std::vector<TNamespaceSchema>& namespaces);
+/// Each class with its qualifiers, properties and methods, including inherited ones with the class
+/// that declares them.
+std::unique_ptr<ISchemaFormat> MakeSchemaText();
+std::unique_ptr<ISchemaFormat> MakeSchemaJSON();
+/// The declarations of qualifiers and of classes, without what classes inherit.
+std::unique_ptr<ISchemaFormat> MakeSchemaMOF();
 
 struct TNamespaceTree {
   std::string fName;

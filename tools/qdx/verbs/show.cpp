@@ -23,22 +23,22 @@
 namespace NVORNQDX20 {
 namespace {
 
-std::vector<TNamespaceSchema> ReadSchemas(const std::vector<TFoundElement>& found) {
-  std::vector<TNamespaceSchema> all;
+void ShowSchemas(const std::vector<TFoundElement>& found, ISchemaFormat& format) {
   for (const TFoundElement& each : found) {
     const auto& [origin, ns] = each.fOrigin;
-    TNamespaceSchema schema{origin.fNamespace, origin.fProvider, {}, {}};
-    if (const auto cimClass = each.GetClass()) {
-      schema.fClasses.push_back(ReadSchema(cimClass));
+    const auto cimClass = each.GetClass();
+    format.BeginNamespace(origin.fNamespace, origin.fProvider,
+                          cimClass ? std::vector<TQualifierSchema>() : ReadQualifiers(*ns));
+    if (cimClass) {
+      format.AddClass(ReadSchema(cimClass));
     } else {
-      schema.fQualifiers = ReadQualifiers(*ns);
       for (const TClassNode& node : ReadClassTree(*ns, nullptr)) {
-        schema.fClasses.push_back(ReadSchema(ns->GetClass(node.fName, {})));
+        format.AddClass(ReadSchema(ns->GetClass(node.fName, {})));
       }
     }
-    all.push_back(std::move(schema));
+    format.EndNamespace();
   }
-  return all;
+  format.End();
 }
 
 std::vector<TNamespaceTree> ReadTrees(const std::vector<TFoundElement>& found) {
@@ -144,11 +144,10 @@ bool ShowView(const TRequest& request, const std::vector<TFoundElement>& found,
   const bool asJSON = request.fForm == EForm::kJSON;
   switch (request.fView) {
     case EView::kSchema:
-      asJSON ? WriteJSON(SchemaAsJSON(ReadSchemas(found)))
-             : WriteOutput(FormatSchema(ReadSchemas(found)));
+      ShowSchemas(found, asJSON ? *MakeSchemaJSON() : *MakeSchemaText());
       return true;
     case EView::kMOF:
-      WriteOutput(FormatMOF(ReadSchemas(found)));
+      ShowSchemas(found, *MakeSchemaMOF());
       return true;
     case EView::kTree:
       asJSON ? WriteJSON(TreeAsJSON(ReadTrees(found))) : WriteOutput(FormatTree(ReadTrees(found)));
