@@ -186,6 +186,15 @@ const TJSON* ValueNamed(const TClassSnapshot& cimClass, const TInstanceSnapshot&
   return &instance.fValues[static_cast<std::size_t>(found - properties.begin())];
 }
 
+/// Returns whether the value names a device by maker and product, as in "8086:1572".
+bool IsBusName(const TJSON& value) {
+  if (!value.is_string()) return false;
+  const auto& text = value.get_ref<const std::string&>();
+  constexpr std::size_t kSize = 9;
+  return text.size() == kSize && text[4] == ':' &&
+         text.find_first_not_of("0123456789abcdef:") == std::string::npos;
+}
+
 /// The PUnits of the numbers that BaseUnits of a sensor can have; the other numbers have none.
 struct TBaseUnit {
   int fNumber;
@@ -295,6 +304,10 @@ std::string TextForPeople(const TClassSnapshot& cimClass, const TInstanceSnapsho
     if (!unit.empty()) return FormatQuantity(*NumberIn(value), unit);
   }
   std::string text = TextForPeople(value, declared);
+  if (IsBusName(value)) {
+    const std::string name = DeviceNameOf(cimClass, instance);
+    return name.empty() ? text : text + " (" + name + ")";
+  }
   const TBusID* const id = BusIDOf(declared);
   const TJSON* const name = id == nullptr ? nullptr : ValueNamed(cimClass, instance, id->fName);
   if (name != nullptr && name->is_string() && !value.is_null())

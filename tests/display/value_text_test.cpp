@@ -49,13 +49,14 @@ TEST(ValueText, NamesTheNumbersOfEnumerations) {
 
 TEST(ValueText, UsesWhatOtherPropertiesSay) {
   TClassSnapshot sensor;
-  sensor.fProperties = {Property("BaseUnits", "uint16"), Property("CurrentReading", "sint32"),
-                        Property("UnitModifier", "sint32"), Property("VendorID", "uint16"),
-                        Property("VendorName", "string")};
-  const TInstanceSnapshot instance{"", {2, 41500, -3, 32902, "Intel Corporation"}};
+  sensor.fProperties = {Property("BaseUnits", "uint16"),   Property("CurrentReading", "sint32"),
+                        Property("ElementName", "string"), Property("UnitModifier", "sint32"),
+                        Property("VendorID", "uint16"),    Property("VendorName", "string")};
+  const TInstanceSnapshot instance{"", {2, 41500, "8086:1572", -3, 32902, "Intel Corporation"}};
   EXPECT_EQ(TextForPeople(sensor, instance, 1), "41.5 \u00b0C");
-  EXPECT_EQ(TextForPeople(sensor, instance, 3), "8086 (Intel Corporation)");
-  EXPECT_EQ(TextForPeople(sensor, {"", {nullptr, 41500, -3, 1, nullptr}}, 1), "41500");
+  EXPECT_EQ(TextForPeople(sensor, instance, 2), "8086:1572 (Intel Corporation)");
+  EXPECT_EQ(TextForPeople(sensor, instance, 4), "8086 (Intel Corporation)");
+  EXPECT_EQ(TextForPeople(sensor, {"", {nullptr, 41500, "", -3, 1, nullptr}}, 1), "41500");
 }
 
 TEST(ValueText, IsBareWhereItWouldHideADifference) {

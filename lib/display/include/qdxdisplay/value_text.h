@@ -20,7 +20,8 @@ namespace NVORNQDX20 {
 std::string TextForPeople(const TJSON& value, const TPropertySnapshot& property);
 
 /// Returns the same for one value of an instance, with what its other properties say about it: the
-/// unit of a sensor's reading, the name of an ID ("8086 (Intel Corporation)").
+/// unit of a sensor's reading, the names of IDs ("8086 (Intel Corporation)", "8086:1572 (Intel
+/// Corporation Ethernet Controller X710)").
 /// REQUIRES: the instance has values; `property` is an index of the class's properties.
 std::string TextForPeople(const TClassSnapshot& cimClass, const TInstanceSnapshot& instance,
                           std::size_t property);
