@@ -120,7 +120,7 @@ TEST_F(QDXShowMachine, IsForPeople) {
 
 TEST_F(QDXShowMachine, PicksAndFilters) {
   const std::pair<std::vector<std::string>, std::string> rows[] = {
-      {{"--properties", "currentreading,DeviceID", "--csv"},
+      {{"--properties", "currentreading, DeviceID,deviceid", "--csv"},
        "currentreading,DeviceID\r\n41500,hwmon0/chip/temp1\r\n30000,hwmon0/chip/temp2\r\n"},
       {{"--properties=ElementName", "--csv", "--where", "Name=TEMP1"},
        "ElementName\r\n\"CPU, \"\"hot\"\"\"\r\n"},
@@ -151,6 +151,8 @@ TEST_F(QDXShowMachine, CountsWhatItLeavesOut) {
     EXPECT_PRED_FORMAT2(::testing::IsSubstring, kind, last);
   }
   EXPECT_PRED_FORMAT2(::testing::IsNotSubstring, "VORNSG_UnavailableValue", shown);
+  EXPECT_PRED_FORMAT2(::testing::IsNotSubstring, "VORNSG_ComputerSystem  (",
+                      Show({"--properties", "CurrentReading"}).fOutput);
   const std::string all = Show({"--all"}).fOutput;
   EXPECT_PRED_FORMAT2(::testing::IsSubstring, "\n  VORNSG_UnavailableValue  (", all);
   EXPECT_PRED_FORMAT2(::testing::IsNotSubstring, "(left out", all);

@@ -69,23 +69,36 @@ class TTableFormat : public IContentsFormat {
   std::string FormatRows() {
     std::vector<std::size_t> widths;
     const std::vector<std::size_t> shown = ColumnsThatFit(widths);
-    std::vector<TTableRow> rows(1);
-    rows[0].fStyle = TTableRow::kHeading;
+    std::vector<std::string> names;
     for (const std::size_t column : shown) {
-      rows[0].fCells.push_back(fClass->fClass.fProperties[fColumns[column]].fName);
+      names.push_back(fClass->fClass.fProperties[fColumns[column]].fName);
     }
-    for (const TTableRow& row : fRows) {
-      TTableRow& picked = rows.emplace_back();
-      for (const std::size_t column : shown) picked.fCells.push_back(row.fCells[column]);
+    std::string text = FormatTable({{{Aligned(std::move(names), widths)}, TTableRow::kHeading}});
+    for (TTableRow& row : fRows) {
+      std::vector<std::string> cells;
+      for (const std::size_t column : shown) cells.push_back(std::move(row.fCells[column]));
+      text += FormatTable({{{Aligned(std::move(cells), widths)}, TTableRow::kPlain}});
     }
-    for (TTableRow& row : rows) {
-      for (std::size_t i = 0; i < row.fCells.size(); ++i) Cut(row.fCells[i], widths[i]);
-      row.fCells[0].insert(0, kTableIndent);
-    }
-    return FormatTable(rows);
+    return text;
   }
 
-  /// Cuts a cell on a terminal. Its sanitised form has the same width.
+  /// Returns a line with the cells below each other. A cell that is much longer than others get is
+  /// not reason enough to fill all of them up to its length.
+  static std::string Aligned(std::vector<std::string> cells,
+                             const std::vector<std::size_t>& widths) {
+    constexpr std::size_t kMostBlanks = 100;
+    std::string line = kTableIndent;
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      Cut(cells[i], widths[i]);
+      line += cells[i];
+      if (i + 1 == cells.size()) break;
+      const std::size_t width = std::min(widths[i], kMostBlanks);
+      line.append(width - std::min(width, WidthOf(cells[i])) + kGap, ' ');
+    }
+    return line;
+  }
+
+  /// Cuts a cell on a terminal.
   static void Cut(std::string& cell, std::size_t width) {
     if (WidthOf(cell) > width) cell = CutToWidth(cell, width - 1) + "\u2026";
   }

@@ -71,6 +71,10 @@ class TNamespaceShow {
     const bool isFiltered = !fRequest.fConditions.empty();
     TClassReader reader(fNamespace, each.fClass, isFiltered ? kValues : fRequest.fStyle.fDepth,
                         instances);
+    // Its instances would have no values.
+    const TContentsStyle& style = fRequest.fStyle;
+    const bool isPicked = !style.fProperties.empty() && style.fDepth >= kValues;
+    if (isPicked && !each.fIsAskedFor && PropertiesToShow(reader.GetClass(), style).empty()) return;
     std::vector<TInstanceSnapshot> matching;
     if (isFiltered) matching = Matching(reader);
     if (isFiltered && matching.empty() && !each.fIsAskedFor) return;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "show_request.h"
 
+#include <qdxmodel/names.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <string_view>
@@ -94,7 +96,7 @@ EForm FormOf(const TArguments& arguments) {
   return form;
 }
 
-/// Splits the names at their commas.
+/// Splits the names at their commas. One that comes twice counts once, as in an object of JSON.
 std::vector<std::string> PropertiesOf(const TArguments& arguments) {
   std::vector<std::string> names;
   for (const std::string& list : arguments.GetAll("properties")) {
@@ -104,7 +106,10 @@ std::vector<std::string> PropertiesOf(const TArguments& arguments) {
       std::string name = list.substr(first, end - first);
       name.erase(name.find_last_not_of(' ') + 1);
       if (name.empty()) FailOnUsage("option '--properties' needs names with commas between them");
-      names.push_back(std::move(name));
+      const bool isKnown = std::any_of(
+          names.begin(), names.end(),
+          [&name](const std::string& each) { return NModel::EqualIgnoringCase(each, name); });
+      if (!isKnown) names.push_back(std::move(name));
       start = end + 1;
     }
   }
