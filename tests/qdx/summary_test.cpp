@@ -222,7 +222,8 @@ TEST_F(QDXSummary, SaysWhatOnlyRootMayRead) {
   }
   const TProgramRun run = Run({"summary", "--user", "nobody"});
   EXPECT_PRED_FORMAT2(::testing::IsSubstring,
-                      "\nAs root     serial number, chassis, board, firmware, memory modules,\n",
+                      "\nAs root     serial number, firmware, memory modules, chassis, board,\n"
+                      "            memory slots, batteries, power supplies\n",
                       run.fOutput);
   EXPECT_EQ(run.fExitCode, 0) << run.fErrors;
 }
@@ -357,7 +358,7 @@ TEST_F(QDXSummary, EndsAsScriptsExpect) {
   std::filesystem::create_directories(fTree.Path() / "sys/block/sde/size");  // cannot be read
   const std::string tree = fTree.Path().string();
   const std::tuple<std::vector<std::string>, int, std::string> rows[] = {
-      {{"--root", tree}, 3, ""},
+      {{"--root", tree}, 3, "qdx: describing disks: /sys/block/sde/size: not a regular file"},
       {{"summary", "--root", empty}, 5, "describing the machine below " + empty + ": all values"},
       {{"summary", empty + "/none.xml"}, 5, "describing the machine of " + empty},
       {{"summary", empty + "/missing.xml"}, 4, empty + "/missing.xml"},

@@ -66,12 +66,6 @@ void AddSensors(const TSensors& sensors, TWarnings& warnings) {
   }
 }
 
-/// Returns the first of several reasons.
-std::string FirstReason(const std::string& reasons) {
-  const std::size_t end = reasons.find("; ");
-  return end == std::string::npos ? reasons : reasons.substr(0, end) + " and more";
-}
-
 /// Returns a section with a line for each reason.
 TSection Explained(const char* label, const std::vector<TGap>& gaps, TGap::EKind kind) {
   TSection section{label, {}};

@@ -36,6 +36,11 @@ std::string FirstOf(const std::vector<std::string>& names, std::size_t most) {
   return names.size() > most ? first + " ..." : first;
 }
 
+std::string FirstReason(const std::string& reasons) {
+  const std::size_t end = reasons.find("; ");
+  return end == std::string::npos ? reasons : reasons.substr(0, end) + " and more";
+}
+
 std::string Counted(std::uint64_t count, const std::string& one, const std::string& many) {
   return std::to_string(count) + " " + (count == 1 ? one : many);
 }

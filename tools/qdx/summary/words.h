@@ -18,6 +18,9 @@ std::string Listed(const std::vector<std::string>& texts, const std::string& sep
 /// Returns the first names, and "..." if there are more.
 std::string FirstOf(const std::vector<std::string>& names, std::size_t most);
 
+/// Returns the first of several reasons in a text.
+std::string FirstReason(const std::string& reasons);
+
 /// Returns "3 slots" or "1 slot".
 std::string Counted(std::uint64_t count, const std::string& one, const std::string& many);
 

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <unistd.h>
 
@@ -36,7 +37,16 @@ struct TFoundSummary {
   bool fIsComplete = true;
 };
 
-bool HasFailed(const TGap& gap) { return gap.fKind == TGap::kFailed; }
+/// Prints a line for each failure. Returns whether there was one.
+bool ReportFailures(const std::vector<TGap>& gaps) {
+  bool any = false;
+  for (const TGap& gap : gaps) {
+    if (gap.fKind != TGap::kFailed) continue;
+    PrintError("describing " + Listed(gap.fSubjects) + ": " + FirstReason(gap.fReason));
+    any = true;
+  }
+  return any;
+}
 
 [[noreturn]] void FailToSummarize(const std::string& what, const std::string& why) {
   throw TCommandFailure(kExitNothingCollected, "describing " + what, {kQDXStatusNotFound, why});
@@ -103,9 +113,8 @@ EExitCode RunSummary(const TArguments& arguments) {
         FormatScreen(SectionsOf(found.fSummary, found.fSource),
                      {kMostLines, isTerminal ? TerminalWidth(STDOUT_FILENO) : TScreenSize::kAny}));
   }
-  const auto& gaps = found.fSummary.fGaps;
-  const bool isDone = found.fIsComplete && std::none_of(gaps.begin(), gaps.end(), HasFailed);
-  return isDone ? kExitDone : kExitPartlyDone;
+  const bool hasFailed = ReportFailures(found.fSummary.fGaps);
+  return found.fIsComplete && !hasFailed ? kExitDone : kExitPartlyDone;
 }
 
 std::vector<TOptionSpec> SummaryOptions() {

@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ports.h"
 
+#include <qdxsystem/error_text.h>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cerrno>
 #include <iterator>
 #include <utility>
 
 #include <net/if.h>
 #include <net/if_arp.h>
+
+#include <boost/algorithm/string/predicate.hpp>
 
 #include "links.h"
 #include "sources/device_folder.h"
@@ -114,19 +119,27 @@ TText ReadPermanentAddress(const TFiles& files, const TPort& port, const TLink* 
   });
 }
 
+/// The kernel refuses to tell of the link of a port that is switched off.
+TText ReadOfLink(const TFiles& files, const char* file) {
+  TText text = files.ReadLine(file);
+  const bool isRefused = boost::algorithm::ends_with(text.GetReason(), ": " + ErrorText(EINVAL));
+  return isRefused ? TText(files.MissingFrom(file, "the port is switched off")) : text;
+}
+
 /// The kernel reports megabits per second, and -1 for unknown.
 TNumber ReadSpeed(const TFiles& files) {
-  const TText speed = files.ReadLine("speed");
+  const TText speed = ReadOfLink(files, "speed");
   if (speed && *speed == "-1") return files.MissingFrom("speed", "not known to the driver");
   return Scaled(ToNumber(speed, files.PathOf("speed")), 1'000'000);
 }
 
 TReading<bool> ReadFullDuplex(const TFiles& files) {
-  return files.ReadLine("duplex").and_then([&files](const std::string& duplex) -> TReading<bool> {
-    if (duplex == "full") return true;
-    if (duplex == "half") return false;
-    return files.MissingFrom("duplex", "not known to the driver");
-  });
+  return ReadOfLink(files, "duplex")
+      .and_then([&files](const std::string& duplex) -> TReading<bool> {
+        if (duplex == "full") return true;
+        if (duplex == "half") return false;
+        return files.MissingFrom("duplex", "not known to the driver");
+      });
 }
 
 void TakeStatistics(const rtnl_link_stats64& from, TPort& port) {
