@@ -34,11 +34,11 @@ void AppendText(std::string_view text, std::string& to) {
 }
 
 /// Returns the days since 1970-01-01 (proleptic Gregorian calendar).
-std::int64_t DaysOf(std::int64_t year, unsigned int month, unsigned int day) {
+std::int64_t DaysOf(std::int64_t year, std::int64_t month, std::int64_t day) {
   year -= month <= 2 ? 1 : 0;
   const std::int64_t era = (year >= 0 ? year : year - 399) / 400;
-  const auto ofEra = static_cast<unsigned int>(year - era * 400);
-  const unsigned int ofYear = (153 * (month > 2 ? month - 3 : month + 9) + 2) / 5 + day - 1;
+  const std::int64_t ofEra = year - era * 400;
+  const std::int64_t ofYear = (153 * (month > 2 ? month - 3 : month + 9) + 2) / 5 + day - 1;
   return era * 146097 + ofEra * 365 + ofEra / 4 - ofEra / 100 + ofYear - 719468;
 }
 

@@ -180,14 +180,16 @@ std::vector<TColumn> TClassComparison::FindValues(const TIdentified& a, const TI
   return columns;
 }
 
-/// Of the current instances.
+/// Of the current instances. An array is a bag if both sides say so.
 bool TClassComparison::AreEqual(const TColumn& column) {
+  const TPropertyKind& ofA = fA.GetKind(column.fInA);
+  const TPropertyKind& ofB = fB.GetKind(column.fInB);
+  const TPropertyKind kind = {ofA.fIsBag && ofB.fIsBag, ofA.fIsEmbedded || ofB.fIsEmbedded};
   bool areEqual = false;
   fA.Read(column.fInA, [&](const TCIMValue& a) {
     fB.Read(column.fInB, [&](const TCIMValue& b) {
-      areEqual =
-          AreIdentical(a, b) || fA.GetSide().fCanonical.TextOf(a, fA.GetKind(column.fInA)) ==
-                                    fB.GetSide().fCanonical.TextOf(b, fB.GetKind(column.fInB));
+      areEqual = AreIdentical(a, b) ||
+                 fA.GetSide().fCanonical.TextOf(a, kind) == fB.GetSide().fCanonical.TextOf(b, kind);
     });
   });
   return areEqual;

@@ -228,7 +228,8 @@ class TDevices {
     const bool follows = fFindings.fTraceOf[cause] != fFindings.fTraceOf[index];
     if (follows) difference.fFollows = fFindings.fDifferences[cause].fOwner;
     const bool isTie = !follows && !trace->fEnds.empty();
-    const TIdentity head = fForest.HeadOf(isTie ? trace->fEnds.back() : TraceOf(cause)->fInstance);
+    const TTrace& ofCause = fFindings.fTraces[fFindings.fTraceOf[cause]];
+    const TIdentity head = fForest.HeadOf(isTie ? trace->fEnds.back() : ofCause.fInstance);
     fHeads.resize(fFindings.fDifferences.size());
     fHeads[index] = head;
     const auto owner = fOwners.find(head);

@@ -152,6 +152,15 @@ TEST(Comparison, ComparesValuesByWhatTheyMean) {
   }
 }
 
+TEST(Comparison, TakesAnArrayForABagIfBothSidesDo) {
+  const TNamespace bag = WithValue(Array({"a", "b"}), "ArrayType", "Bag");
+  const TNamespace turned = WithValue(Array({"b", "a"}), "ArrayType", "Bag");
+  for (const TNamespace& other : {WithValue(Array({"b", "a"})), WithValue(Array({"a", "b"}))}) {
+    EXPECT_NE(Difference(bag, other).empty(), Difference(turned, other).empty());
+    EXPECT_NE(Difference(other, bag).empty(), Difference(other, turned).empty());
+  }
+}
+
 TEST(Comparison, IgnoresClassesAndPropertiesInAnyCase) {
   const TNamespace a = MakeNamespace(), b = MakeNamespace();
   for (const TNamespace& ns : {a, b}) {
