@@ -151,7 +151,9 @@ class SortableTable {
     const cells = this.columns.map((column, i) => {
       const shown = column.show ? column.show(row) : showCell(column.cell(row));
       if (i === 0) return element("th", { scope: "row" }, shown);
-      const isNumber = numberOf(column.cell(row)) !== null;
+      // Not those with a meaning in words: "2 (OK)".
+      const isNumber =
+        numberOf(column.cell(row)) !== null && !textOf(column.cell(row)).includes("(");
       return element("td", { class: isNumber ? "number" : undefined }, shown);
     });
     return element("tr", {}, ...cells);

@@ -261,7 +261,7 @@ function fillMenu() {
 
 function markCurrent() {
   for (const link of document.querySelectorAll("#menu a")) {
-    if (link.hash === location.hash) {
+    if (link.hash === location.hash && searchBox.value === "") {
       link.setAttribute("aria-current", "page");
     } else {
       link.removeAttribute("aria-current");
@@ -322,5 +322,10 @@ function searchSoon() {
 fillMenu();
 searchBox.addEventListener("input", searchSoon);
 window.addEventListener("hashchange", follow);
+// From what a search has found, back to where it began: the address is the same.
+document.addEventListener("click", (event) => {
+  const link = event.target.closest("a");
+  if (link && link.hash === location.hash) follow(event);
+});
 document.body.classList.add("scripted");
 follow();
