@@ -47,6 +47,8 @@ boost::shared_ptr<ICIMClass> ClassNamed(const std::string& name,
 /// Returns the one of which all others are subclasses; empty if there is none.
 std::string CommonSuperclass(const std::vector<std::string>& names,
                              const TMachineNamespaces& namespaces) {
+  constexpr std::size_t kMost = 100;  // of more, as of "c", nobody means all
+  if (names.size() > kMost) return "";
   for (const std::string& superclass : names) {
     const bool isCommon = std::all_of(names.begin(), names.end(), [&](const std::string& name) {
       const auto cimClass = ClassNamed(name, namespaces);
