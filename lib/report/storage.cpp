@@ -145,9 +145,8 @@ THTML FileSystemPicture(const TFileSystem& fileSystem, const TRecords& records) 
   if (fileSystem.fIsReadOnly) about += ", read-only";
   const auto number = record ? std::make_optional(record->GetNumber()) : std::nullopt;
   THTML html = Element("span", "name", Link(number, fileSystem.fMountPoint));
-  if (fileSystem.fBytes && fileSystem.fAvailableBytes && *fileSystem.fBytes > 0) {
-    const double used = 1 - static_cast<double>(*fileSystem.fAvailableBytes) /
-                                static_cast<double>(*fileSystem.fBytes);
+  if (const auto part = fileSystem.UsedPart()) {
+    const double used = *part;
     const std::string text = std::to_string(std::lround(used * 100)) + " % used, " +
                              Size(fileSystem.fAvailableBytes) + " free of " +
                              Size(fileSystem.fBytes);

@@ -79,7 +79,7 @@ constexpr TPart kParts[] = {
      " Name RAIDLevel ArrayState Size Degraded SyncAction SyncProgress "},
     {"disks of file systems", "VORNSG_BasedOn", ""},
     {"file systems", "VORNSG_FileSystem",
-     " FileSystemType Device FileSystemSize AvailableSpace ReadOnly SourceDevice "},
+     " FileSystemType Device FileSystemSize UsedSpace AvailableSpace ReadOnly SourceDevice "},
     {"network ports", "VORNSG_NetworkPort", kPortProperties},
     {"network ports", "VORNSG_EthernetPort", kPortProperties},
     {"network ports", "VORNSG_WiFiPort", kPortProperties},
@@ -113,6 +113,8 @@ bool IsKnown(const TSummary& summary, std::string_view subject) {
   const TOperatingSystem& os = summary.fOperatingSystem;
   if (subject == "operating system") return !os.fName.empty();
   if (subject == "uptime") return !os.fBootTime.empty();
+  if (subject == "network ports") return !summary.fPorts.empty();
+  if (subject == "sensors") return summary.fSensors.fCount != 0;
   if (subject == "addresses") {
     return std::any_of(summary.fPorts.begin(), summary.fPorts.end(),
                        [](const TPort& port) { return !port.fAddresses.empty(); });

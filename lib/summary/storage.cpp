@@ -123,10 +123,8 @@ bool KeepsFiles(const TFacts& facts, const TFileSystem& system) {
 /// The root, what can be written, and the fullest first.
 bool SystemComesBefore(const TFileSystem& left, const TFileSystem& right) {
   const auto key = [](const TFileSystem& system) {
-    const double size = static_cast<double>(system.fBytes.value_or(0));
-    const double free = static_cast<double>(system.fAvailableBytes.value_or(0));
     return std::tuple(system.fMountPoint != "/", system.fIsReadOnly,
-                      size > 0 && system.fAvailableBytes ? free / size : 2.0);
+                      -system.UsedPart().value_or(-1));
   };
   return key(left) < key(right);
 }
@@ -142,6 +140,7 @@ void ReadFileSystems(const ICIMNamespace& ns, std::vector<TFileSystem>& systems,
     if (!KeepsFiles(facts, system)) return;
     system.fBytes = facts.Number("FileSystemSize");
     if (system.fBytes == 0) system.fBytes.reset();
+    system.fUsedBytes = facts.Number("UsedSpace");
     system.fAvailableBytes = facts.Number("AvailableSpace");
     system.fIsReadOnly = facts.Flag("ReadOnly").value_or(false);
     std::string source = facts.Text("SourceDevice");
@@ -164,6 +163,15 @@ void ReadFileSystems(const ICIMNamespace& ns, std::vector<TFileSystem>& systems,
 }
 
 }  // namespace
+
+std::optional<double> TFileSystem::UsedPart() const {
+  if (!fBytes || *fBytes == 0 || !fAvailableBytes) return std::nullopt;
+  const double bytes = static_cast<double>(*fBytes);
+  const double available = std::min(static_cast<double>(*fAvailableBytes), bytes);
+  if (!fUsedBytes) return 1 - available / bytes;
+  const double used = std::min(static_cast<double>(*fUsedBytes), bytes);
+  return used + available == 0 ? 1 : used / (used + available);
+}
 
 void ReadStorage(const ICIMNamespace& ns, TSummary& summary) {
   TDrives drives;

@@ -311,6 +311,13 @@ TEST_F(QDXSummary, OfAMadeUpDocumentIsHarmless) {
                {{"Name", "string", "\xE2\x80\xAEhost\nline"},
                 {"Manufacturer", "string", std::string(1000000, 'x')},
                 {"ProductName", "uint32", "4711"}});
+  document.Add("VORNSG_FileSystem", "Name",
+               {{"Name", "string", "/kept"},  // 600 GB for root
+                {"FileSystemType", "string", "ext4"},
+                {"Device", "string", "/dev/kept"},
+                {"FileSystemSize", "uint64", "1000000000000"},
+                {"UsedSpace", "uint64", "100000000000"},
+                {"AvailableSpace", "uint64", "300000000000"}});
   const auto fileSystem = [&document](const char* name, const char* size, const char* free) {
     document.Add("VORNSG_FileSystem", "Name",
                  {{"Name", "string", name},
@@ -340,10 +347,11 @@ TEST_F(QDXSummary, OfAMadeUpDocumentIsHarmless) {
   EXPECT_PRED_FORMAT2(::testing::IsSubstring,
                       "Attention  file system /full: 95 % used\n"
                       "Disks      disk  sdz\n"
-                      "Files      /full   95 % of 1 TB used\n"
-                      "           /half   50 % of 1 TB used\n"
-                      "           /empty  0 % of 18.4 EB used\n"
-                      "           /more   0 % of 1 MB used\n"
+                      "Files      /full         1 TB, 95 % used, 50 GB free\n"
+                      "           /half         1 TB, 50 % used, 500 GB free\n"
+                      "           /kept   ext4  1 TB, 25 % used, 300 GB free\n"
+                      "           /empty        18.4 EB, 0 % used, 18.4 EB free\n"
+                      "           /more         1 MB, 0 % used, 1 MB free\n"
                       "           /none\n",
                       run.fOutput);
   EXPECT_LE(run.fOutput.size(), 2000U);

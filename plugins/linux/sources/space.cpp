@@ -4,6 +4,7 @@
 #include <qdxsystem/descriptor.h>
 #include <qdxsystem/error_text.h>
 
+#include <algorithm>
 #include <cerrno>
 
 #include <fcntl.h>
@@ -31,8 +32,11 @@ TReading<TSpace> ReadSpace(const TFiles& files, const std::string& path) {
   if (!MayBeMountPoint(place.Get())) return Missing("hidden below another mount");
   struct statvfs status {};
   if (::fstatvfs(place.Get(), &status) != 0) return files.MissingFrom(path, ErrorText(errno));
-  return TSpace{status.f_blocks * status.f_frsize, status.f_bavail * status.f_frsize,
-                status.f_files, status.f_ffree};
+  const auto bytes = [&status](std::uint64_t blocks) { return blocks * status.f_frsize; };
+  // Some network file systems report more free blocks than blocks.
+  const std::uint64_t used = status.f_blocks - std::min(status.f_blocks, status.f_bfree);
+  return TSpace{bytes(status.f_blocks), bytes(used), bytes(status.f_bavail), status.f_files,
+                status.f_ffree};
 }
 
 }  // namespace NVORNQDX20

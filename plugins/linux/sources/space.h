@@ -13,6 +13,7 @@ namespace NVORNQDX20 {
 /// The space of a file system; sizes in bytes.
 struct TSpace {
   std::uint64_t fSize;
+  std::uint64_t fUsed;
   std::uint64_t fAvailable;  ///< To users other than root.
   std::uint64_t fInodes;
   std::uint64_t fFreeInodes;

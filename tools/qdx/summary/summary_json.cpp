@@ -105,11 +105,15 @@ TJSON ArrayAsJSON(const TArray& array) {
 }
 
 TJSON FileSystemAsJSON(const TFileSystem& system) {
-  return {
-      {"mountPoint", Text(system.fMountPoint)}, {"type", Text(system.fType)},
-      {"device", Text(system.fDevice)},         {"disks", system.fDisks},
-      {"bytes", Number(system.fBytes)},         {"availableBytes", Number(system.fAvailableBytes)},
-      {"otherMounts", system.fOtherMounts},     {"readOnly", system.fIsReadOnly}};
+  return {{"mountPoint", Text(system.fMountPoint)},
+          {"type", Text(system.fType)},
+          {"device", Text(system.fDevice)},
+          {"disks", system.fDisks},
+          {"bytes", Number(system.fBytes)},
+          {"usedBytes", Number(system.fUsedBytes)},
+          {"availableBytes", Number(system.fAvailableBytes)},
+          {"otherMounts", system.fOtherMounts},
+          {"readOnly", system.fIsReadOnly}};
 }
 
 TJSON PortAsJSON(const TPort& port) {

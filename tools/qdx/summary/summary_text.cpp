@@ -164,7 +164,10 @@ TSection ArraySection(const std::vector<TArray>& arrays) {
 TScreenLine LineOf(const TFileSystem& system) {
   const int used = PercentUsed(system);
   const std::string size = AsDiskSize(system.fBytes);
-  const std::string use = used < 0 ? size : std::to_string(used) + " % of " + size + " used";
+  const std::string use =
+      used < 0 ? size
+               : Listed({size, std::to_string(used) + " % used",
+                         AsDiskSize(std::min(system.fBytes, system.fAvailableBytes)) + " free"});
   const std::string disks = system.fDisks.empty() ? "" : "on " + FirstOf(system.fDisks, kMostNames);
   const std::string readOnly = system.fIsReadOnly ? "read only" : "";
   return Line(

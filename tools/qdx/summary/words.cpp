@@ -73,10 +73,9 @@ std::string MinuteOf(const std::string& dateTime) {
 }
 
 int PercentUsed(const NSummary::TFileSystem& system) {
-  if (!system.fBytes || *system.fBytes == 0 || !system.fAvailableBytes) return -1;
-  const auto free = std::min(*system.fBytes, *system.fAvailableBytes);
-  const double part = static_cast<double>(free) / static_cast<double>(*system.fBytes);
-  return 100 - static_cast<int>(std::floor(part * 100));
+  const auto part = system.UsedPart();
+  // Rounded up, so that 100 means full; 5 % of a number in binary may be a trifle more.
+  return part ? static_cast<int>(std::ceil(*part * 100 - 1e-9)) : -1;
 }
 
 const char* UnitOf(const NSummary::TSensor& sensor) {

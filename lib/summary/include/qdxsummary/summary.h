@@ -110,9 +110,14 @@ struct TFileSystem {
   std::string fDevice;
   std::vector<std::string> fDisks;  ///< The drives that it is on, as in "sda".
   TNumber fBytes;
-  TNumber fAvailableBytes;
+  TNumber fUsedBytes;
+  TNumber fAvailableBytes;       ///< To users.
   std::size_t fOtherMounts = 0;  ///< Of the same block device elsewhere.
   bool fIsReadOnly = false;
+
+  /// Returns how much of what users can have is in use, from 0 to 1; none if that is not known.
+  /// What is kept for others counts as used only if `fUsedBytes` is not known.
+  std::optional<double> UsedPart() const;
 };
 
 struct TPort {
