@@ -29,6 +29,10 @@ std::string_view Trimmed(std::string_view text) {
   return text.substr(start, text.find_last_not_of(' ') - start + 1);
 }
 
+bool BeginsWith(std::string_view text, std::string_view start) {
+  return text.substr(0, start.size()) == start;
+}
+
 std::optional<long double> NumberOf(std::string_view text) {
   long double number = 0;
   if (!text.empty() && text.front() == '+') text.remove_prefix(1);
@@ -98,7 +102,10 @@ std::string Rounded(long double number, int digits) {
 
 std::string Rounded(long double number) {
   // What rounds up to 10 has one digit, too: its zeros are gone then.
-  return Rounded(number, DigitsFor(number));
+  std::string rounded = Rounded(number, DigitsFor(number));
+  // What is little is not nothing.
+  if (rounded == "0" && number != 0) return Formatted(number, std::chars_format::general, 2);
+  return rounded;
 }
 
 /// Divides by the base, at most `most` times, as long as what is shown reaches the base.
@@ -175,6 +182,7 @@ constexpr TKnownUnit kUnits[] = {{"byte", EForm::kBytes, "B"},
                                  {"kelvin", EForm::kPlain, "K"},
                                  {"decibel", EForm::kPlain, "dB"},
                                  {"decibel m", EForm::kPlain, "dBm"},
+                                 {"decibelm", EForm::kPlain, "dBm"},  // "decibel(m)"
                                  {"lumen", EForm::kPlain, "lm"},
                                  {"percent", EForm::kPlain, "%"},
                                  {"permille", EForm::kPlain, "\u2030"},
@@ -233,10 +241,15 @@ std::optional<long double> FactorOfSuffix(std::string_view suffix, const TKnownU
     const long double seconds = SecondsOf(suffix);
     return seconds == 0 ? std::nullopt : std::optional(seconds / unit.fFactor);
   }
+  // People leave out a part of it: "10Gbit", "41C".
   const std::string_view symbol = unit.fSymbol;
-  if (suffix.size() >= symbol.size() &&
-      NModel::EqualIgnoringCase(suffix.substr(suffix.size() - symbol.size()), symbol)) {
-    suffix.remove_suffix(symbol.size());
+  for (const std::string_view form : {symbol, symbol.substr(0, symbol.find("/s")),
+                                      symbol.substr(BeginsWith(symbol, "\u00b0") ? 2 : 0)}) {
+    const bool ends = suffix.size() >= form.size() &&
+                      NModel::EqualIgnoringCase(suffix.substr(suffix.size() - form.size()), form);
+    if (!ends) continue;
+    suffix.remove_suffix(form.size());
+    break;
   }
   // The only small prefix: that of large ones in the wrong case is none.
   if (suffix == "m" && unit.fForm == EForm::kThousandths) return 1e-3L;
@@ -260,7 +273,10 @@ std::optional<long double> ParseQuantity(const std::string& text, const std::str
   const TKnownUnit* const known = FindUnit(parts.fName);
   const auto factor = known == nullptr ? std::nullopt : FactorOfSuffix(suffix, *known);
   if (!factor) return std::nullopt;
-  return *number * *factor / parts.fScale;
+  const long double quantity = *number * *factor / parts.fScale;
+  // "41 C" is 41000 thousandths of a degree, without the rest that 10^-3 leaves in binary.
+  const long double whole = std::round(quantity);
+  return std::fabs(quantity - whole) <= 1e-15L * std::fabs(whole) ? whole : quantity;
 }
 
 std::string FormatQuantity(long double number, const std::string& unit) {

@@ -5,13 +5,13 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <cstdint>
 #include <iterator>
 #include <optional>
 #include <string_view>
 #include <system_error>
 
+#include <qdxdisplay/date_time.h>
 #include <qdxdisplay/names.h>
 #include <qdxdisplay/quantity.h>
 
@@ -19,10 +19,10 @@ namespace NVORNQDX20 {
 namespace {
 
 template <typename T>
-std::optional<T> Parsed(std::string_view text) {
+std::optional<T> Parsed(std::string_view text, int base = 10) {
   T number{};
   const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  const auto [stop, error] = std::from_chars(text.data(), end, number, base);
   if (stop != end || error != std::errc()) return std::nullopt;
   return number;
 }
@@ -47,58 +47,37 @@ bool IsNumeric(const TPropertySnapshot& property) {
   return BeginsWith(type, "uint") || BeginsWith(type, "sint") || BeginsWith(type, "real");
 }
 
-/// Returns whether the number is in "8..15", "..15" or "8..", of which ".." is all others.
-bool IsInRange(long double number, std::string_view range) {
+std::string_view Trimmed(std::string_view text) {
+  const std::size_t start = std::min(text.find_first_not_of(' '), text.size());
+  text.remove_prefix(start);
+  return text.substr(0, text.find_last_not_of(' ') + 1);
+}
+
+std::optional<long double> DecimalIn(std::string_view text) {
+  if (const auto number = Parsed<std::uint64_t>(text)) return static_cast<long double>(*number);
+  if (const auto number = Parsed<std::int64_t>(text)) return static_cast<long double>(*number);
+  return std::nullopt;
+}
+
+/// Reads a number of a ValueMap. The DMTF writes those of vendors in hexadecimal: "0x8000..".
+std::optional<long double> MappedNumber(std::string_view text) {
+  if (!BeginsWith(text, "0x") && !BeginsWith(text, "0X")) return DecimalIn(text);
+  const auto number = Parsed<std::uint64_t>(text.substr(2), 16);
+  return number ? std::optional(static_cast<long double>(*number)) : std::nullopt;
+}
+
+/// Returns whether the number is "0x8000", or in "8..15", "..15" or "8..", of which ".." is all
+/// others.
+bool IsMapped(long double number, std::string_view range) {
   const std::size_t dots = range.find("..");
-  if (dots == std::string_view::npos || range.size() == 2) return false;
-  const std::string_view from = range.substr(0, dots);
-  const std::string_view to = range.substr(dots + 2);
-  const auto first = Parsed<std::int64_t>(from);
-  const auto last = Parsed<std::int64_t>(to);
+  if (dots == std::string_view::npos) return MappedNumber(Trimmed(range)) == number;
+  if (range.size() == 2) return false;
+  const std::string_view from = Trimmed(range.substr(0, dots));
+  const std::string_view to = Trimmed(range.substr(dots + 2));
+  const auto first = MappedNumber(from);
+  const auto last = MappedNumber(to);
   if ((!first && !from.empty()) || (!last && !to.empty())) return false;
-  return (!first || number >= static_cast<long double>(*first)) &&
-         (!last || number <= static_cast<long double>(*last));
-}
-
-bool AreDigits(std::string_view text) {
-  return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
-}
-
-/// "20040315143000.000000+060"; the offset is in minutes.
-std::optional<std::string> PointText(std::string_view text) {
-  const auto offset = Parsed<int>(text.substr(22));
-  if (!offset || (text[21] != '+' && text[21] != '-')) return std::nullopt;
-  std::string out(text.substr(0, 4));
-  static constexpr struct {
-    std::size_t fPosition;
-    char fBefore;
-  } kParts[] = {{4, '-'}, {6, '-'}, {8, ' '}, {10, ':'}, {12, ':'}};
-  for (const auto& [position, before] : kParts) {
-    out += before;
-    out += text.substr(position, 2);
-  }
-  std::string_view fraction = text.substr(15, 6);
-  fraction = fraction.substr(0, fraction.find_last_not_of('0') + 1);
-  if (!fraction.empty()) out.append(".").append(fraction);
-  const auto two = [](int number) { return (number < 10 ? "0" : "") + std::to_string(number); };
-  return out + " " + text[21] + two(*offset / 60) + ":" + two(*offset % 60);
-}
-
-/// "00000012030405.000000:000": days, hours, minutes, seconds.
-std::optional<std::string> IntervalText(std::string_view text) {
-  const auto part = [text](std::size_t start, std::size_t size) {
-    return static_cast<long double>(*Parsed<std::uint32_t>(text.substr(start, size)));
-  };
-  return FormatDuration(part(0, 8) * 86400 + part(8, 2) * 3600 + part(10, 2) * 60 + part(12, 2) +
-                        part(15, 6) / 1e6L);
-}
-
-/// None if some digits are unknown, "*".
-std::optional<std::string> DateTimeText(std::string_view text) {
-  const bool isComplete = text.size() == 25 && text[14] == '.' && AreDigits(text.substr(0, 14)) &&
-                          AreDigits(text.substr(15, 6)) && AreDigits(text.substr(22));
-  if (!isComplete) return std::nullopt;
-  return text[21] == ':' ? IntervalText(text) : PointText(text);
+  return (!first || number >= *first) && (!last || number <= *last);
 }
 
 /// "525400123456", as the DMTF writes addresses of ports.
@@ -251,11 +230,10 @@ std::optional<long double> NumberIn(const TJSON& value) {
   if (value.is_number_integer()) return static_cast<long double>(value.get<std::int64_t>());
   if (value.is_number_float()) return static_cast<long double>(value.get<double>());
   if (!value.is_string()) return std::nullopt;
-  const auto& text = value.get_ref<const std::string&>();
-  if (const auto number = Parsed<std::uint64_t>(text)) return static_cast<long double>(*number);
-  if (const auto number = Parsed<std::int64_t>(text)) return static_cast<long double>(*number);
-  return std::nullopt;
+  return DecimalIn(value.get_ref<const std::string&>());
 }
+
+bool IsShownInHex(const TPropertySnapshot& property) { return BusIDOf(property) != nullptr; }
 
 const std::string* NameOfValue(const TJSON& value, const TPropertySnapshot& property) {
   const auto& names = property.fValueNames;
@@ -271,7 +249,7 @@ const std::string* NameOfValue(const TJSON& value, const TPropertySnapshot& prop
   const auto number = NumberIn(value);
   if (!number || !IsNumeric(property)) return nullptr;
   if (const auto* name =
-          find([&number](const auto& each) { return IsInRange(*number, each.first); })) {
+          find([&number](const auto& each) { return IsMapped(*number, each.first); })) {
     return name;
   }
   return find([](const auto& each) { return each.first == ".."; });

@@ -38,6 +38,8 @@ TEST(Quantity, HasTheUnitThatPeopleRead) {
               {64, "bit", "64 bits"},
               {1.75L, "inch", "1.75 in"},
               {0, "watt", "0 W"},
+              {1, "watt * 10^-6", "0.001 mW"},
+              {70, "decibel(m) * -1", "-70 dBm"},
               // Times.
               {100, "second * 10^-3", "100 ms"},
               {90, "minute", "1 h 30 min"},
@@ -67,6 +69,9 @@ TEST(Quantity, IsReadAsPeopleTypeIt) {
               {"3.2GHz", "hertz * 10^6", 3200},
               {"500 mA", "ampere * 10^-3", 500},
               {"2h", "minute", 120},
+              {"10Gbit", "bit / second", 10e9},
+              {"41C", "degree celsius * 10^-3", 41000},
+              {"0.07 V", "volt * 10^-3", 70},
               {"18446744073709551615", "", 18446744073709551615.0},
               {"100 GB", "hertz", std::nullopt},
               {"GB", "byte", std::nullopt},

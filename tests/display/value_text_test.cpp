@@ -43,6 +43,10 @@ TEST(ValueText, NamesTheNumbersOfEnumerations) {
   status.fValueNames = {{"2", "OK"}, {"8..15", "Reserved"}, {"32768..", "Vendor"}, {"..", "DMTF"}};
   EXPECT_EQ(TextForPeople({2, 9, 40000, 7}, status),
             "{ 2 (OK), 9 (Reserved), 40000 (Vendor), 7 (DMTF) }");
+  status.fValueNames = {
+      {"2", "OK"}, {"..", "DMTF"}, {"0x7FFF", "Last"}, {"0x8000..0xFFFF", "Maker"}};
+  EXPECT_EQ(TextForPeople({2, 3, 32767, 32768}, status),
+            "{ 2 (OK), 3 (DMTF), 32767 (Last), 32768 (Maker) }");
   status.fValueNames = {{"0", "Zero"}};
   EXPECT_EQ(TextForPeople({1}, status), "{ 1 }");
 }

@@ -34,6 +34,9 @@ std::pair<std::string, std::string> DistinctTexts(const TJSON& one, const TJSON&
 /// Returns the text that the property's enumeration has for the value; null for none.
 const std::string* NameOfValue(const TJSON& value, const TPropertySnapshot& property);
 
+/// Returns whether the numbers of the property are shown in hexadecimal digits, as IDs of PCI are.
+bool IsShownInHex(const TPropertySnapshot& property);
+
 /// Returns the number in a value of a numeric property, also one of 64 bits, which is a text.
 std::optional<long double> NumberIn(const TJSON& value);
 
