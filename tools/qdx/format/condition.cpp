@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "condition.h"
 
+#include <qdxdisplay/date_time.h>
 #include <qdxdisplay/quantity.h>
 #include <qdxdisplay/value_text.h>
 #include <qdxmodel/names.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
+#include <optional>
 #include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -27,6 +32,21 @@ std::string BareText(const TJSON& value) {
 bool IsNumeric(const TPropertySnapshot& property) {
   const std::string_view type = std::string_view(property.fType).substr(0, 4);
   return type == "uint" || type == "sint" || type == "real";
+}
+
+bool IsDateTime(const TPropertySnapshot& property) {
+  return property.fType.substr(0, property.fType.find('[')) == "datetime";
+}
+
+/// Returns the number of a text for a property that is shown in hexadecimal digits: "8086" and
+/// "0x8086" are hexadecimal, "32902" is not.
+std::optional<std::uint16_t> IDIn(const std::string& text) {
+  const bool hasPrefix = Folded(text.substr(0, 2)) == "0x";
+  const int base = hasPrefix || text.size() == 4 ? 16 : 10;
+  std::uint16_t id = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data() + (hasPrefix ? 2 : 0), end, id, base);
+  return stop == end && error == std::errc() ? std::optional(id) : std::nullopt;
 }
 
 /// The forms in which people know a value.
@@ -94,6 +114,11 @@ bool TCondition::MatchesElement(const TJSON& value, const TPropertySnapshot& pro
 
 bool TCondition::IsEqual(const TJSON& value, const TPropertySnapshot& property,
                          const std::string& unit) const {
+  const auto id = IsShownInHex(property) ? IDIn(fValue) : std::nullopt;
+  if (id) return NumberIn(value) == *id;
+  if (IsDateTime(property) && value.is_string()) {
+    if (const auto order = CompareDateTime(BareText(value), fValue)) return *order == 0;
+  }
   const std::vector<std::string> forms = FormsOf(value, property);
   const bool isForm = std::any_of(forms.begin(), forms.end(), [this](const std::string& form) {
     return NModel::EqualIgnoringCase(form, fValue);
@@ -132,12 +157,21 @@ bool TCondition::IsInOrder(const TJSON& value, const TPropertySnapshot& property
                   "'" + (unit.empty() ? "" : ", which is no number of " + unit));
     }
     const auto number = NumberIn(value);
+    // A real number is no more exact than a double.
+    if (value.is_number_float()) return holds(value.get<double>(), static_cast<double>(*wanted));
     return number && holds(*number, *wanted);
   }
-  // Points in time begin with the year in this form, too.
-  const std::string text =
-      property.fType == "datetime" ? TextForPeople(value, property) : BareText(value);
-  return holds(Folded(text), Folded(fValue));
+  if (IsDateTime(property)) {
+    const std::string text = BareText(value);
+    if (!DateTimeText(text)) return false;  // some digits are unknown
+    const auto order = CompareDateTime(text, fValue);
+    if (!order) {
+      FailOnUsage("option '--where' compares the date-time " + property.fName + " with '" + fValue +
+                  "', which is none");
+    }
+    return holds(*order, 0);
+  }
+  return holds(Folded(BareText(value)), Folded(fValue));
 }
 
 }  // namespace NVORNQDX20
