@@ -122,17 +122,16 @@ TEST_F(QDXShowMachine, PicksAndFilters) {
   const std::pair<std::vector<std::string>, std::string> rows[] = {
       {{"--properties", "currentreading, DeviceID,deviceid", "--csv"},
        "currentreading,DeviceID\r\n41500,hwmon0/chip/temp1\r\n30000,hwmon0/chip/temp2\r\n"},
-      {{"--properties=ElementName", "--csv", "--where", "Name=TEMP1"},
+      {{"--properties=ElementName", "--csv", "--where", "Name==TEMP1"},
        "ElementName\r\n\"CPU, \"\"hot\"\"\"\r\n"},
       {{"--properties", "Name,CurrentReading", "--table", "--where=CurrentReading>=30000"},
        "root/cimv2  (provider linux)\n  VORNSG_NumericSensor  (2 instances)\n"
        "    Name   CurrentReading\n    temp1  41.5 \u00b0C\n    temp2  30 \u00b0C\n"},
-      {{"--properties", "Name", "--csv", "--where", "CurrentReading<40\u00b0C"},
-       "Name\r\ntemp2\r\n"},
+      {{"--properties", "Name", "--csv", "--where", "CurrentReading<=30C"}, "Name\r\ntemp2\r\n"},
       {{"--properties", "Name", "--csv", "--where", "SensorType=temperature", "--where",
         "Name!=temp2"},
        "Name\r\ntemp1\r\n"},
-      {{"--properties", "Name", "--csv", "--where", "ElementName~hot"}, "Name\r\ntemp1\r\n"},
+      {{"--properties", "Name", "--csv", "--where", " ElementName ~ hot"}, "Name\r\ntemp1\r\n"},
       {{"--properties", "Name", "--csv", "--where", "ElementName="}, "Name\r\ntemp2\r\n"},
       {{"--properties", "Name", "--where", "Name=x"},
        "root/cimv2  (provider linux)\n  VORNSG_NumericSensor  (0 of 2 instances)\n"}};

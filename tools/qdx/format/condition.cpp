@@ -51,12 +51,10 @@ std::optional<std::uint16_t> IDIn(const std::string& text) {
 
 /// The forms in which people know a value.
 std::vector<std::string> FormsOf(const TJSON& value, const TPropertySnapshot& property) {
-  TPropertySnapshot element = property;
-  element.fType = element.fType.substr(0, element.fType.find('['));
   std::vector<std::string> forms = {BareText(value)};
   if (value.is_null()) return forms;
-  forms.push_back(TextForPeople(value, element));
-  if (const std::string* const name = NameOfValue(value, element)) forms.push_back(*name);
+  forms.push_back(TextForPeople(value, property));
+  if (const std::string* const name = NameOfValue(value, property)) forms.push_back(*name);
   return forms;
 }
 
@@ -64,8 +62,8 @@ std::vector<std::string> FormsOf(const TJSON& value, const TPropertySnapshot& pr
 
 TCondition::TCondition(const std::string& text) {
   static constexpr std::pair<std::string_view, EOperator> kOperators[] = {
-      {"!=", kNotEqual}, {"<=", kLessOrEqual}, {">=", kGreaterOrEqual}, {"=", kEqual},
-      {"<", kLess},      {">", kGreater},      {"~", kContains}};
+      {"!=", kNotEqual}, {"<=", kLessOrEqual}, {">=", kGreaterOrEqual}, {"==", kEqual},
+      {"=", kEqual},     {"<", kLess},         {">", kGreater},         {"~", kContains}};
   const std::size_t end = std::min(text.find_first_of("!<>=~"), text.size());
   const std::string_view rest = std::string_view(text).substr(end);
   const auto found = std::find_if(
@@ -76,7 +74,8 @@ TCondition::TCondition(const std::string& text) {
     FailOnUsage("option '--where' needs a property, one of = != < <= > >= ~ and a value, not '" +
                 text + "'");
   }
-  fProperty = text.substr(0, last + 1);
+  const std::size_t first = text.find_first_not_of(' ');
+  fProperty = text.substr(first, last + 1 - first);
   fOperator = found->second;
   const std::size_t start = text.find_first_not_of(' ', end + found->first.size());
   fValue = start == std::string::npos ? "" : text.substr(start);
