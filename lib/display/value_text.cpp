@@ -14,6 +14,7 @@
 #include <qdxdisplay/date_time.h>
 #include <qdxdisplay/names.h>
 #include <qdxdisplay/quantity.h>
+#include <qdxdisplay/sensor.h>
 
 namespace NVORNQDX20 {
 namespace {
@@ -174,31 +175,6 @@ bool IsBusName(const TJSON& value) {
          text.find_first_not_of("0123456789abcdef:") == std::string::npos;
 }
 
-/// The PUnits of the numbers that BaseUnits of a sensor can have; the other numbers have none.
-struct TBaseUnit {
-  int fNumber;
-  const char* fUnit;
-};
-constexpr TBaseUnit kBaseUnits[] = {{2, "degree celsius"},
-                                    {3, "degree fahrenheit"},
-                                    {4, "kelvin"},
-                                    {5, "volt"},
-                                    {6, "ampere"},
-                                    {7, "watt"},
-                                    {8, "joule"},
-                                    {10, "volt * ampere"},
-                                    {12, "lumen"},
-                                    {15, "pascal * 10^3"},
-                                    {19, "revolution / minute"},
-                                    {20, "hertz"},
-                                    {21, "second"},
-                                    {22, "minute"},
-                                    {23, "hour"},
-                                    {24, "day"},
-                                    {27, "inch"},
-                                    {31, "meter"},
-                                    {65, "percent"}};
-
 /// Returns whether the number is in the units of the sensor that has it.
 bool IsReading(const TPropertySnapshot& property) {
   static constexpr const char* kEnds[] = {"Reading",    "NonCritical", "Critical",
@@ -216,11 +192,12 @@ std::string UnitOfReadings(const TClassSnapshot& cimClass, const TInstanceSnapsh
   const TJSON* const rate = ValueNamed(cimClass, instance, "RateUnits");
   const bool isRate = rate != nullptr && !rate->is_null() && *rate != 0;
   if (base == nullptr || isRate) return "";
-  const auto found = std::find_if(std::begin(kBaseUnits), std::end(kBaseUnits),
-                                  [base](const TBaseUnit& each) { return *base == each.fNumber; });
-  if (found == std::end(kBaseUnits)) return "";
-  const bool isModified = modifier != nullptr && modifier->is_number_integer();
-  return found->fUnit + (isModified ? " * 10^" + modifier->dump() : "");
+  const auto number = NumberIn(*base);
+  constexpr int kEnd = 1000;  // beyond all of them
+  const bool isKnown = number && *number >= 0 && *number < kEnd;
+  const std::string unit = isKnown ? UnitOfSensor(static_cast<std::uint64_t>(*number)) : "";
+  const bool isModified = !unit.empty() && modifier != nullptr && modifier->is_number_integer();
+  return unit + (isModified ? " * 10^" + modifier->dump() : "");
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "overview.h"
 
 #include <qdxdisplay/quantity.h>
+#include <qdxdisplay/sensor.h>
 
 #include <cmath>
 #include <cstdio>
@@ -111,14 +112,7 @@ THTML Cards(const TSummary& summary, const TRecords& records) {
 }
 
 std::string ReadingOf(const TSensor& sensor, std::int64_t number) {
-  // The units of CIM_NumericSensor that sensors of servers have.
-  static constexpr const char* kUnits[] = {
-      "", "", "degree celsius", "degree fahrenheit", "kelvin", "volt", "ampere", "watt", "joule"};
-  constexpr std::uint64_t kRevolutions = 38;
-  const double value = static_cast<double>(number) * std::pow(10.0, sensor.fModifier);
-  const std::uint64_t unit = sensor.fBaseUnits.value_or(0);
-  if (unit < std::size(kUnits)) return FormatQuantity(value, kUnits[unit]);
-  return FormatQuantity(value, unit == kRevolutions ? "revolution / minute" : "");
+  return FormatReading(number, sensor.fBaseUnits.value_or(0), sensor.fModifier);
 }
 
 THTML Sensors(const TSummary& summary) {

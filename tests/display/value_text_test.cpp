@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <qdxdisplay/sensor.h>
+
 namespace NVORNQDX20 {
 namespace {
 
@@ -61,6 +63,12 @@ TEST(ValueText, UsesWhatOtherPropertiesSay) {
   EXPECT_EQ(TextForPeople(sensor, instance, 2), "8086:1572 (Intel Corporation)");
   EXPECT_EQ(TextForPeople(sensor, instance, 4), "8086 (Intel Corporation)");
   EXPECT_EQ(TextForPeople(sensor, {"", {nullptr, 41500, "", -3, 1, nullptr}}, 1), "41500");
+}
+
+TEST(ValueText, OfASensorHasItsUnit) {
+  EXPECT_EQ(FormatReading(41500, 2, -3), "41.5 \u00b0C");
+  EXPECT_EQ(FormatReading(1200, 19, 0), "1200 rpm");
+  EXPECT_EQ(FormatReading(41500, 38, -3), "41.5");
 }
 
 TEST(ValueText, IsBareWhereItWouldHideADifference) {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "words.h"
+#include <qdxdisplay/sensor.h>
 
 namespace NVORNQDX20 {
 namespace {
@@ -146,7 +146,7 @@ TJSON SensorAsJSON(const TSensor& sensor) {
   return {{"name", Text(sensor.fName)},
           {"chip", Text(sensor.fChip)},
           {"state", Text(sensor.fState)},
-          {"unit", Text(UnitOf(sensor))},
+          {"unit", Text(UnitOfSensor(sensor.fBaseUnits.value_or(0)))},
           {"reading", ReadingAsJSON(sensor, sensor.fReading)},
           {"limit", ReadingAsJSON(sensor, sensor.fLimit)}};
 }

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include <qdxdisplay/quantity.h>
+#include <qdxdisplay/sensor.h>
 
 #include "screen.h"
 
@@ -78,30 +79,8 @@ int PercentUsed(const NSummary::TFileSystem& system) {
   return part ? static_cast<int>(std::ceil(*part * 100 - 1e-9)) : -1;
 }
 
-const char* UnitOf(const NSummary::TSensor& sensor) {
-  switch (sensor.fBaseUnits.value_or(0)) {
-    case 2:
-      return "degree celsius";
-    case 5:
-      return "volt";
-    case 6:
-      return "ampere";
-    case 7:
-      return "watt";
-    case 8:
-      return "joule";
-    case 19:
-      return "revolution / minute";
-    case 65:
-      return "percent";
-    default:
-      return "";
-  }
-}
-
 std::string ReadingOf(const NSummary::TSensor& sensor, std::int64_t reading) {
-  const long double scale = std::pow(10.0L, static_cast<long double>(sensor.fModifier));
-  return FormatQuantity(static_cast<long double>(reading) * scale, UnitOf(sensor));
+  return FormatReading(reading, sensor.fBaseUnits.value_or(0), sensor.fModifier);
 }
 
 }  // namespace NVORNQDX20

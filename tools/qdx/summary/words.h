@@ -42,8 +42,6 @@ int PercentUsed(const NSummary::TFileSystem& system);
 
 /// Returns "98 °C".
 std::string ReadingOf(const NSummary::TSensor& sensor, std::int64_t reading);
-/// Returns the unit as DMTF DSP0004 writes it, or "".
-const char* UnitOf(const NSummary::TSensor& sensor);
 
 }  // namespace NVORNQDX20
 
