@@ -50,8 +50,7 @@ using TSharedDeclarations = std::shared_ptr<const TClassSnapshot>;
 
 class TClassComparison {
  public:
-  TClassComparison(TClassSide& a, TClassSide& b, const TComparisonOptions& options,
-                   TFindings& findings);
+  TClassComparison(TClassSide& a, TClassSide& b, TFindings& findings);
 
   void CompareDeclarations();
   void CompareInstances();
@@ -73,18 +72,15 @@ class TClassComparison {
 
   TClassSide& fA;
   TClassSide& fB;
-  const TComparisonOptions& fOptions;
   TFindings& fFindings;
   const std::string fNamespace;
   const std::string fName;
   std::vector<TColumn> fColumns;  // all properties, by name
 };
 
-TClassComparison::TClassComparison(TClassSide& a, TClassSide& b, const TComparisonOptions& options,
-                                   TFindings& findings)
+TClassComparison::TClassComparison(TClassSide& a, TClassSide& b, TFindings& findings)
     : fA(a),
       fB(b),
-      fOptions(options),
       fFindings(findings),
       fNamespace((a.GetClass().fName.empty() ? b : a).GetSide().fNamespace.fNamespace->GetName({})),
       fName((a.GetClass().fName.empty() ? b : a).GetClass().fName) {
@@ -314,7 +310,7 @@ TIdentity IdentityOf(const std::string& className, const std::string& key) {
 
 void CompareClass(TClassSide& a, TClassSide& b, const TComparisonOptions& options,
                   TFindings& findings) {
-  TClassComparison comparison(a, b, options, findings);
+  TClassComparison comparison(a, b, findings);
   comparison.CompareDeclarations();
   if (options.fSchema) CompareSchema(a, b, findings);
   comparison.CompareInstances();

@@ -78,7 +78,8 @@ const std::array<std::uint8_t, 256>& TPseudonyms::LastBytes(const std::string& n
   std::iota(bytes.begin(), bytes.end(), std::uint8_t{0});
   for (std::uint32_t left = 254; left > 1; --left) {  // 0 and 255 stay
     const TDigest digest = Digest("last byte", network, left);
-    const std::uint32_t random = digest[0] << 16 | digest[1] << 8 | digest[2];
+    const std::uint32_t random =
+        std::uint32_t{digest[0]} << 16U | std::uint32_t{digest[1]} << 8U | std::uint32_t{digest[2]};
     std::swap(bytes[left], bytes[1 + random % left]);
   }
   return bytes;
