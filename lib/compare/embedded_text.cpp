@@ -138,7 +138,15 @@ class TXMLContent {
   std::string fContent;
 };
 
-/// Writes MOF as words with one blank between them; null if a text in quotes does not end.
+/// Returns whether words begin an instance or a class, perhaps with qualifiers.
+bool BeginsObject(std::string_view words) {
+  for (const std::string_view start : {"instance ", "class ", "[ "}) {
+    if (words.substr(0, start.size()) == start) return true;
+  }
+  return false;
+}
+
+/// Writes MOF as words with one blank between them; null if the text is no MOF.
 std::optional<std::string> ContentOfMOF(std::string_view text) {
   constexpr std::string_view kPunctuation = "{}()[]=;,:";
   constexpr std::string_view kEndOfWord = " \t\r\n{}()[]=;,:\"'/";
@@ -164,6 +172,7 @@ std::optional<std::string> ContentOfMOF(std::string_view text) {
       content.append(NModel::Folded(scanner.TakeUntil(kEndOfWord))).append(" ");
     }
   }
+  if (!BeginsObject(content)) return std::nullopt;
   return content;
 }
 

@@ -39,6 +39,9 @@ INSTANTIATE_TEST_SUITE_P(
               "instance of A { X = \"a \\\"b\"; };", false},
         TPair{"CaseOfText", "instance of A { X = \"a\"; };", "instance of A { X = \"A\"; };",
               false},
+        TPair{"PlainText", "//server/one", "//server/two", false},
+        TPair{"CaseOfPlainText", "Fan 1", "fan  1", false},
+        TPair{"QualifiersInMOF", "[X] class A{};", "[ X ] class A { };", true},
         TPair{"OpenQuote", "a \"b", "a  \"b", false}, TPair{"OpenComment", "a /*", "a  /*", false},
         TPair{"Empty", "", "<", false}),
     [](const auto& each) { return std::string(each.param.fName); });
