@@ -22,6 +22,7 @@ using TType = TCIMValue::TCIMType;
 const char* const kNull = "0";
 /// In the place of the machine's name. A control character, so that no name is equal to it.
 constexpr char kMachine = '\x02';
+constexpr char kOther = '\x03';
 /// Shorter names can be a part of many texts by chance, and only replace a whole text.
 constexpr std::size_t kShortestToken = 3;
 
@@ -67,7 +68,7 @@ bool IsOfWord(char c) {
 }
 
 /// Replaces a name, in any case, where it is a whole word.
-std::string Replaced(const std::string& text, const std::string& name) {
+std::string Replaced(const std::string& text, const std::string& name, char placeholder) {
   std::string replaced;
   std::size_t copied = 0;
   for (std::size_t at = 0; at + name.size() <= text.size(); ++at) {
@@ -78,28 +79,44 @@ std::string Replaced(const std::string& text, const std::string& name) {
         !NModel::EqualIgnoringCase(std::string_view(text).substr(at, name.size()), name)) {
       continue;
     }
-    replaced.append(text, copied, at - copied).push_back(kMachine);
+    replaced.append(text, copied, at - copied).push_back(placeholder);
     copied = end;
     at = end - 1;
   }
   return replaced.append(text, copied);
 }
 
+/// Returns the name, and the part of it before the domain.
+std::vector<std::string> NamesOf(const std::string& machine) {
+  std::vector<std::string> names;
+  const std::size_t dot = machine.find('.');
+  if (!machine.empty()) names.push_back(machine);
+  if (dot != std::string::npos && dot != 0) names.push_back(machine.substr(0, dot));
+  return names;
+}
+
+std::string Without(const std::vector<std::string>& names, std::string text, char placeholder) {
+  for (const std::string& name : names) {
+    if (NModel::EqualIgnoringCase(text, name)) return std::string(1, placeholder);
+    if (name.size() >= kShortestToken) text = Replaced(text, name, placeholder);
+  }
+  return text;
+}
+
 }  // namespace
 
-TCanonical::TCanonical(std::string ownNamespace, std::string machine, const TLeftOut& leftOut)
-    : fNamespace(NModel::Folded(ownNamespace)), fLeftOut(leftOut) {
-  const std::size_t dot = machine.find('.');
-  if (!machine.empty()) fMachines.push_back(machine);
-  if (dot != std::string::npos && dot != 0) fMachines.push_back(machine.substr(0, dot));
+TCanonical::TCanonical(const std::string& ownNamespace, const std::string& machine,
+                       const TLeftOut& leftOut)
+    : fNamespace(NModel::Folded(ownNamespace)), fMachines(NamesOf(machine)), fLeftOut(leftOut) {}
+
+TCanonical TCanonical::WithOtherMachine(const std::string& machine) const {
+  TCanonical copy = *this;
+  copy.fOthers = NamesOf(machine);
+  return copy;
 }
 
 std::string TCanonical::WithoutMachine(std::string text) const {
-  for (const std::string& name : fMachines) {
-    if (NModel::EqualIgnoringCase(text, name)) return std::string(1, kMachine);
-    if (name.size() >= kShortestToken) text = Replaced(text, name);
-  }
-  return text;
+  return Without(fOthers, Without(fMachines, std::move(text), kMachine), kOther);
 }
 
 std::string TCanonical::TextOf(const TCIMValue& value, const TPropertyKind& kind) const {
@@ -184,6 +201,19 @@ bool TCanonical::LeadsToLeftOut(const TCIMValue& value) const {
   const TCIMReference* const reference = value.FindReference();
   if (fLeftOut.fClasses.empty() || reference == nullptr) return false;
   return fLeftOut.fClasses.count(NModel::Folded(reference->GetClassName())) != 0;
+}
+
+std::string WithoutPlaceholders(std::string text) {
+  std::replace(text.begin(), text.end(), kOther, kMachine);
+  return text;
+}
+
+bool MayBeEqual(const std::string& a, const std::string& b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char inA, char inB) {
+    // Each side's name for the other: these are two machines.
+    if (inA == kOther && inB == kOther) return false;
+    return inA == inB || (inA == kMachine && inB == kOther) || (inA == kOther && inB == kMachine);
+  });
 }
 
 bool AreIdentical(const TCIMValue& a, const TCIMValue& b) {

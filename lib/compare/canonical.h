@@ -28,11 +28,15 @@ using TCanonicalKeys = std::vector<std::pair<std::string, std::string>>;
 class TCanonical {
  public:
   /// `machine` is the machine's name, which is a placeholder in every text; empty for none.
-  TCanonical(std::string ownNamespace, std::string machine, const TLeftOut& leftOut);
+  TCanonical(const std::string& ownNamespace, const std::string& machine, const TLeftOut& leftOut);
 
   /// Lets a key with this text count as empty: the other side does not know it.
   void HideInKeys(const std::string& text) { fHidden.push_back(text); }
   bool HidesAny() const { return !fHidden.empty(); }
+  bool HasMachine() const { return !fMachines.empty(); }
+  /// Returns a copy in whose texts the name of the other side's machine is a placeholder as well.
+  /// MayBeEqual() compares such texts.
+  TCanonical WithOtherMachine(const std::string& machine) const;
 
   std::string TextOf(const TCIMValue& value, const TPropertyKind& kind) const;
   std::string TextOfKey(const TCIMValue& value) const;
@@ -50,12 +54,19 @@ class TCanonical {
 
   std::string fNamespace;              // in lower case
   std::vector<std::string> fMachines;  // names of the machine, the longest first
+  std::vector<std::string> fOthers;    // and of the other side's
   std::vector<std::string> fHidden;
   const TLeftOut& fLeftOut;
 };
 
 /// Returns whether the values are the same in any case, so that no canonical text is needed.
 bool AreIdentical(const TCIMValue& a, const TCIMValue& b);
+
+/// Returns a text by which those that MayBeEqual() finds equal can be sorted.
+std::string WithoutPlaceholders(std::string text);
+/// Returns whether texts with both names are equal where each name either is the same on both
+/// sides, or that of its own machine on both.
+bool MayBeEqual(const std::string& a, const std::string& b);
 
 }  // namespace NVORNQDX20
 

@@ -62,6 +62,10 @@ class TClassComparison {
 
   std::vector<TChange> FindChanges(const std::vector<TIdentified>& a,
                                    const std::vector<TIdentified>& b);
+  template <typename TVisit>
+  void MatchByBothMachines(const std::vector<const TIdentified*>& a,
+                           const std::vector<const TIdentified*>& b, const TVisit& visit);
+  bool HasMachines() const;
   std::vector<TColumn> FindValues(const TIdentified& a, const TIdentified& b);
   bool AreEqual(const TColumn& column);
   void ReadSnapshots(std::vector<TChange>& changes);
@@ -145,17 +149,63 @@ void TClassComparison::CompareInstances() {
 std::vector<TChange> TClassComparison::FindChanges(const std::vector<TIdentified>& a,
                                                    const std::vector<TIdentified>& b) {
   std::vector<TChange> changes;
+  const auto add = [&](const TIdentified* inA, const TIdentified* inB) {
+    TChange change{inA, inB};
+    if (change.IsOfBoth()) {
+      change.fColumns = FindValues(*inA, *inB);
+      if (change.fColumns.empty()) return;
+    }
+    changes.push_back(std::move(change));
+  };
+  std::vector<const TIdentified*> onlyInA;
+  std::vector<const TIdentified*> onlyInB;
   Merge(
       a, b, [](const TIdentified& one) -> const std::string& { return one.fIdentity; },
       [&](const TIdentified* inA, const TIdentified* inB) {
-        TChange change{inA, inB};
-        if (change.IsOfBoth()) {
-          change.fColumns = FindValues(*inA, *inB);
-          if (change.fColumns.empty()) return;
-        }
-        changes.push_back(std::move(change));
+        if ((inA != nullptr && inB != nullptr) || !HasMachines()) return add(inA, inB);
+        inA != nullptr ? onlyInA.push_back(inA) : onlyInB.push_back(inB);
       });
+  MatchByBothMachines(onlyInA, onlyInB, add);
   return changes;
+}
+
+bool TClassComparison::HasMachines() const {
+  return fA.GetSide().fCanonical.HasMachine() && fB.GetSide().fCanonical.HasMachine();
+}
+
+/// A key can have a machine's name by chance: a folder "/backup" of the machine "backup" is the
+/// same as one of the machine "web". Calls `visit` with each instance, and the one it matches.
+template <typename TVisit>
+void TClassComparison::MatchByBothMachines(const std::vector<const TIdentified*>& a,
+                                           const std::vector<const TIdentified*>& b,
+                                           const TVisit& visit) {
+  struct TCandidate {
+    std::string fSorted;
+    std::string fText;
+    const TIdentified* fIdentified;
+  };
+  const auto candidates = [](TClassSide& side, const std::vector<const TIdentified*>& all) {
+    std::vector<TCandidate> made;
+    made.reserve(all.size());
+    for (const TIdentified* const each : all) {
+      std::string text = side.IdentityOfBothMachines(*each->fInstance);
+      made.push_back({WithoutPlaceholders(text), text, each});
+    }
+    std::stable_sort(made.begin(), made.end(), [](const auto& one, const auto& other) {
+      return one.fSorted < other.fSorted;
+    });
+    return made;
+  };
+  Merge(
+      candidates(fA, a), candidates(fB, b),
+      [](const TCandidate& one) -> const std::string& { return one.fSorted; },
+      [&visit](const TCandidate* inA, const TCandidate* inB) {
+        if (inA != nullptr && inB != nullptr && MayBeEqual(inA->fText, inB->fText)) {
+          return visit(inA->fIdentified, inB->fIdentified);
+        }
+        if (inA != nullptr) visit(inA->fIdentified, nullptr);
+        if (inB != nullptr) visit(nullptr, inB->fIdentified);
+      });
 }
 
 /// Returns the columns in which the instances differ.
@@ -184,8 +234,11 @@ bool TClassComparison::AreEqual(const TColumn& column) {
   bool areEqual = false;
   fA.Read(column.fInA, [&](const TCIMValue& a) {
     fB.Read(column.fInB, [&](const TCIMValue& b) {
-      areEqual = AreIdentical(a, b) ||
-                 fA.GetSide().fCanonical.TextOf(a, kind) == fB.GetSide().fCanonical.TextOf(b, kind);
+      areEqual =
+          AreIdentical(a, b) ||
+          fA.GetSide().fCanonical.TextOf(a, kind) == fB.GetSide().fCanonical.TextOf(b, kind) ||
+          (HasMachines() && MayBeEqual(fA.GetSide().fOfBothMachines.TextOf(a, kind),
+                                       fB.GetSide().fOfBothMachines.TextOf(b, kind)));
     });
   });
   return areEqual;

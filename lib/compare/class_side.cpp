@@ -47,9 +47,11 @@ bool IsIgnoredIn(const TComparisonOptions& options, const std::string& className
 
 }  // namespace
 
-TSide MakeSide(const TComparedNamespace& ns, const std::string& machine, const TLeftOut& leftOut) {
+TSide MakeSide(const TComparedNamespace& ns, const std::string& machine,
+               const std::string& otherMachine, const TLeftOut& leftOut) {
   const bool exists = ns.fNamespace != nullptr;
-  return {ns, TCanonical(exists ? ns.fNamespace->GetName({}) : "", machine, leftOut),
+  const TCanonical canonical(exists ? ns.fNamespace->GetName({}) : "", machine, leftOut);
+  return {ns, canonical, canonical.WithOtherMachine(otherMachine),
           exists && DeclaresQualifier(*ns.fNamespace, kArrayType)};
 }
 
@@ -106,7 +108,7 @@ std::vector<TIdentified> TClassSide::ReadInstances() {
     fReader->Begin(*instance);
     ++fDeclared.fInstanceCount;
     if (IsLeftOut()) continue;
-    identified.push_back({IdentityOfCurrent(), std::move(instance)});
+    identified.push_back({IdentityOfCurrent(fSide.fCanonical), std::move(instance)});
   }
   const auto less = [](const auto& a, const auto& b) { return a.fIdentity < b.fIdentity; };
   if (!std::is_sorted(identified.begin(), identified.end(), less)) {
@@ -115,17 +117,22 @@ std::vector<TIdentified> TClassSide::ReadInstances() {
   return identified;
 }
 
-std::string TClassSide::IdentityOfCurrent() const {
+std::string TClassSide::IdentityOfBothMachines(const ICIMInstance& instance) {
+  fReader->Begin(instance);
+  return IdentityOfCurrent(fSide.fOfBothMachines);
+}
+
+std::string TClassSide::IdentityOfCurrent(const TCanonical& canonical) const {
   TCanonicalKeys keys;
   for (const TNamedPosition& each : fOrder) {
     const std::size_t i = each.fPosition;
     if (fHasKeys ? !fDeclared.fProperties[i].fIsKey : !fIsCompared[i]) continue;
     Read(i, [&](const TCIMValue& value) {
-      keys.emplace_back(each.fName, fHasKeys ? fSide.fCanonical.TextOfKey(value)
-                                             : fSide.fCanonical.TextOf(value, fKinds[i]));
+      keys.emplace_back(each.fName,
+                        fHasKeys ? canonical.TextOfKey(value) : canonical.TextOf(value, fKinds[i]));
     });
   }
-  return fSide.fCanonical.IdentityOf(fDeclared.fName, keys);
+  return canonical.IdentityOf(fDeclared.fName, keys);
 }
 
 bool TClassSide::IsLeftOut() const {

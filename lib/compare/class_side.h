@@ -24,10 +24,12 @@ using TInstance = boost::shared_ptr<ICIMInstance>;
 struct TSide {
   const TComparedNamespace& fNamespace;  ///< Without a namespace if the side lacks it.
   TCanonical fCanonical;
+  TCanonical fOfBothMachines;   ///< With placeholders for the names of both machines.
   bool fHasArrayTypes = false;  ///< Whether an array without the qualifier is a bag.
 };
 
-TSide MakeSide(const TComparedNamespace& ns, const std::string& machine, const TLeftOut& leftOut);
+TSide MakeSide(const TComparedNamespace& ns, const std::string& machine,
+               const std::string& otherMachine, const TLeftOut& leftOut);
 
 /// An instance with the text that identifies it in its class.
 struct TIdentified {
@@ -65,6 +67,9 @@ class TClassSide {
   /// Returns the instances that are compared, by their identities.
   std::vector<TIdentified> ReadInstances();
 
+  /// Returns the text that identifies an instance, with placeholders for both machines.
+  std::string IdentityOfBothMachines(const ICIMInstance& instance);
+
   bool IsOfReasons() const { return fIsOfReasons; }
 
   /// Chooses the instance that is read, which must live as long.
@@ -86,7 +91,7 @@ class TClassSide {
   void ReadKinds();
   bool IsLeftOut() const;
   bool ExplainsLeftOut() const;
-  std::string IdentityOfCurrent() const;
+  std::string IdentityOfCurrent(const TCanonical& canonical) const;
 
   const TSide& fSide;
   const TClass fClass;

@@ -74,10 +74,10 @@ class TComparison {
 
 void TComparison::CompareNamespaces(const TComparedNamespace* a, const TComparedNamespace* b) {
   static const TComparedNamespace none;
-  auto inA = std::make_unique<TSide>(
-      MakeSide(a != nullptr ? *a : none, fOptions.fMachineOfA, fOptions.fLeftOut));
-  auto inB = std::make_unique<TSide>(
-      MakeSide(b != nullptr ? *b : none, fOptions.fMachineOfB, fOptions.fLeftOut));
+  auto inA = std::make_unique<TSide>(MakeSide(a != nullptr ? *a : none, fOptions.fMachineOfA,
+                                              fOptions.fMachineOfB, fOptions.fLeftOut));
+  auto inB = std::make_unique<TSide>(MakeSide(b != nullptr ? *b : none, fOptions.fMachineOfB,
+                                              fOptions.fMachineOfA, fOptions.fLeftOut));
   if (a == nullptr || b == nullptr) {
     fFindings.Add({TDifference::kNamespace,
                    b == nullptr ? TDifference::kRemoved : TDifference::kAdded,

@@ -153,6 +153,23 @@ TEST(MachineNames, CountAsEqualIfAskedFor) {
             "~ X_Partition sda1 Size in X_Drive sda\n");
 }
 
+TEST(MachineNames, CanBeInKeysByChance) {
+  TMachine a("backup"), b("web");
+  a.AddDisk("backup", "5", 1);
+  b.AddDisk("backup", "6", 1);
+  a.Add("X_Drive", "peer web", "1");
+  b.Add("X_Drive", "peer backup", "1");
+  TComparisonOptions options;
+  options.fMachineOfA = "backup";
+  options.fMachineOfB = "web";
+  const std::string text = Grouped(a, b, options);
+  for (const std::string line : {"~ X_Drive backup Size\n", "~ X_Partition backup1 Size",
+                                 "- X_Drive peer web", "+ X_Drive peer backup"}) {
+    EXPECT_NE(text.find(line), std::string::npos) << line << " is not in\n" << text;
+  }
+  EXPECT_EQ(text.find("- X_Drive backup"), std::string::npos) << text;
+}
+
 TEST(MachineNames, AreWholeWords) {
   struct TRow {
     const char* fInA;
@@ -167,6 +184,7 @@ TEST(MachineNames, AreWholeWords) {
                        {"myweb1", "myweb2", false},
                        {"web_web1", "web_web2", false},
                        {"web1", "web1", true},
+                       {"/web1 of web1", "/web1 of web2", true},
                        {"web2", "web1", false}};
   for (const TRow& row : rows) {
     TMachine a("web1"), b("web2");
