@@ -69,6 +69,7 @@ class TClassComparison {
   std::vector<TColumn> FindValues(const TIdentified& a, const TIdentified& b);
   bool AreEqual(const TColumn& column);
   void ReadSnapshots(std::vector<TChange>& changes);
+  bool IsGivenForClass(const TChange& change);
   void AddInstance(const TChange& change, std::size_t trace);
   void AddValues(const TChange& change, std::size_t trace);
   std::string NameOf(const TChange& change) const;
@@ -140,6 +141,7 @@ void TClassComparison::CompareInstances() {
     return one.GetPath() < other.GetPath();
   });
   for (const TChange& change : changes) {
+    if (IsGivenForClass(change)) continue;
     const std::size_t trace = fFindings.fTraces.size();
     fFindings.fTraces.push_back(TraceOf(change));
     change.IsOfBoth() ? AddValues(change, trace) : AddInstance(change, trace);
@@ -264,6 +266,20 @@ void TClassComparison::ReadSnapshots(std::vector<TChange>& changes) {
     read(fA, &TChange::fInA, &TChange::fOld, isOfBoth);
     read(fB, &TChange::fInB, &TChange::fNew, isOfBoth);
   }
+}
+
+/// Returns whether this is the reason of one instance, and the other side gives the same one for
+/// all of the class. Which of the two forms it has depends on the other instances.
+bool TClassComparison::IsGivenForClass(const TChange& change) {
+  TClassSide& side = change.fInA != nullptr ? fA : fB;
+  if (!side.IsOfReasons() || change.IsOfBoth()) return false;
+  const TClassSide& other = change.fInA != nullptr ? fB : fA;
+  side.Begin(*(change.fInA != nullptr ? change.fInA : change.fInB)->fInstance);
+  const std::string property = side.TextOfCurrent("propertyname");
+  if (property.empty() || side.TextOfCurrent("instance").empty()) return false;
+  const auto& reasons = other.GetSide().fNamespace.fReasons;
+  const auto found = reasons.find({side.TextOfCurrent("classname"), "", property});
+  return found != reasons.end() && found->second == side.TextOfCurrent("reason");
 }
 
 /// Adds an instance that only one side has. An error of the other side says why it may lack it.

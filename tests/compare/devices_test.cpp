@@ -137,6 +137,16 @@ TEST(Devices, HaveTheConsequencesBelowThem) {
   }
 }
 
+TEST(Devices, HaveTheReasonsThatAreGivenForTheClassWhenTheyCome) {
+  TMachine a("web1"), b("web1");
+  a.Add("X_Drive", "sda", "");
+  a.Explain("X_Drive", "sda", "Size");
+  for (const char* id : {"sda", "sdb"}) b.Add("X_Drive", id, "");
+  b.Explain("X_Drive", "", "Size");
+  const char* const came = "+ VORNSG_UnavailableValue in X_Drive sdb after X_Drive sdb\n";
+  EXPECT_EQ(Grouped(a, b), std::string(came) + "+ X_Drive sdb\n");
+}
+
 TEST(MachineNames, CountAsEqualIfAskedFor) {
   TMachine a("web1"), b("db2.example.org");
   a.AddDisk("sda", "5", 1);
