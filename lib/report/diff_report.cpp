@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxreport/diff_report.h>
 
-#include <qdxdisplay/names.h>
+#include <qdxdisplay/instance_labels.h>
 #include <qdxdisplay/value_text.h>
 
 #include <map>
@@ -41,20 +41,24 @@ std::string Cut(const std::string& text) {
          " more bytes)";
 }
 
-/// The texts of both values; an en dash for null.
+/// The texts of both values, each by its own declaration: the units can differ. An en dash for
+/// null.
 std::pair<std::string, std::string> Texts(const TDifference& difference) {
-  const auto& declaration =
-      difference.fNewDeclaration ? difference.fNewDeclaration : difference.fOldDeclaration;
-  auto texts = declaration ? DistinctTexts(difference.fOld, difference.fNew, *declaration)
-                           : std::make_pair(PlainText(difference.fOld), PlainText(difference.fNew));
-  texts.first = difference.fOld.is_null() ? "\u2013" : Cut(texts.first);
-  texts.second = difference.fNew.is_null() ? "\u2013" : Cut(texts.second);
+  const TJSON& before = difference.fOld;
+  const TJSON& after = difference.fNew;
+  std::pair texts(PlainText(before), PlainText(after));
+  if (difference.fOldDeclaration && difference.fNewDeclaration) {
+    texts = {DistinctTexts(before, after, *difference.fOldDeclaration).first,
+             DistinctTexts(before, after, *difference.fNewDeclaration).second};
+  }
+  texts.first = before.is_null() ? "\u2013" : Cut(texts.first);
+  texts.second = after.is_null() ? "\u2013" : Cut(texts.second);
   return texts;
 }
 
-std::string NameOf(const TDifference& difference) {
-  const std::string owner =
-      IsOfInstance(difference) ? InstanceLabel(difference.fOwner) : difference.fOwner;
+std::string NameOf(const TDifference& difference, const TInstanceLabels& labels) {
+  const std::string& owner =
+      IsOfInstance(difference) ? labels.GetLabel(difference.fOwner) : difference.fOwner;
   return Cut(owner.empty() ? difference.fNamespace : owner);
 }
 
@@ -64,7 +68,7 @@ THTML Change(const TDifference& difference) {
   return word + " " + TextElement("span", "quiet", Cut(difference.fReason));
 }
 
-THTML Row(const TDifference& difference) {
+THTML Row(const TDifference& difference, const TInstanceLabels& labels) {
   const bool isWhole = difference.fElement == TDifference::kNamespace ||
                        difference.fElement == TDifference::kClass ||
                        difference.fElement == TDifference::kInstance;
@@ -72,15 +76,16 @@ THTML Row(const TDifference& difference) {
   if (difference.fElement == TDifference::kSuperclass) property = "superclass";
   const auto [before, after] = isWhole ? std::pair<std::string, std::string>() : Texts(difference);
   return Element("tr", "",
-                 "<th scope=\"row\">" + Escaped(NameOf(difference)) + "</th>" +
+                 "<th scope=\"row\">" + Escaped(NameOf(difference, labels)) + "</th>" +
                      TextElement("td", "", property) + Element("td", "", Change(difference)) +
                      TextElement("td", "text", before) + TextElement("td", "text", after)) +
          "\n";
 }
 
-THTML Table(const std::string& caption, const std::vector<const TDifference*>& differences) {
+THTML Table(const std::string& caption, const std::vector<const TDifference*>& differences,
+            const TInstanceLabels& labels) {
   THTML rows;
-  for (const TDifference* const each : differences) rows += Row(*each);
+  for (const TDifference* const each : differences) rows += Row(*each, labels);
   THTML head;
   for (const char* const title : {"Instance", "Property", "Change", "Before", "After"}) {
     head += "<th scope=\"col\">" + Escaped(title) + "</th>";
@@ -91,19 +96,19 @@ THTML Table(const std::string& caption, const std::vector<const TDifference*>& d
 }
 
 /// What only follows is there for who wants to see it.
-THTML Following(const std::string& name, const TGroup& group) {
+THTML Following(const std::string& name, const TGroup& group, const TInstanceLabels& labels) {
   if (group.fFollowing.empty()) return "";
   const std::size_t count = group.fFollowing.size();
   const std::string text = std::to_string(count) + (count == 1 ? " consequence" : " consequences");
-  return Element(
-      "details", "",
-      TextElement("summary", "", text) + Table("What follows from " + name, group.fFollowing));
+  return Element("details", "",
+                 TextElement("summary", "", text) +
+                     Table("What follows from " + name, group.fFollowing, labels));
 }
 
-THTML GroupSection(const std::string& name, const TGroup& group) {
+THTML GroupSection(const std::string& name, const TGroup& group, const TInstanceLabels& labels) {
   THTML html = TextElement("h2", "", name);
-  if (!group.fOwn.empty()) html += Table("Differences of " + name, group.fOwn);
-  return Element("section", "group", html + Following(name, group)) + "\n";
+  if (!group.fOwn.empty()) html += Table("Differences of " + name, group.fOwn, labels);
+  return Element("section", "group", html + Following(name, group, labels)) + "\n";
 }
 
 }  // namespace
@@ -115,7 +120,10 @@ std::string MakeDiffReport(const std::string& a, const std::string& b, const std
     std::map<std::string, TGroup> fDevices;
   };
   std::map<std::string, TNamespaceGroups> namespaces;
+  TInstanceLabels labels;
   for (const TDifference& each : differences) {
+    labels.Add(each.fOwner);
+    labels.Add(each.fDevice);
     TNamespaceGroups& ns = namespaces[each.fNamespace];
     TGroup& group = IsOfInstance(each) ? ns.fDevices[each.fDevice] : ns.fDeclarations;
     (each.fFollows.empty() ? group.fOwn : group.fFollowing).push_back(&each);
@@ -123,10 +131,10 @@ std::string MakeDiffReport(const std::string& a, const std::string& b, const std
   THTML groups;
   for (const auto& [name, ns] : namespaces) {
     if (!ns.fDeclarations.fOwn.empty()) {
-      groups += GroupSection("Declarations of " + name, ns.fDeclarations);
+      groups += GroupSection("Declarations of " + name, ns.fDeclarations, labels);
     }
     for (const auto& [device, group] : ns.fDevices) {
-      groups += GroupSection(Cut(InstanceLabel(device)), group);
+      groups += GroupSection(Cut(labels.GetLabel(device)), group, labels);
     }
   }
   const std::string title = a + " \u2192 " + b;

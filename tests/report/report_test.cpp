@@ -112,10 +112,24 @@ TEST(DiffReport, GroupsByDeviceAndEscapes) {
                           "\u202e",
                           text,
                           "\0why"s};
-  const std::string page = MakeDiffReport("<old>", "new", "2 changed", {size, gone, added, other});
+  TDifference unit = size;
+  unit.fNew = "3000000000";
+  const auto hertz = std::make_shared<TPropertySnapshot>(*declaration);
+  hertz->fUnit = "hertz";
+  unit.fNewDeclaration = hertz;
+  std::vector<TDifference> fans(2, gone);
+  for (const char* const machine : {"a", "b"}) {
+    TDifference& fan = fans[*machine == 'a' ? 0 : 1];
+    fan.fOwner = fan.fDevice = "X_Fan.Id=1,SystemName=" + std::string(machine);
+    fan.fFollows.clear();
+  }
+  const std::string page = MakeDiffReport("<old>", "new", "2 changed",
+                                          {size, gone, added, other, unit, fans[0], fans[1]});
   const char* const expected[] = {"<h1>&lt;old&gt; \u2192 new</h1><p>2 changed</p>",
                                   "<h2>Disk &lt;a&gt;</h2>",
                                   "<td class=\"text\">512 GB</td><td class=\"text\">\u2013</td>",
+                                  "<td class=\"text\">512 GB</td><td class=\"text\">3 GHz</td>",
+                                  "<h2>X_Fan.Id=1,SystemName=a</h2>",
                                   "<summary>1 consequence</summary>",
                                   "X_New&lt;",
                                   "[U+202E]",

@@ -10,7 +10,7 @@
 #include <set>
 #include <utility>
 
-#include <qdxdisplay/names.h>
+#include <qdxdisplay/instance_labels.h>
 #include <qdxdisplay/value_text.h>
 
 #include "cli/terminal.h"
@@ -131,7 +131,7 @@ class TListing {
       return;
     }
     for (const auto* path : {&difference.fOwner, &difference.fDevice, &difference.fFollows}) {
-      Note(*path);
+      fLabels.Add(*path);
     }
     TDevice& device = ns.fDevices[difference.fDevice];
     if (difference.fFollows.empty()) {
@@ -144,16 +144,8 @@ class TListing {
     ++(isReason ? cause.fReasons : cause.fAssociations);
   }
 
-  /// Short names that two instances have are not used.
-  void Note(const std::string& path) {
-    const auto [found, isNew] = fLabels.emplace(InstanceLabel(path), path);
-    if (!isNew && found->second != path) found->second.clear();
-  }
-
-  std::string LabelOf(const std::string& path) const {
-    if (fIsRaw) return path;
-    std::string label = InstanceLabel(path);
-    return fLabels.at(label).empty() ? path : label;
+  const std::string& LabelOf(const std::string& path) const {
+    return fIsRaw ? path : fLabels.GetLabel(path);
   }
 
   void AddDeclaration(const TDifference& difference) {
@@ -258,7 +250,7 @@ class TListing {
 
   const bool fIsRaw;
   std::map<std::string, TNamespace> fNamespaces;
-  std::map<std::string, std::string> fLabels;  // with the path; empty if there are several
+  TInstanceLabels fLabels;
   std::string fText;
   std::string fOwner;
   std::vector<TTableRow> fRows;
