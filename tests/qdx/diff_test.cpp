@@ -60,11 +60,13 @@ TEST_F(QDXDiff, NamesWhatDiffers) {
   EXPECT_EQ(fInstallation.Run({"diff", fileA, fileB, "--summary"}).fOutput,
             "1 changed, 2 added, 1 removed in 4 devices; 5 differences of declarations\n");
   EXPECT_EQ(fInstallation.Run({"diff", fileA, fileA, "--summary"}).fOutput, "no differences\n");
-  const TProgramRun ignoring =
-      fInstallation.Run({"diff", fileA, fileB, "--ignore=note", "--ignore", "OLD", "--ignore=base",
-                         "--ignore=dusk", "--ignore=disk.type", "--ignore=disk.uptime", "--raw"});
+  const TProgramRun ignoring = fInstallation.Run(
+      {"diff", fileA, fileB, "--ignore=note", "--ignore", "OLD", "--ignore=base", "--ignore=dusk",
+       "--ignore=disk.id", "--ignore=disk.type", "--ignore=disk.uptime", "--raw"});
   EXPECT_EQ(ignoring.fOutput, "test\n~ Disk.Id=\"1\"\n    ~ Size  5 -> -\n+ Disk.Id=\"3\"\n");
-  EXPECT_EQ(ignoring.fErrors, "qdx: ignoring dusk has no effect: neither document has it\n");
+  EXPECT_EQ(ignoring.fErrors,
+            "qdx: ignoring dusk has no effect: neither document has it\n"
+            "qdx: ignoring disk.id has no effect: instances are matched by this key\n");
   for (const char* const wrong : {".x", "x.", "x.y.z"}) {
     EXPECT_EQ(fInstallation.Run({"diff", fileA, fileB, "--ignore", wrong}).fExitCode, 2) << wrong;
   }

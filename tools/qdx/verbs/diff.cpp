@@ -71,24 +71,36 @@ TIgnored ParseIgnored(const std::string& text) {
   return {name, property};
 }
 
-/// Returns whether a document has the class, and the property if one is named.
-bool Exists(const TIgnored& ignored, const TComparedDocument& document) {
-  bool exists = false;
+enum class EIgnored { kNothing, kKeys, kValues };
+
+/// Returns what a document has of the class, or of the property if one is named.
+EIgnored FindIgnored(const TIgnored& ignored, const TComparedDocument& document) {
+  EIgnored found = EIgnored::kNothing;
   const auto visit = [&](const TClass& root) {
     for (const TClass& each : NModel::WithSubclasses(root)) {
-      if (exists || !NamesClass(ignored, each->GetName({}))) continue;
-      const auto properties = NModel::PropertiesOf(*each);
-      exists = ignored.fProperty.empty() ||
-               std::any_of(properties.begin(), properties.end(), [&](const auto& property) {
-                 return NModel::EqualIgnoringCase(property.fDecl->GetName(), ignored.fProperty);
-               });
+      if (!NamesClass(ignored, each->GetName({}))) continue;
+      if (ignored.fProperty.empty()) found = EIgnored::kValues;
+      for (const auto& property : NModel::PropertiesOf(*each)) {
+        if (!NModel::EqualIgnoringCase(property.fDecl->GetName(), ignored.fProperty)) continue;
+        found = std::max(found, property.fIsKey ? EIgnored::kKeys : EIgnored::kValues);
+      }
     }
-    return !exists;
+    return found != EIgnored::kValues;
   };
   for (const TComparedNamespace& ns : document.fNamespaces) {
     ns.fNamespace->EnumerateClasses(visit, {});
   }
-  return exists;
+  return found;
+}
+
+void WarnIfWithoutEffect(const TIgnored& ignored, const TComparedDocument& a,
+                         const TComparedDocument& b) {
+  const EIgnored found = std::max(FindIgnored(ignored, a), FindIgnored(ignored, b));
+  if (found == EIgnored::kValues) return;
+  const std::string property = ignored.fProperty.empty() ? "" : "." + ignored.fProperty;
+  PrintError("ignoring " + ignored.fClass + property +
+             (found == EIgnored::kKeys ? " has no effect: instances are matched by this key"
+                                       : " has no effect: neither document has it"));
 }
 
 /// Sets the names of the machines, if they count as equal.
@@ -113,11 +125,7 @@ TComparisonOptions OptionsOf(const TArguments& arguments, std::vector<TIgnored> 
   options.fAll = arguments.Has("all");
   options.fSchema = arguments.Has("schema");
   SetMachines(a, b, arguments.Has("across-hosts"), options);
-  for (const TIgnored& each : ignored) {
-    if (Exists(each, a) || Exists(each, b)) continue;
-    const std::string property = each.fProperty.empty() ? "" : "." + each.fProperty;
-    PrintError("ignoring " + each.fClass + property + " has no effect: neither document has it");
-  }
+  for (const TIgnored& each : ignored) WarnIfWithoutEffect(each, a, b);
   options.fIgnored = std::move(ignored);
   std::vector<std::string> lines;
   options.fLeftOut = FindUnsharedParts(a, b, lines);
