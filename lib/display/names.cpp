@@ -125,14 +125,21 @@ TNames Find(const std::string& folded, const TNames& names) {
 std::string Nearest(const std::string& typed, const TNames& names) {
   // Both forms of each name, so that a forgotten schema is no slip of the hand.
   TNames forms;
-  forms.reserve(2 * names.size());
+  forms.reserve(2 * names.size() + std::size(kCommonWords));
   for (const std::string& name : names) {
     forms.push_back(name);
     forms.push_back(ShortClassName(name));
   }
+  // A name whose rest is short for a class: "VORNSG_disk".
+  const TNames meant = Find(NModel::Folded(ShortClassName(typed)), names);
+  if (!meant.empty()) return meant.front();
+  for (const auto& [word, name] : kCommonWords) {
+    if (!FindWhole(std::string(word), names).empty()) forms.emplace_back(word);
+  }
   const std::string nearest = NModel::NearestName(typed, forms);
   const auto found = std::find(forms.begin(), forms.end(), nearest);
-  return found == forms.end() ? "" : names[static_cast<std::size_t>(found - forms.begin()) / 2];
+  const auto index = static_cast<std::size_t>(found - forms.begin());
+  return index < 2 * names.size() ? names[index / 2] : nearest;
 }
 
 struct TKey {

@@ -35,6 +35,8 @@ TEST(ClassNames, AreFoundAsPeopleTypeThem) {
               {"dis", {"VORNSG_DiskDrive", "VORNSG_DiskPartition"}, ""},
               {"plain", {"Plain"}, ""},
               {"DiskDirve", {}, "VORNSG_DiskDrive"},
+              {"VORNSG_disk", {}, "VORNSG_DiskDrive"},
+              {"netwrk", {}, "network"},
               {"Nothing", {}, ""},
               {"", {}, ""}};
   for (const auto& [typed, found, nearest] : rows) {

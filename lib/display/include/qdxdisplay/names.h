@@ -15,7 +15,7 @@ std::string ShortClassName(const std::string& name);
 
 struct TClassMatch {
   std::vector<std::string> fNames;  ///< What the typed name can mean: one, several or none.
-  std::string fNearest;             ///< If none: a name that is spelled similarly; may be empty.
+  std::string fNearest;  ///< If none: a name or word that is spelled similarly, or empty.
 };
 
 /// Finds a class by what a person typed, in any case. The first of these that matches counts: the
