@@ -85,8 +85,11 @@ bool IsMapped(long double number, std::string_view range) {
 std::optional<std::string> PortAddressText(const std::string& text) {
   constexpr std::size_t kMAC = 12;
   constexpr std::size_t kEUI64 = 16;
+  constexpr std::size_t kIPoverInfiniBand = 40;
   const bool isHex = text.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
-  if (!isHex || (text.size() != kMAC && text.size() != kEUI64)) return std::nullopt;
+  const bool isAddress =
+      text.size() == kMAC || text.size() == kEUI64 || text.size() == kIPoverInfiniBand;
+  if (!isHex || !isAddress) return std::nullopt;
   std::string address;
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (i != 0 && i % 2 == 0) address += ':';

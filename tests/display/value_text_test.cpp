@@ -23,6 +23,8 @@ TEST(ValueText, IsForPeople) {
     const char* fText;
   } rows[] = {{"PermanentAddress", "string", "525400123456", "52:54:00:12:34:56"},
               {"NetworkAddresses", "string[]", {"5254001234AB"}, "{ 52:54:00:12:34:ab }"},
+              {"CurrentAddress", "string", "80000048FE800000000000000002C90300F9BFA1",
+               "80:00:00:48:fe:80:00:00:00:00:00:00:00:02:c9:03:00:f9:bf:a1"},
               {"IPv4Address", "string", "192.0.2.1", "192.0.2.1"},
               {"Name", "string", "525400123456", "525400123456"},
               {"VendorID", "uint16", 32902, "8086"},
