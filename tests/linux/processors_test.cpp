@@ -16,6 +16,7 @@ sys/devices/system/cpu/cpu0/topology: physical_package_id=0; core_id=0; die_id=-
 sys/devices/system/cpu/cpu0/topology: core_cpus_list=0-1; package_cpus_list=0-2
 sys/devices/system/cpu/cpu1/topology: physical_package_id=0; core_id=0; core_cpus_list=0-1
 sys/devices/system/cpu/cpu2/topology: physical_package_id=0; core_id=8; thread_siblings=00000004
+sys/devices/system/cpu/cpu2/topology: cluster_id=65535
 sys/devices/system/cpu/cpu0/cpufreq: cpuinfo_max_freq=5000000; cpuinfo_min_freq=800000
 sys/devices/system/cpu/cpu2/cpufreq: cpuinfo_max_freq=3900000; cpuinfo_min_freq=400000
 sys/devices/system/cpu/cpu0/cache/index0: level=1; type=Data; size=48K; shared_cpu_list=0-1
@@ -41,6 +42,7 @@ CPU0: PhysicalAddressWidth=46; VirtualAddressWidth=48; ModelID=186; FamilyID=6
 VORNSG:CPU0-0: LogicalProcessors=0-1; CoreType=Performance; CoreNumber=0; ClusterNumber=1
 VORNSG:CPU0-8: LogicalProcessors=2; CoreType=Efficiency; MaxClockSpeed=3900
 VORNSG:CPU0-0: DieNumber=/sys/devices/system/cpu/cpu0/topology/die_id: the kernel knows none
+VORNSG:CPU0-8: ClusterNumber=/sys/devices/system/cpu/cpu2/topology/cluster_id: the kernel knows none
 VORNSG:cpu2: EnabledState=2; NUMANode=10
 VORNSG:cpu3: EnabledState=3; NUMANode=10
 L1d-0: Name=L1d; Level=3; CacheType=4; NumberOfBlocks=49152; LineSize=64; Ways=12; Sets=64

@@ -62,6 +62,15 @@ TReading<std::uint32_t> ReadID(const TFiles& topology, const char* name) {
   return static_cast<std::uint32_t>(*number);
 }
 
+/// On x86, a processor without clusters has the number that its chip uses for none.
+TReading<std::uint32_t> ReadCluster(const TFiles& topology) {
+  constexpr const char* kName = "cluster_id";
+  constexpr std::uint32_t kNone = 0xffff;
+  TReading<std::uint32_t> number = ReadID(topology, kName);
+  if (number && *number == kNone) return topology.MissingFrom(kName, "the kernel knows none");
+  return number;
+}
+
 /// A socket whose ID is not final.
 struct TRawSocket {
   std::optional<std::uint32_t> fNumber;
@@ -88,7 +97,7 @@ void AddCores(const TFiles& files, TSocket& socket) {
     core.fThreads.insert(first);
     core.fNumber = number;
     core.fDie = ReadID(topology, "die_id");
-    core.fCluster = ReadID(topology, "cluster_id");
+    core.fCluster = ReadCluster(topology);
     socket.fCores.push_back(std::move(core));
   }
   socket.fCoreCount = static_cast<std::uint16_t>(socket.fCores.size());
