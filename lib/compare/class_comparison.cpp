@@ -233,14 +233,18 @@ bool TClassComparison::AreEqual(const TColumn& column) {
   const TPropertyKind& ofA = fA.GetKind(column.fInA);
   const TPropertyKind& ofB = fB.GetKind(column.fInB);
   const TPropertyKind kind = {ofA.fIsBag && ofB.fIsBag, ofA.fIsEmbedded || ofB.fIsEmbedded};
+  const TSide& sideOfA = fA.GetSide();
+  const TSide& sideOfB = fB.GetSide();
   bool areEqual = false;
   fA.Read(column.fInA, [&](const TCIMValue& a) {
     fB.Read(column.fInB, [&](const TCIMValue& b) {
-      areEqual =
-          AreIdentical(a, b) ||
-          fA.GetSide().fCanonical.TextOf(a, kind) == fB.GetSide().fCanonical.TextOf(b, kind) ||
-          (HasMachines() && MayBeEqual(fA.GetSide().fOfBothMachines.TextOf(a, kind),
-                                       fB.GetSide().fOfBothMachines.TextOf(b, kind)));
+      const auto areEqualIn = [&](const TCanonical TSide::*canonical) {
+        return (sideOfA.*canonical).TextOf(a, kind) == (sideOfB.*canonical).TextOf(b, kind);
+      };
+      areEqual = AreIdentical(a, b) || areEqualIn(&TSide::fCanonical) ||
+                 (HasMachines() && (areEqualIn(&TSide::fOfNoMachine) ||
+                                    MayBeEqual(sideOfA.fOfBothMachines.TextOf(a, kind),
+                                               sideOfB.fOfBothMachines.TextOf(b, kind))));
     });
   });
   return areEqual;

@@ -50,8 +50,9 @@ bool IsIgnoredIn(const TComparisonOptions& options, const std::string& className
 TSide MakeSide(const TComparedNamespace& ns, const std::string& machine,
                const std::string& otherMachine, const TLeftOut& leftOut) {
   const bool exists = ns.fNamespace != nullptr;
-  const TCanonical canonical(exists ? ns.fNamespace->GetName({}) : "", machine, leftOut);
-  return {ns, canonical, canonical.WithOtherMachine(otherMachine),
+  const std::string name = exists ? ns.fNamespace->GetName({}) : "";
+  const TCanonical canonical(name, machine, leftOut);
+  return {ns, canonical, TCanonical(name, "", leftOut), canonical.WithOtherMachine(otherMachine),
           exists && DeclaresQualifier(*ns.fNamespace, kArrayType)};
 }
 

@@ -24,6 +24,7 @@ using TInstance = boost::shared_ptr<ICIMInstance>;
 struct TSide {
   const TComparedNamespace& fNamespace;  ///< Without a namespace if the side lacks it.
   TCanonical fCanonical;
+  TCanonical fOfNoMachine;      ///< With the names of machines as they are.
   TCanonical fOfBothMachines;   ///< With placeholders for the names of both machines.
   bool fHasArrayTypes = false;  ///< Whether an array without the qualifier is a bag.
 };
