@@ -111,7 +111,11 @@ THTML Disks(const TSummary& summary, const TRecords& records) {
   THTML html;
   std::size_t groups = 0;
   for (const TDisks& disks : summary.fDisks) {
-    if (++groups > kMostGroups) break;
+    if (++groups > kMostGroups) {
+      return html + TextElement("p", "",
+                                "and " + std::to_string(summary.fDisks.size() - kMostGroups) +
+                                    " groups of disks more");
+    }
     html += Describe(disks, drives);
     if (drives.size() > kMostPictures) continue;
     for (const std::string& name : disks.fNames) {
