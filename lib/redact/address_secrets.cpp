@@ -121,8 +121,11 @@ bool TSecrets::LearnIPv4In(std::string_view text) {
   for (std::size_t at = text.find_first_of(kParts); at < text.size();) {
     const std::size_t end = std::min(text.find_first_not_of(kParts, at), text.size());
     std::string_view run = text.substr(at, end - at);
-    const bool isPart = (at != 0 && IsMadeOf(text.substr(at - 1, 1), kWord)) ||
-                        (end != text.size() && IsMadeOf(text.substr(end, 1), kWord));
+    // "vmlinuz-4.19.0.6" is a version, but "ip-10.0.0.1:3260-iscsi" is how udev names a path.
+    const bool isAfterWord = at != 0 && IsMadeOf(text.substr(at - 1, 1), kWord) &&
+                             !(at > 2 && text.substr(at - 3, 3) == "ip-");
+    const bool isPart = isAfterWord || (end != text.size() && text[end] != '-' &&
+                                        IsMadeOf(text.substr(end, 1), kWord));
     at = text.find_first_of(kParts, end);
     while (!run.empty() && run.back() == '.') run.remove_suffix(1);
     if (!isPart && run.size() > 6) isAny = LearnIP(std::string(run)) || isAny;

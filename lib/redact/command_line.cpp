@@ -2,6 +2,7 @@
 #include "command_line.h"
 
 #include <algorithm>
+#include <array>
 
 #include <string_view>
 #include <unordered_set>
@@ -22,7 +23,6 @@ bool IsWellKnown(std::string_view parameter) {
                                                              "apparmor",
                                                              "audit",
                                                              "biosdevname",
-                                                             "boot",
                                                              "cgroup_disable",
                                                              "cgroup_enable",
                                                              "cgroup_memory",
@@ -102,13 +102,10 @@ bool IsWellKnown(std::string_view parameter) {
                                                              "rd.shell",
                                                              "reboot",
                                                              "rescue",
-                                                             "resume",
                                                              "resume_offset",
                                                              "rhgb",
                                                              "ro",
-                                                             "root",
                                                              "rootdelay",
-                                                             "rootflags",
                                                              "rootfstype",
                                                              "rootwait",
                                                              "rw",
@@ -121,7 +118,6 @@ bool IsWellKnown(std::string_view parameter) {
                                                              "swapaccount",
                                                              "systemd.show_status",
                                                              "systemd.unified_cgroup_hierarchy",
-                                                             "systemd.unit",
                                                              "transparent_hugepage",
                                                              "tsc",
                                                              "tsx",
@@ -139,6 +135,23 @@ bool IsSetting(std::string_view value) {
   return words.count(value) != 0 || (value.size() <= 3 && IsMadeOf(value, "0123456789"));
 }
 
+/// Returns whether the parameter names a device of the root or of swap space. In the place of a
+/// device it can have a server with a password.
+bool NamesDevice(std::string_view parameter) {
+  return parameter == "root" || parameter == "resume" || parameter == "boot";
+}
+
+bool IsLocalDevice(std::string_view value) {
+  if (value.substr(0, 1) == "\"") value.remove_prefix(1);
+  static constexpr std::array<std::string_view, 6> kStarts = {
+      "/dev/", "UUID=", "PARTUUID=", "LABEL=", "PARTLABEL=", "ZFS="};
+  return std::any_of(kStarts.begin(), kStarts.end(), [value](std::string_view start) {
+    return value.substr(0, start.size()) == start;
+  });
+}
+
+bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
 std::string RedactParameter(const std::string& word, const TMakeText& redact,
                             const TMakeText& hide) {
   const std::size_t equals = word.find('=');
@@ -146,6 +159,9 @@ std::string RedactParameter(const std::string& word, const TMakeText& redact,
   if (IsWellKnown(name)) return redact(word);
   if (equals == std::string::npos) return word == "--" ? word : hide(word);
   const std::string value = word.substr(equals + 1);
+  if (NamesDevice(name) && IsLocalDevice(value)) return redact(word);
+  const bool isTarget = value.size() > 7 && value.compare(value.size() - 7, 7, ".target") == 0;
+  if (name == "systemd.unit" && isTarget) return redact(word);
   if (!IsMadeOf(name, kWord)) return hide(word);
   return redact(name) + "=" + (IsSetting(value) ? value : hide(value));
 }
@@ -174,7 +190,7 @@ std::string RedactKernelLine(const std::string& line, const TMakeText& redact,
   };
   for (const char c : line) {
     if (c == '"') isQuoted = !isQuoted;
-    if (c == ' ' && !isQuoted) {
+    if (IsSpace(c) && !isQuoted) {
       add();
       result += c;
     } else {

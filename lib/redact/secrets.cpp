@@ -2,7 +2,6 @@
 #include "secrets.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 
 #include <boost/algorithm/string/replace.hpp>
@@ -27,6 +26,21 @@ std::string Escaped(const std::string& value) {
   return text;
 }
 
+/// Returns the value as names of units have it: "web\\x2d1" of "web-1".
+std::string EscapedForUnits(const std::string& value) {
+  static constexpr char kHex[] = "0123456789abcdef";
+  std::string text;
+  for (const char c : value) {
+    if (IsMadeOf({&c, 1}, kWord) && c != '-') {
+      text += c;
+    } else {
+      const auto byte = static_cast<unsigned char>(c);
+      text += {'\\', 'x', kHex[byte >> 4], kHex[byte & 15]};
+    }
+  }
+  return text;
+}
+
 /// Numbers that are too common to be looked for in texts.
 bool IsShortNumber(std::string_view value) { return value.size() < 4 && IsMadeOf(value, kDigits); }
 
@@ -45,6 +59,17 @@ bool IsUUIDAt(std::string_view text, std::size_t at) {
     const bool isDash = i == 8 || i == 13 || i == 18 || i == 23;
     const char c = text[at + i];
     if (isDash ? c != '-' : kHexadecimal.find(c) == std::string_view::npos) return false;
+  }
+  return true;
+}
+
+/// Returns whether four groups of eight hexadecimal digits are there, as mdadm writes a UUID.
+bool IsArrayUUIDAt(std::string_view text, std::size_t at) {
+  constexpr std::size_t kSize = 35;
+  if (text.size() < at + kSize) return false;
+  for (std::size_t i = 0; i < kSize; ++i) {
+    const char c = text[at + i];
+    if (i % 9 == 8 ? c != ':' : kHexadecimal.find(c) == std::string_view::npos) return false;
   }
   return true;
 }
@@ -81,7 +106,8 @@ std::string TSecrets::Word(ESecret kind, const std::string& value) {
   return fPseudonyms.Word(name, digits.empty() ? value : digits);
 }
 
-/// Learns the value as it is, and as object paths, the device mapper and links of udev have it.
+/// Learns the value as it is, and as object paths, the device mapper, links of udev and names of
+/// units have it.
 void TSecrets::LearnSpellings(ESecret kind, const std::string& value, const std::string& pseudonym,
                               EBeside beside) {
   const auto otherCase = [this, kind](const std::string& found) { return Word(kind, found); };
@@ -91,7 +117,12 @@ void TSecrets::LearnSpellings(ESecret kind, const std::string& value, const std:
   add(value);
   if (Contains(value, "\"\\")) add(Escaped(value));
   if (Contains(value, "-")) add(boost::algorithm::replace_all_copy(value, "-", "--"));
-  if (Contains(value, " ")) add(boost::algorithm::replace_all_copy(value, " ", "_"));
+  if (Contains(value, " ")) {
+    add(boost::algorithm::replace_all_copy(value, " ", "_"));
+    add(boost::algorithm::replace_all_copy(value, " ", "\\x20"));
+  }
+  const std::string inUnits = EscapedForUnits(value);
+  if (inUnits != value) add(inUnits);
 }
 
 void TSecrets::LearnWhole(ESecret kind, const std::string& value, const std::string& pseudonym) {
@@ -116,6 +147,8 @@ void TSecrets::LearnWhole(ESecret kind, const std::string& value, const std::str
       std::string uuid = digits;
       for (const std::size_t at : {20U, 16U, 12U, 8U}) uuid.insert(at, "-");
       spellings.push_back(uuid);
+      spellings.push_back(EscapedForUnits(uuid));
+      spellings.push_back(Grouped(digits, 8, ':'));
     }
     for (const std::string& each : spellings) fReplacer.Add({each, pseudonym, beside, always});
     return;
@@ -146,6 +179,14 @@ void TSecrets::LearnHost(const std::string& name) {
   if (domainOf(domain) != domain && !isDomain) {
     LearnWhole(ESecret::kHostName, domain, domainOf(domain));
   }
+  // Other hosts of the domain, which no property has, are in descriptions.
+  const std::string ending = isDomain ? name : domain;
+  if (ending.find('.') == std::string::npos || domainOf(ending) == ending) return;
+  TReplacement replacement = {ending, domainOf(ending)};
+  replacement.fBefore = [this](const std::string& found) {
+    return Word(ESecret::kHostName, found);
+  };
+  fReplacer.Add(replacement);
 }
 
 void TSecrets::LearnUser(const std::string& value) {
@@ -157,6 +198,9 @@ void TSecrets::LearnUser(const std::string& value) {
     return LearnWhole(ESecret::kUser, value, "/" + Word(ESecret::kUser, value));
   }
   LearnWhole(ESecret::kUser, value, Word(ESecret::kUser, value));
+  const std::size_t at = value.rfind('@');
+  const std::string domain = value.substr(at + 1);  // all of it without an "@"
+  if (at != std::string::npos && IsMadeOf(domain, kWord)) LearnHost(domain);
   constexpr const char* kSeparators = ",@\\";
   if (!Contains(value, kSeparators)) return;
   // The fields of a comment: name, room, telephone numbers; and "user@domain", "domain\\user".
@@ -179,41 +223,15 @@ void TSecrets::LearnUUIDsIn(std::string_view text) {
        dash = text.find('-', dash + 1)) {
     if (dash >= 8 && IsUUIDAt(text, dash - 8)) learn(text.substr(dash - 8, 36));
   }
+  for (std::size_t colon = text.find(':'); colon != std::string_view::npos;
+       colon = text.find(':', colon + 1)) {
+    if (colon >= 8 && IsArrayUUIDAt(text, colon - 8)) learn(text.substr(colon - 8, 35));
+  }
   for (const std::string_view tag : {"UUID=", "/by-uuid/", "/by-partuuid/", "/by-id/", "uuid/"}) {
     for (std::size_t at = text.find(tag); at != std::string_view::npos; at = text.find(tag, at)) {
       at += tag.size();
       const std::string_view rest = text.substr(at);
       learn(rest.substr(0, rest.find_first_of(" ,;\"'/)")));
-    }
-  }
-}
-
-/// Learns the hosts of "host:/path", "//host/share", "host:6789,host:6789:/path" and
-/// "scheme://host/path", and of options such as "addr=host".
-void TSecrets::LearnHostsOfSource(const std::string& source) {
-  const auto learn = [this](std::string host) {
-    host.erase(0, host.rfind('@') + 1);  // of "user@host"; without one all of it remains
-    if (host.find(':') == host.rfind(':')) host.resize(std::min(host.find(':'), host.size()));
-    if (host.size() > 1 && IsMadeOf(host, kWord) && !IsMadeOf(host, kDigits)) LearnHost(host);
-  };
-  const std::size_t scheme = source.find("://");
-  const std::size_t path = source.find(":/");
-  if (source.compare(0, 2, "//") == 0) {
-    learn(source.substr(2, source.find('/', 2) - 2));
-  } else if (scheme != std::string::npos && source.find_first_of("/=") == scheme + 1) {
-    learn(source.substr(scheme + 3, source.find('/', scheme + 3) - scheme - 3));
-  } else if (path != std::string::npos && source.find_first_of("/=") == path + 1) {
-    for (const std::string& host : Split(source.substr(0, path), ",;")) learn(host);
-  }
-  if (!Contains(source, "=")) return;
-  for (const std::string& option : Split(source, ", ")) {
-    static constexpr std::array<std::string_view, 8> kHosts = {
-        "addr", "mountaddr", "clientaddr", "ip", "dom", "domain", "workgroup", "netbiosname"};
-    const std::size_t equals = option.find('=');
-    const std::string_view name = std::string_view(option).substr(0, equals);
-    if (equals != std::string::npos &&
-        std::find(kHosts.begin(), kHosts.end(), name) != kHosts.end()) {
-      learn(option.substr(equals + 1));
     }
   }
 }
@@ -241,7 +259,7 @@ void TSecrets::Learn(ESecret kind, const std::string& value) {
     case ESecret::kCommandLine:
       LearnAddressesIn(value, false);
       LearnUUIDsIn(value);
-      if (kind == ESecret::kMountSource) LearnHostsOfSource(value);
+      if (kind == ESecret::kMountSource) LearnMountSource(value);
       return;
   }
 }
@@ -263,6 +281,7 @@ void TSecrets::LearnHostOfGroup(std::string_view text) {
 
 void TSecrets::LearnFrom(std::string_view text) {
   LearnHostOfGroup(text);
+  LearnStorageNamesIn(text);
   if (!IsKept(ESecret::kAddress)) {
     for (std::size_t colon = text.find(':'); colon != std::string_view::npos;
          colon = text.find(':', colon + 1)) {

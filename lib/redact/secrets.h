@@ -56,7 +56,11 @@ class TSecrets {
   bool LearnAddressesIn(std::string_view text, bool isPlain);
   void LearnUUIDsIn(std::string_view text);
   void LearnHostOfGroup(std::string_view text);
-  void LearnHostsOfSource(const std::string& source);
+  void LearnStorageNamesIn(std::string_view text);
+  void LearnServer(const std::string& server);
+  void LearnServersOf(const std::string& source);
+  void LearnMountOption(const std::string& option);
+  void LearnMountSource(const std::string& source);
 
   const std::set<ESecret> fKept;
   TPseudonyms fPseudonyms;

@@ -76,6 +76,16 @@ bool HasCapitals(std::string_view text) {
   return std::any_of(text.begin(), text.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
 }
 
+/// Returns where the names begin that end with a dot before `end`; `end` if there are none.
+std::size_t BeginOfNames(std::string_view text, std::size_t least, std::size_t end) {
+  if (end < least + 2 || text[end - 1] != '.') return end;
+  const auto isName = [](char c) { return IsWord(c) || c == '-' || c == '_' || c == '.'; };
+  std::size_t begin = end;
+  while (begin > least && isName(text[begin - 1])) --begin;
+  while (begin + 1 < end && text[begin] == '.') ++begin;
+  return begin + 1 < end ? begin : end;
+}
+
 std::string ReplacementOf(const TReplacement& replacement, std::string_view found) {
   if (found == replacement.fFrom) return replacement.fTo;
   if (replacement.fOtherCase) return replacement.fOtherCase(std::string(found));
@@ -91,6 +101,7 @@ void TTextReplacer::Add(TReplacement replacement) {
   if (!isNew) {
     TReplacement& other = fAll[known->second];
     if (replacement.fBeside == EBeside::kAnything) other.fBeside = EBeside::kAnything;
+    if (!other.fBefore) other.fBefore = std::move(replacement.fBefore);
     return;
   }
   fPairs.set(PairAt(from, 0));
@@ -126,7 +137,10 @@ std::string TTextReplacer::Replace(std::string_view text) const {
       continue;
     }
     const std::size_t size = found->fFrom.size();
-    result.append(text, copied, at - copied);
+    const std::size_t begin = found->fBefore ? BeginOfNames(text, copied, at) : at;
+    result.append(text, copied, begin - copied);
+    if (begin != at)
+      result += found->fBefore(std::string(text.substr(begin, at - begin - 1))) + ".";
     result += ReplacementOf(*found, text.substr(at, size));
     at += size;
     copied = at;

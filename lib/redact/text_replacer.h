@@ -29,6 +29,9 @@ struct TReplacement {
   /// Returns what replaces the string in another case than that of fFrom. If empty, fTo does, in
   /// capitals for one that has capitals.
   std::function<std::string(const std::string&)> fOtherCase = {};
+  /// Returns what replaces the names with dots directly before the string, without the last dot.
+  /// If empty, they stay.
+  std::function<std::string(const std::string&)> fBefore = {};
 };
 
 class TTextReplacer {

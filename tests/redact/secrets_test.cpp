@@ -83,6 +83,17 @@ INSTANTIATE_TEST_SUITE_P(
         TSecretValue{"NFS", ESecret::kMountSource, "nas9:/export", "host-########:/export"},
         TSecretValue{"SMB", ESecret::kMountSource, "//files.acme.example/a",
                      "//host-########.domain-########/a"},
+        TSecretValue{"Lustre", ESecret::kMountSource, "mgs1@tcp0:mgs2@o2ib:/fs",
+                     "host-########@tcp0:host-########@o2ib:/fs"},
+        TSecretValue{"Gluster", ESecret::kMountSource, "glu1:vol", "host-########:vol"},
+        TSecretValue{"GlusterServers", ESecret::kMountSource, "rw,backup-volfile-servers=glu1:glu2",
+                     "rw,backup-volfile-servers=host-########:host-########"},
+        TSecretValue{"SSH", ESecret::kMountSource,
+                     "jane:pass7@far1:", "user-########:user-########@host-########:"},
+        TSecretValue{"CephUser", ESecret::kMountSource, "rw,name=jane,mon_addr=mon1:6789/mon2:6789",
+                     "rw,name=user-########,mon_addr=host-########:6789/host-########:6789"},
+        TSecretValue{"ControlGroup", ESecret::kMountSource, "rw,name=elogind", "rw,name=elogind"},
+        TSecretValue{"Flash", ESecret::kMountSource, "ubi0:rootfs", "ubi0:rootfs"},
         TSecretValue{"Ceph", ESecret::kMountSource, "mon1:6789,mon2:6789:/",
                      "host-########:6789,host-########:6789:/"},
         TSecretValue{"URL", ESecret::kMountSource, "https://dav.acme.example/a",
@@ -115,6 +126,15 @@ TEST_F(Secrets, AreTheSameInEverySpelling) {
             std::string::npos);
   EXPECT_EQ(fSecrets.RedactText("4C4C4544004235108052B4C04F334E31").size(), 15);
   fSecrets.Learn(ESecret::kSerial, "AB CD \"9\"");
+  fSecrets.Learn(ESecret::kHostName, "nas-seven");
+  for (const char* const text : {"tunnel@nas\\x2dseven.service",
+                                 "dev-disk-by\\x2duuid-4c4c4544\\x2d0042\\x2d3510\\x2d8052\\x2d"
+                                 "b4c04f334e31.swap",
+                                 "md-uuid-4c4c4544:00423510:8052b4c0:4f334e31"}) {
+    const std::string redacted = fSecrets.RedactText(text);
+    EXPECT_EQ(redacted.find("seven"), std::string::npos) << redacted;
+    EXPECT_EQ(redacted.find("4c4c"), std::string::npos) << redacted;
+  }
   EXPECT_EQ(fSecrets.RedactText("x.Tag=\"AB CD \\\"9\\\"\"").size(), 23);
 }
 
@@ -149,6 +169,15 @@ TEST_F(Secrets, AreInEachText) {
   EXPECT_EQ(fSecrets.RedactText("webserver web12 myweb1"), "webserver web12 myweb1");
   EXPECT_EQ(fSecrets.RedactText("ACME.example"), fSecrets.RedactText("ACME.example"));
   EXPECT_EQ(fSecrets.RedactText("jane doe called 555123456").find("5551"), std::string::npos);
+  EXPECT_TRUE(Matches(fSecrets.RedactText("to old.backup9.acme.example."),
+                      "to host-########.domain-########."));
+  const std::string iscsi = "ip-10.66.1.2:3260-iscsi-iqn.2001-05.com.acme:disk-lun-0";
+  fSecrets.Learn(ESecret::kMountSource, iscsi);
+  fSecrets.LearnFrom(iscsi);
+  const std::string redacted = fSecrets.RedactText(iscsi);
+  EXPECT_EQ(redacted.find("10.66"), std::string::npos) << redacted;
+  EXPECT_EQ(redacted.find("acme"), std::string::npos) << redacted;
+  EXPECT_EQ(redacted.substr(redacted.size() - 6), "-lun-0");
   fSecrets.LearnFrom("bound to hid-00:1f:20:aa:bb:cc-battery below /home/mallory/x");
   EXPECT_EQ(fSecrets.RedactText("001f20aabbcc").substr(0, 2), "02");
   EXPECT_EQ(fSecrets.RedactText("/var/mallory").substr(0, 10), "/var/user-");
@@ -166,6 +195,19 @@ TEST_F(Secrets, OfTheKernelLeaveItsParameters) {
                       "ip=argument-########"))
       << fSecrets.RedactKernelLine(line);
   EXPECT_NE(fSecrets.RedactText("route to 10.9.8.1"), "route to 10.9.8.1");
+}
+
+TEST_F(Secrets, OfTheKernelAreNoServersNorOptions) {
+  const std::string line =
+      "root=nfs:nas7:/x\tresume=/dev/sda2 rootflags=addr=nas8,pass=geheim "
+      "systemd.unit=rescue.target "
+      "rd.md.uuid=3ffe1234:4e5f6a7b:8c9dab01:11223344 systemd.unit=vpn@acme.service";
+  fSecrets.Learn(ESecret::kCommandLine, line);
+  EXPECT_TRUE(Matches(fSecrets.RedactKernelLine(line),
+                      "root=argument-########\tresume=/dev/sda2 rootflags=argument-######## "
+                      "systemd.unit=rescue.target rd.md.uuid=serial-######## "
+                      "systemd.unit=argument-########"))
+      << fSecrets.RedactKernelLine(line);
 }
 
 TEST_F(Secrets, OfAProcessLeaveTheNamesOfOptions) {
