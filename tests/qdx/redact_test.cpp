@@ -25,6 +25,7 @@ class QDXRedact : public ::testing::Test {
         "root:x:0:0:root:/root:/bin/sh\nbert:x:1000:1000:Bert Maier,,:/home/bert:/bin/sh\n");
     fFolder.Write("key", "0123456789abcdef");
     fFolder.Write("short", "0123");
+    fFolder.Write("weak", "00000000000000000000000000000000");
     EXPECT_EQ(RunScript("\"$0\" collect --root \"$1\" --with users -o plain.xml").fExitCode, 0);
   }
   /// A script in the folder of the documents; "$1" is the tree.
@@ -112,6 +113,7 @@ INSTANTIATE_TEST_SUITE_P(
         TRefused{"MissingKey", "redact plain.xml -o x.xml --key none", 4,
                  "reading key none: No such file or directory"},
         TRefused{"ShortKey", "redact plain.xml -o x.xml --key short", 4, "fewer than 16 bytes"},
+        TRefused{"WeakKey", "redact plain.xml -o x.xml --key weak", 4, "8 different bytes"},
         TRefused{"EndlessKey", "redact plain.xml -o x.xml --key /dev/zero", 4,
                  "more than 4096 bytes"},
         TRefused{"FolderAsKey", "redact plain.xml -o x.xml --key .", 4, "Is a directory"},

@@ -11,6 +11,7 @@
 
 #include <array>
 #include <cerrno>
+#include <set>
 
 #include <fcntl.h>
 
@@ -28,6 +29,8 @@ constexpr const char* kKeepOption = "keep";
 constexpr const char* kGuessOption = "guess";
 constexpr std::size_t kShortestKey = 16;
 constexpr std::size_t kLongestKey = 4096;
+/// Random keys have more; zeros and repeated words have not.
+constexpr std::size_t kFewestDifferent = 8;
 
 [[noreturn]] void FailToReadKey(const std::string& file, const std::string& reason) {
   throw TCommandFailure(kExitBadInput, "reading key " + file, {kQDXStatusFileSystemError, reason});
@@ -48,6 +51,10 @@ std::string ReadKey(const std::string& file) {
     FailToReadKey(file, "it has fewer than 16 bytes; 'head -c 32 /dev/urandom' makes a good key");
   }
   if (key.size() > kLongestKey) FailToReadKey(file, "it has more than 4096 bytes");
+  if (std::set<char>(key.begin(), key.end()).size() < kFewestDifferent) {
+    FailToReadKey(
+        file, "it has fewer than 8 different bytes; 'head -c 32 /dev/urandom' makes a good key");
+  }
   return key;
 }
 
