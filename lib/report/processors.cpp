@@ -56,10 +56,9 @@ std::vector<TRow> ReadRows(const TRecords& records) {
   TRow nodes{"NUMA node", {}};
   for (const TRecord& node : records.Of("NUMANode")) {
     const auto memory = node.GetNumber("MemorySize");
-    nodes.fParts.push_back(
-        {"node " + std::to_string(static_cast<int>(node.GetNumber("Number").value_or(0))),
-         memory ? FormatQuantity(*memory, "byte * 2^10") : "",
-         NumbersIn(node.GetText("LogicalProcessors"))});
+    nodes.fParts.push_back({"node " + node.GetText("Number"),
+                            memory ? FormatQuantity(*memory, "byte * 2^10") : "",
+                            NumbersIn(node.GetText("LogicalProcessors"))});
   }
   std::map<std::string, TRow, std::greater<>> caches;
   for (const TRecord& cache : records.Of("CacheMemory")) {
@@ -70,9 +69,8 @@ std::vector<TRow> ReadRows(const TRecords& records) {
   }
   TRow cores{"Core", {}};
   for (const TRecord& core : records.Of("ProcessorCore")) {
-    cores.fParts.push_back(
-        {"core " + std::to_string(static_cast<int>(core.GetNumber("CoreNumber").value_or(0))),
-         core.GetText("CoreType"), NumbersIn(core.GetText("LogicalProcessors"))});
+    cores.fParts.push_back({"core " + core.GetText("CoreNumber"), core.GetText("CoreType"),
+                            NumbersIn(core.GetText("LogicalProcessors"))});
   }
   std::vector<TRow> rows = {std::move(nodes)};
   for (auto& each : caches) rows.push_back(std::move(each.second));
