@@ -13,6 +13,8 @@
 #include <system_error>
 #include <utility>
 
+#include "words.h"
+
 namespace NVORNQDX20 {
 namespace {
 
@@ -22,16 +24,6 @@ struct TUnitParts {
   long double fScale = 1;
   bool fIsBinary = false;  ///< Scaled by a power of two.
 };
-
-std::string_view Trimmed(std::string_view text) {
-  const std::size_t start = text.find_first_not_of(' ');
-  if (start == std::string_view::npos) return {};
-  return text.substr(start, text.find_last_not_of(' ') - start + 1);
-}
-
-bool BeginsWith(std::string_view text, std::string_view start) {
-  return text.substr(0, start.size()) == start;
-}
 
 std::optional<long double> NumberOf(std::string_view text) {
   long double number = 0;
@@ -224,7 +216,7 @@ const TKnownUnit* FindUnit(const std::string& name) {
 }
 
 /// How many seconds a unit of time has, by what people call it; 0 for no unit of time.
-long double SecondsOf(std::string_view name) {
+long double SecondsIn(std::string_view name) {
   static constexpr std::pair<std::string_view, long double> kNames[] = {
       {"s", 1},        {"second", 1},   {"seconds", 1}, {"min", 60},     {"minute", 60},
       {"minutes", 60}, {"h", 3600},     {"hour", 3600}, {"hours", 3600}, {"d", 86400},
@@ -238,7 +230,7 @@ long double SecondsOf(std::string_view name) {
 /// Returns what the letters after a number multiply it by: "GB", "G", "Gi"; none if unknown.
 std::optional<long double> FactorOfSuffix(std::string_view suffix, const TKnownUnit& unit) {
   if (unit.fForm == EForm::kTime) {
-    const long double seconds = SecondsOf(suffix);
+    const long double seconds = SecondsIn(suffix);
     return seconds == 0 ? std::nullopt : std::optional(seconds / unit.fFactor);
   }
   // People leave out a part of it: "10Gbit", "41C".

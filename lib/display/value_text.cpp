@@ -16,6 +16,8 @@
 #include <qdxdisplay/quantity.h>
 #include <qdxdisplay/sensor.h>
 
+#include "words.h"
+
 namespace NVORNQDX20 {
 namespace {
 
@@ -26,10 +28,6 @@ std::optional<T> Parsed(std::string_view text, int base = 10) {
   const auto [stop, error] = std::from_chars(text.data(), end, number, base);
   if (stop != end || error != std::errc()) return std::nullopt;
   return number;
-}
-
-bool BeginsWith(std::string_view text, std::string_view start) {
-  return text.substr(0, start.size()) == start;
 }
 
 bool EndsWith(std::string_view text, std::string_view end) {
@@ -46,12 +44,6 @@ std::string_view ElementType(const TPropertySnapshot& property) {
 bool IsNumeric(const TPropertySnapshot& property) {
   const std::string_view type = ElementType(property);
   return BeginsWith(type, "uint") || BeginsWith(type, "sint") || BeginsWith(type, "real");
-}
-
-std::string_view Trimmed(std::string_view text) {
-  const std::size_t start = std::min(text.find_first_not_of(' '), text.size());
-  text.remove_prefix(start);
-  return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
 std::optional<long double> DecimalIn(std::string_view text) {

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 const char* const kFiles = R"(
 etc: debian_version=12.11; machine-id=8f7e; timezone=Etc/UTC
 proc: cpuinfo=processor : 0
-proc: cmdline=quiet root=/dev/sda1; version=Linux version 6.1.0-18 (a@b (gcc #12)) #1 SMP Debian
+proc: cmdline=quiet	root=/dev/sda1; version=Linux version 6.1.0-18 (a@b (gcc #12)) #1 SMP Debian
 proc: modules=xt_nat 16384 1 nf_nat,nf_tables, Live 0x0 (OE); stat=btime 1079361000
 proc/sys/kernel: pid_max=4194304; random/boot_id=b00t; hostname=srv1; arch=aarch64
 proc/1: cgroup=0::/; stat=1 (init) S 0 1 1 0 -1 0 0 0 0 0 20 30 0 0 20 0 1 0 150

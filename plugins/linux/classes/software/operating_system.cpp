@@ -22,6 +22,17 @@
 namespace NVORNQDX20 {
 namespace {
 
+/// The kernel takes a tab between parameters for a blank.
+TText ReadCommandLine(const TFiles& host) {
+  const char* const path = "/proc/cmdline";
+  return host.Read(path).and_then([&](std::string text) -> TText {
+    std::replace(text.begin(), text.end(), '\t', ' ');
+    const std::string line = PrintableText(text.substr(0, text.find('\n')));
+    if (line.empty()) return host.MissingFrom(path, "empty");
+    return line;
+  });
+}
+
 using TAverages = std::array<TReading<float>, 3>;
 
 /// LINUX in the value map of CIM_OperatingSystem.OSType.
@@ -222,7 +233,7 @@ TClass OperatingSystemClass() {
         ReleaseText("ID")},
        {"PointRelease", "The version with all its parts, as in \"12.11\".", ReadPointRelease},
        {"KernelVersion", "How and when the kernel was built.", &THost::fKernelVersion},
-       {"KernelCommandLine", "What the boot loader told the kernel.", FileLine("/proc/cmdline"),
+       {"KernelCommandLine", "What the boot loader told the kernel.", ReadCommandLine,
         ESecret::kCommandLine},
        {"Architecture",
         "The processors of the running kernel, in the words of uname; of an image, those that its "
