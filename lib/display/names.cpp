@@ -184,7 +184,7 @@ class TPathParser {
   std::string TakeName() {
     std::size_t size = 0;
     while (size < fRest.size() && IsNameCharacter(fRest[size])) ++size;
-    const std::string name(fRest.substr(0, size));
+    std::string name(fRest.substr(0, size));
     fRest.remove_prefix(size);
     return name;
   }

@@ -208,11 +208,11 @@ std::vector<std::string> RedactArguments(const std::vector<std::string>& words,
   for (const std::string& word : words) {
     const std::size_t option = LengthOfOption(word);
     // A process can write anything over its first word; a plain path or name it has as a program.
-    if (result.empty() && IsMadeOf(word,
+    const bool isProgram =
+        result.empty() && IsMadeOf(word,
                                    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
-                                   "0123456789_.-+/")) {
-      result.push_back(redact(word));
-    } else if (option == word.size() || IsSetting(word)) {
+                                   "0123456789_.-+/");
+    if (isProgram || option == word.size() || IsSetting(word)) {
       result.push_back(redact(word));
     } else if (option != 0) {
       result.push_back(redact(word.substr(0, option)) + "=" + hide(word.substr(option + 1)));

@@ -113,7 +113,7 @@ class TRedactor::TWork {
   }
 
   TNamespace Redact(const TNamespace& ns) {
-    const TNamespace target = TargetOf(ns);
+    TNamespace target = TargetOf(ns);
     if (!fRedacted.insert(ns.get()).second) return target;
     fHidden.clear();
     for (const TCopiedClass& each : fCopied.at(ns.get())) RedactInstances(each);
@@ -213,7 +213,7 @@ class TRedactor::TWork {
     const auto [found, isNew] = fTargets.try_emplace(source.get());
     if (!isNew) return found->second;
     fHeldNamespaces.push_back(source);
-    const TNamespace target = MakeRepositoryNamespace(source->GetName({}));
+    TNamespace target = MakeRepositoryNamespace(source->GetName({}));
     found->second = target;
     const bool guesses = fGuesses && !TellsSecrets(*source);
     for (const TClass& each : ClassesOf(*source)) AddRules(each, guesses);

@@ -25,7 +25,7 @@ boost::shared_ptr<ICIMClass> CopyClass(const boost::shared_ptr<ICIMClass>& sourc
                                        const TMapDefault& mapDefault) {
   const auto superclass = NModel::SuperclassOf(*source);
   const auto above = superclass ? target->GetClass(superclass->GetName({}), {}) : nullptr;
-  const auto copy = target->CreateClass(source->GetName({}), above, {});
+  auto copy = target->CreateClass(source->GetName({}), above, {});
   source->EnumerateQualifiers(TCopyQualifier{copy, target});
   for (const auto& decl : NModel::OwnPropertyDeclsOf(*source)) {
     const auto property =

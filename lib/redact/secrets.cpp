@@ -308,7 +308,7 @@ void TSecrets::LearnFrom(std::string_view text) {
 }
 
 std::string TSecrets::Redact(ESecret kind, const std::string& value) {
-  const std::string redacted = RedactText(value);
+  std::string redacted = RedactText(value);
   if (IsKept(kind) || NRedact::IsCommon(kind, value) || redacted != value) return redacted;
   switch (kind) {
     case ESecret::kSerial:

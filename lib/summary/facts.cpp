@@ -15,12 +15,11 @@ namespace {
 
 template <typename T, typename TFrom>
 std::optional<T> Converted(TFrom from) {
-  if constexpr (std::is_same_v<TFrom, bool>) {
+  constexpr bool isReal = std::is_floating_point_v<TFrom>;
+  if constexpr (std::is_same_v<TFrom, bool> || (isReal && !std::is_floating_point_v<T>)) {
     return std::nullopt;
   } else if constexpr (std::is_floating_point_v<T>) {
     return static_cast<T>(from);
-  } else if constexpr (std::is_floating_point_v<TFrom>) {
-    return std::nullopt;
   } else {
     // All integers of CIM fit into one of these two.
     if constexpr (std::is_signed_v<TFrom> && std::is_unsigned_v<T>) {

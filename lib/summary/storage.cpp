@@ -115,7 +115,7 @@ bool KeepsFiles(const TFacts& facts, const TFileSystem& system) {
     if (system.fType == layer) return false;
   }
   constexpr std::uint64_t kPersistent = 2, kExternal = 4;
-  const TNumber persistence = facts.Number("PersistenceType");
+  const std::uint64_t persistence = facts.Number("PersistenceType").value_or(0);
   return persistence == kPersistent || persistence == kExternal ||
          BeginsWith(system.fDevice, "/dev/");
 }
