@@ -70,12 +70,14 @@ class TTableFormat : public IContentsFormat {
     std::vector<std::size_t> widths;
     const std::vector<std::size_t> shown = ColumnsThatFit(widths);
     std::vector<std::string> names;
+    names.reserve(shown.size());
     for (const std::size_t column : shown) {
       names.push_back(fClass->fClass.fProperties[fColumns[column]].fName);
     }
     std::string text = FormatTable({{{Aligned(std::move(names), widths)}, TTableRow::kHeading}});
     for (TTableRow& row : fRows) {
       std::vector<std::string> cells;
+      cells.reserve(shown.size());
       for (const std::size_t column : shown) cells.push_back(std::move(row.fCells[column]));
       text += FormatTable({{{Aligned(std::move(cells), widths)}, TTableRow::kPlain}});
     }

@@ -67,7 +67,7 @@ std::string DayOf(const std::string& dateTime) {
 }
 
 std::string MinuteOf(const std::string& dateTime) {
-  const std::string day = DayOf(dateTime);
+  std::string day = DayOf(dateTime);
   const std::string time = day.empty() ? "" : dateTime.substr(8, 4);
   if (time.size() < 4 || !IsDigits(time)) return day;
   return day + " " + time.substr(0, 2) + ":" + time.substr(2);
