@@ -11,6 +11,8 @@
 #include <string_view>
 #include <utility>
 
+#include "words.h"
+
 namespace NVORNQDX20 {
 namespace {
 
@@ -55,10 +57,6 @@ constexpr std::pair<std::string_view, std::string_view> kCommonWords[] = {
     {"user", "Account"},
     {"volume", "StorageVolume"}};
 
-bool StartsWith(std::string_view text, std::string_view start) {
-  return text.substr(0, start.size()) == start;
-}
-
 bool IsUpper(char c) { return c >= 'A' && c <= 'Z'; }
 
 /// Returns whether a word of the name begins with the text, which is in lower case: "DiskDrive"
@@ -69,7 +67,7 @@ bool HasWord(std::string_view name, std::string_view text) {
     const bool begins =
         i == 0 || (IsUpper(name[i]) &&
                    (!IsUpper(name[i - 1]) || (i + 1 < name.size() && !IsUpper(name[i + 1]))));
-    if (begins && StartsWith(std::string_view(folded).substr(i), text)) return true;
+    if (begins && BeginsWith(std::string_view(folded).substr(i), text)) return true;
   }
   return false;
 }
@@ -115,7 +113,7 @@ TNames Find(const std::string& folded, const TNames& names) {
   if (const auto singular = Singular(folded)) found = FindWhole(*singular, names);
   if (!found.empty()) return found;
   found = NamesWhich(names, [&folded](const std::string& name) {
-    return StartsWith(NModel::Folded(ShortClassName(name)), folded);
+    return BeginsWith(NModel::Folded(ShortClassName(name)), folded);
   });
   if (!found.empty()) return found;
   return NamesWhich(

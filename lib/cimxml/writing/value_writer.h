@@ -28,8 +28,6 @@ class TValueWriter {
   TValueWriter(TXMLWriter& xml, const ICIMNamespace& ns, EReaders readers, TCountedWarning& leftOut)
       : fXML(xml), fNamespace(ns), fReaders(readers), fLeftOut(leftOut) {}
 
-  EReaders GetReaders() const { return fReaders; }
-
   /// Returns "PROPERTY", "PROPERTY.ARRAY" or "PROPERTY.REFERENCE".
   static const char* PropertyElement(TCIMType type);
   /// Returns why an instance name cannot contain the key; null if it can.
