@@ -4,6 +4,7 @@
 #include <qdxcore/logger.h>
 #include <qdxmodel/classes.h>
 #include <qdxmodel/property_reader.h>
+#include <qdxoutput/output_file.h>
 
 #include <algorithm>
 #include <optional>
@@ -14,7 +15,6 @@
 #include "schema_writer.h"
 #include "value_writer.h"
 #include "xml/counted_warning.h"
-#include "xml/output.h"
 #include "xml/xml_writer.h"
 
 namespace NVORNQDX20::NCIMXML {
@@ -137,9 +137,9 @@ void WriteInstances(TXMLWriter& xml, TValueWriter& values, const TArraySizes& si
 }  // namespace
 
 struct TDocumentWriter::TParts {
-  TParts(const std::string& file, EReaders readers) : fOutput(file), fReaders(readers) {}
+  TParts(const std::string& file, EReaders readers) : fOutput(file, "cimxml"), fReaders(readers) {}
 
-  TOutput fOutput;
+  TOutputFile fOutput;
   const EReaders fReaders;
   TXMLWriter fXML{fOutput};
   TCountedWarning fLeftOut;

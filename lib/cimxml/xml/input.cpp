@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "input.h"
 
+#include <qdxoutput/gzip_format.h>
 #include <qdxsystem/error_text.h>
 #include <qdxsystem/read.h>
 
@@ -13,7 +14,6 @@
 
 #include "document_error.h"
 #include "document_limits.h"
-#include "gzip_format.h"
 
 namespace NVORNQDX20::NCIMXML {
 namespace {

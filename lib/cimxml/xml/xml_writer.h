@@ -3,10 +3,10 @@
 #ifndef LIB_CIMXML_XML_XML_WRITER_H_
 #define LIB_CIMXML_XML_XML_WRITER_H_
 
+#include <qdxoutput/output_file.h>
+
 #include <cstddef>
 #include <string_view>
-
-#include "output.h"
 
 namespace NVORNQDX20::NCIMXML {
 
@@ -14,7 +14,7 @@ namespace NVORNQDX20::NCIMXML {
 /// and is counted. All other characters are escaped such that a reader does not normalise them.
 class TXMLWriter {
  public:
-  explicit TXMLWriter(TOutput& output) : fOutput(output) {}
+  explicit TXMLWriter(TOutputFile& output) : fOutput(output) {}
 
   /// Writes markup unchanged.
   TXMLWriter& Markup(std::string_view markup) {
@@ -32,7 +32,7 @@ class TXMLWriter {
  private:
   void WriteCharacter(std::string_view& text);
 
-  TOutput& fOutput;
+  TOutputFile& fOutput;
   std::size_t fReplaced = 0;
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The output file of a document, compressed if its name ends in ".gz".
-#ifndef LIB_CIMXML_XML_OUTPUT_H_
-#define LIB_CIMXML_XML_OUTPUT_H_
+/// A file that is written from its start to its end, compressed if its name ends in ".gz".
+#ifndef QDXOUTPUT_OUTPUT_FILE_H_
+#define QDXOUTPUT_OUTPUT_FILE_H_
 
 #include <qdxsystem/descriptor.h>
 
@@ -9,20 +9,21 @@
 #include <string>
 #include <string_view>
 
-namespace NVORNQDX20::NCIMXML {
+namespace NVORNQDX20 {
 
 class TCompressor;
 
 /// Failures are logged with the file and the reason, and throw kQDXStatusFileSystemError.
-class TOutput {
+class TOutputFile {
  public:
   /// "-" is standard output. An existing file is truncated and keeps its mode; a new one gets mode
   /// 0600. A gzip file has no name and time in its header, so that equal contents give equal files.
-  explicit TOutput(const std::string& file);
+  /// Messages begin with the name of the service that writes.
+  TOutputFile(const std::string& file, const std::string& service);
   /// Leaves an incomplete file unless Close() was called.
-  ~TOutput();
-  TOutput(const TOutput&) = delete;
-  TOutput& operator=(const TOutput&) = delete;
+  ~TOutputFile();
+  TOutputFile(const TOutputFile&) = delete;
+  TOutputFile& operator=(const TOutputFile&) = delete;
 
   void Write(std::string_view text) {
     fBuffer += text;
@@ -39,11 +40,12 @@ class TOutput {
   void Require(bool done) const;
 
   const std::string fFile;
+  const std::string fService;
   std::string fBuffer;
   const std::unique_ptr<TCompressor> fCompressor;
   TDescriptor fDescriptor;
 };
 
-}  // namespace NVORNQDX20::NCIMXML
+}  // namespace NVORNQDX20
 
-#endif  // LIB_CIMXML_XML_OUTPUT_H_
+#endif  // QDXOUTPUT_OUTPUT_FILE_H_

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "output.h"
+#include <qdxoutput/output_file.h>
 
 #include <qdxcore/logger.h>
 #include <qdxcore/status.h>
+#include <qdxoutput/gzip_format.h>
 #include <qdxsystem/error_text.h>
 #include <qdxsystem/write.h>
 
@@ -14,9 +15,7 @@
 #include <unistd.h>
 #include <zlib.h>
 
-#include "gzip_format.h"
-
-namespace NVORNQDX20::NCIMXML {
+namespace NVORNQDX20 {
 namespace {
 
 constexpr int kUnknownSystem = 255;
@@ -67,16 +66,17 @@ class TCompressor {
   Bytef fOut[1 << 16];
 };
 
-TOutput::TOutput(const std::string& file)
+TOutputFile::TOutputFile(const std::string& file, const std::string& service)
     : fFile(file),
+      fService(service),
       fCompressor(EndsWith(file, ".gz") ? std::make_unique<TCompressor>() : nullptr),
       fDescriptor(OpenForWriting(file)) {
   Require(fDescriptor.IsOpen());
 }
 
-TOutput::~TOutput() = default;
+TOutputFile::~TOutputFile() = default;
 
-void TOutput::Close() {
+void TOutputFile::Close() {
   Flush();
   if (fCompressor) {
     fCompressor->Compress({}, true, [this](std::string_view bytes) { WriteToFile(bytes); });
@@ -84,7 +84,7 @@ void TOutput::Close() {
   Require(fDescriptor.Close());
 }
 
-void TOutput::Flush() {
+void TOutputFile::Flush() {
   if (fCompressor) {
     fCompressor->Compress(fBuffer, false, [this](std::string_view bytes) { WriteToFile(bytes); });
   } else {
@@ -93,13 +93,15 @@ void TOutput::Flush() {
   fBuffer.clear();
 }
 
-void TOutput::WriteToFile(std::string_view bytes) { Require(WriteAll(fDescriptor.Get(), bytes)); }
+void TOutputFile::WriteToFile(std::string_view bytes) {
+  Require(WriteAll(fDescriptor.Get(), bytes));
+}
 
-void TOutput::Require(bool done) const {
+void TOutputFile::Require(bool done) const {
   if (done) return;
   const std::string reason = ErrorText(errno);
   LogErrorAndThrow(kQDXStatusFileSystemError,
-                   {"cimxml: ", fFile == "-" ? "standard output" : fFile, ": ", reason});
+                   {fService, ": ", fFile == "-" ? "standard output" : fFile, ": ", reason});
 }
 
-}  // namespace NVORNQDX20::NCIMXML
+}  // namespace NVORNQDX20
