@@ -1,20 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
-// 10,000 instances of ten properties, made from a table and by hand.
+// Instances that a table describes, beside the calls without which there is no instance.
 #include <qdxdescribe/provider.h>
 #include <qdxrepository/repository.h>
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include <benchmark/benchmark.h>
+#include "operation.h"
 
+namespace NBench {
 namespace {
 
 using namespace NVORNQDX20;
 using namespace NDescribe;
-
-constexpr int kInstances = 10000;
 
 struct TDisk {
   std::string fName;
@@ -24,25 +24,22 @@ struct TDisk {
   std::uint32_t fErrors;
   double fLoad;
 };
+using TDisks = std::shared_ptr<std::vector<TDisk>>;
 
-std::vector<TDisk> MakeDisks() {
-  std::vector<TDisk> disks;
-  for (std::uint32_t i = 0; i < kInstances; ++i) {
-    disks.push_back(
+TDisks MakeDisks(std::uint32_t count) {
+  const auto disks = std::make_shared<std::vector<TDisk>>();
+  disks->reserve(count);
+  for (std::uint32_t i = 0; i < count; ++i) {
+    disks->push_back(
         {"disk" + std::to_string(i), "a model of some length", i * 512UL, false, i, 0.5});
   }
   return disks;
 }
 
-const std::vector<TDisk>& Disks() {
-  static const std::vector<TDisk> disks = MakeDisks();
-  return disks;
-}
-
-TTable<TDisk> DiskTable() {
+TTable<TDisk> DiskTable(const TDisks& disks) {
   return {"Bench_Disk",
           "A disk.",
-          [](const TRequest&) { return Disks(); },
+          [disks](const TRequest&) { return *disks; },
           {{"SystemName", "The machine.", Constant("server.example"), kKey},
            {"CreationClassName", "The class.", kClassName, kKey},
            {"DeviceID", "The disk.", &TDisk::fName, kKey},
@@ -55,21 +52,21 @@ TTable<TDisk> DiskTable() {
            {"Load", "The load.", &TDisk::fLoad, kGauge}}};
 }
 
-void DescribeByTable(benchmark::State& state) {
-  const TDescriber describer("bench", "root/bench");
-  const std::vector<TClassOf<TRequest>> classes = {DiskTable()};
-  for (auto _ : state) benchmark::DoNotOptimize(Describe<TRequest>(describer, classes, {"/", {}}));
-  state.SetItemsProcessed(state.iterations() * kInstances);
+TLoop ByTable(std::uint32_t count) {
+  const auto describer = std::make_shared<TDescriber>("bench", "root/bench");
+  const std::vector<TClassOf<TRequest>> classes = {DiskTable(MakeDisks(count))};
+  return Repeat([describer, classes] {
+    return Describe<TRequest>(*describer, classes, {"/", {}});
+  });
 }
-BENCHMARK(DescribeByTable)->Unit(benchmark::kMillisecond);
 
-/// The calls of the interfaces without which there is no instance.
-void LimitDescribeByHand(benchmark::State& state) {
-  const TClassOf<TRequest> table = DiskTable();
-  for (auto _ : state) {
+TLoop ByHand(std::uint32_t count) {
+  const TDisks all = MakeDisks(count);
+  const TClassOf<TRequest> table = DiskTable(all);
+  return Repeat([all, table] {
     const auto ns = MakeRepositoryNamespace("root/bench");
     const auto disks = DeclareClass(*ns, table.fDeclaration);
-    for (const TDisk& disk : Disks()) {
+    for (const TDisk& disk : *all) {
       const auto instance = disks->CreateInstance({});
       instance->SetPropertyValue("SystemName", "server.example", {});
       instance->SetPropertyValue("CreationClassName", "Bench_Disk", {});
@@ -83,9 +80,19 @@ void LimitDescribeByHand(benchmark::State& state) {
       instance->SetPropertyValue("Load", disk.fLoad, {});
       instance->Commit({});
     }
-  }
-  state.SetItemsProcessed(state.iterations() * kInstances);
+    return ns;
+  });
 }
-BENCHMARK(LimitDescribeByHand)->Unit(benchmark::kMillisecond);
 
 }  // namespace
+
+TOperations TableOperations(bool isCounted) {
+  const std::uint32_t count = isCounted ? 1000 : 10000;
+  TOperations all = {{"an instance from a table", [count] { return ByTable(count); },
+                      "the bare interfaces", [count] { return ByHand(count); }}};
+  all.front().fInstances = count;
+  all.front().fCountedRuns = 3;
+  return all;
+}
+
+}  // namespace NBench
