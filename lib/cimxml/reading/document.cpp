@@ -23,14 +23,10 @@ namespace {
 constexpr char kDefaultNamespace[] = "root/cimv2";
 constexpr std::size_t kMostStrayText = 100;
 
-bool IsOneOf(const TElement& element, std::initializer_list<std::string_view> names) {
-  return std::find(names.begin(), names.end(), element.fName) != names.end();
-}
-
 /// Returns whether it names an object, perhaps with its namespace.
 bool IsName(const TElement& element) {
-  return IsOneOf(element, {"INSTANCENAME", "CLASSNAME", "INSTANCEPATH", "CLASSPATH",
-                           "LOCALINSTANCEPATH", "LOCALCLASSPATH", "OBJECTPATH"});
+  return element.IsOneOf("INSTANCENAME", "CLASSNAME", "INSTANCEPATH", "CLASSPATH",
+                         "LOCALINSTANCEPATH", "LOCALCLASSPATH", "OBJECTPATH");
 }
 
 TElement* FindChild(TElement& object, std::string_view name) {
@@ -56,13 +52,13 @@ bool HasInstances(const ICIMClass& cimClass) {
 void TDocument::BeginContainer(const TElement& container, bool isGroup) {
   fHasBegun = true;
   if (isGroup) fGroup = nullptr;
-  if (IsOneOf(container, {"IMETHODCALL", "METHODCALL", "EXPMETHODCALL"})) {
+  if (container.IsOneOf("IMETHODCALL", "METHODCALL", "EXPMETHODCALL")) {
     fIsInCall = true;
     if (fCall.fLine == 0) fCall = container.fPosition;
-  } else if (IsOneOf(container, {"DECLARATION", "SIMPLERSP", "SIMPLEEXPRSP"})) {
+  } else if (container.IsOneOf("DECLARATION", "SIMPLERSP", "SIMPLEEXPRSP")) {
     fIsInCall = false;
   }
-  if (IsOneOf(container, {"DECLARATION", "MESSAGE"})) fIsInMessage = container.Is("MESSAGE");
+  if (container.IsOneOf("DECLARATION", "MESSAGE")) fIsInMessage = container.Is("MESSAGE");
   if (container.Is("METHODRESPONSE") && fResponse.fLine == 0) fResponse = container.fPosition;
 }
 
@@ -82,7 +78,7 @@ void TDocument::AddObject(TElement&& object, std::size_t bytes) {
 }
 
 void TDocument::Add(TElement&& object, std::size_t bytes) {
-  if (IsOneOf(object, {"LOCALNAMESPACEPATH", "NAMESPACEPATH"})) {
+  if (object.IsOneOf("LOCALNAMESPACEPATH", "NAMESPACEPATH")) {
     BeginGroup(object);
   } else if (object.Is("QUALIFIER.DECLARATION")) {
     Group().AddQualifierDecl(object);
@@ -90,9 +86,9 @@ void TDocument::Add(TElement&& object, std::size_t bytes) {
     Group().AddClass(std::move(object), bytes);
   } else if (object.Is("INSTANCE")) {
     Group().AddInstance(std::move(object), bytes);
-  } else if (IsOneOf(object, {"VALUE.NAMEDOBJECT", "VALUE.NAMEDINSTANCE", "VALUE.OBJECT",
-                              "VALUE.OBJECTWITHPATH", "VALUE.OBJECTWITHLOCALPATH",
-                              "VALUE.INSTANCEWITHPATH"})) {
+  } else if (object.IsOneOf("VALUE.NAMEDOBJECT", "VALUE.NAMEDINSTANCE", "VALUE.OBJECT",
+                            "VALUE.OBJECTWITHPATH", "VALUE.OBJECTWITHLOCALPATH",
+                            "VALUE.INSTANCEWITHPATH")) {
     AddNamedObject(std::move(object), bytes);
   } else if (object.Is("ERROR")) {
     AddError(object);
@@ -118,8 +114,8 @@ void TDocument::BeginGroup(const TElement& path) {
 /// Names of objects are instances of which only the keys are known. Those in calls say what is
 /// asked for. Values and names of classes are results in messages, or the state of an enumeration.
 void TDocument::AddValue(TElement&& value, std::size_t bytes) {
-  const bool isName = IsOneOf(value, {"INSTANCENAME", "INSTANCEPATH", "LOCALINSTANCEPATH",
-                                      "OBJECTPATH", "VALUE.REFERENCE"});
+  const bool isName = value.IsOneOf("INSTANCENAME", "INSTANCEPATH", "LOCALINSTANCEPATH",
+                                    "OBJECTPATH", "VALUE.REFERENCE");
   if (isName && !fIsInCall) {
     AddName(std::move(value), bytes);
   } else if (value.Is("VALUE.REFARRAY")) {
@@ -127,10 +123,9 @@ void TDocument::AddValue(TElement&& value, std::size_t bytes) {
       if (!fIsInCall && each.Is("VALUE.REFERENCE")) AddName(std::move(each), bytes);
       bytes = 0;  // of all of them
     }
-  } else if (!isName &&
-             !(fIsInMessage &&
-               IsOneOf(value, {"VALUE", "VALUE.ARRAY", "VALUE.NULL", "CLASSNAME", "CLASSPATH",
-                               "LOCALCLASSPATH", "CORRELATOR", "RESPONSEDESTINATION"}))) {
+  } else if (!isName && !(fIsInMessage && value.IsOneOf("VALUE", "VALUE.ARRAY", "VALUE.NULL",
+                                                        "CLASSNAME", "CLASSPATH", "LOCALCLASSPATH",
+                                                        "CORRELATOR", "RESPONSEDESTINATION"))) {
     value.Refuse("it is no object of a namespace");
   }
 }
@@ -149,7 +144,7 @@ void TDocument::AddName(TElement&& path, std::size_t bytes) {
   TElement& instance = object.fChildren.emplace_back();
   instance.fName = "INSTANCE";
   instance.fPosition = name->fPosition;
-  instance.fAttributes.push_back({"CLASSNAME", name->Get("CLASSNAME")});
+  instance.fAttributes.Add("CLASSNAME", name->Get("CLASSNAME"));
   object.fChildren.push_back(*name);
   builder.AddInstanceName(std::move(object), bytes + instance.Bytes());
 }
@@ -173,7 +168,7 @@ void TDocument::WarnOfOthers(const TElement& holder, const TElement& object, con
   const TElement* path = nullptr;
   for (const TElement& child : holder.fChildren) {
     const bool isObject = child.Is("CLASS") || child.Is("INSTANCE");
-    const bool isPath = IsOneOf(child, {"LOCALNAMESPACEPATH", "NAMESPACEPATH"});
+    const bool isPath = child.IsOneOf("LOCALNAMESPACEPATH", "NAMESPACEPATH");
     const TElement*& known = isPath ? path : name;
     const bool isTaken = &child == &object || (known == nullptr && (isPath || IsName(child)));
     if (isTaken) {

@@ -123,7 +123,7 @@ void TNamespaceBuilder::AddClass(TElement&& element, std::size_t bytes) {
     fDeclared.emplace(name, true);
     fSourceOrder.push_back(name);
     TElement& source = fSources[name].fElement;
-    source = std::move(element);
+    source = Compact(std::move(element), bytes);
     const std::string* const superclass = source.Find("SUPERCLASS");
     if (superclass == nullptr) return;
     GetMemory().AddHeld(kNodeBytes + superclass->size(), source);
@@ -152,7 +152,7 @@ void TNamespaceBuilder::AddInstanceName(TElement&& object, std::size_t bytes) {
 void TNamespaceBuilder::Wait(std::deque<TElement>& queue, TElement&& object, std::size_t bytes) {
   GetMemory().BeginObject(0);
   GetMemory().AddHeld(bytes, object);
-  queue.push_back(std::move(object));
+  queue.push_back(Compact(std::move(object), bytes));
 }
 
 bool TNamespaceBuilder::IsReady(const TElement& object) {

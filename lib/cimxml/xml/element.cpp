@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 namespace NVORNQDX20::NCIMXML {
 namespace {
@@ -82,6 +83,17 @@ constexpr std::string_view kAttributes[] = {
     "OVERRIDABLE",    "PARAMETER",      "PROPAGATED", "PROPERTY",     "REFERENCE", "REFERENCECLASS",
     "SUPERCLASS",     "TOINSTANCE",     "TOSUBCLASS", "TRANSLATABLE", "TYPE",      "VALUETYPE"};
 
+/// The memory that elements keep for the next object: no object can make the pool large.
+constexpr std::size_t kUsualAttributes = 4;
+constexpr std::size_t kUsualText = 64;
+constexpr std::size_t kLargestInPool = std::size_t{256} << 10;
+constexpr std::size_t kLargestCopy = std::size_t{64} << 20;
+
+void TrimText(std::string& text) {
+  text.clear();
+  if (text.capacity() > kUsualText) text.shrink_to_fit();
+}
+
 /// Finds names by a hash that is computed when the library is compiled.
 template <std::size_t kCount>
 class TNameTable {
@@ -125,19 +137,8 @@ std::string_view KnownElement(std::string_view name) { return kElementTable.Find
 
 std::string_view KnownAttribute(std::string_view name) { return kAttributeTable.Find(name); }
 
-const std::string* TElement::Find(std::string_view attribute) const {
-  for (const TAttribute& each : fAttributes) {
-    if (each.fName == attribute) return &each.fValue;
-  }
-  return nullptr;
-}
-
-const std::string& TElement::Get(std::string_view attribute) const {
-  const std::string* const value = Find(attribute);
-  if (value == nullptr) {
-    Refuse("<" + std::string(fName) + "> has no " + std::string(attribute));
-  }
-  return *value;
+void TElement::RefuseLack(std::string_view attribute) const {
+  Refuse("<" + std::string(fName) + "> has no " + std::string(attribute));
 }
 
 bool TElement::GetFlag(std::string_view attribute, bool absent) const {
@@ -150,19 +151,13 @@ bool TElement::GetFlag(std::string_view attribute, bool absent) const {
   return isTrue;
 }
 
-const TElement* TElement::Child(std::string_view name) const {
-  for (const TElement& child : fChildren) {
-    if (child.Is(name)) return &child;
-  }
-  return nullptr;
-}
-
 std::size_t TElement::Bytes() const {
-  constexpr std::size_t kLinks = 4 * sizeof(void*);  // list links and the allocator's overhead
-  std::size_t bytes = sizeof(TElement) + kLinks;
-  for (const TAttribute& attribute : fAttributes) {
-    bytes += sizeof(TAttribute) + attribute.fValue.size();
-  }
+  // With the links of a list and the allocator's overhead.
+  constexpr std::size_t kElementBytes = 144;
+  constexpr std::size_t kAttributeBytes = 48;
+  std::size_t bytes = kElementBytes;
+  for (const TAttribute& attribute : fAttributes)
+    bytes += kAttributeBytes + attribute.fValue.size();
   return bytes;
 }
 
@@ -176,6 +171,44 @@ const TElement& TElement::OnlyChild() const {
 void TElement::RefuseChild(const TElement& child) const {
   child.Refuse("<" + std::string(child.fName) + "> does not belong into <" + std::string(fName) +
                ">");
+}
+
+void TAttributes::Trim() {
+  fCount = 0;
+  if (fAll.size() > kUsualAttributes) fAll.resize(kUsualAttributes);
+  for (TAttribute& each : fAll) TrimText(each.fValue);
+}
+
+TElement& TElementPool::AddChild(TElement& parent) {
+  if (fElements.empty()) return parent.fChildren.emplace_back();
+  parent.fChildren.splice(parent.fChildren.end(), fElements, fElements.begin());
+  return parent.fChildren.back();
+}
+
+void TElementPool::Empty(TElement& root, std::size_t bytes) {
+  if (bytes > kLargestInPool) {
+    root = TElement();
+  } else {
+    root.fAttributes.Trim();
+    TrimText(root.fText);
+    Keep(root.fChildren);
+  }
+}
+
+void TElementPool::Keep(std::list<TElement>& elements) {
+  for (TElement& each : elements) {
+    each.fAttributes.Trim();
+    TrimText(each.fText);
+    if (!each.fChildren.empty()) Keep(each.fChildren);
+  }
+  fElements.splice(fElements.begin(), elements);
+}
+
+TElement Compact(TElement&& object, std::size_t bytes) {
+  // Elements of the pool can have a few times the memory that they need. Of a large object, only a
+  // small part comes from there, and a copy would need as much again for a moment.
+  if (bytes > kLargestCopy) return std::move(object);
+  return TElement(std::as_const(object));
 }
 
 std::string AtPosition(const TPosition& position) {

@@ -3,10 +3,13 @@
 #ifndef LIB_CIMXML_XML_ELEMENT_H_
 #define LIB_CIMXML_XML_ELEMENT_H_
 
+#include <algorithm>
 #include <cstddef>
+#include <initializer_list>
 #include <list>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "document_error.h"
@@ -17,20 +20,74 @@ namespace NVORNQDX20::NCIMXML {
 std::string_view KnownElement(std::string_view name);
 std::string_view KnownAttribute(std::string_view name);
 
-struct TElement {
-  struct TAttribute {
-    std::string_view fName;
-    std::string fValue;
-  };
+struct TAttribute {
+  std::string_view fName;  // one of KnownAttribute()
+  std::string fValue;
+};
 
+/// The attributes of an element. The memory of removed ones serves those that are added next.
+class TAttributes {
+ public:
+  TAttributes() = default;
+  TAttributes(std::initializer_list<TAttribute> all) : fAll(all), fCount(all.size()) {}
+  TAttributes(const TAttributes& other) : fAll(other.begin(), other.end()), fCount(fAll.size()) {}
+  TAttributes(TAttributes&& other) noexcept
+      : fAll(std::move(other.fAll)), fCount(std::exchange(other.fCount, 0)) {}
+  TAttributes& operator=(TAttributes other) noexcept {
+    fAll.swap(other.fAll);
+    fCount = other.fCount;
+    return *this;
+  }
+  ~TAttributes() = default;
+
+  std::vector<TAttribute>::const_iterator begin() const { return fAll.begin(); }
+  std::vector<TAttribute>::const_iterator end() const {
+    return fAll.begin() + static_cast<std::ptrdiff_t>(fCount);
+  }
+  std::size_t size() const { return fCount; }
+  void Add(std::string_view name, std::string_view value) {
+    if (fCount == fAll.size()) fAll.emplace_back();
+    TAttribute& added = fAll[fCount++];
+    added.fName = name;
+    added.fValue = value;
+  }
+  void Clear() { fCount = 0; }
+  /// Removes all, and frees what takes more memory than usual.
+  void Trim();
+
+ private:
+  std::vector<TAttribute> fAll;
+  std::size_t fCount = 0;
+};
+
+struct TElement {
+  // Inline, so that the name is compared as a constant: for each element of each instance.
   bool Is(std::string_view name) const { return fName == name; }
+  template <typename... TNames>
+  bool IsOneOf(const TNames&... names) const {
+    return (Is(names) || ...);
+  }
   /// Returns null if there is none.
-  const std::string* Find(std::string_view attribute) const;
+  const std::string* Find(std::string_view attribute) const {
+    for (const TAttribute& each : fAttributes) {
+      if (each.fName == attribute) return &each.fValue;
+    }
+    return nullptr;
+  }
   /// A missing attribute is an error.
-  const std::string& Get(std::string_view attribute) const;
+  const std::string& Get(std::string_view attribute) const {
+    const std::string* const value = Find(attribute);
+    if (value == nullptr) RefuseLack(attribute);
+    return *value;
+  }
   bool GetFlag(std::string_view attribute, bool absent) const;
   /// Returns the first child with this name; null if there is none.
-  const TElement* Child(std::string_view name) const;
+  const TElement* Child(std::string_view name) const {
+    for (const TElement& child : fChildren) {
+      if (child.Is(name)) return &child;
+    }
+    return nullptr;
+  }
   /// Returns the first child; having none is an error.
   const TElement& OnlyChild() const;
 
@@ -38,16 +95,35 @@ struct TElement {
     throw TDocumentError(reason, fPosition);
   }
   [[noreturn]] void RefuseChild(const TElement& child) const;
+  [[noreturn]] void RefuseLack(std::string_view attribute) const;
 
   /// Returns the size in memory, without children and text.
   std::size_t Bytes() const;
 
   std::string_view fName;  // one of KnownElement()
   TPosition fPosition;
-  std::vector<TAttribute> fAttributes;  // only those that CIM-XML has
-  std::string fText;                    // without the text of its children
-  std::list<TElement> fChildren;        // a list, since elements must not move
+  TAttributes fAttributes;        // only those that CIM-XML has
+  std::string fText;              // without the text of its children
+  std::list<TElement> fChildren;  // a list, since elements must not move
 };
+
+/// Keeps the elements of an object, with the memory of their texts, for the next object: most
+/// instances of a document look alike.
+class TElementPool {
+ public:
+  /// Adds a child without content.
+  TElement& AddChild(TElement& parent);
+  /// Empties the root of an object, which has this size in memory.
+  void Empty(TElement& root, std::size_t bytes);
+
+ private:
+  void Keep(std::list<TElement>& elements);
+
+  std::list<TElement> fElements;  // without content and children
+};
+
+/// Returns an object that is to be kept. It has no memory that it does not need.
+TElement Compact(TElement&& object, std::size_t bytes);
 
 }  // namespace NVORNQDX20::NCIMXML
 

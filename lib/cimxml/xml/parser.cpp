@@ -172,8 +172,7 @@ class TParser {
   void Text(std::string_view text);
   void StrayText(std::string_view text);
   bool StartContainer(const TElement& element);
-  void StartObject(TElement&& element);
-  TElement MakeElement(const XML_Char* name, const XML_Char** attributes);
+  void Fill(TElement& element, const XML_Char* name, const XML_Char** attributes);
   void RequireKnownEntities();
   void AddBytes(std::size_t bytes);
   TPosition Position() const {
@@ -191,6 +190,7 @@ class TParser {
   bool fIsCollectingTag = false;
   std::string fTag;
   std::vector<const TContainer*> fContainers;
+  TElementPool fPool;
   TElement fObject;
   std::vector<TElement*> fOpen;         // the path from the object to the current element
   std::size_t fBytes = 0;               // size of the object so far
@@ -225,16 +225,11 @@ std::string TParser::WhyRefused(bool isAtEnd) const {
 
 void TParser::Start(const XML_Char* name, const XML_Char** attributes) {
   if (fHasDoctype) RequireKnownEntities();
-  TElement element = MakeElement(name, attributes);
+  TElement& element = fOpen.empty() ? fObject : fPool.AddChild(*fOpen.back());
+  Fill(element, name, attributes);
   if (fContainers.size() + fOpen.size() >= kMaxDepth)
     element.Refuse("elements nested deeper than " + std::to_string(kMaxDepth));
-  if (fOpen.empty()) {
-    if (!StartContainer(element)) StartObject(std::move(element));
-    return;
-  }
-  std::list<TElement>& siblings = fOpen.back()->fChildren;
-  siblings.push_back(std::move(element));
-  fOpen.push_back(&siblings.back());
+  if (!fOpen.empty() || !StartContainer(element)) fOpen.push_back(&element);
 }
 
 bool TParser::StartContainer(const TElement& element) {
@@ -255,11 +250,6 @@ bool TParser::StartContainer(const TElement& element) {
   return false;
 }
 
-void TParser::StartObject(TElement&& element) {
-  fObject = std::move(element);
-  fOpen.push_back(&fObject);
-}
-
 void TParser::End() {
   if (fOpen.empty()) {
     fContainers.pop_back();
@@ -271,9 +261,9 @@ void TParser::End() {
   }
   fOpen.pop_back();
   if (!fOpen.empty()) return;
-  fSink.AddObject(std::move(fObject), std::exchange(fBytes, 0));
+  fSink.AddObject(std::move(fObject), fBytes);
+  fPool.Empty(fObject, std::exchange(fBytes, 0));
   fRoom = fSink.GetRoom();
-  fObject = TElement();
 }
 
 void TParser::Text(std::string_view text) {
@@ -297,8 +287,8 @@ void TParser::StrayText(std::string_view text) {
   fSink.AddStrayText(holder);
 }
 
-TElement TParser::MakeElement(const XML_Char* name, const XML_Char** attributes) {
-  TElement element;
+/// Gives an empty element its name and attributes.
+void TParser::Fill(TElement& element, const XML_Char* name, const XML_Char** attributes) {
   element.fName = KnownElement(name);
   element.fPosition = Position();
   if (element.fName.empty()) {
@@ -306,15 +296,15 @@ TElement TParser::MakeElement(const XML_Char* name, const XML_Char** attributes)
     element.Refuse(isFirst ? "no CIM-XML document: it begins with element " + Shown(name)
                            : "unknown element " + Shown(name));
   }
+  element.fAttributes.Clear();
   std::size_t count = 0;
   for (; *attributes != nullptr; attributes += 2) {
     if (++count > kMaxAttributes)
       element.Refuse("more than " + std::to_string(kMaxAttributes) + " attributes");
     const std::string_view known = KnownAttribute(attributes[0]);
-    if (!known.empty()) element.fAttributes.push_back({known, attributes[1]});
+    if (!known.empty()) element.fAttributes.Add(known, attributes[1]);
   }
   AddBytes(element.Bytes());
-  return element;
 }
 
 /// With an external document type, expat silently drops unknown entities from attributes. Only the
