@@ -64,6 +64,8 @@ void TInstanceAdder::SetNull(std::size_t position) {
   fParts->fInstance->Store(position, TStoredValue::Null());
 }
 
+boost::shared_ptr<ICIMInstance> TInstanceAdder::GetInstance() const { return fParts->fInstance; }
+
 bool TInstanceAdder::Commit() {
   const boost::shared_ptr<TInstance> instance = std::exchange(fParts->fInstance, nullptr);
   return instance->CommitIfNew();

@@ -89,6 +89,12 @@ const struct {
                            Id("7") + Property("uint8", "1") + Property("uint8", "2"))}),
      {"3:164 property \"p\" is given twice; the last value is taken"},
      {Property("uint8", "2")}},
+    {"KeyGivenTwice",
+     Document({kKeyed, Named("C", "7") + Tag("INSTANCE", "CLASSNAME='C'", Id("8") + Id("7"))}),
+     {"3:219 property \"Id\" is given twice; the last value is taken",
+      "1 cimxml: 1 instance has another class or other keys than its name in FILE, the first: line "
+      "3"},
+     {Binding("Id", "VALUETYPE='numeric' TYPE='uint32'", "7"), Id("7")}},
     {"PropertyDeclaredTwice",
      Document({Class(Property("uint8", "1") + Property("string", "x"))}),
      {"2:95 property \"p\" of class \"C\" is declared twice; the first declaration is taken"},
@@ -251,6 +257,51 @@ TEST(StrangeCIMXMLDocument, IsReadAndItsLossesAreReported) {
     }
     EXPECT_EQ(warnings, strange.fWarnings) << strange.fName;
     ExpectRead(strange.fDocument, strange.fRead, strange.fName);
+  }
+}
+
+/// What a reader keeps of one object for the next one, such as memory and the order of properties.
+TEST(StrangeCIMXMLDocument, ReadsEachInstanceAsIfItWereAlone) {
+  const std::string longText(5000, 'x');
+  const auto text = [](const std::string& name, const std::string& value) {
+    return Tag("PROPERTY", "NAME='" + name + "' TYPE='string'", "<VALUE>" + value + "</VALUE>");
+  };
+  const TNames bodies = {
+      "",
+      "<PROPERTY NAME='p' TYPE='uint8'/>" + text("s", ""),
+      text("s", longText) + Property("uint8", "7"),
+      Property("uint8", "1") + text("t", "a") + text("s", "a longer text than fits in itself"),
+      Tag("PROPERTY",
+          "NAME='S' TYPE='string' EmbeddedObject='object' PROPAGATED='true' "
+          "CLASSORIGIN='" +
+              longText + "'",
+          "<QUALIFIER NAME='Key' TYPE='boolean'/><VALUE>&lt;</VALUE>"),
+      Tag("PROPERTY.ARRAY", "NAME='a' TYPE='uint16'",
+          "<VALUE.ARRAY><VALUE>1</VALUE><VALUE.NULL/><VALUE>2</VALUE></VALUE.ARRAY>"),
+      "<PROPERTY.ARRAY NAME='A' TYPE='uint16'/>" + text("T", "b")};
+  const std::string cimClass =
+      Class(Tag("PROPERTY", "NAME='Id' TYPE='uint32'", kKey) +
+            "<PROPERTY NAME='p' TYPE='uint8'><VALUE>9</VALUE></PROPERTY>"
+            "<PROPERTY NAME='s' TYPE='string'/><PROPERTY NAME='t' TYPE='string'/>"
+            "<PROPERTY.ARRAY NAME='a' TYPE='uint16'/>");
+  const auto object = [&bodies](std::size_t body, const std::string& id) {
+    const std::string name = body % 2 == 0 ? Named("C", id) : "";
+    return name + Tag("INSTANCE", "CLASSNAME='C'", Id(id) + bodies[body]);
+  };
+  const auto read = [&](const TNames& objects) {
+    const TDocumentFile file(Document(objects));
+    const std::string written = ReadAndWritten(file.Path());
+    const std::size_t start = written.find("<KEYVALUE VALUETYPE=\"numeric\" TYPE=\"uint32\">2<");
+    return written.substr(start, written.find("</INSTANCE>", start) - start);
+  };
+  for (std::size_t i = 0; i < bodies.size(); ++i) {
+    const std::string alone = read({cimClass, object(i, "2")});
+    EXPECT_NE(alone.find("NAME=\"Id\""), std::string::npos) << alone;
+    for (std::size_t j = 0; j < bodies.size(); ++j) {
+      EXPECT_EQ(read({cimClass, object(j, "1"), object(i, "2")}), alone) << j << " before " << i;
+      EXPECT_EQ(read({object(j, "1"), object(i, "2"), cimClass}), alone)
+          << j << " waits with " << i;
+    }
   }
 }
 

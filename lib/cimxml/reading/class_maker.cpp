@@ -283,7 +283,7 @@ class TClassMaker {
 };
 
 TCIMValue ResolvedValue(TSpace& space, const TElement& source) {
-  if (IsProperty(source)) return ReadPropertyValue(space, source);
+  if (IsProperty(source)) return ReadPropertyValue(space, TypeOfProperty(source), source);
   const TElement& name = NameOf(source);
   TCIMValue null(TCIMType::kCIMTypeReference, 0);
   null.SetReferencedClass(

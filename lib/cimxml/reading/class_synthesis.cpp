@@ -85,8 +85,8 @@ class TSynthesis {
   /// Adds the keys of a name; `use` may be an object with a name.
   void AddName(const TClassUse& use, const TElement& name) {
     for (const TKeyBinding& binding : KeyBindingsOf(name)) {
-      if (binding.fName.empty()) name.Refuse("a key without name, of a class without declaration");
-      if (!IsDeclared(use, binding.fName)) AddKey(binding, &name == use.fElement);
+      if (!binding.HasName()) name.Refuse("a key without name, of a class without declaration");
+      if (!IsDeclared(use, *binding.fName)) AddKey(binding, &name == use.fElement);
     }
   }
 
@@ -145,8 +145,8 @@ class TSynthesis {
   void AddKey(const TKeyBinding& binding, bool isReference) {
     const std::size_t known = fProperties.size();
     const TCIMType type = TypeOfKey(*binding.fValue);
-    if (fPositions.count(binding.fName) == 0) RequireText(type, *binding.fValue);
-    TProperty& property = At(binding.fName, type);
+    if (fPositions.count(*binding.fName) == 0) RequireText(type, *binding.fValue);
+    TProperty& property = At(*binding.fName, type);
     if (fProperties.size() != known) property.fIsGuessed = IsGuessed(*binding.fValue);
     if (property.fIsGuessed) property.fType = CommonType(property.fType, type);
     const bool isReferenceKey = binding.fValue->Is("VALUE.REFERENCE");

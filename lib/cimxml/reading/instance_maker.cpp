@@ -1,77 +1,79 @@
 // SPDX-License-Identifier: Apache-2.0
 // Makes instances.
-#include <qdxcore/status.h>
 #include <qdxmodel/classes.h>
 #include <qdxmodel/names.h>
 
 #include <algorithm>
 #include <cstddef>
-#include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "class_table.h"
 #include "object_makers.h"
 #include "object_path.h"
 #include "value_reader.h"
+#include "xml/literal.h"
 
 namespace NVORNQDX20::NCIMXML {
 namespace {
 
-/// Makes one instance and adds it to the namespace.
+bool IsReal(TCIMType type) {
+  return type == TCIMType::kCIMTypeReal32 || type == TCIMType::kCIMTypeReal64;
+}
+
+/// Makes one instance and adds it to the namespace. Texts and numbers, which most values are, go
+/// from the document into the instance without a TCIMValue.
 class TInstanceMaker {
  public:
-  TInstanceMaker(TSpace& space, const boost::shared_ptr<ICIMClass>& cimClass,
+  TInstanceMaker(TSpace& space, const ICIMClass& cimClass, TClassTable& table,
                  const TElement& instance)
-      : fSpace(space),
-        fClass(*cimClass),
-        fElement(instance),
-        fTarget(cimClass->CreateInstance({})) {
-    fGiven.reserve(instance.fChildren.size());
+      : fSpace(space), fClass(cimClass), fTable(table), fElement(instance) {
+    fTable.Begin();
   }
 
   void SetKeysFromName(const TElement& name) {
     if (!NModel::EqualIgnoringCase(ClassNameOf(name), fElement.Get("CLASSNAME"))) {
       fIsContradictory = true;
     }
-    for (const TKeyBinding& binding : KeyBindingsOf(name)) {
-      const std::string& key = binding.fName.empty() ? OnlyKeyOf(fClass, name) : binding.fName;
-      const auto decl = FindDecl(fClass, key);
-      if (!decl) {  // other keys than the declared ones
+    GetKeyBindings(name, fTable.fBindings);
+    std::size_t place = 0;
+    for (const TKeyBinding& binding : fTable.fBindings) {
+      const TSlot* const slot = binding.HasName()
+                                    ? fTable.FindNext(*binding.fName, fTable.fKeyOrder, place++)
+                                    : fTable.Find(OnlyKeyOf(fClass, name));
+      if (slot == nullptr) {  // other keys than the declared ones
         fIsContradictory = true;
-        continue;
+      } else {
+        SetKey(*slot, *binding.fValue);
       }
-      const TCIMValue value = ReadKeyValue(fSpace, decl->GetType(), *binding.fValue);
-      if (!fKeys.emplace(key, value).second) {
-        fIsContradictory = true;
-        continue;
-      }
-      fTarget->SetPropertyValue(key, value, {});
     }
   }
 
   void SetProperty(const TElement& property) {
-    const std::string& name = property.Get("NAME");
-    const TCIMType type = TypeOfProperty(property);
-    const auto decl = DeclOf(fClass, name, property);
-    if (type != decl->GetType()) {
-      property.Refuse("property " + Shown(name) + " is declared with another type");
+    const TSlot& slot = SlotOf(property);
+    fTable.fGiven.push_back({&slot, &property});
+    if (FindEmbeddedObject(property) != nullptr) RequireEmbedded(*slot.fDecl, property);
+    const TKey* const key = FindKey(slot);
+    if (!IsPlain(slot)) {
+      SetOtherValue(slot, key, property);
+    } else if (key == nullptr) {
+      const TElement* const value = FindScalar(fSpace, property);
+      if (value == nullptr || !SetPlainValue(slot, *value, property)) {
+        fTable.fAdder.SetNull(slot.fPosition);
+      }
+    } else if (HasTextOf(*key, property)) {
+      (void)SetPlainValue(slot, property.fChildren.front(), property);  // it may have had another
+    } else {
+      SetOtherValue(slot, key, property);
     }
-    fGiven.emplace_back(decl.get(), &property);
-    if (FindEmbeddedObject(property) != nullptr) RequireEmbedded(*decl, property);
-    const TCIMValue value = ReadPropertyValue(fSpace, property);
-    std::vector<TUnheldDateTime> unheld = FindUnheldDateTimes(value, property);
-    if (!unheld.empty()) fUnheld.push_back({&property, std::move(unheld)});
-    const auto key = fKeys.empty() ? fKeys.end() : fKeys.find(name);
-    if (key != fKeys.end()) {
-      if (value.IsNull()) return;
-      if (value != key->second) fIsContradictory = true;
-    }
-    fTarget->SetPropertyValue(name, value, {});
   }
 
   void Commit(bool isNameOnly) {
-    if (!CommitTarget()) {
+    const auto instance = fUnheld.empty() ? nullptr : fTable.fAdder.GetInstance();
+    if (!fTable.fAdder.Commit()) {
       if (isNameOnly) return;
       fElement.Refuse("another instance has the same keys");
     }
@@ -82,10 +84,90 @@ class TInstanceMaker {
     }
     WarnOfRepeatedProperties();
     if (fUnheld.empty()) return;
-    fSpace.GetMemory().AddHeld(fSpace.Reasons().Add(fClass, *fTarget, fUnheld), fElement);
+    fSpace.GetMemory().AddHeld(fSpace.Reasons().Add(fClass, *instance, fUnheld), fElement);
   }
 
  private:
+  using TSlot = TClassTable::TSlot;
+  using TKey = TClassTable::TKey;
+  using TGiven = TClassTable::TGiven;
+
+  static bool IsPlain(const TSlot& slot) { return slot.fIsText || slot.fIsNumber; }
+
+  const TSlot& SlotOf(const TElement& property) {
+    const std::string& name = property.Get("NAME");
+    const TSlot* const slot = fTable.FindNext(name, fTable.fPropertyOrder, fTable.fGiven.size());
+    const std::string* const keyword = property.Find("TYPE");
+    const bool isDeclared = slot != nullptr && IsPlain(*slot) && property.Is("PROPERTY") &&
+                            keyword != nullptr && *keyword == slot->fKeyword;
+    if (isDeclared) return *slot;
+    const TCIMType type = TypeOfProperty(property);
+    if (slot == nullptr) {
+      property.Refuse("class " + Shown(fClass.GetName({})) + " has no property " + Shown(name));
+    }
+    if (type != slot->fType) {
+      property.Refuse("property " + Shown(name) + " is declared with another type");
+    }
+    return *slot;
+  }
+
+  const TKey* FindKey(const TSlot& slot) const {
+    for (const TKey& each : fTable.fKeys) {
+      if (each.fSlot == &slot) return &each;
+    }
+    return nullptr;
+  }
+
+  void SetKey(const TSlot& slot, const TElement& element) {
+    if (FindKey(slot) != nullptr) {
+      (void)ReadKeyValue(fSpace, slot.fType, element);
+      fIsContradictory = true;
+    } else if (IsPlain(slot) && element.Is("KEYVALUE")) {
+      if (!SetPlainValue(slot, element, element)) element.Refuse("a key cannot be null");
+      fTable.fKeys.push_back({&slot, &element, std::nullopt});
+    } else {
+      const TCIMValue value = ReadKeyValue(fSpace, slot.fType, element);
+      fTable.fKeys.push_back({&slot, &element, value});
+      fTable.fAdder.Set(slot.fPosition, value);
+    }
+  }
+
+  /// Returns false, and sets nothing, for null.
+  bool SetPlainValue(const TSlot& slot, const TElement& element, const TElement& holder) {
+    if (IsNullText(fSpace, slot.fType, element, holder)) return false;
+    if (!element.fChildren.empty()) RefuseText(slot.fType, element);
+    if (slot.fIsText) {
+      fTable.fAdder.SetText(slot.fPosition, element.fText);
+    } else {
+      const std::optional<TNumber> number = ReadNumber(slot.fType, element.fText);
+      if (!number) RefuseText(slot.fType, element);
+      fTable.fAdder.SetNumber(slot.fPosition, number->Bytes());
+    }
+    return true;
+  }
+
+  /// Returns whether the value of a property surely equals the key, which most documents repeat.
+  static bool HasTextOf(const TKey& key, const TElement& property) {
+    constexpr std::size_t kUsual = 2;  // NAME and TYPE
+    if (property.fAttributes.size() > kUsual || property.fChildren.size() != 1) return false;
+    const TElement& value = property.fChildren.front();
+    return value.Is("VALUE") && value.fChildren.empty() && value.fText == key.fElement->fText &&
+           !IsReal(key.fSlot->fType);  // one that is not a number does not equal itself
+  }
+
+  /// Sets any value; `key` is what the name of the instance says, or null.
+  void SetOtherValue(const TSlot& slot, const TKey* key, const TElement& property) {
+    const TCIMValue value = ReadPropertyValue(fSpace, slot.fType, property);
+    std::vector<TUnheldDateTime> unheld = FindUnheldDateTimes(value, property);
+    if (!unheld.empty()) fUnheld.push_back({&property, std::move(unheld)});
+    if (key != nullptr) {
+      if (value.IsNull()) return;
+      const auto& known = key->fValue ? key->fValue : ReadLiteral(slot.fType, key->fElement->fText);
+      if (value != *known) fIsContradictory = true;
+    }
+    fTable.fAdder.Set(slot.fPosition, value);
+  }
+
   /// The declaration keeps what a text is, so it is lost if the declaration is another one.
   void RequireEmbedded(const ICIMPropertyDecl& decl, const TElement& property) {
     if (StringKindOf(property) == NDescribe::StringKindOf(decl)) return;
@@ -93,52 +175,42 @@ class TInstanceMaker {
     warning.Add(warning.GetCount() == 0 ? PlaceOf(property, property) : std::string());
   }
 
-  /// Returns false if there is such an instance.
-  bool CommitTarget() {
-    try {
-      fTarget->Commit({});
-      return true;
-    } catch (const TQDXException& e) {
-      if (e.GetStatusCode() != kQDXStatusAlreadyExists) throw;
-      return false;
-    }
-  }
-
   void WarnOfRepeatedProperties() {
-    if (!HasRepeatedProperties()) return;
-    const auto byDecl = [](const auto& left, const auto& right) {
-      return std::less<>()(left.first, right.first);
+    std::vector<TGiven>& given = fTable.fGiven;
+    const auto isNotAfter = [](const TGiven& left, const TGiven& right) {
+      return left.fSlot->fPosition >= right.fSlot->fPosition;
     };
-    std::stable_sort(fGiven.begin(), fGiven.end(), byDecl);
-    for (std::size_t i = 1; i < fGiven.size(); ++i) {
-      if (fGiven[i].first != fGiven[i - 1].first) continue;
-      const TElement& property = *fGiven[i].second;
+    const bool isAscending =
+        std::adjacent_find(given.begin(), given.end(), isNotAfter) == given.end();
+    if (isAscending) return;
+    std::stable_sort(given.begin(), given.end(), [](const TGiven& left, const TGiven& right) {
+      return left.fSlot->fPosition < right.fSlot->fPosition;
+    });
+    for (std::size_t i = 1; i < given.size(); ++i) {
+      if (given[i].fSlot != given[i - 1].fSlot) continue;
+      const TElement& property = *given[i].fElement;
       fSpace.GetState().Warn(property, "property " + Shown(property.Get("NAME")) +
                                            " is given twice; the last value is taken");
     }
   }
 
-  /// Sorting takes longer than comparing a few. With many, returns true without a look.
-  bool HasRepeatedProperties() const {
-    constexpr std::size_t kFew = 32;
-    if (fGiven.size() > kFew) return true;
-    for (std::size_t i = 1; i < fGiven.size(); ++i) {
-      for (std::size_t j = 0; j < i; ++j) {
-        if (fGiven[i].first == fGiven[j].first) return true;
-      }
-    }
-    return false;
-  }
-
   TSpace& fSpace;
   const ICIMClass& fClass;
+  TClassTable& fTable;
   const TElement& fElement;
-  const boost::shared_ptr<ICIMInstance> fTarget;
-  bool fIsContradictory = false;      // a property contradicts the instance's name
-  NModel::TNameMap<TCIMValue> fKeys;  // from the instance's name
-  std::vector<std::pair<const ICIMPropertyDecl*, const TElement*>> fGiven;
+  bool fIsContradictory = false;  // a property contradicts the instance's name
   std::vector<TMissingReasons::TUnheld> fUnheld;
 };
+
+/// Returns what the instances of the class share, which is made for the first one.
+TClassTable& TableOf(TSpace& space, const TReadClass& read, const TElement& instance) {
+  if (!read.fTable) {
+    constexpr std::size_t kSlotBytes = 160;
+    read.fTable = std::make_shared<TClassTable>(read.fClass);
+    space.GetMemory().AddHeld(read.fProperties * kSlotBytes, instance);
+  }
+  return *read.fTable;
+}
 
 /// The keys that a message has.
 constexpr std::size_t kMostKeys = 4;
@@ -198,7 +270,7 @@ void MakeInstance(TSpace& space, const TElement& object) {
   space.GetMemory().AddHeld(kInstanceBytes, instance);
   space.GetMemory().AddValues(read.fProperties, instance);
   AsPartOf(instance, [&] {
-    TInstanceMaker maker(space, read.fClass, instance);
+    TInstanceMaker maker(space, *read.fClass, TableOf(space, read, instance), instance);
     const TElement* const name = FindName(object);
     if (name != nullptr) maker.SetKeysFromName(*name);
     for (const TElement& child : instance.fChildren) {

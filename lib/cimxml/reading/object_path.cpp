@@ -91,18 +91,23 @@ bool IsQualified(const TElement& element, std::string_view qualifier) {
       });
 }
 
-std::vector<TKeyBinding> KeyBindingsOf(const TElement& name) {
-  std::vector<TKeyBinding> bindings;
+void GetKeyBindings(const TElement& name, std::vector<TKeyBinding>& bindings) {
+  bindings.clear();
   for (const TElement& child : name.fChildren) {
     if (IsKeyValue(child) && name.fChildren.size() == 1) {
-      bindings.push_back({std::string(), &child});
+      bindings.push_back({nullptr, &child});
       continue;
     }
     if (!child.Is("KEYBINDING")) name.RefuseChild(child);
     const TElement& value = child.OnlyChild();
     if (!IsKeyValue(value)) child.RefuseChild(value);
-    bindings.push_back({child.Get("NAME"), &value});
+    bindings.push_back({&child.Get("NAME"), &value});
   }
+}
+
+std::vector<TKeyBinding> KeyBindingsOf(const TElement& name) {
+  std::vector<TKeyBinding> bindings;
+  GetKeyBindings(name, bindings);
   return bindings;
 }
 

@@ -34,9 +34,13 @@ bool NamesClass(const TElement& property);
 bool IsQualified(const TElement& element, std::string_view qualifier);
 
 struct TKeyBinding {
-  std::string fName;       ///< Empty if the only key has no name.
-  const TElement* fValue;  ///< KEYVALUE or VALUE.REFERENCE.
+  const std::string* fName;  ///< Null or empty if the only key has no name.
+  const TElement* fValue;    ///< KEYVALUE or VALUE.REFERENCE.
+
+  bool HasName() const { return fName != nullptr && !fName->empty(); }
 };
+/// Replaces `bindings` by those of a name.
+void GetKeyBindings(const TElement& name, std::vector<TKeyBinding>& bindings);
 std::vector<TKeyBinding> KeyBindingsOf(const TElement& name);
 
 }  // namespace NVORNQDX20::NCIMXML

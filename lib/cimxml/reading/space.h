@@ -9,8 +9,11 @@
 
 #include <cstddef>
 #include <deque>
+#include <memory>
 #include <string>
+#include <utility>
 
+#include "class_table.h"
 #include "missing_reasons.h"
 #include "reading_state.h"
 #include "xml/element.h"
@@ -23,6 +26,7 @@ struct TReadClass {
   std::size_t fDepth = 1;       // including superclasses
   bool fIsUnresolved = false;   // some of them wait for the value of a reference
   bool fIsChosen = true;        // its instances are kept
+  mutable std::shared_ptr<TClassTable> fTable = nullptr;  // made for the first instance
 };
 
 /// What a reference refers to.
@@ -64,8 +68,11 @@ class TSpace {
 
   /// Returns null if no such class has been made.
   const TReadClass* FindClass(const std::string& name) const {
+    if (fLastFound != nullptr && fLastFound->first == name) return &fLastFound->second;
     const auto found = fClasses.find(name);
-    return found == fClasses.end() ? nullptr : &found->second;
+    if (found == fClasses.end()) return nullptr;
+    fLastFound = &*found;
+    return &found->second;
   }
   /// A missing class is an error of `usedBy`.
   const TReadClass& GetClass(const std::string& name, const TElement& usedBy) const {
@@ -84,6 +91,7 @@ class TSpace {
   TReadingState& fState;
   const boost::shared_ptr<ICIMNamespace> fNamespace;
   NModel::TNameMap<TReadClass> fClasses;
+  mutable const std::pair<const std::string, TReadClass>* fLastFound = nullptr;
   NModel::TNameMap<TTarget> fStandIns;
   TMissingReasons fReasons;
   std::deque<TUnresolved> fUnresolved;  // their elements must not move

@@ -20,18 +20,9 @@ namespace NVORNQDX20::NCIMXML {
 namespace {
 
 TCIMValue ReadText(TSpace& space, TCIMType type, const TElement& element, const TElement& holder) {
-  constexpr std::size_t kBody = 48;  // with the allocator's overhead
-  space.GetMemory().AddContents(sizeof(TCIMValue) + kBody + element.fText.size(), element);
-  const bool isEmpty = type != TCIMType::kCIMTypeString && IsBlank(element.fText);
-  if (isEmpty && element.fChildren.empty()) {
-    space.GetState().Warn(element, "an empty value of " + NameOfHolder(holder) + " is no " +
-                                       std::string(KeywordOf(type)) + "; it is read as null");
-    return TCIMValue(type, 0);
-  }
+  if (IsNullText(space, type, element, holder)) return TCIMValue(type, 0);
   std::optional<TCIMValue> value = ReadLiteral(type, element.fText);
-  if (!value || !element.fChildren.empty()) {
-    element.Refuse(Shown(element.fText) + " is no " + std::string(KeywordOf(type)));
-  }
+  if (!value || !element.fChildren.empty()) RefuseText(type, element);
   // A date-time may have wildcards; another one that is null has fields that are out of range.
   const bool isBad = type == TCIMType::kCIMTypeDateTime && value->IsNull() &&
                      element.fText.find('*') == std::string::npos;
@@ -64,14 +55,14 @@ const TTarget& StandInFor(TSpace& space, const ICIMClass& declared,
   std::vector<std::pair<std::string, TCIMType>> keys;
   std::string signature = className;
   for (const TKeyBinding& binding : bindings) {
-    const auto decl = FindDecl(declared, binding.fName);
-    keys.emplace_back(binding.fName, decl ? decl->GetType() : TypeOfKey(*binding.fValue));
+    const auto decl = FindDecl(declared, *binding.fName);
+    keys.emplace_back(*binding.fName, decl ? decl->GetType() : TypeOfKey(*binding.fValue));
     // A key that is a reference could own the namespace that owns it.
     if (keys.back().second == TCIMType::kCIMTypeReference) {
       binding.fValue->Refuse("class " + Shown(className) + " has no property " +
-                             Shown(binding.fName));
+                             Shown(*binding.fName));
     }
-    signature += '.' + binding.fName + ':' + std::string(KeywordOf(keys.back().second));
+    signature += '.' + *binding.fName + ':' + std::string(KeywordOf(keys.back().second));
   }
   TTarget& standIn = space.StandIn(signature);
   if (standIn.fClass) return standIn;
@@ -93,7 +84,7 @@ const TTarget& StandInFor(TSpace& space, const ICIMClass& declared,
 TTarget TargetOf(TSpace& space, const TElement& name, const std::vector<TKeyBinding>& bindings) {
   const auto declared = space.GetClass(ClassNameOf(name), name).fClass;
   const bool hasAll = std::all_of(bindings.begin(), bindings.end(), [&](const auto& binding) {
-    return binding.fName.empty() || FindDecl(*declared, binding.fName);
+    return !binding.HasName() || FindDecl(*declared, *binding.fName);
   });
   if (hasAll) return {space.GetNamespace(), declared};
   return StandInFor(space, *declared, bindings);
@@ -111,7 +102,7 @@ TCIMValue ReadReference(TSpace& space, const TElement& element) {
   TCIMReference reference(ns, {});
   reference.SetClass(cimClass);
   for (const TKeyBinding& binding : bindings) {
-    const std::string& key = binding.fName.empty() ? OnlyKeyOf(*cimClass, name) : binding.fName;
+    const std::string& key = binding.HasName() ? *binding.fName : OnlyKeyOf(*cimClass, name);
     const auto decl = DeclOf(*cimClass, key, *binding.fValue);
     reference.AddKeyValue(decl->GetName(), ReadKeyValue(target, decl->GetType(), *binding.fValue));
   }
@@ -157,6 +148,16 @@ void WarnOfOtherValues(TSpace& space, const TElement& holder, const TElement& fi
     if (!isOther) continue;
     space.GetState().Warn(child, "a second value of " + NameOfHolder(holder) + " is ignored");
   }
+}
+
+/// Returns the first child that can be a value, which must have this name; null if there is none.
+/// Warns of others.
+const TElement* FindOnlyValue(TSpace& space, const TElement& holder, std::string_view name) {
+  const TElement* const value = FindValueOf(holder);
+  if (value == nullptr) return nullptr;
+  if (holder.fChildren.size() > 1) WarnOfOtherValues(space, holder, *value);
+  if (!value->Is(name)) holder.RefuseChild(*value);
+  return value;
 }
 
 }  // namespace
@@ -221,20 +222,43 @@ const TElement* FindValueOf(const TElement& holder) {
 }
 
 TCIMValue ReadValue(TSpace& space, TCIMType type, const TElement& holder) {
-  const unsigned int size = ArraySizeOf(holder);
-  const TElement* const value = FindValueOf(holder);
-  if (value == nullptr) return IsArray(type) ? TCIMValue(type, size) : TCIMValue(type, 0);
-  if (holder.fChildren.size() > 1) WarnOfOtherValues(space, holder, *value);
   const bool isReference = ElementType(type) == TCIMType::kCIMTypeReference;
-  const char* const scalar = isReference ? "VALUE.REFERENCE" : "VALUE";
+  if (!isReference && !IsArray(type)) {
+    const TElement* const scalar = FindScalar(space, holder);
+    return scalar == nullptr ? TCIMValue(type, 0) : ReadText(space, type, *scalar, holder);
+  }
+  const unsigned int size = ArraySizeOf(holder);
   const char* const array = isReference ? "VALUE.REFARRAY" : "VALUE.ARRAY";
-  if (!value->Is(IsArray(type) ? array : scalar)) holder.RefuseChild(*value);
-  if (IsArray(type)) return ReadArray(space, type, size, *value, holder);
-  return isReference ? ReadReference(space, *value) : ReadText(space, type, *value, holder);
+  const TElement* const value =
+      FindOnlyValue(space, holder, IsArray(type) ? array : "VALUE.REFERENCE");
+  if (value == nullptr) return IsArray(type) ? TCIMValue(type, size) : TCIMValue(type, 0);
+  return IsArray(type) ? ReadArray(space, type, size, *value, holder)
+                       : ReadReference(space, *value);
 }
 
-TCIMValue ReadPropertyValue(TSpace& space, const TElement& property) {
-  TCIMValue value = ReadValue(space, TypeOfProperty(property), property);
+const TElement* FindScalar(TSpace& space, const TElement& holder) {
+  (void)ArraySizeOf(holder);  // for its faults
+  return FindOnlyValue(space, holder, "VALUE");
+}
+
+bool IsNullText(TSpace& space, TCIMType type, const TElement& element, const TElement& holder) {
+  constexpr std::size_t kBody = 48;  // with the allocator's overhead
+  space.GetMemory().AddContents(sizeof(TCIMValue) + kBody + element.fText.size(), element);
+  const bool isNull =
+      type != TCIMType::kCIMTypeString && IsBlank(element.fText) && element.fChildren.empty();
+  if (isNull) {
+    space.GetState().Warn(element, "an empty value of " + NameOfHolder(holder) + " is no " +
+                                       std::string(KeywordOf(type)) + "; it is read as null");
+  }
+  return isNull;
+}
+
+void RefuseText(TCIMType type, const TElement& element) {
+  element.Refuse(Shown(element.fText) + " is no " + std::string(KeywordOf(type)));
+}
+
+TCIMValue ReadPropertyValue(TSpace& space, TCIMType type, const TElement& property) {
+  TCIMValue value = ReadValue(space, type, property);
   const std::string* const className = property.Find("REFERENCECLASS");
   if (value.IsReference() && value.IsNull() && className != nullptr) {
     value.SetReferencedClass(space.GetClass(*className, property).fClass);

@@ -37,8 +37,16 @@ const TElement* FindValueOf(const TElement& holder);
 
 /// Reads the value among the children of the element; null of that type if there is none.
 TCIMValue ReadValue(TSpace& space, TCIMType type, const TElement& holder);
-/// Reads the value of a property; a null reference gets its class if the element names one.
-TCIMValue ReadPropertyValue(TSpace& space, const TElement& property);
+/// Returns the VALUE of an element that has a scalar and no reference; null if it has none.
+const TElement* FindScalar(TSpace& space, const TElement& holder);
+/// Counts the memory for the text of a VALUE or KEYVALUE. Returns whether it is null because it is
+/// empty, and warns of that; a string never is.
+bool IsNullText(TSpace& space, TCIMType type, const TElement& element, const TElement& holder);
+[[noreturn]] void RefuseText(TCIMType type, const TElement& element);
+
+/// Reads the value of a property of TypeOfProperty(); a null reference gets its class if the
+/// element names one.
+TCIMValue ReadPropertyValue(TSpace& space, TCIMType type, const TElement& property);
 /// Reads a KEYVALUE or VALUE.REFERENCE; never null.
 TCIMValue ReadKeyValue(TSpace& space, TCIMType type, const TElement& value);
 

@@ -66,12 +66,12 @@ bool IsNotFinite(const TCIMValue& value) {
 
 /// The whole text must be a number that fits the type.
 template <typename T>
-std::optional<TCIMValue> Number(std::string_view text, int base) {
+std::optional<T> Number(std::string_view text, int base) {
   T number{};
   const char* const end = text.data() + text.size();
   const auto result = std::from_chars(text.data(), end, number, base);
   if (result.ec != std::errc() || result.ptr != end) return std::nullopt;
-  return TCIMValue(number);
+  return number;
 }
 
 /// Whether a hexadecimal number follows its sign: CIM-XML writes -0x1F.
@@ -81,7 +81,7 @@ bool IsHexadecimal(std::string_view text) {
 }
 
 template <typename T>
-std::optional<TCIMValue> ReadInteger(std::string_view text) {
+std::optional<T> ReadInteger(std::string_view text) {
   text = Trimmed(text);
   if (StartsWith(text, "+")) {
     text.remove_prefix(1);
@@ -95,12 +95,12 @@ std::optional<TCIMValue> ReadInteger(std::string_view text) {
 }
 
 template <typename T>
-std::optional<TCIMValue> ReadReal(std::string_view text) {
+std::optional<T> ReadReal(std::string_view text) {
   text = Trimmed(text);
   constexpr T kInfinity = std::numeric_limits<T>::infinity();
-  if (text == "NaN") return TCIMValue(std::numeric_limits<T>::quiet_NaN());
-  if (text == "INF") return TCIMValue(kInfinity);
-  if (text == "-INF") return TCIMValue(-kInfinity);
+  if (text == "NaN") return std::numeric_limits<T>::quiet_NaN();
+  if (text == "INF") return kInfinity;
+  if (text == "-INF") return -kInfinity;
   if (StartsWith(text, "+")) text.remove_prefix(1);
   // The standard library accepts these words; CIM-XML does not.
   if (text.find_first_of("nN") != std::string_view::npos) return std::nullopt;
@@ -108,14 +108,25 @@ std::optional<TCIMValue> ReadReal(std::string_view text) {
   const char* const end = text.data() + text.size();
   const auto result = std::from_chars(text.data(), end, number);
   if (result.ec != std::errc() || result.ptr != end) return std::nullopt;
-  return TCIMValue(number);
+  return number;
 }
 
-std::optional<TCIMValue> ReadBoolean(std::string_view text) {
+std::optional<bool> ReadBoolean(std::string_view text) {
   text = Trimmed(text);
-  if (NModel::EqualIgnoringCase(text, "true")) return TCIMValue(true);
-  if (NModel::EqualIgnoringCase(text, "false")) return TCIMValue(false);
+  if (NModel::EqualIgnoringCase(text, "true")) return true;
+  if (NModel::EqualIgnoringCase(text, "false")) return false;
   return std::nullopt;
+}
+
+template <typename T>
+std::optional<T> ReadArithmetic(std::string_view text) {
+  if constexpr (std::is_same_v<T, bool>) {
+    return ReadBoolean(text);
+  } else if constexpr (std::is_integral_v<T>) {
+    return ReadInteger<T>(text);
+  } else {
+    return ReadReal<T>(text);
+  }
 }
 
 bool IsDateTimeText(std::string_view text) {
@@ -197,12 +208,9 @@ std::string WriteLiteral(const TCIMValue& value) {
 std::optional<TCIMValue> ReadLiteral(TCIMType type, std::string_view text) {
   return NModel::VisitType(type, [text](auto native) -> std::optional<TCIMValue> {
     using T = typename decltype(native)::TType;
-    if constexpr (std::is_same_v<T, bool>) {
-      return ReadBoolean(text);
-    } else if constexpr (std::is_integral_v<T>) {
-      return ReadInteger<T>(text);
-    } else if constexpr (std::is_floating_point_v<T>) {
-      return ReadReal<T>(text);
+    if constexpr (std::is_arithmetic_v<T>) {
+      const std::optional<T> number = ReadArithmetic<T>(text);
+      return number ? std::optional<TCIMValue>(*number) : std::nullopt;
     } else if constexpr (std::is_same_v<T, std::string>) {
       return TCIMValue(std::string(text));
     } else if constexpr (std::is_same_v<T, TCIMDateTime>) {
@@ -211,6 +219,17 @@ std::optional<TCIMValue> ReadLiteral(TCIMType type, std::string_view text) {
       static_assert(std::is_void_v<T> || std::is_same_v<T, TCIMReference>);
       return std::nullopt;
     }
+  });
+}
+
+std::optional<TNumber> ReadNumber(TCIMType type, std::string_view text) {
+  return NModel::VisitType(type, [text](auto native) -> std::optional<TNumber> {
+    using T = typename decltype(native)::TType;
+    if constexpr (std::is_arithmetic_v<T>) {
+      const std::optional<T> number = ReadArithmetic<T>(text);
+      if (number) return TNumber(*number);
+    }
+    return std::nullopt;
   });
 }
 

@@ -5,6 +5,8 @@
 
 #include <qdxcore/value.h>
 
+#include <cstddef>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,6 +32,25 @@ bool IsBlank(std::string_view text);
 /// Parses a scalar; nothing if the text is not one of that type. Null of the type for a well-formed
 /// date-time that TCIMDateTime cannot hold, for example one with wildcards.
 std::optional<TCIMValue> ReadLiteral(TCIMType type, std::string_view text);
+
+/// A number or a boolean, without a TCIMValue.
+class TNumber {
+ public:
+  template <typename T>
+  explicit TNumber(T number) : fSize(sizeof number) {
+    static_assert(sizeof number <= sizeof fBytes);
+    std::memcpy(fBytes, &number, sizeof number);
+  }
+  /// The bytes of the native type in the order of this machine.
+  std::string_view Bytes() const { return {fBytes, fSize}; }
+
+ private:
+  char fBytes[8] = {};
+  std::size_t fSize;
+};
+
+/// Parses a number or a boolean as ReadLiteral() does; nothing for another type.
+std::optional<TNumber> ReadNumber(TCIMType type, std::string_view text);
 
 }  // namespace NVORNQDX20::NCIMXML
 
