@@ -11,7 +11,7 @@
 #include <iterator>
 #include <set>
 
-#include "record.h"
+#include <qdxsnapshot/record.h>
 
 namespace NVORNQDX20 {
 namespace {
@@ -23,18 +23,9 @@ using TClass = boost::shared_ptr<ICIMClass>;
 TParts PartsLeftOutOf(const TComparedDocument& document) {
   TParts parts;
   for (const TComparedNamespace& ns : document.fNamespaces) {
-    if (!NModel::EqualIgnoringCase(ns.fNamespace->GetName({}), kRecordNamespaceName)) continue;
-    // A document of others need not have the class or the property.
-    (void)TryUnlessOutOfMemory([&] {
-      for (const auto& record : NModel::InstancesOf(*ns.fNamespace->GetClass(kRecordClass, {}))) {
-        const TCIMValue value = record->GetProperty(kPartsLeftOut, {})->GetValue();
-        if (value.IsNull() || !value.IsArray()) continue;
-        const std::vector<TCIMValue>& names = value;
-        for (const TCIMValue& part : names) {
-          if (const std::string* const name = part.FindString()) parts.insert(*name);
-        }
-      }
-    });
+    if (!IsRecordNamespace(*ns.fNamespace)) continue;
+    const std::vector<std::string> leftOut = ReadRecord(*ns.fNamespace).fPartsLeftOut;
+    parts.insert(leftOut.begin(), leftOut.end());
   }
   return parts;
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "redaction.h"
 
-#include <qdxmodel/names.h>
 #include <qdxredact/mark.h>
 #include <qdxrepository/repository.h>
 #include <qdxsystem/descriptor.h>
@@ -17,7 +16,7 @@
 
 #include <boost/algorithm/string/join.hpp>
 
-#include "record.h"
+#include <qdxsnapshot/record.h>
 
 namespace NVORNQDX20 {
 namespace {
@@ -85,10 +84,6 @@ NRedact::TRedaction RedactionOf(const TArguments& arguments) {
   return redaction;
 }
 
-bool IsRecord(const ICIMNamespace& ns) {
-  return NModel::EqualIgnoringCase(ns.GetName({}), kRecordNamespaceName);
-}
-
 }  // namespace
 
 std::vector<TOptionSpec> RedactionOptions() {
@@ -105,7 +100,7 @@ TDocumentRedaction::TDocumentRedaction(const TArguments& arguments)
 void TDocumentRedaction::Learn(const std::vector<TMachineNamespace>& all, const std::string& what) {
   for (const TMachineNamespace& each : all) {
     const ICIMNamespace& ns = *each.fNamespace;
-    if (!fRedaction.fGuesses && !IsRecord(ns) && !NRedact::TellsSecrets(ns)) {
+    if (!fRedaction.fGuesses && !IsRecordNamespace(ns) && !NRedact::TellsSecrets(ns)) {
       throw TCommandFailure(kExitBadInput, "redacting " + what,
                             {kQDXStatusNotSupported,
                              "namespace " + ns.GetName({}) +
@@ -126,7 +121,7 @@ std::vector<TMachineNamespace> TDocumentRedaction::Redact(
   };
   for (const auto& [origin, ns] : all) {
     redacted.push_back({origin, fRedactor.Redact(ns)});
-    if (IsRecord(*ns)) mark(*redacted.back().fNamespace);
+    if (IsRecordNamespace(*ns)) mark(*redacted.back().fNamespace);
   }
   if (!isMarked) {
     redacted.push_back({{}, MakeRepositoryNamespace(kRecordNamespaceName)});

@@ -18,13 +18,13 @@
 #include <string>
 #include <vector>
 
+#include <qdxsnapshot/record.h>
 #include "cli/new_file.h"
 #include "cli/output.h"
 #include "input/completeness.h"
 #include "input/document.h"
 #include "input/document_file.h"
 #include "input/machine.h"
-#include "input/record.h"
 #include "input/redaction.h"
 #include "input/worker_options.h"
 #include "verbs.h"
@@ -39,7 +39,7 @@ bool IsNamed(const ICIMNamespace& ns, const std::string& name) {
   return NModel::EqualIgnoringCase(ns.GetName({}), name);
 }
 
-bool IsRecord(const TMachineNamespace& ns) { return IsNamed(*ns.fNamespace, kRecordNamespaceName); }
+bool IsRecord(const TMachineNamespace& ns) { return IsRecordNamespace(*ns.fNamespace); }
 
 bool IsEmpty(const ICIMNamespace& ns) {
   bool empty = true;
@@ -108,7 +108,7 @@ TTable<TOnly, TRecordSource> CollectionTable() {
            {"HostName", "The name of the machine.", KnownHostName, ESecret::kHostName},
            {"RootFolder", "The folder below which the files of the machine were read.",
             [](const TRecordSource& from) { return from.fMachine.GetRoot(); }, kVolatile},
-           {"CollectionTime", "When the data was read.", Now, kVolatile},
+           {kCollectionTime, "When the data was read.", Now, kVolatile},
            {"Parts", "The parts of providers that were chosen.",
             [](const TRecordSource& from) { return from.fMachine.GetParts().fChosen; }, kVolatile},
            {kPartsLeftOut, "The parts that were left out: by an option, or since nobody asked.",
@@ -117,7 +117,7 @@ TTable<TOnly, TRecordSource> CollectionTable() {
 }
 
 TTable<TProviderFailure, TRecordSource> FailureTable() {
-  return {"VORNSG_CollectionFailure",
+  return {kFailureClass,
           "An operation of a provider that failed.",
           [](const TRecordSource& from) { return from.fMachine.GetFailures(); },
           {{"Provider", "The provider.",

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 // The verb summary.
-#include <qdxmodel/classes.h>
 #include <qdxmodel/names.h>
 #include <qdxsummary/summary.h>
 
@@ -12,10 +11,10 @@
 
 #include <unistd.h>
 
+#include <qdxsnapshot/record.h>
 #include "cli/output.h"
 #include "input/document.h"
 #include "input/machine.h"
-#include "input/record.h"
 #include "input/worker_options.h"
 #include "summary/summary_json.h"
 #include "summary/summary_text.h"
@@ -73,14 +72,9 @@ TFoundSummary SummarizeMachine(const TArguments& arguments) {
 std::string CollectionTimeIn(const TNamespaces& namespaces) {
   std::string time;
   for (const auto& ns : namespaces) {
-    if (!NModel::EqualIgnoringCase(ns->GetName({}), kRecordNamespaceName)) continue;
-    TryUnlessOutOfMemory([&] {
-      const auto record = ns->GetClass(kRecordClass, {});
-      NModel::ForEachInstance(*record, [&time](const ICIMInstance& instance) {
-        const auto property = instance.GetProperty("CollectionTime", {});
-        if (!property->GetValue().IsNull()) time = property->GetValue().ToString(10);
-      });
-    });
+    if (!IsRecordNamespace(*ns)) continue;
+    const TCIMDateTime recorded = ReadRecord(*ns).fTime;
+    if (!recorded.IsNull()) time = recorded.ToString();
   }
   return MinuteOf(time);
 }

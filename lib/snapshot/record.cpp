@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxsnapshot/record.h>
+
+#include <qdxmodel/attempt.h>
+#include <qdxmodel/classes.h>
+#include <qdxmodel/names.h>
+
+namespace NVORNQDX20 {
+namespace {
+
+/// Returns null for a property that the class lacks.
+TCIMValue ValueOf(const ICIMInstance& instance, const char* property) {
+  TCIMValue value;
+  (void)TryUnlessOutOfMemory([&] { value = instance.GetProperty(property, {})->GetValue(); });
+  return value;
+}
+
+/// Returns an empty text for null, and for what is no text.
+std::string TextOf(const TCIMValue& value) {
+  const std::string* const text = value.FindString();
+  return text == nullptr ? "" : *text;
+}
+
+std::vector<std::string> TextsOf(const TCIMValue& value) {
+  std::vector<std::string> texts;
+  if (value.IsNull() || !value.IsArray()) return texts;
+  const std::vector<TCIMValue>& elements = value;
+  for (const TCIMValue& element : elements) {
+    if (const std::string* const text = element.FindString()) texts.push_back(*text);
+  }
+  return texts;
+}
+
+TCIMDateTime TimeOf(const TCIMValue& value) {
+  if (value.IsNull() || value.GetType() != TCIMValue::TCIMType::kCIMTypeDateTime) return {};
+  return value;
+}
+
+template <typename TVisit>
+void ForEachInstance(const ICIMNamespace& ns, const char* className, const TVisit& visit) {
+  (void)TryUnlessOutOfMemory([&] { NModel::ForEachInstance(*ns.GetClass(className, {}), visit); });
+}
+
+}  // namespace
+
+bool IsRecordNamespace(const ICIMNamespace& ns) {
+  return NModel::EqualIgnoringCase(ns.GetName({}), kRecordNamespaceName);
+}
+
+TCollectionRecord ReadRecord(const ICIMNamespace& ns) {
+  TCollectionRecord record;
+  ForEachInstance(ns, kRecordClass, [&record](const ICIMInstance& instance) {
+    record.fHostName = TextOf(ValueOf(instance, "HostName"));
+    record.fTime = TimeOf(ValueOf(instance, kCollectionTime));
+    record.fToolVersion = TextOf(ValueOf(instance, "ToolVersion"));
+    for (std::string& part : TextsOf(ValueOf(instance, kPartsLeftOut))) {
+      record.fPartsLeftOut.push_back(std::move(part));
+    }
+  });
+  ForEachInstance(ns, kFailureClass, [&record](const ICIMInstance& instance) {
+    record.fFailures.push_back(
+        {TextOf(ValueOf(instance, "Provider")), TextOf(ValueOf(instance, "Namespace")),
+         TextOf(ValueOf(instance, "Operation")), TextOf(ValueOf(instance, "Reason"))});
+  });
+  return record;
+}
+
+}  // namespace NVORNQDX20
