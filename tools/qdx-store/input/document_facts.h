@@ -27,7 +27,7 @@ struct THostIdentity {
 struct TUnknown {
   std::string fNamespace;
   std::string fClass;
-  std::string fPart;  ///< The part of its provider that the class belongs to.
+  std::string fPart;  ///< A part of the provider, without which the object cannot be seen.
   std::optional<std::string> fObject;
   std::string fProperty;
 };
@@ -43,7 +43,6 @@ struct TDocumentFacts {
   struct TClass {
     std::string fNamespace;
     std::string fName;
-    std::string fPart;  ///< Empty for none.
   };
   struct TProperty {
     std::uint32_t fClass;  ///< An index of fClasses.
@@ -56,12 +55,15 @@ struct TDocumentFacts {
   struct TObject {
     std::uint32_t fClass;  ///< An index of fClasses.
     std::string fName;
+    /// The parts of the provider without which the object cannot be seen: that of its class and,
+    /// of an association, those of what it ties together. With blanks between them.
+    std::string fParts;
   };
   /// A value that is not null. Booleans are "true" and "false", numbers decimal. Points in time are
-  /// UTC, "2004-03-15T13:30:00Z" or with six digits after the point if these are not zero; other
-  /// date-times as in CIM. References are the name of the class, and after a blank that of the
-  /// object if it has one: "VORNSG_DiskDrive /dev/sda"; "NAMESPACE:" precedes if it is another one.
-  /// Arrays are JSON arrays; those whose order means nothing are sorted.
+  /// UTC in whole seconds, "2004-03-15T13:30:00Z"; other date-times as in CIM. References are the
+  /// name of the class, and after a blank that of the object if it has one: "VORNSG_DiskDrive
+  /// /dev/sda"; "NAMESPACE:" precedes if it is another one. Arrays are JSON arrays; those whose
+  /// order means nothing are sorted.
   struct TFact {
     std::uint32_t fProperty;  ///< An index of fProperties.
     std::uint32_t fObject;    ///< An index of fObjects, of the same class.
@@ -85,7 +87,7 @@ struct TDocumentFacts {
   };
 
   THostIdentity fHost;
-  /// When the data was collected: microseconds since 1970-01-01T00:00:00Z.
+  /// When the data was collected: microseconds since 1970-01-01T00:00:00Z, in whole seconds.
   std::int64_t fTime = 0;
   /// SHA-256 of the bytes of the document, in hexadecimal digits.
   std::string fDigest;
@@ -108,9 +110,9 @@ struct TDocumentFacts {
   std::vector<TMissing> fMissing;
   std::vector<TUnknown> fUnknown;
 
-  /// Returns whether the host may have a fact, although the document lacks it. `part` is that of
-  /// the stored class: the document may lack the class itself.
-  bool IsUnknown(const std::string& ns, const std::string& className, const std::string& part,
+  /// Returns whether the host may have a fact, although the document lacks it. `parts` are those
+  /// of the stored object: the document may lack the class itself.
+  bool IsUnknown(const std::string& ns, const std::string& className, const std::string& parts,
                  const std::string& object, const std::string& property) const;
 };
 

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Opens a document, and computes what identifies its bytes.
+#ifndef TOOLS_QDX_STORE_INPUT_OPENED_DOCUMENT_H_
+#define TOOLS_QDX_STORE_INPUT_OPENED_DOCUMENT_H_
+
+#include <qdxsystem/descriptor.h>
+
+#include <cstdint>
+#include <string>
+
+namespace NVORNQDX20::NStore {
+
+struct TOpenedDocument {
+  TDescriptor fFile;    ///< At its start, and of its own: nobody else moves its position.
+  std::string fDigest;  ///< SHA-256 in hexadecimal digits.
+};
+
+/// Opens a file, or standard input for "-". What is no regular file, such as a pipe, is read to its
+/// end into a file without a name. Throws a TExplainedException, also for more bytes than allowed.
+TOpenedDocument OpenDocument(const std::string& file, std::uint64_t mostBytes);
+
+}  // namespace NVORNQDX20::NStore
+
+#endif  // TOOLS_QDX_STORE_INPUT_OPENED_DOCUMENT_H_
