@@ -2,10 +2,13 @@
 #include "stored_value.h"
 
 #include <qdxcore/reference.h>
+#include <qdxmodel/type.h>
 #include <qdxmodel/visit.h>
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
+#include <limits>
 #include <memory>
 #include <new>
 #include <string>
@@ -21,6 +24,8 @@ namespace {
 
 using NModel::THasher;
 using TType = TStoredValue::TType;
+
+constexpr std::size_t kMaxElements = std::numeric_limits<std::uint32_t>::max();
 
 template <typename T>
 void Hash(THasher& hasher, const T& value) {
@@ -55,18 +60,59 @@ void Hash(THasher& hasher, const TCIMValue& value) {
 
 }  // namespace
 
-/// A reference to an instance of the own namespace, which it does not own.
+/// A reference to an instance of the own namespace, which it does not own. The keys follow in the
+/// same piece of memory.
 struct TStoredReference {
   struct TKey {
     std::size_t fSlot;
     TStoredValue fValue;
   };
 
+  TKey* begin() const { return reinterpret_cast<TKey*>(const_cast<TStoredReference*>(this) + 1); }
+  TKey* end() const { return begin() + fCount; }
   const std::string& NameOf(const TKey& key) const { return fClass.DeclAt(key.fSlot).GetName(); }
   TType TypeOf(const TKey& key) const { return fClass.DeclAt(key.fSlot).GetType(); }
 
+  static TStoredReference* Make(TClass& cimClass, std::size_t room) {
+    void* const memory = ::operator new(sizeof(TStoredReference) + room * sizeof(TKey));
+    return new (memory) TStoredReference{cimClass, 0};
+  }
+  /// A key that was added before keeps its value. REQUIRES: there is room.
+  void Add(std::size_t slot, TStoredValue&& value) {
+    const std::string& name = fClass.DeclAt(slot).GetName();
+    TKey* place = end();
+    while (place != begin() && NameOf(*std::prev(place)) > name) --place;
+    // Names in another case are the same key, and the first one counts.
+    if (place != begin() && std::prev(place)->fSlot == slot) return;
+    new (end()) TKey{slot, std::move(value)};
+    ++fCount;
+    std::rotate(place, std::prev(end()), end());
+  }
+
   TClass& fClass;
-  std::vector<TKey> fKeys;  // in ascending bytewise order of the names, as references have them
+  std::size_t
+      fCount;  // of keys, in ascending bytewise order of their names, as references have them
+};
+
+/// The elements follow in the same piece of memory.
+struct TStoredValue::TArray {
+  TStoredValue* begin() const {
+    return reinterpret_cast<TStoredValue*>(const_cast<TArray*>(this) + 1);
+  }
+  TStoredValue* end() const { return begin() + fCount; }
+
+  static TArray* Make(std::uint32_t maxSize, std::size_t room) {
+    void* const memory = ::operator new(sizeof(TArray) + room * sizeof(TStoredValue));
+    return new (memory) TArray{maxSize, 0};
+  }
+  /// REQUIRES: there is room.
+  void Add(TStoredValue&& value) noexcept {
+    new (end()) TStoredValue(std::move(value));
+    ++fCount;
+  }
+
+  std::uint32_t fMaxSize;
+  std::uint32_t fCount;
 };
 
 struct TStoredValue::TLongText {
@@ -74,29 +120,30 @@ struct TStoredValue::TLongText {
   char fText[sizeof(std::size_t)];  // as many as the size says
 };
 
-// Delegates, so that a key that fails leaves no memory behind: this object is complete by then.
+// Delegates, so that a part that fails leaves no memory behind: this object is complete by then.
 TStoredValue::TStoredValue(const TCIMValue& value, const TClass& user) : TStoredValue() {
-  const TType type = value.GetType();
-  if (const std::string* const text = value.FindString()) {
-    *this = Text(*text);
-  } else if (value.FindReference() != nullptr) {
-    SetReference(value, user);
-  } else if (type == TType::kCIMTypeDateTime || HoldsReferences(type) || value.IsArray()) {
-    const bool isPlain =
-        value.IsNull() && value.GetMaxArraySize() == 0 && !value.GetReferencedClass();
-    if (isPlain) {
+  if (value.IsNull()) {
+    if (value.GetMaxArraySize() == 0 && !value.GetReferencedClass()) {
       fKind = kNull;
     } else {
       Box(WeakCopy(value, user));
     }
-  } else if (value.IsNull()) {
-    fKind = kNull;
-  } else {
-    *this = NModel::VisitScalar(value, [&](const auto& native) -> TStoredValue {
-      if constexpr (std::is_arithmetic_v<std::decay_t<decltype(native)>>) return Number(native);
-      return {};  // the other types were handled above
-    });
+    return;
   }
+  NModel::VisitType(value.GetType(), [&](auto native) {
+    using T = typename decltype(native)::TType;
+    if constexpr (std::is_arithmetic_v<T>) {
+      *this = Number(static_cast<T>(value));
+    } else if constexpr (std::is_same_v<T, std::string>) {
+      *this = Text(*value.FindString());
+    } else if constexpr (std::is_same_v<T, TCIMDateTime>) {
+      Point(kTime, new TCIMDateTimeImpl(*static_cast<TCIMDateTime>(value).GetBody()));
+    } else if constexpr (std::is_same_v<T, TCIMReference>) {
+      SetReference(value, user);
+    } else {
+      SetArray(value, user);  // no other type without scalars has content
+    }
+  });
 }
 
 TStoredValue TStoredValue::Null() noexcept {
@@ -120,52 +167,22 @@ TStoredValue TStoredValue::Text(std::string_view text) {
   return stored;
 }
 
-TStoredValue TStoredValue::Reference(TClass& cimClass) {
-  TStoredValue stored;
-  stored.Point(kReference, new TStoredReference{cimClass, {}});
-  return stored;
-}
-
-void TStoredValue::AddKey(std::size_t slot, TStoredValue&& value) {
-  TStoredReference& reference = *Referred();
-  const std::string& name = reference.fClass.DeclAt(slot).GetName();
-  auto& keys = reference.fKeys;
-  auto place = keys.end();
-  while (place != keys.begin() && reference.NameOf(*std::prev(place)) > name) --place;
-  // Names in another case are the same key, and the first one counts.
-  if (place != keys.begin() && std::prev(place)->fSlot == slot) return;
-  keys.insert(place, {slot, std::move(value)});
-}
-
 bool TStoredValue::IsNull() const noexcept {
   return fKind == kNull || (fKind == kBoxed && Boxed()->IsNull());
 }
 
-TCIMValue TStoredValue::ToValue(TType type, TNamespace& ns) const {
-  if (fKind == kBoxed) return BoundCopy(*Boxed(), ns);
-  if (fKind != kReference) return WithoutOwner(type);
-  const TStoredReference& stored = *Referred();
-  TCIMReference withoutKeys(ns.Handle(), {});
-  withoutKeys.SetClass(stored.fClass.Handle());
-  TCIMValue value(withoutKeys);
-  TCIMReferenceImpl& reference = *value.FindReference()->GetBody();
-  for (const TStoredReference::TKey& key : stored.fKeys) {
-    reference.BindKey(stored.NameOf(key), key.fValue.ToValue(stored.TypeOf(key), ns));
-  }
-  return value;
-}
+TCIMValue TStoredValue::ToValue(TType type, TNamespace& ns) const { return MakeValue(type, &ns); }
 
 const TCIMValue& TStoredValue::Get(TType type) {
   if (fKind != kBoxed) {
     TStoredValue boxed;
-    boxed.Box(WithoutOwner(type));
+    boxed.Box(MakeValue(type, nullptr));
     *this = std::move(boxed);
   }
   return *Boxed();
 }
 
-/// The stored form of values.h.
-TCIMValue TStoredValue::WithoutOwner(TType type) const {
+TCIMValue TStoredValue::MakeValue(TType type, TNamespace* ns) const {
   switch (fKind) {
     case kNumber:
       return NModel::VisitType(type, [this](auto native) {
@@ -179,24 +196,46 @@ TCIMValue TStoredValue::WithoutOwner(TType type) const {
     case kShortText:
     case kLongText:
       return TCIMValue(std::string(TextOf()));
-    case kBoxed:
-      return *Boxed();
-    case kReference: {
-      const TStoredReference& stored = *Referred();
-      TCIMReference withoutKeys(nullptr, {});
-      withoutKeys.SetClass(boost::shared_ptr<ICIMClass>(boost::shared_ptr<void>(), &stored.fClass));
-      TCIMValue value(withoutKeys);
-      TCIMReferenceImpl& reference = *value.FindReference()->GetBody();
-      for (const TStoredReference::TKey& key : stored.fKeys) {
-        reference.BindKey(stored.NameOf(key), key.fValue.WithoutOwner(stored.TypeOf(key)));
-      }
-      return value;
+    case kTime: {
+      TCIMDateTime time;
+      *time.GetBody() = *Target<const TCIMDateTimeImpl>();
+      return TCIMValue(time);
     }
+    case kArray:
+      return MakeArray(NModel::ElementType(type));
+    case kReference:
+      return MakeReference(ns);
+    case kBoxed:
+      return ns == nullptr ? *Boxed() : BoundCopy(*Boxed(), *ns);
     case kNull:
     case kUnset:
       break;
   }
   return TCIMValue(type, 0U);
+}
+
+TCIMValue TStoredValue::MakeArray(TType elementType) const {
+  TCIMValue value(elementType, Elements()->fMaxSize, {});
+  std::vector<TCIMValue>& elements = value;
+  elements.reserve(Elements()->fCount);
+  for (const TStoredValue& each : *Elements()) {
+    elements.push_back(each.MakeValue(elementType, nullptr));
+  }
+  return value;
+}
+
+TCIMValue TStoredValue::MakeReference(TNamespace* ns) const {
+  const TStoredReference& stored = *Referred();
+  TCIMReference withoutKeys(ns == nullptr ? nullptr : ns->Handle(), {});
+  withoutKeys.SetClass(ns == nullptr
+                           ? boost::shared_ptr<ICIMClass>(boost::shared_ptr<void>(), &stored.fClass)
+                           : stored.fClass.Handle());
+  TCIMValue value(withoutKeys);
+  TCIMReferenceImpl& reference = *value.FindReference()->GetBody();
+  for (const TStoredReference::TKey& key : stored) {
+    reference.BindKey(stored.NameOf(key), key.fValue.MakeValue(stored.TypeOf(key), ns));
+  }
+  return value;
 }
 
 bool TStoredValue::Equals(const TStoredValue& other, TType type) const {
@@ -205,7 +244,7 @@ bool TStoredValue::Equals(const TStoredValue& other, TType type) const {
     const TStoredReference& left = *Referred();
     const TStoredReference& right = *other.Referred();
     return &left.fClass == &right.fClass &&
-           std::equal(left.fKeys.begin(), left.fKeys.end(), right.fKeys.begin(), right.fKeys.end(),
+           std::equal(left.begin(), left.end(), right.begin(), right.end(),
                       [&left](const auto& one, const auto& two) {
                         return one.fSlot == two.fSlot &&
                                one.fValue.Equals(two.fValue, left.TypeOf(one));
@@ -215,15 +254,21 @@ bool TStoredValue::Equals(const TStoredValue& other, TType type) const {
   if (fKind == kNumber && other.fKind == kNumber && !isReal) {
     return std::memcmp(fBytes, other.fBytes, sizeof fBytes) == 0;  // what is unused is zero
   }
-  return WithoutOwner(type) == other.WithoutOwner(type);
+  return MakeValue(type, nullptr) == other.MakeValue(type, nullptr);
 }
 
 void TStoredValue::AddTo(THasher& hasher, TType type) const {
   if (IsText()) return hasher.Add(TextOf());
-  if (fKind != kReference) return Hash(hasher, WithoutOwner(type));
+  if (fKind == kNumber) {
+    return NModel::VisitType(type, [&](auto native) {
+      using T = typename decltype(native)::TType;
+      if constexpr (std::is_arithmetic_v<T>) Hash(hasher, Load<T>());
+    });
+  }
+  if (fKind != kReference) return Hash(hasher, MakeValue(type, nullptr));
   const TStoredReference& stored = *Referred();
   Hash(hasher, static_cast<const ICIMClass*>(&stored.fClass));
-  for (const TStoredReference::TKey& key : stored.fKeys) {
+  for (const TStoredReference::TKey& key : stored) {
     hasher.Add(stored.NameOf(key));
     key.fValue.AddTo(hasher, stored.TypeOf(key));
   }
@@ -238,9 +283,26 @@ std::string_view TStoredValue::TextOf() const noexcept {
 void TStoredValue::Box(TCIMValue&& value) { Point(kBoxed, new TCIMValue(std::move(value))); }
 
 void TStoredValue::Destroy() noexcept {
-  if (fKind == kLongText) ::operator delete(Target<TLongText>());
-  if (fKind == kReference) delete Referred();
-  if (fKind == kBoxed) delete Boxed();
+  if (fKind == kTime) {
+    delete Target<TCIMDateTimeImpl>();
+  } else if (fKind == kBoxed) {
+    delete Boxed();
+  } else {
+    if (fKind == kArray) std::destroy(Elements()->begin(), Elements()->end());
+    if (fKind == kReference) std::destroy(Referred()->begin(), Referred()->end());
+    ::operator delete(Target<void>());
+  }
+}
+
+void TStoredValue::SetArray(const TCIMValue& value, const TClass& user) {
+  const std::vector<TCIMValue>& elements = value;
+  const TType type = NModel::ElementType(value.GetType());
+  const bool isPlain = !HoldsReferences(type) && elements.size() <= kMaxElements &&
+                       std::all_of(elements.begin(), elements.end(),
+                                   [&](const TCIMValue& each) { return each.GetType() == type; });
+  if (!isPlain) return Box(WeakCopy(value, user));
+  Point(kArray, TArray::Make(value.GetMaxArraySize(), elements.size()));
+  for (const TCIMValue& each : elements) Elements()->Add(TStoredValue(each, user));
 }
 
 void TStoredValue::SetReference(const TCIMValue& value, const TClass& user) {
@@ -248,10 +310,9 @@ void TStoredValue::SetReference(const TCIMValue& value, const TClass& user) {
   TClass* const target = OwnClass(reference.GetClass(), user);
   // A class of another namespace, and options, need the owners that only a TCIMReference has.
   if (target == nullptr || !reference.GetOptions().empty()) return Box(WeakCopy(value, user));
-  *this = Reference(*target);
-  Referred()->fKeys.reserve(reference.GetKeyBindings().size());
+  Point(kReference, TStoredReference::Make(*target, reference.GetKeyBindings().size()));
   for (const auto& [name, key] : reference.GetKeyBindings()) {
-    AddKey(target->SlotOf(name), TStoredValue(key, user));
+    Referred()->Add(target->SlotOf(name), TStoredValue(key, user));
   }
 }
 

@@ -2,7 +2,8 @@
 /// The value of a property in an instance, in sixteen bytes.
 ///
 /// A namespace can have a million instances, of which most values are numbers and short texts: they
-/// need no memory of their own. What is rare is a TCIMValue in the stored form of values.h. The
+/// need no memory of their own. Longer texts, date-times, arrays and references to the own
+/// namespace need one piece each. What is rare is a TCIMValue in the stored form of values.h. The
 /// type is that of the declaration, so it is not stored but passed.
 #ifndef LIB_REPOSITORY_STORED_VALUE_H_
 #define LIB_REPOSITORY_STORED_VALUE_H_
@@ -31,13 +32,16 @@ class TStoredValue {
   /// Stores a value for an instance of `user`. Throws what WeakCopy() throws, and
   /// kQDXStatusNotFound for a key that the class of a reference does not declare.
   TStoredValue(const TCIMValue& value, const TClass& user);
-  TStoredValue(TStoredValue&& other) noexcept { swap(*this, other); }
+  TStoredValue(TStoredValue&& other) noexcept { Take(other); }
   TStoredValue& operator=(TStoredValue&& other) noexcept {
-    TStoredValue taken(static_cast<TStoredValue&&>(other));
-    swap(*this, taken);
+    if (this == &other) return *this;
+    if (OwnsMemory()) Destroy();
+    Take(other);
     return *this;
   }
-  ~TStoredValue() { Destroy(); }
+  ~TStoredValue() {
+    if (OwnsMemory()) Destroy();
+  }
 
   static TStoredValue Null() noexcept;
   static TStoredValue Text(std::string_view text);
@@ -56,12 +60,6 @@ class TStoredValue {
     stored.fKind = kNumber;
     return stored;
   }
-  /// A reference without keys to a class of the namespace; AddKey() adds its keys.
-  static TStoredValue Reference(TClass& cimClass);
-
-  /// A key that was added before keeps its value. REQUIRES: this is a Reference().
-  void AddKey(std::size_t slot, TStoredValue&& value);
-
   bool IsSet() const noexcept { return fKind != kUnset; }
   bool IsNull() const noexcept;
   /// Returns the value in the form that callers get. REQUIRES: it is set.
@@ -76,16 +74,20 @@ class TStoredValue {
   /// Values that are equal have equal hashes.
   void AddTo(NModel::THasher& hasher, TType type) const;
 
-  friend void swap(TStoredValue& left, TStoredValue& right) noexcept {
-    unsigned char bytes[sizeof(TStoredValue)];
-    std::memcpy(bytes, static_cast<void*>(&left), sizeof bytes);
-    std::memcpy(static_cast<void*>(&left), static_cast<void*>(&right), sizeof bytes);
-    std::memcpy(static_cast<void*>(&right), bytes, sizeof bytes);
-  }
-
  private:
-  enum EKind : std::uint8_t { kUnset, kNull, kNumber, kShortText, kLongText, kReference, kBoxed };
+  enum EKind : std::uint8_t {
+    kUnset,
+    kNull,
+    kNumber,
+    kShortText,
+    kLongText,  // the first one with memory of its own
+    kTime,
+    kArray,
+    kReference,
+    kBoxed
+  };
   struct TLongText;
+  struct TArray;
   static constexpr std::size_t kMaxShortText = 14;
 
   template <typename T>
@@ -107,13 +109,23 @@ class TStoredValue {
     fKind = kind;
   }
   TCIMValue* Boxed() const noexcept { return Target<TCIMValue>(); }
+  TArray* Elements() const noexcept { return Target<TArray>(); }
   TStoredReference* Referred() const noexcept { return Target<TStoredReference>(); }
   bool IsText() const noexcept { return fKind == kShortText || fKind == kLongText; }
+  bool OwnsMemory() const noexcept { return fKind >= kLongText; }
   std::string_view TextOf() const noexcept;
   void Box(TCIMValue&& value);
   void Destroy() noexcept;
+  void Take(TStoredValue& other) noexcept {
+    std::memcpy(static_cast<void*>(this), static_cast<const void*>(&other), sizeof other);
+    other.fKind = kUnset;
+  }
+  void SetArray(const TCIMValue& value, const TClass& user);
   void SetReference(const TCIMValue& value, const TClass& user);
-  TCIMValue WithoutOwner(TType type) const;
+  /// Returns the value for callers if `ns` is not null, else in the stored form of values.h.
+  TCIMValue MakeValue(TType type, TNamespace* ns) const;
+  TCIMValue MakeArray(TType elementType) const;
+  TCIMValue MakeReference(TNamespace* ns) const;
 
   alignas(8) unsigned char fBytes[kMaxShortText] = {};
   std::uint8_t fSize = 0;  // of a short text
