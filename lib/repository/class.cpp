@@ -7,6 +7,8 @@
 #include <qdxrepository/repository.h>
 
 #include <algorithm>
+#include <iterator>
+#include <memory>
 #include <utility>
 
 #include <boost/smart_ptr/make_shared.hpp>
@@ -35,8 +37,10 @@ boost::shared_ptr<ICIMQualifier> TClass::AddQualifier(boost::shared_ptr<ICIMQual
 void TClass::Commit(TOptionsMap) {
   fQualifiers.RequireOpen();
   std::vector<std::size_t> keySlots = FindKeySlots();
+  const bool isAbstract = IsAbstract({});
   fNamespace.Add(shared_from_this());
   fInstances.SetKeySlots(std::move(keySlots));
+  fIsAbstract = isAbstract;
   fIsCommitted = true;
 }
 
@@ -50,7 +54,9 @@ bool TClass::IsAssociation(TOptionsMap) const {
   return cimClass != nullptr;
 }
 
-bool TClass::IsAbstract(TOptionsMap) const { return fQualifiers.IsTrue("Abstract"); }
+bool TClass::IsAbstract(TOptionsMap) const {
+  return fIsCommitted ? fIsAbstract : fQualifiers.IsTrue("Abstract");
+}
 
 bool TClass::IsRootClass(TOptionsMap) const { return fSuperclass == nullptr; }
 
@@ -123,13 +129,18 @@ boost::shared_ptr<ICIMInstance> TClass::CreateInstance(TOptionsMap) {
     throw TExplainedException(kQDXStatusInvalidClass,
                               Description() + " is abstract: it cannot have instances of its own");
   }
-  return HoldWithNamespace(fNamespace.Handle(), boost::make_shared<TInstance>(*this));
+  std::unique_ptr<TInstance> instance = TInstance::Make(*this);
+  boost::shared_ptr<ICIMInstance> handle = instance->Handle();
+  (void)instance.release();  // the handle owns it now
+  return handle;
 }
 
 boost::shared_ptr<ICIMInstance> TClass::GetInstance(const TCIMReference& path, TOptionsMap) const {
   const auto& bindings = path.GetBody()->GetKeyBindings();
-  std::vector<TStoredValue> keys(GetKeySlots().size());
-  if (bindings.size() != keys.size()) return nullptr;
+  if (bindings.size() != GetKeySlots().size()) return nullptr;
+  TStoredValue few[4];  // without memory of their own for most classes
+  std::vector<TStoredValue> many(bindings.size() > std::size(few) ? bindings.size() : 0);
+  TStoredValue* const keys = many.empty() ? few : many.data();
   for (const auto& [name, value] : bindings) {
     const auto slot = fProperties.Position(name);
     const auto key = std::find(GetKeySlots().begin(), GetKeySlots().end(), slot);

@@ -23,7 +23,6 @@
 
 namespace NVORNQDX20::NRepository {
 
-class TInstance;
 class TNamespace;
 
 /// Each property has a slot. Inherited properties keep the slot they have in the superclass, and an
@@ -84,10 +83,8 @@ class TClass final : public ICIMClass,
   /// Makes room, so that AddSubclass() cannot fail.
   void ReserveSubclass() { ReserveOne(fSubclasses); }
   void AddSubclass(TClass& subclass) { fSubclasses.push_back(&subclass); }
-  /// Returns false if an instance with the same keys exists.
-  [[nodiscard]] bool AddInstance(const boost::shared_ptr<TInstance>& instance) {
-    return fInstances.Add(instance);
-  }
+  /// Takes the instance over. Returns false if one with the same keys exists.
+  [[nodiscard]] bool AddInstance(TInstance& instance) { return fInstances.Add(instance); }
 
   std::size_t SlotCount() const { return fProperties.Size(); }
   /// Throws kQDXStatusNotFound if the class has no such property.
@@ -118,6 +115,7 @@ class TClass final : public ICIMClass,
   TNameTable<TMethodDecl> fMethods;
   TInstanceTable fInstances;
   bool fIsCommitted = false;
+  bool fIsAbstract = false;  // known when it is committed
   mutable boost::weak_ptr<TClass> fHandle;
 };
 

@@ -4,19 +4,51 @@
 #include <qdxcore/reference.h>
 #include <qdxcore/status.h>
 
+#include <memory>
+#include <utility>
+
 #include <boost/smart_ptr/make_shared.hpp>
 
 #include "class.h"
 #include "failure_reasons.h"
 #include "namespace.h"
-#include "ownership.h"
 #include "property.h"
 #include "values.h"
 
 namespace NVORNQDX20::NRepository {
 
-TInstance::TInstance(TClass& cimClass)
-    : fClass(cimClass), fValues(std::make_unique<TStoredValue[]>(cimClass.SlotCount())) {}
+/// A handle of an instance that was not committed when the handle was made.
+class TInstance::THold {
+ public:
+  THold(boost::shared_ptr<TNamespace> ns, const TInstance& instance)
+      : fNamespace(std::move(ns)), fInstance(instance) {
+    ++fInstance.fHolds;
+  }
+  THold(const THold&) = delete;
+  THold& operator=(const THold&) = delete;
+  ~THold() {
+    if (--fInstance.fHolds == 0 && !fInstance.fIsCommitted) delete &fInstance;
+  }
+
+ private:
+  const boost::shared_ptr<TNamespace> fNamespace;  // has the class: outlives the instance
+  const TInstance& fInstance;
+};
+
+std::unique_ptr<TInstance> TInstance::Make(TClass& cimClass) {
+  static_assert(sizeof(TInstance) % alignof(TStoredValue) == 0);
+  return std::unique_ptr<TInstance>(new (TRoom{cimClass.SlotCount()}) TInstance(cimClass));
+}
+
+TInstance::TInstance(TClass& cimClass) : fClass(cimClass) {
+  std::uninitialized_default_construct_n(Values(), fClass.SlotCount());
+}
+
+TInstance::~TInstance() { std::destroy_n(Values(), fClass.SlotCount()); }
+
+void* TInstance::operator new(std::size_t size, TRoom room) {
+  return ::operator new(size + room.fSlots * sizeof(TStoredValue));
+}
 
 void TInstance::Commit(TOptionsMap) {
   if (!CommitIfNew()) throw Taken(Description());
@@ -25,7 +57,7 @@ void TInstance::Commit(TOptionsMap) {
 bool TInstance::CommitIfNew() {
   if (fIsCommitted) throw CommittedAlready(Description());
   for (const std::size_t slot : fClass.GetKeySlots()) {
-    const TStoredValue& key = fValues[slot];
+    const TStoredValue& key = Values()[slot];
     if (key.IsSet() ? key.IsNull() : fClass.InitialValueAt(slot).IsNull()) {
       throw TExplainedException(kQDXStatusInvalidInstance,
                                 "an instance lacks its key, " + DeclAt(slot).Description());
@@ -33,10 +65,10 @@ bool TInstance::CommitIfNew() {
   }
   for (const std::size_t slot : fClass.GetKeySlots()) {
     // Store a key that comes from a static or default value, so that it does not change with it.
-    TStoredValue& key = fValues[slot];
+    TStoredValue& key = Values()[slot];
     if (!key.IsSet()) key = TStoredValue(fClass.InitialValueAt(slot), fClass);
   }
-  fIsCommitted = fClass.AddInstance(shared_from_this());
+  fIsCommitted = fClass.AddInstance(*this);
   return fIsCommitted;
 }
 
@@ -66,7 +98,7 @@ void TInstance::EnumerateProperties(const TEnumerationCallback<ICIMProperty>& ca
 }
 
 void TInstance::ReadValue(std::size_t slot, const TValueCallback& callback) const {
-  const TStoredValue& stored = fValues[slot];
+  const TStoredValue& stored = Values()[slot];
   const TCIMValue* const present =
       stored.IsSet() ? stored.FindBoxed() : &fClass.InitialValueAt(slot);
   if (present != nullptr && !HoldsReferences(present->GetType())) return callback(*present);
@@ -87,20 +119,21 @@ TNamespace& TInstance::GetNamespace() const { return fClass.GetNamespace(); }
 TPropertyDecl& TInstance::DeclAt(std::size_t slot) const { return fClass.DeclAt(slot); }
 
 const TCIMValue& TInstance::ValueAt(std::size_t slot) const {
-  TStoredValue& stored = fValues[slot];
+  TStoredValue& stored = Values()[slot];
   return stored.IsSet() ? stored.Get(DeclAt(slot).GetType()) : fClass.InitialValueAt(slot);
 }
 
 TCIMValue TInstance::BoundValueAt(std::size_t slot) const {
-  const TStoredValue& stored = fValues[slot];
+  const TStoredValue& stored = Values()[slot];
   if (stored.IsSet()) return stored.ToValue(DeclAt(slot).GetType(), GetNamespace());
   return BoundCopy(fClass.InitialValueAt(slot), GetNamespace());
 }
 
 boost::shared_ptr<TInstance> TInstance::Handle() const {
-  const auto self = boost::const_pointer_cast<TInstance>(shared_from_this());
-  if (!fIsCommitted) return HoldWithNamespace(GetNamespace().Handle(), self);
-  return boost::shared_ptr<TInstance>(GetNamespace().Handle(), self.get());
+  auto* const self = const_cast<TInstance*>(this);
+  if (fIsCommitted) return boost::shared_ptr<TInstance>(GetNamespace().Handle(), self);
+  return boost::shared_ptr<TInstance>(boost::make_shared<THold>(GetNamespace().Handle(), *this),
+                                      self);
 }
 
 boost::shared_ptr<ICIMProperty> TInstance::MakeProperty(std::size_t slot) const {

@@ -7,10 +7,9 @@
 #include <qdxcore/values.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
-
-#include <boost/smart_ptr/enable_shared_from_this.hpp>
 
 #include "stored_value.h"
 
@@ -20,12 +19,16 @@ class TClass;
 class TNamespace;
 class TPropertyDecl;
 
-class TInstance final : public ICIMInstance,
-                        public IValuesOfInstance,
-                        public boost::enable_shared_from_this<TInstance> {
+/// One piece of memory with its values: a namespace can have a million instances. A committed
+/// instance belongs to its class; before that, its handles share it.
+class TInstance final : public ICIMInstance, public IValuesOfInstance {
  public:
   /// REQUIRES: the class is committed.
-  explicit TInstance(TClass& cimClass);
+  static std::unique_ptr<TInstance> Make(TClass& cimClass);
+  ~TInstance() override;
+  TInstance(const TInstance&) = delete;
+  TInstance& operator=(const TInstance&) = delete;
+  static void operator delete(void* memory) { ::operator delete(memory); }
 
   void Commit(TOptionsMap options) override;
   boost::shared_ptr<ICIMClass> GetClass(TOptionsMap options) const override;
@@ -37,7 +40,8 @@ class TInstance final : public ICIMInstance,
                            TOptionsMap options) const override;
   void ReadValue(std::size_t slot, const TValueCallback& callback) const override;
 
-  /// Like Commit(), but returns false if an instance with the same keys exists.
+  /// Like Commit(), but returns false if an instance with the same keys exists. Otherwise the class
+  /// owns the instance from now on.
   [[nodiscard]] bool CommitIfNew();
   /// REQUIRES: the keys have values.
   std::string Description() const;
@@ -47,16 +51,29 @@ class TInstance final : public ICIMInstance,
   const TCIMValue& ValueAt(std::size_t slot) const;
   TCIMValue BoundValueAt(std::size_t slot) const;
   /// What is stored; not set if the instance has the value of its class.
-  const TStoredValue& StoredAt(std::size_t slot) const { return fValues[slot]; }
+  const TStoredValue& StoredAt(std::size_t slot) const { return Values()[slot]; }
   /// Sets a value of the declared type.
-  void Store(std::size_t slot, TStoredValue&& value) { fValues[slot] = std::move(value); }
+  void Store(std::size_t slot, TStoredValue&& value) { Values()[slot] = std::move(value); }
+  /// The first handle of an instance that is not committed takes it over.
   boost::shared_ptr<TInstance> Handle() const;
 
  private:
+  struct TRoom {
+    std::size_t fSlots;
+  };
+  class THold;
+
+  explicit TInstance(TClass& cimClass);
+  static void* operator new(std::size_t size, TRoom room);
+  static void operator delete(void* memory, TRoom) { ::operator delete(memory); }
+  /// By slot. Reading the value itself changes how it is stored.
+  TStoredValue* Values() const {
+    return reinterpret_cast<TStoredValue*>(const_cast<TInstance*>(this) + 1);
+  }
   boost::shared_ptr<ICIMProperty> MakeProperty(std::size_t slot) const;
 
   TClass& fClass;
-  const std::unique_ptr<TStoredValue[]> fValues;  // by slot
+  mutable std::uint32_t fHolds = 0;
   bool fIsCommitted = false;
 };
 

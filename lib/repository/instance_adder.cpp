@@ -6,8 +6,6 @@
 
 #include <utility>
 
-#include <boost/smart_ptr/make_shared.hpp>
-
 #include "class.h"
 #include "instance.h"
 #include "namespace.h"
@@ -22,7 +20,7 @@ using NRepository::TStoredValue;
 
 struct TInstanceAdder::TParts {
   boost::shared_ptr<TClass> fClass;
-  boost::shared_ptr<TInstance> fInstance = nullptr;
+  std::unique_ptr<TInstance> fInstance = nullptr;
 
   TCIMValue::TCIMType TypeAt(std::size_t position) const {
     return fClass->DeclAt(position).GetType();
@@ -39,7 +37,7 @@ TInstanceAdder::TInstanceAdder(const boost::shared_ptr<ICIMClass>& cimClass)
 
 TInstanceAdder::~TInstanceAdder() = default;
 
-void TInstanceAdder::Begin() { fParts->fInstance = boost::make_shared<TInstance>(*fParts->fClass); }
+void TInstanceAdder::Begin() { fParts->fInstance = TInstance::Make(*fParts->fClass); }
 
 bool TInstanceAdder::Set(std::size_t position, const TCIMValue& value) {
   if (value.GetType() != fParts->TypeAt(position)) return false;
@@ -67,8 +65,10 @@ void TInstanceAdder::SetNull(std::size_t position) {
 boost::shared_ptr<ICIMInstance> TInstanceAdder::GetInstance() const { return fParts->fInstance; }
 
 bool TInstanceAdder::Commit() {
-  const boost::shared_ptr<TInstance> instance = std::exchange(fParts->fInstance, nullptr);
-  return instance->CommitIfNew();
+  std::unique_ptr<TInstance> instance = std::move(fParts->fInstance);
+  if (!instance->CommitIfNew()) return false;
+  (void)instance.release();  // the class owns it now
+  return true;
 }
 
 }  // namespace NVORNQDX20

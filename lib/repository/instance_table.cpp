@@ -3,7 +3,7 @@
 
 #include <qdxmodel/hash.h>
 
-#include "instance.h"
+#include "ownership.h"
 #include "property.h"
 
 namespace NVORNQDX20::NRepository {
@@ -21,25 +21,24 @@ std::size_t HashOf(std::size_t count, const TKeyAt& keyAt, const TTypeAt& typeAt
 
 }  // namespace
 
-bool TInstanceTable::Add(const boost::shared_ptr<TInstance>& instance) {
-  if (fKeySlots.empty()) {
-    fInstances.push_back(instance);
-    return true;
+bool TInstanceTable::Add(TInstance& instance) {
+  if (!fKeySlots.empty()) {
+    const auto keyAt = [&](std::size_t i) -> const TStoredValue& {
+      return instance.StoredAt(fKeySlots[i]);
+    };
+    const std::size_t hash = HashOf(fKeySlots.size(), keyAt, [&](std::size_t i) -> TType {
+      return instance.DeclAt(fKeySlots[i]).GetType();
+    });
+    if (FindBy(keyAt, hash) != nullptr) return false;
+    fIndex.Reserve();
+    ReserveOne(fInstances);
+    fIndex.Add(hash);
   }
-  const auto keyAt = [&](std::size_t i) -> const TStoredValue& {
-    return instance->StoredAt(fKeySlots[i]);
-  };
-  const std::size_t hash = HashOf(fKeySlots.size(), keyAt, [&](std::size_t i) -> TType {
-    return instance->DeclAt(fKeySlots[i]).GetType();
-  });
-  if (FindBy(keyAt, hash) != nullptr) return false;
-  fIndex.Reserve();
-  fInstances.push_back(instance);
-  fIndex.Add(hash, fInstances.size() - 1);
+  fInstances.emplace_back(&instance);
   return true;
 }
 
-TInstance* TInstanceTable::Find(const std::vector<TStoredValue>& keys) const {
+TInstance* TInstanceTable::Find(const TStoredValue* keys) const {
   if (fKeySlots.empty() || fInstances.empty()) return nullptr;
   const auto keyAt = [&](std::size_t i) -> const TStoredValue& { return keys[i]; };
   const TInstance& any = *fInstances.front();

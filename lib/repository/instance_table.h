@@ -4,17 +4,15 @@
 #define LIB_REPOSITORY_INSTANCE_TABLE_H_
 
 #include <cstddef>
+#include <memory>
 #include <utility>
 #include <vector>
 
-#include <boost/shared_ptr.hpp>
-
 #include "hash_index.h"
+#include "instance.h"
 #include "stored_value.h"
 
 namespace NVORNQDX20::NRepository {
-
-class TInstance;
 
 class TInstanceTable {
  public:
@@ -22,13 +20,13 @@ class TInstanceTable {
   void SetKeySlots(std::vector<std::size_t> slots) { fKeySlots = std::move(slots); }
   const std::vector<std::size_t>& GetKeySlots() const { return fKeySlots; }
 
-  /// Returns false and does nothing if an instance with the same keys exists. The keys must not
-  /// change afterwards.
-  [[nodiscard]] bool Add(const boost::shared_ptr<TInstance>& instance);
+  /// Takes the instance over; its keys must not change afterwards. Returns false and does nothing
+  /// if an instance with the same keys exists.
+  [[nodiscard]] bool Add(TInstance& instance);
 
-  /// `keys` are in the order of the key slots, of the declared types and not null. Returns null if
-  /// there is no such instance.
-  TInstance* Find(const std::vector<TStoredValue>& keys) const;
+  /// `keys` are as many as the key slots and in their order, of the declared types and not null.
+  /// Returns null if there is no such instance.
+  TInstance* Find(const TStoredValue* keys) const;
 
   /// Calls `visit` for the instances present at the call, until it returns false. Returns whether
   /// all were visited.
@@ -47,7 +45,7 @@ class TInstanceTable {
   TInstance* FindBy(const TKeyAt& keyAt, std::size_t hash) const;
 
   std::vector<std::size_t> fKeySlots;
-  std::vector<boost::shared_ptr<TInstance>> fInstances;
+  std::vector<std::unique_ptr<TInstance>> fInstances;
   THashIndex fIndex;
 };
 

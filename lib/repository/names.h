@@ -24,7 +24,11 @@ class TNameTable {
   TElement& At(std::size_t position) const { return *fElements[position]; }
 
   std::optional<std::size_t> Position(std::string_view name) const {
-    return PositionOf(name, fHash(name));
+    // Most callers go through the elements in their order, and spell the names as declared.
+    if (fNext < fElements.size() && fElements[fNext]->GetName() == name) return fNext++;
+    const std::optional<std::size_t> position = PositionOf(name, fHash(name));
+    if (position) fNext = *position + 1;
+    return position;
   }
 
   /// Returns null if there is no element with this name.
@@ -39,7 +43,7 @@ class TNameTable {
     if (PositionOf(element.GetName(), hash)) return false;
     fIndex.Reserve();
     fElements.push_back(&element);
-    fIndex.Add(hash, fElements.size() - 1);
+    fIndex.Add(hash);
     return true;
   }
 
@@ -65,6 +69,7 @@ class TNameTable {
   NModel::TNameHash fHash;
   std::vector<TElement*> fElements;
   THashIndex fIndex;
+  mutable std::size_t fNext = 0;  // the position after the one that was found last
 };
 
 }  // namespace NVORNQDX20::NRepository
