@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "class.h"
 
+#include <qdxcore/copy.h>
 #include <qdxcore/reference.h>
 #include <qdxcore/status.h>
 #include <qdxmodel/type.h>
@@ -202,6 +203,39 @@ void TClass::AddProperty(TPropertyDecl& decl) {
                                   " of " + present.GetOwner().Description());
   }
   fProperties.Replace(slot, decl);
+}
+
+boost::shared_ptr<ICIMInstance> TClass::CopyInstance(const TInstance& source) {
+  // Otherwise the copier does it by the operations, of which one fails.
+  if (fIsAbstract || !HasSlotsOf(source.GetOwner())) return nullptr;
+  std::unique_ptr<TInstance> copy = TInstance::Make(*this);
+  for (std::size_t slot = 0; slot < source.GetOwner().SlotCount(); ++slot) {
+    copy->Store(slot, CopyValue(source, slot));
+  }
+  copy->Commit({});
+  return copy.release()->Handle();  // the class owns it now
+}
+
+bool TClass::HasSlotsOf(const TClass& other) const {
+  if (other.SlotCount() > SlotCount()) return false;
+  for (std::size_t slot = 0; slot < other.SlotCount(); ++slot) {
+    const TPropertyDecl& decl = DeclAt(slot);
+    const TPropertyDecl& another = other.DeclAt(slot);
+    if (decl.GetType() != another.GetType() || decl.GetName() != another.GetName()) return false;
+  }
+  return true;
+}
+
+/// Returns the value of the same slot of another instance for one of this class.
+TStoredValue TClass::CopyValue(const TInstance& source, std::size_t slot) const {
+  const TStoredValue& stored = source.StoredAt(slot);
+  if (stored.IsSet()) {
+    TStoredValue copy = stored.CopyTo(DeclAt(slot).GetType(), fNamespace);
+    if (copy.IsSet()) return copy;
+  } else if (!HoldsReferences(DeclAt(slot).GetType())) {
+    return TStoredValue(source.GetOwner().InitialValueAt(slot), *this);
+  }
+  return TStoredValue(TCIMCopy::CopyValue(source.BoundValueAt(slot), fNamespace.Handle()), *this);
 }
 
 std::size_t TClass::SlotOf(const std::string& name) const {

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -86,9 +87,15 @@ class TClass final : public ICIMClass,
   /// Takes the instance over. Returns false if one with the same keys exists.
   [[nodiscard]] bool AddInstance(TInstance& instance) { return fInstances.Add(instance); }
 
+  /// As TNamespace::CopyInstance(), into this class.
+  boost::shared_ptr<ICIMInstance> CopyInstance(const TInstance& source);
+
   std::size_t SlotCount() const { return fProperties.Size(); }
   /// Throws kQDXStatusNotFound if the class has no such property.
   std::size_t SlotOf(const std::string& name) const;
+  std::optional<std::size_t> FindSlot(const std::string& name) const {
+    return fProperties.Position(name);
+  }
   TPropertyDecl& DeclAt(std::size_t slot) const { return fProperties.At(slot); }
   /// REQUIRES: this class has a static value for the slot.
   const TCIMValue& ValueAt(std::size_t slot) const { return fStaticValues.at(slot); }
@@ -99,6 +106,8 @@ class TClass final : public ICIMClass,
   const std::vector<std::size_t>& GetKeySlots() const { return fInstances.GetKeySlots(); }
 
  private:
+  bool HasSlotsOf(const TClass& other) const;
+  TStoredValue CopyValue(const TInstance& source, std::size_t slot) const;
   std::vector<std::size_t> FindKeySlots() const;
   const TMethodDecl* FindInheritedMethod(const std::string& name) const;
   std::vector<const TClass*> WithDescendants() const;

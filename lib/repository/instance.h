@@ -45,6 +45,7 @@ class TInstance final : public ICIMInstance, public IValuesOfInstance {
   [[nodiscard]] bool CommitIfNew();
   /// REQUIRES: the keys have values.
   std::string Description() const;
+  TClass& GetOwner() const { return fClass; }
   TNamespace& GetNamespace() const;
   TPropertyDecl& DeclAt(std::size_t slot) const;
   /// REQUIRES: the property holds no references.

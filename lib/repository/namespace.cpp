@@ -4,8 +4,11 @@
 #include <qdxcore/status.h>
 #include <qdxrepository/repository.h>
 
+#include <typeinfo>
+
 #include <boost/smart_ptr/make_shared.hpp>
 
+#include "instance.h"
 #include "ownership.h"
 #include "values.h"
 
@@ -63,6 +66,14 @@ boost::shared_ptr<ICIMQualifierDecl> TNamespace::GetQualifierDecl(const std::str
 void TNamespace::EnumerateQualifierDecls(const TEnumerationCallback<ICIMQualifierDecl>& callback,
                                          TOptionsMap) const {
   fQualifierDecls.ForEach([&](TQualifierDecl& decl) { return callback(HandleOf(decl)); });
+}
+
+boost::shared_ptr<ICIMInstance> TNamespace::CopyInstance(const ICIMInstance& instance) {
+  // The address, since another library can have its own repository of the same name.
+  if (&typeid(instance) != &typeid(TInstance)) return nullptr;
+  const auto& source = static_cast<const TInstance&>(instance);
+  TClass* const cimClass = FindClass(source.GetOwner().GetName());
+  return cimClass == nullptr ? nullptr : cimClass->CopyInstance(source);
 }
 
 void TNamespace::Add(const boost::shared_ptr<TClass>& cimClass) {

@@ -3,6 +3,7 @@
 #ifndef LIB_REPOSITORY_NAMESPACE_H_
 #define LIB_REPOSITORY_NAMESPACE_H_
 
+#include <qdxcore/instance_copying.h>
 #include <qdxcore/interfaces.h>
 
 #include <string>
@@ -18,6 +19,7 @@
 namespace NVORNQDX20::NRepository {
 
 class TNamespace final : public ICIMNamespace,
+                         public ICopiesInstances,
                          public boost::enable_shared_from_this<TNamespace>,
                          public IDescribed {
  public:
@@ -40,9 +42,12 @@ class TNamespace final : public ICIMNamespace,
                                                         TOptionsMap options) const override;
   void EnumerateQualifierDecls(const TEnumerationCallback<ICIMQualifierDecl>& callback,
                                TOptionsMap options) const override;
+  boost::shared_ptr<ICIMInstance> CopyInstance(const ICIMInstance& instance) override;
 
   std::string Description() const override { return "namespace " + fName; }
   boost::shared_ptr<TNamespace> Handle() { return shared_from_this(); }
+  /// Returns null if there is no committed class with this name.
+  TClass* FindClass(const std::string& name) const { return fClasses.Find(name); }
   /// Returns null if there is no declaration with this name.
   TQualifierDecl* FindQualifierDecl(const std::string& name) const {
     return fQualifierDecls.Find(name);

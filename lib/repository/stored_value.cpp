@@ -171,6 +171,53 @@ bool TStoredValue::IsNull() const noexcept {
   return fKind == kNull || (fKind == kBoxed && Boxed()->IsNull());
 }
 
+TStoredValue TStoredValue::CopyTo(TType type, const TNamespace& target) const {
+  TStoredValue copy;
+  switch (fKind) {
+    case kUnset:
+      break;
+    case kNull:
+      if (type != TType::kCIMTypeReference) copy.fKind = kNull;
+      break;
+    case kNumber:
+    case kShortText:
+      std::memcpy(static_cast<void*>(&copy), static_cast<const void*>(this), sizeof copy);
+      break;
+    case kLongText:
+      return Text(TextOf());
+    case kTime:
+      copy.Point(kTime, new TCIMDateTimeImpl(*Target<const TCIMDateTimeImpl>()));
+      break;
+    case kArray:
+      copy.Point(kArray, TArray::Make(Elements()->fMaxSize, Elements()->fCount));
+      for (const TStoredValue& each : *Elements())
+        copy.Elements()->Add(each.CopyTo(NModel::ElementType(type), target));
+      break;
+    case kReference:
+      return CopyReferenceTo(target);
+    case kBoxed:
+      if (!HoldsReferences(Boxed()->GetType())) copy.Box(TCIMValue(*Boxed()));
+      break;
+  }
+  return copy;
+}
+
+TStoredValue TStoredValue::CopyReferenceTo(const TNamespace& target) const {
+  const TStoredReference& stored = *Referred();
+  TClass* const cimClass = target.FindClass(stored.fClass.GetName());
+  if (cimClass == nullptr) return {};
+  TStoredValue copy;
+  copy.Point(kReference, TStoredReference::Make(*cimClass, stored.fCount));
+  for (const TStoredReference::TKey& key : stored) {
+    const auto slot = cimClass->FindSlot(stored.NameOf(key));
+    if (!slot || cimClass->DeclAt(*slot).GetType() != stored.TypeOf(key)) return {};
+    TStoredValue value = key.fValue.CopyTo(stored.TypeOf(key), target);
+    if (!value.IsSet()) return {};
+    copy.Referred()->Add(*slot, std::move(value));
+  }
+  return copy;
+}
+
 TCIMValue TStoredValue::ToValue(TType type, TNamespace& ns) const { return MakeValue(type, &ns); }
 
 const TCIMValue& TStoredValue::Get(TType type) {

@@ -62,6 +62,10 @@ class TStoredValue {
   }
   bool IsSet() const noexcept { return fKind != kUnset; }
   bool IsNull() const noexcept;
+  /// Returns the same value for another namespace, with references to its classes of the same
+  /// names. Returns one that is not set for references that only the operations of the object model
+  /// can copy: to other namespaces, null ones, and those that do not fit the classes there.
+  TStoredValue CopyTo(TType type, const TNamespace& target) const;
   /// Returns the value in the form that callers get. REQUIRES: it is set.
   TCIMValue ToValue(TType type, TNamespace& ns) const;
   /// Returns the value itself, valid until it is set again. REQUIRES: it is set, and the type holds
@@ -122,6 +126,7 @@ class TStoredValue {
   }
   void SetArray(const TCIMValue& value, const TClass& user);
   void SetReference(const TCIMValue& value, const TClass& user);
+  TStoredValue CopyReferenceTo(const TNamespace& target) const;
   /// Returns the value for callers if `ns` is not null, else in the stored form of values.h.
   TCIMValue MakeValue(TType type, TNamespace* ns) const;
   TCIMValue MakeArray(TType elementType) const;

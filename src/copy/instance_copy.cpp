@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Copies instances and their values to another namespace.
 #include <qdxcore/copy.h>
+#include <qdxcore/instance_copying.h>
 
 #include "target.h"
 
@@ -20,6 +21,10 @@ TCIMReference CopyReference(const TCIMReference& source,
 
 boost::shared_ptr<ICIMInstance> TCIMCopy::CopyInstance(boost::shared_ptr<ICIMInstance> instance,
                                                        boost::shared_ptr<ICIMNamespace> target) {
+  if (auto* const itself = dynamic_cast<ICopiesInstances*>(target.get())) {
+    boost::shared_ptr<ICIMInstance> made = itself->CopyInstance(*instance);
+    if (made) return made;
+  }
   boost::shared_ptr<ICIMInstance> copy =
       NCopy::TargetClass(instance->GetClass({}), target)->CreateInstance({});
   instance->EnumerateProperties(TCopyInstanceProperty{target, copy}, {});
