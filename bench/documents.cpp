@@ -20,6 +20,7 @@
 #include <unistd.h>
 #include <zlib.h>
 
+#include "bare.h"
 #include "operation.h"
 
 namespace NBench {
@@ -243,6 +244,8 @@ TLoop WriteByHand(std::size_t count, bool isCompressed) {
 }
 
 }  // namespace
+
+void WriteDocument(const std::string& file, std::size_t instances) { WriteDisks(file, instances); }
 
 TOperations DocumentOperations(bool isCounted) {
   const std::size_t count = isCounted ? 1000 : 100000;

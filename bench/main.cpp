@@ -3,9 +3,10 @@
 //   qdxcore_bench [--rounds N] [NAME...]   a line of JSON for each: nanoseconds, allocations, aim
 //   qdxcore_bench --count [NAME...]        runs each under callgrind, which writes a file for each
 //   qdxcore_bench --list | --counted | --made-by
+//   qdxcore_bench --load LIBRARY LIST | --parse FILE... | --document FILE INSTANCES   see bare.h
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,7 @@
 #include <unistd.h>
 #include <zlib.h>
 
+#include "bare.h"
 #include "measure.h"
 #include "operation.h"
 
@@ -116,10 +118,23 @@ int Run(const TArguments& arguments) {
   return isGood && found > 0 ? 0 : 1;
 }
 
+/// The commands that are limits of whole runs. Returns whether one was given, and its success.
+std::optional<bool> RunBare(const std::vector<std::string>& arguments) {
+  const std::string command = arguments.empty() ? "" : arguments.front();
+  if (command == "--load" && arguments.size() == 3) return LoadAndRead(arguments[1], arguments[2]);
+  if (command == "--parse") return ParseFiles({arguments.begin() + 1, arguments.end()});
+  if (command == "--document" && arguments.size() == 3) {
+    WriteDocument(arguments[1], std::stoul(arguments[2]));
+    return true;
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 }  // namespace NBench
 
 int main(int count, char** arguments) {
+  if (const auto done = NBench::RunBare({arguments + 1, arguments + count})) return *done ? 0 : 1;
   const NBench::TArguments read = NBench::ReadArguments(count, arguments);
   if (read.fMode == NBench::kMadeBy) {
     NBench::PrintMakers();
