@@ -20,7 +20,9 @@ using NRepository::TStoredValue;
 
 struct TInstanceAdder::TParts {
   boost::shared_ptr<TClass> fClass;
-  std::unique_ptr<TInstance> fInstance = nullptr;
+  TInstance* fInstance = nullptr;
+  std::unique_ptr<TInstance> fOwner = nullptr;     // until a caller gets the instance
+  boost::shared_ptr<TInstance> fHandle = nullptr;  // from then on
 
   TCIMValue::TCIMType TypeAt(std::size_t position) const {
     return fClass->DeclAt(position).GetType();
@@ -37,7 +39,11 @@ TInstanceAdder::TInstanceAdder(const boost::shared_ptr<ICIMClass>& cimClass)
 
 TInstanceAdder::~TInstanceAdder() = default;
 
-void TInstanceAdder::Begin() { fParts->fInstance = TInstance::Make(*fParts->fClass); }
+void TInstanceAdder::Begin() {
+  fParts->fHandle.reset();
+  fParts->fOwner = TInstance::Make(*fParts->fClass);
+  fParts->fInstance = fParts->fOwner.get();
+}
 
 bool TInstanceAdder::Set(std::size_t position, const TCIMValue& value) {
   if (value.GetType() != fParts->TypeAt(position)) return false;
@@ -62,12 +68,19 @@ void TInstanceAdder::SetNull(std::size_t position) {
   fParts->fInstance->Store(position, TStoredValue::Null());
 }
 
-boost::shared_ptr<ICIMInstance> TInstanceAdder::GetInstance() const { return fParts->fInstance; }
+boost::shared_ptr<ICIMInstance> TInstanceAdder::GetInstance() const {
+  if (!fParts->fHandle) {
+    fParts->fHandle = fParts->fOwner->Handle();
+    (void)fParts->fOwner.release();  // the handle owns it now
+  }
+  return fParts->fHandle;
+}
 
 bool TInstanceAdder::Commit() {
-  std::unique_ptr<TInstance> instance = std::move(fParts->fInstance);
-  if (!instance->CommitIfNew()) return false;
-  (void)instance.release();  // the class owns it now
+  std::unique_ptr<TInstance> owner = std::move(fParts->fOwner);
+  const boost::shared_ptr<TInstance> handle = std::move(fParts->fHandle);
+  if (!fParts->fInstance->CommitIfNew()) return false;
+  (void)owner.release();  // the class owns it now
   return true;
 }
 
