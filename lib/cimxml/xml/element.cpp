@@ -86,7 +86,7 @@ constexpr std::string_view kAttributes[] = {
 /// The memory that elements keep for the next object: no object can make the pool large.
 constexpr std::size_t kUsualAttributes = 4;
 constexpr std::size_t kUsualText = 64;
-constexpr std::size_t kLargestInPool = std::size_t{256} << 10;
+constexpr std::size_t kLargestInPool = std::size_t{16} << 10;
 constexpr std::size_t kLargestCopy = std::size_t{64} << 20;
 
 void TrimText(std::string& text) {
@@ -151,16 +151,6 @@ bool TElement::GetFlag(std::string_view attribute, bool absent) const {
   return isTrue;
 }
 
-std::size_t TElement::Bytes() const {
-  // With the links of a list and the allocator's overhead.
-  constexpr std::size_t kElementBytes = 144;
-  constexpr std::size_t kAttributeBytes = 48;
-  std::size_t bytes = kElementBytes;
-  for (const TAttribute& attribute : fAttributes)
-    bytes += kAttributeBytes + attribute.fValue.size();
-  return bytes;
-}
-
 const TElement& TElement::OnlyChild() const {
   if (fChildren.size() != 1) {
     Refuse("<" + std::string(fName) + "> must hold exactly one element");
@@ -182,7 +172,11 @@ void TAttributes::Trim() {
 TElement& TElementPool::AddChild(TElement& parent) {
   if (fElements.empty()) return parent.fChildren.emplace_back();
   parent.fChildren.splice(parent.fChildren.end(), fElements, fElements.begin());
-  return parent.fChildren.back();
+  TElement& child = parent.fChildren.back();
+  child.fAttributes.Trim();
+  TrimText(child.fText);
+  fElements.splice(fElements.begin(), child.fChildren);
+  return child;
 }
 
 void TElementPool::Empty(TElement& root, std::size_t bytes) {
@@ -191,17 +185,8 @@ void TElementPool::Empty(TElement& root, std::size_t bytes) {
   } else {
     root.fAttributes.Trim();
     TrimText(root.fText);
-    Keep(root.fChildren);
+    fElements.splice(fElements.begin(), root.fChildren);
   }
-}
-
-void TElementPool::Keep(std::list<TElement>& elements) {
-  for (TElement& each : elements) {
-    each.fAttributes.Trim();
-    TrimText(each.fText);
-    if (!each.fChildren.empty()) Keep(each.fChildren);
-  }
-  fElements.splice(fElements.begin(), elements);
 }
 
 TElement Compact(TElement&& object, std::size_t bytes) {

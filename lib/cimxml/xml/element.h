@@ -98,7 +98,14 @@ struct TElement {
   [[noreturn]] void RefuseLack(std::string_view attribute) const;
 
   /// Returns the size in memory, without children and text.
-  std::size_t Bytes() const;
+  std::size_t Bytes() const {
+    // With the links of a list and the allocator's overhead.
+    constexpr std::size_t kElementBytes = 144;
+    constexpr std::size_t kAttributeBytes = 48;
+    std::size_t bytes = kElementBytes;
+    for (const TAttribute& each : fAttributes) bytes += kAttributeBytes + each.fValue.size();
+    return bytes;
+  }
 
   std::string_view fName;  // one of KnownElement()
   TPosition fPosition;
@@ -108,7 +115,7 @@ struct TElement {
 };
 
 /// Keeps the elements of an object, with the memory of their texts, for the next object: most
-/// instances of a document look alike.
+/// instances of a document look alike, so that each element takes the place of its like.
 class TElementPool {
  public:
   /// Adds a child without content.
@@ -117,9 +124,7 @@ class TElementPool {
   void Empty(TElement& root, std::size_t bytes);
 
  private:
-  void Keep(std::list<TElement>& elements);
-
-  std::list<TElement> fElements;  // without content and children
+  std::list<TElement> fElements;  // with content and children
 };
 
 /// Returns an object that is to be kept. It has no memory that it does not need.

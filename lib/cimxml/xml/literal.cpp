@@ -5,6 +5,7 @@
 #include <qdxmodel/names.h>
 #include <qdxmodel/visit.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
@@ -20,15 +21,16 @@ namespace {
 
 constexpr std::size_t kDateTimeLength = 25;
 constexpr char kWildcard = '*';
+constexpr std::size_t kShortNumber = 18;  // digits that fit any 64 bits
 constexpr const char* kNotFinite = "a real that is not a finite number";
 
-constexpr std::string_view kBlanks = " \t\r\n";
+constexpr bool IsBlankCharacter(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
 /// White space around numbers, booleans and date-times is ignored; strings are kept unchanged.
 std::string_view Trimmed(std::string_view text) {
-  const std::size_t start = text.find_first_not_of(kBlanks);
-  if (start == std::string_view::npos) return {};
-  return text.substr(start, text.find_last_not_of(kBlanks) - start + 1);
+  while (!text.empty() && IsBlankCharacter(text.front())) text.remove_prefix(1);
+  while (!text.empty() && IsBlankCharacter(text.back())) text.remove_suffix(1);
+  return text;
 }
 
 bool StartsWith(std::string_view text, std::string_view start) {
@@ -80,9 +82,24 @@ bool IsHexadecimal(std::string_view text) {
   return StartsWith(text, "0x") || StartsWith(text, "0X");
 }
 
+/// Reads what most integers are: a few decimal digits. Returns nothing for another text.
+std::optional<std::uint64_t> ReadShortNumber(std::string_view text) {
+  if (text.empty() || text.size() > kShortNumber) return std::nullopt;
+  std::uint64_t number = 0;
+  for (const char c : text) {
+    if (c < '0' || c > '9') return std::nullopt;
+    number = 10 * number + static_cast<std::uint64_t>(c - '0');
+  }
+  return number;
+}
+
 template <typename T>
 std::optional<T> ReadInteger(std::string_view text) {
   text = Trimmed(text);
+  if (const auto number = ReadShortNumber(text)) {
+    if (*number <= std::numeric_limits<T>::max()) return static_cast<T>(*number);
+    return std::nullopt;
+  }
   if (StartsWith(text, "+")) {
     text.remove_prefix(1);
     if (StartsWith(text, "-")) return std::nullopt;
@@ -198,7 +215,7 @@ const char* ObstacleToLiteral(const TCIMValue& value) {
 }
 
 bool IsBlank(std::string_view text) {
-  return text.find_first_not_of(kBlanks) == std::string_view::npos;
+  return std::all_of(text.begin(), text.end(), IsBlankCharacter);
 }
 
 std::string WriteLiteral(const TCIMValue& value) {

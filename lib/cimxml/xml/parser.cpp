@@ -95,6 +95,7 @@ class TParser {
     XML_SetStartDoctypeDeclHandler(fParser.get(), &OnDoctype);
     XML_SetDefaultHandlerExpand(fParser.get(), &OnMarkup);
     XML_SetUnknownEncodingHandler(fParser.get(), &OnEncoding, nullptr);
+    AskForRoom();
   }
 
   void Run() {
@@ -174,7 +175,13 @@ class TParser {
   bool StartContainer(const TElement& element);
   void Fill(TElement& element, const XML_Char* name, const XML_Char** attributes);
   void RequireKnownEntities();
-  void AddBytes(std::size_t bytes);
+  void AddBytes(std::size_t bytes) {
+    fBytes += bytes;
+    if (fBytes > fMost) RefuseSize();
+  }
+  [[noreturn]] void RefuseSize() const;
+  /// Asks for the size that the next object may have.
+  void AskForRoom() { fMost = std::min<std::size_t>(fLimits.ObjectBytes(), fSink.GetRoom()); }
   TPosition Position() const {
     return {XML_GetCurrentLineNumber(fParser.get()),
             std::size_t{XML_GetCurrentColumnNumber(fParser.get())} + 1};
@@ -192,9 +199,9 @@ class TParser {
   std::vector<const TContainer*> fContainers;
   TElementPool fPool;
   TElement fObject;
-  std::vector<TElement*> fOpen;         // the path from the object to the current element
-  std::size_t fBytes = 0;               // size of the object so far
-  std::size_t fRoom = fSink.GetRoom();  // for it
+  std::vector<TElement*> fOpen;  // the path from the object to the current element
+  std::size_t fBytes = 0;        // size of the object so far
+  std::size_t fMost = 0;         // size that it may have
 };
 
 bool TParser::Feed() {
@@ -263,7 +270,7 @@ void TParser::End() {
   if (!fOpen.empty()) return;
   fSink.AddObject(std::move(fObject), fBytes);
   fPool.Empty(fObject, std::exchange(fBytes, 0));
-  fRoom = fSink.GetRoom();
+  AskForRoom();
 }
 
 void TParser::Text(std::string_view text) {
@@ -322,13 +329,10 @@ void TParser::RequireKnownEntities() {
   }
 }
 
-void TParser::AddBytes(std::size_t bytes) {
-  fBytes += bytes;
-  if (fBytes > fLimits.ObjectBytes()) {
-    throw fLimits.Exceeded("an object needs more than two thirds of " + InMiB(fLimits.HeldBytes()) +
-                           " of memory");
-  }
-  if (fBytes > fRoom) throw fLimits.TooMuchHeld();
+void TParser::RefuseSize() const {
+  if (fBytes <= fLimits.ObjectBytes()) throw fLimits.TooMuchHeld();
+  throw fLimits.Exceeded("an object needs more than two thirds of " + InMiB(fLimits.HeldBytes()) +
+                         " of memory");
 }
 
 }  // namespace
