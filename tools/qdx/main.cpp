@@ -27,16 +27,6 @@
 namespace NVORNQDX20 {
 namespace {
 
-/// Options may precede the verb, so the words are parsed with the options of all verbs: an option
-/// of two verbs takes a value in both or in neither.
-TArguments ParseAll(const std::vector<std::string>& words) {
-  std::vector<TOptionSpec> options = CommonOptions();
-  for (const TVerb& verb : AllVerbs()) {
-    options.insert(options.end(), verb.fOptions.begin(), verb.fOptions.end());
-  }
-  return ParseArguments(options, words);
-}
-
 ILogger::EQDXLogSeverity SeverityNamed(const std::string& name) {
   // In the order of the severities.
   const std::vector<std::string> names = {"error", "warning", "status", "debug", "verbose"};
@@ -69,32 +59,12 @@ TLog OpenLog(const TArguments& arguments) {
   return std::make_unique<TLogFile>(arguments.Get("log", ""), threshold, others, folders);
 }
 
-/// "qdx help" and "qdx help VERB".
-EExitCode RunHelp(const std::vector<std::string>& operands) {
-  if (operands.size() > 2) {
-    FailOnUsage("unexpected argument '" + operands[2] + "'");
-  }
-  WriteOutput(operands.size() < 2 ? GeneralHelp() : HelpFor(FindVerb(operands[1])));
-  return kExitDone;
-}
-
-void CheckUsage(const TVerb& verb, const TArguments& arguments) {
-  const std::vector<TOptionSpec> options = OptionsOf(verb);
-  for (const auto& [name, values] : arguments.fOptions) {
-    const auto has = [&name = name](const TOptionSpec& option) { return name == option.fName; };
-    if (std::none_of(options.begin(), options.end(), has)) {
-      FailOnUsage(std::string(verb.fName) + " has no option '--" + name + "'");
-    }
-  }
-  CheckOperands(verb.fName, verb.fOperands, arguments.fOperands);
-}
-
 EExitCode RunVerb(const TVerb& verb, TArguments arguments, TLog& log) {
   if (!arguments.fOperands.empty()) {
     arguments.fOperands.erase(arguments.fOperands.begin());  // the verb itself
   }
   try {
-    CheckUsage(verb, arguments);
+    TheProgram().CheckUsage(verb, arguments);
     log = OpenLog(arguments);
     return verb.fRun(arguments);
   } catch (TCommandFailure& failure) {
@@ -106,19 +76,21 @@ EExitCode RunVerb(const TVerb& verb, TArguments arguments, TLog& log) {
 /// Runs the command line `words`, which excludes the program's name. Throws a TCommandFailure, or
 /// another exception for an internal error. Opens `log` if a verb is run with one.
 EExitCode RunCommand(const std::vector<std::string>& words, TLog& log) {
-  const TArguments arguments = ParseAll(words);
+  const TProgram& program = TheProgram();
+  const TArguments arguments = program.Parse(words);
   const std::vector<std::string>& operands = arguments.fOperands;
   if (arguments.Has("version")) {
     WriteOutput("qdx " QDXCORE_VERSION "\n");
     return kExitDone;
   }
-  if (!operands.empty() && operands[0] == "help") return RunHelp(operands);
+  if (!operands.empty() && operands[0] == "help") return program.RunHelp(operands);
   if (arguments.Has("help")) {
-    WriteOutput(operands.empty() ? GeneralHelp() : HelpFor(FindVerb(operands[0])));
+    WriteOutput(operands.empty() ? program.GeneralHelp()
+                                 : program.HelpFor(program.FindVerb(operands[0])));
     return kExitDone;
   }
-  if (operands.empty()) return RunVerb(FindVerb("summary"), arguments, log);
-  return RunVerb(FindVerb(operands[0]), arguments, log);
+  if (operands.empty()) return RunVerb(program.FindVerb("summary"), arguments, log);
+  return RunVerb(program.FindVerb(operands[0]), arguments, log);
 }
 
 EExitCode RunGuarded(const std::vector<std::string>& words, TLog& log) {

@@ -11,6 +11,8 @@
 namespace NVORNQDX20 {
 namespace {
 
+const char* gProgramName = "qdx";
+
 std::string LineOf(const std::string& action, const TExplainedException& failure) {
   return action + ": " + failure.GetReason();
 }
@@ -27,9 +29,13 @@ void PrintFailure(const std::string& action, const TExplainedException& failure)
   PrintAndLog(LineOf(action, failure), failure.GetStatusCode());
 }
 
+void SetProgramName(const char* name) { gProgramName = name; }
+
+const char* GetProgramName() { return gProgramName; }
+
 void PrintError(const std::string& line) {
   // If this fails, nothing is left to report it.
-  (void)WriteAll(STDERR_FILENO, "qdx: " + ForTerminal(line) + "\n");
+  (void)WriteAll(STDERR_FILENO, std::string(gProgramName) + ": " + ForTerminal(line) + "\n");
 }
 
 TCommandFailure::TCommandFailure(EExitCode code, const std::string& action,
@@ -45,8 +51,8 @@ void TCommandFailure::Print() const {
     PrintAndLog(line, fFailure->GetStatusCode());
   } else if (!line.empty()) {
     const char* const end = line.back() == '?' ? " " : ". ";
-    const std::string help = fVerb.empty() ? "qdx --help" : "qdx help " + fVerb;
-    PrintError(line + end + "Try '" + help + "'.");
+    const std::string help = fVerb.empty() ? "--help" : "help " + fVerb;
+    PrintError(line + end + "Try '" + gProgramName + " " + help + "'.");
   }
 }
 

@@ -20,7 +20,11 @@ namespace NVORNQDX20 {
 /// Writes the line to standard error, and with the name of the status to the log.
 void PrintFailure(const std::string& action, const TExplainedException& failure);
 
-/// Writes "qdx: " and the line to standard error.
+/// Sets the name of the program in messages, which is "qdx" otherwise. The text must stay.
+void SetProgramName(const char* name);
+const char* GetProgramName();
+
+/// Writes the program's name, ": " and the line to standard error.
 void PrintError(const std::string& line);
 
 /// Ends the command with kExitUsage and a line with the mistake and how to get help: about the

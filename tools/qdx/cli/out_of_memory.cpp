@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "exit_code.h"
+#include "failure.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -46,7 +47,9 @@ __attribute__((section(".preinit_array"), used)) void (*const gBeforeLibraries)(
 }  // namespace
 
 void EndWithoutMemory() {
-  (void)WriteAll(STDERR_FILENO, "qdx: out of memory\n");  // a failure cannot be reported
+  // Piece by piece, since a joined text would be allocated. A failure cannot be reported.
+  (void)WriteAll(STDERR_FILENO, GetProgramName());
+  (void)WriteAll(STDERR_FILENO, ": out of memory\n");
   ::_exit(kExitNothingCollected);
 }
 

@@ -5,8 +5,8 @@
 
 namespace NVORNQDX20 {
 
-/// Prints "qdx: out of memory" and ends the process with the status of a command that collected
-/// nothing. Allocates nothing, and calls no destructors.
+/// Prints "qdx: out of memory", with the name of the program, and ends the process with the status
+/// of a command that collected nothing. Allocates nothing, and calls no destructors.
 ///
 /// Also called when memory runs out where no exception can be caught: while the libraries are
 /// initialised, in functions that must not throw such as destructors of JSON values, and where

@@ -4,22 +4,9 @@
 #ifndef TOOLS_QDX_VERBS_VERBS_H_
 #define TOOLS_QDX_VERBS_VERBS_H_
 
-#include <string>
-#include <vector>
-
-#include "cli/arguments.h"
-#include "cli/exit_code.h"
+#include "cli/verb.h"
 
 namespace NVORNQDX20 {
-
-struct TVerb {
-  const char* fName;
-  const char* fSummary;      ///< One line.
-  const char* fDescription;  ///< Additional lines of its help.
-  std::vector<TOptionSpec> fOptions;
-  EExitCode (*fRun)(const TArguments& arguments);  ///< Gets the operands without the verb.
-  std::vector<TOperandSpec> fOperands = {};        ///< Empty for most verbs.
-};
 
 TVerb CollectVerb();
 TVerb DiffVerb();
@@ -34,18 +21,8 @@ TVerb SummaryVerb();
 TVerb UploadVerb();
 TVerb ValidateVerb();
 
-/// Every verb, in the order of the help.
-const std::vector<TVerb>& AllVerbs();
-/// Throws a TCommandFailure if there is no such verb.
-const TVerb& FindVerb(const std::string& name);
-/// The options that all verbs have.
-const std::vector<TOptionSpec>& CommonOptions();
-
-/// Returns the verb's own options, then the common ones.
-std::vector<TOptionSpec> OptionsOf(const TVerb& verb);
-
-std::string GeneralHelp();
-std::string HelpFor(const TVerb& verb);
+/// The command with every verb, in the order of the help.
+const TProgram& TheProgram();
 
 }  // namespace NVORNQDX20
 
