@@ -1,0 +1,240 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "database.h"
+
+#include <qdxsystem/error_text.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <charconv>
+#include <cstdlib>
+#include <unordered_map>
+
+#include <soci/postgresql/soci-postgresql.h>
+#include <soci/soci.h>
+#include <soci/sqlite3/soci-sqlite3.h>
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/algorithm/string/trim.hpp>
+
+#include "dialect.h"
+
+namespace NVORNQDX20::NStore {
+namespace {
+
+/// How long a writer waits for another one, and a statement of a server may take.
+const char* const kFileTimeout = "PRAGMA busy_timeout = 60000";
+const char* const kServerSettings[] = {
+    "SET client_min_messages = warning", "SET lock_timeout = '60s'",
+    "SET statement_timeout = '300s'",    "SET idle_in_transaction_session_timeout = '600s'",
+    "SET client_encoding = 'UTF8'",      "SET standard_conforming_strings = on"};
+/// In seconds, for servers that are not reached. The environment of the user precedes.
+const char* const kConnectTimeout = "10";
+
+TDatabaseError ErrorOfFile(const soci::sqlite3_soci_error& error, const std::string& reason) {
+  constexpr int kPrimary = 0xff;
+  switch (error.result() & kPrimary) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      return {TDatabaseError::kConflict, kQDXStatusFail, "another program keeps it locked"};
+    case SQLITE_CONSTRAINT:
+    case SQLITE_TOOBIG:
+    case SQLITE_MISMATCH:
+    case SQLITE_RANGE:
+      return {TDatabaseError::kRefused, kQDXStatusFail, reason};
+    case SQLITE_NOTADB:
+      return {TDatabaseError::kUnusable, kQDXStatusInvalidFormat, "it is no store"};
+    case SQLITE_READONLY:
+    case SQLITE_PERM:
+    case SQLITE_AUTH:
+      return {TDatabaseError::kUnusable, kQDXStatusAccessDenied, reason};
+    case SQLITE_NOMEM:
+      return {TDatabaseError::kUnusable, kQDXStatusOutOfMemory, "out of memory"};
+    default:
+      return {TDatabaseError::kUnusable, kQDXStatusFileSystemError, reason};
+  }
+}
+
+TDatabaseError ErrorOfServer(const soci::postgresql_soci_error& error, const std::string& reason) {
+  const std::string state = error.sqlstate();
+  for (const char* conflict : {"40001", "40P01", "55P03"}) {
+    if (state == conflict) return {TDatabaseError::kConflict, kQDXStatusFail, reason};
+  }
+  // Values that it does not take, such as an index row that is too long.
+  for (const char* refusal : {"22", "23", "54"}) {
+    if (boost::starts_with(state, refusal)) {
+      return {TDatabaseError::kRefused, kQDXStatusFail, reason};
+    }
+  }
+  const bool isDenied = boost::starts_with(state, "42501") || boost::starts_with(state, "28");
+  return {TDatabaseError::kUnusable, isDenied ? kQDXStatusAccessDenied : kQDXStatusConnectionFailed,
+          reason};
+}
+
+/// SOCI's own words precede those of the database in some messages.
+std::string ReasonOf(const soci::soci_error& error, const TLocation& location) {
+  std::string reason = location.WithoutSecrets(error.get_error_message());
+  for (const char* prefix :
+       {"Cannot establish connection to the database.", "Cannot execute query.",
+        "Cannot prepare statement.", "Fatal error.", "sqlite3_statement_backend::loadOne: ",
+        "sqlite3_statement_backend::prepare: ", "ERROR:", "FATAL:"}) {
+    boost::trim(reason);
+    if (boost::starts_with(reason, prefix)) reason.erase(0, std::string(prefix).size());
+  }
+  boost::trim(reason);
+  // The lines after the first one repeat the statement.
+  return reason.substr(0, reason.find('\n'));
+}
+
+template <typename TCall>
+void Translated(const TLocation& location, const TCall& call) {
+  try {
+    call();
+  } catch (const soci::sqlite3_soci_error& error) {
+    throw ErrorOfFile(error, ReasonOf(error, location));
+  } catch (const soci::postgresql_soci_error& error) {
+    throw ErrorOfServer(error, ReasonOf(error, location));
+  } catch (const soci::soci_error& error) {
+    throw TDatabaseError(TDatabaseError::kUnusable, kQDXStatusFail, ReasonOf(error, location));
+  }
+}
+
+/// SOCI reads a text without "=" as the name of the file, and else as parameters.
+std::string FileParameters(const std::string& file) {
+  if (file.find('=') == std::string::npos) return file;
+  if (file.find('"') != std::string::npos) {
+    throw TDatabaseError(TDatabaseError::kUnusable, kQDXStatusNotSupported,
+                         "a name with both \" and = cannot be opened");
+  }
+  return "dbname=\"" + file + "\"";
+}
+
+/// Before SQLite opens it: that would create it, and would not find fault with a folder before
+/// the first statement.
+void RequireFile(const std::string& file) {
+  struct stat status {};
+  const bool exists = ::stat(file.c_str(), &status) == 0;
+  if (exists && S_ISREG(status.st_mode)) return;
+  const auto reason = exists ? std::string("it is no regular file") : ErrorText(errno);
+  throw TDatabaseError(TDatabaseError::kUnusable,
+                       exists ? kQDXStatusFileSystemError : kQDXStatusFileNotFound, reason);
+}
+
+}  // namespace
+
+struct TDatabase::TSession {
+  soci::session fSession;
+  /// Ours to the database's.
+  std::unordered_map<std::string, std::string> fStatements;
+
+  const std::string& Translate(const std::string& sql, bool isSQLite) {
+    const auto [found, isNew] = fStatements.try_emplace(sql);
+    if (isNew) found->second = NStore::Translate(sql, isSQLite);
+    return found->second;
+  }
+};
+
+TDatabase::TDatabase(const TLocation& location)
+    : fLocation(location), fSession(std::make_unique<TSession>()) {
+  if (fLocation.fIsFile) RequireFile(fLocation.fText);
+  Translated(fLocation, [&] {
+    if (fLocation.fIsFile) {
+      fSession->fSession.open(soci::sqlite3, FileParameters(fLocation.fText));
+      Execute(kFileTimeout);
+      Execute("PRAGMA foreign_keys = ON");
+      return;
+    }
+    ::setenv("PGCONNECT_TIMEOUT", kConnectTimeout, 0);
+    ::setenv("PGAPPNAME", "qdx-store", 0);
+    fSession->fSession.open(soci::postgresql, fLocation.fText);
+    for (const char* setting : kServerSettings) Execute(setting);
+  });
+}
+
+TDatabase::~TDatabase() = default;
+
+void TDatabase::Execute(const std::string& sql, const std::vector<TValue>& values) {
+  Query(sql, 0, values, [](const TRow&) {});
+}
+
+void TDatabase::Query(const std::string& sql, std::size_t columns,
+                      const std::vector<TValue>& values,
+                      const std::function<void(const TRow&)>& take) {
+  Translated(fLocation, [&] {
+    std::vector<std::string> cells(columns);
+    std::vector<soci::indicator> indicators(columns, soci::i_ok);
+    std::vector<long long> numbers(values.size());
+    soci::statement statement(fSession->fSession);
+    for (std::size_t i = 0; i < columns; ++i) {
+      statement.exchange(soci::into(cells[i], indicators[i]));
+    }
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      if (const auto* const text = std::get_if<std::string>(&values[i])) {
+        statement.exchange(soci::use(*text));
+      } else {
+        numbers[i] = std::get<std::int64_t>(values[i]);
+        statement.exchange(soci::use(numbers[i]));
+      }
+    }
+    statement.alloc();
+    statement.prepare(fSession->Translate(sql, IsSQLite()), soci::details::st_one_time_query);
+    statement.define_and_bind();
+    if (columns == 0) {
+      statement.execute(true);
+      return;
+    }
+    TRow row(columns);
+    statement.execute(false);
+    while (statement.fetch()) {
+      for (std::size_t i = 0; i < columns; ++i) {
+        if (indicators[i] == soci::i_null) {
+          row[i].reset();
+        } else {
+          row[i] = cells[i];
+        }
+      }
+      take(row);
+    }
+  });
+}
+
+std::optional<std::int64_t> TDatabase::QueryNumber(const std::string& sql,
+                                                   const std::vector<TValue>& values) {
+  std::optional<std::int64_t> number;
+  Query(sql, 1, values, [&](const TRow& row) {
+    if (!number && row[0]) number = ToNumber(row[0]);
+  });
+  return number;
+}
+
+std::int64_t ToNumber(const TCell& cell) {
+  std::int64_t number = 0;
+  const std::string text = cell.value_or("");
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (text.empty() || error != std::errc() || end != text.data() + text.size()) {
+    throw TDatabaseError(TDatabaseError::kUnusable, kQDXStatusCorruptedContainer,
+                         "it has a text where a number is expected");
+  }
+  return number;
+}
+
+TTransaction::TTransaction(TDatabase& database) : fDatabase(database) {
+  // Of a file the lock at once: a reader that becomes a writer later may be refused.
+  fDatabase.Execute(fDatabase.IsSQLite() ? "BEGIN IMMEDIATE" : "BEGIN");
+}
+
+TTransaction::~TTransaction() {
+  if (!fIsOpen) return;
+  try {
+    fDatabase.Execute("ROLLBACK");
+  } catch (const TDatabaseError&) {
+    // The database undoes it itself: it has lost the connection, or has done so already.
+  }
+}
+
+void TTransaction::Commit() {
+  fDatabase.Execute("COMMIT");
+  fIsOpen = false;
+}
+
+}  // namespace NVORNQDX20::NStore
