@@ -1,0 +1,215 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "hosts.h"
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <set>
+
+#include <nlohmann/json.hpp>
+
+#include "digest.h"
+#include "host_timelines.h"
+
+namespace NVORNQDX20::NStore {
+namespace {
+
+using TJSON = nlohmann::json;
+
+/// The first number of our advisory locks, which other programs should not use in the database.
+const char* const kStoreLock = "7366225";
+const char* const kHostLock = "7366226";
+
+/// SQLite has one writer anyway.
+void LockStore(TDatabase& database, bool exclusively) {
+  if (database.IsSQLite()) return;
+  database.Execute(std::string("SELECT pg_advisory_xact_lock") + (exclusively ? "" : "_shared") +
+                   "(" + kStoreLock + ", 0)");
+}
+
+void LockHost(TDatabase& database, std::int64_t host) {
+  if (database.IsSQLite()) return;
+  database.Execute(std::string("SELECT pg_advisory_xact_lock(") + kHostLock +
+                       ", CAST(CAST(:host AS BIGINT) % 2147483647 AS INTEGER))",
+                   {host});
+}
+
+std::string DigestOfTexts(const TIdentity& identity) {
+  return DigestOf(TJSON({identity.fUUID, identity.fMachineID, identity.fSerialNumber,
+                         identity.fMaker, identity.fName})
+                      .dump(-1, ' ', false, TJSON::error_handler_t::replace));
+}
+
+std::optional<TKnownHost> Lookup(TDatabase& database, const std::string& digest) {
+  std::optional<TKnownHost> found;
+  database.Query("SELECT id, host FROM identity WHERE digest = :digest", 2, {digest},
+                 [&](const TRow& row) {
+                   found = {ToNumber(row[0]), ToNumber(row[1])};
+                 });
+  return found;
+}
+
+/// An identity in the store.
+struct TStoredIdentity {
+  std::int64_t fNumber;
+  std::int64_t fHost;
+  std::string fHostKey;
+  TIdentity fIdentity;
+};
+
+/// Identities that have something in common with others of the group.
+class TGroup {
+ public:
+  explicit TGroup(TDatabase& database) : fDatabase(database) {}
+
+  /// Adds all identities with this text in this column, and those that have something in common
+  /// with them. A text that so many hosts have that it ties together most of the store costs a
+  /// query for each; it is only done for a new identity.
+  void AddAllLike(const TIdentity& identity) {
+    AddAll("uuid", identity.fUUID);
+    AddAll("machine_id", identity.fMachineID);
+    AddAll("serial_number", identity.fSerialNumber);
+    AddAll("name", identity.fName);
+  }
+
+  const std::vector<TStoredIdentity>& Get() const { return fIdentities; }
+
+ private:
+  void AddAll(const std::string& column, const std::string& text) {
+    if (text.empty() || !fDone.insert(column + text).second) return;
+    std::vector<TStoredIdentity> added;
+    fDatabase.Query(
+        "SELECT i.id, i.host, h.key, i.uuid, i.machine_id, i.serial_number, i.manufacturer, i.name"
+        " FROM identity AS i JOIN host AS h ON h.id = i.host WHERE i." +
+            column + " = :text",
+        8, {text}, [&](const TRow& row) {
+          TStoredIdentity identity = {ToNumber(row[0]),
+                                      ToNumber(row[1]),
+                                      *row[2],
+                                      {*row[3], *row[4], *row[5], *row[6], *row[7]}};
+          if (fNumbers.insert(identity.fNumber).second) added.push_back(std::move(identity));
+        });
+    for (TStoredIdentity& identity : added) fPending.push_back(std::move(identity));
+    if (fIsAdding) return;  // by the caller further up
+    fIsAdding = true;
+    while (!fPending.empty()) {
+      fIdentities.push_back(std::move(fPending.back()));
+      fPending.pop_back();
+      AddAllLike(TIdentity(fIdentities.back().fIdentity));
+    }
+    fIsAdding = false;
+  }
+
+  TDatabase& fDatabase;
+  std::vector<TStoredIdentity> fIdentities;
+  std::vector<TStoredIdentity> fPending;
+  std::set<std::int64_t> fNumbers;
+  std::set<std::string> fDone;
+  bool fIsAdding = false;
+};
+
+std::int64_t RequireHost(TDatabase& database, const std::string& key) {
+  database.Execute("INSERT INTO host (key, name) VALUES (:key, '') ON CONFLICT (key) DO NOTHING",
+                   {key});
+  return database.QueryNumber("SELECT id FROM host WHERE key = :key", {key}).value();
+}
+
+/// Gives a host that goes on as another one as a whole its new key.
+void RenameHosts(TDatabase& database, std::vector<TStoredIdentity>& stored,
+                 const std::vector<std::string>& keys) {
+  std::map<std::int64_t, std::set<std::string>> keysOfHosts;
+  std::set<std::string> usedKeys;
+  for (std::size_t i = 0; i < stored.size(); ++i) {
+    keysOfHosts[stored[i].fHost].insert(keys[i]);
+    usedKeys.insert(stored[i].fHostKey);
+  }
+  for (const auto& [host, newKeys] : keysOfHosts) {
+    const std::string& key = *newKeys.begin();
+    if (newKeys.size() > 1 || !usedKeys.insert(key).second) continue;
+    database.Execute("UPDATE host SET key = :key WHERE id = :host", {key, host});
+    for (TStoredIdentity& identity : stored) {
+      if (identity.fHost == host) identity.fHostKey = key;
+    }
+  }
+}
+
+void MoveIdentity(TDatabase& database, const TStoredIdentity& identity, const std::string& key) {
+  const std::int64_t host = RequireHost(database, key);
+  std::vector<std::int64_t> documents;
+  database.Query("SELECT id FROM document WHERE identity = :identity ORDER BY moment", 1,
+                 {identity.fNumber},
+                 [&](const TRow& row) { documents.push_back(ToNumber(row[0])); });
+  for (const std::int64_t document : documents) MoveDocument(database, document, host);
+  database.Execute("UPDATE identity SET host = :host WHERE id = :identity",
+                   {host, identity.fNumber});
+  NameHost(database, host);
+  NameHost(database, identity.fHost);
+  database.Execute(
+      "DELETE FROM host WHERE id = :host AND NOT EXISTS"
+      " (SELECT 1 FROM identity WHERE identity.host = host.id)",
+      {identity.fHost});
+}
+
+/// Adds the identity, and moves the documents of others that belong to other hosts from now on.
+TKnownHost AddIdentity(TDatabase& database, const TIdentity& identity, const std::string& digest) {
+  TGroup group(database);
+  group.AddAllLike(identity);
+  std::vector<TStoredIdentity> stored = group.Get();
+  std::vector<TIdentity> identities;
+  identities.reserve(stored.size() + 1);
+  for (const TStoredIdentity& each : stored) identities.push_back(each.fIdentity);
+  identities.push_back(identity);
+  const std::vector<std::string> keys = HostKeys(identities);
+  RenameHosts(database, stored, keys);
+  for (std::size_t i = 0; i < stored.size(); ++i) {
+    if (stored[i].fHostKey != keys[i]) MoveIdentity(database, stored[i], keys[i]);
+  }
+  const std::int64_t host = RequireHost(database, keys.back());
+  database.Execute(
+      "INSERT INTO identity (digest, uuid, machine_id, serial_number, manufacturer, name, host)"
+      " VALUES (:digest, :uuid, :machine, :serial, :maker, :name, :host)",
+      {digest, identity.fUUID, identity.fMachineID, identity.fSerialNumber, identity.fMaker,
+       identity.fName, host});
+  return *Lookup(database, digest);
+}
+
+void WarnOfClone(TDatabase& database, const TIdentity& identity,
+                 std::vector<std::string>& warnings) {
+  if (identity.fMachineID.empty()) return;
+  const auto hosts =
+      database.QueryNumber("SELECT COUNT(DISTINCT host) FROM identity WHERE machine_id = :machine",
+                           {identity.fMachineID});
+  if (hosts.value_or(0) < 2) return;
+  warnings.push_back("machine-id " + identity.fMachineID + " is that of " + std::to_string(*hosts) +
+                     " hosts: copies of one installation?");
+}
+
+}  // namespace
+
+void NameHost(TDatabase& database, std::int64_t host) {
+  std::string name;
+  database.Query(
+      "SELECT COALESCE((SELECT s.value FROM document AS d JOIN string AS s ON s.id = d.name"
+      " WHERE d.host = h.id AND s.value <> '' ORDER BY d.moment DESC LIMIT 1), h.key)"
+      " FROM host AS h WHERE h.id = :host",
+      1, {host}, [&](const TRow& row) { name = *row[0]; });
+  database.Execute("UPDATE host SET name = :name WHERE id = :host AND name <> :same",
+                   {name, host, name});
+}
+
+TKnownHost FindHost(TDatabase& database, const TIdentity& identity,
+                    std::vector<std::string>& warnings) {
+  const std::string digest = DigestOfTexts(identity);
+  // Before the lock, which cannot become a stronger one later. An identity never disappears.
+  const bool isKnown = Lookup(database, digest).has_value();
+  LockStore(database, !isKnown);
+  std::optional<TKnownHost> found = Lookup(database, digest);
+  if (!found) {
+    found = AddIdentity(database, identity, digest);
+    WarnOfClone(database, identity, warnings);
+  }
+  LockHost(database, found->fHost);
+  return *found;
+}
+
+}  // namespace NVORNQDX20::NStore
