@@ -9,8 +9,12 @@
 #                            files, pages and examples
 #   tool     qdx             the command with the plug-ins, which have dependencies of their own and no
 #                            version in their names
+#   store    qdx-store       the store of a fleet, which alone needs databases
 set(CPACK_GENERATOR DEB)
 set(CPACK_COMPONENTS_ALL library devel tool)
+if(QDX_BUILD_STORE)
+  list(APPEND CPACK_COMPONENTS_ALL store)
+endif()
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
@@ -53,5 +57,15 @@ set(CPACK_COMPONENT_TOOL_DESCRIPTION "describe and diagnose a Linux server
 The command qdx queries its plug-ins about the machine and shows their data
 in the terms of the DMTF Common Information Model (CIM). Other packages can
 add plug-ins.")
+
+set(CPACK_DEBIAN_STORE_PACKAGE_NAME qdx-store)
+set(CPACK_DEBIAN_STORE_PACKAGE_SECTION admin)
+set(CPACK_DEBIAN_STORE_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_STORE_PACKAGE_DEPENDS "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} ${same_version}")
+set(CPACK_DEBIAN_STORE_PACKAGE_SUGGESTS "qdx, sqlite3 | postgresql-client")
+set(CPACK_COMPONENT_STORE_DESCRIPTION "store of what many Linux servers consist of
+The command qdx-store reads documents that qdx has written on any number of
+hosts, and keeps their facts and when they changed in a file of SQLite or in
+a database of PostgreSQL, with views for queries.")
 
 include(CPack)

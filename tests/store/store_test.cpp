@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: Apache-2.0
+// The same cases in a file and on a server.
+#include "storage/store.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <random>
+#include <set>
+
+#include "database/open.h"
+#include "postgresql_server.h"
+#include "sample_document.h"
+#include "support/expect_status.h"
+#include "support/temp_dir.h"
+
+using namespace NSample;
+using namespace NVORNQDX20;
+using namespace NVORNQDX20::NStore;
+
+namespace {
+
+const THostIdentity kHost = {"4c4c4544-0001-4a10-8051-b4c04f4a5331", "m1", "S1", "Acme", "M", "a"};
+/// The same machine without root.
+const THostIdentity kUser = {"", "m1", "", "", "M", "a"};
+const char* const kDisk = "VORNSG_DiskDrive";
+
+class Store : public ::testing::TestWithParam<bool> {
+ protected:
+  void SetUp() override {
+    if (GetParam() && !TPostgreSQLServer::Get().WhyNot().empty()) {
+      GTEST_SKIP() << TPostgreSQLServer::Get().WhyNot();
+    }
+    Renew();
+  }
+
+  /// Continues with an empty store.
+  void Renew() {
+    const std::string place = GetParam() ? TPostgreSQLServer::Get().NewDatabase()
+                                         : (fFolder.Path() / std::to_string(++fStores)).string();
+    fDatabase = OpenStore(TLocation(place), EAccess::kCreating);
+    fStore = std::make_unique<TStore>(*fDatabase);
+  }
+
+  /// The rows of a query, sorted; the cells with "|" between them.
+  std::multiset<std::string> Rows(const std::string& query, std::size_t columns) {
+    std::multiset<std::string> rows;
+    fDatabase->Query(query, columns, {}, [&](const TRow& row) {
+      std::string text;
+      for (const TCell& cell : row) text += (text.empty() ? "" : "|") + cell.value_or("-");
+      rows.insert(text);
+    });
+    return rows;
+  }
+
+  /// Everything that the order of the documents could change, without numbers of rows.
+  std::multiset<std::string> Contents() {
+    std::multiset<std::string> all = Rows(
+        "SELECT h.key, f.class, f.object, f.property, f.value, f.valid_from, f.valid_to"
+        " FROM facts AS f JOIN host AS h ON h.id = f.host_id",
+        7);
+    all.merge(
+        Rows("SELECT h.key, m.class, m.object, m.property, m.reason, m.valid_from"
+             " FROM missing AS m JOIN host AS h ON h.id = m.host_id",
+             6));
+    all.merge(Rows("SELECT host, object, time, value FROM readings", 4));
+    all.merge(
+        Rows("SELECT host, uuid, machine_id, first_seen, last_seen, documents FROM hosts", 6));
+    return all;
+  }
+
+  std::unique_ptr<TDatabase> fDatabase;
+  std::unique_ptr<TStore> fStore;
+
+ private:
+  const TTempDir fFolder;
+  int fStores = 0;
+};
+
+INSTANTIATE_TEST_SUITE_P(In, Store, ::testing::Values(false, true), [](const auto& row) {
+  return std::string(row.param ? "PostgreSQL" : "File");
+});
+
+TEST_P(Store, KeepsFromWhenToWhenAFactHolds) {
+  for (const auto& [seconds, firmware] : {std::pair(100, "1"), {200, "1"}, {300, "2"}}) {
+    TDocumentFacts document = Document(kHost, seconds);
+    AddFact(document, kDisk, "/dev/sda", "FirmwareRevision", firmware);
+    AddFact(document, kDisk, "/dev/sda", "Size", "18446744073709551615", false, "uint64");
+    if (seconds < 300) AddFact(document, kDisk, "/dev/sdb", "Model", "Spin 'n' \"go\"\\\u00e9");
+    AddFact(document, kDisk, "/dev/sda", "Temperature", std::to_string(seconds), true);
+    EXPECT_TRUE(fStore->Add(document).fIsNew);
+    EXPECT_FALSE(fStore->Add(document).fIsNew);
+  }
+  EXPECT_EQ(Rows("SELECT object, property, value, valid_from, valid_to FROM facts", 5),
+            (std::multiset<std::string>{
+                "/dev/sda|FirmwareRevision|1|1970-01-01T00:01:40.000Z|1970-01-01T00:05:00.000Z",
+                "/dev/sda|FirmwareRevision|2|1970-01-01T00:05:00.000Z|-",
+                "/dev/sda|Size|18446744073709551615|1970-01-01T00:01:40.000Z|-",
+                "/dev/sdb|Model|Spin 'n' \"go\"\\\u00e9|1970-01-01T00:01:40.000Z|"
+                "1970-01-01T00:05:00.000Z"}));
+  EXPECT_EQ(Rows("SELECT time, object, property, old_value, new_value FROM changes", 5),
+            (std::multiset<std::string>{
+                "1970-01-01T00:05:00.000Z|/dev/sda|FirmwareRevision|1|2",
+                "1970-01-01T00:05:00.000Z|/dev/sdb|Model|Spin 'n' \"go\"\\\u00e9|-"}));
+  EXPECT_EQ(Rows("SELECT host, device, firmware, bytes FROM disks", 4),
+            (std::multiset<std::string>{"a|/dev/sda|2|" +
+                                        Rows("SELECT bytes FROM disks", 1).begin()->substr(0)}));
+  EXPECT_EQ(Rows("SELECT value FROM readings", 1),
+            (std::multiset<std::string>{"100", "200", "300"}));
+  EXPECT_EQ(fStore->PruneReadings(300 * 1'000'000), 2);
+  EXPECT_EQ(Rows("SELECT value FROM readings", 1), (std::multiset<std::string>{"300"}));
+}
+
+TEST_P(Store, EndsNothingThatADocumentCouldNotSee) {
+  TDocumentFacts first = Document(kHost, 100);
+  AddFact(first, kDisk, "/dev/sda", "SerialNumber", "X1");
+  AddFact(first, kDisk, "/dev/sda", "Model", "Old");
+  TDocumentFacts second = Document(kUser, 200);
+  AddFact(second, kDisk, "/dev/sda", "Model", "Old");
+  AddMissing(second, kDisk, "/dev/sda", "SerialNumber");
+  TDocumentFacts third = Document(kHost, 300);
+  third.fUnknown.push_back({kNamespace, "", "part", {}, ""});
+  fStore->Add(third);
+  fStore->Add(second);
+  fStore->Add(first);
+  EXPECT_EQ(Rows("SELECT property, valid_to FROM facts", 2),
+            (std::multiset<std::string>{"Model|-", "SerialNumber|-"}));
+  EXPECT_EQ(Rows("SELECT COUNT(*) FROM hosts", 1), (std::multiset<std::string>{"1"}));
+}
+
+/// Documents of four machines, of which two have the same machine-id, with and without root.
+std::vector<TDocumentFacts> RandomDocuments(std::mt19937& random) {
+  const THostIdentity hosts[] = {
+      kHost,
+      kUser,
+      {"4c4c4544-0002-4a10-8051-b4c04f4a5331", "m1", "S2", "Acme", "M", "b"},
+      {"", "m1", "", "", "M", "b"},
+      {"", "", "S2", "Acme", "M", ""},
+      {"", "", "", "", "", "a"}};
+  std::vector<TDocumentFacts> documents;
+  for (unsigned i = 0; i < 14; ++i) {
+    // Some at the same time.
+    TDocumentFacts document = Document(hosts[random() % std::size(hosts)], 1000 + 10 * (i / 2), i);
+    for (const char* disk : {"/dev/sda", "/dev/sdb"}) {
+      for (const char* property : {"Model", "SerialNumber"}) {
+        const auto what = random() % 5;
+        if (what == 0) AddMissing(document, kDisk, disk, property);
+        if (what > 1) AddFact(document, kDisk, disk, property, std::to_string(what));
+      }
+      AddFact(document, kDisk, disk, "Temperature", std::to_string(i), true);
+    }
+    if (random() % 4 == 0) document.fUnknown.push_back({kNamespace, "", "part", {}, ""});
+    if (random() % 4 == 0) document.fUnknown.push_back({kNamespace, kDisk, "", {}, "Model"});
+    documents.push_back(document);
+  }
+  return documents;
+}
+
+TEST_P(Store, DependsOnTheDocumentsAndNotOnTheirOrder) {
+  std::mt19937 random(4);
+  for (int round = 0; round < (GetParam() ? 3 : 12); ++round) {
+    std::vector<TDocumentFacts> documents = RandomDocuments(random);
+    for (const TDocumentFacts& document : documents) fStore->Add(document);
+    const auto expected = Contents();
+    for (int order = 0; order < 3; ++order) {
+      std::shuffle(documents.begin(), documents.end(), random);
+      Renew();
+      for (const TDocumentFacts& document : documents) fStore->Add(document);
+      EXPECT_EQ(Contents(), expected) << "round " << round;
+    }
+    Renew();
+  }
+}
+
+TEST_P(Store, NoticesCopiesOfAnInstallation) {
+  EXPECT_TRUE(fStore->Add(Document(kHost, 100)).fWarnings.empty());
+  THostIdentity copy = kHost;
+  copy.fUUID = "4c4c4544-0002-4a10-8051-b4c04f4a5331";
+  copy.fName = "b";
+  EXPECT_EQ(fStore->Add(Document(copy, 200)).fWarnings.size(), 1U);
+  EXPECT_EQ(Rows("SELECT machine_id, host FROM cloned_machine_ids", 2),
+            (std::multiset<std::string>{"m1|a", "m1|b"}));
+}
+
+TEST_P(Store, RefusesWhatItCannotPlace) {
+  EXPECT_QDX_STATUS(fStore->Add(Document({"", "", "", "", "", "localhost"}, 100)),
+                    kQDXStatusNotFound);
+  EXPECT_QDX_STATUS(fStore->Add(Document(kHost, -1)), kQDXStatusInvalidDateTime);
+  EXPECT_QDX_STATUS(fStore->Add(Document(kHost, 8'000'000'000)), kQDXStatusInvalidDateTime);
+  TDocumentFacts document = Document(kHost, 100);
+  document.fFacts.push_back({7, 7, "x"});
+  EXPECT_QDX_STATUS(fStore->Add(document), kQDXStatusInvalidFormat);
+  EXPECT_EQ(Rows("SELECT COUNT(*) FROM host", 1), (std::multiset<std::string>{"0"}));
+}
+
+}  // namespace

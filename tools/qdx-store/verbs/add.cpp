@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "cli/failure.h"
+#include "cli/output.h"
+#include "cli/progress.h"
+#include "input/document_pool.h"
+#include "opened_store.h"
+#include "storage/store.h"
+#include "verbs.h"
+
+namespace NVORNQDX20::NStore {
+namespace {
+
+/// Adds documents one by one, and counts them.
+class TAdding {
+ public:
+  TAdding(TDatabase& database, std::size_t files)
+      : fDatabase(database), fStore(database), fFiles(files) {}
+
+  bool IsKnown(const std::string& digest) {
+    try {
+      return fStore.Has(digest);
+    } catch (const TDatabaseError& error) {
+      Abandon(error);
+    }
+  }
+
+  void Add(const TInputDocument& document) {
+    const auto failure = document.fFailure.empty()
+                             ? Store(document)
+                             : TExplainedException(kQDXStatusFail, document.fFailure);
+    if (failure) {
+      ++fFailed;
+      PrintFailure("adding " + document.fFile, *failure);
+    }
+    if (fFiles > 1) {
+      fProgress.Show(std::to_string(++fDone) + " of " + std::to_string(fFiles) + " documents");
+    }
+  }
+
+  EExitCode Finish() const {
+    WriteOutput(Counts() + "\n");
+    if (fFailed == 0) return kExitDone;
+    return fFailed < fFiles ? kExitPartlyDone : kExitBadInput;
+  }
+
+ private:
+  /// Returns why the document is not stored, if so.
+  std::optional<TExplainedException> Store(const TInputDocument& document) {
+    if (!document.fFacts) {
+      ++fKnown;
+      return {};
+    }
+    try {
+      const TStore::TAdded added = fStore.Add(*document.fFacts);
+      ++(added.fIsNew ? fAdded : fKnown);
+      for (const std::string& warning : added.fWarnings) {
+        PrintError("warning: " + document.fFile + ": " + warning);
+      }
+      return {};
+    } catch (const TDatabaseError& error) {
+      if (error.GetKind() == TDatabaseError::kUnusable) Abandon(error);
+      return error;
+    } catch (const TExplainedException& failure) {
+      return failure;
+    }
+  }
+
+  /// The store cannot be used any more.
+  [[noreturn]] void Abandon(const TDatabaseError& error) const {
+    PrintError(Counts() + ", then the store failed");
+    FailOnStore(fDatabase.GetLocation(), error);
+  }
+
+  std::string Counts() const {
+    std::string counts = std::to_string(fAdded) + " added";
+    if (fKnown > 0) counts += ", " + std::to_string(fKnown) + " stored before";
+    if (fFailed > 0) counts += ", " + std::to_string(fFailed) + " failed";
+    return counts;
+  }
+
+  TDatabase& fDatabase;
+  TStore fStore;
+  const std::size_t fFiles;
+  std::size_t fDone = 0;
+  std::size_t fAdded = 0;
+  std::size_t fKnown = 0;
+  std::size_t fFailed = 0;
+  TProgressLine fProgress;
+};
+
+EExitCode Add(const TArguments& arguments) {
+  TInputRequest request;
+  request.fFiles.assign(arguments.fOperands.begin() + 1, arguments.fOperands.end());
+  const auto database = OpenStoreOf(arguments.GetOperand(0), EAccess::kCreating);
+  TAdding adding(*database, request.fFiles.size());
+  request.fIsKnown = [&](const std::string& digest) { return adding.IsKnown(digest); };
+  ReadDocuments(request, [&](TInputDocument&& document) { adding.Add(document); });
+  return adding.Finish();
+}
+
+}  // namespace
+
+TVerb AddVerb() {
+  return {
+      "add",
+      "Stores documents.",
+      "FILE is a document of any host, in any order; '-' is standard input. The store is made\n"
+      "if it does not exist. A document that is stored already changes nothing. One that cannot\n"
+      "be read is named, and the others are stored.\n",
+      {},
+      Add,
+      {{"DB"}, {"FILE", TOperandSpec::kRepeated}}};
+}
+
+}  // namespace NVORNQDX20::NStore
