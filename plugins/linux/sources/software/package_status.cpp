@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "package_status.h"
 
+#include <qdxmodel/names.h>
+
 #include <algorithm>
 #include <cstddef>
 
@@ -51,7 +53,7 @@ void TakeField(std::string_view line, TPackage& package) {
   const std::size_t colon = line.find(':');
   if (colon == std::string_view::npos) return;
   for (const auto& [name, place] : kFields) {
-    if (!boost::algorithm::iequals(line.substr(0, colon), name)) continue;
+    if (!NModel::EqualIgnoringCase(line.substr(0, colon), name)) continue;
     if ((package.*place).empty()) package.*place = PrintableText(line.substr(colon + 1));
     return;
   }
