@@ -127,9 +127,15 @@ std::vector<TClass> AllClasses() {
   const TPart kPackages{"packages"};
   const TPart kUsers{"users", true};
   const TPart kProcesses{"processes", true};
-#define QDX_CALL(PART, FUNCTION) FUNCTION().InPart(PART),
-  return {QDX_LINUX_CLASSES(QDX_CALL)};
-#undef QDX_CALL
+  std::vector<TClass> all;
+#define QDX_COUNT(PART, FUNCTION) +1
+  all.reserve(QDX_LINUX_CLASSES(QDX_COUNT));
+#undef QDX_COUNT
+  // Not by a list in braces, which would copy each class.
+#define QDX_ADD(PART, FUNCTION) all.push_back(FUNCTION().InPart(PART));
+  QDX_LINUX_CLASSES(QDX_ADD)
+#undef QDX_ADD
+  return all;
 }
 
 }  // namespace NVORNQDX20

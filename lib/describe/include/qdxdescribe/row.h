@@ -299,6 +299,8 @@ class TRow {
 
   const TPropertyDeclaration& GetDeclaration() const { return fDeclaration; }
   const TRead& GetReader() const { return fRead; }
+  TPropertyDeclaration TakeDeclaration() && { return std::move(fDeclaration); }
+  TRead TakeReader() && { return std::move(fRead); }
 
  private:
   template <typename TReader>
@@ -306,13 +308,14 @@ class TRow {
 
   template <typename TReader>
   static TRead Reader(TReader reader) {
-    return [reader](const TSource& source, const THost& host, const std::string&) {
-      try {
-        return NDetail::CellOf(NDetail::Read(reader, source, host));
-      } catch (...) {
-        return NDetail::CellOfException();
-      }
-    };
+    return
+        [reader = std::move(reader)](const TSource& source, const THost& host, const std::string&) {
+          try {
+            return NDetail::CellOf(NDetail::Read(reader, source, host));
+          } catch (...) {
+            return NDetail::CellOfException();
+          }
+        };
   }
   static TRead Reader(TClassNameReader) {
     return [](const TSource&, const THost&, const std::string& className) {

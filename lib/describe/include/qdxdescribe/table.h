@@ -122,34 +122,39 @@ class TTable {
   /// `list` is a function of the host, or of the host and of the namespace with the classes before
   /// this one. It returns a TInstances, a std::vector, one TSource, or a TReading of these two.
   template <typename TLister>
-  TTable(const char* name, const char* description, TLister list, const TRows& rows)
-      : TTable(name, description, rows) {
+  TTable(const char* name, const char* description, TLister list, TRows rows)
+      : TTable(name, description, std::move(rows)) {
     fDeclaration.fIsAbstract = false;
     fList = [list](const THost& host, const ICIMNamespace& ns) -> TInstances<TSource> {
       return NDetail::List<TSource>(list, host, ns);
     };
   }
   /// An abstract class: without instances of its own.
-  TTable(const char* name, const char* description, const TRows& rows)
+  TTable(const char* name, const char* description, TRows rows)
       : fDeclaration{NDetail::Given(name, "the name of a class"),
                      NDetail::Given(description, "the description of class ", name),
                      {},
                      {},
                      true} {
-    for (const TRow<TSource, THost>& row : rows) {
-      fDeclaration.fProperties.push_back(row.GetDeclaration());
-      fColumns.push_back({row.GetDeclaration().fName, row.GetReader()});
+    fDeclaration.fProperties.reserve(rows.size());
+    fColumns.reserve(rows.size());
+    for (TRow<TSource, THost>& row : rows) {
+      fColumns.push_back({row.GetDeclaration().fName, std::move(row).TakeReader()});
+      fDeclaration.fProperties.push_back(std::move(row).TakeDeclaration());
     }
   }
 
   /// Makes this a subclass. The superclass's rows are read from the part of the source that is a
   /// TBase, unless this table has a row of the same name.
   template <typename TBase>
-  TTable DerivedFrom(const TTable<TBase, THost>& superclass) && {
+  TTable DerivedFrom(TTable<TBase, THost> superclass) && {
     static_assert(std::is_base_of_v<TBase, TSource>, "the source derives from the superclass's");
-    fDeclaration.fSuperclass = superclass.fDeclaration.fName;
+    fDeclaration.fSuperclass = std::move(superclass.fDeclaration.fName);
     std::vector<TColumn> columns;
-    for (const auto& [name, read] : superclass.fColumns) columns.push_back({name, read});
+    columns.reserve(superclass.fColumns.size() + fColumns.size());
+    for (auto& [name, read] : superclass.fColumns) {
+      columns.push_back({std::move(name), std::move(read)});
+    }
     for (TColumn& own : fColumns) {
       const auto same = [&own](const TColumn& inherited) {
         return NDetail::AreSameName(inherited.fName, own.fName);
@@ -178,15 +183,18 @@ class TTable {
   }
 
   template <typename TOtherHost>
-  operator TClassOf<TOtherHost>() const {
+  operator TClassOf<TOtherHost>() const& {
+    return TTable(*this);
+  }
+  template <typename TOtherHost>
+  operator TClassOf<TOtherHost>() && {
     static_assert(std::is_same_v<TOtherHost, THost>,
                   "the table has another host than the provider: MakeProvider<THost>(...)");
-    TClassOf<THost> erased{fDeclaration, {}, {}};
+    TClassOf<THost> erased;
+    erased.fColumns.reserve(fColumns.size());
     for (const TColumn& column : fColumns) erased.fColumns.push_back(column.fName);
-    if (fList) {
-      erased.fDescribe = [table = *this](const THost& host, const ICIMNamespace& ns,
-                                         IInstanceSink& sink) { table.Describe(host, ns, sink); };
-    }
+    if (fList) erased.fDescribe = TDescribe{fDeclaration.fName, std::move(fColumns), fList};
+    erased.fDeclaration = std::move(fDeclaration);
     return erased;
   }
 
@@ -198,23 +206,31 @@ class TTable {
     std::string fName;
     typename TRow<TSource, THost>::TRead fRead;
   };
+  using TList = std::function<TInstances<TSource>(const THost&, const ICIMNamespace&)>;
 
-  void Describe(const THost& host, const ICIMNamespace& ns, IInstanceSink& sink) const {
-    const TInstances<TSource> instances = fList(host, ns);
-    if (!instances.fReason.empty()) sink.Miss(instances.fReason);
-    std::vector<TCell> cells;
-    for (const TSource& source : instances.fAll) {
-      cells.clear();
-      for (const TColumn& column : fColumns) {
-        cells.push_back(column.fRead(source, host, fDeclaration.fName));
+  /// Makes the instances.
+  struct TDescribe {
+    void operator()(const THost& host, const ICIMNamespace& ns, IInstanceSink& sink) const {
+      const TInstances<TSource> instances = fList(host, ns);
+      if (!instances.fReason.empty()) sink.Miss(instances.fReason);
+      std::vector<TCell> cells;
+      for (const TSource& source : instances.fAll) {
+        cells.clear();
+        for (const TColumn& column : fColumns) {
+          cells.push_back(column.fRead(source, host, fClassName));
+        }
+        if (!sink.Add(cells, instances.fIsOnly)) return;
       }
-      if (!sink.Add(cells, instances.fIsOnly)) return;
     }
-  }
+
+    std::string fClassName;
+    std::vector<TColumn> fColumns;
+    TList fList;
+  };
 
   TClassDeclaration fDeclaration;
   std::vector<TColumn> fColumns;  // those of superclasses first
-  std::function<TInstances<TSource>(const THost&, const ICIMNamespace&)> fList;
+  TList fList;
 };
 
 }  // namespace NVORNQDX20::NDescribe
