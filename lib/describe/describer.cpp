@@ -123,7 +123,9 @@ class TDescription {
   const TNamespace& GetNamespace() const { return fNamespace; }
   bool IsComplete() const { return fMissing.empty(); }
 
-  TReading<TCIMValue> FindReference(const TInstanceName& target, const std::string& required) {
+  /// Valid until the next call.
+  const TReading<TCIMValue>& FindReference(const TInstanceName& target,
+                                           const std::string& required) {
     return fReferences.Find(target, required);
   }
 
@@ -169,7 +171,7 @@ class TDescription {
 
   void SetReferences() {
     for (auto& [instance, place, target, required] : fLater) {
-      const TReading<TCIMValue> reference = fReferences.Find(target, required);
+      const TReading<TCIMValue>& reference = fReferences.Find(target, required);
       if (reference) {
         instance->SetPropertyValue(place.fProperty, *reference, {});
       } else {
@@ -296,7 +298,7 @@ class TInstanceWriter final : public IInstanceSink {
 
   bool SetKey(ICIMInstance& instance, const TColumn& column, const TCell& cell) {
     if (!cell.fTarget.fClass.empty()) {
-      const TReading<TCIMValue> reference =
+      const TReading<TCIMValue>& reference =
           fDescription.FindReference(cell.fTarget, column.fReferencedClass);
       if (!reference) {
         // An association with a part that is left out is left out with it.

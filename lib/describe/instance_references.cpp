@@ -5,22 +5,29 @@
 #include <qdxcore/status.h>
 #include <qdxmodel/classes.h>
 
+#include <utility>
+
 namespace NVORNQDX20::NDescribe {
 
-TReading<TCIMValue> TInstanceReferences::Find(const TInstanceName& name,
-                                              const std::string& required) {
+const TReading<TCIMValue>& TInstanceReferences::Find(const TInstanceName& name,
+                                                     const std::string& required) {
   const auto& instances = InstancesOf(name.fClass);
   const auto found = instances.find(name.fKey);
   if (found == instances.end()) {
     const bool hasClass = ClassOf(name.fClass) != nullptr;
-    return Missing("there is no " +
-                   (hasClass ? name.fClass + " " + name.fKey : "class " + name.fClass));
+    return Miss("there is no " +
+                (hasClass ? name.fClass + " " + name.fKey : "class " + name.fClass));
   }
-  if (!found->second) return Missing("there are several " + name.fClass + " " + name.fKey);
-  if (!IsA(found->second->GetClass({}), required)) {
-    return Missing(name.fClass + " " + name.fKey + " is no " + required);
+  const boost::shared_ptr<ICIMInstance>& instance = found->second;
+  if (!instance) return Miss("there are several " + name.fClass + " " + name.fKey);
+  if (!IsA(instance->GetClass({}), required)) {
+    return Miss(name.fClass + " " + name.fKey + " is no " + required);
   }
-  return ReferenceTo(*found->second);
+  if (instance != fFoundInstance) {
+    fFound = ReferenceTo(*instance);
+    fFoundInstance = instance;
+  }
+  return fFound;
 }
 
 bool TInstanceReferences::IsA(boost::shared_ptr<ICIMClass> cimClass, const std::string& name) {
@@ -81,6 +88,12 @@ void TInstanceReferences::AddByKey(const boost::shared_ptr<ICIMInstance>& instan
 
 TInstanceReferences::TKeys& TInstanceReferences::KeysOf(const ICIMClass& cimClass) {
   return fKeys.try_emplace(cimClass.GetName({}), cimClass).first->second;
+}
+
+const TReading<TCIMValue>& TInstanceReferences::Miss(std::string reason) {
+  fFoundInstance.reset();
+  fFound = Missing(std::move(reason));
+  return fFound;
 }
 
 TCIMValue TInstanceReferences::ReferenceTo(const ICIMInstance& instance) {
