@@ -9,8 +9,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <climits>
-#include <filesystem>
 #include <iterator>
 #include <memory>
 #include <string_view>
@@ -19,119 +17,28 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <linux/openat2.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <unistd.h>
+
+#include "rooted_path.h"
 
 namespace NVORNQDX20::NDescribe {
 namespace {
 
-/// openat2 fails with EAGAIN if anything was renamed or mounted while it resolved a "..".
-constexpr int kMaxAttempts = 32;
-
-TDescriptor OpenInRoot(int root, const std::string& path, int flags) {
-  open_how how{};
-  how.flags = static_cast<decltype(how.flags)>(flags);
-  how.resolve = RESOLVE_IN_ROOT | RESOLVE_NO_MAGICLINKS;
-  for (int attempt = 1;; ++attempt) {
-    TDescriptor file(
-        static_cast<int>(::syscall(SYS_openat2, root, path.c_str(), &how, sizeof how)));
-    if (file.GetError() != EAGAIN || attempt == kMaxAttempts) return file;
-  }
-}
-
-/// Returns what the symbolic link contains; empty, with errno set, on failure: EINVAL if it is
-/// none.
-std::string TargetOf(int folder, const char* name) {
-  std::array<char, PATH_MAX> target;
-  const ssize_t size = ::readlinkat(folder, name, target.data(), target.size());
-  if (size <= 0) return {};
-  return std::string(target.data(), static_cast<std::size_t>(size));
-}
-
-std::string TargetOf(int link) {
-  std::string target = TargetOf(link, "");
-  // readlinkat says that there is no such file if the descriptor is of something else.
-  if (target.empty() && errno == ENOENT) errno = EINVAL;
-  return target;
-}
-
-/// Finds a file as openat2 does, for kernels and sandboxes without that call: one component at a
-/// time, and no link nor ".." leads out of the root.
-class TWalk {
- public:
-  TWalk(int root, const std::string& path) {
-    fFolders.emplace_back(::openat(root, ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
-    Push(path);
-  }
-
-  TDescriptor Open(int flags) {
-    while (fError == 0 && fFolders.back().IsOpen() && !fRest.empty()) {
-      const std::string name = std::move(fRest.back());
-      fRest.pop_back();
-      if (name == "..") {
-        if (fFolders.size() > 1) fFolders.pop_back();
-      } else if (name != "." && !Enter(name, flags)) {
-        return TDescriptor(::openat(fFolders.back().Get(), name.c_str(), flags | O_NOFOLLOW));
-      }
-    }
-    if (fError == 0 && fFolders.back().IsOpen()) {
-      return TDescriptor(::openat(fFolders.back().Get(), ".", flags));
-    }
-    errno = fError != 0 ? fError : fFolders.back().GetError();
-    return TDescriptor(-1);
-  }
-
- private:
-  /// Puts the components of a path in front of the rest.
-  void Push(const std::string& path) {
-    if (path.front() == '/') fFolders.erase(fFolders.begin() + 1, fFolders.end());
-    const auto end = static_cast<std::ptrdiff_t>(fRest.size());
-    for (const auto& component : std::filesystem::path(path).relative_path()) {
-      // An empty one ends a path that names a folder.
-      fRest.insert(fRest.begin() + end, component.empty() ? "." : component.string());
-    }
-  }
-
-  /// Returns false for the last component if it is no link to follow.
-  bool Enter(const std::string& name, int flags) {
-    TDescriptor file(
-        ::openat(fFolders.back().Get(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
-    struct stat status {};
-    if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0) {
-      fError = file.IsOpen() ? errno : file.GetError();
-    } else if (S_ISLNK(status.st_mode) && (!fRest.empty() || (flags & O_NOFOLLOW) == 0)) {
-      Follow(file.Get());
-    } else if (fRest.empty()) {
-      return false;
-    } else if (!S_ISDIR(status.st_mode)) {
-      fError = ENOTDIR;
-    } else {
-      fFolders.push_back(std::move(file));
-    }
-    return true;
-  }
-
-  void Follow(int link) {
-    constexpr int kMaxLinks = 40;
-    const std::string target = TargetOf(link);
-    if (target.empty()) {
-      fError = errno;
-    } else if (++fLinks > kMaxLinks) {
-      fError = ELOOP;
-    } else {
-      Push(target);
-    }
-  }
-
-  std::vector<TDescriptor> fFolders;  // from the root to the current one
-  std::vector<std::string> fRest;     // the next component is the last one
-  int fLinks = 0;
-  int fError = 0;
-};
-
 bool MeansAbsent(int error) { return error == ENOENT || error == ENOTDIR; }
+
+/// Returns whether a folder that was opened with O_NOFOLLOW can be a link to one.
+bool MayBeLink(const TDescriptor& folder) {
+  return folder.GetError() == ELOOP || folder.GetError() == ENOTDIR;
+}
+
+TDescriptor NotOpened(int error) {
+  errno = error;
+  return TDescriptor(-1);
+}
+
+/// Returns whether it is a name in a folder, and neither the folder itself nor its parent.
+bool IsEntry(std::string_view name) { return !name.empty() && name != "." && name != ".."; }
 
 TReason ReasonOf(int error) {
   return {ErrorText(error), MeansAbsent(error) ? TReason::kAbsence : TReason::kError};
@@ -202,17 +109,26 @@ class TFiles::TRoot {
 
   TDescriptor Open(const std::string& path, int flags) const {
     flags |= O_CLOEXEC;
-    if (fIsThisMachine) return TDescriptor(::open(path.c_str(), flags));
-    TDescriptor file = OpenInRoot(fFolder.Get(), path, flags);
-    // Older sandboxes return EPERM for an unknown system call.
-    if (file.GetError() != ENOSYS && file.GetError() != EPERM) return file;
-    return TWalk(fFolder.Get(), path).Open(flags);
+    return fIsThisMachine ? TDescriptor(::open(path.c_str(), flags))
+                          : OpenInRoot(fFolder.Get(), path, flags);
+  }
+
+  /// Opens a folder to list it.
+  TDescriptor OpenFolder(const std::string& path) const {
+    const int flags = O_RDONLY | O_DIRECTORY | O_NONBLOCK;
+    const TPlace place = FindPlace(path);
+    if (place.fFolder >= 0) {
+      TDescriptor folder(::openat(place.fFolder, place.fName, flags | O_NOFOLLOW | O_CLOEXEC));
+      if (!MayBeLink(folder)) return folder;
+    }
+    return place.fError != 0 ? NotOpened(place.fError) : Open(path, flags);
   }
 
   /// Returns 0 if the path names something, else the errno.
   int Probe(const std::string& path) const {
     struct stat status {};
     const TPlace place = FindPlace(path);
+    if (place.fError != 0) return place.fError;
     if (place.fFolder >= 0) {
       if (::fstatat(place.fFolder, place.fName, &status, AT_SYMLINK_NOFOLLOW) != 0) return errno;
       if (!S_ISLNK(status.st_mode)) return 0;
@@ -224,6 +140,8 @@ class TFiles::TRoot {
   std::string ReadLink(const std::string& path) const {
     const TPlace place = FindPlace(path);
     if (place.fFolder >= 0) return TargetOf(place.fFolder, place.fName);
+    errno = place.fError;
+    if (place.fError != 0) return {};
     const TDescriptor link = Open(path, O_PATH | O_NOFOLLOW);
     errno = link.GetError();
     return link.IsOpen() ? TargetOf(link.Get()) : std::string();
@@ -235,6 +153,10 @@ class TFiles::TRoot {
   TDescriptor OpenToRead(const std::string& path, TReason& obstacle, std::size_t& size) const {
     const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY;
     const TPlace place = FindPlace(path);
+    if (place.fError != 0) {
+      obstacle = ReasonOf(place.fError);
+      return {};
+    }
     if (place.fFolder >= 0) {
       struct stat status {};
       if (::fstatat(place.fFolder, place.fName, &status, AT_SYMLINK_NOFOLLOW) != 0) {
@@ -260,14 +182,19 @@ class TFiles::TRoot {
   }
 
  private:
+  /// A folder, or the errno by which there is none.
   struct TFolder {
-    std::string fPath;
+    std::string fPath;  // ends in a slash
     TDescriptor fDescriptor;
+    int fError = 0;
+    std::size_t fLastUse = 0;
   };
-  /// A name in a folder; the descriptor is negative where the whole path is to be resolved.
+  /// A name in a folder. If there is no such folder, the errno; if neither is set, the whole path
+  /// is to be resolved.
   struct TPlace {
     int fFolder = -1;
     const char* fName = nullptr;
+    int fError = 0;
   };
 
   /// Most files are read beside others: in an image, to resolve the path of each below the root
@@ -276,17 +203,52 @@ class TFiles::TRoot {
     const std::size_t slash = path.rfind('/');
     if (fIsThisMachine || slash == path.npos) return {};
     const char* const name = path.c_str() + slash + 1;
-    if (*name == '\0' || name == std::string_view(".") || name == std::string_view("..")) return {};
-    const std::string_view folder(path.data(), slash + 1);
-    auto found = std::find_if(fFolders.begin(), fFolders.end(),
-                              [folder](const TFolder& each) { return each.fPath == folder; });
-    if (found == fFolders.end()) {
-      TDescriptor opened = Open(std::string(folder), O_PATH | O_DIRECTORY);
-      if (!opened.IsOpen()) return {};
-      found = fFolders.begin() + static_cast<std::ptrdiff_t>(fOldest++ % fFolders.size());
-      *found = {std::string(folder), std::move(opened)};
+    if (!IsEntry(name)) return {};
+    const std::string_view folderPath(path.data(), slash + 1);
+    const TFolder* folder = FindFolder(folderPath);
+    if (folder == nullptr) {
+      TDescriptor opened = OpenToSearch(folderPath);
+      const int error = opened.GetError();
+      if (error != 0 && !MeansAbsent(error)) return {};
+      folder = Remember({std::string(folderPath), std::move(opened), error, ++fUses});
     }
-    return {found->fDescriptor.Get(), name};
+    return {folder->fDescriptor.Get(), name, folder->fError};
+  }
+
+  /// Returns null for a folder in which nothing was looked for lately. Valid until the next
+  /// Remember().
+  const TFolder* FindFolder(std::string_view path) const {
+    const auto found = std::find_if(fFolders.begin(), fFolders.end(),
+                                    [path](const TFolder& each) { return each.fPath == path; });
+    if (found == fFolders.end()) return nullptr;
+    found->fLastUse = ++fUses;
+    return &*found;
+  }
+
+  /// Replaces the folder that was not used for the longest time.
+  const TFolder* Remember(TFolder folder) const {
+    const auto oldest = std::min_element(
+        fFolders.begin(), fFolders.end(),
+        [](const TFolder& one, const TFolder& other) { return one.fLastUse < other.fLastUse; });
+    *oldest = std::move(folder);
+    return &*oldest;
+  }
+
+  /// Opens a folder whose path ends in a slash, in its parent if that is known.
+  TDescriptor OpenToSearch(std::string_view path) const {
+    const std::string_view bare = path.substr(0, path.size() - 1);
+    const std::size_t slash = bare.rfind('/');
+    const TFolder* const parent =
+        slash == bare.npos ? nullptr : FindFolder(bare.substr(0, slash + 1));
+    if (parent != nullptr && parent->fError != 0) return NotOpened(parent->fError);
+    const int flags = O_PATH | O_DIRECTORY;
+    if (parent != nullptr && IsEntry(bare.substr(slash + 1))) {
+      const std::string name(bare.substr(slash + 1));
+      TDescriptor folder(
+          ::openat(parent->fDescriptor.Get(), name.c_str(), flags | O_NOFOLLOW | O_CLOEXEC));
+      if (!MayBeLink(folder)) return folder;
+    }
+    return Open(std::string(path), flags);
   }
 
   // Large files are tables, which few classes need. Together at most some 10 MB.
@@ -296,8 +258,8 @@ class TFiles::TRoot {
   TDescriptor fFolder;
   bool fIsThisMachine;
   mutable std::unordered_map<std::string, std::string> fKept;
-  mutable std::array<TFolder, 8> fFolders;  // the last ones in which files were looked for
-  mutable std::size_t fOldest = 0;
+  mutable std::array<TFolder, 16> fFolders;  // the last ones in which files were looked for
+  mutable std::size_t fUses = 0;
 };
 
 TFiles::TFiles(const TRequest& request) : fRoot(std::make_shared<TRoot>(request.fRoot)) {}
@@ -356,7 +318,7 @@ TReading<std::string> TFiles::ReadLink(const std::string& path) const {
 }
 
 TReading<std::vector<std::string>> TFiles::List(const std::string& path) const {
-  TDescriptor folder = fRoot->Open(PathOf(path), O_RDONLY | O_DIRECTORY | O_NONBLOCK);
+  TDescriptor folder = fRoot->OpenFolder(PathOf(path));
   if (!folder.IsOpen()) return MissingFrom(path, ReasonOf(folder.GetError()));
   const std::unique_ptr<DIR, int (*)(DIR*)> entries(::fdopendir(folder.Get()), ::closedir);
   if (!entries) return MissingFrom(path, ReasonOf(errno));
