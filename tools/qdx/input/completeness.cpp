@@ -60,12 +60,22 @@ bool ReportLostInstances(const std::string& where, const TClassSnapshot& cimClas
   return true;
 }
 
-bool ReportLostInstances(const std::string& where, const std::vector<TClassSnapshot>& classes,
-                         const NDescribe::TMissingReasons& reasons) {
+bool ReportLostInstances(const std::string& where, const ICIMNamespace& ns) {
+  const auto reasons = NDescribe::ReadMissingReasons(ns);
   bool any = false;
-  for (const TClassSnapshot& cimClass : classes) {
-    if (ReportLostInstances(where, cimClass, reasons)) any = true;
-  }
+  ns.EnumerateClasses(
+      [&](const boost::shared_ptr<ICIMClass>& root) {
+        for (const auto& cimClass : NModel::WithSubclasses(root)) {
+          TClassSnapshot counted;
+          counted.fName = cimClass->GetName({});
+          if (reasons.count({counted.fName, "", ""}) == 0) continue;
+          NModel::ForEachInstance(*cimClass,
+                                  [&](const ICIMInstance&) { ++counted.fInstanceCount; });
+          any = ReportLostInstances(where, counted, reasons) || any;
+        }
+        return true;
+      },
+      {});
   return any;
 }
 

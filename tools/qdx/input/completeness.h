@@ -6,7 +6,6 @@
 #include <qdxdescribe/missing_values.h>
 
 #include <string>
-#include <vector>
 
 #include <qdxsnapshot/snapshot.h>
 
@@ -20,9 +19,8 @@ bool LacksAllValues(const ICIMNamespace& ns);
 /// WHERE: reason". Returns whether it does.
 bool ReportLostInstances(const std::string& where, const TClassSnapshot& cimClass,
                          const NDescribe::TMissingReasons& reasons);
-/// The same for each class. Returns whether there is such a class.
-bool ReportLostInstances(const std::string& where, const std::vector<TClassSnapshot>& classes,
-                         const NDescribe::TMissingReasons& reasons);
+/// The same for each class of the namespace. Returns whether there is such a class.
+bool ReportLostInstances(const std::string& where, const ICIMNamespace& ns);
 
 }  // namespace NVORNQDX20
 

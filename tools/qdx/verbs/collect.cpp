@@ -194,10 +194,7 @@ class TCollection {
   bool HasLoss() const {
     bool any = false;
     for (const TMachineNamespace& ns : fNamespaces) {
-      std::vector<TClassSnapshot> classes;
-      TSnapshotReader(*ns.fNamespace, kClasses, classes).ReadAll();
-      const auto reasons = ReadMissingReasons(*ns.fNamespace);
-      any = ReportLostInstances(ns.fOrigin.fNamespace, classes, reasons) || any;
+      any = ReportLostInstances(ns.fOrigin.fNamespace, *ns.fNamespace) || any;
     }
     return any;
   }

@@ -38,14 +38,15 @@ std::optional<TClassSnapshot> CountInstances(const ICIMNamespace& ns, const std:
 
 /// Prints a line for each class that lacks instances. Returns whether there is such a class.
 bool ReportLosses(const TComparedNamespace& ns, const std::string& file) {
-  std::vector<TClassSnapshot> explained;
+  const std::string place = ns.fNamespace->GetName({}) + " in " + file;
+  bool any = false;
   for (const auto& [where, reason] : ns.fReasons) {
     const auto& [className, instance, property] = where;
     if (!instance.empty() || !property.empty()) continue;
-    auto counted = CountInstances(*ns.fNamespace, className);
-    if (counted) explained.push_back(std::move(*counted));
+    const auto counted = CountInstances(*ns.fNamespace, className);
+    if (counted) any = ReportLostInstances(place, *counted, ns.fReasons) || any;
   }
-  return ReportLostInstances(ns.fNamespace->GetName({}) + " in " + file, explained, ns.fReasons);
+  return any;
 }
 
 /// Sets `incomplete` if values were lost.

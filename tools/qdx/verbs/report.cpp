@@ -46,9 +46,7 @@ TNamespaces NamespacesOfMachine(const TArguments& arguments, bool& incomplete) {
 bool HasLoss(const TNamespaces& namespaces) {
   bool any = false;
   for (const auto& ns : namespaces) {
-    std::vector<TClassSnapshot> classes;
-    TSnapshotReader(*ns, kClasses, classes).ReadAll();
-    any = ReportLostInstances(ns->GetName({}), classes, NDescribe::ReadMissingReasons(*ns)) || any;
+    any = ReportLostInstances(ns->GetName({}), *ns) || any;
   }
   return any;
 }
