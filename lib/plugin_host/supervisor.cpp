@@ -81,7 +81,8 @@ void RestoreSignals() {
     struct sigaction action {};
     // A handler of a crash is a sanitizer's, which reports more.
     const bool isKept = ::sigaction(signal, nullptr, &action) != 0 ||
-                        (action.sa_handler != SIG_IGN && action.sa_handler != SIG_DFL &&
+                        action.sa_handler == SIG_DFL ||
+                        (action.sa_handler != SIG_IGN &&
                          (signal == SIGSEGV || signal == SIGBUS || signal == SIGFPE));
     if (!isKept) std::signal(signal, SIG_DFL);
   }
