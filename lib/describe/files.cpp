@@ -12,7 +12,6 @@
 #include <iterator>
 #include <memory>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 
 #include <dirent.h>
@@ -20,6 +19,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "kept_files.h"
 #include "rooted_path.h"
 
 namespace NVORNQDX20::NDescribe {
@@ -98,14 +98,7 @@ class TFiles::TRoot {
 
   bool IsThisMachine() const { return fIsThisMachine; }
 
-  /// Returns the contents of a small file that was read before, or null.
-  const std::string* FindKept(const std::string& path) const {
-    const auto found = fKept.find(path);
-    return found == fKept.end() ? nullptr : &found->second;
-  }
-  void Keep(const std::string& path, const std::string& contents) const {
-    if (contents.size() <= kMaxKeptSize && fKept.size() < kMaxKept) fKept.emplace(path, contents);
-  }
+  TKeptFiles& GetKeptFiles() const { return fKept; }
 
   TDescriptor Open(const std::string& path, int flags) const {
     flags |= O_CLOEXEC;
@@ -251,13 +244,9 @@ class TFiles::TRoot {
     return Open(std::string(path), flags);
   }
 
-  // Large files are tables, which few classes need. Together at most some 10 MB.
-  static constexpr std::size_t kMaxKeptSize = 64;
-  static constexpr std::size_t kMaxKept = 1U << 16U;
-
   TDescriptor fFolder;
   bool fIsThisMachine;
-  mutable std::unordered_map<std::string, std::string> fKept;
+  mutable TKeptFiles fKept;
   mutable std::array<TFolder, 16> fFolders;  // the last ones in which files were looked for
   mutable std::size_t fUses = 0;
 };
@@ -267,15 +256,15 @@ TFiles::TFiles(const TRequest& request) : fRoot(std::make_shared<TRoot>(request.
 /// Reads some bytes more than the maximum size if the file has more.
 TReading<std::string> TFiles::ReadBytes(const std::string& path, std::size_t maxSize) const {
   const std::string fullPath = PathOf(path);
-  const std::string* const kept = fRoot->FindKept(fullPath);
-  if (kept != nullptr && kept->size() <= maxSize) return *kept;
+  const auto kept = fRoot->GetKeptFiles().Find(fullPath);
+  if (kept && kept->size() <= maxSize) return std::string(*kept);
   TReason obstacle;
   std::size_t size = 0;
   const TDescriptor file = fRoot->OpenToRead(fullPath, obstacle, size);
   if (!obstacle.empty()) return MissingFrom(path, obstacle);
   TReading<std::string> reading = ReadToEnd(file.Get(), size, maxSize);
   if (!reading) return MissingFrom(path, reading.GetReason());
-  if (reading->size() <= maxSize) fRoot->Keep(fullPath, *reading);
+  if (!kept && reading->size() <= maxSize) fRoot->GetKeptFiles().Keep(fullPath, *reading);
   return reading;
 }
 

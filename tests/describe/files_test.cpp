@@ -2,6 +2,7 @@
 #include <qdxdescribe/files.h>
 
 #include <cerrno>
+#include <fstream>
 #include <iostream>
 
 #include <linux/filter.h>
@@ -94,6 +95,42 @@ TEST_F(Files, NoLinkLeadsOutOfTheTree) {
   EXPECT_EQ(TextOf(fFiles.ReadLink("/share/up")), "../share/release");
   EXPECT_EQ(TextOf(fFiles.ReadLink("absolute")), fSecret);
   EXPECT_EQ(TextOf(fFiles.ReadLink("share/release")), "/share/release: not a symbolic link");
+}
+
+/// More folders and files than are kept open or fit into the first table of kept contents.
+TEST_F(Files, OfManyFoldersAreFoundAgain) {
+  fTree.Write("real/d0/f0", "linked\n");
+  fs::create_directory(fTree.Path() / "all");
+  Link("../real", "all/d1");
+  Link(fOutside.Path().string(), "all/d2");
+  std::string expected;
+  for (int i = 3; i < 40; ++i) {
+    for (int file = 0; file < 10; ++file) {
+      const std::string name = "d" + std::to_string(i) + "/f" + std::to_string(file);
+      fTree.Write("all/" + name, name + "\n");
+      expected += name + ";/all/" + name + "/x: Not a directory;";
+    }
+  }
+  for (int round = 0; round < 2; ++round) {
+    std::string found;
+    for (int i = 3; i < 40; ++i) {
+      for (int file = 0; file < 10; ++file) {
+        const std::string path = "/all/d" + std::to_string(i) + "/f" + std::to_string(file);
+        found += Line(path) + ";" + Line(path + "/x") + ";";
+        if (round == 0) std::ofstream(fTree.Path().string() + path) << "changed";
+      }
+      EXPECT_EQ(Line("/all/d1/d0/f0") + Line("/all/d2/secret"),
+                "linked/all/d2/secret: No such file or directory");
+      EXPECT_EQ(Line("/none/of/these"), "/none/of/these: No such file or directory");
+      EXPECT_EQ(Line("/none/of/these/x"), "/none/of/these/x: No such file or directory");
+    }
+    EXPECT_EQ(found, expected);
+  }
+  EXPECT_EQ(*fFiles.List("/all/d1"), std::vector<std::string>{"d0"});
+  EXPECT_EQ(fFiles.List("/all/d2").GetReason(), "/all/d2: No such file or directory");
+  EXPECT_EQ(fFiles.List("/none/of").GetReason(), "/none/of: No such file or directory");
+  EXPECT_EQ(fFiles.ReadLink("/none/of/x").GetReason(), "/none/of/x: No such file or directory");
+  EXPECT_TRUE(fFiles.IsAbsent("/none/of/x"));
 }
 
 /// Makes the kernel answer ENOSYS to openat2, for the rest of the process.

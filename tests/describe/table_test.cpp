@@ -407,6 +407,24 @@ TEST(Tables, OverrideRowsOfTheirSuperclass) {
   EXPECT_EQ(ReadMissingReasons(*ns), reasons);
 }
 
+TEST(Tables, AreCopiedWhereTheyAreUsedAgain) {
+  const TTable<TPort> ports = Ports();
+  const auto derived = [&ports](const char* name) {
+    return TTable<TFastPort>{name, "A port.", ListPorts, {{"Peer", "Who.", &TFastPort::fPeer}}}
+        .DerivedFrom(ports);
+  };
+  const TTable<TFastPort> first = derived("T_First");
+  const std::vector<TClassOf<TRequest>> classes = {ports, first, derived("T_Second")};
+  const TClassOf<TRequest> again = first;
+  EXPECT_EQ(again.fColumns, classes[2].fColumns);
+  EXPECT_EQ(again.fColumns.size(), 6U);
+  EXPECT_EQ(again.fDeclaration.fName, "T_First");
+  const auto ns = Describe(TDescriber("p", "root"), {classes[0], again, classes[2]}, TRequest{});
+  for (const char* name : {"T_First", "T_Second"}) {
+    EXPECT_EQ(NModel::InstancesOf(*ns->GetClass(name, {})).size(), 2U) << name;
+  }
+}
+
 TEST(Tables, FindInstancesThatWereAddedSinceTheFirstReference) {
   const TTable<TOnly> base("T_Base", "", {Key("0")});
   const auto from = [](const char* key) {
