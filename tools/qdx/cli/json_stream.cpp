@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "json_stream.h"
 
-#include "terminal.h"
+#include <qdxsystem/harmless_text.h>
 
 namespace NVORNQDX20 {
 namespace {
@@ -16,7 +16,7 @@ void TJSONStream::Add(const std::string& name, const TJSON& value) {
   StartElement(name);
   const std::string indent = Indent();
   std::string text;
-  for (const char c : EscapedForTerminal(Text(value))) {
+  for (const char c : EscapedJSON(Text(value))) {
     text += c;
     if (c == '\n') text += indent;  // line ends within texts are escaped
   }

@@ -3,13 +3,17 @@
 
 #include <qdxsystem/descriptor.h>
 #include <qdxsystem/error_text.h>
+#include <qdxsystem/harmless_text.h>
 #include <qdxsystem/write.h>
 
 #include <cerrno>
 #include <cstddef>
+#include <string_view>
+#include <utility>
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <nlohmann/json.hpp>
@@ -26,6 +30,27 @@ namespace {
                         {kQDXStatusFileSystemError, ErrorText(error)});
 }
 
+/// Returns the position at which a regular file gets the next bytes; -1 for other files.
+off_t PositionOf(int file) {
+  struct stat status {};
+  if (::fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) return -1;
+  const bool appends = (::fcntl(file, F_GETFL) & O_APPEND) != 0;
+  return appends ? status.st_size : ::lseek(file, 0, SEEK_CUR);
+}
+
+/// Removes the end of a file that got only a part of the text, up to the last line end.
+void RemovePartOfLine(int file, off_t start, const std::string& text) {
+  const off_t end = ::lseek(file, 0, SEEK_CUR);
+  struct stat status {};
+  const bool isOurs = start >= 0 && end > start && ::fstat(file, &status) == 0 &&
+                      status.st_size == end && end - start <= static_cast<off_t>(text.size());
+  if (!isOurs) return;
+  const std::string_view written(text.data(), static_cast<std::size_t>(end - start));
+  const std::size_t lines = written.find_last_of('\n') + 1;  // 0 if there is none
+  const bool isRemoved = ::ftruncate(file, start + static_cast<off_t>(lines)) == 0;
+  (void)isRemoved;  // the failure to write is reported anyway
+}
+
 }  // namespace
 
 void WriteOutput(const std::string& text) {
@@ -39,8 +64,12 @@ void TOutputBuffer::Add(const std::string& text) {
 }
 
 void TOutputBuffer::Flush() {
-  if (!fText.empty()) WriteOutput(fText);
-  fText.clear();
+  const std::string text = std::exchange(fText, {});
+  const off_t start = PositionOf(STDOUT_FILENO);
+  if (text.empty() || WriteAll(STDOUT_FILENO, text)) return;
+  const int error = errno;
+  RemovePartOfLine(STDOUT_FILENO, start, text);
+  FailToWrite(error);
 }
 
 void CopyToOutput(int file) {
@@ -86,7 +115,7 @@ bool OutputHasReader() {
 
 void WriteJSON(const nlohmann::ordered_json& document) {
   using TErrorHandler = nlohmann::ordered_json::error_handler_t;
-  WriteOutput(EscapedForTerminal(document.dump(2, ' ', false, TErrorHandler::replace)) + "\n");
+  WriteOutput(EscapedJSON(document.dump(2, ' ', false, TErrorHandler::replace)) + "\n");
 }
 
 }  // namespace NVORNQDX20

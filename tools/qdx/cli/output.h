@@ -13,7 +13,8 @@ namespace NVORNQDX20 {
 /// pipe has gone.
 void WriteOutput(const std::string& text);
 
-/// Collects small texts and writes large ones.
+/// Collects lines and writes many at once. A file that takes only a part of them, as on a full
+/// disk, ends in a complete line nevertheless, so that what reads lines can use it.
 class TOutputBuffer {
  public:
   /// Throws what WriteOutput() throws.

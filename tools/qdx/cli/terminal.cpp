@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "terminal.h"
 
+#include <qdxsystem/harmless_text.h>
 #include <qdxsystem/utf8.h>
 
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <string_view>
 
@@ -15,14 +15,6 @@
 
 namespace NVORNQDX20 {
 namespace {
-
-bool IsHarmless(char32_t character) {
-  // These change the order in which the rest of a line is displayed (Unicode: Bidi_Control).
-  const bool directs = (character >= 0x202a && character <= 0x202e) ||
-                       (character >= 0x2066 && character <= 0x2069) || character == 0x200e ||
-                       character == 0x200f || character == 0x061c;
-  return !IsControl(character) && !directs;
-}
 
 bool UsesColour() {
   const char* const noColour = std::getenv("NO_COLOR");
@@ -71,23 +63,6 @@ std::string ForTerminal(const std::string& text) {
     harmless += isHarmless ? character.fBytes : "?";
   }
   return harmless;
-}
-
-std::string EscapedForTerminal(const std::string& json) {
-  std::string escaped;
-  escaped.reserve(json.size());
-  for (std::string_view rest = json; !rest.empty();) {
-    const TUTF8Character character = TakeCharacter(rest);
-    if (!character.fCodePoint || *character.fCodePoint == '\n' ||
-        IsHarmless(*character.fCodePoint)) {
-      escaped += character.fBytes;
-    } else {
-      char text[sizeof("\\u0000")];
-      std::snprintf(text, sizeof text, "\\u%04x", static_cast<unsigned>(*character.fCodePoint));
-      escaped += text;
-    }
-  }
-  return escaped;
 }
 
 std::size_t TerminalWidth(int descriptor) {

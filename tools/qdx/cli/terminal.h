@@ -9,13 +9,9 @@
 
 namespace NVORNQDX20 {
 
-/// Returns the text with a question mark for each control character, each character that changes
-/// the direction of writing, and each byte that is not UTF-8: names and firmware strings are not
-/// trusted and must not control the terminal.
+/// Returns the text with a question mark for each character that is not harmless, and each byte
+/// that is not UTF-8: names and firmware strings are not trusted and must not control the terminal.
 std::string ForTerminal(const std::string& text);
-
-/// Returns the JSON text with an escape sequence for each such character; line ends stay.
-std::string EscapedForTerminal(const std::string& json);
 
 /// Returns the number of columns of the terminal: what it reports, else the environment variable
 /// COLUMNS, else 80.
