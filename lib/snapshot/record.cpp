@@ -65,4 +65,11 @@ TCollectionRecord ReadRecord(const ICIMNamespace& ns) {
   return record;
 }
 
+TCollectionRecord FindRecord(const std::vector<boost::shared_ptr<ICIMNamespace>>& namespaces) {
+  for (const auto& ns : namespaces) {
+    if (IsRecordNamespace(*ns)) return ReadRecord(*ns);
+  }
+  return {};
+}
+
 }  // namespace NVORNQDX20

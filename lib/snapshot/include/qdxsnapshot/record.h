@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include <boost/shared_ptr.hpp>
+
 namespace NVORNQDX20 {
 
 /// The namespace of the record. Namespaces of providers with this name are not collected.
@@ -44,6 +46,9 @@ bool IsRecordNamespace(const ICIMNamespace& ns);
 /// Reads what a namespace says, whatever it lacks: a document of others need not have the classes
 /// or the properties.
 TCollectionRecord ReadRecord(const ICIMNamespace& ns);
+
+/// Returns the first record among the namespaces; an empty one if there is none.
+TCollectionRecord FindRecord(const std::vector<boost::shared_ptr<ICIMNamespace>>& namespaces);
 
 }  // namespace NVORNQDX20
 
