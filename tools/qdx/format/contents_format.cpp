@@ -4,6 +4,7 @@
 #include <qdxdisplay/value_text.h>
 #include <qdxmodel/names.h>
 
+#include <numeric>
 #include <utility>
 
 namespace NVORNQDX20 {
@@ -48,6 +49,14 @@ std::vector<std::size_t> PropertiesToShow(const TClassSnapshot& cimClass,
     }
   }
   return indexes;
+}
+
+std::vector<std::size_t> ColumnsForPrograms(const TClassSnapshot& cimClass,
+                                            const TContentsStyle& style) {
+  if (!style.fProperties.empty()) return PropertiesToShow(cimClass, style);
+  std::vector<std::size_t> all(cimClass.fProperties.size());
+  std::iota(all.begin(), all.end(), std::size_t{0});
+  return all;
 }
 
 std::string ShownText(const TClassSnapshot& cimClass, const TInstanceSnapshot& instance,

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include <qdxsnapshot/record.h>
 #include <qdxsnapshot/snapshot.h>
 
 namespace NVORNQDX20 {
@@ -63,6 +64,9 @@ class IContentsFormat {
 std::unique_ptr<IContentsFormat> MakeTextFormat(const TContentsStyle& style, TOmitted& omitted);
 std::unique_ptr<IContentsFormat> MakeTableFormat(const TContentsStyle& style, TOmitted& omitted);
 std::unique_ptr<IContentsFormat> MakeJSONFormat(const TContentsStyle& style);
+/// REQUIRES: the depth is that of values.
+std::unique_ptr<IContentsFormat> MakeJSONLinesFormat(const TContentsStyle& style,
+                                                     const TCollectionRecord& record);
 /// One table with a line of names: those of the style, or else "Class" and the names of
 /// `properties`.
 std::unique_ptr<IContentsFormat> MakeCSVFormat(const TContentsStyle& style,
@@ -72,6 +76,10 @@ std::unique_ptr<IContentsFormat> MakeCSVFormat(const TContentsStyle& style,
 /// all in the order of the class.
 std::vector<std::size_t> PropertiesToShow(const TClassSnapshot& cimClass,
                                           const TContentsStyle& style);
+
+/// The same for programs: without the style's order, by name.
+std::vector<std::size_t> ColumnsForPrograms(const TClassSnapshot& cimClass,
+                                            const TContentsStyle& style);
 
 /// Returns "CLASS  (2 instances)", or "(1 of 2 instances)" if not all are shown.
 std::string CountedName(const TShownClass& cimClass);

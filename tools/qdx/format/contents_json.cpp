@@ -26,7 +26,7 @@ class TJSONFormat : public IContentsFormat {
 
   void BeginClass(const TShownClass& cimClass) override {
     fClass = &cimClass;
-    fColumns = ColumnsOf(cimClass.fClass);
+    fColumns = ColumnsForPrograms(cimClass.fClass, fStyle);
     fStream.BeginObject();
     fStream.Add("class", cimClass.fClass.fName);
     fStream.Add("instanceCount", cimClass.fCount);
@@ -56,14 +56,6 @@ class TJSONFormat : public IContentsFormat {
   }
 
  private:
-  /// By name, unless the style has an order.
-  std::vector<std::size_t> ColumnsOf(const TClassSnapshot& cimClass) const {
-    if (!fStyle.fProperties.empty()) return PropertiesToShow(cimClass, fStyle);
-    std::vector<std::size_t> all;
-    for (std::size_t i = 0; i < cimClass.fProperties.size(); ++i) all.push_back(i);
-    return all;
-  }
-
   TJSON TypesOf(const TClassSnapshot& cimClass) const {
     // Names are unique: they are appended without a search for each.
     TJSON::object_t types;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "machine.h"
 
+#include <qdxcore/os_specific.h>
 #include <qdxcore/schema_helper.h>
 #include <qdxmodel/classes.h>
 #include <qdxmodel/names.h>
@@ -260,6 +261,18 @@ std::vector<TMachineNamespace> TMachine::WithoutDoubles(std::vector<TMachineName
   const auto isLeftOut = [](const TMachineNamespace& ns) { return !ns.fNamespace; };
   all.erase(std::remove_if(all.begin(), all.end(), isLeftOut), all.end());
   return all;
+}
+
+std::string HostNameOf(const std::vector<TMachineNamespace>& namespaces, const std::string& root) {
+  std::string name;
+  for (const TMachineNamespace& ns : namespaces) {
+    if (!NModel::EqualIgnoringCase(ns.fOrigin.fNamespace, kMachineNamespace)) continue;
+    (void)TryUnlessOutOfMemory([&] { name = TCIMSchemaHelper::GetSystemName(ns.fNamespace); });
+  }
+  if (name.empty() && root == "/") {
+    (void)TryUnlessOutOfMemory([&] { name = TOSSpecific::GetMachineName(); });
+  }
+  return name;
 }
 
 std::vector<TOptionSpec> BesideFile(std::vector<TOptionSpec> options) {

@@ -89,6 +89,10 @@ class TMachine {
   bool fHasWarned = false;
 };
 
+/// Returns the name of the machine below a root folder, as its providers have it. Empty if unknown:
+/// the name of the machine that runs this command would be wrong below another root folder.
+std::string HostNameOf(const std::vector<TMachineNamespace>& namespaces, const std::string& root);
+
 /// Returns options of the machine for a verb that reads a document instead if an operand FILE is
 /// given: --memory limits that, too.
 std::vector<TOptionSpec> BesideFile(std::vector<TOptionSpec> options);

@@ -3,9 +3,7 @@
 #include <qdxcore/config.h>
 #include <qdxcore/logger.h>
 #include <qdxcore/os_specific.h>
-#include <qdxcore/schema_helper.h>
 #include <qdxdescribe/provider.h>
-#include <qdxmodel/names.h>
 #include <qdxmodel/options.h>
 #include <qdxrepository/repository.h>
 
@@ -19,6 +17,7 @@
 #include <vector>
 
 #include <qdxsnapshot/record.h>
+
 #include "cli/new_file.h"
 #include "cli/output.h"
 #include "input/completeness.h"
@@ -34,10 +33,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace NDescribe;
-
-bool IsNamed(const ICIMNamespace& ns, const std::string& name) {
-  return NModel::EqualIgnoringCase(ns.GetName({}), name);
-}
 
 bool IsRecord(const TMachineNamespace& ns) { return IsRecordNamespace(*ns.fNamespace); }
 
@@ -66,20 +61,6 @@ TNamespaceList TakeNamespaces(TMachine& machine) {
   };
   all.erase(std::remove_if(all.begin(), all.end(), isLeftOut), all.end());
   return all;
-}
-
-/// Returns the host name of the collected machine. Empty if unknown: the name of the machine that
-/// runs this command would be wrong below another root folder.
-std::string HostName(const TNamespaceList& namespaces, const std::string& root) {
-  std::string name;
-  for (const TMachineNamespace& ns : namespaces) {
-    if (!IsNamed(*ns.fNamespace, kMachineNamespace)) continue;
-    (void)TryUnlessOutOfMemory([&] { name = TCIMSchemaHelper::GetSystemName(ns.fNamespace); });
-  }
-  if (name.empty() && root == "/") {
-    (void)TryUnlessOutOfMemory([&] { name = TOSSpecific::GetMachineName(); });
-  }
-  return name;
 }
 
 /// What the record of a collection is made from.
@@ -181,7 +162,7 @@ class TCollection {
         fWriter(writer),
         fRedaction(redaction),
         fNamespaces(TakeNamespaces(machine)),
-        fHostName(HostName(fNamespaces, machine.GetRoot())) {
+        fHostName(HostNameOf(fNamespaces, machine.GetRoot())) {
     if (fNamespaces.empty()) FailToCollect(machine, "no provider has data");
     const auto lacksAll = [](const auto& ns) { return LacksAllValues(*ns.fNamespace); };
     if (std::all_of(fNamespaces.begin(), fNamespaces.end(), lacksAll)) {

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The verb show.
+#include <qdxcore/os_specific.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <map>
@@ -9,6 +11,8 @@
 #include <vector>
 
 #include <qdxsnapshot/associations.h>
+#include <qdxsnapshot/json_lines.h>
+#include <qdxsnapshot/record.h>
 
 #include "cli/failure.h"
 #include "cli/output.h"
@@ -110,37 +114,44 @@ class TWalk {
   std::vector<std::string> fMissing;
 };
 
-std::vector<TMachineNamespace> OpenDocumentOf(const TRequest& request, const TArguments& arguments,
-                                              bool& complete) {
+/// What to show something of.
+struct TSource {
+  std::vector<TMachineNamespace> fNamespaces;
+  TCollectionRecord fRecord;
+  bool fIsComplete;
+};
+
+TSource OpenDocumentOf(const TRequest& request, const TArguments& arguments) {
   bool incomplete = false;
-  std::vector<TMachineNamespace> namespaces;
-  for (const auto& ns :
-       OpenDocument(request.fFile, arguments, incomplete, ShownInstancesOf(request))) {
-    namespaces.push_back({{"", ns->GetName({})}, ns});
-  }
-  if (incomplete) complete = false;
-  return namespaces;
+  const TNamespaces document =
+      OpenDocument(request.fFile, arguments, incomplete, ShownInstancesOf(request));
+  TSource source{{}, FindRecord(document), !incomplete};
+  for (const auto& ns : document) source.fNamespaces.push_back({{"", ns->GetName({})}, ns});
+  return source;
 }
 
-std::vector<TMachineNamespace> OpenMachine(const TArguments& arguments, bool& complete) {
+TSource OpenMachine(const TRequest& request, const TArguments& arguments) {
   TMachine machine(arguments);
-  auto namespaces = machine.TakeAll();
-  if (!machine.IsComplete()) complete = false;
-  return namespaces;
+  TSource source{machine.TakeAll(), {}, true};
+  source.fIsComplete = machine.IsComplete();
+  if (request.fForm != EForm::kJSONLines) return source;
+  source.fRecord.fHostName = HostNameOf(source.fNamespaces, machine.GetRoot());
+  source.fRecord.fTime = TOSSpecific::GetLocalTime();
+  return source;
 }
 
 /// Returns whether nothing is missing.
 bool ShowWalk(const TRequest& request, const std::vector<TFoundElement>& found,
-              const std::vector<TMachineNamespace>& namespaces) {
-  TWalk walk(request, namespaces);
+              const TSource& source) {
+  TWalk walk(request, source.fNamespaces);
   for (const TFoundElement& each : found) walk.From(each);
   for (const std::string& path : walk.GetMissing()) PrintError("no instance " + path);
-  return ShowContents(request, walk.Get()) && walk.GetMissing().empty();
+  return ShowContents(request, walk.Get(), source.fRecord) && walk.GetMissing().empty();
 }
 
 /// Prints what the request shows. Returns whether nothing is missing.
 bool ShowView(const TRequest& request, const std::vector<TFoundElement>& found,
-              const std::vector<TMachineNamespace>& namespaces) {
+              const TSource& source) {
   const bool asJSON = request.fForm == EForm::kJSON;
   switch (request.fView) {
     case EView::kSchema:
@@ -154,21 +165,21 @@ bool ShowView(const TRequest& request, const std::vector<TFoundElement>& found,
       return true;
     case EView::kAssociators:
     case EView::kReferences:
-      return ShowWalk(request, found, namespaces);
+      return ShowWalk(request, found, source);
     case EView::kContents:
       break;
   }
-  return ShowContents(request, ContentsOf(found));
+  return ShowContents(request, ContentsOf(found), source.fRecord);
 }
 
 EExitCode RunShow(const TArguments& arguments) {
   const TRequest request = RequestOf(arguments);
-  bool complete = true;
-  const auto namespaces = request.fFile.empty() ? OpenMachine(arguments, complete)
-                                                : OpenDocumentOf(request, arguments, complete);
-  const auto found = FindRequested(request, namespaces, complete || !request.fFile.empty());
-  if (!ShowView(request, found, namespaces)) complete = false;
-  return complete ? kExitDone : kExitPartlyDone;
+  const bool isMachine = request.fFile.empty();
+  const TSource source =
+      isMachine ? OpenMachine(request, arguments) : OpenDocumentOf(request, arguments);
+  const auto found = FindRequested(request, source.fNamespaces, source.fIsComplete || !isMachine);
+  const bool isWhole = ShowView(request, found, source);
+  return isWhole && source.fIsComplete ? kExitDone : kExitPartlyDone;
 }
 
 }  // namespace

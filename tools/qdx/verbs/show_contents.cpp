@@ -7,7 +7,6 @@
 #include <qdxmodel/nearest_name.h>
 
 #include <algorithm>
-#include <iterator>
 #include <memory>
 #include <utility>
 
@@ -76,12 +75,22 @@ class TNamespaceShow {
     const bool isPicked = !style.fProperties.empty() && style.fDepth >= kValues;
     if (isPicked && !each.fIsAskedFor && PropertiesToShow(reader.GetClass(), style).empty()) return;
     std::vector<TInstanceSnapshot> matching;
-    if (isFiltered) matching = Matching(reader);
-    if (isFiltered && matching.empty() && !each.fIsAskedFor) return;
+    // Lines need no number of instances before the first of them.
+    const bool isCounted = isFiltered && fRequest.fForm != EForm::kJSONLines;
+    if (isCounted) {
+      ForEachSome(reader, [&matching](const std::vector<TInstanceSnapshot>& some) {
+        matching.insert(matching.end(), some.begin(), some.end());
+      });
+    }
+    if (isCounted && matching.empty() && !each.fIsAskedFor) return;
     const TShownClass shown{reader.GetClass(), fReasons,
-                            isFiltered ? matching.size() : instances.size(), ReasonFor(counted)};
+                            isCounted ? matching.size() : instances.size(), ReasonFor(counted)};
     fFormat.BeginClass(shown);
-    if (fRequest.fStyle.fDepth >= kInstances) ShowInstances(reader, matching, isFiltered);
+    if (isCounted) {
+      if (fRequest.fStyle.fDepth >= kInstances) fFormat.AddInstances(matching);
+    } else if (fRequest.fStyle.fDepth >= kInstances) {
+      ForEachSome(reader, [this](const auto& some) { fFormat.AddInstances(some); });
+    }
     fFormat.EndClass();
   }
 
@@ -90,6 +99,7 @@ class TNamespaceShow {
  private:
   /// Counts what is left out.
   bool IsLeftOut(const TClassToShow& each, const TClassSnapshot& counted) {
+    if (fRequest.fForm == EForm::kJSONLines) return counted.fInstanceCount == 0;
     if (fRequest.fForm == EForm::kJSON || fRequest.fStyle.fShowsAll || each.fIsAskedFor ||
         fRequest.fStyle.fDepth < kInstances) {
       return false;
@@ -114,26 +124,19 @@ class TNamespaceShow {
     return reason == fReasons.end() ? "" : std::string(reason->second);
   }
 
-  std::vector<TInstanceSnapshot> Matching(TClassReader& reader) const {
-    std::vector<TInstanceSnapshot> matching;
-    const auto matches = [&](const TInstanceSnapshot& instance) {
-      return std::all_of(fRequest.fConditions.begin(), fRequest.fConditions.end(),
-                         [&](const TCondition& condition) {
-                           return condition.Matches(reader.GetClass(), instance);
-                         });
-    };
-    for (auto some = reader.ReadNext(); !some.empty(); some = reader.ReadNext()) {
-      std::copy_if(std::make_move_iterator(some.begin()), std::make_move_iterator(some.end()),
-                   std::back_inserter(matching), matches);
-    }
-    return matching;
+  bool Matches(const TClassSnapshot& cimClass, const TInstanceSnapshot& instance) const {
+    return std::all_of(
+        fRequest.fConditions.begin(), fRequest.fConditions.end(),
+        [&](const TCondition& condition) { return condition.Matches(cimClass, instance); });
   }
 
-  void ShowInstances(TClassReader& reader, const std::vector<TInstanceSnapshot>& matching,
-                     bool isFiltered) {
-    if (isFiltered) return fFormat.AddInstances(matching);
+  /// Calls `use` with the instances that match, a few at a time.
+  template <typename TUse>
+  void ForEachSome(TClassReader& reader, const TUse& use) const {
     for (auto some = reader.ReadNext(); !some.empty(); some = reader.ReadNext()) {
-      fFormat.AddInstances(some);
+      const auto differs = [&](const auto& each) { return !Matches(reader.GetClass(), each); };
+      some.erase(std::remove_if(some.begin(), some.end(), differs), some.end());
+      use(some);
     }
   }
 
@@ -148,13 +151,15 @@ class TNamespaceShow {
 
 std::unique_ptr<IContentsFormat> MakeFormat(const TRequest& request,
                                             const std::vector<TNamespaceToShow>& namespaces,
-                                            TOmitted& omitted) {
+                                            const TCollectionRecord& record, TOmitted& omitted) {
   TContentsStyle style = request.fStyle;
   style.fShowsMissing =
       style.fShowsAll || !style.fProperties.empty() || !request.fElement.fText.empty();
   switch (request.fForm) {
     case EForm::kJSON:
       return MakeJSONFormat(style);
+    case EForm::kJSONLines:
+      return MakeJSONLinesFormat(style, record);
     case EForm::kTable:
       return MakeTableFormat(style, omitted);
     case EForm::kCSV:
@@ -203,11 +208,12 @@ std::vector<TNamespaceToShow> ContentsOf(const std::vector<TFoundElement>& found
   return all;
 }
 
-bool ShowContents(const TRequest& request, std::vector<TNamespaceToShow> namespaces) {
+bool ShowContents(const TRequest& request, std::vector<TNamespaceToShow> namespaces,
+                  const TCollectionRecord& record) {
   for (TNamespaceToShow& ns : namespaces) SortByName(ns.fClasses);
   CheckProperties(request, namespaces);
   TOmitted omitted;
-  const auto format = MakeFormat(request, namespaces, omitted);
+  const auto format = MakeFormat(request, namespaces, record, omitted);
   bool isComplete = true;
   for (const TNamespaceToShow& ns : namespaces) {
     const TOrigin& origin = ns.fOrigin.fOrigin;

@@ -32,9 +32,10 @@ struct TNamespaceToShow {
 std::vector<TNamespaceToShow> ContentsOf(const std::vector<TFoundElement>& found);
 
 /// Prints the contents as the request has it, and reports classes that lack instances. Returns
-/// whether there are none. Throws a TCommandFailure if no class has a property that the request
-/// names, and what WriteOutput() throws.
-bool ShowContents(const TRequest& request, std::vector<TNamespaceToShow> namespaces);
+/// whether there are none. The record is only for JSON lines. Throws a TCommandFailure if no class
+/// has a property that the request names, and what WriteOutput() throws.
+bool ShowContents(const TRequest& request, std::vector<TNamespaceToShow> namespaces,
+                  const TCollectionRecord& record);
 
 }  // namespace NVORNQDX20
 

@@ -9,6 +9,8 @@
 #include <system_error>
 #include <utility>
 
+#include <qdxsnapshot/record.h>
+
 #include "cli/failure.h"
 #include "input/machine.h"
 
@@ -70,15 +72,18 @@ EView ViewOf(const TArguments& arguments) {
   }
   if (view == EView::kMOF && arguments.Has("json")) refuse("json");
   if (chosen == nullptr || IsWalk(view)) return view;
-  for (const char* const other : {"depth", "table", "csv", "where", "properties", "raw", "all"}) {
+  for (const char* const other :
+       {"depth", "table", "csv", "json-lines", "where", "properties", "raw", "all"}) {
     if (arguments.Has(other)) refuse(other);
   }
   return view;
 }
 
 EForm FormOf(const TArguments& arguments) {
-  static constexpr std::pair<const char*, EForm> kForms[] = {
-      {"json", EForm::kJSON}, {"table", EForm::kTable}, {"csv", EForm::kCSV}};
+  static constexpr std::pair<const char*, EForm> kForms[] = {{"json", EForm::kJSON},
+                                                             {"json-lines", EForm::kJSONLines},
+                                                             {"table", EForm::kTable},
+                                                             {"csv", EForm::kCSV}};
   const char* chosen = nullptr;
   EForm form = EForm::kText;
   for (const auto& [option, its] : kForms) {
@@ -89,8 +94,8 @@ EForm FormOf(const TArguments& arguments) {
     chosen = option;
     form = its;
   }
-  const bool isTable = form == EForm::kTable || form == EForm::kCSV;
-  if (isTable && arguments.Has("depth")) {
+  const bool hasDepths = form == EForm::kText || form == EForm::kJSON;
+  if (!hasDepths && arguments.Has("depth")) {
     FailOnUsage(std::string("option '--") + chosen + "' cannot be used with '--depth'");
   }
   return form;
@@ -175,7 +180,10 @@ std::optional<std::vector<std::string>> ShownInstancesOf(const TRequest& request
   const std::string name = path.substr(0, EndOfName(path));
   // What is meant by a short name is not known before the classes are.
   if (IsShortName(name)) return std::nullopt;
-  return TClasses{name};
+  TClasses classes = {name};
+  // Each line has what the record says.
+  if (request.fForm == EForm::kJSONLines) classes.emplace_back(kRecordClass);
+  return classes;
 }
 
 std::vector<TOptionSpec> ShowOptions() {
@@ -187,6 +195,7 @@ std::vector<TOptionSpec> ShowOptions() {
   options.push_back({"table", nullptr, "Show each class as a table."});
   options.push_back({"csv", nullptr, "Print one table as CSV, with bare values."});
   options.push_back({"json", nullptr, "Print one JSON object, with bare values."});
+  options.push_back({"json-lines", nullptr, "Print a line of JSON for each instance."});
   options.push_back({"raw", nullptr, "Show values without units and names."});
   options.push_back({"all", nullptr, "Show also keys, associations and what is missing."});
   options.push_back({"schema", nullptr, "Show the declaration of a class, or of all."});

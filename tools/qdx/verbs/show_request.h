@@ -34,7 +34,7 @@ enum class EView { kContents, kSchema, kMOF, kTree, kAssociators, kReferences };
 inline bool IsWalk(EView view) { return view == EView::kAssociators || view == EView::kReferences; }
 
 /// How to print it.
-enum class EForm { kText, kTable, kCSV, kJSON };
+enum class EForm { kText, kTable, kCSV, kJSON, kJSONLines };
 
 /// The request of the command line.
 struct TRequest {
