@@ -69,6 +69,7 @@ class TCompressor {
 TOutputFile::TOutputFile(const std::string& file, const std::string& service)
     : fFile(file),
       fService(service),
+      fBuffer(new char[kBufferSize]),
       fCompressor(EndsWith(file, ".gz") ? std::make_unique<TCompressor>() : nullptr),
       fDescriptor(OpenForWriting(file)) {
   Require(fDescriptor.IsOpen());
@@ -84,13 +85,25 @@ void TOutputFile::Close() {
   Require(fDescriptor.Close());
 }
 
-void TOutputFile::Flush() {
-  if (fCompressor) {
-    fCompressor->Compress(fBuffer, false, [this](std::string_view bytes) { WriteToFile(bytes); });
-  } else {
-    WriteToFile(fBuffer);
+void TOutputFile::WriteLong(std::string_view text) {
+  Flush();
+  for (; text.size() > kBufferSize; text.remove_prefix(kBufferSize)) {
+    Pass(text.substr(0, kBufferSize));
   }
-  fBuffer.clear();
+  Write(text);
+}
+
+void TOutputFile::Flush() {
+  Pass({fBuffer.get(), fUsed});
+  fUsed = 0;
+}
+
+void TOutputFile::Pass(std::string_view bytes) {
+  if (fCompressor) {
+    fCompressor->Compress(bytes, false, [this](std::string_view packed) { WriteToFile(packed); });
+  } else {
+    WriteToFile(bytes);
+  }
 }
 
 void TOutputFile::WriteToFile(std::string_view bytes) {

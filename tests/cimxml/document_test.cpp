@@ -49,6 +49,27 @@ TEST(CIMXMLDocumentWriter, CompressesByTheNameAndAlwaysAlike) {
   EXPECT_LT(bytes.size(), Written({ns}).size() / 20);
 }
 
+TEST(CIMXMLDocumentWriter, WritesTextsOfAnyLength) {
+  constexpr std::size_t kBuffer = 1 << 16;
+  const TNamespace ns = MakeNamespace();
+  AddClass(ns, "C", {{"k", 0U}}, {{"s", ""}});
+  unsigned int key = 0;
+  for (const std::size_t length : {kBuffer - 200, kBuffer - 1, kBuffer, kBuffer + 1, 5 * kBuffer}) {
+    for (const std::string end : {"", "&", "x"}) {
+      AddInstance(ns, "C", {{"k", ++key}, {"s", std::string(length, 'a') + end}});
+    }
+  }
+  const TTempDir folder;
+  const std::string plain = (folder.Path() / "a.xml").string();
+  const std::string compressed = plain + ".gz";
+  Write(plain, {ns});
+  Write(compressed, {ns});
+  const std::string written = ReadWholeFile(plain);
+  EXPECT_GT(written.size(), 3 * 8 * kBuffer);
+  EXPECT_TRUE(ReadAndWritten(plain) == written);
+  EXPECT_TRUE(ReadAndWritten(compressed) == written);
+}
+
 TEST(CIMXMLDocumentWriter, KeepsAFilesModeAndMakesNewOnesPrivate) {
   const TTempDir folder;
   const std::string old = folder.Write("old.xml", std::string(1 << 20, 'x')).string();

@@ -60,33 +60,39 @@ class TInstanceWriter {
  public:
   TInstanceWriter(TXMLWriter& xml, TValueWriter& values, const TArraySizes& sizes,
                   const ICIMClass& cimClass)
-      : fXML(xml), fValues(values), fClassName(cimClass.GetName({})), fReader(cimClass) {
-    fValues.BeginClass(fClassName);
+      : fXML(xml), fValues(values), fReader(cimClass) {
+    const std::string className = cimClass.GetName({});
+    fValues.BeginClass(className);
     for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
-      fDeclared.push_back({sizes.Declared(*decl), NDescribe::StringKindOf(*decl)});
+      fProperties.push_back(
+          fValues.Prepare(decl->GetName(), decl->GetType(),
+                          {sizes.Declared(*decl), NDescribe::StringKindOf(*decl)}));
     }
+    TXMLWriter(fNameTag)
+        .Markup("<VALUE.NAMEDOBJECT><INSTANCENAME")
+        .Attribute("CLASSNAME", className)
+        .Markup(">");
+    TXMLWriter(fInstanceTag)
+        .Markup("</INSTANCENAME>\n<INSTANCE")
+        .Attribute("CLASSNAME", className)
+        .Markup(">\n");
   }
 
   void Write(const ICIMInstance& instance) {
     fReader.Begin(instance);
     if (!ReadKeys()) return;
-    fXML.Markup("<VALUE.NAMEDOBJECT>");
     const std::size_t replaced = fXML.GetReplaced();
-    fXML.Markup("<INSTANCENAME").Attribute("CLASSNAME", fClassName).Markup(">");
-    const auto& properties = fReader.GetProperties();
-    for (std::size_t i = 0; i < properties.size(); ++i) {
-      if (IsKey(i)) fValues.KeyBinding(properties[i].fName, fKeys[i], fDeclared[i].fStringKind);
+    fXML.Prepared(fNameTag);
+    for (std::size_t i = 0; i < fProperties.size(); ++i) {
+      if (IsKey(i)) fValues.Key(fProperties[i], fKeys[i]);
     }
-    fXML.Markup("</INSTANCENAME>\n");
     fXML.SetReplaced(replaced);  // counted again below
-    fXML.Markup("<INSTANCE").Attribute("CLASSNAME", fClassName).Markup(">\n");
-    for (std::size_t i = 0; i < properties.size(); ++i) {
-      const auto& property = properties[i];
+    fXML.Prepared(fInstanceTag);
+    for (std::size_t i = 0; i < fProperties.size(); ++i) {
+      const TWrittenProperty& property = fProperties[i];
       if (!HasPropertyElement(property.fType)) continue;
-      const auto write = [&](const TCIMValue& value) {
-        fValues.Property(property.fName, value, fDeclared[i]);
-      };
-      if (property.fIsKey) {
+      const auto write = [&](const TCIMValue& value) { fValues.Property(property, value); };
+      if (IsKey(i)) {
         write(fKeys[i]);
       } else {
         fReader.Read(i, write);
@@ -103,15 +109,13 @@ class TInstanceWriter {
 
   /// Returns whether they can be written.
   bool ReadKeys() {
-    const auto& properties = fReader.GetProperties();
-    fKeys.clear();
-    fKeys.resize(properties.size());
-    for (std::size_t i = 0; i < properties.size(); ++i) {
+    fKeys.resize(fProperties.size());
+    for (std::size_t i = 0; i < fProperties.size(); ++i) {
       if (!IsKey(i)) continue;
       fReader.Read(i, [&](const TCIMValue& value) { fKeys[i].Set(value); });
       const char* const obstacle = TValueWriter::ObstacleToKey(fKeys[i]);
       if (obstacle == nullptr) continue;
-      fValues.LeaveOut(properties[i].fName, obstacle);
+      fValues.LeaveOut(fProperties[i].fName, obstacle);
       return false;
     }
     return true;
@@ -119,9 +123,10 @@ class TInstanceWriter {
 
   TXMLWriter& fXML;
   TValueWriter& fValues;
-  const std::string fClassName;
   NModel::TPropertyReader fReader;
-  std::vector<TDeclaredProperty> fDeclared;  // by property
+  std::vector<TWrittenProperty> fProperties;  // in the order of the reader
+  TPreparedXML fNameTag;
+  TPreparedXML fInstanceTag;
   std::vector<TCIMValue> fKeys;  // by property, those of the instance that is being written
 };
 

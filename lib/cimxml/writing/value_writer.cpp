@@ -26,7 +26,9 @@ std::string_view ValueTypeOf(TCIMType type) {
 const char* Obstacle(const TCIMValue& value) {
   if (value.IsNull() || value.IsArray()) return nullptr;
   const TCIMReference* const reference = value.FindReference();
-  if (reference == nullptr) return ObstacleToLiteral(value);
+  if (reference == nullptr) {
+    return value.FindString() != nullptr ? nullptr : TLiteral(value).GetObstacle();
+  }
   for (const auto& [name, key] : reference->GetBody()->GetKeyBindings()) {
     const char* const obstacle = TValueWriter::ObstacleToKey(key);
     if (obstacle != nullptr) return obstacle;
@@ -88,7 +90,7 @@ void TValueWriter::Literal(const TCIMValue& value) {
   if (const std::string* const text = value.FindString()) {
     fXML.Text(*text);
   } else {
-    fXML.Text(WriteLiteral(value));
+    fXML.Markup(TLiteral(value).GetText());
   }
 }
 
@@ -111,21 +113,58 @@ void TValueWriter::PropertyAttributes(const std::string& name, const TCIMValue& 
   if (referenced) fXML.Attribute("REFERENCECLASS", referenced->GetName({}));
 }
 
-void TValueWriter::Property(const std::string& name, const TCIMValue& value,
-                            const TDeclaredProperty& declared) {
+TWrittenProperty TValueWriter::Prepare(const std::string& name, TCIMType type,
+                                       const TDeclaredProperty& declared) const {
+  const bool isPlain = !IsArray(type) && type != TCIMType::kCIMTypeReference;
+  TWrittenProperty prepared{name, type, declared, isPlain, {}, {}};
+  if (!isPlain) return prepared;
+  TXMLWriter tag(prepared.fTag);
+  tag.Markup("<").Markup(PropertyElement(type));
+  TValueWriter(tag, fNamespace, fReaders, fLeftOut)
+      .PropertyAttributes(name, TCIMValue(type, 0), {0, declared.fStringKind}, false);
+  TXMLWriter key(prepared.fKey);
+  TValueWriter(key, fNamespace, fReaders, fLeftOut).KeyStart(name, type, declared.fStringKind);
+  return prepared;
+}
+
+void TValueWriter::Property(const TWrittenProperty& property, const TCIMValue& value) {
+  if (!property.fIsPlain || value.GetType() != property.fType)
+    return OtherProperty(property, value);
+  fXML.Prepared(property.fTag);
+  if (!Scalar(property.fName, value, "><VALUE>", "</VALUE></PROPERTY>\n")) fXML.Markup("/>\n");
+}
+
+bool TValueWriter::Scalar(const std::string& member, const TCIMValue& value,
+                          std::string_view before, std::string_view after) {
+  if (const std::string* const text = value.FindString()) {
+    fXML.Markup(before).Text(*text).Markup(after);
+    return true;
+  }
+  const TLiteral literal(value);
+  if (literal.IsAbsent()) return false;
+  if (literal.GetObstacle() != nullptr) {
+    LeaveOut(member, literal.GetObstacle());
+    return false;
+  }
+  fXML.Markup(before).Markup(literal.GetText()).Markup(after);
+  return true;
+}
+
+void TValueWriter::OtherProperty(const TWrittenProperty& property, const TCIMValue& value) {
   const char* const element = PropertyElement(value.GetType());
+  const TDeclaredProperty& declared = property.fDeclared;
   fXML.Markup("<").Markup(element);
   // A non-null reference has its class in its path.
   const bool isFixed =
       declared.fFixedSize != 0 && TArraySizes::SizeOf(value) == declared.fFixedSize;
-  PropertyAttributes(name, value, {isFixed ? declared.fFixedSize : 0, declared.fStringKind},
-                     value.IsNull());
-  if (!CanHold(name, value)) {
+  PropertyAttributes(property.fName, value,
+                     {isFixed ? declared.fFixedSize : 0, declared.fStringKind}, value.IsNull());
+  if (!CanHold(property.fName, value)) {
     fXML.Markup("/>\n");
     return;
   }
   fXML.Markup(">");
-  Element(name, value);
+  Element(property.fName, value);
   fXML.Markup("</").Markup(element).Markup(">\n");
 }
 
@@ -140,31 +179,49 @@ void TValueWriter::NamespacePath(const std::string& name) {
   fXML.Markup("</LOCALNAMESPACEPATH>");
 }
 
+void TValueWriter::Key(const TWrittenProperty& property, const TCIMValue& value) {
+  if (property.fIsPlain && value.GetType() == property.fType) {
+    fXML.Prepared(property.fKey);
+    Literal(value);
+    fXML.Markup("</KEYVALUE></KEYBINDING>");
+  } else {
+    KeyBinding(property.fName, value, property.fDeclared.fStringKind);
+  }
+}
+
 void TValueWriter::KeyBinding(const std::string& name, const TCIMValue& value,
                               NDescribe::EStringKind kind) {
-  fXML.Markup("<KEYBINDING").Attribute("NAME", name).Markup(">");
   if (const TCIMReference* const reference = value.FindReference()) {
+    fXML.Markup("<KEYBINDING").Attribute("NAME", name).Markup(">");
     Reference(*reference);
   } else {
-    const TCIMType type = value.GetType();
-    fXML.Markup("<KEYVALUE").Attribute("VALUETYPE", ValueTypeOf(type));
-    if (fReaders == kCurrentReaders) TypeAttribute(type, kind);
-    fXML.Markup(">");
+    KeyStart(name, value.GetType(), kind);
     Literal(value);
     fXML.Markup("</KEYVALUE>");
   }
   fXML.Markup("</KEYBINDING>");
 }
 
+/// Writes what comes before the text of a key.
+void TValueWriter::KeyStart(const std::string& name, TCIMType type, NDescribe::EStringKind kind) {
+  fXML.Markup("<KEYBINDING").Attribute("NAME", name).Markup(">");
+  fXML.Markup("<KEYVALUE").Attribute("VALUETYPE", ValueTypeOf(type));
+  if (fReaders == kCurrentReaders) TypeAttribute(type, kind);
+  fXML.Markup(">");
+}
+
 void TValueWriter::Array(const std::string& member, const TCIMValue& value) {
   fXML.Markup("<VALUE.ARRAY>");
   const std::vector<TCIMValue>& elements = value;
   for (const TCIMValue& element : elements) {
-    if (CanHold(member, element)) {
-      Element(member, element);
+    bool isWritten = false;
+    if (element.IsReference()) {
+      isWritten = CanHold(member, element);
+      if (isWritten) Element(member, element);
     } else {
-      fXML.Markup("<VALUE.NULL/>");
+      isWritten = Scalar(member, element, "<VALUE>", "</VALUE>");
     }
+    if (!isWritten) fXML.Markup("<VALUE.NULL/>");
   }
   fXML.Markup("</VALUE.ARRAY>");
 }

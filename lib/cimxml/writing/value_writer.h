@@ -8,6 +8,7 @@
 #include <qdxdescribe/string_kind.h>
 
 #include <string>
+#include <string_view>
 
 #include "xml/cim_type.h"
 #include "xml/counted_warning.h"
@@ -19,6 +20,16 @@ namespace NVORNQDX20::NCIMXML {
 struct TDeclaredProperty {
   unsigned int fFixedSize = 0;  ///< 0 if the number of elements may change.
   NDescribe::EStringKind fStringKind = NDescribe::EStringKind::kText;
+};
+
+/// A property of many instances, with what is the same for all of them.
+struct TWrittenProperty {
+  std::string fName;
+  TCIMType fType;
+  TDeclaredProperty fDeclared;
+  bool fIsPlain;      ///< A scalar, no reference. Only then there are these:
+  TPreparedXML fTag;  ///< The start tag of its element, without the end of the tag.
+  TPreparedXML fKey;  ///< What comes before its value in the name of an instance.
 };
 
 /// A value that CIM-XML cannot express becomes null, and is counted in `leftOut`.
@@ -43,12 +54,13 @@ class TValueWriter {
   /// Writes the attributes of a property's start tag; ARRAYSIZE unless the fixed size is 0.
   void PropertyAttributes(const std::string& name, const TCIMValue& value,
                           const TDeclaredProperty& declared, bool withClass);
+  TWrittenProperty Prepare(const std::string& name, TCIMType type,
+                           const TDeclaredProperty& declared) const;
   /// Writes a complete property of an instance.
-  void Property(const std::string& name, const TCIMValue& value, const TDeclaredProperty& declared);
+  void Property(const TWrittenProperty& property, const TCIMValue& value);
   void NamespacePath(const std::string& name);
-  /// REQUIRES: ObstacleToKey() is null for the value.
-  void KeyBinding(const std::string& name, const TCIMValue& value,
-                  NDescribe::EStringKind kind = NDescribe::EStringKind::kText);
+  /// Writes a key in the name of an instance. REQUIRES: ObstacleToKey() is null for the value.
+  void Key(const TWrittenProperty& property, const TCIMValue& value);
   /// Writes the attribute TYPE; not for references.
   void TypeAttribute(TCIMType type, NDescribe::EStringKind kind);
 
@@ -56,6 +68,14 @@ class TValueWriter {
   /// Returns whether CIM-XML can express the value; counts a value that it cannot express.
   bool CanHold(const std::string& member, const TCIMValue& value);
   void Element(const std::string& member, const TCIMValue& value);
+  /// Writes a scalar that is no reference: what comes before it, its VALUE and what comes after it.
+  /// Returns false, and writes nothing, if it is null or CIM-XML cannot express it.
+  bool Scalar(const std::string& member, const TCIMValue& value, std::string_view before,
+              std::string_view after);
+  void OtherProperty(const TWrittenProperty& property, const TCIMValue& value);
+  void KeyBinding(const std::string& name, const TCIMValue& value,
+                  NDescribe::EStringKind kind = NDescribe::EStringKind::kText);
+  void KeyStart(const std::string& name, TCIMType type, NDescribe::EStringKind kind);
   void Array(const std::string& member, const TCIMValue& value);
   void Literal(const TCIMValue& value);
   void Reference(const TCIMReference& reference);

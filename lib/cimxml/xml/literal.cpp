@@ -22,7 +22,6 @@ namespace {
 constexpr std::size_t kDateTimeLength = 25;
 constexpr char kWildcard = '*';
 constexpr std::size_t kShortNumber = 18;  // digits that fit any 64 bits
-constexpr const char* kNotFinite = "a real that is not a finite number";
 
 constexpr bool IsBlankCharacter(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
@@ -35,35 +34,6 @@ std::string_view Trimmed(std::string_view text) {
 
 bool StartsWith(std::string_view text, std::string_view start) {
   return text.substr(0, start.size()) == start;
-}
-
-std::string Write(bool value) { return value ? "TRUE" : "FALSE"; }
-std::string Write(std::string value) { return value; }
-std::string Write(const TCIMDateTime& value) { return value.ToString(); }
-std::string Write(const TCIMReference& value) { return value.GetPath(); }
-
-/// The form of real numbers has a point, which the standard library leaves out of whole numbers.
-std::string WithPoint(std::string text) {
-  const std::size_t place = text.find_first_of(".e");
-  if (place == std::string::npos) {
-    text += ".0";
-  } else if (text[place] == 'e') {
-    text.insert(place, ".0");
-  }
-  return text;
-}
-
-template <typename T>
-std::string Write(T number) {
-  char text[32];
-  std::string written(text, std::to_chars(text, text + sizeof(text), number).ptr);
-  if constexpr (std::is_floating_point_v<T>) return WithPoint(std::move(written));
-  return written;
-}
-
-template <typename T>
-bool IsNotFinite(const TCIMValue& value) {
-  return !std::isfinite(static_cast<T>(value));
 }
 
 /// The whole text must be a number that fits the type.
@@ -199,27 +169,52 @@ bool IsAbsent(const TCIMValue& value) {
   return value.GetType() == TCIMType::kCIMTypeDateTime && TCIMDateTime(value).IsNull();
 }
 
-const char* ObstacleToLiteral(const TCIMValue& value) {
-  switch (value.GetType()) {
-    case TCIMType::kCIMTypeDateTime:
-      return IsAbsent(value) || TCIMDateTime(value).ToString().size() == kDateTimeLength
-                 ? nullptr
-                 : "a date-time longer than 25 characters";
-    case TCIMType::kCIMTypeReal32:
-      return IsNotFinite<float>(value) ? kNotFinite : nullptr;
-    case TCIMType::kCIMTypeReal64:
-      return IsNotFinite<double>(value) ? kNotFinite : nullptr;
-    default:
-      return nullptr;
+TLiteral::TLiteral(const TCIMValue& value) : fIsAbsent(value.IsNull()) {
+  if (fIsAbsent) return;
+  NModel::VisitType(value.GetType(), [&](auto native) {
+    using T = typename decltype(native)::TType;
+    if constexpr (std::is_arithmetic_v<T> || std::is_same_v<T, TCIMDateTime>) {
+      Set(static_cast<T>(value));
+    }
+  });
+}
+
+void TLiteral::Set(bool value) { Set(std::string_view(value ? "TRUE" : "FALSE")); }
+
+void TLiteral::Set(const TCIMDateTime& value) {
+  fIsAbsent = value.IsNull();
+  if (fIsAbsent) return;
+  const std::string text = value.ToString();
+  Set(std::string_view(text));
+  if (text.size() != kDateTimeLength) fObstacle = "a date-time longer than 25 characters";
+}
+
+template <typename T>
+void TLiteral::Set(T number) {
+  if constexpr (std::is_floating_point_v<T>) {
+    if (!std::isfinite(number)) fObstacle = "a real that is not a finite number";
+  }
+  char* const end = std::to_chars(fText, fText + sizeof fText, number).ptr;
+  fSize = static_cast<std::size_t>(end - fText);
+  if constexpr (std::is_floating_point_v<T>) {
+    // The form of real numbers has a point, which the standard library leaves out of whole numbers.
+    char* const place = std::find_if(fText, end, [](char c) { return c == '.' || c == 'e'; });
+    if (place != end && *place == '.') return;
+    std::copy_backward(place, end, end + 2);
+    std::copy_n(".0", 2, place);
+    fSize += 2;
   }
 }
+
+void TLiteral::Set(std::string_view text) { fSize = text.copy(fText, sizeof fText); }
 
 bool IsBlank(std::string_view text) {
   return std::all_of(text.begin(), text.end(), IsBlankCharacter);
 }
 
 std::string WriteLiteral(const TCIMValue& value) {
-  return NModel::VisitScalar(value, [](auto native) { return Write(std::move(native)); });
+  const std::string* const text = value.FindString();
+  return text != nullptr ? *text : std::string(TLiteral(value).GetText());
 }
 
 std::optional<TCIMValue> ReadLiteral(TCIMType type, std::string_view text) {

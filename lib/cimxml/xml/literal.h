@@ -3,6 +3,7 @@
 #ifndef LIB_CIMXML_XML_LITERAL_H_
 #define LIB_CIMXML_XML_LITERAL_H_
 
+#include <qdxcore/datetime.h>
 #include <qdxcore/value.h>
 
 #include <cstddef>
@@ -18,12 +19,34 @@ namespace NVORNQDX20::NCIMXML {
 /// Returns whether the value is null or holds a null date-time.
 bool IsAbsent(const TCIMValue& value);
 
-/// Returns why CIM-XML has no text for a scalar that is not null; null if it has one. It has none
-/// for a date-time that needs more than 25 characters, and for infinities and NaN.
-const char* ObstacleToLiteral(const TCIMValue& value);
+/// The text of a scalar that is neither a string nor a reference. Reals get a point, and as many
+/// digits as needed to read back the same number.
+class TLiteral {
+ public:
+  explicit TLiteral(const TCIMValue& value);
 
-/// Formats a scalar. REQUIRES: ObstacleToLiteral() is null, not IsAbsent(), not a reference. Reals
-/// get a point, and as many digits as needed to read back the same number.
+  /// As IsAbsent() of the value.
+  bool IsAbsent() const { return fIsAbsent; }
+  /// Returns why CIM-XML has no text for the value; null if it has one, or is absent. It has none
+  /// for a date-time that needs more than 25 characters, and for infinities and NaN.
+  const char* GetObstacle() const { return fObstacle; }
+  /// Needs no escapes.
+  std::string_view GetText() const { return {fText, fSize}; }
+
+ private:
+  void Set(bool value);
+  void Set(const TCIMDateTime& value);
+  template <typename T>
+  void Set(T number);
+  void Set(std::string_view text);
+
+  char fText[80] = {};
+  std::size_t fSize = 0;
+  bool fIsAbsent = false;
+  const char* fObstacle = nullptr;
+};
+
+/// Formats a scalar that is no reference, also one for which CIM-XML has no text.
 std::string WriteLiteral(const TCIMValue& value);
 
 /// Returns whether the text is empty or white space only.

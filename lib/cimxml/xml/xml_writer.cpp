@@ -58,7 +58,7 @@ TXMLWriter& TXMLWriter::Text(std::string_view text) {
   while (!text.empty()) {
     const auto end = std::find_if_not(text.begin(), text.end(), IsPlain);
     const auto plain = static_cast<std::size_t>(end - text.begin());
-    fOutput.Write(text.substr(0, plain));
+    Markup(text.substr(0, plain));
     text.remove_prefix(plain);
     if (!text.empty()) WriteCharacter(text);
   }
@@ -69,17 +69,17 @@ TXMLWriter& TXMLWriter::Text(std::string_view text) {
 void TXMLWriter::WriteCharacter(std::string_view& text) {
   const std::string_view reference = ReferenceTo(text[0]);
   if (!reference.empty()) {
-    fOutput.Write(reference);
+    Markup(reference);
     text.remove_prefix(1);
     return;
   }
   const auto [bytes, codePoint] = TakeCharacter(text);
   if (codePoint && IsXMLCharacter(*codePoint)) {
-    fOutput.Write(bytes);
+    Markup(bytes);
     return;
   }
-  for (std::size_t i = 0; i < bytes.size(); ++i) fOutput.Write(kReplacement);
-  fReplaced += bytes.size();
+  for (std::size_t i = 0; i < bytes.size(); ++i) Markup(kReplacement);
+  Replaced() += bytes.size();
 }
 
 }  // namespace NVORNQDX20::NCIMXML

@@ -5,6 +5,8 @@
 
 #include <qdxsystem/descriptor.h>
 
+#include <cstddef>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -25,9 +27,11 @@ class TOutputFile {
   TOutputFile(const TOutputFile&) = delete;
   TOutputFile& operator=(const TOutputFile&) = delete;
 
+  /// Inline, since a document is written in pieces of a few bytes.
   void Write(std::string_view text) {
-    fBuffer += text;
-    if (fBuffer.size() >= kBufferSize) Flush();
+    if (text.size() > kBufferSize - fUsed) return WriteLong(text);
+    std::memcpy(fBuffer.get() + fUsed, text.data(), text.size());
+    fUsed += text.size();
   }
   void Close();
   const std::string& GetFile() const { return fFile; }
@@ -35,13 +39,17 @@ class TOutputFile {
  private:
   static constexpr std::size_t kBufferSize = 1 << 16;
 
+  /// Writes what does not fit into the rest of the buffer.
+  void WriteLong(std::string_view text);
   void Flush();
+  void Pass(std::string_view bytes);
   void WriteToFile(std::string_view bytes);
   void Require(bool done) const;
 
   const std::string fFile;
   const std::string fService;
-  std::string fBuffer;
+  const std::unique_ptr<char[]> fBuffer;
+  std::size_t fUsed = 0;
   const std::unique_ptr<TCompressor> fCompressor;
   TDescriptor fDescriptor;
 };
