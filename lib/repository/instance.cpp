@@ -35,6 +35,23 @@ class TInstance::THold {
   const TInstance& fInstance;
 };
 
+/// A property without a piece of memory for each caller: it lives as long as its instance.
+class TInstance::TReadProperty final : public TReadValue {
+ public:
+  TReadProperty(const TInstance& instance, std::size_t slot)
+      : TReadValue(instance.StoredAt(slot).WithoutOwner(instance.DeclAt(slot).GetType())),
+        fInstance(instance),
+        fSlot(slot) {}
+
+  boost::shared_ptr<const ICIMPropertyDecl> GetDecl() const override {
+    return fInstance.DeclAt(fSlot).Handle();
+  }
+
+ private:
+  const TInstance& fInstance;
+  const std::size_t fSlot;
+};
+
 std::unique_ptr<TInstance> TInstance::Make(TClass& cimClass) {
   static_assert(sizeof(TInstance) % alignof(TStoredValue) == 0);
   return std::unique_ptr<TInstance>(new (TRoom{cimClass.SlotCount()}) TInstance(cimClass));
@@ -119,8 +136,7 @@ TNamespace& TInstance::GetNamespace() const { return fClass.GetNamespace(); }
 TPropertyDecl& TInstance::DeclAt(std::size_t slot) const { return fClass.DeclAt(slot); }
 
 const TCIMValue& TInstance::ValueAt(std::size_t slot) const {
-  TStoredValue& stored = Values()[slot];
-  return stored.IsSet() ? stored.Get(DeclAt(slot).GetType()) : fClass.InitialValueAt(slot);
+  return StoredAt(slot).IsSet() ? Read(slot).GetValue() : fClass.InitialValueAt(slot);
 }
 
 TCIMValue TInstance::BoundValueAt(std::size_t slot) const {
@@ -136,7 +152,20 @@ boost::shared_ptr<TInstance> TInstance::Handle() const {
                                       self);
 }
 
+void TInstance::Store(std::size_t slot, TStoredValue&& value) {
+  Values()[slot].Set(std::move(value), DeclAt(slot).GetType());
+}
+
+TReadValue& TInstance::Read(std::size_t slot) const {
+  TStoredValue& stored = Values()[slot];
+  if (stored.FindRead() == nullptr) stored.Keep(std::make_unique<TReadProperty>(*this, slot));
+  return *stored.FindRead();
+}
+
 boost::shared_ptr<ICIMProperty> TInstance::MakeProperty(std::size_t slot) const {
+  if (StoredAt(slot).IsSet() && !HoldsReferences(DeclAt(slot).GetType())) {
+    return boost::shared_ptr<ICIMProperty>(Handle(), &Read(slot));
+  }
   return boost::make_shared<TProperty<TInstance>>(Handle(), slot);
 }
 

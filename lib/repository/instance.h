@@ -54,7 +54,7 @@ class TInstance final : public ICIMInstance, public IValuesOfInstance {
   /// What is stored; not set if the instance has the value of its class.
   const TStoredValue& StoredAt(std::size_t slot) const { return Values()[slot]; }
   /// Sets a value of the declared type.
-  void Store(std::size_t slot, TStoredValue&& value) { Values()[slot] = std::move(value); }
+  void Store(std::size_t slot, TStoredValue&& value);
   /// The first handle of an instance that is not committed takes it over.
   boost::shared_ptr<TInstance> Handle() const;
 
@@ -63,6 +63,7 @@ class TInstance final : public ICIMInstance, public IValuesOfInstance {
     std::size_t fSlots;
   };
   class THold;
+  class TReadProperty;
 
   explicit TInstance(TClass& cimClass);
   static void* operator new(std::size_t size, TRoom room);
@@ -71,6 +72,8 @@ class TInstance final : public ICIMInstance, public IValuesOfInstance {
   TStoredValue* Values() const {
     return reinterpret_cast<TStoredValue*>(const_cast<TInstance*>(this) + 1);
   }
+  /// REQUIRES: the value is set, and the property holds no references.
+  TReadValue& Read(std::size_t slot) const;
   boost::shared_ptr<ICIMProperty> MakeProperty(std::size_t slot) const;
 
   TClass& fClass;

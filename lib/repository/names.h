@@ -24,10 +24,15 @@ class TNameTable {
   TElement& At(std::size_t position) const { return *fElements[position]; }
 
   std::optional<std::size_t> Position(std::string_view name) const {
-    // Most callers go through the elements in their order, and spell the names as declared.
-    if (fNext < fElements.size() && fElements[fNext]->GetName() == name) return fNext++;
+    // Most callers go through the elements in their order, or ask for one of them twice, or begin
+    // again, and spell the names as declared.
+    for (const std::size_t likely : {fLast + 1, fLast, std::size_t{0}}) {
+      if (likely >= fElements.size() || fElements[likely]->GetName() != name) continue;
+      fLast = likely;
+      return likely;
+    }
     const std::optional<std::size_t> position = PositionOf(name, fHash(name));
-    if (position) fNext = *position + 1;
+    if (position) fLast = *position;
     return position;
   }
 
@@ -69,7 +74,7 @@ class TNameTable {
   NModel::TNameHash fHash;
   std::vector<TElement*> fElements;
   THashIndex fIndex;
-  mutable std::size_t fNext = 0;  // the position after the one that was found last
+  mutable std::size_t fLast = 0;  // the position that was found last
 };
 
 }  // namespace NVORNQDX20::NRepository

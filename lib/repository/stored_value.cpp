@@ -168,7 +168,8 @@ TStoredValue TStoredValue::Text(std::string_view text) {
 }
 
 bool TStoredValue::IsNull() const noexcept {
-  return fKind == kNull || (fKind == kBoxed && Boxed()->IsNull());
+  const TCIMValue* const boxed = FindBoxed();
+  return boxed == nullptr ? fKind == kNull : boxed->IsNull();
 }
 
 TStoredValue TStoredValue::CopyTo(TType type, const TNamespace& target) const {
@@ -196,6 +197,7 @@ TStoredValue TStoredValue::CopyTo(TType type, const TNamespace& target) const {
     case kReference:
       return CopyReferenceTo(target);
     case kBoxed:
+    case kRead:
       if (!HoldsReferences(Boxed()->GetType())) copy.Box(TCIMValue(*Boxed()));
       break;
   }
@@ -220,13 +222,14 @@ TStoredValue TStoredValue::CopyReferenceTo(const TNamespace& target) const {
 
 TCIMValue TStoredValue::ToValue(TType type, TNamespace& ns) const { return MakeValue(type, &ns); }
 
-const TCIMValue& TStoredValue::Get(TType type) {
-  if (fKind != kBoxed) {
-    TStoredValue boxed;
-    boxed.Box(MakeValue(type, nullptr));
-    *this = std::move(boxed);
-  }
-  return *Boxed();
+void TStoredValue::Keep(std::unique_ptr<TReadValue> read) noexcept {
+  TStoredValue kept;
+  kept.Point(kRead, read.release());
+  *this = std::move(kept);
+}
+
+void TStoredValue::SetRead(const TStoredValue& value, TType type) {
+  Replace(*Boxed(), value.WithoutOwner(type));
 }
 
 TCIMValue TStoredValue::MakeValue(TType type, TNamespace* ns) const {
@@ -253,6 +256,7 @@ TCIMValue TStoredValue::MakeValue(TType type, TNamespace* ns) const {
     case kReference:
       return MakeReference(ns);
     case kBoxed:
+    case kRead:
       return ns == nullptr ? *Boxed() : BoundCopy(*Boxed(), *ns);
     case kNull:
     case kUnset:
@@ -301,7 +305,7 @@ bool TStoredValue::Equals(const TStoredValue& other, TType type) const {
   if (fKind == kNumber && other.fKind == kNumber && !isReal) {
     return std::memcmp(fBytes, other.fBytes, sizeof fBytes) == 0;  // what is unused is zero
   }
-  return MakeValue(type, nullptr) == other.MakeValue(type, nullptr);
+  return WithoutOwner(type) == other.WithoutOwner(type);
 }
 
 void TStoredValue::AddTo(THasher& hasher, TType type) const {
@@ -312,7 +316,7 @@ void TStoredValue::AddTo(THasher& hasher, TType type) const {
       if constexpr (std::is_arithmetic_v<T>) Hash(hasher, Load<T>());
     });
   }
-  if (fKind != kReference) return Hash(hasher, MakeValue(type, nullptr));
+  if (fKind != kReference) return Hash(hasher, WithoutOwner(type));
   const TStoredReference& stored = *Referred();
   Hash(hasher, static_cast<const ICIMClass*>(&stored.fClass));
   for (const TStoredReference::TKey& key : stored) {
@@ -323,6 +327,7 @@ void TStoredValue::AddTo(THasher& hasher, TType type) const {
 
 std::string_view TStoredValue::TextOf() const noexcept {
   if (fKind == kShortText) return {reinterpret_cast<const char*>(fBytes), fSize};
+  if (fKind != kLongText) return *Boxed()->FindString();
   const auto* const text = Target<const TLongText>();
   return {text->fText, text->fSize};
 }
@@ -334,6 +339,8 @@ void TStoredValue::Destroy() noexcept {
     delete Target<TCIMDateTimeImpl>();
   } else if (fKind == kBoxed) {
     delete Boxed();
+  } else if (fKind == kRead) {
+    delete Target<TReadValue>();
   } else {
     if (fKind == kArray) std::destroy(Elements()->begin(), Elements()->end());
     if (fKind == kReference) std::destroy(Referred()->begin(), Referred()->end());

@@ -8,20 +8,37 @@
 #ifndef LIB_REPOSITORY_STORED_VALUE_H_
 #define LIB_REPOSITORY_STORED_VALUE_H_
 
-#include <qdxcore/value.h>
+#include <qdxcore/interfaces.h>
 #include <qdxmodel/hash.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 namespace NVORNQDX20::NRepository {
 
 class TClass;
 class TNamespace;
 struct TStoredReference;
+
+/// A value that callers have read, and may keep the address of, and the property that they read. It
+/// stays where it is when it is set, and so is owned by the stored value until the end.
+class TReadValue : public ICIMProperty {
+ public:
+  const TCIMValue& GetValue() const override { return fValue; }
+
+ protected:
+  explicit TReadValue(TCIMValue&& value) : fValue(std::move(value)) {}
+
+ private:
+  friend class TStoredValue;
+
+  TCIMValue fValue;
+};
 
 class TStoredValue {
  public:
@@ -68,11 +85,24 @@ class TStoredValue {
   TStoredValue CopyTo(TType type, const TNamespace& target) const;
   /// Returns the value in the form that callers get. REQUIRES: it is set.
   TCIMValue ToValue(TType type, TNamespace& ns) const;
-  /// Returns the value itself, valid until it is set again. REQUIRES: it is set, and the type holds
-  /// no references. The first call for a number or a text changes how it is stored.
-  const TCIMValue& Get(TType type);
+  /// Returns the value in the stored form of values.h. REQUIRES: it is set.
+  TCIMValue WithoutOwner(TType type) const { return MakeValue(type, nullptr); }
   /// Returns the value if it is stored as one, else null.
-  const TCIMValue* FindBoxed() const noexcept { return fKind == kBoxed ? Boxed() : nullptr; }
+  const TCIMValue* FindBoxed() const noexcept {
+    return fKind == kBoxed || fKind == kRead ? Boxed() : nullptr;
+  }
+  /// Returns what Keep() was called with, or null.
+  TReadValue* FindRead() const noexcept { return fKind == kRead ? Target<TReadValue>() : nullptr; }
+  /// Stores the value as one that callers read. REQUIRES: it is the same, and holds no references.
+  void Keep(std::unique_ptr<TReadValue> read) noexcept;
+  /// Sets another value of the same type; where callers read the old one they have the new one.
+  void Set(TStoredValue&& value, TType type) {
+    if (fKind == kRead) {
+      SetRead(value, type);
+    } else {
+      *this = std::move(value);
+    }
+  }
 
   bool Equals(const TStoredValue& other, TType type) const;
   /// Values that are equal have equal hashes.
@@ -88,7 +118,8 @@ class TStoredValue {
     kTime,
     kArray,
     kReference,
-    kBoxed
+    kBoxed,
+    kRead
   };
   struct TLongText;
   struct TArray;
@@ -112,12 +143,19 @@ class TStoredValue {
     std::memcpy(fBytes, &target, sizeof target);
     fKind = kind;
   }
-  TCIMValue* Boxed() const noexcept { return Target<TCIMValue>(); }
+  TCIMValue* Boxed() const noexcept {
+    return fKind == kRead ? &Target<TReadValue>()->fValue : Target<TCIMValue>();
+  }
   TArray* Elements() const noexcept { return Target<TArray>(); }
   TStoredReference* Referred() const noexcept { return Target<TStoredReference>(); }
-  bool IsText() const noexcept { return fKind == kShortText || fKind == kLongText; }
   bool OwnsMemory() const noexcept { return fKind >= kLongText; }
+  bool IsText() const noexcept {
+    return fKind == kShortText || fKind == kLongText || (FindBoxed() != nullptr && IsBoxedText());
+  }
+  bool IsBoxedText() const noexcept { return Boxed()->FindString() != nullptr; }
+  /// REQUIRES: the value is a text.
   std::string_view TextOf() const noexcept;
+  void SetRead(const TStoredValue& value, TType type);
   void Box(TCIMValue&& value);
   void Destroy() noexcept;
   void Take(TStoredValue& other) noexcept {

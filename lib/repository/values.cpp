@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <new>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -44,8 +45,11 @@ TCIMValue TRebinding::Copy(const TCIMValue& value) const {
 }
 
 TClass* TRebinding::OwnClass(const boost::shared_ptr<ICIMClass>& cimClass) const {
-  TClass* const own = dynamic_cast<TClass*>(cimClass.get());
-  return own != nullptr && &own->GetNamespace() == &fNamespace ? own : nullptr;
+  // The address of the type, since another library can have its own repository, of another layout.
+  const ICIMClass* const any = cimClass.get();
+  if (any == nullptr || &typeid(*any) != &typeid(TClass)) return nullptr;
+  auto* const own = static_cast<TClass*>(cimClass.get());
+  return &own->GetNamespace() == &fNamespace ? own : nullptr;
 }
 
 TCIMValue TRebinding::CopyArray(const TCIMValue& value) const {

@@ -88,6 +88,48 @@ TEST(Repository, KeepsTheAddressesOfValuesThatWereRead) {
   EXPECT_EQ(path.GetClass()->GetInstance(path, {}), disk);
 }
 
+TEST(Repository, ShowsWhatIsSetInPropertiesThatWereRead) {
+  const TNamespace ns = MakeNamespace();
+  const TCIMValue few(TCIMType::kCIMTypeString, 3, {TCIMValue("a"), kNoText});
+  AddClass(ns, "T_A", {{"Id", ""}}, {{"Count", 0U}, {"Names", few}, {"Unset", "default"}});
+  boost::shared_ptr<ICIMProperty> id, count, names, unset;
+  {
+    const auto a = ns->GetClass("T_A", {})->CreateInstance({});
+    for (const unsigned number : {1U, 2U}) {
+      a->SetPropertyValue("Count", number, {});
+      a->SetPropertyValue("Names", few, {});
+      if (!count) {
+        a->SetPropertyValue("Id", "a text that is too long for sixteen bytes", {});
+        count = a->GetProperty("Count", {}), names = a->GetProperty("Names", {});
+        id = a->GetProperty("Id", {}), unset = a->GetProperty("Unset", {});
+      }
+      EXPECT_EQ(count->GetValue(), TCIMValue(number));
+      EXPECT_EQ(names->GetValue(), few);
+    }
+    a->SetPropertyValue("Count", count->GetValue(), {});
+    a->SetPropertyValue("Names", TCIMValue(TCIMType::kCIMTypeString, 5), {});
+    a->SetPropertyValue("Unset", "set", {});
+    a->Commit({});
+    EXPECT_QDX_STATUS(AddInstance(ns, "T_A", {{"Id", id->GetValue()}}), kQDXStatusAlreadyExists);
+  }
+  // The instance lives with its namespace, of which each property is an owner.
+  EXPECT_EQ(count->GetValue(), TCIMValue(2U));
+  EXPECT_EQ(names->GetValue().GetMaxArraySize(), 5U);
+  EXPECT_EQ(unset->GetValue(), TCIMValue("set"));
+  EXPECT_EQ(unset->GetDecl()->GetName() + names->GetDecl()->GetName(), "UnsetNames");
+}
+
+TEST(Repository, KeepsAnInstanceThatIsNotCommittedForItsProperties) {
+  const TNamespace ns = MakeNamespace();
+  AddClass(ns, "T_A", {{"Id", 0U}}, {{"Unset", "default"}});
+  auto made = ns->GetClass("T_A", {})->CreateInstance({});
+  made->SetPropertyValue("Id", 7U, {});
+  const auto id = made->GetProperty("Id", {}), unset = made->GetProperty("Unset", {});
+  made.reset();
+  EXPECT_EQ(id->GetValue(), TCIMValue(7U));
+  EXPECT_EQ(unset->GetValue(), TCIMValue("default"));
+}
+
 TEST(Repository, ReadsTheSameValuesByPosition) {
   const TNamespace ns = MakeFilled();
   for (const char* name : {"T_Disk", "T_FastDisk", "T_Link", "T_Chain"}) {
