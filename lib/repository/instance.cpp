@@ -153,7 +153,12 @@ boost::shared_ptr<TInstance> TInstance::Handle() const {
 }
 
 void TInstance::Store(std::size_t slot, TStoredValue&& value) {
-  Values()[slot].Set(std::move(value), DeclAt(slot).GetType());
+  TStoredValue& stored = Values()[slot];
+  if (stored.FindRead() == nullptr) {
+    stored = std::move(value);
+  } else {
+    stored.SetRead(value, DeclAt(slot).GetType());
+  }
 }
 
 TReadValue& TInstance::Read(std::size_t slot) const {

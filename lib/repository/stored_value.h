@@ -95,14 +95,8 @@ class TStoredValue {
   TReadValue* FindRead() const noexcept { return fKind == kRead ? Target<TReadValue>() : nullptr; }
   /// Stores the value as one that callers read. REQUIRES: it is the same, and holds no references.
   void Keep(std::unique_ptr<TReadValue> read) noexcept;
-  /// Sets another value of the same type; where callers read the old one they have the new one.
-  void Set(TStoredValue&& value, TType type) {
-    if (fKind == kRead) {
-      SetRead(value, type);
-    } else {
-      *this = std::move(value);
-    }
-  }
+  /// Sets another value of this type where callers read the old one. REQUIRES: FindRead().
+  void SetRead(const TStoredValue& value, TType type);
 
   bool Equals(const TStoredValue& other, TType type) const;
   /// Values that are equal have equal hashes.
@@ -155,7 +149,6 @@ class TStoredValue {
   bool IsBoxedText() const noexcept { return Boxed()->FindString() != nullptr; }
   /// REQUIRES: the value is a text.
   std::string_view TextOf() const noexcept;
-  void SetRead(const TStoredValue& value, TType type);
   void Box(TCIMValue&& value);
   void Destroy() noexcept;
   void Take(TStoredValue& other) noexcept {
