@@ -20,6 +20,14 @@ namespace {
 
 constexpr int kUnknownSystem = 255;
 
+/// How zlib looks for repetitions, as deflateTune() takes it. Documents are full of long ones.
+/// Level 3 takes the first good one instead of looking for a better one; but here, unlike by
+/// default, it also remembers places inside of most repetitions. Against the default level this
+/// takes about half of the time, and documents are 7 to 19 % larger; level 3 as it is makes them 19
+/// to 31 % larger, level 1 up to 49 %.
+constexpr int kLevel = 3;
+constexpr struct { int fGood, fLazy, fNice, fChain; } kSearch = {8, 128, 258, 32};
+
 bool EndsWith(std::string_view text, std::string_view end) {
   return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
@@ -35,10 +43,11 @@ TDescriptor OpenForWriting(const std::string& file) {
 class TCompressor {
  public:
   TCompressor() {
-    if (deflateInit2(&fStream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kGzipWindowBits, 8,
-                     Z_DEFAULT_STRATEGY) != Z_OK) {
+    if (deflateInit2(&fStream, kLevel, Z_DEFLATED, kGzipWindowBits, 8, Z_DEFAULT_STRATEGY) !=
+        Z_OK) {
       throw TQDXException(kQDXStatusOutOfMemory);
     }
+    deflateTune(&fStream, kSearch.fGood, kSearch.fLazy, kSearch.fNice, kSearch.fChain);
     fHeader.os = kUnknownSystem;
     deflateSetHeader(&fStream, &fHeader);
   }
