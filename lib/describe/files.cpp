@@ -44,11 +44,17 @@ TReason ReasonOf(int error) {
   return {ErrorText(error), MeansAbsent(error) ? TReason::kAbsence : TReason::kError};
 }
 
-/// Stops after the maximum size, so that the caller notices a file that is too long. `size` is that
-/// of a file with these contents, or 0: most files of the kernel have another size than they tell.
-TReading<std::string> ReadToEnd(int file, std::size_t size, std::size_t maxSize) {
+/// What is known of the size of a file before it is read.
+struct TSize {
+  std::size_t fExpected = 0;  ///< What it tells: most files of the kernel have another one.
+  bool fIsCertain = false;
+};
+
+/// Stops after the maximum size, so that the caller notices a file that is too long.
+TReading<std::string> ReadToEnd(int file, TSize size, std::size_t maxSize) {
   std::array<char, 16384> buffer;  // not initialised: most files have some bytes
   std::string text;
+  if (size.fExpected > buffer.size()) text.reserve(std::min(size.fExpected, maxSize + 1));
   while (text.size() <= maxSize) {
     // No more, since some registers that a file of the kernel shows are slow to read.
     const std::size_t wanted = std::min(buffer.size() - 1, maxSize - text.size()) + 1;
@@ -57,16 +63,17 @@ TReading<std::string> ReadToEnd(int file, std::size_t size, std::size_t maxSize)
     if (count < 0) return Missing(ReasonOf(errno));
     if (count == 0) break;
     text.append(buffer.data(), static_cast<std::size_t>(count));
-    if (text.size() == size) break;
+    if (size.fIsCertain && text.size() == size.fExpected) break;
   }
   return text;
 }
 
-/// Returns why the contents cannot be read; empty for a regular file.
-TReason ObstacleTo(const TDescriptor& file) {
+/// Returns why the contents cannot be read; empty for a regular file, whose size is then known.
+TReason ObstacleTo(const TDescriptor& file, TSize& size) {
   struct stat status {};
   if (!file.IsOpen()) return ReasonOf(file.GetError());
   if (::fstat(file.Get(), &status) != 0) return ReasonOf(errno);
+  size.fExpected = static_cast<std::size_t>(status.st_size);
   if (S_ISREG(status.st_mode)) return {};
   return {"not a regular file", TReason::kError};
 }
@@ -140,10 +147,9 @@ class TFiles::TRoot {
     return link.IsOpen() ? TargetOf(link.Get()) : std::string();
   }
 
-  /// Sets the obstacle to what stands in the way of reading, or to an empty text, and the size if
-  /// the contents have it. To open a device can start it, so the type of a file in an image is
-  /// looked at first.
-  TDescriptor OpenToRead(const std::string& path, TReason& obstacle, std::size_t& size) const {
+  /// Sets the obstacle to what stands in the way of reading, or to an empty text. To open a device
+  /// can start it, so the type of a file in an image is looked at first.
+  TDescriptor OpenToRead(const std::string& path, TReason& obstacle, TSize& size) const {
     const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY;
     const TPlace place = FindPlace(path);
     if (place.fError != 0) {
@@ -158,19 +164,19 @@ class TFiles::TRoot {
       }
       if (S_ISREG(status.st_mode)) {
         TDescriptor file(::openat(place.fFolder, place.fName, flags | O_NOFOLLOW | O_CLOEXEC));
-        obstacle = ObstacleTo(file);
-        size = static_cast<std::size_t>(status.st_size);
+        obstacle = ObstacleTo(file, size);
+        size.fIsCertain = true;
         return file;
       }
     }
     TDescriptor file = Open(path, fIsThisMachine ? flags : O_PATH);
-    obstacle = ObstacleTo(file);
+    obstacle = ObstacleTo(file, size);
     if (fIsThisMachine || !obstacle.empty()) return file;
     const std::string self = "/proc/self/fd/" + std::to_string(file.Get());
     file = TDescriptor(::open(self.c_str(), flags | O_CLOEXEC));
     // Where /proc is not mounted, the path is opened again.
     if (file.GetError() == ENOENT) file = Open(path, flags);
-    obstacle = ObstacleTo(file);
+    obstacle = ObstacleTo(file, size);
     return file;
   }
 
@@ -259,7 +265,7 @@ TReading<std::string> TFiles::ReadBytes(const std::string& path, std::size_t max
   const auto kept = fRoot->GetKeptFiles().Find(fullPath);
   if (kept && kept->size() <= maxSize) return std::string(*kept);
   TReason obstacle;
-  std::size_t size = 0;
+  TSize size;
   const TDescriptor file = fRoot->OpenToRead(fullPath, obstacle, size);
   if (!obstacle.empty()) return MissingFrom(path, obstacle);
   TReading<std::string> reading = ReadToEnd(file.Get(), size, maxSize);
