@@ -119,14 +119,19 @@ boost::shared_ptr<ICIMNamespace> Describe(
   return NDetail::DescribeChecked(describer, classes, host, options, explains);
 }
 
+/// Whether a provider checks its classes when it registers. One whose tests do that need not do it
+/// at each start.
+enum class EClassCheck { kWhenRegistered, kByTests };
+
 /// The provider itself. Each GetNamespace returns a new namespace with the current state.
 template <typename THost>
 class TTableProvider final : public INamespaceProvider, public IPartsOfProvider {
  public:
-  TTableProvider(const TDescriber& describer, std::vector<TClassOf<THost>> classes)
+  TTableProvider(const TDescriber& describer, std::vector<TClassOf<THost>> classes,
+                 EClassCheck check = EClassCheck::kWhenRegistered)
       : fDescriber(describer), fClasses(std::move(classes)) {
     fDescriber.CheckNames();
-    CheckClasses(fClasses);
+    if (check == EClassCheck::kWhenRegistered) CheckClasses(fClasses);
   }
 
   const std::string& GetName(TOptionsMap) const override { return fDescriber.GetProviderName(); }
@@ -161,13 +166,14 @@ class TTableProvider final : public INamespaceProvider, public IPartsOfProvider 
 /// class comes after its superclass and after those it refers to.
 ///
 /// A THost is made from the TRequest of each call, for what several classes need; it is named as in
-/// MakeProvider<TMachine>(...) unless it is the TRequest itself. Throws what CheckClasses and
-/// TDescriber::CheckNames throw.
+/// MakeProvider<TMachine>(...) unless it is the TRequest itself. Throws what CheckClasses, unless
+/// tests call that, and TDescriber::CheckNames throw.
 template <typename THost = TRequest>
-boost::shared_ptr<INamespaceProvider> MakeProvider(const std::string& provider,
-                                                   const std::string& ns,
-                                                   std::vector<TClassOf<THost>> classes) {
-  return boost::make_shared<TTableProvider<THost>>(TDescriber(provider, ns), std::move(classes));
+boost::shared_ptr<INamespaceProvider> MakeProvider(
+    const std::string& provider, const std::string& ns, std::vector<TClassOf<THost>> classes,
+    EClassCheck check = EClassCheck::kWhenRegistered) {
+  return boost::make_shared<TTableProvider<THost>>(TDescriber(provider, ns), std::move(classes),
+                                                   check);
 }
 
 }  // namespace NVORNQDX20::NDescribe
