@@ -134,19 +134,25 @@ TWorkerJob JobOf(TAskedConsumer& consumer, const TConsumerRequest& request) {
 
 }  // namespace
 
+TConsumerNames::TConsumerNames(const std::vector<TPluginFile>& plugins) {
+  fConsumers.reserve(plugins.size());
+  for (const TPluginFile& plugin : plugins) fConsumers.push_back(TAskedConsumer{plugin});
+}
+
+std::vector<TWorkerJob> TConsumerNames::GetJobs() {
+  std::vector<TWorkerJob> jobs;
+  for (TAskedConsumer& consumer : fConsumers) {
+    consumer.fLoadFailure = Try([&consumer] { CheckPluginFile(consumer.fPlugin.fPath); });
+    if (!consumer.fLoadFailure) jobs.push_back(JobOf(consumer, fNothing));
+  }
+  return jobs;
+}
+
 std::vector<TAskedConsumer> AskConsumers(const std::vector<TPluginFile>& plugins,
                                          const TWorkerLimits& limits, const TWaitCallback& wait) {
-  const TConsumerRequest none = {};
-  std::vector<TAskedConsumer> consumers;
-  consumers.reserve(plugins.size());
-  std::vector<TWorkerJob> jobs;
-  for (const TPluginFile& plugin : plugins) {
-    TAskedConsumer& consumer = consumers.emplace_back(TAskedConsumer{plugin});
-    consumer.fLoadFailure = Try([&plugin] { CheckPluginFile(plugin.fPath); });
-    if (!consumer.fLoadFailure) jobs.push_back(JobOf(consumer, none));
-  }
-  RunWorkers(jobs, limits, wait);
-  return consumers;
+  TConsumerNames names(plugins);
+  RunWorkers(names.GetJobs(), limits, wait);
+  return std::move(names).Take();
 }
 
 TAskedConsumer Consume(const TPluginFile& plugin, const TConsumerRequest& request,

@@ -193,7 +193,8 @@ void RefuseTakenNames(std::vector<TAskedLibrary>& libraries) {
 
 std::vector<TAskedLibrary> AskProviders(const std::vector<TPluginFile>& plugins,
                                         const TProviderRequest& request,
-                                        const TWorkerLimits& limits, const TWaitCallback& wait) {
+                                        const TWorkerLimits& limits, const TWaitCallback& wait,
+                                        const std::vector<TWorkerJob>& others) {
   std::vector<TAskedLibrary> libraries;
   libraries.reserve(plugins.size());
   std::vector<TAnswer> answers;
@@ -209,6 +210,7 @@ std::vector<TAskedLibrary> AskProviders(const std::vector<TPluginFile>& plugins,
                     [&answer](TMessage&& message) { answer.Receive(std::move(message)); },
                     [&answer](const TWorkerEnd& end) { answer.End(end); }});
   }
+  jobs.insert(jobs.end(), others.begin(), others.end());
   RunWorkers(jobs, limits, wait);
   RefuseTakenNames(libraries);
   return libraries;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include <qdxsnapshot/value_json.h>
 
@@ -139,10 +140,10 @@ EExitCode RunPlugins(const TArguments& arguments) {
   const TWorkerLimits limits = LimitsOf(arguments);
   TProviderRequest request;
   request.fReadsNamespaces = false;
-  const auto providers =
-      AskProviders(FindPluginsOrFail(EPluginKind::kProvider), request, limits, ShowWaiting());
-  const auto consumers =
-      AskConsumers(FindPluginsOrFail(EPluginKind::kConsumer), limits, ShowWaiting());
+  const auto files = FindPluginsOrFail(EPluginKind::kProvider);
+  TConsumerNames names(FindPluginsOrFail(EPluginKind::kConsumer));
+  const auto providers = AskProviders(files, request, limits, ShowWaiting(), names.GetJobs());
+  const auto consumers = std::move(names).Take();
   bool failed = false;
   const TJSON plugins = {{"providers", DescribeAll(providers, failed)},
                          {"consumers", DescribeAll(consumers, failed)}};

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace NVORNQDX20::NPluginHost {
@@ -27,16 +28,31 @@ struct TAskedConsumer {
   TDescriptor fOutput = {};  ///< What it wrote to standard output, from the start of the file.
 };
 
-/// Loads all these consumers side by side, and asks for their names.
-std::vector<TAskedConsumer> AskConsumers(const std::vector<TPluginFile>& plugins,
-                                         const TWorkerLimits& limits, const TWaitCallback& wait);
-
 /// What a consumer is to write.
 struct TConsumerRequest {
   std::vector<TMachineNamespace> fNamespaces;
   std::string fFile;          ///< "-" for standard output, which becomes fOutput.
   TOptionsMap fOptions = {};  ///< Besides "file" and "more".
 };
+
+/// Loads consumers side by side, beside other jobs, and asks for their names.
+class TConsumerNames {
+ public:
+  explicit TConsumerNames(const std::vector<TPluginFile>& plugins);
+
+  /// The caller runs them while this object lives and stays where it is.
+  std::vector<TWorkerJob> GetJobs();
+  /// What they were found to be, once the jobs have ended.
+  std::vector<TAskedConsumer> Take() && { return std::move(fConsumers); }
+
+ private:
+  const TConsumerRequest fNothing = {};
+  std::vector<TAskedConsumer> fConsumers;
+};
+
+/// Loads these consumers and asks for their names.
+std::vector<TAskedConsumer> AskConsumers(const std::vector<TPluginFile>& plugins,
+                                         const TWorkerLimits& limits, const TWaitCallback& wait);
 
 /// Passes the namespaces to the consumer, in this order, until it fails. In its process providers
 /// with the names of their origins serve them, too.

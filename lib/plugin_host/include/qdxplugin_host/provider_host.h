@@ -72,12 +72,13 @@ struct TAskedLibrary {
 };
 
 /// Asks the providers of all these libraries side by side. Nothing that they do affects this
-/// process or the others. Their log entries are logged here. Of
-/// two providers with one name the first is taken, or the one that is installed with the command;
-/// the other is a failure.
+/// process or the others. Their log entries are logged here. Of two providers with one name the
+/// first is taken, or the one that is installed with the command; the other is a failure. `others`
+/// are done beside them.
 std::vector<TAskedLibrary> AskProviders(const std::vector<TPluginFile>& plugins,
                                         const TProviderRequest& request,
-                                        const TWorkerLimits& limits, const TWaitCallback& wait);
+                                        const TWorkerLimits& limits, const TWaitCallback& wait,
+                                        const std::vector<TWorkerJob>& others = {});
 
 }  // namespace NVORNQDX20::NPluginHost
 
