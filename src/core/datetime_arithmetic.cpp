@@ -13,7 +13,7 @@ namespace {
 /// Microseconds in 128 bits: 64 bits overflow in distant years.
 __extension__ typedef __int128 TMicroseconds;
 
-constexpr TMicroseconds kPerSecond = 1000000;
+constexpr std::int64_t kPerSecond = 1000000;
 
 [[noreturn]] void RefuseTime() { throw TQDXException(kQDXStatusInvalidDateTime); }
 
@@ -41,25 +41,37 @@ TMicroseconds MicrosecondsOf(const TCIMDateTimeImpl& interval) {
   return SecondsOf(interval) * kPerSecond + interval.GetMicroSeconds();
 }
 
+/// Seconds and the rest, both with the sign of the sum.
+struct TSum {
+  std::int64_t fSeconds;
+  std::int64_t fMicroseconds;
+};
+
+TSum Split(TMicroseconds sum) {
+  const auto narrow = static_cast<std::int64_t>(sum);
+  if (narrow == sum) return {narrow / kPerSecond, narrow % kPerSecond};  // much faster
+  return {static_cast<std::int64_t>(sum / kPerSecond), static_cast<std::int64_t>(sum % kPerSecond)};
+}
+
 TCIMDateTime MakeInterval(TMicroseconds total) {
-  const TMicroseconds seconds = total / kPerSecond;
-  const TMicroseconds minutes = seconds / 60;
-  const TMicroseconds hours = minutes / 60;
+  const auto [seconds, microseconds] = Split(total);
+  const std::int64_t minutes = seconds / 60;
+  const std::int64_t hours = minutes / 60;
   return TCIMDateTime(
       static_cast<std::uint32_t>(hours / 24), static_cast<std::uint16_t>(hours % 24),
       static_cast<std::uint16_t>(minutes % 60), static_cast<std::uint16_t>(seconds % 60),
-      static_cast<std::uint32_t>(total % kPerSecond));
+      static_cast<std::uint32_t>(microseconds));
 }
 
-std::tm LocalTime(TMicroseconds seconds) {
-  const auto time = static_cast<std::time_t>(seconds);
+std::tm LocalTime(std::time_t time) {
   std::tm local{};
-  if (time != seconds || ::localtime_r(&time, &local) == nullptr) RefuseTime();
+  if (::localtime_r(&time, &local) == nullptr) RefuseTime();
   return local;
 }
 
 /// Returns the point of a local wall clock, read without daylight saving, at this many seconds.
-TCIMDateTime MakePoint(TMicroseconds seconds, std::uint32_t microseconds, std::int16_t utcOffset) {
+TCIMDateTime MakePoint(std::int64_t seconds, std::uint32_t microseconds, std::int16_t utcOffset) {
+  ::tzset();  // localtime_r() does not check for a changed zone
   std::tm local = LocalTime(seconds);
   if (local.tm_isdst != 0) local = LocalTime(seconds - 3600);
   return TCIMDateTime(
@@ -70,26 +82,26 @@ TCIMDateTime MakePoint(TMicroseconds seconds, std::uint32_t microseconds, std::i
 }
 
 TCIMDateTime AddToPoint(const TCIMDateTimeImpl& point, const TCIMDateTimeImpl& interval) {
-  const TMicroseconds total =
-      InstantOf(point) * kPerSecond + point.GetMicroSeconds() + MicrosecondsOf(interval);
+  const auto [seconds, microseconds] = Split(TMicroseconds{InstantOf(point)} * kPerSecond +
+                                             point.GetMicroSeconds() + MicrosecondsOf(interval));
   // The microseconds are computed before the sign is dropped, so that before 1970 they exceed a
   // million. Pinned by CIMDateTimeArithmetic.AddsAndSubtracts.
-  return MakePoint(Magnitude(total / kPerSecond), static_cast<std::uint32_t>(total % kPerSecond),
+  return MakePoint(Magnitude(seconds), static_cast<std::uint32_t>(microseconds),
                    point.GetUTCOffset());
 }
 
 /// `pointFraction` and `intervalFraction` are the microseconds to use for each operand.
 TCIMDateTime SubtractFromPoint(const TCIMDateTimeImpl& point, std::uint32_t pointFraction,
                                const TCIMDateTimeImpl& interval, std::uint32_t intervalFraction) {
-  const TMicroseconds difference = Magnitude((InstantOf(point) * kPerSecond + pointFraction) -
-                                             (SecondsOf(interval) * kPerSecond + intervalFraction));
-  return MakePoint(difference / kPerSecond, static_cast<std::uint32_t>(difference % kPerSecond),
-                   point.GetUTCOffset());
+  const auto [seconds, microseconds] =
+      Split(Magnitude((TMicroseconds{InstantOf(point)} * kPerSecond + pointFraction) -
+                      (SecondsOf(interval) * kPerSecond + intervalFraction)));
+  return MakePoint(seconds, static_cast<std::uint32_t>(microseconds), point.GetUTCOffset());
 }
 
 /// Returns the position of a point on a scale on which points of any offset can be subtracted.
 TMicroseconds MomentOf(const TCIMDateTimeImpl& point) {
-  return (InstantOf(point) - std::int64_t{point.GetUTCOffset()} * 60) * kPerSecond +
+  return TMicroseconds{InstantOf(point) - std::int64_t{point.GetUTCOffset()} * 60} * kPerSecond +
          point.GetMicroSeconds();
 }
 

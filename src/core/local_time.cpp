@@ -2,10 +2,12 @@
 #include "local_time.h"
 
 #include <qdxcore/status.h>
-#include <qdxsystem/zone_variable.h>
+#include <qdxsystem/zone_generation.h>
 
 #include <cstdlib>
 #include <ctime>
+#include <limits>
+#include <optional>
 
 namespace NVORNQDX20 {
 namespace {
@@ -16,161 +18,202 @@ constexpr std::int64_t kSecondsPerDay = 86400;
 constexpr std::int64_t kZoneReach = 4 * kSecondsPerDay;
 
 /// Returns the days from 1970-01-01 to the first of a month of the Gregorian calendar. Month 0 is
-/// January, -1 the December before.
-std::int64_t DaysToMonth(std::int64_t year, std::int64_t month) {
-  // Years begin in March, so that the leap day is the last day of a year.
-  const std::int64_t marchYear = month < 2 ? year - 1 : year;
-  const std::int64_t monthsSinceMarch = (month + 10) % 12;
-  const std::int64_t era = (marchYear >= 0 ? marchYear : marchYear - 399) / 400;
-  const std::int64_t yearOfEra = marchYear - era * 400;
-  const std::int64_t dayOfYear = (153 * monthsSinceMarch + 2) / 5;
-  const std::int64_t dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
-  return era * 146097 + dayOfEra - 719468;
+/// January.
+std::int64_t DaysToMonth(std::int64_t year, int month) {
+  // Years begin in March, so that the leap day is the last day of a year; and 4000 years earlier,
+  // so that none is negative.
+  constexpr int kDaysSinceMarch[] = {306, 337, 0, 31, 61, 92, 122, 153, 184, 214, 245, 275};
+  constexpr std::int64_t kDaysTo1970 = 2180438;
+  const auto marchYear = static_cast<std::uint32_t>(year + 4000 - (month < 2 ? 1 : 0));
+  const std::uint32_t century = marchYear / 100;
+  return std::int64_t{marchYear} * 365 + marchYear / 4 - century + century / 4 +
+         kDaysSinceMarch[month] - kDaysTo1970;
 }
 
-std::int64_t SecondsAtUTC(const std::tm& fields) {
-  const std::int64_t year = std::int64_t{fields.tm_year} + 1900 + fields.tm_mon / 12;
-  const std::int64_t days = DaysToMonth(year, fields.tm_mon % 12) + fields.tm_mday - 1;
-  return days * kSecondsPerDay + std::int64_t{fields.tm_hour} * 3600 +
-         std::int64_t{fields.tm_min} * 60 + fields.tm_sec;
+/// `month` 0 is January. All but the year may exceed their ranges.
+std::int64_t SecondsAtUTC(std::int64_t year, int month, int day, int hour, int minute, int second) {
+  if (month < 0 || month >= 12) {
+    const int years = month < 0 ? -1 : month / 12;
+    year += years;
+    month -= 12 * years;
+  }
+  return (DaysToMonth(year, month) + day - 1) * kSecondsPerDay + std::int64_t{hour} * 3600 +
+         std::int64_t{minute} * 60 + second;
 }
 
-constexpr std::int64_t kStretch = 16 * kSecondsPerDay;
-/// Three days for IsOffsetSteadyAround, plus two for the distance between a reading and its
+/// Some twelve days; a power of two divides fastest.
+constexpr std::int64_t kStretch = std::int64_t{1} << 20;
+/// A number of stretches, so that none is negative.
+constexpr std::int64_t kStretchesBefore1970 = std::int64_t{1} << 28;
+/// Three days for TZoneFacts::IsSteadyAround, plus two for the distance between a reading and its
 /// instant.
 constexpr std::int64_t kMargin = 5 * kSecondsPerDay;
 
-bool HaveSameOffset(const std::tm& left, const std::tm& right) {
-  return left.tm_gmtoff == right.tm_gmtoff && left.tm_isdst == right.tm_isdst;
-}
+/// More than the steps in which mktime() looks for standard time.
+constexpr std::int64_t kSearchStep = 8 * kSecondsPerDay;
 
-std::tm LocalTime(std::time_t time) {
-  std::tm local{};
-  ::localtime_r(&time, &local);
-  return local;
-}
-
-/// Samples one time per day: no zone has ever changed and changed back within three days.
-bool HasOneOffsetBetween(std::time_t first, std::time_t last) {
-  const std::tm start = LocalTime(first);
-  for (std::time_t time = first; time < last; time += kSecondsPerDay) {
-    if (!HaveSameOffset(start, LocalTime(time + kSecondsPerDay))) return false;
-  }
-  return true;
-}
-
-/// Returns the nearest time without daylight saving, in steps of a day; after 400 steps, a time
-/// with it.
-std::tm FindStandardTime(std::time_t from, std::time_t step) {
-  std::tm local = LocalTime(from);
-  for (int i = 0; i < 400 && local.tm_isdst != 0; ++i) local = LocalTime(from += step);
-  return local;
-}
-
-/// During daylight saving, mktime() subtracts the standard offset of the time before or after it,
-/// whichever its search in steps of a week finds first. Returns whether the two are equal; then no
-/// zone has ever changed its standard offset within a week of either.
-bool HasOneStandardOffsetAround(std::time_t first, std::time_t last) {
-  const std::tm before = FindStandardTime(first, -kSecondsPerDay);
-  return before.tm_isdst == 0 && HaveSameOffset(before, FindStandardTime(last, kSecondsPerDay));
-}
-
-bool IsSteadyBetween(std::time_t first, std::time_t last) {
-  return HasOneOffsetBetween(first, last) &&
-         (LocalTime(first).tm_isdst == 0 || HasOneStandardOffsetAround(first, last));
-}
-
-/// A cache: which periods of some days have a steady offset.
-class TStretches {
- public:
-  bool IsSteady(std::int32_t number) {
-    if (fZone.HasChanged()) {
-      for (TEntry& entry : fEntries) entry.fIsKnown = false;
-    }
-    TEntry& entry = fEntries[static_cast<std::size_t>(number) % kEntries];
-    if (!entry.fIsKnown || entry.fNumber != number) {
-      ::tzset();  // localtime_r() does not check for a changed zone
-      const std::int64_t start = number * kStretch;
-      entry = {number, true, IsSteadyBetween(start - kMargin, start + kStretch + kMargin)};
-    }
-    return entry.fIsSteady;
-  }
-
- private:
-  struct TEntry {
-    std::int32_t fNumber;
-    bool fIsKnown;
-    bool fIsSteady;
-  };
-  static constexpr std::size_t kEntries = 2048;  // ninety years
-
-  TZoneVariable fZone;
-  TEntry fEntries[kEntries] = {};
+/// What the local zone's clocks show.
+struct TSample {
+  std::int64_t fAhead;  // seconds ahead of the instant: leap seconds make it differ from tm_gmtoff
+  bool fIsStandard;
 };
 
-/// Distinct date-times may be used on distinct threads.
-thread_local TStretches gStretches;
+TSample SampleAt(std::time_t time) {
+  std::tm local{};
+  ::localtime_r(&time, &local);
+  return {SecondsAtUTC(std::int64_t{local.tm_year} + 1900, local.tm_mon, local.tm_mday,
+                       local.tm_hour, local.tm_min, local.tm_sec) -
+              time,
+          local.tm_isdst == 0};
+}
 
-/// Returns whether mktime() accepts every reading of the wall clock from three days before to three
-/// days after this one, and subtracts the same offset from each, so that they are ordered like
-/// their instants. Readings are in seconds since 1970 without daylight saving.
-///
-/// Each thread has a cache of some years, which is cleared when TZ changes. A replaced
-/// /etc/localtime is only noticed for readings that are not in the cache yet.
-bool IsOffsetSteadyAround(std::int64_t reading) {
-  const std::int64_t rounded = reading >= 0 ? reading : reading - (kStretch - 1);
-  return gStretches.IsSteady(static_cast<std::int32_t>(rounded / kStretch));
+/// Looks for the nearest time without daylight saving, in steps of a day; after 400 steps, returns
+/// a time with it.
+std::time_t FindStandardTime(std::time_t from, std::time_t step) {
+  for (int i = 0; i < 400 && !SampleAt(from).fIsStandard; ++i) from += step;
+  return from;
 }
 
 }  // namespace
 
+/// What is known of the host's zone: a cache of some years for each thread.
+class TZoneFacts {
+ public:
+  /// Looks at the zone, once for each operation: it costs more than all the rest.
+  static TZoneFacts& OfThisThread();
+
+  /// Returns whether mktime() accepts every reading of the wall clock from three days before to
+  /// three days after this one, and subtracts the same seconds from each, so that they are ordered
+  /// like their instants. A reading is in seconds since 1970 without daylight saving.
+  bool IsSteadyAround(std::int64_t reading) { return Find(reading).fSubtracted != kVarying; }
+
+  /// Returns the seconds that mktime() subtracts. REQUIRES: IsSteadyAround(reading).
+  std::int32_t SubtractedAt(std::int64_t reading) { return Find(reading).fSubtracted; }
+
+ private:
+  static constexpr std::size_t kStretches = 2048;  // 68 years
+  static constexpr std::int32_t kVarying = std::numeric_limits<std::int32_t>::min();
+
+  struct TStretch {
+    std::uint32_t fZone;
+    std::uint32_t fNumber;
+    std::int32_t fSubtracted;  // or kVarying
+  };
+
+  const TStretch& Find(std::int64_t reading) {
+    const auto number =
+        static_cast<std::uint32_t>((reading + kStretchesBefore1970 * kStretch) / kStretch);
+    TStretch& stretch = fStretches[number % kStretches];
+    if (stretch.fZone != fZone || stretch.fNumber != number) Examine(stretch, number);
+    return stretch;
+  }
+
+  __attribute__((noinline)) void Examine(TStretch& stretch, std::uint32_t number) const {
+    ::tzset();  // localtime_r() does not check for a changed zone
+    const std::int64_t first = (number - kStretchesBefore1970) * kStretch - kMargin;
+    stretch = {fZone, number, FindSubtracted(first, first + kStretch + 2 * kMargin)};
+  }
+
+  /// One sample per day is enough: no zone has ever changed and changed back within three days.
+  static std::int32_t FindSubtracted(std::time_t first, std::time_t last) {
+    const std::time_t before = FindStandardTime(first, -kSecondsPerDay);
+    const std::int64_t standard = SampleAt(before).fAhead;
+    std::optional<std::int64_t> saving;
+    for (std::time_t time = first - kSecondsPerDay; time < last;) {
+      const TSample sample = SampleAt(time += kSecondsPerDay);
+      if (!sample.fIsStandard && !saving) saving = sample.fAhead;
+      // Of the readings that a change between two kinds of daylight saving skips or repeats,
+      // mktime() subtracts one of the two offsets.
+      if (sample.fAhead != (sample.fIsStandard ? standard : *saving)) return kVarying;
+    }
+    // During daylight saving, mktime() subtracts the offset of a standard time before or after it,
+    // whichever its search in steps of a week finds first.
+    const auto isStandard = [standard](std::time_t time) {
+      const TSample sample = SampleAt(time);
+      return sample.fIsStandard && sample.fAhead == standard;
+    };
+    const std::time_t after = FindStandardTime(last, kSecondsPerDay);
+    const bool isSteady = !saving || (isStandard(before) && isStandard(before - kSearchStep) &&
+                                      isStandard(after) && isStandard(after + kSearchStep));
+    return isSteady ? static_cast<std::int32_t>(standard) : kVarying;
+  }
+
+  std::uint32_t fZone = 0;
+  TStretch fStretches[kStretches] = {};
+};
+
+namespace {
+
+/// Distinct date-times may be used on distinct threads.
+thread_local TZoneFacts gZoneFacts;
+
+}  // namespace
+
+TZoneFacts& TZoneFacts::OfThisThread() {
+  TZoneFacts& facts = gZoneFacts;
+  facts.fZone = ZoneGeneration();
+  return facts;
+}
+
 TWallClock::TWallClock(std::uint16_t year, std::uint16_t month, std::uint32_t day,
                        std::uint16_t hour, int minute, std::uint16_t second)
-    : fFields() {
-  fFields.tm_year = year - 1900;
-  fFields.tm_mon = month - 1;
-  fFields.tm_mday = static_cast<int>(day);
-  fFields.tm_hour = hour;
-  fFields.tm_min = minute;
-  fFields.tm_sec = second;
-  fFields.tm_isdst = 0;
-  fSecondsAtUTC = SecondsAtUTC(fFields);
+    : fYear(year),
+      fMonth(month - 1),
+      fDay(static_cast<int>(day)),
+      fHour(hour),
+      fMinute(minute),
+      fSecond(second) {
+  fSecondsAtUTC = SecondsAtUTC(fYear, fMonth, fDay, fHour, fMinute, fSecond);
 }
 
 std::int64_t TWallClock::CallMktime() const {
-  std::tm fields = fFields;  // mktime() normalises its argument
+  std::tm fields{};
+  fields.tm_year = fYear - 1900;
+  fields.tm_mon = fMonth;
+  fields.tm_mday = fDay;
+  fields.tm_hour = fHour;
+  fields.tm_min = fMinute;
+  fields.tm_sec = fSecond;
   return std::mktime(&fields);
 }
 
-std::int64_t TWallClock::Instant() const {
+std::int64_t TWallClock::InstantByMktime() const {
   const std::int64_t instant = CallMktime();
   if (instant == -1) throw TQDXException(kQDXStatusInvalidDateTime);
   return instant;
 }
 
-bool TWallClock::IsConvertible() const { return IsSurelyConvertible() || CallMktime() != -1; }
-
-bool TWallClock::IsSurelyConvertible() const {
-  return std::abs(fSecondsAtUTC) > kZoneReach && IsOffsetSteadyAround(fSecondsAtUTC);
+std::int64_t TWallClock::Instant() const {
+  TZoneFacts& zone = TZoneFacts::OfThisThread();
+  if (!IsOrderedLikeInstants(zone)) return InstantByMktime();
+  return fSecondsAtUTC - zone.SubtractedAt(fSecondsAtUTC);
 }
 
-void TWallClock::RequireConvertible() const {
-  if (!IsConvertible()) throw TQDXException(kQDXStatusInvalidDateTime);
+bool TWallClock::IsConvertible() const { return IsConvertible(TZoneFacts::OfThisThread()); }
+
+bool TWallClock::IsConvertible(TZoneFacts& zone) const {
+  return IsSurelyConvertible(zone) || CallMktime() != -1;
+}
+
+bool TWallClock::IsSurelyConvertible(TZoneFacts& zone) const {
+  return std::abs(fSecondsAtUTC) > kZoneReach && zone.IsSteadyAround(fSecondsAtUTC);
 }
 
 /// Around a steady offset, nearby readings are ordered like their instants. The exception are zones
 /// with leap seconds, where seconds that carry over give a different instant.
-bool TWallClock::IsOrderedLikeInstants() const {
-  return fFields.tm_sec < 60 && IsSurelyConvertible();
+bool TWallClock::IsOrderedLikeInstants(TZoneFacts& zone) const {
+  return fSecond < 60 && IsSurelyConvertible(zone);
 }
 
 int TWallClock::Compare(const TWallClock& other) const {
+  TZoneFacts& zone = TZoneFacts::OfThisThread();
   std::int64_t difference = fSecondsAtUTC - other.fSecondsAtUTC;
   if (std::abs(difference) > 2 * kZoneReach) {  // more than any two offsets differ
-    RequireConvertible();
-    other.RequireConvertible();
-  } else if (!IsOrderedLikeInstants() || !other.IsOrderedLikeInstants()) {
-    difference = Instant() - other.Instant();
+    if (!IsConvertible(zone) || !other.IsConvertible(zone)) {
+      throw TQDXException(kQDXStatusInvalidDateTime);
+    }
+  } else if (!IsOrderedLikeInstants(zone) || !other.IsOrderedLikeInstants(zone)) {
+    difference = InstantByMktime() - other.InstantByMktime();
   }
   return (difference > 0) - (difference < 0);
 }

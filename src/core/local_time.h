@@ -4,16 +4,17 @@
 #define SRC_CORE_LOCAL_TIME_H_
 
 #include <cstdint>
-#include <ctime>
 
 namespace NVORNQDX20 {
+
+class TZoneFacts;
 
 /// A reading of the local wall clock without daylight saving. Fields out of range carry over, as in
 /// mktime().
 ///
 /// mktime() fails for the instant -1, and for readings that standard time skips when a zone's
 /// offset from UTC changes. It is slow, since it checks for a changed zone each time, so it is only
-/// called where it can fail, or where it decides the order of two readings.
+/// called where it can fail, or near a change of the zone's offset.
 class TWallClock {
  public:
   TWallClock(std::uint16_t year, std::uint16_t month, std::uint32_t day, std::uint16_t hour,
@@ -31,12 +32,18 @@ class TWallClock {
 
  private:
   std::int64_t CallMktime() const;
-  bool IsSurelyConvertible() const;
-  void RequireConvertible() const;
-  bool IsOrderedLikeInstants() const;
+  std::int64_t InstantByMktime() const;
+  bool IsConvertible(TZoneFacts& zone) const;
+  bool IsSurelyConvertible(TZoneFacts& zone) const;
+  bool IsOrderedLikeInstants(TZoneFacts& zone) const;
 
-  std::tm fFields;
   std::int64_t fSecondsAtUTC;  // the instant if the local zone were UTC
+  int fYear;
+  int fMonth;  // January is 0
+  int fDay;
+  int fHour;
+  int fMinute;
+  int fSecond;
 };
 
 }  // namespace NVORNQDX20

@@ -4,10 +4,14 @@
 #include "support/expect_status.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
 #include <filesystem>
 #include <random>
 #include <tuple>
+#include <utility>
+
+#include <unistd.h>
 
 using namespace NVORNQDX20;
 
@@ -183,6 +187,87 @@ TEST(CIMDateTime, IsTakenAndOrderedAsMktimeHasIt) {
     }
     EXPECT_TRUE(zone == nullptr || refused == refusesSome) << zone;
   }
+}
+
+/// The distance of two points is that of their instants by mktime(), around changes of daylight
+/// saving.
+TEST(CIMDateTime, IsMeasuredAsMktimeHasIt) {
+  const std::pair<const char*, std::time_t> rows[] = {
+      {"Europe/Berlin", 1459040400},
+      {"Europe/Berlin", 1477789200},
+      {"Europe/London", -904518000},        // from summer time to double summer time
+      {"Europe/Dublin", 1477789200},        // where winter is the exception
+      {"Antarctica/Troll", 1459040400},     // two hours
+      {"Australia/Lord_Howe", 1459609200},  // half an hour
+      {"Africa/Casablanca", 1557021600},
+      {"right/America/Denver", 127290592},  // standard time is found before a leap second
+      {"AAA0BBB-3,J100/0,J100/5", 1460246400}};
+  std::mt19937 random(1);
+  for (const auto& [zone, centre] : rows) {
+    SetZone(zone);
+    TCIMDateTime last;
+    std::time_t lastInstant = 0;
+    for (int i = 0; i < 2000; ++i) {
+      const int around = i % 2 == 0 ? 10000 : 2000000;
+      const std::time_t shown =
+          centre + std::uniform_int_distribution<int>(-around, around)(random);
+      std::tm fields{};
+      ::gmtime_r(&shown, &fields);
+      const TCIMDateTime point = PointOf(fields, 0);
+      const std::time_t instant = std::mktime(&fields);
+      if (i > 0) {
+        const TCIMDateTime distance = point - last;
+        ASSERT_EQ(distance.GetDay() * 86400 + distance.GetHour() * 3600 +
+                      distance.GetMinute() * 60 + distance.GetSecond(),
+                  std::abs(instant - lastInstant))
+            << zone << " " << shown;
+      }
+      last = point;
+      lastInstant = instant;
+    }
+  }
+}
+
+/// However the environment changes, the next operation is in the zone of TZ: in Kwajalein there was
+/// no such day.
+TEST(CIMDateTime, FollowsTheEnvironment) {
+  if (!std::filesystem::exists("/usr/share/zoneinfo")) GTEST_SKIP() << "needs tzdata";
+  const auto isTaken = [] { return TCIMDateTimeImpl::IsValid(1993, 8, 21, 12, 0, 0, 0, 0); };
+  const char* const kSkipping = "Pacific/Kwajalein";
+  ::unsetenv("TZ");
+  ::setenv("FIRST", "1", 1);
+  ::setenv("SECOND", "2", 1);
+  EXPECT_TRUE(isTaken());
+  ::unsetenv("SECOND");
+  ::setenv("TZ", kSkipping, 1);  // as many entries as before
+  EXPECT_FALSE(isTaken());
+  ::unsetenv("FIRST");
+  EXPECT_FALSE(isTaken());
+  ::unsetenv("TZ");
+  EXPECT_TRUE(isTaken());
+
+  char entry[32] = "TZ=UTC";
+  ::putenv(entry);
+  EXPECT_TRUE(isTaken());
+  std::strcpy(entry + 3, kSkipping);
+  EXPECT_FALSE(isTaken());
+  for (int i = 0; i < 1100; ++i) ::setenv(("FILLER" + std::to_string(i)).c_str(), "", 1);
+  std::strcpy(entry + 3, "UTC");
+  EXPECT_TRUE(isTaken());
+  ::unsetenv("TZ");
+  EXPECT_TRUE(isTaken());
+  ::setenv("TZ", kSkipping, 1);  // comes last, too far to be remembered
+  EXPECT_FALSE(isTaken());
+
+  char* own[] = {entry, nullptr};
+  char** const old = std::exchange(environ, own);
+  EXPECT_TRUE(isTaken());
+  environ = nullptr;
+  EXPECT_TRUE(isTaken());
+  environ = old;
+  EXPECT_FALSE(isTaken());
+  for (int i = 0; i < 1100; ++i) ::unsetenv(("FILLER" + std::to_string(i)).c_str());
+  EXPECT_FALSE(isTaken());
 }
 
 TEST(CIMDateTimeComparison, HonoursOffsetsAndFractions) {

@@ -3,18 +3,31 @@
 #include <qdxsystem/error_text.h>
 #include <qdxsystem/utf8.h>
 #include <qdxsystem/write.h>
+#include <qdxsystem/zone_generation.h>
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+static ino_t gLocaltime = 1;
+
+/// Stands before the C library's function: the file of the time zone has the number of gLocaltime.
+extern "C" __attribute__((visibility("default"))) int stat(const char* path,
+                                                           struct stat* result) noexcept {
+  const int status = ::fstatat(AT_FDCWD, path, result, 0);
+  if (status == 0 && std::strcmp(path, "/etc/localtime") == 0) result->st_ino = gLocaltime;
+  return status;
+}
 
 using namespace NVORNQDX20;
 
@@ -135,4 +148,25 @@ TEST(UTF8, CostsOneByteWhereItIsBad) {
     EXPECT_EQ(bytes, text);
     EXPECT_TRUE(codePoints == expected) << ::testing::PrintToString(text);
   }
+}
+
+TEST(ZoneGeneration, ChangesWithTheFileOfTheZoneUnlessTZIsSet) {
+  struct stat file {};
+  if (::stat("/etc/localtime", &file) != 0) GTEST_SKIP() << "needs /etc/localtime";
+  ::unsetenv("TZ");
+  const std::uint32_t first = ZoneGeneration();
+  EXPECT_NE(first, 0U);
+  ::usleep(1100000);
+  EXPECT_EQ(ZoneGeneration(), first);
+  gLocaltime = 2;
+  ::usleep(1100000);
+  EXPECT_NE(ZoneGeneration(), first);
+  ::setenv("TZ", "UTC", 1);
+  const std::uint32_t set = ZoneGeneration();
+  gLocaltime = 3;
+  ::usleep(1100000);
+  EXPECT_EQ(ZoneGeneration(), set);
+  // Too long to be remembered.
+  ::setenv("TZ", std::string(100, 'X').c_str(), 1);
+  EXPECT_NE(ZoneGeneration(), ZoneGeneration());
 }

@@ -2,7 +2,7 @@
 // The time and the names of this machine, and operations that do nothing on Linux.
 #include <qdxcore/os_specific.h>
 #include <qdxcore/status.h>
-#include <qdxsystem/zone_variable.h>
+#include <qdxsystem/zone_generation.h>
 
 #include <cerrno>
 #include <ctime>
@@ -17,17 +17,18 @@ namespace {
 class TLocalSecond {
  public:
   const tm& At(time_t second) {
-    const bool isOtherZone = fZone.HasChanged();
-    if (isOtherZone || second != fSecond) {
+    const std::uint32_t zone = ZoneGeneration();
+    if (zone != fZone || second != fSecond) {
       ::tzset();  // slow, since it looks at /etc/localtime; localtime_r does not look
       ::localtime_r(&second, &fLocal);
+      fZone = zone;
       fSecond = second;
     }
     return fLocal;
   }
 
  private:
-  TZoneVariable fZone;
+  std::uint32_t fZone = 0;
   time_t fSecond = 0;
   tm fLocal{};
 };

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Notices a change of the process's time zone.
+#ifndef QDXSYSTEM_ZONE_GENERATION_H_
+#define QDXSYSTEM_ZONE_GENERATION_H_
+
+#include <cstdint>
+
+namespace NVORNQDX20 {
+
+/// Returns a number for caches of what depends on the time zone: it differs from the last one that
+/// this thread got if TZ has another text, or if TZ is not set and /etc/localtime was replaced.
+/// Such a file is noticed within a second. Never returns 0; allocates nothing.
+///
+/// A text of TZ that is too long to be remembered gives another number each time.
+std::uint32_t ZoneGeneration();
+
+}  // namespace NVORNQDX20
+
+#endif  // QDXSYSTEM_ZONE_GENERATION_H_
