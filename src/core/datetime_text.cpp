@@ -3,7 +3,12 @@
 #include <qdxcore/datetime.h>
 #include <qdxcore/status.h>
 
+#include <array>
+#include <charconv>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <iterator>
 
 namespace NVORNQDX20 {
 namespace {
@@ -14,34 +19,50 @@ constexpr std::size_t kSignPosition = 21;
 
 [[noreturn]] void RefuseDateTime() { throw TQDXException(kQDXStatusInvalidDateTime); }
 
-std::uint32_t ReadNumber(const char* digits, int count) {
-  std::uint32_t number = 0;
-  for (int i = 0; i < count; ++i)
-    number = number * 10 + static_cast<std::uint32_t>(digits[i] - '0');
-  return number;
+/// Eight characters, of which the first is the lowest byte.
+std::uint64_t EightAt(const std::string& text, std::size_t position) {
+  std::uint64_t characters = 0;
+  std::memcpy(&characters, text.data() + position, sizeof characters);
+  return characters;
 }
 
-bool HasShapeOfDateTime(const std::string& text) {
-  if (text.size() != kTextLength || text[kPointPosition] != '.') return false;
-  for (std::size_t i = 0; i < kTextLength; ++i) {
-    if (i == kPointPosition || i == kSignPosition) continue;
-    if (text[i] < '0' || text[i] > '9') return false;
+/// Four numbers of two digits each, read at once.
+class TDigitPairs {
+ public:
+  explicit TDigitPairs(std::uint64_t characters) {
+    constexpr std::uint64_t kHighHalves = 0xF0F0F0F0F0F0F0F0;
+    constexpr std::uint64_t kDigits = 0x3030303030303030;
+    fAreDigits = (characters & kHighHalves) == kDigits &&
+                 ((characters + 0x0606060606060606) & kHighHalves) == kDigits;
+    const std::uint64_t digits = characters ^ kDigits;
+    fPairs = digits * 10 + (digits >> 8);
   }
-  return true;
-}
+
+  bool AreDigits() const { return fAreDigits; }
+  std::uint32_t operator[](int index) const { return fPairs >> (16 * index) & 0xFF; }
+  /// Returns the number of all digits from a pair to a later one.
+  std::uint32_t From(int first, int last) const {
+    std::uint32_t number = 0;
+    for (int i = first; i <= last; ++i) number = number * 100 + (*this)[i];
+    return number;
+  }
+
+ private:
+  bool fAreDigits;
+  std::uint64_t fPairs;
+};
 
 /// A buffer for decimal numbers with leading zeros; fits the largest value of every field.
 class TFieldWriter {
  public:
-  TFieldWriter& Number(std::uint32_t number, int minimumWidth) {
-    char digits[10];
-    int count = 0;
-    do {
-      digits[count++] = static_cast<char>('0' + number % 10);
-      number /= 10;
-    } while (number != 0);
-    for (int i = count; i < minimumWidth; ++i) *fEnd++ = '0';
-    while (count > 0) *fEnd++ = digits[--count];
+  template <int kMinimumWidth>
+  TFieldWriter& Number(std::uint32_t number) {
+    if (number < PowerOfTen(kMinimumWidth)) {
+      PutDigits<kMinimumWidth>(fEnd, number);
+      fEnd += kMinimumWidth;
+    } else {
+      fEnd = std::to_chars(fEnd, std::end(fText), number).ptr;
+    }
     return *this;
   }
 
@@ -53,6 +74,29 @@ class TFieldWriter {
   std::string Text() const { return std::string(fText, static_cast<std::size_t>(fEnd - fText)); }
 
  private:
+  static constexpr std::uint32_t PowerOfTen(int exponent) {
+    return exponent == 0 ? 1 : 10 * PowerOfTen(exponent - 1);
+  }
+
+  /// Two digits at a time: half of the divisions.
+  template <int kWidth>
+  static void PutDigits(char* to, std::uint32_t number) {
+    static constexpr std::array<char, 200> kPairs = [] {
+      std::array<char, 200> pairs{};
+      for (std::size_t i = 0; i < 100; ++i) {
+        pairs[2 * i] = static_cast<char>('0' + i / 10);
+        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+      }
+      return pairs;
+    }();
+    if constexpr (kWidth == 1) {
+      *to = static_cast<char>('0' + number);
+    } else {
+      if constexpr (kWidth > 2) PutDigits<kWidth - 2>(to, number / 100);
+      std::memcpy(to + kWidth - 2, kPairs.data() + 2 * (number % 100), 2);
+    }
+  }
+
   char fText[80];
   char* fEnd = fText;
 };
@@ -69,25 +113,29 @@ void AppendQuantity(std::string& text, std::uint32_t number, const char* unit) {
 }  // namespace
 
 void TCIMDateTimeImpl::Set(const std::string& text) {
-  if (!HasShapeOfDateTime(text)) RefuseDateTime();
-  const char* const digits = text.data();
-  const auto field = [digits](int position, int count) {
-    return static_cast<std::uint16_t>(ReadNumber(digits + position, count));
-  };
-
-  // Microseconds, and the days of an interval below, are narrowed to 16 bits on purpose: 123456 is
-  // stored as 57920. Pinned by CIMDateTimeText.NarrowsMicrosecondsAndDays.
-  const std::uint16_t microseconds = field(15, 6);
+  if (text.size() != kTextLength || text[kPointPosition] != '.') RefuseDateTime();
+  // What is no digit, at the positions 14 and 21, is replaced by one.
+  const TDigitPairs date(EightAt(text, 0));
+  const TDigitPairs clock(EightAt(text, 6));
+  const TDigitPairs fraction((EightAt(text, 13) & ~std::uint64_t{0xFFFF}) | 0x3030);
+  const TDigitPairs zone((EightAt(text, 17) >> 32 & 0xFFFFFF00) | 0x3030303000000030);
   const char sign = text[kSignPosition];
-  const auto offset = static_cast<std::int16_t>(field(22, 3));
-  if (sign == ':') {
-    if (offset != 0) RefuseDateTime();
-    Set(std::uint32_t{field(0, 8)}, field(8, 2), field(10, 2), field(12, 2), microseconds);
-  } else if (sign == '+' || sign == '-') {
-    Set(field(0, 4), field(4, 2), field(6, 2), field(8, 2), field(10, 2), field(12, 2),
-        microseconds, static_cast<std::int16_t>(sign == '-' ? -offset : offset));
-  } else {
+  if (!date.AreDigits() || !clock.AreDigits() || !fraction.AreDigits() || !zone.AreDigits() ||
+      (sign != ':' && sign != '+' && sign != '-') || (sign == ':' && zone.From(0, 1) != 0)) {
     RefuseDateTime();
+  }
+
+  const auto narrow = [](std::uint32_t number) { return static_cast<std::uint16_t>(number); };
+  // Microseconds, and the days of an interval, are narrowed to 16 bits on purpose: 123456 is stored
+  // as 57920. Pinned by CIMDateTimeText.NarrowsMicrosecondsAndDays.
+  const std::uint16_t microseconds = narrow(fraction.From(1, 3));
+  const std::uint16_t hour = narrow(clock[1]), minute = narrow(clock[2]), second = narrow(clock[3]);
+  if (sign == ':') {
+    Set(std::uint32_t{narrow(date.From(0, 3))}, hour, minute, second, microseconds);
+  } else {
+    const auto offset = static_cast<std::int16_t>(zone.From(0, 1));
+    Set(narrow(date.From(0, 1)), narrow(date[2]), date[3], hour, minute, second, microseconds,
+        static_cast<std::int16_t>(sign == '-' ? -offset : offset));
   }
 }
 
@@ -95,18 +143,18 @@ std::string TCIMDateTimeImpl::ToString() const {
   if (fNull) RefuseDateTime();
   TFieldWriter text;
   if (fInterval) {
-    text.Number(fDay, 8);
+    text.Number<8>(fDay);
   } else {
-    text.Number(fYear, 4).Number(fMonth, 2).Number(fDay, 2);
+    text.Number<4>(fYear).Number<2>(fMonth).Number<2>(fDay);
   }
-  text.Number(fHour, 2).Number(fMinute, 2).Number(fSecond, 2);
-  text.Character('.').Number(fMicroseconds, 6);
+  text.Number<2>(fHour).Number<2>(fMinute).Number<2>(fSecond);
+  text.Character('.').Number<6>(fMicroseconds);
   if (fInterval) {
-    text.Character(':').Number(0, 3);
+    text.Character(':').Number<3>(0);
   } else {
     const int offset = fUTCOffset;
     text.Character(offset < 0 ? '-' : '+')
-        .Number(static_cast<std::uint32_t>(offset < 0 ? -offset : offset), 3);
+        .Number<3>(static_cast<std::uint32_t>(offset < 0 ? -offset : offset));
   }
   return text.Text();
 }
@@ -124,9 +172,9 @@ std::string TCIMDateTimeImpl::ToUIString() const {
     return text;  // with the trailing blank
   }
   TFieldWriter text;
-  text.Number(fMonth, 2).Character('/').Number(fDay, 2).Character('/').Number(fYear, 4);
-  text.Character(' ').Number(fHour, 2).Character(':').Number(fMinute, 2);
-  text.Character(':').Number(fSecond, 2);
+  text.Number<2>(fMonth).Character('/').Number<2>(fDay).Character('/').Number<4>(fYear);
+  text.Character(' ').Number<2>(fHour).Character(':').Number<2>(fMinute);
+  text.Character(':').Number<2>(fSecond);
   return text.Text();
 }
 

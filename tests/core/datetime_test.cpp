@@ -109,6 +109,30 @@ TEST(CIMDateTimeText, ThatIsBadIsRefusedAndChangesNothing) {
             "4294967295235959.999999:000");
 }
 
+TEST(CIMDateTimeText, HasDigitsAndNothingElse) {
+  for (const std::string good : {"20040315143000.000000+060", "00000001020304.000005:000"}) {
+    for (std::size_t position = 0; position < good.size(); ++position) {
+      for (int c = 0; c < 256; ++c) {
+        std::string text = good;
+        text[position] = static_cast<char>(c);
+        const bool isDigit = c >= '0' && c <= '9';
+        const bool isInterval = good[21] == ':';
+        // Hours, minutes and seconds of an interval have limits.
+        if (isInterval && isDigit && position >= 8 && position < 14) continue;
+        const bool isGood = position == 14   ? c == '.'
+                            : position == 21 ? c == '+' || c == '-' || (c == ':' && isInterval)
+                            : isInterval && position > 21 ? c == '0'
+                                                          : isDigit;
+        const std::string status = StatusThrownBy([&] { (void)Parse(text); });
+        ASSERT_EQ(status, isGood ? "nothing" : "kQDXStatusInvalidDateTime") << text;
+        if (isGood && !isInterval && position < 15) {
+          ASSERT_EQ(Parse(text).ToString(), text);
+        }
+      }
+    }
+  }
+}
+
 TCIMDateTime PointOf(const std::tm& fields, int utcOffset) {
   const auto field = [](int number) { return static_cast<std::uint16_t>(number); };
   return TCIMDateTime(field(fields.tm_year + 1900), field(fields.tm_mon + 1), field(fields.tm_mday),
