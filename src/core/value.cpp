@@ -5,6 +5,8 @@
 
 #include "value_payload.h"
 
+#include <memory>
+#include <type_traits>
 #include <utility>
 
 namespace NVORNQDX20 {
@@ -81,7 +83,17 @@ TCIMValue::TCIMValue(TCIMType elementType, unsigned int maxArraySize,
   Set(elementType, maxArraySize, elements);
 }
 
-TCIMValue::TCIMValue(const TCIMValue& other) : TCIMValue() { Set(other); }
+// What Set(other) does to a null value of no type, without the comparison that it begins with.
+TCIMValue::TCIMValue(const TCIMValue& other) : fType(other.fType), fMaxArraySize(0) {
+  if (IsArray()) {
+    fMaxArraySize = other.fMaxArraySize;
+  } else if (!CanHoldContent(fType)) {
+    if (fType == TCIMType::kCIMTypeNone) return;
+    throw TQDXException(kQDXStatusTypeMismatch);
+  }
+  if (other.fImpl) fImpl = other.fImpl->Clone();
+  if (IsReference()) fReferencedClass = other.fReferencedClass;
+}
 
 TCIMValue::TCIMValue(TCIMValue&& other) noexcept
     : fType(other.fType),
@@ -101,7 +113,13 @@ TCIMValue::~TCIMValue() = default;
 template <typename T>
 void TCIMValue::SetScalar(const T& value) {
   // The new payload first: a failure changes nothing.
-  auto payload = std::make_unique<typename TMappingOf<T>::TPayload>(value);
+  using TPayload = typename TMappingOf<T>::TPayload;
+  std::unique_ptr<TCIMValueImpl> payload;
+  if constexpr (std::is_same_v<TPayload, TCIMNumericValueImpl>) {
+    payload = std::make_unique<TPayload>(TMappingOf<T>::kType, value);
+  } else {
+    payload = std::make_unique<TPayload>(value);
+  }
   fType = TMappingOf<T>::kType;
   fImpl = std::move(payload);
 }
@@ -231,6 +249,10 @@ const TCIMReference* TCIMValue::FindReference() const noexcept {
 
 bool TCIMValue::operator==(const TCIMValue& other) const {
   if (IsNull() != other.IsNull() || fType != other.fType) return false;
+  if (TCIMNumericValueImpl::IsIn(*this)) {
+    return static_cast<const TCIMNumericValueImpl&>(*fImpl).HasNumberOf(
+        static_cast<const TCIMNumericValueImpl&>(*other.fImpl));
+  }
   if (!IsNull()) return *fImpl == other;
   if (IsReference()) return fReferencedClass == other.fReferencedClass;
   return !IsArray() || fMaxArraySize == other.fMaxArraySize;

@@ -9,6 +9,7 @@
 #include <charconv>
 #include <clocale>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <limits>
 #include <string_view>
@@ -19,28 +20,32 @@ namespace NVORNQDX20 {
 namespace {
 
 std::string_view SkipWhiteSpace(std::string_view text) {
-  const std::size_t start = text.find_first_not_of(" \t\n\v\f\r");
-  return start == std::string_view::npos ? std::string_view() : text.substr(start);
+  while (!text.empty() && (text.front() == ' ' || (text.front() >= '\t' && text.front() <= '\r'))) {
+    text.remove_prefix(1);
+  }
+  return text;
 }
 
-bool StartsWith(std::string_view text, std::string_view prefix) {
-  return text.substr(0, prefix.size()) == prefix;
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+/// Returns the character, or 0 beyond the end.
+char At(std::string_view text, std::size_t position) {
+  return position < text.size() ? text[position] : '\0';
 }
 
 /// Removes a sign from the text. Returns whether it was a minus.
 bool TakeSign(std::string_view& text) {
-  const bool negative = StartsWith(text, "-");
-  if (negative || StartsWith(text, "+")) text.remove_prefix(1);
-  return negative;
+  const char sign = At(text, 0);
+  if (sign == '-' || sign == '+') text.remove_prefix(1);
+  return sign == '-';
 }
 
 /// Removes the prefix of a C integer from the text. Returns the base.
 int TakeBase(std::string_view& text) {
-  if (StartsWith(text, "0x") || StartsWith(text, "0X")) {
-    text.remove_prefix(2);
-    return 16;
-  }
-  return StartsWith(text, "0") ? 8 : 10;
+  if (At(text, 0) != '0') return 10;
+  if (At(text, 1) != 'x' && At(text, 1) != 'X') return 8;
+  text.remove_prefix(2);
+  return 16;
 }
 
 template <typename T>
@@ -53,21 +58,36 @@ T WithSign(unsigned long magnitude, bool negative) {
   return sizeof(T) == sizeof(magnitude) ? static_cast<T>(0 - magnitude) : T{0};
 }
 
+/// Returns the number at the start of a text in base 8, 10 or 16; 0 if there is none or it exceeds
+/// 64 bits.
+std::uint64_t ReadMagnitude(std::string_view text, int base) {
+  std::uint64_t number = 0;
+  if (base == 10) {
+    constexpr std::size_t kSurelyFits = 19;
+    std::size_t count = 0;
+    for (; count < text.size() && IsDigit(text[count]) && count < kSurelyFits; ++count) {
+      number = number * 10 + static_cast<std::uint64_t>(text[count] - '0');
+    }
+    if (count < kSurelyFits) return number;
+  }
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), number, base);
+  return result.ec == std::errc() ? number : 0;
+}
+
 template <typename T>
 T ReadInteger(std::string_view text) {
   text = SkipWhiteSpace(text);
   const bool negative = TakeSign(text);
   const int base = TakeBase(text);
-  unsigned long magnitude = 0;
-  const auto result = std::from_chars(text.data(), text.data() + text.size(), magnitude, base);
-  return result.ec == std::errc() ? WithSign<T>(magnitude, negative) : T{0};
+  return WithSign<T>(ReadMagnitude(text, base), negative);
 }
 
-bool ReadBoolean(std::string_view text) { return StartsWith(SkipWhiteSpace(text), "true"); }
+bool ReadBoolean(std::string_view text) { return SkipWhiteSpace(text).substr(0, 4) == "true"; }
 
 std::size_t CountDigits(std::string_view text) {
-  const std::size_t end = text.find_first_not_of("0123456789");
-  return end == std::string_view::npos ? text.size() : end;
+  std::size_t count = 0;
+  while (count < text.size() && IsDigit(text[count])) ++count;
+  return count;
 }
 
 /// Returns the length of the decimal number at the start of a text without a sign; 0 if there is
@@ -75,16 +95,16 @@ std::size_t CountDigits(std::string_view text) {
 std::size_t LengthOfReal(std::string_view text) {
   std::size_t length = CountDigits(text);
   std::size_t digits = length;
-  if (StartsWith(text.substr(length), ".")) {
+  if (At(text, length) == '.') {
     const std::size_t fraction = CountDigits(text.substr(length + 1));
     digits += fraction;
     length += 1 + fraction;
   }
-  if (digits == 0 || length == text.size() || (text[length] != 'e' && text[length] != 'E')) {
+  if (digits == 0 || (At(text, length) != 'e' && At(text, length) != 'E')) {
     return digits == 0 ? 0 : length;
   }
   ++length;
-  if (length < text.size() && (text[length] == '+' || text[length] == '-')) ++length;
+  if (At(text, length) == '+' || At(text, length) == '-') ++length;
   const std::size_t exponent = CountDigits(text.substr(length));
   return exponent == 0 ? 0 : length + exponent;
 }

@@ -3,39 +3,43 @@
 
 #include <qdxcore/status.h>
 
+#include <algorithm>
 #include <charconv>
+#include <string_view>
+#include <type_traits>
 
 namespace NVORNQDX20 {
 namespace {
 
+using TCIMType = TCIMValue::TCIMType;
+
 [[noreturn]] void TypeMismatch() { throw TQDXException(kQDXStatusTypeMismatch); }
 
-std::string Format(bool value, int) { return value ? "true" : "false"; }
-
 /// As the classic streams write it: 6 significant digits, "1e-05", no zeros at the end.
-std::string Format(double value, int radix) {
+char* WriteReal(char* text, double value, int radix) {
   if (radix != 10) throw TQDXException(kQDXStatusNotSupported);
-  char text[32];
-  const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::general, 6);
-  return std::string(text, end.ptr);
+  return std::to_chars(text, text + TCIMNumericValueImpl::kMaxLength, value,
+                       std::chars_format::general, 6)
+      .ptr;
 }
 
-std::string Format(float value, int radix) { return Format(double{value}, radix); }
+char* WriteSigned(char* text, std::int64_t value, int radix) {
+  // Refused in other radices, rather than shown as two's complement.
+  if (radix != 10) throw TQDXException(kQDXStatusNotSupported);
+  return std::to_chars(text, text + TCIMNumericValueImpl::kMaxLength, value).ptr;
+}
 
-template <typename T>
-std::string Format(T value, int radix) {
-  // Signed numbers are refused in other radices, rather than shown as two's complement.
-  if (std::is_signed_v<T> && radix != 10) throw TQDXException(kQDXStatusNotSupported);
-  char text[24];
-  const auto end = std::to_chars(text, text + sizeof text, value, radix);
-  if (radix != 16) return std::string(text, end.ptr);
-
-  const auto length = static_cast<std::size_t>(end.ptr - text);
-  std::string padded(2 * sizeof(T) - length, '0');
-  for (const char* c = text; c != end.ptr; ++c) {
-    padded += static_cast<char>(*c >= 'a' ? *c - 'a' + 'A' : *c);
+/// Hexadecimal numbers have all the digits of a type of `size` bytes.
+char* WriteUnsigned(char* text, std::uint64_t value, int radix, int size) {
+  char* const end = text + TCIMNumericValueImpl::kMaxLength;
+  if (radix == 8) return std::to_chars(text, end, value, radix).ptr;
+  if (radix == 10) {
+    const auto narrow = static_cast<std::uint32_t>(value);  // divides in half the time
+    return narrow == value ? std::to_chars(text, end, narrow).ptr
+                           : std::to_chars(text, end, value).ptr;
   }
-  return padded;
+  for (int shift = 8 * size; shift > 0;) *text++ = "0123456789ABCDEF"[value >> (shift -= 4) & 15];
+  return text;
 }
 
 }  // namespace
@@ -58,24 +62,63 @@ TCIMValueImpl::operator TCIMReference() const { TypeMismatch(); }
 TCIMValueImpl::operator std::vector<TCIMValue>&() const { TypeMismatch(); }
 
 template <typename T>
-T TCIMNumericValueImpl::Get() const {
-  const T* const number = std::get_if<T>(&fNumber);
-  if (number == nullptr) TypeMismatch();
-  return *number;
+T TCIMNumericValueImpl::Get(TCIMType::ECIMType type) const {
+  if (fType != type) TypeMismatch();
+  if constexpr (std::is_same_v<T, float>) {
+    return fNumber.fFloat;
+  } else if constexpr (std::is_same_v<T, double>) {
+    return fNumber.fDouble;
+  } else {
+    return static_cast<T>(fNumber.fSigned);
+  }
+}
+
+char* TCIMNumericValueImpl::Write(char* text, unsigned char radix) const {
+  if (radix != 10 && radix != 16 && radix != 8) throw TQDXException(kQDXStatusNotSupported);
+  switch (fType) {
+    case TCIMType::kCIMTypeBoolean: {
+      const std::string_view word = fNumber.fUnsigned != 0 ? "true" : "false";
+      return text + word.copy(text, word.size());
+    }
+    case TCIMType::kCIMTypeReal32:
+      return WriteReal(text, double{fNumber.fFloat}, radix);
+    case TCIMType::kCIMTypeReal64:
+      return WriteReal(text, fNumber.fDouble, radix);
+    case TCIMType::kCIMTypeUint8:
+      return WriteUnsigned(text, fNumber.fUnsigned, radix, 1);
+    case TCIMType::kCIMTypeUint16:
+      return WriteUnsigned(text, fNumber.fUnsigned, radix, 2);
+    case TCIMType::kCIMTypeUint32:
+      return WriteUnsigned(text, fNumber.fUnsigned, radix, 4);
+    case TCIMType::kCIMTypeUint64:
+      return WriteUnsigned(text, fNumber.fUnsigned, radix, 8);
+    default:
+      return WriteSigned(text, fNumber.fSigned, radix);
+  }
 }
 
 std::string TCIMNumericValueImpl::ToString(unsigned char radix) const {
-  if (radix != 10 && radix != 16 && radix != 8) throw TQDXException(kQDXStatusNotSupported);
-  return std::visit([radix](auto number) { return Format(number, radix); }, fNumber);
+  char text[kMaxLength];
+  return std::string(text, Write(text, radix));
 }
 
 bool TCIMNumericValueImpl::operator==(const TCIMValue& other) const {
-  return other.GetType() == GetType() && !other.IsNull() &&
-         fNumber == PayloadOf<TCIMNumericValueImpl>(other).fNumber;
+  return other.GetType() == fType && !other.IsNull() &&
+         HasNumberOf(PayloadOf<TCIMNumericValueImpl>(other));
 }
 
 bool TCIMNumericValueImpl::operator<(const TCIMValue& other) const {
-  return fNumber < PayloadOf<TCIMNumericValueImpl>(other).fNumber;
+  const TNumber& right = PayloadOf<TCIMNumericValueImpl>(other).fNumber;
+  switch (fType) {
+    case TCIMType::kCIMTypeReal32:
+      return fNumber.fFloat < right.fFloat;
+    case TCIMType::kCIMTypeReal64:
+      return fNumber.fDouble < right.fDouble;
+    case TCIMType::kCIMTypeUint64:
+      return fNumber.fUnsigned < right.fUnsigned;
+    default:
+      return fNumber.fSigned < right.fSigned;
+  }
 }
 
 std::string TCIMStringValueImpl::ToString(unsigned char) const { return fContent; }
@@ -91,19 +134,36 @@ TCIMValue TCIMReferenceValueImpl::ToValue(std::unique_ptr<TCIMReferenceValueImpl
 
 std::string TCIMReferenceValueImpl::ToString(unsigned char) const { return fContent.GetPath(); }
 
+// Most arrays are of numbers, and cost little more than a loop over those.
+
 std::string TCIMArrayValueImpl::ToString(unsigned char radix) const {
   std::string text = "{ ";
+  text.reserve(8 * fElements.size());
   for (const TCIMValue& element : fElements) {
-    if (&element != &fElements.front()) text += ", ";
-    text += element.ToString(radix);
+    const std::size_t skipped = &element == &fElements.front() ? 2 : 0;
+    if (TCIMNumericValueImpl::IsIn(element)) {
+      char number[2 + TCIMNumericValueImpl::kMaxLength] = {',', ' '};
+      const char* const end = PayloadOf<TCIMNumericValueImpl>(element).Write(number + 2, radix);
+      text.append(number + skipped, static_cast<std::size_t>(end - number) - skipped);
+    } else {
+      text.append(", ", 2 - skipped);
+      text += element.ToString(radix);
+    }
   }
   text += " }";
   return text;
 }
 
 bool TCIMArrayValueImpl::operator==(const TCIMValue& other) const {
-  return other.IsArray() && !other.IsNull() &&
-         fElements == PayloadOf<TCIMArrayValueImpl>(other).fElements;
+  if (!other.IsArray() || other.IsNull()) return false;
+  const std::vector<TCIMValue>& elements = PayloadOf<TCIMArrayValueImpl>(other).fElements;
+  return std::equal(fElements.begin(), fElements.end(), elements.begin(), elements.end(),
+                    [](const TCIMValue& left, const TCIMValue& right) {
+                      if (!TCIMNumericValueImpl::IsIn(left)) return left == right;
+                      return left.GetType() == right.GetType() && !right.IsNull() &&
+                             PayloadOf<TCIMNumericValueImpl>(left).HasNumberOf(
+                                 PayloadOf<TCIMNumericValueImpl>(right));
+                    });
 }
 
 bool TCIMArrayValueImpl::operator<(const TCIMValue&) const {

@@ -6,11 +6,11 @@
 #include <qdxcore/reference.h>
 #include <qdxcore/value.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
-#include <type_traits>
 #include <utility>
-#include <variant>
 #include <vector>
 
 namespace NVORNQDX20 {
@@ -69,41 +69,76 @@ class TClonable : public TBase {
   using TBase::TBase;
 };
 
-/// A boolean or a number. The alternatives are in the order of their type codes.
+/// A boolean or a number.
 class TCIMNumericValueImpl final : public TClonable<TCIMNumericValueImpl> {
  public:
+  /// REQUIRES: `type` is the type of T.
   template <typename T>
-  explicit TCIMNumericValueImpl(T value) : fNumber(value) {}
+  TCIMNumericValueImpl(TCIMValue::TCIMType type, T value) : fType(type), fNumber(value) {}
 
-  operator bool() const override { return Get<bool>(); }
-  operator unsigned char() const override { return Get<unsigned char>(); }
-  operator signed char() const override { return Get<signed char>(); }
-  operator unsigned short() const override { return Get<unsigned short>(); }
-  operator short() const override { return Get<short>(); }
-  operator unsigned int() const override { return Get<unsigned int>(); }
-  operator int() const override { return Get<int>(); }
-  operator unsigned long() const override { return Get<unsigned long>(); }
-  operator long() const override { return Get<long>(); }
-  operator float() const override { return Get<float>(); }
-  operator double() const override { return Get<double>(); }
+  /// Returns whether the value has a payload of this class.
+  static bool IsIn(const TCIMValue& value) {
+    return !value.IsNull() &&
+           value.GetType() - TCIMValue::TCIMType::kCIMTypeBoolean <=
+               TCIMValue::TCIMType::kCIMTypeReal64 - TCIMValue::TCIMType::kCIMTypeBoolean;
+  }
+
+  operator bool() const override { return Get<bool>(TCIMValue::TCIMType::kCIMTypeBoolean); }
+  operator unsigned char() const override {
+    return Get<unsigned char>(TCIMValue::TCIMType::kCIMTypeUint8);
+  }
+  operator signed char() const override {
+    return Get<signed char>(TCIMValue::TCIMType::kCIMTypeSint8);
+  }
+  operator unsigned short() const override {
+    return Get<unsigned short>(TCIMValue::TCIMType::kCIMTypeUint16);
+  }
+  operator short() const override { return Get<short>(TCIMValue::TCIMType::kCIMTypeSint16); }
+  operator unsigned int() const override {
+    return Get<unsigned int>(TCIMValue::TCIMType::kCIMTypeUint32);
+  }
+  operator int() const override { return Get<int>(TCIMValue::TCIMType::kCIMTypeSint32); }
+  operator unsigned long() const override {
+    return Get<unsigned long>(TCIMValue::TCIMType::kCIMTypeUint64);
+  }
+  operator long() const override { return Get<long>(TCIMValue::TCIMType::kCIMTypeSint64); }
+  operator float() const override { return Get<float>(TCIMValue::TCIMType::kCIMTypeReal32); }
+  operator double() const override { return Get<double>(TCIMValue::TCIMType::kCIMTypeReal64); }
   std::string ToString(unsigned char radix) const override;
   bool operator==(const TCIMValue& other) const override;
   bool operator<(const TCIMValue& other) const override;
 
- private:
-  using TNumber = std::variant<bool, unsigned char, signed char, unsigned short, short,
-                               unsigned int, int, unsigned long, long, float, double>;
-  static_assert(
-      std::is_same_v<double, std::variant_alternative_t<TCIMValue::TCIMType::kCIMTypeReal64 -
-                                                            TCIMValue::TCIMType::kCIMTypeBoolean,
-                                                        TNumber>>);
-
-  template <typename T>
-  T Get() const;
-  TCIMValue::TCIMType GetType() const {
-    return static_cast<unsigned int>(fNumber.index()) + TCIMValue::TCIMType::kCIMTypeBoolean;
+  /// REQUIRES: both have the same type.
+  bool HasNumberOf(const TCIMNumericValueImpl& other) const {
+    if (fType == TCIMValue::TCIMType::kCIMTypeReal32) return fNumber.fFloat == other.fNumber.fFloat;
+    if (fType == TCIMValue::TCIMType::kCIMTypeReal64) {
+      return fNumber.fDouble == other.fNumber.fDouble;
+    }
+    return fNumber.fUnsigned == other.fNumber.fUnsigned;
   }
 
+  /// Writes what ToString returns. Returns the end of the text.
+  static constexpr std::size_t kMaxLength = 32;
+  char* Write(char* text, unsigned char radix) const;
+
+ private:
+  /// Integers are extended to 64 bits, so that those of one type are equal if all bits are.
+  union TNumber {
+    explicit TNumber(float number) : fUnsigned(0) { fFloat = number; }
+    explicit TNumber(double number) : fDouble(number) {}
+    template <typename T>
+    explicit TNumber(T number) : fSigned(static_cast<std::int64_t>(number)) {}
+
+    std::uint64_t fUnsigned;
+    std::int64_t fSigned;
+    float fFloat;
+    double fDouble;
+  };
+
+  template <typename T>
+  T Get(TCIMValue::TCIMType::ECIMType type) const;
+
+  TCIMValue::TCIMType fType;
   TNumber fNumber;
 };
 

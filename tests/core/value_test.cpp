@@ -11,6 +11,9 @@
 #include <ctime>
 #include <filesystem>
 #include <limits>
+#include <locale>
+#include <random>
+#include <sstream>
 #include <tuple>
 #include <type_traits>
 
@@ -24,7 +27,8 @@ using TCIMType = TCIMValue::TCIMType;
 using TElements = std::vector<TCIMValue>;
 
 constexpr auto kUint8 = TCIMType::kCIMTypeUint8, kSint32 = TCIMType::kCIMTypeSint32,
-               kString = TCIMType::kCIMTypeString, kReference = TCIMType::kCIMTypeReference;
+               kReal = TCIMType::kCIMTypeReal64, kString = TCIMType::kCIMTypeString,
+               kReference = TCIMType::kCIMTypeReference;
 
 const TCIMDateTime kDate("20040315143000.000000+060");
 
@@ -279,6 +283,12 @@ TEST(CIMValueEquality, ComparesTypeAndContent) {
               {one, Array(kSint32, 4, {1, 1}), false},
               {0.0, -0.0, true},
               {std::nan(""), std::nan(""), false},
+              {Array(kSint32, 0, {1, 2}), Array(kSint32, 0, {1, 3}), false},
+              {Array(kSint32, 0, {1}), Array(kSint32, 0, {Null(kSint32)}), false},
+              {Array(kSint32, 0, {Null(kSint32)}), Array(kSint32, 0, {Null(kSint32)}), true},
+              {Array(kReal, 0, {0.0}), Array(kReal, 0, {-0.0}), true},
+              {Array(kReal, 0, {std::nan("")}), Array(kReal, 0, {std::nan("")}), false},
+              {Array(kString, 0, {"a"}), Array(kString, 0, {"b"}), false},
               {"a", "A", false}};
   for (const auto& row : rows) EXPECT_EQ(row.fLeft == row.fRight, row.fEqual) << &row - rows;
 }
@@ -317,6 +327,10 @@ TEST(CIMValueText, FollowsTheRadix) {
     EXPECT_EQ(text(16), row.fHexadecimal) << row.fDecimal;
     EXPECT_EQ(text(8), row.fOctal) << row.fDecimal;
   }
+  const TCIMValue many = Array(kUint8, 0, std::vector<TCIMValue>(300, U8(200)));
+  std::string joined = "{ 200";
+  for (int i = 1; i < 300; ++i) joined += ", 200";
+  EXPECT_EQ(many.ToString(10), joined + " }");
   const unsigned char others[] = {0, 2, 9, 11, 255};
   for (const unsigned char radix : others) {
     EXPECT_QDX_STATUS(TCIMValue(true).ToString(radix), kQDXStatusNotSupported);
@@ -366,6 +380,30 @@ TEST(CIMValueParsing, OfIntegersBeyondTheirRange) {
       Row("9223372036854775807", 9223372036854775807L), Row("9223372036854775808", 0L),
       Row("-9223372036854775808", std::numeric_limits<long>::min()),
       Row("-9223372036854775809", 0L));
+}
+
+/// Reads like a stream that takes the base from the prefix.
+TEST(CIMValueParsing, OfAnyIntegerIsThatOfAStream) {
+  std::mt19937 engine(1);
+  const auto number = [&engine](int from, int to) {
+    return std::uniform_int_distribution<int>(from, to)(engine);
+  };
+  for (int i = 0; i < 20000; ++i) {
+    std::string text(static_cast<std::size_t>(number(0, 2)), ' ');
+    if (number(0, 2) == 0) text += "+-"[number(0, 1)];
+    if (number(0, 2) == 0) text += number(0, 1) == 0 ? "0x" : "0";
+    const bool isLong = number(0, 1) == 0;
+    for (int length = number(isLong ? 17 : 0, 21); length > 0; --length) {
+      text += "0123456789abF xX+-,9999999999"[number(0, isLong ? 9 : 28)];
+    }
+    std::istringstream stream(text);
+    stream.imbue(std::locale::classic());
+    stream.unsetf(std::ios::basefield);
+    long expected = 0;
+    stream >> expected;
+    EXPECT_EQ(static_cast<long>(Parse(TCIMType::kCIMTypeSint64, text)), stream ? expected : 0)
+        << text;
+  }
 }
 
 TEST(CIMValueParsing, OfReals) {
