@@ -61,7 +61,12 @@ class TObjectPathParser {
     if (fPosition >= fPath.size() || fPath[fPosition] != '"') {
       Refuse("Reference missing opening '\"', path=");
     }
-    target.AddKeyValue(name, ParseValue(*decl));
+    TCIMValue value = ParseValue(*decl);
+    if (decl->GetType() == value.GetType()) {
+      target.BindKey(name, std::move(value));  // AddKeyValue() would look the declaration up again
+    } else {
+      target.AddKeyValue(name, std::move(value));  // refuses it
+    }
     ++fPosition;  // over the closing quote
   }
 
@@ -112,9 +117,32 @@ class TObjectPathParser {
 };
 
 void AppendQuoted(std::string& path, const std::string& text) {
+  if (text.find_first_of("\"\\") == std::string::npos) {
+    path += text;
+    return;
+  }
   for (const char c : text) {
     if (c == '"' || c == '\\') path += '\\';
     path += c;
+  }
+}
+
+void AppendPath(std::string& path, const TCIMReferenceImpl& reference) {
+  path += reference.GetClassName();
+  char separator = '.';
+  for (const auto& [name, value] : reference.GetKeyBindings()) {
+    path += separator;
+    path += name;
+    path += "=\"";
+    if (const TCIMReference* const nested = value.FindReference()) {
+      AppendPath(path, *nested->GetBody());  // keeps its quotes as they are
+    } else if (const std::string* const text = value.FindString()) {
+      AppendQuoted(path, *text);
+    } else {
+      AppendQuoted(path, value.ToString(10));
+    }
+    path += '"';
+    separator = ',';
   }
 }
 
@@ -126,22 +154,9 @@ void TCIMReferenceImpl::ParsePath(TCIMReferenceImpl* target, const std::string& 
 }
 
 std::string TCIMReferenceImpl::GetPath() const {
-  std::string path = fClass->GetName({});
-  if (fKeyBindings.empty()) return path;
-
-  path += '.';
-  for (const auto& [name, value] : fKeyBindings) {
-    const std::string text = value.ToString(10);
-    path += name;
-    path += "=\"";
-    if (value.IsReference()) {
-      path += text;  // a nested path keeps its quotes as they are
-    } else {
-      AppendQuoted(path, text);
-    }
-    path += "\",";
-  }
-  path.pop_back();
+  std::string path;
+  path.reserve(128);
+  AppendPath(path, *this);
   return path;
 }
 
