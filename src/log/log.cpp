@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Writes messages to the log, and passes them to its listeners.
 #include <qdxcore/logger.h>
-#include <qdxcore/registry.h>
 
 namespace NVORNQDX20 {
 namespace {
@@ -18,10 +17,10 @@ std::string Joined(std::initializer_list<std::string_view> parts) {
 }  // namespace
 
 void LogMessage(ILogger::EQDXLogSeverity severity, std::initializer_list<std::string_view> parts) {
-  ILogger* const logger = TRootObject::GetCoreLogger();
+  TLogger* const logger = TLogger::GetInstance();
   if (logger == nullptr) return;
   const bool isAdmitted =
-      severity == ILogger::kLogRecordOnly || severity <= logger->GetLogThreshold();
+      severity == ILogger::kLogRecordOnly || severity <= logger->TLogger::GetLogThreshold();
   if (isAdmitted || TLogListener::AnyHears(severity)) {
     logger->OutputLogEntry(severity, Joined(parts));
   }

@@ -23,7 +23,9 @@ std::string MakeLine(ILogger::EQDXLogSeverity severity, const std::string& messa
   // Unsigned, so that a negative severity is rejected, too.
   const auto label = static_cast<std::uint32_t>(severity);
   if (label >= std::size(kLabels)) throw TQDXException(kQDXStatusFail);
-  std::string line = "PRQ_";
+  std::string line;
+  line.reserve(16 + message.size());
+  line += "PRQ_";
   line += kLabels[label];
   line += message;
   line += '\n';
@@ -58,7 +60,7 @@ TLogger::~TLogger() {
 }
 
 void TLogger::OutputLogEntry(EQDXLogSeverity severity, const std::string& message) {
-  TLogListener::TellAll(severity, message);
+  if (TLogListener::fgNewest != nullptr) TLogListener::TellAll(severity, message);
   if (severity != kLogRecordOnly && severity > fThreshold) return;
   if (severity <= kLogDebug || severity == kLogRecordOnly) {
     fLog.push_back({severity, message, TOSSpecific::GetLocalTime()});
