@@ -40,7 +40,6 @@ class TNumbering {
     TNumberedFacts result{{}, {}, {}, TSight(fFacts)};
     AddFacts(result);
     AddMissing(result);
-    AddShown(result);
     return result;
   }
 
@@ -74,6 +73,7 @@ class TNumbering {
   void NumberObjects() {
     TRows rows;
     for (const TDocumentFacts::TObject& each : fFacts.fObjects) {
+      RequireName(each.fParts);
       rows.push_back({ClassOf(each.fClass), each.fName, each.fParts});
     }
     fObjects = fInterner.Intern(kObjectTable, rows);
@@ -91,8 +91,10 @@ class TNumbering {
         if (readings.insert(key).second) result.fReadings.push_back({key, fact.fValue});
       } else if (indexes.emplace(key, values.size()).second) {
         values.push_back(fact.fValue);
+        if (!result.fSight.Covers(TSight::kFacts, NamesOf(fact))) {
+          result.fSight.AddShown(TSight::kFacts, key);
+        }
       }
-      fNames.emplace(key, NamesOf(fact));
     }
     const TNumbers numbers = fInterner.InternStrings(values);
     for (const auto& [key, index] : indexes) result.fFacts.push_back({key, numbers[index]});
@@ -134,24 +136,14 @@ class TNumbering {
       const TDocumentFacts::TClass& cimClass = fFacts.fClasses[missing.fClass];
       const TKey key = {objectNumbers[i], propertyNumbers[i]};
       observed.emplace(key, reasonNumbers[i]);
-      fMissingNames.emplace(
-          key, TKeyNames{cimClass.fNamespace, cimClass.fName, objects[i][2].get<std::string>(),
-                         missing.fObject, missing.fProperty});
+      const TKeyNames names = {cimClass.fNamespace, cimClass.fName,
+                               objects[i][2].get<std::string>(), missing.fObject,
+                               missing.fProperty};
+      if (!result.fSight.Covers(TSight::kMissing, names)) {
+        result.fSight.AddShown(TSight::kMissing, key);
+      }
     }
     for (const auto& [key, reason] : observed) result.fMissing.push_back({key, reason});
-  }
-
-  void AddShown(TNumberedFacts& result) const {
-    for (const TObservation& fact : result.fFacts) {
-      if (!result.fSight.Covers(TSight::kFacts, fNames.at(fact.fKey))) {
-        result.fSight.AddShown(TSight::kFacts, fact.fKey);
-      }
-    }
-    for (const TObservation& missing : result.fMissing) {
-      if (!result.fSight.Covers(TSight::kMissing, fMissingNames.at(missing.fKey))) {
-        result.fSight.AddShown(TSight::kMissing, missing.fKey);
-      }
-    }
   }
 
   const TDocumentFacts& fFacts;
@@ -159,8 +151,6 @@ class TNumbering {
   TNumbers fClasses;
   TNumbers fProperties;
   TNumbers fObjects;
-  std::map<TKey, TKeyNames> fNames;
-  std::map<TKey, TKeyNames> fMissingNames;
 };
 
 }  // namespace

@@ -4,6 +4,8 @@
 #include <qdxcore/status.h>
 
 #include <algorithm>
+#include <sstream>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -14,40 +16,11 @@ using TJSON = nlohmann::json;
 
 const char* const kNamespaces = "namespaces";
 const char* const kUnknown = "unknown";
-const char* const kUnknownKeys = "unknownKeys";
 const char* const kShown[] = {"shownFacts", "shownMissing"};
 
-bool Matches(const std::string& pattern, const std::string& text) {
-  return pattern.empty() || pattern == text;
-}
+enum EElement : std::size_t { kNamespace, kClass, kPart, kObject, kProperty };
 
-/// A part that is not known may be any.
-bool MatchesPart(const std::string& part, const TKeyNames& names) {
-  if (part.empty() || (names.fParts.empty() && !names.fObject)) return true;
-  return (" " + names.fParts + " ").find(" " + part + " ") != std::string::npos;
-}
-
-bool Matches(const TUnknown& unknown, const TKeyNames& names) {
-  return Matches(unknown.fNamespace, names.fNamespace) && MatchesPart(unknown.fPart, names) &&
-         Matches(unknown.fProperty, names.fProperty) &&
-         (!unknown.fObject || unknown.fObject == names.fObject);
-}
-
-bool MatchesAny(const std::vector<TUnknown>& unknown, const TKeyNames& names) {
-  return std::any_of(unknown.begin(), unknown.end(),
-                     [&](const TUnknown& each) { return Matches(each, names); });
-}
-
-TJSON ToJSON(const TUnknown& unknown) {
-  return {unknown.fNamespace, unknown.fClass, unknown.fPart,
-          unknown.fObject ? TJSON(*unknown.fObject) : TJSON(), unknown.fProperty};
-}
-
-TUnknown ToUnknown(const TJSON& json) {
-  TUnknown unknown{json.at(0), json.at(1), json.at(2), {}, json.at(4)};
-  if (json.at(3).is_string()) unknown.fObject = json.at(3).get<std::string>();
-  return unknown;
-}
+unsigned BitOf(EElement element) { return 1U << element; }
 
 }  // namespace
 
@@ -60,8 +33,11 @@ TSight::TSight(const std::string& text) {
   try {
     const TJSON json = TJSON::parse(text);
     json.at(kNamespaces).get_to(fNamespaces);
-    for (const TJSON& unknown : json.at(kUnknown)) Add(ToUnknown(unknown));
-    json.at(kUnknownKeys).get_to(fUnknownKeys);
+    for (const TJSON& unknown : json.at(kUnknown)) {
+      std::optional<std::string> object;
+      if (unknown.at(3).is_string()) object = unknown.at(3).get<std::string>();
+      Add({unknown.at(0), unknown.at(1), unknown.at(2), object, unknown.at(4)});
+    }
     for (const EKind kind : {kFacts, kMissing}) {
       for (const TJSON& key : json.at(kShown[kind])) {
         fShown[kind].insert({key.at(0).get<std::int64_t>(), key.at(1).get<std::int64_t>()});
@@ -74,25 +50,46 @@ TSight::TSight(const std::string& text) {
 }
 
 void TSight::Add(const TUnknown& unknown) {
-  const bool namesEverything = !unknown.fNamespace.empty() && !unknown.fClass.empty() &&
-                               unknown.fPart.empty() && unknown.fObject &&
-                               !unknown.fProperty.empty();
-  if (namesEverything) {
-    fUnknownKeys.insert({unknown.fNamespace, unknown.fClass, *unknown.fObject, unknown.fProperty});
-  } else {
-    fUnknown[unknown.fClass].push_back(unknown);
+  const auto& [ns, className, part, object, property] = unknown;
+  if (!fUnknown.insert({ns, className, part, object, property}).second) return;
+  TNamesOfScope names = {ns, className, part, object.value_or(""), property};
+  TShape shape = object ? BitOf(kObject) : 0;
+  for (const EElement element : {kNamespace, kClass, kPart, kProperty}) {
+    if (!names[element].empty()) shape |= BitOf(element);
   }
+  fScopes[shape].insert(names);
+  if (part.empty()) return;
+  names[kPart].clear();
+  fScopesOfAnyPart[shape].insert(names);
 }
 
 bool TSight::Covers(EKind kind, const TKeyNames& names) const {
   if (fNamespaces.count(names.fNamespace) == 0) return false;
-  const auto everywhere = fUnknown.find("");
-  if (everywhere != fUnknown.end() && MatchesAny(everywhere->second, names)) return false;
-  if (kind == kMissing) return true;
-  const auto inClass = fUnknown.find(names.fClass);
-  if (inClass != fUnknown.end() && MatchesAny(inClass->second, names)) return false;
-  return fUnknownKeys.empty() || !names.fObject ||
-         fUnknownKeys.count({names.fNamespace, names.fClass, *names.fObject, names.fProperty}) == 0;
+  return std::none_of(fScopes.begin(), fScopes.end(), [&](const auto& each) {
+    const TShape shape = each.first;
+    const bool isOfClass = (shape & BitOf(kClass)) != 0;
+    return !(kind == kMissing && isOfClass) && Has(shape, names);
+  });
+}
+
+/// Returns whether a scope of this shape has the key.
+bool TSight::Has(TShape shape, const TKeyNames& names) const {
+  if ((shape & BitOf(kObject)) != 0 && !names.fObject) return false;
+  const TNamesOfScope all = {names.fNamespace, names.fClass, "", names.fObject.value_or(""),
+                             names.fProperty};
+  TNamesOfScope key;
+  for (const EElement element : {kNamespace, kClass, kObject, kProperty}) {
+    if ((shape & BitOf(element)) != 0) key[element] = all[element];
+  }
+  const std::set<TNamesOfScope>& scopes = fScopes.at(shape);
+  if ((shape & BitOf(kPart)) == 0) return scopes.count(key) != 0;
+  // The parts of all objects of a class are not known: they may be any.
+  if (!names.fObject) return fScopesOfAnyPart.at(shape).count(key) != 0;
+  std::istringstream parts(names.fParts);
+  while (parts >> key[kPart]) {
+    if (scopes.count(key) != 0) return true;
+  }
+  return false;
 }
 
 bool TSight::Knows(EKind kind, const TKey& key, const TKeyNames& names) const {
@@ -100,11 +97,11 @@ bool TSight::Knows(EKind kind, const TKey& key, const TKeyNames& names) const {
 }
 
 std::string TSight::ToText() const {
-  std::set<TJSON> unknown;
-  for (const auto& [name, all] : fUnknown) {
-    for (const TUnknown& each : all) unknown.insert(ToJSON(each));
+  TJSON unknown = TJSON::array();
+  for (const auto& [ns, className, part, object, property] : fUnknown) {
+    unknown.push_back({ns, className, part, object ? TJSON(*object) : TJSON(), property});
   }
-  TJSON json = {{kNamespaces, fNamespaces}, {kUnknown, unknown}, {kUnknownKeys, fUnknownKeys}};
+  TJSON json = {{kNamespaces, fNamespaces}, {kUnknown, unknown}};
   for (const EKind kind : {kFacts, kMissing}) {
     TJSON& keys = json[kShown[kind]] = TJSON::array();
     for (const TKey& key : fShown[kind]) keys.push_back({key.fObject, key.fProperty});

@@ -3,11 +3,12 @@
 #ifndef TOOLS_QDX_STORE_STORAGE_SIGHT_H_
 #define TOOLS_QDX_STORE_STORAGE_SIGHT_H_
 
+#include <array>
 #include <map>
 #include <optional>
 #include <set>
 #include <string>
-#include <vector>
+#include <tuple>
 
 #include "input/document_facts.h"
 #include "timeline.h"
@@ -49,13 +50,22 @@ class TSight {
   std::string ToText() const;
 
  private:
+  /// Namespace, class, part, object and property.
+  using TNamesOfScope = std::array<std::string, 5>;
+  /// Which of them a scope names: bit i stands for element i.
+  using TShape = unsigned;
+
   void Add(const TUnknown& unknown);
+  bool Has(TShape shape, const TKeyNames& names) const;
 
   std::set<std::string> fNamespaces;
-  /// By class; those of every class under the empty name.
-  std::map<std::string, std::vector<TUnknown>> fUnknown;
-  /// Those that name everything, which may be many: namespace, class, object, property.
-  std::set<std::vector<std::string>> fUnknownKeys;
+  std::set<
+      std::tuple<std::string, std::string, std::string, std::optional<std::string>, std::string>>
+      fUnknown;
+  /// The same for look-ups: a document may have many. What a scope does not name is empty.
+  std::map<TShape, std::set<TNamesOfScope>> fScopes;
+  /// Those that name a part, without it.
+  std::map<TShape, std::set<TNamesOfScope>> fScopesOfAnyPart;
   std::set<TKey> fShown[2];
 };
 
