@@ -91,7 +91,8 @@ std::string DocumentsQuery() {
   return "SELECT " + kHostColumns +
          ", @TIME(d.moment) AS time, d.digest, t.value AS tool_version, d.has_all_permissions,"
          " d.is_complete, l.value AS parts_left_out, d.facts,"
-         " (SELECT COUNT(*) FROM problem AS p WHERE p.document = d.id) AS problems"
+         " (SELECT COUNT(*) FROM problem AS p WHERE p.document = d.id) AS problems,"
+         " CASE WHEN d.added IS NULL THEN NULL ELSE @TIME(d.added) END AS added"
          " FROM document AS d JOIN host AS h ON h.id = d.host"
          " JOIN string AS t ON t.id = d.tool_version JOIN string AS l ON l.id = d.parts_left_out";
 }

@@ -43,12 +43,15 @@ std::optional<std::int64_t> AddDocumentRow(TDatabase& database, TInterner& inter
                                    std::size_t{facts.fIsComplete}, facts.fFacts.size()}) {
     values.emplace_back(static_cast<std::int64_t>(number));
   }
+  const auto now = std::chrono::system_clock::now().time_since_epoch();
+  values.emplace_back(MomentOf(std::chrono::duration_cast<std::chrono::microseconds>(now).count(),
+                               std::string(kDigestBits / 4, '0')));
   return database.QueryNumber(
       "INSERT INTO document (host, identity, moment, digest, sight, name, uuid, machine_id,"
       " serial_number, manufacturer, model, tool_version, parts_left_out, has_all_permissions,"
-      " is_complete, facts)"
+      " is_complete, facts, added)"
       " VALUES (:host, :identity, :moment, :digest, :sight, :name, :uuid, :machine, :serial,"
-      " :maker, :model, :tool, :parts, :permissions, :complete, :facts)"
+      " :maker, :model, :tool, :parts, :permissions, :complete, :facts, :added)"
       " ON CONFLICT (digest) DO NOTHING RETURNING id",
       values);
 }
@@ -136,6 +139,15 @@ TStore::TAdded TStore::AddOnce(const TDocumentFacts& facts) {
 bool TStore::Has(const std::string& digest) {
   return fDatabase.QueryNumber("SELECT id FROM document WHERE digest = :digest", {digest})
       .has_value();
+}
+
+void TStore::UpdateStatistics() {
+  if (!fDatabase.IsSQLite()) return;  // a server does so by itself
+  try {
+    fDatabase.Execute("PRAGMA analysis_limit = 1000");
+    fDatabase.Execute("ANALYZE");
+  } catch (const TDatabaseError&) {  // NOLINT(bugprone-empty-catch): queries only take longer
+  }
 }
 
 std::int64_t TStore::PruneReadings(std::int64_t before) {

@@ -30,6 +30,9 @@ class TStore {
   /// Returns whether the store has a document with this digest. Throws a TDatabaseError.
   bool Has(const std::string& digest);
 
+  /// Lets queries choose their ways by how many rows there are now. Failures are ignored.
+  void UpdateStatistics();
+
   /// Removes the readings of documents before this time, in microseconds since 1970. Returns how
   /// many. Throws a TDatabaseError.
   std::int64_t PruneReadings(std::int64_t before);

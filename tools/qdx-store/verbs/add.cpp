@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <chrono>
 #include <cstddef>
+#include <optional>
 #include <string>
-#include <vector>
 
 #include "cli/failure.h"
 #include "cli/output.h"
@@ -13,6 +14,9 @@
 
 namespace NVORNQDX20::NStore {
 namespace {
+
+/// What the clocks of hosts may differ.
+const std::chrono::hours kClockTolerance{24};
 
 /// Adds documents one by one, and counts them.
 class TAdding {
@@ -41,7 +45,8 @@ class TAdding {
     }
   }
 
-  EExitCode Finish() const {
+  EExitCode Finish() {
+    if (fAdded > 0) fStore.UpdateStatistics();
     WriteOutput(Counts() + "\n");
     if (fFailed == 0) return kExitDone;
     return fFailed < fFiles ? kExitPartlyDone : kExitBadInput;
@@ -57,16 +62,27 @@ class TAdding {
     try {
       const TStore::TAdded added = fStore.Add(*document.fFacts);
       ++(added.fIsNew ? fAdded : fKnown);
+      if (added.fIsNew) WarnOfFuture(document);
       for (const std::string& warning : added.fWarnings) {
         PrintError("warning: " + document.fFile + ": " + warning);
       }
       return {};
     } catch (const TDatabaseError& error) {
-      if (error.GetKind() == TDatabaseError::kUnusable) Abandon(error);
+      // Also after other writers: the next documents would wait as long.
+      if (error.GetKind() != TDatabaseError::kRefused) Abandon(error);
       return error;
     } catch (const TExplainedException& failure) {
       return failure;
     }
+  }
+
+  /// Its facts seem newer than those of all documents until then.
+  static void WarnOfFuture(const TInputDocument& document) {
+    const auto now = std::chrono::system_clock::now() + kClockTolerance;
+    const auto time = std::chrono::microseconds(document.fFacts->fTime);
+    if (time < now.time_since_epoch()) return;
+    PrintError("warning: " + document.fFile +
+               ": its time is in the future: was the clock of its host wrong?");
   }
 
   /// The store cannot be used any more.
