@@ -32,7 +32,13 @@ class TPostgreSQLServer {
   }
   std::string LastDatabase() const { return "test" + std::to_string(fDatabases); }
 
-  void Stop() { Control({"-m", "immediate", "stop"}); }
+  bool Start() const {
+    return Control({"-l", fSocket + "/log", "-o", "-k " + fSocket + " -c listen_addresses=''", "-w",
+                    "start"})
+               .fExitCode == 0;
+  }
+  /// Like a crash.
+  void Stop() const { Control({"-m", "immediate", "stop"}); }
 
   /// One for all tests of the process.
   static TPostgreSQLServer& Get() {
@@ -60,10 +66,7 @@ class TPostgreSQLServer {
     }
     const TProgramRun made = Run({fPrograms + "/initdb", "-D", fSocket + "/data", "-A", "trust",
                                   "-U", "tester", "-E", "UTF8", "--no-sync"});
-    const bool runs =
-        made.fExitCode == 0 && Control({"-l", fSocket + "/log", "-o",
-                                        "-k " + fSocket + " -c listen_addresses=''", "-w", "start"})
-                                       .fExitCode == 0;
+    const bool runs = made.fExitCode == 0 && Start();
     if (!runs) fWhyNot = "the server does not start: " + made.fErrors;
   }
   ~TPostgreSQLServer() {

@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: Apache-2.0
+// The command itself: several writers, and what goes wrong around them.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "cimxml/documents.h"
+#include "postgresql_server.h"
+#include "store/input/host.h"
+#include "support/run_program.h"
+#include "support/temp_dir.h"
+
+using namespace NVORNQDX20;
+
+namespace {
+
+const int kFacts = 300;
+
+/// A program that runs while the test goes on.
+class TRunningProgram {
+ public:
+  explicit TRunningProgram(const std::vector<std::string>& argv) : fProcess(::fork()) {
+    if (fProcess != 0) return;
+    std::vector<char*> words;
+    for (const std::string& word : argv) words.push_back(const_cast<char*>(word.c_str()));
+    words.push_back(nullptr);
+    const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    ::dup2(nowhere, STDOUT_FILENO);
+    ::dup2(nowhere, STDERR_FILENO);
+    ::alarm(120);
+    ::execv(words[0], words.data());
+    ::_exit(127);
+  }
+
+  void Kill() const { ::kill(fProcess, SIGKILL); }
+  int Wait() const {
+    int status = 0;
+    ::waitpid(fProcess, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+  }
+
+ private:
+  const pid_t fProcess;
+};
+
+class StoreProgram : public ::testing::Test {
+ protected:
+  /// Writes the document of this host and day.
+  std::string DocumentOf(const std::string& host, int day) const {
+    const TTestHost made = {host, "2026112" + std::to_string(day) + "120000.000000+000"};
+    const TNamespace ns = MakeHost(made, {{"UUID", "uuid-of-" + host}});
+    DeclareDisks(ns);
+    for (int i = 0; i < kFacts; ++i) {
+      AddDisk(ns, host, "/dev/" + std::to_string(i), {{"Model", std::to_string(i % 7 + day)}});
+    }
+    const std::string file = (fFolder.Path() / (host + std::to_string(day) + ".xml")).string();
+    Write(file, {ns, MakeRecord(made)});
+    return file;
+  }
+
+  std::vector<std::string> Documents() const {
+    std::vector<std::string> files;
+    for (const char* host : {"a", "b", "c", "d"}) {
+      for (int day = 1; day < 4; ++day) files.push_back(DocumentOf(host, day));
+    }
+    return files;
+  }
+
+  static std::vector<std::string> Add(const std::string& store,
+                                      const std::vector<std::string>& files) {
+    std::vector<std::string> command = {QDX_STORE, "add", store};
+    command.insert(command.end(), files.begin(), files.end());
+    return command;
+  }
+
+  static std::string Query(const std::string& file, const std::string& sql) {
+    return RunProgram({"/usr/bin/sqlite3", file, sql}).fOutput;
+  }
+  static void SkipWithoutSQLite() {
+    if (::access("/usr/bin/sqlite3", X_OK) != 0) GTEST_SKIP() << "sqlite3 is not installed";
+  }
+
+  std::string StoreFile() const { return (fFolder.Path() / "fleet.db").string(); }
+
+  const TTempDir fFolder;
+};
+
+const char* const kContents =
+    "SELECT (SELECT COUNT(*) FROM documents), (SELECT COUNT(*) FROM facts),"
+    " (SELECT COUNT(*) FROM changes)";
+/// Of four machines with two facts each; each disk has its name, and a model in three spans.
+const char* const kAllContents = "12|4808|2400\n";
+
+TEST_F(StoreProgram, NamesABadDocumentAndStoresTheOthers) {
+  SkipWithoutSQLite();
+  std::vector<std::string> files = Documents();
+  files.insert(files.begin() + 5, fFolder.Write("bad\x1b[31m.xml", "<CIM").string());
+  files.push_back("/nonexistent.xml");
+  const TProgramRun run = RunProgram(Add(StoreFile(), files));
+  EXPECT_EQ(run.fExitCode, 3);
+  EXPECT_EQ(run.fOutput, "12 added, 2 failed\n");
+  EXPECT_NE(run.fErrors.find("qdx-store: adding " + fFolder.Path().string() + "/bad?[31m.xml: "),
+            std::string::npos);
+  EXPECT_EQ(Query(StoreFile(), kContents), kAllContents);
+  EXPECT_EQ(RunProgram(Add(StoreFile(), {"/nonexistent.xml"})).fExitCode, 4);
+}
+
+TEST_F(StoreProgram, TakesTurnsWithOtherWritersOfAFile) {
+  SkipWithoutSQLite();
+  const std::vector<std::string> files = Documents();
+  const std::vector<std::string> reversed(files.rbegin(), files.rend());
+  const TRunningProgram first(Add(StoreFile(), files));
+  const TRunningProgram second(Add(StoreFile(), reversed));
+  EXPECT_EQ(first.Wait(), 0);
+  EXPECT_EQ(second.Wait(), 0);
+  EXPECT_EQ(Query(StoreFile(), kContents), kAllContents);
+}
+
+TEST_F(StoreProgram, WritesBesideOtherWritersOfAServer) {
+  TPostgreSQLServer& server = TPostgreSQLServer::Get();
+  if (!server.WhyNot().empty()) GTEST_SKIP() << server.WhyNot();
+  const std::string store = server.NewDatabase();
+  const std::vector<std::string> files = Documents();
+  const std::vector<std::string> reversed(files.rbegin(), files.rend());
+  const TRunningProgram first(Add(store, files));
+  const TRunningProgram second(Add(store, reversed));
+  const TRunningProgram third(Add(store, files));
+  EXPECT_EQ(first.Wait(), 0);
+  EXPECT_EQ(second.Wait(), 0);
+  EXPECT_EQ(third.Wait(), 0);
+  EXPECT_EQ(server.Query(server.LastDatabase(), kContents), kAllContents);
+}
+
+TEST_F(StoreProgram, LeavesNothingHalfWhenItIsKilled) {
+  SkipWithoutSQLite();
+  const std::vector<std::string> files = Documents();
+  for (int attempt = 0; attempt < 8; ++attempt) {
+    const TRunningProgram program(Add(StoreFile(), files));
+    std::this_thread::sleep_for(std::chrono::milliseconds(15 * attempt));
+    program.Kill();
+    program.Wait();
+    if (!std::filesystem::exists(StoreFile())) continue;
+    EXPECT_EQ(Query(StoreFile(), "PRAGMA integrity_check"), "ok\n");
+  }
+  EXPECT_EQ(RunProgram(Add(StoreFile(), files)).fExitCode, 0);
+  EXPECT_EQ(Query(StoreFile(), kContents), kAllContents);
+}
+
+TEST_F(StoreProgram, ReportsAFullDisk) {
+  SkipWithoutSQLite();
+  const std::string disk = (fFolder.Path() / "disk").string();
+  std::filesystem::create_directory(disk);
+  if (::mount("tmpfs", disk.c_str(), "tmpfs", 0, "size=400k") != 0) {
+    GTEST_SKIP() << "a small file system cannot be mounted: not root";
+  }
+  const std::string store = disk + "/fleet.db";
+  const TProgramRun run = RunProgram(Add(store, Documents()));
+  const std::string intact = Query(store, "PRAGMA integrity_check");
+  ::umount(disk.c_str());
+  EXPECT_EQ(run.fExitCode, 4);
+  EXPECT_NE(run.fErrors.find("full"), std::string::npos) << run.fErrors;
+  EXPECT_EQ(intact, "ok\n");
+}
+
+TEST_F(StoreProgram, ReportsAStoreThatCannotBeWritten) {
+  if (::geteuid() != 0) GTEST_SKIP() << "another user is needed, which only root can become";
+  const std::string document = DocumentOf("a", 1);
+  ASSERT_EQ(RunProgram(Add(StoreFile(), {document})).fExitCode, 0);
+  std::filesystem::permissions(fFolder.Path(), std::filesystem::perms(0755));
+  std::filesystem::permissions(StoreFile(), std::filesystem::perms(0644));
+  const std::string other = DocumentOf("b", 1);
+  std::filesystem::permissions(other, std::filesystem::perms(0644));
+  for (const std::string& store : {StoreFile(), (fFolder.Path() / "new.db").string()}) {
+    std::vector<std::string> command = Add(store, {other});
+    command.insert(command.begin(), {"/usr/bin/setpriv", "--reuid", "65534", "--clear-groups"});
+    const TProgramRun run = RunProgram(command);
+    EXPECT_EQ(run.fExitCode, 4);
+    EXPECT_NE(run.fErrors.find("qdx-store: using store " + store + ": "), std::string::npos)
+        << run.fErrors;
+  }
+}
+
+TEST_F(StoreProgram, ReportsAServerThatGoesAway) {
+  TPostgreSQLServer& server = TPostgreSQLServer::Get();
+  if (!server.WhyNot().empty()) GTEST_SKIP() << server.WhyNot();
+  const std::string store = server.NewDatabase();
+  const std::vector<std::string> files = Documents();
+  ASSERT_EQ(RunProgram(Add(store, {files[0]})).fExitCode, 0);
+  // A document that arrives slowly, so that the server can stop in between.
+  const std::string pipe = (fFolder.Path() / "pipe").string();
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  std::thread writer([&] {
+    const std::string contents = ReadWholeFile(files[1]);
+    std::ofstream stream(pipe);  // waits until the program has connected and reads
+    server.Stop();
+    stream << contents;
+  });
+  const TProgramRun run = RunProgram(Add(store, {pipe, files[2]}));
+  writer.join();
+  EXPECT_EQ(run.fExitCode, 4);
+  EXPECT_NE(run.fErrors.find("0 added, then the store failed"), std::string::npos) << run.fErrors;
+  EXPECT_EQ(RunProgram(Add(store, files)).fExitCode, 4);
+  server.Start();
+  EXPECT_EQ(RunProgram(Add(store, files)).fOutput, "11 added, 1 stored before\n");
+  EXPECT_EQ(server.Query(server.LastDatabase(), kContents), kAllContents);
+}
+
+}  // namespace
