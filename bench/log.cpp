@@ -54,6 +54,14 @@ TLoop RejectedLine() {
   });
 }
 
+/// As the library itself logs.
+TLoop RejectedParts() {
+  TLogger::Initialize();
+  return Repeat([] {
+    NVORNQDX20::LogMessage(ILogger::kLogVerbose, {"cimxml: ", kMessage, " of the document"});
+  });
+}
+
 TLoop Comparison() {
   return Repeat([threshold = 2]() mutable {
     Keep(threshold);
@@ -64,7 +72,9 @@ TLoop Comparison() {
 }  // namespace
 
 TOperations LogOperations() {
-  TOperations all = {{"rejected log line", RejectedLine, "a comparison", Comparison, 6.7}};
+  TOperations all = {
+      {"rejected log line", RejectedLine, "a comparison", Comparison, 6.7},
+      {"rejected log line, in parts", RejectedParts, "a comparison", Comparison, 6.7}};
   for (const auto& [zone, name] : {std::pair(kZoneSet, "TZ set"),
                                    {kZoneUnset, "TZ unset"},
                                    {kManyVariables, "500 variables"}}) {

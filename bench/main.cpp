@@ -6,6 +6,7 @@
 //   qdxcore_bench --load LIBRARY LIST | --parse FILE... | --document FILE INSTANCES   see bare.h
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <optional>
 #include <string>
 #include <vector>
@@ -90,8 +91,7 @@ bool RunInAChild(const TArguments& arguments, const TOperation& operation) {
     } else {
       PrintMeasures(operation, arguments.fRounds);
     }
-    std::fflush(stdout);
-    ::_exit(0);
+    ::_exit(std::fflush(stdout) == 0 ? 0 : 1);
   }
   int status = 1;
   if (child > 0) ::waitpid(child, &status, 0);
@@ -134,11 +134,14 @@ std::optional<bool> RunBare(const std::vector<std::string>& arguments) {
 }  // namespace NBench
 
 int main(int count, char** arguments) {
-  if (const auto done = NBench::RunBare({arguments + 1, arguments + count})) return *done ? 0 : 1;
-  const NBench::TArguments read = NBench::ReadArguments(count, arguments);
-  if (read.fMode == NBench::kMadeBy) {
-    NBench::PrintMakers();
-    return 0;
+  try {
+    if (const auto done = NBench::RunBare({arguments + 1, arguments + count})) return *done ? 0 : 1;
+    const NBench::TArguments read = NBench::ReadArguments(count, arguments);
+    if (read.fMode == NBench::kMadeBy) NBench::PrintMakers();
+    const int status = read.fMode == NBench::kMadeBy ? 0 : NBench::Run(read);
+    return std::fflush(stdout) == 0 ? status : 1;
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "qdxcore_bench: %s\n", e.what());
+    return 1;
   }
-  return NBench::Run(read);
 }

@@ -108,7 +108,7 @@ class WholeRuns:
 
     def beside_reading(self, arguments):
         load = [self.program, "--load", self.plugin]
-        return Run(arguments, [*load, self.files_of(arguments)], "start a worker, read the same files in a bare loop",
+        return Run(arguments, [*load, self.files_of(arguments)], "a worker, and a bare loop over the files",
                    None, start=[*load, "/dev/null"])
 
     def beside_half(self, arguments, half):
@@ -174,9 +174,9 @@ class WholeRuns:
                                       "aim": 1.2, "limit_is": "gzip"}}
         return {}
 
-    def count(self, name):
+    def count(self, name, qdx):
         """Returns the instructions of all processes of a run."""
-        command = [self.qdx, *self.counted[name]()]
+        command = [qdx, *self.counted[name]()]
         # The more complete one of two runs counts.
         return max(self.count_once(command) for _ in range(2))
 
