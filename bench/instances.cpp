@@ -38,32 +38,46 @@ TCIMValue Bus(const TNamespace& ns) {
   return TCIMValue(bus);
 }
 
-TProperties Sensor(std::size_t number, const TCIMValue& bus) {
-  const auto low = static_cast<std::uint32_t>(number);
-  return {{kNames[0], DeviceOf(number)},
-          {kNames[1], "server.example"},
-          {kNames[2], true},
-          {kNames[3], static_cast<std::uint16_t>(low)},
-          {kNames[4], static_cast<std::int32_t>(low)},
-          {kNames[5], static_cast<std::uint64_t>(number)},
-          {kNames[6], 0.5},
-          {kNames[7], TCIMDateTime("20040315143000.000000+060")},
-          {kNames[8], TCIMValue(TCIMValue::TCIMType::kCIMTypeUint32, 0, {1U, 2U, low})},
-          {kNames[9], bus}};
+TCIMValue Levels(std::uint32_t last) {
+  return TCIMValue(TCIMValue::TCIMType::kCIMTypeUint32, 0, {1U, 2U, last});
 }
 
 /// A namespace with the classes.
 TNamespace MakeClasses() {
   const TNamespace ns = MakeNamespace();
   AddClass(ns, "CIM_Bus", {{"Id", 0U}});
-  const TProperties all = Sensor(0, NullReference(ns, "CIM_Bus"));
-  AddClass(ns, kClass, {all.begin(), all.begin() + 2}, {all.begin() + 2, all.end()});
+  AddClass(ns, kClass, {{kNames[0], ""}, {kNames[1], ""}},
+           {{kNames[2], false},
+            {kNames[3], static_cast<std::uint16_t>(0)},
+            {kNames[4], 0},
+            {kNames[5], 0UL},
+            {kNames[6], 0.0},
+            {kNames[7], TCIMDateTime("20040315143000.000000+060")},
+            {kNames[8], Levels(0)},
+            {kNames[9], NullReference(ns, "CIM_Bus")}});
   return ns;
 }
 
+/// As a provider does: no value is made twice.
 void AddSensors(const TNamespace& ns, std::size_t count) {
   const TCIMValue bus = Bus(ns);
-  for (std::size_t i = 0; i < count; ++i) AddInstance(ns, kClass, Sensor(i, bus));
+  const TCIMDateTime installed("20040315143000.000000+060");
+  const auto sensors = ns->GetClass(kClass, {});
+  for (std::size_t i = 0; i < count; ++i) {
+    const auto low = static_cast<std::uint32_t>(i);
+    const auto sensor = sensors->CreateInstance({});
+    sensor->SetPropertyValue(kNames[0], DeviceOf(i), {});
+    sensor->SetPropertyValue(kNames[1], "server.example", {});
+    sensor->SetPropertyValue(kNames[2], true, {});
+    sensor->SetPropertyValue(kNames[3], static_cast<std::uint16_t>(low), {});
+    sensor->SetPropertyValue(kNames[4], static_cast<std::int32_t>(low), {});
+    sensor->SetPropertyValue(kNames[5], static_cast<std::uint64_t>(i), {});
+    sensor->SetPropertyValue(kNames[6], 0.5, {});
+    sensor->SetPropertyValue(kNames[7], installed, {});
+    sensor->SetPropertyValue(kNames[8], Levels(low), {});
+    sensor->SetPropertyValue(kNames[9], bus, {});
+    sensor->Commit({});
+  }
 }
 
 /// Is made once, since that takes longer than what is measured.

@@ -10,7 +10,7 @@ from pathlib import Path
 
 TREE = Path(__file__).resolve().parent.parent
 # Where a round takes long, fewer of them do.
-MOST_SECONDS = 8
+MOST_SECONDS = 6
 FEWEST_ROUNDS = 3
 # diff ends with 1 if the documents differ, collect with 3 if a part of the machine cannot be read.
 GOOD_STATUS = (0, 1, 3)
