@@ -68,6 +68,12 @@ void TInstanceAdder::SetNull(std::size_t position) {
   fParts->fInstance->Store(position, TStoredValue::Null());
 }
 
+bool TInstanceAdder::SetTime(std::size_t position, const TCIMDateTime& time) {
+  if (fParts->TypeAt(position) != TCIMValue::TCIMType::kCIMTypeDateTime) return false;
+  fParts->fInstance->Store(position, TStoredValue::Time(time));
+  return true;
+}
+
 boost::shared_ptr<ICIMInstance> TInstanceAdder::GetInstance() const {
   if (!fParts->fHandle) {
     fParts->fHandle = fParts->fOwner->Handle();

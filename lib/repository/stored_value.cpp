@@ -137,7 +137,7 @@ TStoredValue::TStoredValue(const TCIMValue& value, const TClass& user) : TStored
     } else if constexpr (std::is_same_v<T, std::string>) {
       *this = Text(*value.FindString());
     } else if constexpr (std::is_same_v<T, TCIMDateTime>) {
-      Point(kTime, new TCIMDateTimeImpl(*static_cast<TCIMDateTime>(value).GetBody()));
+      *this = Time(static_cast<TCIMDateTime>(value));
     } else if constexpr (std::is_same_v<T, TCIMReference>) {
       SetReference(value, user);
     } else {
@@ -149,6 +149,12 @@ TStoredValue::TStoredValue(const TCIMValue& value, const TClass& user) : TStored
 TStoredValue TStoredValue::Null() noexcept {
   TStoredValue stored;
   stored.fKind = kNull;
+  return stored;
+}
+
+TStoredValue TStoredValue::Time(const TCIMDateTime& time) {
+  TStoredValue stored;
+  stored.Point(kTime, new TCIMDateTimeImpl(*time.GetBody()));
   return stored;
 }
 

@@ -62,6 +62,7 @@ class TStoredValue {
 
   static TStoredValue Null() noexcept;
   static TStoredValue Text(std::string_view text);
+  static TStoredValue Time(const TCIMDateTime& time);
   template <typename TNumber>
   static TStoredValue Number(TNumber number) noexcept {
     static_assert(std::is_arithmetic_v<TNumber>);

@@ -20,7 +20,8 @@ TClassTable::TClassTable(const boost::shared_ptr<ICIMClass>& cimClass)
         const TCIMType type = decl->GetType();
         fByName.emplace(decl->GetName(), fSlots.size());
         fSlots.push_back({decl, type, KeywordOf(type), type == TCIMType::kCIMTypeString,
-                          NModel::SizeOfNumber(type) != 0, fSlots.size()});
+                          NModel::SizeOfNumber(type) != 0, type == TCIMType::kCIMTypeDateTime,
+                          fSlots.size()});
         return true;
       },
       {});

@@ -30,6 +30,7 @@ struct TClassTable {
     std::string_view fKeyword;  ///< Of the type.
     bool fIsText;               ///< A string, no array.
     bool fIsNumber;             ///< Or a boolean, no array.
+    bool fIsTime;               ///< A date-time, no array.
     std::size_t fPosition;      ///< For TInstanceAdder.
   };
   /// The slots of the elements of an instance.

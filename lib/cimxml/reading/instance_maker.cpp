@@ -54,18 +54,18 @@ class TInstanceMaker {
 
   void SetProperty(const TElement& property) {
     const TSlot& slot = SlotOf(property);
-    fTable.fGiven.push_back({&slot, &property});
+    AddGiven(slot, property);
     if (FindEmbeddedObject(property) != nullptr) RequireEmbedded(*slot.fDecl, property);
     const TKey* const key = FindKey(slot);
     if (!IsPlain(slot)) {
-      SetOtherValue(slot, key, property);
+      if (key != nullptr || !SetTime(slot, property)) SetOtherValue(slot, key, property);
     } else if (key == nullptr) {
       const TElement* const value = FindScalar(fSpace, property);
       if (value == nullptr || !SetPlainValue(slot, *value, property)) {
         fTable.fAdder.SetNull(slot.fPosition);
       }
     } else if (HasTextOf(*key, property)) {
-      (void)SetPlainValue(slot, property.fChildren.front(), property);  // it may have had another
+      SetKeyAgain(slot, property.fChildren.front(), property);
     } else {
       SetOtherValue(slot, key, property);
     }
@@ -98,8 +98,9 @@ class TInstanceMaker {
     const std::string& name = property.Get("NAME");
     const TSlot* const slot = fTable.FindNext(name, fTable.fPropertyOrder, fTable.fGiven.size());
     const std::string* const keyword = property.Find("TYPE");
-    const bool isDeclared = slot != nullptr && IsPlain(*slot) && property.Is("PROPERTY") &&
-                            keyword != nullptr && *keyword == slot->fKeyword;
+    const bool isDeclared = slot != nullptr && (IsPlain(*slot) || slot->fIsTime) &&
+                            property.Is("PROPERTY") && keyword != nullptr &&
+                            *keyword == slot->fKeyword;
     if (isDeclared) return *slot;
     const TCIMType type = TypeOfProperty(property);
     if (slot == nullptr) {
@@ -146,13 +147,38 @@ class TInstanceMaker {
     return true;
   }
 
+  /// Returns the VALUE of a property that has nothing else, as most have; null of another one.
+  static const TElement* FindUsualValue(const TElement& property) {
+    constexpr std::size_t kUsual = 2;  // NAME and TYPE
+    if (property.fAttributes.size() > kUsual || property.fChildren.size() != 1) return nullptr;
+    const TElement& value = property.fChildren.front();
+    return value.Is("VALUE") && value.fChildren.empty() ? &value : nullptr;
+  }
+
   /// Returns whether the value of a property surely equals the key, which most documents repeat.
   static bool HasTextOf(const TKey& key, const TElement& property) {
-    constexpr std::size_t kUsual = 2;  // NAME and TYPE
-    if (property.fAttributes.size() > kUsual || property.fChildren.size() != 1) return false;
-    const TElement& value = property.fChildren.front();
-    return value.Is("VALUE") && value.fChildren.empty() && value.fText == key.fElement->fText &&
+    const TElement* const value = FindUsualValue(property);
+    return value != nullptr && value->fText == key.fElement->fText &&
            !IsReal(key.fSlot->fType);  // one that is not a number does not equal itself
+  }
+
+  /// Sets a key to the value that its instance's name has.
+  void SetKeyAgain(const TSlot& slot, const TElement& element, const TElement& holder) {
+    if (fIsAscending) {
+      (void)IsNullText(fSpace, slot.fType, element, holder);  // it is not, but takes memory
+    } else {
+      (void)SetPlainValue(slot, element, holder);  // it may have had another one in between
+    }
+  }
+
+  /// Sets a date-time; returns false, and does nothing, if it is not the usual one.
+  bool SetTime(const TSlot& slot, const TElement& property) {
+    const TElement* const value = slot.fIsTime ? FindUsualValue(property) : nullptr;
+    const auto time = value == nullptr ? std::nullopt : ReadTime(value->fText);
+    if (!time) return false;
+    (void)IsNullText(fSpace, slot.fType, *value, property);  // it is not, but takes memory
+    fTable.fAdder.SetTime(slot.fPosition, *time);
+    return true;
   }
 
   /// Sets any value; `key` is what the name of the instance says, or null.
@@ -175,14 +201,16 @@ class TInstanceMaker {
     warning.Add(warning.GetCount() == 0 ? PlaceOf(property, property) : std::string());
   }
 
-  void WarnOfRepeatedProperties() {
+  void AddGiven(const TSlot& slot, const TElement& property) {
     std::vector<TGiven>& given = fTable.fGiven;
-    const auto isNotAfter = [](const TGiven& left, const TGiven& right) {
-      return left.fSlot->fPosition >= right.fSlot->fPosition;
-    };
-    const bool isAscending =
-        std::adjacent_find(given.begin(), given.end(), isNotAfter) == given.end();
-    if (isAscending) return;
+    const bool isAfter = given.empty() || given.back().fSlot->fPosition < slot.fPosition;
+    fIsAscending = fIsAscending && isAfter;
+    given.push_back({&slot, &property});
+  }
+
+  void WarnOfRepeatedProperties() {
+    if (fIsAscending) return;
+    std::vector<TGiven>& given = fTable.fGiven;
     std::stable_sort(given.begin(), given.end(), [](const TGiven& left, const TGiven& right) {
       return left.fSlot->fPosition < right.fSlot->fPosition;
     });
@@ -199,6 +227,7 @@ class TInstanceMaker {
   TClassTable& fTable;
   const TElement& fElement;
   bool fIsContradictory = false;  // a property contradicts the instance's name
+  bool fIsAscending = true;       // the properties have the order of the class, so none is repeated
   std::vector<TMissingReasons::TUnheld> fUnheld;
 };
 

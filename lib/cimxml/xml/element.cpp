@@ -166,7 +166,9 @@ void TElement::RefuseChild(const TElement& child) const {
 void TAttributes::Trim() {
   fCount = 0;
   if (fAll.size() > kUsualAttributes) fAll.resize(kUsualAttributes);
-  for (TAttribute& each : fAll) TrimText(each.fValue);
+  for (TAttribute& each : fAll) {
+    if (each.fValue.capacity() > kUsualText) TrimText(each.fValue);
+  }
 }
 
 TElement& TElementPool::AddChild(TElement& parent) {

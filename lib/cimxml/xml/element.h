@@ -3,8 +3,8 @@
 #ifndef LIB_CIMXML_XML_ELEMENT_H_
 #define LIB_CIMXML_XML_ELEMENT_H_
 
-#include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <initializer_list>
 #include <list>
 #include <string>
@@ -16,16 +16,23 @@
 
 namespace NVORNQDX20::NCIMXML {
 
-/// Returns the name as a view of static storage; empty if CIM-XML has no such name.
+/// Returns the name as a view of static storage, with a null character after it; empty if CIM-XML
+/// has no such name.
 std::string_view KnownElement(std::string_view name);
 std::string_view KnownAttribute(std::string_view name);
+
+/// Returns whether a text is the same as a name of static storage, which may be empty.
+inline bool IsName(std::string_view known, const char* text) {
+  return !known.empty() && std::strcmp(known.data(), text) == 0;
+}
 
 struct TAttribute {
   std::string_view fName;  // one of KnownAttribute()
   std::string fValue;
 };
 
-/// The attributes of an element. The memory of removed ones serves those that are added next.
+/// The attributes of an element. Removed ones stay in memory for those that are added next, which
+/// are often the same.
 class TAttributes {
  public:
   TAttributes() = default;
@@ -49,7 +56,13 @@ class TAttributes {
     if (fCount == fAll.size()) fAll.emplace_back();
     TAttribute& added = fAll[fCount++];
     added.fName = name;
-    added.fValue = value;
+    if (added.fValue != value) added.fValue = value;
+  }
+  /// Adds an attribute if KnownAttribute() has its name.
+  void AddKnown(const char* name, std::string_view value) {
+    const bool isSame = fCount < fAll.size() && IsName(fAll[fCount].fName, name);
+    const std::string_view known = isSame ? fAll[fCount].fName : KnownAttribute(name);
+    if (!known.empty()) Add(known, value);
   }
   void Clear() { fCount = 0; }
   /// Removes all, and frees what takes more memory than usual.

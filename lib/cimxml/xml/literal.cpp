@@ -151,15 +151,9 @@ TCIMDateTime MakeDateTime(std::string_view text) {
 }
 
 std::optional<TCIMValue> ReadDateTime(std::string_view text) {
-  text = Trimmed(text);
-  if (!IsDateTimeText(text)) return std::nullopt;
-  const TCIMValue null(TCIMType::kCIMTypeDateTime, 0);
-  if (text.find(kWildcard) != std::string_view::npos) return null;
-  try {
-    return TCIMValue(MakeDateTime(text));
-  } catch (const TQDXException&) {
-    return null;
-  }
+  if (!IsDateTimeText(Trimmed(text))) return std::nullopt;
+  const std::optional<TCIMDateTime> time = ReadTime(text);
+  return time ? TCIMValue(*time) : TCIMValue(TCIMType::kCIMTypeDateTime, 0);
 }
 
 }  // namespace
@@ -243,6 +237,16 @@ std::optional<TNumber> ReadNumber(TCIMType type, std::string_view text) {
     }
     return std::nullopt;
   });
+}
+
+std::optional<TCIMDateTime> ReadTime(std::string_view text) {
+  text = Trimmed(text);
+  if (!IsDateTimeText(text) || text.find(kWildcard) != std::string_view::npos) return std::nullopt;
+  try {
+    return MakeDateTime(text);
+  } catch (const TQDXException&) {
+    return std::nullopt;
+  }
 }
 
 }  // namespace NVORNQDX20::NCIMXML

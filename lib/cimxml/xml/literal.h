@@ -75,6 +75,9 @@ class TNumber {
 /// Parses a number or a boolean as ReadLiteral() does; nothing for another type.
 std::optional<TNumber> ReadNumber(TCIMType type, std::string_view text);
 
+/// Parses a date-time as ReadLiteral() does; nothing also for one that TCIMDateTime cannot hold.
+std::optional<TCIMDateTime> ReadTime(std::string_view text);
+
 }  // namespace NVORNQDX20::NCIMXML
 
 #endif  // LIB_CIMXML_XML_LITERAL_H_

@@ -294,9 +294,10 @@ void TParser::StrayText(std::string_view text) {
   fSink.AddStrayText(holder);
 }
 
-/// Gives an empty element its name and attributes.
+/// Gives an element without content its name and attributes. It often has the same ones from its
+/// last use.
 void TParser::Fill(TElement& element, const XML_Char* name, const XML_Char** attributes) {
-  element.fName = KnownElement(name);
+  if (!IsName(element.fName, name)) element.fName = KnownElement(name);
   element.fPosition = Position();
   if (element.fName.empty()) {
     const bool isFirst = fContainers.empty() && fOpen.empty();
@@ -308,8 +309,7 @@ void TParser::Fill(TElement& element, const XML_Char* name, const XML_Char** att
   for (; *attributes != nullptr; attributes += 2) {
     if (++count > kMaxAttributes)
       element.Refuse("more than " + std::to_string(kMaxAttributes) + " attributes");
-    const std::string_view known = KnownAttribute(attributes[0]);
-    if (!known.empty()) element.fAttributes.Add(known, attributes[1]);
+    element.fAttributes.AddKnown(attributes[0], attributes[1]);
   }
   AddBytes(element.Bytes());
 }

@@ -32,6 +32,7 @@ class TInstanceAdder {
   /// `bytes` are those of the native type, in the order of this machine; as many as it has.
   bool SetNumber(std::size_t position, std::string_view bytes);
   void SetNull(std::size_t position);
+  bool SetTime(std::size_t position, const TCIMDateTime& time);
   /// Returns the instance that was started.
   boost::shared_ptr<ICIMInstance> GetInstance() const;
   /// Adds the instance. Returns false, and adds nothing, if one with the same keys exists. Throws
