@@ -16,12 +16,12 @@ TCIMValue ValueOf(const ICIMInstance& instance, const char* property) {
 }
 
 /// Returns an empty text for null, and for what is no text.
-std::string TextOf(const TCIMValue& value) {
+std::string TextIn(const TCIMValue& value) {
   const std::string* const text = value.FindString();
   return text == nullptr ? "" : *text;
 }
 
-std::vector<std::string> TextsOf(const TCIMValue& value) {
+std::vector<std::string> TextsIn(const TCIMValue& value) {
   std::vector<std::string> texts;
   if (value.IsNull() || !value.IsArray()) return texts;
   const std::vector<TCIMValue>& elements = value;
@@ -50,17 +50,17 @@ bool IsRecordNamespace(const ICIMNamespace& ns) {
 TCollectionRecord ReadRecord(const ICIMNamespace& ns) {
   TCollectionRecord record;
   ForEachInstance(ns, kRecordClass, [&record](const ICIMInstance& instance) {
-    record.fHostName = TextOf(ValueOf(instance, "HostName"));
+    record.fHostName = TextIn(ValueOf(instance, "HostName"));
     record.fTime = TimeOf(ValueOf(instance, kCollectionTime));
-    record.fToolVersion = TextOf(ValueOf(instance, "ToolVersion"));
-    for (std::string& part : TextsOf(ValueOf(instance, kPartsLeftOut))) {
+    record.fToolVersion = TextIn(ValueOf(instance, "ToolVersion"));
+    for (std::string& part : TextsIn(ValueOf(instance, kPartsLeftOut))) {
       record.fPartsLeftOut.push_back(std::move(part));
     }
   });
   ForEachInstance(ns, kFailureClass, [&record](const ICIMInstance& instance) {
     record.fFailures.push_back(
-        {TextOf(ValueOf(instance, "Provider")), TextOf(ValueOf(instance, "Namespace")),
-         TextOf(ValueOf(instance, "Operation")), TextOf(ValueOf(instance, "Reason"))});
+        {TextIn(ValueOf(instance, "Provider")), TextIn(ValueOf(instance, "Namespace")),
+         TextIn(ValueOf(instance, "Operation")), TextIn(ValueOf(instance, "Reason"))});
   });
   return record;
 }

@@ -115,24 +115,24 @@ class TWalk {
 };
 
 /// What to show something of.
-struct TSource {
+struct TShownSource {
   std::vector<TMachineNamespace> fNamespaces;
   TCollectionRecord fRecord;
   bool fIsComplete;
 };
 
-TSource OpenDocumentOf(const TRequest& request, const TArguments& arguments) {
+TShownSource OpenDocumentOf(const TRequest& request, const TArguments& arguments) {
   bool incomplete = false;
   const TNamespaces document =
       OpenDocument(request.fFile, arguments, incomplete, ShownInstancesOf(request));
-  TSource source{{}, FindRecord(document), !incomplete};
+  TShownSource source{{}, FindRecord(document), !incomplete};
   for (const auto& ns : document) source.fNamespaces.push_back({{"", ns->GetName({})}, ns});
   return source;
 }
 
-TSource OpenMachine(const TRequest& request, const TArguments& arguments) {
+TShownSource OpenMachine(const TRequest& request, const TArguments& arguments) {
   TMachine machine(arguments);
-  TSource source{machine.TakeAll(), {}, true};
+  TShownSource source{machine.TakeAll(), {}, true};
   source.fIsComplete = machine.IsComplete();
   if (request.fForm != EForm::kJSONLines) return source;
   source.fRecord.fHostName = HostNameOf(source.fNamespaces, machine.GetRoot());
@@ -142,7 +142,7 @@ TSource OpenMachine(const TRequest& request, const TArguments& arguments) {
 
 /// Returns whether nothing is missing.
 bool ShowWalk(const TRequest& request, const std::vector<TFoundElement>& found,
-              const TSource& source) {
+              const TShownSource& source) {
   TWalk walk(request, source.fNamespaces);
   for (const TFoundElement& each : found) walk.From(each);
   for (const std::string& path : walk.GetMissing()) PrintError("no instance " + path);
@@ -151,7 +151,7 @@ bool ShowWalk(const TRequest& request, const std::vector<TFoundElement>& found,
 
 /// Prints what the request shows. Returns whether nothing is missing.
 bool ShowView(const TRequest& request, const std::vector<TFoundElement>& found,
-              const TSource& source) {
+              const TShownSource& source) {
   const bool asJSON = request.fForm == EForm::kJSON;
   switch (request.fView) {
     case EView::kSchema:
@@ -175,7 +175,7 @@ bool ShowView(const TRequest& request, const std::vector<TFoundElement>& found,
 EExitCode RunShow(const TArguments& arguments) {
   const TRequest request = RequestOf(arguments);
   const bool isMachine = request.fFile.empty();
-  const TSource source =
+  const TShownSource source =
       isMachine ? OpenMachine(request, arguments) : OpenDocumentOf(request, arguments);
   const auto found = FindRequested(request, source.fNamespaces, source.fIsComplete || !isMachine);
   const bool isWhole = ShowView(request, found, source);
