@@ -22,6 +22,7 @@ struct TMount {
   std::string fNumber;
   /// Only in a table of mountinfo: the folder of the file system that is mounted, "/" for all.
   std::string fFolder;
+  bool fIsHidden = false;  ///< From this process, which has another mount in its place, or none.
 };
 
 /// Returns the mounts by the printable form of their paths; the last one if several have the same

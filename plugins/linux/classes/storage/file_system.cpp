@@ -27,7 +27,11 @@ TInstances<TFileSystem> ListFileSystems(const THost& host) {
   systems.fAll.reserve(mounts.fAll.size());
   for (const auto& [name, mount] : mounts.fAll) {
     TReading<TSpace> space = Missing("not asked: may hang");
-    if (mount.fCanBeAsked) space = ReadSpace(host, mount.fPath);
+    if (mount.fIsHidden) {
+      space = Missing("hidden from this process, which has mounts of its own");
+    } else if (mount.fCanBeAsked) {
+      space = ReadSpace(host, mount.fPath);
+    }
     const TBlockDevice* const device = devices.FindMounted(mount.fNumber, mount.fDevice);
     systems.fAll.push_back({name, mount, std::move(space), device});
   }

@@ -15,9 +15,10 @@ namespace NVORNQDX20 {
 /// Tables of mounts can have long lines, and 10,000 of them.
 inline constexpr std::size_t kMaxMountTableSize = 16U << 20U;
 
-/// What is mounted: by the table of this process, or in a copied tree that of the process that was
-/// recorded, else of process 1, else /proc/mounts, else /etc/mtab. Without all these it is what
-/// /etc/fstab configures. Empty copies are passed over.
+/// What is mounted: by the table of this process, or of the first one if this process only has
+/// other mounts of the same machine, as a service with a protected file system has; or in a copied
+/// tree that of the process that was recorded, else of process 1, else /proc/mounts, else
+/// /etc/mtab. Without all these it is what /etc/fstab configures. Empty copies are passed over.
 struct TMounts {
   explicit TMounts(const THost& host);
 
