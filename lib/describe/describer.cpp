@@ -9,6 +9,7 @@
 #include <qdxmodel/classes.h>
 #include <qdxmodel/names.h>
 #include <qdxmodel/options.h>
+#include <qdxrepository/instance_adder.h>
 #include <qdxrepository/repository.h>
 
 #include <algorithm>
@@ -143,6 +144,7 @@ class TInstanceWriter final : public IInstanceSink {
   TInstanceWriter(TDescription& description, const TStep& step, std::size_t maxInstances)
       : fDescription(description),
         fClass(description.GetNamespace()->GetClass(step.fDeclaration->fName, {})),
+        fAdder(fClass),
         fMaxInstances(maxInstances) {
     const auto properties = NModel::PropertiesOf(*fClass);
     for (const std::string& name : *step.fColumns) {
@@ -152,8 +154,12 @@ class TInstanceWriter final : public IInstanceSink {
       const bool isText = property->fDecl->GetType() == TCIMValue::TCIMType::kCIMTypeString;
       const auto referenced = property->fDecl->GetDefaultValue().GetReferencedClass();
       if (property->fIsKey) fLastKey = fColumns.size();
-      fColumns.push_back(
-          {name, property->fIsKey, isText, referenced ? referenced->GetName({}) : "", {}});
+      fColumns.push_back({name,
+                          static_cast<std::size_t>(property - properties.begin()),
+                          property->fIsKey,
+                          isText,
+                          referenced ? referenced->GetName({}) : "",
+                          {}});
     }
   }
 
@@ -163,12 +169,16 @@ class TInstanceWriter final : public IInstanceSink {
       LeaveOut("more than " + std::to_string(fMaxInstances) + ": the others are left out");
       return false;
     }
-    const auto instance = fClass->CreateInstance({});
+    fAdder.Begin();
+    const auto instance = fAdder.GetInstance();
     for (std::size_t i = 0; i < cells.size(); ++i) {
       if (fColumns[i].fIsKey && !SetKey(*instance, fColumns[i], cells[i])) return true;
     }
     const std::string key = isOnly || !fLastKey ? std::string() : KeyText(cells[*fLastKey]);
-    if (!Commit(*instance, key)) return true;
+    if (!fAdder.Commit()) {
+      LeaveOut("there are several " + key + ": only the first is kept");
+      return true;
+    }
     fDescription.Add(instance);
     fHasEmptyKey = fHasEmptyKey || key.empty();
     for (std::size_t i = 0; i < cells.size(); ++i) SetValue(instance, fColumns[i], cells[i], key);
@@ -207,6 +217,7 @@ class TInstanceWriter final : public IInstanceSink {
  private:
   struct TColumn {
     std::string fName;
+    std::size_t fPosition;
     bool fIsKey;
     bool fIsText;
     std::string fReferencedClass;
@@ -226,25 +237,21 @@ class TInstanceWriter final : public IInstanceSink {
         return !fDescription.LeftOutPartOf(cell.fTarget) &&
                LeaveOut(column.fName + ": " + reference.GetReason());
       }
-      instance.SetPropertyValue(column.fName, *reference, {});
+      Set(instance, column, *reference);
     } else if (!cell.fValue.IsNull()) {
-      instance.SetPropertyValue(column.fName, cell.fValue, {});
+      Set(instance, column, cell.fValue);
     } else if (column.fIsText) {
-      instance.SetPropertyValue(column.fName, "", {});
+      fAdder.SetText(column.fPosition, "");
     } else {
       return LeaveOut(column.fName + ": " + ReasonOf(cell));
     }
     return true;
   }
 
-  bool Commit(ICIMInstance& instance, const std::string& key) {
-    try {
-      instance.Commit({});
-    } catch (const TQDXException& failure) {
-      if (failure.GetStatusCode() != kQDXStatusAlreadyExists) throw;
-      return LeaveOut("there are several " + key + ": only the first is kept");
-    }
-    return true;
+  /// By the position, which takes no look-up. Throws what SetPropertyValue throws.
+  void Set(ICIMInstance& instance, const TColumn& column, const TCIMValue& value) {
+    const bool isSet = fAdder.Set(column.fPosition, value);
+    if (!isSet) instance.SetPropertyValue(column.fName, value, {});
   }
 
   bool LeaveOut(std::string reason) {
@@ -261,7 +268,7 @@ class TInstanceWriter final : public IInstanceSink {
       fDescription.SetReferenceLater(instance, {fClass->GetName({}), key, column.fName, ""},
                                      cell.fTarget, column.fReferencedClass);
     } else if (!column.fIsKey && !cell.fValue.IsNull()) {
-      instance->SetPropertyValue(column.fName, cell.fValue, {});
+      Set(*instance, column, cell.fValue);
     }
     const TReason reason = ReasonOf(cell);
     if (!reason.empty()) column.fReasons.Add(key, reason);
@@ -275,6 +282,7 @@ class TInstanceWriter final : public IInstanceSink {
 
   TDescription& fDescription;
   const boost::shared_ptr<ICIMClass> fClass;
+  TInstanceAdder fAdder;
   const std::size_t fMaxInstances;
   std::vector<TColumn> fColumns;
   std::optional<std::size_t> fLastKey;
