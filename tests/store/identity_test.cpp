@@ -88,6 +88,12 @@ INSTANTIATE_TEST_SUITE_P(
         TGrouping{"NameOfTwo",
                   {{"u", "m", "", "", "a"}, {"v", "n", "", "", "a"}, {"", "", "", "", "a"}},
                   "ABC"},
+        TGrouping{"DelimitersInTexts",
+                  {{"u", "m", "", "", "a"},
+                   {"v", "m", "", "", "b"},
+                   {"", "m", "", "", "c"},
+                   {"", "m/c", "", "", "d"}},
+                  "ABCD"},
         TGrouping{"NoCommon", {{"u", "m", "", "", "a"}, {"", "n", "", "", "b"}}, "AB"}),
     [](const auto& row) { return std::string(row.param.fName); });
 

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "identity.h"
 
-#include <algorithm>
+#include <initializer_list>
 #include <map>
 #include <set>
 
 #include <boost/algorithm/string/case_conv.hpp>
+#include <boost/algorithm/string/replace.hpp>
 #include <boost/algorithm/string/trim.hpp>
 
 namespace NVORNQDX20::NStore {
@@ -86,6 +87,16 @@ std::size_t Count(const THosts& hosts, const std::string& key) {
 /// A zero byte is in no text.
 std::string Joined(const std::string& a, const std::string& b) { return a + '\0' + b; }
 
+/// Returns the parts of a key with "/" between them, which is "%2F" in a part.
+std::string KeyOf(const char* kind, std::initializer_list<std::string> parts) {
+  std::string key = kind;
+  for (const std::string& part : parts) {
+    const std::string escaped = boost::replace_all_copy(part, "%", "%25");
+    key += (key.back() == ':' ? "" : "/") + boost::replace_all_copy(escaped, "/", "%2F");
+  }
+  return key;
+}
+
 std::string SerialOf(const TIdentity& identity) {
   return Joined(identity.fMaker, identity.fSerialNumber);
 }
@@ -99,7 +110,7 @@ class TAssignment {
 
   std::vector<std::string> Run() {
     Assign([](const TIdentity& i) { return !i.fUUID.empty(); },
-           [](const TIdentity& i) { return "uuid:" + i.fUUID; });
+           [](const TIdentity& i) { return KeyOf("uuid:", {i.fUUID}); });
     CountSerials();
     // Those with a serial number first: they part the hosts with one machine-id.
     Assign([](const TIdentity& i) { return !i.fMachineID.empty() && !i.fSerialNumber.empty(); },
@@ -109,12 +120,12 @@ class TAssignment {
     Assign([](const TIdentity& i) { return !i.fSerialNumber.empty(); },
            [this](const TIdentity& i) {
              const std::string host = OnlyOne(fBySerial, SerialOf(i));
-             return host.empty() ? "serial:" + i.fMaker + "/" + i.fSerialNumber : host;
+             return host.empty() ? KeyOf("serial:", {i.fMaker, i.fSerialNumber}) : host;
            });
     Assign([](const TIdentity&) { return true; },
            [this](const TIdentity& i) {
              const std::string host = OnlyOne(fByName, i.fName);
-             return host.empty() ? "name:" + i.fName : host;
+             return host.empty() ? KeyOf("name:", {i.fName}) : host;
            });
     return fKeys;
   }
@@ -155,17 +166,16 @@ class TAssignment {
     const bool isCloned = Count(fByMachine, machine) > 1 || Count(fSerials, machine) > 1;
     if (!isCloned) {
       const std::string host = OnlyOne(fByMachine, machine);
-      return host.empty() ? "machine-id:" + machine : host;
+      return host.empty() ? KeyOf("machine-id:", {machine}) : host;
     }
     const std::string serial = SerialOf(identity);
     const std::string host = identity.fSerialNumber.empty()
                                  ? OnlyOne(fByMachineAndName, Joined(machine, identity.fName))
                                  : OnlyOne(fByMachineAndSerial, Joined(machine, serial));
     if (!host.empty()) return host;
-    const std::string& other = identity.fSerialNumber.empty()
-                                   ? identity.fName
-                                   : identity.fMaker + "/" + identity.fSerialNumber;
-    return "machine-id:" + machine + "/" + other;
+    return identity.fSerialNumber.empty()
+               ? KeyOf("machine-id:", {machine, identity.fName})
+               : KeyOf("machine-id:", {machine, identity.fMaker, identity.fSerialNumber});
   }
 
   const std::vector<TIdentity>& fIdentities;
