@@ -6,6 +6,7 @@
 #include <optional>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include <boost/algorithm/string/join.hpp>
 #include <nlohmann/json.hpp>
@@ -151,19 +152,26 @@ void TStore::UpdateStatistics() {
 }
 
 std::int64_t TStore::PruneReadings(std::int64_t before) {
-  const TMoment moment = MomentOf(before, "00000");
-  TTransaction transaction(fDatabase);
-  const std::int64_t count = fDatabase
-                                 .QueryNumber(
-                                     "SELECT COUNT(*) FROM reading WHERE document IN"
-                                     " (SELECT id FROM document WHERE moment < :moment)",
-                                     {moment})
-                                 .value_or(0);
-  fDatabase.Execute(
-      "DELETE FROM reading WHERE document IN (SELECT id FROM document WHERE moment < :moment)",
-      {moment});
-  transaction.Commit();
-  return count;
+  const TMoment end = MomentOf(before, std::string(kDigestBits / 4, '0'));
+  std::int64_t count = 0;
+  std::int64_t document = 0;
+  // In pieces, so that other writers do not wait, and no statement takes too long.
+  for (std::vector<std::int64_t> documents;; documents.clear()) {
+    fDatabase.Query(
+        "SELECT id FROM document WHERE id > :id AND moment < :moment ORDER BY id LIMIT 500", 1,
+        {document, end}, [&](const TRow& row) { documents.push_back(ToNumber(row[0])); });
+    if (documents.empty()) return count;
+    document = documents.back();
+    const std::string range =
+        " FROM reading WHERE document IN"
+        " (SELECT CAST(value ->> 0 AS BIGINT) FROM @ROWS(:documents))";
+    TJSON rows = TJSON::array();
+    for (const std::int64_t each : documents) rows.push_back(TJSON::array({each}));
+    TTransaction transaction(fDatabase);
+    count += fDatabase.QueryNumber("SELECT COUNT(*)" + range, {rows.dump()}).value_or(0);
+    fDatabase.Execute("DELETE" + range, {rows.dump()});
+    transaction.Commit();
+  }
 }
 
 }  // namespace NVORNQDX20::NStore
