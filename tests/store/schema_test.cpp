@@ -101,6 +101,17 @@ TEST(StoreSchema, RefusesWhatItDoesNotKnow) {
   EXPECT_QDX_STATUS(open(newer, EAccess::kCreating), kQDXStatusNotSupported);
 }
 
+TEST(StoreSchema, IsInAFileWhateverItsName) {
+  const TTempDir folder;
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.Path());
+  for (const char* name : {":memory:", "file:x?mode=memory", "a=b c", "-", "x'y\"z"}) {
+    OpenStore(TLocation(name), EAccess::kCreating);
+    EXPECT_GT(std::filesystem::file_size(name), 0U) << name;
+  }
+  std::filesystem::current_path(before);
+}
+
 TEST(StoreLocation, HidesPasswords) {
   struct TRow {
     const char* fText;

@@ -99,8 +99,10 @@ void Translated(const TLocation& location, const TCall& call) {
   }
 }
 
-/// SOCI reads a text without "=" as the name of the file, and else as parameters.
-std::string FileParameters(const std::string& file) {
+/// SOCI reads a text without "=" as the name of the file, and else as parameters. For SQLite some
+/// names are no files, such as ":memory:" and "file:x".
+std::string FileParameters(std::string file) {
+  if (!boost::starts_with(file, "/")) file.insert(0, "./");
   if (file.find('=') == std::string::npos) return file;
   if (file.find('"') != std::string::npos) {
     throw TDatabaseError(TDatabaseError::kUnusable, kQDXStatusNotSupported,

@@ -129,10 +129,13 @@ struct TDeviceView {
 std::string DeviceQuery(const TDeviceView& view) {
   std::string query = "SELECT " + kHostColumns + ", o.name AS " + view.fObject;
   for (const TColumn& column : view.fColumns) {
-    // Numbers as such, also the largest ones: PostgreSQL has no unsigned type.
+    // Numbers as such, also the largest ones: PostgreSQL has no unsigned type. A text that is no
+    // number would end the query for all hosts, and what a property is called is up to documents.
     const std::string value =
         column.fIsNumber ? "CAST(s.value AS NUMERIC)" : std::string("s.value");
-    const std::string type = column.fIsNumber ? " AND p.type LIKE '%int%'" : "";
+    const std::string type = column.fIsNumber ? " AND LENGTH(s.value) BETWEEN 1 AND 20"
+                                                " AND LTRIM(s.value, '0123456789') = ''"
+                                              : "";
     query += std::string(", MAX(CASE WHEN p.name = '") + column.fProperty + "'" + type + " THEN " +
              value + " END) AS " + column.fName;
   }
