@@ -60,7 +60,8 @@ class TInstanceMaker {
     if (!IsPlain(slot)) {
       if (key != nullptr || !SetTime(slot, property)) SetOtherValue(slot, key, property);
     } else if (key == nullptr) {
-      const TElement* const value = FindScalar(fSpace, property);
+      const TElement* const usual = FindUsualValue(property);
+      const TElement* const value = usual != nullptr ? usual : FindScalar(fSpace, property);
       if (value == nullptr || !SetPlainValue(slot, *value, property)) {
         fTable.fAdder.SetNull(slot.fPosition);
       }

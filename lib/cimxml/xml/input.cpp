@@ -95,15 +95,21 @@ void TInput::Probe() {
 
 bool TInput::Fill() {
   if (fBegin == fEnd) fBegin = fEnd = 0;
-  const ssize_t length = ReadSome(fDescriptor, fBuffer.get() + fEnd, kBufferSize - fEnd);
-  if (length < 0) throw TDocumentError(ErrorText(errno), {}, kQDXStatusFileSystemError);
-  fEnd += static_cast<std::size_t>(length);
-  fConsumed += static_cast<std::size_t>(length);
+  const std::size_t length =
+      ReadFile(reinterpret_cast<char*>(fBuffer.get()) + fEnd, kBufferSize - fEnd);
+  fEnd += length;
   return length > 0;
 }
 
+std::size_t TInput::ReadFile(char* buffer, std::size_t size) {
+  const ssize_t length = ReadSome(fDescriptor, buffer, size);
+  if (length < 0) throw TDocumentError(ErrorText(errno), {}, kQDXStatusFileSystemError);
+  fConsumed += static_cast<std::size_t>(length);
+  return static_cast<std::size_t>(length);
+}
+
 std::size_t TInput::Copy(char* buffer, std::size_t size) {
-  if (fBegin == fEnd && !Fill()) return 0;
+  if (fBegin == fEnd) return ReadFile(buffer, size);  // without a copy
   const std::size_t length = std::min(size, fEnd - fBegin);
   std::memcpy(buffer, fBuffer.get() + fBegin, length);
   fBegin += length;

@@ -32,6 +32,8 @@ class TInput {
   void Probe();
   /// Reads more into the buffer; returns false at the end of the file.
   bool Fill();
+  /// Returns 0 at the end of the file.
+  std::size_t ReadFile(char* buffer, std::size_t size);
   std::size_t Copy(char* buffer, std::size_t size);
   std::size_t Inflate(char* buffer, std::size_t size);
   void SkipPadding();

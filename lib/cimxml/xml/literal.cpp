@@ -128,11 +128,14 @@ bool IsDateTimeText(std::string_view text) {
   return text[21] != ':' || text.substr(22) == "000";
 }
 
+/// Returns the number of some digits.
 template <typename T>
 T Field(std::string_view text, std::size_t position, std::size_t length) {
-  T number = 0;
-  std::from_chars(text.data() + position, text.data() + position + length, number);
-  return number;
+  std::uint32_t number = 0;
+  for (const char c : text.substr(position, length)) {
+    number = 10 * number + static_cast<std::uint32_t>(c - '0');
+  }
+  return static_cast<T>(number);
 }
 
 /// Parsed field by field, since TCIMDateTime narrows the microseconds and days of a text.
