@@ -41,7 +41,7 @@ class TZoneWatch {
     return fCount == 1 || !IsZone(fEntries[fCount - 2]);
   }
 
-  void ReadEntries() {
+  __attribute__((noinline)) void ReadEntries() {
     fEnvironment = environ;
     fCount = 0;
     const char* zone = nullptr;
@@ -75,7 +75,10 @@ class TZoneWatch {
 
   bool IsFileReplaced() {
     const std::time_t now = std::time(nullptr);
-    if (now == fSecond) return false;
+    return now != fSecond && IsFileReplacedSince(now);
+  }
+
+  __attribute__((noinline)) bool IsFileReplacedSince(std::time_t now) {
     fSecond = now;
     const struct stat last = fFile;
     if (::stat("/etc/localtime", &fFile) != 0) fFile = {};

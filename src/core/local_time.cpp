@@ -183,37 +183,38 @@ std::int64_t TWallClock::InstantByMktime() const {
   return instant;
 }
 
-std::int64_t TWallClock::Instant() const {
-  TZoneFacts& zone = TZoneFacts::OfThisThread();
-  if (!IsOrderedLikeInstants(zone)) return InstantByMktime();
-  return fSecondsAtUTC - zone.SubtractedAt(fSecondsAtUTC);
-}
-
 bool TWallClock::IsConvertible() const { return IsConvertible(TZoneFacts::OfThisThread()); }
 
 bool TWallClock::IsConvertible(TZoneFacts& zone) const {
   return IsSurelyConvertible(zone) || CallMktime() != -1;
 }
 
-bool TWallClock::IsSurelyConvertible(TZoneFacts& zone) const {
+inline bool TWallClock::IsSurelyConvertible(TZoneFacts& zone) const {
   return std::abs(fSecondsAtUTC) > kZoneReach && zone.IsSteadyAround(fSecondsAtUTC);
 }
 
 /// Around a steady offset, nearby readings are ordered like their instants. The exception are zones
 /// with leap seconds, where seconds that carry over give a different instant.
-bool TWallClock::IsOrderedLikeInstants(TZoneFacts& zone) const {
+inline bool TWallClock::IsOrderedLikeInstants(TZoneFacts& zone) const {
   return fSecond < 60 && IsSurelyConvertible(zone);
+}
+
+std::int64_t TWallClock::Instant() const {
+  TZoneFacts& zone = TZoneFacts::OfThisThread();
+  if (!IsOrderedLikeInstants(zone)) return InstantByMktime();
+  return fSecondsAtUTC - zone.SubtractedAt(fSecondsAtUTC);
 }
 
 int TWallClock::Compare(const TWallClock& other) const {
   TZoneFacts& zone = TZoneFacts::OfThisThread();
   std::int64_t difference = fSecondsAtUTC - other.fSecondsAtUTC;
-  if (std::abs(difference) > 2 * kZoneReach) {  // more than any two offsets differ
-    if (!IsConvertible(zone) || !other.IsConvertible(zone)) {
+  if (!IsOrderedLikeInstants(zone) || !other.IsOrderedLikeInstants(zone)) {
+    if (std::abs(difference) <= 2 * kZoneReach) {
+      difference = InstantByMktime() - other.InstantByMktime();
+    } else if (!IsConvertible(zone) || !other.IsConvertible(zone)) {
+      // Further apart than any two offsets.
       throw TQDXException(kQDXStatusInvalidDateTime);
     }
-  } else if (!IsOrderedLikeInstants(zone) || !other.IsOrderedLikeInstants(zone)) {
-    difference = InstantByMktime() - other.InstantByMktime();
   }
   return (difference > 0) - (difference < 0);
 }
