@@ -11,40 +11,35 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
-#include <string_view>
 #include <system_error>
 #include <type_traits>
 
 namespace NVORNQDX20 {
 namespace {
 
-std::string_view SkipWhiteSpace(std::string_view text) {
-  while (!text.empty() && (text.front() == ' ' || (text.front() >= '\t' && text.front() <= '\r'))) {
-    text.remove_prefix(1);
-  }
+// Texts end with a null character, which stops each loop.
+
+const char* SkipWhiteSpace(const char* text) {
+  while (*text == ' ' || (*text >= '\t' && *text <= '\r')) ++text;
   return text;
 }
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-/// Returns the character, or 0 beyond the end.
-char At(std::string_view text, std::size_t position) {
-  return position < text.size() ? text[position] : '\0';
-}
-
-/// Removes a sign from the text. Returns whether it was a minus.
-bool TakeSign(std::string_view& text) {
-  const char sign = At(text, 0);
-  if (sign == '-' || sign == '+') text.remove_prefix(1);
+/// Steps over a sign. Returns whether it was a minus.
+bool TakeSign(const char*& text) {
+  const char sign = *text;
+  if (sign == '-' || sign == '+') ++text;
   return sign == '-';
 }
 
-/// Removes the prefix of a C integer from the text. Returns the base.
-int TakeBase(std::string_view& text) {
-  if (At(text, 0) != '0') return 10;
-  if (At(text, 1) != 'x' && At(text, 1) != 'X') return 8;
-  text.remove_prefix(2);
+/// Steps over the prefix of a C integer. Returns the base.
+int TakeBase(const char*& text) {
+  if (*text != '0') return 10;
+  if (text[1] != 'x' && text[1] != 'X') return 8;
+  text += 2;
   return 16;
 }
 
@@ -60,52 +55,52 @@ T WithSign(unsigned long magnitude, bool negative) {
 
 /// Returns the number at the start of a text in base 8, 10 or 16; 0 if there is none or it exceeds
 /// 64 bits.
-std::uint64_t ReadMagnitude(std::string_view text, int base) {
+std::uint64_t ReadMagnitude(const char* text, const char* end, int base) {
   std::uint64_t number = 0;
   if (base == 10) {
-    constexpr std::size_t kSurelyFits = 19;
-    std::size_t count = 0;
-    for (; count < text.size() && IsDigit(text[count]) && count < kSurelyFits; ++count) {
-      number = number * 10 + static_cast<std::uint64_t>(text[count] - '0');
+    constexpr int kSurelyFits = 19;
+    const char* digit = text;
+    for (; IsDigit(*digit) && digit - text < kSurelyFits; ++digit) {
+      number = number * 10 + static_cast<std::uint64_t>(*digit - '0');
     }
-    if (count < kSurelyFits) return number;
+    if (digit - text < kSurelyFits) return number;
   }
-  const auto result = std::from_chars(text.data(), text.data() + text.size(), number, base);
+  const auto result = std::from_chars(text, end, number, base);
   return result.ec == std::errc() ? number : 0;
 }
 
 template <typename T>
-T ReadInteger(std::string_view text) {
-  text = SkipWhiteSpace(text);
-  const bool negative = TakeSign(text);
-  const int base = TakeBase(text);
-  return WithSign<T>(ReadMagnitude(text, base), negative);
+T ReadInteger(const std::string& text) {
+  const char* start = SkipWhiteSpace(text.c_str());
+  const bool negative = TakeSign(start);
+  const int base = TakeBase(start);
+  return WithSign<T>(ReadMagnitude(start, text.c_str() + text.size(), base), negative);
 }
 
-bool ReadBoolean(std::string_view text) { return SkipWhiteSpace(text).substr(0, 4) == "true"; }
+bool ReadBoolean(const std::string& text) {
+  return std::strncmp(SkipWhiteSpace(text.c_str()), "true", 4) == 0;
+}
 
-std::size_t CountDigits(std::string_view text) {
-  std::size_t count = 0;
-  while (count < text.size() && IsDigit(text[count])) ++count;
-  return count;
+std::size_t CountDigits(const char* text) {
+  const char* end = text;
+  while (IsDigit(*end)) ++end;
+  return static_cast<std::size_t>(end - text);
 }
 
 /// Returns the length of the decimal number at the start of a text without a sign; 0 if there is
 /// none, or if its exponent has no digits.
-std::size_t LengthOfReal(std::string_view text) {
+std::size_t LengthOfReal(const char* text) {
   std::size_t length = CountDigits(text);
   std::size_t digits = length;
-  if (At(text, length) == '.') {
-    const std::size_t fraction = CountDigits(text.substr(length + 1));
+  if (text[length] == '.') {
+    const std::size_t fraction = CountDigits(text + length + 1);
     digits += fraction;
     length += 1 + fraction;
   }
-  if (digits == 0 || (At(text, length) != 'e' && At(text, length) != 'E')) {
-    return digits == 0 ? 0 : length;
-  }
+  if (digits == 0 || (text[length] != 'e' && text[length] != 'E')) return digits == 0 ? 0 : length;
   ++length;
-  if (At(text, length) == '+' || At(text, length) == '-') ++length;
-  const std::size_t exponent = CountDigits(text.substr(length));
+  if (text[length] == '+' || text[length] == '-') ++length;
+  const std::size_t exponent = CountDigits(text + length);
   return exponent == 0 ? 0 : length + exponent;
 }
 
@@ -125,16 +120,16 @@ T ReadExtremeReal(const std::string& text) {
 }
 
 template <typename T>
-T ReadReal(std::string_view text) {
-  text = SkipWhiteSpace(text);
-  const bool negative = TakeSign(text);
-  const std::size_t length = LengthOfReal(text);
+T ReadReal(const std::string& text) {
+  const char* start = SkipWhiteSpace(text.c_str());
+  const bool negative = TakeSign(start);
+  const std::size_t length = LengthOfReal(start);
   if (length == 0) return 0;
 
   T number = 0;
-  const auto result = std::from_chars(text.data(), text.data() + length, number);
+  const auto result = std::from_chars(start, start + length, number);
   if (result.ec == std::errc::result_out_of_range) {
-    number = ReadExtremeReal<T>(std::string(text.substr(0, length)));
+    number = ReadExtremeReal<T>(std::string(start, length));
   }
   if (std::isinf(number)) return 0;
   return negative ? -number : number;

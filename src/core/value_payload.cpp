@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstddef>
+#include <iterator>
 #include <string_view>
 #include <type_traits>
 
@@ -137,21 +139,28 @@ std::string TCIMReferenceValueImpl::ToString(unsigned char) const { return fCont
 // Most arrays are of numbers, and cost little more than a loop over those.
 
 std::string TCIMArrayValueImpl::ToString(unsigned char radix) const {
-  std::string text = "{ ";
-  text.reserve(8 * fElements.size());
+  constexpr std::size_t kLongest = 2 + TCIMNumericValueImpl::kMaxLength;
+  char buffer[16 * kLongest] = {'{', ' '};
+  char* end = buffer + 2;
+  std::string text;
+  const char* separator = "";
   for (const TCIMValue& element : fElements) {
-    const std::size_t skipped = &element == &fElements.front() ? 2 : 0;
-    if (TCIMNumericValueImpl::IsIn(element)) {
-      char number[2 + TCIMNumericValueImpl::kMaxLength] = {',', ' '};
-      const char* const end = PayloadOf<TCIMNumericValueImpl>(element).Write(number + 2, radix);
-      text.append(number + skipped, static_cast<std::size_t>(end - number) - skipped);
-    } else {
-      text.append(", ", 2 - skipped);
-      text += element.ToString(radix);
+    const bool isNumber = TCIMNumericValueImpl::IsIn(element);
+    if (!isNumber || std::end(buffer) - end < static_cast<std::ptrdiff_t>(kLongest)) {
+      text.append(buffer, static_cast<std::size_t>(end - buffer));
+      end = buffer;
     }
+    while (*separator != '\0') *end++ = *separator++;
+    if (isNumber) {
+      end = PayloadOf<TCIMNumericValueImpl>(element).Write(end, radix);
+    } else {
+      text.append(buffer, static_cast<std::size_t>(end - buffer)).append(element.ToString(radix));
+      end = buffer;
+    }
+    separator = ", ";
   }
-  text += " }";
-  return text;
+  text.append(buffer, static_cast<std::size_t>(end - buffer));
+  return text += " }";
 }
 
 bool TCIMArrayValueImpl::operator==(const TCIMValue& other) const {
