@@ -3,6 +3,8 @@
 #include <qdxcore/datetime.h>
 #include <qdxcore/status.h>
 
+#include "datetime_text.h"
+
 #include <array>
 #include <charconv>
 #include <cstddef>
@@ -112,8 +114,8 @@ void AppendQuantity(std::string& text, std::uint32_t number, const char* unit) {
 
 }  // namespace
 
-void TCIMDateTimeImpl::Set(const std::string& text) {
-  if (text.size() != kTextLength || text[kPointPosition] != '.') RefuseDateTime();
+bool ReadDateTime(const std::string& text, TCIMDateTimeImpl& result) {
+  if (text.size() != kTextLength || text[kPointPosition] != '.') return false;
   // What is no digit, at the positions 14 and 21, is replaced by one.
   const TDigitPairs date(EightAt(text, 0));
   const TDigitPairs clock(EightAt(text, 6));
@@ -122,7 +124,7 @@ void TCIMDateTimeImpl::Set(const std::string& text) {
   const char sign = text[kSignPosition];
   if (!date.AreDigits() || !clock.AreDigits() || !fraction.AreDigits() || !zone.AreDigits() ||
       (sign != ':' && sign != '+' && sign != '-') || (sign == ':' && zone.From(0, 1) != 0)) {
-    RefuseDateTime();
+    return false;
   }
 
   const auto narrow = [](std::uint32_t number) { return static_cast<std::uint16_t>(number); };
@@ -131,12 +133,13 @@ void TCIMDateTimeImpl::Set(const std::string& text) {
   const std::uint16_t microseconds = narrow(fraction.From(1, 3));
   const std::uint16_t hour = narrow(clock[1]), minute = narrow(clock[2]), second = narrow(clock[3]);
   if (sign == ':') {
-    Set(std::uint32_t{narrow(date.From(0, 3))}, hour, minute, second, microseconds);
+    result.Set(std::uint32_t{narrow(date.From(0, 3))}, hour, minute, second, microseconds);
   } else {
     const auto offset = static_cast<std::int16_t>(zone.From(0, 1));
-    Set(narrow(date.From(0, 1)), narrow(date[2]), date[3], hour, minute, second, microseconds,
-        static_cast<std::int16_t>(sign == '-' ? -offset : offset));
+    result.Set(narrow(date.From(0, 1)), narrow(date[2]), date[3], hour, minute, second,
+               microseconds, static_cast<std::int16_t>(sign == '-' ? -offset : offset));
   }
+  return true;
 }
 
 std::string TCIMDateTimeImpl::ToString() const {
