@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "cli/output.h"
+#include "cli/table_columns.h"
 #include "cli/terminal.h"
 #include "contents_format.h"
 
@@ -17,9 +18,6 @@ namespace NVORNQDX20 {
 namespace {
 
 constexpr const char* kTableIndent = "    ";
-constexpr std::size_t kGap = 2;
-/// Narrower columns say nothing.
-constexpr std::size_t kNarrowest = 8;
 
 class TTableFormat : public IContentsFormat {
  public:
@@ -74,35 +72,16 @@ class TTableFormat : public IContentsFormat {
     for (const std::size_t column : shown) {
       names.push_back(fClass->fClass.fProperties[fColumns[column]].fName);
     }
-    std::string text = FormatTable({{{Aligned(std::move(names), widths)}, TTableRow::kHeading}});
+    std::string text = FormatTable(
+        {{{kTableIndent + AlignedLine(std::move(names), widths)}, TTableRow::kHeading}});
     for (TTableRow& row : fRows) {
       std::vector<std::string> cells;
       cells.reserve(shown.size());
       for (const std::size_t column : shown) cells.push_back(std::move(row.fCells[column]));
-      text += FormatTable({{{Aligned(std::move(cells), widths)}, TTableRow::kPlain}});
+      text += FormatTable(
+          {{{kTableIndent + AlignedLine(std::move(cells), widths)}, TTableRow::kPlain}});
     }
     return text;
-  }
-
-  /// Returns a line with the cells below each other. A cell that is much longer than others get is
-  /// not reason enough to fill all of them up to its length.
-  static std::string Aligned(std::vector<std::string> cells,
-                             const std::vector<std::size_t>& widths) {
-    constexpr std::size_t kMostBlanks = 100;
-    std::string line = kTableIndent;
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-      Cut(cells[i], widths[i]);
-      line += cells[i];
-      if (i + 1 == cells.size()) break;
-      const std::size_t width = std::min(widths[i], kMostBlanks);
-      line.append(width - std::min(width, WidthOf(cells[i])) + kGap, ' ');
-    }
-    return line;
-  }
-
-  /// Cuts a cell on a terminal.
-  static void Cut(std::string& cell, std::size_t width) {
-    if (WidthOf(cell) > width) cell = CutToWidth(cell, width - 1) + "\u2026";
   }
 
   /// Returns whether the column says nothing: no instance has a value, or it is a silent key.
@@ -125,7 +104,7 @@ class TTableFormat : public IContentsFormat {
     std::size_t used = 0;
     for (const std::size_t column : KeysFirst()) {
       const std::size_t width = std::min(room, WidthOfColumn(column));
-      const std::size_t needed = (shown.empty() ? 0 : kGap) + std::min(kEnough, width);
+      const std::size_t needed = (shown.empty() ? 0 : kColumnGap) + std::min(kEnough, width);
       const bool isAskedFor = fStyle.fShowsAll || !fStyle.fProperties.empty();
       const bool fits = used + needed <= room || shown.empty() || isAskedFor;
       if (SaysNothing(column) || !fits) {
@@ -141,28 +120,14 @@ class TTableFormat : public IContentsFormat {
       widths.push_back(std::min(room, WidthOfColumn(0)));
       --fOmitted.fColumns;
     }
-    Narrow(widths, room);
+    NarrowColumns(widths, room);
     return shown;
   }
 
-  /// Returns the columns of the terminal that the table can use; without a terminal, any number.
+  /// Returns the columns of the terminal that the table can use.
   std::size_t Room() const {
     constexpr std::size_t kAny = 1000000000;
-    constexpr std::size_t kLeast = 20;
-    if (fStyle.fShowsAll || ::isatty(STDOUT_FILENO) == 0) return kAny;
-    return std::max(kLeast, TerminalWidth(STDOUT_FILENO)) - std::strlen(kTableIndent);
-  }
-
-  /// Takes from the widest as long as they do not fit.
-  static void Narrow(std::vector<std::size_t>& widths, std::size_t room) {
-    std::size_t total = kGap * (widths.size() - 1);
-    for (const std::size_t width : widths) total += width;
-    while (total > room) {
-      const auto widest = std::max_element(widths.begin(), widths.end());
-      if (*widest <= kNarrowest) return;
-      --*widest;
-      --total;
-    }
+    return fStyle.fShowsAll ? kAny : RoomForTable(std::strlen(kTableIndent));
   }
 
   std::vector<std::size_t> KeysFirst() const {
@@ -188,17 +153,6 @@ class TTableFormat : public IContentsFormat {
   std::vector<std::size_t> fColumns;  // of the class, by their indexes
   std::vector<TTableRow> fRows;
 };
-
-/// RFC 4180: quotes around what has a quote, a comma or a line end, and quotes in it doubled.
-std::string CSVField(const std::string& text) {
-  if (text.find_first_of("\",\r\n") == std::string::npos) return text;
-  std::string field = "\"";
-  for (const char c : text) {
-    if (c == '"') field += c;
-    field += c;
-  }
-  return field + '"';
-}
 
 std::string CSVText(const TJSON& value) {
   if (value.is_null()) return "";
@@ -246,13 +200,11 @@ class TCSVFormat : public IContentsFormat {
  private:
   static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
-  void AddRecord(const std::vector<std::string>& fields) {
-    std::string line;
-    for (const std::string& field : fields) {
-      if (&field != &fields.front()) line += ',';
-      line += CSVField(fIsTerminal ? ForTerminal(field) : field);
+  void AddRecord(std::vector<std::string> fields) {
+    for (std::string& field : fields) {
+      if (fIsTerminal) field = ForTerminal(field);
     }
-    fOutput.Add(line + "\r\n");
+    fOutput.Add(CSVRecord(fields));
   }
 
   const bool fHasClass;
