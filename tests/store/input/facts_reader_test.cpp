@@ -94,6 +94,12 @@ TEST(FactsReader, TellsApartObjectsThatHaveTheSameNameOrNone) {
   for (int i = 0; i < 2; ++i) AddInstance(ns, "Note", {{"Text", "t"}});
   AddClass(ns, "Other", {{"CreationClassName", kNoText}});
   for (const char* const name : {"P", "Q"}) AddInstance(ns, "Other", {{"CreationClassName", name}});
+  AddClass(ns, "Firmware", {{"ID", kNoText}, {"Name", kNoText}, {"Version", kNoText}});
+  for (const char* const version : {"1", "2"}) {
+    AddInstance(ns, "Firmware", {{"ID", "BIOS"}, {"Name", "BIOS"}, {"Version", version}});
+  }
+  AddClass(ns, "Release", {{"Version", kNoText}});
+  AddInstance(ns, "Release", {{"Version", "12"}});
   // An object of another machine keeps its name.
   AddClass(ns, "Port", {{"SystemName", kNoText}, {"DeviceID", kNoText}});
   for (const char* const name : {"WEB1", "vm", ""}) {
@@ -106,6 +112,9 @@ TEST(FactsReader, TellsApartObjectsThatHaveTheSameNameOrNone) {
             "Note <#0b857b8207588187 (2)>\n"
             "Other <>\n"
             "Other < (2)>\n"
+            "Firmware <BIOS>\n"
+            "Firmware <BIOS (2)>\n"
+            "Release <12>\n"
             "Port <eth0>\n"
             "Port <eth0 (2)>\n"
             "Port <eth0, vm>\n");

@@ -37,8 +37,10 @@ struct TUnknown {
 ///
 /// Objects are named without the names of host and class, so that the same disk has the same name
 /// on every host, and after its host was renamed: "/dev/sda". Of several keys the texts are in the
-/// order of the keys' names, with ", " between them. The machine itself has the empty name. An
-/// object of a class without keys is named by its values: "#" and 16 hexadecimal digits.
+/// order of the keys' names, with ", " between them, and one if all are equal. A version is no part
+/// of the name, so that the firmware is the same object after an update. The machine itself has the
+/// empty name. An object of a class without keys is named by its values: "#" and 16 hexadecimal
+/// digits.
 struct TDocumentFacts {
   struct TClass {
     std::string fNamespace;

@@ -12,6 +12,7 @@
 #include <cmath>
 #include <cstdio>
 #include <ctime>
+#include <string_view>
 #include <type_traits>
 
 #include <boost/algorithm/string/join.hpp>
@@ -66,6 +67,15 @@ bool IsOfTexts(TCIMValue::TCIMType type) {
 
 bool IsReal(TCIMValue::TCIMType type) {
   return type == TCIMValue::TCIMType::kCIMTypeReal32 || type == TCIMValue::TCIMType::kCIMTypeReal64;
+}
+
+/// Returns whether the key says what state the object is in: the firmware of a machine is the same
+/// object after an update. Classes of software have such keys (DMTF CIM, CIM_SoftwareElement).
+bool IsState(const std::string& key) {
+  static constexpr std::string_view kStates[] = {"Version", "SoftwareElementState",
+                                                 "TargetOperatingSystem"};
+  return std::any_of(std::begin(kStates), std::end(kStates),
+                     [&key](std::string_view state) { return EqualIgnoringCase(key, state); });
 }
 
 /// JSON has no numbers for what is no number.
@@ -157,7 +167,13 @@ std::string TValueTexts::NameOf(const std::string& className, TKeyTexts keys) co
       std::remove_if(keys.begin(), keys.end(),
                      [&](const auto& key) { return IsSilent(className, key.first, key.second); }),
       keys.end());
-  if (keys.size() == 1) return keys.front().second;
+  const auto states = std::stable_partition(keys.begin(), keys.end(),
+                                            [](const auto& key) { return !IsState(key.first); });
+  if (states != keys.begin()) keys.erase(states, keys.end());
+  const bool isOneText = std::all_of(keys.begin(), keys.end(), [&keys](const auto& key) {
+    return key.second == keys.front().second;
+  });
+  if (isOneText) return keys.empty() ? "" : keys.front().second;
   for (auto& [name, text] : keys) name = NModel::Folded(name);
   std::sort(keys.begin(), keys.end());
   std::string all;
