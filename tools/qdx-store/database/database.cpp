@@ -220,9 +220,14 @@ std::int64_t ToNumber(const TCell& cell) {
   return number;
 }
 
-TTransaction::TTransaction(TDatabase& database) : fDatabase(database) {
-  // Of a file the lock at once: a reader that becomes a writer later may be refused.
-  fDatabase.Execute(fDatabase.IsSQLite() ? "BEGIN IMMEDIATE" : "BEGIN");
+TTransaction::TTransaction(TDatabase& database, EPurpose purpose) : fDatabase(database) {
+  if (purpose == kReading) {
+    const char* const sameState = "BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY";
+    fDatabase.Execute(fDatabase.IsSQLite() ? "BEGIN" : sameState);
+  } else {
+    // Of a file the lock at once: a reader that becomes a writer later may be refused.
+    fDatabase.Execute(fDatabase.IsSQLite() ? "BEGIN IMMEDIATE" : "BEGIN");
+  }
 }
 
 TTransaction::~TTransaction() {

@@ -31,6 +31,7 @@ using TRow = std::vector<TCell>;
 ///
 /// Statements are those of both databases, with words of our own where these differ:
 ///   @ROWS(:name)  a table with the column "value": the elements of a JSON array
+///   @LIST(x)      of the rows of a group, the texts with "," between them
 ///   @TIME(x)      the text of a moment of a document, such as 2004-03-15T13:30:00.000Z
 ///   @ID           the type of a column with the key of a row, which the database makes
 ///   @CLUSTERED    after a table: stored in the order of its key, if the database can do so
@@ -67,8 +68,12 @@ std::int64_t ToNumber(const TCell& cell);
 /// Changes that are there completely after Commit(), and else not at all.
 class TTransaction {
  public:
-  /// In a file nobody else writes from now on.
-  explicit TTransaction(TDatabase& database);
+  enum EPurpose {
+    kWriting,  ///< In a file nobody else writes from now on.
+    kReading   ///< All queries see the same state, and nobody waits.
+  };
+
+  explicit TTransaction(TDatabase& database, EPurpose purpose = kWriting);
   /// Undoes the changes, unless they are committed.
   ~TTransaction();
   TTransaction(const TTransaction&) = delete;

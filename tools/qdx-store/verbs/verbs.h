@@ -8,6 +8,9 @@
 namespace NVORNQDX20::NStore {
 
 TVerb AddVerb();
+TVerb HistoryVerb();
+TVerb HostsVerb();
+TVerb OddVerb();
 TVerb PruneVerb();
 
 /// The command with every verb, in the order of the help.

@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: Apache-2.0
+// The command, from documents to answers.
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "cimxml/documents.h"
+#include "store/input/host.h"
+#include "support/run_program.h"
+
+namespace NVORNQDX20 {
+namespace {
+
+using TJSON = nlohmann::json;
+
+class StoreVerbs : public ::testing::Test {
+ protected:
+  /// Three hosts of a model on two days; the third one has another disk since the second day.
+  void SetUp() override {
+    std::vector<std::string> words = {QDX_STORE, "add", Store()};
+    for (const char* const day : {"01", "02"}) {
+      for (const std::string name : {"web1", "web2", "web3"}) {
+        const bool isOdd = name == "web3" && std::string(day) == "02";
+        const TTestHost host{name, "202611" + std::string(day) + "120000.000000+000"};
+        const TNamespace ns = MakeHost(host, {{"ProductName", "R1"}, {"UUID", UUIDOf(name)}});
+        DeclareDisks(ns);
+        AddDisk(ns, name, "sda",
+                {{"Model", isOdd ? "\xc2\x9b"
+                                   "31mNEW, \"1\""
+                                 : "Old"}});
+        if (isOdd) AddDisk(ns, name, "sdb", {{"Model", "Old"}});
+        words.push_back((fFolder.Path() / (name + "-" + day + ".xml")).string());
+        Write(words.back(), {ns, MakeRecord(host)});
+      }
+    }
+    const TProgramRun run = RunProgram(words);
+    ASSERT_EQ(run.fExitCode, 0) << run.fErrors;
+  }
+
+  std::string Store() const { return (fFolder.Path() / "store").string(); }
+  static std::string UUIDOf(const std::string& name) {
+    return "4c4c4544-0000-1000-8000-00000000000" + name.substr(3);
+  }
+
+  TProgramRun Ask(std::vector<std::string> words) const {
+    words.insert(words.begin() + 1, Store());
+    words.insert(words.begin(), QDX_STORE);
+    return RunProgram(words);
+  }
+
+  TJSON JSONOf(std::vector<std::string> words) const {
+    words.emplace_back("--json");
+    const TProgramRun run = Ask(words);
+    EXPECT_EQ(run.fExitCode, 0) << run.fErrors;
+    return TJSON::parse(run.fOutput);
+  }
+
+ private:
+  const TTempDir fFolder;
+};
+
+TEST_F(StoreVerbs, ShowsTablesThatDoNotControlTheTerminal) {
+  EXPECT_EQ(Ask({"odd"}).fOutput,
+            "Host  Model  Object         Property  Value         Usual     Hosts\n"
+            "web3  R1     DiskDrive sda  Model     ?31mNEW, \"1\"  Old       2 of 3\n"
+            "web3  R1     DiskDrive sdb  -         has it        lacks it  2 of 3\n");
+  EXPECT_EQ(Ask({"history", "web3"}).fOutput,
+            "Time                  Change   Object         Property  Old  New\n"
+            "2026-11-02T12:00:00Z  changed  DiskDrive sda  Model     Old  ?31mNEW, \"1\"\n"
+            "2026-11-02T12:00:00Z  added    DiskDrive sdb  -         -    -\n"
+            "(3 changes in 2 documents from 2026-11-01T12:00:00Z to 2026-11-02T12:00:00Z)\n");
+  EXPECT_EQ(Ask({"history", "web1"}).fOutput,
+            "(0 changes in 2 documents from 2026-11-01T12:00:00Z to 2026-11-02T12:00:00Z)\n");
+}
+
+TEST_F(StoreVerbs, WritesForPrograms) {
+  EXPECT_EQ(Ask({"odd", "disk", "--csv"}).fOutput,
+            "host,manufacturer,model,namespace,class,object,property,value,usual,usualHosts,"
+            "judgedHosts\r\n"
+            "web3,,R1,root/cimv2,VORNSG_DiskDrive,sda,Model,\"\xc2\x9b"
+            "31mNEW, \"\"1\"\"\",Old,2,3\r\n"
+            "web3,,R1,root/cimv2,VORNSG_DiskDrive,sdb,,,,2,3\r\n");
+  const TJSON odd = JSONOf({"odd"});
+  EXPECT_EQ(odd["models"], TJSON::parse(R"([{"manufacturer": null, "model": "R1",
+    "isJudged": true, "hosts": ["web1", "web2", "web3"]}])"));
+  EXPECT_EQ(odd["odd"][1]["usual"], nullptr);
+  EXPECT_EQ(odd["odd"][1]["value"], "");
+  const TJSON history = JSONOf({"history", UUIDOf("web3")});
+  EXPECT_EQ(history["host"], "web3");
+  EXPECT_EQ(history["changes"].size(), 3U);
+  EXPECT_EQ(history["changes"][1], TJSON::parse(R"({"time": "2026-11-02T12:00:00Z",
+    "after": "2026-11-01T12:00:00Z", "change": "added", "namespace": "root/cimv2",
+    "class": "VORNSG_DiskDrive", "object": "sdb", "property": "DeviceID", "old": null,
+    "new": "sdb"})"));
+  const TJSON hosts = JSONOf({"hosts"});
+  ASSERT_EQ(hosts["hosts"].size(), 3U);
+  EXPECT_EQ(hosts["hosts"][0]["host"], "web1");
+  EXPECT_EQ(hosts["hosts"][0]["documents"], 2);
+  EXPECT_EQ(hosts["hosts"][0]["lastSeen"], "2026-11-02T12:00:00Z");
+}
+
+TEST_F(StoreVerbs, ListsChangesBetweenTimes) {
+  const auto count = [this](std::vector<std::string> words) {
+    words.insert(words.begin(), {"history", "web3"});
+    return JSONOf(words)["changes"].size();
+  };
+  EXPECT_EQ(count({"--since", "2026-11-02"}), 3U);
+  EXPECT_EQ(count({"--since", "2026-11-02T12:00:01"}), 0U);
+  EXPECT_EQ(count({"--until", "2026-11-02"}), 3U);
+  EXPECT_EQ(count({"--until", "2026-11-01"}), 0U);
+  EXPECT_EQ(count({"ComputerSystem"}), 0U);
+  EXPECT_EQ(count({"disk"}), 3U);
+}
+
+TEST_F(StoreVerbs, RefuseWhatIsWrong) {
+  const struct {
+    std::vector<std::string> fWords;
+    int fExitCode;
+    const char* fReason;
+  } rows[] = {
+      {{"history", "web"}, 4, "it can be web1 (4c4c4544-0000-1000-8000-000000000001), web2 ("},
+      {{"history", "nobody"}, 4, "finding host \"nobody\": the store has no host"},
+      {{"history"}, 2, "HOST"},
+      {{"history", ""}, 2, "empty"},
+      {{"history", "web1", "dick"}, 4, "did you mean \"disk\"?"},
+      {{"history", "web1", "--since", "soon"}, 2, "--since is 'soon', not a time"},
+      {{"odd", "nonsense"}, 4, "the store has no such class"},
+      {{"odd", "--json", "--csv"}, 2, "contradicts"},
+      {{"hosts", "--silent-after", "x"}, 2, "not a number of days"}};
+  for (const auto& [words, exitCode, reason] : rows) {
+    const TProgramRun run = Ask(words);
+    EXPECT_EQ(run.fExitCode, exitCode) << run.fErrors;
+    EXPECT_NE(run.fErrors.find(reason), std::string::npos) << run.fErrors;
+    EXPECT_EQ(run.fOutput, "");
+  }
+}
+
+TEST_F(StoreVerbs, RemarkOnHosts) {
+  const std::string hosts = Ask({"hosts", "--silent-after", "0"}).fOutput;
+  EXPECT_NE(hosts.find("web1  R1       2026-11-01T12:00:00Z  2026-11-02T12:00:00Z  2          "
+                       "silent for "),
+            std::string::npos)
+      << hosts;
+  EXPECT_EQ(Ask({"hosts", "--silent-after", "100000"}).fOutput.find("silent"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace NVORNQDX20

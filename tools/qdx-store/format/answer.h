@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+/// The answer to a question as a table for people, and as JSON and CSV for programs.
+#ifndef TOOLS_QDX_STORE_FORMAT_ANSWER_H_
+#define TOOLS_QDX_STORE_FORMAT_ANSWER_H_
+
+#include <string>
+#include <vector>
+
+#include <qdxsnapshot/value_json.h>
+#include "cli/arguments.h"
+
+namespace NVORNQDX20::NStore {
+
+struct TAnswerColumn {
+  enum EReaders { kAll, kPeople, kPrograms, kJSON };
+
+  std::string fKey;      ///< In JSON and CSV.
+  std::string fHeading;  ///< In tables.
+  EReaders fReaders = kAll;
+};
+
+struct TAnswer {
+  std::string fName;  ///< The key of the rows in JSON.
+  std::vector<TAnswerColumn> fColumns;
+  std::vector<std::vector<TJSON>> fRows;
+  TJSON fOthers = TJSON::object();         ///< Further members of the JSON object.
+  std::vector<std::string> fRemarks = {};  ///< Lines below the table.
+};
+
+/// The options --json and --csv.
+std::vector<TOptionSpec> FormOptions();
+
+/// Writes the answer in the form that the options name. Texts are not trusted: they cannot control
+/// a terminal. Throws what WriteOutput() throws, and for both options a TCommandFailure.
+void WriteAnswer(const TAnswer& answer, const TArguments& arguments);
+
+}  // namespace NVORNQDX20::NStore
+
+#endif  // TOOLS_QDX_STORE_FORMAT_ANSWER_H_

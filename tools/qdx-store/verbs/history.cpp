@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: Apache-2.0
+// The verb history.
+#include <qdxdisplay/names.h>
+#include <qdxmodel/names.h>
+
+#include <string>
+#include <vector>
+
+#include "chosen_class.h"
+#include "format/answer.h"
+#include "format/time_text.h"
+#include "opened_store.h"
+#include "questions/fleet.h"
+#include "questions/history.h"
+#include "verbs.h"
+
+namespace NVORNQDX20::NStore {
+namespace {
+
+using TColumn = TAnswerColumn;
+
+[[noreturn]] void FailToFind(const std::string& typed, const std::string& reason) {
+  throw TCommandFailure(kExitBadInput, "finding host " + NModel::Quoted(typed),
+                        {kQDXStatusNotFound, reason});
+}
+
+TFleetHost ChosenHost(TDatabase& database, const std::string& typed) {
+  const std::vector<TFleetHost> found = FindHosts(ReadFleet(database), typed);
+  if (found.empty()) FailToFind(typed, "the store has no host of this name, UUID or machine ID");
+  if (found.size() == 1) return found.front();
+  constexpr std::size_t kShown = 5;
+  std::string names;
+  for (std::size_t i = 0; i < std::min(kShown, found.size()); ++i) {
+    const TFleetHost& host = found[i];
+    names += (names.empty() ? "" : ", ") + host.fName;
+    if (!host.fUUID.empty()) names += " (" + host.fUUID + ")";
+  }
+  if (found.size() > kShown) names += " and " + std::to_string(found.size() - kShown) + " more";
+  FailToFind(typed, "it can be " + names);
+}
+
+TTypedTime TimeOf(const TArguments& arguments, const std::string& option) {
+  const std::string text = arguments.Get(option, "");
+  const auto time = ParseTypedTime(text, Now());
+  if (!time) {
+    FailOnUsage("--" + option + " is '" + text + "', not a time such as 2026-01-31T12:00 or 7d");
+  }
+  return *time;
+}
+
+const char* NameOf(TChange::EChange change) {
+  switch (change) {
+    case TChange::kAdded:
+      return "added";
+    case TChange::kRemoved:
+      return "removed";
+    case TChange::kChanged:
+      break;
+  }
+  return "changed";
+}
+
+TJSON OrNull(const std::optional<std::string>& text) { return text ? TJSON(*text) : TJSON(); }
+
+std::string LabelOf(const TChange& change) {
+  return ShortClassName(change.fClass) + (change.fObject.empty() ? "" : " " + change.fObject);
+}
+
+/// One row for each change. In a table an object that came or went has one row.
+std::vector<std::vector<TJSON>> RowsOf(const std::vector<TChange>& changes, bool isForPeople) {
+  std::vector<std::vector<TJSON>> rows;
+  const TChange* whole = nullptr;
+  for (const TChange& change : changes) {
+    const bool isOfWhole = isForPeople && change.fIsOfWholeObject;
+    const bool isSame = isOfWhole && whole != nullptr && whole->fTime == change.fTime &&
+                        whole->fChange == change.fChange && whole->fClass == change.fClass &&
+                        whole->fObject == change.fObject && whole->fNamespace == change.fNamespace;
+    whole = isOfWhole ? &change : nullptr;
+    if (isSame) continue;
+    const auto old = isOfWhole ? TJSON() : OrNull(change.fOld);
+    const auto now = isOfWhole ? TJSON() : OrNull(change.fNew);
+    rows.push_back({TimeText(change.fTime), TimeText(change.fAfter), NameOf(change.fChange),
+                    change.fNamespace, change.fClass, change.fObject, LabelOf(change),
+                    isOfWhole ? TJSON() : TJSON(change.fProperty), old, now});
+  }
+  return rows;
+}
+
+TAnswer AnswerOf(const TFleetHost& host, const std::vector<TChange>& changes, bool isForPeople) {
+  TAnswer answer{"changes",
+                 {{"time", "Time"},
+                  {"after", "After", TColumn::kPrograms},
+                  {"change", "Change"},
+                  {"namespace", "", TColumn::kPrograms},
+                  {"class", "", TColumn::kPrograms},
+                  {"object", "", TColumn::kPrograms},
+                  {"", "Object", TColumn::kPeople},
+                  {"property", "Property"},
+                  {"old", "Old"},
+                  {"new", "New"}},
+                 RowsOf(changes, isForPeople)};
+  answer.fOthers["host"] = host.fName;
+  answer.fOthers["firstSeen"] = host.fFirstSeen;
+  answer.fOthers["lastSeen"] = host.fLastSeen;
+  answer.fOthers["documents"] = host.fDocuments;
+  answer.fRemarks.push_back(std::to_string(changes.size()) +
+                            (changes.size() == 1 ? " change in " : " changes in ") +
+                            std::to_string(host.fDocuments) +
+                            (host.fDocuments == 1 ? " document from " : " documents from ") +
+                            host.fFirstSeen + " to " + host.fLastSeen);
+  return answer;
+}
+
+EExitCode History(const TArguments& arguments) {
+  THistoryRequest request{};
+  if (arguments.Has("since")) request.fSince = TimeOf(arguments, "since").fBegin;
+  if (arguments.Has("until")) request.fUntil = TimeOf(arguments, "until").fEnd;
+  const auto database = OpenStoreOf(arguments.GetOperand(0), EAccess::kExisting);
+  try {
+    const TTransaction oneState(*database, TTransaction::kReading);
+    const TFleetHost host = ChosenHost(*database, arguments.GetOperand(1));
+    request.fHost = host.fID;
+    request.fClass = ChosenClass(*database, arguments.GetOperand(2));
+    const bool isForPeople = !arguments.Has("json") && !arguments.Has("csv");
+    WriteAnswer(AnswerOf(host, ReadHistory(*database, request), isForPeople), arguments);
+  } catch (const TDatabaseError& error) {
+    FailOnStore(database->GetLocation(), error);
+  }
+  return kExitDone;
+}
+
+}  // namespace
+
+TVerb HistoryVerb() {
+  std::vector<TOptionSpec> options = FormOptions();
+  options.push_back({"since", "TIME", "Only changes from this time on."});
+  options.push_back({"until", "TIME", "Only changes up to this time."});
+  return {"history",
+          "Lists what changed on a host, and when.",
+          "HOST is a name, UUID, machine ID or serial number, or how one of the first three\n"
+          "begins. CLASS is the name of a class, or a word such as 'disk'. TIME is UTC, such as\n"
+          "2026-01-31T12:00, which can be cut off: 2026-01 is the whole month. 7d and 12h are so\n"
+          "long ago. What changes by itself, such as temperatures, is not listed. The time of a\n"
+          "change is that of the first document that shows it.\n",
+          options,
+          History,
+          {{"DB"}, {"HOST"}, {"CLASS", TOperandSpec::kOptional}}};
+}
+
+}  // namespace NVORNQDX20::NStore

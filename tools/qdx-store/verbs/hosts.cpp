@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: Apache-2.0
+// The verb hosts.
+#include <qdxcore/status.h>
+
+#include <charconv>
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "format/answer.h"
+#include "format/time_text.h"
+#include "opened_store.h"
+#include "questions/fleet.h"
+#include "verbs.h"
+
+namespace NVORNQDX20::NStore {
+namespace {
+
+constexpr const char* kSilentAfter = "silent-after";
+constexpr std::int64_t kDefaultDays = 7;
+constexpr std::int64_t kMillisecondsOfDay = std::int64_t{24} * 60 * 60 * 1000;
+
+std::int64_t DaysOf(const std::string& text) {
+  std::int64_t days = 0;
+  const char* const end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, days);
+  constexpr std::int64_t kMostDays = 100'000;
+  if (error != std::errc() || rest != end || days < 0 || days > kMostDays) {
+    FailOnUsage(std::string("--") + kSilentAfter + " is '" + text + "', not a number of days");
+  }
+  return days;
+}
+
+/// Returns the whole days between the last document of the host and now; 0 if it is in the future.
+std::int64_t DaysOfSilence(const TFleetHost& host) {
+  const auto last = MillisecondsOf(host.fLastSeen);
+  return last ? std::max<std::int64_t>(0, (Now() - *last) / kMillisecondsOfDay) : 0;
+}
+
+TJSON AsJSON(const TProblem& problem) {
+  return {{"kind", problem.fKind},
+          {"provider", problem.fProvider},
+          {"namespace", problem.fNamespace},
+          {"operation", problem.fOperation},
+          {"reason", problem.fReason}};
+}
+
+/// What a person should know about the host, worst first.
+std::string RemarksOn(const TFleetHost& host, std::int64_t silentAfter) {
+  std::string remarks;
+  const auto add = [&remarks](const std::string& remark) {
+    remarks += (remarks.empty() ? "" : "; ") + remark;
+  };
+  const std::int64_t days = DaysOfSilence(host);
+  if (days > silentAfter) add("silent for " + std::to_string(days) + " days");
+  if (!host.fClones.empty()) {
+    constexpr std::size_t kShown = 3;
+    std::string names;
+    for (std::size_t i = 0; i < std::min(kShown, host.fClones.size()); ++i) {
+      names += (names.empty() ? "" : ", ") + host.fClones[i];
+    }
+    if (host.fClones.size() > kShown) names += ", ...";
+    add("same machine ID as " + names);
+  }
+  for (const TProblem& problem : host.fProblems) {
+    add((problem.fProvider.empty() ? problem.fKind : problem.fProvider) + ": " + problem.fReason);
+  }
+  if (!host.fIsComplete && host.fProblems.empty()) add("incomplete");
+  if (!host.fHasAllPermissions) add("without root");
+  return remarks;
+}
+
+TAnswer AnswerOf(const std::vector<TFleetHost>& fleet, std::int64_t silentAfter) {
+  using TColumn = TAnswerColumn;
+  TAnswer answer{"hosts",
+                 {{"host", "Host"},
+                  {"", "Product", TColumn::kPeople},
+                  {"uuid", "", TColumn::kPrograms},
+                  {"machineId", "", TColumn::kPrograms},
+                  {"serialNumber", "", TColumn::kPrograms},
+                  {"manufacturer", "", TColumn::kPrograms},
+                  {"model", "", TColumn::kPrograms},
+                  {"firstSeen", "First seen"},
+                  {"lastSeen", "Last seen"},
+                  {"documents", "Documents"},
+                  {"daysOfSilence", "", TColumn::kPrograms},
+                  {"isSilent", "", TColumn::kPrograms},
+                  {"hasAllPermissions", "", TColumn::kPrograms},
+                  {"isComplete", "", TColumn::kPrograms},
+                  {"partsLeftOut", "", TColumn::kPrograms},
+                  {"sharesMachineIdWith", "", TColumn::kPrograms},
+                  {"problems", "", TColumn::kJSON},
+                  {"", "Remarks", TColumn::kPeople}},
+                 {}};
+  for (const TFleetHost& host : fleet) {
+    TJSON problems = TJSON::array();
+    for (const TProblem& problem : host.fProblems) problems.push_back(AsJSON(problem));
+    const auto orNull = [](const std::string& text) {
+      return text.empty() ? TJSON() : TJSON(text);
+    };
+    const std::int64_t days = DaysOfSilence(host);
+    answer.fRows.push_back({host.fName, orNull(ProductOf(host)), orNull(host.fUUID),
+                            orNull(host.fMachineID), orNull(host.fSerialNumber),
+                            orNull(host.fMaker), orNull(host.fModel), host.fFirstSeen,
+                            host.fLastSeen, host.fDocuments, days, days > silentAfter,
+                            host.fHasAllPermissions, host.fIsComplete, TJSON(host.fPartsLeftOut),
+                            TJSON(host.fClones), problems, orNull(RemarksOn(host, silentAfter))});
+  }
+  if (fleet.empty()) answer.fRemarks.emplace_back("no hosts");
+  return answer;
+}
+
+EExitCode Hosts(const TArguments& arguments) {
+  const std::int64_t silentAfter =
+      arguments.Has(kSilentAfter) ? DaysOf(arguments.Get(kSilentAfter, "")) : kDefaultDays;
+  const auto database = OpenStoreOf(arguments.GetOperand(0), EAccess::kExisting);
+  try {
+    const TTransaction oneState(*database, TTransaction::kReading);
+    WriteAnswer(AnswerOf(ReadFleet(*database), silentAfter), arguments);
+  } catch (const TDatabaseError& error) {
+    FailOnStore(database->GetLocation(), error);
+  }
+  return kExitDone;
+}
+
+}  // namespace
+
+TVerb HostsVerb() {
+  std::vector<TOptionSpec> options = FormOptions();
+  options.push_back({kSilentAfter, "DAYS", "Remark on hosts without a document for longer (7)."});
+  return {"hosts",
+          "Lists the hosts: who reported, when, and what failed.",
+          "Remarks name hosts that have not reported for long, that share their machine ID with\n"
+          "others, and what was wrong with their last document.\n",
+          options,
+          Hosts,
+          {{"DB"}}};
+}
+
+}  // namespace NVORNQDX20::NStore
