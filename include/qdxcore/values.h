@@ -2,7 +2,8 @@
 /// Values of an instance without look-ups by name, for callers that read many instances.
 ///
 /// An instance that makes its values when they are read also implements IValuesOfInstance, so that
-/// what was read need not be kept. Callers find the interface by dynamic_cast, and otherwise use
+/// what was read need not be kept; one that has texts and numbers in memory implements
+/// IPlainValuesOfInstance. Callers find the interface by dynamic_cast, and otherwise use
 /// ICIMInstance::GetProperty.
 #ifndef QDXCORE_VALUES_H_
 #define QDXCORE_VALUES_H_
@@ -10,6 +11,7 @@
 #include <qdxcore/value.h>
 
 #include <cstddef>
+#include <string_view>
 
 #include <boost/function.hpp>
 
@@ -28,6 +30,25 @@ class IValuesOfInstance {
 
  protected:
   ~IValuesOfInstance() = default;  // never deleted through this interface
+};
+
+/// A text, or the bytes of a number or boolean of its native type, or null.
+struct TPlainValue {
+  bool fIsNull = true;
+  std::string_view fBytes = {};
+};
+
+/// What an instance that also has texts and numbers at hand without a TCIMValue is. An interface of
+/// its own, so that plug-ins that were built before it existed still work.
+class IPlainValuesOfInstance : public IValuesOfInstance {
+ public:
+  /// Sets `found` to the value of a property, which is valid until the instance is read by name or
+  /// changed. Returns false if that is no scalar text, number or boolean, or not at hand: ReadValue
+  /// reads it then.
+  virtual bool FindPlainValue(std::size_t index, TPlainValue& found) const = 0;
+
+ protected:
+  ~IPlainValuesOfInstance() = default;  // never deleted through this interface
 };
 
 }  // namespace NVORNQDX20

@@ -50,6 +50,13 @@ void PutScalar(std::string& out, const TCIMValue& value) {
   });
 }
 
+void PutPlain(std::string& out, const TPlainValue& value, TCIMValue::TCIMType type) {
+  out += static_cast<char>(value.fIsNull ? kNull : kPresent);
+  if (value.fIsNull) return;
+  if (type == TCIMValue::TCIMType::kCIMTypeString) PutNumber(out, value.fBytes.size());
+  out += value.fBytes;
+}
+
 bool IsNull(const TCIMValue& value) {
   const bool isTime = !value.IsNull() && value.GetType() == TCIMValue::TCIMType::kCIMTypeDateTime;
   return value.IsNull() || (isTime && TCIMDateTime(value).IsNull());

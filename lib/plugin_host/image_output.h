@@ -4,6 +4,7 @@
 #define LIB_PLUGIN_HOST_IMAGE_OUTPUT_H_
 
 #include <qdxcore/value.h>
+#include <qdxcore/values.h>
 #include <qdxmodel/names.h>
 
 #include <cstddef>
@@ -19,6 +20,9 @@ void PutNumber(std::string& out, std::uint64_t number);
 void PutText(std::string& out, std::string_view text);
 /// REQUIRES: the value is a number or a date-time, and not null.
 void PutScalar(std::string& out, const TCIMValue& value);
+
+/// The content of a text or a number.
+void PutPlain(std::string& out, const TPlainValue& value, TCIMValue::TCIMType type);
 
 /// Returns whether the value is null, or a date-time that is.
 bool IsNull(const TCIMValue& value);

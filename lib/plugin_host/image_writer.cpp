@@ -183,9 +183,14 @@ void TImageWriter::WriteInstances(const TClass& cimClass) {
     for (std::size_t i = 0; i < properties.size(); ++i) {
       const auto& property = properties[i];
       const std::size_t content = record.size();
-      reader.Read(i, [&](const TCIMValue& value) {
-        PutContent(record, value, property.fType, property.fName);
-      });
+      TPlainValue plain;
+      if (reader.FindPlain(i, plain)) {
+        PutPlain(record, plain, property.fType);
+      } else {
+        reader.Read(i, [&](const TCIMValue& value) {
+          PutContent(record, value, property.fType, property.fName);
+        });
+      }
       isNamed = isNamed && (!property.fIsKey || IsPresent(record, content));
     }
     if (isNamed) {

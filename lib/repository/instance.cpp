@@ -122,6 +122,10 @@ void TInstance::ReadValue(std::size_t slot, const TValueCallback& callback) cons
   callback(BoundValueAt(slot));
 }
 
+bool TInstance::FindPlainValue(std::size_t slot, TPlainValue& found) const {
+  return StoredAt(slot).FindPlain(DeclAt(slot).GetType(), found);
+}
+
 std::string TInstance::Description() const {
   TCIMReference path(nullptr, {});
   path.SetClass(fClass.Handle());

@@ -21,7 +21,7 @@ class TPropertyDecl;
 
 /// One piece of memory with its values: a namespace can have a million instances. A committed
 /// instance belongs to its class; before that, its handles share it.
-class TInstance final : public ICIMInstance, public IValuesOfInstance {
+class TInstance final : public ICIMInstance, public IPlainValuesOfInstance {
  public:
   /// REQUIRES: the class is committed.
   static std::unique_ptr<TInstance> Make(TClass& cimClass);
@@ -39,6 +39,7 @@ class TInstance final : public ICIMInstance, public IValuesOfInstance {
   void EnumerateProperties(const TEnumerationCallback<ICIMProperty>& callback,
                            TOptionsMap options) const override;
   void ReadValue(std::size_t slot, const TValueCallback& callback) const override;
+  bool FindPlainValue(std::size_t slot, TPlainValue& found) const override;
 
   /// Like Commit(), but returns false if an instance with the same keys exists. Otherwise the class
   /// owns the instance from now on.

@@ -228,6 +228,18 @@ TStoredValue TStoredValue::CopyReferenceTo(const TNamespace& target) const {
 
 TCIMValue TStoredValue::ToValue(TType type, TNamespace& ns) const { return MakeValue(type, &ns); }
 
+bool TStoredValue::FindPlain(TType type, TPlainValue& found) const {
+  found.fIsNull = fKind == kNull;
+  if (fKind == kNull) return type == TType::kCIMTypeString || NModel::SizeOfNumber(type) != 0;
+  if (fKind == kNumber) {
+    found.fBytes = {reinterpret_cast<const char*>(fBytes), NModel::SizeOfNumber(type)};
+    return true;
+  }
+  if (!IsText()) return false;
+  found.fBytes = TextOf();
+  return true;
+}
+
 void TStoredValue::Keep(std::unique_ptr<TReadValue> read) noexcept {
   TStoredValue kept;
   kept.Point(kRead, read.release());

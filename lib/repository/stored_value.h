@@ -9,6 +9,7 @@
 #define LIB_REPOSITORY_STORED_VALUE_H_
 
 #include <qdxcore/interfaces.h>
+#include <qdxcore/values.h>
 #include <qdxmodel/hash.h>
 
 #include <cstddef>
@@ -86,6 +87,8 @@ class TStoredValue {
   TStoredValue CopyTo(TType type, const TNamespace& target) const;
   /// Returns the value in the form that callers get. REQUIRES: it is set.
   TCIMValue ToValue(TType type, TNamespace& ns) const;
+  /// As IPlainValuesOfInstance; also returns false if the value is not set.
+  bool FindPlain(TType type, TPlainValue& found) const;
   /// Returns the value in the stored form of values.h. REQUIRES: it is set.
   TCIMValue WithoutOwner(TType type) const { return MakeValue(type, nullptr); }
   /// Returns the value if it is stored as one, else null.

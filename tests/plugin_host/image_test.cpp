@@ -111,6 +111,20 @@ TNamespace MakeFilled(std::size_t longest = 20) {
   return ns;
 }
 
+void ReadByName(const ICIMNamespace& ns) {
+  const auto readInstance = [](const auto& instance) {
+    instance->EnumerateProperties(
+        [](const auto& property) { return property->GetValue().IsNull() || true; }, {});
+    return true;
+  };
+  ns.EnumerateClasses(
+      [&](const auto& root) {
+        root->EnumerateInstances(readInstance, true, {});
+        return true;
+      },
+      {});
+}
+
 TEST(Image, GivesTheSameNamespace) {
   std::vector<TNamespace> namespaces = {MakeFilled(120000)};
   for (const std::string& name : NamesIn(QDX_EVERYTHING)) {
@@ -124,6 +138,8 @@ TEST(Image, GivesTheSameNamespace) {
     EXPECT_EQ(Written({image.fNamespace}), Written({ns}));
     // Which class of a circle is the first depends on where the other begins.
     EXPECT_EQ(WriteImage(*image.fNamespace).fBytes.size(), written.fBytes.size());
+    ReadByName(*ns);  // then numbers are read as values
+    EXPECT_EQ(WriteImage(*ns).fBytes, written.fBytes);
   }
 }
 

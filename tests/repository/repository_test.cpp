@@ -3,11 +3,13 @@
 
 #include <qdxcore/reference.h>
 #include <qdxcore/values.h>
+#include <qdxmodel/visit.h>
 
 #include "support/class_builder.h"
 #include "support/expect_status.h"
 #include "support/provider_suite.h"
 
+#include <cstring>
 #include <limits>
 
 #include <boost/weak_ptr.hpp>
@@ -130,21 +132,55 @@ TEST(Repository, KeepsAnInstanceThatIsNotCommittedForItsProperties) {
   EXPECT_EQ(unset->GetValue(), TCIMValue("default"));
 }
 
+/// The value of the bytes, or null.
+TCIMValue ValueOf(TCIMType type, const TPlainValue& plain) {
+  if (plain.fIsNull) return TCIMValue(type, 0U);
+  const std::string text(plain.fBytes);
+  return NModel::VisitType(type, [&](auto native) {
+    using T = typename decltype(native)::TType;
+    if constexpr (std::is_arithmetic_v<T>) {
+      T number;
+      EXPECT_EQ(text.size(), sizeof number);
+      std::memcpy(&number, text.data(), sizeof number);
+      return TCIMValue(number);
+    } else if constexpr (std::is_same_v<T, std::string>) {
+      return TCIMValue(text);
+    } else {
+      return TCIMValue();
+    }
+  });
+}
+
 TEST(Repository, ReadsTheSameValuesByPosition) {
   const TNamespace ns = MakeFilled();
-  for (const char* name : {"T_Disk", "T_FastDisk", "T_Link", "T_Chain"}) {
+  AddClass(ns, "T_Plain", {{"Id", 0U}},
+           {{"Text", ""}, {"Null", kNoText}, {"Real", 0.5F}, {"On", true}});
+  AddInstance(ns, "T_Plain",
+              {{"Id", 7U},
+               {"Text", std::string(20, 'x')},
+               {"Null", kNoText},
+               {"Real", -2.5F},
+               {"On", false}});
+  int plains = 0;
+  for (const char* name : {"T_Disk", "T_FastDisk", "T_Link", "T_Chain", "T_Plain"}) {
     const auto cimClass = ns->GetClass(name, {});
     std::vector<boost::shared_ptr<ICIMInstance>> instances;
     cimClass->EnumerateInstances(TAddToVectorCallback(instances), false, {});
     ASSERT_FALSE(instances.empty());
     const auto& quick = dynamic_cast<const IValuesOfInstance&>(*instances.front());
+    const auto& bare = dynamic_cast<const IPlainValuesOfInstance&>(*instances.front());
     for (int pass = 0; pass < 2; ++pass) {  // the second time after they were read by name
       std::size_t position = 0;
       cimClass->EnumeratePropertyDecls(
           [&](const auto& decl) {
             int calls = 0;
             TCIMValue value;
-            quick.ReadValue(position++, [&](const TCIMValue& each) { value = each, ++calls; });
+            quick.ReadValue(position, [&](const TCIMValue& each) { value = each, ++calls; });
+            TPlainValue plain;
+            if (bare.FindPlainValue(position++, plain)) {
+              EXPECT_EQ(value, ValueOf(decl->GetType(), plain)) << decl->GetName();
+              ++plains;
+            }
             EXPECT_EQ(value, instances.front()->GetProperty(decl->GetName(), {})->GetValue());
             EXPECT_EQ(calls, 1);
             return true;
@@ -152,6 +188,7 @@ TEST(Repository, ReadsTheSameValuesByPosition) {
           {});
     }
   }
+  EXPECT_GT(plains, 10);
 }
 
 TEST(Repository, AnswersTheClosestStaticValueOrTheDefault) {

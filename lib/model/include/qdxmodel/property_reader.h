@@ -7,6 +7,7 @@
 #include <qdxcore/values.h>
 #include <qdxmodel/classes.h>
 #include <qdxmodel/names.h>
+#include <qdxmodel/visit.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -54,10 +55,24 @@ class TPropertyReader {
   /// Chooses the instance, which must live as long as it is read.
   void Begin(const ICIMInstance& instance) {
     fInstance = &instance;
-    fQuick = dynamic_cast<const IValuesOfInstance*>(&instance);
+    fPlain = dynamic_cast<const IPlainValuesOfInstance*>(&instance);
+    fQuick = fPlain != nullptr ? fPlain : dynamic_cast<const IValuesOfInstance*>(&instance);
     // A provider that passes on the instances of another one may declare its class in another
     // order.
-    if (fQuick != nullptr && instance.GetClass({}).get() != fClass) fQuick = nullptr;
+    if (fQuick != nullptr && instance.GetClass({}).get() != fClass)
+      fPlain = nullptr, fQuick = nullptr;
+  }
+
+  /// Sets `found` to the value of a property of GetProperties() if it is a scalar text, number or
+  /// boolean that can be read without a TCIMValue. Otherwise returns false, and Read() reads it.
+  bool FindPlain(std::size_t property, TPlainValue& found) const {
+    if (fPlain == nullptr || fIndexes[property] == kNotEnumerated) return false;
+    const TCIMValue::TCIMType type = fProperties[property].fType;
+    const std::size_t size = SizeOfNumber(type);
+    if (size == 0 && type != TCIMValue::TCIMType::kCIMTypeString) return false;
+    // A plug-in may be wrong about the size.
+    return fPlain->FindPlainValue(fIndexes[property], found) &&
+           (found.fIsNull || size == 0 || found.fBytes.size() == size);
   }
 
   /// Calls `visit(const TCIMValue&)` with the value of a property of GetProperties(), which is
@@ -79,6 +94,7 @@ class TPropertyReader {
   std::vector<std::size_t> fIndexes;
   const ICIMInstance* fInstance = nullptr;
   const IValuesOfInstance* fQuick = nullptr;
+  const IPlainValuesOfInstance* fPlain = nullptr;  // the same
 };
 
 }  // namespace NVORNQDX20::NModel
