@@ -20,11 +20,11 @@ constexpr std::int64_t kZoneReach = 4 * kSecondsPerDay;
 /// Returns the days from 1970-01-01 to the first of a month of the Gregorian calendar. Month 0 is
 /// January.
 std::int64_t DaysToMonth(std::int64_t year, int month) {
-  // Years begin in March, so that the leap day is the last day of a year; and 4000 years earlier,
-  // so that none is negative.
+  // Years begin in March, so that the leap day is the last day of a year; and forty million years
+  // earlier, so that none is negative: the days of a point reach six million years back.
   constexpr int kDaysSinceMarch[] = {306, 337, 0, 31, 61, 92, 122, 153, 184, 214, 245, 275};
-  constexpr std::int64_t kDaysTo1970 = 2180438;
-  const auto marchYear = static_cast<std::uint32_t>(year + 4000 - (month < 2 ? 1 : 0));
+  constexpr std::int64_t kDaysTo1970 = 14610419468;
+  const auto marchYear = static_cast<std::uint32_t>(year + 40000000 - (month < 2 ? 1 : 0));
   const std::uint32_t century = marchYear / 100;
   return std::int64_t{marchYear} * 365 + marchYear / 4 - century + century / 4 +
          kDaysSinceMarch[month] - kDaysTo1970;

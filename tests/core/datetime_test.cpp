@@ -360,6 +360,11 @@ TEST(CIMDateTimeArithmetic, HoldsTheFarthestYears) {
   EXPECT_EQ((far + TCIMDateTime(1, 0, 0, 0, 5)).ToString(), "650000102000000.000005+000");
   const TCIMDateTime days(65535, 1, 2147483647, 0, 0, 0, 0, 0);  // beyond 64 bits of microseconds
   EXPECT_EQ((days - far).GetDay(), 2147483646U + 195404U);
+  // Days are taken for signed: long before the year 0.
+  const TCIMDateTime first1970(1970, 1, 2, 0, 0, 0, 0, 0);
+  const TCIMDateTime early(1970, 1, 4000000000U, 0, 0, 0, 0, 0);
+  EXPECT_TRUE(early < first1970);
+  EXPECT_EQ((first1970 - early).GetDay(), 294967298U);
   TCIMDateTime first, second;
   EXPECT_QDX_STATUS(first.GetDifference(first, second), kQDXStatusNotImplemented);
 }
