@@ -124,6 +124,10 @@ std::unique_ptr<TDatabase> OpenStore(const TLocation& location, EAccess access) 
   if (database->IsSQLite()) {
     // A document is on the disk when its transaction ends, one fsync for each.
     database->Execute("PRAGMA synchronous = FULL");
+    // A document with many new texts changes more pages than fit by default: they would be written
+    // twice, and the log would be copied into the file after every few documents.
+    database->Execute("PRAGMA cache_size = -32768");
+    database->Execute("PRAGMA wal_autocheckpoint = 8192");
   }
   if (CheckVersion(*database, access) == LatestVersion()) return database;
   if (database->IsSQLite()) database->Execute("PRAGMA journal_mode = WAL");
