@@ -52,7 +52,7 @@ class TSight {
  private:
   /// Namespace, class, part, object and property.
   using TNamesOfScope = std::array<std::string, 5>;
-  /// Which of them a scope names: bit i stands for element i.
+  /// Which of them a scope names: bit i is for element i.
   using TShape = unsigned;
 
   void Add(const TUnknown& unknown);

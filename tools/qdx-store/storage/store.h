@@ -19,7 +19,7 @@ class TStore {
   explicit TStore(TDatabase& database) : fDatabase(database), fInterner(database) {}
 
   struct TAdded {
-    bool fIsNew;  ///< Otherwise the store had the document already, and nothing has changed.
+    bool fIsNew;  ///< Otherwise the document was stored before, and nothing changes.
     std::vector<std::string> fWarnings = {};  ///< About its host.
   };
   /// Adds a document in one transaction, which is repeated a few times if it meets that of another
