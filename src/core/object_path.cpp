@@ -61,12 +61,8 @@ class TObjectPathParser {
     if (fPosition >= fPath.size() || fPath[fPosition] != '"') {
       Refuse("Reference missing opening '\"', path=");
     }
-    TCIMValue value = ParseValue(*decl);
-    if (decl->GetType() == value.GetType()) {
-      target.BindKey(name, std::move(value));  // AddKeyValue() would look the declaration up again
-    } else {
-      target.AddKeyValue(name, std::move(value));  // refuses it
-    }
+    // The declaration is asked for again: a class sees both calls.
+    target.AddKeyValue(name, ParseValue(*decl));
     ++fPosition;  // over the closing quote
   }
 
