@@ -25,6 +25,8 @@ class TZoneWatch {
     return fGeneration;
   }
 
+  bool IsFromFile() const { return fState == kUnset; }
+
  private:
   enum TState { kUnknown, kUnset, kSet };
   static constexpr std::size_t kMaxCount = 1024;
@@ -106,5 +108,7 @@ thread_local TZoneWatch gWatch;
 }  // namespace
 
 std::uint32_t ZoneGeneration() { return gWatch.Generation(); }
+
+bool IsZoneFromFile() { return gWatch.IsFromFile(); }
 
 }  // namespace NVORNQDX20

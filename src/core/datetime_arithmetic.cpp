@@ -70,8 +70,8 @@ std::tm LocalTime(std::time_t time) {
 }
 
 /// Returns the point of a local wall clock, read without daylight saving, at this many seconds.
+/// REQUIRES: they come from InstantOf(), whose zone this is.
 TCIMDateTime MakePoint(std::int64_t seconds, std::uint32_t microseconds, std::int16_t utcOffset) {
-  ::tzset();  // localtime_r() does not check for a changed zone
   std::tm local = LocalTime(seconds);
   if (local.tm_isdst != 0) local = LocalTime(seconds - 3600);
   return TCIMDateTime(
@@ -99,10 +99,12 @@ TCIMDateTime SubtractFromPoint(const TCIMDateTimeImpl& point, std::uint32_t poin
   return MakePoint(seconds, static_cast<std::uint32_t>(microseconds), point.GetUTCOffset());
 }
 
-/// Returns the position of a point on a scale on which points of any offset can be subtracted.
-TMicroseconds MomentOf(const TCIMDateTimeImpl& point) {
-  return TMicroseconds{InstantOf(point) - std::int64_t{point.GetUTCOffset()} * 60} * kPerSecond +
-         point.GetMicroSeconds();
+/// Returns the time from one point to another, which may have another offset.
+TMicroseconds MicrosecondsBetween(const TCIMDateTimeImpl& first, const TCIMDateTimeImpl& second) {
+  const int offsets = second.GetUTCOffset() - first.GetUTCOffset();
+  const std::int64_t seconds =
+      ClockOf(second, 0).SecondsSince(ClockOf(first, 0)) - std::int64_t{offsets} * 60;
+  return TMicroseconds{seconds} * kPerSecond + second.GetMicroSeconds() - first.GetMicroSeconds();
 }
 
 int CompareNumbers(std::uint32_t left, std::uint32_t right) {
@@ -144,7 +146,7 @@ TCIMDateTime TCIMDateTimeImpl::operator-(const TCIMDateTime& other) const {
     return MakeInterval(Magnitude(MicrosecondsOf(right) - MicrosecondsOf(*this)));
   }
   if (!fInterval && !right.fInterval) {
-    return MakeInterval(Magnitude(MomentOf(right) - MomentOf(*this)));
+    return MakeInterval(Magnitude(MicrosecondsBetween(*this, right)));
   }
   if (!fInterval) return SubtractFromPoint(*this, fMicroseconds, right, right.fMicroseconds);
   // An interval minus a point also moves the point back, but with the two fractions exchanged, on

@@ -201,8 +201,20 @@ inline bool TWallClock::IsOrderedLikeInstants(TZoneFacts& zone) const {
 
 std::int64_t TWallClock::Instant() const {
   TZoneFacts& zone = TZoneFacts::OfThisThread();
-  if (!IsOrderedLikeInstants(zone)) return InstantByMktime();
+  // Only mktime() looks at the file of the zone in the same moment as localtime_r().
+  if (IsZoneFromFile() || !IsOrderedLikeInstants(zone)) return InstantByMktime();
+  ::tzset();  // localtime_r() does not check for a changed zone
   return fSecondsAtUTC - zone.SubtractedAt(fSecondsAtUTC);
+}
+
+std::int64_t TWallClock::SecondsSince(const TWallClock& other) const {
+  TZoneFacts& zone = TZoneFacts::OfThisThread();
+  if (!IsOrderedLikeInstants(zone) || !other.IsOrderedLikeInstants(zone)) {
+    return InstantByMktime() -
+           other.InstantByMktime();  // not one of each: the file can be replaced
+  }
+  return (fSecondsAtUTC - zone.SubtractedAt(fSecondsAtUTC)) -
+         (other.fSecondsAtUTC - zone.SubtractedAt(other.fSecondsAtUTC));
 }
 
 int TWallClock::Compare(const TWallClock& other) const {

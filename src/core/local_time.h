@@ -20,8 +20,12 @@ class TWallClock {
   TWallClock(std::uint16_t year, std::uint16_t month, std::uint32_t day, std::uint16_t hour,
              int minute, std::uint16_t second);
 
-  /// Returns the seconds since 1970 by mktime(). Throws kQDXStatusInvalidDateTime if it returns -1.
+  /// Returns the seconds since 1970 by mktime(), in the zone that localtime_r() has afterwards.
+  /// Throws kQDXStatusInvalidDateTime if it returns -1.
   std::int64_t Instant() const;
+
+  /// Returns the seconds from the other instant to this one. Throws what Instant throws.
+  std::int64_t SecondsSince(const TWallClock& other) const;
 
   /// Returns whether mktime() returns anything but -1.
   bool IsConvertible() const;

@@ -11,7 +11,26 @@
 #include <tuple>
 #include <utility>
 
+#include <dlfcn.h>
 #include <unistd.h>
+
+/// The zone of the C library while a test sets one; 0 is the real one.
+static int gHoursEast = 0;
+
+// These stand before the C library's functions.
+extern "C" {
+__attribute__((visibility("default"))) std::tm* localtime_r(const std::time_t* time,
+                                                            std::tm* result) noexcept {
+  static const auto next =
+      reinterpret_cast<decltype(&localtime_r)>(::dlsym(RTLD_NEXT, "localtime_r"));
+  const std::time_t shown = *time + gHoursEast * 3600;
+  return gHoursEast == 0 ? next(time, result) : ::gmtime_r(&shown, result);
+}
+__attribute__((visibility("default"))) std::time_t mktime(std::tm* fields) noexcept {
+  static const auto next = reinterpret_cast<decltype(&mktime)>(::dlsym(RTLD_NEXT, "mktime"));
+  return gHoursEast == 0 ? next(fields) : ::timegm(fields) - gHoursEast * 3600;
+}
+}
 
 using namespace NVORNQDX20;
 
@@ -292,6 +311,20 @@ TEST(CIMDateTime, FollowsTheEnvironment) {
   EXPECT_FALSE(isTaken());
   for (int i = 0; i < 1100; ++i) ::unsetenv(("FILLER" + std::to_string(i)).c_str());
   EXPECT_FALSE(isTaken());
+}
+
+/// In the second before a replaced /etc/localtime is noticed, too, no operation mixes two zones.
+TEST(CIMDateTime, IsMovedInOneZoneWhileItsFileIsReplaced) {
+  SetZone(nullptr);
+  const TCIMDateTime noon(2020, 7, 1, 12, 0, 0, 5, 60);
+  const TCIMDateTime nearEpoch(1970, 1, 2, 12, 0, 0, 0, 60);  // always by mktime()
+  for (const int hours : {1, 9, -5}) {
+    gHoursEast = hours;
+    EXPECT_EQ((noon + TCIMDateTime(1, 0, 0, 0, 0)).ToString(), "20200702120000.000005+060");
+    EXPECT_EQ((noon - TCIMDateTime(1, 0, 0, 0, 0)).ToString(), "20200630120000.000005+060");
+    EXPECT_EQ((noon - nearEpoch).ToString(), "00018443000000.000005:000");
+  }
+  gHoursEast = 0;
 }
 
 TEST(CIMDateTimeComparison, HonoursOffsetsAndFractions) {

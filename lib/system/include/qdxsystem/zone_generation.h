@@ -14,6 +14,10 @@ namespace NVORNQDX20 {
 /// A text of TZ that is too long to be remembered gives another number each time.
 std::uint32_t ZoneGeneration();
 
+/// Returns whether the zone was that of /etc/localtime at this thread's last call of
+/// ZoneGeneration(), which may then be a second behind the C library.
+bool IsZoneFromFile();
+
 }  // namespace NVORNQDX20
 
 #endif  // QDXSYSTEM_ZONE_GENERATION_H_
