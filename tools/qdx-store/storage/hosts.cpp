@@ -57,55 +57,50 @@ struct TStoredIdentity {
   TIdentity fIdentity;
 };
 
-/// Identities that have something in common with others of the group.
+/// The identities on whose hosts a new identity may have an effect, and those on which their hosts
+/// depend. The host of an identity with a UUID depends on no other one: a thousand copies of one
+/// installation are no group.
 class TGroup {
  public:
-  explicit TGroup(TDatabase& database) : fDatabase(database) {}
-
-  /// Adds all identities with this text in this column, and those that have something in common
-  /// with them. A text that so many hosts have that it ties together most of the store costs a
-  /// query for each; it is only done for a new identity.
-  void AddAllLike(const TIdentity& identity) {
-    AddAll("uuid", identity.fUUID);
-    AddAll("machine_id", identity.fMachineID);
-    AddAll("serial_number", identity.fSerialNumber);
-    AddAll("name", identity.fName);
+  TGroup(TDatabase& database, const TIdentity& identity) : fDatabase(database) {
+    AddAll("uuid", identity.fUUID, "");  // the host exists
+    AddAllLike(identity, identity.fUUID.empty() ? "" : " AND i.uuid = ''");
+    fDone.clear();  // those with a UUID count for the hosts of the others
+    for (std::size_t next = 0; next < fIdentities.size(); ++next) {
+      const TIdentity each = fIdentities[next].fIdentity;  // AddAll() may move them
+      if (each.fUUID.empty()) AddAllLike(each, "");
+    }
   }
 
   const std::vector<TStoredIdentity>& Get() const { return fIdentities; }
 
  private:
-  void AddAll(const std::string& column, const std::string& text) {
+  /// Adds all identities that have something in common with this one.
+  void AddAllLike(const TIdentity& identity, const std::string& condition) {
+    AddAll("machine_id", identity.fMachineID, condition);
+    AddAll("serial_number", identity.fSerialNumber, condition);
+    AddAll("name", identity.fName, condition);
+  }
+
+  void AddAll(const std::string& column, const std::string& text, const std::string& condition) {
     if (text.empty() || !fDone.insert(column + text).second) return;
-    std::vector<TStoredIdentity> added;
     fDatabase.Query(
         "SELECT i.id, i.host, h.key, i.uuid, i.machine_id, i.serial_number, i.manufacturer, i.name"
         " FROM identity AS i JOIN host AS h ON h.id = i.host WHERE i." +
-            column + " = :text",
+            column + " = :text" + condition,
         8, {text}, [&](const TRow& row) {
           TStoredIdentity identity = {ToNumber(row[0]),
                                       ToNumber(row[1]),
                                       *row[2],
                                       {*row[3], *row[4], *row[5], *row[6], *row[7]}};
-          if (fNumbers.insert(identity.fNumber).second) added.push_back(std::move(identity));
+          if (fNumbers.insert(identity.fNumber).second) fIdentities.push_back(std::move(identity));
         });
-    for (TStoredIdentity& identity : added) fPending.push_back(std::move(identity));
-    if (fIsAdding) return;  // by the caller further up
-    fIsAdding = true;
-    while (!fPending.empty()) {
-      fIdentities.push_back(std::move(fPending.back()));
-      fPending.pop_back();
-      AddAllLike(TIdentity(fIdentities.back().fIdentity));
-    }
-    fIsAdding = false;
   }
 
   TDatabase& fDatabase;
   std::vector<TStoredIdentity> fIdentities;
-  std::vector<TStoredIdentity> fPending;
   std::set<std::int64_t> fNumbers;
   std::set<std::string> fDone;
-  bool fIsAdding = false;
 };
 
 std::int64_t RequireHost(TDatabase& database, const std::string& key) {
@@ -152,9 +147,7 @@ void MoveIdentity(TDatabase& database, const TStoredIdentity& identity, const st
 
 /// Adds the identity, and moves the documents of others that belong to other hosts from now on.
 TKnownHost AddIdentity(TDatabase& database, const TIdentity& identity, const std::string& digest) {
-  TGroup group(database);
-  group.AddAllLike(identity);
-  std::vector<TStoredIdentity> stored = group.Get();
+  std::vector<TStoredIdentity> stored = TGroup(database, identity).Get();
   std::vector<TIdentity> identities;
   identities.reserve(stored.size() + 1);
   for (const TStoredIdentity& each : stored) identities.push_back(each.fIdentity);
