@@ -32,6 +32,7 @@ INSTANTIATE_TEST_SUITE_P(
         TFillIn{"Default", {"", "", " Default string", "Acme", "", ""}},
         TFillIn{"Zero", {"", "", "0", "Acme", "", ""}},
         TFillIn{"NoMaker", {"", "", "S1", " ", "", ""}},
+        TFillIn{"TooLong", {"", std::string(256, 'm'), "", "", "", std::string(255, 'n') + "o"}},
         TFillIn{"Localhost", {"", "", "", "", "", "localhost"}}),
     [](const auto& row) { return std::string(row.param.fName); });
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "identity.h"
 
+#include <cstddef>
 #include <initializer_list>
 #include <map>
 #include <set>
@@ -64,7 +65,11 @@ bool RepeatsOneCharacter(const std::string& text) {
   return characters.size() < 2;
 }
 
+/// In bytes. No machine has longer names or numbers, and a server has no index for them.
+const std::size_t kLongest = 255;
+
 std::string Usable(const std::string& text, const TTexts& unusable, bool mayRepeat) {
+  if (text.size() > kLongest) return "";
   std::string usable = boost::to_lower_copy(boost::trim_copy(text));
   if (unusable.count(usable) != 0 || (!mayRepeat && RepeatsOneCharacter(usable))) usable.clear();
   return usable;

@@ -22,7 +22,8 @@ struct TIdentity {
   bool IsNobody() const;
 };
 
-/// Letters in lower case, no blanks at the ends, and nothing that identifies nobody.
+/// Letters in lower case, no blanks at the ends, and nothing that identifies nobody, such as texts
+/// of more than 255 bytes.
 TIdentity IdentityOf(const THostIdentity& host);
 
 /// Returns for each identity the key of its host: equal ones are one host. The order of the
