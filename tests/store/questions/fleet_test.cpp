@@ -25,7 +25,8 @@ TEST(Fleet, FindsTheHostsThatAPersonCanMean) {
     const char* fTyped;
     const char* fFound;
   } rows[] = {{"web1", "web1"},    {"WEB", "web1 web10"}, {"web10", "web10"}, {"AAB", "web10"},
-              {"m", "web1 web10"}, {"s2", "web10"},       {"S", ""},          {"x", ""}};
+              {"m", "web1 web10"}, {"s2", "web10"},       {"S", ""},          {"x", ""},
+              {"host_id=3", "db"}};
   for (const auto& [typed, found] : rows) {
     EXPECT_EQ(NamesOf(FindHosts(fleet, typed)), found) << typed;
   }

@@ -67,15 +67,19 @@ void AddProblems(TDatabase& database, const TByID& hosts) {
 }
 
 void AddClones(TDatabase& database, const TByID& hosts) {
-  std::map<std::string, std::set<std::int64_t>> byMachineID;
-  database.Query(
-      "SELECT machine_id, host_id FROM cloned_machine_ids", 2, {},
-      [&byMachineID](const TRow& row) { byMachineID[TextOf(row[0])].insert(ToNumber(row[1])); });
+  std::map<std::string, std::set<std::pair<std::string, std::int64_t>>> byMachineID;
+  database.Query("SELECT machine_id, host, host_id FROM cloned_machine_ids", 3, {},
+                 [&](const TRow& row) {
+                   byMachineID[TextOf(row[0])].emplace(TextOf(row[1]), ToNumber(row[2]));
+                 });
   for (const auto& [machineID, clones] : byMachineID) {
-    for (const std::int64_t id : clones) {
-      for (const std::int64_t other : clones) {
-        if (other == id || hosts.count(id) == 0 || hosts.count(other) == 0) continue;
-        hosts.at(id)->fClones.push_back(hosts.at(other)->fName);
+    for (const auto& [name, id] : clones) {
+      const auto host = hosts.find(id);
+      if (host == hosts.end()) continue;
+      std::vector<std::string>& names = host->second->fClones;
+      for (auto other = clones.begin(); other != clones.end(); ++other) {
+        if (names.size() == TFleetHost::kMostClones) break;
+        if (other->second != id) names.push_back(other->first);
       }
     }
   }
@@ -98,8 +102,8 @@ std::vector<TFleetHost> FindHosts(const std::vector<TFleetHost>& fleet, const st
   using NModel::EqualIgnoringCase;
   std::vector<TFleetHost> found;
   std::copy_if(fleet.begin(), fleet.end(), std::back_inserter(found), [&](const TFleetHost& host) {
-    return EqualIgnoringCase(host.fName, typed) || EqualIgnoringCase(host.fUUID, typed) ||
-           EqualIgnoringCase(host.fMachineID, typed) ||
+    return typed == "host_id=" + std::to_string(host.fID) || EqualIgnoringCase(host.fName, typed) ||
+           EqualIgnoringCase(host.fUUID, typed) || EqualIgnoringCase(host.fMachineID, typed) ||
            EqualIgnoringCase(host.fSerialNumber, typed);
   });
   if (!found.empty()) return found;

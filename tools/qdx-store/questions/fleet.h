@@ -3,6 +3,7 @@
 #ifndef TOOLS_QDX_STORE_QUESTIONS_FLEET_H_
 #define TOOLS_QDX_STORE_QUESTIONS_FLEET_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -37,15 +38,18 @@ struct TFleetHost {
   bool fIsComplete = false;
   std::vector<std::string> fPartsLeftOut = {};
   std::vector<TProblem> fProblems = {};
-  /// The names of other hosts with the same machine ID.
+  /// The names of other hosts with the same machine ID, the first ones: a thousand copies of one
+  /// installation would have a million.
+  static constexpr std::size_t kMostClones = 100;
   std::vector<std::string> fClones = {};
 };
 
 /// Returns the hosts by name. Throws a TDatabaseError.
 std::vector<TFleetHost> ReadFleet(TDatabase& database);
 
-/// Returns the hosts that a person can mean: with this name, UUID, machine ID or serial number; if
-/// there is none, those of which one of the first three begins so. In any case of letters.
+/// Returns the hosts that a person can mean: with this name, UUID, machine ID or serial number, or
+/// with this number as in "host_id=3"; if there is none, those of which one of the first three
+/// begins so. In any case of letters.
 std::vector<TFleetHost> FindHosts(const std::vector<TFleetHost>& fleet, const std::string& typed);
 
 /// Returns "maker model", what is known of it.

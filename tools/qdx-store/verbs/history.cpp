@@ -32,8 +32,9 @@ TFleetHost ChosenHost(TDatabase& database, const std::string& typed) {
   std::string names;
   for (std::size_t i = 0; i < std::min(kShown, found.size()); ++i) {
     const TFleetHost& host = found[i];
-    names += (names.empty() ? "" : ", ") + host.fName;
-    if (!host.fUUID.empty()) names += " (" + host.fUUID + ")";
+    // With what chooses it: two hosts can have the same name.
+    names += (names.empty() ? "" : ", ") + host.fName + " (" +
+             (host.fUUID.empty() ? "host_id=" + std::to_string(host.fID) : host.fUUID) + ")";
   }
   if (found.size() > kShown) names += " and " + std::to_string(found.size() - kShown) + " more";
   FailToFind(typed, "it can be " + names);

@@ -117,8 +117,8 @@ TVerb OddVerb() {
           "The hosts of a maker and a product are compared with each other if there are at least\n"
           "three. Not compared is what changes by itself, what is secret, such as serial numbers\n"
           "and addresses, of which each host has its own, and what a host's last document could\n"
-          "not see. CLASS is the name of a class, or a word such as 'disk'; associations are left\n"
-          "out unless CLASS names one.\n",
+          "not see and no earlier one showed. CLASS is the name of a class, or a word such as\n"
+          "'disk'; associations are left out unless CLASS names one.\n",
           FormOptions(),
           Odd,
           {{"DB"}, {"CLASS", TOperandSpec::kOptional}}};
