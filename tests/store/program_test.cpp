@@ -174,6 +174,26 @@ TEST_F(StoreProgram, ReportsAFullDisk) {
   EXPECT_EQ(intact, "ok\n");
 }
 
+TEST_F(StoreProgram, ReadsAStoreOnAReadOnlyDisk) {
+  const std::string disk = (fFolder.Path() / "disk").string();
+  std::filesystem::create_directory(disk);
+  if (::mount("tmpfs", disk.c_str(), "tmpfs", 0, "size=10m") != 0) {
+    GTEST_SKIP() << "a file system cannot be mounted: not root";
+  }
+  // Of the name of a file nothing is taken for a parameter.
+  const std::string store = disk + "/a=\"b\"%3F?#.db";
+  EXPECT_EQ(RunProgram(Add(StoreFile(), {DocumentOf("a", 1)})).fExitCode, 0);
+  std::filesystem::copy_file(StoreFile(), store);
+  ::mount(nullptr, disk.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr);
+  const TProgramRun hosts = RunProgram({QDX_STORE, "hosts", store, "--csv"});
+  const TProgramRun add = RunProgram(Add(store, {DocumentOf("b", 1)}));
+  ::umount(disk.c_str());
+  EXPECT_EQ(hosts.fExitCode, 0) << hosts.fErrors;
+  EXPECT_NE(hosts.fOutput.find("\na,uuid-of-a,"), std::string::npos) << hosts.fOutput;
+  EXPECT_EQ(add.fExitCode, 4);
+  EXPECT_NE(add.fErrors.find("readonly"), std::string::npos) << add.fErrors;
+}
+
 TEST_F(StoreProgram, ReportsAStoreThatCannotBeWritten) {
   if (::geteuid() != 0) GTEST_SKIP() << "another user is needed, which only root can become";
   const std::string document = DocumentOf("a", 1);

@@ -5,10 +5,12 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 
 #include <cerrno>
 #include <charconv>
 #include <cstdlib>
+#include <string_view>
 #include <unordered_map>
 
 #include <soci/postgresql/soci-postgresql.h>
@@ -111,6 +113,31 @@ std::string FileParameters(std::string file) {
   return "dbname=\"" + file + "\"";
 }
 
+/// SQLite needs files of its own beside the store, which it cannot make there; but nobody writes
+/// there either. What a writer has left in its log would be missed.
+bool IsForReadingOnly(const std::string& file) {
+  struct statvfs disk {};
+  struct stat log {};
+  const bool hasLog = ::stat((file + "-wal").c_str(), &log) == 0 && log.st_size > 0;
+  return ::statvfs(file.c_str(), &disk) == 0 && (disk.f_flag & ST_RDONLY) != 0 && !hasLog;
+}
+
+/// The parameters for a file that does not change.
+std::string ImmutableFileParameters(const std::string& file) {
+  static constexpr char kDigits[] = "0123456789ABCDEF";
+  std::string uri = boost::starts_with(file, "/") ? "file:" : "file:./";
+  for (const char c : file) {
+    if (std::string_view("%?#\"").find(c) == std::string_view::npos) {
+      uri += c;
+    } else {
+      const auto byte = static_cast<unsigned char>(c);
+      (uri += '%') += kDigits[byte >> 4U];
+      uri += kDigits[byte & 15U];
+    }
+  }
+  return "dbname=\"" + uri + "?immutable=1\"";
+}
+
 /// Before SQLite opens it: that would create it, and would not find fault with a folder before
 /// the first statement.
 void RequireFile(const std::string& file) {
@@ -141,7 +168,12 @@ TDatabase::TDatabase(const TLocation& location)
   if (fLocation.fIsFile) RequireFile(fLocation.fText);
   Translated(fLocation, [&] {
     if (fLocation.fIsFile) {
-      fSession->fSession.open(soci::sqlite3, FileParameters(fLocation.fText));
+      const std::string& file = fLocation.fText;
+      // Once, before SQLite is used; FileParameters() returns no such name.
+      static const int urisAreNames = sqlite_api::sqlite3_config(SQLITE_CONFIG_URI, 1);
+      (void)urisAreNames;
+      fSession->fSession.open(soci::sqlite3, IsForReadingOnly(file) ? ImmutableFileParameters(file)
+                                                                    : FileParameters(file));
       Execute(kFileTimeout);
       Execute("PRAGMA foreign_keys = ON");
       return;
