@@ -93,7 +93,9 @@ TDocumentFacts ReadDocument(const std::string& name, int document, const TInputL
   TLogger::GetInstance()->SetLogThreshold(ILogger::kLogWarning);
   TFactsSource source{{}, {}, timeOfOthers, limits.fFacts};
   const TLogListener listener(ILogger::kLogWarning, [&](auto severity, const auto& message) {
-    if (severity == ILogger::kLogWarning) source.fWarnings.push_back(message);
+    if (severity != ILogger::kLogWarning) return;
+    const TExplainedException warning(kQDXStatusFail, message);
+    source.fWarnings.push_back(WithoutName(WithoutName(warning, "cimxml"), name).GetReason());
   });
   NCIMXML::TReadingLimits reading;
   reading.fMemory = limits.fMemory;
