@@ -20,7 +20,7 @@ using NRepository::TStoredValue;
 
 struct TInstanceAdder::TParts {
   boost::shared_ptr<TClass> fClass;
-  TInstance* fInstance = nullptr;
+  TInstance* fInstance = nullptr;                  // also when it is committed
   std::unique_ptr<TInstance> fOwner = nullptr;     // until a caller gets the instance
   boost::shared_ptr<TInstance> fHandle = nullptr;  // from then on
 
@@ -75,18 +75,21 @@ bool TInstanceAdder::SetTime(std::size_t position, const TCIMDateTime& time) {
 }
 
 boost::shared_ptr<ICIMInstance> TInstanceAdder::GetInstance() const {
-  if (!fParts->fHandle) {
+  if (fParts->fOwner) {
     fParts->fHandle = fParts->fOwner->Handle();
     (void)fParts->fOwner.release();  // the handle owns it now
   }
-  return fParts->fHandle;
+  if (fParts->fHandle || fParts->fInstance == nullptr) return fParts->fHandle;
+  return fParts->fInstance->Handle();  // committed
 }
 
 bool TInstanceAdder::Commit() {
   std::unique_ptr<TInstance> owner = std::move(fParts->fOwner);
   const boost::shared_ptr<TInstance> handle = std::move(fParts->fHandle);
-  if (!fParts->fInstance->CommitIfNew()) return false;
+  TInstance* const instance = std::exchange(fParts->fInstance, nullptr);
+  if (!instance->CommitIfNew()) return false;
   (void)owner.release();  // the class owns it now
+  fParts->fInstance = instance;
   return true;
 }
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <qdxrepository/instance_adder.h>
 #include <qdxrepository/repository.h>
 
 #include "support/class_builder.h"
@@ -237,6 +238,34 @@ TEST(RepositoryCommit, LetsQualifiersComeDownAsTheirFlavorHasIt) {
   leaf->Commit({});
   AddInstance(s.fNs, "T_Leaf", {{"Count", 2U}});
   EXPECT_QDX_STATUS(AddInstance(s.fNs, "T_Leaf", {{"Count", 2U}}), kQDXStatusAlreadyExists);
+}
+
+TEST(InstanceAdder, GivesOutAnInstanceUntilItIsLost) {
+  const TNamespace ns = MakeNamespace();
+  const TCIMValue noId(TCIMType::kCIMTypeUint32, 0);
+  TInstanceAdder adder(AddClass(ns, "T_Disk", {{"Id", noId}}, {{"Name", ""}}));
+  EXPECT_EQ(adder.GetInstance(), nullptr);
+  for (const bool isAsked : {false, true}) {
+    adder.Begin();
+    EXPECT_TRUE(adder.Set(0, TCIMValue(isAsked ? 2U : 1U)));
+    const auto before = isAsked ? adder.GetInstance() : nullptr;
+    EXPECT_TRUE(adder.Commit());
+    const auto instance = adder.GetInstance();
+    EXPECT_TRUE(before == nullptr || before == instance);
+    EXPECT_TRUE(adder.SetText(1, "sda"));
+    EXPECT_EQ(instance->GetProperty("Name", {})->GetValue(), TCIMValue("sda"));
+    EXPECT_QDX_STATUS(instance->Commit({}), kQDXStatusInvalidOpSequence);
+
+    adder.Begin();
+    EXPECT_TRUE(adder.Set(0, TCIMValue(isAsked ? 2U : 1U)));
+    const auto second = isAsked ? adder.GetInstance() : nullptr;
+    EXPECT_FALSE(adder.Commit());
+    EXPECT_EQ(adder.GetInstance(), nullptr);
+    adder.Begin();
+    EXPECT_QDX_STATUS(adder.Commit(), kQDXStatusInvalidInstance);
+    EXPECT_EQ(adder.GetInstance(), nullptr);
+    EXPECT_TRUE(!second || second->GetProperty("Id", {})->GetValue() == TCIMValue(2U));
+  }
 }
 
 }  // namespace

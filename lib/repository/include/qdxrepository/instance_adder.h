@@ -26,14 +26,16 @@ class TInstanceAdder {
   /// Starts an instance, in place of one that was not committed.
   void Begin();
   /// Each returns false, and sets nothing, if the declared type is another one. REQUIRES: Begin()
-  /// was called, and the class has the property.
+  /// was called, no Commit() failed since, and the class has the property; after Commit() it is no
+  /// key.
   bool Set(std::size_t position, const TCIMValue& value);
   bool SetText(std::size_t position, std::string_view text);
   /// `bytes` are those of the native type, in the order of this machine; as many as it has.
   bool SetNumber(std::size_t position, std::string_view bytes);
   void SetNull(std::size_t position);
   bool SetTime(std::size_t position, const TCIMDateTime& time);
-  /// Returns the instance that was started.
+  /// Returns the instance that was started, also when it is committed; null before Begin() and
+  /// after a Commit() that failed.
   boost::shared_ptr<ICIMInstance> GetInstance() const;
   /// Adds the instance. Returns false, and adds nothing, if one with the same keys exists. Throws
   /// kQDXStatusInvalidInstance if a key is null.
