@@ -60,7 +60,7 @@ class FleetPage : public testing::Test {
   void Add(const std::string& store) const {
     std::vector<std::string> command = {QDX_STORE, "add", store};
     command.insert(command.end(), fDocuments.begin(), fDocuments.end());
-    EXPECT_EQ(RunProgram(command).fOutput, "35 added\n");
+    EXPECT_EQ(RunProgram(command).fOutput, std::to_string(fDocuments.size()) + " added\n");
   }
 
   const TTempDir fFolder;
@@ -78,10 +78,21 @@ TEST_F(FleetPage, HasQueriesThatAFileAnswers) {
   EXPECT_EQ(answers, kAnswers);
 }
 
-TEST_F(FleetPage, HasQueriesThatAServerAnswers) {
+TEST_F(FleetPage, HasQueriesThatAServerAnswersAlsoInPartitions) {
   TPostgreSQLServer& server = TPostgreSQLServer::Get();
   if (!server.WhyNot().empty()) GTEST_SKIP() << server.WhyNot();
-  Add(server.NewDatabase());
+  const std::string last = fDocuments.back();
+  fDocuments.pop_back();
+  const std::string store = server.NewDatabase();
+  Add(store);
+  const TProgramRun run =
+      RunProgram({"/usr/bin/psql", "-X", "-q", "-v", "ON_ERROR_STOP=1", "-1", "-f",
+                  QDX_SOURCES "/packaging/postgresql/partition.sql", store});
+  EXPECT_EQ(run.fExitCode, 0) << run.fErrors;
+  EXPECT_EQ(server.Query(server.LastDatabase(),
+                         "SELECT count(*) > 1 FROM (SELECT DISTINCT tableoid FROM fact) AS used"),
+            "t\n");
+  EXPECT_EQ(RunProgram({QDX_STORE, "add", store, last}).fOutput, "1 added\n");
   std::vector<std::string> answers;
   for (const std::string& query : QueriesOfPage()) {
     answers.push_back(server.Query(server.LastDatabase(), query));
