@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,25 @@ std::vector<std::string> QueriesOfPage() {
   return queries;
 }
 
+/// The commands of the page in a folder with the examples, all but the first, which installs.
+struct TTranscript {
+  std::string fCommands;
+  std::string fOutput;
+};
+
+TTranscript TranscriptOfPage() {
+  const std::string page = ReadWholeFile(QDX_SOURCES "/docs/fleet.md");
+  const std::size_t begin = page.find("\n", page.find("```text\n$ ") + 8) + 1;
+  std::istringstream lines(page.substr(begin, page.find("```", begin) - begin));
+  TTranscript transcript;
+  for (std::string line; std::getline(lines, line);) {
+    const bool isCommand = line.compare(0, 2, "$ ") == 0;
+    (isCommand ? transcript.fCommands : transcript.fOutput) +=
+        line.substr(isCommand ? 2 : 0) + "\n";
+  }
+  return transcript;
+}
+
 class FleetPage : public testing::Test {
  protected:
   void SetUp() override {
@@ -67,7 +87,7 @@ class FleetPage : public testing::Test {
   std::vector<std::string> fDocuments;
 };
 
-TEST_F(FleetPage, HasQueriesThatAFileAnswers) {
+TEST_F(FleetPage, HasCommandsAndQueriesThatAFileAnswers) {
   if (!std::filesystem::exists("/usr/bin/sqlite3")) GTEST_SKIP() << "sqlite3 is not installed";
   const std::string store = (fFolder.Path() / "fleet.db").string();
   Add(store);
@@ -76,6 +96,17 @@ TEST_F(FleetPage, HasQueriesThatAFileAnswers) {
     answers.push_back(RunProgram({"/usr/bin/sqlite3", store, query}).fOutput);
   }
   EXPECT_EQ(answers, kAnswers);
+
+  const std::string folders = std::filesystem::path(QDX).parent_path().string() + ":/usr/bin:/bin";
+  ::setenv("PATH", folders.c_str(), 1);
+  const TTranscript transcript = TranscriptOfPage();
+  std::filesystem::create_directory(fFolder.Path() / "home");
+  std::filesystem::create_directory_symlink(QDX_SOURCES "/examples",
+                                            fFolder.Path() / "home/examples");
+  const TProgramRun run = RunProgram(
+      {"/bin/sh", "-c",
+       "cd " + (fFolder.Path() / "home").string() + " && exec 2>&1\n" + transcript.fCommands});
+  EXPECT_EQ(run.fOutput, transcript.fOutput);
 }
 
 TEST_F(FleetPage, HasQueriesThatAServerAnswersAlsoInPartitions) {
