@@ -32,6 +32,12 @@ std::int64_t DaysOf(const std::string& text) {
   return days;
 }
 
+/// Its clock was wrong, and documents with the right time seem older. Clocks differ a bit.
+bool IsInFuture(const TFleetHost& host) {
+  const auto last = MillisecondsOf(host.fLastSeen);
+  return last && *last > Now() + kMillisecondsOfDay;
+}
+
 /// Returns the whole days between the last document of the host and now; 0 if it is in the future.
 std::int64_t DaysOfSilence(const TFleetHost& host) {
   const auto last = MillisecondsOf(host.fLastSeen);
@@ -54,6 +60,7 @@ std::string RemarksOn(const TFleetHost& host, std::int64_t silentAfter) {
   };
   const std::int64_t days = DaysOfSilence(host);
   if (days > silentAfter) add("silent for " + std::to_string(days) + " days");
+  if (IsInFuture(host)) add("last document from the future");
   if (!host.fClones.empty()) {
     constexpr std::size_t kShown = 3;
     std::string names;
