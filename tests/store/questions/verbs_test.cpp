@@ -2,6 +2,8 @@
 // The command, from documents to answers.
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <nlohmann/json.hpp>
 
 #include "cimxml/documents.h"
@@ -142,6 +144,23 @@ TEST_F(StoreVerbs, RemarkOnHosts) {
             std::string::npos)
       << hosts;
   EXPECT_EQ(Ask({"hosts", "--silent-after", "100000"}).fOutput.find("silent"), std::string::npos);
+  const TTestHost wrongClock{"web4", "21901101120000.000000+000"};
+  const std::string document = Store() + ".xml";
+  Write(document, {MakeHost(wrongClock), MakeRecord(wrongClock)});
+  EXPECT_EQ(Ask({"add", document}).fExitCode, 0);
+  EXPECT_NE(Ask({"hosts"}).fOutput.find("2190-11-01T12:00:00Z  1          last document from the"),
+            std::string::npos);
+}
+
+TEST_F(StoreVerbs, ReportAStoreThatHasLostRows) {
+  if (::access("/usr/bin/sqlite3", X_OK) != 0) GTEST_SKIP() << "sqlite3 is not installed";
+  for (const char* const loss : {"UPDATE string SET value = '[]'", "DELETE FROM class"}) {
+    ASSERT_EQ(RunProgram({"/usr/bin/sqlite3", Store(), loss}).fExitCode, 0);
+    const TProgramRun run = Ask({"odd"});
+    EXPECT_EQ(run.fExitCode, 4);
+    EXPECT_NE(run.fErrors.find("using store " + Store() + ": it has lost "), std::string::npos)
+        << run.fErrors;
+  }
 }
 
 }  // namespace

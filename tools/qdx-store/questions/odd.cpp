@@ -6,6 +6,7 @@
 #include <iterator>
 #include <map>
 #include <set>
+#include <stdexcept>
 #include <utility>
 
 #include "facts_of_model.h"
@@ -229,8 +230,13 @@ std::vector<TModel> ModelsOf(const std::vector<TFleetHost>& fleet) {
 
 std::vector<TOddFact> FindOdd(TDatabase& database, const TModel& model,
                               const std::string& className) {
-  const TFactsOfModel facts(database, model, className);
-  return TOddFinder(model, facts).Find();
+  try {
+    const TFactsOfModel facts(database, model, className);
+    return TOddFinder(model, facts).Find();
+  } catch (const std::out_of_range&) {
+    throw TDatabaseError(TDatabaseError::kUnusable, kQDXStatusCorruptedContainer,
+                         "it has lost rows to which others refer");
+  }
 }
 
 }  // namespace NVORNQDX20::NStore

@@ -9,6 +9,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "database/error.h"
+
 namespace NVORNQDX20::NStore {
 namespace {
 
@@ -44,8 +46,8 @@ TSight::TSight(const std::string& text) {
       }
     }
   } catch (const TJSON::exception&) {
-    throw TExplainedException(kQDXStatusCorruptedContainer,
-                              "the store has no list of what a document could see");
+    throw TDatabaseError(TDatabaseError::kRefused, kQDXStatusCorruptedContainer,
+                         "it has lost what a document could see");
   }
 }
 

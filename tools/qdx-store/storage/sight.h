@@ -35,7 +35,7 @@ class TSight {
   };
 
   explicit TSight(const TDocumentFacts& facts);
-  /// What ToText() returned. Throws kQDXStatusCorruptedContainer for another text.
+  /// What ToText() returned. Throws a TDatabaseError for another text.
   explicit TSight(const std::string& text);
 
   /// Returns whether the document could have seen the key. It may show it even if not.
