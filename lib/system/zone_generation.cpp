@@ -22,7 +22,7 @@ class TZoneWatch {
   std::uint32_t Generation() {
     if (!HasSameEntries()) ReadEntries();
     if (fState == kUnset && IsFileReplaced()) Advance();
-    return fGeneration;
+    return fState == kUnknown ? 0 : fGeneration;
   }
 
   bool IsFromFile() const { return fState == kUnset; }
@@ -95,7 +95,7 @@ class TZoneWatch {
 
   std::uint32_t fGeneration = 0;
   TState fState = kUnknown;
-  char fText[64] = {};  // the entry, name included
+  char fText[256] = {};  // the entry, name included
   std::time_t fSecond = 0;
   struct stat fFile = {};
   char** fEnvironment = nullptr;

@@ -85,7 +85,9 @@ class TZoneFacts {
   /// Returns whether mktime() accepts every reading of the wall clock from three days before to
   /// three days after this one, and subtracts the same seconds from each, so that they are ordered
   /// like their instants. A reading is in seconds since 1970 without daylight saving.
-  bool IsSteadyAround(std::int64_t reading) { return Find(reading).fSubtracted != kVarying; }
+  bool IsSteadyAround(std::int64_t reading) {
+    return fZone != 0 && Find(reading).fSubtracted != kVarying;
+  }
 
   /// Returns the seconds that mktime() subtracts. REQUIRES: IsSteadyAround(reading).
   std::int32_t SubtractedAt(std::int64_t reading) { return Find(reading).fSubtracted; }

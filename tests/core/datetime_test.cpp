@@ -302,6 +302,13 @@ TEST(CIMDateTime, FollowsTheEnvironment) {
   ::setenv("TZ", kSkipping, 1);  // comes last, too far to be remembered
   EXPECT_FALSE(isTaken());
 
+  std::string longPath = ":/usr/share/zoneinfo";
+  for (int i = 0; i < 150; ++i) longPath += "/.";
+  ::setenv("TZ", (longPath + "/UTC").c_str(), 1);
+  EXPECT_TRUE(isTaken());
+  ::setenv("TZ", (longPath + "/" + kSkipping).c_str(), 1);
+  EXPECT_FALSE(isTaken());
+
   char* own[] = {entry, nullptr};
   char** const old = std::exchange(environ, own);
   EXPECT_TRUE(isTaken());

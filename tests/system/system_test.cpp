@@ -167,6 +167,11 @@ TEST(ZoneGeneration, ChangesWithTheFileOfTheZoneUnlessTZIsSet) {
   ::usleep(1100000);
   EXPECT_EQ(ZoneGeneration(), set);
   // Too long to be remembered.
-  ::setenv("TZ", std::string(100, 'X').c_str(), 1);
-  EXPECT_NE(ZoneGeneration(), ZoneGeneration());
+  ::setenv("TZ", std::string(300, 'X').c_str(), 1);
+  EXPECT_EQ(ZoneGeneration(), 0U);
+  ::setenv("TZ", "UTC", 1);
+  EXPECT_NE(ZoneGeneration(), set);
+  // The longest name of a zone, as a path.
+  ::setenv("TZ", ":/usr/share/zoneinfo/posix/America/Argentina/ComodRivadavia", 1);
+  EXPECT_NE(ZoneGeneration(), 0U);
 }

@@ -18,7 +18,7 @@ class TLocalSecond {
  public:
   const tm& At(time_t second) {
     const std::uint32_t zone = ZoneGeneration();
-    if (zone != fZone || second != fSecond) {
+    if (zone == 0 || zone != fZone || second != fSecond) {
       ::tzset();  // slow, since it looks at /etc/localtime; localtime_r does not look
       ::localtime_r(&second, &fLocal);
       fZone = zone;

@@ -9,9 +9,9 @@ namespace NVORNQDX20 {
 
 /// Returns a number for caches of what depends on the time zone: it differs from the last one that
 /// this thread got if TZ has another text, or if TZ is not set and /etc/localtime was replaced.
-/// Such a file is noticed within a second. Never returns 0; allocates nothing.
+/// Such a file is noticed within a second. Allocates nothing.
 ///
-/// A text of TZ that is too long to be remembered gives another number each time.
+/// Returns 0 if TZ has a text that is too long to be remembered: nothing can be kept for it.
 std::uint32_t ZoneGeneration();
 
 /// Returns whether the zone was that of /etc/localtime at this thread's last call of
