@@ -136,16 +136,18 @@ TVerb HistoryVerb() {
   std::vector<TOptionSpec> options = FormOptions();
   options.push_back({"since", "TIME", "Only changes from this time on."});
   options.push_back({"until", "TIME", "Only changes up to this time."});
-  return {"history",
-          "Lists what changed on a host, and when.",
-          "HOST is a name, UUID, machine ID or serial number, or how one of the first three\n"
-          "begins. CLASS is the name of a class, or a word such as 'disk'. TIME is UTC, such as\n"
-          "2026-01-31T12:00, which can be cut off: 2026-01 is the whole month. 7d and 12h are so\n"
-          "long ago. What changes by itself, such as temperatures, is not listed. The time of a\n"
-          "change is that of the first document that shows it.\n",
-          options,
-          History,
-          {{"DB"}, {"HOST"}, {"CLASS", TOperandSpec::kOptional}}};
+  return {
+      "history",
+      "Lists what changed on a host, and when.",
+      "HOST is a name, UUID, machine ID or serial number, or how one of the first three\n"
+      "begins; host_id=3 is one of several with the same name. CLASS is the name of a class,\n"
+      "or a word such as 'disk'. TIME is UTC, such as 2026-01-31T12:00, which can be cut off:\n"
+      "2026-01 is the whole month. 7d and 12h are so long ago. What changes by itself, such as\n"
+      "temperatures, is not listed. The time of a change is that of the first document that\n"
+      "shows it.\n",
+      options,
+      History,
+      {{"DB"}, {"HOST"}, {"CLASS", TOperandSpec::kOptional}}};
 }
 
 }  // namespace NVORNQDX20::NStore
