@@ -175,7 +175,8 @@ class TInstanceMaker {
   /// Sets a date-time; returns false, and does nothing, if it is not the usual one.
   bool SetTime(const TSlot& slot, const TElement& property) {
     const TElement* const value = slot.fIsTime ? FindUsualValue(property) : nullptr;
-    const auto time = value == nullptr ? std::nullopt : ReadTime(value->fText);
+    if (value == nullptr) return false;
+    const auto time = ReadTime(value->fText);
     if (!time) return false;
     (void)IsNullText(fSpace, slot.fType, *value, property);  // it is not, but takes memory
     fTable.fAdder.SetTime(slot.fPosition, *time);
