@@ -95,7 +95,7 @@ class TFieldWriter {
       *to = static_cast<char>('0' + number);
     } else {
       if constexpr (kWidth > 2) PutDigits<kWidth - 2>(to, number / 100);
-      std::memcpy(to + kWidth - 2, kPairs.data() + 2 * (number % 100), 2);
+      std::memcpy(to + kWidth - 2, kPairs.data() + std::size_t{2} * (number % 100), 2);
     }
   }
 

@@ -128,8 +128,8 @@ std::vector<TClass> AllClasses() {
   const TPart kUsers{"users", true};
   const TPart kProcesses{"processes", true};
   std::vector<TClass> all;
-#define QDX_COUNT(PART, FUNCTION) +1
-  all.reserve(QDX_LINUX_CLASSES(QDX_COUNT));
+#define QDX_COUNT(PART, FUNCTION) 0,
+  all.reserve(std::initializer_list<int>{QDX_LINUX_CLASSES(QDX_COUNT)}.size());
 #undef QDX_COUNT
   // Not by a list in braces, which would copy each class.
 #define QDX_ADD(PART, FUNCTION) all.push_back(FUNCTION().InPart(PART));

@@ -266,7 +266,7 @@ TTransaction::~TTransaction() {
   if (!fIsOpen) return;
   try {
     fDatabase.Execute("ROLLBACK");
-  } catch (const TDatabaseError&) {
+  } catch (...) {
     // The database undoes it itself: it has lost the connection, or has done so already.
   }
 }

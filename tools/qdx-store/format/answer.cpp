@@ -43,9 +43,12 @@ std::string CellText(const TJSON& value) { return ForTerminal(PlainText(value));
 void WriteTable(const TAnswer& answer) {
   const auto columns = ColumnsFor(answer, {TAnswerColumn::kAll, TAnswerColumn::kPeople});
   std::vector<std::vector<std::string>> lines(1);
+  lines.reserve(answer.fRows.size() + 1);
+  lines.front().reserve(columns.size());
   for (const std::size_t i : columns) lines.front().push_back(answer.fColumns[i].fHeading);
   for (const auto& row : answer.fRows) {
     std::vector<std::string> cells;
+    cells.reserve(columns.size());
     for (const std::size_t i : columns) cells.push_back(CellText(row[i]));
     lines.push_back(std::move(cells));
   }
@@ -72,6 +75,7 @@ void WriteCSV(const TAnswer& answer) {
   const auto columns = ColumnsFor(answer, {TAnswerColumn::kAll, TAnswerColumn::kPrograms});
   TOutputBuffer output;
   std::vector<std::string> fields;
+  fields.reserve(columns.size());
   for (const std::size_t i : columns) fields.push_back(answer.fColumns[i].fKey);
   output.Add(CSVRecord(fields));
   for (const auto& row : answer.fRows) {

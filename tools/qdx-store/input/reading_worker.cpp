@@ -177,7 +177,7 @@ std::string TReadingWorker::ExplainEnd(std::optional<int> ended) const {
   const auto tooLong = [this] {
     return "it takes longer than " + std::to_string(fLimits.fTime.count()) + " s to read";
   };
-  const std::string tooMuch =
+  std::string tooMuch =
       "it needs more than " + std::to_string(fLimits.fMemory >> 20U) + " MiB of memory";
   if (!ended) return tooLong();
   const int status = *ended;

@@ -139,7 +139,7 @@ std::vector<TChange> ReadHistory(TDatabase& database, const THistoryRequest& req
     const auto end = std::find_if(begin, spans.end(), [begin](const TSpanOfHost& span) {
       return span.Object() != begin->Object();
     });
-    TChangesOfObject(begin, end, moments, changes);
+    const TChangesOfObject added(begin, end, moments, changes);
     begin = end;
   }
   const auto isAsked = [&request](const TChange& change) {

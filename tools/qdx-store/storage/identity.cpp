@@ -174,9 +174,9 @@ class TAssignment {
       return host.empty() ? KeyOf("machine-id:", {machine}) : host;
     }
     const std::string serial = SerialOf(identity);
-    const std::string host = identity.fSerialNumber.empty()
-                                 ? OnlyOne(fByMachineAndName, Joined(machine, identity.fName))
-                                 : OnlyOne(fByMachineAndSerial, Joined(machine, serial));
+    std::string host = identity.fSerialNumber.empty()
+                           ? OnlyOne(fByMachineAndName, Joined(machine, identity.fName))
+                           : OnlyOne(fByMachineAndSerial, Joined(machine, serial));
     if (!host.empty()) return host;
     return identity.fSerialNumber.empty()
                ? KeyOf("machine-id:", {machine, identity.fName})

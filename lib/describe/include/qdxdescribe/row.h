@@ -299,8 +299,8 @@ class TRow {
 
   const TPropertyDeclaration& GetDeclaration() const { return fDeclaration; }
   const TRead& GetReader() const { return fRead; }
-  TPropertyDeclaration TakeDeclaration() && { return std::move(fDeclaration); }
-  TRead TakeReader() && { return std::move(fRead); }
+  TPropertyDeclaration TakeDeclaration() { return std::move(fDeclaration); }
+  TRead TakeReader() { return std::move(fRead); }
 
  private:
   template <typename TReader>

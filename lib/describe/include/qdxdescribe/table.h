@@ -139,8 +139,8 @@ class TTable {
     fDeclaration.fProperties.reserve(rows.size());
     fColumns.reserve(rows.size());
     for (TRow<TSource, THost>& row : rows) {
-      fColumns.push_back({row.GetDeclaration().fName, std::move(row).TakeReader()});
-      fDeclaration.fProperties.push_back(std::move(row).TakeDeclaration());
+      fColumns.push_back({row.GetDeclaration().fName, row.TakeReader()});
+      fDeclaration.fProperties.push_back(row.TakeDeclaration());
     }
   }
 
