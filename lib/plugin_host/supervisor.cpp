@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "supervisor.h"
 
+#include <qdxsystem/child_process.h>
 #include <qdxsystem/write.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <new>
 #include <string>
+#include <utility>
 
 #include <fcntl.h>
 #include <grp.h>
@@ -32,18 +33,11 @@ constexpr std::chrono::milliseconds kPatience{700};
 constexpr std::chrono::milliseconds kLongPatience{5000};
 
 /// Closes everything but the ends and what the job needs: also the lifelines of other workers.
-void CloseOthers(const TSupervisorEnds& ends, std::vector<int> kept) {
+void KeepOnly(const TSupervisorEnds& ends, std::vector<int> kept) {
   for (const TDescriptor* end : {&ends.fLifeline, &ends.fReport, &ends.fSocket, &ends.fOutput}) {
     kept.push_back(end->Get());
   }
-  std::sort(kept.begin(), kept.end());
-  int next = STDERR_FILENO + 1;
-  for (const int number : kept) {
-    if (number < next) continue;
-    for (; next < number; ++next) ::close(next);
-    ++next;
-  }
-  ::closefrom(next);
+  CloseOthers(std::move(kept));
 }
 
 /// A stream that is closed would be replaced by the next file that a plug-in opens.
@@ -53,22 +47,6 @@ void ReplaceStandardStreams(const TSupervisorEnds& ends) {
   ::dup2(nothing.IsOpen() ? nothing.Get() : empty.fReadEnd.Get(), STDIN_FILENO);
   ::dup2(ends.fOutput.Get(), STDOUT_FILENO);
   ::dup2(ends.fOutput.Get(), STDERR_FILENO);
-}
-
-void SetLimit(__rlimit_resource resource, rlim_t limit) {
-  rlimit current{};
-  ::getrlimit(resource, &current);
-  const rlim_t lower = std::min(limit, current.rlim_max);
-  current = {lower, lower};
-  ::setrlimit(resource, &current);
-}
-
-/// Returns the bytes that this process has already: a copy of those of the command.
-rlim_t AddressSpace() {
-  const TDescriptor file(::open("/proc/self/statm", O_RDONLY | O_CLOEXEC));
-  char text[32] = {};
-  if (::read(file.Get(), text, sizeof text - 1) <= 0) return 0;
-  return std::strtoul(text, nullptr, 10) * static_cast<unsigned long>(::sysconf(_SC_PAGESIZE));
 }
 
 bool TakeOn(const TUser& user) {
@@ -184,7 +162,7 @@ void Report(const TChild& worker, const std::string& remaining, int end) {
 }  // namespace
 
 void Supervise(TSupervisorEnds& ends, const TWorkerLimits& limits, const TWorkerJob& job) noexcept {
-  CloseOthers(ends, job.fDescriptors);
+  KeepOnly(ends, job.fDescriptors);
   ReplaceStandardStreams(ends);
   ::setsid();  // no terminal, and no signals from one
   ::prctl(PR_SET_CHILD_SUBREAPER, 1);

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 // Parses the command line and runs the verb.
-#include <qdxcore/config.h>
 #include <qdxcore/logger.h>
 #include <qdxcore/registry.h>
 #include <qdxsystem/descriptor.h>
@@ -33,17 +32,8 @@ EExitCode RunVerb(const TVerb& verb, TArguments arguments) {
 EExitCode RunCommand(const std::vector<std::string>& words) {
   const TProgram& program = TheProgram();
   const TArguments arguments = program.Parse(words);
+  if (const auto done = program.RunGeneral(arguments)) return *done;
   const std::vector<std::string>& operands = arguments.fOperands;
-  if (arguments.Has("version")) {
-    WriteOutput("qdx-store " QDXCORE_VERSION "\n");
-    return kExitDone;
-  }
-  if (!operands.empty() && operands[0] == "help") return program.RunHelp(operands);
-  if (arguments.Has("help")) {
-    WriteOutput(operands.empty() ? program.GeneralHelp()
-                                 : program.HelpFor(program.FindVerb(operands[0])));
-    return kExitDone;
-  }
   if (operands.empty()) FailOnUsage("a verb is missing");
   return RunVerb(program.FindVerb(operands[0]), arguments);
 }

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 // Parses the command line, sets up the log, and runs the verb.
-#include <qdxcore/config.h>
 #include <qdxcore/logger.h>
 #include <qdxcore/os_specific.h>
 #include <qdxcore/registry.h>
@@ -78,17 +77,8 @@ EExitCode RunVerb(const TVerb& verb, TArguments arguments, TLog& log) {
 EExitCode RunCommand(const std::vector<std::string>& words, TLog& log) {
   const TProgram& program = TheProgram();
   const TArguments arguments = program.Parse(words);
+  if (const auto done = program.RunGeneral(arguments)) return *done;
   const std::vector<std::string>& operands = arguments.fOperands;
-  if (arguments.Has("version")) {
-    WriteOutput("qdx " QDXCORE_VERSION "\n");
-    return kExitDone;
-  }
-  if (!operands.empty() && operands[0] == "help") return program.RunHelp(operands);
-  if (arguments.Has("help")) {
-    WriteOutput(operands.empty() ? program.GeneralHelp()
-                                 : program.HelpFor(program.FindVerb(operands[0])));
-    return kExitDone;
-  }
   if (operands.empty()) return RunVerb(program.FindVerb("summary"), arguments, log);
   return RunVerb(program.FindVerb(operands[0]), arguments, log);
 }

@@ -5,15 +5,14 @@
 #include <qdxcore/logger.h>
 #include <qdxcore/status.h>
 #include <qdxmodel/attempt.h>
+#include <qdxsystem/child_process.h>
 #include <qdxsystem/error_text.h>
 #include <qdxsystem/unnamed_file.h>
 #include <qdxsystem/write.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <utility>
@@ -45,33 +44,6 @@ constexpr bool kIsSanitized = true;  // needs more address space than any limit
 #else
 constexpr bool kIsSanitized = false;
 #endif
-
-void SetLimit(__rlimit_resource resource, rlim_t limit) {
-  rlimit current{};
-  ::getrlimit(resource, &current);
-  const rlim_t lower = std::min(limit, current.rlim_max);
-  current = {lower, lower};
-  ::setrlimit(resource, &current);
-}
-
-/// Returns the bytes of address space that this process has already, as a copy of its parent.
-rlim_t AddressSpace() {
-  const TDescriptor file(::open("/proc/self/statm", O_RDONLY | O_CLOEXEC));
-  char text[32] = {};
-  if (::read(file.Get(), text, sizeof text - 1) <= 0) return 0;
-  return std::strtoul(text, nullptr, 10) * static_cast<unsigned long>(::sysconf(_SC_PAGESIZE));
-}
-
-/// Closes all but these: among the others may be a database.
-void CloseOthers(std::vector<int> kept) {
-  std::sort(kept.begin(), kept.end());
-  int next = STDERR_FILENO + 1;
-  for (const int number : kept) {
-    for (; next < number; ++next) ::close(next);
-    ++next;
-  }
-  ::closefrom(next);
-}
 
 void RestoreSignals() {
   for (int signal = 1; signal <= SIGRTMAX; ++signal) std::signal(signal, SIG_DFL);
@@ -140,6 +112,7 @@ TReadingWorker::TReadingWorker(const std::string& name, const TDescriptor& docum
     RestoreSignals();
     const int nothing = ::open("/dev/null", O_RDWR);
     for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) ::dup2(nothing, stream);
+    // Among the others may be a database.
     CloseOthers({document.Get(), fResult.Get(), lifeline.fWriteEnd.Get()});
     Confine(limits);
     // _exit: what is to be done at the end belongs to the parent, such as closing a database.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "verb.h"
 
+#include <qdxcore/config.h>
 #include <qdxmodel/nearest_name.h>
 
 #include <algorithm>
@@ -89,6 +90,18 @@ std::string TProgram::HelpFor(const TVerb& verb) const {
   return std::string("Usage: ") + fName + " " + verb.fName + " [OPTION]..." +
          FormatOperands(verb.fOperands) + "\n" + verb.fSummary + "\n\n" + verb.fDescription +
          "\nOptions:\n" + FormatOptions(OptionsOf(verb));
+}
+
+std::optional<EExitCode> TProgram::RunGeneral(const TArguments& arguments) const {
+  const std::vector<std::string>& operands = arguments.fOperands;
+  if (arguments.Has("version")) {
+    WriteOutput(std::string(fName) + " " QDXCORE_VERSION "\n");
+    return kExitDone;
+  }
+  if (!operands.empty() && operands[0] == "help") return RunHelp(operands);
+  if (!arguments.Has("help")) return std::nullopt;
+  WriteOutput(operands.empty() ? GeneralHelp() : HelpFor(FindVerb(operands[0])));
+  return kExitDone;
 }
 
 EExitCode TProgram::RunHelp(const std::vector<std::string>& operands) const {

@@ -3,6 +3,7 @@
 #ifndef TOOLS_QDX_CLI_VERB_H_
 #define TOOLS_QDX_CLI_VERB_H_
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -40,6 +41,9 @@ struct TProgram {
 
   std::string GeneralHelp() const;
   std::string HelpFor(const TVerb& verb) const;
+  /// Answers --version, --help and the verb "help"; returns nothing for all else. Throws a
+  /// TCommandFailure.
+  std::optional<EExitCode> RunGeneral(const TArguments& arguments) const;
   /// Prints the help of "help" and "help VERB". Throws a TCommandFailure.
   EExitCode RunHelp(const std::vector<std::string>& operands) const;
 };
