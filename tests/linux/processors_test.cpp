@@ -148,6 +148,14 @@ sys/devices/system/cpu: cpu1/online=1; cpu2/online=0
 )",
                     "processor: 0\nprocessor: 1\nprocessor: 2\n", "1 2 3 0 ",
                     "CPU0: LogicalProcessors=0-1\nVORNSG:cpu2: EnabledState=3\n"},
+        TOddMachine{"OneOfTwoSiblingsNamesBoth",
+                    R"(
+sys/devices/system/cpu/cpu0/topology: physical_package_id=0; core_id=0
+sys/devices/system/cpu/cpu1/topology: physical_package_id=0; core_id=0
+sys/devices/system/cpu/cpu1/topology: package_cpus_list=0-1; core_cpus_list=0-1
+)",
+                    "processor: 0\nprocessor: 1\n", "1 1 2 0 ",
+                    "VORNSG:CPU0-0: LogicalProcessors=0-1\n"},
         TOddMachine{"AnIncompleteFolderDoesNotCount",
                     R"(
 sys/devices/system/cpu/cpu0/topology: physical_package_id=0; core_siblings_list=0-1

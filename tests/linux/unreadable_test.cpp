@@ -71,6 +71,9 @@ sys/class/thermal/thermal_zone0: trip_point_1_temp=thermal/acpitzUpperThresholdN
 sys/class/power_supply/BAT0: capacity_level=BAT0BatteryStatus
 sys/devices: cpu_core/cpus=VORNSG:CPU0-0CoreType; system/edac/mc/mc0=VORNSG_MemoryErrorCount
 sys/devices/system/node/node0: cpulist=VORNSG:cpu0NUMANode
+sys/devices/system: cpu=VORNSG_Processor,VORNSG_HardwareThread
+sys/devices/system/cpu: present=VORNSG_HardwareThread; online=VORNSG_HardwareThread
+sys/devices/system/cpu/cpu0/topology: core_cpus_list=VORNSG_ProcessorCore
 )");
 }
 

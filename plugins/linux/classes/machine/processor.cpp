@@ -98,7 +98,7 @@ TMegahertz ReadCurrentClock(const TProcessor& processor, const THost& host) {
   const TMegahertz& told = processor.fSocket.fModel.fCurrentClock;
   if (told || processor.fSocket.fThreads.empty()) return told;
   const std::string folder =
-      TTopology::kFolder + ("/cpu" + std::to_string(*processor.fSocket.fThreads.begin()));
+      kProcessorFolder + ("/cpu" + std::to_string(*processor.fSocket.fThreads.begin()));
   const TMegahertz now =
       Scaled<std::uint32_t>(host.ReadNumber(folder + "/cpufreq/scaling_cur_freq"), 1, 1000);
   return now ? now : told;

@@ -46,7 +46,7 @@ class TProcessorSensors {
     for (const TSocket& socket : fHost.Shared<TTopology>().GetSockets()) {
       if (socket.fThreads.empty()) continue;
       const auto number = fHost.ReadNumber<std::uint32_t>(
-          TTopology::kFolder + ("/cpu" + std::to_string(*socket.fThreads.begin())) +
+          kProcessorFolder + ("/cpu" + std::to_string(*socket.fThreads.begin())) +
           "/topology/physical_package_id");
       if (number.GetReason().IsError()) return Missing(number.GetReason());
       if (!number || !package || *number != *package) continue;

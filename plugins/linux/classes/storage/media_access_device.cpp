@@ -24,7 +24,10 @@ TText FirstLine(const TBlockDevice& drive, std::initializer_list<const char*> fi
   TText first;
   for (const char* file : files) {
     TText line = drive.ReadLine(file);
-    if (line || !drive.IsAbsent(file)) return line;
+    if (line || line.GetReason().IsError()) return line;
+    const auto exists = drive.Exists(file);
+    if (!exists) return Missing(exists.GetReason());
+    if (*exists) return line;
     if (file == *files.begin()) first = std::move(line);
   }
   const TText found = drive.fUdev.FirstOf(udev);
@@ -55,7 +58,9 @@ TText ReadSerialNumber(const TDrive& drive) {
   if (!file) return file;
   if (*file != kSerialNumberPage) return drive.ReadLine(*file);
   TText serial = ReadSerialNumberPage(drive);
-  if (serial || !drive.IsAbsent(kSerialNumberPage)) return serial;
+  const auto exists = drive.Exists(kSerialNumberPage);
+  if (!exists) return Missing(exists.GetReason());
+  if (serial || *exists) return serial;
   const TText found = drive.fUdev.FirstOf({"ID_SCSI_SERIAL", "ID_SERIAL_SHORT", "ID_SERIAL"});
   return found ? found : serial;
 }

@@ -220,7 +220,7 @@ std::vector<TCache> CachesOfFirmware(const THost& host, const std::vector<TSocke
 
 TCaches::TCaches(const THost& host) {
   const auto& topology = host.Shared<TTopology>();
-  const TFiles files = host.In(TTopology::kFolder);
+  const TFiles files = host.In(kProcessorFolder);
   TCollector collector(fAll);
   for (const TSocket& socket : topology.GetSockets()) {
     collector.EnterSocket(socket.fID);
@@ -239,7 +239,7 @@ TCaches::TCaches(const THost& host) {
   if (!fAll.empty()) return;
   if (fReason.empty()) fReason = topology.GetReason();
   if (fReason.empty()) {
-    fReason = std::string("no processor in ") + TTopology::kFolder + " has caches";
+    fReason = std::string("no processor in ") + kProcessorFolder + " has caches";
   }
 }
 

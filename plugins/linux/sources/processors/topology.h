@@ -5,47 +5,12 @@
 
 #include <cstddef>
 #include <map>
-#include <string>
 #include <vector>
 
-#include "cpu_model.h"
-#include "firmware_socket.h"
+#include "cpu_sets.h"
+#include "socket.h"
 
 namespace NVORNQDX20 {
-
-struct TClockRange {
-  TMegahertz fMax;
-  TMegahertz fMin;
-};
-
-struct TCore {
-  std::string fID;      ///< "CPU0-4": of all cores of the machine.
-  std::string fSocket;  ///< "CPU0"
-  TCPUs fThreads;       ///< Its logical processors that are online.
-  /// The kernel's numbers; those of different sockets can be the same.
-  TReading<std::uint32_t> fNumber, fDie, fCluster;
-  TText fType;  ///< "Performance" or "Efficiency", where a processor has cores of several kinds.
-  TClockRange fClock;
-  TCPUModel fModel;  ///< Without flags and bugs.
-};
-
-struct TSocket {
-  std::string fID;  ///< "CPU0"
-  TCPUs fThreads;   ///< Its logical processors that are online; empty if they are not known.
-  std::vector<TCore> fCores;  ///< Empty if they are not known.
-  TReading<std::uint16_t> fCoreCount;
-  TClockRange fClock;  ///< Of its fastest and its slowest core.
-  TCPUModel fModel;    ///< Of its first logical processor; the names of all kinds of cores.
-  TReading<TSMBIOSStructure> fFirmware;  ///< What firmware says about it: type 4.
-};
-
-/// The kernel's lists of logical processors.
-struct TCPULists {
-  explicit TCPULists(const THost& host);
-
-  TReading<TCPUs> fPresent;
-  TReading<TCPUs> fOnline;
-};
 
 /// The processors of a machine of which at least a part is online.
 ///
@@ -53,11 +18,10 @@ struct TCPULists {
 /// are not offline in sysfs: the copy of a machine's files can be incomplete. Two of them are in
 /// one socket, or in one core, if the kernel says that they are siblings: the numbers of sockets
 /// and cores are not unique on all architectures. If there is neither, the sockets are those in
-/// which firmware has processors.
+/// which firmware has processors. What cannot be read is a problem: a processor may be missing
+/// then, or stand in a group of its own.
 class TTopology {
  public:
-  static constexpr const char* kFolder = "/sys/devices/system/cpu";
-
   explicit TTopology(const THost& host);
 
   const std::vector<TSocket>& GetSockets() const { return fSockets; }
@@ -66,7 +30,7 @@ class TTopology {
   /// Returns null for a logical processor that is in none.
   const TSocket* FindSocket(unsigned processor) const;
   const TCore* FindCore(unsigned processor) const;
-  /// Why there are no sockets.
+  /// Why there are no sockets, or what else could not be read.
   const TReason& GetReason() const { return fReason; }
 
  private:
@@ -79,9 +43,6 @@ class TTopology {
   std::map<unsigned, std::size_t> fCoreOf;  // within its socket
   TReason fReason;
 };
-
-/// Reads a list such as "0-3", or if there is none the mask, unless its name is empty.
-TReading<TCPUs> ReadCPUSet(const TFiles& files, const std::string& list, const std::string& mask);
 
 }  // namespace NVORNQDX20
 
