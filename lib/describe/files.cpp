@@ -46,7 +46,7 @@ TReason ReasonOf(int error) {
 
 /// What is known of the size of a file before it is read.
 struct TSize {
-  std::size_t fExpected = 0;  ///< What it tells: most files of the kernel have another one.
+  std::size_t fExpected = 0;  ///< By stat(): most files of the kernel have another one.
   bool fIsCertain = false;
 };
 

@@ -125,7 +125,7 @@ THTML PictureOf(const TRow& row, const std::vector<unsigned>& threads) {
          "\n";
 }
 
-/// The caches that firmware ties to the processor, for which nothing tells who shares them.
+/// The caches that firmware ties to the processor, for which no source says who shares them.
 THTML CachesOf(const TRecord& processor, const TRecords& records) {
   std::string text;
   for (const TRecord& tie : records.Of("AssociatedCacheMemory")) {

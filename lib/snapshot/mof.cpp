@@ -271,7 +271,7 @@ std::string QuotedForMOF(const std::string& text) {
 }
 
 std::string ClassAsMOF(const TClassSchema& cimClass) {
-  // The grammar tells kinds of classes apart by the first qualifier.
+  // The grammar distinguishes kinds of classes by the first qualifier.
   const std::string kind = cimClass.fIsAssociation  ? "Association"
                            : cimClass.fIsIndication ? "Indication"
                                                     : "";

@@ -168,7 +168,7 @@ void ReadSensors(const ICIMNamespace& ns, TSensors& sensors) {
   ForEach(ns, "VORNSG_Sensor", [&sensors](const TFacts& facts) {
     TSensor sensor = SensorOf(facts);
     const bool hasReading = sensor.fReading || !sensor.fState.empty();
-    if (!hasReading) return;  // firmware tells of probes that it does not read
+    if (!hasReading) return;  // firmware lists probes that it does not read
     ++sensors.fCount;
     constexpr std::uint64_t kDegreesC = 2;
     const bool isTemperature = sensor.fBaseUnits == kDegreesC && sensor.fReading;

@@ -19,7 +19,7 @@ std::string SupplyFaultOf(const TFacts& supply) {
 
 void ReadPower(const ICIMNamespace& ns, TSummary& summary) {
   ForEach(ns, "VORNSG_Battery", [&summary](const TFacts& facts) {
-    // That of a mouse tells nothing about the machine.
+    // That of a mouse says nothing about the machine.
     if (facts.Text("Scope") == "Device" || facts.Flag("Present") == false) return;
     std::string name = facts.Text("Name");
     if (name.empty()) name = facts.Text("DeviceID");

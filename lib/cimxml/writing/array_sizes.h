@@ -16,7 +16,7 @@ namespace NVORNQDX20::NCIMXML {
 class TArraySizes {
  public:
   /// Returns the number of elements that the value has and, by its maximum, all others may have; 0
-  /// if others may have fewer. A null value tells only the maximum.
+  /// if others may have fewer. A null value shows only the maximum.
   static unsigned int SizeOf(const TCIMValue& value);
 
   /// Returns the size of a property that the class declares, according to the default and all

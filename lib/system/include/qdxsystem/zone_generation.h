@@ -15,7 +15,7 @@ namespace NVORNQDX20 {
 std::uint32_t ZoneGeneration();
 
 /// Returns whether the zone was that of /etc/localtime at this thread's last call of
-/// ZoneGeneration(), which may then be a second behind the C library.
+/// ZoneGeneration(), which may then be a second later than the C library.
 bool IsZoneFromFile();
 
 }  // namespace NVORNQDX20

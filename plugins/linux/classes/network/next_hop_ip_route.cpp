@@ -59,7 +59,7 @@ std::string OtherDerivation(const TRoute& route) {
   return known == nullptr ? "protocol " + std::to_string(route.fProtocol) : known->fOther;
 }
 
-/// What tells a route from all others.
+/// What distinguishes a route from all others.
 std::string IDOf(const TRoute& route) {
   std::string id = std::to_string(route.fTable) + " " + AddressText(route.fDestination) + "/" +
                    std::to_string(route.fPrefixLength);

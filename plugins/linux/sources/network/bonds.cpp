@@ -80,7 +80,7 @@ TBond ReadBond(const THost& host, const std::string& name) {
   return table ? ParseBond(name, *path, *table) : ReadSysfs(host, name);
 }
 
-/// The folder of bonds tells them in a tree that has no sysfs.
+/// The folder of bonds lists them in a tree that has no sysfs.
 TReading<std::vector<std::string>> NamesOfBonds(const THost& host) {
   std::vector<std::string> names;
   for (const TPort& port : host.Shared<TPorts>().fAll.fAll) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the running kernel tells about its network interfaces and sysfs does not, or only in many
+/// What the running kernel says about its network interfaces and sysfs does not, or only in many
 /// files.
 #ifndef PLUGINS_LINUX_SOURCES_NETWORK_LINKS_H_
 #define PLUGINS_LINUX_SOURCES_NETWORK_LINKS_H_

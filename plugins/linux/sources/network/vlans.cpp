@@ -40,7 +40,7 @@ TVLANs::TVLANs(const THost& host) {
   for (auto& [name, vlan] : vlans) fAll.fAll.push_back(std::move(vlan));
   if (!fAll.fAll.empty()) return;
   fAll.fReason = host.Shared<TPorts>().fAll.fReason;
-  // The kernel itself tells all VLANs, also to users who may not read the table.
+  // The kernel itself lists all VLANs, also to users who may not read the table.
   const bool isKnown = !links.fByIndex.empty();
   if (!isKnown && table.GetReason().IsError()) fAll.Miss(table.GetReason());
 }

@@ -80,7 +80,7 @@ void RemoveLast(std::string& path, const std::string& name) {
   path.erase(path.size() - end.size());
 }
 
-/// Returns the path of the device below /sys/devices; empty if no link tells it, missing if one
+/// Returns the path of the device below /sys/devices; empty if no link shows it, missing if one
 /// cannot be read. The number of "hwmon3" depends on the order in which drivers were loaded, and is
 /// no part of it.
 TText DeviceOf(const TFiles& chips, const std::string& name) {

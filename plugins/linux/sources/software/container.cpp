@@ -69,7 +69,7 @@ TText KindInFiles(const THost& host) {
     if (!exists) return Missing(exists.GetReason());
     if (*exists && (std::string_view(name) != "openvz" || host.IsAbsent("/proc/bc"))) return name;
   }
-  // The subsystem for Linux has a kernel whose release tells it.
+  // The subsystem for Linux has a kernel whose release says so.
   const std::string release = host.fKernelRelease.ValueOr("");
   return boost::algorithm::icontains(release, "microsoft") ? "wsl" : "";
 }
