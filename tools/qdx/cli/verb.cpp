@@ -39,6 +39,7 @@ std::string FormatOperands(const std::vector<TOperandSpec>& operands) {
 
 std::string FormatVerbs(const std::vector<TVerb>& verbs) {
   std::vector<TTableRow> rows;
+  rows.reserve(verbs.size() + 1);
   for (const TVerb& verb : verbs) rows.push_back({{kIndent, verb.fName, verb.fSummary}});
   rows.push_back({{kIndent, "help", "Explains a verb."}});
   return FormatTable(rows);
