@@ -194,22 +194,84 @@ TEST_F(StoreProgram, ReadsAStoreOnAReadOnlyDisk) {
   EXPECT_NE(add.fErrors.find("readonly"), std::string::npos) << add.fErrors;
 }
 
-TEST_F(StoreProgram, ReportsAStoreThatCannotBeWritten) {
-  if (::geteuid() != 0) GTEST_SKIP() << "another user is needed, which only root can become";
-  const std::string document = DocumentOf("a", 1);
-  ASSERT_EQ(RunProgram(Add(StoreFile(), {document})).fExitCode, 0);
-  std::filesystem::permissions(fFolder.Path(), std::filesystem::perms(0755));
-  std::filesystem::permissions(StoreFile(), std::filesystem::perms(0644));
-  const std::string other = DocumentOf("b", 1);
-  std::filesystem::permissions(other, std::filesystem::perms(0644));
-  for (const std::string& store : {StoreFile(), (fFolder.Path() / "new.db").string()}) {
-    std::vector<std::string> command = Add(store, {other});
-    command.insert(command.begin(), {"/usr/bin/setpriv", "--reuid", "65534", "--clear-groups"});
-    const TProgramRun run = RunProgram(command);
-    EXPECT_EQ(run.fExitCode, 4);
-    EXPECT_NE(run.fErrors.find("qdx-store: using store " + store + ": "), std::string::npos)
-        << run.fErrors;
+/// Who may read a store, but not write it or beside it.
+class StoreOfAnother : public StoreProgram {
+ protected:
+  void SetUp() override {
+    if (::geteuid() != 0) GTEST_SKIP() << "another user is needed, which only root can become";
+    std::filesystem::permissions(fFolder.Path(), std::filesystem::perms(0755));
+    std::filesystem::create_directory(fStoreFolder);
+    ASSERT_EQ(RunProgram(Add(fStore, {DocumentOf("a", 1)})).fExitCode, 0);
   }
+
+  static TProgramRun RunAsAnother(std::vector<std::string> command) {
+    command.insert(command.begin(), {"/usr/bin/setpriv", "--reuid", "65534", "--clear-groups"});
+    return RunProgram(command);
+  }
+
+  std::size_t FilesBeside() const {
+    return static_cast<std::size_t>(
+        std::distance(std::filesystem::directory_iterator(fStoreFolder), {}));
+  }
+
+  const std::filesystem::path fStoreFolder = fFolder.Path() / "stores";
+  const std::string fStore = (fStoreFolder / "fleet.db").string();
+};
+
+TEST_F(StoreOfAnother, AnswersQuestionsAndIsNotWritten) {
+  const std::string link = (fFolder.Path() / "link.db").string();
+  std::filesystem::create_symlink(fStore, link);
+  const std::string document = DocumentOf("b", 1);
+  std::filesystem::permissions(document, std::filesystem::perms(0644));
+  const struct {
+    unsigned fOfFolder;
+    unsigned fOfFile;
+  } rows[] = {{0755, 0644}, {0755, 0666}, {0777, 0644}};
+  for (const auto& [ofFolder, ofFile] : rows) {
+    std::filesystem::permissions(fStoreFolder, std::filesystem::perms(ofFolder));
+    std::filesystem::permissions(fStore, std::filesystem::perms(ofFile));
+    for (const std::string& store : {fStore, link}) {
+      for (const std::vector<std::string>& words :
+           {std::vector<std::string>{"hosts", store, "--csv"}, {"history", store, "a", "--csv"}}) {
+        std::vector<std::string> command = words;
+        command.insert(command.begin(), QDX_STORE);
+        const TProgramRun run = RunAsAnother(command);
+        EXPECT_EQ(run.fExitCode, 0) << run.fErrors;
+        EXPECT_EQ(run.fOutput, RunProgram(command).fOutput);
+      }
+      const TProgramRun add = RunAsAnother(Add(store, {document}));
+      EXPECT_EQ(add.fExitCode, 4);
+      EXPECT_NE(add.fErrors.find("readonly"), std::string::npos) << add.fErrors;
+    }
+    // Files of another user here would keep the owner from writing.
+    EXPECT_EQ(FilesBeside(), 1U) << std::oct << ofFolder << " " << ofFile;
+  }
+}
+
+TEST_F(StoreOfAnother, ShowsWhatIsInTheLogOfAWriter) {
+  SkipWithoutSQLite();
+  std::filesystem::permissions(fStore, std::filesystem::perms(0644));
+  // A process that is killed leaves its log.
+  RunProgram({"/bin/sh", "-c",
+              "(echo \"UPDATE host SET name = 'renamed';\"; sleep 5) | sqlite3 '" + fStore +
+                  "' & while ! test -s '" + fStore + "-wal'; do sleep 0.1; done; kill -9 $!"});
+  ASSERT_GT(FilesBeside(), 1U);
+  const TProgramRun run = RunAsAnother({QDX_STORE, "hosts", fStore, "--csv"});
+  EXPECT_NE(run.fOutput.find("\nrenamed,"), std::string::npos) << run.fErrors;
+}
+
+TEST_F(StoreOfAnother, IsNamedIfItCannotBeMadeOrIsOld) {
+  std::filesystem::permissions(fStore, std::filesystem::perms(0644));
+  const std::string other = (fStoreFolder / "new.db").string();
+  const TProgramRun add = RunAsAnother(Add(other, {"-"}));
+  EXPECT_EQ(add.fExitCode, 4);
+  EXPECT_NE(add.fErrors.find("qdx-store: using store " + other + ": "), std::string::npos);
+  SkipWithoutSQLite();
+  Query(fStore, "UPDATE store SET version = 2");
+  const TProgramRun hosts = RunAsAnother({QDX_STORE, "hosts", fStore});
+  EXPECT_EQ(hosts.fExitCode, 4);
+  EXPECT_NE(hosts.fErrors.find("an older qdx-store has made it"), std::string::npos)
+      << hosts.fErrors;
 }
 
 TEST_F(StoreProgram, ReportsAServerThatGoesAway) {

@@ -6,6 +6,8 @@
 
 #include <fstream>
 
+#include <sys/mount.h>
+
 #include "database/open.h"
 #include "postgresql_server.h"
 #include "sample_document.h"
@@ -110,6 +112,30 @@ TEST(StoreSchema, IsInAFileWhateverItsName) {
     EXPECT_GT(std::filesystem::file_size(name), 0U) << name;
   }
   std::filesystem::current_path(before);
+}
+
+TEST(StoreFile, NoticesThatItChangedWhileItWasReadWithoutALock) {
+  const TTempDir folder;
+  const auto file = folder.Path() / "store";
+  const auto readOnly = folder.Path() / "mounted";
+  std::filesystem::create_directory(readOnly);
+  OpenStore(TLocation(file.string()), EAccess::kCreating);
+  if (::mount(folder.Path().c_str(), readOnly.c_str(), nullptr, MS_BIND, nullptr) != 0) {
+    GTEST_SKIP() << "a folder cannot be mounted: not root";
+  }
+  ::mount(nullptr, readOnly.c_str(), nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr);
+  {
+    const TLocation location((readOnly / "store").string());
+    const auto reader = OpenStore(location, EAccess::kExisting);
+    EXPECT_EQ(reader->QueryNumber("SELECT COUNT(*) FROM hosts"), 0);
+    EXPECT_NO_THROW(reader->RequireSameState());
+    TStore(*OpenStore(TLocation(file.string()), EAccess::kExisting))
+        .Add(Document({"", "m", "", "", "", "a"}, 100));
+    EXPECT_QDX_STATUS(reader->RequireSameState(), kQDXStatusFail);
+    EXPECT_EQ(OpenStore(location, EAccess::kExisting)->QueryNumber("SELECT COUNT(*) FROM hosts"),
+              1);
+  }
+  ::umount(readOnly.c_str());
 }
 
 TEST(StoreLocation, HidesPasswords) {

@@ -1,16 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "database.h"
 
-#include <qdxsystem/error_text.h>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/statvfs.h>
-
-#include <cerrno>
 #include <charconv>
 #include <cstdlib>
-#include <string_view>
 #include <unordered_map>
 
 #include <soci/postgresql/soci-postgresql.h>
@@ -20,6 +12,7 @@
 #include <boost/algorithm/string/trim.hpp>
 
 #include "dialect.h"
+#include "sqlite_file.h"
 
 namespace NVORNQDX20::NStore {
 namespace {
@@ -101,58 +94,11 @@ void Translated(const TLocation& location, const TCall& call) {
   }
 }
 
-/// SOCI reads a text without "=" as the name of the file, and else as parameters. For SQLite some
-/// names are no files, such as ":memory:" and "file:x".
-std::string FileParameters(std::string file) {
-  if (!boost::starts_with(file, "/")) file.insert(0, "./");
-  if (file.find('=') == std::string::npos) return file;
-  if (file.find('"') != std::string::npos) {
-    throw TDatabaseError(TDatabaseError::kUnusable, kQDXStatusNotSupported,
-                         "a name with both \" and = cannot be opened");
-  }
-  return "dbname=\"" + file + "\"";
-}
-
-/// SQLite needs files of its own beside the store, which it cannot make there; but nobody writes
-/// there either. What a writer has left in its log would be missed.
-bool IsForReadingOnly(const std::string& file) {
-  struct statvfs disk {};
-  struct stat log {};
-  const bool hasLog = ::stat((file + "-wal").c_str(), &log) == 0 && log.st_size > 0;
-  return ::statvfs(file.c_str(), &disk) == 0 && (disk.f_flag & ST_RDONLY) != 0 && !hasLog;
-}
-
-/// The parameters for a file that does not change.
-std::string ImmutableFileParameters(const std::string& file) {
-  static constexpr char kDigits[] = "0123456789ABCDEF";
-  std::string uri = boost::starts_with(file, "/") ? "file:" : "file:./";
-  for (const char c : file) {
-    if (std::string_view("%?#\"").find(c) == std::string_view::npos) {
-      uri += c;
-    } else {
-      const auto byte = static_cast<unsigned char>(c);
-      (uri += '%') += kDigits[byte >> 4U];
-      uri += kDigits[byte & 15U];
-    }
-  }
-  return "dbname=\"" + uri + "?immutable=1\"";
-}
-
-/// Before SQLite opens it: that would create it, and would not find fault with a folder before
-/// the first statement.
-void RequireFile(const std::string& file) {
-  struct stat status {};
-  const bool exists = ::stat(file.c_str(), &status) == 0;
-  if (exists && S_ISREG(status.st_mode)) return;
-  const auto reason = exists ? std::string("it is no regular file") : ErrorText(errno);
-  throw TDatabaseError(TDatabaseError::kUnusable,
-                       exists ? kQDXStatusFileSystemError : kQDXStatusFileNotFound, reason);
-}
-
 }  // namespace
 
 struct TDatabase::TSession {
   soci::session fSession;
+  std::optional<TSQLiteFile> fFile;  // none for a server
   /// Ours to the database's.
   std::unordered_map<std::string, std::string> fStatements;
 
@@ -165,15 +111,13 @@ struct TDatabase::TSession {
 
 TDatabase::TDatabase(const TLocation& location)
     : fLocation(location), fSession(std::make_unique<TSession>()) {
-  if (fLocation.fIsFile) RequireFile(fLocation.fText);
+  if (fLocation.fIsFile) fSession->fFile.emplace(fLocation.fText);
   Translated(fLocation, [&] {
     if (fLocation.fIsFile) {
-      const std::string& file = fLocation.fText;
-      // Once, before SQLite is used; FileParameters() returns no such name.
+      // Once, before SQLite is used; no name of a file becomes a URI.
       static const int urisAreNames = sqlite_api::sqlite3_config(SQLITE_CONFIG_URI, 1);
       (void)urisAreNames;
-      fSession->fSession.open(soci::sqlite3, IsForReadingOnly(file) ? ImmutableFileParameters(file)
-                                                                    : FileParameters(file));
+      fSession->fSession.open(soci::sqlite3, fSession->fFile->GetParameters());
       Execute(kFileTimeout);
       Execute("PRAGMA foreign_keys = ON");
       return;
@@ -194,6 +138,17 @@ void TDatabase::Execute(const std::string& sql, const std::vector<TValue>& value
 void TDatabase::Query(const std::string& sql, std::size_t columns,
                       const std::vector<TValue>& values,
                       const std::function<void(const TRow&)>& take) {
+  try {
+    RunQuery(sql, columns, values, take);
+  } catch (const TDatabaseError&) {
+    RequireSameState();  // else what is wrong may be only that
+    throw;
+  }
+}
+
+void TDatabase::RunQuery(const std::string& sql, std::size_t columns,
+                         const std::vector<TValue>& values,
+                         const std::function<void(const TRow&)>& take) {
   Translated(fLocation, [&] {
     std::vector<std::string> cells(columns);
     std::vector<soci::indicator> indicators(columns, soci::i_ok);
@@ -239,6 +194,13 @@ std::optional<std::int64_t> TDatabase::QueryNumber(const std::string& sql,
     if (!number && row[0]) number = ToNumber(row[0]);
   });
   return number;
+}
+
+void TDatabase::RequireSameState() const {
+  if (fSession->fFile && fSession->fFile->HasChanged()) {
+    throw TDatabaseError(TDatabaseError::kConflict, kQDXStatusFail,
+                         "it was written while it was read: try again");
+  }
 }
 
 std::int64_t ToNumber(const TCell& cell) {

@@ -55,8 +55,15 @@ class TDatabase {
   std::optional<std::int64_t> QueryNumber(const std::string& sql,
                                           const std::vector<TValue>& values = {});
 
+  /// To be called when all is read. A file that cannot be written is read without a lock: throws
+  /// if somebody has written it since it was opened.
+  void RequireSameState() const;
+
  private:
   struct TSession;
+
+  void RunQuery(const std::string& sql, std::size_t columns, const std::vector<TValue>& values,
+                const std::function<void(const TRow&)>& take);
 
   TLocation fLocation;
   std::unique_ptr<TSession> fSession;

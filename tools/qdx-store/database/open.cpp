@@ -116,6 +116,16 @@ std::int64_t CheckVersion(TDatabase& database, EAccess access) {
   return version;
 }
 
+void BringUpToDate(TDatabase& database, EAccess access) {
+  if (database.IsSQLite()) database.Execute("PRAGMA journal_mode = WAL");
+  TTransaction transaction(database);
+  if (!database.IsSQLite()) database.Execute(kLockOfSchema);
+  // Another program may have done it in the meantime.
+  const std::int64_t version = CheckVersion(database, access);
+  if (version < LatestVersion()) Migrate(database, version);
+  transaction.Commit();
+}
+
 }  // namespace
 
 std::unique_ptr<TDatabase> OpenStore(const TLocation& location, EAccess access) {
@@ -129,14 +139,17 @@ std::unique_ptr<TDatabase> OpenStore(const TLocation& location, EAccess access) 
     database->Execute("PRAGMA cache_size = -32768");
     database->Execute("PRAGMA wal_autocheckpoint = 8192");
   }
-  if (CheckVersion(*database, access) == LatestVersion()) return database;
-  if (database->IsSQLite()) database->Execute("PRAGMA journal_mode = WAL");
-  TTransaction transaction(*database);
-  if (!database->IsSQLite()) database->Execute(kLockOfSchema);
-  // Another program may have done it in the meantime.
   const std::int64_t version = CheckVersion(*database, access);
-  if (version < LatestVersion()) Migrate(*database, version);
-  transaction.Commit();
+  if (version == LatestVersion()) return database;
+  try {
+    BringUpToDate(*database, access);
+  } catch (const TDatabaseError& error) {
+    if (version == 0 || error.GetStatusCode() != kQDXStatusAccessDenied) throw;
+    Fail(kQDXStatusAccessDenied,
+         "an older qdx-store has made it, and who may write it has to bring it up to date, as"
+         " 'qdx-store hosts' does: " +
+             error.GetReason());
+  }
   return database;
 }
 

@@ -123,7 +123,9 @@ EExitCode History(const TArguments& arguments) {
     request.fHost = host.fID;
     request.fClass = ChosenClass(*database, arguments.GetOperand(2));
     const bool isForPeople = !arguments.Has("json") && !arguments.Has("csv");
-    WriteAnswer(AnswerOf(host, ReadHistory(*database, request), isForPeople), arguments);
+    const std::vector<TChange> changes = ReadHistory(*database, request);
+    database->RequireSameState();
+    WriteAnswer(AnswerOf(host, changes, isForPeople), arguments);
   } catch (const TDatabaseError& error) {
     FailOnStore(database->GetLocation(), error);
   }

@@ -124,7 +124,9 @@ EExitCode Hosts(const TArguments& arguments) {
   const auto database = OpenStoreOf(arguments.GetOperand(0), EAccess::kExisting);
   try {
     const TTransaction oneState(*database, TTransaction::kReading);
-    WriteAnswer(AnswerOf(ReadFleet(*database), silentAfter), arguments);
+    const std::vector<TFleetHost> fleet = ReadFleet(*database);
+    database->RequireSameState();
+    WriteAnswer(AnswerOf(fleet, silentAfter), arguments);
   } catch (const TDatabaseError& error) {
     FailOnStore(database->GetLocation(), error);
   }

@@ -102,6 +102,7 @@ EExitCode Odd(const TArguments& arguments) {
       answer.fRemarks.insert(answer.fRemarks.begin(),
                              "nothing is odd among " + std::to_string(judged) + " hosts");
     }
+    database->RequireSameState();
     WriteAnswer(answer, arguments);
   } catch (const TDatabaseError& error) {
     FailOnStore(database->GetLocation(), error);
