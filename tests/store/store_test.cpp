@@ -12,6 +12,8 @@
 #include "database/open.h"
 #include "postgresql_server.h"
 #include "sample_document.h"
+#include "storage/hosts.h"
+#include "storage/removal.h"
 #include "support/expect_status.h"
 #include "support/temp_dir.h"
 
@@ -170,6 +172,48 @@ TEST_P(Store, DependsOnTheDocumentsAndNotOnTheirOrder) {
     }
     Renew();
   }
+}
+
+TEST_P(Store, IsAsIfRemovedDocumentsHadNeverBeenAdded) {
+  std::mt19937 random(24);
+  std::size_t removals = 0;
+  for (int round = 0; round < (GetParam() ? 6 : 40); ++round) {
+    const std::vector<TDocumentFacts> documents = RandomDocuments(random);
+    for (const TDocumentFacts& document : documents) fStore->Add(document);
+    const auto all = Contents();
+    std::vector<std::int64_t> hosts;
+    fDatabase->Query("SELECT id FROM host", 1, {},
+                     [&hosts](const TRow& row) { hosts.push_back(ToNumber(row[0])); });
+    const std::int64_t since = 1'000'000 + 10'000 * static_cast<std::int64_t>(random() % 7);
+    const std::int64_t until = random() % 2 == 0 ? since + 20'000 : since + 1'000'000;
+    std::set<std::string> removed;
+    {
+      TTransaction transaction(*fDatabase);
+      LockAllHosts(*fDatabase);
+      for (const auto& [time, digest] :
+           RemoveDocuments(*fDatabase, hosts[random() % hosts.size()], since, until)) {
+        EXPECT_TRUE(time >= since && time < until);
+        removed.insert(digest);
+      }
+      transaction.Commit();
+    }
+    removals += removed.size();
+    const auto left = Contents();
+    const auto isRemoved = [&removed](const auto& each) {
+      return removed.count(each.fDigest) != 0;
+    };
+    for (const TDocumentFacts& document : documents) {
+      EXPECT_EQ(fStore->Add(document).fIsNew, isRemoved(document));
+    }
+    EXPECT_EQ(Contents(), all) << "round " << round;
+    Renew();
+    for (const TDocumentFacts& document : documents) {
+      if (!isRemoved(document)) fStore->Add(document);
+    }
+    EXPECT_EQ(Contents(), left) << "round " << round;
+    Renew();
+  }
+  EXPECT_GT(removals, 10U);
 }
 
 TEST_P(Store, ShowsNumbersOfAllHostsWhateverOneDocumentSays) {

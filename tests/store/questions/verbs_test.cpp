@@ -126,6 +126,9 @@ TEST_F(StoreVerbs, RefuseWhatIsWrong) {
       {{"history", ""}, 2, "empty"},
       {{"history", "web1", "dick"}, 4, "did you mean \"disk\"?"},
       {{"history", "web1", "--since", "soon"}, 2, "--since is 'soon', not a time"},
+      {{"remove", "web1"}, 2, "'--since' or '--until' is missing"},
+      {{"remove", "web", "--since", "2026"}, 4, "it can be web1"},
+      {{"remove", "web1", "--until", "12"}, 2, "--until is '12', not a time"},
       {{"odd", "nonsense"}, 4, "the store has no such class"},
       {{"odd", "--json", "--csv"}, 2, "contradicts"},
       {{"hosts", "--silent-after", "x"}, 2, "not a number of days"}};
@@ -150,6 +153,25 @@ TEST_F(StoreVerbs, RemarkOnHosts) {
   EXPECT_EQ(Ask({"add", document}).fExitCode, 0);
   EXPECT_NE(Ask({"hosts"}).fOutput.find("2190-11-01T12:00:00Z  1          last document from the"),
             std::string::npos);
+}
+
+TEST_F(StoreVerbs, RemoveWhatAWrongClockHasHidden) {
+  const std::string before = Ask({"hosts", "--csv"}).fOutput;
+  const TTestHost wrongClock{"web3", "21901101120000.000000+000"};
+  const TNamespace ns = MakeHost(wrongClock, {{"ProductName", "R1"}, {"UUID", UUIDOf("web3")}});
+  const std::string document = Store() + ".xml";
+  Write(document, {ns, MakeRecord(wrongClock)});
+  EXPECT_NE(Ask({"add", document}).fErrors.find("'qdx-store remove'"), std::string::npos);
+  EXPECT_NE(Ask({"hosts", "--csv"}).fOutput, before);
+  EXPECT_EQ(Ask({"remove", "web3", "--since", "2190-12"}).fOutput, "0 documents of web3 removed\n");
+  const std::string digest = RunProgram({"/usr/bin/sha256sum", document}).fOutput.substr(0, 64);
+  EXPECT_EQ(Ask({"remove", "web3", "--since", "2190", "--until", "2190"}).fOutput,
+            "2190-11-01T12:00:00Z " + digest + "\n1 document of web3 removed\n");
+  EXPECT_EQ(Ask({"hosts", "--csv"}).fOutput, before);
+  // The whole host.
+  EXPECT_NE(Ask({"remove", "web1", "--until", "9999"}).fOutput.find("2 documents of web1 removed"),
+            std::string::npos);
+  EXPECT_EQ(JSONOf({"hosts"})["hosts"].size(), 2U);
 }
 
 TEST_F(StoreVerbs, ReportAStoreThatHasLostRows) {

@@ -2,6 +2,7 @@
 #include "hosts.h"
 
 #include <cstddef>
+#include <iterator>
 #include <map>
 #include <optional>
 #include <set>
@@ -128,6 +129,13 @@ void RenameHosts(TDatabase& database, std::vector<TStoredIdentity>& stored,
   }
 }
 
+void RemoveUnusedHost(TDatabase& database, std::int64_t host) {
+  database.Execute(
+      "DELETE FROM host WHERE id = :host AND NOT EXISTS"
+      " (SELECT 1 FROM identity WHERE identity.host = host.id)",
+      {host});
+}
+
 void MoveIdentity(TDatabase& database, const TStoredIdentity& identity, const std::string& key) {
   const std::int64_t host = RequireHost(database, key);
   std::vector<std::int64_t> documents;
@@ -139,24 +147,27 @@ void MoveIdentity(TDatabase& database, const TStoredIdentity& identity, const st
                    {host, identity.fNumber});
   NameHost(database, host);
   NameHost(database, identity.fHost);
-  database.Execute(
-      "DELETE FROM host WHERE id = :host AND NOT EXISTS"
-      " (SELECT 1 FROM identity WHERE identity.host = host.id)",
-      {identity.fHost});
+  RemoveUnusedHost(database, identity.fHost);
+}
+
+/// Moves the documents of identities whose hosts have these keys from now on.
+void GiveKeys(TDatabase& database, std::vector<TStoredIdentity> stored,
+              const std::vector<std::string>& keys) {
+  RenameHosts(database, stored, keys);
+  for (std::size_t i = 0; i < stored.size(); ++i) {
+    if (stored[i].fHostKey != keys[i]) MoveIdentity(database, stored[i], keys[i]);
+  }
 }
 
 /// Adds the identity, and moves the documents of others that belong to other hosts from now on.
 TKnownHost AddIdentity(TDatabase& database, const TIdentity& identity, const std::string& digest) {
-  std::vector<TStoredIdentity> stored = TGroup(database, identity).Get();
+  const std::vector<TStoredIdentity> stored = TGroup(database, identity).Get();
   std::vector<TIdentity> identities;
   identities.reserve(stored.size() + 1);
   for (const TStoredIdentity& each : stored) identities.push_back(each.fIdentity);
   identities.push_back(identity);
   const std::vector<std::string> keys = HostKeys(identities);
-  RenameHosts(database, stored, keys);
-  for (std::size_t i = 0; i < stored.size(); ++i) {
-    if (stored[i].fHostKey != keys[i]) MoveIdentity(database, stored[i], keys[i]);
-  }
+  GiveKeys(database, stored, {keys.begin(), std::prev(keys.end())});
   const std::int64_t host = RequireHost(database, keys.back());
   database.Execute(
       "INSERT INTO identity (digest, uuid, machine_id, serial_number, manufacturer, name, host)"
@@ -190,19 +201,44 @@ void NameHost(TDatabase& database, std::int64_t host) {
                    {name, host, name});
 }
 
+void LockAllHosts(TDatabase& database) { LockStore(database, true); }
+
 TKnownHost FindHost(TDatabase& database, const TIdentity& identity,
                     std::vector<std::string>& warnings) {
   const std::string digest = DigestOfTexts(identity);
-  // Before the lock, which cannot become a stronger one later. An identity never disappears.
+  // Before the lock, which cannot become a stronger one later.
   const bool isKnown = Lookup(database, digest).has_value();
   LockStore(database, !isKnown);
   std::optional<TKnownHost> found = Lookup(database, digest);
+  if (!found && isKnown) {
+    throw TDatabaseError(TDatabaseError::kConflict, kQDXStatusFail,
+                         "another program has removed the host");
+  }
   if (!found) {
     found = AddIdentity(database, identity, digest);
     WarnOfClone(database, identity, warnings);
   }
   LockHost(database, found->fHost);
   return *found;
+}
+
+void RemoveIdentity(TDatabase& database, std::int64_t number) {
+  TIdentity identity;
+  std::int64_t host = 0;
+  database.Query(
+      "SELECT uuid, machine_id, serial_number, manufacturer, name, host FROM identity"
+      " WHERE id = :identity",
+      6, {number}, [&](const TRow& row) {
+        identity = {*row[0], *row[1], *row[2], *row[3], *row[4]};
+        host = ToNumber(row[5]);
+      });
+  database.Execute("DELETE FROM identity WHERE id = :identity", {number});
+  const std::vector<TStoredIdentity> stored = TGroup(database, identity).Get();
+  std::vector<TIdentity> identities;
+  identities.reserve(stored.size());
+  for (const TStoredIdentity& each : stored) identities.push_back(each.fIdentity);
+  GiveKeys(database, stored, HostKeys(identities));
+  RemoveUnusedHost(database, host);
 }
 
 }  // namespace NVORNQDX20::NStore

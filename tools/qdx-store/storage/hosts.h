@@ -25,6 +25,13 @@ struct TKnownHost {
 TKnownHost FindHost(TDatabase& database, const TIdentity& identity,
                     std::vector<std::string>& warnings);
 
+/// Locks all hosts until the transaction ends. REQUIRES: a transaction that has read nothing yet.
+void LockAllHosts(TDatabase& database);
+
+/// Removes an identity that no document has any more, and moves documents whose host only it
+/// showed. REQUIRES: all hosts are locked.
+void RemoveIdentity(TDatabase& database, std::int64_t number);
+
 /// Gives the host the name in its last document that has one; else its key is its name. To be
 /// called after its documents have changed.
 void NameHost(TDatabase& database, std::int64_t host);

@@ -82,7 +82,8 @@ class TAdding {
     const auto time = std::chrono::microseconds(document.fFacts->fTime);
     if (time < now.time_since_epoch()) return;
     PrintError("warning: " + document.fFile +
-               ": its time is in the future: was the clock of its host wrong?");
+               ": its time is in the future: was the clock of its host wrong?"
+               " 'qdx-store remove' takes it out again");
   }
 
   /// The store cannot be used any more.

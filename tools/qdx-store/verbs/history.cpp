@@ -1,53 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 // The verb history.
 #include <qdxdisplay/names.h>
-#include <qdxmodel/names.h>
 
 #include <string>
 #include <vector>
 
 #include "chosen_class.h"
+#include "chosen_host.h"
 #include "format/answer.h"
 #include "format/time_text.h"
 #include "opened_store.h"
-#include "questions/fleet.h"
 #include "questions/history.h"
+#include "time_option.h"
 #include "verbs.h"
 
 namespace NVORNQDX20::NStore {
 namespace {
 
 using TColumn = TAnswerColumn;
-
-[[noreturn]] void FailToFind(const std::string& typed, const std::string& reason) {
-  throw TCommandFailure(kExitBadInput, "finding host " + NModel::Quoted(typed),
-                        {kQDXStatusNotFound, reason});
-}
-
-TFleetHost ChosenHost(TDatabase& database, const std::string& typed) {
-  const std::vector<TFleetHost> found = FindHosts(ReadFleet(database), typed);
-  if (found.empty()) FailToFind(typed, "the store has no host of this name, UUID or machine ID");
-  if (found.size() == 1) return found.front();
-  constexpr std::size_t kShown = 5;
-  std::string names;
-  for (std::size_t i = 0; i < std::min(kShown, found.size()); ++i) {
-    const TFleetHost& host = found[i];
-    // With what chooses it: two hosts can have the same name.
-    names += (names.empty() ? "" : ", ") + host.fName + " (" +
-             (host.fUUID.empty() ? "host_id=" + std::to_string(host.fID) : host.fUUID) + ")";
-  }
-  if (found.size() > kShown) names += " and " + std::to_string(found.size() - kShown) + " more";
-  FailToFind(typed, "it can be " + names);
-}
-
-TTypedTime TimeOf(const TArguments& arguments, const std::string& option) {
-  const std::string text = arguments.Get(option, "");
-  const auto time = ParseTypedTime(text, Now());
-  if (!time) {
-    FailOnUsage("--" + option + " is '" + text + "', not a time such as 2026-01-31T12:00 or 7d");
-  }
-  return *time;
-}
 
 const char* NameOf(TChange::EChange change) {
   switch (change) {
@@ -114,8 +84,8 @@ TAnswer AnswerOf(const TFleetHost& host, const std::vector<TChange>& changes, bo
 
 EExitCode History(const TArguments& arguments) {
   THistoryRequest request{};
-  if (arguments.Has("since")) request.fSince = TimeOf(arguments, "since").fBegin;
-  if (arguments.Has("until")) request.fUntil = TimeOf(arguments, "until").fEnd;
+  if (arguments.Has("since")) request.fSince = TimeOption(arguments, "since").fBegin;
+  if (arguments.Has("until")) request.fUntil = TimeOption(arguments, "until").fEnd;
   const auto database = OpenStoreOf(arguments.GetOperand(0), EAccess::kExisting);
   try {
     const TTransaction oneState(*database, TTransaction::kReading);

@@ -9,7 +9,7 @@ const TProgram& TheProgram() {
       "Usage: qdx-store VERB [OPTION]... DB [OPERAND]...\n"
       "Keeps what the documents of many hosts show, and when it changed. DB is a file, or a\n"
       "database of PostgreSQL: postgresql://USER@HOST/NAME.\n",
-      {AddVerb(), HostsVerb(), OddVerb(), HistoryVerb(), PruneVerb()},
+      {AddVerb(), HostsVerb(), OddVerb(), HistoryVerb(), RemoveVerb(), PruneVerb()},
       {{"help", nullptr, "Print help for the verb, and exit.", 'h'},
        {"version", nullptr, "Print the version, and exit."}},
       "Exit status:\n"

@@ -12,6 +12,7 @@ TVerb HistoryVerb();
 TVerb HostsVerb();
 TVerb OddVerb();
 TVerb PruneVerb();
+TVerb RemoveVerb();
 
 /// The command with every verb, in the order of the help.
 const TProgram& TheProgram();
