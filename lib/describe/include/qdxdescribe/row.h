@@ -145,7 +145,8 @@ TCIMValue NullOf() {
         NullOf<typename T::value_type>().GetType() | static_cast<unsigned int>(TCIM::kCIMTypeArray),
         0);
   } else {
-    return TCIMValue(TCIMValue(T()).GetType(), 0);
+    static const auto type = TCIMValue(T()).GetType();  // once: a value costs an allocation
+    return TCIMValue(type, 0);
   }
 }
 
@@ -299,8 +300,10 @@ class TRow {
 
   const TPropertyDeclaration& GetDeclaration() const { return fDeclaration; }
   const TRead& GetReader() const { return fRead; }
-  TPropertyDeclaration TakeDeclaration() { return std::move(fDeclaration); }
-  TRead TakeReader() { return std::move(fRead); }
+  /// Leaves the row without what is taken, even a row in a list in braces: a table of such rows
+  /// would copy each before it has its own.
+  TPropertyDeclaration TakeDeclaration() const { return std::move(fDeclaration); }
+  TRead TakeReader() const { return std::move(fRead); }
 
  private:
   template <typename TReader>
@@ -323,8 +326,8 @@ class TRow {
     };
   }
 
-  TPropertyDeclaration fDeclaration;
-  TRead fRead;
+  mutable TPropertyDeclaration fDeclaration;
+  mutable TRead fRead;
 };
 
 }  // namespace NVORNQDX20::NDescribe

@@ -31,6 +31,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -116,13 +117,43 @@ struct TClassOf {
 /// A class: its rows, and the function that reads the sources of its instances.
 template <typename TSource, typename THost = TRequest>
 class TTable {
+  struct TColumn {
+    std::string fName;
+    typename TRow<TSource, THost>::TRead fRead;
+  };
+
  public:
   using TRows = std::vector<TRow<TSource, THost>>;
+
+  /// The rows, from a list in braces or from a vector.
+  class TGivenRows {
+   public:
+    TGivenRows() = default;
+    /// Leaves the rows in the list empty: to copy them would take half of the time to make a table.
+    TGivenRows(std::initializer_list<TRow<TSource, THost>> rows) { Take(rows); }
+    TGivenRows(TRows rows) { Take(rows); }
+
+   private:
+    friend class TTable;
+
+    template <typename TList>
+    void Take(const TList& rows) {
+      fColumns.reserve(rows.size());
+      fProperties.reserve(rows.size());
+      for (const TRow<TSource, THost>& row : rows) {
+        fColumns.push_back({row.GetDeclaration().fName, row.TakeReader()});
+        fProperties.push_back(row.TakeDeclaration());
+      }
+    }
+
+    std::vector<TColumn> fColumns;
+    std::vector<TPropertyDeclaration> fProperties;
+  };
 
   /// `list` is a function of the host, or of the host and of the namespace with the classes before
   /// this one. It returns a TInstances, a std::vector, one TSource, or a TReading of these two.
   template <typename TLister>
-  TTable(const char* name, const char* description, TLister list, TRows rows)
+  TTable(const char* name, const char* description, TLister list, TGivenRows rows)
       : TTable(name, description, std::move(rows)) {
     fDeclaration.fIsAbstract = false;
     fList = [list](const THost& host, const ICIMNamespace& ns) -> TInstances<TSource> {
@@ -130,19 +161,13 @@ class TTable {
     };
   }
   /// An abstract class: without instances of its own.
-  TTable(const char* name, const char* description, TRows rows)
+  TTable(const char* name, const char* description, TGivenRows rows)
       : fDeclaration{NDetail::Given(name, "the name of a class"),
                      NDetail::Given(description, "the description of class ", name),
+                     std::move(rows.fProperties),
                      {},
-                     {},
-                     true} {
-    fDeclaration.fProperties.reserve(rows.size());
-    fColumns.reserve(rows.size());
-    for (TRow<TSource, THost>& row : rows) {
-      fColumns.push_back({row.GetDeclaration().fName, row.TakeReader()});
-      fDeclaration.fProperties.push_back(row.TakeDeclaration());
-    }
-  }
+                     true},
+        fColumns(std::move(rows.fColumns)) {}
 
   /// Makes this a subclass. The superclass's rows are read from the part of the source that is a
   /// TBase, unless this table has a row of the same name.
@@ -202,10 +227,6 @@ class TTable {
   template <typename TOtherSource, typename TOtherHost>
   friend class TTable;
 
-  struct TColumn {
-    std::string fName;
-    typename TRow<TSource, THost>::TRead fRead;
-  };
   using TList = std::function<TInstances<TSource>(const THost&, const ICIMNamespace&)>;
 
   /// Makes the instances.
