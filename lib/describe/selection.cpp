@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "selection.h"
 
+#include <qdxcore/logger.h>
+
 #include <algorithm>
-#include <iterator>
-#include <unordered_set>
+#include <cstddef>
+#include <functional>
 #include <utility>
 
 namespace NVORNQDX20::NDescribe {
@@ -11,46 +13,61 @@ namespace {
 
 using TStep = TDescriber::TStep;
 
+using TDeclarationOf = std::function<const TClassDeclaration&(std::size_t)>;
+
 /// The wanted classes and all that they need, at any distance.
 class TSelection {
  public:
-  explicit TSelection(const std::vector<TStep>& steps) {
-    for (const TStep& step : steps) fClasses.emplace(step.fDeclaration->fName, step.fDeclaration);
+  TSelection(const std::vector<TLineage>& classes, const TDeclarationOf& declarationOf)
+      : fDeclarationOf(declarationOf),
+        fSuperclasses(classes.size(), kNone),
+        fIsWanted(classes.size()),
+        fIsDeclared(classes.size()) {
+    for (std::size_t i = 0; i < classes.size(); ++i) fNumbers.emplace(classes[i].fName, i);
+    for (std::size_t i = 0; i < classes.size(); ++i)
+      fSuperclasses[i] = Find(classes[i].fSuperclass);
   }
 
   /// Adds the class with its subclasses, since their instances are also its instances.
   void Add(const std::string& name) {
-    const TClassDeclaration* const wanted = Find(name);
-    if (wanted == nullptr || !fWanted.insert(wanted).second) return;
-    for (const auto& each : fClasses) {
-      if (IsA(*each.second, *wanted)) AddDeclaration(each.second);
+    const std::size_t wanted = Find(name);
+    if (wanted == kNone || fIsWanted[wanted]) return;
+    fIsWanted[wanted] = true;
+    for (std::size_t i = 0; i < fSuperclasses.size(); ++i) {
+      if (IsA(i, wanted)) AddDeclaration(i);
     }
   }
 
-  bool Has(const TClassDeclaration& cimClass) const { return fDeclared.count(&cimClass) != 0; }
+  const std::vector<bool>& GetDeclared() const { return fIsDeclared; }
 
  private:
+  static constexpr auto kNone = static_cast<std::size_t>(-1);
+
   /// Adds the class, its superclasses, and what their references can refer to.
-  void AddDeclaration(const TClassDeclaration* each) {
-    for (; each != nullptr && fDeclared.insert(each).second; each = Find(each->fSuperclass)) {
-      for (const TPropertyDeclaration& property : each->fProperties) Add(property.fReferencedClass);
+  void AddDeclaration(std::size_t each) {
+    for (; each != kNone && !fIsDeclared[each]; each = fSuperclasses[each]) {
+      fIsDeclared[each] = true;
+      for (const TPropertyDeclaration& property : fDeclarationOf(each).fProperties) {
+        if (!property.fReferencedClass.empty()) Add(property.fReferencedClass);
+      }
     }
   }
 
-  const TClassDeclaration* Find(const std::string& name) const {
-    const auto found = fClasses.find(name);
-    return found == fClasses.end() ? nullptr : found->second;
+  std::size_t Find(const std::string& name) const {
+    const auto found = fNumbers.find(name);
+    return found == fNumbers.end() ? kNone : found->second;
   }
 
-  bool IsA(const TClassDeclaration& derived, const TClassDeclaration& base) const {
-    const TClassDeclaration* each = &derived;
-    while (each != nullptr && each != &base) each = Find(each->fSuperclass);
-    return each != nullptr;
+  bool IsA(std::size_t derived, std::size_t base) const {
+    while (derived != kNone && derived != base) derived = fSuperclasses[derived];
+    return derived != kNone;
   }
 
-  NModel::TNameMap<const TClassDeclaration*> fClasses;
-  std::unordered_set<const TClassDeclaration*> fWanted;
-  std::unordered_set<const TClassDeclaration*> fDeclared;
+  const TDeclarationOf& fDeclarationOf;
+  NModel::TNameMap<std::size_t> fNumbers;
+  std::vector<std::size_t> fSuperclasses;
+  std::vector<bool> fIsWanted;
+  std::vector<bool> fIsDeclared;
 };
 
 }  // namespace
@@ -83,14 +100,37 @@ void TPartSelection::AddLeftOut(const TClassDeclaration& declaration) {
   }
 }
 
-std::vector<TStep> WantedSteps(const std::vector<TStep>& all, const TOptionsMap& options) {
+std::vector<bool> WantedClasses(const std::vector<TLineage>& classes, const TOptionsMap& options,
+                                const TDeclarationOf& declarationOf) {
   const auto wanted = NModel::ClassesOf(options);
-  if (!wanted) return all;
-  TSelection selection(all);
+  if (!wanted) return std::vector<bool>(classes.size(), true);
+  TSelection selection(classes, declarationOf);
   for (const std::string& name : *wanted) selection.Add(name);
+  return selection.GetDeclared();
+}
+
+void CheckLineage(const TLineage& lineage, const TClassDeclaration& declaration) {
+  if (lineage.fName == declaration.fName && lineage.fSuperclass == declaration.fSuperclass) return;
+  throw TExplainedException(kQDXStatusInvalidClass,
+                            "the catalogue has class " + lineage.fName + " derived from \"" +
+                                lineage.fSuperclass + "\", which is " + declaration.fName +
+                                " derived from \"" + declaration.fSuperclass + '"');
+}
+
+std::vector<TStep> WantedSteps(const std::vector<TStep>& all, const TOptionsMap& options) {
+  std::vector<TLineage> classes;
+  classes.reserve(all.size());
+  for (const TStep& step : all) {
+    classes.push_back({step.fDeclaration->fName, step.fDeclaration->fSuperclass});
+  }
+  const std::vector<bool> isWanted = WantedClasses(
+      classes, options,
+      [&all](std::size_t number) -> const TClassDeclaration& { return *all[number].fDeclaration; });
   std::vector<TStep> steps;
-  std::copy_if(all.begin(), all.end(), std::back_inserter(steps),
-               [&](const TStep& step) { return selection.Has(*step.fDeclaration); });
+  steps.reserve(all.size());
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    if (isWanted[i]) steps.push_back(all[i]);
+  }
   return steps;
 }
 

@@ -20,8 +20,8 @@ constexpr auto kCheck = EClassCheck::kByTests;
 constexpr auto kCheck = EClassCheck::kWhenRegistered;
 #endif
 
-[[maybe_unused]] const bool kRegistered =
-    RegisterProvider([] { return MakeProvider("linux", "root/cimv2", AllClasses(), kCheck); });
+[[maybe_unused]] const bool kRegistered = RegisterProvider(
+    [] { return MakeCatalogueProvider("linux", "root/cimv2", AllClasses(), kCheck); });
 
 }  // namespace
 }  // namespace NVORNQDX20

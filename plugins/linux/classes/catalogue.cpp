@@ -1,117 +1,121 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "catalogue.h"
 
-/// All classes, with the part that each belongs to: each after its superclass, and after the
-/// classes that it refers to.
-#define QDX_LINUX_CLASSES(CLASS)                   \
-  CLASS(kAlways, ComputerSystemClass)              \
-  CLASS(kAlways, OperatingSystemClass)             \
-  CLASS(kAlways, RunningOSClass)                   \
-  CLASS(kAlways, QDXProductClass)                  \
-  CLASS(kDisks, SCSIDeviceClass)                   \
-  CLASS(kAlways, LogicalDeviceClass)               \
-  CLASS(kAlways, SystemDeviceClass)                \
-  CLASS(kMachine, PhysicalElementClass)            \
-  CLASS(kMachine, PhysicalPackageClass)            \
-  CLASS(kMachine, ChassisClass)                    \
-  CLASS(kMachine, CardClass)                       \
-  CLASS(kMachine, BIOSElementClass)                \
-  CLASS(kMemory, MemoryArrayClass)                 \
-  CLASS(kMemory, MemorySlotClass)                  \
-  CLASS(kMemory, PhysicalMemoryClass)              \
-  CLASS(kMemory, MemoryClass)                      \
-  CLASS(kMemory, MemoryErrorCountClass)            \
-  CLASS(kMemory, MappedMemoryClass)                \
-  CLASS(kMachine, ComputerSystemPackageClass)      \
-  CLASS(kMachine, SystemBIOSClass)                 \
-  CLASS(kMachine, ContainerClass)                  \
-  CLASS(kMemory, ElementInConnectorClass)          \
-  CLASS(kMemory, RealizesClass)                    \
-  CLASS(kProcessors, ProcessorClass)               \
-  CLASS(kProcessors, ProcessorCoreClass)           \
-  CLASS(kProcessors, ProcessorCoreComponentClass)  \
-  CLASS(kProcessors, HardwareThreadClass)          \
-  CLASS(kProcessors, HardwareThreadComponentClass) \
-  CLASS(kProcessors, CacheMemoryClass)             \
-  CLASS(kProcessors, AssociatedCacheMemoryClass)   \
-  CLASS(kProcessors, NUMANodeClass)                \
-  CLASS(kProcessors, ProcessorVulnerabilityClass)  \
-  CLASS(kProcessors, HypervisorClass)              \
-  CLASS(kDisks, MediaAccessDeviceClass)            \
-  CLASS(kDisks, DiskDriveClass)                    \
-  CLASS(kDisks, CDROMDriveClass)                   \
-  CLASS(kDisks, DVDDriveClass)                     \
-  CLASS(kDisks, TapeDriveClass)                    \
-  CLASS(kDisks, NVMeControllerClass)               \
-  CLASS(kDisks, StorageExtentClass)                \
-  CLASS(kDisks, DiskPartitionClass)                \
-  CLASS(kDisks, LogicalDiskClass)                  \
-  CLASS(kDisks, StorageVolumeClass)                \
-  CLASS(kNetwork, NetworkPortClass)                \
-  CLASS(kNetwork, EthernetPortClass)               \
-  CLASS(kNetwork, WiFiPortClass)                   \
-  CLASS(kNetwork, IBPortClass)                     \
-  CLASS(kNetwork, FCPortClass)                     \
-  CLASS(kNetwork, ServiceAccessPointClass)         \
-  CLASS(kNetwork, ProtocolEndpointClass)           \
-  CLASS(kNetwork, IPProtocolEndpointClass)         \
-  CLASS(kNetwork, DNSProtocolEndpointClass)        \
-  CLASS(kNetwork, RemoteServiceAccessPointClass)   \
-  CLASS(kNetwork, NextHopIPRouteClass)             \
-  CLASS(kNetwork, VLANEndpointClass)               \
-  CLASS(kNetwork, LogicalPortGroupClass)           \
-  CLASS(kNetwork, BondPortGroupClass)              \
-  CLASS(kNetwork, BridgePortGroupClass)            \
-  CLASS(kNetwork, PortImplementsEndpointClass)     \
-  CLASS(kNetwork, MemberOfPortGroupClass)          \
-  CLASS(kBuses, PCIDeviceClass)                    \
-  CLASS(kSensors, SensorClass)                     \
-  CLASS(kSensors, NumericSensorClass)              \
-  CLASS(kSensors, ThermalZoneClass)                \
-  CLASS(kSensors, FirmwareSensorClass)             \
-  CLASS(kSensors, CoolingDeviceClass)              \
-  CLASS(kSensors, FanClass)                        \
-  CLASS(kSensors, FirmwareCoolingDeviceClass)      \
-  CLASS(kSensors, ThermalCoolingDeviceClass)       \
-  CLASS(kSensors, BatteryClass)                    \
-  CLASS(kSensors, PowerSupplyClass)                \
-  CLASS(kSensors, AssociatedSensorClass)           \
-  CLASS(kBuses, SlotClass)                         \
-  CLASS(kBuses, USBDeviceClass)                    \
-  CLASS(kBuses, USBHubClass)                       \
-  CLASS(kNetwork, DeviceIdentityClass)             \
-  CLASS(kDisks, StoragePoolClass)                  \
-  CLASS(kDisks, PhysicalVolumeClass)               \
-  CLASS(kDisks, ConcreteComponentClass)            \
-  CLASS(kDisks, AllocatedFromStoragePoolClass)     \
-  CLASS(kDisks, MediaPresentClass)                 \
-  CLASS(kDisks, BasedOnClass)                      \
-  CLASS(kDisks, ControlledByClass)                 \
-  CLASS(kDisks, ConcreteIdentityClass)             \
-  CLASS(kFileSystems, FileSystemClass)             \
-  CLASS(kFileSystems, HostedFileSystemClass)       \
-  CLASS(kFileSystems, ResidesOnExtentClass)        \
-  CLASS(kFileSystems, SwapSpaceClass)              \
-  CLASS(kFileSystems, MountSettingClass)           \
-  CLASS(kSystem, KernelModuleClass)                \
-  CLASS(kSystem, InstalledKernelClass)             \
-  CLASS(kServices, ServiceClass)                   \
-  CLASS(kServices, TimerServiceClass)              \
-  CLASS(kServices, SocketServiceClass)             \
-  CLASS(kServices, HostedServiceClass)             \
-  CLASS(kPackages, SoftwareIdentityClass)          \
-  CLASS(kUsers, AccountClass)                      \
-  CLASS(kUsers, GroupClass)                        \
-  CLASS(kUsers, MemberOfCollectionClass)           \
-  CLASS(kProcesses, UnixProcessClass)
+/// All classes, with the part that each belongs to, its name and its superclass: each after its
+/// superclass, and after the classes that it refers to.
+#define QDX_LINUX_CLASSES(CLASS)                                                                   \
+  CLASS(kAlways, ComputerSystemClass, "VORNSG_ComputerSystem", "")                                 \
+  CLASS(kAlways, OperatingSystemClass, "VORNSG_OperatingSystem", "")                               \
+  CLASS(kAlways, RunningOSClass, "VORNSG_RunningOS", "")                                           \
+  CLASS(kAlways, QDXProductClass, "VORNSG_QDXProduct", "")                                         \
+  CLASS(kDisks, SCSIDeviceClass, "VORNSG_SCSIDevice", "")                                          \
+  CLASS(kAlways, LogicalDeviceClass, "VORNSG_LogicalDevice", "")                                   \
+  CLASS(kAlways, SystemDeviceClass, "VORNSG_SystemDevice", "")                                     \
+  CLASS(kMachine, PhysicalElementClass, "VORNSG_PhysicalElement", "")                              \
+  CLASS(kMachine, PhysicalPackageClass, "VORNSG_PhysicalPackage", "VORNSG_PhysicalElement")        \
+  CLASS(kMachine, ChassisClass, "VORNSG_Chassis", "VORNSG_PhysicalPackage")                        \
+  CLASS(kMachine, CardClass, "VORNSG_Card", "VORNSG_PhysicalPackage")                              \
+  CLASS(kMachine, BIOSElementClass, "VORNSG_BIOSElement", "")                                      \
+  CLASS(kMemory, MemoryArrayClass, "VORNSG_MemoryArray", "VORNSG_PhysicalPackage")                 \
+  CLASS(kMemory, MemorySlotClass, "VORNSG_MemorySlot", "VORNSG_PhysicalElement")                   \
+  CLASS(kMemory, PhysicalMemoryClass, "VORNSG_PhysicalMemory", "VORNSG_PhysicalElement")           \
+  CLASS(kMemory, MemoryClass, "VORNSG_Memory", "VORNSG_LogicalDevice")                             \
+  CLASS(kMemory, MemoryErrorCountClass, "VORNSG_MemoryErrorCount", "")                             \
+  CLASS(kMemory, MappedMemoryClass, "VORNSG_MappedMemory", "VORNSG_LogicalDevice")                 \
+  CLASS(kMachine, ComputerSystemPackageClass, "VORNSG_ComputerSystemPackage", "")                  \
+  CLASS(kMachine, SystemBIOSClass, "VORNSG_SystemBIOS", "")                                        \
+  CLASS(kMachine, ContainerClass, "VORNSG_Container", "")                                          \
+  CLASS(kMemory, ElementInConnectorClass, "VORNSG_ElementInConnector", "")                         \
+  CLASS(kMemory, RealizesClass, "VORNSG_Realizes", "")                                             \
+  CLASS(kProcessors, ProcessorClass, "VORNSG_Processor", "VORNSG_LogicalDevice")                   \
+  CLASS(kProcessors, ProcessorCoreClass, "VORNSG_ProcessorCore", "")                               \
+  CLASS(kProcessors, ProcessorCoreComponentClass, "VORNSG_ProcessorComponent", "")                 \
+  CLASS(kProcessors, HardwareThreadClass, "VORNSG_HardwareThread", "")                             \
+  CLASS(kProcessors, HardwareThreadComponentClass, "VORNSG_ProcessorCoreComponent", "")            \
+  CLASS(kProcessors, CacheMemoryClass, "VORNSG_CacheMemory", "VORNSG_LogicalDevice")               \
+  CLASS(kProcessors, AssociatedCacheMemoryClass, "VORNSG_AssociatedCacheMemory", "")               \
+  CLASS(kProcessors, NUMANodeClass, "VORNSG_NUMANode", "")                                         \
+  CLASS(kProcessors, ProcessorVulnerabilityClass, "VORNSG_ProcessorVulnerability", "")             \
+  CLASS(kProcessors, HypervisorClass, "VORNSG_Hypervisor", "")                                     \
+  CLASS(kDisks, MediaAccessDeviceClass, "VORNSG_MediaAccessDevice", "VORNSG_LogicalDevice")        \
+  CLASS(kDisks, DiskDriveClass, "VORNSG_DiskDrive", "VORNSG_MediaAccessDevice")                    \
+  CLASS(kDisks, CDROMDriveClass, "VORNSG_CDROMDrive", "VORNSG_MediaAccessDevice")                  \
+  CLASS(kDisks, DVDDriveClass, "VORNSG_DVDDrive", "VORNSG_MediaAccessDevice")                      \
+  CLASS(kDisks, TapeDriveClass, "VORNSG_TapeDrive", "VORNSG_MediaAccessDevice")                    \
+  CLASS(kDisks, NVMeControllerClass, "VORNSG_NVMeController", "VORNSG_LogicalDevice")              \
+  CLASS(kDisks, StorageExtentClass, "VORNSG_StorageExtent", "VORNSG_LogicalDevice")                \
+  CLASS(kDisks, DiskPartitionClass, "VORNSG_DiskPartition", "VORNSG_StorageExtent")                \
+  CLASS(kDisks, LogicalDiskClass, "VORNSG_LogicalDisk", "VORNSG_StorageExtent")                    \
+  CLASS(kDisks, StorageVolumeClass, "VORNSG_StorageVolume", "VORNSG_StorageExtent")                \
+  CLASS(kNetwork, NetworkPortClass, "VORNSG_NetworkPort", "VORNSG_LogicalDevice")                  \
+  CLASS(kNetwork, EthernetPortClass, "VORNSG_EthernetPort", "VORNSG_NetworkPort")                  \
+  CLASS(kNetwork, WiFiPortClass, "VORNSG_WiFiPort", "VORNSG_NetworkPort")                          \
+  CLASS(kNetwork, IBPortClass, "VORNSG_IBPort", "VORNSG_NetworkPort")                              \
+  CLASS(kNetwork, FCPortClass, "VORNSG_FCPort", "VORNSG_NetworkPort")                              \
+  CLASS(kNetwork, ServiceAccessPointClass, "VORNSG_ServiceAccessPoint", "")                        \
+  CLASS(kNetwork, ProtocolEndpointClass, "VORNSG_ProtocolEndpoint", "VORNSG_ServiceAccessPoint")   \
+  CLASS(kNetwork, IPProtocolEndpointClass, "VORNSG_IPProtocolEndpoint", "VORNSG_ProtocolEndpoint") \
+  CLASS(kNetwork, DNSProtocolEndpointClass, "VORNSG_DNSProtocolEndpoint",                          \
+        "VORNSG_ProtocolEndpoint")                                                                 \
+  CLASS(kNetwork, RemoteServiceAccessPointClass, "VORNSG_RemoteServiceAccessPoint",                \
+        "VORNSG_ServiceAccessPoint")                                                               \
+  CLASS(kNetwork, NextHopIPRouteClass, "VORNSG_NextHopIPRoute", "")                                \
+  CLASS(kNetwork, VLANEndpointClass, "VORNSG_VLANEndpoint", "VORNSG_ProtocolEndpoint")             \
+  CLASS(kNetwork, LogicalPortGroupClass, "VORNSG_LogicalPortGroup", "")                            \
+  CLASS(kNetwork, BondPortGroupClass, "VORNSG_BondPortGroup", "VORNSG_LogicalPortGroup")           \
+  CLASS(kNetwork, BridgePortGroupClass, "VORNSG_BridgePortGroup", "VORNSG_LogicalPortGroup")       \
+  CLASS(kNetwork, PortImplementsEndpointClass, "VORNSG_PortImplementsEndpoint", "")                \
+  CLASS(kNetwork, MemberOfPortGroupClass, "VORNSG_MemberOfPortGroup", "")                          \
+  CLASS(kBuses, PCIDeviceClass, "VORNSG_PCIDevice", "VORNSG_LogicalDevice")                        \
+  CLASS(kSensors, SensorClass, "VORNSG_Sensor", "VORNSG_LogicalDevice")                            \
+  CLASS(kSensors, NumericSensorClass, "VORNSG_NumericSensor", "VORNSG_Sensor")                     \
+  CLASS(kSensors, ThermalZoneClass, "VORNSG_ThermalZone", "VORNSG_NumericSensor")                  \
+  CLASS(kSensors, FirmwareSensorClass, "VORNSG_FirmwareSensor", "VORNSG_NumericSensor")            \
+  CLASS(kSensors, CoolingDeviceClass, "VORNSG_CoolingDevice", "VORNSG_LogicalDevice")              \
+  CLASS(kSensors, FanClass, "VORNSG_Fan", "VORNSG_CoolingDevice")                                  \
+  CLASS(kSensors, FirmwareCoolingDeviceClass, "VORNSG_FirmwareCoolingDevice",                      \
+        "VORNSG_CoolingDevice")                                                                    \
+  CLASS(kSensors, ThermalCoolingDeviceClass, "VORNSG_ThermalCoolingDevice",                        \
+        "VORNSG_CoolingDevice")                                                                    \
+  CLASS(kSensors, BatteryClass, "VORNSG_Battery", "VORNSG_LogicalDevice")                          \
+  CLASS(kSensors, PowerSupplyClass, "VORNSG_PowerSupply", "VORNSG_LogicalDevice")                  \
+  CLASS(kSensors, AssociatedSensorClass, "VORNSG_AssociatedSensor", "")                            \
+  CLASS(kBuses, SlotClass, "VORNSG_Slot", "VORNSG_PhysicalElement")                                \
+  CLASS(kBuses, USBDeviceClass, "VORNSG_USBDevice", "VORNSG_LogicalDevice")                        \
+  CLASS(kBuses, USBHubClass, "VORNSG_USBHub", "VORNSG_USBDevice")                                  \
+  CLASS(kNetwork, DeviceIdentityClass, "VORNSG_DeviceIdentity", "")                                \
+  CLASS(kDisks, StoragePoolClass, "VORNSG_StoragePool", "")                                        \
+  CLASS(kDisks, PhysicalVolumeClass, "VORNSG_PhysicalVolume", "")                                  \
+  CLASS(kDisks, ConcreteComponentClass, "VORNSG_ConcreteComponent", "")                            \
+  CLASS(kDisks, AllocatedFromStoragePoolClass, "VORNSG_AllocatedFromStoragePool", "")              \
+  CLASS(kDisks, MediaPresentClass, "VORNSG_MediaPresent", "")                                      \
+  CLASS(kDisks, BasedOnClass, "VORNSG_BasedOn", "")                                                \
+  CLASS(kDisks, ControlledByClass, "VORNSG_ControlledBy", "")                                      \
+  CLASS(kDisks, ConcreteIdentityClass, "VORNSG_ConcreteIdentity", "")                              \
+  CLASS(kFileSystems, FileSystemClass, "VORNSG_FileSystem", "")                                    \
+  CLASS(kFileSystems, HostedFileSystemClass, "VORNSG_HostedFileSystem", "")                        \
+  CLASS(kFileSystems, ResidesOnExtentClass, "VORNSG_ResidesOnExtent", "")                          \
+  CLASS(kFileSystems, SwapSpaceClass, "VORNSG_SwapSpace", "")                                      \
+  CLASS(kFileSystems, MountSettingClass, "VORNSG_MountSetting", "")                                \
+  CLASS(kSystem, KernelModuleClass, "VORNSG_KernelModule", "")                                     \
+  CLASS(kSystem, InstalledKernelClass, "VORNSG_InstalledKernel", "")                               \
+  CLASS(kServices, ServiceClass, "VORNSG_Service", "")                                             \
+  CLASS(kServices, TimerServiceClass, "VORNSG_TimerService", "VORNSG_Service")                     \
+  CLASS(kServices, SocketServiceClass, "VORNSG_SocketService", "VORNSG_Service")                   \
+  CLASS(kServices, HostedServiceClass, "VORNSG_HostedService", "")                                 \
+  CLASS(kPackages, SoftwareIdentityClass, "VORNSG_SoftwareIdentity", "")                           \
+  CLASS(kUsers, AccountClass, "VORNSG_Account", "")                                                \
+  CLASS(kUsers, GroupClass, "VORNSG_Group", "")                                                    \
+  CLASS(kUsers, MemberOfCollectionClass, "VORNSG_MemberOfCollection", "")                          \
+  CLASS(kProcesses, UnixProcessClass, "VORNSG_UnixProcess", "")
 
 namespace NVORNQDX20 {
 
-#define QDX_DECLARE(PART, FUNCTION) TClass FUNCTION();
+#define QDX_DECLARE(PART, FUNCTION, NAME, SUPERCLASS) TClass FUNCTION();
 QDX_LINUX_CLASSES(QDX_DECLARE)
 #undef QDX_DECLARE
 
-std::vector<TClass> AllClasses() {
+std::vector<TCatalogueEntry<THost>> AllClasses() {
   // Which machine it is, and what ties the parts together.
   const TPart kAlways;
   const TPart kMachine{"machine"};  // chassis, boards, firmware
@@ -127,15 +131,9 @@ std::vector<TClass> AllClasses() {
   const TPart kPackages{"packages"};
   const TPart kUsers{"users", true};
   const TPart kProcesses{"processes", true};
-  std::vector<TClass> all;
-#define QDX_COUNT(PART, FUNCTION) 0,
-  all.reserve(std::initializer_list<int>{QDX_LINUX_CLASSES(QDX_COUNT)}.size());
-#undef QDX_COUNT
-  // Not by a list in braces, which would copy each class.
-#define QDX_ADD(PART, FUNCTION) all.push_back(FUNCTION().InPart(PART));
-  QDX_LINUX_CLASSES(QDX_ADD)
-#undef QDX_ADD
-  return all;
+#define QDX_ENTRY(PART, FUNCTION, NAME, SUPERCLASS) {NAME, SUPERCLASS, PART, FUNCTION},
+  return {QDX_LINUX_CLASSES(QDX_ENTRY)};
+#undef QDX_ENTRY
 }
 
 }  // namespace NVORNQDX20

@@ -4,6 +4,7 @@
 #ifndef PLUGINS_LINUX_CLASSES_CATALOGUE_H_
 #define PLUGINS_LINUX_CLASSES_CATALOGUE_H_
 
+#include <qdxdescribe/catalogue.h>
 #include <qdxdescribe/table.h>
 
 #include <vector>
@@ -17,7 +18,7 @@ template <typename TSource>
 using THostTable = TTable<TSource, THost>;
 
 /// Returns the classes in the order in which they are described.
-std::vector<TClass> AllClasses();
+std::vector<TCatalogueEntry<THost>> AllClasses();
 
 }  // namespace NVORNQDX20
 

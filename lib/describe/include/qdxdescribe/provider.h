@@ -9,12 +9,12 @@
 
 #include <qdxcore/parts.h>
 #include <qdxcore/registry.h>
+#include <qdxdescribe/catalogue.h>
 #include <qdxdescribe/files.h>
 #include <qdxdescribe/table.h>
 
 #include <cstddef>
 #include <functional>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -83,15 +83,16 @@ std::vector<const TClassDeclaration*> DeclarationsOf(const std::vector<TClassOf<
 /// REQUIRES: the classes are checked.
 template <typename THost>
 boost::shared_ptr<ICIMNamespace> DescribeChecked(const TDescriber& describer,
-                                                 const std::vector<TClassOf<THost>>& classes,
+                                                 const std::vector<const TClassOf<THost>*>& classes,
                                                  const THost& host, const TOptionsMap& options,
                                                  TDescriber::EExplains explains) {
   std::vector<TDescriber::TStep> steps;
-  for (const TClassOf<THost>& each : classes) {
-    steps.push_back({&each.fDeclaration, &each.fColumns, nullptr});
-    if (!each.fDescribe) continue;
-    steps.back().fDescribe = [&each, &host](const ICIMNamespace& ns, IInstanceSink& sink) {
-      each.fDescribe(host, ns, sink);
+  steps.reserve(classes.size());
+  for (const TClassOf<THost>* each : classes) {
+    steps.push_back({&each->fDeclaration, &each->fColumns, nullptr});
+    if (!each->fDescribe) continue;
+    steps.back().fDescribe = [each, &host](const ICIMNamespace& ns, IInstanceSink& sink) {
+      each->fDescribe(host, ns, sink);
     };
   }
   return describer.Describe(steps, options, explains);
@@ -116,7 +117,10 @@ boost::shared_ptr<ICIMNamespace> Describe(
     const TOptionsMap& options = {},
     TDescriber::EExplains explains = TDescriber::EExplains::kIfMissing) {
   CheckRelations(NDetail::DeclarationsOf(classes));
-  return NDetail::DescribeChecked(describer, classes, host, options, explains);
+  std::vector<const TClassOf<THost>*> all;
+  all.reserve(classes.size());
+  for (const TClassOf<THost>& each : classes) all.push_back(&each);
+  return NDetail::DescribeChecked(describer, all, host, options, explains);
 }
 
 /// Whether a provider checks its classes when it registers. One whose tests do that need not do it
@@ -127,11 +131,11 @@ enum class EClassCheck { kWhenRegistered, kByTests };
 template <typename THost>
 class TTableProvider final : public INamespaceProvider, public IPartsOfProvider {
  public:
-  TTableProvider(const TDescriber& describer, std::vector<TClassOf<THost>> classes,
+  TTableProvider(const TDescriber& describer, TCatalogue<THost> classes,
                  EClassCheck check = EClassCheck::kWhenRegistered)
       : fDescriber(describer), fClasses(std::move(classes)) {
     fDescriber.CheckNames();
-    if (check == EClassCheck::kWhenRegistered) CheckClasses(fClasses);
+    if (check == EClassCheck::kWhenRegistered) fClasses.Check();
   }
 
   const std::string& GetName(TOptionsMap) const override { return fDescriber.GetProviderName(); }
@@ -140,8 +144,8 @@ class TTableProvider final : public INamespaceProvider, public IPartsOfProvider 
   boost::shared_ptr<ICIMNamespace> GetNamespace(const std::string& name,
                                                 TOptionsMap options) override {
     const TRequest request = fDescriber.MakeRequest(name, std::move(options));
-    return NDetail::DescribeChecked(fDescriber, fClasses, THost(request), request.fOptions,
-                                    TDescriber::EExplains::kAlways);
+    return NDetail::DescribeChecked(fDescriber, fClasses.Wanted(request.fOptions), THost(request),
+                                    request.fOptions, TDescriber::EExplains::kAlways);
   }
 
   void EnumerateNamespaceNames(const TNamespaceNameCallback& callback, TOptionsMap) override {
@@ -150,16 +154,14 @@ class TTableProvider final : public INamespaceProvider, public IPartsOfProvider 
 
   /// In the order of the classes.
   void EnumerateParts(const TPartCallback& callback) const override {
-    std::set<std::string> known = {""};
-    for (const TClassOf<THost>& each : fClasses) {
-      const TPart& part = each.fDeclaration.fPart;
-      if (known.insert(part.fName).second && !callback(part.fName, part.fIsOnRequest)) return;
+    for (const TPart& part : fClasses.Parts()) {
+      if (!callback(part.fName, part.fIsOnRequest)) return;
     }
   }
 
  private:
   const TDescriber fDescriber;
-  const std::vector<TClassOf<THost>> fClasses;
+  TCatalogue<THost> fClasses;
 };
 
 /// Returns a provider with this name. The classes are in the order in which they are described: a
@@ -172,8 +174,18 @@ template <typename THost = TRequest>
 boost::shared_ptr<INamespaceProvider> MakeProvider(
     const std::string& provider, const std::string& ns, std::vector<TClassOf<THost>> classes,
     EClassCheck check = EClassCheck::kWhenRegistered) {
-  return boost::make_shared<TTableProvider<THost>>(TDescriber(provider, ns), std::move(classes),
-                                                   check);
+  return boost::make_shared<TTableProvider<THost>>(TDescriber(provider, ns),
+                                                   TCatalogue<THost>(std::move(classes)), check);
+}
+
+/// The same for a provider of many classes, which are made when a caller first wants them.
+template <typename THost = TRequest>
+boost::shared_ptr<INamespaceProvider> MakeCatalogueProvider(
+    const std::string& provider, const std::string& ns,
+    const std::vector<TCatalogueEntry<THost>>& classes,
+    EClassCheck check = EClassCheck::kWhenRegistered) {
+  return boost::make_shared<TTableProvider<THost>>(TDescriber(provider, ns),
+                                                   TCatalogue<THost>(classes), check);
 }
 
 }  // namespace NVORNQDX20::NDescribe
