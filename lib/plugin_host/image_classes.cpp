@@ -100,13 +100,17 @@ const TWrittenClass& TImageWriter::Written(const TClass& named) {
     written.fMembers = above.fMembers;
     written.fPositions = above.fPositions;
   }
-  for (const auto& [decl, isKey] : NModel::PropertiesOf(*cimClass)) {
-    written.Add({decl->GetName(), decl->GetType(), isKey});
+  const TDecls decls = NModel::OwnPropertyDeclsOf(*cimClass);
+  for (const auto& decl : decls) {
+    written.Add({decl->GetName(), decl->GetType(), NModel::IsQualified(*decl, "Key")});
   }
-  // Twice: the first time writes what the class needs, which takes numbers before its own.
-  (void)RecordOf(*cimClass, superclass, kRehearsal);
+  // The first time writes what the class needs, which takes numbers before its own.
+  const bool wasFinal = std::exchange(fIsFinal, true);
+  std::string record = RecordOf(*cimClass, superclass, decls, kRehearsal);
+  const bool isFinal = std::exchange(fIsFinal, wasFinal);
   const std::uint64_t number = fClassCount++;
-  Append(RecordOf(*cimClass, superclass, number));
+  if (!isFinal) record = RecordOf(*cimClass, superclass, decls, number);
+  Append(record);
   if (fClassCount != number + 1) {
     throw TExplainedException(kQDXStatusInvalidClass,
                               "class " + name + " changes while it is read");
@@ -167,7 +171,7 @@ const TWrittenClass* TImageWriter::Written(std::uint64_t ns, const TCIMReference
 }
 
 std::string TImageWriter::RecordOf(const ICIMClass& cimClass, const TClass& superclass,
-                                   std::uint64_t ownNumber) {
+                                   const TDecls& decls, std::uint64_t ownNumber) {
   fOwnNumber = ownNumber;
   const bool rehearsed = std::exchange(fRehearses, ownNumber == kRehearsal);
   std::string record(1, static_cast<char>(kClass));
@@ -175,7 +179,6 @@ std::string TImageWriter::RecordOf(const ICIMClass& cimClass, const TClass& supe
   PutText(record, cimClass.GetName({}));
   PutNumber(record, superclass ? NumberOf(superclass) + 1 : 0);
   PutQualifiers(record, cimClass);
-  const auto decls = NModel::OwnPropertyDeclsOf(cimClass);
   PutNumber(record, decls.size());
   for (const auto& decl : decls) {
     const TCIMValue& value = decl->GetDefaultValue();
@@ -186,6 +189,7 @@ std::string TImageWriter::RecordOf(const ICIMClass& cimClass, const TClass& supe
         value.IsReference() && (!value.IsNull() || (target && IsWaitedFor(*target)));
     if (isLate && !fRehearses) fLateDefaults.push_back({ownNumber, decl});
     if (isLate || (value.IsNull() && value.IsReference() && !target)) {
+      fIsFinal = false;
       // It has to name a class, whichever.
       PutNumber(record, value.GetType());
       record += static_cast<char>(kNullReference);

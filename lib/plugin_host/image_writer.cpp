@@ -7,6 +7,7 @@
 #include <qdxmodel/type.h>
 #include <qdxplugin_host/image.h>
 
+#include <optional>
 #include <utility>
 
 #include "image_format.h"
@@ -114,7 +115,7 @@ void TImageWriter::PutNull(std::string& out, const TCIMValue& value) {
 }
 
 std::uint64_t TImageWriter::NumberOfReferenced(const TClass& target) {
-  if (IsBeingDeclared(*target)) return fOwnNumber;
+  if (IsBeingDeclared(*target)) return OwnNumber();
   const std::string& name = target->GetName({});
   if (fClasses[0].count(name) != 0 || FindClass(name)) return NumberOf(target);
   const TWrittenClass* const other =
@@ -122,7 +123,13 @@ std::uint64_t TImageWriter::NumberOfReferenced(const TClass& target) {
   return other != nullptr ? *other->fNumber : NumberOf(target);
 }
 
-void TImageWriter::Lose(TLosses& losses, const std::string& where) const {
+std::uint64_t TImageWriter::OwnNumber() {
+  fIsFinal = false;
+  return fOwnNumber;
+}
+
+void TImageWriter::Lose(TLosses& losses, const std::string& where) {
+  fIsFinal = false;
   if (!fRehearses) losses.Add(where);
 }
 
@@ -134,7 +141,7 @@ void TImageWriter::PutReference(std::string& out, const TCIMReferenceImpl& refer
       !ns || ns.get() == &fNamespace || NModel::EqualIgnoringCase(ns->GetName({}), fName);
   if (isOwn && IsBeingDeclared(*cimClass) && reference.GetKeyBindings().empty()) {
     out += static_cast<char>(kPresent);
-    PutNumber(out, fOwnNumber);
+    PutNumber(out, OwnNumber());
     return PutNumber(out, 0);
   }
   if (isOwn && !fDeclaring.empty() && (IsBeingDeclared(*cimClass) || IsWaitedFor(*cimClass))) {
@@ -166,28 +173,25 @@ void TImageWriter::PutReference(std::string& out, const TCIMReferenceImpl& refer
 
 void TImageWriter::WriteInstances(const TClass& cimClass) {
   const TWrittenClass& written = Written(cimClass);
-  NModel::TPropertyReader reader(*cimClass);
-  const auto& properties = reader.GetProperties();
-  std::string record(1, static_cast<char>(kInstancesOf));
-  PutNumber(record, *written.fNumber);
-  PutNumber(record, properties.size());
-  for (const auto& property : properties) {
-    PutNumber(record, written.fPositions.at(property.fName));
-  }
-  bool isFirst = true;
+  std::optional<NModel::TPropertyReader> reader;  // many classes have no instances
+  std::string record;
   NModel::ForEachInstance(*cimClass, [&](const ICIMInstance& instance) {
-    if (std::exchange(isFirst, false)) Append(record);
+    if (!reader) {
+      reader.emplace(*cimClass);
+      AppendColumns(written, *reader);
+    }
+    const auto& properties = reader->GetProperties();
     record.assign(1, static_cast<char>(kInstance));
-    reader.Begin(instance);
+    reader->Begin(instance);
     bool isNamed = true;
     for (std::size_t i = 0; i < properties.size(); ++i) {
       const auto& property = properties[i];
       const std::size_t content = record.size();
       TPlainValue plain;
-      if (reader.FindPlain(i, plain)) {
+      if (reader->FindPlain(i, plain)) {
         PutPlain(record, plain, property.fType);
       } else {
-        reader.Read(i, [&](const TCIMValue& value) {
+        reader->Read(i, [&](const TCIMValue& value) {
           PutContent(record, value, property.fType, property.fName);
         });
       }
@@ -199,6 +203,18 @@ void TImageWriter::WriteInstances(const TClass& cimClass) {
       Lose(fUnnamed, cimClass->GetName({}));
     }
   });
+}
+
+void TImageWriter::AppendColumns(const TWrittenClass& written,
+                                 const NModel::TPropertyReader& reader) {
+  const auto& properties = reader.GetProperties();
+  std::string record(1, static_cast<char>(kInstancesOf));
+  PutNumber(record, *written.fNumber);
+  PutNumber(record, properties.size());
+  for (const auto& property : properties) {
+    PutNumber(record, written.fPositions.at(property.fName));
+  }
+  Append(record);
 }
 
 std::vector<std::string> WriteImage(const ICIMNamespace& ns,

@@ -7,6 +7,7 @@
 #include <qdxcore/interfaces.h>
 #include <qdxcore/reference.h>
 #include <qdxmodel/names.h>
+#include <qdxmodel/property_reader.h>
 
 #include <cstdint>
 #include <deque>
@@ -52,7 +53,9 @@ class TImageWriter {
 
   /// Returns the class after writing it if it is not written yet, with all that it needs before it.
   const TWrittenClass& Written(const TClass& named);
-  std::string RecordOf(const ICIMClass& cimClass, const TClass& superclass,
+  using TDecls = std::vector<boost::shared_ptr<ICIMPropertyDecl>>;
+  /// `decls` are the properties of the class without inherited ones.
+  std::string RecordOf(const ICIMClass& cimClass, const TClass& superclass, const TDecls& decls,
                        std::uint64_t ownNumber);
   template <typename TQualified>
   void PutQualifiers(std::string& record, const TQualified& element);
@@ -84,12 +87,17 @@ class TImageWriter {
   /// Until then such properties refer to their own class. To write one may write other classes, and
   /// add to the late defaults.
   void WriteLateDefaults();
-  void Lose(TLosses& losses, const std::string& where) const;
+  void Lose(TLosses& losses, const std::string& where);
+
+  /// The number of the class that is being declared, which is unknown in a rehearsal.
+  std::uint64_t OwnNumber();
 
   /// A class may refer to itself before it is declared.
   bool IsBeingDeclared(const ICIMClass& cimClass) const;
   void PutReference(std::string& out, const TCIMReferenceImpl& reference, const std::string& where);
   void WriteInstances(const TClass& cimClass);
+  /// Which properties the instances that follow have.
+  void AppendColumns(const TWrittenClass& written, const NModel::TPropertyReader& reader);
 
   const ICIMNamespace& fNamespace;
   const std::string fName;
@@ -112,6 +120,7 @@ class TImageWriter {
   std::vector<std::string> fDeclaring;             // classes that are being written
   static constexpr std::uint64_t kRehearsal = static_cast<std::uint64_t>(-1);
   bool fRehearses = false;       // a record that is not appended
+  bool fIsFinal = true;          // what it has is not other than what would be appended
   std::uint64_t fOwnNumber = 0;  // of the last of them
   std::size_t fReferenceDepth = 0;
   std::size_t fOthersDepth = 0;  // of classes in other namespaces that need one another
