@@ -5,6 +5,8 @@
 #include <qdxsystem/utf8.h>
 
 #include <algorithm>
+#include <cstring>
+#include <utility>
 
 namespace NVORNQDX20::NPluginHost {
 namespace {
@@ -42,13 +44,20 @@ void TImageInput::Fill(std::size_t size) {
 }
 
 bool TImageInput::Refill() {
-  fBuffer.erase(0, fBuffer.size() - fBytes.size());
-  const std::size_t left = fBuffer.size();
+  const std::size_t left = fBytes.size();
   // Twice as much each time, so that a long text is not moved too often.
-  fBuffer.resize(left + std::max(kAtOnce, left));
-  const std::size_t count = fRead(fBuffer.data() + left, fBuffer.size() - left);
-  fBuffer.resize(left + count);
-  fBytes = fBuffer;
+  const std::size_t wanted = left + std::max(kAtOnce, left);
+  if (fCapacity < wanted) {
+    std::unique_ptr<char[]> larger(new char[wanted]);  // not initialised: most images are short
+    std::copy_n(fBytes.data(), left, larger.get());
+    fBuffer = std::move(larger);
+    fCapacity = wanted;
+  } else {
+    std::memmove(fBuffer.get(), fBytes.data(), left);
+  }
+  fBytes = {fBuffer.get(), left};
+  const std::size_t count = fRead(fBuffer.get() + left, fCapacity - left);
+  fBytes = {fBuffer.get(), left + count};
   fOffset += count;
   return count != 0;
 }

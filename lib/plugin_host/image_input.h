@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <limits>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -58,7 +59,8 @@ class TImageInput {
 
   const std::function<std::size_t(char*, std::size_t)>& fRead;
   std::size_t fRoom;
-  std::string fBuffer;
+  std::unique_ptr<char[]> fBuffer;
+  std::size_t fCapacity = 0;
   std::string_view fBytes;  // of fBuffer, that are not taken yet
   std::string fReplacing;   // the last text in which something was replaced
   std::size_t fReplaced = 0;
