@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxsystem/zone_generation.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -11,104 +12,102 @@
 namespace NVORNQDX20 {
 namespace {
 
-constexpr char kName[] = "TZ=";
+/// Returns the text of TZ, or null. Takes less time than getenv(), which looks for any name.
+const char* FindZone() {
+  if (environ == nullptr) return nullptr;
+  for (char** entry = environ; *entry != nullptr; ++entry) {
+    const char* const text = *entry;
+    if (text[0] == 'T' && text[1] == 'Z' && text[2] == '=') return text + 3;
+  }
+  return nullptr;
+}
 
-bool IsZone(const char* entry) { return std::strncmp(entry, kName, sizeof kName - 1) == 0; }
-
-/// getenv() visits every entry of the environment when TZ is not set, and there can be hundreds.
-/// Comparing the addresses of the entries with those of the last visit takes a third of that time.
+/// Looks up TZ each time: it can be an entry of the caller's own, whose text changes in place, and
+/// so can the name of any other entry.
 class TZoneWatch {
  public:
-  std::uint32_t Generation() {
-    if (!HasSameEntries()) ReadEntries();
-    if (fState == kUnset && IsFileReplaced()) Advance();
-    return fState == kUnknown ? 0 : fGeneration;
+  std::uint32_t Generation(bool looksAtFileNow) {
+    const char* const zone = FindZone();
+    if (!IsKept(zone)) {
+      Keep(zone);
+    } else if (looksAtFileNow || std::time(nullptr) != fSecond) {
+      LookAtFile();
+    }
+    return fState == kUnset || fState == kSet ? fGeneration : 0;
   }
-
-  bool IsFromFile() const { return fState == kUnset; }
 
  private:
-  enum TState { kUnknown, kUnset, kSet };
-  static constexpr std::size_t kMaxCount = 1024;
+  enum TState {
+    kUnknown,
+    kUnset,
+    kSet,
+    kReplaced  // TZ is set, and its file was replaced since
+  };
 
-  /// Returns whether TZ is what it was. The text of its entry can change in place, since the entry
-  /// can be the caller's own; that another entry takes its name in place is not noticed.
-  bool HasSameEntries() const {
-    if (fCount == 0 || environ != fEnvironment ||
-        std::memcmp(environ, fEntries, fCount * sizeof *fEntries) != 0) {
-      return false;
-    }
-    if (fState == kSet) return std::strcmp(fEntries[fCount - 1], fText) == 0;
-    // New entries come last, perhaps at the address of one that was freed.
-    return fCount == 1 || !IsZone(fEntries[fCount - 2]);
+  bool IsKept(const char* zone) const {
+    if (fState == kUnset) return zone == nullptr;
+    return fState != kUnknown && zone != nullptr && std::strcmp(zone, fText) == 0;
   }
 
-  __attribute__((noinline)) void ReadEntries() {
-    fEnvironment = environ;
-    fCount = 0;
-    const char* zone = nullptr;
-    std::size_t count = 0;
-    for (char** entry = environ; entry != nullptr && *entry != nullptr && zone == nullptr;
-         ++entry) {
-      if (IsZone(*entry)) zone = *entry;
-      if (count < kMaxCount) fEntries[count] = *entry;
-      ++count;
-    }
-    if (zone == nullptr && environ != nullptr && count < kMaxCount) fEntries[count] = nullptr;
-    SetText(zone);
-    if (zone == nullptr) ++count;  // the null at the end
-    if (environ != nullptr && count <= kMaxCount && fState != kUnknown) fCount = count;
-  }
-
-  /// `zone` is the entry of TZ, or null.
-  void SetText(const char* zone) {
-    const TState last = fState;
+  /// `zone` is the text of TZ, or null.
+  __attribute__((noinline)) void Keep(const char* zone) {
+    fState = kUnknown;
+    if (++fGeneration == 0) fGeneration = 1;
     if (zone == nullptr) {
+      std::strcpy(fPath, "/etc/localtime");
       fState = kUnset;
-      if (last != kUnset) Advance();
+    } else if (std::strlen(zone) < sizeof fText && FindPath(zone)) {
+      std::strcpy(fText, zone);
+      fState = kSet;
+    }
+    if (fState != kUnknown) ReadFile();
+  }
+
+  /// Finds the file that the C library looks for. There is none if the text describes the zone.
+  bool FindPath(const char* zone) {
+    if (*zone == ':') ++zone;
+    if (*zone == '\0') zone = "Universal";
+    const char* folder = std::getenv("TZDIR");
+    if (folder == nullptr || *folder == '\0') folder = "/usr/share/zoneinfo";
+    const int size = *zone == '/' ? std::snprintf(fPath, sizeof fPath, "%s", zone)
+                                  : std::snprintf(fPath, sizeof fPath, "%s/%s", folder, zone);
+    return size >= 0 && static_cast<std::size_t>(size) < sizeof fPath;
+  }
+
+  __attribute__((noinline)) void LookAtFile() {
+    const struct stat last = fFile;
+    ReadFile();
+    if (fFile.st_dev == last.st_dev && fFile.st_ino == last.st_ino &&
+        fFile.st_mtim.tv_sec == last.st_mtim.tv_sec &&
+        fFile.st_mtim.tv_nsec == last.st_mtim.tv_nsec) {
       return;
     }
-    if (last == kSet && std::strcmp(zone, fText) == 0) return;
-    const std::size_t size = std::strlen(zone) + 1;
-    fState = size <= sizeof fText ? kSet : kUnknown;
-    if (fState == kSet) std::memcpy(fText, zone, size);
-    Advance();
+    if (fState != kUnset) {
+      fState = kReplaced;
+    } else if (++fGeneration == 0) {
+      fGeneration = 1;
+    }
   }
 
-  bool IsFileReplaced() {
-    const std::time_t now = std::time(nullptr);
-    return now != fSecond && IsFileReplacedSince(now);
-  }
-
-  __attribute__((noinline)) bool IsFileReplacedSince(std::time_t now) {
-    fSecond = now;
-    const struct stat last = fFile;
-    if (::stat("/etc/localtime", &fFile) != 0) fFile = {};
-    return fFile.st_dev != last.st_dev || fFile.st_ino != last.st_ino ||
-           fFile.st_mtim.tv_sec != last.st_mtim.tv_sec ||
-           fFile.st_mtim.tv_nsec != last.st_mtim.tv_nsec;
-  }
-
-  void Advance() {
-    if (++fGeneration == 0) fGeneration = 1;
+  void ReadFile() {
+    fSecond = std::time(nullptr);
+    if (::stat(fPath, &fFile) != 0) fFile = {};
   }
 
   std::uint32_t fGeneration = 0;
   TState fState = kUnknown;
-  char fText[256] = {};  // the entry, name included
-  std::time_t fSecond = 0;
+  char fText[256] = {};
+  char fPath[512] = {};
+  std::time_t fSecond = 0;  // of the last look at the file
   struct stat fFile = {};
-  char** fEnvironment = nullptr;
-  std::size_t fCount = 0;  // of the entries up to TZ, or the null; 0 if they are not remembered
-  char* fEntries[kMaxCount] = {};
 };
 
 thread_local TZoneWatch gWatch;
 
 }  // namespace
 
-std::uint32_t ZoneGeneration() { return gWatch.Generation(); }
+std::uint32_t ZoneGeneration() { return gWatch.Generation(false); }
 
-bool IsZoneFromFile() { return gWatch.IsFromFile(); }
+std::uint32_t ZoneGenerationNow() { return gWatch.Generation(true); }
 
 }  // namespace NVORNQDX20

@@ -85,16 +85,20 @@ class TZoneFacts {
   /// Returns whether mktime() accepts every reading of the wall clock from three days before to
   /// three days after this one, and subtracts the same seconds from each, so that they are ordered
   /// like their instants. A reading is in seconds since 1970 without daylight saving.
-  bool IsSteadyAround(std::int64_t reading) {
-    return fZone != 0 && Find(reading).fSubtracted != kVarying;
+  bool IsSteadyAround(std::int64_t reading) { return SubtractedAround(reading) != kVarying; }
+
+  /// Returns the seconds that mktime() subtracts, or kVarying unless IsSteadyAround(reading).
+  std::int32_t SubtractedAround(std::int64_t reading) {
+    return fZone == 0 ? kVarying : Find(reading);
   }
 
-  /// Returns the seconds that mktime() subtracts. REQUIRES: IsSteadyAround(reading).
-  std::int32_t SubtractedAt(std::int64_t reading) { return Find(reading).fSubtracted; }
+  /// Results with the same number are of the same zone.
+  std::uint32_t Zone() const { return fZone; }
+
+  static constexpr std::int32_t kVarying = std::numeric_limits<std::int32_t>::min();
 
  private:
   static constexpr std::size_t kStretches = 2048;  // 68 years
-  static constexpr std::int32_t kVarying = std::numeric_limits<std::int32_t>::min();
 
   struct TStretch {
     std::uint32_t fZone;
@@ -102,18 +106,21 @@ class TZoneFacts {
     std::int32_t fSubtracted;  // or kVarying
   };
 
-  const TStretch& Find(std::int64_t reading) {
+  std::int32_t Find(std::int64_t reading) {
     const auto number =
         static_cast<std::uint32_t>((reading + kStretchesBefore1970 * kStretch) / kStretch);
     TStretch& stretch = fStretches[number % kStretches];
-    if (stretch.fZone != fZone || stretch.fNumber != number) Examine(stretch, number);
-    return stretch;
+    if (stretch.fZone == fZone && stretch.fNumber == number) return stretch.fSubtracted;
+    return Examine(stretch, number);
   }
 
-  __attribute__((noinline)) void Examine(TStretch& stretch, std::uint32_t number) const {
+  __attribute__((noinline)) std::int32_t Examine(TStretch& stretch, std::uint32_t number) {
     ::tzset();  // localtime_r() does not check for a changed zone
     const std::int64_t first = (number - kStretchesBefore1970) * kStretch - kMargin;
     stretch = {fZone, number, FindSubtracted(first, first + kStretch + 2 * kMargin)};
+    // The C library reads a replaced file at once: what it has shown may be of the next zone.
+    fZone = ZoneGenerationNow();
+    return stretch.fZone == fZone ? stretch.fSubtracted : kVarying;
   }
 
   /// One sample per day is enough: no zone has ever changed and changed back within three days.
@@ -179,7 +186,7 @@ std::int64_t TWallClock::CallMktime() const {
   return std::mktime(&fields);
 }
 
-std::int64_t TWallClock::InstantByMktime() const {
+std::int64_t TWallClock::Instant() const {
   const std::int64_t instant = CallMktime();
   if (instant == -1) throw TQDXException(kQDXStatusInvalidDateTime);
   return instant;
@@ -188,49 +195,48 @@ std::int64_t TWallClock::InstantByMktime() const {
 bool TWallClock::IsConvertible() const { return IsConvertible(TZoneFacts::OfThisThread()); }
 
 bool TWallClock::IsConvertible(TZoneFacts& zone) const {
-  return IsSurelyConvertible(zone) || CallMktime() != -1;
+  return (IsFarFromEpoch() && zone.IsSteadyAround(fSecondsAtUTC)) || CallMktime() != -1;
 }
 
-inline bool TWallClock::IsSurelyConvertible(TZoneFacts& zone) const {
-  return std::abs(fSecondsAtUTC) > kZoneReach && zone.IsSteadyAround(fSecondsAtUTC);
+inline bool TWallClock::IsFarFromEpoch() const { return std::abs(fSecondsAtUTC) > kZoneReach; }
+
+/// The exception are zones with leap seconds, where seconds that carry over give a different
+/// instant.
+inline std::int32_t TWallClock::SubtractedIn(TZoneFacts& zone) const {
+  return fSecond < 60 && IsFarFromEpoch() ? zone.SubtractedAround(fSecondsAtUTC)
+                                          : TZoneFacts::kVarying;
 }
 
-/// Around a steady offset, nearby readings are ordered like their instants. The exception are zones
-/// with leap seconds, where seconds that carry over give a different instant.
-inline bool TWallClock::IsOrderedLikeInstants(TZoneFacts& zone) const {
-  return fSecond < 60 && IsSurelyConvertible(zone);
-}
-
-std::int64_t TWallClock::Instant() const {
-  TZoneFacts& zone = TZoneFacts::OfThisThread();
-  // Only mktime() looks at the file of the zone in the same moment as localtime_r().
-  if (IsZoneFromFile() || !IsOrderedLikeInstants(zone)) return InstantByMktime();
-  ::tzset();  // localtime_r() does not check for a changed zone
-  return fSecondsAtUTC - zone.SubtractedAt(fSecondsAtUTC);
+inline std::optional<std::int64_t> TWallClock::FindSecondsSince(const TWallClock& other,
+                                                                TZoneFacts& zone) const {
+  const std::uint32_t first = zone.Zone();
+  const std::int64_t subtracted = SubtractedIn(zone);
+  const std::int64_t subtractedFromOther = other.SubtractedIn(zone);
+  if (subtracted == TZoneFacts::kVarying || subtractedFromOther == TZoneFacts::kVarying ||
+      zone.Zone() != first) {
+    return std::nullopt;
+  }
+  return (fSecondsAtUTC - subtracted) - (other.fSecondsAtUTC - subtractedFromOther);
 }
 
 std::int64_t TWallClock::SecondsSince(const TWallClock& other) const {
-  TZoneFacts& zone = TZoneFacts::OfThisThread();
-  if (!IsOrderedLikeInstants(zone) || !other.IsOrderedLikeInstants(zone)) {
-    return InstantByMktime() -
-           other.InstantByMktime();  // not one of each: the file can be replaced
-  }
-  return (fSecondsAtUTC - zone.SubtractedAt(fSecondsAtUTC)) -
-         (other.fSecondsAtUTC - zone.SubtractedAt(other.fSecondsAtUTC));
+  const auto seconds = FindSecondsSince(other, TZoneFacts::OfThisThread());
+  return seconds ? *seconds : Instant() - other.Instant();
 }
 
 int TWallClock::Compare(const TWallClock& other) const {
   TZoneFacts& zone = TZoneFacts::OfThisThread();
-  std::int64_t difference = fSecondsAtUTC - other.fSecondsAtUTC;
-  if (!IsOrderedLikeInstants(zone) || !other.IsOrderedLikeInstants(zone)) {
-    if (std::abs(difference) <= 2 * kZoneReach) {
-      difference = InstantByMktime() - other.InstantByMktime();
+  auto seconds = FindSecondsSince(other, zone);
+  if (!seconds) {
+    seconds = fSecondsAtUTC - other.fSecondsAtUTC;
+    if (std::abs(*seconds) <= 2 * kZoneReach) {
+      seconds = Instant() - other.Instant();
     } else if (!IsConvertible(zone) || !other.IsConvertible(zone)) {
       // Further apart than any two offsets.
       throw TQDXException(kQDXStatusInvalidDateTime);
     }
   }
-  return (difference > 0) - (difference < 0);
+  return (*seconds > 0) - (*seconds < 0);
 }
 
 }  // namespace NVORNQDX20

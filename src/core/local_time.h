@@ -4,6 +4,7 @@
 #define SRC_CORE_LOCAL_TIME_H_
 
 #include <cstdint>
+#include <optional>
 
 namespace NVORNQDX20 {
 
@@ -14,7 +15,8 @@ class TZoneFacts;
 ///
 /// mktime() fails for the instant -1, and for readings that standard time skips when a zone's
 /// offset from UTC changes. It is slow, since it checks for a changed zone each time, so it is only
-/// called where it can fail, or near a change of the zone's offset.
+/// called where it can fail, near a change of the zone's offset, and for the instant itself, which
+/// localtime_r() reads in the zone that the C library has by then.
 class TWallClock {
  public:
   TWallClock(std::uint16_t year, std::uint16_t month, std::uint32_t day, std::uint16_t hour,
@@ -36,10 +38,12 @@ class TWallClock {
 
  private:
   std::int64_t CallMktime() const;
-  std::int64_t InstantByMktime() const;
   bool IsConvertible(TZoneFacts& zone) const;
-  bool IsSurelyConvertible(TZoneFacts& zone) const;
-  bool IsOrderedLikeInstants(TZoneFacts& zone) const;
+  bool IsFarFromEpoch() const;
+  /// Returns the seconds that mktime() subtracts, or TZoneFacts::kVarying if it must be called.
+  std::int32_t SubtractedIn(TZoneFacts& zone) const;
+  /// Returns what SecondsSince returns, or nothing if mktime() must be called.
+  std::optional<std::int64_t> FindSecondsSince(const TWallClock& other, TZoneFacts& zone) const;
 
   std::int64_t fSecondsAtUTC;  // the instant if the local zone were UTC
   int fYear;

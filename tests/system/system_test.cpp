@@ -160,7 +160,18 @@ TEST(ZoneGeneration, ChangesWithTheFileOfTheZoneUnlessTZIsSet) {
   EXPECT_EQ(ZoneGeneration(), first);
   gLocaltime = 2;
   ::usleep(1100000);
-  EXPECT_NE(ZoneGeneration(), first);
+  const std::uint32_t second = ZoneGeneration();
+  EXPECT_NE(second, first);
+  gLocaltime = 4;
+  const std::uint32_t noticed = ZoneGenerationNow();
+  EXPECT_NE(noticed, second);
+  EXPECT_EQ(ZoneGeneration(), noticed);
+  // Where TZ is set, the C library reads a replaced file again at a time of its own.
+  ::setenv("TZ", ":/etc/localtime", 1);
+  EXPECT_NE(ZoneGenerationNow(), 0U);
+  gLocaltime = 5;
+  EXPECT_EQ(ZoneGenerationNow(), 0U);
+  EXPECT_EQ(ZoneGenerationNow(), 0U);
   ::setenv("TZ", "UTC", 1);
   const std::uint32_t set = ZoneGeneration();
   gLocaltime = 3;

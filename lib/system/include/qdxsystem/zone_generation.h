@@ -11,12 +11,13 @@ namespace NVORNQDX20 {
 /// this thread got if TZ has another text, or if TZ is not set and /etc/localtime was replaced.
 /// Such a file is noticed within a second. Allocates nothing.
 ///
-/// Returns 0 if TZ has a text that is too long to be remembered: nothing can be kept for it.
+/// Returns 0 if nothing can be kept: TZ has a text that is too long to be remembered, or it is set
+/// and its file was replaced since. The C library reads that file again at some time that cannot be
+/// known.
 std::uint32_t ZoneGeneration();
 
-/// Returns whether the zone was that of /etc/localtime at this thread's last call of
-/// ZoneGeneration(), which may then be a second later than the C library.
-bool IsZoneFromFile();
+/// Does the same, but looks at the file now.
+std::uint32_t ZoneGenerationNow();
 
 }  // namespace NVORNQDX20
 
