@@ -93,7 +93,7 @@ TEST_F(StoreVerbs, WritesForPrograms) {
   EXPECT_EQ(history["changes"][1], TJSON::parse(R"({"time": "2026-11-02T12:00:00Z",
     "after": "2026-11-01T12:00:00Z", "change": "added", "namespace": "root/cimv2",
     "class": "VORNSG_DiskDrive", "object": "sdb", "property": "DeviceID", "old": null,
-    "new": "sdb"})"));
+    "new": "sdb", "reason": null})"));
   const TJSON hosts = JSONOf({"hosts"});
   ASSERT_EQ(hosts["hosts"].size(), 3U);
   EXPECT_EQ(hosts["hosts"][0]["host"], "web1");

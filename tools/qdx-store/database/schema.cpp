@@ -58,7 +58,8 @@ const std::vector<std::vector<std::string>>& Migrations() {
           // When the store got the document: hosts whose clocks are wrong stand out.
           "ALTER TABLE document ADD COLUMN added BIGINT",
       },
-      {}  // views only
+      {},  // views only
+      {}   // views only
   };
   return migrations;
 }

@@ -52,11 +52,17 @@ std::string FactsQuery() {
          " JOIN string AS s ON s.id = k.value";
 }
 
+const std::string kMissingColumns = "SELECT " + kHostColumns + ", " + kNamesOfKey +
+                                    ", r.reason, r.is_error, @TIME(k.since) AS valid_from";
+const std::string kMissingTables = " FROM gap AS k JOIN host AS h ON h.id = k.host" +
+                                   std::string(kJoinsOfKey) + " JOIN reason AS r ON r.id = k.value";
+
 std::string MissingQuery() {
-  return "SELECT " + kHostColumns + ", " + kNamesOfKey +
-         ", r.reason, r.is_error, @TIME(k.since) AS valid_from"
-         " FROM gap AS k JOIN host AS h ON h.id = k.host" +
-         kJoinsOfKey + " JOIN reason AS r ON r.id = k.value WHERE k.until = " + kOpen;
+  return kMissingColumns + kMissingTables + " WHERE k.until = " + kOpen;
+}
+
+std::string MissingHistoryQuery() {
+  return kMissingColumns + ", " + Until("k") + " AS valid_to" + kMissingTables;
 }
 
 std::string ReadingsQuery() {
@@ -221,10 +227,15 @@ const std::vector<TDeviceView>& DeviceViews() {
 }  // namespace
 
 std::vector<TView> Views() {
-  std::vector<TView> views = {{"hosts", HostsQuery()},       {"facts", FactsQuery()},
-                              {"missing", MissingQuery()},   {"readings", ReadingsQuery()},
-                              {"changes", ChangesQuery()},   {"documents", DocumentsQuery()},
-                              {"problems", ProblemsQuery()}, {"cloned_machine_ids", ClonesQuery()}};
+  std::vector<TView> views = {{"hosts", HostsQuery()},
+                              {"facts", FactsQuery()},
+                              {"missing", MissingQuery()},
+                              {"readings", ReadingsQuery()},
+                              {"changes", ChangesQuery()},
+                              {"documents", DocumentsQuery()},
+                              {"problems", ProblemsQuery()},
+                              {"missing_history", MissingHistoryQuery()},
+                              {"cloned_machine_ids", ClonesQuery()}};
   for (const TDeviceView& view : DeviceViews()) {
     views.push_back({view.fName, DeviceQuery(view)});
   }

@@ -8,46 +8,52 @@
 #include <utility>
 
 #include "storage/moment.h"
+#include "storage/sight.h"
 
 namespace NVORNQDX20::NStore {
 namespace {
 
 std::int64_t TimeOf(TMoment moment) { return moment >> kDigestBits; }
 
-/// A value of the host over a time. Sorted by what it is of, then by time.
+/// A value of the host over a time, or the reason why it is missing. Sorted by what it is of, then
+/// by time.
 struct TSpanOfHost {
   std::string fNamespace;
   std::string fClass;
   std::string fObject;
+  std::int64_t fNumber;  // of the object: that of all objects has no name
   std::string fProperty;
   TMoment fSince;
   TMoment fUntil;
   std::string fValue;
 
-  auto Object() const { return std::tie(fNamespace, fClass, fObject); }
-  auto Key() const { return std::tie(fNamespace, fClass, fObject, fProperty); }
+  auto Object() const { return std::tie(fNamespace, fClass, fObject, fNumber); }
+  auto Key() const { return std::tie(fNamespace, fClass, fObject, fNumber, fProperty); }
 };
 
-std::vector<TSpanOfHost> ReadSpans(TDatabase& database, const THistoryRequest& request) {
-  constexpr std::size_t kColumns = 7;
+std::vector<TSpanOfHost> ReadSpans(TDatabase& database, const THistoryRequest& request,
+                                   TSight::EKind kind) {
+  constexpr std::size_t kColumns = 8;
   std::vector<TSpanOfHost> spans;
   const bool isOfAll = request.fClass.empty();
   std::vector<TValue> values = {request.fHost};
   if (!isOfAll) values.emplace_back(request.fClass);
   database.Query(
-      std::string("SELECT c.namespace, c.name, o.name, p.name, f.since, f.until, s.value"
-                  " FROM fact AS f JOIN object AS o ON o.id = f.object"
-                  " JOIN class AS c ON c.id = o.class JOIN property AS p ON p.id = f.property"
-                  " JOIN string AS s ON s.id = f.value WHERE f.host = :host") +
+      std::string("SELECT c.namespace, c.name, o.name, o.id, p.name, f.since, f.until, ") +
+          (kind == TSight::kFacts ? "v.value FROM fact AS f JOIN string AS v"
+                                  : "v.reason FROM gap AS f JOIN reason AS v") +
+          " ON v.id = f.value JOIN object AS o ON o.id = f.object"
+          " JOIN class AS c ON c.id = o.class JOIN property AS p ON p.id = f.property"
+          " WHERE f.host = :host" +
           (isOfAll ? "" : " AND c.name = :class"),
       kColumns, values, [&spans](const TRow& row) {
         spans.push_back({row[0].value_or(""), row[1].value_or(""), row[2].value_or(""),
-                         row[3].value_or(""), ToNumber(row[4]), ToNumber(row[5]),
-                         row[6].value_or("")});
+                         ToNumber(row[3]), row[4].value_or(""), ToNumber(row[5]), ToNumber(row[6]),
+                         row[7].value_or("")});
       });
   std::sort(spans.begin(), spans.end(), [](const TSpanOfHost& a, const TSpanOfHost& b) {
-    return std::tie(a.fNamespace, a.fClass, a.fObject, a.fProperty, a.fSince) <
-           std::tie(b.fNamespace, b.fClass, b.fObject, b.fProperty, b.fSince);
+    return std::tuple_cat(a.Key(), std::tie(a.fSince)) <
+           std::tuple_cat(b.Key(), std::tie(b.fSince));
   });
   return spans;
 }
@@ -58,6 +64,20 @@ std::vector<TMoment> ReadMoments(TDatabase& database, std::int64_t host) {
   database.Query("SELECT moment FROM document WHERE host = :host ORDER BY moment", 1, {host},
                  [&moments](const TRow& row) { moments.push_back(ToNumber(row[0])); });
   return moments;
+}
+
+/// Returns the moment of the document before this one; of the first one its own.
+TMoment MomentBefore(const std::vector<TMoment>& moments, TMoment moment) {
+  const auto here = std::lower_bound(moments.begin(), moments.end(), moment);
+  return here == moments.begin() ? moment : *std::prev(here);
+}
+
+using TSpanIterator = std::vector<TSpanOfHost>::const_iterator;
+
+/// Returns whether another span of the same follows at once.
+bool Continues(TSpanIterator span, TSpanIterator end) {
+  const auto next = std::next(span);
+  return next != end && next->Key() == span->Key() && next->fSince == span->fUntil;
 }
 
 /// Finds the moments at which an object has no value before, or none after.
@@ -87,21 +107,16 @@ class TLifeOfObject {
 /// The changes of one object.
 class TChangesOfObject {
  public:
-  using TSpanIterator = std::vector<TSpanOfHost>::const_iterator;
-
   TChangesOfObject(TSpanIterator begin, TSpanIterator end, const std::vector<TMoment>& moments,
                    std::vector<TChange>& changes)
       : fMoments(moments), fChanges(changes) {
     for (auto span = begin; span != end; ++span) fLife.Add(*span);
     for (auto span = begin; span != end; ++span) {
-      const bool hasBefore = span != begin && std::prev(span)->Key() == span->Key() &&
-                             std::prev(span)->fUntil == span->fSince;
-      const bool hasNext = std::next(span) != end && std::next(span)->Key() == span->Key() &&
-                           std::next(span)->fSince == span->fUntil;
+      const bool hasBefore = span != begin && Continues(std::prev(span), end);
       if (span->fSince > moments.front()) {
         Add(span->fSince, *span, hasBefore ? &std::prev(span)->fValue : nullptr, &span->fValue);
       }
-      if (span->fUntil != kStillValid && !hasNext) {
+      if (span->fUntil != kStillValid && !Continues(span, end)) {
         Add(span->fUntil, *span, &span->fValue, nullptr);
       }
     }
@@ -109,12 +124,10 @@ class TChangesOfObject {
 
  private:
   void Add(TMoment moment, const TSpanOfHost& span, const std::string* was, const std::string* is) {
-    const auto here = std::lower_bound(fMoments.begin(), fMoments.end(), moment);
-    const TMoment before = here == fMoments.begin() ? moment : *std::prev(here);
     const bool isWhole = was == nullptr  ? !fLife.HasBefore(moment)
                          : is == nullptr ? !fLife.HasAfter(moment)
                                          : false;
-    fChanges.push_back({TimeOf(moment), TimeOf(before),
+    fChanges.push_back({TimeOf(moment), TimeOf(MomentBefore(fMoments, moment)),
                         was == nullptr  ? TChange::kAdded
                         : is == nullptr ? TChange::kRemoved
                                         : TChange::kChanged,
@@ -128,13 +141,28 @@ class TChangesOfObject {
   TLifeOfObject fLife;
 };
 
+void AddMissing(const std::vector<TSpanOfHost>& gaps, const std::vector<TMoment>& moments,
+                std::vector<TChange>& changes) {
+  const auto add = [&](TMoment moment, TChange::EChange change, const TSpanOfHost& gap) {
+    changes.push_back({TimeOf(moment), TimeOf(MomentBefore(moments, moment)), change,
+                       gap.fNamespace, gap.fClass, gap.fObject, gap.fProperty, false, std::nullopt,
+                       std::nullopt, gap.fValue});
+  };
+  for (auto gap = gaps.begin(); gap != gaps.end(); ++gap) {
+    if (gap->fSince > moments.front()) add(gap->fSince, TChange::kMissing, *gap);
+    if (gap->fUntil != kStillValid && !Continues(gap, gaps.end())) {
+      add(gap->fUntil, TChange::kNotMissing, *gap);
+    }
+  }
+}
+
 }  // namespace
 
 std::vector<TChange> ReadHistory(TDatabase& database, const THistoryRequest& request) {
   const std::vector<TMoment> moments = ReadMoments(database, request.fHost);
   std::vector<TChange> changes;
   if (moments.empty()) return changes;
-  const std::vector<TSpanOfHost> spans = ReadSpans(database, request);
+  const std::vector<TSpanOfHost> spans = ReadSpans(database, request, TSight::kFacts);
   for (auto begin = spans.begin(); begin != spans.end();) {
     const auto end = std::find_if(begin, spans.end(), [begin](const TSpanOfHost& span) {
       return span.Object() != begin->Object();
@@ -142,14 +170,19 @@ std::vector<TChange> ReadHistory(TDatabase& database, const THistoryRequest& req
     const TChangesOfObject added(begin, end, moments, changes);
     begin = end;
   }
+  if (request.fWithMissing) {
+    AddMissing(ReadSpans(database, request, TSight::kMissing), moments, changes);
+  }
   const auto isAsked = [&request](const TChange& change) {
     return change.fTime >= request.fSince && change.fTime < request.fUntil;
   };
   changes.erase(std::remove_if(changes.begin(), changes.end(),
                                [&isAsked](const TChange& change) { return !isAsked(change); }),
                 changes.end());
-  std::stable_sort(changes.begin(), changes.end(),
-                   [](const TChange& a, const TChange& b) { return a.fTime < b.fTime; });
+  std::stable_sort(changes.begin(), changes.end(), [](const TChange& a, const TChange& b) {
+    return std::tie(a.fTime, a.fNamespace, a.fClass, a.fObject) <
+           std::tie(b.fTime, b.fNamespace, b.fClass, b.fObject);
+  });
   return changes;
 }
 

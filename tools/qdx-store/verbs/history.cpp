@@ -25,6 +25,10 @@ const char* NameOf(TChange::EChange change) {
       return "added";
     case TChange::kRemoved:
       return "removed";
+    case TChange::kMissing:
+      return "missing";
+    case TChange::kNotMissing:
+      return "not missing";
     case TChange::kChanged:
       break;
   }
@@ -50,14 +54,17 @@ std::vector<std::vector<TJSON>> RowsOf(const std::vector<TChange>& changes, bool
     if (isSame) continue;
     const auto old = isOfWhole ? TJSON() : OrNull(change.fOld);
     const auto now = isOfWhole ? TJSON() : OrNull(change.fNew);
-    rows.push_back({TimeText(change.fTime), TimeText(change.fAfter), NameOf(change.fChange),
-                    change.fNamespace, change.fClass, change.fObject, LabelOf(change),
-                    isOfWhole ? TJSON() : TJSON(change.fProperty), old, now});
+    rows.push_back(
+        {TimeText(change.fTime), TimeText(change.fAfter), NameOf(change.fChange), change.fNamespace,
+         change.fClass, change.fObject, LabelOf(change),
+         isOfWhole || (isForPeople && change.fProperty.empty()) ? TJSON() : TJSON(change.fProperty),
+         old, now, OrNull(change.fReason)});
   }
   return rows;
 }
 
-TAnswer AnswerOf(const TFleetHost& host, const std::vector<TChange>& changes, bool isForPeople) {
+TAnswer AnswerOf(const TFleetHost& host, const std::vector<TChange>& changes, bool isForPeople,
+                 bool withMissing) {
   TAnswer answer{"changes",
                  {{"time", "Time"},
                   {"after", "After", TColumn::kPrograms},
@@ -68,7 +75,8 @@ TAnswer AnswerOf(const TFleetHost& host, const std::vector<TChange>& changes, bo
                   {"", "Object", TColumn::kPeople},
                   {"property", "Property"},
                   {"old", "Old"},
-                  {"new", "New"}},
+                  {"new", "New"},
+                  {"reason", "Reason", withMissing ? TColumn::kAll : TColumn::kPrograms}},
                  RowsOf(changes, isForPeople)};
   answer.fOthers["host"] = host.fName;
   answer.fOthers["firstSeen"] = host.fFirstSeen;
@@ -86,6 +94,7 @@ EExitCode History(const TArguments& arguments) {
   THistoryRequest request{};
   if (arguments.Has("since")) request.fSince = TimeOption(arguments, "since").fBegin;
   if (arguments.Has("until")) request.fUntil = TimeOption(arguments, "until").fEnd;
+  request.fWithMissing = arguments.Has("missing");
   const auto database = OpenStoreOf(arguments.GetOperand(0), EAccess::kExisting);
   try {
     const TTransaction oneState(*database, TTransaction::kReading);
@@ -95,7 +104,7 @@ EExitCode History(const TArguments& arguments) {
     const bool isForPeople = !arguments.Has("json") && !arguments.Has("csv");
     const std::vector<TChange> changes = ReadHistory(*database, request);
     database->RequireSameState();
-    WriteAnswer(AnswerOf(host, changes, isForPeople), arguments);
+    WriteAnswer(AnswerOf(host, changes, isForPeople, request.fWithMissing), arguments);
   } catch (const TDatabaseError& error) {
     FailOnStore(database->GetLocation(), error);
   }
@@ -106,6 +115,8 @@ EExitCode History(const TArguments& arguments) {
 
 TVerb HistoryVerb() {
   std::vector<TOptionSpec> options = FormOptions();
+  options.push_back(
+      {"missing", nullptr, "Also what became missing for a reason, and when that ended."});
   options.push_back({"since", "TIME", "Only changes from this time on."});
   options.push_back({"until", "TIME", "Only changes up to this time."});
   return {
