@@ -47,38 +47,43 @@ constexpr TQualifier kSecret = {kSecretQualifier, TType::kCIMTypeString, kScopeP
 constexpr TQualifier kPart = {kPartQualifier, TType::kCIMTypeString,
                               kScopeClass | kScopeAssociation, kFlavorOverridable};
 
-/// The namespace's declaration if it has one, which may differ in scope and flavor.
-boost::shared_ptr<ICIMQualifierDecl> Find(ICIMNamespace& ns, const char* name) {
-  try {
-    return ns.GetQualifierDecl(name, {});
-  } catch (const TQDXException& failure) {
-    if (failure.GetStatusCode() != kQDXStatusNotFound) throw;
-    return nullptr;
+/// The namespace's qualifiers; those that it does not have are declared.
+class TQualifiers {
+ public:
+  /// Not by GetQualifierDecl, which throws for each that is not there.
+  explicit TQualifiers(ICIMNamespace& ns) : fNamespace(ns) {
+    ns.EnumerateQualifierDecls(TAddToVectorCallback(fDecls), {});
   }
-}
 
-boost::shared_ptr<ICIMQualifierDecl> Declared(ICIMNamespace& ns, const TQualifier& qualifier) {
-  if (auto found = Find(ns, qualifier.fName)) return found;
-  const TCIMValue initial = qualifier.fType == TType::kCIMTypeBoolean
-                                ? TCIMValue(false)
-                                : TCIMValue(TType(qualifier.fType), 0);
-  auto declared =
-      ns.CreateQualifierDecl(qualifier.fName, initial, qualifier.fScope, qualifier.fFlavor, {});
-  declared->Commit();
-  return declared;
-}
+  /// Returns the namespace's declaration if it has one, which may differ in scope and flavor.
+  const boost::shared_ptr<ICIMQualifierDecl>& Declared(const TQualifier& qualifier) {
+    for (const auto& decl : fDecls) {
+      if (NModel::EqualIgnoringCase(decl->GetName(), qualifier.fName)) return decl;
+    }
+    const TCIMValue initial = qualifier.fType == TType::kCIMTypeBoolean
+                                  ? TCIMValue(false)
+                                  : TCIMValue(TType(qualifier.fType), 0);
+    fDecls.push_back(fNamespace.CreateQualifierDecl(qualifier.fName, initial, qualifier.fScope,
+                                                    qualifier.fFlavor, {}));
+    fDecls.back()->Commit();
+    return fDecls.back();
+  }
 
-template <typename TElement>
-void Qualify(ICIMNamespace& ns, TElement& element, const TQualifier& qualifier,
-             const TCIMValue& value) {
-  element.AddQualifier(Declared(ns, qualifier), value)->Commit();
-}
+  template <typename TElement>
+  void Qualify(TElement& element, const TQualifier& qualifier, const TCIMValue& value) {
+    element.AddQualifier(Declared(qualifier), value)->Commit();
+  }
+
+ private:
+  ICIMNamespace& fNamespace;
+  std::vector<boost::shared_ptr<ICIMQualifierDecl>> fDecls;
+};
 
 TCIMValue Texts(const std::vector<TCIMValue>& texts) {
   return TCIMValue(TType(TType::kCIMTypeString), 0, texts);
 }
 
-void QualifyAsEnumeration(ICIMNamespace& ns, ICIMPropertyDecl& property,
+void QualifyAsEnumeration(TQualifiers& qualifiers, ICIMPropertyDecl& property,
                           const TEnumeration& enumeration) {
   std::vector<TCIMValue> numbers;
   std::vector<TCIMValue> names;
@@ -86,8 +91,8 @@ void QualifyAsEnumeration(ICIMNamespace& ns, ICIMPropertyDecl& property,
     numbers.emplace_back(std::to_string(number));
     names.emplace_back(name);
   }
-  Qualify(ns, property, kValueMap, Texts(numbers));
-  Qualify(ns, property, kValues, Texts(names));
+  qualifiers.Qualify(property, kValueMap, Texts(numbers));
+  qualifiers.Qualify(property, kValues, Texts(names));
 }
 
 using TClass = boost::shared_ptr<ICIMClass>;
@@ -103,31 +108,31 @@ TCIMValue InitialValue(ICIMNamespace& ns, const TClass& cimClass,
 }
 
 /// Adds the qualifiers that say more than what a namespace checks.
-void Explain(ICIMNamespace& ns, ICIMPropertyDecl& property,
+void Explain(TQualifiers& qualifiers, ICIMPropertyDecl& property,
              const TPropertyDeclaration& declaration) {
   if (!declaration.fDescription.empty()) {
-    Qualify(ns, property, kDescription, declaration.fDescription);
+    qualifiers.Qualify(property, kDescription, declaration.fDescription);
   }
-  if (!declaration.fUnit.empty()) Qualify(ns, property, kUnit, declaration.fUnit);
+  if (!declaration.fUnit.empty()) qualifiers.Qualify(property, kUnit, declaration.fUnit);
   if (!declaration.fEnumeration.empty()) {
-    QualifyAsEnumeration(ns, property, declaration.fEnumeration);
+    QualifyAsEnumeration(qualifiers, property, declaration.fEnumeration);
   }
-  if (declaration.fBehavior == EBehavior::kCounter) Qualify(ns, property, kCounter, true);
-  if (declaration.fBehavior == EBehavior::kGauge) Qualify(ns, property, kGauge, true);
-  if (declaration.fIsVolatile) Qualify(ns, property, kVolatile, true);
+  if (declaration.fBehavior == EBehavior::kCounter) qualifiers.Qualify(property, kCounter, true);
+  if (declaration.fBehavior == EBehavior::kGauge) qualifiers.Qualify(property, kGauge, true);
+  if (declaration.fIsVolatile) qualifiers.Qualify(property, kVolatile, true);
   if (declaration.fSecret != ESecret::kNone) {
-    Qualify(ns, property, kSecret, SecretName(declaration.fSecret));
+    qualifiers.Qualify(property, kSecret, SecretName(declaration.fSecret));
   }
 }
 
 enum class EDetail { kAll, kStructure };
 
-void DeclareProperty(ICIMNamespace& ns, const TClass& cimClass,
+void DeclareProperty(ICIMNamespace& ns, TQualifiers& qualifiers, const TClass& cimClass,
                      const TPropertyDeclaration& declaration, EDetail detail) {
   const TCIMValue initial = InitialValue(ns, cimClass, declaration);
   const auto property = cimClass->CreatePropertyDecl(declaration.fName, initial, {});
-  if (declaration.fIsKey) Qualify(ns, *property, kKeyQualifier, true);
-  if (detail == EDetail::kAll) Explain(ns, *property, declaration);
+  if (declaration.fIsKey) qualifiers.Qualify(*property, kKeyQualifier, true);
+  if (detail == EDetail::kAll) Explain(qualifiers, *property, declaration);
   property->Commit();
 }
 
@@ -135,14 +140,16 @@ TClass Declare(ICIMNamespace& ns, const TClassDeclaration& declaration, EDetail 
   const auto superclass =
       declaration.fSuperclass.empty() ? nullptr : ns.GetClass(declaration.fSuperclass, {});
   auto declared = ns.CreateClass(declaration.fName, superclass, {});
-  if (declaration.fIsAbstract) Qualify(ns, *declared, kAbstract, true);
-  if (declaration.fIsAssociation) Qualify(ns, *declared, kAssociation, true);
+  TQualifiers qualifiers(ns);
+  if (declaration.fIsAbstract) qualifiers.Qualify(*declared, kAbstract, true);
+  if (declaration.fIsAssociation) qualifiers.Qualify(*declared, kAssociation, true);
   if (detail == EDetail::kAll && !declaration.fDescription.empty()) {
-    Qualify(ns, *declared, kDescription, declaration.fDescription);
+    qualifiers.Qualify(*declared, kDescription, declaration.fDescription);
   }
-  if (!declaration.fPart.fName.empty()) Qualify(ns, *declared, kPart, declaration.fPart.fName);
+  if (!declaration.fPart.fName.empty())
+    qualifiers.Qualify(*declared, kPart, declaration.fPart.fName);
   for (const TPropertyDeclaration& property : declaration.fProperties) {
-    DeclareProperty(ns, declared, property, detail);
+    DeclareProperty(ns, qualifiers, declared, property, detail);
   }
   declared->Commit({});
   return declared;
@@ -184,7 +191,7 @@ const char* NDetail::Given(const char* text, const char* what, const char* whose
                             std::string(what) + whose + " is a null pointer");
 }
 
-void DeclareVolatileQualifier(ICIMNamespace& ns) { (void)Declared(ns, kVolatile); }
+void DeclareVolatileQualifier(ICIMNamespace& ns) { (void)TQualifiers(ns).Declared(kVolatile); }
 
 boost::shared_ptr<ICIMInstance> AddInstance(ICIMClass& cimClass, const TValues& values) {
   auto added = cimClass.CreateInstance({});
