@@ -2,6 +2,9 @@
 // The command, from documents to answers.
 #include <gtest/gtest.h>
 
+#include <array>
+#include <ctime>
+
 #include <unistd.h>
 
 #include <nlohmann/json.hpp>
@@ -77,16 +80,17 @@ TEST_F(StoreVerbs, ShowsTablesThatDoNotControlTheTerminal) {
 
 TEST_F(StoreVerbs, WritesForPrograms) {
   EXPECT_EQ(Ask({"odd", "disk", "--csv"}).fOutput,
-            "host,manufacturer,model,namespace,class,object,property,value,usual,usualHosts,"
-            "judgedHosts\r\n"
-            "web3,,R1,root/cimv2,VORNSG_DiskDrive,sda,Model,\"\xc2\x9b"
+            "host,manufacturer,model,namespace,class,object,property,difference,value,usual,"
+            "usualHosts,judgedHosts\r\n"
+            "web3,,R1,root/cimv2,VORNSG_DiskDrive,sda,Model,value,\"\xc2\x9b"
             "31mNEW, \"\"1\"\"\",Old,2,3\r\n"
-            "web3,,R1,root/cimv2,VORNSG_DiskDrive,sdb,,,,2,3\r\n");
+            "web3,,R1,root/cimv2,VORNSG_DiskDrive,sdb,,additional,,,2,3\r\n");
   const TJSON odd = JSONOf({"odd"});
   EXPECT_EQ(odd["models"], TJSON::parse(R"([{"manufacturer": null, "model": "R1",
     "isJudged": true, "hosts": ["web1", "web2", "web3"]}])"));
   EXPECT_EQ(odd["odd"][1]["usual"], nullptr);
   EXPECT_EQ(odd["odd"][1]["value"], "");
+  EXPECT_EQ(odd["odd"][1]["difference"], "additional");
   const TJSON history = JSONOf({"history", UUIDOf("web3")});
   EXPECT_EQ(history["host"], "web3");
   EXPECT_EQ(history["changes"].size(), 3U);
@@ -110,6 +114,7 @@ TEST_F(StoreVerbs, ListsChangesBetweenTimes) {
   EXPECT_EQ(count({"--since", "2026-11-02T12:00:01"}), 0U);
   EXPECT_EQ(count({"--until", "2026-11-02"}), 3U);
   EXPECT_EQ(count({"--until", "2026-11-01"}), 0U);
+  EXPECT_EQ(count({"--since", "2026-11-02", "--until", "2026-11"}), 3U);
   EXPECT_EQ(count({"ComputerSystem"}), 0U);
   EXPECT_EQ(count({"disk"}), 3U);
 }
@@ -129,9 +134,17 @@ TEST_F(StoreVerbs, RefuseWhatIsWrong) {
       {{"remove", "web1"}, 2, "'--since' or '--until' is missing"},
       {{"remove", "web", "--since", "2026"}, 4, "it can be web1"},
       {{"remove", "web1", "--until", "12"}, 2, "--until is '12', not a time"},
+      {{"history", "web1", "--since", "2026-02", "--until", "2026-01"}, 2, "no time is both after"},
+      {{"history", "web1", "--since", "7d", "--until", "7d"}, 2, "no time is both after"},
       {{"odd", "nonsense"}, 4, "the store has no such class"},
       {{"odd", "--json", "--csv"}, 2, "contradicts"},
-      {{"hosts", "--silent-after", "x"}, 2, "not a number of days"}};
+      {{"hosts", "--silent-after", "x"}, 2, "--silent-after is 'x', not a number of days"},
+      {{"hosts", "--silent-after", "7h"}, 2, "--silent-after is '7h', not"},
+      {{"prune", "--readings", "-1d"}, 2, "--readings is '-1d', not a number of days, as in 30d"},
+      {{"prune", "--readings", "100001"}, 2, "--readings is '100001', not"},
+      {{"prune", "--readings", "99999999999999999999"}, 2, "not a number of days"},
+      {{"prune", "--readings", "7dd"}, 2, "not a number of days"},
+      {{"prune", "web1"}, 2, "web1"}};
   for (const auto& [words, exitCode, reason] : rows) {
     const TProgramRun run = Ask(words);
     EXPECT_EQ(run.fExitCode, exitCode) << run.fErrors;
@@ -146,13 +159,69 @@ TEST_F(StoreVerbs, RemarkOnHosts) {
                        "silent for "),
             std::string::npos)
       << hosts;
-  EXPECT_EQ(Ask({"hosts", "--silent-after", "100000"}).fOutput.find("silent"), std::string::npos);
+  EXPECT_EQ(Ask({"hosts", "--silent-after", "100000d"}).fOutput.find("silent"), std::string::npos);
   const TTestHost wrongClock{"web4", "21901101120000.000000+000"};
   const std::string document = Store() + ".xml";
   Write(document, {MakeHost(wrongClock), MakeRecord(wrongClock)});
   EXPECT_EQ(Ask({"add", document}).fExitCode, 0);
   EXPECT_NE(Ask({"hosts"}).fOutput.find("2190-11-01T12:00:00Z  1          last document from the"),
             std::string::npos);
+  const TJSON host = JSONOf({"hosts"})["hosts"][3];
+  EXPECT_EQ(host["isFromFuture"], true);
+  EXPECT_EQ(host["isSilent"], false);
+  EXPECT_EQ(JSONOf({"hosts"})["hosts"][0]["isFromFuture"], false);
+}
+
+TEST_F(StoreVerbs, TellProgramsWhatFailed) {
+  const std::string longName(300'000, 'n');
+  const TTestHost failed{longName, "20261101120000.000000+000", {"disks"}, {"root/x", "root/y"}};
+  const std::string document = Store() + ".xml";
+  Write(document, {MakeHost(failed, {{"UUID", UUIDOf("web4")}}), MakeRecord(failed)});
+  EXPECT_EQ(Ask({"add", document}).fExitCode, 0);
+  const std::string hosts = Ask({"hosts", "--silent-after", "100000", "--csv"}).fOutput;
+  EXPECT_EQ(hosts.substr(0, hosts.find('\n')),
+            "host,uuid,machineId,serialNumber,manufacturer,model,firstSeen,lastSeen,documents,"
+            "daysOfSilence,isSilent,isFromFuture,hasAllPermissions,isComplete,partsLeftOut,"
+            "sharesMachineIdWith,problems\r");
+  EXPECT_NE(hosts.find("\r\n" + longName + "," + UUIDOf("web4") + ","), std::string::npos);
+  const std::string end = ",false,false,true,false,disks,,p: it crashed; p: it crashed\r\n";
+  EXPECT_NE(hosts.find(end), std::string::npos) << hosts.substr(hosts.size() - 100);
+  const std::string table = Ask({"hosts"}).fOutput;
+  EXPECT_NE(table.find("\n" + longName.substr(0, 252) + "...  "), std::string::npos);
+}
+
+TEST_F(StoreVerbs, PruneReadingsOlderThanSoManyDays) {
+  const auto add = [this](int hours) {
+    const std::time_t time = std::time(nullptr) - hours * 3600;
+    std::tm clock{};
+    std::array<char, 32> text{};
+    std::strftime(text.data(), text.size(), "%Y%m%d%H%M%S.000000+000", ::gmtime_r(&time, &clock));
+    const TTestHost host{"web1", text.data()};
+    const TNamespace ns = MakeHost(host, {{"UUID", UUIDOf("web1")}});
+    DeclareDisks(ns);
+    AddDisk(ns, "web1", "sda", {{"Model", "Old"}, {"Hours", Number(hours)}});
+    const std::string document = Store() + ".xml";
+    Write(document, {ns, MakeRecord(host)});
+    EXPECT_EQ(Ask({"add", document}).fExitCode, 0);
+  };
+  for (const int hours : {1, 23, 25, 24 * 7 - 1, 24 * 7 + 1, 24 * 30 - 1, 24 * 30 + 1}) add(hours);
+  const struct {
+    std::vector<std::string> fOptions;
+    const char* fOutput;
+  } rows[] = {{{"--readings", "100000"}, "0 readings removed\n"},
+              {{}, "1 reading removed\n"},
+              {{"--readings=30d"}, "0 readings removed\n"},
+              {{"--readings", "7"}, "2 readings removed\n"},
+              {{"--readings", "1d"}, "2 readings removed\n"},
+              {{"--readings", "0"}, "2 readings removed\n"}};
+  for (const auto& [options, output] : rows) {
+    std::vector<std::string> words = {"prune"};
+    words.insert(words.end(), options.begin(), options.end());
+    const TProgramRun run = Ask(words);
+    EXPECT_EQ(run.fExitCode, 0) << run.fErrors;
+    EXPECT_EQ(run.fOutput, output);
+  }
+  EXPECT_EQ(RunProgram({QDX_STORE, "prune", Store() + "-none"}).fExitCode, 4);
 }
 
 TEST_F(StoreVerbs, RemoveWhatAWrongClockHasHidden) {

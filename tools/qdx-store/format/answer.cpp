@@ -37,6 +37,9 @@ std::string BareText(const TJSON& value) {
   return text;
 }
 
+/// In columns of a table, one for each character.
+constexpr std::size_t kLongestName = 255;
+
 /// On one line, since a value can have many.
 std::string CellText(const TJSON& value) { return ForTerminal(PlainText(value)); }
 
@@ -49,7 +52,10 @@ void WriteTable(const TAnswer& answer) {
   for (const auto& row : answer.fRows) {
     std::vector<std::string> cells;
     cells.reserve(columns.size());
-    for (const std::size_t i : columns) cells.push_back(CellText(row[i]));
+    for (const std::size_t i : columns) {
+      const bool isName = answer.fColumns[i].fContents == TAnswerColumn::kName;
+      cells.push_back(isName ? ShortName(PlainText(row[i])) : CellText(row[i]));
+    }
     lines.push_back(std::move(cells));
   }
   std::vector<std::size_t> widths(columns.size(), 1);
@@ -72,7 +78,8 @@ void WriteTable(const TAnswer& answer) {
 
 void WriteCSV(const TAnswer& answer) {
   const bool isTerminal = ::isatty(STDOUT_FILENO) != 0;
-  const auto columns = ColumnsFor(answer, {TAnswerColumn::kAll, TAnswerColumn::kPrograms});
+  const auto columns =
+      ColumnsFor(answer, {TAnswerColumn::kAll, TAnswerColumn::kPrograms, TAnswerColumn::kCSV});
   TOutputBuffer output;
   std::vector<std::string> fields;
   fields.reserve(columns.size());
@@ -106,6 +113,13 @@ void WriteAsJSON(const TAnswer& answer) {
 }
 
 }  // namespace
+
+std::string ShortName(const std::string& name) {
+  std::string harmless = ForTerminal(name);
+  if (WidthOf(harmless) <= kLongestName) return harmless;
+  const std::string end = "...";
+  return CutToWidth(harmless, kLongestName - end.size()) + end;
+}
 
 std::vector<TOptionSpec> FormOptions() {
   return {{"json", nullptr, "Print one JSON object."}, {"csv", nullptr, "Print CSV (RFC 4180)."}};

@@ -12,11 +12,14 @@
 namespace NVORNQDX20::NStore {
 
 struct TAnswerColumn {
-  enum EReaders { kAll, kPeople, kPrograms, kJSON };
+  enum EReaders { kAll, kPeople, kPrograms, kJSON, kCSV };
+  /// In tables names are cut as ShortName() does.
+  enum EContents { kValue, kName };
 
   std::string fKey;      ///< In JSON and CSV.
   std::string fHeading;  ///< In tables.
   EReaders fReaders = kAll;
+  EContents fContents = kValue;
 };
 
 struct TAnswer {
@@ -26,6 +29,10 @@ struct TAnswer {
   TJSON fOthers = TJSON::object();         ///< Further members of the JSON object.
   std::vector<std::string> fRemarks = {};  ///< Lines below the table.
 };
+
+/// Returns a name or a remark for people: what is longer than 255 characters ends with "...", since
+/// a document can have names of any length. It cannot control a terminal.
+std::string ShortName(const std::string& name);
 
 /// The options --json and --csv.
 std::vector<TOptionSpec> FormOptions();

@@ -72,7 +72,7 @@ TAnswer AnswerOf(const TFleetHost& host, const std::vector<TChange>& changes, bo
                   {"namespace", "", TColumn::kPrograms},
                   {"class", "", TColumn::kPrograms},
                   {"object", "", TColumn::kPrograms},
-                  {"", "Object", TColumn::kPeople},
+                  {"", "Object", TColumn::kPeople, TColumn::kName},
                   {"property", "Property"},
                   {"old", "Old"},
                   {"new", "New"},
@@ -92,8 +92,9 @@ TAnswer AnswerOf(const TFleetHost& host, const std::vector<TChange>& changes, bo
 
 EExitCode History(const TArguments& arguments) {
   THistoryRequest request{};
-  if (arguments.Has("since")) request.fSince = TimeOption(arguments, "since").fBegin;
-  if (arguments.Has("until")) request.fUntil = TimeOption(arguments, "until").fEnd;
+  const TTypedTime range = TimeRange(arguments);
+  request.fSince = range.fBegin;
+  request.fUntil = range.fEnd;
   request.fWithMissing = arguments.Has("missing");
   const auto database = OpenStoreOf(arguments.GetOperand(0), EAccess::kExisting);
   try {

@@ -2,12 +2,12 @@
 // The verb hosts.
 #include <qdxcore/status.h>
 
-#include <charconv>
 #include <chrono>
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include "days.h"
 #include "format/answer.h"
 #include "format/time_text.h"
 #include "opened_store.h"
@@ -18,19 +18,8 @@ namespace NVORNQDX20::NStore {
 namespace {
 
 constexpr const char* kSilentAfter = "silent-after";
-constexpr std::int64_t kDefaultDays = 7;
+constexpr int kDefaultDays = 7;
 constexpr std::int64_t kMillisecondsOfDay = std::int64_t{24} * 60 * 60 * 1000;
-
-std::int64_t DaysOf(const std::string& text) {
-  std::int64_t days = 0;
-  const char* const end = text.data() + text.size();
-  const auto [rest, error] = std::from_chars(text.data(), end, days);
-  constexpr std::int64_t kMostDays = 100'000;
-  if (error != std::errc() || rest != end || days < 0 || days > kMostDays) {
-    FailOnUsage(std::string("--") + kSilentAfter + " is '" + text + "', not a number of days");
-  }
-  return days;
-}
 
 /// Its clock was wrong, and documents with the right time seem older. Clocks differ a bit.
 bool IsInFuture(const TFleetHost& host) {
@@ -52,6 +41,11 @@ TJSON AsJSON(const TProblem& problem) {
           {"reason", problem.fReason}};
 }
 
+/// Who failed, and why.
+std::string TextOf(const TProblem& problem) {
+  return (problem.fProvider.empty() ? problem.fKind : problem.fProvider) + ": " + problem.fReason;
+}
+
 /// What a person should know about the host, worst first.
 std::string RemarksOn(const TFleetHost& host, std::int64_t silentAfter) {
   std::string remarks;
@@ -65,14 +59,12 @@ std::string RemarksOn(const TFleetHost& host, std::int64_t silentAfter) {
     constexpr std::size_t kShown = 3;
     std::string names;
     for (std::size_t i = 0; i < std::min(kShown, host.fClones.size()); ++i) {
-      names += (names.empty() ? "" : ", ") + host.fClones[i];
+      names += (names.empty() ? "" : ", ") + ShortName(host.fClones[i]);
     }
     if (host.fClones.size() > kShown) names += ", ...";
     add("same machine ID as " + names);
   }
-  for (const TProblem& problem : host.fProblems) {
-    add((problem.fProvider.empty() ? problem.fKind : problem.fProvider) + ": " + problem.fReason);
-  }
+  for (const TProblem& problem : host.fProblems) add(ShortName(TextOf(problem)));
   if (!host.fIsComplete && host.fProblems.empty()) add("incomplete");
   if (!host.fHasAllPermissions) add("without root");
   return remarks;
@@ -81,8 +73,8 @@ std::string RemarksOn(const TFleetHost& host, std::int64_t silentAfter) {
 TAnswer AnswerOf(const std::vector<TFleetHost>& fleet, std::int64_t silentAfter) {
   using TColumn = TAnswerColumn;
   TAnswer answer{"hosts",
-                 {{"host", "Host"},
-                  {"", "Product", TColumn::kPeople},
+                 {{"host", "Host", TColumn::kAll, TColumn::kName},
+                  {"", "Product", TColumn::kPeople, TColumn::kName},
                   {"uuid", "", TColumn::kPrograms},
                   {"machineId", "", TColumn::kPrograms},
                   {"serialNumber", "", TColumn::kPrograms},
@@ -93,34 +85,53 @@ TAnswer AnswerOf(const std::vector<TFleetHost>& fleet, std::int64_t silentAfter)
                   {"documents", "Documents"},
                   {"daysOfSilence", "", TColumn::kPrograms},
                   {"isSilent", "", TColumn::kPrograms},
+                  {"isFromFuture", "", TColumn::kPrograms},
                   {"hasAllPermissions", "", TColumn::kPrograms},
                   {"isComplete", "", TColumn::kPrograms},
                   {"partsLeftOut", "", TColumn::kPrograms},
                   {"sharesMachineIdWith", "", TColumn::kPrograms},
                   {"problems", "", TColumn::kJSON},
+                  {"problems", "", TColumn::kCSV},
                   {"", "Remarks", TColumn::kPeople}},
                  {}};
   for (const TFleetHost& host : fleet) {
     TJSON problems = TJSON::array();
-    for (const TProblem& problem : host.fProblems) problems.push_back(AsJSON(problem));
+    TJSON reasons = TJSON::array();
+    for (const TProblem& problem : host.fProblems) {
+      problems.push_back(AsJSON(problem));
+      reasons.push_back(TextOf(problem));
+    }
     const auto orNull = [](const std::string& text) {
       return text.empty() ? TJSON() : TJSON(text);
     };
     const std::int64_t days = DaysOfSilence(host);
-    answer.fRows.push_back({host.fName, orNull(ProductOf(host)), orNull(host.fUUID),
-                            orNull(host.fMachineID), orNull(host.fSerialNumber),
-                            orNull(host.fMaker), orNull(host.fModel), host.fFirstSeen,
-                            host.fLastSeen, host.fDocuments, days, days > silentAfter,
-                            host.fHasAllPermissions, host.fIsComplete, TJSON(host.fPartsLeftOut),
-                            TJSON(host.fClones), problems, orNull(RemarksOn(host, silentAfter))});
+    answer.fRows.push_back({host.fName,
+                            orNull(ProductOf(host)),
+                            orNull(host.fUUID),
+                            orNull(host.fMachineID),
+                            orNull(host.fSerialNumber),
+                            orNull(host.fMaker),
+                            orNull(host.fModel),
+                            host.fFirstSeen,
+                            host.fLastSeen,
+                            host.fDocuments,
+                            days,
+                            days > silentAfter,
+                            IsInFuture(host),
+                            host.fHasAllPermissions,
+                            host.fIsComplete,
+                            TJSON(host.fPartsLeftOut),
+                            TJSON(host.fClones),
+                            problems,
+                            reasons,
+                            orNull(RemarksOn(host, silentAfter))});
   }
   if (fleet.empty()) answer.fRemarks.emplace_back("no hosts");
   return answer;
 }
 
 EExitCode Hosts(const TArguments& arguments) {
-  const std::int64_t silentAfter =
-      arguments.Has(kSilentAfter) ? DaysOf(arguments.Get(kSilentAfter, "")) : kDefaultDays;
+  const int silentAfter = DaysOf(arguments, kSilentAfter, kDefaultDays);
   const auto database = OpenStoreOf(arguments.GetOperand(0), EAccess::kExisting);
   try {
     const TTransaction oneState(*database, TTransaction::kReading);

@@ -23,13 +23,20 @@ TJSON OrNull(const std::string& text) { return text.empty() ? TJSON() : TJSON(te
 
 std::string NameOf(const TModel& model) {
   if (!model.HasName()) return "an unknown product";
-  return model.fMaker + (model.fMaker.empty() || model.fName.empty() ? "" : " ") + model.fName;
+  return ShortName(model.fMaker + (model.fMaker.empty() || model.fName.empty() ? "" : " ") +
+                   model.fName);
 }
 
 /// What a person reads of a value, or of an object as a whole.
 TJSON ShownOf(const TOddFact& fact, const std::optional<std::string>& value) {
   if (fact.fProperty.empty()) return value ? "has it" : "lacks it";
   return OrNull(value);
+}
+
+/// What the host is, compared with the others.
+const char* DifferenceOf(const TOddFact& fact, const TOddFact::THost& host) {
+  if (!host.fValue) return "missing";
+  return fact.fUsual ? "value" : "additional";
 }
 
 void AddRows(const TModel& model, const std::vector<TOddFact>& facts, TAnswer& answer) {
@@ -41,9 +48,9 @@ void AddRows(const TModel& model, const std::vector<TOddFact>& facts, TAnswer& a
           {host.fName, OrNull(model.fMaker), OrNull(model.fName), fact.fNamespace, fact.fClass,
            fact.fObject,
            ShortClassName(fact.fClass) + (fact.fObject.empty() ? "" : " " + fact.fObject),
-           OrNull(fact.fProperty), OrNull(host.fValue), ShownOf(fact, host.fValue),
-           OrNull(fact.fUsual), ShownOf(fact, fact.fUsual), fact.fUsualHosts, fact.fJudgedHosts,
-           counts});
+           OrNull(fact.fProperty), DifferenceOf(fact, host), OrNull(host.fValue),
+           ShownOf(fact, host.fValue), OrNull(fact.fUsual), ShownOf(fact, fact.fUsual),
+           fact.fUsualHosts, fact.fJudgedHosts, counts});
     }
   }
 }
@@ -59,14 +66,15 @@ TJSON AsJSON(const TModel& model) {
 
 TAnswer EmptyAnswer() {
   return {"odd",
-          {{"host", "Host"},
+          {{"host", "Host", TColumn::kAll, TColumn::kName},
            {"manufacturer", "", TColumn::kPrograms},
-           {"model", "Model"},
+           {"model", "Model", TColumn::kAll, TColumn::kName},
            {"namespace", "", TColumn::kPrograms},
            {"class", "", TColumn::kPrograms},
            {"object", "", TColumn::kPrograms},
-           {"", "Object", TColumn::kPeople},
+           {"", "Object", TColumn::kPeople, TColumn::kName},
            {"property", "Property"},
+           {"difference", "", TColumn::kPrograms},
            {"value", "", TColumn::kPrograms},
            {"", "Value", TColumn::kPeople},
            {"usual", "", TColumn::kPrograms},

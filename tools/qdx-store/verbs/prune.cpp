@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <charconv>
+#include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <string>
 
-#include "cli/failure.h"
 #include "cli/output.h"
+#include "days.h"
 #include "opened_store.h"
 #include "storage/store.h"
 #include "verbs.h"
@@ -12,22 +13,11 @@
 namespace NVORNQDX20::NStore {
 namespace {
 
-const char* const kDefaultAge = "30d";
-const int kMostDays = 50000;  // back to before 1970 from any day on which this runs
-
-/// "30d" are 30 days.
-std::chrono::hours AgeOf(const std::string& text) {
-  int days = 0;
-  const char* const end = text.data() + text.size();
-  const auto [rest, error] = std::from_chars(text.data(), end, days);
-  if (error != std::errc() || days < 0 || days > kMostDays || std::string(rest, end) != "d") {
-    FailOnUsage("'" + text + "' is no number of days, as in 30d");
-  }
-  return std::chrono::hours(24) * days;
-}
+const char* const kReadings = "readings";
+const int kDefaultDays = 30;
 
 EExitCode Prune(const TArguments& arguments) {
-  const std::chrono::hours age = AgeOf(arguments.Get("readings", kDefaultAge));
+  const auto age = std::chrono::hours(24) * DaysOf(arguments, kReadings, kDefaultDays);
   const auto before = std::chrono::system_clock::now() - age;
   const auto microseconds =
       std::chrono::duration_cast<std::chrono::microseconds>(before.time_since_epoch()).count();
@@ -35,7 +25,8 @@ EExitCode Prune(const TArguments& arguments) {
   try {
     const std::int64_t count =
         TStore(*database).PruneReadings(std::max<std::int64_t>(microseconds, 0));
-    WriteOutput(std::to_string(count) + " readings removed\n");
+    WriteOutput(std::to_string(count) +
+                (count == 1 ? " reading removed\n" : " readings removed\n"));
   } catch (const TDatabaseError& error) {
     FailOnStore(database->GetLocation(), error);
   }
@@ -51,7 +42,7 @@ TVerb PruneVerb() {
       "Readings are the values that change while nobody changes the host, such as temperatures\n"
       "and counters: they are stored with every document. All else is kept. A file does not\n"
       "become smaller, but uses the space again.\n",
-      {{"readings", "AGE", "Keep those of the last days; 30d without this option."}},
+      {{kReadings, "DAYS", "Keep those of the last days (30)."}},
       Prune,
       {{"DB"}}};
 }

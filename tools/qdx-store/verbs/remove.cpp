@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // The verb remove.
-#include <cstdint>
-#include <limits>
 #include <string>
 #include <vector>
 
 #include "chosen_host.h"
 #include "cli/failure.h"
 #include "cli/output.h"
-#include "cli/terminal.h"
+#include "format/answer.h"
 #include "opened_store.h"
 #include "storage/hosts.h"
 #include "storage/removal.h"
@@ -22,22 +20,19 @@ EExitCode Remove(const TArguments& arguments) {
   if (!arguments.Has("since") && !arguments.Has("until")) {
     FailOnUsage("option '--since' or '--until' is missing");
   }
-  std::int64_t since = std::numeric_limits<std::int64_t>::min();
-  std::int64_t until = std::numeric_limits<std::int64_t>::max();
-  if (arguments.Has("since")) since = TimeOption(arguments, "since").fBegin;
-  if (arguments.Has("until")) until = TimeOption(arguments, "until").fEnd;
+  const TTypedTime range = TimeRange(arguments);
   const auto database = OpenStoreOf(arguments.GetOperand(0), EAccess::kExisting);
   try {
     TTransaction transaction(*database);
     LockAllHosts(*database);
     const TFleetHost host = ChosenHost(*database, arguments.GetOperand(1));
-    const auto removed = RemoveDocuments(*database, host.fID, since, until);
+    const auto removed = RemoveDocuments(*database, host.fID, range.fBegin, range.fEnd);
     transaction.Commit();
     std::string text;
     for (const auto& [time, digest] : removed) text += TimeText(time) + " " + digest + "\n";
     WriteOutput(text + std::to_string(removed.size()) +
-                (removed.size() == 1 ? " document of " : " documents of ") +
-                ForTerminal(host.fName) + " removed\n");
+                (removed.size() == 1 ? " document of " : " documents of ") + ShortName(host.fName) +
+                " removed\n");
   } catch (const TDatabaseError& error) {
     FailOnStore(database->GetLocation(), error);
   }

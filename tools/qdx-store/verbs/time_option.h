@@ -3,15 +3,14 @@
 #ifndef TOOLS_QDX_STORE_VERBS_TIME_OPTION_H_
 #define TOOLS_QDX_STORE_VERBS_TIME_OPTION_H_
 
-#include <string>
-
 #include "cli/arguments.h"
 #include "format/time_text.h"
 
 namespace NVORNQDX20::NStore {
 
-/// Returns the value of an option that is there. Throws a TCommandFailure if it is no time.
-TTypedTime TimeOption(const TArguments& arguments, const std::string& option);
+/// Returns what is between the options --since and --until, either of which may lack. Throws a
+/// TCommandFailure if one is no time, or nothing is between them.
+TTypedTime TimeRange(const TArguments& arguments);
 
 }  // namespace NVORNQDX20::NStore
 
