@@ -2,6 +2,7 @@
 #include "input/document_pool.h"
 
 #include <gtest/gtest.h>
+#include <qdxsystem/descriptor.h>
 
 #include <fstream>
 #include <thread>
@@ -108,6 +109,33 @@ TEST_F(DocumentPool, ReadsPipesToTheirEnd) {
   request.fFiles = {pipe};
   EXPECT_EQ(ReadAll(request), "a\n");
   writer.join();
+}
+
+TEST_F(DocumentPool, WaitsOnlySoLongForAPipe) {
+  const std::string document = ReadWholeFile(DocumentOf("a", "a.xml"));
+  const std::string pipe = (fFolder.Path() / "pipe").string();
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  TInputRequest request;
+  request.fFiles = {pipe, DocumentOf("b", "b.xml")};
+  request.fLimits.fTime = std::chrono::seconds(1);
+  EXPECT_EQ(ReadAll(request), "failed: no program writes to it\nb\n");
+  TDescriptor writer(::open(pipe.c_str(), O_RDWR | O_CLOEXEC));
+  request.fLimits.fPipeTime = std::chrono::seconds(2);
+  EXPECT_EQ(ReadAll(request), "failed: its writer takes longer than 2 s\nb\n");
+  // One that says nothing for longer than the worker may need.
+  request.fLimits.fPipeTime = std::chrono::seconds(60);
+  std::thread slow([&] {
+    std::ofstream stream(pipe);
+    ::sleep(2);
+    stream << document;
+  });
+  request.fFiles = {pipe};
+  std::string list;
+  std::thread reader([&] { list = ReadAll(request); });
+  slow.join();
+  writer.Close();
+  reader.join();
+  EXPECT_EQ(list, "a\n");
 }
 
 TEST_F(DocumentPool, ReportsWhatTheReaderLeavesOut) {

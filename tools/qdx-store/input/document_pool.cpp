@@ -32,7 +32,7 @@ TStarted Start(const std::string& file, const TInputRequest& request) {
   TStarted started;
   started.fDocument.fFile = file;
   const auto failure = TryUnlessOutOfMemory([&] {
-    const TOpenedDocument opened = OpenDocument(file, request.fLimits.fBytes);
+    const TOpenedDocument opened = OpenDocument(file, request.fLimits);
     started.fDocument.fDigest = opened.fDigest;
     if (request.fIsKnown && request.fIsKnown(opened.fDigest)) return;
     started.fWorker = std::make_unique<TReadingWorker>(file, opened.fFile, request.fLimits,

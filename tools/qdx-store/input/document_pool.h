@@ -19,7 +19,8 @@ namespace NVORNQDX20::NStore {
 struct TInputLimits {
   std::uint64_t fBytes = std::uint64_t{256} << 20U;  ///< Of the file.
   std::uint64_t fMemory = std::uint64_t{1} << 30U;   ///< Of the worker.
-  std::chrono::seconds fTime{60};
+  std::chrono::seconds fTime{60};       ///< Of the worker, and until a pipe has a writer.
+  std::chrono::seconds fPipeTime{600};  ///< To the end of a pipe: its writer may be collecting.
   std::size_t fFacts = 1'000'000;
   std::size_t fWorkers = 0;  ///< At the same time; 0 for one for each processor.
 };

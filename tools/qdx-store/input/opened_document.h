@@ -5,8 +5,9 @@
 
 #include <qdxsystem/descriptor.h>
 
-#include <cstdint>
 #include <string>
+
+#include "document_pool.h"
 
 namespace NVORNQDX20::NStore {
 
@@ -16,8 +17,9 @@ struct TOpenedDocument {
 };
 
 /// Opens a file, or standard input for "-". What is no regular file, such as a pipe, is read to its
-/// end into a file without a name. Throws a TExplainedException, also for more bytes than allowed.
-TOpenedDocument OpenDocument(const std::string& file, std::uint64_t mostBytes);
+/// end into a file without a name. Throws a TExplainedException, also for more bytes than allowed,
+/// and for a pipe that takes too long.
+TOpenedDocument OpenDocument(const std::string& file, const TInputLimits& limits);
 
 }  // namespace NVORNQDX20::NStore
 
