@@ -79,7 +79,9 @@ class QDXCORE_EXPORT TLogger : public ILogger {
 
  private:
   TLogger();
-  void WriteLine(const std::string& line);
+  void TellAndOutput(EQDXLogSeverity severity, const std::string& message);
+  void Output(EQDXLogSeverity severity, const std::string& message);
+  void WriteLine(const char* line, std::size_t size);
 
   static TLogger* fgInstance;
 
@@ -126,7 +128,11 @@ class TLogListener {
   friend void LogMessage(ILogger::EQDXLogSeverity severity,
                          std::initializer_list<std::string_view> parts);
 
-  static bool AnyHears(ILogger::EQDXLogSeverity severity);
+  static bool AnyHears(ILogger::EQDXLogSeverity severity) {
+    const TLogListener* listener = fgNewest;
+    while (listener != nullptr && severity > listener->fLevel) listener = listener->fOlder;
+    return listener != nullptr;
+  }
   static void TellAll(ILogger::EQDXLogSeverity severity, const std::string& message);
 
   static TLogListener* fgNewest;

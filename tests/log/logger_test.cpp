@@ -64,6 +64,19 @@ TEST_F(Logger, AdmitsByThreshold) {
   EXPECT_EQ(TLogger::GetInstance(), nullptr);
 }
 
+TEST_F(Logger, WritesMessagesOfAnyLength) {
+  fLogger->SetLogFilename(fFile);
+  std::string lines = kOpened;
+  for (const std::size_t length : {0, 498, 499, 500, 501, 512, 9000, 70000}) {
+    std::string message(length, 'x');
+    if (length > 0) message.front() = '\0';
+    fLogger->OutputLogEntry(ILogger::kLogError, message);
+    lines += "PRQ_[Error] " + message + "\n";
+    EXPECT_EQ(History().back(), message);
+    EXPECT_EQ(ReadWholeFile(fFile), lines) << length;  // each line at once
+  }
+}
+
 TEST_F(Logger, RefusesSeveritiesThatHaveNoLabel) {
   fLogger->SetLogThreshold(static_cast<TSeverity>(10));
   EXPECT_QDX_STATUS(fLogger->OutputLogEntry(static_cast<TSeverity>(5), "five"), kQDXStatusFail);
