@@ -26,14 +26,20 @@ const char* FindZone() {
 /// so can the name of any other entry.
 class TZoneWatch {
  public:
-  std::uint32_t Generation(bool looksAtFileNow) {
-    const char* const zone = FindZone();
-    if (!IsKept(zone)) {
-      Keep(zone);
-    } else if (looksAtFileNow || std::time(nullptr) != fSecond) {
-      LookAtFile();
-    }
-    return fState == kUnset || fState == kSet ? fGeneration : 0;
+  std::uint32_t Generation() {
+    if (!fIsHeld) Look(false);
+    return Last();
+  }
+
+  std::uint32_t GenerationNow() {
+    Look(true);
+    return Last();
+  }
+
+  /// Returns whether Generation() does not look.
+  bool& Hold() {
+    if (!fIsHeld) Look(false);
+    return fIsHeld;
   }
 
  private:
@@ -43,6 +49,18 @@ class TZoneWatch {
     kSet,
     kReplaced  // TZ is set, and its file was replaced since
   };
+
+  /// Inline in its callers: a call would cost a tenth of a comparison of date-times.
+  __attribute__((always_inline)) void Look(bool looksAtFileNow) {
+    const char* const zone = FindZone();
+    if (!IsKept(zone)) {
+      Keep(zone);
+    } else if (looksAtFileNow || std::time(nullptr) != fSecond) {
+      LookAtFile();
+    }
+  }
+
+  std::uint32_t Last() const { return fState == kUnset || fState == kSet ? fGeneration : 0; }
 
   bool IsKept(const char* zone) const {
     if (fState == kUnset) return zone == nullptr;
@@ -94,6 +112,7 @@ class TZoneWatch {
     if (::stat(fPath, &fFile) != 0) fFile = {};
   }
 
+  bool fIsHeld = false;
   std::uint32_t fGeneration = 0;
   TState fState = kUnknown;
   char fText[256] = {};
@@ -106,8 +125,14 @@ thread_local TZoneWatch gWatch;
 
 }  // namespace
 
-std::uint32_t ZoneGeneration() { return gWatch.Generation(false); }
+std::uint32_t ZoneGeneration() { return gWatch.Generation(); }
 
-std::uint32_t ZoneGenerationNow() { return gWatch.Generation(true); }
+std::uint32_t ZoneGenerationNow() { return gWatch.GenerationNow(); }
+
+TZoneHold::TZoneHold() : fIsHeld(gWatch.Hold()), fIsFirst(!fIsHeld) { fIsHeld = true; }
+
+TZoneHold::~TZoneHold() {
+  if (fIsFirst) fIsHeld = false;
+}
 
 }  // namespace NVORNQDX20

@@ -186,3 +186,19 @@ TEST(ZoneGeneration, ChangesWithTheFileOfTheZoneUnlessTZIsSet) {
   ::setenv("TZ", ":/usr/share/zoneinfo/posix/America/Argentina/ComodRivadavia", 1);
   EXPECT_NE(ZoneGeneration(), 0U);
 }
+
+TEST(ZoneGeneration, LooksAgainAfterAHold) {
+  ::setenv("TZ", "UTC", 1);
+  const std::uint32_t first = ZoneGeneration();
+  std::uint32_t held = first;
+  ::setenv("TZ", "UTC1", 1);
+  {
+    const TZoneHold hold;
+    held = ZoneGeneration();
+    EXPECT_NE(held, first);
+    ::setenv("TZ", "UTC2", 1);
+    { const TZoneHold inner; }
+    EXPECT_EQ(ZoneGeneration(), held);
+  }
+  EXPECT_NE(ZoneGeneration(), held);
+}

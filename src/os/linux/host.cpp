@@ -59,6 +59,7 @@ void TOSSpecific::USleep(std::uint32_t milliseconds) {
 TCIMDateTime TOSSpecific::GetLocalTime() {
   timespec now{};
   ::clock_gettime(CLOCK_REALTIME, &now);
+  const TZoneHold hold;
   const tm& local = gLocalSecond.At(now.tv_sec);
   const long milliseconds = now.tv_nsec / 1000000;
   try {

@@ -19,6 +19,21 @@ std::uint32_t ZoneGeneration();
 /// Does the same, but looks at the file now.
 std::uint32_t ZoneGenerationNow();
 
+/// Looks at the zone once, and keeps ZoneGeneration() of this thread from looking again: looking
+/// costs more than the rest of an operation, above all where there are many variables. For a few
+/// lines that change neither the environment nor the zone. A second one changes nothing.
+class TZoneHold {
+ public:
+  TZoneHold();
+  ~TZoneHold();
+  TZoneHold(const TZoneHold&) = delete;
+  TZoneHold& operator=(const TZoneHold&) = delete;
+
+ private:
+  bool& fIsHeld;
+  const bool fIsFirst;
+};
+
 }  // namespace NVORNQDX20
 
 #endif  // QDXSYSTEM_ZONE_GENERATION_H_
