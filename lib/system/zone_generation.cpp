@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <qdxsystem/thread_variable.h>
 #include <qdxsystem/zone_generation.h>
 
 #include <cstdio>
@@ -125,11 +126,11 @@ thread_local TZoneWatch gWatch;
 
 }  // namespace
 
-std::uint32_t ZoneGeneration() { return gWatch.Generation(); }
+std::uint32_t ZoneGeneration() { return FoundOnce(gWatch).Generation(); }
 
-std::uint32_t ZoneGenerationNow() { return gWatch.GenerationNow(); }
+std::uint32_t ZoneGenerationNow() { return FoundOnce(gWatch).GenerationNow(); }
 
-TZoneHold::TZoneHold() : fIsHeld(gWatch.Hold()), fIsFirst(!fIsHeld) { fIsHeld = true; }
+TZoneHold::TZoneHold() : fIsHeld(FoundOnce(gWatch).Hold()), fIsFirst(!fIsHeld) { fIsHeld = true; }
 
 TZoneHold::~TZoneHold() {
   if (fIsFirst) fIsHeld = false;

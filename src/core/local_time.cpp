@@ -2,6 +2,7 @@
 #include "local_time.h"
 
 #include <qdxcore/status.h>
+#include <qdxsystem/thread_variable.h>
 #include <qdxsystem/zone_generation.h>
 
 #include <cstdlib>
@@ -159,7 +160,7 @@ thread_local TZoneFacts gZoneFacts;
 }  // namespace
 
 TZoneFacts& TZoneFacts::OfThisThread() {
-  TZoneFacts& facts = gZoneFacts;
+  TZoneFacts& facts = FoundOnce(gZoneFacts);
   facts.fZone = ZoneGeneration();
   return facts;
 }

@@ -2,6 +2,7 @@
 // The time and the names of this machine, and operations that do nothing on Linux.
 #include <qdxcore/os_specific.h>
 #include <qdxcore/status.h>
+#include <qdxsystem/thread_variable.h>
 #include <qdxsystem/zone_generation.h>
 
 #include <cerrno>
@@ -60,7 +61,7 @@ TCIMDateTime TOSSpecific::GetLocalTime() {
   timespec now{};
   ::clock_gettime(CLOCK_REALTIME, &now);
   const TZoneHold hold;
-  const tm& local = gLocalSecond.At(now.tv_sec);
+  const tm& local = FoundOnce(gLocalSecond).At(now.tv_sec);
   const long milliseconds = now.tv_nsec / 1000000;
   try {
     return MakePoint(local, milliseconds, static_cast<std::int16_t>(local.tm_gmtoff / 60));
