@@ -85,15 +85,20 @@ class TObjectPathParser {
   /// From the opening quote up to the closing one, where the position is left.
   std::string ParseQuotedText() {
     std::string text;
-    std::size_t start = ++fPosition;  // of what is not in the text yet
-    for (; fPosition < fPath.size(); ++fPosition) {
-      const char c = fPath[fPosition];
-      const bool isQuote = c == '\\' && IsQuotable(fPosition + 1);
-      if (c != '"' && !isQuote) continue;
-      text.append(fPath, start, fPosition - start);
-      if (!isQuote) return text;
-      start = ++fPosition;
+    std::size_t start = fPosition + 1;  // of what is not in the text yet
+    const std::size_t end = fPath.size();
+    for (std::size_t at = start; at < end; ++at) {
+      const char c = fPath[at];
+      if (c != '"' && c != '\\') continue;
+      if (c == '\\' && !IsQuotable(at + 1)) continue;
+      text.append(fPath, start, at - start);
+      if (c == '"') {
+        fPosition = at;
+        return text;
+      }
+      start = ++at;
     }
+    fPosition = end;
     Refuse("Reference missing closing '\"', path=");
   }
 

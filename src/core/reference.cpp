@@ -116,15 +116,16 @@ void TCIMReferenceImpl::RequireDeclaredType(const std::string& name,
   }
 }
 
-// A name that is bound already keeps its value: emplace() does nothing then.
+// A name that is bound already keeps its value: emplace_hint() does nothing then. Most come in the
+// order of the bindings, each at the end.
 void TCIMReferenceImpl::AddKeyValue(const std::string& name, const TCIMValue& value) {
   RequireDeclaredType(name, value.GetType());
-  fKeyBindings.emplace(name, value);
+  fKeyBindings.emplace_hint(fKeyBindings.end(), name, value);
 }
 
 void TCIMReferenceImpl::AddKeyValue(const std::string& name, TCIMValue&& value) {
   RequireDeclaredType(name, value.GetType());
-  fKeyBindings.emplace(name, std::move(value));
+  fKeyBindings.emplace_hint(fKeyBindings.end(), name, std::move(value));
 }
 
 void TCIMReferenceImpl::EnumerateKeyBindings(const TKeyBindingCallback& callback) const {
