@@ -17,7 +17,8 @@
 /// options. Failures are thrown as TQDXException.
 ///
 /// An enumeration calls back once for each element before it returns, and stops when the callback
-/// returns false. A callback may call the same provider again, so hold no lock during one.
+/// returns false. A callback may call the same provider again, so hold no lock during one. It must
+/// not give up the last reference to the object that calls it.
 ///
 /// An object that a Create operation returns is completed by further calls, and becomes part of its
 /// namespace with Commit(). It can be queried before that, including what a new class inherits. A

@@ -116,8 +116,8 @@ class TLogListener {
  public:
   using TCallback = boost::function<void(ILogger::EQDXLogSeverity, const std::string&)>;
 
-  /// Receives messages of severity `level` and more severe ones. The callback must not log; its
-  /// exceptions reach the code that logs.
+  /// Receives messages of severity `level` and more severe ones. The callback must not log, nor
+  /// destroy the listener; its exceptions reach the code that logs.
   QDXCORE_EXPORT TLogListener(ILogger::EQDXLogSeverity level, const TCallback& callback);
   QDXCORE_EXPORT ~TLogListener();
   TLogListener(const TLogListener&) = delete;

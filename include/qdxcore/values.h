@@ -17,7 +17,8 @@
 
 namespace NVORNQDX20 {
 
-/// Visits a value, which is valid until the callback returns.
+/// Visits a value, which is valid until the callback returns. It may set the property, but not give
+/// up the last reference to the instance.
 using TValueCallback = boost::function<void(const TCIMValue& value)>;
 
 /// What an instance with quick access to its values also is.

@@ -116,10 +116,11 @@ void TInstance::EnumerateProperties(const TEnumerationCallback<ICIMProperty>& ca
 
 void TInstance::ReadValue(std::size_t slot, const TValueCallback& callback) const {
   const TStoredValue& stored = Values()[slot];
-  const TCIMValue* const present =
-      stored.IsSet() ? stored.FindBoxed() : &fClass.InitialValueAt(slot);
-  if (present != nullptr && !HoldsReferences(present->GetType())) return callback(*present);
-  callback(BoundValueAt(slot));
+  if (const TReadValue* const read = stored.FindRead()) return callback(read->GetValue());
+  if (!stored.IsSet() && !HoldsReferences(DeclAt(slot).GetType())) {
+    return callback(fClass.InitialValueAt(slot));
+  }
+  callback(BoundValueAt(slot));  // the callback may set another one
 }
 
 bool TInstance::FindPlainValue(std::size_t slot, TPlainValue& found) const {

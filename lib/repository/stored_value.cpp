@@ -2,6 +2,7 @@
 #include "stored_value.h"
 
 #include <qdxcore/reference.h>
+#include <qdxcore/status.h>
 #include <qdxmodel/type.h>
 #include <qdxmodel/visit.h>
 
@@ -34,13 +35,31 @@ void Hash(THasher& hasher, const T& value) {
 
 void Hash(THasher& hasher, const std::string& value) { hasher.Add(value); }
 
-/// Equal points in time have different texts if their offsets differ, but the same distance to a
-/// third point.
+/// Returns the seconds at UTC, counted from some point long ago.
+std::int64_t SecondsOf(const TCIMDateTime& point) {
+  // Years begin in March, so that the leap day is the last day of a year.
+  const std::int64_t months = std::int64_t{point.GetYear() + 400} * 12 + point.GetMonth() - 3;
+  const std::int64_t years = months / 12;
+  const std::int64_t days = years * 365 + years / 4 - years / 100 + years / 400 +
+                            (months % 12 * 153 + 2) / 5 + static_cast<std::int32_t>(point.GetDay());
+  return ((days * 24 + point.GetHour()) * 60 + point.GetMinute() - point.GetUTCOffset()) * 60 +
+         point.GetSecond();
+}
+
+/// Unlike with the operator, points that are equal once always are: the process's zone, in which
+/// the operator reads all points, can change while they are keys.
+bool IsSameTime(const TCIMDateTime& left, const TCIMDateTime& right) {
+  if (left.IsInterval() || right.IsInterval()) {
+    return left.IsInterval() && right.IsInterval() && left == right;
+  }
+  return SecondsOf(left) == SecondsOf(right) && left.GetMicroSeconds() == right.GetMicroSeconds();
+}
+
 void Hash(THasher& hasher, const TCIMDateTime& value) {
-  const TCIMDateTime origin =
-      value.IsInterval() ? TCIMDateTime(0, 0, 0, 0, 0) : TCIMDateTime(2000, 1, 1, 0, 0, 0, 0, 0);
-  hasher.Add(value.IsInterval() ? 1 : 0);
-  hasher.Add((value - origin).ToString());
+  if (value.IsNull()) throw TQDXException(kQDXStatusInvalidDateTime);
+  if (value.IsInterval()) return hasher.Add((value - TCIMDateTime(0, 0, 0, 0, 0)).ToString());
+  hasher.Add(static_cast<std::uint64_t>(SecondsOf(value)));
+  hasher.Add(value.GetMicroSeconds());
 }
 
 void Hash(THasher& hasher, const TCIMValue& value);
@@ -318,6 +337,9 @@ bool TStoredValue::Equals(const TStoredValue& other, TType type) const {
                         return one.fSlot == two.fSlot &&
                                one.fValue.Equals(two.fValue, left.TypeOf(one));
                       });
+  }
+  if (type == TType::kCIMTypeDateTime && !IsNull() && !other.IsNull()) {
+    return IsSameTime(WithoutOwner(type), other.WithoutOwner(type));
   }
   const bool isReal = type == TType::kCIMTypeReal32 || type == TType::kCIMTypeReal64;
   if (fKind == kNumber && other.fKind == kNumber && !isReal) {

@@ -145,6 +145,7 @@ TClass* OwnClass(const boost::shared_ptr<ICIMClass>& cimClass, const TClass& use
 TCIMValue BoundCopy(const TCIMValue& value, TNamespace& ns) { return TBinding(ns).Copy(value); }
 
 void Replace(TCIMValue& target, TCIMValue&& source) noexcept {
+  const TCIMValue old(std::move(target));  // ends last, since that can reach the target again
   target.~TCIMValue();
   new (&target) TCIMValue(std::move(source));
 }

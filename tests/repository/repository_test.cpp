@@ -9,6 +9,7 @@
 #include "support/expect_status.h"
 #include "support/provider_suite.h"
 
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 
@@ -67,6 +68,32 @@ TEST(Repository, FindsAnInstanceByExactlyItsKeys) {
     const TCIMReference reference(ns, path, {});
     EXPECT_EQ(reference.GetClass()->GetInstance(reference, {}) != nullptr, isFound) << path;
   }
+}
+
+/// In Caracas, clocks have moved by half an hour between 2000 and 2010.
+TEST(Repository, FindsATimeInWhateverZone) {
+  ::setenv("TZ", "America/Caracas", 1);
+  const TNamespace ns = MakeNamespace();
+  AddClass(ns, "T_A", {{"At", TCIMDateTime(1, 0, 0, 0, 0)}});
+  // One whose reading mktime() refuses in UTC without the offset, and one that carries over.
+  for (const char* at :
+       {"20100701120000.000007-240", "19691231235959.000000+060", "20100229236000.000000+000",
+        "00000001000000.000000:000", "20000101000000.000000+000"}) {
+    AddInstance(ns, "T_A", {{"At", TCIMDateTime(at)}});
+  }
+  ::setenv("TZ", "UTC", 1);
+  const std::pair<bool, const char*> rows[] = {
+      {true, "20100701160000.000007+000"},  {false, "20100701160000.000008+000"},
+      {false, "20100701163000.000007+000"}, {true, "19691231225859.000000-001"},
+      {true, "20100302000000.000000+000"},  {true, "19991231230000.000000-060"},
+      {false, "20000102000000.000000+000"}, {true, "00000001000000.000000:000"}};
+  for (const auto& [isFound, at] : rows) {
+    TCIMReference path(ns, {});
+    path.SetClass(ns->GetClass("T_A", {}));
+    path.AddKeyValue("At", TCIMDateTime(at));
+    EXPECT_EQ(path.GetClass()->GetInstance(path, {}) != nullptr, isFound) << at;
+  }
+  ::unsetenv("TZ");
 }
 
 TEST(Repository, ComparesKeysWhereTheHashesAreTheSame) {
@@ -189,6 +216,24 @@ TEST(Repository, ReadsTheSameValuesByPosition) {
     }
   }
   EXPECT_GT(plains, 10);
+}
+
+TEST(Repository, LetsAReaderSetWhatItReads) {
+  const TNamespace ns = MakeNamespace();
+  const auto none = [](unsigned size) { return TCIMValue(TCIMType::kCIMTypeString, size); };
+  AddClass(ns, "T_A", {{"Id", ""}}, {{"Names", none(5)}});
+  const auto a = ns->GetClass("T_A", {})->CreateInstance({});
+  unsigned size = 5;
+  for (const bool isReadByName : {false, false, true}) {
+    if (isReadByName) (void)a->GetProperty("Names", {});
+    dynamic_cast<const IValuesOfInstance&>(*a).ReadValue(1, [&](const TCIMValue& value) {
+      EXPECT_EQ(value.GetMaxArraySize(), size);
+      a->SetPropertyValue("Names", none(++size), {});
+      EXPECT_TRUE(value.IsNull());
+      EXPECT_EQ(value.GetType(), TCIMType::kCIMTypeString | 16);
+    });
+  }
+  EXPECT_EQ(a->GetProperty("Names", {})->GetValue().GetMaxArraySize(), 8U);
 }
 
 TEST(Repository, AnswersTheClosestStaticValueOrTheDefault) {

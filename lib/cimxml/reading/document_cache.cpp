@@ -22,6 +22,10 @@ namespace {
   LogErrorAndThrow(code, {"cimxml: ", file == "-" ? "standard input" : file, ": ", reason});
 }
 
+bool IsSame(const timespec& left, const timespec& right) {
+  return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
+}
+
 }  // namespace
 
 boost::shared_ptr<TRepositoryProvider> ReadDocumentFile(const std::string& file,
@@ -43,11 +47,12 @@ TDocumentCache::TIdentity::TIdentity(const std::string& file) {
   if (file == "-" || !S_ISREG(status.st_mode)) return;  // cannot be read twice
   fSize = status.st_size;
   fTime = status.st_mtim;
+  fChangeTime = status.st_ctim;
 }
 
 bool TDocumentCache::TIdentity::operator==(const TIdentity& other) const {
   return fDevice == other.fDevice && fInode == other.fInode && fSize == other.fSize &&
-         fTime.tv_sec == other.fTime.tv_sec && fTime.tv_nsec == other.fTime.tv_nsec;
+         IsSame(fTime, other.fTime) && IsSame(fChangeTime, other.fChangeTime);
 }
 
 boost::shared_ptr<TRepositoryProvider> TDocumentCache::Read(const std::string& file) {

@@ -94,7 +94,7 @@ class TDocumentCache {
   boost::shared_ptr<TRepositoryProvider> Read(const std::string& file);
 
  private:
-  /// Identifies a state of a file: device, inode, size and time of modification.
+  /// Identifies a state of a file. The time of modification alone can be set back.
   struct TIdentity {
     TIdentity() = default;
     explicit TIdentity(const std::string& file);
@@ -104,6 +104,7 @@ class TDocumentCache {
     ino_t fInode = 0;
     off_t fSize = 0;
     timespec fTime{};
+    timespec fChangeTime{};
   };
 
   const TReadingLimits fLimits;
