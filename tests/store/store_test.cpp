@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <random>
 #include <set>
@@ -13,6 +14,7 @@
 #include "postgresql_server.h"
 #include "sample_document.h"
 #include "storage/hosts.h"
+#include "storage/identity.h"
 #include "storage/removal.h"
 #include "support/expect_status.h"
 #include "support/temp_dir.h"
@@ -169,6 +171,61 @@ TEST_P(Store, DependsOnTheDocumentsAndNotOnTheirOrder) {
       Renew();
       for (const TDocumentFacts& document : documents) fStore->Add(document);
       EXPECT_EQ(Contents(), expected) << "round " << round;
+    }
+    Renew();
+  }
+}
+
+/// Of few texts, so that many have something in common.
+THostIdentity RandomIdentity(std::mt19937& random) {
+  const auto text = [&random](const std::string& kind, unsigned shareOfNone) {
+    const auto which = static_cast<unsigned>(random() % (3 + shareOfNone));
+    return which < 3 ? kind + "-" + std::to_string(which) : "";
+  };
+  THostIdentity host;
+  host.fUUID = text("uuid", 6);
+  host.fMachineID = text("machine", 3);
+  host.fSerialNumber = text("serial", 4);
+  host.fMaker = random() % 2 == 0 ? "acme" : "globex";
+  host.fName = text("name", 1);
+  return host;
+}
+
+TEST_P(Store, GroupsHostsAsIfAllWereComparedAtOnce) {
+  std::mt19937 random(6);
+  for (int round = 0; round < (GetParam() ? 3 : 60); ++round) {
+    std::map<std::string, TIdentity> identities;  // by digest of the document
+    const auto expectKeys = [&] {
+      std::vector<TIdentity> all;
+      for (const auto& [digest, identity] : identities) all.push_back(identity);
+      const std::vector<std::string> keys = HostKeys(all);
+      std::multiset<std::string> rows;
+      auto key = keys.begin();
+      for (const auto& each : identities) rows.insert(each.first + "|" + *key++);
+      EXPECT_EQ(
+          Rows("SELECT d.digest, h.key FROM document AS d JOIN host AS h ON h.id = d.host", 2),
+          rows)
+          << "round " << round;
+      EXPECT_EQ(Rows("SELECT DISTINCT host FROM document", 1), Rows("SELECT id FROM host", 1));
+    };
+    for (unsigned i = 0; i < 16; ++i) {
+      const TDocumentFacts document = Document(RandomIdentity(random), 1000 + i);
+      const TIdentity identity = IdentityOf(document.fHost);
+      if (identity.IsNobody()) continue;
+      fStore->Add(document);
+      identities[document.fDigest] = identity;
+    }
+    expectKeys();
+    for (int removals = 0; removals < 4; ++removals) {
+      TTransaction transaction(*fDatabase);
+      LockAllHosts(*fDatabase);
+      const auto host = fDatabase->QueryNumber("SELECT MIN(host) FROM document").value();
+      for (const auto& each : RemoveDocuments(*fDatabase, host, 0, 1'008'000)) {
+        identities.erase(each.fDigest);
+      }
+      transaction.Commit();
+      expectKeys();
+      if (identities.empty()) break;
     }
     Renew();
   }

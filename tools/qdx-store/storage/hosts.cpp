@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "hosts.h"
 
+#include <algorithm>
 #include <cstddef>
-#include <iterator>
 #include <map>
 #include <optional>
-#include <set>
 
 #include <nlohmann/json.hpp>
 
 #include "digest.h"
 #include "host_timelines.h"
+#include "identity_group.h"
 
 namespace NVORNQDX20::NStore {
 namespace {
@@ -50,82 +50,36 @@ std::optional<TKnownHost> Lookup(TDatabase& database, const std::string& digest)
   return found;
 }
 
-/// An identity in the store.
-struct TStoredIdentity {
-  std::int64_t fNumber;
-  std::int64_t fHost;
-  std::string fHostKey;
-  TIdentity fIdentity;
-};
-
-/// The identities on whose hosts a new identity may have an effect, and those on which their hosts
-/// depend. The host of an identity with a UUID depends on no other one: a thousand copies of one
-/// installation are no group.
-class TGroup {
- public:
-  TGroup(TDatabase& database, const TIdentity& identity) : fDatabase(database) {
-    AddAll("uuid", identity.fUUID, "");  // the host exists
-    AddAllLike(identity, identity.fUUID.empty() ? "" : " AND i.uuid = ''");
-    fDone.clear();  // those with a UUID count for the hosts of the others
-    for (std::size_t next = 0; next < fIdentities.size(); ++next) {
-      const TIdentity each = fIdentities[next].fIdentity;  // AddAll() may move them
-      if (each.fUUID.empty()) AddAllLike(each, "");
-    }
-  }
-
-  const std::vector<TStoredIdentity>& Get() const { return fIdentities; }
-
- private:
-  /// Adds all identities that have something in common with this one.
-  void AddAllLike(const TIdentity& identity, const std::string& condition) {
-    AddAll("machine_id", identity.fMachineID, condition);
-    AddAll("serial_number", identity.fSerialNumber, condition);
-    AddAll("name", identity.fName, condition);
-  }
-
-  void AddAll(const std::string& column, const std::string& text, const std::string& condition) {
-    if (text.empty() || !fDone.insert(column + text).second) return;
-    fDatabase.Query(
-        "SELECT i.id, i.host, h.key, i.uuid, i.machine_id, i.serial_number, i.manufacturer, i.name"
-        " FROM identity AS i JOIN host AS h ON h.id = i.host WHERE i." +
-            column + " = :text" + condition,
-        8, {text}, [&](const TRow& row) {
-          TStoredIdentity identity = {ToNumber(row[0]),
-                                      ToNumber(row[1]),
-                                      *row[2],
-                                      {*row[3], *row[4], *row[5], *row[6], *row[7]}};
-          if (fNumbers.insert(identity.fNumber).second) fIdentities.push_back(std::move(identity));
-        });
-  }
-
-  TDatabase& fDatabase;
-  std::vector<TStoredIdentity> fIdentities;
-  std::set<std::int64_t> fNumbers;
-  std::set<std::string> fDone;
-};
-
 std::int64_t RequireHost(TDatabase& database, const std::string& key) {
   database.Execute("INSERT INTO host (key, name) VALUES (:key, '') ON CONFLICT (key) DO NOTHING",
                    {key});
   return database.QueryNumber("SELECT id FROM host WHERE key = :key", {key}).value();
 }
 
+/// Returns whether the host has no other identities than so many, and none has the key.
+bool CanBeRenamed(TDatabase& database, std::int64_t host, std::size_t identities,
+                  const std::string& key) {
+  const char* const kCount = "SELECT COUNT(*) FROM identity WHERE host = :host";
+  const char* const kHasKey = "SELECT COUNT(*) FROM host WHERE key = :key";
+  return database.QueryNumber(kCount, {host}) == static_cast<std::int64_t>(identities) &&
+         database.QueryNumber(kHasKey, {key}) == 0;
+}
+
 /// Gives a host that goes on as another one as a whole its new key.
 void RenameHosts(TDatabase& database, std::vector<TStoredIdentity>& stored,
                  const std::vector<std::string>& keys) {
-  std::map<std::int64_t, std::set<std::string>> keysOfHosts;
-  std::set<std::string> usedKeys;
-  for (std::size_t i = 0; i < stored.size(); ++i) {
-    keysOfHosts[stored[i].fHost].insert(keys[i]);
-    usedKeys.insert(stored[i].fHostKey);
-  }
-  for (const auto& [host, newKeys] : keysOfHosts) {
-    const std::string& key = *newKeys.begin();
-    if (newKeys.size() > 1 || !usedKeys.insert(key).second) continue;
-    database.Execute("UPDATE host SET key = :key WHERE id = :host", {key, host});
-    for (TStoredIdentity& identity : stored) {
-      if (identity.fHost == host) identity.fHostKey = key;
+  std::map<std::int64_t, std::vector<std::size_t>> byHost;
+  for (std::size_t i = 0; i < stored.size(); ++i) byHost[stored[i].fHost].push_back(i);
+  for (const auto& [host, indexes] : byHost) {
+    const std::string& key = keys[indexes.front()];
+    const bool isWhole =
+        std::all_of(indexes.begin(), indexes.end(), [&](std::size_t i) { return keys[i] == key; });
+    if (!isWhole || stored[indexes.front()].fHostKey == key ||
+        !CanBeRenamed(database, host, indexes.size(), key)) {
+      continue;
     }
+    database.Execute("UPDATE host SET key = :key WHERE id = :host", {key, host});
+    for (const std::size_t i : indexes) stored[i].fHostKey = key;
   }
 }
 
@@ -161,13 +115,9 @@ void GiveKeys(TDatabase& database, std::vector<TStoredIdentity> stored,
 
 /// Adds the identity, and moves the documents of others that belong to other hosts from now on.
 TKnownHost AddIdentity(TDatabase& database, const TIdentity& identity, const std::string& digest) {
-  const std::vector<TStoredIdentity> stored = TGroup(database, identity).Get();
-  std::vector<TIdentity> identities;
-  identities.reserve(stored.size() + 1);
-  for (const TStoredIdentity& each : stored) identities.push_back(each.fIdentity);
-  identities.push_back(identity);
-  const std::vector<std::string> keys = HostKeys(identities);
-  GiveKeys(database, stored, {keys.begin(), std::prev(keys.end())});
+  const TIdentityGroup group(database, identity, TIdentityGroup::kAdded);
+  const std::vector<std::string>& keys = group.GetKeys();
+  GiveKeys(database, group.GetStored(), keys);
   const std::int64_t host = RequireHost(database, keys.back());
   database.Execute(
       "INSERT INTO identity (digest, uuid, machine_id, serial_number, manufacturer, name, host)"
@@ -233,11 +183,8 @@ void RemoveIdentity(TDatabase& database, std::int64_t number) {
         host = ToNumber(row[5]);
       });
   database.Execute("DELETE FROM identity WHERE id = :identity", {number});
-  const std::vector<TStoredIdentity> stored = TGroup(database, identity).Get();
-  std::vector<TIdentity> identities;
-  identities.reserve(stored.size());
-  for (const TStoredIdentity& each : stored) identities.push_back(each.fIdentity);
-  GiveKeys(database, stored, HostKeys(identities));
+  const TIdentityGroup group(database, identity, TIdentityGroup::kRemoved);
+  GiveKeys(database, group.GetStored(), group.GetKeys());
   RemoveUnusedHost(database, host);
 }
 

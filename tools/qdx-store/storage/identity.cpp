@@ -110,8 +110,10 @@ std::string SerialOf(const TIdentity& identity) {
 /// depends only on the results of the turns before.
 class TAssignment {
  public:
-  explicit TAssignment(const std::vector<TIdentity>& identities)
-      : fIdentities(identities), fKeys(identities.size()) {}
+  TAssignment(const std::vector<TIdentity>& identities, const std::vector<std::string>& known)
+      : fIdentities(identities), fKnown(known), fKeys(identities.size()) {
+    fKnown.resize(identities.size());
+  }
 
   std::vector<std::string> Run() {
     Assign([](const TIdentity& i) { return !i.fUUID.empty(); },
@@ -141,7 +143,7 @@ class TAssignment {
     std::vector<std::size_t> assigned;
     for (std::size_t i = 0; i < fIdentities.size(); ++i) {
       if (!fKeys[i].empty() || !select(fIdentities[i])) continue;
-      fKeys[i] = getKey(fIdentities[i]);
+      fKeys[i] = fKnown[i].empty() ? getKey(fIdentities[i]) : fKnown[i];
       assigned.push_back(i);
     }
     for (const std::size_t i : assigned) {
@@ -184,6 +186,7 @@ class TAssignment {
   }
 
   const std::vector<TIdentity>& fIdentities;
+  std::vector<std::string> fKnown;
   std::vector<std::string> fKeys;
   THosts fSerials;  // of a machine-id
   THosts fByMachine;
@@ -214,8 +217,9 @@ TIdentity IdentityOf(const THostIdentity& host) {
   return identity;
 }
 
-std::vector<std::string> HostKeys(const std::vector<TIdentity>& identities) {
-  return TAssignment(identities).Run();
+std::vector<std::string> HostKeys(const std::vector<TIdentity>& identities,
+                                  const std::vector<std::string>& known) {
+  return TAssignment(identities, known).Run();
 }
 
 }  // namespace NVORNQDX20::NStore

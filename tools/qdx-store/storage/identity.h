@@ -30,8 +30,11 @@ TIdentity IdentityOf(const THostIdentity& host);
 /// identities has no effect. A host has one product UUID. An identity without a UUID belongs to the
 /// only host that has its machine-id; to the one of several that also has its name. An identity
 /// without a machine-id belongs to the only host with its serial number and maker, and one without
-/// these to the only one with its name. Otherwise it is a host of its own.
-std::vector<std::string> HostKeys(const std::vector<TIdentity>& identities);
+/// these to the only one with its name. Otherwise it is a host of its own. `known` are keys that
+/// some have already, empty for the others: for such an identity those that decide its key need not
+/// be there.
+std::vector<std::string> HostKeys(const std::vector<TIdentity>& identities,
+                                  const std::vector<std::string>& known = {});
 
 }  // namespace NVORNQDX20::NStore
 
