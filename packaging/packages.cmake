@@ -51,6 +51,10 @@ set(CPACK_DEBIAN_TOOL_PACKAGE_NAME qdx)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION admin)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} ${same_version}")
+set(CPACK_DEBIAN_TOOL_PACKAGE_CONTROL_EXTRA
+  ${CMAKE_CURRENT_LIST_DIR}/systemd/postinst
+  ${CMAKE_CURRENT_LIST_DIR}/systemd/prerm
+  ${CMAKE_CURRENT_LIST_DIR}/systemd/postrm)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SUGGESTS "pci.ids, usb.ids")  # names of devices
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 set(CPACK_COMPONENT_TOOL_DESCRIPTION "describe and diagnose a Linux server
@@ -61,7 +65,9 @@ add plug-ins.")
 set(CPACK_DEBIAN_STORE_PACKAGE_NAME qdx-store)
 set(CPACK_DEBIAN_STORE_PACKAGE_SECTION admin)
 set(CPACK_DEBIAN_STORE_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_STORE_PACKAGE_DEPENDS "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} ${same_version}")
+# The library does not tell that the table sqlite_schema came with 3.33.
+set(CPACK_DEBIAN_STORE_PACKAGE_DEPENDS
+  "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} ${same_version}, libsqlite3-0 (>= 3.33)")
 set(CPACK_DEBIAN_STORE_PACKAGE_SUGGESTS "qdx, sqlite3 | postgresql-client")
 set(CPACK_COMPONENT_STORE_DESCRIPTION "store of what many Linux servers consist of
 The command qdx-store reads documents that qdx has written on any number of
