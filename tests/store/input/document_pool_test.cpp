@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <qdxsystem/descriptor.h>
 
+#include <csignal>
 #include <fstream>
 #include <thread>
 
@@ -27,9 +28,9 @@ class DocumentPool : public ::testing::Test {
   }
 
   /// One line for each document: the host, or the failure.
-  static std::string ReadAll(const TInputRequest& request) {
+  static std::string ReadAll(const TInputRequest& request, const TInputLimits& limits = {}) {
     std::string list;
-    ReadDocuments(request, [&list](TInputDocument&& document) {
+    TDocumentPool(limits).Read(request, [&list](TInputDocument&& document) {
       list += (document.fFacts             ? document.fFacts->fHost.fName
                : document.fFailure.empty() ? "known"
                                            : "failed: " + document.fFailure) +
@@ -75,7 +76,7 @@ TEST_F(DocumentPool, LeavesOutWhatIsKnown) {
   TInputRequest request;
   request.fFiles = {DocumentOf("a", "a.xml"), DocumentOf("b", "b.xml")};
   std::string digest;
-  ReadDocuments(request, [&digest](TInputDocument&& document) {
+  TDocumentPool().Read(request, [&digest](TInputDocument&& document) {
     if (digest.empty()) digest = document.fDigest;
   });
   EXPECT_EQ(digest.size(), 64U);
@@ -86,18 +87,19 @@ TEST_F(DocumentPool, LeavesOutWhatIsKnown) {
 TEST_F(DocumentPool, BoundsEachDocument) {
   TInputRequest request;
   request.fFiles = {DocumentOf("a", "a.xml")};
-  request.fLimits.fFacts = 2;
-  EXPECT_EQ(ReadAll(request), "failed: it has more than 2 facts\n");
-  request.fLimits = {};
-  request.fLimits.fBytes = 100;
-  EXPECT_EQ(ReadAll(request), "failed: it has more than 0 MiB\n");
-  request.fLimits = {};
+  TInputLimits limits;
+  limits.fFacts = 2;
+  EXPECT_EQ(ReadAll(request, limits), "failed: it has more than 2 facts\n");
+  limits = {};
+  limits.fBytes = 100;
+  EXPECT_EQ(ReadAll(request, limits), "failed: it has more than 0 MiB\n");
+  limits = {};
   request.fFiles = {fFolder.Write("bomb.xml", "<CIM>" + std::string(30 << 20, ' '))};
-  request.fLimits.fMemory = 8 << 20;
-  EXPECT_NE(ReadAll(request).find("failed: "), std::string::npos);
-  request.fLimits = {};
-  request.fLimits.fTime = std::chrono::seconds(0);
-  EXPECT_EQ(ReadAll(request), "failed: it takes longer than 0 s to read\n");
+  limits.fMemory = 8 << 20;
+  EXPECT_NE(ReadAll(request, limits).find("failed: "), std::string::npos);
+  limits = {};
+  limits.fTime = std::chrono::seconds(0);
+  EXPECT_EQ(ReadAll(request, limits), "failed: it takes longer than 0 s to read\n");
 }
 
 TEST_F(DocumentPool, ReadsPipesToTheirEnd) {
@@ -117,13 +119,14 @@ TEST_F(DocumentPool, WaitsOnlySoLongForAPipe) {
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
   TInputRequest request;
   request.fFiles = {pipe, DocumentOf("b", "b.xml")};
-  request.fLimits.fTime = std::chrono::seconds(1);
-  EXPECT_EQ(ReadAll(request), "failed: no program writes to it\nb\n");
+  TInputLimits limits;
+  limits.fTime = std::chrono::seconds(1);
+  EXPECT_EQ(ReadAll(request, limits), "failed: no program writes to it\nb\n");
   TDescriptor writer(::open(pipe.c_str(), O_RDWR | O_CLOEXEC));
-  request.fLimits.fPipeTime = std::chrono::seconds(2);
-  EXPECT_EQ(ReadAll(request), "failed: its writer takes longer than 2 s\nb\n");
+  limits.fPipeTime = std::chrono::seconds(2);
+  EXPECT_EQ(ReadAll(request, limits), "failed: its writer takes longer than 2 s\nb\n");
   // One that says nothing for longer than the worker may need.
-  request.fLimits.fPipeTime = std::chrono::seconds(60);
+  limits.fPipeTime = std::chrono::seconds(60);
   std::thread slow([&] {
     std::ofstream stream(pipe);
     ::sleep(2);
@@ -131,7 +134,7 @@ TEST_F(DocumentPool, WaitsOnlySoLongForAPipe) {
   });
   request.fFiles = {pipe};
   std::string list;
-  std::thread reader([&] { list = ReadAll(request); });
+  std::thread reader([&] { list = ReadAll(request, limits); });
   slow.join();
   writer.Close();
   reader.join();
@@ -145,7 +148,7 @@ TEST_F(DocumentPool, ReportsWhatTheReaderLeavesOut) {
   text.replace(text.find("</DECLGROUP.WITHNAME>"), 21, bad);
   TInputRequest request;
   request.fFiles = {fFolder.Write("b.xml", text)};
-  ReadDocuments(request, [](TInputDocument&& document) {
+  TDocumentPool().Read(request, [](TInputDocument&& document) {
     ASSERT_TRUE(document.fFacts) << document.fFailure;
     EXPECT_FALSE(document.fFacts->fIsComplete);
     ASSERT_EQ(document.fFacts->fWarnings.size(), 1U);
@@ -154,11 +157,31 @@ TEST_F(DocumentPool, ReportsWhatTheReaderLeavesOut) {
   });
 }
 
+TEST_F(DocumentPool, GoesOnWithoutTheProcessThatStartsWorkers) {
+  TInputRequest request;
+  std::string expected;
+  for (int i = 0; i < 6; ++i) {
+    request.fFiles.push_back(DocumentOf("a", std::to_string(i) + ".xml"));
+    expected += "a";
+  }
+  TDocumentPool pool;
+  pid_t launcher = 0;
+  std::ifstream("/proc/thread-self/children") >> launcher;
+  if (launcher <= 0) GTEST_SKIP() << "the kernel does not list children";
+  std::string hosts;
+  pool.Read(request, [&](TInputDocument&& document) {
+    hosts += document.fFacts ? document.fFacts->fHost.fName : document.fFailure;
+    if (hosts.size() == 2) ::kill(launcher, SIGKILL);
+  });
+  EXPECT_EQ(hosts, expected);
+}
+
 TEST_F(DocumentPool, EndsItsWorkersIfTheCallerThrows) {
   TInputRequest request;
   for (int i = 0; i < 4; ++i) request.fFiles.push_back(DocumentOf("a", std::to_string(i) + ".xml"));
-  EXPECT_THROW(ReadDocuments(request, [](TInputDocument&&) { throw std::runtime_error("full"); }),
-               std::runtime_error);
+  EXPECT_THROW(
+      TDocumentPool().Read(request, [](TInputDocument&&) { throw std::runtime_error("full"); }),
+      std::runtime_error);
   EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "no child is left";
 }
 

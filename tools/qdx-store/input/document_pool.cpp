@@ -12,6 +12,7 @@
 
 #include "opened_document.h"
 #include "reading_worker.h"
+#include "worker_launcher.h"
 
 namespace NVORNQDX20::NStore {
 namespace {
@@ -28,15 +29,15 @@ std::size_t WorkersFor(const TInputLimits& limits) {
   return static_cast<std::size_t>(std::clamp(::sysconf(_SC_NPROCESSORS_ONLN), 1L, kMost));
 }
 
-TStarted Start(const std::string& file, const TInputRequest& request) {
+TStarted Start(const std::string& file, const TInputRequest& request, const TInputLimits& limits,
+               TWorkerLauncher& launcher) {
   TStarted started;
   started.fDocument.fFile = file;
   const auto failure = TryUnlessOutOfMemory([&] {
-    const TOpenedDocument opened = OpenDocument(file, request.fLimits);
+    const TOpenedDocument opened = OpenDocument(file, limits);
     started.fDocument.fDigest = opened.fDigest;
     if (request.fIsKnown && request.fIsKnown(opened.fDigest)) return;
-    started.fWorker = std::make_unique<TReadingWorker>(file, opened.fFile, request.fLimits,
-                                                       request.fTimeOfOthers);
+    started.fWorker = std::make_unique<TReadingWorker>(opened.fFile, limits, launcher);
   });
   if (failure) started.fDocument.fFailure = failure->GetReason();
   return started;
@@ -54,14 +55,19 @@ TInputDocument Finish(TStarted&& started) {
 
 }  // namespace
 
-void ReadDocuments(const TInputRequest& request,
-                   const std::function<void(TInputDocument&&)>& take) {
-  const std::size_t workers = WorkersFor(request.fLimits);
+TDocumentPool::TDocumentPool(const TInputLimits& limits)
+    : fLimits(limits), fLauncher(std::make_unique<TWorkerLauncher>(limits)) {}
+
+TDocumentPool::~TDocumentPool() = default;
+
+void TDocumentPool::Read(const TInputRequest& request,
+                         const std::function<void(TInputDocument&&)>& take) {
+  const std::size_t workers = WorkersFor(fLimits);
   std::deque<TStarted> started;
   auto next = request.fFiles.begin();
   const auto fill = [&] {
     while (started.size() < workers && next != request.fFiles.end()) {
-      started.push_back(Start(*next++, request));
+      started.push_back(Start(*next++, request, fLimits, *fLauncher));
     }
   };
   for (fill(); !started.empty();) {

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -35,19 +36,28 @@ struct TInputDocument {
 
 struct TInputRequest {
   std::vector<std::string> fFiles;
-  TInputLimits fLimits = {};
-  /// The time of documents that do not say when they were collected, as TDocumentFacts::fTime.
-  /// Without it they are failures.
-  std::optional<std::int64_t> fTimeOfOthers = {};
   /// Called with the digest before a document is read: true leaves it out, and it arrives without
   /// facts and without failure. Documents with the same bytes can be read at the same time, before
   /// one of them is known.
   std::function<bool(const std::string& digest)> fIsKnown = nullptr;
 };
 
-/// Calls `take` for each document in the order of the files. A document that cannot be used stops
-/// nothing. What `take` throws is passed on, after killing the workers.
-void ReadDocuments(const TInputRequest& request, const std::function<void(TInputDocument&&)>& take);
+class TWorkerLauncher;
+
+/// To be made before a database is opened: see TWorkerLauncher.
+class TDocumentPool {
+ public:
+  explicit TDocumentPool(const TInputLimits& limits = {});
+  ~TDocumentPool();
+
+  /// Calls `take` for each document in the order of the files. A document that cannot be used stops
+  /// nothing. What `take` throws is passed on, after killing the workers.
+  void Read(const TInputRequest& request, const std::function<void(TInputDocument&&)>& take);
+
+ private:
+  const TInputLimits fLimits;
+  std::unique_ptr<TWorkerLauncher> fLauncher;
+};
 
 }  // namespace NVORNQDX20::NStore
 

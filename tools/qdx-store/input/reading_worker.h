@@ -14,6 +14,7 @@
 
 #include "document_pool.h"
 #include "facts_message.h"
+#include "worker_launcher.h"
 
 namespace NVORNQDX20::NStore {
 
@@ -22,8 +23,8 @@ namespace NVORNQDX20::NStore {
 class TReadingWorker {
  public:
   /// Starts it. `document` is at its start. Throws a TExplainedException if that fails.
-  TReadingWorker(const std::string& name, const TDescriptor& document, const TInputLimits& limits,
-                 std::optional<std::int64_t> timeOfOthers);
+  TReadingWorker(const TDescriptor& document, const TInputLimits& limits,
+                 TWorkerLauncher& launcher);
   /// Kills the process if it still runs.
   ~TReadingWorker();
   TReadingWorker(const TReadingWorker&) = delete;

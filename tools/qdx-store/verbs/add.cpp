@@ -112,10 +112,11 @@ class TAdding {
 EExitCode Add(const TArguments& arguments) {
   TInputRequest request;
   request.fFiles.assign(arguments.fOperands.begin() + 1, arguments.fOperands.end());
+  TDocumentPool pool;
   const auto database = OpenStoreOf(arguments.GetOperand(0), EAccess::kCreating);
   TAdding adding(*database, request.fFiles.size());
   request.fIsKnown = [&](const std::string& digest) { return adding.IsKnown(digest); };
-  ReadDocuments(request, [&](TInputDocument&& document) { adding.Add(document); });
+  pool.Read(request, [&](TInputDocument&& document) { adding.Add(document); });
   return adding.Finish();
 }
 
