@@ -251,10 +251,13 @@ TEST_F(StoreOfAnother, AnswersQuestionsAndIsNotWritten) {
 TEST_F(StoreOfAnother, ShowsWhatIsInTheLogOfAWriter) {
   SkipWithoutSQLite();
   std::filesystem::permissions(fStore, std::filesystem::perms(0644));
-  // A process that is killed leaves its log.
+  // A process that is killed leaves its log. Once it has written all of it: a log without its index
+  // can be read by the owner only.
+  const std::string written = (fFolder.Path() / "written").string();
   RunProgram({"/bin/sh", "-c",
-              "(echo \"UPDATE host SET name = 'renamed';\"; sleep 5) | sqlite3 '" + fStore +
-                  "' & while ! test -s '" + fStore + "-wal'; do sleep 0.1; done; kill -9 $!"});
+              "(echo \"UPDATE host SET name = 'renamed';\"; echo '.shell touch " + written +
+                  "'; sleep 5) | sqlite3 '" + fStore + "' & while ! test -e '" + written +
+                  "'; do sleep 0.1; done; kill -9 $!"});
   ASSERT_GT(FilesBeside(), 1U);
   const TProgramRun run = RunAsAnother({QDX_STORE, "hosts", fStore, "--csv"});
   EXPECT_NE(run.fOutput.find("\nrenamed,"), std::string::npos) << run.fErrors;
