@@ -84,6 +84,50 @@ void DropViews(TDatabase& database) {
   }
 }
 
+/// Returns the views of a server that are not ours and use ours, with ", " between them.
+std::string ViewsOfOthers(TDatabase& database) {
+  std::string ours;
+  for (const TView& view : Views()) ours += (ours.empty() ? "('" : "', '") + view.fName;
+  ours += "')";
+  std::string names;
+  database.Query(
+      "SELECT DISTINCT n.nspname || '.' || c.relname FROM pg_catalog.pg_depend AS d"
+      " JOIN pg_catalog.pg_class AS v ON v.oid = d.refobjid"
+      " JOIN pg_catalog.pg_rewrite AS r ON r.oid = d.objid"
+      " JOIN pg_catalog.pg_class AS c ON c.oid = r.ev_class"
+      " JOIN pg_catalog.pg_namespace AS n ON n.oid = c.relnamespace"
+      " JOIN pg_catalog.pg_namespace AS o ON o.oid = v.relnamespace"
+      " WHERE d.classid = CAST('pg_catalog.pg_rewrite' AS regclass)"
+      " AND d.refclassid = CAST('pg_catalog.pg_class' AS regclass)"
+      " AND o.nspname = current_schema() AND v.relname IN " +
+          ours + " AND NOT (c.relnamespace = v.relnamespace AND c.relname IN " + ours +
+          ") ORDER BY 1",
+      1, {}, [&](const TRow& row) { names += (names.empty() ? "" : ", ") + row[0].value_or(""); });
+  return names;
+}
+
+/// Of a server. Views of others may use ours, which cannot be dropped then, but get new columns
+/// after the old ones. So the rights that users have been granted stay, too.
+void ReplaceViews(TDatabase& database) {
+  database.Execute("SAVEPOINT views");
+  try {
+    for (const TView& view : Views()) {
+      database.Execute("CREATE OR REPLACE VIEW " + view.fName + " AS " + view.fQuery);
+    }
+    return;
+  } catch (const TDatabaseError& error) {
+    if (error.GetStatusCode() == kQDXStatusAccessDenied) throw;
+    database.Execute("ROLLBACK TO SAVEPOINT views");
+  }
+  const std::string others = ViewsOfOthers(database);
+  if (!others.empty()) {
+    Fail(kQDXStatusNotSupported, "this version changes views that your own ones use: drop " +
+                                     others + ", run this again, and create them again");
+  }
+  DropViews(database);
+  CreateViews(database);
+}
+
 void Migrate(TDatabase& database, std::int64_t version) {
   if (version == 0) {
     if (database.IsSQLite()) {
@@ -92,13 +136,13 @@ void Migrate(TDatabase& database, std::int64_t version) {
     database.Execute("CREATE TABLE store (version BIGINT NOT NULL)");
     database.Execute("INSERT INTO store (version) VALUES (0)");
   }
-  DropViews(database);
+  if (database.IsSQLite()) DropViews(database);
   for (std::int64_t next = version; next < LatestVersion(); ++next) {
     for (const std::string& statement : Migrations()[static_cast<std::size_t>(next)]) {
       database.Execute(statement);
     }
   }
-  CreateViews(database);
+  database.IsSQLite() ? CreateViews(database) : ReplaceViews(database);
   database.Execute("UPDATE store SET version = :version", {LatestVersion()});
 }
 
