@@ -67,7 +67,7 @@ TEST_F(Logger, AdmitsByThreshold) {
 TEST_F(Logger, WritesMessagesOfAnyLength) {
   fLogger->SetLogFilename(fFile);
   std::string lines = kOpened;
-  for (const std::size_t length : {0, 498, 499, 500, 501, 512, 9000, 70000}) {
+  for (const std::size_t length : {0U, 498U, 499U, 500U, 501U, 512U, 9000U, 70000U}) {
     std::string message(length, 'x');
     if (length > 0) message.front() = '\0';
     fLogger->OutputLogEntry(ILogger::kLogError, message);
