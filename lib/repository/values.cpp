@@ -146,7 +146,7 @@ TCIMValue BoundCopy(const TCIMValue& value, TNamespace& ns) { return TBinding(ns
 
 void Replace(TCIMValue& target, TCIMValue&& source) noexcept {
   const TCIMValue old(std::move(target));  // ends last, since that can reach the target again
-  target.~TCIMValue();
+  target.~TCIMValue();  // NOLINT(bugprone-use-after-move): it is destroyed, not used
   new (&target) TCIMValue(std::move(source));
 }
 

@@ -73,10 +73,11 @@ class TZoneWatch {
     fState = kUnknown;
     if (++fGeneration == 0) fGeneration = 1;
     if (zone == nullptr) {
-      std::strcpy(fPath, "/etc/localtime");
+      constexpr char kLocalTime[] = "/etc/localtime";
+      std::memcpy(fPath, kLocalTime, sizeof kLocalTime);
       fState = kUnset;
     } else if (std::strlen(zone) < sizeof fText && FindPath(zone)) {
-      std::strcpy(fText, zone);
+      std::memcpy(fText, zone, std::strlen(zone) + 1);
       fState = kSet;
     }
     if (fState != kUnknown) ReadFile();

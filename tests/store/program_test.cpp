@@ -235,9 +235,12 @@ TEST_F(StoreOfAnother, AnswersQuestionsAndIsNotWritten) {
            {std::vector<std::string>{"hosts", store, "--csv"}, {"history", store, "a", "--csv"}}) {
         std::vector<std::string> command = words;
         command.insert(command.begin(), QDX_STORE);
+        // Days of silence can change between two questions.
+        const std::string before = RunProgram(command).fOutput;
         const TProgramRun run = RunAsAnother(command);
         EXPECT_EQ(run.fExitCode, 0) << run.fErrors;
-        EXPECT_EQ(run.fOutput, RunProgram(command).fOutput);
+        EXPECT_TRUE(run.fOutput == before || run.fOutput == RunProgram(command).fOutput)
+            << run.fOutput;
       }
       const TProgramRun add = RunAsAnother(Add(store, {document}));
       EXPECT_EQ(add.fExitCode, 4);
