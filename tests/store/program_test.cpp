@@ -88,9 +88,7 @@ class StoreProgram : public ::testing::Test {
   static std::string Query(const std::string& file, const std::string& sql) {
     return RunProgram({"/usr/bin/sqlite3", file, sql}).fOutput;
   }
-  static void SkipWithoutSQLite() {
-    if (::access("/usr/bin/sqlite3", X_OK) != 0) GTEST_SKIP() << "sqlite3 is not installed";
-  }
+  static bool HasSQLite() { return ::access("/usr/bin/sqlite3", X_OK) == 0; }
 
   std::string StoreFile() const { return (fFolder.Path() / "fleet.db").string(); }
 
@@ -104,7 +102,7 @@ const char* const kContents =
 const char* const kAllContents = "12|4808|2400\n";
 
 TEST_F(StoreProgram, NamesABadDocumentAndStoresTheOthers) {
-  SkipWithoutSQLite();
+  if (!HasSQLite()) GTEST_SKIP() << "sqlite3 is not installed";
   std::vector<std::string> files = Documents();
   files.insert(files.begin() + 5, fFolder.Write("bad\x1b[31m.xml", "<CIM").string());
   files.push_back("/nonexistent.xml");
@@ -118,7 +116,7 @@ TEST_F(StoreProgram, NamesABadDocumentAndStoresTheOthers) {
 }
 
 TEST_F(StoreProgram, TakesTurnsWithOtherWritersOfAFile) {
-  SkipWithoutSQLite();
+  if (!HasSQLite()) GTEST_SKIP() << "sqlite3 is not installed";
   const std::vector<std::string> files = Documents();
   const std::vector<std::string> reversed(files.rbegin(), files.rend());
   const TRunningProgram first(Add(StoreFile(), files));
@@ -144,7 +142,7 @@ TEST_F(StoreProgram, WritesBesideOtherWritersOfAServer) {
 }
 
 TEST_F(StoreProgram, LeavesNothingHalfWhenItIsKilled) {
-  SkipWithoutSQLite();
+  if (!HasSQLite()) GTEST_SKIP() << "sqlite3 is not installed";
   const std::vector<std::string> files = Documents();
   for (int attempt = 0; attempt < 8; ++attempt) {
     const TRunningProgram program(Add(StoreFile(), files));
@@ -159,7 +157,7 @@ TEST_F(StoreProgram, LeavesNothingHalfWhenItIsKilled) {
 }
 
 TEST_F(StoreProgram, ReportsAFullDisk) {
-  SkipWithoutSQLite();
+  if (!HasSQLite()) GTEST_SKIP() << "sqlite3 is not installed";
   const std::string disk = (fFolder.Path() / "disk").string();
   std::filesystem::create_directory(disk);
   if (::mount("tmpfs", disk.c_str(), "tmpfs", 0, "size=400k") != 0) {
@@ -252,7 +250,7 @@ TEST_F(StoreOfAnother, AnswersQuestionsAndIsNotWritten) {
 }
 
 TEST_F(StoreOfAnother, ShowsWhatIsInTheLogOfAWriter) {
-  SkipWithoutSQLite();
+  if (!HasSQLite()) GTEST_SKIP() << "sqlite3 is not installed";
   std::filesystem::permissions(fStore, std::filesystem::perms(0644));
   // A process that is killed leaves its log. Once it has written all of it: a log without its index
   // can be read by the owner only.
@@ -272,7 +270,7 @@ TEST_F(StoreOfAnother, IsNamedIfItCannotBeMadeOrIsOld) {
   const TProgramRun add = RunAsAnother(Add(other, {"-"}));
   EXPECT_EQ(add.fExitCode, 4);
   EXPECT_NE(add.fErrors.find("qdx-store: using store " + other + ": "), std::string::npos);
-  SkipWithoutSQLite();
+  if (!HasSQLite()) GTEST_SKIP() << "sqlite3 is not installed";
   Query(fStore, "UPDATE store SET version = 2");
   const TProgramRun hosts = RunAsAnother({QDX_STORE, "hosts", fStore});
   EXPECT_EQ(hosts.fExitCode, 4);
