@@ -35,7 +35,8 @@ void Hash(THasher& hasher, const T& value) {
 
 void Hash(THasher& hasher, const std::string& value) { hasher.Add(value); }
 
-/// Returns the seconds at UTC, counted from some point long ago.
+/// Returns the seconds at UTC, counted from some point long ago. By hand, since timegm() also
+/// counts leap seconds if the process's zone does.
 std::int64_t SecondsOf(const TCIMDateTime& point) {
   // Years begin in March, so that the leap day is the last day of a year.
   const std::int64_t months = std::int64_t{point.GetYear() + 400} * 12 + point.GetMonth() - 3;

@@ -71,7 +71,7 @@ class TZoneWatch {
   /// `zone` is the text of TZ, or null.
   __attribute__((noinline)) void Keep(const char* zone) {
     fState = kUnknown;
-    if (++fGeneration == 0) fGeneration = 1;
+    Advance();
     if (zone == nullptr) {
       constexpr char kLocalTime[] = "/etc/localtime";
       std::memcpy(fPath, kLocalTime, sizeof kLocalTime);
@@ -102,11 +102,15 @@ class TZoneWatch {
         fFile.st_mtim.tv_nsec == last.st_mtim.tv_nsec) {
       return;
     }
-    if (fState != kUnset) {
+    if (fState == kUnset) {
+      Advance();
+    } else {
       fState = kReplaced;
-    } else if (++fGeneration == 0) {
-      fGeneration = 1;
     }
+  }
+
+  void Advance() {
+    if (++fGeneration == 0) fGeneration = 1;
   }
 
   void ReadFile() {
