@@ -8,14 +8,11 @@
 #include <cstddef>
 #include <iterator>
 #include <string_view>
-#include <type_traits>
 
 namespace NVORNQDX20 {
 namespace {
 
 using TCIMType = TCIMValue::TCIMType;
-
-[[noreturn]] void TypeMismatch() { throw TQDXException(kQDXStatusTypeMismatch); }
 
 /// As the classic streams write it: 6 significant digits, "1e-05", no zeros at the end.
 char* WriteReal(char* text, double value, int radix) {
@@ -47,6 +44,8 @@ char* WriteUnsigned(char* text, std::uint64_t value, int radix, int size) {
 }  // namespace
 
 TCIMValueImpl::~TCIMValueImpl() = default;
+void TCIMValueImpl::TypeMismatch() { throw TQDXException(kQDXStatusTypeMismatch); }
+
 TCIMValueImpl::operator bool() const { TypeMismatch(); }
 TCIMValueImpl::operator unsigned char() const { TypeMismatch(); }
 TCIMValueImpl::operator signed char() const { TypeMismatch(); }
@@ -62,18 +61,6 @@ TCIMValueImpl::operator std::string() const { TypeMismatch(); }
 TCIMValueImpl::operator TCIMDateTime() const { TypeMismatch(); }
 TCIMValueImpl::operator TCIMReference() const { TypeMismatch(); }
 TCIMValueImpl::operator std::vector<TCIMValue>&() const { TypeMismatch(); }
-
-template <typename T>
-T TCIMNumericValueImpl::Get(TCIMType::ECIMType type) const {
-  if (fType != type) TypeMismatch();
-  if constexpr (std::is_same_v<T, float>) {
-    return fNumber.fFloat;
-  } else if constexpr (std::is_same_v<T, double>) {
-    return fNumber.fDouble;
-  } else {
-    return static_cast<T>(fNumber.fSigned);
-  }
-}
 
 char* TCIMNumericValueImpl::Write(char* text, unsigned char radix) const {
   if (radix != 10 && radix != 16 && radix != 8) throw TQDXException(kQDXStatusNotSupported);

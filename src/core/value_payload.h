@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -46,6 +47,8 @@ class TCIMValueImpl {
   TCIMValueImpl() = default;
   TCIMValueImpl(const TCIMValueImpl&) = default;
   TCIMValueImpl& operator=(const TCIMValueImpl&) = delete;
+
+  [[noreturn]] static void TypeMismatch();
 
   /// Returns the payload of another value. REQUIRES: it is a TPayload.
   template <typename TPayload>
@@ -136,7 +139,16 @@ class TCIMNumericValueImpl final : public TClonable<TCIMNumericValueImpl> {
   };
 
   template <typename T>
-  T Get(TCIMValue::TCIMType::ECIMType type) const;
+  T Get(TCIMValue::TCIMType::ECIMType type) const {
+    if (fType != type) TypeMismatch();
+    if constexpr (std::is_same_v<T, float>) {
+      return fNumber.fFloat;
+    } else if constexpr (std::is_same_v<T, double>) {
+      return fNumber.fDouble;
+    } else {
+      return static_cast<T>(fNumber.fSigned);
+    }
+  }
 
   TCIMValue::TCIMType fType;
   TNumber fNumber;
