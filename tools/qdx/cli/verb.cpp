@@ -67,7 +67,15 @@ TArguments TProgram::Parse(const std::vector<std::string>& words) const {
   for (const TVerb& verb : fVerbs) {
     options.insert(options.end(), verb.fOptions.begin(), verb.fOptions.end());
   }
-  return ParseArguments(options, words);
+  try {
+    return ParseArguments(options, words);
+  } catch (TCommandFailure& failure) {
+    const auto isFirst = [&words](const TVerb& verb) {
+      return !words.empty() && words.front() == verb.fName;
+    };
+    if (std::any_of(fVerbs.begin(), fVerbs.end(), isFirst)) failure.SetVerb(words.front());
+    throw;
+  }
 }
 
 void TProgram::CheckUsage(const TVerb& verb, const TArguments& arguments) const {
@@ -109,7 +117,8 @@ EExitCode TProgram::RunHelp(const std::vector<std::string>& operands) const {
   if (operands.size() > 2) {
     FailOnUsage("unexpected argument '" + operands[2] + "'");
   }
-  WriteOutput(operands.size() < 2 ? GeneralHelp() : HelpFor(FindVerb(operands[1])));
+  const bool isGeneral = operands.size() < 2 || operands[1] == "help";
+  WriteOutput(isGeneral ? GeneralHelp() : HelpFor(FindVerb(operands[1])));
   return kExitDone;
 }
 

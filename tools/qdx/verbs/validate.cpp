@@ -111,7 +111,7 @@ TVerb ValidateVerb() {
       "the line, the column, the object and the fault; a line for each document sums up.\n"
       "References to other machines, and to namespaces or classes that the document lacks,\n"
       "are no defects.\n",
-      {{"memory", "MIB", "Let each document need so much memory."},
+      {{"memory", "MIB", "Let a document use so much memory (half of all by default)."},
        {"json", nullptr, "Print one JSON array."}},
       RunValidate,
       {{"FILE", TOperandSpec::kRepeated}}};
