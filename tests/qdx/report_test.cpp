@@ -71,7 +71,7 @@ TEST_F(QDXReport, SaysWhatIsWrong) {
   };
   const std::string machine = PathOf("machine");
   const TRow rows[] = {
-      {{"report"}, 2, "option '--output' is missing"},
+      {{"report"}, 2, "report needs option '--output'"},
       {{"report", "x.xml", "--root", machine, "-o", "-"},
        2,
        "option '--root' cannot be used with a file"},

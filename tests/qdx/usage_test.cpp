@@ -12,6 +12,7 @@ TEST(QDXUsage, IsExplainedInOneLineOrOnRequest) {
     int fExitCode = 2;
   } rows[] = {{{"help", "frob"}, "unknown verb 'frob'"},
               {{"help", "identity", "x"}, "unexpected argument 'x'"},
+              {{"help", "help"}, "\n  help      Explains a verb.\n", 0},
               {{"--help"}, "  identity  Shows the identity", 0},
               {{"help", "identity"}, "  --root DIR         Describe", 0},
               {{"--help", "plugins"}, "Usage: qdx plugins [OPTION]...\n", 0},
@@ -53,6 +54,8 @@ TEST(QDXLog, NeverReplacesWhatTheCommandReadsOrWrites) {
       {"show - <a --log", "a", other},
       {"plugins >>a --log", "a", other},
       {"collect -o ./new --log", "new", other},
+      {"redact b -o - --key a --log", "a", other},
+      {"diff b b --html ./new --log", "new", other},
       {"identity --root tree --log", "tree/a", "this command also reads what is in tree\n"},
       {"identity --root ./tree/. --log", "tree/b/new", "this command also reads what is in ./tree"},
       {"plugins --log", "${0%/*}/../lib/qdx/new", "this command also reads what is in /"},
@@ -75,6 +78,21 @@ TEST(QDXLog, NeverReplacesWhatTheCommandReadsOrWrites) {
     EXPECT_PRED_FORMAT2(::testing::IsSubstring, ": " + why, run.fErrors) << words;
     EXPECT_EQ(ReadWholeFile(folder.Path() / "a"), "text\n") << words;
     for (const char* file : {"new", "tree/b/new"}) EXPECT_FALSE(exists(folder.Path() / file));
+  }
+}
+
+TEST(QDXOutput, NeverReplacesWhatTheCommandReads) {
+  const TInstallation installation;
+  const TTempDir folder;
+  folder.Write("a", "text\n");
+  const std::string start =
+      "cd '" + folder.Path().string() + "' || exit 99; ln -sf a link; \"$0\" ";
+  for (const std::string words : {"report a -o a", "report link -o ./a", "diff b a --html link",
+                                  "redact b --key link -o a", "collect --redact --key a -o a"}) {
+    const TProgramRun run = installation.RunScript(start + words);
+    EXPECT_EQ(run.fExitCode, 4) << words;
+    EXPECT_PRED_FORMAT2(::testing::IsSubstring, ": this command also reads it\n", run.fErrors);
+    EXPECT_EQ(ReadWholeFile(folder.Path() / "a"), "text\n") << words;
   }
 }
 

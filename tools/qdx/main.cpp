@@ -43,19 +43,28 @@ bool IsRootFolder(const std::string& folder) {
   return std::filesystem::equivalent(folder, "/", error);
 }
 
-TLog OpenLog(const TArguments& arguments) {
+/// Returns all files that the command reads or writes, but for the log.
+std::vector<std::string> OtherFilesOf(const TVerb& verb, const TArguments& arguments) {
+  std::vector<std::string> files = arguments.fOperands;
+  for (const TOptionSpec& option : verb.fOptions) {
+    if (option.fValueName == nullptr || std::string(option.fValueName) != "FILE") continue;
+    for (const std::string& file : arguments.GetAll(option.fName)) files.push_back(file);
+  }
+  return files;
+}
+
+TLog OpenLog(const TVerb& verb, const TArguments& arguments) {
   const auto threshold = SeverityNamed(arguments.Get("log-level", "status"));
   const bool hasLog = arguments.Has("log");
   // Without a log nobody reads more, and each entry of a plug-in is a message of its worker.
   TRootObject::GetCoreLogger()->SetLogThreshold(hasLog ? threshold : ILogger::kLogWarning);
   if (!hasLog) return nullptr;
-  std::vector<std::string> others = arguments.fOperands;
-  for (const std::string& output : arguments.GetAll("output")) others.push_back(output);
   // Below "/", where every file is, the log is the operator's choice.
   std::vector<std::string> folders = {TOSSpecific::GetQDXRootPath()};
   const std::string root = arguments.Get("root", "/");
   if (!IsRootFolder(root)) folders.push_back(root);
-  return std::make_unique<TLogFile>(arguments.Get("log", ""), threshold, others, folders);
+  return std::make_unique<TLogFile>(arguments.Get("log", ""), threshold,
+                                    OtherFilesOf(verb, arguments), folders);
 }
 
 EExitCode RunVerb(const TVerb& verb, TArguments arguments, TLog& log) {
@@ -64,7 +73,7 @@ EExitCode RunVerb(const TVerb& verb, TArguments arguments, TLog& log) {
   }
   try {
     TheProgram().CheckUsage(verb, arguments);
-    log = OpenLog(arguments);
+    log = OpenLog(verb, arguments);
     return verb.fRun(arguments);
   } catch (TCommandFailure& failure) {
     failure.SetVerb(verb.fName);

@@ -71,6 +71,16 @@ std::filesystem::path FileToReplace(const std::filesystem::path& path) {
                         {kQDXStatusFileSystemError, ErrorText(error.value())});
 }
 
+void RefuseToReplace(const std::string& output, const std::vector<std::string>& inputs) {
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(output, ignored)) return;
+  for (const std::string& input : inputs) {
+    if (std::filesystem::equivalent(output, input, ignored)) {
+      FailToWrite(output, "this command also reads it");
+    }
+  }
+}
+
 TNewFile::TNewFile(const std::string& folder, const std::string& suffix,
                    const std::string& shownAs) {
   const std::string pattern = folder + "/.qdx-XXXXXX" + suffix;

@@ -7,12 +7,16 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace NVORNQDX20 {
 
 /// Returns the file that a new file replaces: the target if the path is a symbolic link. Throws a
 /// TCommandFailure for a dangling or circular link.
 std::filesystem::path FileToReplace(const std::filesystem::path& path);
+
+/// Throws a TCommandFailure if the output would replace one of the files that the command reads.
+void RefuseToReplace(const std::string& output, const std::vector<std::string>& inputs);
 
 /// A temporary file with mode 0600 in the target's folder, until Publish() renames it. Removed if
 /// the command ends before that, by an exception or by a terminating signal from a terminal,

@@ -18,6 +18,8 @@
 
 #include <qdxsnapshot/record.h>
 
+#include "cli/new_file.h"
+
 namespace NVORNQDX20 {
 namespace {
 
@@ -80,7 +82,9 @@ NRedact::TRedaction RedactionOf(const TArguments& arguments) {
     redaction.fKept.insert(*kind);
   }
   redaction.fGuesses = arguments.Has(kGuessOption);
-  redaction.fKey = arguments.Has(kKeyOption) ? ReadKey(arguments.Get(kKeyOption, "")) : RandomKey();
+  const std::string key = arguments.Get(kKeyOption, "");
+  if (!key.empty()) RefuseToReplace(arguments.Get("output", "-"), {key});
+  redaction.fKey = key.empty() ? RandomKey() : ReadKey(key);
   return redaction;
 }
 

@@ -12,6 +12,7 @@
 #include <qdxcompare/compare.h>
 
 #include "cli/failure.h"
+#include "cli/new_file.h"
 #include "cli/output.h"
 #include "cli/whole_file.h"
 #include "format/diff_format.h"
@@ -169,6 +170,7 @@ EExitCode RunDiff(const TArguments& arguments) {
     FailOnUsage("only one of the two can be standard input");
   }
   CheckHTML(arguments);
+  RefuseToReplace(arguments.Get("html", "-"), {a, b});
   std::vector<TIgnored> ignored;
   for (const std::string& text : arguments.GetAll("ignore")) ignored.push_back(ParseIgnored(text));
   bool incomplete = false;

@@ -42,10 +42,11 @@ EExitCode RunRedact(const TArguments& arguments) {
 
 TVerb RedactVerb() {
   std::vector<TOptionSpec> options = {
-      {"output", "FILE", "Write this file; '-' is standard output.", 'o'}};
+      {"output", "FILE", "Write this file; '-' is standard output. Required.", 'o'}};
   const auto ofRedaction = RedactionOptions();
   options.insert(options.end(), ofRedaction.begin(), ofRedaction.end());
-  options.push_back({"memory", "MIB", "Let the document need so much memory."});
+  options.push_back(
+      {"memory", "MIB", "Let the document use so much memory (half of all by default)."});
   return {"redact",
           "Writes a document again, with pseudonyms for serial numbers, addresses and names.",
           "FILE is a CIM-XML document, '-' is standard input. What is secret is replaced by a\n"

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/new_file.h"
 #include "cli/whole_file.h"
 #include "input/completeness.h"
 #include "input/document.h"
@@ -52,20 +53,22 @@ bool HasLoss(const TNamespaces& namespaces) {
 }
 
 EExitCode RunReport(const TArguments& arguments) {
-  if (!arguments.Has("output")) FailOnUsage("option '--output' is missing");
+  if (!arguments.Has("output")) FailOnUsage("report needs option '--output'");
   const std::string file = arguments.GetOperand(0);
+  const std::string output = arguments.Get("output", "");
+  RefuseToReplace(output, {file});
   if (!file.empty()) RefuseOptionsOfMachine(arguments);
   bool incomplete = false;
   const TNamespaces namespaces = file.empty() ? NamespacesOfMachine(arguments, incomplete)
                                               : OpenDocument(file, arguments, incomplete);
   incomplete = HasLoss(namespaces) || incomplete;
-  WriteWholeFile(MakeReport(namespaces), arguments.Get("output", ""));
+  WriteWholeFile(MakeReport(namespaces), output);
   return incomplete ? kExitPartlyDone : kExitDone;
 }
 
 std::vector<TOptionSpec> ReportOptions() {
   std::vector<TOptionSpec> options = {
-      {"output", "FILE", "Write this file; '-' is standard output.", 'o'}};
+      {"output", "FILE", "Write this file; '-' is standard output. Required.", 'o'}};
   const auto machine = TMachine::Options();
   options.insert(options.end(), machine.begin(), machine.end());
   return options;
