@@ -141,6 +141,24 @@ TEST_F(QDXShowMachine, PicksAndFilters) {
   }
 }
 
+TEST_F(QDXShowMachine, FindsAnInstanceBySomeOfItsKeys) {
+  const std::pair<std::vector<std::string>, std::string> rows[] = {
+      {{"NumericSensor.DeviceID=\"hwmon0/chip/temp2\""}, "Name\r\ntemp2\r\n"},
+      {{"VORNSG_LogicalDevice.SystemName=\"srv1\",DeviceID=\"hwmon0/chip/temp1\""},
+       "Name\r\ntemp1\r\n"},
+      {{"NumericSensor.SystemName=\"srv1\""}, ""},
+      {{"NumericSensor.SystemName=\"srv2\""}, ""}};
+  for (auto [words, output] : rows) {
+    words.insert(words.end(), {"--properties", "Name", "--csv"});
+    EXPECT_EQ(Show(words).fOutput, output) << words.front();
+  }
+  EXPECT_PRED_FORMAT2(
+      ::testing::IsSubstring,
+      ": 2 instances have these values; the keys are SystemCreationClassName, SystemName, "
+      "CreationClassName, DeviceID\n",
+      Show({"NumericSensor.SystemName=\"srv1\""}).fErrors);
+}
+
 TEST_F(QDXShowMachine, CountsWhatItLeavesOut) {
   const std::string shown = Show({}).fOutput;
   const std::string last = shown.substr(shown.rfind('\n', shown.size() - 2) + 1);
@@ -195,6 +213,10 @@ TEST_F(QDXShow, SaysWhatItCannotShow) {
       {{fDocument, "root/qdx:Sample_Many"},
        4,
        "looking for root/qdx:Sample_Many: no such class or instance; 'qdx show " + fDocument},
+      {{fDocument, "Many.Number=\"4000000000\""},
+       4,
+       "looking for Many.Number=\"4000000000\": Sample_Many has no such instance; 'qdx show " +
+           fDocument + " Sample_Many --depth 2' lists those that it has\n"},
       {{fDocument, "Sample_Many.Number=b"},
        4,
        "looking for Sample_Many.Number=b: Reference missing opening '\"'; in the shell"},

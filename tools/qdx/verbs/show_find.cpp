@@ -11,6 +11,8 @@
 #include <cstddef>
 #include <set>
 
+#include <boost/algorithm/string/join.hpp>
+
 #include <qdxsnapshot/associations.h>
 
 #include "cli/failure.h"
@@ -19,6 +21,7 @@ namespace NVORNQDX20 {
 namespace {
 
 using TMachineNamespaces = std::vector<TMachineNamespace>;
+using TFoundInstances = std::vector<boost::shared_ptr<ICIMInstance>>;
 
 /// Returns the names of all classes, each once.
 std::vector<std::string> ClassNames(const TMachineNamespaces& namespaces) {
@@ -88,6 +91,38 @@ TMeaning MeaningOf(const std::string& typed, const TMachineNamespaces& namespace
       {kQDXStatusNotFound, "several classes are called so: " + Listed(match.fNames)});
 }
 
+/// Returns the instances of the class and its subclasses with the values of the path.
+TFoundInstances InstancesWith(const TCIMReference& path) {
+  TFoundInstances found;
+  for (const auto& each : NModel::WithSubclasses(path.GetClass())) {
+    for (const auto& instance : NModel::InstancesOf(*each)) {
+      bool isMeant = true;
+      path.EnumerateKeyBindings([&](const std::pair<std::string, TCIMValue>& binding) {
+        isMeant = instance->GetProperty(binding.first, {})->GetValue() == binding.second;
+        return isMeant;
+      });
+      if (isMeant) found.push_back(instance);
+    }
+  }
+  return found;
+}
+
+std::string KeysOf(const ICIMClass& cimClass) {
+  std::vector<std::string> names;
+  for (const auto& [decl, isKey] : NModel::PropertiesOf(cimClass)) {
+    if (isKey) names.push_back(decl->GetName());
+  }
+  return boost::algorithm::join(names, ", ");
+}
+
+[[noreturn]] void FailOnSeveral(std::size_t count, const ICIMClass& cimClass,
+                                const std::string& typed) {
+  throw TCommandFailure(
+      kExitBadInput, "looking for " + typed,
+      {kQDXStatusNotFound,
+       std::to_string(count) + " instances have these values; the keys are " + KeysOf(cimClass)});
+}
+
 std::string Suggestion(const std::string& nearest) {
   return nearest.empty() ? "" : "; did you mean '" + nearest + "'?";
 }
@@ -130,6 +165,8 @@ class TSelection {
   }
   const TExplainedException& GetLookupFailure() const { return fLookupFailure; }
   const std::string& GetSuggestion() const { return fSuggestion; }
+  /// Returns the name of the class of which a path names no instance; empty if there is none.
+  std::string GetClassOfPath() const { return fClassOfPath ? fClassOfPath->GetName({}) : ""; }
 
  private:
   std::vector<TFoundElement> FindExactly(const std::string& path) {
@@ -148,16 +185,23 @@ class TSelection {
     if (fRequest.fElement.fText.empty()) return element;
     const auto failure = Try([&] { element = TCIMReference(ns, path, {}).GetCIMElement(); });
     if (failure && failure->GetStatusCode() != kQDXStatusNotFound) fLookupFailure = *failure;
-    // The path may name a superclass, as references do.
-    if (!element) {
-      (void)Try([&] { element = FindInstance(*ns, TCIMReference(ns, path, {})); });
-    }
-    return element;
+    if (element || path.find('.') == path.npos) return element;
+    TFoundInstances some;
+    // The path may name a superclass, as references do, and leave out keys.
+    (void)Try([&] {
+      const TCIMReference reference(ns, path, {});
+      fClassOfPath = reference.GetClass();
+      element = FindInstance(*ns, reference);
+      if (!element) some = InstancesWith(reference);
+    });
+    if (some.size() > 1) FailOnSeveral(some.size(), *fClassOfPath, fRequest.fElement.fText);
+    return some.empty() ? element : some.front();
   }
 
   const TRequest& fRequest;
   TMachineNamespaces fNamespaces;
   TExplainedException fLookupFailure;
+  boost::shared_ptr<ICIMClass> fClassOfPath;
   std::string fSuggestion;
 };
 
@@ -183,6 +227,13 @@ TExplainedException ExplainInvalidElement(const TExplainedException& failure) {
                           {kQDXStatusNotFound, "not found, but a provider failed"});
   }
   const std::string file = request.fFile.empty() ? "" : " " + request.fFile;
+  const std::string cimClass = selection.GetClassOfPath();
+  if (!cimClass.empty()) {
+    throw TCommandFailure(
+        kExitBadInput, action,
+        {kQDXStatusNotFound, cimClass + " has no such instance; 'qdx show" + file + " " + cimClass +
+                                 " --depth 2' lists those that it has"});
+  }
   const std::string list = "; 'qdx show" + file + " --depth 1' lists the classes";
   const std::string& suggestion = selection.GetSuggestion();
   throw TCommandFailure(
