@@ -192,12 +192,15 @@ TEST_F(QDXDiff, IsIncompleteWhereInstancesWereLeftOut) {
   AddInstance(ns, "Disk", {{"Id", "1"}});
   AddClass(ns, "VORNSG_UnavailableValue",
            {{"ClassName", ""}, {"Instance", ""}, {"PropertyName", ""}}, {{"Reason", ""}});
-  AddInstance(ns, "VORNSG_UnavailableValue", {{"ClassName", "Disk"}, {"Reason", "several 1"}});
+  AddInstance(ns, "VORNSG_UnavailableValue",
+              {{"ClassName", "Disk"}, {"Reason", "several 1; b; c"}});
   AddInstance(ns, "VORNSG_UnavailableValue", {{"ClassName", "None"}, {"Reason", "no folder"}});
   const std::string a = File(MakeNamespace(), "a.xml"), b = File(ns, "b.xml");
   const std::tuple<std::vector<std::string>, int, std::string> rows[] = {
-      {{"diff", a, b}, 3, "qdx: describing Disk of test in " + b + ": several 1\n"},
-      {{"show", b, "Disk"}, 3, "qdx: describing Disk of test: several 1\n"},
+      {{"diff", a, b},
+       3,
+       "qdx: describing Disk of test in " + b + ": several 1 and 2 more reasons\n"},
+      {{"show", b, "Disk"}, 3, "qdx: describing Disk of test: several 1 and 2 more reasons\n"},
       {{"show", b, "Disk.Id=\"1\""}, 0, ""}};
   for (const auto& [words, exitCode, error] : rows) {
     const TProgramRun run = fInstallation.Run(words);

@@ -33,6 +33,20 @@ bool HasKnownValue(const ICIMInstance& instance) {
   return isKnown;
 }
 
+/// Returns the first of several reasons with the number of the others: each of a hundred disks can
+/// have one, and each class that refers to disks has them all again.
+std::string ShortenedReasons(const std::string& reasons) {
+  constexpr const char* kSeparator = "; ";
+  std::size_t others = 0;
+  for (std::size_t at = reasons.find(kSeparator); at != std::string::npos;
+       at = reasons.find(kSeparator, at + 2)) {
+    ++others;
+  }
+  if (others < 2) return reasons;
+  return reasons.substr(0, reasons.find(kSeparator)) + " and " + std::to_string(others) +
+         " more reasons";
+}
+
 }  // namespace
 
 bool LacksAllValues(const ICIMNamespace& ns) {
@@ -56,7 +70,8 @@ bool ReportLostInstances(const std::string& where, const TClassSnapshot& cimClas
                          const NDescribe::TMissingReasons& reasons) {
   const auto* const reason = FindLoss(cimClass, reasons);
   if (reason == nullptr) return false;
-  PrintError("describing " + cimClass.fName + " of " + where + ": " + *reason);
+  PrintError("describing " + cimClass.fName + " of " + where + ": " +
+             ShortenedReasons(std::string(*reason)));
   return true;
 }
 
