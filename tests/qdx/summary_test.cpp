@@ -130,7 +130,7 @@ const char* const kScreen =
     "Cards       2 x 8086:1572 Intel Ethernet X710\n"
     "            1d0f:efa1 accelerator\n"
     "Sensors     4, 1 out of range; warmest 98 °C (Core 0)\n"
-    "Not there   firmware (the SMBIOS table has no structure of ...),\n"
+    "Not there   firmware (the SMBIOS table has no structure of type 0),\n"
     "            names of cards\n";
 
 /// The command, with a tree that stands in for a server.

@@ -78,10 +78,15 @@ TSection Explained(const char* label, const std::vector<TGap>& gaps, TGap::EKind
   return section;
 }
 
-/// Returns "no DMI table" of "no DMI table: /sys/class/dmi/id does not exist"; empty if the reason
-/// begins with a file, which is just not there.
+/// Returns "no DMI table" of "no DMI table: /sys/class/dmi/id does not exist", and what the
+/// firmware says of "SMBIOS structure of type 1: placeholder text"; empty if the reason begins with
+/// a file, which is just not there.
 std::string Cause(const std::string& reason) {
-  return reason.empty() || reason.front() == '/' ? "" : reason.substr(0, reason.find(": /"));
+  if (reason.empty() || reason.front() == '/') return "";
+  const bool isOfStructure = reason.compare(0, 17, "SMBIOS structure ") == 0;
+  const std::size_t colon = reason.find(": ");
+  if (isOfStructure && colon != std::string::npos) return reason.substr(colon + 2);
+  return reason.substr(0, reason.find(": /"));
 }
 
 /// Returns a section with the subjects, as a text of several lines. They are followed by the cause
@@ -97,7 +102,7 @@ TSection Subjects(const char* label, const std::vector<TGap>& gaps, TGap::EKind 
   };
   for (const TGap& gap : gaps) {
     if (gap.fKind != kind) continue;
-    const std::string cause = withCauses ? Shortened(Cause(gap.fReason), 40) : "";
+    const std::string cause = withCauses ? Shortened(Cause(gap.fReason), 45) : "";
     for (std::size_t i = 0; i < gap.fSubjects.size(); ++i) {
       const bool isLast = i + 1 == gap.fSubjects.size();
       const std::string item =
