@@ -45,11 +45,7 @@ class TDescription {
   const TNamespace& GetNamespace() const { return fNamespace; }
   bool IsComplete() const { return fMissing.empty(); }
 
-  /// Valid until the next call.
-  const TReading<TCIMValue>& FindReference(const TInstanceName& target,
-                                           const std::string& required) {
-    return fReferences.Find(target, required);
-  }
+  TInstanceReferences& GetReferences() { return fReferences; }
 
   /// Returns the part for the sake of which the target is missing, or null.
   const std::string* LeftOutPartOf(const TInstanceName& target) const {
@@ -93,12 +89,12 @@ class TDescription {
 
   void SetReferences() {
     for (auto& [instance, place, target, required] : fLater) {
-      const TReading<TCIMValue>& reference = fReferences.Find(target, required);
-      if (reference) {
-        instance->SetPropertyValue(place.fProperty, *reference, {});
+      const auto found = fReferences.Find(target, required);
+      if (found) {
+        instance->SetPropertyValue(place.fProperty, fReferences.ReferenceTo(**found), {});
       } else {
         const std::string* const part = LeftOutPartOf(target);
-        place.fReason = part ? TReason(ReasonOfPart(*part)) : reference.GetReason();
+        place.fReason = part ? TReason(ReasonOfPart(*part)) : found.GetReason();
         Miss(std::move(place));
       }
     }
@@ -230,14 +226,15 @@ class TInstanceWriter final : public IInstanceSink {
 
   bool SetKey(ICIMInstance& instance, const TColumn& column, const TCell& cell) {
     if (!cell.fTarget.fClass.empty()) {
-      const TReading<TCIMValue>& reference =
-          fDescription.FindReference(cell.fTarget, column.fReferencedClass);
-      if (!reference) {
+      TInstanceReferences& references = fDescription.GetReferences();
+      const auto found = references.Find(cell.fTarget, column.fReferencedClass);
+      if (!found) {
         // An association with a part that is left out is left out with it.
         return !fDescription.LeftOutPartOf(cell.fTarget) &&
-               LeaveOut(column.fName + ": " + reference.GetReason());
+               LeaveOut(column.fName + ": " + found.GetReason());
       }
-      Set(instance, column, *reference);
+      const bool isSet = fAdder.SetReference(column.fPosition, **found);
+      if (!isSet) Set(instance, column, references.ReferenceTo(**found));
     } else if (!cell.fValue.IsNull()) {
       Set(instance, column, cell.fValue);
     } else if (column.fIsText) {

@@ -9,25 +9,21 @@
 
 namespace NVORNQDX20::NDescribe {
 
-const TReading<TCIMValue>& TInstanceReferences::Find(const TInstanceName& name,
-                                                     const std::string& required) {
+TReading<boost::shared_ptr<ICIMInstance>> TInstanceReferences::Find(const TInstanceName& name,
+                                                                    const std::string& required) {
   const auto& instances = InstancesOf(name.fClass);
   const auto found = instances.find(name.fKey);
   if (found == instances.end()) {
     const bool hasClass = ClassOf(name.fClass) != nullptr;
-    return Miss("there is no " +
-                (hasClass ? name.fClass + " " + name.fKey : "class " + name.fClass));
+    return Missing("there is no " +
+                   (hasClass ? name.fClass + " " + name.fKey : "class " + name.fClass));
   }
   const boost::shared_ptr<ICIMInstance>& instance = found->second;
-  if (!instance) return Miss("there are several " + name.fClass + " " + name.fKey);
+  if (!instance) return Missing("there are several " + name.fClass + " " + name.fKey);
   if (!IsA(instance->GetClass({}), required)) {
-    return Miss(name.fClass + " " + name.fKey + " is no " + required);
+    return Missing(name.fClass + " " + name.fKey + " is no " + required);
   }
-  if (instance != fFoundInstance) {
-    fFound = ReferenceTo(*instance);
-    fFoundInstance = instance;
-  }
-  return fFound;
+  return instance;
 }
 
 bool TInstanceReferences::IsA(boost::shared_ptr<ICIMClass> cimClass, const std::string& name) {
@@ -40,9 +36,21 @@ bool TInstanceReferences::IsA(boost::shared_ptr<ICIMClass> cimClass, const std::
 void TInstanceReferences::Add(const boost::shared_ptr<ICIMInstance>& instance) {
   if (fInstances.empty()) return;
   const auto cimClass = instance->GetClass({});
-  for (auto& [className, instances] : fInstances) {
-    if (IsA(cimClass, className)) AddByKey(instance, KeysOf(*cimClass), instances);
+  for (TInstancesByKey* const instances : InstancesWith(cimClass)) {
+    AddByKey(instance, KeysOf(*cimClass), *instances);
   }
+}
+
+const std::vector<TInstanceReferences::TInstancesByKey*>& TInstanceReferences::InstancesWith(
+    const boost::shared_ptr<ICIMClass>& cimClass) {
+  if (cimClass != fAddedClass) {
+    fAddedClass = cimClass;
+    fWithAddedClass.clear();
+    for (auto& [className, instances] : fInstances) {
+      if (IsA(cimClass, className)) fWithAddedClass.push_back(&instances);
+    }
+  }
+  return fWithAddedClass;
 }
 
 TInstanceReferences::TKeys::TKeys(const ICIMClass& cimClass) : fReader(cimClass) {
@@ -55,7 +63,10 @@ TInstanceReferences::TKeys::TKeys(const ICIMClass& cimClass) : fReader(cimClass)
 const TInstanceReferences::TInstancesByKey& TInstanceReferences::InstancesOf(
     const std::string& className) {
   const auto [place, isNew] = fInstances.try_emplace(className);
-  if (isNew) Read(className, place->second);
+  if (isNew) {
+    fAddedClass.reset();
+    Read(className, place->second);
+  }
   return place->second;
 }
 
@@ -88,12 +99,6 @@ void TInstanceReferences::AddByKey(const boost::shared_ptr<ICIMInstance>& instan
 
 TInstanceReferences::TKeys& TInstanceReferences::KeysOf(const ICIMClass& cimClass) {
   return fKeys.try_emplace(cimClass.GetName({}), cimClass).first->second;
-}
-
-const TReading<TCIMValue>& TInstanceReferences::Miss(std::string reason) {
-  fFoundInstance.reset();
-  fFound = Missing(std::move(reason));
-  return fFound;
 }
 
 TCIMValue TInstanceReferences::ReferenceTo(const ICIMInstance& instance) {

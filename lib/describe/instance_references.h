@@ -21,9 +21,10 @@ class TInstanceReferences {
  public:
   explicit TInstanceReferences(boost::shared_ptr<ICIMNamespace> ns) : fNamespace(std::move(ns)) {}
 
-  /// Finds an instance of the class `required` or of a subclass. The result is valid until the next
-  /// call.
-  const TReading<TCIMValue>& Find(const TInstanceName& name, const std::string& required);
+  /// Finds an instance of the class `required` or of a subclass.
+  TReading<boost::shared_ptr<ICIMInstance>> Find(const TInstanceName& name,
+                                                 const std::string& required);
+  TCIMValue ReferenceTo(const ICIMInstance& instance);
   /// Returns whether it is this class or a subclass; false for none.
   static bool IsA(boost::shared_ptr<ICIMClass> cimClass, const std::string& name);
   /// Adds a new instance to what was read of its class and superclasses before.
@@ -48,15 +49,15 @@ class TInstanceReferences {
   static void AddByKey(const boost::shared_ptr<ICIMInstance>& instance, TKeys& keys,
                        TInstancesByKey& instances);
   TKeys& KeysOf(const ICIMClass& cimClass);
-  const TReading<TCIMValue>& Miss(std::string reason);
-  TCIMValue ReferenceTo(const ICIMInstance& instance);
+  /// Returns what was read before that a new instance of the class belongs to.
+  const std::vector<TInstancesByKey*>& InstancesWith(const boost::shared_ptr<ICIMClass>& cimClass);
 
   const boost::shared_ptr<ICIMNamespace> fNamespace;
   NModel::TNameMap<TInstancesByKey> fInstances;
   NModel::TNameMap<TKeys> fKeys;  // by class
-  // The last result: an association often refers to the same machine again.
-  boost::shared_ptr<ICIMInstance> fFoundInstance;
-  TReading<TCIMValue> fFound;
+  // The last result of InstancesWith(): instances are added class by class.
+  boost::shared_ptr<ICIMClass> fAddedClass;
+  std::vector<TInstancesByKey*> fWithAddedClass;
 };
 
 }  // namespace NVORNQDX20::NDescribe

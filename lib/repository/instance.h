@@ -44,6 +44,7 @@ class TInstance final : public ICIMInstance, public IPlainValuesOfInstance {
   /// Like Commit(), but returns false if an instance with the same keys exists. Otherwise the class
   /// owns the instance from now on.
   [[nodiscard]] bool CommitIfNew();
+  bool IsCommitted() const { return fIsCommitted; }
   /// REQUIRES: the keys have values.
   std::string Description() const;
   TClass& GetOwner() const { return fClass; }

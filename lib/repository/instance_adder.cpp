@@ -4,6 +4,7 @@
 #include <qdxcore/status.h>
 #include <qdxmodel/visit.h>
 
+#include <typeinfo>
 #include <utility>
 
 #include "class.h"
@@ -61,6 +62,18 @@ bool TInstanceAdder::SetNumber(std::size_t position, std::string_view bytes) {
   const std::size_t size = NModel::SizeOfNumber(fParts->TypeAt(position));
   if (size == 0 || size != bytes.size()) return false;
   fParts->fInstance->Store(position, TStoredValue::Number(bytes));
+  return true;
+}
+
+bool TInstanceAdder::SetReference(std::size_t position, const ICIMInstance& target) {
+  // The address of the type, since another library can have its own repository, of another layout.
+  if (&typeid(target) != &typeid(TInstance)) return false;
+  const auto& instance = static_cast<const TInstance&>(target);
+  if (fParts->TypeAt(position) != TCIMValue::TCIMType::kCIMTypeReference ||
+      &instance.GetNamespace() != &fParts->fClass->GetNamespace() || !instance.IsCommitted()) {
+    return false;
+  }
+  fParts->fInstance->Store(position, TStoredValue::ReferenceTo(instance));
   return true;
 }
 

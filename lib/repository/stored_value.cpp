@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "class.h"
+#include "instance.h"
 #include "namespace.h"
 #include "values.h"
 
@@ -190,6 +191,20 @@ TStoredValue TStoredValue::Text(std::string_view text) {
   copy->fSize = text.size();
   std::memcpy(copy->fText, text.data(), text.size());
   stored.Point(kLongText, copy);
+  return stored;
+}
+
+TStoredValue TStoredValue::ReferenceTo(const TInstance& instance) {
+  TClass& cimClass = instance.GetOwner();
+  TStoredValue stored;
+  stored.Point(kReference, TStoredReference::Make(cimClass, cimClass.GetKeySlots().size()));
+  for (const std::size_t slot : cimClass.GetKeySlots()) {
+    const TStoredValue& key = instance.StoredAt(slot);
+    // A key that holds a reference of its own is copied by its value.
+    TStoredValue copy = key.CopyTo(instance.DeclAt(slot).GetType(), cimClass.GetNamespace());
+    if (!copy.IsSet()) copy = TStoredValue(instance.BoundValueAt(slot), cimClass);
+    stored.Referred()->Add(slot, std::move(copy));
+  }
   return stored;
 }
 

@@ -23,6 +23,7 @@
 namespace NVORNQDX20::NRepository {
 
 class TClass;
+class TInstance;
 class TNamespace;
 struct TStoredReference;
 
@@ -63,6 +64,8 @@ class TStoredValue {
 
   static TStoredValue Null() noexcept;
   static TStoredValue Text(std::string_view text);
+  /// A reference to a committed instance, for another one of its namespace.
+  static TStoredValue ReferenceTo(const TInstance& instance);
   static TStoredValue Time(const TCIMDateTime& time);
   template <typename TNumber>
   static TStoredValue Number(TNumber number) noexcept {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <qdxmodel/classes.h>
 #include <qdxrepository/instance_adder.h>
 #include <qdxrepository/repository.h>
 
@@ -266,6 +267,57 @@ TEST(InstanceAdder, GivesOutAnInstanceUntilItIsLost) {
     EXPECT_EQ(adder.GetInstance(), nullptr);
     EXPECT_TRUE(!second || second->GetProperty("Id", {})->GetValue() == TCIMValue(2U));
   }
+}
+
+TEST(InstanceAdder, RefersToAnInstanceAsAReferenceWithItsKeysDoes) {
+  const TNamespace ns = MakeNamespace();
+  const TNamespace other = MakeNamespace();
+  const TCIMDateTime seen("20200101120000.000000+060");
+  const std::string longName(100, 'n');
+  for (const TNamespace& each : {ns, other}) {
+    AddClass(each, "T_Disk", {{"Name", ""}, {"Id", 0U}}, {{"Size", 0U}});
+    AddInstance(each, "T_Disk", {{"Name", longName}, {"Id", 7U}});
+  }
+  AddClass(ns, "T_Use", {{"Rate", 0.5}, {"On", true}, {"Seen", seen}});
+  AddClass(ns, "T_Link", {{"To", NullReference(ns, "T_Disk")}});
+  const std::string path = "T_Disk.Name=\"" + longName + "\",Id=\"7\"";
+  const auto disk = TCIMReference(ns, path, {}).GetCIMElement();
+  const auto read = AddInstance(ns, "T_Disk", {{"Name", "read"}, {"Id", 1U}});
+  const auto kept = read->GetProperty("Name", {});  // from now on it is stored as a TCIMValue
+
+  TInstanceAdder adder(
+      AddClass(ns, "T_Any", {{"To", NullReference(ns, "T_Disk")}}, {{"On", true}}));
+  const std::vector<boost::shared_ptr<ICIMInstance>> targets = {
+      boost::dynamic_pointer_cast<ICIMInstance>(disk), read,
+      AddInstance(ns, "T_Use", {}),  // keys by default
+      AddInstance(ns, "T_Link", {{"To", ReferenceTo(ns, path)}}),
+      AddInstance(ns, "T_Link", {{"To", ReferenceTo(other, path)}})};
+  for (const auto& target : targets) {
+    const auto cimClass = target->GetClass({});
+    TCIMReference reference(ns, {});
+    reference.SetClass(cimClass);
+    for (const auto& [decl, isKey] : NModel::PropertiesOf(*cimClass)) {
+      const std::string& name = decl->GetName();
+      if (isKey) reference.AddKeyValue(name, target->GetProperty(name, {})->GetValue());
+    }
+    SCOPED_TRACE(reference.GetPath());
+    adder.Begin();
+    EXPECT_TRUE(adder.Set(0, TCIMValue(reference)));
+    EXPECT_TRUE(adder.Commit());
+    adder.Begin();
+    EXPECT_TRUE(adder.SetReference(0, *target));
+    const TCIMReference found = adder.GetInstance()->GetProperty("To", {})->GetValue();
+    EXPECT_EQ(found, reference);
+    EXPECT_EQ(found.GetPath(), reference.GetPath());
+    EXPECT_EQ(found.GetNamespace(), ns);
+    EXPECT_FALSE(adder.Commit()) << "the same key";
+  }
+
+  adder.Begin();
+  EXPECT_FALSE(adder.SetReference(1, *read)) << "no reference";
+  EXPECT_FALSE(adder.SetReference(0, *AddInstance(other, "T_Disk", {{"Name", "x"}, {"Id", 1U}})));
+  EXPECT_FALSE(adder.SetReference(0, *read->GetClass({})->CreateInstance({}))) << "has no keys yet";
+  EXPECT_QDX_STATUS(adder.Commit(), kQDXStatusInvalidInstance);
 }
 
 }  // namespace

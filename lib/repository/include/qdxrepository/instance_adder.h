@@ -32,6 +32,9 @@ class TInstanceAdder {
   bool SetText(std::size_t position, std::string_view text);
   /// `bytes` are those of the native type, in the order of this machine; as many as it has.
   bool SetNumber(std::size_t position, std::string_view bytes);
+  /// Sets what Set() does with a reference to `target`: its class and keys. Also returns false, and
+  /// sets nothing, unless `target` is a committed instance of the same namespace.
+  bool SetReference(std::size_t position, const ICIMInstance& target);
   void SetNull(std::size_t position);
   bool SetTime(std::size_t position, const TCIMDateTime& time);
   /// Returns the instance that was started, also when it is committed; null before Begin() and
