@@ -63,6 +63,11 @@ TEST(Table, HasColoursOnATerminalThatIsNotToldOtherwise) {
       value != nullptr ? ::setenv(name, value, 1) : ::unsetenv(name);
     }
     EXPECT_EQ(FormatTable(kTable), table);
+    for (const char* text : {"plain", "caf\xc3\xa9", "\x1b[31m", ""}) {
+      for (const auto style : {TTableRow::kPlain, TTableRow::kDim, TTableRow::kAdded}) {
+        EXPECT_EQ(FormatLine(text, style), FormatTable({{{text}, style}}));
+      }
+    }
   }
   EXPECT_EQ(FormatTable({}), "");
 }

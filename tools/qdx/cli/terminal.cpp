@@ -25,11 +25,39 @@ bool UsesColour() {
   return able && !refused && ::isatty(STDOUT_FILENO) != 0;
 }
 
-std::string Styled(const std::string& line, TTableRow::EStyle style) {
+/// Returns whether the text has only printable characters of ASCII, as most texts do: each of them
+/// is harmless and one column wide.
+bool IsPlain(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+}
+
+/// Appends the sanitised cell. Returns its width.
+std::size_t AppendCell(std::string& line, const std::string& cell) {
+  if (IsPlain(cell)) {
+    line += cell;
+    return cell.size();
+  }
+  const std::string harmless = ForTerminal(cell);
+  line += harmless;
+  return WidthOf(harmless);
+}
+
+void AppendRow(std::string& text, const TTableRow& row, const std::vector<std::size_t>& widths) {
+  for (std::size_t i = 0; i < row.fCells.size(); ++i) {
+    const std::size_t width = AppendCell(text, row.fCells[i]);
+    if (i + 1 < row.fCells.size()) text.append(widths[i] - width + 2, ' ');
+  }
+}
+
+/// Appends the line that `append` appends, in a style.
+template <typename TAppend>
+void AppendStyled(std::string& text, TTableRow::EStyle style, const TAppend& append) {
   // In the order of the styles: bold, dim, red, green.
   static const char* const kSequences[] = {"", "\033[1m", "\033[2m", "\033[31m", "\033[32m"};
-  if (style == TTableRow::kPlain) return line;
-  return kSequences[style] + line + "\033[0m";
+  const bool isStyled = style != TTableRow::kPlain && UsesColour();
+  if (isStyled) text += kSequences[style];
+  append();
+  text += isStyled ? "\033[0m\n" : "\n";
 }
 
 std::vector<std::size_t> ColumnWidths(const std::vector<TTableRow>& rows) {
@@ -37,26 +65,19 @@ std::vector<std::size_t> ColumnWidths(const std::vector<TTableRow>& rows) {
   for (const TTableRow& row : rows) {
     widths.resize(std::max(widths.size(), row.fCells.size()));
     for (std::size_t i = 0; i < row.fCells.size(); ++i) {
-      widths[i] = std::max(widths[i], WidthOf(ForTerminal(row.fCells[i])));
+      const std::string& cell = row.fCells[i];
+      widths[i] = std::max(widths[i], IsPlain(cell) ? cell.size() : WidthOf(ForTerminal(cell)));
     }
   }
   return widths;
 }
 
-std::string FormatRow(const TTableRow& row, const std::vector<std::size_t>& widths) {
-  std::string line;
-  for (std::size_t i = 0; i < row.fCells.size(); ++i) {
-    const std::string cell = ForTerminal(row.fCells[i]);
-    line += cell;
-    if (i + 1 < row.fCells.size()) line.append(widths[i] - WidthOf(cell) + 2, ' ');
-  }
-  return line;
-}
-
 }  // namespace
 
 std::string ForTerminal(const std::string& text) {
+  if (IsPlain(text)) return text;
   std::string harmless;
+  harmless.reserve(text.size());
   for (std::string_view rest = text; !rest.empty();) {
     const TUTF8Character character = TakeCharacter(rest);
     const bool isHarmless = character.fCodePoint && IsHarmless(*character.fCodePoint);
@@ -89,12 +110,16 @@ std::string CutToWidth(const std::string& text, std::size_t width) {
 
 std::string FormatTable(const std::vector<TTableRow>& rows) {
   const std::vector<std::size_t> widths = ColumnWidths(rows);
-  const bool colour = UsesColour();
   std::string text;
   for (const TTableRow& row : rows) {
-    const std::string line = FormatRow(row, widths);
-    text += (colour ? Styled(line, row.fStyle) : line) + "\n";
+    AppendStyled(text, row.fStyle, [&] { AppendRow(text, row, widths); });
   }
+  return text;
+}
+
+std::string FormatLine(const std::string& line, TTableRow::EStyle style) {
+  std::string text;
+  AppendStyled(text, style, [&] { AppendCell(text, line); });
   return text;
 }
 

@@ -34,6 +34,9 @@ struct TTableRow {
 /// standard output is a terminal, TERM names a capable one and NO_COLOR is not set.
 std::string FormatTable(const std::vector<TTableRow>& rows);
 
+/// Returns what FormatTable() makes of a row with one cell.
+std::string FormatLine(const std::string& line, TTableRow::EStyle style = TTableRow::kPlain);
+
 }  // namespace NVORNQDX20
 
 #endif  // TOOLS_QDX_CLI_TERMINAL_H_

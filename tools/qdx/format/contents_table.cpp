@@ -26,7 +26,7 @@ class TTableFormat : public IContentsFormat {
 
   void BeginNamespace(const std::string& name, const std::string& provider) override {
     const std::string suffix = provider.empty() ? "" : "  (provider " + provider + ")";
-    fOutput.Add(FormatTable({{{name + suffix}, TTableRow::kHeading}}));
+    fOutput.Add(FormatLine(name + suffix, TTableRow::kHeading));
   }
 
   void BeginClass(const TShownClass& cimClass) override {
@@ -46,10 +46,10 @@ class TTableFormat : public IContentsFormat {
   }
 
   void EndClass() override {
-    fOutput.Add(FormatTable({{{"  " + CountedName(*fClass)}, TTableRow::kPlain}}));
+    fOutput.Add(FormatLine("  " + CountedName(*fClass)));
     if (!fRows.empty() && !fColumns.empty()) fOutput.Add(FormatRows());
     if (!fClass->fReason.empty()) {
-      fOutput.Add(FormatTable({{{"    -  (" + fClass->fReason + ")"}, TTableRow::kDim}}));
+      fOutput.Add(FormatLine("    -  (" + fClass->fReason + ")", TTableRow::kDim));
     }
     fRows.clear();
     fClass = nullptr;
@@ -59,7 +59,7 @@ class TTableFormat : public IContentsFormat {
 
   void End(const TOmitted& omitted) override {
     const std::string line = omitted.Line();
-    if (!line.empty()) fOutput.Add(FormatTable({{{"(" + line + ")"}, TTableRow::kDim}}));
+    if (!line.empty()) fOutput.Add(FormatLine("(" + line + ")", TTableRow::kDim));
     fOutput.Flush();
   }
 
@@ -72,14 +72,13 @@ class TTableFormat : public IContentsFormat {
     for (const std::size_t column : shown) {
       names.push_back(fClass->fClass.fProperties[fColumns[column]].fName);
     }
-    std::string text = FormatTable(
-        {{{kTableIndent + AlignedLine(std::move(names), widths)}, TTableRow::kHeading}});
+    std::string text =
+        FormatLine(kTableIndent + AlignedLine(std::move(names), widths), TTableRow::kHeading);
     for (TTableRow& row : fRows) {
       std::vector<std::string> cells;
       cells.reserve(shown.size());
       for (const std::size_t column : shown) cells.push_back(std::move(row.fCells[column]));
-      text += FormatTable(
-          {{{kTableIndent + AlignedLine(std::move(cells), widths)}, TTableRow::kPlain}});
+      text += FormatLine(kTableIndent + AlignedLine(std::move(cells), widths));
     }
     return text;
   }

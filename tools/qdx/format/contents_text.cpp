@@ -17,7 +17,7 @@ namespace {
 
 std::string Line(std::size_t indent, const std::string& text,
                  TTableRow::EStyle style = TTableRow::kPlain) {
-  return FormatTable({{{std::string(indent, ' ') + text}, style}});
+  return FormatLine(std::string(indent, ' ') + text, style);
 }
 
 bool IsEmptyValue(const TJSON& value) {
@@ -102,11 +102,14 @@ class TTextFormat : public IContentsFormat {
         ++fOmitted.fEmpty;
         continue;
       }
-      const std::string text = isAbsent ? "-" : ShownText(cimClass, instance, i, fStyle);
-      const bool isExplained = reason != nullptr && !reason->empty();
-      rows.push_back({{"      " + cimClass.fProperties[i].fName,
-                       text + (isExplained ? "  (" + std::string(*reason) + ")" : "")},
-                      isAbsent ? TTableRow::kDim : TTableRow::kPlain});
+      std::string text = isAbsent ? "-" : ShownText(cimClass, instance, i, fStyle);
+      if (reason != nullptr && !reason->empty()) text += "  (" + std::string(*reason) + ")";
+      // Without the copies that a list of initial values makes: there are many rows.
+      TTableRow& row = rows.emplace_back();
+      row.fStyle = isAbsent ? TTableRow::kDim : TTableRow::kPlain;
+      row.fCells.reserve(2);
+      row.fCells.push_back("      " + cimClass.fProperties[i].fName);
+      row.fCells.push_back(std::move(text));
     }
     return FormatTable(rows);
   }

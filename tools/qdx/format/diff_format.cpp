@@ -240,7 +240,7 @@ class TListing {
 
   void AddLine(std::size_t indent, const std::string& line, TTableRow::EStyle style) {
     EndTable();
-    fText += FormatTable({{{std::string(indent, ' ') + line}, style}});
+    fText += FormatLine(std::string(indent, ' ') + line, style);
   }
   /// Aligns the properties of one element.
   void EndTable() {

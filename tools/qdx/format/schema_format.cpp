@@ -19,7 +19,7 @@ using TType = TCIMValue::TCIMType;
 
 std::string SchemaLine(std::size_t indent, const std::string& text,
                        TTableRow::EStyle style = TTableRow::kPlain) {
-  return FormatTable({{{std::string(indent, ' ') + text}, style}});
+  return FormatLine(std::string(indent, ' ') + text, style);
 }
 
 std::string Heading(const std::string& name, const std::string& provider) {
