@@ -172,12 +172,12 @@ bool IsBusName(const TJSON& value) {
 
 /// Returns whether the number is in the units of the sensor that has it.
 bool IsReading(const TPropertySnapshot& property) {
-  static constexpr const char* kEnds[] = {"Reading",    "NonCritical", "Critical",
-                                          "Fatal",      "NormalMax",   "NormalMin",
-                                          "Hysteresis", "MaxReadable", "MinReadable"};
+  static constexpr std::string_view kEnds[] = {"Reading",    "NonCritical", "Critical",
+                                               "Fatal",      "NormalMax",   "NormalMin",
+                                               "Hysteresis", "MaxReadable", "MinReadable"};
   return IsNumeric(property) && property.fUnit.empty() && property.fValueNames.empty() &&
          std::any_of(std::begin(kEnds), std::end(kEnds),
-                     [&property](const char* end) { return EndsWith(property.fName, end); });
+                     [&property](std::string_view end) { return EndsWith(property.fName, end); });
 }
 
 /// Returns the unit of the readings of a sensor as a PUnit; empty if it has none.
@@ -249,7 +249,7 @@ std::string TextForPeople(const TClassSnapshot& cimClass, const TInstanceSnapsho
                           std::size_t property) {
   const TPropertySnapshot& declared = cimClass.fProperties[property];
   const TJSON& value = instance.fValues[property];
-  if (IsReading(declared) && value.is_number()) {
+  if (value.is_number() && IsReading(declared)) {
     const std::string unit = UnitOfReadings(cimClass, instance);
     if (!unit.empty()) return FormatQuantity(*NumberIn(value), unit);
   }

@@ -36,6 +36,11 @@ std::vector<TJSON> TInstanceReader::ReadValues() const {
   std::vector<TJSON> values;
   values.reserve(fColumns.size());
   for (const TColumn& column : fColumns) {
+    TPlainValue plain;
+    if (fReader.FindPlain(column.fPosition, plain)) {
+      values.push_back(ToJSON(plain, fReader.GetProperties()[column.fPosition].fType));
+      continue;
+    }
     fReader.Read(column.fPosition,
                  [&](const TCIMValue& value) { values.push_back(ToJSON(value, fOwnNamespace)); });
   }

@@ -9,6 +9,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <type_traits>
 #include <vector>
 
@@ -55,6 +56,17 @@ TJSON DateTime(const TCIMDateTime& dateTime) {
   return dateTime.IsNull() ? TJSON() : TJSON(dateTime.ToString());
 }
 
+template <typename T>
+TJSON Number(T number) {
+  if constexpr (std::is_floating_point_v<T>) {
+    return Real(number);
+  } else if constexpr (sizeof(T) == sizeof(std::int64_t)) {
+    return std::to_string(number);
+  } else {
+    return number;
+  }
+}
+
 }  // namespace
 
 TJSON ToJSON(const TCIMValue& value, const std::string& ownNamespace) {
@@ -62,10 +74,8 @@ TJSON ToJSON(const TCIMValue& value, const std::string& ownNamespace) {
   if (value.IsArray()) return Array(value, ownNamespace);
   return NModel::VisitScalar(value, [&ownNamespace](auto native) -> TJSON {
     using T = decltype(native);
-    if constexpr (std::is_floating_point_v<T>) {
-      return Real(native);
-    } else if constexpr (std::is_integral_v<T> && sizeof(T) == sizeof(std::int64_t)) {
-      return std::to_string(native);
+    if constexpr (std::is_arithmetic_v<T>) {
+      return Number(native);
     } else if constexpr (std::is_same_v<T, TCIMDateTime>) {
       return DateTime(native);
     } else if constexpr (std::is_same_v<T, TCIMReference>) {
@@ -76,12 +86,27 @@ TJSON ToJSON(const TCIMValue& value, const std::string& ownNamespace) {
   });
 }
 
+TJSON ToJSON(const TPlainValue& value, TCIMValue::TCIMType type) {
+  if (value.fIsNull) return nullptr;
+  return NModel::VisitType(type, [&value](auto native) -> TJSON {
+    using T = typename decltype(native)::TType;
+    if constexpr (std::is_arithmetic_v<T>) {
+      T number;
+      std::memcpy(&number, value.fBytes.data(), sizeof number);
+      return Number(number);
+    } else {
+      return std::string(value.fBytes);
+    }
+  });
+}
+
 std::string PlainText(const TJSON& value) {
   if (value.is_null()) return "-";
   if (value.is_string()) {
     const auto& plain = value.get_ref<const std::string&>();
     return IsMistakable(plain) ? Quoted(value) : plain;
   }
+  if (value.is_number_unsigned()) return std::to_string(value.get<std::uint64_t>());
   if (!value.is_array()) return value.dump();
   std::string text;
   for (const TJSON& element : value) {

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxsnapshot/value_json.h>
 
+#include <qdxcore/reference.h>
+#include <qdxcore/values.h>
+
 #include <cmath>
+#include <string>
 
 #include "support/class_builder.h"
 
@@ -35,6 +39,20 @@ TEST(ValueJSON, LosesNothingThatReadersKeep) {
       {ReferenceTo(ns, "C.Key=\"a\\\"b\""), R"("C.Key=\"a\\\"b\"")"}};
   for (const auto& [value, text] : rows) EXPECT_EQ(ToJSON(value, "TEST").dump(), text);
   EXPECT_EQ(ToJSON(ReferenceTo(ns, "C"), "root/other"), "test:C");
+
+  int plains = 0;
+  for (const auto& [value, text] : rows) {
+    if (value.IsArray() || value.GetType() >= TType::kCIMTypeDateTime) continue;
+    const std::string name = "P" + std::to_string(plains);
+    AddClass(ns, name, {{"Key", 0U}}, {{"Value", value}});
+    AddInstance(ns, name, {{"Key", 1U}, {"Value", value}});
+    const auto instance = TCIMReference(ns, name + ".Key=\"1\"", TOptionsMap()).GetCIMElement();
+    TPlainValue plain;
+    ASSERT_TRUE(dynamic_cast<IPlainValuesOfInstance&>(*instance).FindPlainValue(1, plain)) << text;
+    EXPECT_EQ(ToJSON(plain, value.GetType()).dump(), text);
+    ++plains;
+  }
+  EXPECT_EQ(plains, 12);
 }
 
 TEST(PlainText, IsWhatPeopleRead) {

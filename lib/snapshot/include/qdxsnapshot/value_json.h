@@ -4,6 +4,7 @@
 #define QDXSNAPSHOT_VALUE_JSON_H_
 
 #include <qdxcore/value.h>
+#include <qdxcore/values.h>
 
 #include <string>
 
@@ -19,6 +20,8 @@ using TJSON = nlohmann::ordered_json;
 /// the namespace of the value. A reference to another namespace begins with its name:
 /// "root/other:Class.Key=1".
 TJSON ToJSON(const TCIMValue& value, const std::string& ownNamespace);
+/// The same for a scalar text, number or boolean of this type.
+TJSON ToJSON(const TPlainValue& value, TCIMValue::TCIMType type);
 
 /// Returns one line: "-" for null, arrays as "{ a, b }", strings unchanged. In quotes, as in JSON,
 /// is a string that could be mistaken for another value: an empty one, "-", one that begins with a
