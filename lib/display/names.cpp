@@ -33,6 +33,7 @@ constexpr std::pair<std::string_view, std::string_view> kCommonWords[] = {
     {"ethernet", "EthernetPort"},
     {"filesystem", "LocalFileSystem"},
     {"firmware", "BIOSElement"},
+    {"fs", "FileSystem"},
     {"interface", "EthernetPort"},
     {"ip", "IPProtocolEndpoint"},
     {"kernel", "InstalledKernel"},

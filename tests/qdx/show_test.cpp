@@ -185,6 +185,10 @@ TEST_F(QDXShowMachine, UnderstandsNamesOfClasses) {
       {{"disk", "--where", "Sixe>1"},
        4,
        "looking for property Sixe: no class that is shown has it; did you mean 'Size'?\n"},
+      {{"disk", "--properties", "Nothing"},
+       4,
+       "looking for property Nothing: no class that is shown has it; 'qdx show CLASS --schema' "
+       "lists those of a class\n"},
       {{"disk", "--properties", "a,,b"}, 2, "option '--properties' needs names"},
       {{"disk", "--where", "=3"}, 2, "option '--where' needs a property"},
       {{"sensors", "--where", "CurrentReading>hot"},

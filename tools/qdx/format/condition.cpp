@@ -153,7 +153,7 @@ bool TCondition::IsInOrder(const TJSON& value, const TPropertySnapshot& property
     const auto wanted = ParseQuantity(fValue, unit);
     if (!wanted) {
       FailOnUsage("option '--where' compares the number " + property.fName + " with '" + fValue +
-                  "'" + (unit.empty() ? "" : ", which is no number of " + unit));
+                  "', which is no number" + (unit.empty() ? "" : " with the unit " + unit));
     }
     const auto number = NumberIn(value);
     // A real number is no more exact than a double.

@@ -8,9 +8,11 @@
 #include <qdxsystem/random.h>
 #include <qdxsystem/read.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <set>
+#include <utility>
 
 #include <fcntl.h>
 
@@ -66,10 +68,13 @@ std::string RandomKey() {
                         {kQDXStatusFileSystemError, ErrorText(errno)});
 }
 
+/// With hyphens for the blanks, as they are typed.
 std::string KindNames() {
   std::vector<std::string> names;
   for (const ESecret each : NRedact::AllSecrets()) {
-    names.push_back("'" + std::string(NDescribe::SecretName(each)) + "'");
+    std::string name = NDescribe::SecretName(each);
+    std::replace(name.begin(), name.end(), ' ', '-');
+    names.push_back(std::move(name));
   }
   return boost::algorithm::join(names, ", ");
 }

@@ -51,8 +51,8 @@ TVerb RedactVerb() {
           "Writes a document again, with pseudonyms for serial numbers, addresses and names.",
           "FILE is a CIM-XML document, '-' is standard input. What is secret is replaced by a\n"
           "pseudonym such as serial-3f9a2c10, the same for the same value everywhere in the\n"
-          "document: in keys, references, reasons, and in other texts. The kinds are 'serial',\n"
-          "'host name', 'address', 'user', 'command line' and 'mount source'.\n"
+          "document: in keys, references, reasons, and in other texts. The kinds are serial,\n"
+          "host-name, address, user, command-line and mount-source.\n"
           "Without --key the pseudonyms are others in each run.\n",
           options,
           RunRedact,

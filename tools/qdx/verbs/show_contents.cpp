@@ -41,9 +41,13 @@ void RequireProperty(const std::string& wanted, const std::vector<std::string>& 
     return NModel::EqualIgnoringCase(name, wanted);
   });
   if (isKnown) return;
+  const std::string suggestion = NModel::SuggestedName(wanted, names);
   throw TCommandFailure(
       kExitBadInput, "looking for property " + wanted,
-      {kQDXStatusNotFound, "no class that is shown has it" + NModel::SuggestedName(wanted, names)});
+      {kQDXStatusNotFound,
+       "no class that is shown has it" + (suggestion.empty()
+                                              ? "; 'qdx show CLASS --schema' lists those of a class"
+                                              : suggestion)});
 }
 
 /// Shows the classes of one namespace.
