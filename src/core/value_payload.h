@@ -14,6 +14,8 @@
 #include <utility>
 #include <vector>
 
+#include "payload_memory.h"
+
 namespace NVORNQDX20 {
 
 /// The content of a value. Each class overrides the conversions of its kind; all others throw
@@ -64,6 +66,9 @@ class TCIMValueImpl {
 template <typename TPayload, typename TBase = TCIMValueImpl>
 class TClonable : public TBase {
  public:
+  static void* operator new(std::size_t) { return TPayloadMemory::Take<sizeof(TPayload)>(); }
+  static void operator delete(void* memory) { TPayloadMemory::Keep<sizeof(TPayload)>(memory); }
+
   std::unique_ptr<TCIMValueImpl> Clone() const override {
     return std::make_unique<TPayload>(static_cast<const TPayload&>(*this));
   }

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+/// The memory of payloads. A thread keeps that of some that it destroyed for those that it makes
+/// next: most values live for a call or a line, and the allocator takes much longer.
+#ifndef SRC_CORE_PAYLOAD_MEMORY_H_
+#define SRC_CORE_PAYLOAD_MEMORY_H_
+
+#include <qdxsystem/thread_variable.h>
+
+#include <cstddef>
+#include <new>
+
+namespace NVORNQDX20 {
+
+/// Some blocks for each of two sizes: numbers and what has a body of its own; texts and arrays.
+class TPayloadMemory {
+ public:
+  static constexpr std::size_t kSmall = 24;
+  static constexpr std::size_t kLarge = 40;
+
+  /// Returns memory for a payload of this size.
+  template <std::size_t kSize>
+  static void* Take() {
+    TBlocks& blocks = Blocks<kSize>();
+    TBlock* const first = blocks.fFirst;
+    if (first == nullptr) return ::operator new(kSize <= kSmall ? kSmall : kLarge);
+    blocks.fFirst = first->fNext;
+    ++blocks.fRoom;
+    return first;
+  }
+
+  /// Takes back what Take<kSize>() returned, on this thread or another.
+  template <std::size_t kSize>
+  static void Keep(void* memory) noexcept {
+    TBlocks& blocks = Blocks<kSize>();
+    if (blocks.fRoom == 0) return KeepFirstOrReturn(blocks, memory);
+    --blocks.fRoom;
+    blocks.fFirst = ::new (memory) TBlock{blocks.fFirst};
+  }
+
+ private:
+  struct TBlock {
+    TBlock* fNext;
+  };
+  struct TBlocks {
+    TBlock* fFirst;
+    unsigned int fRoom;  // for so many more blocks
+  };
+  /// All zero at first, so that a thread does nothing before its first payload.
+  struct TBlocksOfThread {
+    TBlocks fSmall;
+    TBlocks fLarge;
+    bool fWasOpened;
+  };
+  class TReturnAtThreadEnd;
+
+  template <std::size_t kSize>
+  static TBlocks& Blocks() {
+    static_assert(kSize <= kLarge);
+    TBlocksOfThread& blocks = FoundOnce(gBlocks);
+    return kSize <= kSmall ? blocks.fSmall : blocks.fLarge;
+  }
+  static void KeepFirstOrReturn(TBlocks& blocks, void* memory) noexcept;
+
+  static inline thread_local TBlocksOfThread gBlocks = {};
+};
+
+}  // namespace NVORNQDX20
+
+#endif  // SRC_CORE_PAYLOAD_MEMORY_H_
