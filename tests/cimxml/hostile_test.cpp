@@ -193,6 +193,8 @@ TEST(BadGzipFile, IsRefusedWithItsStatus) {
       {whole.substr(0, 9), kQDXStatusCorruptGzipFile,
        "gzip: the file ends too early, after 9 bytes"},
       {whole + "xx", kQDXStatusCorruptGzipFile, "gzip: incorrect header check, after 91 bytes"},
+      {"\xFD\x37zXZ", kQDXStatusInvalidDataCollectionDocument,
+       "1:1 it is compressed with xz, and only gzip is understood: unpack it first"},
       {Compressed(Document({std::string(65 << 20, ' ')})), kQDXStatusInvalidDataCollectionDocument,
        "2:67108792 more than 500 times its compressed size"}};
   for (const auto& c : kCases) {

@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <cstring>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include <zlib.h>
 
@@ -19,6 +21,18 @@ namespace NVORNQDX20::NCIMXML {
 namespace {
 
 constexpr unsigned char kMagic[] = {0x1F, 0x8B};
+
+/// The first bytes of other compressions, which no XML document has.
+constexpr std::pair<std::string_view, const char*> kOtherMagic[] = {
+    {"\xFD\x37zXZ", "xz"}, {"\x28\xB5\x2F\xFD", "zstd"}, {"BZh", "bzip2"}, {"PK\x03\x04", "zip"}};
+
+void RefuseOtherCompression(std::string_view start) {
+  for (const auto& [magic, name] : kOtherMagic) {
+    if (start.substr(0, magic.size()) != magic) continue;
+    throw TDocumentError(std::string("it is compressed with ") + name +
+                         ", and only gzip is understood: unpack it first");
+  }
+}
 
 /// A position in compressed data: a byte, without a line.
 TDocumentError GzipDefect(const std::string& reason, std::size_t bytes, EQDXStatusCode status) {
@@ -90,6 +104,7 @@ void TInput::Probe() {
   if (fEnd >= sizeof(kMagic) && std::equal(kMagic, kMagic + sizeof(kMagic), fBuffer.get())) {
     fDecompressor = std::make_unique<TDecompressor>();
   }
+  RefuseOtherCompression({reinterpret_cast<const char*>(fBuffer.get()), fEnd});
   fIsProbed = true;
 }
 
