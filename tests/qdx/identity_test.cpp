@@ -22,7 +22,7 @@ class QDXIdentity : public ::testing::Test {
     fTree.Write("sys/devices/system/memory/block_size_bytes", "60000000\n");
     for (const std::string name : {"sda", "sdb", "sdc"}) {
       fTree.Write("sys/block/" + name + "/device/model", "Disk\n");
-      fTree.Write("sys/block/" + name + "/size", name == "sdb" ? "7814037168\n" : "937703088\n");
+      fTree.Write("sys/block/" + name + "/size", name == "sdb" ? "7501476528\n" : "937703088\n");
     }
     fTree.Write("proc/cpuinfo",
                 "processor\t: 0\nphysical id\t: 0\nmodel name\t: Xeon 8\ncpu cores\t: 1\n\n"
@@ -54,7 +54,7 @@ TEST_F(QDXIdentity, IsPrintedForPeople) {
             "OS type           36 (LINUX)\n"
             "Processors        1 x Xeon 8 (1 core, 2 threads)\n"
             "Memory            3 GiB\n"
-            "Disks             3 (2 x 480.1 GB, 4 TB)\n"
+            "Disks             3 (2 x 480.1 GB, 3.84 TB)\n"
             "QDX version       " QDXCORE_VERSION "\n");
   EXPECT_EQ(run.fErrors, "");
   EXPECT_EQ(run.fExitCode, 0);
@@ -76,7 +76,7 @@ TEST_F(QDXIdentity, IsPrintedAsJSON) {
       "notes": {"serialNumber": "not seven letters or digits",
                 "disks": "/sys/block/sdd/size: not a regular file and 1 more"},
       "manufacturer": "VORN", "family": "Lofts", "sku": null, "memory": "3 GiB",
-      "processors": "1 x Xeon 8 (1 core, 2 threads)", "disks": "5 (2 x 480.1 GB, 4 TB)",
+      "processors": "1 x Xeon 8 (1 core, 2 threads)", "disks": "5 (2 x 480.1 GB, 3.84 TB)",
       "absent": {"model": "not in the product name",
                  "sku": "/sys/class/dmi/id/product_sku: No such file or directory"}})json");
   expected["qdxVersion"] = QDXCORE_VERSION;

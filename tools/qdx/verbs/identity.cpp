@@ -6,9 +6,6 @@
 #include <qdxmodel/classes.h>
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
-#include <iterator>
 #include <map>
 
 #include <qdxsnapshot/value_json.h>
@@ -16,6 +13,7 @@
 #include "cli/terminal.h"
 #include "input/machine.h"
 #include "input/worker_options.h"
+#include "summary/words.h"
 #include "verbs.h"
 
 namespace NVORNQDX20 {
@@ -126,31 +124,6 @@ std::string CountOf(std::uint64_t count, const char* one, const char* many) {
   return std::to_string(count) + " " + (count == 1 ? one : many);
 }
 
-/// Returns for example "1.5 TB" or "64 GiB": at most one digit after the point.
-std::string SizeText(std::uint64_t bytes, unsigned int unit, const char* const (&names)[6]) {
-  std::size_t name = 0;
-  double size = static_cast<double>(bytes);
-  while (size >= unit && name + 1 < std::size(names)) {
-    size /= unit;
-    ++name;
-  }
-  std::array<char, 32> text{};
-  std::snprintf(text.data(), text.size(), "%.1f", size);
-  std::string number = text.data();
-  if (number.compare(number.size() - 2, 2, ".0") == 0) number.resize(number.size() - 2);
-  return number + " " + names[name];
-}
-
-/// As people count memory.
-std::string MemoryText(std::uint64_t bytes) {
-  return SizeText(bytes, 1024, {"bytes", "KiB", "MiB", "GiB", "TiB", "PiB"});
-}
-
-/// As people count disks.
-std::string DiskText(std::uint64_t bytes) {
-  return SizeText(bytes, 1000, {"bytes", "kB", "MB", "GB", "TB", "PB"});
-}
-
 /// "2 x Xeon Gold 6130 (32 cores, 64 threads)"
 TJSON QueryProcessors(const TNamespace& ns) {
   std::vector<std::pair<std::string, int>> models;
@@ -185,26 +158,29 @@ TJSON QueryMemory(const TNamespace& ns) {
   if (size != 0) {
     const std::string inModules =
         modules == 0 ? "" : " in " + CountOf(modules, "module", "modules");
-    return MemoryText(size) + inModules;
+    return AsMemorySize(size) + inModules;
   }
   for (const auto& os : InstancesOf(ns, THelper::kOperatingSystemCreationClassName)) {
     size = NumberOf(*os, "TotalVisibleMemorySize") << 10U;  // in KiB
   }
   if (size == 0) return nullptr;
-  return MemoryText(size) + " visible to the operating system";
+  return AsMemorySize(size) + " visible to the operating system";
 }
 
-/// "3 (2 x 960.2 GB, 4 TB)", the sizes in ascending order.
+/// "3 (2 x 960.2 GB, 3.84 TB)", the sizes in ascending order.
 TJSON QueryDisks(const TNamespace& ns) {
   const TInstances disks = InstancesOf(ns, kDiskClassName);
   if (disks.empty()) return nullptr;
   std::map<std::uint64_t, int> sizes;
-  for (const auto& disk : disks) ++sizes[NumberOf(*disk, "MaxMediaSize")];
+  for (const auto& disk : disks) {
+    const std::uint64_t size = NumberOf(*disk, "Size");
+    ++sizes[size != 0 ? size : 1000 * NumberOf(*disk, "MaxMediaSize")];
+  }
   std::string text;
   for (const auto& [size, count] : sizes) {
     if (size == 0) continue;  // a drive without a medium
     text += text.empty() ? "" : ", ";
-    text += (count == 1 ? "" : std::to_string(count) + " x ") + DiskText(size * 1000);
+    text += (count == 1 ? "" : std::to_string(count) + " x ") + AsDiskSize(size);
   }
   return std::to_string(disks.size()) + (text.empty() ? "" : " (" + text + ")");
 }
