@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <memory>
 #include <random>
@@ -15,6 +16,7 @@
 #include "sample_document.h"
 #include "storage/hosts.h"
 #include "storage/identity.h"
+#include "storage/identity_group.h"
 #include "storage/removal.h"
 #include "support/expect_status.h"
 #include "support/temp_dir.h"
@@ -294,6 +296,29 @@ TEST_P(Store, NoticesCopiesOfAnInstallation) {
   EXPECT_EQ(fStore->Add(Document(copy, 200)).fWarnings.size(), 1U);
   EXPECT_EQ(Rows("SELECT machine_id, host FROM cloned_machine_ids", 2),
             (std::multiset<std::string>{"m1|a", "m1|b"}));
+}
+
+TEST_P(Store, ReadsFewOfManyIdentitiesForANewOne) {
+  const auto numbered = [](const char* uuid, const char* serial, const char* name) {
+    return [=](unsigned i) {
+      const auto text = [i](const char* prefix) {
+        return *prefix == '\0' ? std::string() : prefix + std::to_string(i);
+      };
+      return THostIdentity{text(uuid), "m", text(serial), "Acme", "", text(name)};
+    };
+  };
+  const std::function<THostIdentity(unsigned)> kinds[] = {
+      numbered("u", "s", "n"), numbered("", "s", "n"), numbered("", "s", ""), numbered("", "", "n"),
+      numbered("u", "", "")};
+  unsigned time = 100;
+  for (const auto& identityOf : kinds) {
+    constexpr unsigned kMany = 20;
+    for (unsigned i = 0; i < kMany; ++i) fStore->Add(Document(identityOf(i), ++time));
+    const TIdentity next = IdentityOf(identityOf(kMany));
+    const TIdentityGroup group(*fDatabase, next, TIdentityGroup::kAdded);
+    EXPECT_LT(group.GetStored().size(), 8U) << &identityOf - kinds;
+    Renew();
+  }
 }
 
 TEST_P(Store, RefusesWhatItCannotPlace) {

@@ -2,7 +2,6 @@
 #include "identity_group.h"
 
 #include <cstddef>
-#include <utility>
 
 #include <nlohmann/json.hpp>
 
@@ -10,14 +9,16 @@ namespace NVORNQDX20::NStore {
 namespace {
 
 /// Those of which only this tells the host.
-const char* const kOnlyMachine = " AND i.uuid = ''";
-const char* const kOnlySerial = " AND i.uuid = '' AND i.machine_id = ''";
-const char* const kOnlyName = " AND i.uuid = '' AND i.machine_id = '' AND i.serial_number = ''";
+const char* const kOnlyMachine = "i.machine_id = :machine AND i.uuid = ''";
+const char* const kOnlySerial = "i.serial_number = :text AND i.uuid = '' AND i.machine_id = ''";
+const char* const kOnlyName =
+    "i.name = :text AND i.uuid = '' AND i.machine_id = '' AND i.serial_number = ''";
 
 }  // namespace
 
 TIdentityGroup::TIdentityGroup(TDatabase& database, const TIdentity& identity, EChange change)
     : fDatabase(database), fIdentity(identity), fChange(change) {
+  SpreadOverMachine();
   Spread(fIdentity);
   do {
     if (fChange == kAdded) ReadWhatMattersFor(fIdentity);
@@ -30,16 +31,45 @@ TIdentityGroup::TIdentityGroup(TDatabase& database, const TIdentity& identity, E
   } while (SpreadChangedKeys());
 }
 
-/// Adds those whose hosts depend on this one.
-void TIdentityGroup::Spread(const TIdentity& changed) {
-  ReadAffected(std::string("i.machine_id = :text") + kOnlyMachine, changed.fMachineID);
-  ReadAffected(std::string("i.serial_number = :text") + kOnlySerial, changed.fSerialNumber);
-  ReadAffected(std::string("i.name = :text") + kOnlyName, changed.fName);
+void TIdentityGroup::TMachine::Add(const TIdentity& identity) {
+  if (!identity.fUUID.empty()) fUUIDs.insert(identity.fUUID);
+  if (!identity.fSerialNumber.empty()) fSerials.emplace(identity.fMaker, identity.fSerialNumber);
 }
 
-void TIdentityGroup::ReadAffected(const std::string& condition, const std::string& text) {
-  if (text.empty() || !fDone.insert(condition + text).second) return;
-  for (const std::int64_t number : Read(condition, {text})) fAffected.insert(number);
+/// Adds all with the machine-id if it becomes, or was, that of one installation only, or of another
+/// UUID. Copies of an installation that has other copies anyway concern nobody but their equals.
+void TIdentityGroup::SpreadOverMachine() {
+  const std::string& machine = fIdentity.fMachineID;
+  if (machine.empty()) return;
+  const TMachine without = ReadMachine();
+  TMachine with = without;
+  with.Add(fIdentity);
+  const bool isSame =
+      with.IsCloned() == without.IsCloned() && (with.IsCloned() || with.fUUIDs == without.fUUIDs);
+  if (isSame) return;
+  ReadAffected(kOnlyMachine, {machine});
+  Read("i.machine_id = :machine", {machine});
+  fHasWholeMachine = true;
+}
+
+/// Adds those whose hosts depend on this one, whatever else has its machine-id.
+void TIdentityGroup::Spread(const TIdentity& changed) {
+  const auto& [uuid, machine, serial, maker, name] = changed;
+  if (!machine.empty()) {
+    ReadAffected(std::string(kOnlyMachine) + " AND i.serial_number = '' AND i.name = :name",
+                 {machine, name});
+  }
+  if (!machine.empty() && !serial.empty()) {
+    ReadAffected(
+        std::string(kOnlyMachine) + " AND i.serial_number = :serial AND i.manufacturer = :maker",
+        {machine, serial, maker});
+  }
+  if (!serial.empty()) ReadAffected(kOnlySerial, {serial});
+  if (!name.empty()) ReadAffected(kOnlyName, {name});
+}
+
+void TIdentityGroup::ReadAffected(const std::string& condition, const std::vector<TValue>& values) {
+  for (const std::int64_t number : Read(condition, values)) fAffected.insert(number);
 }
 
 /// Returns whether the keys of further ones are to be found.
@@ -59,9 +89,7 @@ bool TIdentityGroup::SpreadChangedKeys() {
 void TIdentityGroup::ReadWhatMattersFor(const TIdentity& identity) {
   if (!identity.fUUID.empty()) return;
   if (!identity.fMachineID.empty()) {
-    if (fDone.insert("machine_id " + identity.fMachineID).second) {
-      Read("i.machine_id = :text", {identity.fMachineID});
-    }
+    ReadWhatMattersOnMachine(identity);
   } else if (!identity.fSerialNumber.empty()) {
     ReadTwoHosts(
         "i.serial_number = :text AND i.manufacturer = :maker"
@@ -71,6 +99,42 @@ void TIdentityGroup::ReadWhatMattersFor(const TIdentity& identity) {
     ReadTwoHosts("i.name = :text AND (i.uuid <> '' OR i.machine_id <> '' OR i.serial_number <> '')",
                  {identity.fName});
   }
+}
+
+void TIdentityGroup::ReadWhatMattersOnMachine(const TIdentity& identity) {
+  const auto& [uuid, machine, serial, maker, name] = identity;
+  if (fHasWholeMachine) return;
+  if (serial.empty()) {
+    ReadTwoHosts(
+        "i.machine_id = :machine AND i.name = :name AND (i.uuid <> '' OR i.serial_number <> '')",
+        {machine, name});
+  } else {
+    ReadTwoHosts(
+        "i.machine_id = :machine AND i.serial_number = :serial AND i.manufacturer = :maker"
+        " AND i.uuid <> ''",
+        {machine, serial, maker});
+  }
+}
+
+/// Reads identities that show whether the machine-id is that of copies.
+TIdentityGroup::TMachine TIdentityGroup::ReadMachine() {
+  TMachine machine;
+  const auto readOne = [&](const std::string& condition, std::vector<TValue> values) {
+    values.insert(values.begin(), fIdentity.fMachineID);
+    const auto found = Read("i.machine_id = :machine AND " + condition + " LIMIT 1", values);
+    if (found.empty()) return TIdentity{};
+    machine.Add(fStored[fIndexes.at(found.front())].fIdentity);
+    return fStored[fIndexes.at(found.front())].fIdentity;
+  };
+  const TIdentity one = readOne("i.serial_number <> ''", {});
+  if (!one.fSerialNumber.empty()) {
+    readOne("i.serial_number <> '' AND (i.serial_number <> :serial OR i.manufacturer <> :maker)",
+            {one.fSerialNumber, one.fMaker});
+  }
+  if (machine.IsCloned()) return machine;
+  const TIdentity other = readOne("i.uuid <> ''", {});
+  if (!other.fUUID.empty()) readOne("i.uuid <> '' AND i.uuid <> :uuid", {other.fUUID});
+  return machine;
 }
 
 /// Of two hosts that keep their keys: more have no other effect, and there may be thousands.

@@ -7,6 +7,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "database/database.h"
@@ -23,7 +24,7 @@ struct TStoredIdentity {
 };
 
 /// Reads as few as can be: a thousand hosts that share a name, or a thousand copies of one
-/// installation that have UUIDs, are no group.
+/// installation that have UUIDs or serial numbers, are no group.
 class TIdentityGroup {
  public:
   enum EChange {
@@ -40,12 +41,24 @@ class TIdentityGroup {
   const std::vector<std::string>& GetKeys() const { return fKeys; }
 
  private:
+  /// What the identities with a machine-id are about, at most two of each: two are as many as more.
+  struct TMachine {
+    std::set<std::string> fUUIDs;
+    std::set<std::pair<std::string, std::string>> fSerials;  // makers and serial numbers
+
+    void Add(const TIdentity& identity);
+    bool IsCloned() const { return fUUIDs.size() > 1 || fSerials.size() > 1; }
+  };
+
+  void SpreadOverMachine();
   void Spread(const TIdentity& changed);
   bool SpreadChangedKeys();
   void ReadWhatMattersFor(const TIdentity& identity);
+  void ReadWhatMattersOnMachine(const TIdentity& identity);
+  TMachine ReadMachine();
   void ReadTwoHosts(const std::string& condition, const std::vector<TValue>& values);
   std::vector<std::int64_t> Read(const std::string& condition, const std::vector<TValue>& values);
-  void ReadAffected(const std::string& condition, const std::string& text);
+  void ReadAffected(const std::string& condition, const std::vector<TValue>& values);
   void AssignKeys();
 
   TDatabase& fDatabase;
@@ -57,7 +70,7 @@ class TIdentityGroup {
   /// Numbers of those whose keys may be other ones. All others keep theirs.
   std::set<std::int64_t> fAffected;
   std::set<std::int64_t> fSpread;
-  std::set<std::string> fDone;
+  bool fHasWholeMachine = false;  // all identities with the machine-id are read
 };
 
 }  // namespace NVORNQDX20::NStore
