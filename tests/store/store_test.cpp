@@ -298,6 +298,30 @@ TEST_P(Store, NoticesCopiesOfAnInstallation) {
             (std::multiset<std::string>{"m1|a", "m1|b"}));
 }
 
+TEST_P(Store, NoticesMachinesWithOneUUID) {
+  const struct {
+    const char* fMachineID;
+    const char* fSerial;
+    const char* fName;
+    const char* fWarning;
+  } rows[] = {{"m1", "S1", "renamed", ""},
+              {"m2", "S1", "renamed", " comes with 2 machine-ids: a new installation, or several"},
+              {"m2", "S1", "again", ""},
+              {"", "", "again", ""},
+              {"m3", "S2", "other", " comes with 2 serial numbers: several machines"}};
+  fStore->Add(Document(kHost, 100));
+  std::int64_t time = 200;
+  for (const auto& [machine, serial, name, warning] : rows) {
+    const THostIdentity host = {kHost.fUUID, machine, serial, "Acme", "M", name};
+    const auto warnings = fStore->Add(Document(host, time += 60)).fWarnings;
+    ASSERT_EQ(warnings.size(), *warning == '\0' ? 0U : 1U) << name;
+    const std::string text = warnings.empty() ? kHost.fUUID : warnings[0];
+    EXPECT_NE(text.find(kHost.fUUID + warning), std::string::npos) << text;
+    EXPECT_TRUE(fStore->Add(Document(host, time += 60)).fWarnings.empty());
+  }
+  EXPECT_EQ(Rows("SELECT COUNT(*) FROM hosts", 1), (std::multiset<std::string>{"1"}));
+}
+
 TEST_P(Store, ReadsFewOfManyIdentitiesForANewOne) {
   const auto numbered = [](const char* uuid, const char* serial, const char* name) {
     return [=](unsigned i) {

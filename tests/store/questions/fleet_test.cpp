@@ -63,5 +63,36 @@ TEST(Fleet, KnowsWhoReportedWhenAndWhatFailed) {
   EXPECT_EQ(ProductOf(fleet[0]), "Acme M");
 }
 
+TEST(Fleet, NoticesThatSeveralMachinesHaveOneUUID) {
+  const THostIdentity one = {"4c4c4544-0000-1000-8000-000000000001", "m1", "S1", "Acme", "M", "a"};
+  THostIdentity other = one;
+  other.fMachineID = "m2";
+  other.fName = "b";
+  THostIdentity otherSerial = other;
+  otherSerial.fSerialNumber = "S2";
+  THostIdentity user = other;  // without root
+  user.fUUID = user.fSerialNumber = "";
+  using TIdentifiers = std::vector<TFleetHost::EIdentifier>;
+  const struct {
+    const char* fName;
+    std::vector<THostIdentity> fDocuments;
+    TIdentifiers fAlternating;
+  } rows[] = {{"new installation", {one, one, other, other}, {}},
+              {"two systems", {one, other, one}, {TFleetHost::kMachineID, TFleetHost::kName}},
+              {"in the middle",
+               {one, otherSerial, otherSerial, one},
+               {TFleetHost::kMachineID, TFleetHost::kSerialNumber, TFleetHost::kName}},
+              {"without root", {one, user, one}, {}}};
+  for (const auto& row : rows) {
+    const TTempDir folder;
+    const auto database = OpenStore(TLocation((folder.Path() / "s").string()), EAccess::kCreating);
+    std::int64_t time = 1'700'000'000;
+    for (const THostIdentity& each : row.fDocuments) {
+      TStore(*database).Add(NSample::Document(each, time += 60));
+    }
+    EXPECT_EQ(ReadFleet(*database)[0].fAlternating, row.fAlternating) << row.fName;
+  }
+}
+
 }  // namespace
 }  // namespace NVORNQDX20::NStore

@@ -182,9 +182,9 @@ TEST_F(StoreVerbs, TellProgramsWhatFailed) {
   EXPECT_EQ(hosts.substr(0, hosts.find('\n')),
             "host,uuid,machineId,serialNumber,manufacturer,model,firstSeen,lastSeen,documents,"
             "daysOfSilence,isSilent,isFromFuture,hasAllPermissions,isComplete,partsLeftOut,"
-            "sharesMachineIdWith,problems\r");
+            "sharesMachineIdWith,problems,alternating\r");
   EXPECT_NE(hosts.find("\r\n" + longName + "," + UUIDOf("web4") + ","), std::string::npos);
-  const std::string end = ",false,false,true,false,disks,,p: it crashed; p: it crashed\r\n";
+  const std::string end = ",false,false,true,false,disks,,p: it crashed; p: it crashed,\r\n";
   EXPECT_NE(hosts.find(end), std::string::npos) << hosts.substr(hosts.size() - 100);
   const std::string table = Ask({"hosts"}).fOutput;
   EXPECT_NE(table.find("\n" + longName.substr(0, 252) + "...  "), std::string::npos);

@@ -4,6 +4,7 @@
 #include <qdxmodel/names.h>
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <map>
 #include <set>
@@ -13,6 +14,8 @@
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/replace.hpp>
 #include <boost/algorithm/string/split.hpp>
+
+#include "storage/moment.h"
 
 namespace NVORNQDX20::NStore {
 namespace {
@@ -85,6 +88,57 @@ void AddClones(TDatabase& database, const TByID& hosts) {
   }
 }
 
+/// The first and the last moment of each value.
+class TValueTimes {
+ public:
+  void Add(const std::string& value, TMoment first, TMoment last) {
+    if (value.empty()) return;
+    const auto [found, isNew] = fTimes.try_emplace(value, first, last);
+    if (isNew) return;
+    found->second.first = std::min(found->second.first, first);
+    found->second.second = std::max(found->second.second, last);
+  }
+
+  /// Returns whether a value comes again after another one.
+  bool Alternates() const {
+    std::vector<std::pair<TMoment, TMoment>> times;
+    times.reserve(fTimes.size());
+    for (const auto& [value, time] : fTimes) times.push_back(time);
+    std::sort(times.begin(), times.end());
+    return std::adjacent_find(times.begin(), times.end(), [](const auto& a, const auto& b) {
+             return b.first < a.second;
+           }) != times.end();
+  }
+
+ private:
+  std::map<std::string, std::pair<TMoment, TMoment>> fTimes;
+};
+
+void AddAlternating(TDatabase& database, const TByID& hosts) {
+  static constexpr TFleetHost::EIdentifier kIdentifiers[] = {
+      TFleetHost::kMachineID, TFleetHost::kSerialNumber, TFleetHost::kName};
+  std::map<std::int64_t, std::array<TValueTimes, std::size(kIdentifiers)>> all;
+  // Of hosts with a UUID that have documents with something different.
+  database.Query(
+      "SELECT i.host, i.machine_id, i.serial_number, i.name, MIN(d.moment), MAX(d.moment)"
+      " FROM identity AS i JOIN document AS d ON d.identity = i.id WHERE i.uuid <> ''"
+      " AND EXISTS (SELECT 1 FROM identity AS x WHERE x.uuid = i.uuid AND x.id <> i.id)"
+      " GROUP BY i.id, i.host, i.machine_id, i.serial_number, i.name",
+      6, {}, [&all](const TRow& row) {
+        auto& times = all[ToNumber(row[0])];
+        for (std::size_t i = 0; i < times.size(); ++i) {
+          times[i].Add(TextOf(row[i + 1]), ToNumber(row[4]), ToNumber(row[5]));
+        }
+      });
+  for (const auto& [id, times] : all) {
+    const auto host = hosts.find(id);
+    if (host == hosts.end()) continue;
+    for (std::size_t i = 0; i < times.size(); ++i) {
+      if (times[i].Alternates()) host->second->fAlternating.push_back(kIdentifiers[i]);
+    }
+  }
+}
+
 }  // namespace
 
 std::vector<TFleetHost> ReadFleet(TDatabase& database) {
@@ -94,6 +148,7 @@ std::vector<TFleetHost> ReadFleet(TDatabase& database) {
   for (TFleetHost& host : fleet) hosts.emplace(host.fID, &host);
   AddProblems(database, hosts);
   AddClones(database, hosts);
+  AddAlternating(database, hosts);
   return fleet;
 }
 

@@ -42,6 +42,9 @@ struct TFleetHost {
   /// installation would have a million.
   static constexpr std::size_t kMostClones = 100;
   std::vector<std::string> fClones = {};
+  /// What changes to and fro between its documents, as if several machines had its UUID.
+  enum EIdentifier { kMachineID, kSerialNumber, kName };
+  std::vector<EIdentifier> fAlternating = {};
 };
 
 /// Returns the hosts by name. Throws a TDatabaseError.

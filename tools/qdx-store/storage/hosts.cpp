@@ -138,6 +138,39 @@ void WarnOfClone(TDatabase& database, const TIdentity& identity,
                      " hosts: copies of one installation?");
 }
 
+/// Returns how many values the column has in the documents with a UUID, if this one is new there.
+std::int64_t CountIfNew(TDatabase& database, const std::string& uuid, const std::string& column,
+                        const std::string& value) {
+  if (uuid.empty() || value.empty()) return 0;
+  const std::string select = "SELECT COUNT(DISTINCT " + column + "), COUNT(CASE WHEN " + column +
+                             " = :value THEN 1 END) FROM identity WHERE uuid = :uuid AND " +
+                             column + " <> ''";
+  std::int64_t count = 0;
+  database.Query(select, 2, {value, uuid}, [&count](const TRow& row) {
+    if (ToNumber(row[1]) == 1) count = ToNumber(row[0]);
+  });
+  return count;
+}
+
+/// A UUID that several machines have makes them one host.
+void WarnOfSharedUUID(TDatabase& database, const TIdentity& identity,
+                      std::vector<std::string>& warnings) {
+  const auto warn = [&](std::int64_t count, const std::string& what) {
+    if (count < 2) return false;
+    warnings.push_back("product UUID " + identity.fUUID + " comes with " + std::to_string(count) +
+                       what);
+    return true;
+  };
+  const auto count = [&](const std::string& column, const std::string& value) {
+    return CountIfNew(database, identity.fUUID, column, value);
+  };
+  const bool hasWarned = warn(count("serial_number", identity.fSerialNumber),
+                              " serial numbers: several machines, which are one host here?");
+  if (hasWarned) return;
+  warn(count("machine_id", identity.fMachineID),
+       " machine-ids: a new installation, or several machines, which are one host here?");
+}
+
 }  // namespace
 
 void NameHost(TDatabase& database, std::int64_t host) {
@@ -167,6 +200,7 @@ TKnownHost FindHost(TDatabase& database, const TIdentity& identity,
   if (!found) {
     found = AddIdentity(database, identity, digest);
     WarnOfClone(database, identity, warnings);
+    WarnOfSharedUUID(database, identity, warnings);
   }
   LockHost(database, found->fHost);
   return *found;

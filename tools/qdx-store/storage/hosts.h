@@ -20,8 +20,8 @@ struct TKnownHost {
 
 /// Locks the host of the identity until the transaction ends; a new identity all hosts. Adds the
 /// identity if it is new, and then moves documents whose host it shows to be another one. Adds a
-/// warning for a machine-id that several hosts turn out to have. REQUIRES: a transaction. Throws a
-/// TDatabaseError.
+/// warning for a machine-id that several hosts turn out to have, and for a UUID that several
+/// machines seem to have. REQUIRES: a transaction. Throws a TDatabaseError.
 TKnownHost FindHost(TDatabase& database, const TIdentity& identity,
                     std::vector<std::string>& warnings);
 

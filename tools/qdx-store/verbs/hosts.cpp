@@ -46,6 +46,24 @@ std::string TextOf(const TProblem& problem) {
   return (problem.fProvider.empty() ? problem.fKind : problem.fProvider) + ": " + problem.fReason;
 }
 
+/// For programs and for people.
+struct TIdentifierNames {
+  const char* fKey;
+  const char* fWords;
+};
+
+TIdentifierNames NamesOf(TFleetHost::EIdentifier identifier) {
+  switch (identifier) {
+    case TFleetHost::kMachineID:
+      return {"machineId", "machine ID"};
+    case TFleetHost::kSerialNumber:
+      return {"serialNumber", "serial number"};
+    case TFleetHost::kName:
+      break;
+  }
+  return {"host", "name"};
+}
+
 /// What a person should know about the host, worst first.
 std::string RemarksOn(const TFleetHost& host, std::int64_t silentAfter) {
   std::string remarks;
@@ -63,6 +81,13 @@ std::string RemarksOn(const TFleetHost& host, std::int64_t silentAfter) {
     }
     if (host.fClones.size() > kShown) names += ", ...";
     add("same machine ID as " + names);
+  }
+  if (!host.fAlternating.empty()) {
+    std::string what;
+    for (const auto each : host.fAlternating) {
+      what += std::string(what.empty() ? "" : ", ") + NamesOf(each).fWords;
+    }
+    add("several machines with one UUID? changes to and fro: " + what);
   }
   for (const TProblem& problem : host.fProblems) add(ShortName(TextOf(problem)));
   if (!host.fIsComplete && host.fProblems.empty()) add("incomplete");
@@ -92,11 +117,14 @@ TAnswer AnswerOf(const std::vector<TFleetHost>& fleet, std::int64_t silentAfter)
                   {"sharesMachineIdWith", "", TColumn::kPrograms},
                   {"problems", "", TColumn::kJSON},
                   {"problems", "", TColumn::kCSV},
+                  {"alternating", "", TColumn::kPrograms},
                   {"", "Remarks", TColumn::kPeople}},
                  {}};
   for (const TFleetHost& host : fleet) {
     TJSON problems = TJSON::array();
     TJSON reasons = TJSON::array();
+    TJSON alternating = TJSON::array();
+    for (const auto each : host.fAlternating) alternating.push_back(NamesOf(each).fKey);
     for (const TProblem& problem : host.fProblems) {
       problems.push_back(AsJSON(problem));
       reasons.push_back(TextOf(problem));
@@ -124,6 +152,7 @@ TAnswer AnswerOf(const std::vector<TFleetHost>& fleet, std::int64_t silentAfter)
                             TJSON(host.fClones),
                             problems,
                             reasons,
+                            alternating,
                             orNull(RemarksOn(host, silentAfter))});
   }
   if (fleet.empty()) answer.fRemarks.emplace_back("no hosts");
