@@ -112,7 +112,59 @@ TEST_F(StoreProgram, NamesABadDocumentAndStoresTheOthers) {
   EXPECT_NE(run.fErrors.find("qdx-store: adding " + fFolder.Path().string() + "/bad?[31m.xml: "),
             std::string::npos);
   EXPECT_EQ(Query(StoreFile(), kContents), kAllContents);
-  EXPECT_EQ(RunProgram(Add(StoreFile(), {"/nonexistent.xml"})).fExitCode, 4);
+}
+
+TEST_F(StoreProgram, MakesAStoreForTheFirstGoodDocumentOnly) {
+  const std::string nobody = (fFolder.Path() / "nobody.xml").string();
+  const TTestHost made = {"localhost", "20261121120000.000000+000"};
+  Write(nobody, {MakeHost(made), MakeRecord(made)});
+  const TProgramRun bad = RunProgram({"/bin/sh", "-c", "\"$0\" \"$@\" </dev/null", QDX_STORE, "add",
+                                      StoreFile(), "/nonexistent.xml", nobody, "-"});
+  EXPECT_EQ(bad.fExitCode, 4);
+  EXPECT_EQ(bad.fOutput, "0 added, 3 failed\n");
+  EXPECT_NE(bad.fErrors.find("qdx-store: adding standard input: "), std::string::npos);
+  EXPECT_FALSE(std::filesystem::exists(StoreFile()));
+  const TProgramRun good = RunProgram(Add(StoreFile(), {nobody, DocumentOf("a", 1)}));
+  EXPECT_EQ(good.fOutput, "1 added, 1 failed\n");
+  EXPECT_EQ(RunProgram({QDX_STORE, "hosts", StoreFile()}).fExitCode, 0);
+}
+
+TEST_F(StoreProgram, RefusesWhatIsNoStoreOrTwiceStandardInput) {
+  const TProgramRun url = RunProgram(Add("mysql://u:secret@h/n", {"-"}));
+  EXPECT_EQ(url.fExitCode, 2);
+  EXPECT_NE(url.fErrors.find("a file or postgresql://USER@HOST/NAME, not mysql://"),
+            std::string::npos);
+  EXPECT_EQ(url.fErrors.find("secret"), std::string::npos);
+  EXPECT_EQ(RunProgram(Add(StoreFile(), {"-", "-"})).fExitCode, 2);
+}
+
+/// Another writer has begun, and ends after a while.
+TEST_F(StoreProgram, TellsThatItWaitsForAnotherWriter) {
+  const std::string document = DocumentOf("a", 1);
+  const auto expectWait = [&](const std::string& store, const std::string& shell,
+                              const std::string& locks) {
+    EXPECT_EQ(RunProgram(Add(store, {DocumentOf("b", 1)})).fErrors, "");
+    const std::string isLocked = (fFolder.Path() / "locked").string();
+    std::thread writer([&] {
+      RunProgram({"/bin/sh", "-c",
+                  "(echo \"" + locks + "\"; touch '" + isLocked + "'; sleep 3) | " + shell});
+    });
+    while (!std::filesystem::exists(isLocked)) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    const TProgramRun run = RunProgram(Add(store, {document}));
+    writer.join();
+    std::filesystem::remove(isLocked);
+    EXPECT_EQ(run.fOutput, "1 added\n");
+    EXPECT_EQ(run.fErrors, "qdx-store: waiting for another program that has locked store " + store +
+                               ", at most 60 s\n");
+  };
+  if (HasSQLite()) expectWait(StoreFile(), "sqlite3 '" + StoreFile() + "'", "BEGIN IMMEDIATE;");
+  TPostgreSQLServer& server = TPostgreSQLServer::Get();
+  if (!server.WhyNot().empty()) GTEST_SKIP() << server.WhyNot();
+  const std::string store = server.NewDatabase();
+  expectWait(store, "psql -q '" + store + "'", "BEGIN; SELECT pg_advisory_xact_lock(7366225, 0);");
 }
 
 TEST_F(StoreProgram, TakesTurnsWithOtherWritersOfAFile) {

@@ -137,6 +137,29 @@ TEST(StoreSchema, RefusesWhatItDoesNotKnow) {
   EXPECT_QDX_STATUS(open(newer, EAccess::kCreating), kQDXStatusNotSupported);
 }
 
+TEST(StoreSchema, IsMadeOnlyWhenItIsNeeded) {
+  const TTempDir folder;
+  const auto file = folder.Path() / "none";
+  EXPECT_EQ(OpenStore(TLocation(file.string()), EAccess::kOptional), nullptr);
+  EXPECT_FALSE(std::filesystem::exists(file));
+  const auto empty = folder.Write("empty", "");
+  EXPECT_EQ(OpenStore(TLocation(empty.string()), EAccess::kOptional), nullptr);
+  EXPECT_EQ(std::filesystem::file_size(empty), 0U);
+  OpenStore(TLocation(file.string()), EAccess::kCreating);
+  EXPECT_NE(OpenStore(TLocation(file.string()), EAccess::kOptional), nullptr);
+  // What cannot be made is known before somebody has collected for it.
+  const auto open = [](const std::filesystem::path& place) {
+    return OpenStore(TLocation(place.string()), EAccess::kOptional);
+  };
+  EXPECT_QDX_STATUS(open(folder.Path() / "no" / "store"), kQDXStatusFileSystemError);
+  EXPECT_QDX_STATUS(open(empty / "store"), kQDXStatusFileSystemError);
+  std::filesystem::create_symlink("nowhere", folder.Path() / "link");
+  EXPECT_QDX_STATUS(open(folder.Path() / "link"), kQDXStatusFileNotFound);
+  TPostgreSQLServer& server = TPostgreSQLServer::Get();
+  if (!server.WhyNot().empty()) GTEST_SKIP() << server.WhyNot();
+  EXPECT_EQ(open(server.NewDatabase()), nullptr);
+}
+
 TEST(StoreSchema, IsInAFileWhateverItsName) {
   const TTempDir folder;
   const std::filesystem::path before = std::filesystem::current_path();
@@ -170,6 +193,18 @@ TEST(StoreFile, NoticesThatItChangedWhileItWasReadWithoutALock) {
               1);
   }
   ::umount(readOnly.c_str());
+}
+
+TEST(StoreLocation, KnowsURLsOfNoStore) {
+  const std::pair<const char*, const char*> rows[] = {{"mysql://u@h/n", "mysql://"},
+                                                      {"POSTGRESQL://h", "POSTGRESQL://"},
+                                                      {"file+x-1.0://f", "file+x-1.0://"},
+                                                      {"postgres://h", ""},
+                                                      {"./mysql://h", ""},
+                                                      {"a b://c", ""},
+                                                      {"://x", ""},
+                                                      {"fleet.db", ""}};
+  for (const auto& [text, scheme] : rows) EXPECT_EQ(TLocation::UnknownSchemeOf(text), scheme);
 }
 
 TEST(StoreLocation, HidesPasswords) {

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "database.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
+#include <thread>
 #include <unordered_map>
+#include <utility>
 
 #include <soci/postgresql/soci-postgresql.h>
 #include <soci/soci.h>
@@ -17,12 +20,12 @@
 namespace NVORNQDX20::NStore {
 namespace {
 
-/// How long a writer waits for another one, and a statement of a server may take.
-const char* const kFileTimeout = "PRAGMA busy_timeout = 60000";
+using TClock = std::chrono::steady_clock;
+
 const char* const kServerSettings[] = {
-    "SET client_min_messages = warning", "SET lock_timeout = '60s'",
-    "SET statement_timeout = '300s'",    "SET idle_in_transaction_session_timeout = '600s'",
-    "SET client_encoding = 'UTF8'",      "SET standard_conforming_strings = on"};
+    "SET client_min_messages = warning", "SET statement_timeout = '300s'",
+    "SET idle_in_transaction_session_timeout = '600s'", "SET client_encoding = 'UTF8'",
+    "SET standard_conforming_strings = on"};
 /// In seconds, for servers that are not reached. The environment of the user precedes.
 const char* const kConnectTimeout = "10";
 
@@ -31,7 +34,7 @@ TDatabaseError ErrorOfFile(const soci::sqlite3_soci_error& error, const std::str
   switch (error.result() & kPrimary) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-      return {TDatabaseError::kConflict, kQDXStatusFail, "another program keeps it locked"};
+      return {TDatabaseError::kLocked, kQDXStatusFail, "another program keeps it locked"};
     case SQLITE_CONSTRAINT:
     case SQLITE_TOOBIG:
     case SQLITE_MISMATCH:
@@ -52,7 +55,10 @@ TDatabaseError ErrorOfFile(const soci::sqlite3_soci_error& error, const std::str
 
 TDatabaseError ErrorOfServer(const soci::postgresql_soci_error& error, const std::string& reason) {
   const std::string state = error.sqlstate();
-  for (const char* conflict : {"40001", "40P01", "55P03"}) {
+  if (state == "55P03") {
+    return {TDatabaseError::kLocked, kQDXStatusFail, "another program keeps it locked"};
+  }
+  for (const char* conflict : {"40001", "40P01"}) {
     if (state == conflict) return {TDatabaseError::kConflict, kQDXStatusFail, reason};
   }
   // Values that it does not take, such as an index row that is too long.
@@ -97,8 +103,12 @@ void Translated(const TLocation& location, const TCall& call) {
 }  // namespace
 
 struct TDatabase::TSession {
+  explicit TSession(TDatabase& database) : fDatabase(database) {}
+
+  TDatabase& fDatabase;
   soci::session fSession;
   std::optional<TSQLiteFile> fFile;  // none for a server
+  TClock::time_point fWaitingSince;  // for another program that has locked the file
   /// Ours to the database's.
   std::unordered_map<std::string, std::string> fStatements;
 
@@ -107,10 +117,32 @@ struct TDatabase::TSession {
     if (isNew) found->second = NStore::Translate(sql, isSQLite);
     return found->second;
   }
+
+  /// To be called after opening a file.
+  void WaitForLocks() {
+    auto* const backend = static_cast<soci::sqlite3_session_backend*>(fSession.get_backend());
+    sqlite_api::sqlite3_busy_handler(
+        backend->conn_,
+        [](void* session, int attempts) noexcept {
+          return static_cast<int>(static_cast<TSession*>(session)->WaitForLock(attempts));
+        },
+        this);
+  }
+
+  /// Waits a moment. Returns whether it is worth another attempt.
+  bool WaitForLock(int attempts) {
+    const auto now = TClock::now();
+    if (attempts == 0) fWaitingSince = now;
+    if (now - fWaitingSince >= kLockTimeout) return false;
+    if (now - fWaitingSince >= kSilentWait) fDatabase.ReportWait();
+    constexpr int kLongest = 50;
+    std::this_thread::sleep_for(std::chrono::milliseconds(std::min(attempts + 1, kLongest)));
+    return true;
+  }
 };
 
-TDatabase::TDatabase(const TLocation& location)
-    : fLocation(location), fSession(std::make_unique<TSession>()) {
+TDatabase::TDatabase(const TLocation& location, TWaitListener onWait)
+    : fLocation(location), fOnWait(std::move(onWait)), fSession(std::make_unique<TSession>(*this)) {
   if (fLocation.fIsFile) fSession->fFile.emplace(fLocation.fText);
   Translated(fLocation, [&] {
     if (fLocation.fIsFile) {
@@ -118,7 +150,7 @@ TDatabase::TDatabase(const TLocation& location)
       static const int urisAreNames = sqlite_api::sqlite3_config(SQLITE_CONFIG_URI, 1);
       (void)urisAreNames;
       fSession->fSession.open(soci::sqlite3, fSession->fFile->GetParameters());
-      Execute(kFileTimeout);
+      fSession->WaitForLocks();
       Execute("PRAGMA foreign_keys = ON");
       return;
     }
@@ -126,6 +158,7 @@ TDatabase::TDatabase(const TLocation& location)
     ::setenv("PGAPPNAME", "qdx-store", 0);
     fSession->fSession.open(soci::postgresql, fLocation.fText);
     for (const char* setting : kServerSettings) Execute(setting);
+    Execute("SET lock_timeout = '" + std::to_string(kLockTimeout.count()) + "s'");
   });
 }
 
@@ -194,6 +227,13 @@ std::optional<std::int64_t> TDatabase::QueryNumber(const std::string& sql,
     if (!number && row[0]) number = ToNumber(row[0]);
   });
   return number;
+}
+
+void TDatabase::ReportWait() {
+  const auto now = TClock::now();
+  if (!fOnWait || now < fNextReport) return;
+  fNextReport = now + kLockTimeout;
+  fOnWait();
 }
 
 void TDatabase::RequireSameState() const {

@@ -9,6 +9,7 @@
 #ifndef TOOLS_QDX_STORE_DATABASE_DATABASE_H_
 #define TOOLS_QDX_STORE_DATABASE_DATABASE_H_
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -27,6 +28,14 @@ using TValue = std::variant<std::int64_t, std::string>;
 using TCell = std::optional<std::string>;  ///< None for NULL.
 using TRow = std::vector<TCell>;
 
+/// How long a program waits for another one that has locked the store.
+inline constexpr std::chrono::seconds kLockTimeout{60};
+/// A person is told about a wait that takes longer.
+inline constexpr std::chrono::seconds kSilentWait{1};
+
+/// Called while a database waits for another program, at most once in kLockTimeout. Throws nothing.
+using TWaitListener = std::function<void()>;
+
 /// All members throw a TDatabaseError.
 ///
 /// Statements are those of both databases, with words of our own where these differ:
@@ -39,7 +48,7 @@ using TRow = std::vector<TCell>;
 class TDatabase {
  public:
   /// Connects. A file must exist, and may be empty.
-  explicit TDatabase(const TLocation& location);
+  explicit TDatabase(const TLocation& location, TWaitListener onWait = nullptr);
   ~TDatabase();
   TDatabase(const TDatabase&) = delete;
   TDatabase& operator=(const TDatabase&) = delete;
@@ -55,6 +64,9 @@ class TDatabase {
   std::optional<std::int64_t> QueryNumber(const std::string& sql,
                                           const std::vector<TValue>& values = {});
 
+  /// To be called when another program has kept this one waiting for kSilentWait.
+  void ReportWait();
+
   /// To be called when all is read. A file that cannot be written is read without a lock: throws
   /// if somebody has written it since it was opened.
   void RequireSameState() const;
@@ -66,6 +78,8 @@ class TDatabase {
                 const std::function<void(const TRow&)>& take);
 
   TLocation fLocation;
+  TWaitListener fOnWait;
+  std::chrono::steady_clock::time_point fNextReport;  // of a wait
   std::unique_ptr<TSession> fSession;
 };
 

@@ -15,6 +15,7 @@ class TDatabaseError : public TExplainedException {
   enum EKind {
     kRefused,   ///< This statement or its values. Others may succeed.
     kConflict,  ///< Two writers met. The same transaction may succeed when it is repeated.
+    kLocked,    ///< Another program has kept it locked for kLockTimeout: it may do so for longer.
     kUnusable   ///< The file, its disk or the connection: nothing else succeeds either.
   };
 

@@ -2,6 +2,7 @@
 #include "location.h"
 
 #include <algorithm>
+#include <cctype>
 
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/replace.hpp>
@@ -56,6 +57,16 @@ TLocation::TLocation(const std::string& text)
   // A longer one first, of which another may be a part.
   std::sort(fSecrets.begin(), fSecrets.end(),
             [](const auto& a, const auto& b) { return a.size() > b.size(); });
+}
+
+std::string TLocation::UnknownSchemeOf(const std::string& text) {
+  const std::size_t end = text.find("://");
+  const bool isScheme =
+      end != std::string::npos && end > 0 && !IsServer(text) &&
+      std::all_of(
+          text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end),
+          [](unsigned char c) { return std::isalnum(c) != 0 || c == '+' || c == '-' || c == '.'; });
+  return isScheme ? text.substr(0, end + 3) : "";
 }
 
 std::string TLocation::WithoutSecrets(std::string message) const {

@@ -12,6 +12,10 @@ struct TLocation {
   /// "postgresql://..." and "postgres://..." are servers, everything else is a file.
   explicit TLocation(const std::string& text);
 
+  /// Returns the scheme of a URL that is neither, such as "mysql://", which hardly means a file;
+  /// empty for all else.
+  static std::string UnknownSchemeOf(const std::string& text);
+
   /// Returns a message without what may be a password in the location.
   std::string WithoutSecrets(std::string message) const;
 

@@ -11,7 +11,9 @@
 #include <cerrno>
 #include <filesystem>
 #include <string>
+#include <utility>
 
+#include "locks.h"
 #include "schema.h"
 
 namespace NVORNQDX20::NStore {
@@ -19,18 +21,34 @@ namespace {
 
 /// Marks a file of SQLite as a store, for file(1) and for ourselves: "qdxs".
 const std::int64_t kApplication = 0x71647873;
-/// Writers that create the tables at the same time wait for each other.
-const char* const kLockOfSchema = "SELECT pg_advisory_xact_lock(7366225, 0)";
 
 [[noreturn]] void Fail(TQDXStatusCode status, const std::string& reason) {
   throw TDatabaseError(TDatabaseError::kUnusable, status, reason);
 }
 
+[[noreturn]] void FailToCreate(int error) {
+  Fail(error == EACCES || error == EROFS ? kQDXStatusAccessDenied : kQDXStatusFileSystemError,
+       ErrorText(error));
+}
+
+std::filesystem::path FolderOf(const std::string& file) {
+  const auto folder = std::filesystem::path(file).parent_path();
+  return folder.empty() ? "." : folder;
+}
+
+/// Returns false if the file can be made.
+bool FileExists(const std::string& file) {
+  struct stat status {};
+  if (::lstat(file.c_str(), &status) == 0) return true;
+  if (errno != ENOENT) FailToCreate(errno);
+  const bool canWrite = ::faccessat(AT_FDCWD, FolderOf(file).c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+  if (!canWrite) FailToCreate(errno);
+  return false;
+}
+
 /// Makes the entry of a new file in its folder permanent.
 void WriteFolderToDisk(const std::string& file) {
-  const auto folder = std::filesystem::path(file).parent_path();
-  const TDescriptor descriptor(
-      ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  const TDescriptor descriptor(::open(FolderOf(file).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (descriptor.IsOpen()) (void)::fsync(descriptor.Get());
 }
 
@@ -41,8 +59,7 @@ void CreateFile(const std::string& file) {
   if (created.IsOpen()) {
     WriteFolderToDisk(file);
   } else if (error != EEXIST) {
-    Fail(error == EACCES || error == EROFS ? kQDXStatusAccessDenied : kQDXStatusFileSystemError,
-         ErrorText(error));
+    FailToCreate(error);
   }
 }
 
@@ -163,7 +180,7 @@ std::int64_t CheckVersion(TDatabase& database, EAccess access) {
 void BringUpToDate(TDatabase& database, EAccess access) {
   if (database.IsSQLite()) database.Execute("PRAGMA journal_mode = WAL");
   TTransaction transaction(database);
-  if (!database.IsSQLite()) database.Execute(kLockOfSchema);
+  LockStore(database, ELock::kExclusive);
   // Another program may have done it in the meantime.
   const std::int64_t version = CheckVersion(database, access);
   if (version < LatestVersion()) Migrate(database, version);
@@ -172,9 +189,13 @@ void BringUpToDate(TDatabase& database, EAccess access) {
 
 }  // namespace
 
-std::unique_ptr<TDatabase> OpenStore(const TLocation& location, EAccess access) {
+std::unique_ptr<TDatabase> OpenStore(const TLocation& location, EAccess access,
+                                     TWaitListener onWait) {
   if (location.fIsFile && access == EAccess::kCreating) CreateFile(location.fText);
-  auto database = std::make_unique<TDatabase>(location);
+  if (location.fIsFile && access == EAccess::kOptional && !FileExists(location.fText)) {
+    return nullptr;
+  }
+  auto database = std::make_unique<TDatabase>(location, std::move(onWait));
   if (database->IsSQLite()) {
     // A document is on the disk when its transaction ends, one fsync for each.
     database->Execute("PRAGMA synchronous = FULL");
@@ -185,6 +206,7 @@ std::unique_ptr<TDatabase> OpenStore(const TLocation& location, EAccess access) 
   }
   const std::int64_t version = CheckVersion(*database, access);
   if (version == LatestVersion()) return database;
+  if (version == 0 && access == EAccess::kOptional) return nullptr;
   try {
     BringUpToDate(*database, access);
   } catch (const TDatabaseError& error) {

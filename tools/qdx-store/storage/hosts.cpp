@@ -8,6 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "database/locks.h"
 #include "digest.h"
 #include "host_timelines.h"
 #include "identity_group.h"
@@ -16,24 +17,6 @@ namespace NVORNQDX20::NStore {
 namespace {
 
 using TJSON = nlohmann::json;
-
-/// The first number of our advisory locks, which other programs should not use in the database.
-const char* const kStoreLock = "7366225";
-const char* const kHostLock = "7366226";
-
-/// SQLite has one writer anyway.
-void LockStore(TDatabase& database, bool exclusively) {
-  if (database.IsSQLite()) return;
-  database.Execute(std::string("SELECT pg_advisory_xact_lock") + (exclusively ? "" : "_shared") +
-                   "(" + kStoreLock + ", 0)");
-}
-
-void LockHost(TDatabase& database, std::int64_t host) {
-  if (database.IsSQLite()) return;
-  database.Execute(std::string("SELECT pg_advisory_xact_lock(") + kHostLock +
-                       ", CAST(CAST(:host AS BIGINT) % 2147483647 AS INTEGER))",
-                   {host});
-}
 
 std::string DigestOfTexts(const TIdentity& identity) {
   return DigestOf(TJSON({identity.fUUID, identity.fMachineID, identity.fSerialNumber,
@@ -184,14 +167,14 @@ void NameHost(TDatabase& database, std::int64_t host) {
                    {name, host, name});
 }
 
-void LockAllHosts(TDatabase& database) { LockStore(database, true); }
+void LockAllHosts(TDatabase& database) { LockStore(database, ELock::kExclusive); }
 
 TKnownHost FindHost(TDatabase& database, const TIdentity& identity,
                     std::vector<std::string>& warnings) {
   const std::string digest = DigestOfTexts(identity);
   // Before the lock, which cannot become a stronger one later.
   const bool isKnown = Lookup(database, digest).has_value();
-  LockStore(database, !isKnown);
+  LockStore(database, isKnown ? ELock::kShared : ELock::kExclusive);
   std::optional<TKnownHost> found = Lookup(database, digest);
   if (!found && isKnown) {
     throw TDatabaseError(TDatabaseError::kConflict, kQDXStatusFail,

@@ -96,10 +96,7 @@ TStore::TAdded TStore::Add(const TDocumentFacts& facts) {
       return AddOnce(facts);
     } catch (const TDatabaseError& error) {
       fInterner.Forget();
-      // SQLite has waited for the lock already.
-      const bool isWorthwhile = error.GetKind() == TDatabaseError::kConflict &&
-                                !fDatabase.IsSQLite() && attempt < kMostAttempts;
-      if (!isWorthwhile) throw;
+      if (error.GetKind() != TDatabaseError::kConflict || attempt == kMostAttempts) throw;
     } catch (...) {
       fInterner.Forget();
       throw;
@@ -109,13 +106,18 @@ TStore::TAdded TStore::Add(const TDocumentFacts& facts) {
   }
 }
 
-TStore::TAdded TStore::AddOnce(const TDocumentFacts& facts) {
-  const TIdentity identity = IdentityOf(facts.fHost);
-  if (identity.IsNobody()) {
+void TStore::Check(const TDocumentFacts& facts) {
+  if (IdentityOf(facts.fHost).IsNobody()) {
     throw TExplainedException(
         kQDXStatusNotFound,
         "it names no host: no UUID, machine-id, serial number or host name that is its own");
   }
+  (void)MomentOf(facts.fTime, facts.fDigest);
+}
+
+TStore::TAdded TStore::AddOnce(const TDocumentFacts& facts) {
+  Check(facts);
+  const TIdentity identity = IdentityOf(facts.fHost);
   const TMoment moment = MomentOf(facts.fTime, facts.fDigest);
   TAdded added{true};
   TTransaction transaction(fDatabase);

@@ -18,13 +18,16 @@ class TStore {
   /// The database has the tables of a store.
   explicit TStore(TDatabase& database) : fDatabase(database), fInterner(database) {}
 
+  /// Throws a TExplainedException for a document that no store takes: it names no host, or has no
+  /// usable time.
+  static void Check(const TDocumentFacts& facts);
+
   struct TAdded {
     bool fIsNew;  ///< Otherwise the document was stored before, and nothing changes.
     std::vector<std::string> fWarnings = {};  ///< About its host.
   };
   /// Adds a document in one transaction, which is repeated a few times if it meets that of another
-  /// writer. Throws a TDatabaseError, and a TExplainedException for a document that cannot be
-  /// stored: it names no host, or has no usable time.
+  /// writer. Throws a TDatabaseError, and what Check() throws.
   TAdded Add(const TDocumentFacts& facts);
 
   /// Returns whether the store has a document with this digest. Throws a TDatabaseError.

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "cli/failure.h"
 #include "cli/output.h"
@@ -18,15 +21,24 @@ namespace {
 /// What the clocks of hosts may differ.
 const std::chrono::hours kClockTolerance{24};
 
-/// Adds documents one by one, and counts them.
+const char* const kStandardInput = "-";
+
+std::string ShownAs(const std::string& file) {
+  return file == kStandardInput ? "standard input" : file;
+}
+
+/// Adds documents one by one, and counts them. A store that does not exist yet is made for the
+/// first document that can be stored.
 class TAdding {
  public:
-  TAdding(TDatabase& database, std::size_t files)
-      : fDatabase(database), fStore(database), fFiles(files) {}
+  TAdding(std::string store, std::size_t files) : fLocation(std::move(store)), fFiles(files) {
+    Open(EAccess::kOptional);
+  }
 
   bool IsKnown(const std::string& digest) {
+    if (!fStore) return false;
     try {
-      return fStore.Has(digest);
+      return fStore->Has(digest);
     } catch (const TDatabaseError& error) {
       Abandon(error);
     }
@@ -38,7 +50,7 @@ class TAdding {
                              : TExplainedException(kQDXStatusFail, document.fFailure);
     if (failure) {
       ++fFailed;
-      PrintFailure("adding " + document.fFile, *failure);
+      PrintFailure("adding " + ShownAs(document.fFile), *failure);
     }
     if (fFiles > 1) {
       fProgress.Show(std::to_string(++fDone) + " of " + std::to_string(fFiles) + " documents");
@@ -46,13 +58,18 @@ class TAdding {
   }
 
   EExitCode Finish() {
-    if (fAdded > 0) fStore.UpdateStatistics();
+    if (fAdded > 0) fStore->UpdateStatistics();
     WriteOutput(Counts() + "\n");
     if (fFailed == 0) return kExitDone;
     return fFailed < fFiles ? kExitPartlyDone : kExitBadInput;
   }
 
  private:
+  void Open(EAccess access) {
+    fDatabase = OpenStoreOf(fLocation, access);
+    if (fDatabase) fStore.emplace(*fDatabase);
+  }
+
   /// Returns why the document is not stored, if so.
   std::optional<TExplainedException> Store(const TInputDocument& document) {
     if (!document.fFacts) {
@@ -60,12 +77,12 @@ class TAdding {
       return {};
     }
     try {
-      const TStore::TAdded added = fStore.Add(*document.fFacts);
+      TStore::Check(*document.fFacts);
+      if (!fStore) Open(EAccess::kCreating);
+      const TStore::TAdded added = fStore->Add(*document.fFacts);
       ++(added.fIsNew ? fAdded : fKnown);
       if (added.fIsNew) WarnOfFuture(document);
-      for (const std::string& warning : added.fWarnings) {
-        PrintError("warning: " + document.fFile + ": " + warning);
-      }
+      for (const std::string& warning : added.fWarnings) Warn(document, warning);
       return {};
     } catch (const TDatabaseError& error) {
       // Also after other writers: the next documents would wait as long.
@@ -76,20 +93,24 @@ class TAdding {
     }
   }
 
+  static void Warn(const TInputDocument& document, const std::string& warning) {
+    PrintError("warning: " + ShownAs(document.fFile) + ": " + warning);
+  }
+
   /// Its facts seem newer than those of all documents until then.
   static void WarnOfFuture(const TInputDocument& document) {
     const auto now = std::chrono::system_clock::now() + kClockTolerance;
     const auto time = std::chrono::microseconds(document.fFacts->fTime);
     if (time < now.time_since_epoch()) return;
-    PrintError("warning: " + document.fFile +
-               ": its time is in the future: was the clock of its host wrong?"
-               " 'qdx-store remove' takes it out again");
+    Warn(document,
+         "its time is in the future: was the clock of its host wrong?"
+         " 'qdx-store remove' takes it out again");
   }
 
   /// The store cannot be used any more.
   [[noreturn]] void Abandon(const TDatabaseError& error) const {
     PrintError(Counts() + ", then the store failed");
-    FailOnStore(fDatabase.GetLocation(), error);
+    FailOnStore(fDatabase->GetLocation(), error);
   }
 
   std::string Counts() const {
@@ -99,8 +120,9 @@ class TAdding {
     return counts;
   }
 
-  TDatabase& fDatabase;
-  TStore fStore;
+  const std::string fLocation;
+  std::unique_ptr<TDatabase> fDatabase;
+  std::optional<TStore> fStore;
   const std::size_t fFiles;
   std::size_t fDone = 0;
   std::size_t fAdded = 0;
@@ -112,9 +134,11 @@ class TAdding {
 EExitCode Add(const TArguments& arguments) {
   TInputRequest request;
   request.fFiles.assign(arguments.fOperands.begin() + 1, arguments.fOperands.end());
+  if (std::count(request.fFiles.begin(), request.fFiles.end(), kStandardInput) > 1) {
+    FailOnUsage("only one of the files can be standard input");
+  }
   TDocumentPool pool;
-  const auto database = OpenStoreOf(arguments.GetOperand(0), EAccess::kCreating);
-  TAdding adding(*database, request.fFiles.size());
+  TAdding adding(arguments.GetOperand(0), request.fFiles.size());
   request.fIsKnown = [&](const std::string& digest) { return adding.IsKnown(digest); };
   pool.Read(request, [&](TInputDocument&& document) { adding.Add(document); });
   return adding.Finish();
@@ -126,9 +150,9 @@ TVerb AddVerb() {
   return {
       "add",
       "Stores documents.",
-      "FILE is a document of any host, in any order; '-' is standard input. The store is made\n"
-      "if it does not exist. A document that is stored already changes nothing. One that cannot\n"
-      "be read is named, and the others are stored.\n",
+      "FILE is a document of any host, in any order; '-' is standard input. A store that does\n"
+      "not exist is made for the first document. A document that is stored already changes\n"
+      "nothing. One that cannot be read is named, and the others are stored.\n",
       {},
       Add,
       {{"DB"}, {"FILE", TOperandSpec::kRepeated}}};
