@@ -147,15 +147,14 @@ EExitCode Add(const TArguments& arguments) {
 }  // namespace
 
 TVerb AddVerb() {
-  return {
-      "add",
-      "Stores documents.",
-      "FILE is a document of any host, in any order; '-' is standard input. A store that does\n"
-      "not exist is made for the first document. A document that is stored already changes\n"
-      "nothing. One that cannot be read is named, and the others are stored.\n",
-      {},
-      Add,
-      {{"DB"}, {"FILE", TOperandSpec::kRepeated}}};
+  return {"add",
+          "Stores documents.",
+          "FILE is a document of any host, in any order; '-' is standard input. A store that does\n"
+          "not exist is made for the first document. A document that is stored already changes\n"
+          "nothing. One that cannot be read is named, and the others are stored.\n",
+          {},
+          Add,
+          {{"DB"}, {"FILE", TOperandSpec::kRepeated}}};
 }
 
 }  // namespace NVORNQDX20::NStore
