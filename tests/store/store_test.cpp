@@ -178,17 +178,17 @@ TEST_P(Store, DependsOnTheDocumentsAndNotOnTheirOrder) {
   }
 }
 
-/// Of few texts, so that many have something in common.
-THostIdentity RandomIdentity(std::mt19937& random) {
+/// Of few texts, so that many have something in common; or all of one machine-id.
+THostIdentity RandomIdentity(std::mt19937& random, bool isOfOneMachine) {
   const auto text = [&random](const std::string& kind, unsigned shareOfNone) {
     const auto which = static_cast<unsigned>(random() % (3 + shareOfNone));
     return which < 3 ? kind + "-" + std::to_string(which) : "";
   };
   THostIdentity host;
   host.fUUID = text("uuid", 6);
-  host.fMachineID = text("machine", 3);
+  host.fMachineID = isOfOneMachine ? "machine" : text("machine", 3);
   host.fSerialNumber = text("serial", 4);
-  host.fMaker = random() % 2 == 0 ? "acme" : "globex";
+  host.fMaker = isOfOneMachine || random() % 2 == 0 ? "acme" : "globex";
   host.fName = text("name", 1);
   return host;
 }
@@ -211,7 +211,7 @@ TEST_P(Store, GroupsHostsAsIfAllWereComparedAtOnce) {
       EXPECT_EQ(Rows("SELECT DISTINCT host FROM document", 1), Rows("SELECT id FROM host", 1));
     };
     for (unsigned i = 0; i < 16; ++i) {
-      const TDocumentFacts document = Document(RandomIdentity(random), 1000 + i);
+      const TDocumentFacts document = Document(RandomIdentity(random, round % 2 == 1), 1000 + i);
       const TIdentity identity = IdentityOf(document.fHost);
       if (identity.IsNobody()) continue;
       fStore->Add(document);
