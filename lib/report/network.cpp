@@ -15,8 +15,8 @@ constexpr const char* kJack =
     "<path d=\"M2 17V6h4V3h8v3h4v11z\"/></svg>";
 
 THTML PortPicture(const TPort& port, const TRecords& records) {
-  const auto record =
-      records.Find({"EthernetPort", "NetworkPort", "WiFiPort", "IBPort"}, "Name", port.fName);
+  const auto record = records.Find({"EthernetPort", "NetworkPort", "WiFiPort", "IBPort", "FCPort"},
+                                   "Name", port.fName);
   const auto number = record ? std::make_optional(record->GetNumber()) : std::nullopt;
   const bool isUp = port.fLinkState == "up";
   std::string state = port.fLinkState.empty() ? "state unknown" : port.fLinkState;

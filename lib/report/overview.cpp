@@ -12,14 +12,6 @@ namespace {
 
 using namespace NSummary;
 
-std::string Joined(const std::vector<std::string>& words, const char* separator = " ") {
-  std::string joined;
-  for (const std::string& word : words) {
-    if (!word.empty()) joined += (joined.empty() ? "" : separator) + word;
-  }
-  return joined;
-}
-
 std::string Hundredths(double number) {
   char text[64];
   const auto hundredths = std::lround(number * 100);
@@ -70,6 +62,7 @@ THTML MachineFacts(const TSummary& summary) {
       {"Container", system.fContainer},
       {"Virtual machine of", system.fVirtualMachine},
       {"Up for", uptime},
+      {"Up since", uptime.empty() ? DayOf(system.fBootTime) : ""},
       {"Load over 1, 5 and 15 minutes", LoadOf(system)},
       {"Swap", SwapOf(summary.fMemory)}};
   std::vector<std::pair<std::string, THTML>> facts;
@@ -168,6 +161,14 @@ THTML Gaps(const TSummary& summary) {
 }
 
 }  // namespace
+
+std::string Joined(const std::vector<std::string>& texts, const char* separator) {
+  std::string joined;
+  for (const std::string& text : texts) {
+    if (!text.empty()) joined += (joined.empty() ? "" : separator) + text;
+  }
+  return joined;
+}
 
 THTML Overview(const TSummary& summary, const TRecords& records) {
   return MachineFacts(summary) + Section("gaps", "What could not be read", Gaps(summary)) +

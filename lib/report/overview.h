@@ -5,6 +5,9 @@
 
 #include <qdxsummary/summary.h>
 
+#include <string>
+#include <vector>
+
 #include "html.h"
 #include "records.h"
 
@@ -19,6 +22,9 @@ THTML Processors(const NSummary::TSummary& summary, const TRecords& records);
 THTML Memory(const NSummary::TSummary& summary, const TRecords& records);
 THTML Storage(const NSummary::TSummary& summary, const TRecords& records);
 THTML Network(const NSummary::TSummary& summary, const TRecords& records);
+
+/// Returns the texts with the separator between them, without those that are empty.
+std::string Joined(const std::vector<std::string>& texts, const char* separator = " ");
 
 }  // namespace NVORNQDX20::NReport
 

@@ -93,9 +93,8 @@ THTML Describe(const TDisks& disks, const TDrives& drives) {
   }
   text += ":";
   if (disks.fNames.size() > 1) text += " " + std::to_string(disks.fNames.size()) + " \u00d7";
-  for (const std::string& part : {Size(disks.fBytes), disks.fTransport, disks.fModel}) {
-    if (!part.empty()) text += " " + part;
-  }
+  const std::string about = Joined({Size(disks.fBytes), disks.fTransport, disks.fModel});
+  text += " " + (about.empty() ? "disk" : about);
   if (disks.fMedium == TDisks::kHardDisk) text += ", hard disk";
   if (disks.fMedium == TDisks::kSolidState) text += ", solid state";
   return Element("p", "",
@@ -129,16 +128,19 @@ THTML Disks(const TSummary& summary, const TRecords& records) {
 THTML Arrays(const TSummary& summary) {
   THTML html;
   for (const TArray& array : summary.fArrays) {
-    std::string text = array.fName + ": " + array.fLevel + " " + Size(array.fBytes) + ", " +
-                       (array.fState.empty() ? "state unknown" : array.fState);
-    if (array.fMissingMembers && *array.fMissingMembers != 0) {
-      text += ", " + std::to_string(*array.fMissingMembers) + " members missing";
-    }
-    if (!array.fSyncAction.empty()) {
-      text += ", " + array.fSyncAction;
-      if (array.fSyncPercent) text += " " + std::to_string(*array.fSyncPercent) + " %";
-    }
-    html += TextElement("p", "", text);
+    const std::string percent =
+        array.fSyncPercent ? std::to_string(*array.fSyncPercent) + " %" : "";
+    const std::string text =
+        Joined({Joined({array.fLevel, Size(array.fBytes)}),
+                array.fState.empty() ? "state unknown" : array.fState,
+                array.fSyncAction.empty() ? "" : Joined({array.fSyncAction, percent})},
+               ", ");
+    const auto missing = array.fMissingMembers.value_or(0);
+    const std::string fault = missing == 0   ? ""
+                              : missing == 1 ? "lacks 1 disk"
+                                             : "lacks " + std::to_string(missing) + " disks";
+    html += Element(
+        "p", "", Link({}, array.fName + ": " + text) + " " + TextElement("strong", "bad", fault));
   }
   return html;
 }

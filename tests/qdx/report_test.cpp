@@ -47,6 +47,24 @@ TEST_F(QDXReport, DescribesMachinesAndDocuments) {
   EXPECT_NE(text.find("\"namespaces\":[\"root/cimv2\",\"root/qdx\"]"), std::string::npos);
 }
 
+TEST_F(QDXReport, ShowsFaultsAndWhatItHardlyKnows) {
+  for (const std::string name : {"0", "1"}) {
+    fFolder.Write("machine/sys/block/sd" + std::string(name == "0" ? "a" : "b") + "/size/no_file",
+                  "");
+    fFolder.Write("machine/sys/block/md" + name + "/dev", "9:0\n");
+    fFolder.Write("machine/sys/block/md" + name + "/md/level", "raid6\n");
+    fFolder.Write("machine/sys/block/md" + name + "/md/array_state", "clean\n");
+    fFolder.Write("machine/sys/block/md" + name + "/md/degraded", name == "0" ? "0\n" : "2\n");
+  }
+  fFolder.Write("machine/sys/block/md1/size", "7814037168\n");
+  fFolder.Write("machine/sys/class/fc_host/host0/port_state", "Online\n");
+  const std::string page = fQDX.Run({"report", "--root", PathOf("machine"), "-o", "-"}).fOutput;
+  const char* const expected[] = {
+      "</a>: 2 \u00d7 disk ", "<p>md0: raid6, clean <strong class=\"bad\"></strong></p>",
+      "md1: raid6 4 TB, clean <strong class=\"bad\">lacks 2 disks<", "\">host0</a></span>"};
+  for (const char* const each : expected) EXPECT_NE(page.find(each), std::string::npos) << each;
+}
+
 TEST_F(QDXReport, HasDifferences) {
   const std::string a = PathOf("a.xml");
   const std::string b = PathOf("b.xml");
