@@ -126,7 +126,7 @@ boost::shared_ptr<ICIMInstance> TClass::CreateInstance(TOptionsMap) {
     throw TExplainedException(kQDXStatusInvalidOpSequence,
                               Description() + " is not committed: it cannot have instances yet");
   }
-  if (IsAbstract({})) {
+  if (fIsAbstract) {
     throw TExplainedException(kQDXStatusInvalidClass,
                               Description() + " is abstract: it cannot have instances of its own");
   }
@@ -139,16 +139,16 @@ boost::shared_ptr<ICIMInstance> TClass::CreateInstance(TOptionsMap) {
 boost::shared_ptr<ICIMInstance> TClass::GetInstance(const TCIMReference& path, TOptionsMap) const {
   const auto& bindings = path.GetBody()->GetKeyBindings();
   if (bindings.size() != GetKeySlots().size()) return nullptr;
-  TStoredValue few[4];  // without memory of their own for most classes
-  std::vector<TStoredValue> many(bindings.size() > std::size(few) ? bindings.size() : 0);
-  TStoredValue* const keys = many.empty() ? few : many.data();
+  TWantedKey few[4];  // without memory of their own for most classes
+  std::vector<TWantedKey> many(bindings.size() > std::size(few) ? bindings.size() : 0);
+  TWantedKey* const keys = many.empty() ? few : many.data();
   for (const auto& [name, value] : bindings) {
     const auto slot = fProperties.Position(name);
     const auto key = std::find(GetKeySlots().begin(), GetKeySlots().end(), slot);
     if (key == GetKeySlots().end() || value.IsNull() || value.GetType() != DeclAt(*key).GetType()) {
       return nullptr;
     }
-    keys[static_cast<std::size_t>(key - GetKeySlots().begin())] = TStoredValue(value, *this);
+    keys[static_cast<std::size_t>(key - GetKeySlots().begin())].Set(value, *this);
   }
   TInstance* const found = fInstances.Find(keys);
   return found == nullptr ? nullptr : found->Handle();

@@ -38,9 +38,9 @@ bool TInstanceTable::Add(TInstance& instance) {
   return true;
 }
 
-TInstance* TInstanceTable::Find(const TStoredValue* keys) const {
+TInstance* TInstanceTable::Find(const TWantedKey* keys) const {
   if (fKeySlots.empty() || fInstances.empty()) return nullptr;
-  const auto keyAt = [&](std::size_t i) -> const TStoredValue& { return keys[i]; };
+  const auto keyAt = [&](std::size_t i) -> const TWantedKey& { return keys[i]; };
   const TInstance& any = *fInstances.front();
   const std::size_t hash = HashOf(fKeySlots.size(), keyAt, [&](std::size_t i) -> TType {
     return any.DeclAt(fKeySlots[i]).GetType();

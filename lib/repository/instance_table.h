@@ -3,8 +3,12 @@
 #ifndef LIB_REPOSITORY_INSTANCE_TABLE_H_
 #define LIB_REPOSITORY_INSTANCE_TABLE_H_
 
+#include <qdxcore/value.h>
+#include <qdxmodel/hash.h>
+
 #include <cstddef>
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -13,6 +17,28 @@
 #include "stored_value.h"
 
 namespace NVORNQDX20::NRepository {
+
+/// A key of the instance that a caller looks for: a text as the caller has it, which needs no copy,
+/// anything else as it is stored.
+class TWantedKey {
+ public:
+  /// The value, which is not null, must outlive this object. Throws like TStoredValue.
+  void Set(const TCIMValue& value, const TClass& user) {
+    fText = value.FindString();
+    if (fText == nullptr) fStored = TStoredValue(value, user);
+  }
+
+  void AddTo(NModel::THasher& hasher, TStoredValue::TType type) const {
+    fText != nullptr ? hasher.Add(*fText) : fStored.AddTo(hasher, type);
+  }
+  bool Equals(const TStoredValue& stored, TStoredValue::TType type) const {
+    return fText != nullptr ? stored.IsText(*fText) : fStored.Equals(stored, type);
+  }
+
+ private:
+  const std::string* fText = nullptr;
+  TStoredValue fStored;
+};
 
 class TInstanceTable {
  public:
@@ -26,7 +52,7 @@ class TInstanceTable {
 
   /// `keys` are as many as the key slots and in their order, of the declared types and not null.
   /// Returns null if there is no such instance.
-  TInstance* Find(const TStoredValue* keys) const;
+  TInstance* Find(const TWantedKey* keys) const;
 
   /// Calls `visit` for the instances present at the call, until it returns false. Returns whether
   /// all were visited.

@@ -20,11 +20,13 @@ class TNamespace;
 
 /// Returns the element as an owner of its namespace. Each call creates a new owner.
 template <typename TElement>
-boost::shared_ptr<TElement> HoldWithNamespace(const boost::shared_ptr<TNamespace>& ns,
-                                              const boost::shared_ptr<TElement>& element) {
+boost::shared_ptr<TElement> HoldWithNamespace(boost::shared_ptr<TNamespace> ns,
+                                              boost::shared_ptr<TElement> element) {
   // A pair destroys its second member first, so that elements are destroyed before their namespace.
   using THold = std::pair<boost::shared_ptr<TNamespace>, boost::shared_ptr<TElement>>;
-  return boost::shared_ptr<TElement>(boost::make_shared<THold>(ns, element), element.get());
+  TElement* const held = element.get();
+  return boost::shared_ptr<TElement>(boost::make_shared<THold>(std::move(ns), std::move(element)),
+                                     held);
 }
 
 /// Makes room for one more owner, so that push_back() cannot fail: an element that is registered by

@@ -3,6 +3,8 @@
 
 #include <qdxcore/status.h>
 
+#include <utility>
+
 #include <boost/smart_ptr/make_shared.hpp>
 
 #include "class.h"
@@ -64,8 +66,8 @@ const TCIMValue& TPropertyDecl::GetDefaultValue() const {
 }
 
 boost::shared_ptr<TPropertyDecl> TPropertyDecl::Handle() {
-  const boost::shared_ptr<TClass> owner = fQualifiers.GetOwner().Handle();
-  if (!HoldsReferences(GetType())) return boost::shared_ptr<TPropertyDecl>(owner, this);
+  boost::shared_ptr<TClass> owner = fQualifiers.GetOwner().Handle();
+  if (!HoldsReferences(GetType())) return boost::shared_ptr<TPropertyDecl>(std::move(owner), this);
   boost::shared_ptr<const THold> hold = fHold.lock();
   if (!hold) {
     const THold bound{owner, BoundCopy(fDefaultValue, owner->GetNamespace())};

@@ -106,6 +106,8 @@ class TStoredValue {
   void SetRead(const TStoredValue& value, TType type);
 
   bool Equals(const TStoredValue& other, TType type) const;
+  /// Returns whether this is the text.
+  bool IsText(std::string_view text) const noexcept { return IsText() && TextOf() == text; }
   /// Values that are equal have equal hashes.
   void AddTo(NModel::THasher& hasher, TType type) const;
 

@@ -52,8 +52,14 @@ TEST(Repository, FindsAnInstanceByExactlyItsKeys) {
   const TNamespace ns = MakeFilled();
   AddClass(ns, "T_A", {{"Id", 0U}, {"Name", ""}}, {{"Note", ""}});
   AddInstance(ns, "T_A", {{"Id", 1U}, {"Name", "x"}});
+  AddInstance(ns, "T_A", {{"Id", 1U}, {"Name", ""}});
+  AddInstance(ns, "T_A", {{"Id", 1U}, {"Name", "a name of 20 letters"}});
   const std::pair<bool, const char*> rows[] = {
       {true, R"(T_A.Id="1",Name="x")"},
+      {true, R"(T_A.Id="1",Name="")"},
+      {true, R"(T_A.Id="1",Name="a name of 20 letters")"},
+      {false, R"(T_A.Id="1",Name="a name of 20 letterS")"},
+      {false, R"(T_A.Id="1",ID="1")"},
       {false, R"(T_A)"},
       {false, R"(T_A.Id="1")"},
       {false, R"(T_A.Id="1",Name="X")"},
@@ -64,9 +70,15 @@ TEST(Repository, FindsAnInstanceByExactlyItsKeys) {
       {true, R"(T_Disk.ID="1",rate="0.5",SEEN="20200101120000.000000+060")"},
       {true, R"(T_Disk.Id="1",Rate="0",Seen="20200101110000.000000+000")"},
   };
-  for (const auto& [isFound, path] : rows) {
-    const TCIMReference reference(ns, path, {});
-    EXPECT_EQ(reference.GetClass()->GetInstance(reference, {}) != nullptr, isFound) << path;
+  for (int pass = 0; pass < 2; ++pass) {  // the second time with keys that were read
+    for (const auto& [isFound, path] : rows) {
+      const TCIMReference reference(ns, path, {});
+      const auto found = reference.GetClass()->GetInstance(reference, {});
+      EXPECT_EQ(found != nullptr, isFound) << path;
+      if (!found) continue;
+      EXPECT_EQ(found, reference.GetCIMElement());
+      found->EnumerateProperties([](const auto&) { return true; }, {});
+    }
   }
 }
 
