@@ -157,13 +157,8 @@ boost::shared_ptr<TInstance> TInstance::Handle() const {
                                       self);
 }
 
-void TInstance::Store(std::size_t slot, TStoredValue&& value) {
-  TStoredValue& stored = Values()[slot];
-  if (stored.FindRead() == nullptr) {
-    stored = std::move(value);
-  } else {
-    stored.SetRead(value, DeclAt(slot).GetType());
-  }
+void TInstance::SetRead(std::size_t slot, const TStoredValue& value) {
+  Values()[slot].SetRead(value, DeclAt(slot).GetType());
 }
 
 TReadValue& TInstance::Read(std::size_t slot) const {

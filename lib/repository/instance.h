@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "stored_value.h"
 
@@ -56,7 +57,14 @@ class TInstance final : public ICIMInstance, public IPlainValuesOfInstance {
   /// What is stored; not set if the instance has the value of its class.
   const TStoredValue& StoredAt(std::size_t slot) const { return Values()[slot]; }
   /// Sets a value of the declared type.
-  void Store(std::size_t slot, TStoredValue&& value);
+  void Store(std::size_t slot, TStoredValue&& value) {
+    TStoredValue& stored = Values()[slot];
+    if (stored.FindRead() == nullptr) {
+      stored = std::move(value);
+    } else {
+      SetRead(slot, value);
+    }
+  }
   /// The first handle of an instance that is not committed takes it over.
   boost::shared_ptr<TInstance> Handle() const;
 
@@ -76,6 +84,8 @@ class TInstance final : public ICIMInstance, public IPlainValuesOfInstance {
   }
   /// REQUIRES: the value is set, and the property holds no references.
   TReadValue& Read(std::size_t slot) const;
+  /// Sets a value that callers read.
+  void SetRead(std::size_t slot, const TStoredValue& value);
   boost::shared_ptr<ICIMProperty> MakeProperty(std::size_t slot) const;
 
   TClass& fClass;

@@ -24,16 +24,9 @@ class TNameTable {
   TElement& At(std::size_t position) const { return *fElements[position]; }
 
   std::optional<std::size_t> Position(std::string_view name) const {
-    // Most callers go through the elements in their order, or ask for one of them twice, or begin
-    // again, and spell the names as declared.
-    for (const std::size_t likely : {fLast + 1, fLast, std::size_t{0}}) {
-      if (likely >= fElements.size() || fElements[likely]->GetName() != name) continue;
-      fLast = likely;
-      return likely;
-    }
-    const std::optional<std::size_t> position = PositionOf(name, fHash(name));
-    if (position) fLast = *position;
-    return position;
+    // Most callers go through the elements in their order, and spell the names as declared.
+    if (IsAt(fLast + 1, name)) return ++fLast;
+    return PositionElsewhere(name);
   }
 
   /// Returns null if there is no element with this name.
@@ -65,6 +58,20 @@ class TNameTable {
   }
 
  private:
+  bool IsAt(std::size_t position, std::string_view name) const {
+    return position < fElements.size() && fElements[position]->GetName() == name;
+  }
+
+  /// Not inline: Position() would save registers for it at each call.
+  [[gnu::noinline]] std::optional<std::size_t> PositionElsewhere(std::string_view name) const {
+    // Others ask for an element twice, or begin again.
+    if (IsAt(fLast, name)) return fLast;
+    if (IsAt(0, name)) return fLast = 0;
+    const std::optional<std::size_t> position = PositionOf(name, fHash(name));
+    if (position) fLast = *position;
+    return position;
+  }
+
   std::optional<std::size_t> PositionOf(std::string_view name, std::size_t hash) const {
     return fIndex.Find(hash, [&](std::size_t position) {
       return NModel::EqualIgnoringCase(fElements[position]->GetName(), name);

@@ -88,12 +88,16 @@ class TWeakening final : public TRebinding {
   explicit TWeakening(const TClass& user) : TRebinding(user.GetNamespace()), fUser(user) {}
   boost::shared_ptr<ICIMNamespace> GetNamespace() const override { return nullptr; }
   boost::shared_ptr<ICIMClass> Class(TClass& cimClass) const override {
-    if (!cimClass.IsCommitted() && &cimClass != &fUser) {  // it may be destroyed before the value
-      throw TExplainedException(kQDXStatusInvalidReference,
-                                cimClass.Description() + " is not committed: " +
-                                    fUser.Description() + " cannot refer to it yet");
-    }
+    RequireLasting(cimClass);
     return boost::shared_ptr<ICIMClass>(boost::shared_ptr<void>(), &cimClass);
+  }
+
+  /// Throws kQDXStatusInvalidReference if the class may be destroyed before the value.
+  void RequireLasting(const TClass& cimClass) const {
+    if (cimClass.IsCommitted() || &cimClass == &fUser) return;
+    throw TExplainedException(kQDXStatusInvalidReference,
+                              cimClass.Description() + " is not committed: " + fUser.Description() +
+                                  " cannot refer to it yet");
   }
 
  private:
@@ -124,11 +128,9 @@ TExplainedException Undeclarable(const std::string& description, TCIMType type) 
   return {kQDXStatusInvalidProperty, description + " cannot be " + NModel::TypeText(type)};
 }
 
-void RequireType(TCIMType given, TCIMType declared, const IDescribed& element) {
-  if (given == declared) return;
-  throw TExplainedException(kQDXStatusTypeMismatch, element.Description() + " is " +
-                                                        NModel::TypeText(declared) + ", not " +
-                                                        NModel::TypeText(given));
+TExplainedException TypeMismatch(TCIMType given, TCIMType declared, const IDescribed& element) {
+  return {kQDXStatusTypeMismatch, element.Description() + " is " + NModel::TypeText(declared) +
+                                      ", not " + NModel::TypeText(given)};
 }
 
 TCIMValue WeakCopy(const TCIMValue& value, const TClass& user) {
@@ -138,7 +140,7 @@ TCIMValue WeakCopy(const TCIMValue& value, const TClass& user) {
 TClass* OwnClass(const boost::shared_ptr<ICIMClass>& cimClass, const TClass& user) {
   const TWeakening weakening(user);
   TClass* const own = weakening.OwnClass(cimClass);
-  if (own != nullptr) (void)weakening.Class(*own);
+  if (own != nullptr) weakening.RequireLasting(*own);
   return own;
 }
 

@@ -29,9 +29,14 @@ bool IsDeclarable(TCIMValue::TCIMType type);
 /// kQDXStatusInvalidProperty
 TExplainedException Undeclarable(const std::string& description, TCIMValue::TCIMType type);
 
+/// kQDXStatusTypeMismatch
+TExplainedException TypeMismatch(TCIMValue::TCIMType given, TCIMValue::TCIMType declared,
+                                 const IDescribed& element);
 /// Throws kQDXStatusTypeMismatch if the given type differs from the declared type of the element.
-void RequireType(TCIMValue::TCIMType given, TCIMValue::TCIMType declared,
-                 const IDescribed& element);
+inline void RequireType(TCIMValue::TCIMType given, TCIMValue::TCIMType declared,
+                        const IDescribed& element) {
+  if (given != declared) throw TypeMismatch(given, declared, element);
+}
 
 /// Returns the stored form of a value for `user` or an instance of it. Throws
 /// kQDXStatusInvalidReference for a class of the same namespace that is not committed, unless it is
