@@ -43,6 +43,11 @@ std::string SwapOf(const TMemory& memory) {
   return size(*memory.fFreeSwapBytes) + " free of " + size(*memory.fSwapBytes);
 }
 
+/// The provider writes "other" for a container or a virtual machine without a known name.
+std::string KindOf(const std::string& name) {
+  return name == "other" ? "of an unknown kind" : name;
+}
+
 THTML MachineFacts(const TSummary& summary) {
   const TProduct& product = summary.fProduct;
   const TFirmware& firmware = summary.fFirmware;
@@ -59,8 +64,8 @@ THTML MachineFacts(const TSummary& summary) {
        Joined({firmware.fManufacturer, firmware.fVersion, DayOf(firmware.fReleaseDate), uefi})},
       {"Operating system", system.fName},
       {"Kernel", Joined({system.fKernel, system.fArchitecture})},
-      {"Container", system.fContainer},
-      {"Virtual machine of", system.fVirtualMachine},
+      {"Container", KindOf(system.fContainer)},
+      {"Virtual machine", KindOf(system.fVirtualMachine)},
       {"Up for", uptime},
       {"Up since", uptime.empty() ? DayOf(system.fBootTime) : ""},
       {"Load over 1, 5 and 15 minutes", LoadOf(system)},
