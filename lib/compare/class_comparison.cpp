@@ -9,6 +9,7 @@
 
 #include <qdxsnapshot/missing.h>
 
+#include "same_reason.h"
 #include "schema_comparison.h"
 
 namespace NVORNQDX20 {
@@ -68,6 +69,7 @@ class TClassComparison {
   bool HasMachines() const;
   std::vector<TColumn> FindValues(const TIdentified& a, const TIdentified& b);
   bool AreEqual(const TColumn& column);
+  bool AreSameReasons(const TColumn& column);
   void ReadSnapshots(std::vector<TChange>& changes);
   bool IsGivenForClass(const TChange& change);
   void AddInstance(const TChange& change, std::size_t trace);
@@ -223,7 +225,7 @@ std::vector<TColumn> TClassComparison::FindValues(const TIdentified& a, const TI
     const bool isKey = fA.GetClass().fProperties[column.fInA].fIsKey &&
                        fB.GetClass().fProperties[column.fInB].fIsKey;
     if (isKey && !mayKeysDiffer) continue;
-    if (!AreEqual(column)) columns.push_back(column);
+    if (!AreEqual(column) && !AreSameReasons(column)) columns.push_back(column);
   }
   return columns;
 }
@@ -248,6 +250,13 @@ bool TClassComparison::AreEqual(const TColumn& column) {
     });
   });
   return areEqual;
+}
+
+/// Returns whether the current instances are reasons, and the column is that of their texts.
+bool TClassComparison::AreSameReasons(const TColumn& column) {
+  return fA.IsOfReasons() && fB.IsOfReasons() &&
+         NModel::EqualIgnoringCase(fA.GetClass().fProperties[column.fInA].fName, "Reason") &&
+         MayBeSameReason(fA.TextOfCurrent("reason"), fB.TextOfCurrent("reason"));
 }
 
 /// Sets the paths, and the values where they are needed, of each side at once.
@@ -283,7 +292,7 @@ bool TClassComparison::IsGivenForClass(const TChange& change) {
   if (property.empty() || side.TextOfCurrent("instance").empty()) return false;
   const auto& reasons = other.GetSide().fNamespace.fReasons;
   const auto found = reasons.find({side.TextOfCurrent("classname"), "", property});
-  return found != reasons.end() && found->second == side.TextOfCurrent("reason");
+  return found != reasons.end() && MayBeSameReason(found->second, side.TextOfCurrent("reason"));
 }
 
 /// Adds an instance that only one side has. An error of the other side says why it may lack it.

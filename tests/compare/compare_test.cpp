@@ -161,6 +161,32 @@ TEST(Comparison, TakesAnArrayForABagIfBothSidesDo) {
   }
 }
 
+TEST(Comparison, TakesReasonsThatSeveralShareForThoseOfOne) {
+  const std::string same = "/run/b*: No such file";
+  const std::tuple<std::string, std::string, bool> rows[] = {
+      {same, "/run/b*:0: No such file", true},
+      {same, "/run/*: No such file", true},
+      {same, "/run/b8:0: No such file", true},
+      {same, same, true},
+      {same, "/run/c8:0: No such file", false},
+      {same, "/run/b*: Permission denied", false},
+      {same, "/run/b8:0: Permission denied", false},
+      {same, "not asked for", false},
+      {same, "", false},
+      {"/run/ab*ba", "/run/aba", false},
+      {"/run/b8:0: No such file", "/run/b8:1: No such file", false},
+      {"a * b", "a c b", false}};
+  const auto with = [](const std::string& reason) {
+    const TNamespace ns = MakeNamespace();
+    NDescribe::WriteMissingValues(*ns, {{"Disk", "", "Model", NDescribe::TReason(reason)}});
+    return ns;
+  };
+  for (const auto& [a, b, isSame] : rows) {
+    EXPECT_EQ(Difference(with(a), with(b)).empty(), isSame) << a << " " << b;
+    EXPECT_EQ(Difference(with(b), with(a)).empty(), isSame) << b << " " << a;
+  }
+}
+
 TEST(Comparison, IgnoresClassesAndPropertiesInAnyCase) {
   const TNamespace a = MakeNamespace(), b = MakeNamespace();
   for (const TNamespace& ns : {a, b}) {
