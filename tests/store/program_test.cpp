@@ -322,12 +322,32 @@ TEST_F(StoreOfAnother, IsNamedIfItCannotBeMadeOrIsOld) {
   const TProgramRun add = RunAsAnother(Add(other, {"-"}));
   EXPECT_EQ(add.fExitCode, 4);
   EXPECT_NE(add.fErrors.find("qdx-store: using store " + other + ": "), std::string::npos);
+  std::filesystem::permissions(fStore, std::filesystem::perms(0600));
+  const TProgramRun secret = RunAsAnother({QDX_STORE, "hosts", fStore});
+  EXPECT_EQ(secret.fErrors, "qdx-store: using store " + fStore + ": Permission denied\n");
+  std::filesystem::permissions(fStore, std::filesystem::perms(0644));
   if (!HasSQLite()) GTEST_SKIP() << "sqlite3 is not installed";
   Query(fStore, "UPDATE store SET version = 2");
   const TProgramRun hosts = RunAsAnother({QDX_STORE, "hosts", fStore});
   EXPECT_EQ(hosts.fExitCode, 4);
   EXPECT_NE(hosts.fErrors.find("an older qdx-store has made it"), std::string::npos)
       << hosts.fErrors;
+}
+
+TEST_F(StoreProgram, ReportsAFileThatGoesAway) {
+  ASSERT_EQ(RunProgram(Add(StoreFile(), {DocumentOf("a", 1)})).fExitCode, 0);
+  const std::string document = DocumentOf("a", 2);
+  const std::string pipe = (fFolder.Path() / "pipe").string();
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  std::thread writer([&] {
+    std::ofstream stream(pipe);  // waits until the program has opened the store, and reads
+    std::filesystem::remove(StoreFile());
+    stream << ReadWholeFile(document);
+  });
+  const TProgramRun run = RunProgram(Add(StoreFile(), {pipe}));
+  writer.join();
+  EXPECT_EQ(run.fExitCode, 4);
+  EXPECT_NE(run.fErrors.find("removed or replaced"), std::string::npos) << run.fErrors;
 }
 
 TEST_F(StoreProgram, ReportsAServerThatGoesAway) {

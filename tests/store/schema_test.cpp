@@ -157,7 +157,11 @@ TEST(StoreSchema, IsMadeOnlyWhenItIsNeeded) {
   EXPECT_QDX_STATUS(open(folder.Path() / "link"), kQDXStatusFileNotFound);
   TPostgreSQLServer& server = TPostgreSQLServer::Get();
   if (!server.WhyNot().empty()) GTEST_SKIP() << server.WhyNot();
-  EXPECT_EQ(open(server.NewDatabase()), nullptr);
+  std::string store = server.NewDatabase();
+  EXPECT_EQ(open(store), nullptr);
+  TDatabase(TLocation(store)).Execute("CREATE ROLE poor LOGIN");
+  store.replace(store.find("tester@"), 6, "poor");
+  EXPECT_QDX_STATUS(open(store), kQDXStatusAccessDenied);
 }
 
 TEST(StoreSchema, IsInAFileWhateverItsName) {

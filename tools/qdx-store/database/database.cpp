@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "database.h"
 
+#include <qdxsystem/error_text.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
@@ -29,9 +31,15 @@ const char* const kServerSettings[] = {
 /// In seconds, for servers that are not reached. The environment of the user precedes.
 const char* const kConnectTimeout = "10";
 
-TDatabaseError ErrorOfFile(const soci::sqlite3_soci_error& error, const std::string& reason) {
+/// `systemError` is the number of what the operating system said last.
+TDatabaseError ErrorOfFile(const soci::sqlite3_soci_error& error, const std::string& reason,
+                           int systemError) {
   constexpr int kPrimary = 0xff;
   switch (error.result() & kPrimary) {
+    case SQLITE_IOERR:
+    case SQLITE_CANTOPEN:
+      return {TDatabaseError::kUnusable, kQDXStatusFileSystemError,
+              reason + (systemError == 0 ? "" : ": " + ErrorText(systemError))};
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
       return {TDatabaseError::kLocked, kQDXStatusFail, "another program keeps it locked"};
@@ -87,12 +95,19 @@ std::string ReasonOf(const soci::soci_error& error, const TLocation& location) {
   return reason.substr(0, reason.find('\n'));
 }
 
+sqlite_api::sqlite3* SQLiteOf(soci::session& session) {
+  auto* const backend = static_cast<soci::sqlite3_session_backend*>(session.get_backend());
+  return backend == nullptr ? nullptr : backend->conn_;
+}
+
 template <typename TCall>
-void Translated(const TLocation& location, const TCall& call) {
+void Translated(const TLocation& location, soci::session& session, const TCall& call) {
   try {
     call();
   } catch (const soci::sqlite3_soci_error& error) {
-    throw ErrorOfFile(error, ReasonOf(error, location));
+    sqlite_api::sqlite3* const own = SQLiteOf(session);
+    const int systemError = own == nullptr ? 0 : sqlite_api::sqlite3_system_errno(own);
+    throw ErrorOfFile(error, ReasonOf(error, location), systemError);
   } catch (const soci::postgresql_soci_error& error) {
     throw ErrorOfServer(error, ReasonOf(error, location));
   } catch (const soci::soci_error& error) {
@@ -120,9 +135,8 @@ struct TDatabase::TSession {
 
   /// To be called after opening a file.
   void WaitForLocks() {
-    auto* const backend = static_cast<soci::sqlite3_session_backend*>(fSession.get_backend());
     sqlite_api::sqlite3_busy_handler(
-        backend->conn_,
+        SQLiteOf(fSession),
         [](void* session, int attempts) noexcept {
           return static_cast<int>(static_cast<TSession*>(session)->WaitForLock(attempts));
         },
@@ -144,7 +158,7 @@ struct TDatabase::TSession {
 TDatabase::TDatabase(const TLocation& location, TWaitListener onWait)
     : fLocation(location), fOnWait(std::move(onWait)), fSession(std::make_unique<TSession>(*this)) {
   if (fLocation.fIsFile) fSession->fFile.emplace(fLocation.fText);
-  Translated(fLocation, [&] {
+  Translated(fLocation, fSession->fSession, [&] {
     if (fLocation.fIsFile) {
       // Once, before SQLite is used; no name of a file becomes a URI.
       static const int urisAreNames = sqlite_api::sqlite3_config(SQLITE_CONFIG_URI, 1);
@@ -182,7 +196,7 @@ void TDatabase::Query(const std::string& sql, std::size_t columns,
 void TDatabase::RunQuery(const std::string& sql, std::size_t columns,
                          const std::vector<TValue>& values,
                          const std::function<void(const TRow&)>& take) {
-  Translated(fLocation, [&] {
+  Translated(fLocation, fSession->fSession, [&] {
     std::vector<std::string> cells(columns);
     std::vector<soci::indicator> indicators(columns, soci::i_ok);
     std::vector<long long> numbers(values.size());
@@ -243,6 +257,13 @@ void TDatabase::RequireSameState() const {
   }
 }
 
+void TDatabase::RequireSameFile() const {
+  if (fSession->fFile && fSession->fFile->IsReplaced()) {
+    throw TDatabaseError(TDatabaseError::kUnusable, kQDXStatusFileNotFound,
+                         "its file was removed or replaced while it was written");
+  }
+}
+
 std::int64_t ToNumber(const TCell& cell) {
   std::int64_t number = 0;
   const std::string text = cell.value_or("");
@@ -276,6 +297,7 @@ TTransaction::~TTransaction() {
 void TTransaction::Commit() {
   fDatabase.Execute("COMMIT");
   fIsOpen = false;
+  fDatabase.RequireSameFile();
 }
 
 }  // namespace NVORNQDX20::NStore

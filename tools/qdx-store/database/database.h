@@ -71,6 +71,10 @@ class TDatabase {
   /// if somebody has written it since it was opened.
   void RequireSameState() const;
 
+  /// To be called when something is written. Throws if the file was removed or replaced since it
+  /// was opened: then it is written to nowhere.
+  void RequireSameFile() const;
+
  private:
   struct TSession;
 

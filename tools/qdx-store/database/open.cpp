@@ -177,6 +177,14 @@ std::int64_t CheckVersion(TDatabase& database, EAccess access) {
   return version;
 }
 
+/// On a server: who makes a file may fill it.
+void RequireRightToCreate(TDatabase& database) {
+  const char* const query =
+      "SELECT CAST(has_schema_privilege(current_schema(), 'CREATE') AS INTEGER)";
+  if (database.IsSQLite() || database.QueryNumber(query) == 1) return;
+  Fail(kQDXStatusAccessDenied, "it is no store, and this user may not create tables");
+}
+
 void BringUpToDate(TDatabase& database, EAccess access) {
   if (database.IsSQLite()) database.Execute("PRAGMA journal_mode = WAL");
   TTransaction transaction(database);
@@ -206,7 +214,10 @@ std::unique_ptr<TDatabase> OpenStore(const TLocation& location, EAccess access,
   }
   const std::int64_t version = CheckVersion(*database, access);
   if (version == LatestVersion()) return database;
-  if (version == 0 && access == EAccess::kOptional) return nullptr;
+  if (version == 0 && access == EAccess::kOptional) {
+    RequireRightToCreate(*database);
+    return nullptr;
+  }
   try {
     BringUpToDate(*database, access);
   } catch (const TDatabaseError& error) {

@@ -46,10 +46,12 @@ std::string ImmutableFileParameters(const std::string& file) {
   return "dbname=\"" + uri + "?immutable=1\"";
 }
 
-/// Also false on a disk that is mounted for reading only.
-bool CanWrite(const std::filesystem::path& path) {
-  return ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
+bool MayUse(const std::filesystem::path& path, int how) {
+  return ::faccessat(AT_FDCWD, path.c_str(), how, AT_EACCESS) == 0;
 }
+
+/// Also false on a disk that is mounted for reading only.
+bool CanWrite(const std::filesystem::path& path) { return MayUse(path, W_OK); }
 
 /// SQLite makes its files beside the store itself, not beside a link to it.
 std::filesystem::path TargetOf(const std::string& file) {
@@ -66,29 +68,30 @@ auto StateOf(const struct stat& status) {
 }  // namespace
 
 TSQLiteFile::TSQLiteFile(const std::string& file) : fFile(file) {
-  struct stat status {};
-  const bool exists = ::stat(file.c_str(), &status) == 0;
-  if (!exists || !S_ISREG(status.st_mode)) {
-    const auto reason = exists ? std::string("it is no regular file") : ErrorText(errno);
-    throw TDatabaseError(TDatabaseError::kUnusable,
-                         exists ? kQDXStatusFileSystemError : kQDXStatusFileNotFound, reason);
-  }
+  const auto fail = [](TQDXStatusCode status, const std::string& reason) {
+    throw TDatabaseError(TDatabaseError::kUnusable, status, reason);
+  };
+  if (::stat(file.c_str(), &fOpened) != 0) fail(kQDXStatusFileNotFound, ErrorText(errno));
+  if (!S_ISREG(fOpened.st_mode)) fail(kQDXStatusFileSystemError, "it is no regular file");
+  if (!MayUse(file, R_OK)) fail(kQDXStatusAccessDenied, ErrorText(errno));
   const std::filesystem::path target = TargetOf(file);
   struct stat log {};
   // What a writer has in its log would be missed. SQLite finds it with the index of the writer.
   const bool hasLog = ::stat((target.string() + "-wal").c_str(), &log) == 0 && log.st_size > 0;
-  if (hasLog || (CanWrite(target) && CanWrite(target.parent_path()))) {
-    fParameters = FileParameters(file);
-  } else {
-    fParameters = ImmutableFileParameters(file);
-    fUnchanged = status;
-  }
+  fIsLocked = hasLog || (CanWrite(target) && CanWrite(target.parent_path()));
+  fParameters = fIsLocked ? FileParameters(file) : ImmutableFileParameters(file);
 }
 
 bool TSQLiteFile::HasChanged() const {
-  if (!fUnchanged) return false;
+  if (fIsLocked) return false;
   struct stat status {};
-  return ::stat(fFile.c_str(), &status) != 0 || StateOf(status) != StateOf(*fUnchanged);
+  return ::stat(fFile.c_str(), &status) != 0 || StateOf(status) != StateOf(fOpened);
+}
+
+bool TSQLiteFile::IsReplaced() const {
+  struct stat status {};
+  return ::stat(fFile.c_str(), &status) != 0 || status.st_dev != fOpened.st_dev ||
+         status.st_ino != fOpened.st_ino;
 }
 
 }  // namespace NVORNQDX20::NStore

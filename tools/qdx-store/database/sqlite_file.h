@@ -5,7 +5,6 @@
 
 #include <sys/stat.h>
 
-#include <optional>
 #include <string>
 
 namespace NVORNQDX20::NStore {
@@ -15,8 +14,9 @@ namespace NVORNQDX20::NStore {
 /// store is read as a file that does not change. HasChanged() finds out whether it did.
 class TSQLiteFile {
  public:
-  /// Throws a TDatabaseError if there is no such file: SQLite would create it, and would not find
-  /// fault with a folder before the first statement.
+  /// Throws a TDatabaseError if there is no such file, or none that can be read: SQLite would
+  /// create it, does not say why it cannot be opened, and finds fault with a folder only at the
+  /// first statement.
   explicit TSQLiteFile(const std::string& file);
 
   /// Returns the parameters for SOCI.
@@ -25,10 +25,14 @@ class TSQLiteFile {
   /// Returns whether a file that is read as one that does not change has changed since.
   bool HasChanged() const;
 
+  /// Returns whether the file is no longer there, or another one is.
+  bool IsReplaced() const;
+
  private:
   std::string fFile;
   std::string fParameters;
-  std::optional<struct stat> fUnchanged;  // none for a file that SQLite locks
+  struct stat fOpened {};
+  bool fIsLocked = false;  // SQLite locks it
 };
 
 }  // namespace NVORNQDX20::NStore
