@@ -125,10 +125,13 @@ std::vector<TOptionSpec> FormOptions() {
   return {{"json", nullptr, "Print one JSON object."}, {"csv", nullptr, "Print CSV (RFC 4180)."}};
 }
 
-void WriteAnswer(const TAnswer& answer, const TArguments& arguments) {
+void RequireOneForm(const TArguments& arguments) {
   if (arguments.Has("json") && arguments.Has("csv")) {
     FailOnUsage("option '--csv' contradicts '--json'");
   }
+}
+
+void WriteAnswer(const TAnswer& answer, const TArguments& arguments) {
   if (arguments.Has("json")) return WriteAsJSON(answer);
   arguments.Has("csv") ? WriteCSV(answer) : WriteTable(answer);
 }

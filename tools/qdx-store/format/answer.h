@@ -37,8 +37,11 @@ std::string ShortName(const std::string& name);
 /// The options --json and --csv.
 std::vector<TOptionSpec> FormOptions();
 
+/// Throws a TCommandFailure for both options.
+void RequireOneForm(const TArguments& arguments);
+
 /// Writes the answer in the form that the options name. Texts are not trusted: they cannot control
-/// a terminal. Throws what WriteOutput() throws, and for both options a TCommandFailure.
+/// a terminal. Throws what WriteOutput() throws.
 void WriteAnswer(const TAnswer& answer, const TArguments& arguments);
 
 }  // namespace NVORNQDX20::NStore

@@ -91,6 +91,7 @@ TAnswer AnswerOf(const TFleetHost& host, const std::vector<TChange>& changes, bo
 }
 
 EExitCode History(const TArguments& arguments) {
+  RequireOneForm(arguments);
   THistoryRequest request{};
   const TTypedTime range = TimeRange(arguments);
   request.fSince = range.fBegin;

@@ -160,6 +160,7 @@ TAnswer AnswerOf(const std::vector<TFleetHost>& fleet, std::int64_t silentAfter)
 }
 
 EExitCode Hosts(const TArguments& arguments) {
+  RequireOneForm(arguments);
   const int silentAfter = DaysOf(arguments, kSilentAfter, kDefaultDays);
   const auto database = OpenStoreOf(arguments.GetOperand(0), EAccess::kExisting);
   try {

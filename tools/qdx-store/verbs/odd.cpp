@@ -86,6 +86,7 @@ TAnswer EmptyAnswer() {
 }
 
 EExitCode Odd(const TArguments& arguments) {
+  RequireOneForm(arguments);
   const auto database = OpenStoreOf(arguments.GetOperand(0), EAccess::kExisting);
   try {
     const TTransaction oneState(*database, TTransaction::kReading);
