@@ -3,14 +3,19 @@
 #include <qdxcore/logger.h>
 #include <qdxcore/status.h>
 
+#include <cstdio>
 #include <cstdlib>
-#include <iostream>
 #include <string>
 
 #include <boost/assert.hpp>
 
 namespace NVORNQDX20 {
 namespace {
+
+/// Not std::cerr: its header makes all standard streams whenever the library is loaded.
+void Print(const std::string& text) {
+  (void)std::fwrite(text.data(), 1, text.size(), stderr);  // which is not buffered
+}
 
 void ActOnFailure(const std::string& message) {
   const char* setting = std::getenv("QDX_BOOST_ASSERT");
@@ -20,20 +25,16 @@ void ActOnFailure(const std::string& message) {
 
   if (policy == "throwboost") throw TBoostAssertException(message);
   if (policy == "trap") {
-    std::cerr << std::endl
-              << message << std::endl
-              << std::endl
-              << "Forcing segmentation fault." << std::endl
-              << std::endl;
+    Print("\n" + message + "\n\nForcing segmentation fault.\n\n");
     return;  // no signal here: the caller goes on to dereference the null reference, which faults
   }
   if (policy == "exit") {
-    std::cerr << std::endl << message << std::endl;
+    Print("\n" + message + "\n");
     std::exit(1);
   }
   if (policy != "throwqdx") {
-    std::cerr << "Invalid setting for QDX_BOOST_ASSERT '" << policy
-              << "'. Valid values are {throwqdx, throwboost, trap, exit}." << std::endl;
+    Print("Invalid setting for QDX_BOOST_ASSERT '" + policy +
+          "'. Valid values are {throwqdx, throwboost, trap, exit}.\n");
   }
   throw TQDXException(kQDXStatusFail);
 }
