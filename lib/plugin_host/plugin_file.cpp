@@ -2,7 +2,6 @@
 #include "plugin_file.h"
 
 #include <qdxcore/build_stamp.h>
-#include <qdxcore/os_specific.h>
 #include <qdxcore/status.h>
 #include <qdxplugin_host/plugin_folder.h>
 #include <qdxsystem/descriptor.h>
@@ -87,7 +86,7 @@ class TPluginFile {
 /// Loading runs code: with root's rights only what nobody else can have written.
 void RequireOwnCode(const std::string& file) {
   // Not by the name in `file`, whose links are resolved already: the loader follows them, too.
-  const std::string name = TOSSpecific::GetQDXRootPath() + file.substr(file.rfind('/'));
+  const std::string name = NPluginHost::RootPath() + file.substr(file.rfind('/'));
   const auto writer = FindForeignWriterOfCode(name);
   if (writer) {
     throw TExplainedException(kQDXStatusInvalidPlugin, "root does not load it: " + *writer);

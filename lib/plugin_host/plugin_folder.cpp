@@ -20,11 +20,21 @@ std::string SuffixOf(EPluginKind kind) {
   return (kind == EPluginKind::kProvider ? ".nsp" : ".nsc") + TOSSpecific::kDynamicModuleExtension;
 }
 
+TPluginFile PluginIn(const std::string& folder, EPluginKind kind, const std::string& service) {
+  return {kind, service, folder + "/" + kPrefix + service + SuffixOf(kind)};
+}
+
 }  // namespace
+
+const std::string& RootPath() {
+  // Asked for once: the core looks at each symbol of its library.
+  static const std::string& root = *new std::string(TOSSpecific::GetQDXRootPath());
+  return root;
+}
 
 std::string PluginFolder() {
   // dladdr's path contains the ".." of the command's RUNPATH.
-  return std::filesystem::canonical(TOSSpecific::GetQDXRootPath()).string();
+  return std::filesystem::canonical(RootPath()).string();
 }
 
 /// FindNSServices would silently skip a folder or a dangling link, and would accept
@@ -38,8 +48,8 @@ std::vector<TPluginFile> FindPlugins(EPluginKind kind) {
        entry.increment(error)) {
     const std::string name = entry->path().filename().string();
     if (boost::algorithm::starts_with(name, kPrefix) && boost::algorithm::ends_with(name, suffix)) {
-      plugins.push_back(PluginOf(
-          kind, name.substr(kPrefix.size(), name.size() - kPrefix.size() - suffix.size())));
+      plugins.push_back(PluginIn(
+          folder, kind, name.substr(kPrefix.size(), name.size() - kPrefix.size() - suffix.size())));
     }
   }
   if (error) {
@@ -52,7 +62,7 @@ std::vector<TPluginFile> FindPlugins(EPluginKind kind) {
 }
 
 TPluginFile PluginOf(EPluginKind kind, const std::string& service) {
-  return {kind, service, PluginFolder() + "/" + kPrefix + service + SuffixOf(kind)};
+  return PluginIn(PluginFolder(), kind, service);
 }
 
 }  // namespace NVORNQDX20::NPluginHost

@@ -61,7 +61,8 @@ class TPathCheck {
   TPathCheck(const fs::path& path, uid_t owner) : fOwner(owner) { Push(path); }
 
   std::optional<std::string> Run() {
-    std::optional<std::string> found = CheckPlace();
+    std::optional<std::string> found = Examine();
+    if (!found) found = CheckPlace();
     while (!found && !fRest.empty()) {
       const fs::path name = fRest.back();
       fRest.pop_back();
@@ -83,12 +84,14 @@ class TPathCheck {
     const fs::path folder = fPlace;
     // No name of fPlace is a link.
     fPlace = name == ".." ? folder.parent_path() : folder / name;
-    std::error_code error;
-    if (!fs::is_symlink(fPlace, error)) return CheckPlace();
+    auto found = Examine();
+    if (found) return found;
+    if (!S_ISLNK(fStatus.st_mode)) return CheckPlace();
     constexpr int kMaxLinks = 40;
     if (++fLinks > kMaxLinks) return Shown() + " is one of too many links";
-    auto found = CheckOwner();
+    found = CheckOwner();
     if (found) return found;
+    std::error_code error;
     const fs::path target = fs::read_symlink(fPlace, error);
     if (error) return Unreadable(error.value());
     fIsElsewhere = fIsElsewhere || fRest.empty();
@@ -97,8 +100,12 @@ class TPathCheck {
     return std::nullopt;
   }
 
-  std::optional<std::string> CheckOwner() {
+  std::optional<std::string> Examine() {
     if (::lstat(fPlace.c_str(), &fStatus) != 0) return Unreadable(errno);
+    return std::nullopt;
+  }
+
+  std::optional<std::string> CheckOwner() const {
     const uid_t user = fStatus.st_uid;
     if (user == 0 || user == fOwner || IsUnmapped(user)) return std::nullopt;
     return Writable(UserText(user), "chown root");

@@ -19,7 +19,10 @@ struct TPluginFile {
 /// The end of a reason: what to do if a plug-in is missing.
 inline constexpr const char* kListPlugins = "; 'qdx plugins' lists what is installed";
 
-/// Returns the folder of the core library, in which all plug-ins are.
+/// Returns the folder of the core library as the loader names it.
+const std::string& RootPath();
+
+/// Returns the folder of the core library, in which all plug-ins are, without links.
 std::string PluginFolder();
 
 /// Returns all plug-ins of a kind in ascending order of their services. Throws
