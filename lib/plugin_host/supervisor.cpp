@@ -70,13 +70,13 @@ void RestoreSignals() {
 }
 
 [[noreturn]] void Work(pid_t supervisor, TSupervisorEnds& ends, const TWorkerLimits& limits,
-                       const std::function<void(TSender&)>& work) {
+                       rlim_t addressSpace, const std::function<void(TSender&)>& work) {
   ::setpgid(0, 0);
   for (TDescriptor* end : {&ends.fLifeline, &ends.fReport, &ends.fOutput}) (void)end->Close();
   RestoreSignals();
   SetLimit(RLIMIT_CORE, 0);
   SetLimit(RLIMIT_FSIZE, limits.fDelivery);
-  if (limits.fMemory != 0) SetLimit(RLIMIT_AS, AddressSpace() + limits.fMemory);
+  if (limits.fMemory != 0) SetLimit(RLIMIT_AS, addressSpace + limits.fMemory);
   if (limits.fUser && !TakeOn(*limits.fUser)) ::_exit(kCannotTakeOnUser);
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // after the change of user, which resets it
   if (::getppid() != supervisor) ::_exit(kWorkReturned);
@@ -114,8 +114,9 @@ class TChild {
 
   /// Returns what remains: nothing, unless the kernel does not end a process.
   std::string KillAll() {
+    if (!WaitForEnded()) return {};  // as usual
     const auto start = TClock::now();
-    while (WaitForEnded()) {  // orphans become children of this process
+    do {  // orphans become children of this process
       const std::vector<pid_t> all = Descendants();
       for (const pid_t process : all) ::kill(process, SIGKILL);
       if (all.empty()) ::kill(-fProcess, SIGKILL);  // without /proc only the group is known
@@ -127,7 +128,7 @@ class TChild {
         if (time > kLongPatience) return DescribeStuck(all.front());
       }
       ::usleep(500);
-    }
+    } while (WaitForEnded());
     return {};
   }
 
@@ -152,16 +153,15 @@ void WaitForEnd(TChild& worker, int lifeline) {
   }
 }
 
-void Report(const TChild& worker, const std::string& remaining, int end) {
-  TMessage report;
-  report.fNumber = worker.GetStatus();
-  report.fTexts = {std::to_string(worker.GetPeakMemory()), remaining};
-  (void)WriteAll(end, EncodeMessage(report));  // the command may have ended
+void Send(const TReport& report, int end) {
+  // The command may have ended.
+  (void)WriteAll(end, {reinterpret_cast<const char*>(&report), sizeof report});
 }
 
 }  // namespace
 
-void Supervise(TSupervisorEnds& ends, const TWorkerLimits& limits, const TWorkerJob& job) noexcept {
+void Supervise(TSupervisorEnds& ends, const TWorkerLimits& limits, rlim_t addressSpace,
+               const TWorkerJob& job) noexcept {
   KeepOnly(ends, job.fDescriptors);
   ReplaceStandardStreams(ends);
   ::setsid();  // no terminal, and no signals from one
@@ -173,12 +173,11 @@ void Supervise(TSupervisorEnds& ends, const TWorkerLimits& limits, const TWorker
   std::signal(SIGCHLD, SIG_DFL);  // if it is ignored, there is no status
   const pid_t supervisor = ::getpid();
   const pid_t process = ::fork();
-  if (process == 0) Work(supervisor, ends, limits, job.fWork);
+  if (process == 0) Work(supervisor, ends, limits, addressSpace, job.fWork);
+  TReport report;
   if (process < 0) {
-    TMessage report;
-    report.fKind = kNotForked;
-    report.fNumber = errno;
-    (void)WriteAll(ends.fReport.Get(), EncodeMessage(report));
+    report.fError = errno;
+    Send(report, ends.fReport.Get());
     ::_exit(0);
   }
   TChild worker(process);
@@ -186,7 +185,11 @@ void Supervise(TSupervisorEnds& ends, const TWorkerLimits& limits, const TWorker
   for (TDescriptor* end : {&ends.fSocket, &ends.fOutput}) (void)end->Close();
   for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) ::close(stream);
   WaitForEnd(worker, ends.fLifeline.Get());
-  Report(worker, worker.KillAll(), ends.fReport.Get());
+  const std::string remaining = worker.KillAll();
+  remaining.copy(report.fRemaining, sizeof report.fRemaining - 1);
+  report.fStatus = worker.GetStatus();
+  report.fPeakMemory = worker.GetPeakMemory();
+  Send(report, ends.fReport.Get());
   ::_exit(0);
 }
 

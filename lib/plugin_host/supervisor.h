@@ -6,7 +6,7 @@
 #include <qdxplugin_host/worker.h>
 #include <qdxsystem/descriptor.h>
 
-#include <cstdint>
+#include <sys/resource.h>
 
 namespace NVORNQDX20::NPluginHost {
 
@@ -18,16 +18,18 @@ enum EWorkerStatus : int {
   kOutOfMemory = 114,
 };
 
-/// The kinds of reports.
-enum EReport : std::uint8_t {
-  kEnded,
-  kNotForked,  ///< The worker could not be started; the number is the errno.
+/// What a supervisor tells at its end, as bytes.
+struct TReport {
+  int fError = 0;             ///< Why the worker could not be started: an errno.
+  int fStatus = -1;           ///< As of wait(); -1 if the worker has not ended.
+  long fPeakMemory = 0;       ///< In kilobytes.
+  char fRemaining[512] = {};  ///< A process that could not be killed.
 };
 
 /// The ends that a supervisor and its worker use; each was opened by the command.
 struct TSupervisorEnds {
   TDescriptor fLifeline;  ///< Read end of a pipe that closes when the command ends or gives up.
-  TDescriptor fReport;    ///< Write end of a pipe.
+  TDescriptor fReport;    ///< Write end of a pipe for a TReport.
   TDescriptor fSocket;    ///< For the messages of the worker.
   TDescriptor fOutput;    ///< Write end of a pipe: standard output and error of the worker.
 };
@@ -38,9 +40,9 @@ struct TSupervisorEnds {
 /// An exception of the job ends the worker: it must not reach the objects of the command, such as a
 /// file that their destructors would remove.
 ///
-/// The report is an encoded message: the wait status as its number, -1 if the worker has not ended;
-/// the peak of memory in kilobytes and a process that could not be killed as its texts.
-[[noreturn]] void Supervise(TSupervisorEnds& ends, const TWorkerLimits& limits,
+/// `addressSpace` is what the command has, to which the worker may add. A supervisor touches little
+/// memory, since each page of the command that it writes to is copied.
+[[noreturn]] void Supervise(TSupervisorEnds& ends, const TWorkerLimits& limits, rlim_t addressSpace,
                             const TWorkerJob& job) noexcept;
 
 }  // namespace NVORNQDX20::NPluginHost

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxplugin_host/worker.h>
 
+#include <qdxsystem/child_process.h>
 #include <qdxsystem/error_text.h>
 
 #include <algorithm>
@@ -68,7 +69,8 @@ struct TDeliveries {
 /// A running worker.
 class TWorker {
  public:
-  TWorker(const TWorkerJob& job, const TWorkerLimits& limits, TDeliveries& deliveries)
+  TWorker(const TWorkerJob& job, const TWorkerLimits& limits, rlim_t addressSpace,
+          TDeliveries& deliveries)
       : fJob(job),
         fLimits(limits),
         fDeliveries(deliveries),
@@ -95,7 +97,7 @@ class TWorker {
     if (fSupervisor == 0) {
       TSupervisorEnds ends{std::move(lifeline.fReadEnd), std::move(report.fWriteEnd),
                            std::move(sending), std::move(output.fWriteEnd)};
-      Supervise(ends, limits, job);
+      Supervise(ends, limits, addressSpace, job);
     }
     if (fSupervisor < 0) fStartError = errno;
   }
@@ -221,18 +223,15 @@ class TWorker {
   }
 
   bool Finish() {
-    char bytes[1024];
+    TReport report;
     ::fcntl(fReport.Get(), F_SETFL, O_NONBLOCK);
-    const ssize_t size = ::read(fReport.Get(), bytes, sizeof bytes);
-    const auto report =
-        DecodeMessage({bytes, static_cast<std::size_t>(std::max<ssize_t>(size, 0))});
+    fHasLostSupervisor = ::read(fReport.Get(), &report, sizeof report) != sizeof report;
     EndSupervisor();
-    fHasLostSupervisor = !report;
     while (!fIsGivenUp && Receive()) {
     }
     constexpr int mostReads = 16;  // a process that cannot be killed may still write
     for (int i = 0; i < mostReads && (i == 0 || fHasMoreOutput); ++i) ReadOutput();
-    return End(ExplainEnd(report));
+    return End(fHasLostSupervisor ? ExplainEnd({}) : ExplainEnd(report));
   }
 
   bool End(TWorkerEnd end) {
@@ -248,21 +247,20 @@ class TWorker {
     fSupervisor = -1;
   }
 
-  TWorkerEnd ExplainEnd(const std::optional<TMessage>& report) const {
-    if (report && report->fKind == kNotForked) {
-      return {false, "it cannot be started: " + ErrorText(static_cast<int>(report->fNumber))};
-    }
-    const int status = report ? static_cast<int>(report->fNumber) : -1;
-    if (!fIsGivenUp && status == 0) return {true, {}};
+  TWorkerEnd ExplainEnd(const TReport& report) const {
+    if (report.fError != 0) return {false, "it cannot be started: " + ErrorText(report.fError)};
+    if (!fIsGivenUp && report.fStatus == 0) return {true, {}};
     std::string reason = fWhyGivenUp;
-    if (reason.empty()) reason = ExplainStatus(status) + " after " + Seconds();
-    if (report && report->Text(0) != "0") {
-      const std::uint64_t kilobytes = std::strtoull(report->Text(0).c_str(), nullptr, 10);
+    if (reason.empty()) reason = ExplainStatus(report.fStatus) + " after " + Seconds();
+    if (report.fPeakMemory > 0) {
+      const auto kilobytes = static_cast<std::uint64_t>(report.fPeakMemory);
       reason += ", with " + Megabytes(kilobytes << 10U) + " of memory";
     }
-    if (!report) reason += "; its supervisor did not answer";
-    if (report && !report->Text(1).empty()) {
-      reason += "; it cannot be killed and was left behind: " + report->Text(1);
+    if (fHasLostSupervisor) reason += "; its supervisor did not answer";
+    const std::string remaining(report.fRemaining,
+                                ::strnlen(report.fRemaining, sizeof report.fRemaining));
+    if (!remaining.empty()) {
+      reason += "; it cannot be killed and was left behind: " + remaining;
     }
     reason += fHint;
     const std::string said = OnOneLine(fText);
@@ -366,8 +364,11 @@ class TPool {
   const std::list<TWorker>& GetWorkers() const { return fWorkers; }
 
   void Start() {
-    while (fNext != fEnd && fWorkers.size() < kMaxWorkers) {
-      fWorkers.emplace_back(*fNext, fLimits, fDeliveries);
+    if (!CanStart()) return;
+    // Asked for once, not by each worker.
+    const rlim_t addressSpace = fLimits.fMemory != 0 ? AddressSpace() : 0;
+    while (CanStart()) {
+      fWorkers.emplace_back(*fNext, fLimits, addressSpace, fDeliveries);
       if (fWorkers.size() > 1 && fWorkers.back().LacksResources()) {
         fWorkers.pop_back();  // until another one ends
         return;
@@ -396,6 +397,8 @@ class TPool {
   }
 
  private:
+  bool CanStart() const { return fNext != fEnd && fWorkers.size() < kMaxWorkers; }
+
   std::set<pid_t> GetSupervisors() const {
     std::set<pid_t> all;
     for (const TWorker& worker : fWorkers) all.insert(worker.GetSupervisor());
