@@ -6,6 +6,7 @@
 #include <qdxmodel/names.h>
 #include <qdxplugin_host/image.h>
 #include <qdxsystem/error_text.h>
+#include <qdxsystem/heap.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -14,6 +15,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "plugin_file.h"
@@ -24,6 +26,8 @@ namespace {
 
 /// Bytes of memory for a namespace. Those of real machines need a tenth of it.
 constexpr std::size_t kMaxImageMemory = std::size_t{768} << 20U;
+/// Bytes of an image whose namespace takes megabytes.
+constexpr off_t kLargeImage = off_t{256} << 10U;
 
 /// A library that is being asked. It trusts no message.
 class TAnswer {
@@ -122,6 +126,10 @@ class TAnswer {
     }
     ::fcntl(file.Get(), F_ADD_SEALS, F_SEAL_WRITE | F_SEAL_GROW | F_SEAL_SHRINK);
     const std::string name = origin.fNamespace + " of provider " + origin.fProvider;
+    struct stat status {};
+    if (::fstat(file.Get(), &status) == 0 && status.st_size >= kLargeImage) {
+      PrepareHeap(kRoomForNamespace);
+    }
     off_t offset = 0;
     const auto read = [&](char* buffer, std::size_t size) {
       const ssize_t count = ::pread(file.Get(), buffer, size, offset);
@@ -205,10 +213,12 @@ std::vector<TAskedLibrary> AskProviders(const std::vector<TPluginFile>& plugins,
     library.fLoadFailure = Try([&plugin] { CheckPluginFile(plugin.fPath); });
     if (library.fLoadFailure) continue;
     TAnswer& answer = answers.emplace_back(library, request.fNamespace);
-    jobs.push_back({"provider " + plugin.fService,
-                    [&](TSender& sender) { ServeProviders(plugin, request, sender); },
-                    [&answer](TMessage&& message) { answer.Receive(std::move(message)); },
-                    [&answer](const TWorkerEnd& end) { answer.End(end); }});
+    TWorkerJob job{"provider " + plugin.fService,
+                   [&](TSender& sender) { ServeProviders(plugin, request, sender); },
+                   [&answer](TMessage&& message) { answer.Receive(std::move(message)); },
+                   [&answer](const TWorkerEnd& end) { answer.End(end); }};
+    // The provider that takes longest starts first.
+    jobs.insert(plugin.fService == "linux" ? jobs.begin() : jobs.end(), std::move(job));
   }
   jobs.insert(jobs.end(), others.begin(), others.end());
   RunWorkers(jobs, limits, wait);

@@ -9,6 +9,7 @@
 #include <qdxplugin_host/image.h>
 #include <qdxrepository/repository.h>
 #include <qdxsystem/error_text.h>
+#include <qdxsystem/heap.h>
 #include <qdxsystem/unnamed_file.h>
 #include <qdxsystem/write.h>
 
@@ -116,6 +117,8 @@ class TProviderWorker {
   }
 
   void Read(const TOrigin& origin, INamespaceProvider& provider) {
+    // Who asks for one namespace usually needs few of its classes.
+    if (fRequest.fNamespace.empty()) PrepareHeap(kRoomForNamespace);
     boost::shared_ptr<ICIMNamespace> ns;
     bool isOffered = true;
     const bool isOpen = Attempt(origin, "opening", [&] {

@@ -5,6 +5,7 @@
 
 #include <qdxplugin_host/provider_host.h>
 
+#include <cstddef>
 #include <cstdint>
 
 #include "worker_log.h"
@@ -24,6 +25,9 @@ enum EProviderMessage : std::uint8_t {
   kTime,                     ///< Provider; microseconds.
   kDone,                     ///< The last message.
 };
+
+/// Bytes of the heap that a process prepares for a namespace of a machine.
+inline constexpr std::size_t kRoomForNamespace = std::size_t{64} << 20U;
 
 void ServeProviders(const TPluginFile& plugin, const TProviderRequest& request, TSender& sender);
 

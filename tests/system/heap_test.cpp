@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <qdxsystem/heap.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace NVORNQDX20;
+
+constexpr std::size_t kMegabyte = std::size_t{1} << 20U;
+
+bool HasLargePages() {
+  std::ifstream file("/sys/kernel/mm/transparent_hugepage/enabled");
+  std::string text;
+  return std::getline(file, text) && text.find("[never]") == std::string::npos;
+}
+
+long Faults() {
+  rusage usage{};
+  ::getrusage(RUSAGE_SELF, &usage);
+  return usage.ru_minflt;
+}
+
+/// Takes and fills blocks of this size, as many as make `bytes`. Returns whether there is memory.
+bool Fill(std::size_t bytes, std::size_t size) {
+  for (std::size_t taken = 0; taken < bytes; taken += size) {
+    void* volatile block = std::malloc(size);
+    if (block == nullptr) return false;
+    std::memset(block, 1, size);
+  }
+  return true;
+}
+
+/// The end of the heap does not move any more, and few pages are taken one by one.
+bool GrowsOnce(std::size_t size) {
+  const void* const before = ::sbrk(0);
+  PrepareHeap(16 * kMegabyte);
+  const void* const end = ::sbrk(0);
+  PrepareHeap(16 * kMegabyte);  // has room
+  const long faults = Faults();
+  if (!Fill(8 * kMegabyte, size) || ::sbrk(0) != end) return false;
+  const long pages = 8 * static_cast<long>(kMegabyte) / ::sysconf(_SC_PAGESIZE);
+  // A sanitizer has a heap of its own.
+  return end == before || !HasLargePages() || Faults() - faults < pages / 4;
+}
+
+/// With too little address space the heap grows as if nothing had been prepared.
+bool GrowsWithinLimit() {
+  std::ifstream file("/proc/self/statm");
+  rlim_t pages = 0;
+  file >> pages;
+  const rlim_t limit = pages * static_cast<rlim_t>(::sysconf(_SC_PAGESIZE)) + 6 * kMegabyte;
+  const rlimit limits = {limit, limit};
+  ::setrlimit(RLIMIT_AS, &limits);
+  PrepareHeap(16 * kMegabyte);
+  return Fill(4 * kMegabyte, 1000);
+}
+
+// In processes of their own, since a heap cannot be made small again.
+void Exit(bool isGood) { ::_exit(isGood ? 0 : 1); }
+
+TEST(Heap, GrowsOnceInLargePages) {
+  for (const std::size_t size : {24, 1000, 200'000}) {
+    EXPECT_EXIT(Exit(GrowsOnce(size)), ::testing::ExitedWithCode(0), "") << size;
+  }
+}
+
+TEST(Heap, GrowsWithinALimit) {
+  EXPECT_EXIT(Exit(GrowsWithinLimit()), ::testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
