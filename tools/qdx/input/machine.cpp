@@ -102,6 +102,12 @@ TOptionsMap PartOptionsOf(const TArguments& arguments) {
   return options;
 }
 
+/// Keeps them until the process has ended: destroying them object by object would take longer.
+void Keep(const std::vector<TMachineNamespace>& namespaces) {
+  static auto& kept = *new std::vector<TMachineNamespace>;
+  kept.insert(kept.end(), namespaces.begin(), namespaces.end());
+}
+
 void PrintLoadFailures(const std::vector<std::pair<std::string, TProviderFailure>>& failures) {
   for (const auto& [file, failure] : failures) {
     PrintFailure("loading provider " + file, failure.fFailure);
@@ -242,6 +248,7 @@ std::vector<TMachineNamespace> TMachine::Ask(TProviderRequest request) {
   std::sort(fProviders.begin(), fProviders.end(),
             [](const auto& left, const auto& right) { return left.fName < right.fName; });
   std::stable_sort(answers.fNamespaces.begin(), answers.fNamespaces.end(), byProvider);
+  Keep(answers.fNamespaces);
   return WithoutDoubles(std::move(answers.fNamespaces));
 }
 
