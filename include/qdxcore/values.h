@@ -3,19 +3,25 @@
 ///
 /// An instance that makes its values when they are read also implements IValuesOfInstance, so that
 /// what was read need not be kept; one that has texts and numbers in memory implements
-/// IPlainValuesOfInstance. Callers find the interface by dynamic_cast, and otherwise use
-/// ICIMInstance::GetProperty.
+/// IPlainValuesOfInstance, and one that has such keys of references IPlainReferencesOfInstance.
+/// Callers find the interface by dynamic_cast, and otherwise use ICIMInstance::GetProperty.
 #ifndef QDXCORE_VALUES_H_
 #define QDXCORE_VALUES_H_
 
 #include <qdxcore/value.h>
 
 #include <cstddef>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include <boost/function.hpp>
+#include <boost/shared_ptr.hpp>
 
 namespace NVORNQDX20 {
+
+class ICIMClass;
+class ICIMNamespace;
 
 /// Visits a value, which is valid until the callback returns. It may set the property, but not give
 /// up the last reference to the instance.
@@ -50,6 +56,33 @@ class IPlainValuesOfInstance : public IValuesOfInstance {
 
  protected:
   ~IPlainValuesOfInstance() = default;  // never deleted through this interface
+};
+
+/// A key of a reference.
+struct TPlainKey {
+  const std::string* fName = nullptr;  ///< As the class declares it.
+  TCIMValue::TCIMType fType = TCIMValue::TCIMType::kCIMTypeNone;
+  TPlainValue fValue = {};
+};
+
+/// An instance, or a class if there are no keys.
+struct TPlainReference {
+  const ICIMNamespace* fNamespace = nullptr;
+  boost::shared_ptr<ICIMClass> fClass = nullptr;
+  std::vector<TPlainKey> fKeys = {};  ///< In ascending bytewise order of the names.
+};
+
+/// What an instance that also has references at hand without a TCIMValue is.
+class IPlainReferencesOfInstance : public IPlainValuesOfInstance {
+ public:
+  /// Sets `found` to the value of a property, which is valid until the instance is read by name or
+  /// changed. Returns false, with no defined `found`, if that is no reference, or one whose keys
+  /// are not all texts, numbers, booleans or null of these, or not at hand: ReadValue reads it
+  /// then.
+  virtual bool FindPlainReference(std::size_t index, TPlainReference& found) const = 0;
+
+ protected:
+  ~IPlainReferencesOfInstance() = default;  // never deleted through this interface
 };
 
 }  // namespace NVORNQDX20

@@ -171,10 +171,30 @@ void TImageWriter::PutReference(std::string& out, const TCIMReferenceImpl& refer
   out += keys;
 }
 
+bool TImageWriter::PutPlainReference(std::string& out, const TPlainReference& reference) {
+  if (reference.fNamespace != &fNamespace) return false;
+  const TWrittenClass& target = Written(reference.fClass);
+  const std::size_t before = out.size();
+  out += static_cast<char>(kPresent);
+  PutNumber(out, *target.fNumber);
+  PutNumber(out, reference.fKeys.size());
+  for (const TPlainKey& key : reference.fKeys) {
+    const auto found = target.fPositions.find(*key.fName);
+    if (found == target.fPositions.end() || target.fMembers[found->second].fType != key.fType) {
+      out.resize(before);
+      return false;
+    }
+    PutNumber(out, found->second);
+    PutPlain(out, key.fValue, key.fType);
+  }
+  return true;
+}
+
 void TImageWriter::WriteInstances(const TClass& cimClass) {
   const TWrittenClass& written = Written(cimClass);
   std::optional<NModel::TPropertyReader> reader;  // many classes have no instances
   std::string record;
+  TPlainReference reference;
   NModel::ForEachInstance(*cimClass, [&](const ICIMInstance& instance) {
     if (!reader) {
       reader.emplace(*cimClass);
@@ -190,7 +210,8 @@ void TImageWriter::WriteInstances(const TClass& cimClass) {
       TPlainValue plain;
       if (reader->FindPlain(i, plain)) {
         PutPlain(record, plain, property.fType);
-      } else {
+      } else if (!reader->FindPlainReference(i, reference) ||
+                 !PutPlainReference(record, reference)) {
         reader->Read(i, [&](const TCIMValue& value) {
           PutContent(record, value, property.fType, property.fName);
         });

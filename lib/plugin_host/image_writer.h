@@ -95,6 +95,9 @@ class TImageWriter {
   /// A class may refer to itself before it is declared.
   bool IsBeingDeclared(const ICIMClass& cimClass) const;
   void PutReference(std::string& out, const TCIMReferenceImpl& reference, const std::string& where);
+  /// Appends what PutReference() would. Returns false, and appends nothing, if the reference needs
+  /// that.
+  bool PutPlainReference(std::string& out, const TPlainReference& reference);
   void WriteInstances(const TClass& cimClass);
   /// Which properties the instances that follow have.
   void AppendColumns(const TWrittenClass& written, const NModel::TPropertyReader& reader);

@@ -127,6 +127,11 @@ bool TInstance::FindPlainValue(std::size_t slot, TPlainValue& found) const {
   return StoredAt(slot).FindPlain(DeclAt(slot).GetType(), found);
 }
 
+bool TInstance::FindPlainReference(std::size_t slot, TPlainReference& found) const {
+  found.fNamespace = &GetNamespace();
+  return StoredAt(slot).FindPlainReference(found);
+}
+
 std::string TInstance::Description() const {
   TCIMReference path(nullptr, {});
   path.SetClass(fClass.Handle());

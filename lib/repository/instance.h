@@ -22,7 +22,7 @@ class TPropertyDecl;
 
 /// One piece of memory with its values: a namespace can have a million instances. A committed
 /// instance belongs to its class; before that, its handles share it.
-class TInstance final : public ICIMInstance, public IPlainValuesOfInstance {
+class TInstance final : public ICIMInstance, public IPlainReferencesOfInstance {
  public:
   /// REQUIRES: the class is committed.
   static std::unique_ptr<TInstance> Make(TClass& cimClass);
@@ -41,6 +41,7 @@ class TInstance final : public ICIMInstance, public IPlainValuesOfInstance {
                            TOptionsMap options) const override;
   void ReadValue(std::size_t slot, const TValueCallback& callback) const override;
   bool FindPlainValue(std::size_t slot, TPlainValue& found) const override;
+  bool FindPlainReference(std::size_t slot, TPlainReference& found) const override;
 
   /// Like Commit(), but returns false if an instance with the same keys exists. Otherwise the class
   /// owns the instance from now on.

@@ -275,6 +275,21 @@ bool TStoredValue::FindPlain(TType type, TPlainValue& found) const {
   return true;
 }
 
+bool TStoredValue::FindPlainReference(TPlainReference& found) const {
+  if (fKind != kReference) return false;
+  const TStoredReference& stored = *Referred();
+  found.fClass = stored.fClass.Handle();
+  found.fKeys.resize(stored.fCount);
+  TPlainKey* next = found.fKeys.data();
+  for (const TStoredReference::TKey& key : stored) {
+    TPlainKey& plain = *next++;
+    plain.fName = &stored.NameOf(key);
+    plain.fType = stored.TypeOf(key);
+    if (!key.fValue.FindPlain(plain.fType, plain.fValue)) return false;
+  }
+  return true;
+}
+
 void TStoredValue::Keep(std::unique_ptr<TReadValue> read) noexcept {
   TStoredValue kept;
   kept.Point(kRead, read.release());

@@ -92,6 +92,8 @@ class TStoredValue {
   TCIMValue ToValue(TType type, TNamespace& ns) const;
   /// As IPlainValuesOfInstance; also returns false if the value is not set.
   bool FindPlain(TType type, TPlainValue& found) const;
+  /// As IPlainReferencesOfInstance, except for the namespace.
+  bool FindPlainReference(TPlainReference& found) const;
   /// Returns the value in the stored form of values.h. REQUIRES: it is set.
   TCIMValue WithoutOwner(TType type) const { return MakeValue(type, nullptr); }
   /// Returns the value if it is stored as one, else null.

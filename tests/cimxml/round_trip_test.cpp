@@ -140,6 +140,49 @@ TEST(CIMXMLDocument, OmitsTheOwnNamespaceInAnyCase) {
   EXPECT_EQ(Written({ns}).find("LOCALCLASSPATH"), std::string::npos);
 }
 
+std::string Between(const std::string& text, const std::string& begin, const std::string& end) {
+  const std::size_t start = text.find(begin) + begin.size();
+  return text.substr(start, text.find(end, start) - start);
+}
+
+/// The defaults of a class are written from their values.
+TEST(CIMXMLDocument, WritesAReferenceOfAnInstanceAsThatOfItsClass) {
+  const TNamespace ns = MakeNamespace();
+  const TNamespace far = MakeRepositoryNamespace("far");
+  AddClass(ns, "T", {{"Name", ""}, {"Id", ""}});
+  AddClass(ns, "N", {{"Name", ""}, {"Count", 0U}});
+  AddClass(far, "T", {}, {{"Id", ""}});
+  AddClass(ns, "L", {{"To", NullReference(ns, "T")}});
+  const TCIMValue references[] = {ReferenceTo(ns, "T.Name=\"a<b>&c\",Id=\"\x01\""),
+                                  ReferenceTo(ns, "T.Id=\"only\""),
+                                  ReferenceTo(ns, "T"),
+                                  ReferenceTo(ns, "N.Name=\"n\",Count=\"7\""),
+                                  ReferenceTo(far, "T.Id=\"far\""),
+                                  ReferenceTo(ns, "L.To=\"T.Id=\"deep\"\"")};
+  int count = 0;
+  for (const TCIMValue& each : references) {
+    const std::string name = "R" + std::to_string(count++);
+    AddClass(ns, name, {{"Key", each}}, {{"One", each}});
+    AddInstance(ns, name, {{"Key", each}, {"One", each}});
+  }
+  const TLogCapture log;
+  const std::string document = Written({ns});
+  ASSERT_EQ(log.Messages().size(), 1U);
+  EXPECT_NE(log.Messages()[0].find("cimxml: 4 characters "), std::string::npos);
+  while (count-- != 0) {
+    const std::string name = "\"R" + std::to_string(count) + "\"";
+    SCOPED_TRACE(name);
+    const std::string inClass = Between(document, "<CLASS NAME=" + name, "</CLASS>");
+    const std::string start = "<VALUE.REFERENCE>";
+    const std::string value = start + Between(inClass, start, "</PROPERTY.REFERENCE>");
+    const std::string inName = Between(document, "<INSTANCENAME CLASSNAME=" + name, "<INSTANCE ");
+    EXPECT_EQ(inName, "><KEYBINDING NAME=\"Key\">" + value + "</KEYBINDING></INSTANCENAME>\n");
+    const std::string instance = Between(document, "<INSTANCE CLASSNAME=" + name, "</INSTANCE>");
+    EXPECT_EQ(Between(instance, "NAME=\"Key\">", "</PROPERTY.REFERENCE>\n"), value);
+    EXPECT_EQ(Between(instance, "NAME=\"One\">", "</PROPERTY.REFERENCE>\n"), value);
+  }
+}
+
 TEST(CIMXMLDocument, DoesNotDependOnTheOrderOfDeclarations) {
   const auto make = [](const TNames& names) {
     const TNamespace ns = MakeRepositoryNamespace("n");

@@ -93,6 +93,7 @@ TNamespace MakeFilled(std::size_t longest = 20) {
   const auto one = AddClass(ns, "One", {{"Id", ""}}, {{"Two", from}, {"Sub", from}});
   AddClass(ns, "Two", {{"Id", ""}}, {{"One", NullReference(ns, "One")}});
   AddDerived(ns, "OneSub", one, {});
+  AddInstance(ns, "Two", {{"Id", "2"}, {"One", ReferenceTo(ns, "OneSub.Id=\"3\"")}});
   SetReferenceDefault(*one, "Two", NullReference(ns, "Two"));
   SetReferenceDefault(*one, "Sub", NullReference(ns, "OneSub"));
   // The class has the name of one in the other namespace, and values that refer to itself.

@@ -190,6 +190,15 @@ TCIMValue ValueOf(TCIMType type, const TPlainValue& plain) {
   });
 }
 
+std::string PathOf(const TPlainReference& reference) {
+  TCIMReference path(nullptr, {});
+  path.SetClass(reference.fClass);
+  for (const auto& [name, type, value] : reference.fKeys) {
+    path.AddKeyValue(*name, ValueOf(type, value));
+  }
+  return path.GetPath();
+}
+
 TEST(Repository, ReadsTheSameValuesByPosition) {
   const TNamespace ns = MakeFilled();
   AddClass(ns, "T_Plain", {{"Id", 0U}},
@@ -200,14 +209,17 @@ TEST(Repository, ReadsTheSameValuesByPosition) {
                {"Null", kNoText},
                {"Real", -2.5F},
                {"On", false}});
+  AddClass(ns, "T_To", {{"Plain", NullReference(ns, "T_Plain")}});
+  AddInstance(ns, "T_To", {{"Plain", ReferenceTo(ns, "T_Plain.Id=\"7\",Text=\"a\"")}});
   int plains = 0;
-  for (const char* name : {"T_Disk", "T_FastDisk", "T_Link", "T_Chain", "T_Plain"}) {
+  int references = 0;  // without a date-time or a reference as key
+  for (const char* name : {"T_Disk", "T_FastDisk", "T_Link", "T_Chain", "T_Plain", "T_To"}) {
     const auto cimClass = ns->GetClass(name, {});
     std::vector<boost::shared_ptr<ICIMInstance>> instances;
     cimClass->EnumerateInstances(TAddToVectorCallback(instances), false, {});
     ASSERT_FALSE(instances.empty());
     const auto& quick = dynamic_cast<const IValuesOfInstance&>(*instances.front());
-    const auto& bare = dynamic_cast<const IPlainValuesOfInstance&>(*instances.front());
+    const auto& bare = dynamic_cast<const IPlainReferencesOfInstance&>(*instances.front());
     for (int pass = 0; pass < 2; ++pass) {  // the second time after they were read by name
       std::size_t position = 0;
       cimClass->EnumeratePropertyDecls(
@@ -220,6 +232,12 @@ TEST(Repository, ReadsTheSameValuesByPosition) {
               EXPECT_EQ(value, ValueOf(decl->GetType(), plain)) << decl->GetName();
               ++plains;
             }
+            TPlainReference found;
+            if (bare.FindPlainReference(position - 1, found)) {
+              EXPECT_EQ(static_cast<TCIMReference>(value).GetPath(), PathOf(found));
+              EXPECT_EQ(found.fNamespace, ns.get());
+              ++references;
+            }
             EXPECT_EQ(value, instances.front()->GetProperty(decl->GetName(), {})->GetValue());
             EXPECT_EQ(calls, 1);
             return true;
@@ -228,6 +246,7 @@ TEST(Repository, ReadsTheSameValuesByPosition) {
     }
   }
   EXPECT_GT(plains, 10);
+  EXPECT_EQ(references, 2);
 }
 
 TEST(Repository, LetsAReaderSetWhatItReads) {

@@ -84,24 +84,33 @@ class TInstanceWriter {
     const std::size_t replaced = fXML.GetReplaced();
     fXML.Prepared(fNameTag);
     for (std::size_t i = 0; i < fProperties.size(); ++i) {
-      if (IsKey(i)) fValues.Key(fProperties[i], fKeys[i]);
+      if (IsKey(i)) WriteKey(fProperties[i], fKeys[i]);
     }
     fXML.SetReplaced(replaced);  // counted again below
     fXML.Prepared(fInstanceTag);
     for (std::size_t i = 0; i < fProperties.size(); ++i) {
       const TWrittenProperty& property = fProperties[i];
       if (!HasPropertyElement(property.fType)) continue;
-      const auto write = [&](const TCIMValue& value) { fValues.Property(property, value); };
       if (IsKey(i)) {
-        write(fKeys[i]);
+        WriteProperty(property, fKeys[i]);
+      } else if (FindText(i, fText)) {
+        fValues.TextProperty(property, fText);
       } else {
-        fReader.Read(i, write);
+        fReader.Read(i, [&](const TCIMValue& value) { fValues.Property(property, value); });
       }
     }
     fXML.Markup("</INSTANCE></VALUE.NAMEDOBJECT>\n");
   }
 
  private:
+  /// A key of the instance that is being written.
+  struct TKey {
+    enum { kText, kReference, kOther } fKind = kOther;
+    std::string fText = {};
+    TPreparedXML fReference = {};
+    TCIMValue fValue = {};
+  };
+
   bool IsKey(std::size_t property) const {
     const auto& [name, type, isKey] = fReader.GetProperties()[property];
     return isKey && HasPropertyElement(type);
@@ -112,13 +121,54 @@ class TInstanceWriter {
     fKeys.resize(fProperties.size());
     for (std::size_t i = 0; i < fProperties.size(); ++i) {
       if (!IsKey(i)) continue;
-      fReader.Read(i, [&](const TCIMValue& value) { fKeys[i].Set(value); });
-      const char* const obstacle = TValueWriter::ObstacleToKey(fKeys[i]);
+      TKey& key = fKeys[i];
+      if (FindText(i, fText)) {
+        key.fText.assign(fText);  // what is read by name may end it
+        key.fKind = TKey::kText;
+        continue;
+      }
+      if (fReader.FindPlainReference(i, fReference) &&
+          fValues.TryReference(fReference, key.fReference)) {
+        key.fKind = TKey::kReference;
+        continue;
+      }
+      key.fKind = TKey::kOther;
+      fReader.Read(i, [&key](const TCIMValue& value) { key.fValue.Set(value); });
+      const char* const obstacle = TValueWriter::ObstacleToKey(key.fValue);
       if (obstacle == nullptr) continue;
       fValues.LeaveOut(fProperties[i].fName, obstacle);
       return false;
     }
     return true;
+  }
+
+  /// Sets the text of a property if it has one at hand. Most properties are texts.
+  bool FindText(std::size_t property, std::string_view& text) const {
+    TPlainValue plain;
+    if (fProperties[property].fType != TCIMValue::TCIMType::kCIMTypeString) return false;
+    if (!fReader.FindPlain(property, plain) || plain.fIsNull) return false;
+    text = plain.fBytes;
+    return true;
+  }
+
+  void WriteKey(const TWrittenProperty& property, const TKey& key) {
+    if (key.fKind == TKey::kText) {
+      fValues.TextKey(property, key.fText);
+    } else if (key.fKind == TKey::kReference) {
+      fValues.ReferenceKey(property, key.fReference);
+    } else {
+      fValues.Key(property, key.fValue);
+    }
+  }
+
+  void WriteProperty(const TWrittenProperty& property, const TKey& key) {
+    if (key.fKind == TKey::kText) {
+      fValues.TextProperty(property, key.fText);
+    } else if (key.fKind == TKey::kReference) {
+      fValues.ReferenceProperty(property, key.fReference);
+    } else {
+      fValues.Property(property, key.fValue);
+    }
   }
 
   TXMLWriter& fXML;
@@ -127,7 +177,9 @@ class TInstanceWriter {
   std::vector<TWrittenProperty> fProperties;  // in the order of the reader
   TPreparedXML fNameTag;
   TPreparedXML fInstanceTag;
-  std::vector<TCIMValue> fKeys;  // by property, those of the instance that is being written
+  std::vector<TKey> fKeys;     // by property
+  TPlainReference fReference;  // the last one that was found
+  std::string_view fText;      // the last one that was found
 };
 
 void WriteInstances(TXMLWriter& xml, TValueWriter& values, const TArraySizes& sizes,

@@ -115,15 +115,19 @@ void TValueWriter::PropertyAttributes(const std::string& name, const TCIMValue& 
 
 TWrittenProperty TValueWriter::Prepare(const std::string& name, TCIMType type,
                                        const TDeclaredProperty& declared) const {
-  const bool isPlain = !IsArray(type) && type != TCIMType::kCIMTypeReference;
-  TWrittenProperty prepared{name, type, declared, isPlain, {}, {}};
-  if (!isPlain) return prepared;
+  const bool isReference = type == TCIMType::kCIMTypeReference;
+  TWrittenProperty prepared{name, type, declared, !IsArray(type) && !isReference, {}, {}};
+  if (IsArray(type)) return prepared;
   TXMLWriter tag(prepared.fTag);
   tag.Markup("<").Markup(PropertyElement(type));
   TValueWriter(tag, fNamespace, fReaders, fLeftOut)
       .PropertyAttributes(name, TCIMValue(type, 0), {0, declared.fStringKind}, false);
   TXMLWriter key(prepared.fKey);
-  TValueWriter(key, fNamespace, fReaders, fLeftOut).KeyStart(name, type, declared.fStringKind);
+  if (isReference) {
+    key.Markup("<KEYBINDING").Attribute("NAME", name).Markup(">");
+  } else {
+    TValueWriter(key, fNamespace, fReaders, fLeftOut).KeyStart(name, type, declared.fStringKind);
+  }
   return prepared;
 }
 
@@ -132,6 +136,16 @@ void TValueWriter::Property(const TWrittenProperty& property, const TCIMValue& v
     return OtherProperty(property, value);
   fXML.Prepared(property.fTag);
   if (!Scalar(property.fName, value, "><VALUE>", "</VALUE></PROPERTY>\n")) fXML.Markup("/>\n");
+}
+
+void TValueWriter::TextProperty(const TWrittenProperty& property, std::string_view text) {
+  fXML.Prepared(property.fTag).Markup("><VALUE>").Text(text).Markup("</VALUE></PROPERTY>\n");
+}
+
+void TValueWriter::ReferenceProperty(const TWrittenProperty& property,
+                                     const TPreparedXML& reference) {
+  fXML.Prepared(property.fTag).Markup(">").Prepared(reference);
+  fXML.Markup("</PROPERTY.REFERENCE>\n");
 }
 
 bool TValueWriter::Scalar(const std::string& member, const TCIMValue& value,
@@ -189,6 +203,14 @@ void TValueWriter::Key(const TWrittenProperty& property, const TCIMValue& value)
   }
 }
 
+void TValueWriter::TextKey(const TWrittenProperty& property, std::string_view text) {
+  fXML.Prepared(property.fKey).Text(text).Markup("</KEYVALUE></KEYBINDING>");
+}
+
+void TValueWriter::ReferenceKey(const TWrittenProperty& property, const TPreparedXML& reference) {
+  fXML.Prepared(property.fKey).Prepared(reference).Markup("</KEYBINDING>");
+}
+
 void TValueWriter::KeyBinding(const std::string& name, const TCIMValue& value,
                               NDescribe::EStringKind kind) {
   if (const TCIMReference* const reference = value.FindReference()) {
@@ -238,6 +260,27 @@ void TValueWriter::Reference(const TCIMReference& reference) {
   ClassOrInstanceName(reference, hasKeys);
   if (!isOwn) fXML.Markup("</").Markup(path).Markup(">");
   fXML.Markup("</VALUE.REFERENCE>");
+}
+
+bool TValueWriter::TryReference(const TPlainReference& reference, TPreparedXML& prepared) const {
+  constexpr auto text = TCIMType::kCIMTypeString;
+  const auto& keys = reference.fKeys;
+  const bool isPlain = std::all_of(keys.begin(), keys.end(), [](const TPlainKey& key) {
+    return key.fType == text && !key.fValue.fIsNull;
+  });
+  if (!isPlain || keys.empty() || reference.fNamespace != &fNamespace) return false;
+  prepared.fText.clear();
+  prepared.fReplaced = 0;
+  TXMLWriter xml(prepared);
+  TValueWriter values(xml, fNamespace, fReaders, fLeftOut);
+  xml.Markup("<VALUE.REFERENCE><INSTANCENAME");
+  xml.Attribute("CLASSNAME", reference.fClass->GetName({})).Markup(">");
+  for (const TPlainKey& key : keys) {
+    values.KeyStart(*key.fName, text, NDescribe::EStringKind::kText);
+    xml.Text(key.fValue.fBytes).Markup("</KEYVALUE></KEYBINDING>");
+  }
+  xml.Markup("</INSTANCENAME></VALUE.REFERENCE>");
+  return true;
 }
 
 void TValueWriter::ClassOrInstanceName(const TCIMReference& reference, bool hasKeys) {

@@ -5,6 +5,7 @@
 
 #include <qdxcimxml/document_writer.h>
 #include <qdxcore/interfaces.h>
+#include <qdxcore/values.h>
 #include <qdxdescribe/string_kind.h>
 
 #include <string>
@@ -27,9 +28,9 @@ struct TWrittenProperty {
   std::string fName;
   TCIMType fType;
   TDeclaredProperty fDeclared;
-  bool fIsPlain;      ///< A scalar, no reference. Only then there are these:
-  TPreparedXML fTag;  ///< The start tag of its element, without the end of the tag.
-  TPreparedXML fKey;  ///< What comes before its value in the name of an instance.
+  bool fIsPlain;      ///< A scalar, no reference.
+  TPreparedXML fTag;  ///< The start tag of its element, without the end of the tag. Not for arrays.
+  TPreparedXML fKey;  ///< What comes before its value in the name of an instance. Not for arrays.
 };
 
 /// A value that CIM-XML cannot express becomes null, and is counted in `leftOut`.
@@ -58,9 +59,20 @@ class TValueWriter {
                            const TDeclaredProperty& declared) const;
   /// Writes a complete property of an instance.
   void Property(const TWrittenProperty& property, const TCIMValue& value);
+  /// The same for a text.
+  void TextProperty(const TWrittenProperty& property, std::string_view text);
+  /// The same for the reference that TryReference() prepared.
+  void ReferenceProperty(const TWrittenProperty& property, const TPreparedXML& reference);
+  /// Prepares the VALUE.REFERENCE of a reference with keys that are texts. Returns false for any
+  /// other, or one to another namespace.
+  bool TryReference(const TPlainReference& reference, TPreparedXML& prepared) const;
   void NamespacePath(const std::string& name);
   /// Writes a key in the name of an instance. REQUIRES: ObstacleToKey() is null for the value.
   void Key(const TWrittenProperty& property, const TCIMValue& value);
+  /// The same for a text, which has no obstacle.
+  void TextKey(const TWrittenProperty& property, std::string_view text);
+  /// The same for the reference that TryReference() prepared.
+  void ReferenceKey(const TWrittenProperty& property, const TPreparedXML& reference);
   /// Writes the attribute TYPE; not for references.
   void TypeAttribute(TCIMType type, NDescribe::EStringKind kind);
 

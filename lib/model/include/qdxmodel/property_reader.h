@@ -55,12 +55,14 @@ class TPropertyReader {
   /// Chooses the instance, which must live as long as it is read.
   void Begin(const ICIMInstance& instance) {
     fInstance = &instance;
-    fPlain = dynamic_cast<const IPlainValuesOfInstance*>(&instance);
+    fReferences = dynamic_cast<const IPlainReferencesOfInstance*>(&instance);
+    fPlain = fReferences != nullptr ? fReferences
+                                    : dynamic_cast<const IPlainValuesOfInstance*>(&instance);
     fQuick = fPlain != nullptr ? fPlain : dynamic_cast<const IValuesOfInstance*>(&instance);
     // A provider that passes on the instances of another one may declare its class in another
     // order.
     if (fQuick != nullptr && instance.GetClass({}).get() != fClass)
-      fPlain = nullptr, fQuick = nullptr;
+      fReferences = nullptr, fPlain = nullptr, fQuick = nullptr;
   }
 
   /// Sets `found` to the value of a property of GetProperties() if it is a scalar text, number or
@@ -73,6 +75,14 @@ class TPropertyReader {
     // A plug-in may be wrong about the size.
     return fPlain->FindPlainValue(fIndexes[property], found) &&
            (found.fIsNull || size == 0 || found.fBytes.size() == size);
+  }
+
+  /// Sets `found` to the value of a property of GetProperties() if it is a reference that can be
+  /// read without a TCIMValue. Otherwise returns false, and Read() reads it.
+  bool FindPlainReference(std::size_t property, TPlainReference& found) const {
+    return fReferences != nullptr && fIndexes[property] != kNotEnumerated &&
+           fProperties[property].fType == TCIMValue::TCIMType::kCIMTypeReference &&
+           fReferences->FindPlainReference(fIndexes[property], found);
   }
 
   /// Calls `visit(const TCIMValue&)` with the value of a property of GetProperties(), which is
@@ -94,7 +104,8 @@ class TPropertyReader {
   std::vector<std::size_t> fIndexes;
   const ICIMInstance* fInstance = nullptr;
   const IValuesOfInstance* fQuick = nullptr;
-  const IPlainValuesOfInstance* fPlain = nullptr;  // the same
+  const IPlainValuesOfInstance* fPlain = nullptr;           // the same
+  const IPlainReferencesOfInstance* fReferences = nullptr;  // the same
 };
 
 }  // namespace NVORNQDX20::NModel
