@@ -188,7 +188,7 @@ class TSelection {
     if (element || path.find('.') == path.npos) return element;
     TFoundInstances some;
     // The path may name a superclass, as references do, and leave out keys.
-    (void)Try([&] {
+    (void)TryUnlessOutOfMemory([&] {
       const TCIMReference reference(ns, path, {});
       fClassOfPath = reference.GetClass();
       element = FindInstance(*ns, reference);
