@@ -95,7 +95,8 @@ std::string ReasonOf(const soci::soci_error& error, const TLocation& location) {
   return reason.substr(0, reason.find('\n'));
 }
 
-sqlite_api::sqlite3* SQLiteOf(soci::session& session) {
+/// Unchecked by the sanitizer: the database's library does not export the type of its session.
+__attribute__((no_sanitize("vptr"))) sqlite_api::sqlite3* SQLiteOf(soci::session& session) {
   auto* const backend = static_cast<soci::sqlite3_session_backend*>(session.get_backend());
   return backend == nullptr ? nullptr : backend->conn_;
 }
