@@ -59,6 +59,7 @@ class TAdding {
 
   EExitCode Finish() {
     if (fAdded > 0) fStore->UpdateStatistics();
+    fProgress.Show("");
     WriteOutput(Counts() + "\n");
     if (fFailed == 0) return kExitDone;
     return fFailed < fFiles ? kExitPartlyDone : kExitBadInput;

@@ -6,6 +6,7 @@
 
 #include <unistd.h>
 
+#include "progress.h"
 #include "terminal.h"
 
 namespace NVORNQDX20 {
@@ -34,6 +35,7 @@ void SetProgramName(const char* name) { gProgramName = name; }
 const char* GetProgramName() { return gProgramName; }
 
 void PrintError(const std::string& line) {
+  TProgressLine::ClearShown();
   // If this fails, nothing is left to report it.
   (void)WriteAll(STDERR_FILENO, std::string(gProgramName) + ": " + ForTerminal(line) + "\n");
 }

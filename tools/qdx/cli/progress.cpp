@@ -9,11 +9,17 @@
 #include "terminal.h"
 
 namespace NVORNQDX20 {
+namespace {
+
+TProgressLine* gShown = nullptr;
+
+}  // namespace
 
 TProgressLine::TProgressLine() : fIsTerminal(::isatty(STDERR_FILENO) != 0) {}
 
 TProgressLine::~TProgressLine() {
   if (fWidth != 0) Show("");
+  if (gShown == this) gShown = nullptr;  // in the background nothing is shown or cleared
 }
 
 void TProgressLine::Show(const std::string& text) {
@@ -26,6 +32,11 @@ void TProgressLine::Show(const std::string& text) {
   if (width < former) line.append(former - width, ' ');
   std::fputs(("\r" + line + (width == 0 ? "\r" : "")).c_str(), stderr);
   fWidth = width;
+  gShown = width == 0 ? nullptr : this;
+}
+
+void TProgressLine::ClearShown() {
+  if (gShown != nullptr) gShown->Show("");
 }
 
 }  // namespace NVORNQDX20

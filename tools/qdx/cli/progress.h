@@ -20,6 +20,9 @@ class TProgressLine {
   /// Cuts the text off before the last column: a wrapped line cannot be overwritten.
   void Show(const std::string& text);
 
+  /// Clears the line that is shown, if there is one: something else is about to be printed.
+  static void ClearShown();
+
  private:
   const bool fIsTerminal;
   std::size_t fWidth = 0;
