@@ -121,6 +121,9 @@ std::string ShortName(const std::string& name) {
   return CutToWidth(harmless, kLongestName - end.size()) + end;
 }
 
+TJSON OrNull(const std::optional<std::string>& text) { return text ? TJSON(*text) : TJSON(); }
+TJSON OrNull(const std::string& text) { return text.empty() ? TJSON() : TJSON(text); }
+
 std::vector<TOptionSpec> FormOptions() {
   return {{"json", nullptr, "Print one JSON object."}, {"csv", nullptr, "Print CSV (RFC 4180)."}};
 }

@@ -3,6 +3,7 @@
 #ifndef TOOLS_QDX_STORE_FORMAT_ANSWER_H_
 #define TOOLS_QDX_STORE_FORMAT_ANSWER_H_
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,11 @@ struct TAnswer {
 /// Returns a name or a remark for people: what is longer than 255 characters ends with "...", since
 /// a document can have names of any length. It cannot control a terminal.
 std::string ShortName(const std::string& name);
+
+/// Returns null for none.
+TJSON OrNull(const std::optional<std::string>& text);
+/// Returns null for an empty text.
+TJSON OrNull(const std::string& text);
 
 /// The options --json and --csv.
 std::vector<TOptionSpec> FormOptions();

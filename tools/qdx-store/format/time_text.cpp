@@ -99,6 +99,8 @@ TMilliseconds Now() {
   return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
 }
 
+bool IsInFuture(TMilliseconds time) { return time > Now() + 24 * kHour; }
+
 std::string TimeText(TMilliseconds time) {
   TMilliseconds fraction = time % kSecond;
   if (fraction < 0) fraction += kSecond;

@@ -14,6 +14,9 @@ using TMilliseconds = std::int64_t;
 
 TMilliseconds Now();
 
+/// Returns whether the time is later than a day from now: the clocks of hosts may differ by less.
+bool IsInFuture(TMilliseconds time);
+
 /// Returns "2004-03-15T13:30:00Z", with three digits after the point if they are not 0.
 std::string TimeText(TMilliseconds time);
 

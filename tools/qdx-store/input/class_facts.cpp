@@ -28,8 +28,8 @@ bool DeclaresArrayTypes(const ICIMNamespace& ns) {
   return declares;
 }
 
-/// A number for a text that is the same in each process, unlike std::hash.
-std::string DigestOf(std::string_view text) {
+/// Returns a name for a text that is the same in each process, unlike std::hash.
+std::string HashNameOf(std::string_view text) {
   std::uint64_t hash = 0xcbf29ce484222325U;
   for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3U;
   std::array<char, 24> digits{};
@@ -180,7 +180,7 @@ void TNamespaceFacts::AddInstance(const ICIMInstance& instance, TReader& reader)
       values.push_back({i, std::move(text)});
     });
   }
-  const std::string name = reader.fHasKeys ? fTexts.NameOf(className, keys) : DigestOf(all);
+  const std::string name = reader.fHasKeys ? fTexts.NameOf(className, keys) : HashNameOf(all);
   const std::uint32_t object = AddObject(reader, name, std::move(parts));
   if (fExplained.count(Folded(className)) != 0) {
     const std::string& unique = fFacts.fObjects[object].fName;

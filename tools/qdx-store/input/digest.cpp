@@ -1,25 +1,35 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "digest.h"
 
-#include <nettle/sha2.h>
-
+#include <array>
 #include <cstdint>
 
 namespace NVORNQDX20::NStore {
 
-std::string DigestOf(const std::string& bytes) {
-  sha256_ctx context;
-  sha256_init(&context);
-  sha256_update(&context, bytes.size(), reinterpret_cast<const std::uint8_t*>(bytes.data()));
-  std::uint8_t digest[SHA256_DIGEST_SIZE / 2];
-  sha256_digest(&context, sizeof digest, digest);
+TDigest::TDigest() { sha256_init(&fContext); }
+
+void TDigest::Add(std::string_view bytes) {
+  sha256_update(&fContext, bytes.size(), reinterpret_cast<const std::uint8_t*>(bytes.data()));
+}
+
+std::string TDigest::Finish() {
+  std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest{};
+  sha256_digest(&fContext, digest.size(), digest.data());
+  static constexpr char kDigits[] = "0123456789abcdef";
   std::string text;
-  text.reserve(2 * sizeof digest);
+  text.reserve(2 * digest.size());
   for (const std::uint8_t byte : digest) {
-    text += "0123456789abcdef"[byte >> 4U];
-    text += "0123456789abcdef"[byte & 15U];
+    text += kDigits[byte >> 4U];
+    text += kDigits[byte & 15U];
   }
   return text;
+}
+
+std::string ShortDigestOf(std::string_view bytes) {
+  TDigest digest;
+  digest.Add(bytes);
+  constexpr std::size_t kDigits = 32;
+  return digest.Finish().substr(0, kDigits);
 }
 
 }  // namespace NVORNQDX20::NStore

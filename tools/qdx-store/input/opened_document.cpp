@@ -8,7 +8,6 @@
 #include <qdxsystem/write.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
@@ -20,7 +19,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <nettle/sha2.h>
+#include "digest.h"
 
 namespace NVORNQDX20::NStore {
 namespace {
@@ -30,30 +29,6 @@ namespace {
 }
 
 [[noreturn]] void FailToRead() { Fail(kQDXStatusFileSystemError, ErrorText(errno)); }
-
-class TDigest {
- public:
-  TDigest() { sha256_init(&fContext); }
-
-  void Add(std::string_view bytes) {
-    sha256_update(&fContext, bytes.size(), reinterpret_cast<const std::uint8_t*>(bytes.data()));
-  }
-
-  std::string Finish() {
-    std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest{};
-    sha256_digest(&fContext, digest.size(), digest.data());
-    static constexpr char kDigits[] = "0123456789abcdef";
-    std::string text;
-    for (const std::uint8_t byte : digest) {
-      text += kDigits[byte >> 4U];
-      text += kDigits[byte & 15U];
-    }
-    return text;
-  }
-
- private:
-  sha256_ctx fContext{};
-};
 
 TDescriptor Open(const std::string& file) {
   if (file == "-") return TDescriptor(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));

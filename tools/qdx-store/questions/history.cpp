@@ -13,8 +13,6 @@
 namespace NVORNQDX20::NStore {
 namespace {
 
-std::int64_t TimeOf(TMoment moment) { return moment >> kDigestBits; }
-
 /// A value of the host over a time, or the reason why it is missing. Sorted by what it is of, then
 /// by time.
 struct TSpanOfHost {

@@ -9,9 +9,9 @@
 #include <nlohmann/json.hpp>
 
 #include "database/locks.h"
-#include "digest.h"
 #include "host_timelines.h"
 #include "identity_group.h"
+#include "input/digest.h"
 
 namespace NVORNQDX20::NStore {
 namespace {
@@ -19,9 +19,9 @@ namespace {
 using TJSON = nlohmann::json;
 
 std::string DigestOfTexts(const TIdentity& identity) {
-  return DigestOf(TJSON({identity.fUUID, identity.fMachineID, identity.fSerialNumber,
-                         identity.fMaker, identity.fName})
-                      .dump(-1, ' ', false, TJSON::error_handler_t::replace));
+  return ShortDigestOf(TJSON({identity.fUUID, identity.fMachineID, identity.fSerialNumber,
+                              identity.fMaker, identity.fName})
+                           .dump(-1, ' ', false, TJSON::error_handler_t::replace));
 }
 
 std::optional<TKnownHost> Lookup(TDatabase& database, const std::string& digest) {

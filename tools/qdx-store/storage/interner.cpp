@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <map>
 
-#include "digest.h"
+#include "input/digest.h"
 
 namespace NVORNQDX20::NStore {
 namespace {
@@ -74,7 +74,7 @@ std::vector<std::int64_t> TInterner::Intern(const TInternedTable& table,
   const std::size_t columns = table.fColumns.size();
   const std::size_t identifying = columns - table.fAttributes.size();
   for (const TInternedRow& row : rows) {
-    digests.push_back(DigestOf(TextOf(row, 0, identifying)));
+    digests.push_back(ShortDigestOf(TextOf(row, 0, identifying)));
     keys.push_back(table.fName + digests.back() +
                    (identifying < columns ? TextOf(row, identifying, columns) : ""));
     if (fNumbers.count(keys.back()) != 0) continue;

@@ -30,4 +30,8 @@ TMoment MomentOf(std::int64_t microseconds, const std::string& digest) {
   return (milliseconds << kDigestBits) + bits;
 }
 
+TMoment FirstMomentOf(std::int64_t microseconds) {
+  return MomentOf(microseconds, std::string(kDigestDigits, '0'));
+}
+
 }  // namespace NVORNQDX20::NStore

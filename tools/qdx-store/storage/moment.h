@@ -22,6 +22,12 @@ inline constexpr int kDigestBits = 20;
 /// 2199, and kQDXStatusInvalidFormat if the digest has no five hexadecimal digits.
 TMoment MomentOf(std::int64_t microseconds, const std::string& digest);
 
+/// The same for the first moment of a time, whatever the digest.
+TMoment FirstMomentOf(std::int64_t microseconds);
+
+/// Returns the milliseconds since 1970.
+inline std::int64_t TimeOf(TMoment moment) { return moment >> kDigestBits; }
+
 }  // namespace NVORNQDX20::NStore
 
 #endif  // TOOLS_QDX_STORE_STORAGE_MOMENT_H_

@@ -16,8 +16,6 @@ struct TStoredDocument {
   TMoment fMoment;
   std::string fDigest;
   std::string fSight;
-
-  std::int64_t Time() const { return fMoment >> kDigestBits; }
 };
 
 /// The last one first: then no later one has to be asked what it knows.
@@ -30,7 +28,8 @@ std::vector<TStoredDocument> DocumentsOf(TDatabase& database, std::int64_t host,
       5, {host}, [&](const TRow& row) {
         TStoredDocument document = {ToNumber(row[0]), ToNumber(row[1]), ToNumber(row[2]),
                                     row[3].value_or(""), row[4].value_or("")};
-        if (document.Time() < since || document.Time() >= until) return;
+        const std::int64_t time = TimeOf(document.fMoment);
+        if (time < since || time >= until) return;
         documents.push_back(std::move(document));
       });
   return documents;
@@ -57,7 +56,7 @@ std::vector<TRemovedDocument> RemoveDocuments(TDatabase& database, std::int64_t 
   std::set<std::int64_t> identities;
   for (const TStoredDocument& document : DocumentsOf(database, host, since, until)) {
     Remove(database, host, document);
-    removed.push_back({document.Time(), document.fDigest});
+    removed.push_back({TimeOf(document.fMoment), document.fDigest});
     identities.insert(document.fIdentity);
   }
   NameHost(database, host);

@@ -45,8 +45,8 @@ std::optional<std::int64_t> AddDocumentRow(TDatabase& database, TInterner& inter
     values.emplace_back(static_cast<std::int64_t>(number));
   }
   const auto now = std::chrono::system_clock::now().time_since_epoch();
-  values.emplace_back(MomentOf(std::chrono::duration_cast<std::chrono::microseconds>(now).count(),
-                               std::string(kDigestBits / 4, '0')));
+  values.emplace_back(
+      FirstMomentOf(std::chrono::duration_cast<std::chrono::microseconds>(now).count()));
   return database.QueryNumber(
       "INSERT INTO document (host, identity, moment, digest, sight, name, uuid, machine_id,"
       " serial_number, manufacturer, model, tool_version, parts_left_out, has_all_permissions,"
@@ -154,7 +154,7 @@ void TStore::UpdateStatistics() {
 }
 
 std::int64_t TStore::PruneReadings(std::int64_t before) {
-  const TMoment end = MomentOf(before, std::string(kDigestBits / 4, '0'));
+  const TMoment end = FirstMomentOf(before);
   std::int64_t count = 0;
   std::int64_t document = 0;
   // In pieces, so that other writers do not wait, and no statement takes too long.

@@ -10,6 +10,7 @@
 #include "cli/failure.h"
 #include "cli/output.h"
 #include "cli/progress.h"
+#include "format/time_text.h"
 #include "input/document_pool.h"
 #include "opened_store.h"
 #include "storage/store.h"
@@ -17,9 +18,6 @@
 
 namespace NVORNQDX20::NStore {
 namespace {
-
-/// What the clocks of hosts may differ.
-const std::chrono::hours kClockTolerance{24};
 
 const char* const kStandardInput = "-";
 
@@ -100,9 +98,8 @@ class TAdding {
 
   /// Its facts seem newer than those of all documents until then.
   static void WarnOfFuture(const TInputDocument& document) {
-    const auto now = std::chrono::system_clock::now() + kClockTolerance;
-    const auto time = std::chrono::microseconds(document.fFacts->fTime);
-    if (time < now.time_since_epoch()) return;
+    const std::chrono::microseconds time(document.fFacts->fTime);
+    if (!IsInFuture(std::chrono::duration_cast<std::chrono::milliseconds>(time).count())) return;
     Warn(document,
          "its time is in the future: was the clock of its host wrong?"
          " 'qdx-store remove' takes it out again");

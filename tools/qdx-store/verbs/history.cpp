@@ -35,8 +35,6 @@ const char* NameOf(TChange::EChange change) {
   return "changed";
 }
 
-TJSON OrNull(const std::optional<std::string>& text) { return text ? TJSON(*text) : TJSON(); }
-
 std::string LabelOf(const TChange& change) {
   return ShortClassName(change.fClass) + (change.fObject.empty() ? "" : " " + change.fObject);
 }

@@ -21,10 +21,10 @@ constexpr const char* kSilentAfter = "silent-after";
 constexpr int kDefaultDays = 7;
 constexpr std::int64_t kMillisecondsOfDay = std::int64_t{24} * 60 * 60 * 1000;
 
-/// Its clock was wrong, and documents with the right time seem older. Clocks differ a bit.
-bool IsInFuture(const TFleetHost& host) {
+/// Its clock was wrong, and documents with the right time seem older.
+bool IsFromFuture(const TFleetHost& host) {
   const auto last = MillisecondsOf(host.fLastSeen);
-  return last && *last > Now() + kMillisecondsOfDay;
+  return last && IsInFuture(*last);
 }
 
 /// Returns the whole days between the last document of the host and now; 0 if it is in the future.
@@ -72,7 +72,7 @@ std::string RemarksOn(const TFleetHost& host, std::int64_t silentAfter) {
   };
   const std::int64_t days = DaysOfSilence(host);
   if (days > silentAfter) add("silent for " + std::to_string(days) + " days");
-  if (IsInFuture(host)) add("last document from the future");
+  if (IsFromFuture(host)) add("last document from the future");
   if (!host.fClones.empty()) {
     constexpr std::size_t kShown = 3;
     std::string names;
@@ -129,23 +129,20 @@ TAnswer AnswerOf(const std::vector<TFleetHost>& fleet, std::int64_t silentAfter)
       problems.push_back(AsJSON(problem));
       reasons.push_back(TextOf(problem));
     }
-    const auto orNull = [](const std::string& text) {
-      return text.empty() ? TJSON() : TJSON(text);
-    };
     const std::int64_t days = DaysOfSilence(host);
     answer.fRows.push_back({host.fName,
-                            orNull(ProductOf(host)),
-                            orNull(host.fUUID),
-                            orNull(host.fMachineID),
-                            orNull(host.fSerialNumber),
-                            orNull(host.fMaker),
-                            orNull(host.fModel),
+                            OrNull(ProductOf(host)),
+                            OrNull(host.fUUID),
+                            OrNull(host.fMachineID),
+                            OrNull(host.fSerialNumber),
+                            OrNull(host.fMaker),
+                            OrNull(host.fModel),
                             host.fFirstSeen,
                             host.fLastSeen,
                             host.fDocuments,
                             days,
                             days > silentAfter,
-                            IsInFuture(host),
+                            IsFromFuture(host),
                             host.fHasAllPermissions,
                             host.fIsComplete,
                             TJSON(host.fPartsLeftOut),
@@ -153,7 +150,7 @@ TAnswer AnswerOf(const std::vector<TFleetHost>& fleet, std::int64_t silentAfter)
                             problems,
                             reasons,
                             alternating,
-                            orNull(RemarksOn(host, silentAfter))});
+                            OrNull(RemarksOn(host, silentAfter))});
   }
   if (fleet.empty()) answer.fRemarks.emplace_back("no hosts");
   return answer;

@@ -18,9 +18,6 @@ namespace {
 
 using TColumn = TAnswerColumn;
 
-TJSON OrNull(const std::optional<std::string>& text) { return text ? TJSON(*text) : TJSON(); }
-TJSON OrNull(const std::string& text) { return text.empty() ? TJSON() : TJSON(text); }
-
 std::string NameOf(const TModel& model) {
   if (!model.HasName()) return "an unknown product";
   return ShortName(model.fMaker + (model.fMaker.empty() || model.fName.empty() ? "" : " ") +
