@@ -69,7 +69,7 @@ bool GrowsWithinLimit() {
 void Exit(bool isGood) { ::_exit(isGood ? 0 : 1); }
 
 TEST(Heap, GrowsOnceInLargePages) {
-  for (const std::size_t size : {24, 1000, 200'000}) {
+  for (const std::size_t size : {std::size_t{24}, std::size_t{1000}, std::size_t{200'000}}) {
     EXPECT_EXIT(Exit(GrowsOnce(size)), ::testing::ExitedWithCode(0), "") << size;
   }
 }
