@@ -143,7 +143,7 @@ boost::shared_ptr<ICIMInstance> TClass::GetInstance(const TCIMReference& path, T
   std::vector<TWantedKey> many(bindings.size() > std::size(few) ? bindings.size() : 0);
   TWantedKey* const keys = many.empty() ? few : many.data();
   for (const auto& [name, value] : bindings) {
-    const auto slot = fProperties.Position(name);
+    const std::size_t slot = FindSlot(name);
     const auto key = std::find(GetKeySlots().begin(), GetKeySlots().end(), slot);
     if (key == GetKeySlots().end() || value.IsNull() || value.GetType() != DeclAt(*key).GetType()) {
       return nullptr;
@@ -210,7 +210,7 @@ boost::shared_ptr<ICIMInstance> TClass::CopyInstance(const TInstance& source) {
   if (fIsAbstract || !HasSlotsOf(source.GetOwner())) return nullptr;
   std::unique_ptr<TInstance> copy = TInstance::Make(*this);
   for (std::size_t slot = 0; slot < source.GetOwner().SlotCount(); ++slot) {
-    copy->Store(slot, CopyValue(source, slot));
+    copy->Store(slot, [&](TStoredValue& stored) { stored = CopyValue(source, slot); });
   }
   copy->Commit({});
   return copy.release()->Handle();  // the class owns it now
@@ -239,9 +239,9 @@ TStoredValue TClass::CopyValue(const TInstance& source, std::size_t slot) const 
 }
 
 std::size_t TClass::SlotOf(const std::string& name) const {
-  const auto slot = fProperties.Position(name);
-  if (!slot) throw NotFound(*this, "property", name);
-  return *slot;
+  const std::size_t slot = FindSlot(name);
+  if (slot == kNoSlot) throw NotFound(*this, "property", name);
+  return slot;
 }
 
 const TCIMValue& TClass::InitialValueAt(std::size_t slot) const {

@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -93,9 +92,9 @@ class TClass final : public ICIMClass,
   std::size_t SlotCount() const { return fProperties.Size(); }
   /// Throws kQDXStatusNotFound if the class has no such property.
   std::size_t SlotOf(const std::string& name) const;
-  std::optional<std::size_t> FindSlot(const std::string& name) const {
-    return fProperties.Position(name);
-  }
+  /// Returns kNoSlot if the class has no such property.
+  std::size_t FindSlot(const std::string& name) const { return fProperties.Position(name); }
+  static constexpr std::size_t kNoSlot = TNameTable<TPropertyDecl>::kNone;
   TPropertyDecl& DeclAt(std::size_t slot) const { return fProperties.At(slot); }
   /// REQUIRES: this class has a static value for the slot.
   const TCIMValue& ValueAt(std::size_t slot) const { return fStaticValues.at(slot); }

@@ -104,7 +104,7 @@ void TInstance::SetPropertyValue(const std::string& name, const TCIMValue& value
   }
   const TPropertyDecl& decl = DeclAt(slot);
   RequireType(value.GetType(), decl.GetType(), decl);
-  Store(slot, TStoredValue(value, fClass));
+  Store(slot, [&](TStoredValue& stored) { stored.Set(value, fClass); });
 }
 
 void TInstance::EnumerateProperties(const TEnumerationCallback<ICIMProperty>& callback,

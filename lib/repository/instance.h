@@ -57,9 +57,14 @@ class TInstance final : public ICIMInstance, public IPlainReferencesOfInstance {
   TCIMValue BoundValueAt(std::size_t slot) const;
   /// What is stored; not set if the instance has the value of its class.
   const TStoredValue& StoredAt(std::size_t slot) const { return Values()[slot]; }
-  /// Sets a value of the declared type.
-  void Store(std::size_t slot, TStoredValue&& value) {
+  /// Stores a value of the declared type: `set` sets it in the TStoredValue that it is called with,
+  /// and changes nothing if it throws.
+  template <typename TSet>
+  void Store(std::size_t slot, const TSet& set) {
     TStoredValue& stored = Values()[slot];
+    if (!stored.IsSet()) return set(stored);
+    TStoredValue value;
+    set(value);
     if (stored.FindRead() == nullptr) {
       stored = std::move(value);
     } else {

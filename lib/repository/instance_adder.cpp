@@ -48,20 +48,21 @@ void TInstanceAdder::Begin() {
 
 bool TInstanceAdder::Set(std::size_t position, const TCIMValue& value) {
   if (value.GetType() != fParts->TypeAt(position)) return false;
-  fParts->fInstance->Store(position, TStoredValue(value, *fParts->fClass));
+  fParts->fInstance->Store(position,
+                           [&](TStoredValue& stored) { stored.Set(value, *fParts->fClass); });
   return true;
 }
 
 bool TInstanceAdder::SetText(std::size_t position, std::string_view text) {
   if (fParts->TypeAt(position) != TCIMValue::TCIMType::kCIMTypeString) return false;
-  fParts->fInstance->Store(position, TStoredValue::Text(text));
+  fParts->fInstance->Store(position, [text](TStoredValue& stored) { stored.SetText(text); });
   return true;
 }
 
 bool TInstanceAdder::SetNumber(std::size_t position, std::string_view bytes) {
   const std::size_t size = NModel::SizeOfNumber(fParts->TypeAt(position));
   if (size == 0 || size != bytes.size()) return false;
-  fParts->fInstance->Store(position, TStoredValue::Number(bytes));
+  fParts->fInstance->Store(position, [bytes](TStoredValue& stored) { stored.SetNumber(bytes); });
   return true;
 }
 
@@ -73,17 +74,18 @@ bool TInstanceAdder::SetReference(std::size_t position, const ICIMInstance& targ
       &instance.GetNamespace() != &fParts->fClass->GetNamespace() || !instance.IsCommitted()) {
     return false;
   }
-  fParts->fInstance->Store(position, TStoredValue::ReferenceTo(instance));
+  fParts->fInstance->Store(
+      position, [&](TStoredValue& stored) { stored = TStoredValue::ReferenceTo(instance); });
   return true;
 }
 
 void TInstanceAdder::SetNull(std::size_t position) {
-  fParts->fInstance->Store(position, TStoredValue::Null());
+  fParts->fInstance->Store(position, [](TStoredValue& stored) { stored.SetNull(); });
 }
 
 bool TInstanceAdder::SetTime(std::size_t position, const TCIMDateTime& time) {
   if (fParts->TypeAt(position) != TCIMValue::TCIMType::kCIMTypeDateTime) return false;
-  fParts->fInstance->Store(position, TStoredValue::Time(time));
+  fParts->fInstance->Store(position, [&time](TStoredValue& stored) { stored.SetTime(time); });
   return true;
 }
 

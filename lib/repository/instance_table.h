@@ -25,7 +25,9 @@ class TWantedKey {
   /// The value, which is not null, must outlive this object. Throws like TStoredValue.
   void Set(const TCIMValue& value, const TClass& user) {
     fText = value.FindString();
-    if (fText == nullptr) fStored = TStoredValue(value, user);
+    if (fText != nullptr) return;
+    fStored = TStoredValue();
+    fStored.Set(value, user);
   }
 
   void AddTo(NModel::THasher& hasher, TStoredValue::TType type) const {

@@ -23,7 +23,11 @@ class TNameTable {
   std::size_t Size() const { return fElements.size(); }
   TElement& At(std::size_t position) const { return *fElements[position]; }
 
-  std::optional<std::size_t> Position(std::string_view name) const {
+  /// Returned where there is no such element. A std::optional would be passed through memory, and
+  /// reading it back as a whole waits for its parts: that took longer than the rest of a look-up.
+  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+  std::size_t Position(std::string_view name) const {
     // Most callers go through the elements in their order, and spell the names as declared.
     if (IsAt(fLast + 1, name)) return ++fLast;
     return PositionElsewhere(name);
@@ -31,8 +35,8 @@ class TNameTable {
 
   /// Returns null if there is no element with this name.
   TElement* Find(std::string_view name) const {
-    const std::optional<std::size_t> position = Position(name);
-    return position ? fElements[*position] : nullptr;
+    const std::size_t position = Position(name);
+    return position == kNone ? nullptr : fElements[position];
   }
 
   /// Returns false and does nothing if the name is taken.
@@ -63,13 +67,12 @@ class TNameTable {
   }
 
   /// Not inline: Position() would save registers for it at each call.
-  [[gnu::noinline]] std::optional<std::size_t> PositionElsewhere(std::string_view name) const {
+  [[gnu::noinline]] std::size_t PositionElsewhere(std::string_view name) const {
     // Others ask for an element twice, or begin again.
     if (IsAt(fLast, name)) return fLast;
     if (IsAt(0, name)) return fLast = 0;
     const std::optional<std::size_t> position = PositionOf(name, fHash(name));
-    if (position) fLast = *position;
-    return position;
+    return position ? fLast = *position : kNone;
   }
 
   std::optional<std::size_t> PositionOf(std::string_view name, std::size_t hash) const {

@@ -126,9 +126,10 @@ struct TStoredValue::TArray {
     void* const memory = ::operator new(sizeof(TArray) + room * sizeof(TStoredValue));
     return new (memory) TArray{maxSize, 0};
   }
-  /// REQUIRES: there is room.
-  void Add(TStoredValue&& value) noexcept {
-    new (end()) TStoredValue(std::move(value));
+  /// Makes an element of the arguments. REQUIRES: there is room.
+  template <typename... TArguments>
+  void Add(TArguments&&... arguments) {
+    new (end()) TStoredValue(std::forward<TArguments>(arguments)...);
     ++fCount;
   }
 
@@ -141,24 +142,19 @@ struct TStoredValue::TLongText {
   char fText[sizeof(std::size_t)];  // as many as the size says
 };
 
-// Delegates, so that a part that fails leaves no memory behind: this object is complete by then.
-TStoredValue::TStoredValue(const TCIMValue& value, const TClass& user) : TStoredValue() {
+void TStoredValue::Set(const TCIMValue& value, const TClass& user) {
   if (value.IsNull()) {
-    if (value.GetMaxArraySize() == 0 && !value.GetReferencedClass()) {
-      fKind = kNull;
-    } else {
-      Box(WeakCopy(value, user));
-    }
-    return;
+    const bool isBare = value.GetMaxArraySize() == 0 && !value.GetReferencedClass();
+    return isBare ? SetNull() : Box(WeakCopy(value, user));
   }
   NModel::VisitType(value.GetType(), [&](auto native) {
     using T = typename decltype(native)::TType;
     if constexpr (std::is_arithmetic_v<T>) {
-      *this = Number(static_cast<T>(value));
+      SetNumber(static_cast<T>(value));
     } else if constexpr (std::is_same_v<T, std::string>) {
-      *this = Text(*value.FindString());
+      SetText(*value.FindString());
     } else if constexpr (std::is_same_v<T, TCIMDateTime>) {
-      *this = Time(static_cast<TCIMDateTime>(value));
+      SetTime(static_cast<TCIMDateTime>(value));
     } else if constexpr (std::is_same_v<T, TCIMReference>) {
       SetReference(value, user);
     } else {
@@ -167,31 +163,21 @@ TStoredValue::TStoredValue(const TCIMValue& value, const TClass& user) : TStored
   });
 }
 
-TStoredValue TStoredValue::Null() noexcept {
-  TStoredValue stored;
-  stored.fKind = kNull;
-  return stored;
+void TStoredValue::SetTime(const TCIMDateTime& time) {
+  Point(kTime, new TCIMDateTimeImpl(*time.GetBody()));
 }
 
-TStoredValue TStoredValue::Time(const TCIMDateTime& time) {
-  TStoredValue stored;
-  stored.Point(kTime, new TCIMDateTimeImpl(*time.GetBody()));
-  return stored;
-}
-
-TStoredValue TStoredValue::Text(std::string_view text) {
-  TStoredValue stored;
+void TStoredValue::SetText(std::string_view text) {
   if (text.size() <= kMaxShortText) {
-    std::memcpy(stored.fBytes, text.data(), text.size());
-    stored.fSize = static_cast<std::uint8_t>(text.size());
-    stored.fKind = kShortText;
-    return stored;
+    std::memcpy(fBytes, text.data(), text.size());
+    fSize = static_cast<std::uint8_t>(text.size());
+    fKind = kShortText;
+    return;
   }
   auto* const copy = static_cast<TLongText*>(::operator new(sizeof(std::size_t) + text.size()));
   copy->fSize = text.size();
   std::memcpy(copy->fText, text.data(), text.size());
-  stored.Point(kLongText, copy);
-  return stored;
+  Point(kLongText, copy);
 }
 
 TStoredValue TStoredValue::ReferenceTo(const TInstance& instance) {
@@ -226,7 +212,8 @@ TStoredValue TStoredValue::CopyTo(TType type, const TNamespace& target) const {
       std::memcpy(static_cast<void*>(&copy), static_cast<const void*>(this), sizeof copy);
       break;
     case kLongText:
-      return Text(TextOf());
+      copy.SetText(TextOf());
+      break;
     case kTime:
       copy.Point(kTime, new TCIMDateTimeImpl(*Target<const TCIMDateTimeImpl>()));
       break;
@@ -252,11 +239,13 @@ TStoredValue TStoredValue::CopyReferenceTo(const TNamespace& target) const {
   TStoredValue copy;
   copy.Point(kReference, TStoredReference::Make(*cimClass, stored.fCount));
   for (const TStoredReference::TKey& key : stored) {
-    const auto slot = cimClass->FindSlot(stored.NameOf(key));
-    if (!slot || cimClass->DeclAt(*slot).GetType() != stored.TypeOf(key)) return {};
+    const std::size_t slot = cimClass->FindSlot(stored.NameOf(key));
+    if (slot == TClass::kNoSlot || cimClass->DeclAt(slot).GetType() != stored.TypeOf(key)) {
+      return {};
+    }
     TStoredValue value = key.fValue.CopyTo(stored.TypeOf(key), target);
     if (!value.IsSet()) return {};
-    copy.Referred()->Add(*slot, std::move(value));
+    copy.Referred()->Add(slot, std::move(value));
   }
   return copy;
 }
@@ -426,8 +415,10 @@ void TStoredValue::SetArray(const TCIMValue& value, const TClass& user) {
                        std::all_of(elements.begin(), elements.end(),
                                    [&](const TCIMValue& each) { return each.GetType() == type; });
   if (!isPlain) return Box(WeakCopy(value, user));
-  Point(kArray, TArray::Make(value.GetMaxArraySize(), elements.size()));
-  for (const TCIMValue& each : elements) Elements()->Add(TStoredValue(each, user));
+  TStoredValue array;
+  array.Point(kArray, TArray::Make(value.GetMaxArraySize(), elements.size()));
+  for (const TCIMValue& each : elements) array.Elements()->Add(each, user);
+  Take(array);
 }
 
 void TStoredValue::SetReference(const TCIMValue& value, const TClass& user) {
@@ -435,10 +426,12 @@ void TStoredValue::SetReference(const TCIMValue& value, const TClass& user) {
   TClass* const target = OwnClass(reference.GetClass(), user);
   // A class of another namespace, and options, need the owners that only a TCIMReference has.
   if (target == nullptr || !reference.GetOptions().empty()) return Box(WeakCopy(value, user));
-  Point(kReference, TStoredReference::Make(*target, reference.GetKeyBindings().size()));
+  TStoredValue stored;
+  stored.Point(kReference, TStoredReference::Make(*target, reference.GetKeyBindings().size()));
   for (const auto& [name, key] : reference.GetKeyBindings()) {
-    Referred()->Add(target->SlotOf(name), TStoredValue(key, user));
+    stored.Referred()->Add(target->SlotOf(name), TStoredValue(key, user));
   }
+  Take(stored);
 }
 
 }  // namespace NVORNQDX20::NRepository

@@ -50,7 +50,7 @@ class TStoredValue {
   TStoredValue() noexcept = default;
   /// Stores a value for an instance of `user`. Throws what WeakCopy() throws, and
   /// kQDXStatusNotFound for a key that the class of a reference does not declare.
-  TStoredValue(const TCIMValue& value, const TClass& user);
+  TStoredValue(const TCIMValue& value, const TClass& user) { Set(value, user); }
   TStoredValue(TStoredValue&& other) noexcept { Take(other); }
   TStoredValue& operator=(TStoredValue&& other) noexcept {
     if (this == &other) return *this;
@@ -62,26 +62,24 @@ class TStoredValue {
     if (OwnsMemory()) Destroy();
   }
 
-  static TStoredValue Null() noexcept;
-  static TStoredValue Text(std::string_view text);
-  /// A reference to a committed instance, for another one of its namespace.
-  static TStoredValue ReferenceTo(const TInstance& instance);
-  static TStoredValue Time(const TCIMDateTime& time);
+  // These store a value in place, where moving one that was just made would wait until all its
+  // parts are written. REQUIRES: none is set; a failure changes nothing.
+
+  /// As the constructor.
+  void Set(const TCIMValue& value, const TClass& user);
+  void SetNull() noexcept { fKind = kNull; }
+  void SetText(std::string_view text);
+  void SetTime(const TCIMDateTime& time);
   template <typename TNumber>
-  static TStoredValue Number(TNumber number) noexcept {
+  void SetNumber(TNumber number) noexcept {
     static_assert(std::is_arithmetic_v<TNumber>);
-    TStoredValue stored;
-    std::memcpy(stored.fBytes, &number, sizeof number);
-    stored.fKind = kNumber;
-    return stored;
+    SetBytes(&number, sizeof number);
   }
   /// The same from the bytes of the native type, of which there are at most eight.
-  static TStoredValue Number(std::string_view bytes) noexcept {
-    TStoredValue stored;
-    std::memcpy(stored.fBytes, bytes.data(), bytes.size());
-    stored.fKind = kNumber;
-    return stored;
-  }
+  void SetNumber(std::string_view bytes) noexcept { SetBytes(bytes.data(), bytes.size()); }
+
+  /// Returns a reference to a committed instance, for another one of its namespace.
+  static TStoredValue ReferenceTo(const TInstance& instance);
   bool IsSet() const noexcept { return fKind != kUnset; }
   bool IsNull() const noexcept;
   /// Returns the same value for another namespace, with references to its classes of the same
@@ -160,6 +158,11 @@ class TStoredValue {
   bool IsBoxedText() const noexcept { return Boxed()->FindString() != nullptr; }
   /// REQUIRES: the value is a text.
   std::string_view TextOf() const noexcept;
+  void SetBytes(const void* bytes, std::size_t size) noexcept {
+    std::memset(fBytes, 0, sizeof fBytes);
+    std::memcpy(fBytes, bytes, size);
+    fKind = kNumber;
+  }
   void Box(TCIMValue&& value);
   void Destroy() noexcept;
   void Take(TStoredValue& other) noexcept {

@@ -249,6 +249,22 @@ TEST(Repository, ReadsTheSameValuesByPosition) {
   EXPECT_EQ(references, 2);
 }
 
+TEST(Repository, KeepsTheValueThatARefusedOneWouldReplace) {
+  const TNamespace ns = MakeNamespace();
+  AddClass(ns, "T_A", {{"Id", 0U}});
+  AddClass(ns, "T_Link", {{"Name", ""}}, {{"To", NullReference(ns, "T_A")}});
+  const auto link = ns->GetClass("T_Link", {})->CreateInstance({});
+  const TCIMValue good = ReferenceTo(ns, "T_A.Id=\"1\"");
+  TCIMReference path(ns, "T_A.Id=\"1\"", TOptionsMap());
+  path.GetBody()->BindKey("Undeclared", TCIMValue(2U));
+  const TCIMValue refused(path);
+  EXPECT_QDX_STATUS(link->SetPropertyValue("To", refused, {}), kQDXStatusNotFound);
+  EXPECT_TRUE(link->GetProperty("To", {})->GetValue().IsNull());
+  link->SetPropertyValue("To", good, {});
+  EXPECT_QDX_STATUS(link->SetPropertyValue("To", refused, {}), kQDXStatusNotFound);
+  EXPECT_EQ(link->GetProperty("To", {})->GetValue(), good);
+}
+
 TEST(Repository, LetsAReaderSetWhatItReads) {
   const TNamespace ns = MakeNamespace();
   const auto none = [](unsigned size) { return TCIMValue(TCIMType::kCIMTypeString, size); };
