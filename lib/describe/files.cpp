@@ -37,8 +37,8 @@ TDescriptor NotOpened(int error) {
   return TDescriptor(-1);
 }
 
-/// Returns whether it is a name in a folder, and neither the folder itself nor its parent.
-bool IsEntry(std::string_view name) { return !name.empty() && name != "." && name != ".."; }
+/// Returns whether it is a name in a folder, or the folder itself, and not its parent.
+bool IsEntry(std::string_view name) { return !name.empty() && name != ".."; }
 
 TReason ReasonOf(int error) {
   return {ErrorText(error), MeansAbsent(error) ? TReason::kAbsence : TReason::kError};
@@ -116,6 +116,10 @@ class TFiles::TRoot {
   /// Opens a folder to list it.
   TDescriptor OpenFolder(const std::string& path) const {
     const int flags = O_RDONLY | O_DIRECTORY | O_NONBLOCK;
+    const TFolder* const known = fIsThisMachine ? nullptr : FindFolder(path + '/');
+    if (known != nullptr && known->fError == 0) {
+      return TDescriptor(::openat(known->fDescriptor.Get(), ".", flags | O_CLOEXEC));
+    }
     const TPlace place = FindPlace(path);
     if (place.fFolder >= 0) {
       TDescriptor folder(::openat(place.fFolder, place.fName, flags | O_NOFOLLOW | O_CLOEXEC));
@@ -136,6 +140,9 @@ class TFiles::TRoot {
     if (place.fFolder >= 0) {
       if (::fstatat(place.fFolder, place.fName, &status, AT_SYMLINK_NOFOLLOW) != 0) return errno;
       if (!S_ISLNK(status.st_mode)) return 0;
+      // Most links of sysfs lead to a folder, and what is in there is asked for next.
+      const TFolder* const target = FolderAt(path + '/', EKind::kLink);
+      if (target != nullptr && target->fError != ENOTDIR) return target->fError;
     }
     return Open(path, O_PATH).GetError();
   }
@@ -186,6 +193,8 @@ class TFiles::TRoot {
   }
 
  private:
+  enum class EKind { kFolder, kLink };
+
   /// A folder, or the errno by which there is none.
   struct TFolder {
     std::string fPath;  // ends in a slash
@@ -209,14 +218,20 @@ class TFiles::TRoot {
     const char* const name = path.c_str() + slash + 1;
     if (!IsEntry(name)) return {};
     const std::string_view folderPath(path.data(), slash + 1);
-    const TFolder* folder = FindFolder(folderPath);
-    if (folder == nullptr) {
-      TDescriptor opened = OpenToSearch(folderPath);
-      const int error = opened.GetError();
-      if (error != 0 && !MeansAbsent(error)) return {};
-      folder = Remember({std::string(folderPath), std::move(opened), error, ++fUses});
-    }
+    const TFolder* const folder = FolderAt(folderPath, EKind::kFolder);
+    if (folder == nullptr) return {};
     return {folder->fDescriptor.Get(), name, folder->fError};
+  }
+
+  /// The path ends in a slash; the kind is the likely one. Returns null if the folder is there, or
+  /// may be there, and cannot be opened. Valid until the next Remember().
+  const TFolder* FolderAt(std::string_view path, EKind kind) const {
+    if (const TFolder* const found = FindFolder(path)) return found;
+    TDescriptor opened =
+        kind == EKind::kLink ? Open(std::string(path), O_PATH | O_DIRECTORY) : OpenToSearch(path);
+    const int error = opened.GetError();
+    if (error != 0 && !MeansAbsent(error)) return nullptr;
+    return Remember({std::string(path), std::move(opened), error, ++fUses});
   }
 
   /// Returns null for a folder in which nothing was looked for lately. Valid until the next

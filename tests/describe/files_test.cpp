@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxdescribe/files.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <fstream>
+#include <functional>
 #include <iostream>
+#include <numeric>
 
 #include <linux/filter.h>
 #include <linux/seccomp.h>
@@ -142,6 +145,56 @@ bool ForbidOpenat2() {
   const sock_fprog program{std::size(filter), filter};
   return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
          ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
+
+/// What is found in a folder is kept, so each operation is tried after each other one.
+TEST_F(Files, AreTheSameWhateverWasReadBefore) {
+  fTree.Write("real/f", "text\n");
+  fs::create_directory(fTree.Path() / "all");
+  const std::pair<const char*, std::string> links[] = {
+      {"all/in", "../real"},      {"all/out", fOutside.Path().string()},
+      {"all/lost", "nowhere"},    {"all/file", "../real/f"},
+      {"all/circle", "circle/x"}, {"all/again", "in"}};
+  for (const auto& [name, target] : links) Link(target, name);
+  std::vector<std::string> paths = {"/real", "/real/f", "/none", "/"};
+  for (const auto& [name, target] : links) {
+    for (const char* below : {"", "/.", "/f", "/../real/f"}) {
+      paths.push_back("/" + std::string(name) + below);
+    }
+  }
+  using TOperation = std::function<std::string(const TFiles&, const std::string&)>;
+  const TOperation operations[] = {
+      [](const TFiles& files, const std::string& path) { return TextOf(files.ReadLine(path)); },
+      [](const TFiles& files, const std::string& path) { return TextOf(files.ReadLink(path)); },
+      [](const TFiles& files, const std::string& path) {
+        return TextOf(files.List(path).map([](const std::vector<std::string>& names) {
+          return std::accumulate(names.begin(), names.end(), std::string("has"));
+        }));
+      },
+      [](const TFiles& files, const std::string& path) {
+        return TextOf(files.Exists(path).map(
+            [](bool exists) -> std::string { return exists ? "is there" : "is absent"; }));
+      }};
+  const TRequest tree{fTree.Path().string(), {}};
+  std::vector<std::string> expected;
+  for (const std::string& path : paths) {
+    for (const TOperation& read : operations) expected.push_back(read(TFiles(tree), path));
+  }
+  EXPECT_EQ(std::count(expected.begin(), expected.end(), "text"), 6);
+  EXPECT_EQ(std::count(expected.begin(), expected.end(), "is there"), 12);
+  EXPECT_EQ(std::count(expected.begin(), expected.end(), "outside"), 0);
+  for (const std::string& first : paths) {
+    for (const TOperation& read : operations) {
+      auto next = expected.begin();
+      for (const std::string& second : paths) {
+        for (const TOperation& readNext : operations) {
+          const TFiles files(tree);
+          (void)read(files, first);
+          EXPECT_EQ(readNext(files, second), *next++) << second << " after " << first;
+        }
+      }
+    }
+  }
 }
 
 TEST_F(Files, WithoutOpenat2LinksLeadToTheSameFiles) {
