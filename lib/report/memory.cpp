@@ -81,6 +81,12 @@ std::string TextOf(const TModules& modules) {
   return text;
 }
 
+/// Returns for example "1 corrected error"; empty for none.
+std::string ErrorsOf(const TNumber& count, const std::string& kind) {
+  if (count.value_or(0) == 0) return "";
+  return std::to_string(*count) + " " + kind + (*count == 1 ? " error" : " errors");
+}
+
 }  // namespace
 
 THTML Memory(const TSummary& summary, const TRecords& records) {
@@ -94,15 +100,14 @@ THTML Memory(const TSummary& summary, const TRecords& records) {
     texts.push_back(std::to_string(*memory.fFreeSlots) + " of " + std::to_string(*memory.fSlots) +
                     " slots free");
   }
-  if (memory.fCorrectedErrors && *memory.fCorrectedErrors != 0) {
-    texts.push_back(std::to_string(*memory.fCorrectedErrors) + " corrected errors");
+  const std::string errors = Joined({ErrorsOf(memory.fCorrectedErrors, "corrected"),
+                                     ErrorsOf(memory.fUncorrectedErrors, "uncorrected")},
+                                    "; ");
+  THTML html;
+  if (!texts.empty() || !errors.empty()) {
+    html = Element("p", "",
+                   Link({}, Joined(texts, "; ")) + " " + TextElement("strong", "bad", errors));
   }
-  if (memory.fUncorrectedErrors && *memory.fUncorrectedErrors != 0) {
-    texts.push_back(std::to_string(*memory.fUncorrectedErrors) + " uncorrected errors");
-  }
-  std::string joined;
-  for (const std::string& text : texts) joined += (joined.empty() ? "" : "; ") + text;
-  THTML html = joined.empty() ? "" : TextElement("p", "", joined);
   if (memory.fBytes && memory.fAvailableBytes && *memory.fBytes > 0) {
     const auto all = static_cast<double>(*memory.fBytes);
     const auto available = static_cast<double>(*memory.fAvailableBytes);
