@@ -153,6 +153,23 @@ TLoop ThrowAndCatch() {
   });
 }
 
+TLoop AddInterval() {
+  return Repeat([point = TCIMDateTime(kPoint), interval = TCIMDateTime(kInterval)] {
+    return point + interval;
+  });
+}
+
+TLoop SubtractInterval() {
+  return Repeat([point = TCIMDateTime(kPoint), interval = TCIMDateTime(kInterval)] {
+    return point - interval;
+  });
+}
+
+TLoop SubtractPoint() {
+  return Repeat(
+      [left = TCIMDateTime(kYearLater), right = TCIMDateTime(kPoint)] { return left - right; });
+}
+
 TPrepare Compare(const std::string& other) {
   return [other] {
     return Repeat(
@@ -231,20 +248,11 @@ TOperations DateTimeOperations() {
       {"format interval", [] { return Format(kInterval); }, "by hand",
        [] { return FormatByHand(kInterval); }, 1.31},
       {"refuse a bad date-time", Refuse, "throw and catch", ThrowAndCatch, 1.2},
-      {"point + interval",
-       [] {
-         return Repeat([point = TCIMDateTime(kPoint), interval = TCIMDateTime(kInterval)] {
-           return point + interval;
-         });
-       },
-       "mktime and localtime_r", MktimeAndBack, 1.1},
-      {"point - point",
-       [] {
-         return Repeat([left = TCIMDateTime(kYearLater), right = TCIMDateTime(kPoint)] {
-           return left - right;
-         });
-       },
-       "mktime and localtime_r", MktimeAndBack, 1.1}};
+      {"point - point", SubtractPoint, "mktime and localtime_r", MktimeAndBack, 1.1}};
+  for (const auto& [name, move] :
+       {std::pair("point + interval", AddInterval), {"point - interval", SubtractInterval}}) {
+    Append(all, InEachZone({name, move, "mktime and localtime_r", MktimeAndBack, 1.1}));
+  }
   Append(all, InEachZone({"compare points a year apart", Compare(kYearLater), "by hand in UTC",
                           CompareByHand, 1}));
   Append(all, InEachZone({"compare points an hour apart", Compare(kHourLater), "mktime twice",

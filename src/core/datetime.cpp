@@ -4,6 +4,7 @@
 
 #include "datetime_text.h"
 #include "local_time.h"
+#include "zone_facts.h"
 
 #include <boost/make_shared.hpp>
 
@@ -17,6 +18,16 @@ __attribute__((always_inline)) inline TCIMDateTimeImpl BodyOf(const std::string&
   TCIMDateTimeImpl body;
   if (!ReadDateTime(text, body)) throw TQDXException(kQDXStatusInvalidDateTime);
   return body;
+}
+
+/// What IsValid returns for a point.
+__attribute__((always_inline)) inline bool IsConvertible(std::uint16_t year, std::uint16_t month,
+                                                         std::uint32_t day, std::uint16_t hour,
+                                                         int minute, std::uint16_t second) {
+  // Single fields are not checked on purpose: other systems send values that carry over.
+  // Pinned by CIMDateTimeText.KeepsFieldsThatCarryOver.
+  TZoneFacts& zone = TZoneFacts::OfThisThread();
+  return TWallClock(year, month, day, hour, minute, second).IsConvertible(zone);
 }
 
 }  // namespace
@@ -78,11 +89,6 @@ void TCIMDateTime::Clear() { fBody->Clear(); }
 bool TCIMDateTime::GetPrecision() const { return fBody->GetPrecision(); }
 void TCIMDateTime::SetPrecision(bool precision) { fBody->SetPrecision(precision); }
 
-bool TCIMDateTime::operator==(const TCIMDateTime& other) const { return *fBody == other; }
-bool TCIMDateTime::operator<(const TCIMDateTime& other) const { return *fBody < other; }
-TCIMDateTime TCIMDateTime::operator+(const TCIMDateTime& other) const { return *fBody + other; }
-TCIMDateTime TCIMDateTime::operator-(const TCIMDateTime& other) const { return *fBody - other; }
-
 void TCIMDateTime::GetDifference(TCIMDateTime& first, TCIMDateTime& second) const {
   fBody->GetDifference(first, second);
 }
@@ -130,7 +136,7 @@ TCIMDateTimeImpl& TCIMDateTimeImpl::operator=(const TCIMDateTimeImpl& other) {
 void TCIMDateTimeImpl::Set(std::uint16_t year, std::uint16_t month, std::uint32_t day,
                            std::uint16_t hour, std::uint16_t minute, std::uint16_t second,
                            std::uint32_t microseconds, std::int16_t utcOffset) {
-  if (!IsValid(year, month, day, hour, minute, second, microseconds, utcOffset)) {
+  if (!IsConvertible(year, month, day, hour, minute - utcOffset, second)) {
     throw TQDXException(kQDXStatusInvalidDateTime);
   }
   fNull = false;
@@ -162,9 +168,7 @@ void TCIMDateTimeImpl::Set(std::uint32_t days, std::uint16_t hours, std::uint16_
 bool TCIMDateTimeImpl::IsValid(std::uint16_t year, std::uint16_t month, std::uint32_t day,
                                std::uint16_t hour, std::uint16_t minute, std::uint16_t second,
                                std::uint32_t /*microseconds*/, std::int16_t utcOffset) {
-  // Single fields are not checked on purpose: other systems send values that carry over.
-  // Pinned by CIMDateTimeText.KeepsFieldsThatCarryOver.
-  return TWallClock(year, month, day, hour, minute - utcOffset, second).IsConvertible();
+  return IsConvertible(year, month, day, hour, minute - utcOffset, second);
 }
 
 bool TCIMDateTimeImpl::IsValid(std::uint32_t /*days*/, std::uint16_t hours, std::uint16_t minutes,

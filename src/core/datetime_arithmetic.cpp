@@ -2,10 +2,13 @@
 // Compares, adds and subtracts date-times.
 #include <qdxcore/datetime.h>
 #include <qdxcore/status.h>
-
-#include "local_time.h"
+#include <qdxsystem/zone_generation.h>
 
 #include <ctime>
+
+#include "calendar.h"
+#include "local_time.h"
+#include "zone_facts.h"
 
 namespace NVORNQDX20 {
 namespace {
@@ -23,13 +26,11 @@ T Magnitude(T number) {
 }
 
 /// Returns the wall clock of a point, moved by `minutes`.
-TWallClock ClockOf(const TCIMDateTimeImpl& point, int minutes) {
+__attribute__((always_inline)) inline TWallClock ClockOf(const TCIMDateTimeImpl& point,
+                                                         int minutes) {
   return TWallClock(point.GetYear(), point.GetMonth(), point.GetDay(), point.GetHour(),
                     point.GetMinute() + minutes, point.GetSecond());
 }
-
-/// Returns the instant of the point's wall clock read in the local zone, whatever its own offset.
-std::int64_t InstantOf(const TCIMDateTimeImpl& point) { return ClockOf(point, 0).Instant(); }
 
 /// Wraps at 2^32 on purpose. Pinned by CIMDateTimeArithmetic.AddsAndSubtracts.
 std::uint32_t SecondsOf(const TCIMDateTimeImpl& interval) {
@@ -69,89 +70,143 @@ std::tm LocalTime(std::time_t time) {
   return local;
 }
 
-/// Returns the point of a local wall clock, read without daylight saving, at this many seconds.
-/// REQUIRES: they come from InstantOf(), whose zone this is.
-TCIMDateTime MakePoint(std::int64_t seconds, std::uint32_t microseconds, std::int16_t utcOffset) {
+/// Returns the local wall clock, read without daylight saving, at this many seconds by
+/// localtime_r().
+TDateAndTime ReadingAt(std::int64_t seconds) {
   std::tm local = LocalTime(seconds);
   if (local.tm_isdst != 0) local = LocalTime(seconds - 3600);
+  return {std::int64_t{local.tm_year} + 1900,
+          local.tm_mon + 1,
+          local.tm_mday,
+          local.tm_hour,
+          local.tm_min,
+          local.tm_sec};
+}
+
+TCIMDateTime MakePoint(const TDateAndTime& clock, std::int64_t microseconds,
+                       std::int16_t utcOffset) {
   return TCIMDateTime(
-      static_cast<std::uint16_t>(local.tm_year + 1900),
-      static_cast<std::uint16_t>(local.tm_mon + 1), static_cast<std::uint32_t>(local.tm_mday),
-      static_cast<std::uint16_t>(local.tm_hour), static_cast<std::uint16_t>(local.tm_min),
-      static_cast<std::uint16_t>(local.tm_sec), microseconds, utcOffset);
+      static_cast<std::uint16_t>(clock.fYear), static_cast<std::uint16_t>(clock.fMonth),
+      static_cast<std::uint32_t>(clock.fDay), static_cast<std::uint16_t>(clock.fHour),
+      static_cast<std::uint16_t>(clock.fMinute), static_cast<std::uint16_t>(clock.fSecond),
+      static_cast<std::uint32_t>(microseconds), utcOffset);
+}
+
+/// Moves a point on the local wall clock, whatever its own offset. `sumAt` returns what becomes of
+/// its instant. Both ways, from the clock to the instant and back, are by what is known of the
+/// zone, or both are by the C library: in the second before a replaced file is noticed they can
+/// differ.
+template <typename TSumAt>
+TCIMDateTime MovePoint(const TCIMDateTimeImpl& point, const TSumAt& sumAt) {
+  const TZoneHold hold;
+  const TWallClock clock = ClockOf(point, 0);
+  TZoneFacts& zone = TZoneFacts::OfThisThread();
+  if (const auto instant = clock.FindInstant(zone)) {
+    const auto [seconds, microseconds] = sumAt(*instant);
+    const std::int32_t ahead = zone.AheadAt(seconds);
+    if (ahead != TZoneFacts::kVarying) {
+      return MakePoint(ReadingAtUTC(seconds + ahead), microseconds, point.GetUTCOffset());
+    }
+  }
+  const auto [seconds, microseconds] = sumAt(clock.Instant());
+  return MakePoint(ReadingAt(seconds), microseconds, point.GetUTCOffset());
 }
 
 TCIMDateTime AddToPoint(const TCIMDateTimeImpl& point, const TCIMDateTimeImpl& interval) {
-  const auto [seconds, microseconds] = Split(TMicroseconds{InstantOf(point)} * kPerSecond +
-                                             point.GetMicroSeconds() + MicrosecondsOf(interval));
-  // The microseconds are computed before the sign is dropped, so that before 1970 they exceed a
-  // million. Pinned by CIMDateTimeArithmetic.AddsAndSubtracts.
-  return MakePoint(Magnitude(seconds), static_cast<std::uint32_t>(microseconds),
-                   point.GetUTCOffset());
+  return MovePoint(point, [&](std::int64_t instant) {
+    const TSum sum = Split(TMicroseconds{instant} * kPerSecond + point.GetMicroSeconds() +
+                           MicrosecondsOf(interval));
+    // The microseconds are computed before the sign is dropped, so that before 1970 they exceed a
+    // million. Pinned by CIMDateTimeArithmetic.AddsAndSubtracts.
+    return TSum{Magnitude(sum.fSeconds), sum.fMicroseconds};
+  });
 }
 
 /// `pointFraction` and `intervalFraction` are the microseconds to use for each operand.
 TCIMDateTime SubtractFromPoint(const TCIMDateTimeImpl& point, std::uint32_t pointFraction,
                                const TCIMDateTimeImpl& interval, std::uint32_t intervalFraction) {
-  const auto [seconds, microseconds] =
-      Split(Magnitude((TMicroseconds{InstantOf(point)} * kPerSecond + pointFraction) -
-                      (SecondsOf(interval) * kPerSecond + intervalFraction)));
-  return MakePoint(seconds, static_cast<std::uint32_t>(microseconds), point.GetUTCOffset());
+  return MovePoint(point, [&](std::int64_t instant) {
+    return Split(Magnitude((TMicroseconds{instant} * kPerSecond + pointFraction) -
+                           (SecondsOf(interval) * kPerSecond + intervalFraction)));
+  });
 }
 
 /// Returns the time from one point to another, which may have another offset.
 TMicroseconds MicrosecondsBetween(const TCIMDateTimeImpl& first, const TCIMDateTimeImpl& second) {
   const int offsets = second.GetUTCOffset() - first.GetUTCOffset();
   const std::int64_t seconds =
-      ClockOf(second, 0).SecondsSince(ClockOf(first, 0)) - std::int64_t{offsets} * 60;
+      ClockOf(second, 0).SecondsSince(ClockOf(first, 0), TZoneFacts::OfThisThread()) -
+      std::int64_t{offsets} * 60;
   return TMicroseconds{seconds} * kPerSecond + second.GetMicroSeconds() - first.GetMicroSeconds();
 }
 
-int CompareNumbers(std::uint32_t left, std::uint32_t right) {
-  return (left > right) - (left < right);
+/// Returns a number less than, equal to or greater than 0.
+std::int64_t CompareSeconds(const TCIMDateTimeImpl& left, const TCIMDateTimeImpl& right) {
+  if (left.IsInterval()) return std::int64_t{SecondsOf(left)} - SecondsOf(right);
+  TZoneFacts& zone = TZoneFacts::OfThisThread();
+  return ClockOf(left, -left.GetUTCOffset()).Compare(ClockOf(right, -right.GetUTCOffset()), zone);
 }
 
-/// Returns a number less than, equal to or greater than 0; fractions decide between equal seconds.
-int Compare(const TCIMDateTimeImpl& left, const TCIMDateTimeImpl& right) {
+/// Does the same; fractions decide between equal seconds.
+std::int64_t Compare(const TCIMDateTimeImpl& left, const TCIMDateTimeImpl& right) {
   if (left.IsNull() || right.IsNull() || left.IsInterval() != right.IsInterval()) RefuseTime();
-  const int seconds =
-      left.IsInterval()
-          ? CompareNumbers(SecondsOf(left), SecondsOf(right))
-          : ClockOf(left, -left.GetUTCOffset()).Compare(ClockOf(right, -right.GetUTCOffset()));
-  return seconds != 0 ? seconds : CompareNumbers(left.GetMicroSeconds(), right.GetMicroSeconds());
+  const std::int64_t seconds = CompareSeconds(left, right);
+  return seconds != 0 ? seconds : std::int64_t{left.GetMicroSeconds()} - right.GetMicroSeconds();
+}
+
+TCIMDateTime Add(const TCIMDateTimeImpl& left, const TCIMDateTimeImpl& right) {
+  if (left.IsNull() || right.IsNull() || (!left.IsInterval() && !right.IsInterval())) RefuseTime();
+  if (left.IsInterval() && right.IsInterval()) {
+    return MakeInterval(MicrosecondsOf(left) + MicrosecondsOf(right));
+  }
+  return left.IsInterval() ? AddToPoint(right, left) : AddToPoint(left, right);
+}
+
+TCIMDateTime Subtract(const TCIMDateTimeImpl& left, const TCIMDateTimeImpl& right) {
+  if (left.IsNull() || right.IsNull()) RefuseTime();
+  if (left.IsInterval() && right.IsInterval()) {
+    return MakeInterval(Magnitude(MicrosecondsOf(right) - MicrosecondsOf(left)));
+  }
+  if (!left.IsInterval() && !right.IsInterval()) {
+    return MakeInterval(Magnitude(MicrosecondsBetween(left, right)));
+  }
+  const std::uint32_t fraction = left.GetMicroSeconds();
+  const std::uint32_t otherFraction = right.GetMicroSeconds();
+  if (!left.IsInterval()) return SubtractFromPoint(left, fraction, right, otherFraction);
+  // An interval minus a point also moves the point back, but with the two fractions exchanged, on
+  // purpose. Pinned by CIMDateTimeArithmetic.AddsAndSubtracts.
+  return SubtractFromPoint(right, fraction, left, otherFraction);
 }
 
 }  // namespace
 
+// The bodies' operators take a whole date-time, of which they can get a copy of its pointer alone.
+// Usual operations go without.
+
+bool TCIMDateTime::operator==(const TCIMDateTime& other) const {
+  return Compare(*fBody, *other.fBody) == 0;
+}
+bool TCIMDateTime::operator<(const TCIMDateTime& other) const {
+  return Compare(*fBody, *other.fBody) < 0;
+}
+TCIMDateTime TCIMDateTime::operator+(const TCIMDateTime& other) const {
+  return Add(*fBody, *other.fBody);
+}
+TCIMDateTime TCIMDateTime::operator-(const TCIMDateTime& other) const {
+  return Subtract(*fBody, *other.fBody);
+}
+
 bool TCIMDateTimeImpl::operator==(const TCIMDateTime& other) const {
   return Compare(*this, *other.GetBody()) == 0;
 }
-
 bool TCIMDateTimeImpl::operator<(const TCIMDateTime& other) const {
   return Compare(*this, *other.GetBody()) < 0;
 }
-
 TCIMDateTime TCIMDateTimeImpl::operator+(const TCIMDateTime& other) const {
-  const TCIMDateTimeImpl& right = *other.GetBody();
-  if (fNull || right.fNull || (!fInterval && !right.fInterval)) RefuseTime();
-  if (fInterval && right.fInterval)
-    return MakeInterval(MicrosecondsOf(*this) + MicrosecondsOf(right));
-  return fInterval ? AddToPoint(right, *this) : AddToPoint(*this, right);
+  return Add(*this, *other.GetBody());
 }
-
 TCIMDateTime TCIMDateTimeImpl::operator-(const TCIMDateTime& other) const {
-  const TCIMDateTimeImpl& right = *other.GetBody();
-  if (fNull || right.fNull) RefuseTime();
-  if (fInterval && right.fInterval) {
-    return MakeInterval(Magnitude(MicrosecondsOf(right) - MicrosecondsOf(*this)));
-  }
-  if (!fInterval && !right.fInterval) {
-    return MakeInterval(Magnitude(MicrosecondsBetween(*this, right)));
-  }
-  if (!fInterval) return SubtractFromPoint(*this, fMicroseconds, right, right.fMicroseconds);
-  // An interval minus a point also moves the point back, but with the two fractions exchanged, on
-  // purpose. Pinned by CIMDateTimeArithmetic.AddsAndSubtracts.
-  return SubtractFromPoint(right, fMicroseconds, *this, right.fMicroseconds);
+  return Subtract(*this, *other.GetBody());
 }
 
 void TCIMDateTimeImpl::GetDifference(TCIMDateTime&, TCIMDateTime&) const {

@@ -177,6 +177,17 @@ std::string PointAt(std::time_t instant, int offset) {
   return PointOf(reading.fFields, offset).ToString();
 }
 
+/// In the hour after a change that is the last hour of the days that are looked at together.
+TEST(CIMDateTime, IsMovedAsTheCLibraryHasIt) {
+  SetZone("Europe/Berlin");
+  for (std::time_t shown = 1585443600 - 10000; shown < 1585443600 + 10000; shown += 50) {
+    TReading reading{{}, 0};
+    ::gmtime_r(&shown, &reading.fFields);
+    EXPECT_EQ((PointOf(reading.fFields, 0) + TCIMDateTime(0, 0, 0, 0, 0)).ToString(),
+              PointAt(InstantAt(reading, 0), 0));
+  }
+}
+
 /// Times shortly before and after the local clock changes its distance from UTC.
 std::vector<std::time_t> FindChanges() {
   std::vector<std::time_t> changes;
@@ -305,7 +316,8 @@ TEST(CIMDateTime, IsWhatTheCLibraryHasInEveryZone) {
         continue;
       }
       SCOPED_TRACE(zone + ": " + TextOf(one) + ", " + TextOf(two));
-      const auto days = static_cast<std::uint32_t>(readings.Number(0, 40000));
+      // Sums near a change of the zone, and far from the reading.
+      const auto days = static_cast<std::uint32_t>(readings.Number(0, i % 2 == 0 ? 3 : 40000));
       ++(CheckOperations(one, two, days) ? taken : refused);
     }
   }

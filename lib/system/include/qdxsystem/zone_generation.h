@@ -4,6 +4,9 @@
 #define QDXSYSTEM_ZONE_GENERATION_H_
 
 #include <cstdint>
+#include <ctime>
+
+#include <sys/stat.h>
 
 namespace NVORNQDX20 {
 
@@ -18,6 +21,57 @@ std::uint32_t ZoneGeneration();
 
 /// Does the same, but looks at the file now.
 std::uint32_t ZoneGenerationNow();
+
+class TZoneWatch;
+
+/// Returns what ZoneGeneration() and the others look with: for callers that keep it, since to find
+/// a variable of a thread takes as long as all the rest.
+TZoneWatch& ZoneWatchOfThisThread();
+
+/// What a thread knows of the zone that the process has. Its functions are those of the same names.
+///
+/// Looks up TZ each time: it can be an entry of the caller's own, whose text changes in place, and
+/// so can the name of any other entry.
+class TZoneWatch {
+ public:
+  std::uint32_t Generation() {
+    if (!fIsHeld) Look();
+    return fKnown;
+  }
+
+  std::uint32_t GenerationNow();
+
+  /// Returns whether Generation() does not look.
+  bool& Hold() {
+    if (!fIsHeld) Look();
+    return fIsHeld;
+  }
+
+ private:
+  void Look();
+  bool IsKept(const char* zone) const;
+  void Keep(const char* zone);
+  bool FindPath(const char* zone);
+  void LookAtFile();
+  void Advance();
+  void ReadFile();
+
+  enum TState {
+    kUnknown,
+    kUnset,
+    kSet,
+    kReplaced  // TZ is set, and its file was replaced since
+  };
+
+  bool fIsHeld = false;
+  TState fState = kUnknown;
+  std::uint32_t fKnown = 0;  // the generation, or 0
+  std::uint32_t fGeneration = 0;
+  std::time_t fSecond = 0;  // of the last look at the file
+  struct stat fFile = {};
+  char fText[256] = {};
+  char fPath[512] = {};
+};
 
 /// Looks at the zone once, and keeps ZoneGeneration() of this thread from looking again: looking
 /// costs more than the rest of an operation, above all where there are many variables. For a few
