@@ -96,6 +96,14 @@ TEST_F(Logger, LosesLinesAfterASecondFileButKeepsTheHistory) {
   EXPECT_FALSE(std::filesystem::exists(fFile + "2"));
 }
 
+TEST_F(Logger, LosesLinesOfAFullDiskButKeepsTheHistory) {
+  fLogger->SetLogFilename("/dev/full");
+  for (const std::size_t length : {5U, 9000U, 5U}) {
+    fLogger->OutputLogEntry(ILogger::kLogError, std::string(length, 'x'));
+  }
+  EXPECT_EQ(History().size(), 3U);
+}
+
 TEST_F(Logger, SaysWhyItsFileCannotBeOpened) {
   EXPECT_QDX_STATUS(fLogger->SetLogFilename(fFile + "/none"), kQDXStatusFileSystemError);
   if (::geteuid() != 0 || ::seteuid(65534) != 0) {
