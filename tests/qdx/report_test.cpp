@@ -57,11 +57,12 @@ TEST_F(QDXReport, ShowsFaultsAndWhatItHardlyKnows) {
     fFolder.Write("machine/sys/block/md" + name + "/md/degraded", name == "0" ? "0\n" : "2\n");
   }
   fFolder.Write("machine/sys/block/md1/size", "7814037168\n");
-  fFolder.Write("machine/sys/devices/system/edac/mc/mc0/ue_count", "1\n");
+  fFolder.Write("machine/sys/devices/system/edac/mc/mc0/dimm0/size", "4096\n");
+  fFolder.Write("machine/sys/devices/system/edac/mc/mc0/dimm0/dimm_ue_count", "1\n");
   fFolder.Write("machine/sys/class/fc_host/host0/port_state", "Online\n");
   const std::string page = fQDX.Run({"report", "--root", PathOf("machine"), "-o", "-"}).fOutput;
   const char* const expected[] = {
-      "<p> <strong class=\"bad\">1 uncorrected error</strong></p>", "</a>: 2 \u00d7 disk ",
+      "4 GiB <strong class=\"bad\">1 uncorrected error</strong></p>", "</a>: 2 \u00d7 disk ",
       "<p>md0: raid6, clean <strong class=\"bad\"></strong></p>",
       "md1: raid6 4 TB, clean <strong class=\"bad\">lacks 2 disks<", "\">host0</a></span>"};
   for (const char* const each : expected) EXPECT_NE(page.find(each), std::string::npos) << each;
