@@ -24,29 +24,33 @@ constexpr int kUsualGrowth = 128 << 10;
 /// For the C library's own numbers at the end of a block: they shall not need a large page.
 constexpr std::size_t kSlack = 64;
 
-std::uintptr_t EndOfHeap() { return reinterpret_cast<std::uintptr_t>(::sbrk(0)); }
+char* EndOfHeap() { return static_cast<char*>(::sbrk(0)); }
 
 }  // namespace
 
 void PrepareHeap(std::size_t bytes) {
   static void* volatile filler = nullptr;
   if (filler != nullptr) return;
-  const std::uintptr_t oldEnd = EndOfHeap();
+  const char* const oldEnd = EndOfHeap();
   ::mallopt(M_MMAP_THRESHOLD, kLargestBlock);
   ::mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
   ::mallopt(M_TOP_PAD, static_cast<int>(std::min(bytes, kMost)));
-  void* volatile block = std::malloc(kBlock);
+  char* const block = static_cast<char*>(std::malloc(kBlock));
   // Growing by much more than is needed would fail near a limit.
   ::mallopt(M_TOP_PAD, kUsualGrowth);
-  const std::uintptr_t begin = reinterpret_cast<std::uintptr_t>(block), end = EndOfHeap();
-  if (end <= oldEnd || begin >= end) return std::free(block);
+  char* const end = EndOfHeap();
+  if (block == nullptr || end <= oldEnd || block >= end) return std::free(block);
   // What was written to after the block has small pages already.
-  const std::uintptr_t firstLarge = (begin + kBlock + kSlack + kLargePage) & ~(kLargePage - 1);
-  if (firstLarge + kLargePage > end) return std::free(block);
+  const std::size_t place = reinterpret_cast<std::uintptr_t>(block) % kLargePage;
+  const std::size_t left = kLargePage - place;
+  const std::size_t before = left < kBlock + kSlack ? left + kLargePage : left;
+  const std::size_t room = static_cast<std::size_t>(end - block);
+  if (room < before + kLargePage) return std::free(block);
   // The block is never used, nor given memory, up to there.
-  filler = std::realloc(block, firstLarge - begin - kSlack);
-  if (filler == nullptr) return std::free(block);
-  (void)::madvise(reinterpret_cast<void*>(firstLarge), end - firstLarge, MADV_HUGEPAGE);
+  void* const resized = std::realloc(block, before - kSlack);
+  if (resized == nullptr) return std::free(block);
+  filler = resized;
+  (void)::madvise(end - (room - before), room - before, MADV_HUGEPAGE);
 }
 
 }  // namespace NVORNQDX20
