@@ -11,6 +11,7 @@
 #include <fstream>
 #include <initializer_list>
 #include <list>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -88,7 +89,7 @@ class QDXCORE_EXPORT TLogger : public ILogger {
   EQDXLogSeverity fThreshold;
   std::list<TLogEntry> fLog;
   std::string fLogFilename;
-  std::ofstream fLogFile;
+  std::unique_ptr<std::ofstream> fLogFile;  // the first stream of a process prepares a locale
 };
 
 /// Logs the joined parts if there is a core logger and its threshold accepts them; otherwise does

@@ -78,7 +78,7 @@ TLogger::TLogger() : fThreshold(kLogStatus) {}
 TLogger::~TLogger() {
   if (!fLogFilename.empty()) {
     WriteLine(kClosedLine, sizeof kClosedLine - 1);
-    fLogFile.close();
+    fLogFile->close();
   }
   if (fgInstance == this) fgInstance = nullptr;
 }
@@ -127,14 +127,15 @@ void TLogger::SetLogThreshold(EQDXLogSeverity threshold) { fThreshold = threshol
 ILogger::EQDXLogSeverity TLogger::GetLogThreshold() { return fThreshold; }
 
 void TLogger::SetLogFilename(std::string filename) {
+  if (!fLogFile) fLogFile = std::make_unique<std::ofstream>();
   // Stored even if the file cannot be opened: after a failure, lines are lost instead of going to
   // the operating system's sink.
   fLogFilename = std::move(filename);
   const int descriptor = NextDescriptor();
   errno = 0;  // a stream that is already open does not set it
-  fLogFile.open(fLogFilename, std::ios::out | std::ios::ate);
+  fLogFile->open(fLogFilename, std::ios::out | std::ios::ate);
   const int error = errno;
-  if (!fLogFile.good()) {
+  if (!fLogFile->good()) {
     throw TQDXException(error == EACCES ? kQDXStatusAccessDenied : kQDXStatusFileSystemError);
   }
   // Children must not inherit the log file; a stream has no option for close-on-exec.
@@ -143,13 +144,13 @@ void TLogger::SetLogFilename(std::string filename) {
 }
 
 void TLogger::WriteLine(const char* line, std::size_t size) {
-  if (!fLogFile.good()) return;
+  if (!fLogFile->good()) return;
   // Each line is flushed, so that the log is complete if the process dies. The buffer does it in
   // less time than the stream, which checks its state at each step.
-  std::filebuf& buffer = *fLogFile.rdbuf();
+  std::filebuf& buffer = *fLogFile->rdbuf();
   const auto length = static_cast<std::streamsize>(size);
   if (buffer.sputn(line, length) != length || buffer.pubsync() != 0) {
-    fLogFile.setstate(std::ios::badbit);
+    fLogFile->setstate(std::ios::badbit);
   }
 }
 
