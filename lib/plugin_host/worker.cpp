@@ -66,6 +66,34 @@ struct TDeliveries {
   std::uint64_t fSum = 0;
 };
 
+/// The supervisor that was killed last. It takes a tenth of a millisecond to end, in which this
+/// process goes on: it waits for it before it kills the next one, and at its own end.
+class TLastSupervisor {
+ public:
+  constexpr TLastSupervisor() = default;
+  ~TLastSupervisor() { Await(); }
+  TLastSupervisor(const TLastSupervisor&) = delete;
+  TLastSupervisor& operator=(const TLastSupervisor&) = delete;
+
+  void Await() {
+    // A worker, which has a copy of this object, may have a child of the same number.
+    if (fSupervisor > 0 && fParent == ::getpid()) ::waitpid(fSupervisor, nullptr, 0);
+    fSupervisor = -1;
+  }
+  void Kill(pid_t supervisor) {
+    ::kill(supervisor, SIGKILL);
+    Await();
+    fSupervisor = supervisor;
+    fParent = ::getpid();
+  }
+
+ private:
+  pid_t fSupervisor = -1;
+  pid_t fParent = -1;
+};
+
+TLastSupervisor gLastSupervisor;
+
 /// A running worker.
 class TWorker {
  public:
@@ -227,6 +255,7 @@ class TWorker {
     ::fcntl(fReport.Get(), F_SETFL, O_NONBLOCK);
     fHasLostSupervisor = ::read(fReport.Get(), &report, sizeof report) != sizeof report;
     EndSupervisor();
+    if (fHasLostSupervisor) gLastSupervisor.Await();  // what it leaves behind is to be found
     while (!fIsGivenUp && Receive()) {
     }
     constexpr int mostReads = 16;  // a process that cannot be killed may still write
@@ -242,8 +271,7 @@ class TWorker {
 
   void EndSupervisor() {
     (void)fLifeline.Close();
-    ::kill(fSupervisor, SIGKILL);  // it has reported, or never will
-    ::waitpid(fSupervisor, nullptr, 0);
+    gLastSupervisor.Kill(fSupervisor);  // it has reported, or never will
     fSupervisor = -1;
   }
 
@@ -418,6 +446,7 @@ class TPool {
 void RunWorkers(const std::vector<TWorkerJob>& jobs, const TWorkerLimits& limits,
                 const TWaitCallback& wait) {
   std::signal(SIGCHLD, SIG_DFL);  // if it is ignored, waitpid cannot wait
+  gLastSupervisor.Await();
   TPool pool(jobs, limits);
   std::vector<pollfd> ends;
   auto told = TClock::now();
