@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -116,6 +117,19 @@ TEST(CIMDateTime, FollowsTheEnvironment) {
   EXPECT_TRUE(isTaken());
   environ = nullptr;
   EXPECT_TRUE(isTaken());
+  // Wherever the entry is, and however many there are.
+  static char filler[] = "TZX=1", skipping[] = "TZ=Pacific/Kwajalein";
+  for (std::size_t size = 1; size < 10; ++size) {
+    std::vector<char*> entries(size + 1, filler);
+    entries[size] = nullptr;
+    environ = entries.data();
+    for (std::size_t place = 0; place < size; ++place) {
+      EXPECT_TRUE(isTaken());
+      entries[place] = skipping;
+      EXPECT_FALSE(isTaken()) << place << " of " << size;
+      entries[place] = filler;
+    }
+  }
   // It is not read beyond its end, however long it was.
   const std::size_t page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
   void* const memory =
