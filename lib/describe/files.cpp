@@ -378,7 +378,11 @@ TFiles TFiles::In(const std::string& folder) const {
 
 std::string TFiles::PathOf(const std::string& path) const {
   if (path.empty()) return fFolder.empty() ? "/" : fFolder;
-  return path.front() == '/' ? path : fFolder + "/" + path;
+  if (path.front() == '/') return path;
+  std::string full;  // made once: each file has one
+  full.reserve(fFolder.size() + 1 + path.size());
+  full.append(fFolder).append(1, '/').append(path);
+  return full;
 }
 
 TMissing TFiles::MissingFrom(const std::string& path, const TReason& reason) const {

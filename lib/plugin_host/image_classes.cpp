@@ -80,7 +80,7 @@ void TImageWriter::RequireShallow(const TClass& cimClass) {
 
 const TWrittenClass& TImageWriter::Written(const TClass& named) {
   const std::string name = named->GetName({});
-  const auto [found, isNew] = fClasses[0].emplace(name, nullptr);
+  const auto [found, isNew] = fClasses[0].try_emplace(name);
   if (isNew) found->second = std::make_unique<TWrittenClass>();
   TWrittenClass& written = *found->second;
   if (written.fNumber) return written;
