@@ -148,11 +148,11 @@ class WholeRuns:
     def measure(self, name, rounds, before):
         """Returns rows by their names: one of the time, and of memory where that counts."""
         run = self.runs[name]()
-        commands = {"ours": [self.qdx, *run.arguments], "limit": run.limit}
+        # The other build first: both write the same file, whose size is measured.
+        commands = {"before": [before, *run.arguments]} if before else {}
+        commands.update({"ours": [self.qdx, *run.arguments], "limit": run.limit})
         if run.start:
             commands["start"] = run.start
-        if before:
-            commands["before"] = [before, *run.arguments]
         least, peak, end = {}, {}, time.monotonic() + MOST_SECONDS
         for number in range(rounds):
             if number >= FEWEST_ROUNDS and time.monotonic() > end:
