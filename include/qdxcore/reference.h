@@ -145,6 +145,8 @@ class QDXCORE_EXPORT TCIMReferenceImpl {
   /// of a nested path. On return it is at or beyond the end of the text, or the index of the nested
   /// path's closing quote.
   void ParsePath(TCIMReferenceImpl* target, const std::string& path, std::uint64_t& position);
+  /// Takes over the name, too, unless it throws.
+  void AddKeyValue(std::string&& name, TCIMValue&& value);
 
  private:
   void RequireDeclaredType(const std::string& name, TCIMValue::TCIMType type) const;

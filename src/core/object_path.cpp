@@ -28,7 +28,7 @@ class TObjectPathParser {
   void Parse(TCIMReferenceImpl& target) {
     const bool nested = fPosition != 0;
     if (nested) ++fPosition;  // over the opening quote
-    const std::size_t dot = fPath.find('.', fPosition);
+    const std::size_t dot = Find('.', fPosition);
     if (dot == std::string::npos) {
       const std::string name = fPosition < fPath.size() ? fPath.substr(fPosition) : std::string();
       target.SetClassName(name);
@@ -52,9 +52,9 @@ class TObjectPathParser {
     if (fPath[fPosition] != ',' && fPath[fPosition] != '.') {
       Refuse("Reference missing '.' or ',', path=");
     }
-    const std::size_t equals = fPath.find('=', fPosition + 1);
+    const std::size_t equals = Find('=', fPosition + 1);
     if (equals == std::string::npos) Refuse("Reference missing property value, path=");
-    const std::string name = fPath.substr(fPosition + 1, equals - fPosition - 1);
+    std::string name = fPath.substr(fPosition + 1, equals - fPosition - 1);
     const boost::shared_ptr<const ICIMPropertyDecl> decl = cimClass->GetPropertyDecl(name, {});
 
     fPosition = equals + 1;
@@ -62,14 +62,18 @@ class TObjectPathParser {
       Refuse("Reference missing opening '\"', path=");
     }
     // The declaration is asked for again: a class sees both calls.
-    target.AddKeyValue(name, ParseValue(*decl));
+    target.AddKeyValue(std::move(name), ParseValue(*decl));
     ++fPosition;  // over the closing quote
   }
 
   TCIMValue ParseValue(const ICIMPropertyDecl& decl) {
     if (decl.GetDefaultValue().IsReference()) return ParseNestedPath();
     std::string text = ParseQuotedText();
-    return TCIMValue(decl.GetType(), text, fNamespace);
+    const TCIMValue::TCIMType type = decl.GetType();
+    if (type == TCIMValue::TCIMType::kCIMTypeString) {
+      return TCIMStringValueImpl::ToValue(std::move(text));
+    }
+    return TCIMValue(type, text, fNamespace);
   }
 
   /// Reads it into a value at once: a copy would cost as much as all that is nested in it.
@@ -84,23 +88,21 @@ class TObjectPathParser {
 
   /// From the opening quote up to the closing one, where the position is left.
   std::string ParseQuotedText() {
-    std::string text;
-    std::size_t start = fPosition + 1;  // of what is not in the text yet
-    const std::size_t end = fPath.size();
-    for (std::size_t at = start; at < end; ++at) {
-      const char c = fPath[at];
-      if (c != '"' && c != '\\') continue;
-      if (c == '\\' && !IsQuotable(at + 1)) continue;
-      text.append(fPath, start, at - start);
-      if (c == '"') {
-        fPosition = at;
-        return text;
-      }
-      start = ++at;
+    const std::size_t start = fPosition + 1;
+    std::size_t at = start;
+    while (at < fPath.size() && fPath[at] != '"' && fPath[at] != '\\') ++at;
+    std::string text(fPath, start, at - start);
+    for (; at < fPath.size() && fPath[at] != '"'; ++at) {
+      if (fPath[at] == '\\' && IsQuotable(at + 1)) ++at;
+      text += fPath[at];
     }
-    fPosition = end;
-    Refuse("Reference missing closing '\"', path=");
+    fPosition = at;
+    if (at == fPath.size()) Refuse("Reference missing closing '\"', path=");
+    return text;
   }
+
+  /// Like fPath.find(), which is not inline.
+  std::size_t Find(char c, std::size_t from) const { return std::string_view(fPath).find(c, from); }
 
   bool IsQuotable(std::size_t position) const {
     return position < fPath.size() && (fPath[position] == '"' || fPath[position] == '\\');

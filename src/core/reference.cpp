@@ -128,6 +128,11 @@ void TCIMReferenceImpl::AddKeyValue(const std::string& name, TCIMValue&& value) 
   fKeyBindings.emplace_hint(fKeyBindings.end(), name, std::move(value));
 }
 
+void TCIMReferenceImpl::AddKeyValue(std::string&& name, TCIMValue&& value) {
+  RequireDeclaredType(name, value.GetType());
+  fKeyBindings.emplace_hint(fKeyBindings.end(), std::move(name), std::move(value));
+}
+
 void TCIMReferenceImpl::EnumerateKeyBindings(const TKeyBindingCallback& callback) const {
   for (const auto& binding : fKeyBindings) {
     if (!callback(binding)) return;

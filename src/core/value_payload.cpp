@@ -110,6 +110,12 @@ bool TCIMNumericValueImpl::operator<(const TCIMValue& other) const {
   }
 }
 
+TCIMValue TCIMStringValueImpl::ToValue(std::string&& text) {
+  TCIMValue value(TCIMType::kCIMTypeString, 0);
+  SetPayloadOf(value, std::make_unique<TCIMStringValueImpl>(std::move(text)));
+  return value;
+}
+
 std::string TCIMStringValueImpl::ToString(unsigned char) const { return fContent; }
 
 std::string TCIMDateTimeValueImpl::ToString(unsigned char) const { return fContent.ToString(); }

@@ -164,6 +164,7 @@ template <typename TPayload, typename T, TCIMValue::TCIMType::ECIMType kType>
 class TContentValueImpl : public TClonable<TPayload> {
  public:
   explicit TContentValueImpl(const T& content) : fContent(content) {}
+  explicit TContentValueImpl(T&& content) : fContent(std::move(content)) {}
 
   operator T() const override { return fContent; }
   const T& GetContent() const { return fContent; }
@@ -185,6 +186,8 @@ class TCIMStringValueImpl final : public TContentValueImpl<TCIMStringValueImpl, 
                                                            TCIMValue::TCIMType::kCIMTypeString> {
  public:
   using TContentValueImpl::TContentValueImpl;
+  /// The value that takes over a text.
+  static TCIMValue ToValue(std::string&& text);
   std::string ToString(unsigned char radix) const override;
 };
 

@@ -6,6 +6,8 @@
 #include "support/faulty_provider.h"
 #include "support/log_capture.h"
 
+#include <random>
+
 using namespace NVORNQDX20;
 
 namespace {
@@ -179,6 +181,18 @@ TEST_F(ObjectPath, IsWrittenSortedAndQuoted) {
     EXPECT_EQ(binding.second.GetReferencedClass(), fNamespace->GetClass("C", {}));
     return true;
   });
+}
+
+TEST_F(ObjectPath, GivesTheKeysFromWhichItWasMade) {
+  std::mt19937 random(1);
+  for (int i = 0; i < 2000; ++i) {
+    std::string text;
+    for (auto length = random() % 40; length > 0; --length) text += "\"\\\\x,.= y"[random() % 9];
+    const TCIMReference made = Reference({{"b", 7U}, {"a", text}});
+    const TCIMReference read(fNamespace, made.GetPath(), {});
+    EXPECT_TRUE(read == made) << text;
+    EXPECT_EQ(*read.GetBody()->GetKeyBindings().at("a").FindString(), text);
+  }
 }
 
 TEST_F(ObjectPath, LeavesThePositionWhereItEnds) {
