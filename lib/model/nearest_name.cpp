@@ -37,9 +37,9 @@ std::size_t CountSlips(std::string_view left, std::string_view right) {
 
 std::string NearestName(std::string_view typed, const std::vector<std::string>& names) {
   std::string nearest;
-  if (typed.size() > kLongest) return nearest;
+  if (typed.empty() || typed.size() > kLongest) return nearest;
   const std::string folded = Folded(typed);
-  std::size_t fewest = (typed.size() + 2) / 3 + 1;
+  std::size_t fewest = std::max<std::size_t>(typed.size() / 3, 1) + 1;
   for (const std::string& name : names) {
     if (name.size() > 2 * kLongest) continue;
     const std::size_t slips = CountSlips(folded, Folded(name));

@@ -8,7 +8,8 @@ namespace {
 using namespace NVORNQDX20::NModel;
 
 TEST(NearestName, IsFewSlipsAway) {
-  const std::vector<std::string> names = {"collect", "show", "diff", "DiskDrive", "DiskPartition"};
+  const std::vector<std::string> names = {"collect", "core",      "show",
+                                          "diff",    "DiskDrive", "DiskPartition"};
   const struct {
     const char* fTyped;
     const char* fNearest;
@@ -19,7 +20,13 @@ TEST(NearestName, IsFewSlipsAway) {
               {"dif", "diff"},
               {"diskdrve", "DiskDrive"},
               {"diskpartitoin", "DiskPartition"},
-              {"disk", "diff"},
+              {"disk", ""},
+              {"nope", ""},
+              {"dfif", "diff"},
+              {"sohwn", ""},
+              {"cllect", "collect"},
+              {"cllct", ""},
+              {"cllcet", "collect"},
               {"frob", ""},
               {"", ""},
               {"x", ""}};

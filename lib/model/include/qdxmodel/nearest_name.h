@@ -11,7 +11,8 @@ namespace NVORNQDX20::NModel {
 
 /// Returns the name that is fewest slips of the hand away from `typed`, without regard to ASCII
 /// case: a character left out, added or replaced, or two neighbours exchanged. Returns an empty
-/// text if none is near, which is a slip for every three characters, and for equal ones the first.
+/// text if none is near, which is a slip for every three characters that were typed, and at least
+/// one; for equal ones the first.
 std::string NearestName(std::string_view typed, const std::vector<std::string>& names);
 
 /// Returns "; did you mean 'NAME'?", or an empty text.
