@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "class_comparison.h"
 
+#include <qdxcompare/same_reason.h>
 #include <qdxmodel/hash.h>
 #include <qdxmodel/names.h>
 
@@ -9,7 +10,6 @@
 
 #include <qdxsnapshot/missing.h>
 
-#include "same_reason.h"
 #include "schema_comparison.h"
 
 namespace NVORNQDX20 {

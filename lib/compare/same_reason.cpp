@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "same_reason.h"
+#include <qdxcompare/same_reason.h>
 
 #include <algorithm>
 #include <string_view>

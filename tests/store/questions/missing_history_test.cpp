@@ -43,6 +43,10 @@ class MissingHistory : public ::testing::Test {
     }
   }
 
+  std::int64_t HostNamed(const std::string& name) const {
+    return fDatabase->QueryNumber("SELECT id FROM host WHERE name = '" + name + "'").value_or(0);
+  }
+
   const TTempDir fFolder;
   const std::string fFile = (fFolder.Path() / "store").string();
   std::unique_ptr<TDatabase> fDatabase;
@@ -85,6 +89,66 @@ TEST_F(MissingHistory, IsPartOfTheHistoryOnRequest) {
             "time,after,change,namespace,class,object,property,old,new,reason\r\n"
             "1970-01-03T00:00:00Z,1970-01-02T00:00:00Z,not missing,root/test,VORNSG_Battery,,,,,"
             "no driver\r\n");
+}
+
+TEST_F(MissingHistory, KnowsWhatOneObjectSharedWithOthers) {
+  TStore store(*fDatabase);
+  for (int day = 0; day < 4; ++day) {
+    TDocumentFacts document = NSample::Document({"", "m3", "", "", "", "web3"}, day * 86400, 9);
+    NSample::AddFact(document, kDisk, "sda", "Model", "Old");
+    const auto disks = NSample::ClassOf(document, kDisk);
+    const auto lack = [&](std::optional<std::string> object, const char* property,
+                          const char* reason) {
+      document.fMissing.push_back({disks, std::move(object), property, reason, false});
+    };
+    // Two disks, one, and two again.
+    if (day == 1) {
+      lack("sda", "WWN", "/run/b8:0: No such file");
+      lack("sda", "Vendor", "/run/b8:0: Permission denied");
+    } else {
+      NSample::AddFact(document, kDisk, "sdb", "Model", "Old");
+      lack({}, "WWN", "/run/b*: No such file");
+      lack({}, "Vendor", "/run/b*: No such file");
+    }
+    store.Add(document);
+  }
+  std::string lines;
+  for (const TChange& change : ReadHistory(*fDatabase, {HostNamed("web3"), kDisk, true})) {
+    if (!change.fReason) continue;
+    lines += std::to_string(change.fTime / 86400000) + " " +
+             (change.fChange == TChange::kMissing ? "missing " : "not missing ") + change.fObject +
+             " " + change.fProperty + "\n";
+  }
+  EXPECT_EQ(lines,
+            "1 not missing  Vendor\n"
+            "1 missing sda Vendor\n"
+            "2 missing  Vendor\n"
+            "2 missing  WWN\n"
+            "2 not missing sda Vendor\n");
+}
+
+TEST_F(MissingHistory, DoesNotRepeatAReasonThatDependsOnOtherObjects) {
+  TStore store(*fDatabase);
+  const char* const reasons[] = {"/run/b*: No such file", "/run/b8:*: No such file",
+                                 "/run/b8:0: No such file", "/run/*: Permission denied",
+                                 "/run/b*: Permission denied"};
+  for (int day = 0; day < 6; ++day) {
+    TDocumentFacts document = NSample::Document({"", "m2", "", "", "", "web2"}, day * 86400, 7);
+    NSample::AddFact(document, kDisk, "sda", "Model", "Old");
+    if (day < 5) {
+      NSample::AddMissing(document, kDisk, "sda", "SerialNumber");
+      document.fMissing.back().fReason = reasons[day];
+    }
+    store.Add(document);
+  }
+  const auto answer =
+      RunProgram({QDX_STORE, "history", fFile, "web2", "disk", "--missing", "--csv"});
+  EXPECT_EQ(answer.fOutput,
+            "time,after,change,namespace,class,object,property,old,new,reason\r\n"
+            "1970-01-04T00:00:00Z,1970-01-03T00:00:00Z,missing,root/test,VORNSG_DiskDrive,sda,"
+            "SerialNumber,,,/run/*: Permission denied\r\n"
+            "1970-01-06T00:00:00Z,1970-01-05T00:00:00Z,not missing,root/test,VORNSG_DiskDrive,sda,"
+            "SerialNumber,,,/run/b*: Permission denied\r\n");
 }
 
 }  // namespace

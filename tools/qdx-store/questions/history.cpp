@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "history.h"
 
+#include <qdxcompare/same_reason.h>
+
 #include <algorithm>
 #include <map>
 #include <set>
@@ -19,7 +21,8 @@ struct TSpanOfHost {
   std::string fNamespace;
   std::string fClass;
   std::string fObject;
-  std::int64_t fNumber;  // of the object: that of all objects has no name
+  std::int64_t fNumber;  // of the object
+  bool fIsOfAll;         // objects of the class, unless they have a reason of their own
   std::string fProperty;
   TMoment fSince;
   TMoment fUntil;
@@ -46,8 +49,8 @@ std::vector<TSpanOfHost> ReadSpans(TDatabase& database, const THistoryRequest& r
           (isOfAll ? "" : " AND c.name = :class"),
       kColumns, values, [&spans](const TRow& row) {
         spans.push_back({row[0].value_or(""), row[1].value_or(""), row[2].value_or(""),
-                         ToNumber(row[3]), row[4].value_or(""), ToNumber(row[5]), ToNumber(row[6]),
-                         row[7].value_or("")});
+                         ToNumber(row[3]), !row[2], row[4].value_or(""), ToNumber(row[5]),
+                         ToNumber(row[6]), row[7].value_or("")});
       });
   std::sort(spans.begin(), spans.end(), [](const TSpanOfHost& a, const TSpanOfHost& b) {
     return std::tuple_cat(a.Key(), std::tie(a.fSince)) <
@@ -139,6 +142,46 @@ class TChangesOfObject {
   TLifeOfObject fLife;
 };
 
+/// Finds the reason of an object in that of all objects of its class, and the other way round.
+/// Which form it has depends on which other objects there are.
+class TFormsOfReasons {
+ public:
+  explicit TFormsOfReasons(const std::vector<TSpanOfHost>& gaps) {
+    for (const TSpanOfHost& gap : gaps) {
+      if (!gap.fProperty.empty()) (gap.fIsOfAll ? fOfAll : fOfObjects).emplace(KeyOf(gap), &gap);
+    }
+  }
+
+  /// Returns whether the reason of an object was that of all objects before. One of all objects is
+  /// new for others than those that had it.
+  bool HasBefore(const TSpanOfHost& gap) const {
+    return !gap.fIsOfAll && Any(gap, [&gap](const TSpanOfHost& other) {
+      return other.fSince < gap.fSince && gap.fSince <= other.fUntil;
+    });
+  }
+  bool HasAfter(const TSpanOfHost& gap) const {
+    return Any(gap, [&gap](const TSpanOfHost& other) {
+      return other.fSince <= gap.fUntil && gap.fUntil < other.fUntil;
+    });
+  }
+
+ private:
+  using TKey = std::tuple<std::string, std::string, std::string>;
+
+  static TKey KeyOf(const TSpanOfHost& gap) { return {gap.fNamespace, gap.fClass, gap.fProperty}; }
+
+  template <typename TIs>
+  bool Any(const TSpanOfHost& gap, const TIs& is) const {
+    const auto [begin, end] = (gap.fIsOfAll ? fOfObjects : fOfAll).equal_range(KeyOf(gap));
+    return std::any_of(begin, end, [&](const auto& other) {
+      return is(*other.second) && MayBeSameReason(other.second->fValue, gap.fValue);
+    });
+  }
+
+  std::multimap<TKey, const TSpanOfHost*> fOfAll;
+  std::multimap<TKey, const TSpanOfHost*> fOfObjects;
+};
+
 void AddMissing(const std::vector<TSpanOfHost>& gaps, const std::vector<TMoment>& moments,
                 std::vector<TChange>& changes) {
   const auto add = [&](TMoment moment, TChange::EChange change, const TSpanOfHost& gap) {
@@ -146,9 +189,13 @@ void AddMissing(const std::vector<TSpanOfHost>& gaps, const std::vector<TMoment>
                        gap.fNamespace, gap.fClass, gap.fObject, gap.fProperty, false, std::nullopt,
                        std::nullopt, gap.fValue});
   };
+  const TFormsOfReasons forms(gaps);
   for (auto gap = gaps.begin(); gap != gaps.end(); ++gap) {
-    if (gap->fSince > moments.front()) add(gap->fSince, TChange::kMissing, *gap);
-    if (gap->fUntil != kStillValid && !Continues(gap, gaps.end())) {
+    const bool isKnown = (gap != gaps.begin() && Continues(std::prev(gap), gaps.end()) &&
+                          MayBeSameReason(std::prev(gap)->fValue, gap->fValue)) ||
+                         forms.HasBefore(*gap);
+    if (gap->fSince > moments.front() && !isKnown) add(gap->fSince, TChange::kMissing, *gap);
+    if (gap->fUntil != kStillValid && !Continues(gap, gaps.end()) && !forms.HasAfter(*gap)) {
       add(gap->fUntil, TChange::kNotMissing, *gap);
     }
   }

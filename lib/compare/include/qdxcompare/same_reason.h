@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Compares reasons why values are missing.
-#ifndef LIB_COMPARE_SAME_REASON_H_
-#define LIB_COMPARE_SAME_REASON_H_
+#ifndef QDXCOMPARE_SAME_REASON_H_
+#define QDXCOMPARE_SAME_REASON_H_
 
 #include <string>
 
@@ -13,4 +13,4 @@ bool MayBeSameReason(const std::string& a, const std::string& b);
 
 }  // namespace NVORNQDX20
 
-#endif  // LIB_COMPARE_SAME_REASON_H_
+#endif  // QDXCOMPARE_SAME_REASON_H_
