@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "payload_memory.h"
 
+#include <qdxsystem/thread_end.h>
+
 #include <initializer_list>
 #include <utility>
 
@@ -21,32 +23,24 @@ constexpr unsigned int kMostKept = kIsUseChecked ? 0 : 128;
 
 }  // namespace
 
-/// Returns the blocks when the thread ends. The memory of values that are destroyed even later,
-/// such as those in static variables, is not kept.
-class TPayloadMemory::TReturnAtThreadEnd {
- public:
-  explicit TReturnAtThreadEnd(TBlocksOfThread& blocks) : fBlocks(blocks) {
-    fBlocks.fSmall.fRoom = fBlocks.fLarge.fRoom = kMostKept;
-  }
-  TReturnAtThreadEnd(const TReturnAtThreadEnd&) = delete;
-  TReturnAtThreadEnd& operator=(const TReturnAtThreadEnd&) = delete;
-  ~TReturnAtThreadEnd() {
-    for (TBlocks* const blocks : {&fBlocks.fSmall, &fBlocks.fLarge}) {
-      blocks->fRoom = 0;
-      while (TBlock* const first = blocks->fFirst) {
-        blocks->fFirst = first->fNext;
-        ::operator delete(first);
-      }
+void TPayloadMemory::ReturnBlocks(void* blocksOfThread) noexcept {
+  auto& all = *static_cast<TBlocksOfThread*>(blocksOfThread);
+  for (TBlocks* const blocks : {&all.fSmall, &all.fLarge}) {
+    blocks->fRoom = 0;
+    while (TBlock* const first = blocks->fFirst) {
+      blocks->fFirst = first->fNext;
+      ::operator delete(first);
     }
   }
+}
 
- private:
-  TBlocksOfThread& fBlocks;
-};
-
+// The memory of values that are destroyed after the end of the thread or of the library, such as
+// those in static variables, is not kept.
 void TPayloadMemory::KeepFirstOrReturn(TBlocks& blocks, void* memory) noexcept {
-  if (std::exchange(gBlocks.fWasOpened, true)) return ::operator delete(memory);
-  thread_local const TReturnAtThreadEnd atEnd(gBlocks);
+  static const TThreadEnd end(&ReturnBlocks);
+  if (!std::exchange(gBlocks.fWasOpened, true) && end.Expect(&gBlocks)) {
+    gBlocks.fSmall.fRoom = gBlocks.fLarge.fRoom = kMostKept;
+  }
   if (blocks.fRoom == 0) return ::operator delete(memory);
   --blocks.fRoom;
   blocks.fFirst = ::new (memory) TBlock{blocks.fFirst};

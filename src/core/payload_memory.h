@@ -51,7 +51,6 @@ class TPayloadMemory {
     TBlocks fLarge;
     bool fWasOpened;
   };
-  class TReturnAtThreadEnd;
 
   template <std::size_t kSize>
   static TBlocks& Blocks() {
@@ -59,6 +58,7 @@ class TPayloadMemory {
     TBlocksOfThread& blocks = FoundOnce(gBlocks);
     return kSize <= kSmall ? blocks.fSmall : blocks.fLarge;
   }
+  static void ReturnBlocks(void* blocksOfThread) noexcept;
   static void KeepFirstOrReturn(TBlocks& blocks, void* memory) noexcept;
 
   static inline thread_local TBlocksOfThread gBlocks = {};

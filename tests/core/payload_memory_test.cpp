@@ -21,12 +21,13 @@ std::atomic<int> blocksInUse = 0;
 
 }  // namespace
 
-void* operator new(std::size_t size) {
+// Never inline: the compiler would miss the pair of new and delete.
+__attribute__((noinline)) void* operator new(std::size_t size) {
   ++blocksInUse;
   if (void* const memory = std::malloc(size)) return memory;
   throw std::bad_alloc();
 }
-void operator delete(void* memory) noexcept {
+__attribute__((noinline)) void operator delete(void* memory) noexcept {
   if (memory != nullptr) --blocksInUse;
   std::free(memory);
 }
