@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Memory: how much of it is in use, and the slots with their modules.
 #include <qdxdisplay/quantity.h>
+#include <qdxmodel/natural_order.h>
 
 #include <algorithm>
 #include <map>
@@ -56,7 +57,7 @@ THTML SlotPictures(const TRecords& records) {
   constexpr std::size_t kMostSlots = 128;
   auto slots = records.Of("MemorySlot");
   std::stable_sort(slots.begin(), slots.end(), [](const TRecord& left, const TRecord& right) {
-    return ComesBefore(left.GetText("Tag"), right.GetText("Tag"));
+    return NModel::ComesBefore(left.GetText("Tag"), right.GetText("Tag"));
   });
   const auto modules = ReadModules(records);
   THTML pictures;

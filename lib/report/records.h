@@ -8,7 +8,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "contents.h"
@@ -54,10 +53,6 @@ class TRecords {
   const TReportedNamespace& fNamespace;
   std::size_t fFirst = 0;  // the number of the first instance
 };
-
-/// Returns whether a text comes before another one if numbers in them count as numbers: "DIMM 2"
-/// before "DIMM 10".
-bool ComesBefore(std::string_view left, std::string_view right);
 
 /// Parses a list of numbers such as "0-3,8". Ends at what is no number; ranges are bounded.
 std::set<unsigned> NumbersIn(const std::string& list);

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Network ports, cards and sensors.
+#include <qdxmodel/natural_order.h>
+
 #include <algorithm>
 #include <cmath>
 #include <map>
@@ -43,7 +45,9 @@ bool PortComesBefore(const TPort& left, const TPort& right) {
   const auto key = [](const TPort& port) {
     return std::tuple(port.fAddresses.empty(), !port.fKind.empty(), port.fLinkState != "up");
   };
-  return key(left) < key(right);
+  const auto one = key(left);
+  const auto other = key(right);
+  return one == other ? NModel::ComesBefore(left.fName, right.fName) : one < other;
 }
 
 void ReadPorts(const ICIMNamespace& ns, std::vector<TPort>& ports) {
@@ -114,7 +118,9 @@ void ReadCards(const ICIMNamespace& ns, std::vector<TCards>& cards) {
     if (!slot.empty()) slots[group->second].insert(slot);
   });
   for (std::size_t i = 0; i < cards.size(); ++i) {
-    cards[i].fSlots.assign(slots[i].begin(), slots[i].end());
+    std::vector<std::string>& ofCard = cards[i].fSlots;
+    ofCard.assign(slots[i].begin(), slots[i].end());
+    std::stable_sort(ofCard.begin(), ofCard.end(), NModel::ComesBefore);
   }
 }
 

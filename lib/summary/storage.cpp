@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Disks, arrays and file systems.
+#include <qdxmodel/natural_order.h>
+
 #include <algorithm>
 #include <iterator>
 #include <map>
@@ -50,7 +52,7 @@ class TDrives {
       std::copy_if(bases->second.begin(), bases->second.end(), std::back_inserter(rest),
                    [&seen](const std::string& base) { return seen.insert(base).second; });
     }
-    std::sort(drives.begin(), drives.end());
+    std::stable_sort(drives.begin(), drives.end(), NModel::ComesBefore);
     return drives;
   }
 
@@ -80,6 +82,9 @@ void ReadDisks(const ICIMNamespace& ns, TSummary& summary, TDrives& drives) {
         groups.GroupOf(disk, disk.fBytes, disk.fMedium, disk.fTransport, disk.fModel, disk.fState);
     group.fNames.push_back(name);
   });
+  for (TDisks& disks : summary.fDisks) {
+    std::stable_sort(disks.fNames.begin(), disks.fNames.end(), NModel::ComesBefore);
+  }
   std::stable_sort(summary.fDisks.begin(), summary.fDisks.end(),
                    [](const TDisks& left, const TDisks& right) {
                      // What is not well comes first, then what is large.
@@ -102,7 +107,9 @@ void ReadArrays(const ICIMNamespace& ns, std::vector<TArray>& arrays) {
     arrays.push_back(std::move(array));
   });
   std::stable_sort(arrays.begin(), arrays.end(), [](const TArray& left, const TArray& right) {
-    return left.fMissingMembers.value_or(0) > right.fMissingMembers.value_or(0);
+    const std::uint64_t missing = left.fMissingMembers.value_or(0);
+    const std::uint64_t others = right.fMissingMembers.value_or(0);
+    return missing == others ? NModel::ComesBefore(left.fName, right.fName) : missing > others;
   });
 }
 
@@ -120,13 +127,15 @@ bool KeepsFiles(const TFacts& facts, const TFileSystem& system) {
          BeginsWith(system.fDevice, "/dev/");
 }
 
-/// The root, what can be written, and the fullest first.
+/// The root, what can be written, and the fullest first; then by name.
 bool SystemComesBefore(const TFileSystem& left, const TFileSystem& right) {
   const auto key = [](const TFileSystem& system) {
     return std::tuple(system.fMountPoint != "/", system.fIsReadOnly,
                       -system.UsedPart().value_or(-1));
   };
-  return key(left) < key(right);
+  const auto one = key(left);
+  const auto other = key(right);
+  return one == other ? NModel::ComesBefore(left.fMountPoint, right.fMountPoint) : one < other;
 }
 
 void ReadFileSystems(const ICIMNamespace& ns, std::vector<TFileSystem>& systems, TDrives& drives) {

@@ -199,6 +199,34 @@ TEST_F(QDXSummary, IsPrintedAsJSON) {
   }
 }
 
+TEST_F(QDXSummary, SortsNumbersInNamesAsNumbers) {
+  std::string mounts;
+  for (const char* const number : {"100", "10", "2"}) {
+    const std::string disk = std::string("nvme") + number + "n1";
+    fTree.Write("sys/block/" + disk + "/device/model", "Fast\n");
+    fTree.Write("sys/block/md9/slaves/" + disk + "/x", "");
+    fTree.Write("sys/block/md" + std::string(number) + "/md/level", "raid1\n");
+    fTree.Write("sys/class/net/eth" + std::string(number) + "/type", "1\n");
+    mounts += "srv:/" + disk + " /m" + number + " nfs rw 0 0\n";
+  }
+  fTree.Write("sys/block/md9/dev", "9:9\n");
+  fTree.Write("sys/block/md9/md/level", "raid1\n");
+  fTree.Write("proc/mounts", mounts + "/dev/md9 /data xfs rw 0 0\n");
+  const TJSON summary = TJSON::parse(Run({"summary", "--json"}).fOutput);
+  const auto list = [&summary](const char* part, const char* property) {
+    std::string names;
+    for (const TJSON& each : summary[part]) names += each[property].get<std::string>() + " ";
+    return names;
+  };
+  const TJSON disks = {"nvme2n1", "nvme10n1", "nvme100n1"};
+  EXPECT_EQ(summary["fileSystems"][0]["disks"], disks);
+  EXPECT_TRUE(std::any_of(summary["disks"].begin(), summary["disks"].end(),
+                          [&disks](const TJSON& each) { return each["names"] == disks; }));
+  EXPECT_EQ(list("fileSystems", "mountPoint"), "/data /m2 /m10 /m100 ");
+  EXPECT_EQ(list("arrays", "name"), "md0 md2 md9 md10 md100 ");
+  EXPECT_EQ(list("ports", "name"), "eth0 eth1 eth2 eth10 eth100 ");
+}
+
 TEST_F(QDXSummary, OfADocumentIsThatOfTheMachine) {
   const TTempDir folder;
   const std::string file = (folder.Path() / "d.xml").string();

@@ -17,15 +17,5 @@ TEST(Records, ListsOfNumbersAreBounded) {
   EXPECT_LE(NumbersIn("0-4294967295").size(), 70000U);
 }
 
-TEST(Records, NumbersInTextsCountAsNumbers) {
-  const char* const ordered[] = {"",        "DIMM",       "DIMM 2", "DIMM 02A",
-                                 "DIMM 10", "DIMM 010 B", "P1",     "P1 2"};
-  for (std::size_t i = 0; i < std::size(ordered); ++i) {
-    for (std::size_t j = 0; j < std::size(ordered); ++j) {
-      EXPECT_EQ(ComesBefore(ordered[i], ordered[j]), i < j) << ordered[i] << ", " << ordered[j];
-    }
-  }
-}
-
 }  // namespace
 }  // namespace NVORNQDX20::NReport
