@@ -181,6 +181,13 @@ TEST_F(QDXShowMachine, UnderstandsNamesOfClasses) {
        4,
        "looking for NumericSensr: no such class, instance or file; did you mean "
        "'VORNSG_NumericSensor'?\n"},
+      {{"disk", "--without", "disks"},
+       4,
+       "looking for disk: no such class, instance or file; part disks is left out\n"},
+      {{"disk", "--without", "disks,network"},
+       4,
+       "looking for disk: no such class, instance or "
+       "file; parts disks, network are left out\n"},
       {{"s"}, 4, "looking for s: several classes are called so: VORNSG_"},
       {{"disk", "--where", "Sixe>1"},
        4,

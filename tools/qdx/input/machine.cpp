@@ -194,8 +194,10 @@ TMachine::TParts TMachine::GetParts() const {
   for (const TAskedProvider& provider : fProviders) {
     for (const auto& [part, isOnRequest] : provider.fParts) {
       if (!known.insert(part).second) continue;
-      const bool isChosen = choice.Of(part, isOnRequest) == NModel::TPartChoice::kChosen;
+      const auto verdict = choice.Of(part, isOnRequest);
+      const bool isChosen = verdict == NModel::TPartChoice::kChosen;
       (isChosen ? parts.fChosen : parts.fLeftOut).push_back(part);
+      if (verdict == NModel::TPartChoice::kLeftOut) parts.fExcluded.push_back(part);
     }
   }
   return parts;
@@ -204,11 +206,11 @@ TMachine::TParts TMachine::GetParts() const {
 /// Throws a TCommandFailure for a part that no provider has: it is misspelled, or its provider
 /// failed.
 void TMachine::CheckParts(const TAnswers& answers) const {
-  const auto& [chosen, leftOut] = GetParts();
-  std::vector<std::string> known = chosen;
-  known.insert(known.end(), leftOut.begin(), leftOut.end());
-  for (const auto& [option, parts] : fPartOptions) {
-    const std::vector<TCIMValue>& named = parts;
+  const TParts parts = GetParts();
+  std::vector<std::string> known = parts.fChosen;
+  known.insert(known.end(), parts.fLeftOut.begin(), parts.fLeftOut.end());
+  for (const auto& [option, value] : fPartOptions) {
+    const std::vector<TCIMValue>& named = value;
     for (const std::string name : named) {
       if (std::find(known.begin(), known.end(), name) != known.end()) continue;
       PrintLoadFailures(answers.fLoadFailures);

@@ -59,6 +59,7 @@ class TMachine {
   struct TParts {
     std::vector<std::string> fChosen;
     std::vector<std::string> fLeftOut;
+    std::vector<std::string> fExcluded;  ///< Those of them whose classes are missing, too.
   };
   TParts GetParts() const;
   /// Returns whether everything that the providers have was delivered as they have it.

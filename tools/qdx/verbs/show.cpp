@@ -119,6 +119,7 @@ struct TShownSource {
   std::vector<TMachineNamespace> fNamespaces;
   TCollectionRecord fRecord;
   bool fIsComplete;
+  std::vector<std::string> fPartsLeftOut = {};  // by options: their classes are missing
 };
 
 TShownSource OpenDocumentOf(const TRequest& request, const TArguments& arguments) {
@@ -134,6 +135,7 @@ TShownSource OpenMachine(const TRequest& request, const TArguments& arguments) {
   TMachine machine(arguments);
   TShownSource source{machine.TakeAll(), {}, true};
   source.fIsComplete = machine.IsComplete();
+  source.fPartsLeftOut = machine.GetParts().fExcluded;
   if (request.fForm != EForm::kJSONLines) return source;
   source.fRecord.fHostName = HostNameOf(source.fNamespaces, machine.GetRoot());
   source.fRecord.fTime = TOSSpecific::GetLocalTime();
@@ -177,7 +179,8 @@ EExitCode RunShow(const TArguments& arguments) {
   const bool isMachine = request.fFile.empty();
   const TShownSource source =
       isMachine ? OpenMachine(request, arguments) : OpenDocumentOf(request, arguments);
-  const auto found = FindRequested(request, source.fNamespaces, source.fIsComplete || !isMachine);
+  const auto found = FindRequested(request, source.fNamespaces, source.fPartsLeftOut,
+                                   source.fIsComplete || !isMachine);
   const bool isWhole = ShowView(request, found, source);
   return isWhole && source.fIsComplete ? kExitDone : kExitPartlyDone;
 }

@@ -215,7 +215,8 @@ TExplainedException ExplainInvalidElement(const TExplainedException& failure) {
   return {failure.GetStatusCode(), reason};
 }
 
-[[noreturn]] void FailToFindElement(const TRequest& request, bool isComplete,
+[[noreturn]] void FailToFindElement(const TRequest& request,
+                                    const std::vector<std::string>& partsLeftOut, bool isComplete,
                                     const TSelection& selection) {
   const TExplainedException& failure = selection.GetLookupFailure();
   const std::string action = "looking for " + request.fElement.fText;
@@ -234,6 +235,13 @@ TExplainedException ExplainInvalidElement(const TExplainedException& failure) {
         {kQDXStatusNotFound, cimClass + " has no such instance; 'qdx show" + file + " " + cimClass +
                                  " --depth 2' lists those that it has"});
   }
+  if (!partsLeftOut.empty()) {
+    const bool isOne = partsLeftOut.size() == 1;
+    throw TCommandFailure(kExitBadInput, action,
+                          {kQDXStatusNotFound,
+                           failure.GetReason() + (isOne ? "; part " : "; parts ") +
+                               Listed(partsLeftOut) + (isOne ? " is left out" : " are left out")});
+  }
   const std::string list = "; 'qdx show" + file + " --depth 1' lists the classes";
   const std::string& suggestion = selection.GetSuggestion();
   throw TCommandFailure(
@@ -241,9 +249,11 @@ TExplainedException ExplainInvalidElement(const TExplainedException& failure) {
       {kQDXStatusNotFound, failure.GetReason() + (suggestion.empty() ? list : suggestion)});
 }
 
-[[noreturn]] void FailToFind(const TRequest& request, bool isComplete,
-                             const TSelection& selection) {
-  if (!request.fElement.fText.empty()) FailToFindElement(request, isComplete, selection);
+[[noreturn]] void FailToFind(const TRequest& request, const std::vector<std::string>& partsLeftOut,
+                             bool isComplete, const TSelection& selection) {
+  if (!request.fElement.fText.empty()) {
+    FailToFindElement(request, partsLeftOut, isComplete, selection);
+  }
   // The lines about failed providers are the reason.
   if (!isComplete) throw TCommandFailure(kExitNothingCollected);
   throw TCommandFailure(kExitNothingCollected,
@@ -262,10 +272,12 @@ boost::shared_ptr<ICIMInstance> TFoundElement::GetInstance() const {
 }
 
 std::vector<TFoundElement> FindRequested(const TRequest& request,
-                                         const TMachineNamespaces& namespaces, bool isComplete) {
+                                         const TMachineNamespaces& namespaces,
+                                         const std::vector<std::string>& partsLeftOut,
+                                         bool isComplete) {
   TSelection selection(request, namespaces);
   std::vector<TFoundElement> found = selection.Find();
-  if (found.empty()) FailToFind(request, isComplete, selection);
+  if (found.empty()) FailToFind(request, partsLeftOut, isComplete, selection);
   return found;
 }
 

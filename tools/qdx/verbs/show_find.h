@@ -25,10 +25,12 @@ struct TFoundElement {
 };
 
 /// Finds the element of the request in each namespace, in the order of their names. The name of a
-/// class may be what FindClassFor() understands. `isComplete` is false if a provider failed, which
-/// may be why nothing is found. Throws a TCommandFailure then, and if a class can be several.
+/// class may be what FindClassFor() understands. Throws a TCommandFailure if there is none, and if
+/// a class can be several. The reason may be that `partsLeftOut` have it, or that a provider
+/// failed: then `isComplete` is false.
 std::vector<TFoundElement> FindRequested(const TRequest& request,
                                          const std::vector<TMachineNamespace>& namespaces,
+                                         const std::vector<std::string>& partsLeftOut,
                                          bool isComplete);
 
 /// Returns the name of the class that a person typed, as a namespace has it; empty for an empty
