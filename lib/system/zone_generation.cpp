@@ -29,6 +29,9 @@ inline const char* FindZone() {
 
 thread_local TZoneWatch gWatch;
 
+/// When the library was loaded.
+const std::time_t gLoaded = std::time(nullptr);
+
 }  // namespace
 
 TZoneWatch& ZoneWatchOfThisThread() { return FoundOnce(gWatch); }
@@ -72,6 +75,7 @@ __attribute__((noinline)) void TZoneWatch::Keep(const char* zone) {
   if (fState == kUnknown) return;
   Advance();
   ReadFile();
+  if (fState == kSet && IsFileInDoubt()) Doubt();
 }
 
 /// Finds the file that the C library looks for. There is none if the text describes the zone.
@@ -87,18 +91,30 @@ bool TZoneWatch::FindPath(const char* zone) {
 
 __attribute__((noinline)) void TZoneWatch::LookAtFile() {
   const struct stat last = fFile;
+  // The folder can be another one since.
+  if (fState != kUnset && !FindPath(fText)) fPath[0] = '\0';
   ReadFile();
-  if (fFile.st_dev == last.st_dev && fFile.st_ino == last.st_ino &&
-      fFile.st_mtim.tv_sec == last.st_mtim.tv_sec &&
-      fFile.st_mtim.tv_nsec == last.st_mtim.tv_nsec) {
-    return;
-  }
+  const bool isSame = fFile.st_dev == last.st_dev && fFile.st_ino == last.st_ino &&
+                      fFile.st_mtim.tv_sec == last.st_mtim.tv_sec &&
+                      fFile.st_mtim.tv_nsec == last.st_mtim.tv_nsec;
   if (fState == kUnset) {
-    Advance();
-  } else {
-    fState = kReplaced;
-    fKnown = 0;
+    if (!isSame) Advance();
+  } else if (!isSame || IsFileInDoubt()) {
+    Doubt();
   }
+}
+
+/// Returns whether the C library can have read another file of TZ than the one that is there now:
+/// this thread may have looked for the first time after the file or the link to it was replaced.
+bool TZoneWatch::IsFileInDoubt() const {
+  struct stat link {};
+  return fFile.st_ctim.tv_sec >= gLoaded ||
+         (::lstat(fPath, &link) == 0 && link.st_ctim.tv_sec >= gLoaded);
+}
+
+void TZoneWatch::Doubt() {
+  fState = kReplaced;
+  fKnown = 0;
 }
 
 void TZoneWatch::Advance() {

@@ -15,8 +15,8 @@ namespace NVORNQDX20 {
 /// Such a file is noticed within a second. Allocates nothing.
 ///
 /// Returns 0 if nothing can be kept: TZ has a text that is too long to be remembered, or it is set
-/// and its file was replaced since. The C library reads that file again at some time that cannot be
-/// known.
+/// and its file was replaced since the library was loaded. The C library reads that file again at
+/// some time that cannot be known.
 std::uint32_t ZoneGeneration();
 
 /// Does the same, but looks at the file now.
@@ -53,6 +53,8 @@ class TZoneWatch {
   void Keep(const char* zone);
   bool FindPath(const char* zone);
   void LookAtFile();
+  bool IsFileInDoubt() const;
+  void Doubt();
   void Advance();
   void ReadFile();
 
@@ -60,7 +62,7 @@ class TZoneWatch {
     kUnknown,
     kUnset,
     kSet,
-    kReplaced  // TZ is set, and its file was replaced since
+    kReplaced  // TZ is set, and its file was replaced since the library was loaded
   };
 
   bool fIsHeld = false;
