@@ -22,6 +22,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "last_supervisor.h"
 #include "process_tree.h"
 #include "supervisor.h"
 
@@ -64,32 +65,6 @@ std::string Megabytes(std::uint64_t bytes) { return std::to_string(bytes >> 20U)
 struct TDeliveries {
   const std::size_t fJobs;
   std::uint64_t fSum = 0;
-};
-
-/// The supervisor that was killed last. It takes a tenth of a millisecond to end, in which this
-/// process goes on: it waits for it before it kills the next one, and at its own end.
-class TLastSupervisor {
- public:
-  constexpr TLastSupervisor() = default;
-  ~TLastSupervisor() { Await(); }
-  TLastSupervisor(const TLastSupervisor&) = delete;
-  TLastSupervisor& operator=(const TLastSupervisor&) = delete;
-
-  void Await() {
-    // A worker, which has a copy of this object, may have a child of the same number.
-    if (fSupervisor > 0 && fParent == ::getpid()) ::waitpid(fSupervisor, nullptr, 0);
-    fSupervisor = -1;
-  }
-  void Kill(pid_t supervisor) {
-    ::kill(supervisor, SIGKILL);
-    Await();
-    fSupervisor = supervisor;
-    fParent = ::getpid();
-  }
-
- private:
-  pid_t fSupervisor = -1;
-  pid_t fParent = -1;
 };
 
 TLastSupervisor gLastSupervisor;
