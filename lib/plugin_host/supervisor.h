@@ -18,7 +18,7 @@ enum EWorkerStatus : int {
   kOutOfMemory = 114,
 };
 
-/// What a supervisor tells at its end, as bytes.
+/// What a supervisor sends at its end, as bytes.
 struct TReport {
   int fError = 0;             ///< Why the worker could not be started: an errno.
   int fStatus = -1;           ///< As of wait(); -1 if the worker has not ended.

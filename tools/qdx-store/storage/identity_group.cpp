@@ -8,7 +8,7 @@
 namespace NVORNQDX20::NStore {
 namespace {
 
-/// Those of which only this tells the host.
+/// Those whose host is known only by this.
 const char* const kOnlyMachine = "i.machine_id = :machine AND i.uuid = ''";
 const char* const kOnlySerial = "i.serial_number = :text AND i.uuid = '' AND i.machine_id = ''";
 const char* const kOnlyName =

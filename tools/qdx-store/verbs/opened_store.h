@@ -11,7 +11,7 @@
 
 namespace NVORNQDX20::NStore {
 
-/// Null for an optional store that does not exist yet. A line tells about a long wait for another
+/// Null for an optional store that does not exist yet. A line reports a long wait for another
 /// program. Throws a TCommandFailure that names the store, without a password, if it cannot be
 /// opened.
 std::unique_ptr<TDatabase> OpenStoreOf(const std::string& operand, EAccess access);
