@@ -6,6 +6,8 @@
 #include <qdxmodel/names.h>
 
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,6 +16,37 @@
 #include "hash_index.h"
 
 namespace NVORNQDX20::NRepository {
+
+/// Returns the bits in which the words at two places differ.
+template <typename TWord>
+TWord DifferenceOf(const char* left, const char* right) noexcept {
+  TWord words[2];
+  std::memcpy(&words[0], left, sizeof(TWord));
+  std::memcpy(&words[1], right, sizeof(TWord));
+  return words[0] ^ words[1];
+}
+
+/// Like left == right, but without a call of memcmp(), which reads a short text at once: most names
+/// are looked up right after they were written in parts, and the processor waits for those.
+inline bool IsSameText(std::string_view left, std::string_view right) noexcept {
+  const std::size_t size = left.size();
+  if (size != right.size()) return false;
+  const char* const l = left.data();
+  const char* const r = right.data();
+  // The last words overlap with those before.
+  if (size >= 8) {
+    auto difference = DifferenceOf<std::uint64_t>(l + size - 8, r + size - 8);
+    for (std::size_t at = 0; at + 8 < size; at += 8) {
+      difference |= DifferenceOf<std::uint64_t>(l + at, r + at);
+    }
+    return difference == 0;
+  }
+  if (size >= 4) {
+    return (DifferenceOf<std::uint32_t>(l, r) |
+            DifferenceOf<std::uint32_t>(l + size - 4, r + size - 4)) == 0;
+  }
+  return size == 0 || (l[0] == r[0] && l[size / 2] == r[size / 2] && l[size - 1] == r[size - 1]);
+}
 
 /// Elements in the order in which they were added, with a look-up by GetName(). Does not own them;
 /// they must outlive the table.
@@ -63,7 +96,7 @@ class TNameTable {
 
  private:
   bool IsAt(std::size_t position, std::string_view name) const {
-    return position < fElements.size() && fElements[position]->GetName() == name;
+    return position < fElements.size() && IsSameText(fElements[position]->GetName(), name);
   }
 
   /// Not inline: Position() would save registers for it at each call.
