@@ -123,13 +123,17 @@ template <typename T>
 T ReadReal(const std::string& text) {
   const char* start = SkipWhiteSpace(text.c_str());
   const bool negative = TakeSign(start);
-  const std::size_t length = LengthOfReal(start);
-  if (length == 0) return 0;
+  // std::from_chars also reads a minus sign, and words.
+  if (!IsDigit(*start) && *start != '.') return 0;
 
   T number = 0;
-  const auto result = std::from_chars(start, start + length, number);
+  const auto result = std::from_chars(start, text.c_str() + text.size(), number);
+  if (result.ec == std::errc::invalid_argument) return 0;
+  // It stops before an exponent without digits, too.
+  const bool isBeforeExponent = *result.ptr == 'e' || *result.ptr == 'E';
+  if (isBeforeExponent && LengthOfReal(start) == 0) return 0;
   if (result.ec == std::errc::result_out_of_range) {
-    number = ReadExtremeReal<T>(std::string(start, length));
+    number = ReadExtremeReal<T>(std::string(start, LengthOfReal(start)));
   }
   if (std::isinf(number)) return 0;
   return negative ? -number : number;

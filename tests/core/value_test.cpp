@@ -416,6 +416,40 @@ TEST(CIMValueParsing, OfReals) {
                Row("179769313486231570000e288", 1.7976931348623157e308));
 }
 
+template <typename T>
+void ExpectReadAsByAStream(TCIMType type, const std::string& text) {
+  std::istringstream stream(text);
+  stream.imbue(std::locale::classic());
+  T expected = 0;
+  if (!(stream >> expected)) expected = 0;
+  const T number = Parse(type, text);
+  EXPECT_EQ(number, expected) << text;
+  EXPECT_EQ(std::signbit(number), std::signbit(expected)) << text;
+}
+
+TEST(CIMValueParsing, OfAnyRealIsThatOfAStream) {
+  std::mt19937 engine(1);
+  const auto number = [&engine](int from, int to) {
+    return std::uniform_int_distribution<int>(from, to)(engine);
+  };
+  const auto some = [&number](const std::string& of, int most) {
+    std::string text;
+    for (int length = number(0, most); length > 0; --length) {
+      text += of[static_cast<std::size_t>(number(0, static_cast<int>(of.size()) - 1))];
+    }
+    return text;
+  };
+  for (int i = 0; i < 20000; ++i) {
+    const std::string digits = number(0, 9) == 0 ? "0" : "0123456789";
+    std::string text = some(" \t", 1) + some("+-", 1) + some(digits, number(0, 9) == 0 ? 400 : 20);
+    if (number(0, 1) == 0) text += "." + some(digits, number(0, 9) == 0 ? 400 : 20);
+    if (number(0, 1) == 0) text += some("eE", 1) + some("+-", 1) + some(digits, 3);
+    text += some("eE.+-x 5infa", 2);
+    ExpectReadAsByAStream<double>(TCIMType::kCIMTypeReal64, text);
+    ExpectReadAsByAStream<float>(TCIMType::kCIMTypeReal32, text);
+  }
+}
+
 TEST(CIMValueParsing, OfTextsAndOfWhatCannotBeRead) {
   ExpectParsed(Row("  \"a\", \\ ", "  \"a\", \\ "),
                Row("20040315143000.000000+060", TCIMDateTime("20040315143000.000000+060")));
