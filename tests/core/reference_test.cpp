@@ -195,6 +195,31 @@ TEST_F(ObjectPath, GivesTheKeysFromWhichItWasMade) {
   }
 }
 
+TEST_F(ObjectPath, EndsAValueAtTheFirstQuoteThatIsNotEscaped) {
+  // How it is written, and what it is. Bytes that resemble a quote or a backslash, too.
+  const std::pair<std::string, std::string> parts[] = {
+      {R"(\")", "\""},  {R"(\\)", "\\"},  {R"(\y)", R"(\y)"},
+      {"y", "y"},       {"!", "!"},       {"#", "#"},
+      {"[", "["},       {"]", "]"},       {"\xA2", "\xA2"},
+      {"\xDC", "\xDC"}, {"\x01", "\x01"}, {std::string(1, '\0'), std::string(1, '\0')}};
+  const TLogCapture log;
+  std::mt19937 random(1);
+  for (int i = 0; i < 5000; ++i) {
+    std::string written;
+    std::string text;
+    const std::size_t first = i % 2 == 0 ? 0 : 3;  // every other has no escapes
+    for (auto length = random() % 20; length > 0; --length) {
+      const auto& part = parts[first + random() % (std::size(parts) - first)];
+      written += part.first;
+      text += part.second;
+    }
+    const std::string path = "C.a=\"" + written + "\"" + (random() % 2 == 0 ? ",b=\"7\"" : "");
+    const TCIMReference read(fNamespace, path, {});
+    EXPECT_EQ(*read.GetBody()->GetKeyBindings().at("a").FindString(), text) << path;
+    EXPECT_QDX_STATUS(RoundTrip("C.a=\"" + written), kQDXStatusInvalidReference) << path;
+  }
+}
+
 TEST_F(ObjectPath, LeavesThePositionWhereItEnds) {
   const std::tuple<std::string, std::uint64_t, std::uint64_t> rows[] = {
       {R"(C.b="1")", 0, 7},       // at the end
