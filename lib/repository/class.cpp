@@ -38,9 +38,12 @@ boost::shared_ptr<ICIMQualifier> TClass::AddQualifier(boost::shared_ptr<ICIMQual
 void TClass::Commit(TOptionsMap) {
   fQualifiers.RequireOpen();
   std::vector<std::size_t> keySlots = FindKeySlots();
+  std::vector<TStoredValue::TType> keyTypes;
+  keyTypes.reserve(keySlots.size());
+  for (const std::size_t slot : keySlots) keyTypes.push_back(DeclAt(slot).GetType());
   const bool isAbstract = IsAbstract({});
   fNamespace.Add(shared_from_this());
-  fInstances.SetKeySlots(std::move(keySlots));
+  fInstances.SetKeySlots(std::move(keySlots), std::move(keyTypes));
   fIsAbstract = isAbstract;
   fIsCommitted = true;
 }

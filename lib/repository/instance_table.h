@@ -44,8 +44,12 @@ class TWantedKey {
 
 class TInstanceTable {
  public:
-  /// REQUIRES: the table is empty. Without keys all instances differ, and Find() returns null.
-  void SetKeySlots(std::vector<std::size_t> slots) { fKeySlots = std::move(slots); }
+  /// `types` are the declared types of the slots, in their order. REQUIRES: the table is empty.
+  /// Without keys all instances differ, and Find() returns null.
+  void SetKeySlots(std::vector<std::size_t> slots, std::vector<TStoredValue::TType> types) {
+    fKeySlots = std::move(slots);
+    fKeyTypes = std::move(types);
+  }
   const std::vector<std::size_t>& GetKeySlots() const { return fKeySlots; }
 
   /// Takes the instance over; its keys must not change afterwards. Returns false and does nothing
@@ -68,11 +72,15 @@ class TInstanceTable {
   }
 
  private:
+  /// Returns the hash of keys, of which the n-th is keyAt(n).
+  template <typename TKeyAt>
+  std::size_t HashOf(const TKeyAt& keyAt) const;
   /// Finds an instance whose key in the n-th key slot equals keyAt(n).
   template <typename TKeyAt>
   TInstance* FindBy(const TKeyAt& keyAt, std::size_t hash) const;
 
   std::vector<std::size_t> fKeySlots;
+  std::vector<TStoredValue::TType> fKeyTypes;
   std::vector<std::unique_ptr<TInstance>> fInstances;
   THashIndex fIndex;
 };
