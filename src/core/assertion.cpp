@@ -14,7 +14,8 @@ namespace {
 
 /// Not std::cerr: its header makes all standard streams whenever the library is loaded.
 void Print(const std::string& text) {
-  (void)std::fwrite(text.data(), 1, text.size(), stderr);  // which is not buffered
+  (void)std::fwrite(text.data(), 1, text.size(), stderr);
+  (void)std::fflush(stderr);  // the program may have given it a buffer, and end by the fault
 }
 
 void ActOnFailure(const std::string& message) {

@@ -6,8 +6,11 @@
 #include "support/expect_status.h"
 #include "support/log_capture.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <iostream>
+
+#include <unistd.h>
 
 using namespace NVORNQDX20;
 
@@ -92,6 +95,17 @@ TEST_F(AssertionDeathTest, EndsTheProcessOnRequest) {
   };
   EXPECT_EXIT(fail(), ::testing::ExitedWithCode(1),
               "\nBoost assertion failure! .*px != 0.* func = .*\nhandled$");
+}
+
+TEST_F(AssertionDeathTest, ReportsBeforeTheFaultOfATrap) {
+  Choose("trap");
+  const auto fail = [] {
+    static char buffer[1024];
+    std::setvbuf(stderr, buffer, _IOFBF, sizeof buffer);
+    boost::assertion_failed("e", "f", "x", 1);
+    ::_exit(0);  // as the fault: what is in a buffer is lost
+  };
+  EXPECT_EXIT(fail(), ::testing::ExitedWithCode(0), "Forcing segmentation fault.\n\n$");
 }
 
 }  // namespace
