@@ -230,7 +230,6 @@ class TWorker {
     ::fcntl(fReport.Get(), F_SETFL, O_NONBLOCK);
     fHasLostSupervisor = ::read(fReport.Get(), &report, sizeof report) != sizeof report;
     EndSupervisor();
-    if (fHasLostSupervisor) gLastSupervisor.Await();  // what it leaves behind is to be found
     while (!fIsGivenUp && Receive()) {
     }
     constexpr int mostReads = 16;  // a process that cannot be killed may still write
@@ -393,7 +392,10 @@ class TPool {
       leavesStrays = leavesStrays || worker->HasLostSupervisor();
       worker = hasEnded ? fWorkers.erase(worker) : std::next(worker);
     }
-    if (leavesStrays) fSubreaper.KillOrphans(GetSupervisors());
+    if (leavesStrays) {
+      gLastSupervisor.Await();  // it is no orphan, and what it leaves behind is to be found
+      fSubreaper.KillOrphans(GetSupervisors());
+    }
     auto lost = TClock::now() - woken;
     if (slept > 2 * kPollInterval) lost += slept - kPollInterval;
     for (TWorker& worker : fWorkers) worker.AddTime(lost);
