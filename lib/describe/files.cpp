@@ -118,7 +118,9 @@ class TFiles::TRoot {
     const int flags = O_RDONLY | O_DIRECTORY | O_NONBLOCK;
     const TFolder* const known = fIsThisMachine ? nullptr : FindFolder(path + '/');
     if (known != nullptr && known->fError == 0) {
-      return TDescriptor(::openat(known->fDescriptor.Get(), ".", flags | O_CLOEXEC));
+      TDescriptor folder(::openat(known->fDescriptor.Get(), ".", flags | O_CLOEXEC));
+      // Unlike its name in its parent, its "." is not found without the right to search it.
+      if (folder.GetError() != EACCES) return folder;
     }
     const TPlace place = FindPlace(path);
     if (place.fFolder >= 0) {
