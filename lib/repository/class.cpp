@@ -184,13 +184,10 @@ void TClass::EnumerateMethodDecls(const TEnumerationCallback<ICIMMethodDecl>& ca
   });
 }
 
-boost::shared_ptr<TClass> TClass::Handle() const {
-  boost::shared_ptr<TClass> handle = fHandle.lock();
-  if (!handle) {
-    handle = HoldWithNamespace(fNamespace.Handle(),
-                               boost::const_pointer_cast<TClass>(shared_from_this()));
-    fHandle = handle;
-  }
+boost::shared_ptr<TClass> TClass::MakeHandle() const {
+  boost::shared_ptr<TClass> handle = HoldWithNamespace(
+      fNamespace.Handle(), boost::const_pointer_cast<TClass>(shared_from_this()));
+  fHandle = handle;
   return handle;
 }
 

@@ -76,7 +76,11 @@ class TClass final : public ICIMClass,
   TClass* GetSuperclass() const { return fSuperclass; }
   bool IsCommitted() const { return fIsCommitted; }
   /// Returns the one owner that all holders share: references order classes by it.
-  boost::shared_ptr<TClass> Handle() const;
+  boost::shared_ptr<TClass> Handle() const {
+    boost::shared_ptr<TClass> handle = fHandle.lock();
+    if (!handle) handle = MakeHandle();
+    return handle;
+  }
 
   void AddProperty(TPropertyDecl& decl);
   void SetReferenceDefault(const std::string& name, const TCIMValue& value);
@@ -105,6 +109,7 @@ class TClass final : public ICIMClass,
   const std::vector<std::size_t>& GetKeySlots() const { return fInstances.GetKeySlots(); }
 
  private:
+  boost::shared_ptr<TClass> MakeHandle() const;
   bool HasSlotsOf(const TClass& other) const;
   TStoredValue CopyValue(const TInstance& source, std::size_t slot) const;
   std::vector<std::size_t> FindKeySlots() const;

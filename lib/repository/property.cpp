@@ -66,8 +66,12 @@ const TCIMValue& TPropertyDecl::GetDefaultValue() const {
 }
 
 boost::shared_ptr<TPropertyDecl> TPropertyDecl::Handle() {
-  boost::shared_ptr<TClass> owner = fQualifiers.GetOwner().Handle();
-  if (!HoldsReferences(GetType())) return boost::shared_ptr<TPropertyDecl>(std::move(owner), this);
+  if (HoldsReferences(GetType())) return HandleWithDefault();
+  return boost::shared_ptr<TPropertyDecl>(fQualifiers.GetOwner().Handle(), this);
+}
+
+boost::shared_ptr<TPropertyDecl> TPropertyDecl::HandleWithDefault() {
+  const boost::shared_ptr<TClass> owner = fQualifiers.GetOwner().Handle();
   boost::shared_ptr<const THold> hold = fHold.lock();
   if (!hold) {
     const THold bound{owner, BoundCopy(fDefaultValue, owner->GetNamespace())};

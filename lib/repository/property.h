@@ -43,6 +43,7 @@ class TPropertyDecl final : public ICIMPropertyDecl, public IDescribed {
 
  private:
   void RequireReferencedClass(const TCIMValue& value) const;
+  boost::shared_ptr<TPropertyDecl> HandleWithDefault();
 
   /// Shared by the holders of a declaration of type reference: its bound default value, which the
   /// declaration itself must not own.

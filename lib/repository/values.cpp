@@ -116,10 +116,6 @@ class TBinding final : public TRebinding {
 
 }  // namespace
 
-bool HoldsReferences(TCIMType type) {
-  return NModel::ElementType(type) == TCIMType::kCIMTypeReference;
-}
-
 bool IsDeclarable(TCIMType type) {
   return NModel::HasKeyword(type) && NModel::ElementType(type) != TCIMType::kCIMTypeChar;
 }

@@ -10,6 +10,7 @@
 
 #include <qdxcore/interfaces.h>
 #include <qdxcore/value.h>
+#include <qdxmodel/type.h>
 
 #include <string>
 
@@ -21,7 +22,9 @@ class TClass;
 class TNamespace;
 
 /// Returns whether the type is a reference or an array of references.
-bool HoldsReferences(TCIMValue::TCIMType type);
+inline bool HoldsReferences(TCIMValue::TCIMType type) {
+  return NModel::ElementType(type) == TCIMValue::TCIMType::kCIMTypeReference;
+}
 
 /// Returns whether properties, parameters and methods can have this type: it has a keyword, and
 /// TCIMValue can hold it.
