@@ -78,6 +78,8 @@ void WriteMissingValues(ICIMNamespace& ns, std::vector<TMissingValue> values) {
 
 std::string ReasonOfPart(const std::string& part) { return "part " + part + " is left out"; }
 
+std::string ReasonUntilAskedFor(const std::string& part) { return "not asked for: --with " + part; }
+
 TMissingReasons ReadMissingReasons(const ICIMNamespace& ns) {
   TMissingReasons reasons;
   try {

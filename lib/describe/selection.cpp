@@ -2,6 +2,7 @@
 #include "selection.h"
 
 #include <qdxcore/logger.h>
+#include <qdxdescribe/missing_values.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -145,7 +146,7 @@ std::vector<TStep> ChosenSteps(std::vector<TStep> steps, const TPartSelection& p
     if (verdict == NModel::TPartChoice::kLeftOut && needed.count(declaration.fName) == 0) continue;
     if (verdict == NModel::TPartChoice::kNotAskedFor && step->fDescribe) {
       step->fDescribe = [part = &declaration.fPart](const ICIMNamespace&, IInstanceSink& sink) {
-        sink.Miss("not asked for: --with " + part->fName);
+        sink.Miss(ReasonUntilAskedFor(part->fName));
       };
     } else if (verdict != NModel::TPartChoice::kChosen) {
       step->fDescribe = nullptr;

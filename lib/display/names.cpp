@@ -135,7 +135,8 @@ std::string Nearest(const std::string& typed, const TNames& names) {
   for (const auto& [word, name] : kCommonWords) {
     if (!FindWhole(std::string(word), names).empty()) forms.emplace_back(word);
   }
-  const std::string nearest = NModel::NearestName(typed, forms);
+  std::string nearest = NModel::NearestName(typed, forms);
+  if (nearest.empty()) nearest = NModel::NearestName(ShortClassName(typed), forms);
   const auto found = std::find(forms.begin(), forms.end(), nearest);
   const auto index = static_cast<std::size_t>(found - forms.begin());
   return index < 2 * names.size() ? names[index / 2] : nearest;

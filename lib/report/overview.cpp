@@ -156,9 +156,10 @@ THTML Gaps(const TSummary& summary) {
   THTML items;
   for (const TGap& gap : summary.fGaps) {
     // What the machine does not have is no news; the page of what is missing has it.
-    if (gap.fKind != TGap::kNeedsRoot && gap.fKind != TGap::kFailed) continue;
-    const std::string before =
-        gap.fKind == TGap::kNeedsRoot ? "Only root can read: " : "Could not be read: ";
+    if (gap.fKind == TGap::kNotThere) continue;
+    const std::string before = gap.fKind == TGap::kNeedsRoot ? "Only root can read: "
+                               : gap.fKind == TGap::kLeftOut ? "Left out: "
+                                                             : "Could not be read: ";
     items += Item(Link({}, before + Joined(gap.fSubjects, ", ")) + " " +
                   TextElement("span", "quiet", gap.fReason));
   }

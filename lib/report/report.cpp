@@ -2,6 +2,7 @@
 #include <qdxreport/report.h>
 
 #include <qdxmodel/names.h>
+#include <qdxsnapshot/record.h>
 #include <qdxsummary/summary.h>
 
 #include <algorithm>
@@ -62,7 +63,7 @@ std::string MakeReport(const std::vector<boost::shared_ptr<ICIMNamespace>>& name
   std::string title = "Report of a machine";
   if (!namespaces.empty()) {
     const std::size_t machine = MachineAmong(namespaces);
-    const auto summary = NSummary::Summarize(*namespaces[machine]);
+    const auto summary = NSummary::Summarize(*namespaces[machine], FindPartsExcluded(namespaces));
     overview = Collected(read) + Overview(summary, TRecords(read, machine));
     const std::string& host = summary.fProduct.fHostName;
     if (!host.empty()) title = host;

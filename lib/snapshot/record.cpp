@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <qdxsnapshot/record.h>
 
+#include <qdxdescribe/missing_values.h>
 #include <qdxmodel/attempt.h>
 #include <qdxmodel/classes.h>
 #include <qdxmodel/names.h>
+
+#include <algorithm>
+#include <set>
 
 namespace NVORNQDX20 {
 namespace {
@@ -70,6 +74,20 @@ TCollectionRecord FindRecord(const std::vector<boost::shared_ptr<ICIMNamespace>>
     if (IsRecordNamespace(*ns)) return ReadRecord(*ns);
   }
   return {};
+}
+
+std::vector<std::string> FindPartsExcluded(
+    const std::vector<boost::shared_ptr<ICIMNamespace>>& namespaces) {
+  std::set<std::string> reasons;
+  for (const auto& ns : namespaces) {
+    for (const auto& [place, reason] : NDescribe::ReadMissingReasons(*ns)) reasons.insert(reason);
+  }
+  std::vector<std::string> parts = FindRecord(namespaces).fPartsLeftOut;
+  const auto isUntilAskedFor = [&reasons](const std::string& part) {
+    return reasons.count(NDescribe::ReasonUntilAskedFor(part)) != 0;
+  };
+  parts.erase(std::remove_if(parts.begin(), parts.end(), isUntilAskedFor), parts.end());
+  return parts;
 }
 
 }  // namespace NVORNQDX20

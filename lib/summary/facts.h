@@ -85,7 +85,8 @@ TNumber Times(const TNumber& number, std::uint64_t factor);
 void ReadStorage(const ICIMNamespace& ns, TSummary& summary);
 void ReadDevices(const ICIMNamespace& ns, TSummary& summary);
 void ReadPower(const ICIMNamespace& ns, TSummary& summary);
-void ReadGaps(const ICIMNamespace& ns, TSummary& summary);
+void ReadGaps(const ICIMNamespace& ns, const std::vector<std::string>& partsLeftOut,
+              TSummary& summary);
 
 }  // namespace NVORNQDX20::NSummary
 

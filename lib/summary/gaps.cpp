@@ -202,9 +202,23 @@ class TWorst {
   std::map<std::string_view, TFound> fAll;
 };
 
+/// Its classes are not there to say so.
+void AddPartLeftOut(const std::string& part, std::vector<TGap>& gaps) {
+  const std::string reason = NDescribe::ReasonOfPart(part);
+  auto gap = std::find_if(gaps.begin(), gaps.end(), [&reason](const TGap& each) {
+    return each.fKind == TGap::kLeftOut && each.fReason == reason;
+  });
+  if (gap == gaps.end()) gap = gaps.insert(gaps.end(), {TGap::kLeftOut, reason, {}});
+  std::vector<std::string>& subjects = gap->fSubjects;
+  if (std::find(subjects.begin(), subjects.end(), part) == subjects.end()) {
+    subjects.insert(subjects.begin(), part);
+  }
+}
+
 }  // namespace
 
-void ReadGaps(const ICIMNamespace& ns, TSummary& summary) {
+void ReadGaps(const ICIMNamespace& ns, const std::vector<std::string>& partsLeftOut,
+              TSummary& summary) {
   const NDescribe::TMissingReasons reasons = NDescribe::ReadMissingReasons(ns);
   TWorst worst;
   for (const auto& [place, reason] : reasons) {
@@ -219,6 +233,7 @@ void ReadGaps(const ICIMNamespace& ns, TSummary& summary) {
     worst.Add(subject, kind, reason);
   }
   summary.fGaps = worst.Take();
+  for (const std::string& part : partsLeftOut) AddPartLeftOut(part, summary.fGaps);
 }
 
 }  // namespace NVORNQDX20::NSummary

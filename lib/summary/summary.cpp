@@ -148,7 +148,7 @@ const std::vector<std::string>& ClassesOfSummary() {
   return classes;
 }
 
-TSummary Summarize(const ICIMNamespace& ns) {
+TSummary Summarize(const ICIMNamespace& ns, const std::vector<std::string>& partsLeftOut) {
   TSummary summary;
   ReadProduct(ns, summary.fProduct);
   ReadFirmware(ns, summary.fFirmware);
@@ -158,7 +158,7 @@ TSummary Summarize(const ICIMNamespace& ns) {
   ReadStorage(ns, summary);
   ReadDevices(ns, summary);
   ReadPower(ns, summary);
-  ReadGaps(ns, summary);
+  ReadGaps(ns, partsLeftOut, summary);
   return summary;
 }
 

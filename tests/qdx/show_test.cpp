@@ -181,6 +181,10 @@ TEST_F(QDXShowMachine, UnderstandsNamesOfClasses) {
        4,
        "looking for NumericSensr: no such class, instance or file; did you mean "
        "'VORNSG_NumericSensor'?\n"},
+      {{"CIM_NumericSensr", "--without", "disks"},
+       4,
+       "looking for CIM_NumericSensr: no such class, instance or file; did you mean "
+       "'VORNSG_NumericSensor'? part disks is left out\n"},
       {{"disk", "--without", "disks"},
        4,
        "looking for disk: no such class, instance or file; part disks is left out\n"},

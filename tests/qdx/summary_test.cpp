@@ -237,6 +237,14 @@ TEST_F(QDXSummary, OfADocumentIsThatOfTheMachine) {
   output.erase(collected, output.find('\n', collected) + 1 - collected);
   EXPECT_EQ(output, kScreen);
   EXPECT_EQ(fInstallation.RunScript("\"$0\" summary - <" + file).fExitCode, 0);
+
+  // Parts that nobody asked for are not in the summary of the machine either.
+  Run({"collect", "-o", file, "--without", "disks,network"});
+  output = fInstallation.Run({"summary", file}).fOutput;
+  EXPECT_PRED_FORMAT2(::testing::IsSubstring, "\nLeft out    disks, network\n", output);
+  const TProgramRun found = fInstallation.Run({"show", file, "CIM_DiskDirve"});
+  EXPECT_PRED_FORMAT2(::testing::IsSubstring, "instance; parts disks, network are left out\n",
+                      found.fErrors);
 }
 
 TEST_F(QDXSummary, SaysWhatOnlyRootMayRead) {

@@ -126,7 +126,7 @@ TShownSource OpenDocumentOf(const TRequest& request, const TArguments& arguments
   bool incomplete = false;
   const TNamespaces document =
       OpenDocument(request.fFile, arguments, incomplete, ShownInstancesOf(request));
-  TShownSource source{{}, FindRecord(document), !incomplete};
+  TShownSource source{{}, FindRecord(document), !incomplete, FindPartsExcluded(document)};
   for (const auto& ns : document) source.fNamespaces.push_back({{"", ns->GetName({})}, ns});
   return source;
 }

@@ -235,18 +235,14 @@ TExplainedException ExplainInvalidElement(const TExplainedException& failure) {
         {kQDXStatusNotFound, cimClass + " has no such instance; 'qdx show" + file + " " + cimClass +
                                  " --depth 2' lists those that it has"});
   }
+  std::string advice = selection.GetSuggestion();
   if (!partsLeftOut.empty()) {
     const bool isOne = partsLeftOut.size() == 1;
-    throw TCommandFailure(kExitBadInput, action,
-                          {kQDXStatusNotFound,
-                           failure.GetReason() + (isOne ? "; part " : "; parts ") +
-                               Listed(partsLeftOut) + (isOne ? " is left out" : " are left out")});
+    advice += (advice.empty() ? "; " : " ") + std::string(isOne ? "part " : "parts ") +
+              Listed(partsLeftOut) + (isOne ? " is left out" : " are left out");
   }
-  const std::string list = "; 'qdx show" + file + " --depth 1' lists the classes";
-  const std::string& suggestion = selection.GetSuggestion();
-  throw TCommandFailure(
-      kExitBadInput, action,
-      {kQDXStatusNotFound, failure.GetReason() + (suggestion.empty() ? list : suggestion)});
+  if (advice.empty()) advice = "; 'qdx show" + file + " --depth 1' lists the classes";
+  throw TCommandFailure(kExitBadInput, action, {kQDXStatusNotFound, failure.GetReason() + advice});
 }
 
 [[noreturn]] void FailToFind(const TRequest& request, const std::vector<std::string>& partsLeftOut,

@@ -180,10 +180,8 @@ std::optional<std::vector<std::string>> ShownInstancesOf(const TRequest& request
   const std::string name = path.substr(0, EndOfName(path));
   // What is meant by a short name is not known before the classes are.
   if (IsShortName(name)) return std::nullopt;
-  TClasses classes = {name};
-  // Each line has what the record says.
-  if (request.fForm == EForm::kJSONLines) classes.emplace_back(kRecordClass);
-  return classes;
+  // The record says which parts were left out, and lines of JSON have what it says.
+  return TClasses{name, kRecordClass};
 }
 
 std::vector<TOptionSpec> ShowOptions() {

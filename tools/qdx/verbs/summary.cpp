@@ -70,13 +70,8 @@ TFoundSummary SummarizeMachine(const TArguments& arguments) {
 
 /// Returns when the document was collected, if its record says so.
 std::string CollectionTimeIn(const TNamespaces& namespaces) {
-  std::string time;
-  for (const auto& ns : namespaces) {
-    if (!IsRecordNamespace(*ns)) continue;
-    const TCIMDateTime recorded = ReadRecord(*ns).fTime;
-    if (!recorded.IsNull()) time = recorded.ToString();
-  }
-  return MinuteOf(time);
+  const TCIMDateTime recorded = FindRecord(namespaces).fTime;
+  return recorded.IsNull() ? "" : MinuteOf(recorded.ToString());
 }
 
 /// Of several namespaces, the one with the usual name is taken if it describes a machine.
@@ -84,11 +79,12 @@ TFoundSummary SummarizeDocument(const std::string& file, const TArguments& argum
   bool incomplete = false;
   TNamespaces namespaces = OpenDocument(file, arguments, incomplete);
   const std::string time = CollectionTimeIn(namespaces);
+  const std::vector<std::string> partsLeftOut = FindPartsExcluded(namespaces);
   std::stable_partition(namespaces.begin(), namespaces.end(), [](const auto& ns) {
     return NModel::EqualIgnoringCase(ns->GetName({}), kMachineNamespace);
   });
   for (const auto& ns : namespaces) {
-    TFoundSummary found{NSummary::Summarize(*ns), {time, true}, !incomplete};
+    TFoundSummary found{NSummary::Summarize(*ns, partsLeftOut), {time, true}, !incomplete};
     if (found.fSummary.DescribesMachine()) return found;
   }
   FailToSummarize("the machine of " + file, "the document describes none");

@@ -40,6 +40,9 @@ TMissingReasons ReadMissingReasons(const ICIMNamespace& ns);
 /// Returns the reason why a reference to a part that is left out is null.
 std::string ReasonOfPart(const std::string& part);
 
+/// Returns the reason of the classes of a part that is left out as long as nobody asks for it.
+std::string ReasonUntilAskedFor(const std::string& part);
+
 }  // namespace NVORNQDX20::NDescribe
 
 #endif  // QDXDESCRIBE_MISSING_VALUES_H_

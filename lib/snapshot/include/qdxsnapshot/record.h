@@ -50,6 +50,11 @@ TCollectionRecord ReadRecord(const ICIMNamespace& ns);
 /// Returns the first record among the namespaces; an empty one if there is none.
 TCollectionRecord FindRecord(const std::vector<boost::shared_ptr<ICIMNamespace>>& namespaces);
 
+/// Returns the parts that a document lacks by an option of who collected it: it has no classes of
+/// them. Parts that nobody asked for have classes that say so.
+std::vector<std::string> FindPartsExcluded(
+    const std::vector<boost::shared_ptr<ICIMNamespace>>& namespaces);
+
 }  // namespace NVORNQDX20
 
 #endif  // QDXSNAPSHOT_RECORD_H_

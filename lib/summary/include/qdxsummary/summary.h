@@ -213,8 +213,9 @@ struct TSummary {
 /// The classes that Summarize() reads, for the option "classes" of providers.
 const std::vector<std::string>& ClassesOfSummary();
 
-/// Passes on what the namespace throws, except for classes that it does not have.
-TSummary Summarize(const ICIMNamespace& ns);
+/// Passes on what the namespace throws, except for classes that it does not have. Of the parts that
+/// were left out, the namespace has no classes.
+TSummary Summarize(const ICIMNamespace& ns, const std::vector<std::string>& partsLeftOut = {});
 
 }  // namespace NVORNQDX20::NSummary
 
