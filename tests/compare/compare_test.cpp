@@ -171,6 +171,8 @@ TEST(Comparison, TakesReasonsThatSeveralShareForThoseOfOne) {
       {same, "/run/c8:0: No such file", false},
       {same, "/run/b*: Permission denied", false},
       {same, "/run/b8:0: Permission denied", false},
+      {same, "/run/b8: Permission denied; /run/b9: No such file", false},
+      {same, " No such file", false},
       {same, "not asked for", false},
       {same, "", false},
       {"/run/ab*ba", "/run/aba", false},
