@@ -87,12 +87,20 @@ TEST(QDXOutput, NeverReplacesWhatTheCommandReads) {
   folder.Write("a", "text\n");
   const std::string start =
       "cd '" + folder.Path().string() + "' || exit 99; ln -sf a link; \"$0\" ";
-  for (const std::string words : {"report a -o a", "report link -o ./a", "diff b a --html link",
-                                  "redact b --key link -o a", "collect --redact --key a -o a"}) {
+  for (const std::string words :
+       {"report a -o a", "report link -o ./a", "diff b a --html link", "report - -o a <link",
+        "redact b --key link -o a", "collect --redact --key a -o a"}) {
     const TProgramRun run = installation.RunScript(start + words);
     EXPECT_EQ(run.fExitCode, 4) << words;
     EXPECT_PRED_FORMAT2(::testing::IsSubstring, ": this command also reads it\n", run.fErrors);
     EXPECT_EQ(ReadWholeFile(folder.Path() / "a"), "text\n") << words;
+  }
+  folder.Write("-", "text\n");  // is meant by "-" only as a key
+  EXPECT_EQ(installation.RunScript(start + "redact b --key - -o ./-").fErrors,
+            "qdx: writing ./-: this command also reads it\n");
+  for (const std::string words : {"report - -o - <a", "diff - a <a"}) {
+    EXPECT_PRED_FORMAT2(::testing::IsSubstring,
+                        ": no XML document: ", installation.RunScript(start + words).fErrors);
   }
 }
 

@@ -73,9 +73,10 @@ std::filesystem::path FileToReplace(const std::filesystem::path& path) {
 
 void RefuseToReplace(const std::string& output, const std::vector<std::string>& inputs) {
   std::error_code ignored;
-  if (!std::filesystem::is_regular_file(output, ignored)) return;
+  // A file can have the name that means a standard stream.
+  if (output == "-" || !std::filesystem::is_regular_file(output, ignored)) return;
   for (const std::string& input : inputs) {
-    if (std::filesystem::equivalent(output, input, ignored)) {
+    if (std::filesystem::equivalent(output, input == "-" ? "/dev/stdin" : input, ignored)) {
       FailToWrite(output, "this command also reads it");
     }
   }

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <filesystem>
 #include <set>
 #include <utility>
 
@@ -88,7 +89,9 @@ NRedact::TRedaction RedactionOf(const TArguments& arguments) {
   }
   redaction.fGuesses = arguments.Has(kGuessOption);
   const std::string key = arguments.Get(kKeyOption, "");
-  if (!key.empty()) RefuseToReplace(arguments.Get("output", "-"), {key});
+  // No name of a key means standard input.
+  const std::string keyFile = key.empty() ? key : std::filesystem::absolute(key).string();
+  RefuseToReplace(arguments.Get("output", "-"), {keyFile});
   redaction.fKey = key.empty() ? RandomKey() : ReadKey(key);
   return redaction;
 }
