@@ -8,7 +8,7 @@
 #include <qdxcore/status.h>
 
 #include <cstdint>
-#include <fstream>
+#include <fstream>  // for programs that read their log: the logger itself has no stream
 #include <initializer_list>
 #include <list>
 #include <memory>
@@ -79,6 +79,8 @@ class QDXCORE_EXPORT TLogger : public ILogger {
   void SetLogFilename(std::string filename) override;
 
  private:
+  struct TFile;
+
   TLogger();
   void TellAndOutput(EQDXLogSeverity severity, const std::string& message);
   void Output(EQDXLogSeverity severity, const std::string& message);
@@ -89,7 +91,7 @@ class QDXCORE_EXPORT TLogger : public ILogger {
   EQDXLogSeverity fThreshold;
   std::list<TLogEntry> fLog;
   std::string fLogFilename;
-  std::unique_ptr<std::ofstream> fLogFile;  // the first stream of a process prepares a locale
+  std::unique_ptr<TFile> fLogFile;
 };
 
 /// Logs the joined parts if there is a core logger and its threshold accepts them; otherwise does

@@ -3,6 +3,7 @@
 #include <qdxcore/logger.h>
 #include <qdxcore/os_specific.h>
 #include <qdxsystem/descriptor.h>
+#include <qdxsystem/write.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -10,6 +11,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <unistd.h>
 
 namespace NVORNQDX20 {
 namespace {
@@ -56,10 +58,27 @@ __attribute__((noinline)) void OutputJoined(TLogger& logger, ILogger::EQDXLogSev
   static_cast<ILogger&>(logger).OutputLogEntry(severity, Joined(parts));
 }
 
-/// Returns the lowest free descriptor, which the next open() will get.
-int NextDescriptor() { return TDescriptor(::open("/", O_PATH | O_CLOEXEC)).Get(); }
-
 }  // namespace
+
+/// The file, and whether lines go to it. Each is one write, so that the log is complete if the
+/// process dies; a stream with its buffer would only take more time.
+struct TLogger::TFile {
+  TDescriptor fDescriptor;
+  bool fIsGood = false;
+
+  /// Returns the errno of a failure, or 0.
+  int Open(const std::string& name) {
+    fIsGood = false;
+    if (fDescriptor.IsOpen()) return EBUSY;
+    // Children must not inherit it.
+    fDescriptor = TDescriptor(::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+    if (!fDescriptor.IsOpen()) return fDescriptor.GetError();
+    fIsGood = ::lseek(fDescriptor.Get(), 0, SEEK_END) != -1;
+    if (fIsGood) return 0;
+    fDescriptor = TDescriptor();
+    return ESPIPE;
+  }
+};
 
 ILogger::~ILogger() = default;
 
@@ -76,10 +95,7 @@ TLogger* TLogger::GetInstance() { return fgInstance; }
 TLogger::TLogger() : fThreshold(kLogStatus) {}
 
 TLogger::~TLogger() {
-  if (!fLogFilename.empty()) {
-    WriteLine(kClosedLine, sizeof kClosedLine - 1);
-    fLogFile->close();
-  }
+  if (!fLogFilename.empty()) WriteLine(kClosedLine, sizeof kClosedLine - 1);
   if (fgInstance == this) fgInstance = nullptr;
 }
 
@@ -127,31 +143,20 @@ void TLogger::SetLogThreshold(EQDXLogSeverity threshold) { fThreshold = threshol
 ILogger::EQDXLogSeverity TLogger::GetLogThreshold() { return fThreshold; }
 
 void TLogger::SetLogFilename(std::string filename) {
-  if (!fLogFile) fLogFile = std::make_unique<std::ofstream>();
+  if (!fLogFile) fLogFile = std::make_unique<TFile>();
   // Stored even if the file cannot be opened: after a failure, lines are lost instead of going to
   // the operating system's sink.
   fLogFilename = std::move(filename);
-  const int descriptor = NextDescriptor();
-  errno = 0;  // a stream that is already open does not set it
-  fLogFile->open(fLogFilename, std::ios::out | std::ios::ate);
-  const int error = errno;
-  if (!fLogFile->good()) {
+  const int error = fLogFile->Open(fLogFilename);
+  if (error != 0) {
     throw TQDXException(error == EACCES ? kQDXStatusAccessDenied : kQDXStatusFileSystemError);
   }
-  // Children must not inherit the log file; a stream has no option for close-on-exec.
-  ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
   WriteLine(kOpenedLine, sizeof kOpenedLine - 1);
 }
 
 void TLogger::WriteLine(const char* line, std::size_t size) {
-  if (!fLogFile->good()) return;
-  // Each line is flushed, so that the log is complete if the process dies. The buffer does it in
-  // less time than the stream, which checks its state at each step.
-  std::filebuf& buffer = *fLogFile->rdbuf();
-  const auto length = static_cast<std::streamsize>(size);
-  if (buffer.sputn(line, length) != length || buffer.pubsync() != 0) {
-    fLogFile->setstate(std::ios::badbit);
-  }
+  if (!fLogFile->fIsGood) return;
+  fLogFile->fIsGood = WriteAll(fLogFile->fDescriptor.Get(), {line, size});
 }
 
 void LogMessage(ILogger::EQDXLogSeverity severity, std::initializer_list<std::string_view> parts) {

@@ -4,6 +4,8 @@
 #include "support/expect_status.h"
 #include "support/temp_dir.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -94,6 +96,21 @@ TEST_F(Logger, LosesLinesAfterASecondFileButKeepsTheHistory) {
   fLogger.reset();
   EXPECT_EQ(ReadWholeFile(fFile), kOpened);
   EXPECT_FALSE(std::filesystem::exists(fFile + "2"));
+}
+
+TEST_F(Logger, RefusesPipesAndCanOpenAFileAfterwards) {
+  const std::string pipe = fFile + ".pipe";
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  const int reader = ::open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  EXPECT_QDX_STATUS(fLogger->SetLogFilename(pipe), kQDXStatusFileSystemError);
+  fLogger->OutputLogEntry(ILogger::kLogError, "lost");
+  char byte = 0;
+  EXPECT_EQ(::read(reader, &byte, 1), 0);  // closed, and nothing written
+  ::close(reader);
+  fLogger->SetLogFilename(fFile);
+  fLogger->OutputLogEntry(ILogger::kLogError, "written");
+  EXPECT_EQ(History(), (TMessages{"lost", "written"}));
+  EXPECT_EQ(ReadWholeFile(fFile), kOpened + "PRQ_[Error] written\n");
 }
 
 TEST_F(Logger, LosesLinesOfAFullDiskButKeepsTheHistory) {
