@@ -185,8 +185,8 @@ void TClass::EnumerateMethodDecls(const TEnumerationCallback<ICIMMethodDecl>& ca
 }
 
 boost::shared_ptr<TClass> TClass::MakeHandle() const {
-  boost::shared_ptr<TClass> handle = HoldWithNamespace(
-      fNamespace.Handle(), boost::const_pointer_cast<TClass>(shared_from_this()));
+  boost::shared_ptr<TClass> handle =
+      HoldWithNamespace(fNamespace.Handle(), boost::const_pointer_cast<TClass>(shared_from_this()));
   fHandle = handle;
   return handle;
 }
