@@ -20,12 +20,14 @@ constexpr bool kIsUseChecked = false;
 
 /// Of each size: enough for the values of some instances, and at most 10 KB for a thread.
 constexpr unsigned int kMostKept = kIsUseChecked ? 0 : 128;
+/// At most 5 KB.
+constexpr unsigned int kMostBodies = kIsUseChecked ? 0 : 32;
 
 }  // namespace
 
 void TPayloadMemory::ReturnBlocks(void* blocksOfThread) noexcept {
   auto& all = *static_cast<TBlocksOfThread*>(blocksOfThread);
-  for (TBlocks* const blocks : {&all.fSmall, &all.fLarge}) {
+  for (TBlocks* const blocks : {&all.fSmall, &all.fLarge, &all.fBodies}) {
     blocks->fRoom = 0;
     while (TBlock* const first = blocks->fFirst) {
       blocks->fFirst = first->fNext;
@@ -40,6 +42,7 @@ void TPayloadMemory::KeepFirstOrReturn(TBlocks& blocks, void* memory) noexcept {
   static const TThreadEnd end(&ReturnBlocks);
   if (!std::exchange(gBlocks.fWasOpened, true) && end.Expect(&gBlocks)) {
     gBlocks.fSmall.fRoom = gBlocks.fLarge.fRoom = kMostKept;
+    gBlocks.fBodies.fRoom = kMostBodies;
   }
   if (blocks.fRoom == 0) return ::operator delete(memory);
   --blocks.fRoom;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The memory of payloads. A thread keeps that of some that it destroyed for those that it makes
-/// next: most values live for a call or a line, and the allocator takes much longer.
+/// The memory of payloads, and of the bodies of references. A thread keeps that of some that it
+/// destroyed for those that it makes next: most values and references live for a call or a line,
+/// and the allocator takes much longer.
 #ifndef SRC_CORE_PAYLOAD_MEMORY_H_
 #define SRC_CORE_PAYLOAD_MEMORY_H_
 
@@ -11,18 +12,20 @@
 
 namespace NVORNQDX20 {
 
-/// Some blocks for each of two sizes: numbers and what has a body of its own; texts and arrays.
+/// Some blocks for each of three sizes: numbers and what has a body of its own; texts and arrays;
+/// the bodies of references.
 class TPayloadMemory {
  public:
   static constexpr std::size_t kSmall = 24;
   static constexpr std::size_t kLarge = 40;
+  static constexpr std::size_t kBody = 152;
 
-  /// Returns memory for a payload of this size.
+  /// Returns memory of this size.
   template <std::size_t kSize>
   static void* Take() {
     TBlocks& blocks = Blocks<kSize>();
     TBlock* const first = blocks.fFirst;
-    if (first == nullptr) return ::operator new(kSize <= kSmall ? kSmall : kLarge);
+    if (first == nullptr) return ::operator new(kBlockSize<kSize>);
     blocks.fFirst = first->fNext;
     ++blocks.fRoom;
     return first;
@@ -49,14 +52,22 @@ class TPayloadMemory {
   struct TBlocksOfThread {
     TBlocks fSmall;
     TBlocks fLarge;
+    TBlocks fBodies;
     bool fWasOpened;
   };
 
   template <std::size_t kSize>
+  static constexpr std::size_t kBlockSize = kSize <= kSmall   ? kSmall
+                                            : kSize <= kLarge ? kLarge
+                                                              : kBody;
+
+  template <std::size_t kSize>
   static TBlocks& Blocks() {
-    static_assert(kSize <= kLarge);
+    static_assert(kSize <= kBlockSize<kSize>);
     TBlocksOfThread& blocks = FoundOnce(gBlocks);
-    return kSize <= kSmall ? blocks.fSmall : blocks.fLarge;
+    if constexpr (kBlockSize<kSize> == kSmall) return blocks.fSmall;
+    if constexpr (kBlockSize<kSize> == kLarge) return blocks.fLarge;
+    return blocks.fBodies;
   }
   static void ReturnBlocks(void* blocksOfThread) noexcept;
   static void KeepFirstOrReturn(TBlocks& blocks, void* memory) noexcept;

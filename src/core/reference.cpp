@@ -4,6 +4,10 @@
 #include <qdxcore/reference.h>
 #include <qdxcore/status.h>
 
+#include "payload_memory.h"
+
+#include <cstddef>
+#include <memory>
 #include <utility>
 
 namespace NVORNQDX20 {
@@ -11,10 +15,23 @@ namespace {
 
 [[noreturn]] void InvalidSequence() { throw TQDXException(kQDXStatusInvalidOpSequence); }
 
+/// The body of every reference, in memory that is kept like that of values.
+class TBody final : public TCIMReferenceImpl {
+ public:
+  using TCIMReferenceImpl::TCIMReferenceImpl;
+
+  static void* operator new(std::size_t) { return TPayloadMemory::Take<sizeof(TBody)>(); }
+  static void operator delete(void* memory) { TPayloadMemory::Keep<sizeof(TBody)>(memory); }
+
+  static void Delete(std::unique_ptr<TCIMReferenceImpl>& body) {
+    delete static_cast<TBody*>(body.release());
+  }
+};
+
 }  // namespace
 
 TCIMReference::TCIMReference(boost::shared_ptr<ICIMNamespace> ns, TOptionsMap options)
-    : fBody(std::make_unique<TCIMReferenceImpl>(*this, std::move(ns), std::move(options))) {}
+    : fBody(new TBody(*this, std::move(ns), std::move(options))) {}
 
 TCIMReference::TCIMReference(boost::shared_ptr<ICIMNamespace> ns, const std::string& path,
                              TOptionsMap options)
@@ -22,15 +39,16 @@ TCIMReference::TCIMReference(boost::shared_ptr<ICIMNamespace> ns, const std::str
   SetPath(path);
 }
 
-TCIMReference::TCIMReference(const TCIMReference& other)
-    : fBody(std::make_unique<TCIMReferenceImpl>(*this, *other.fBody)) {}
+TCIMReference::TCIMReference(const TCIMReference& other) : fBody(new TBody(*this, *other.fBody)) {}
 
 TCIMReference& TCIMReference::operator=(const TCIMReference& other) {
-  fBody = std::make_unique<TCIMReferenceImpl>(*this, *other.fBody);
+  std::unique_ptr<TCIMReferenceImpl> body(new TBody(*this, *other.fBody));
+  fBody.swap(body);
+  TBody::Delete(body);
   return *this;
 }
 
-TCIMReference::~TCIMReference() = default;
+TCIMReference::~TCIMReference() { TBody::Delete(fBody); }
 
 void TCIMReference::SetNamespace(boost::shared_ptr<ICIMNamespace> ns) {
   fBody->SetNamespace(std::move(ns));

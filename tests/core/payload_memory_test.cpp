@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The memory of values, which a thread keeps for its next ones. A program of its own, since it
 // counts all blocks of the process.
+#include <qdxcore/reference.h>
 #include <qdxcore/value.h>
 
 #include <gtest/gtest.h>
@@ -60,6 +61,10 @@ std::vector<TCIMValue> MakeValues() {
   return values;
 }
 
+std::vector<TCIMReference> MakeReferences() {
+  return std::vector<TCIMReference>(200, TCIMReference(nullptr, TOptionsMap()));
+}
+
 TEST(PayloadMemory, IsThatOfOneValueAtATime) {
   std::mt19937 random(1);
   std::vector<TCIMValue> values(600, TCIMValue(0U));
@@ -75,20 +80,48 @@ TEST(PayloadMemory, IsThatOfOneValueAtATime) {
   }
 }
 
+TEST(PayloadMemory, IsThatOfOneReferenceAtATime) {
+  const auto make = [](unsigned int number) {
+    return TCIMReference(nullptr, TOptionsMap{{"number", TCIMValue(number)}});
+  };
+  std::mt19937 random(1);
+  std::vector<TCIMReference> references(80, make(0));
+  std::vector<unsigned int> numbers(references.size(), 0);
+  for (unsigned int i = 1; i <= 5000; ++i) {
+    const std::size_t at = random() % references.size();
+    // One assignment, and one body that is made and destroyed by itself.
+    references[at] = make(numbers[at] = i);
+    if (i % 500 == 0) std::vector<TCIMReference>(40, make(i));
+    for (std::size_t j = 0; i % 50 == 0 && j < references.size(); ++j) {
+      EXPECT_EQ(references[j].GetBody()->GetOptions().at("number"), TCIMValue(numbers[j]));
+    }
+  }
+}
+
 TEST(PayloadMemory, IsKeptInPartAndReturnedAtTheEndOfTheThread) {
   const int before = blocksInUse;
   int kept = 0;
   std::vector<TCIMValue> passedOn;
-  std::thread([&kept, &passedOn] {
+  std::vector<TCIMReference> references;
+  std::thread([&] {
     // Registered first, so destroyed after the thread has returned what it kept.
     thread_local std::vector<TCIMValue> late;
+    thread_local std::vector<TCIMReference> lateReferences;
     late = MakeValues();
+    lateReferences = MakeReferences();
     const int beforeValues = blocksInUse;
-    for (int i = 0; i < 10; ++i) MakeValues();
+    for (int i = 0; i < 10; ++i) {
+      MakeValues();
+      MakeReferences();
+    }
     kept = blocksInUse - beforeValues;
     passedOn = MakeValues();
+    references = MakeReferences();
   }).join();
-  std::thread([&passedOn] { std::vector<TCIMValue>().swap(passedOn); }).join();
+  std::thread([&] {
+    std::vector<TCIMValue>().swap(passedOn);
+    std::vector<TCIMReference>().swap(references);
+  }).join();
   EXPECT_EQ(blocksInUse, before);
   EXPECT_LE(kept, 300);
 }
