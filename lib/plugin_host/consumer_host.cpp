@@ -59,7 +59,7 @@ void ServeConsumer(const TPluginFile& plugin, const TConsumerRequest& request,
                    const TSender& sender) {
   // A file that is too large shall be a failed write, which the consumer explains.
   std::signal(SIGXFSZ, SIG_IGN);
-  const TWorkerLog log(sender);
+  const TWorkerLog log(sender, ILogger::kLogWarning);
   TDescriptor output;
   if (request.fFile == "-") {
     output = OpenUnnamedFile();

@@ -184,7 +184,7 @@ class TProviderWorker {
 }  // namespace
 
 void ServeProviders(const TPluginFile& plugin, const TProviderRequest& request, TSender& sender) {
-  const TWorkerLog log(sender);
+  const TWorkerLog log(sender, ILogger::kLogError);  // what a provider logs is not printed
   TProviderWorker worker(request, sender);
   worker.Load(plugin);
   worker.AskAll();

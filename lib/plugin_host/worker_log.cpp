@@ -25,11 +25,12 @@ std::string& LastError() {
   std::abort();
 }
 
-/// Makes a new logger, which has no file, with the threshold of the command's. It is never deleted:
-/// plug-ins may log to the very end.
-ILogger::EQDXLogSeverity ReplaceLogger() {
+/// Makes a new logger, which has no file, with the threshold of the command's, or `least`. It is
+/// never deleted: plug-ins may log to the very end.
+ILogger::EQDXLogSeverity ReplaceLogger(ILogger::EQDXLogSeverity least) {
   TLogger* const ofCommand = TLogger::GetInstance();
-  const auto threshold = ofCommand == nullptr ? ILogger::kLogStatus : ofCommand->GetLogThreshold();
+  const auto threshold =
+      std::max(ofCommand == nullptr ? ILogger::kLogStatus : ofCommand->GetLogThreshold(), least);
   TLogger::Initialize();
   TLogger::GetInstance()->SetLogThreshold(threshold);
   return threshold;
@@ -37,9 +38,8 @@ ILogger::EQDXLogSeverity ReplaceLogger() {
 
 }  // namespace
 
-TWorkerLog::TWorkerLog(const TSender& sender)
-    // Warnings are shown whatever the threshold is.
-    : fListener(std::max(ReplaceLogger(), ILogger::kLogWarning),
+TWorkerLog::TWorkerLog(const TSender& sender, ILogger::EQDXLogSeverity shown)
+    : fListener(ReplaceLogger(shown),
                 [&sender, count = 0](auto severity, const std::string& text) mutable {
                   if (severity == ILogger::kLogError) LastError() = text;
                   if (++count > kMaxLogEntries) return;

@@ -22,7 +22,8 @@ inline constexpr const char* kEndedEarly = "it ended with status 0 before it was
 /// library that ends the process by an exception says what it logged last.
 class TWorkerLog {
  public:
-  explicit TWorkerLog(const TSender& sender);
+  /// Sends entries of severity `shown`, and more severe ones, whatever the command's threshold is.
+  TWorkerLog(const TSender& sender, ILogger::EQDXLogSeverity shown);
   TWorkerLog(const TWorkerLog&) = delete;
   TWorkerLog& operator=(const TWorkerLog&) = delete;
 

@@ -57,7 +57,7 @@ TLog OpenLog(const TVerb& verb, const TArguments& arguments) {
   const auto threshold = SeverityNamed(arguments.Get("log-level", "status"));
   const bool hasLog = arguments.Has("log");
   // Without a log nobody reads more, and each entry of a plug-in is a message of its worker.
-  TRootObject::GetCoreLogger()->SetLogThreshold(hasLog ? threshold : ILogger::kLogWarning);
+  TRootObject::GetCoreLogger()->SetLogThreshold(hasLog ? threshold : ILogger::kLogError);
   if (!hasLog) return nullptr;
   // Below "/", where every file is, the log is the operator's choice.
   std::vector<std::string> folders = {TOSSpecific::GetQDXRootPath()};
