@@ -6,6 +6,8 @@
 #include <cstdint>
 
 #include <fcntl.h>
+#include <sys/socket.h>
+#include <unistd.h>
 #include <zlib.h>
 
 #include <qdxsystem/descriptor.h>
@@ -200,6 +202,20 @@ TEST(BadGzipFile, IsRefusedWithItsStatus) {
   for (const auto& c : kCases) {
     EXPECT_EQ(Refusal(c.fBytes, c.fStatus), c.fReason);
   }
+}
+
+TEST(GzipFile, IsToldFromOthersByBytesThatComeOneByOne) {
+  int ends[2] = {-1, -1};
+  ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends), 0);
+  const TDescriptor reading(ends[0]);
+  TDescriptor writing(ends[1]);
+  for (const char byte : std::string("\xFD\x37zXZ")) ASSERT_EQ(::write(writing.Get(), &byte, 1), 1);
+  (void)writing.Close();
+  const TLogCapture log;
+  EXPECT_QDX_STATUS(NCIMXML::ReadDocument("d", reading.Get()),
+                    kQDXStatusInvalidDataCollectionDocument);
+  ASSERT_EQ(log.Messages().size(), 1U);
+  EXPECT_PRED_FORMAT2(::testing::IsSubstring, "it is compressed with xz", log.Messages()[0]);
 }
 
 TEST(GzipFile, MayHaveSeveralMembersAndPaddingAndAnyName) {

@@ -25,6 +25,7 @@ constexpr unsigned char kMagic[] = {0x1F, 0x8B};
 /// The first bytes of other compressions, which no XML document has.
 constexpr std::pair<std::string_view, const char*> kOtherMagic[] = {
     {"\xFD\x37zXZ", "xz"}, {"\x28\xB5\x2F\xFD", "zstd"}, {"BZh", "bzip2"}, {"PK\x03\x04", "zip"}};
+constexpr std::size_t kLongestMagic = 5;
 
 void RefuseOtherCompression(std::string_view start) {
   for (const auto& [magic, name] : kOtherMagic) {
@@ -99,7 +100,7 @@ std::size_t TInput::Read(char* buffer, std::size_t size) {
 }
 
 void TInput::Probe() {
-  while (fEnd < sizeof(kMagic) && Fill()) {
+  while (fEnd < kLongestMagic && Fill()) {  // a pipe gives as few bytes as were written at once
   }
   if (fEnd >= sizeof(kMagic) && std::equal(kMagic, kMagic + sizeof(kMagic), fBuffer.get())) {
     fDecompressor = std::make_unique<TDecompressor>();
