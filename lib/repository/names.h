@@ -99,11 +99,16 @@ class TNameTable {
     return position < fElements.size() && IsSameText(fElements[position]->GetName(), name);
   }
 
-  /// Not inline: Position() would save registers for it at each call.
+  // Not inline: what comes before would save registers for them at each call.
+
   [[gnu::noinline]] std::size_t PositionElsewhere(std::string_view name) const {
     // Others ask for an element twice, or begin again.
     if (IsAt(fLast, name)) return fLast;
     if (IsAt(0, name)) return fLast = 0;
+    return PositionByHash(name);
+  }
+
+  [[gnu::noinline]] std::size_t PositionByHash(std::string_view name) const {
     const std::optional<std::size_t> position = PositionOf(name, fHash(name));
     return position ? fLast = *position : kNone;
   }
