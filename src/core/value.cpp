@@ -100,7 +100,8 @@ TCIMValue::TCIMValue(TCIMValue&& other) noexcept
       fImpl(std::move(other.fImpl)),
       fReferencedClass(std::move(other.fReferencedClass)),
       fMaxArraySize(other.fMaxArraySize) {
-  DropWhatCopiesDrop();
+  // Most values have none of these.
+  if (fReferencedClass || fMaxArraySize != 0 || IsArray()) DropWhatCopiesDrop();
 }
 
 TCIMValue& TCIMValue::operator=(const TCIMValue& other) {

@@ -174,12 +174,18 @@ TEST(CIMValueMove, GivesWhatACopyGives) {
   TCIMValue odd(kUint8, 4);
   odd.Set(5);  // a scalar that has an array size
   TCIMValue array(kUint8, 7, {Null(kUint8)});
+  TCIMValue list = Array(kSint32, 0, {1});
+  TCIMValue& element = ElementsOf(list)[0];
+  element.SetNullValue(static_cast<TCIMType::ECIMType>(kSint32 | TCIMType::kCIMTypeArray), 4);
+  element.Set(5);  // in the array, too
   const TCIMValue movedScalar(std::move(odd));
   const TCIMValue movedArray(std::move(array));
   EXPECT_TRUE(odd.IsNull() && array.IsNull());
   EXPECT_EQ(static_cast<int>(movedScalar), 5);
   EXPECT_EQ(movedScalar.GetMaxArraySize(), 0U);
   EXPECT_EQ(movedArray.GetMaxArraySize(), 7U);
+  TCIMValue movedList(std::move(list));
+  EXPECT_EQ(ElementsOf(movedList)[0].GetMaxArraySize(), 0U);
 }
 
 TEST(CIMValueSwap, ExchangesAllOfEveryPair) {
