@@ -7,6 +7,7 @@
 
 #include "value_payload.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -52,15 +53,14 @@ class TObjectPathParser {
   void Parse(TCIMReferenceImpl& target) {
     const bool nested = fPosition != 0;
     if (nested) ++fPosition;  // over the opening quote
-    const std::size_t dot = Find('.', fPosition);
+    const std::size_t dot = fPath.find('.', fPosition);
     if (dot == std::string::npos) {
-      const std::string name = fPosition < fPath.size() ? fPath.substr(fPosition) : std::string();
-      target.SetClassName(name);
+      target.SetClassName(std::string(fPath.substr(std::min(fPosition, fPath.size()))));
       fPosition = fPath.size();
       return;
     }
     const boost::shared_ptr<ICIMClass> cimClass =
-        fNamespace->GetClass(fPath.substr(fPosition, dot - fPosition), fOptions);
+        fNamespace->GetClass(std::string(fPath.substr(fPosition, dot - fPosition)), fOptions);
     target.SetClass(cimClass);
     fPosition = dot;
     while (!AtEnd(nested)) ParseBinding(target, cimClass);
@@ -76,9 +76,9 @@ class TObjectPathParser {
     if (fPath[fPosition] != ',' && fPath[fPosition] != '.') {
       Refuse("Reference missing '.' or ',', path=");
     }
-    const std::size_t equals = Find('=', fPosition + 1);
+    const std::size_t equals = fPath.find('=', fPosition + 1);
     if (equals == std::string::npos) Refuse("Reference missing property value, path=");
-    std::string name = fPath.substr(fPosition + 1, equals - fPosition - 1);
+    std::string name(fPath.substr(fPosition + 1, equals - fPosition - 1));
     const boost::shared_ptr<const ICIMPropertyDecl> decl = cimClass->GetPropertyDecl(name, {});
 
     fPosition = equals + 1;
@@ -114,7 +114,7 @@ class TObjectPathParser {
   std::string ParseQuotedText() {
     const std::size_t start = fPosition + 1;
     std::size_t at = FindQuoteOrBackslash(fPath, start);
-    std::string text(fPath, start, at - start);
+    std::string text(fPath.substr(start, at - start));
     for (; at < fPath.size() && fPath[at] != '"'; ++at) {
       if (fPath[at] == '\\' && IsQuotable(at + 1)) ++at;
       text += fPath[at];
@@ -123,9 +123,6 @@ class TObjectPathParser {
     if (at == fPath.size()) Refuse("Reference missing closing '\"', path=");
     return text;
   }
-
-  /// Like fPath.find(), which is not inline.
-  std::size_t Find(char c, std::size_t from) const { return std::string_view(fPath).find(c, from); }
 
   bool IsQuotable(std::size_t position) const {
     return position < fPath.size() && (fPath[position] == '"' || fPath[position] == '\\');
@@ -137,7 +134,7 @@ class TObjectPathParser {
 
   const boost::shared_ptr<ICIMNamespace> fNamespace;
   const TOptionsMap& fOptions;
-  const std::string& fPath;
+  const std::string_view fPath;  // not a reference, from which each use would load it again
   std::uint64_t& fPosition;
   int fDepth = 0;
 };
