@@ -3,12 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <string>
 #include <vector>
 
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -18,16 +20,24 @@ using namespace NVORNQDX20;
 
 constexpr std::size_t kMegabyte = std::size_t{1} << 20U;
 
-bool HasLargePages() {
-  std::ifstream file("/sys/kernel/mm/transparent_hugepage/enabled");
-  std::string text;
-  return std::getline(file, text) && text.find("[never]") == std::string::npos;
-}
-
 long Faults() {
   rusage usage{};
   ::getrusage(RUSAGE_SELF, &usage);
   return usage.ru_minflt;
+}
+
+/// Returns whether the kernel has large pages and gives them to this process.
+bool HasLargePages() {
+  constexpr std::size_t kLargePage = 2 * kMegabyte;
+  void* const memory =
+      ::mmap(nullptr, 3 * kLargePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (memory == MAP_FAILED) return false;
+  char* const first = static_cast<char*>(memory);
+  char* const pages = first + (kLargePage - reinterpret_cast<std::uintptr_t>(first) % kLargePage);
+  ::madvise(pages, 2 * kLargePage, MADV_HUGEPAGE);
+  const long before = Faults();
+  std::memset(pages, 1, 2 * kLargePage);
+  return Faults() - before < 16;
 }
 
 /// Takes and fills blocks of this size, as many as make `bytes`. Returns whether there is memory.
@@ -48,9 +58,10 @@ bool GrowsOnce(std::size_t size) {
   PrepareHeap(16 * kMegabyte);  // has room
   const long faults = Faults();
   if (!Fill(8 * kMegabyte, size) || ::sbrk(0) != end) return false;
+  const long taken = Faults() - faults;
   const long pages = 8 * static_cast<long>(kMegabyte) / ::sysconf(_SC_PAGESIZE);
   // A sanitizer has a heap of its own.
-  return end == before || !HasLargePages() || Faults() - faults < pages / 4;
+  return end == before || taken < pages / 4 || !HasLargePages();
 }
 
 /// With too little address space the heap grows as if nothing had been prepared.
