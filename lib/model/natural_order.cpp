@@ -24,7 +24,9 @@ bool ComesBefore(std::string_view left, std::string_view right) {
       if (one != other) return one < other;
       continue;
     }
-    if (left.front() != right.front()) return left.front() < right.front();
+    // By bytes, as std::string_view compares: what is not ASCII comes last.
+    const auto order = left.substr(0, 1).compare(right.substr(0, 1));
+    if (order != 0) return order < 0;
     left.remove_prefix(1);
     right.remove_prefix(1);
   }
