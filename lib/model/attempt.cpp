@@ -24,6 +24,14 @@ const char* MeaningOf(EQDXStatusCode status) {
       return "permission denied";
     case kQDXStatusValueIsNULL:
       return "it has no value";
+    case kQDXStatusAlreadyExists:
+      return "there is one already";
+    case kQDXStatusInvalidDateTime:
+      return "no date-time";
+    case kQDXStatusInvalidReference:
+      return "no object path";
+    case kQDXStatusNotSupported:
+      return "it does not support this";
     case kQDXStatusInvalidFormat:
       return "not of the expected form";
     default:

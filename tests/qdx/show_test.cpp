@@ -185,6 +185,7 @@ TEST_F(QDXShowMachine, UnderstandsNamesOfClasses) {
        4,
        "looking for CIM_NumericSensr: no such class, instance or file; did you mean "
        "'VORNSG_NumericSensor'? part disks is left out\n"},
+      {{"VORNSG_OperatingSystem.LastBootUpTime=\"junk\""}, 4, "=\"junk\": no date-time\n"},
       {{"disk", "--without", "disks"},
        4,
        "looking for disk: no such class, instance or file; part disks is left out\n"},
