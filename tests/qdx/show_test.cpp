@@ -185,7 +185,9 @@ TEST_F(QDXShowMachine, UnderstandsNamesOfClasses) {
        4,
        "looking for CIM_NumericSensr: no such class, instance or file; did you mean "
        "'VORNSG_NumericSensor'? part disks is left out\n"},
-      {{"VORNSG_OperatingSystem.LastBootUpTime=\"junk\""}, 4, "=\"junk\": no date-time\n"},
+      {{"VORNSG_OperatingSystem.LastBootUpTime=\"junk\""},
+       4,
+       "looking for VORNSG_OperatingSystem.LastBootUpTime=\"junk\": no date-time\n"},
       {{"disk", "--without", "disks"},
        4,
        "looking for disk: no such class, instance or file; part disks is left out\n"},
