@@ -63,7 +63,8 @@ TReading<std::string> ReadToEnd(int file, TSize size, std::size_t maxSize) {
     if (count < 0) return Missing(ReasonOf(errno));
     if (count == 0) break;
     text.append(buffer.data(), static_cast<std::size_t>(count));
-    if (size.fIsCertain && text.size() == size.fExpected) break;
+    const bool isShort = static_cast<std::size_t>(count) < wanted;
+    if (size.fIsCertain && isShort && text.size() == size.fExpected) break;
   }
   return text;
 }
@@ -162,7 +163,8 @@ class TFiles::TRoot {
   }
 
   /// Sets the obstacle to what stands in the way of reading, or to an empty text. To open a device
-  /// can start it, so the type of a file in an image is looked at first.
+  /// can start it, so the type of a file in an image is looked at first. What took its place since
+  /// then is found by its size.
   TDescriptor OpenToRead(const std::string& path, TReason& obstacle, TSize& size) const {
     const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY;
     const TPlace place = FindPlace(path);
@@ -178,8 +180,8 @@ class TFiles::TRoot {
       }
       if (S_ISREG(status.st_mode)) {
         TDescriptor file(::openat(place.fFolder, place.fName, flags | O_NOFOLLOW | O_CLOEXEC));
-        obstacle = ObstacleTo(file, size);
-        size.fIsCertain = true;
+        if (!file.IsOpen()) obstacle = ReasonOf(file.GetError());
+        size = {static_cast<std::size_t>(status.st_size), true};
         return file;
       }
     }
@@ -291,6 +293,9 @@ TReading<std::string> TFiles::ReadBytes(const std::string& path, std::size_t max
   const TDescriptor file = fRoot->OpenToRead(fullPath, obstacle, size);
   if (!obstacle.empty()) return MissingFrom(path, obstacle);
   TReading<std::string> reading = ReadToEnd(file.Get(), size, maxSize);
+  const bool isAsExpected = reading && reading->size() == size.fExpected;
+  if (size.fIsCertain && !isAsExpected) obstacle = ObstacleTo(file, size);
+  if (!obstacle.empty()) return MissingFrom(path, obstacle);
   if (!reading) return MissingFrom(path, reading.GetReason());
   if (!kept && reading->size() <= maxSize) fRoot->GetKeptFiles().Keep(fullPath, *reading);
   return reading;

@@ -3,16 +3,21 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
+#include <cstdio>
 #include <fstream>
 #include <functional>
 #include <iostream>
+#include <map>
 #include <numeric>
 
+#include <fcntl.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "support/expect_status.h"
@@ -243,6 +248,28 @@ TEST_F(Files, AreReadIfTheyAreRegularAndMayBeRead) {
   EXPECT_EQ(Line("/f"), "/f: not a regular file");
   ::alarm(0);
   EXPECT_EQ(Line("/"), "/: not a regular file");
+}
+
+TEST_F(Files, AreReadWhateverTakesTheirPlaces) {
+  const std::string file = fTree.Write("f", "text").string(), longer = fTree.Write("g", "longer\n");
+  const std::string pipe = (fTree.Path() / "p").string();
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  const pid_t swapper = ::fork();
+  if (swapper == 0) {
+    ::alarm(30);
+    for (bool isPipe = true;; isPipe = !isPipe) {
+      const char* const other = isPipe ? pipe.c_str() : longer.c_str();
+      ::renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, other, RENAME_EXCHANGE);
+    }
+  }
+  std::map<std::string, int> lines;
+  for (int i = 0; i < 20000; ++i) ++lines[TextOf(TFiles({fTree.Path(), {}}).ReadLine("/f"))];
+  ::kill(swapper, SIGKILL);
+  ::waitpid(swapper, nullptr, 0);
+  for (const auto& [line, count] : lines) {
+    EXPECT_TRUE(line == "text" || line == "longer" || line == "/f: not a regular file")
+        << count << " times " << line;
+  }
 }
 
 TEST_F(Files, AreThisMachinesBelowItsRoot) {
