@@ -122,6 +122,18 @@ std::string HexText(const TJSON& value) {
   return std::string(4 - std::min<std::size_t>(4, digits.size()), '0') + digits;
 }
 
+/// Where a byte is, not how many there are.
+bool IsAddressOfByte(const TPropertySnapshot& property) {
+  return EndsWith(property.fName, "Address") && property.fUnit == "byte";
+}
+
+/// "0x5ffffffff"
+std::string AddressText(std::uint64_t address) {
+  char digits[2 * sizeof address];
+  const auto [end, error] = std::to_chars(digits, std::end(digits), address, 16);
+  return "0x" + std::string(digits, end);
+}
+
 std::string TextOfText(const std::string& text, const TJSON& value,
                        const TPropertySnapshot& property) {
   if (ElementType(property) == "datetime") {
@@ -142,6 +154,9 @@ std::string ScalarText(const TJSON& value, const TPropertySnapshot& property) {
   }
   if (IsNumeric(property)) {
     const auto number = property.fUnit.empty() ? std::nullopt : NumberIn(value);
+    if (number && *number >= 0 && *number < 0x1p64L && IsAddressOfByte(property)) {
+      return AddressText(static_cast<std::uint64_t>(*number));
+    }
     if (number) return FormatQuantity(*number, property.fUnit);
     return BusIDOf(property) != nullptr && value.is_number() ? HexText(value) : PlainText(value);
   }

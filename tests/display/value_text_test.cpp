@@ -40,6 +40,9 @@ TEST(ValueText, IsForPeople) {
   for (const auto& [name, type, value, text] : rows) {
     EXPECT_EQ(TextForPeople(value, Property(name, type)), text) << value;
   }
+  TPropertySnapshot address = Property("EndingAddress", "uint64");
+  address.fUnit = "byte";
+  EXPECT_EQ(TextForPeople("18446744073709551615", address), "0xffffffffffffffff");
 }
 
 TEST(ValueText, NamesTheNumbersOfEnumerations) {

@@ -13,10 +13,10 @@
 namespace NVORNQDX20 {
 
 /// Returns a value of the property: with its unit ("512.1 GB") or the text of its number
-/// ("2 (OK)"), an address of a port as "52:54:00:12:34:56", an ID of PCI and USB as "8086", a
-/// date-time as "2004-03-15 14:30:00 +01:00" or "12 days 3 h", a reference as the short name of its
-/// instance; the elements of an array likewise.
-/// Everything else is as PlainText() returns it.
+/// ("2 (OK)"), an address of a port as "52:54:00:12:34:56" and of a byte as "0x5ffffffff", an ID of
+/// PCI and USB as "8086", a date-time as "2004-03-15 14:30:00 +01:00" or "12 days 3 h", a reference
+/// as the short name of its instance; the elements of an array likewise. Everything else is as
+/// PlainText() returns it.
 std::string TextForPeople(const TJSON& value, const TPropertySnapshot& property);
 
 /// Returns the same for one value of an instance, with what its other properties say about it: the
