@@ -35,6 +35,10 @@ TEST_F(QDXReport, DescribesMachinesAndDocuments) {
   const std::string document = PathOf("document.xml");
   fQDX.Run({"collect", "--root", PathOf("machine"), "-o", document});
   EXPECT_TRUE(IsPage(fQDX.Run({"report", document, "-o", "-"}).fOutput));
+  const std::string compressed = PathOf("page.html.gz");
+  EXPECT_TRUE(IsPage(fQDX.RunScript("\"$0\" report " + document + " -o " + compressed +
+                                    " >&2 && gzip -dc " + compressed)
+                         .fOutput));
   EXPECT_TRUE(
       IsPage(fQDX.RunScript("\"$0\" report - -o /dev/stdout <" + document + " | cat").fOutput));
   // The plug-in gets the namespaces one by one.
@@ -91,6 +95,7 @@ TEST_F(QDXReport, SaysWhatIsWrong) {
     std::string fError;
   };
   const std::string machine = PathOf("machine");
+  std::filesystem::create_symlink("/dev/full", PathOf("full.gz"));
   const TRow rows[] = {
       {{"report"}, 2, "report needs option '--output'"},
       {{"report", "x.xml", "--root", machine, "-o", "-"},
@@ -104,6 +109,7 @@ TEST_F(QDXReport, SaysWhatIsWrong) {
        4,
        "its folder does not exist"},
       {{"report", "--root", machine, "-o", machine}, 4, "Is a directory"},
+      {{"report", "--root", machine, "-o", PathOf("full.gz")}, 4, "full.gz: No space left on"},
       {{"report", "--root", machine, "-o", "/dev/full"}, 4, "No space left on device"},
       {{"diff", "a", "b", "--html", "-", "--json"},
        2,

@@ -12,7 +12,8 @@ namespace NVORNQDX20 {
 bool IsReplaceable(const std::string& path);
 
 /// Writes the text to the file, or for "-" to standard output. A file appears complete or not at
-/// all, readable by its owner only, and its name is printed. Throws a TCommandFailure on failure.
+/// all, readable by its owner only, and its name is printed; one that ends in ".gz" is compressed.
+/// Throws a TCommandFailure on failure.
 void WriteWholeFile(const std::string& text, const std::string& file);
 
 }  // namespace NVORNQDX20
