@@ -101,13 +101,6 @@ bool Has(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
 }
 
-TGap::EKind KindOf(const TReason& reason) {
-  if (reason.rfind("part ", 0) == 0 && Has(reason, " is left out")) return TGap::kLeftOut;
-  if (!reason.IsError()) return TGap::kNotThere;
-  const bool isRefused = Has(reason, "Permission denied") || Has(reason, "Operation not permitted");
-  return isRefused ? TGap::kNeedsRoot : TGap::kFailed;
-}
-
 /// Returns whether it is known in spite of an absence: from another source, or of other parts.
 bool IsKnown(const TSummary& summary, std::string_view subject) {
   const TOperatingSystem& os = summary.fOperatingSystem;
@@ -216,6 +209,13 @@ void AddPartLeftOut(const std::string& part, std::vector<TGap>& gaps) {
 }
 
 }  // namespace
+
+TGap::EKind KindOf(const TReason& reason) {
+  if (reason.rfind("part ", 0) == 0 && Has(reason, " is left out")) return TGap::kLeftOut;
+  if (!reason.IsError()) return TGap::kNotThere;
+  const bool isRefused = Has(reason, "Permission denied") || Has(reason, "Operation not permitted");
+  return isRefused ? TGap::kNeedsRoot : TGap::kFailed;
+}
 
 void ReadGaps(const ICIMNamespace& ns, const std::vector<std::string>& partsLeftOut,
               TSummary& summary) {

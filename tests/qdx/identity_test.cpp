@@ -80,7 +80,9 @@ TEST_F(QDXIdentity, IsPrintedAsJSON) {
       "absent": {"model": "not in the product name",
                  "sku": "/sys/class/dmi/id/product_sku: No such file or directory"}})json");
   expected["qdxVersion"] = QDXCORE_VERSION;
-  EXPECT_EQ(nlohmann::json::parse(Run({"--json"}).fOutput), expected);
+  const TProgramRun run = Run({"--json"});
+  EXPECT_EQ(nlohmann::json::parse(run.fOutput), expected);
+  EXPECT_EQ(run.fExitCode, 3) << "a size could not be read";
 }
 
 /// "DRACHMA" is no type DRAC with model HMA.
@@ -99,7 +101,7 @@ TEST_F(QDXIdentity, NeedsARootOfWhichSomethingIsKnown) {
   const TTempDir empty;
   const std::string folder = empty.Path().string(), file = fTree.Write("file", "").string();
   const std::tuple<std::string, int, std::string> rows[] = {
-      {folder, 5, "describing the machine below " + folder + ": all values are missing\n"},
+      {folder, 5, "describing the machine below " + folder + ": all values are missing"},
       {file, 4, "reading root folder " + file + ": not a folder\n"},
       {"/no\033[31m\xff\xc2\x9b", 4,
        "reading root folder /no?[31m??: No such file or directory\n"}};

@@ -4,6 +4,7 @@
 #include <qdxdescribe/missing_values.h>
 #include <qdxdescribe/numbers.h>
 #include <qdxmodel/classes.h>
+#include <qdxsummary/summary.h>
 
 #include <algorithm>
 #include <map>
@@ -52,8 +53,9 @@ using TInstances = std::vector<boost::shared_ptr<ICIMInstance>>;
 
 struct TAnswer {
   TItem fItem;
-  TJSON fValue;         ///< Null if it is missing.
-  std::string fRemark;  ///< Why it is missing, or what is unusual about it.
+  TJSON fValue;             ///< Null if it is missing.
+  std::string fRemark;      ///< Why it is missing, or what is unusual about it.
+  bool fHasFailed = false;  ///< An error stood in the way, other than a lack of rights.
 };
 
 /// The instances of a class and its subclasses; none if the provider has no such class.
@@ -231,11 +233,10 @@ std::vector<std::string> ClassesOf(const std::vector<TItem>& items) {
   return classes;
 }
 
-/// Returns the first error that stood in the way of the sources, and the number of the others;
-/// empty if there was none.
-std::string ErrorsIn(const std::vector<TSource>& sources,
-                     const NDescribe::TMissingReasons& reasons) {
-  std::vector<std::string> errors;
+/// Returns the errors that stood in the way of the sources, each once.
+std::vector<NDescribe::TReason> ErrorsIn(const std::vector<TSource>& sources,
+                                         const NDescribe::TMissingReasons& reasons) {
+  std::vector<NDescribe::TReason> errors;
   for (const auto& [className, properties] : sources) {
     for (const auto& [missing, reason] : reasons) {
       const auto& [missingClass, instance, property] = missing;
@@ -246,6 +247,16 @@ std::string ErrorsIn(const std::vector<TSource>& sources,
   }
   std::sort(errors.begin(), errors.end());
   errors.erase(std::unique(errors.begin(), errors.end()), errors.end());
+  return errors;
+}
+
+/// Returns whether something else than rights is missing.
+bool IsFailure(const NDescribe::TReason& reason) {
+  return NSummary::KindOf(reason) == NSummary::TGap::kFailed;
+}
+
+/// Returns the first error, and the number of the others; empty if there is none.
+std::string RemarkOn(const std::vector<NDescribe::TReason>& errors) {
   if (errors.empty()) return "";
   return errors.front() +
          (errors.size() == 1 ? "" : " and " + std::to_string(errors.size() - 1) + " more");
@@ -260,11 +271,14 @@ TAnswer Ask(const TItem& item, TNamespace ns, const NDescribe::TMissingReasons& 
     if (item.fRawQuery) return {item, item.fRawQuery(ns), item.fFormatRemark};
   }
   // A key cannot be null: an empty text means that the value is missing.
-  std::string errors = ErrorsIn(item.fSources, reasons);
-  if (!failure && value != "" && !value.is_null()) return {item, value, std::move(errors)};
-  if (!errors.empty()) return {item, nullptr, std::move(errors)};
+  const std::vector<NDescribe::TReason> errors = ErrorsIn(item.fSources, reasons);
+  const bool hasFailed = std::any_of(errors.begin(), errors.end(), IsFailure);
+  if (!failure && value != "" && !value.is_null()) {
+    return {item, value, RemarkOn(errors), hasFailed};
+  }
+  if (!errors.empty()) return {item, nullptr, RemarkOn(errors), hasFailed};
   const auto reason = reasons.find({item.fClass, "", item.fProperty});
-  if (reason != reasons.end()) return {item, nullptr, reason->second};
+  if (reason != reasons.end()) return {item, nullptr, reason->second, IsFailure(reason->second)};
   return {item, nullptr, failure ? failure->GetReason() : "empty"};
 }
 
@@ -291,10 +305,12 @@ void WriteForPeople(const std::vector<TAnswer>& answers) {
   const bool hasMTM = std::any_of(answers.begin(), answers.end(), [](const TAnswer& answer) {
     return answer.fItem.fKey == std::string(kMachineTypeKey) && !answer.fValue.is_null();
   });
-  for (const auto& [item, value, remark] : answers) {
-    if (!IsForPeople(item, hasMTM)) continue;
-    const std::string text = TextOf(value) + (remark.empty() ? "" : "  (" + remark + ")");
-    rows.push_back({{item.fLabel, text}, value.is_null() ? TTableRow::kDim : TTableRow::kPlain});
+  for (const TAnswer& answer : answers) {
+    if (!IsForPeople(answer.fItem, hasMTM)) continue;
+    const std::string remark = FirstReason(answer.fRemark);
+    const std::string text = TextOf(answer.fValue) + (remark.empty() ? "" : "  (" + remark + ")");
+    rows.push_back({{answer.fItem.fLabel, text},
+                    answer.fValue.is_null() ? TTableRow::kDim : TTableRow::kPlain});
   }
   WriteOutput(FormatTable(rows));
 }
@@ -303,9 +319,10 @@ void WriteAsJSON(const std::vector<TAnswer>& answers) {
   TJSON document = TJSON::object();  // an assignment that lacks memory would damage a null
   TJSON absent = TJSON::object();
   TJSON notes = TJSON::object();
-  for (const auto& [item, value, remark] : answers) {
-    document[item.fKey] = value;
-    if (!remark.empty()) (value.is_null() ? absent : notes)[item.fKey] = remark;
+  for (const TAnswer& answer : answers) {
+    const char* const key = answer.fItem.fKey;
+    document[key] = answer.fValue;
+    if (!answer.fRemark.empty()) (answer.fValue.is_null() ? absent : notes)[key] = answer.fRemark;
   }
   document["absent"] = absent;
   document["notes"] = notes;
@@ -335,9 +352,11 @@ EExitCode RunIdentity(const TArguments& arguments) {
   for (const TItem& item : items) answers.push_back(Ask(item, ns, reasons));
   arguments.Has("json") ? WriteAsJSON(answers) : WriteForPeople(answers);
   if (std::none_of(answers.begin(), answers.end(), DescribesMachine)) {
-    return FailToDescribe(root, "all values are missing");
+    return FailToDescribe(root, "all values are missing; 'qdx show' gives the reasons");
   }
-  return machine.IsComplete() ? kExitDone : kExitPartlyDone;
+  const bool hasFailed = std::any_of(answers.begin(), answers.end(),
+                                     [](const TAnswer& answer) { return answer.fHasFailed; });
+  return machine.IsComplete() && !hasFailed ? kExitDone : kExitPartlyDone;
 }
 
 std::vector<TOptionSpec> IdentityOptions() {

@@ -64,7 +64,8 @@ TFoundSummary SummarizeMachine(const TArguments& arguments) {
   TFoundSummary found{NSummary::Summarize(*ns),
                       {"", ::geteuid() != 0 || arguments.Has("user")},
                       machine.IsComplete()};
-  if (!found.fSummary.DescribesMachine()) FailToSummarize(what, "all values are missing");
+  if (!found.fSummary.DescribesMachine())
+    FailToSummarize(what, "all values are missing; 'qdx show' gives the reasons");
   return found;
 }
 

@@ -10,6 +10,7 @@
 #define QDXSUMMARY_SUMMARY_H_
 
 #include <qdxcore/interfaces.h>
+#include <qdxdescribe/reading.h>
 
 #include <array>
 #include <cstddef>
@@ -188,6 +189,9 @@ struct TGap {
   std::string fReason;                 ///< The first one.
   std::vector<std::string> fSubjects;  ///< As in "memory modules".
 };
+
+/// Returns what kind of gap has this reason.
+TGap::EKind KindOf(const NDescribe::TReason& reason);
 
 struct TSummary {
   TProduct fProduct;
