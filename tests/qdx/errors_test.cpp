@@ -41,8 +41,8 @@ const struct {
     {"validate none.xml", 4, "reading document none.xml: No such file or directory"},
     {"diff w.xml none.xml", 4, "reading document none.xml: No such file or directory"},
     {"show folder", 4,
-     "reading document folder: Is a directory; --root describes the machine whose files are in a "
-     "folder"},
+     "reading document folder: Is a directory; 'qdx summary --root folder' describes the machine "
+     "whose files are in a folder"},
     {"show secret.xml", 4,
      "reading document secret.xml: Permission denied; read it as its owner or as root"},
     {"show empty.xml", 4, "reading document empty.xml: line 1, column 1: the file is empty"},

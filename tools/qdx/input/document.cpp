@@ -47,7 +47,7 @@ std::string RemedyFor(const std::string& file) {
   if (file == "-") return "";
   struct stat status {};
   if (::stat(file.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
-    return "; --root describes the machine whose files are in a folder";
+    return "; 'qdx summary --root " + file + "' describes the machine whose files are in a folder";
   }
   const bool isForbidden = ::access(file.c_str(), R_OK) != 0 && errno == EACCES;
   return isForbidden ? "; read it as its owner or as root" : "";
