@@ -21,9 +21,12 @@ using TNames = std::vector<std::string>;
 /// What people call a class that has another name.
 constexpr std::pair<std::string_view, std::string_view> kCommonWords[] = {
     {"account", "Account"},
+    {"address", "IPProtocolEndpoint"},
+    {"array", "StorageVolume"},
     {"bios", "BIOSElement"},
     {"board", "Card"},
     {"cache", "CacheMemory"},
+    {"cards", "PCIDevice"},  // as the summary calls them; one card is a board
     {"computer", "ComputerSystem"},
     {"core", "ProcessorCore"},
     {"cpu", "Processor"},
@@ -49,6 +52,7 @@ constexpr std::pair<std::string_view, std::string_view> kCommonWords[] = {
     {"pci", "PCIDevice"},
     {"port", "EthernetPort"},
     {"process", "UnixProcess"},
+    {"raid", "StorageVolume"},
     {"ram", "PhysicalMemory"},
     {"route", "NextHopIPRoute"},
     {"sensor", "NumericSensor"},
