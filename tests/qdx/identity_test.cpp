@@ -82,7 +82,8 @@ TEST_F(QDXIdentity, IsPrintedAsJSON) {
   expected["qdxVersion"] = QDXCORE_VERSION;
   const TProgramRun run = Run({"--json"});
   EXPECT_EQ(nlohmann::json::parse(run.fOutput), expected);
-  EXPECT_EQ(run.fExitCode, 3) << "a size could not be read";
+  EXPECT_EQ(run.fExitCode, 3);
+  EXPECT_EQ(run.fErrors, "qdx: Disks: /sys/block/sdd/size: not a regular file and 1 more\n");
 }
 
 /// "DRACHMA" is no type DRAC with model HMA.

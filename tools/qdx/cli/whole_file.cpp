@@ -26,7 +26,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* kCompressed = ".gz";
 
-[[noreturn]] void FailToWrite(const std::string& shownAs, const std::string& why) {
+[[noreturn]] void FailToWriteFile(const std::string& shownAs, const std::string& why) {
   throw TCommandFailure(kExitBadInput, "writing " + shownAs, {kQDXStatusFileSystemError, why});
 }
 
@@ -37,7 +37,9 @@ void CompressInto(const std::string& path, const std::string& text, const std::s
     output.Write(text);
     output.Close();
   });
-  if (failure) FailToWrite(shownAs, WithoutName(WithoutName(*failure, service), path).GetReason());
+  if (failure) {
+    FailToWriteFile(shownAs, WithoutName(WithoutName(*failure, service), path).GetReason());
+  }
 }
 
 void WriteInto(const std::string& path, const std::string& text, const std::string& shownAs) {
@@ -48,7 +50,7 @@ void WriteInto(const std::string& path, const std::string& text, const std::stri
     error = WriteAll(output.Get(), text) ? 0 : errno;
     if (!output.Close() && error == 0) error = errno;
   }
-  if (error != 0) FailToWrite(shownAs, ErrorText(error));
+  if (error != 0) FailToWriteFile(shownAs, ErrorText(error));
 }
 
 }  // namespace
@@ -56,9 +58,7 @@ void WriteInto(const std::string& path, const std::string& text, const std::stri
 bool IsReplaceable(const std::string& path) {
   std::error_code error;
   const fs::file_status status = fs::status(path, error);
-  if (!fs::status_known(status)) {
-    FailToWrite(path, ErrorText(error.value()));
-  }
+  if (!fs::status_known(status)) FailToWriteFile(path, ErrorText(error.value()));
   return !fs::exists(status) || fs::is_regular_file(status);
 }
 

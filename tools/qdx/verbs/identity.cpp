@@ -329,6 +329,17 @@ void WriteAsJSON(const std::vector<TAnswer>& answers) {
   WriteJSON(document);
 }
 
+/// Prints a line for each failure. Returns whether there was one.
+bool ReportFailed(const std::vector<TAnswer>& answers) {
+  bool any = false;
+  for (const TAnswer& answer : answers) {
+    if (!answer.fHasFailed) continue;
+    PrintError(answer.fItem.fLabel + (": " + FirstReason(answer.fRemark)));
+    any = true;
+  }
+  return any;
+}
+
 EExitCode FailToDescribe(const std::string& root, const std::string& why) {
   PrintFailure("describing the machine below " + root, {kQDXStatusNotFound, why});
   return kExitNothingCollected;
@@ -354,8 +365,7 @@ EExitCode RunIdentity(const TArguments& arguments) {
   if (std::none_of(answers.begin(), answers.end(), DescribesMachine)) {
     return FailToDescribe(root, "all values are missing; 'qdx show' gives the reasons");
   }
-  const bool hasFailed = std::any_of(answers.begin(), answers.end(),
-                                     [](const TAnswer& answer) { return answer.fHasFailed; });
+  const bool hasFailed = ReportFailed(answers);
   return machine.IsComplete() && !hasFailed ? kExitDone : kExitPartlyDone;
 }
 
