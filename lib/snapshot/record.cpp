@@ -78,11 +78,12 @@ TCollectionRecord FindRecord(const std::vector<boost::shared_ptr<ICIMNamespace>>
 
 std::vector<std::string> FindPartsExcluded(
     const std::vector<boost::shared_ptr<ICIMNamespace>>& namespaces) {
+  std::vector<std::string> parts = FindRecord(namespaces).fPartsLeftOut;
+  if (parts.empty()) return parts;
   std::set<std::string> reasons;
   for (const auto& ns : namespaces) {
     for (const auto& [place, reason] : NDescribe::ReadMissingReasons(*ns)) reasons.insert(reason);
   }
-  std::vector<std::string> parts = FindRecord(namespaces).fPartsLeftOut;
   const auto isUntilAskedFor = [&reasons](const std::string& part) {
     return reasons.count(NDescribe::ReasonUntilAskedFor(part)) != 0;
   };

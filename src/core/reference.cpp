@@ -23,6 +23,7 @@ class TBody final : public TCIMReferenceImpl {
   static void* operator new(std::size_t) { return TPayloadMemory::Take<sizeof(TBody)>(); }
   static void operator delete(void* memory) { TPayloadMemory::Keep<sizeof(TBody)>(memory); }
 
+  /// The pointer's own deleter would give the memory to the allocator.
   static void Delete(std::unique_ptr<TCIMReferenceImpl>& body) {
     delete static_cast<TBody*>(body.release());
   }

@@ -15,6 +15,10 @@ namespace NVORNQDX20 {
 /// only values are the names of classes and what describes the tool.
 bool LacksAllValues(const ICIMNamespace& ns);
 
+/// What a verb says of such a machine.
+inline constexpr const char* kLacksAllValues =
+    "all values are missing; 'qdx show' gives the reasons";
+
 /// Prints a line if the class lacks instances which the machine may have, "describing CLASS of
 /// WHERE: reason". Returns whether it does.
 bool ReportLostInstances(const std::string& where, const TClassSnapshot& cimClass,

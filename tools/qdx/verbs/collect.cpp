@@ -166,7 +166,7 @@ class TCollection {
     if (fNamespaces.empty()) FailToCollect(machine, "no provider has data");
     const auto lacksAll = [](const auto& ns) { return LacksAllValues(*ns.fNamespace); };
     if (std::all_of(fNamespaces.begin(), fNamespaces.end(), lacksAll)) {
-      FailToCollect(machine, "all values are missing; 'qdx show' gives the reasons");
+      FailToCollect(machine, kLacksAllValues);
     }
     if (fRedaction != nullptr) fRedaction->Learn(NamespacesAndRecord(), "the machine");
   }

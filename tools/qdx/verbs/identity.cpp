@@ -12,6 +12,7 @@
 #include <qdxsnapshot/value_json.h>
 #include "cli/output.h"
 #include "cli/terminal.h"
+#include "input/completeness.h"
 #include "input/machine.h"
 #include "input/worker_options.h"
 #include "summary/words.h"
@@ -250,7 +251,7 @@ std::vector<NDescribe::TReason> ErrorsIn(const std::vector<TSource>& sources,
   return errors;
 }
 
-/// Returns whether something else than rights is missing.
+/// Returns whether it is an error, other than a lack of rights.
 bool IsFailure(const NDescribe::TReason& reason) {
   return NSummary::KindOf(reason) == NSummary::TGap::kFailed;
 }
@@ -363,7 +364,7 @@ EExitCode RunIdentity(const TArguments& arguments) {
   for (const TItem& item : items) answers.push_back(Ask(item, ns, reasons));
   arguments.Has("json") ? WriteAsJSON(answers) : WriteForPeople(answers);
   if (std::none_of(answers.begin(), answers.end(), DescribesMachine)) {
-    return FailToDescribe(root, "all values are missing; 'qdx show' gives the reasons");
+    return FailToDescribe(root, kLacksAllValues);
   }
   const bool hasFailed = ReportFailed(answers);
   return machine.IsComplete() && !hasFailed ? kExitDone : kExitPartlyDone;

@@ -36,9 +36,9 @@ TNamespaces NamespacesOfMachine(const TArguments& arguments, bool& incomplete) {
   // The lines about failed providers are the reason.
   if (namespaces.empty() && incomplete) throw TCommandFailure(kExitNothingCollected);
   if (lacksAll) {
-    throw TCommandFailure(
-        kExitNothingCollected, "reporting on the machine below " + machine.GetRoot(),
-        {kQDXStatusNotFound, "all values are missing; 'qdx show' gives the reasons"});
+    throw TCommandFailure(kExitNothingCollected,
+                          "reporting on the machine below " + machine.GetRoot(),
+                          {kQDXStatusNotFound, kLacksAllValues});
   }
   return namespaces;
 }

@@ -13,6 +13,7 @@
 
 #include <qdxsnapshot/record.h>
 #include "cli/output.h"
+#include "input/completeness.h"
 #include "input/document.h"
 #include "input/machine.h"
 #include "input/worker_options.h"
@@ -64,8 +65,7 @@ TFoundSummary SummarizeMachine(const TArguments& arguments) {
   TFoundSummary found{NSummary::Summarize(*ns),
                       {"", ::geteuid() != 0 || arguments.Has("user")},
                       machine.IsComplete()};
-  if (!found.fSummary.DescribesMachine())
-    FailToSummarize(what, "all values are missing; 'qdx show' gives the reasons");
+  if (!found.fSummary.DescribesMachine()) FailToSummarize(what, kLacksAllValues);
   return found;
 }
 
